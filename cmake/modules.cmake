@@ -1,0 +1,49 @@
+# The kinds of target this project builds. Sources are those below the folders that are named.
+function(lumiset_sources out)
+  set(found)
+  foreach(folder IN LISTS ARGN)
+    file(GLOB here CONFIGURE_DEPENDS ${folder}/*.cpp)
+    list(APPEND found ${here})
+  endforeach()
+  set(${out} ${found} PARENT_SCOPE)
+endfunction()
+
+function(lumiset_static target)
+  cmake_parse_arguments(ARG "" "" "FOLDERS;LINK" ${ARGN})
+  lumiset_sources(sources ${ARG_FOLDERS})
+  add_library(${target} STATIC ${sources})
+  target_link_libraries(${target} PUBLIC ${ARG_LINK})
+  lumiset_options(${target})
+endfunction()
+
+# A library that is loaded while the program runs and that exports what its map file lists.
+function(lumiset_loadable target)
+  cmake_parse_arguments(ARG "" "MAP;FOLDER" "SOURCES;LINK" ${ARGN})
+  add_library(${target} MODULE ${ARG_SOURCES})
+  target_link_libraries(${target} PRIVATE ${ARG_LINK})
+  lumiset_options(${target})
+  set_target_properties(${target} PROPERTIES PREFIX ""
+    LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${ARG_FOLDER}
+    LINK_DEPENDS ${ARG_MAP})
+  target_link_options(${target} PRIVATE -Wl,--version-script=${ARG_MAP} -Wl,-z,defs)
+  if(LUMISET_SANITIZE)
+    # The sanitizer's runtime belongs to the program, so its symbols stay open here.
+    set_property(TARGET ${target} PROPERTY LINK_OPTIONS
+      -fsanitize=address,undefined -Wl,--version-script=${ARG_MAP})
+  endif()
+endfunction()
+
+# One program of tests for one room; its sources lie in tests/<room>.
+function(lumiset_test room)
+  cmake_parse_arguments(ARG "" "" "LINK" ${ARGN})
+  lumiset_sources(sources ${PROJECT_SOURCE_DIR}/tests/${room})
+  if(NOT sources)
+    return()
+  endif()
+  string(REPLACE "/" "_" name ${room})
+  add_executable(test_${name} ${sources})
+  target_include_directories(test_${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_link_libraries(test_${name} PRIVATE ${ARG_LINK} GTest::gtest_main)
+  lumiset_options(test_${name})
+  add_test(NAME ${name} COMMAND test_${name})
+endfunction()

@@ -1,0 +1,23 @@
+# Compile options that every target of this project shares: warnings are errors, symbols are hidden
+# unless a contract header exports them, and floating-point results do not depend on contraction.
+function(lumiset_options target)
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  set_target_properties(${target} PROPERTIES
+    POSITION_INDEPENDENT_CODE ON
+    CXX_EXTENSIONS OFF
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
+  target_compile_options(${target} PRIVATE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
+    -Woverloaded-virtual -Wcast-qual -Wformat=2 -Wundef -Werror
+    -ffp-contract=off)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # Unique symbols would pin a freed module in memory and share its singletons with others.
+    target_compile_options(${target} PRIVATE -fno-gnu-unique -Wduplicated-cond -Wlogical-op)
+  endif()
+  if(LUMISET_SANITIZE)
+    target_compile_options(${target} PRIVATE
+      -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(${target} PRIVATE -fsanitize=address,undefined)
+  endif()
+endfunction()
