@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+
+#include "tvl/adaptor_interface.h"
+#include "tvl/message.h"
+#include "tvl/xml_node.h"
+
+// What an adaptor asks of the Core: the object that the Core's routine `attach` returns. All calls
+// come on the host's user-interface thread, and any of them may call back into the adaptor.
+// The order of the virtual operations is part of the contract.
+class CoreInterface {
+  public:
+    // The Core's whole state, as one element. Without children nothing is stored.
+    virtual XMLNode GetCoreState() = 0;
+
+    // State from a scene file. Several calls can come for one file; an element "TVL" without
+    // children says that there is nothing to load.
+    virtual void SetCoreState(XMLNode state) = 0;
+
+    // The scene is about to be replaced: let go of every node.
+    virtual void ResetCore() = 0;
+
+    // The user asks for the Core's window; `mainWindow` is the host's.
+    virtual void ShowCore(TVL::WindowHandle mainWindow) = 0;
+
+    // The host's time has moved.
+    virtual void NotifyTimeChanged(double seconds) = 0;
+
+    // While a Core says that it is running, the adaptor's controllers report no keys to the host.
+    virtual bool IsCoreRunning() = 0;
+
+    // Asked for before nodes are deleted while the Core is running.
+    virtual void StopCore() = 0;
+
+    // Options are those of AdaptorInterface::GetOptionsPanel: 1027 (optimised controllers), 1028 (the
+    // button that converts all controllers) and 1030 (dynamic meshes). The second argument is 0.
+    // GetOptionNode gives the message node of the option, which the adaptor listens to (1028: a
+    // press is a message with id 324 from that node), or null.
+    virtual TVL::Util::MessageNode* GetOptionNode(int option, int unused) = 0;
+    virtual void BindOption(int option, int unused) = 0;
+
+    // Writes the option's value; an option that the Core does not know leaves it as it is.
+    virtual void GetOptionValue(int option, bool* value) = 0;
+
+  protected:
+    ~CoreInterface() = default;
+};
+
+namespace TVL {
+
+// The routines that a Core library exports by name, with C linkage:
+//   getVersion  must equal AdaptorInterface::GetVersion, else the library is not attached
+//   attach      called once for each load; null refuses
+//   detach      the last call before the library is freed. Before it returns the Core has given back
+//               what it placed (ClearErrorCode, ClearLog), has destroyed its message nodes, and has
+//               ended all use of nodes, snapshots and the adaptor itself.
+using GetVersionRoutine = std::uint32_t();
+using AttachRoutine = CoreInterface*(AdaptorInterface*);
+using DetachRoutine = void(CoreInterface*);
+
+inline constexpr const char* kGetVersionRoutine = "getVersion";
+inline constexpr const char* kAttachRoutine = "attach";
+inline constexpr const char* kDetachRoutine = "detach";
+
+}  // namespace TVL

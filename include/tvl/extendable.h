@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+namespace TVL {
+
+// Base of everything that crosses between adaptor and Core and may grow: an extension is a numbered
+// operation with one pointer argument, which an object lists if it answers it. What a number means,
+// what its argument points to and what its result says belongs to the class that lists it.
+// The order of the virtual operations is part of the contract.
+class CExtendable {
+  public:
+    // Runs extension `id`. An id that the object does not know gives 0 and has no effect.
+    virtual std::intptr_t HandleExtension(int id, void* argument);
+
+    // The ids that the object announces, in an order of its own.
+    virtual std::vector<int> ListExtensions();
+
+    // Whether `id` stands in ListExtensions().
+    virtual bool HasExtension(int id);
+
+  protected:
+    CExtendable() = default;
+    CExtendable(const CExtendable&) = default;
+    CExtendable& operator=(const CExtendable&) = default;
+    ~CExtendable() = default;
+};
+
+}  // namespace TVL

@@ -1,0 +1,104 @@
+#pragma once
+
+#include <array>
+
+#include "tvl/extendable.h"
+#include "tvl/matrix4.h"
+#include "tvl/mesh.h"
+
+namespace TVL {
+
+// A snapshot is lent by a node for one purpose and, the helper's apart, one moment of scene time:
+// acquire, use, release, all through the node (see node.h). It is no copy: every read asks the host
+// at that moment and every write goes to the host at once. It stays the node's; a snapshot that is
+// still acquired when its node dies remains valid memory and does nothing more.
+//
+// Spaces. Core space is Y up, right-handed, in metres. A Core point (x, y, z) is the host point
+// (s·x, −s·z, s·y), s being the host units in one metre. Object space stays in host units.
+// The order of the virtual operations in each class is part of the contract.
+
+// Where a node is. Written inside a recording, a transform becomes a key at the snapshot's time.
+class CSnapshot : public CExtendable {
+  public:
+    // Relative to the parent's object space, translation in host units; for a node without parent
+    // the same matrix as the world transform.
+    virtual void SetLocalTransform(const CMatrix4& transform) = 0;
+    virtual CMatrix4 GetLocalTransform() = 0;
+
+    // From object space (host units) to Core world space (metres). It therefore carries the factor
+    // 1/s: an unscaled node has rows of length 1/s. A Core that places a node keeps that row length,
+    // or its nodes come out scaled.
+    virtual CMatrix4 GetWorldTransform() = 0;
+    virtual void SetWorldTransform(const CMatrix4& transform) = 0;
+
+    // Seconds, exactly as given at acquisition. The host works at a whole tick: ticks per second ×
+    // seconds, truncated toward zero.
+    virtual double GetTime() = 0;
+
+    virtual ~CSnapshot() = default;
+};
+
+// The look and the geometry of a guide object.
+class CSnapshot_Helper : public CExtendable {
+  public:
+    virtual void SetMesh(const CMesh& mesh) = 0;
+
+    // Each channel from 0 to 1; beyond that the low 8 bits of channel × 255 are what shows.
+    virtual void SetColor(float red, float green, float blue) = 0;
+
+    // Both only on the adaptor's own helper objects; without effect elsewhere.
+    virtual void SetWireframe(bool wireframe) = 0;
+    virtual void SetBackfaceCull(bool backfaceCull) = 0;
+
+    virtual ~CSnapshot_Helper() = default;
+};
+
+// A camera's lens. Angles in degrees, the target distance in host units.
+class CSnapshot_Lens : public CExtendable {
+  public:
+    virtual void SetFieldOfView(double degrees) = 0;
+    virtual double GetFieldOfView() = 0;
+
+    // 0 across the width, 1 across the height, 2 across the diagonal; other values do nothing.
+    virtual int GetFieldOfViewType() = 0;
+    virtual void SetFieldOfViewType(int type) = 0;
+
+    virtual void SetTargetDistance(double hostUnits) = 0;
+    virtual double GetTargetDistance() = 0;
+
+    virtual double GetTime() = 0;
+    virtual CMatrix4 GetLensTransform() = 0;  // always the identity
+
+    virtual ~CSnapshot_Lens() = default;
+};
+
+// A node's geometry, in object space and host units.
+class CSnapshot_Mesh : public CExtendable {
+  public:
+    virtual void SetMesh(const CMesh& mesh) = 0;
+    virtual CMesh GetMesh() = 0;
+
+    // The nearest hit of a ray in object space. `distance` and `normal` may be null; after a miss
+    // they carry no meaning.
+    virtual bool IntersectRay(const std::array<double, 3>& origin,
+                              const std::array<double, 3>& direction, double* distance,
+                              std::array<double, 3>* normal) = 0;
+
+    virtual ~CSnapshot_Mesh() = default;
+};
+
+// The curves of a shape, in object space and host units. A parameter runs from 0 to 1 along the
+// length of the current curve.
+class CSnapshot_Shape : public CExtendable {
+  public:
+    virtual int GetCurveCount() = 0;
+    virtual int GetCurve() = 0;
+    virtual void SetCurve(int index) = 0;  // held to the curves that there are
+    virtual double GetCurveLength() = 0;
+    virtual std::array<double, 3> GetCurvePoint(double parameter) = 0;
+    virtual std::array<double, 3> GetCurveTangent(double parameter) = 0;  // unit length
+
+    virtual ~CSnapshot_Shape() = default;
+};
+
+}  // namespace TVL
