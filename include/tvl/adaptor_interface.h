@@ -19,18 +19,18 @@ namespace TVL {
 using WindowHandle = void*;
 
 // The host as the Core sees it: identity, trace and error registry, nodes, undo, time, recording.
-// The Core receives it in `attach` and calls it on the host's user-interface thread, also from inside
-// any call that the adaptor makes to the Core. Times are seconds. Strings pass by value and belong to
-// the callee; strings and lists come back by value. A status is 0 for success, else the value of a
-// TVL::ErrorCode; nothing is thrown. Null pointers are normal input and have no effect.
+// The Core receives it in `attach` and calls it on the host's user-interface thread, also from
+// inside any call that the adaptor makes to the Core. Times are seconds. Strings pass by value and
+// belong to the callee; strings and lists come back by value. A status is 0 for success, else the
+// value of a TVL::ErrorCode; nothing is thrown. Null pointers are normal input and have no effect.
 // The object belongs to the adaptor. The order of the virtual operations is part of the contract.
 class AdaptorInterface {
   public:
     virtual std::int32_t GetVersion() = 0;
 
-    // The Core may place its own error registry and log, so that both sides fill the same ones. They
-    // stay the Core's, and are taken back with the Clear operations before `detach` returns. SetLog
-    // copies what has been logged so far into the new log, between two marker lines.
+    // The Core may place its own error registry and log, so that both sides fill the same ones.
+    // They stay the Core's, and are taken back with the Clear operations before `detach` returns.
+    // SetLog copies what has been logged so far into the new log, between two marker lines.
     virtual std::int32_t SetErrorCode(ErrorCode* registry);
     virtual std::int32_t ClearErrorCode();
     virtual std::int32_t SetLog(Log* log);

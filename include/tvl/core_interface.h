@@ -33,9 +33,9 @@ class CoreInterface {
     // Asked for before nodes are deleted while the Core is running.
     virtual void StopCore() = 0;
 
-    // Options are those of AdaptorInterface::GetOptionsPanel: 1027 (optimised controllers), 1028 (the
-    // button that converts all controllers) and 1030 (dynamic meshes). The second argument is 0.
-    // GetOptionNode gives the message node of the option, which the adaptor listens to (1028: a
+    // Options are those of AdaptorInterface::GetOptionsPanel: 1027 (optimised controllers), 1028
+    // (the button that converts all controllers) and 1030 (dynamic meshes). The second argument is
+    // 0. GetOptionNode gives the message node of the option, which the adaptor listens to (1028: a
     // press is a message with id 324 from that node), or null.
     virtual TVL::Util::MessageNode* GetOptionNode(int option, int unused) = 0;
     virtual void BindOption(int option, int unused) = 0;
@@ -52,7 +52,8 @@ namespace TVL {
 // The routines that a Core library exports by name, with C linkage:
 //   getVersion  must equal AdaptorInterface::GetVersion, else the library is not attached
 //   attach      called once for each load; null refuses
-//   detach      the last call before the library is freed. Before it returns the Core has given back
+//   detach      the last call before the library is freed. Before it returns the Core has given
+//   back
 //               what it placed (ClearErrorCode, ClearLog), has destroyed its message nodes, and has
 //               ended all use of nodes, snapshots and the adaptor itself.
 using GetVersionRoutine = std::uint32_t();

@@ -18,8 +18,8 @@ class CMesh final : public CExtendable {
     std::vector<std::array<double, 3>> textureVertices;  // u, v, w
     std::vector<int> faces;         // three indices into `vertices` for each triangle
     std::vector<int> textureFaces;  // three indices into `textureVertices` for each triangle; as
-                                    // long as `faces` in a mesh that the adaptor gives out, all zero
-                                    // where there are no texture vertices
+                                    // long as `faces` in a mesh that the adaptor gives out, all
+                                    // zero where there are no texture vertices
 };
 
 }  // namespace TVL

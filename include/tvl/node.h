@@ -11,13 +11,14 @@ namespace TVL {
 
 // A node stands for one scene node of the host. Real nodes belong to an element of the Core and are
 // kept by the adaptor until Delete; snapshot nodes are handles made on the fly, owned by whoever
-// receives one, and given back with ReleaseNode or Destroy.
+// receives one, and given back with ReleaseNode or Destroy. Every node that an adaptor gives out is
+// a CoreNode, so a Core may cast down statically.
 //
 // Extensions of a node: 10 begins and 11 ends a batch of selections (result 1 if it did), 17 takes
-// the node out of recording for good, 31 asks whether the CoreNode in the argument is the same scene
-// node, 37 clones the node below the CoreNode in the argument (or nowhere, null) and gives the new
-// snapshot node, 57 (not listed) puts the host's default transform controller on it.
-// The order of the virtual operations is part of the contract.
+// the node out of recording for good, 31 asks whether the CoreNode in the argument is the same
+// scene node, 37 clones the node below the CoreNode in the argument (or nowhere, null) and gives
+// the new snapshot node, 57 (not listed) puts the host's default transform controller on it. The
+// order of the virtual operations is part of the contract.
 class CNode : public CExtendable {
   public:
     virtual void Show() = 0;
@@ -59,8 +60,8 @@ class CoreNode : public CNode {
     // Destroys this object; the host's node stays.
     virtual void Destroy() = 0;
 
-    // Makes a real node for this snapshot node's scene node, to be kept by the adaptor; null if this
-    // node is real, or the scene node has a real node already. The snapshot node is still the
+    // Makes a real node for this snapshot node's scene node, to be kept by the adaptor; null if
+    // this node is real, or the scene node has a real node already. The snapshot node is still the
     // caller's to release.
     virtual CoreNode* Claim(CoreElement* newOwner, std::string newName) = 0;
 

@@ -26,8 +26,8 @@ class CSnapshot : public CExtendable {
     virtual CMatrix4 GetLocalTransform() = 0;
 
     // From object space (host units) to Core world space (metres). It therefore carries the factor
-    // 1/s: an unscaled node has rows of length 1/s. A Core that places a node keeps that row length,
-    // or its nodes come out scaled.
+    // 1/s: an unscaled node has rows of length 1/s. A Core that places a node keeps that row
+    // length, or its nodes come out scaled.
     virtual CMatrix4 GetWorldTransform() = 0;
     virtual void SetWorldTransform(const CMatrix4& transform) = 0;
 

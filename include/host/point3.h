@@ -1,0 +1,32 @@
+#pragma once
+
+#include "host/host_api.h"
+
+// Three floats: a point, a direction, a scale.
+struct HOST_API Point3 {
+    float x = 0;
+    float y = 0;
+    float z = 0;
+
+    constexpr Point3() = default;
+    constexpr Point3(float px, float py, float pz) : x(px), y(py), z(pz) {}
+
+    float Length() const;
+    Point3 Normalize() const;  // a point of length 0 stays as it is
+
+    friend constexpr Point3 operator+(const Point3& a, const Point3& b) {
+        return {a.x + b.x, a.y + b.y, a.z + b.z};
+    }
+    friend constexpr Point3 operator-(const Point3& a, const Point3& b) {
+        return {a.x - b.x, a.y - b.y, a.z - b.z};
+    }
+    friend constexpr Point3 operator*(const Point3& p, float factor) {
+        return {p.x * factor, p.y * factor, p.z * factor};
+    }
+    friend constexpr bool operator==(const Point3&, const Point3&) = default;
+};
+
+HOST_API float Length(const Point3& p);
+HOST_API Point3 Normalize(const Point3& p);
+HOST_API float DotProd(const Point3& a, const Point3& b);
+HOST_API Point3 CrossProd(const Point3& a, const Point3& b);
