@@ -42,10 +42,12 @@ def complaints(folder, floors, contracts):
         for included in INCLUDE.findall(file.read_text()):
             if "/" not in included or included.split("/")[0] in contracts:
                 continue
-            there = floor_of(included, floors)
+            there, own = floor_of(included, floors), floor_of(here, floors)
             if there is None:
                 yield f"{folder}/{here}: includes {included}, which is none of its contracts"
-            elif there > floor_of(here, floors):
+            elif own is None:
+                yield f"{folder}/{here}: stands on no floor"
+            elif there > own:
                 yield f"{folder}/{here}: includes {included} from a floor below"
 
 
