@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "headless/headless_api.h"
+#include "host/types.h"
+
+class INode;
+
+// Looks at the running session from outside: its nodes as plain data, one number that stands for
+// the whole scene, and a count of what is alive. Looking changes nothing.
+namespace headless {
+
+struct KeyView {
+    int count = 0;
+    TimeValue first = 0;  // ticks; 0 if there are no keys
+    TimeValue last = 0;
+};
+
+struct NodeView {
+    std::string name;
+    std::uint32_t handle = 0;
+    std::uint32_t parent = 0;  // the parent's handle, 0 at the top of the scene
+    Class_ID objectClass;      // {0, 0} for a node without an object
+    Class_ID controllerClass;  // of the transform controller
+    KeyView keys;              // of the transform controller, as it reports them
+    bool hidden = false;
+    bool selected = false;
+};
+
+// All nodes of the scene, a parent before its children, children in their order.
+HEADLESS_API std::vector<NodeView> Nodes();
+
+// The first node of that name in the order of Nodes(); null if there is none.
+HEADLESS_API INode* FindNode(std::string_view name);
+
+// The world position of a node's pivot, in host units. False if no such node is in the scene.
+struct PositionView {
+    float x = 0;
+    float y = 0;
+    float z = 0;
+};
+HEADLESS_API bool NodePosition(std::uint32_t handle, TimeValue t, PositionView& position);
+
+// Stands for the state of the scene: two scenes that differ in a node, a link, a name, a property,
+// the selection, the animation range or in anything that a controller or an object saves have
+// different digests, but for a chance of 2^-64. Left out are the current time, the counter that new
+// handles come from, and the cached key of the plug-in's two keyframe controllers while they have
+// keys, because these move without any change of the scene.
+HEADLESS_API std::uint64_t SceneDigest();
+
+// What is alive in this process.
+struct Census {
+    std::map<std::string, std::size_t> objects;  // host objects, by class name
+    std::size_t objectCount = 0;                 // their sum
+    std::size_t heapBlocks = 0;                  // blocks on the host's heap, objects among them
+};
+HEADLESS_API Census TakeCensus();
+
+}  // namespace headless

@@ -1,0 +1,109 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "headless/headless_api.h"
+#include "host/class_desc.h"
+#include "host/interval.h"
+#include "host/types.h"
+
+// The stand-in host from the chair of the person who uses it: start it with its plug-ins, open a
+// utility, press a button, select, delete, undo, and close it again. Between these, everything that
+// include/host declares can be called as on the real host. See headless/scene_view.h for looking at
+// what came of it.
+namespace headless {
+
+// One host unit is `unitScale` units of `unitType` (the numbers of host/units.h).
+struct SessionSettings {
+    int frameRate = 30;
+    int ticksPerFrame = 160;
+    int unitType = 0;  // inches, of which 39.37 make a metre
+    float unitScale = 1;
+};
+
+// A setting in which `hostUnits` host units make a metre.
+HEADLESS_API SessionSettings WithUnitsPerMetre(double hostUnits);
+
+// A message box that a module shows; the result is the button that the person chose.
+struct MessageBoxText {
+    std::string text;
+    std::string caption;
+    unsigned style = 0;
+};
+using MessageBoxHandler = std::function<int(const MessageBoxText&)>;
+
+// A running host. A process has one at a time; a second one can be made when the first is gone.
+class HEADLESS_API Session {
+  public:
+    explicit Session(const SessionSettings& settings = {});
+    ~Session();  // shuts down unless that has happened
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    // Plug-ins come before Start. The result is empty, or says what kept the module out: it could
+    // not be loaded, one of the four exports is missing, or it was built for another host.
+    std::string LoadPlugin(const std::string& path);
+
+    // A class that is linked into the program. The descriptor stays the caller's and must outlive
+    // the session.
+    void RegisterClass(ClassDesc* descriptor);
+
+    // Makes and starts the global utilities, in the order in which their classes became known.
+    void Start();
+
+    // How many of them asked to be kept.
+    std::size_t KeptUtilities() const;
+
+    // Notification 73, then `Stop` of each global utility; the panel closes, the scene and the
+    // undo buffer are freed, and last the plug-in modules. Nothing may be asked of the host after
+    // it but the census.
+    void ShutDown();
+
+    // Undo as the person sees it. False: the stack is empty, or a hold is open.
+    bool Undo();
+    bool Redo();
+    std::vector<std::string> UndoLabels() const;  // the next one to be undone first
+    std::vector<std::string> RedoLabels() const;  // the next one to be redone first
+
+    // The command panel. A utility is known by the name of its class; opening one closes the one
+    // that is open. False: no such utility, or it is not open.
+    bool OpenUtility(std::string_view className);
+    bool CloseUtility();
+    bool IsUtilityOpen(std::string_view className) const;
+    void SetTaskMode(int mode);
+
+    // Presses a button on the rollup pages that are open. False: no page has a control of that id.
+    bool PressButton(int controlId);
+
+    // The scene. Names that no node has are passed over; the result is how many nodes were meant.
+    std::size_t Select(const std::vector<std::string>& names);
+
+    // What the delete key does: one undo step, announced with notification 70 while its hold is
+    // open. Nodes that a callback takes out of the announced table, or deletes, are left alone.
+    std::size_t DeleteSelected();
+
+    void SetTime(TimeValue t);
+    void SetRange(Interval range);
+    void PressAnimateButton(bool on);  // nothing while the button is disabled
+    bool AnimateButtonEnabled() const;
+    bool AcceleratorsEnabled() const;
+
+    // Both empty the scene and the undo buffer, after notification 7 and 5; Reset also puts the
+    // time, the range and the animate mode back to what they are at the start.
+    void NewScene();
+    void Reset();
+
+    // Shows every message box from here on; an empty handler writes them to stderr.
+    void OnMessageBox(MessageBoxHandler handler);
+
+  private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+}  // namespace headless
