@@ -1,0 +1,29 @@
+#pragma once
+
+// Numbers of the library's resources and controls. The resource script sees the definitions, C++
+// the typed names.
+
+#define IDD_CONVERT 145
+#define IDD_PANEL 147
+#define IDR_OPTION_PANEL 152
+
+#define IDC_START 1046
+#define IDC_CONVERT 1057
+#define IDC_ATTACH 1074
+
+#ifndef RC_INVOKED
+
+inline constexpr int ConvertDialog = IDD_CONVERT;
+inline constexpr int PanelDialog = IDD_PANEL;
+inline constexpr int OptionPanel = IDR_OPTION_PANEL;
+
+inline constexpr int StartButton = IDC_START;
+inline constexpr int ConvertButton = IDC_CONVERT;
+inline constexpr int AttachControl = IDC_ATTACH;  // in no template so far
+
+// Options of the panel that OptionPanel describes; the Core draws and keeps them.
+inline constexpr int OptimizedTransformOption = 1027;
+inline constexpr int ConvertAllOption = 1028;
+inline constexpr int DynamicMeshesOption = 1030;
+
+#endif
