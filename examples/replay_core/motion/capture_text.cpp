@@ -86,7 +86,7 @@ bool CaptureText::FetchLine() {
 
 std::optional<ReadError> CaptureText::Expect(std::string_view keyword) {
     const std::string_view word = NextWord();
-    if (!IsKeyword(word, keyword)) return Unexpected(keyword, word);
+    if (!IsKeyword(word, keyword)) return Unexpected(Quoted(keyword), word);
     return std::nullopt;
 }
 

@@ -71,8 +71,8 @@ std::optional<ReadError> ReadFrames(CaptureText& text, Motion& motion) {
         if (auto error = ReadFrame(text, frame, motion)) return error;
     }
     if (text.NextLine()) {
-        return text.Error("there is more than the " + std::to_string(motion.frameCount) +
-                          " frames announced");
+        return text.Error("announced frames: " + std::to_string(motion.frameCount) +
+                          ", but more follows");
     }
     return std::nullopt;
 }

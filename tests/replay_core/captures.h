@@ -1,0 +1,44 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "replay_core/motion/motion.h"
+#include "replay_core/motion/read_error.h"
+
+// A capture of two joints, an end site, nine channels and two frames on 20 lines.
+inline constexpr std::string_view kStep =
+    "HIERARCHY\n"
+    "ROOT Hip\n"
+    "{\n"
+    "\tOFFSET 0 7 0\n"
+    "\tCHANNELS 6 Xposition Yposition Zposition Zrotation Xrotation Yrotation\n"
+    "\tJOINT Left Leg\n"
+    "\t{\n"
+    "\t\tOFFSET 1 -2 0.5\n"
+    "\t\tCHANNELS 3 Zrotation Yrotation Xrotation\n"
+    "\t\tEnd Site\n"
+    "\t\t{\n"
+    "\t\t\tOFFSET 0 -3 0\n"
+    "\t\t}\n"
+    "\t}\n"
+    "}\n"
+    "MOTION\n"
+    "Frames: 2\n"
+    "Frame Time: 0.25\n"
+    "0 10 0 0 0 0 90 0 0\n"
+    "1 10 2 0 45 0 0 30 -60\n";
+
+// The folder of the real captures that Debian's package assimp-testmodels brings.
+inline constexpr std::string_view kRealCaptures = "/usr/share/assimp/models/BVH/";
+
+// Reads a capture called "step.bvh" that must be whole; otherwise the test fails with the error and
+// the motion is empty.
+replay::Motion ReadWhole(std::string_view text);
+
+// Reads a capture called "step.bvh" that must be refused, and gives the message; otherwise the test
+// fails.
+std::string ReadRefused(std::string_view text);
+
+// The text with the only place of `from` replaced.
+std::string Replaced(std::string_view text, std::string_view from, std::string_view to);

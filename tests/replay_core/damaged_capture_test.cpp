@@ -1,0 +1,189 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <sstream>
+#include <streambuf>
+#include <variant>
+#include <vector>
+
+#include "replay_core/allocation_meter.h"
+#include "replay_core/captures.h"
+#include "replay_core/motion/pose.h"
+#include "replay_core/motion/read_motion.h"
+
+namespace {
+
+using replay::Motion;
+using replay::ReadError;
+
+struct Damage {
+    const char* from;
+    const char* to;
+    const char* message;
+};
+
+TEST(DamagedCapture, IsRefusedInOneLineThatNamesThePlace) {
+    const Damage damages[] = {
+        {"HIERARCHY", "HIERACHY", "1: 'HIERARCHY' was expected, found 'HIERACHY'"},
+        {"ROOT Hip", "JOINT Hip", "2: ROOT was expected, found 'JOINT'"},
+        {"ROOT Hip", "ROOT", "2: the joint has no name"},
+        {"Hip\n{", "Hip\n", "4: '{' was expected, found 'OFFSET'"},
+        {"\tOFFSET 0 7 0", "\tOFFSET 0 7", "5: a number was expected, found 'CHANNELS'"},
+        {"\tOFFSET 0 7 0\n", "", "14: joint 'Hip' has no OFFSET"},
+        {"0.5\n", "0.5\nOFFSET 1 2 3\n", "9: joint 'Left Leg' has two OFFSETs"},
+        {"OFFSET 1 -2 0.5", "OFFSET 1 -2 0.5 7",
+         "8: OFFSET, CHANNELS, JOINT, End Site or } of joint 'Left Leg' was expected, found '7'"},
+        {"CHANNELS 3", "CHANNELS three", "9: a whole number was expected, found 'three'"},
+        {"CHANNELS 3", "CHANNELS -3", "9: a whole number was expected, found '-3'"},
+        {"CHANNELS 3", "CHANNELS 7", "9: a joint has at most 6 channels, 7 are announced"},
+        {"CHANNELS 3", "CHANNELS 4",
+         "10: a channel such as Xposition or Zrotation was expected, found 'End'"},
+        {"CHANNELS 3", "CHANNELS 2",
+         "9: OFFSET, CHANNELS, JOINT, End Site or } of joint 'Left Leg' was expected, found "
+         "'Xrotation'"},
+        {"Xposition Yposition", "Xposition Xposition", "5: channel 'Xposition' stands twice"},
+        {"\t\tEnd", "\t\tCHANNELS 1 Xrotation\nEnd", "10: joint 'Left Leg' has two CHANNELS"},
+        {"End Site\n\t\t{", "End Site\n", "12: '{' was expected, found 'OFFSET'"},
+        {"\t\t}\n\t}\n}", "\t\t}\n\t}",
+         "15: OFFSET, CHANNELS, JOINT, End Site or } of joint 'Hip' was expected, found 'MOTION'"},
+        {"MOTION", "}\nMOTION", "16: ROOT or MOTION was expected, found '}'"},
+        {"Frames: 2", "Frames: 0", "17: the capture has no frames"},
+        {"Frames: 2", "Frames: -2", "17: a whole number was expected, found '-2'"},
+        {"Frames: 2", "Frames 2", "17: ':' was expected, found '2'"},
+        {"Frames: 2", "Frames: 99999999999999999999",
+         "17: a whole number was expected, found '99999999999999999999'"},
+        {"Frames: 2", "Frames: 1", "20: announced frames: 1, but more follows"},
+        {"Frames: 2", "Frames: 3", "20: the file ends after 2 of 3 frames"},
+        {"Frames: 2", "Frames: 18446744073709551615",
+         "20: the file ends after 2 of 18446744073709551615 frames"},
+        {"0.25", "0", "18: the frame time must be more than 0 seconds"},
+        {"0.25", "-0.25", "18: the frame time must be more than 0 seconds"},
+        {"0.25", "nan", "18: a number was expected, found 'nan'"},
+        {"0.25", "0.25 0 10", "18: the end of the line was expected, found '0'"},
+        {" 90 0 0", " 90 0", "19: frame 1 holds 8 of 9 numbers"},
+        {" 90 0 0", " 90 0 0 x", "19: frame 1 holds more than 9 numbers, found 'x'"},
+        {"-60\n", "-60\n\x1A", "21: announced frames: 2, but more follows"},
+        {" 90", " 9\r0", "19: frame 1 holds more than 9 numbers, found '0'"},
+        {" 90", " \x01\x02", "19: a number was expected, found '?\?'"},
+        {" 90", " ninety-degrees-and-a-little-bit-more-than-that",
+         "19: a number was expected, found 'ninety-degrees-and-a-little-bit-more-tha...'"},
+    };
+    for (const auto& [from, to, message] : damages) {
+        EXPECT_EQ(ReadRefused(Replaced(kStep, from, to)), std::string("step.bvh:") + message);
+    }
+    EXPECT_EQ(ReadRefused(""), "step.bvh:1: 'HIERARCHY' was expected, but the file ends");
+    EXPECT_EQ(ReadRefused("HIERARCHY\nMOTION\n"), "step.bvh:2: ROOT was expected, found 'MOTION'");
+    EXPECT_EQ(ReadRefused("HIERARCHY\nROOT a { OFFSET 0 0 0 }\nMOTION\nFrames: 1000000000\n"),
+              "step.bvh:3: no joint has a channel");
+}
+
+// Whatever was damaged: one line with a place within the file, or a motion whose parts agree.
+void ExpectErrorOrMotion(const std::string& text) {
+    std::istringstream stream(text);
+    const auto result = replay::ReadMotion(stream, "step.bvh");
+    if (const auto* error = std::get_if<ReadError>(&result)) {
+        const auto lines = static_cast<std::size_t>(std::ranges::count(text, '\n')) + 1;
+        EXPECT_TRUE(error->line >= 1 && error->line <= lines) << Describe(*error) << '\n' << text;
+        EXPECT_EQ(Describe(*error).find('\n'), std::string::npos) << text;
+        return;
+    }
+    const auto& motion = std::get<Motion>(result);
+    ASSERT_EQ(motion.values.size(), motion.frameCount * motion.channelCount) << text;
+    std::vector<TVL::CMatrix4> world(motion.joints.size());
+    for (std::size_t frame = 0; frame < motion.frameCount; ++frame) {
+        replay::EvaluatePose(motion, frame, replay::kCmuMetresPerUnit, world);
+        for (const TVL::CMatrix4& matrix : world) {
+            EXPECT_TRUE(std::isfinite(matrix[3][0] + matrix[3][1] + matrix[3][2])) << text;
+        }
+    }
+}
+
+TEST(DamagedCapture, IsRefusedWhereverItIsCut) {
+    // Within the digits of its very last number, "-60", a cut capture is a capture.
+    const std::size_t wholeFrom = kStep.size() - 2;
+    for (std::size_t length = 0; length < kStep.size(); ++length) {
+        const std::string cut(kStep.substr(0, length));
+        ExpectErrorOrMotion(cut);
+        if (length < wholeFrom) ReadRefused(cut);
+    }
+}
+
+TEST(DamagedCapture, IsRefusedOrWholeWhateverByteIsChanged) {
+    for (std::size_t place = 0; place < kStep.size(); ++place) {
+        for (const char byte : {'\0', ' ', '\n', '\r', '{', '}', ':', '-', '9', 'e', 'J', '\xFF'}) {
+            std::string changed(kStep);
+            changed[place] = byte;
+            ExpectErrorOrMotion(changed);
+            changed = kStep;
+            changed.insert(place, 1, byte);
+            ExpectErrorOrMotion(changed);
+        }
+    }
+}
+
+// The most that reading the text holds at one time, in bytes; the text itself is not counted.
+std::size_t PeakOfReading(const std::string& text) {
+    std::istringstream stream(text);
+    const AllocationMeter meter;
+    const auto result = replay::ReadMotion(stream, "step.bvh");
+    return meter.PeakBytes();
+}
+
+TEST(DamagedCapture, TakesMemoryByItsSizeWhateverItAnnounces) {
+    constexpr std::size_t kSmall = 16384;  // what a reader of a few lines needs
+    for (const char* count : {"1000000000", "18446744073709551615"}) {
+        const std::string frames = Replaced(kStep, "Frames: 2", std::string("Frames: ") + count);
+        EXPECT_LT(PeakOfReading(frames), kSmall);
+    }
+    std::string longLine(kStep.substr(0, kStep.find("0 10 0")));
+    for (int i = 0; i < 500000; ++i)
+        longLine += "0 ";
+    EXPECT_LT(PeakOfReading(longLine), 4 * longLine.size());
+}
+
+std::string NestedCapture(std::size_t depth) {
+    std::string text = "HIERARCHY\nROOT a{OFFSET 1 0 0 CHANNELS 1 Zrotation\n";
+    for (std::size_t i = 1; i < depth; ++i)
+        text += "JOINT a{OFFSET 1 0 0 CHANNELS 1 Zrotation\n";
+    text += std::string(depth, '}') + "\nMOTION\nFrames: 1\nFrame Time: 1\n90";
+    for (std::size_t i = 1; i < depth; ++i)
+        text += " 0";
+    return text;
+}
+
+TEST(DamagedCapture, MayNestAsDeepAsItIsLong) {
+    constexpr std::size_t kDepth = 100000;
+    const std::string text = NestedCapture(kDepth);
+    EXPECT_LT(PeakOfReading(text), 16 * text.size());
+    const Motion motion = ReadWhole(text);
+    ASSERT_EQ(motion.joints.size(), kDepth);
+    std::vector<TVL::CMatrix4> world(kDepth);
+    replay::EvaluatePose(motion, 0, 1.0, world);
+    EXPECT_NEAR(world.back()[3][1], static_cast<double>(kDepth - 1), 1e-6);
+
+    const std::string unbalanced = text.substr(0, text.find('}')) + "MOTION";
+    EXPECT_EQ(ReadRefused(unbalanced),
+              "step.bvh:100002: OFFSET, CHANNELS, JOINT, End Site or } of joint 'a' was expected, "
+              "found 'MOTION'");
+}
+
+// A file on a disk that fails after its first bytes.
+class FailingDisk : public std::stringbuf {
+  public:
+    using std::stringbuf::stringbuf;
+
+  private:
+    int_type underflow() override { throw std::ios_base::failure("unreadable"); }
+};
+
+TEST(DamagedCapture, IsRefusedWhereTheDiskFails) {
+    FailingDisk disk(std::string(kStep.substr(0, kStep.find("MOTION"))), std::ios::in);
+    std::istream stream(&disk);
+    const auto result = replay::ReadMotion(stream, "step.bvh");
+    ASSERT_TRUE(std::holds_alternative<ReadError>(result));
+    EXPECT_EQ(Describe(std::get<ReadError>(result)),
+              "step.bvh:15: the file cannot be read on from here");
+}
+
+}  // namespace

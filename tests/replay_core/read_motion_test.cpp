@@ -1,0 +1,158 @@
+#include "replay_core/motion/read_motion.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <locale>
+#include <regex>
+#include <utility>
+
+#include "replay_core/captures.h"
+#include "replay_core/motion/joint_names.h"
+
+namespace {
+
+using replay::Channel;
+using replay::Motion;
+
+void ExpectSameMotion(const Motion& motion, const Motion& expected) {
+    ASSERT_EQ(motion.joints.size(), expected.joints.size());
+    for (std::size_t i = 0; i < motion.joints.size(); ++i) {
+        EXPECT_EQ(motion.joints[i].name, expected.joints[i].name);
+        EXPECT_EQ(motion.joints[i].parent, expected.joints[i].parent);
+        EXPECT_EQ(motion.joints[i].offset, expected.joints[i].offset);
+        EXPECT_EQ(motion.joints[i].channels, expected.joints[i].channels);
+        EXPECT_EQ(motion.joints[i].firstChannel, expected.joints[i].firstChannel);
+    }
+    ASSERT_EQ(motion.endSites.size(), expected.endSites.size());
+    EXPECT_EQ(motion.frameCount, expected.frameCount);
+    EXPECT_EQ(motion.frameSeconds, expected.frameSeconds);
+    EXPECT_EQ(motion.values, expected.values);
+}
+
+TEST(ReadMotion, GivesJointsChannelsAndFramesAsTheyStand) {
+    const Motion motion = ReadWhole(kStep);
+    ASSERT_EQ(motion.joints.size(), 2U);
+    const auto& [hip, leg] = std::pair(motion.joints[0], motion.joints[1]);
+    EXPECT_EQ(hip.name, "Hip");
+    EXPECT_EQ(hip.parent, replay::kNoJoint);
+    EXPECT_EQ(hip.offset, (std::array{0.0, 7.0, 0.0}));
+    EXPECT_EQ(leg.name, "Left Leg");
+    EXPECT_EQ(leg.parent, 0U);
+    EXPECT_EQ(leg.offset, (std::array{1.0, -2.0, 0.5}));
+    EXPECT_EQ(leg.channels,
+              (std::vector{Channel::kZrotation, Channel::kYrotation, Channel::kXrotation}));
+    EXPECT_EQ(leg.firstChannel, 6U);
+    ASSERT_EQ(motion.endSites.size(), 1U);
+    EXPECT_EQ(motion.endSites[0].joint, 1U);
+    EXPECT_EQ(motion.endSites[0].offset, (std::array{0.0, -3.0, 0.0}));
+    EXPECT_EQ(motion.channelCount, 9U);
+    EXPECT_EQ(motion.frameCount, 2U);
+    EXPECT_EQ(motion.frameSeconds, 0.25);
+    const auto last = motion.Frame(1);
+    EXPECT_EQ(std::vector(last.begin(), last.end()),
+              (std::vector<double>{1, 10, 2, 0, 45, 0, 0, 30, -60}));
+}
+
+TEST(ReadMotion, TakesEveryUsualLayoutForTheSame) {
+    const std::string step(kStep);
+    const auto everywhere = [&](const char* pattern, const char* by) {
+        return std::regex_replace(step, std::regex(pattern), by);
+    };
+    const std::string layouts[] = {
+        everywhere("\n", "\r\n"),
+        everywhere("\n", "\n\n \t\n"),
+        everywhere(" (?!Leg)", " \t  "),
+        everywhere("\t", ""),
+        everywhere("\n\t*\\{", " {"),
+        everywhere("\n\t*(OFFSET|CHANNELS|\\})", " $1"),
+        everywhere(": ", ":"),
+        everywhere(":", " :"),
+        everywhere("End Site", "end site Toe"),
+        everywhere("position", "POSITION"),
+        everywhere("rotation\n", "rotation \n"),
+        everywhere("Frame Time", "FRAME TIME"),
+        "\xEF\xBB\xBF" + step,
+        step.substr(0, step.size() - 1),
+        step + "\n  \r\n",
+    };
+    for (const std::string& layout : layouts) {
+        SCOPED_TRACE(layout);
+        ExpectSameMotion(ReadWhole(layout), ReadWhole(kStep));
+    }
+}
+
+TEST(ReadMotion, TakesChannelsInAnyOrderAndOnAnyJoint) {
+    const Motion motion = ReadWhole(Replaced(
+        Replaced(kStep, "3 Zrotation Yrotation Xrotation", "3 Yrotation Zposition yrotation"),
+        "6 Xposition Yposition Zposition Zrotation Xrotation Yrotation",
+        "6 Zrotation Zposition Xrotation Yrotation Xposition Yposition"));
+    EXPECT_EQ(motion.joints[0].channels,
+              (std::vector{Channel::kZrotation, Channel::kZposition, Channel::kXrotation,
+                           Channel::kYrotation, Channel::kXposition, Channel::kYposition}));
+    EXPECT_EQ(motion.joints[1].channels,
+              (std::vector{Channel::kYrotation, Channel::kZposition, Channel::kYrotation}));
+}
+
+TEST(ReadMotion, TakesJointsWithoutChannelsAndSeveralRoots) {
+    const Motion motion = ReadWhole(
+        "HIERARCHY ROOT a { OFFSET 0 0 0 JOINT b { OFFSET 1 0 0 CHANNELS 0 } }\n"
+        "ROOT c { CHANNELS 1 Xrotation OFFSET 0 0 0 }\nMOTION Frames: 1 Frame Time: 1\n5\n");
+    ASSERT_EQ(motion.joints.size(), 3U);
+    EXPECT_EQ(motion.joints[1].parent, 0U);
+    EXPECT_EQ(motion.joints[2].parent, replay::kNoJoint);
+    EXPECT_EQ(motion.channelCount, 1U);
+}
+
+// A decimal comma, as in many parts of the world.
+class DecimalComma : public std::numpunct<char> {
+    char do_decimal_point() const override { return ','; }
+};
+
+TEST(ReadMotion, TakesEveryUsualSpellingOfNumbersInAnyLocale) {
+    const std::pair<const char*, double> spellings[] = {
+        {"+90", 90},     {".5", 0.5},         {"-.5", -0.5},  {"5.", 5},
+        {"+5.e-1", 0.5}, {"1E2", 100},        {"1e+02", 100}, {"-0", 0},
+        {"007", 7},      {"1e-310", 1e-310},  {"1e30", 1e30}, {"-1e30", -1e30},
+        {"0e999", 0},    {"-25.0e-2", -0.25}, {"0.1", 0.1},   {"179.842245", 179.842245},
+        {"1e-5", 1e-5},  {"2.5E+0", 2.5},     {"-12", -12},   {"0.30000000000000004", 0.1 + 0.2},
+    };
+    const std::locale before = std::locale::global(std::locale(std::locale(), new DecimalComma));
+    for (const auto& [spelling, value] : spellings) {
+        SCOPED_TRACE(spelling);
+        const Motion motion = ReadWhole(Replaced(kStep, "90", spelling));
+        EXPECT_EQ(motion.Frame(0)[6], value);
+    }
+    std::locale::global(before);
+}
+
+TEST(ReadMotion, RefusesWhatIsNoNumber) {
+    const char* const words[] = {"abc",   "9O",   "1,5",   "--1",       "+-1",    "-",
+                                 "+",     ".",    "1e",    "e5",        "1e+",    "0x1A",
+                                 "nan",   "-nan", "inf",   "-Infinity", "1d5",    "1.2.3",
+                                 "1e400", "2e30", "-1e31", "1.#QNAN",   "90\xB0", "{"};
+    for (const std::string word : words) {
+        EXPECT_EQ(ReadRefused(Replaced(kStep, "90", word)),
+                  "step.bvh:19: a number was expected, found '" + word + "'");
+    }
+}
+
+TEST(ReadMotion, NamesTheFileThatCannotBeRead) {
+    for (const std::string path : {"/nowhere/step.bvh", "/tmp", "/dev/zero", ""}) {
+        const auto result = replay::ReadMotion(path);
+        ASSERT_TRUE(std::holds_alternative<replay::ReadError>(result));
+        EXPECT_EQ(replay::Describe(std::get<replay::ReadError>(result)),
+                  path + ": there is no file of this name");
+    }
+}
+
+TEST(UniqueJointNames, KeepJointsOfOneNameApart) {
+    Motion motion;
+    for (const char* name : {"Hand", "Hand", "Hand_2", "Hand", "Foot", "Hand_2"}) {
+        motion.joints.emplace_back().name = name;
+    }
+    EXPECT_EQ(replay::UniqueJointNames(motion),
+              (std::vector<std::string>{"Hand", "Hand_3", "Hand_2", "Hand_4", "Foot", "Hand_2_2"}));
+}
+
+}  // namespace
