@@ -1,0 +1,116 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "nodes/host_node_link.h"
+#include "nodes/snapshot_pool.h"
+#include "tvl/node.h"
+
+class NodeWatch;
+
+// The node that stands for one scene node of the host. A real node has an owner and a name of the
+// Core's and is listed by the adaptor (node_list.h); a snapshot node is a handle on any scene node,
+// in no list, and belongs to whoever received it.
+//
+// The host may delete the scene node at any moment: the node then answers null, false or nothing,
+// and works again when an undo has brought the scene node back.
+class CMAXNode final : public TVL::CoreNode {
+  public:
+    class CMAXSnapshot;
+    class CMAXSnapshot_Helper;
+
+    // A real node. It is listed, and its host node hung below that of the parent, if both are
+    // given.
+    CMAXNode(TVL::CoreElement* nodeOwner, std::string nodeName, const CMAXNode* parent,
+             INode* host);
+
+    // A snapshot node, reached through another node or through none. It takes name and owner of the
+    // real node on the same scene node, if there is one, else the host's name.
+    CMAXNode(CMAXNode* reachedFrom, INode* host);
+
+    ~CMAXNode() override;
+    CMAXNode(const CMAXNode&) = delete;
+    CMAXNode& operator=(const CMAXNode&) = delete;
+
+    std::intptr_t HandleExtension(int id, void* argument) override;
+    std::vector<int> ListExtensions() override;
+
+    void Show() override;
+    void Hide() override;
+    bool IsVisible() override;
+    void Select() override;
+    bool IsSnapshot() override { return isSnapshot; }
+    TVL::CNode* GetParent() override;
+    int GetChildCount() override;
+    TVL::CNode* GetChild(int index) override;
+    void ReleaseNode(TVL::CNode* node) override;
+
+    void Destroy() override;
+    TVL::CoreNode* Claim(TVL::CoreElement* newOwner, std::string newName) override;
+    void Unclaim() override;
+
+    TVL::CSnapshot* AcquireSnapshot(double seconds) override;
+    TVL::CSnapshot_Helper* AcquireHelperSnapshot() override;
+    TVL::CSnapshot_Mesh* AcquireMeshSnapshot(double seconds) override;
+    TVL::CSnapshot_Lens* AcquireLensSnapshot(double seconds) override;
+    TVL::CSnapshot_Shape* AcquireShapeSnapshot(double seconds) override;
+    void ReleaseHelperSnapshot(TVL::CSnapshot_Helper* snapshot) override;
+    void ReleaseMeshSnapshot(TVL::CSnapshot_Mesh* snapshot) override;
+    void ReleaseLensSnapshot(TVL::CSnapshot_Lens* snapshot) override;
+    void ReleaseShapeSnapshot(TVL::CSnapshot_Shape* snapshot) override;
+    void ReleaseSnapshot(TVL::CSnapshot* snapshot) override;
+
+    bool IsSameNode(TVL::CoreNode* other) override;
+    void SetParent(TVL::CoreNode* parent) override;
+    void DeleteAnimationFrom(double seconds) override;
+    void SetName(std::string hostName) override;
+    std::string GetName() override;
+    void Delete(bool deleteHostNode) override;
+    TVL::CoreNode* Clone(bool withHierarchy) override;
+
+    // For the adaptor's own rooms.
+
+    INode* HostNode() const { return hostNode.Get(); }  // null while it is not in the scene
+    bool StandsFor(INode* host) const { return host && hostNode == HostNodeLink(host); }
+    TVL::CoreElement* Owner() const { return owner; }
+    const std::string& NodeName() const { return name; }
+    TVL::NodeListener* Listener() const { return listener; }
+    void SetListener(TVL::NodeListener* newListener) { listener = newListener; }
+    bool IsRecordable() const { return recordable; }
+
+    // From here on the node knows neither owner nor listener, nor who was the owner of its source.
+    void ForgetCore();
+
+    // The nodes alive, real and snapshot nodes, from the newest to the oldest.
+    static CMAXNode* NewestAlive() { return newestAlive; }
+    CMAXNode* OlderAlive() const { return olderAlive; }
+
+  private:
+    friend class NodeWatch;
+
+    CMAXNode* CloneHostNode(bool withHierarchy);
+    std::intptr_t CloneBelow(TVL::CoreNode* parent);
+    void ConvertToHostController();
+    void DeleteReal(bool deleteHostNode);
+    void DeleteSnapshotNode(bool deleteHostNode);
+    bool MayDeleteThroughSource() const;
+    void SettleHostSide(bool deleteHostNode);
+    void JoinAlive();
+    void LeaveAlive();
+    void LoseSource();
+
+    bool isSnapshot;
+    HostNodeLink hostNode;
+    SnapshotPool<CMAXSnapshot> transformPool;
+    SnapshotPool<CMAXSnapshot_Helper> helperPool;
+
+    TVL::CoreElement* sourceOwner = nullptr;  // owner of `source` when this node was made
+    std::vector<CMAXNode*> reached;           // nodes whose `source` is this one
+    std::vector<NodeWatch*> watches;          // who wants to know when this node dies
+
+    CMAXNode* newerAlive = nullptr;
+    CMAXNode* olderAlive = nullptr;
+    static CMAXNode* newestAlive;
+};

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <vector>
+
+class CMAXNode;
+
+// The real nodes of the adaptor, in order of creation, each at most once. The list does not own
+// them: a node ends by Delete, by the undo record that holds it, or by the Core's Destroy, and
+// takes itself out.
+struct NodeList {
+    std::vector<CMAXNode*> nodes;
+};
+
+// The adaptor's list.
+NodeList& AdaptorNodes();
+
+bool IsListed(const CMAXNode* node);
+
+// Appends a node that is not listed yet.
+void ListNode(CMAXNode* node);
+
+// Takes a node out, the order of the rest staying; one that is not listed is ignored.
+void UnlistNode(CMAXNode* node);
