@@ -67,6 +67,9 @@ class HOST_API ReferenceTarget : public ReferenceMaker {
     // is then deleted if nothing refers to it.
     void TransferReferences(ReferenceTarget* from, bool deleteFrom);
 
+    // Whether anything refers to this object; what only the undo stream keeps has nobody.
+    bool HasDependents() const { return !dependents_.empty(); }
+
     ~ReferenceTarget() override;
 
   private:

@@ -1,0 +1,254 @@
+#include "controllers/base_control.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "controllers/key_restore.h"
+#include "controllers/key_sampling.h"
+#include "controllers/key_storage.h"
+#include "core_link/core_link.h"
+#include "host/interface.h"
+#include "platform/win32.h"
+
+namespace {
+
+// A message of the host that is not passed on to dependents.
+constexpr RefMessage kStoppedMessage = 354;
+
+// The platform's millisecond counter, where the cached key is given a time that nothing else
+// depends on.
+TimeValue CounterTime() {
+    return static_cast<TimeValue>(GetTickCount());
+}
+
+}  // namespace
+
+template <class T>
+BaseControl<T>::BaseControl(SClass_ID superClass, Class_ID id, std::string name)
+    : superClassID(superClass), classID(id), className(std::move(name)) {}
+
+template <class T>
+BaseControl<T>::~BaseControl() = default;
+
+template <class T>
+void BaseControl<T>::GetClassName(HostString& name) {
+    name = className;
+}
+
+template <class T>
+SClass_ID BaseControl<T>::SuperClassID() {
+    return superClassID;
+}
+
+template <class T>
+Class_ID BaseControl<T>::ClassID() {
+    return classID;
+}
+
+template <class T>
+void BaseControl<T>::DeleteThis() {
+    delete this;
+}
+
+template <class T>
+int BaseControl<T>::NumKeys() {
+    return IsCoreRunning() ? 0 : table.Count();
+}
+
+template <class T>
+TimeValue BaseControl<T>::GetKeyTime(int index) {
+    return (table.Contains(index) ? table.At(index) : KeyTable<T>::InvalidKey()).time;
+}
+
+template <class T>
+int BaseControl<T>::GetKeyIndex(TimeValue t) {
+    return table.IndexOf(t);
+}
+
+template <class T>
+bool BaseControl<T>::GetNextKeyTime(TimeValue t, std::uint32_t flags, TimeValue& next) {
+    int index = GetKeyIndex(t);
+    if (flags & NEXTKEY_LEFT) --index;
+    if (flags & NEXTKEY_RIGHT) ++index;
+    if (index < 0 || index >= NumKeys()) return false;
+    next = GetKeyTime(index);
+    return true;
+}
+
+template <class T>
+bool BaseControl<T>::IsKeyAtTime(TimeValue t, std::uint32_t) {
+    return table.FindExactKey(t).time >= 0;
+}
+
+template <class T>
+int BaseControl<T>::GetKeyTimes(Tab<TimeValue>& times, Interval range, std::uint32_t) {
+    for (const Key& key : table.keys) {
+        if (range.InInterval(key.time)) times.Append(1, &key.time);
+    }
+    return 0;
+}
+
+template <class T>
+void BaseControl<T>::DeleteKeyAtTime(TimeValue t) {
+    DeleteKeyByIndex(table.IndexOf(t));
+}
+
+template <class T>
+void BaseControl<T>::DeleteTime(Interval range, std::uint32_t flags) {
+    const std::int32_t first = flags & TIME_INCLEFT ? table.FirstNotBefore(range.Start())
+                                                    : table.FirstAfter(range.Start());
+    if (!table.Contains(first) || !range.InInterval(table.At(first).time)) return;
+    std::int32_t behindLast = table.FirstAfter(range.End());
+    if (table.At(behindLast - 1).time == range.End() && !(flags & TIME_INCRIGHT)) --behindLast;
+
+    if (theHold.Holding()) theHold.Put(new ControlCompleteKeyRestore<BaseControl, Key>(*this));
+    table.Remove(first, behindLast);
+}
+
+template <class T>
+void BaseControl<T>::DeleteKeys(std::uint32_t flags) {
+    if (!(flags & TRACK_DOSEL)) {
+        if (flags & TRACK_DOALL) table.keys.clear();
+        return;
+    }
+    if (theHold.Holding()) {
+        // Each record's index is the one that its key has once the keys before it are gone.
+        std::int32_t kept = 0;
+        for (const Key& key : table.keys) {
+            if (key.flags)
+                theHold.Put(new ControlKeyDeleteRestore<BaseControl, Key>(*this, key, kept));
+            else
+                ++kept;
+        }
+    }
+    std::erase_if(table.keys, [](const Key& key) { return key.flags != 0; });
+}
+
+template <class T>
+void BaseControl<T>::DeleteKeyByIndex(int index) {
+    if (!table.Contains(index)) return;
+    if (theHold.Holding()) {
+        theHold.Put(new ControlKeyDeleteRestore<BaseControl, Key>(*this, table.At(index), index));
+    }
+    table.Remove(index, index + 1);
+}
+
+template <class T>
+void BaseControl<T>::SelectKeys(TrackHitTab& hits, std::uint32_t flags) {
+    if (flags & SELKEYS_CLEARKEYS) {
+        for (Key& key : table.keys)
+            key.flags = 0;
+        return;
+    }
+    if (!(flags & (SELKEYS_SELECT | SELKEYS_DESELECT))) return;
+    for (int i = 0; i < hits.Count(); ++i) {
+        if (hits[i].hit < table.keys.size())
+            table.keys[hits[i].hit].flags = flags & SELKEYS_SELECT ? 1 : 0;
+    }
+}
+
+template <class T>
+void BaseControl<T>::SelectKeyByIndex(int index, std::uint32_t value) {
+    if (table.Contains(index)) table.At(index).flags = value;
+}
+
+template <class T>
+void BaseControl<T>::MouseCycleCompleted(TimeValue) {}
+
+template <class T>
+void BaseControl<T>::MouseCycleStarted(TimeValue) {}
+
+template <class T>
+IOResult BaseControl<T>::Save(ISave* save) {
+    SaveKeys(*save, table);
+    return IO_OK;
+}
+
+template <class T>
+IOResult BaseControl<T>::Load(ILoad* load) {
+    LoadKeys(*load, table);
+    // Off every time that is asked for, so that keys are evaluated anew; without keys the loaded
+    // value stands.
+    table.currentKey.time = -1;
+    Interval valid = FOREVER;
+    this->GetValue(CounterTime(), &table.currentKey.value, valid, CTRL_ABSOLUTE);
+    return IO_OK;
+}
+
+template <class T>
+RefResult BaseControl<T>::NotifyRefChanged(Interval, RefTargetHandle, PartID&, RefMessage message) {
+    return message == kStoppedMessage ? REF_STOP : REF_SUCCEED;
+}
+
+template <class T>
+RefTargetHandle BaseControl<T>::Clone(RemapDir& remap) {
+    auto* const made =
+        static_cast<Control*>(GetCOREInterface()->CreateInstance(superClassID, classID));
+    if (!made) return nullptr;
+    auto* const copy = static_cast<BaseControl*>(made);
+    copy->table.keys = table.keys;
+    copy->table.currentKey = table.currentKey;
+    this->BaseClone(this, copy, remap);
+    return copy;
+}
+
+template <class T>
+void BaseControl<T>::Copy(Control* from) {
+    if (!from || from == this || from->SuperClassID() != superClassID) return;
+    table.keys.clear();
+    for (const TimeValue t : SamplingTimes(*from)) {
+        Key key{0, t, T{}};
+        Interval valid = FOREVER;
+        from->GetValue(t, &key.value, valid, CTRL_RELATIVE);
+        table.keys.push_back(key);
+    }
+    table.currentKey = this->GetKeyAtTime(CounterTime());
+}
+
+template <class T>
+int BaseControl<T>::ChangeParents(TimeValue, const Matrix3&, const Matrix3&, const Matrix3&) {
+    return 1;
+}
+
+template <class T>
+TarvoKey<T> BaseControl<T>::GetCurrentKey() {
+    return table.currentKey;
+}
+
+template <class T>
+TarvoKey<T> BaseControl<T>::GetKeyAtTime(TimeValue t) {
+    return table.FindNearestKey(t);
+}
+
+template <class T>
+void BaseControl<T>::AddKey(const Key& key) {
+    if (table.EndsBefore(key.time)) {
+        if (theHold.Holding()) theHold.Put(new ControlKeyAppendRestore<BaseControl, Key>(*this));
+        table.keys.push_back(key);
+        return;
+    }
+    const std::int32_t index = table.FirstNotBefore(key.time);
+    if (table.At(index).time == key.time) {
+        if (theHold.Holding())
+            theHold.Put(new ControlKeyModRestore<BaseControl, Key>(*this, index));
+        table.At(index) = key;
+        return;
+    }
+    if (theHold.Holding()) theHold.Put(new ControlKeyInsertRestore<BaseControl, Key>(*this, index));
+    table.Insert(index, key);
+}
+
+template <class T>
+void BaseControl<T>::HoldCurrentKey() {
+    using Record = ControlKeyModRestore<BaseControl, Key>;
+    if (theHold.Holding()) theHold.Put(new Record(*this, Record::kCurrentKey));
+}
+
+template <class T>
+bool BaseControl<T>::NeedsEvaluation(TimeValue t) const {
+    if (table.keys.empty() || table.currentKey.time == t) return false;
+    return !(table.EndsBefore(t) && table.EndsBefore(table.currentKey.time));
+}
+
+template class BaseControl<float>;
+template class BaseControl<Matrix3>;

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <string>
+
+#include "controllers/key_table.h"
+#include "host/control.h"
+
+template <class C, class K>
+class KeyRestore;
+
+// A keyframe controller over one table of whole values, float or Matrix3. It answers the host's key
+// operations from that table; the concrete classes add evaluation, SetValue and their identity.
+// Every change of keys inside a hold puts its record there first; but for SetValue, edits send no
+// notification. While the Core runs, NumKeys is 0: the host, copies and conversions then see a
+// controller without keys, though the table is full and values go on being interpolated.
+// The order of the virtual operations and of the fields is part of the contract.
+template <class T>
+class BaseControl : public Control {
+  public:
+    using Key = TarvoKey<T>;
+
+    ~BaseControl() override;
+
+    void GetClassName(HostString& name) override;
+    SClass_ID SuperClassID() override;
+    Class_ID ClassID() override;
+    void DeleteThis() override;
+    void BeginEditParams(IObjParam* ip, std::uint32_t flags, Animatable* previous) override = 0;
+    void EndEditParams(IObjParam* ip, std::uint32_t flags, Animatable* next) override = 0;
+
+    // Indexes outside the table are ignored; the time there is the invalid key's, -1.
+    int NumKeys() override;
+    TimeValue GetKeyTime(int index) override;
+    int GetKeyIndex(TimeValue t) override;
+
+    // The neighbour of the key at exactly `t`. Without such a key NEXTKEY_RIGHT gives the table's
+    // first key, wherever `t` is, and NEXTKEY_LEFT nothing.
+    bool GetNextKeyTime(TimeValue t, std::uint32_t flags, TimeValue& next) override;
+    void DeleteKeyAtTime(TimeValue t) override;
+    bool IsKeyAtTime(TimeValue t, std::uint32_t flags) override;  // never at negative times
+    int GetKeyTimes(Tab<TimeValue>& times, Interval range, std::uint32_t flags) override;  // 0
+
+    // Removes the keys inside `range`, those on its ends only with TIME_INCLEFT and TIME_INCRIGHT;
+    // later keys keep their times.
+    void DeleteTime(Interval range, std::uint32_t flags) override;
+
+    // TRACK_DOSEL: the selected keys, each with its own record; else TRACK_DOALL: all, past recall.
+    void DeleteKeys(std::uint32_t flags) override;
+    void DeleteKeyByIndex(int index) override;
+    void SelectKeys(TrackHitTab& hits, std::uint32_t flags) override;
+    void SelectKeyByIndex(int index, std::uint32_t value) override;
+    void MouseCycleCompleted(TimeValue t) override;
+    void MouseCycleStarted(TimeValue t) override;
+
+    // One chunk; see key_storage.h. What is damaged is left out, what is whole is kept.
+    IOResult Save(ISave* save) override;
+    IOResult Load(ILoad* load) override;
+    RefResult NotifyRefChanged(Interval changed, RefTargetHandle target, PartID& part,
+                               RefMessage message) override;
+    RefTargetHandle Clone(RemapDir& remap) override;
+
+    // Replaces the table by samples of `from`, one per frame over the range of its keys and of
+    // those of its parts; no undo. A source of another super class, or this controller itself,
+    // changes nothing.
+    void Copy(Control* from) override;
+    int ChangeParents(TimeValue t, const Matrix3& oldParent, const Matrix3& newParent,
+                      const Matrix3& world) override;
+
+    virtual Key GetCurrentKey();
+    virtual Key GetKeyAtTime(TimeValue t);  // evaluated; flags 0 unless a class says otherwise
+
+  protected:
+    BaseControl(SClass_ID superClass, Class_ID id, std::string name);
+
+    // The sorted insert through which all recording goes: a later key is appended without a search,
+    // a key at a time that has one replaces it.
+    void AddKey(const Key& key);
+
+    // Saves the cached key on the hold, if one is open.
+    void HoldCurrentKey();
+
+    // Whether GetValue at `t` has to evaluate; the cached key answers for its own time, and beyond
+    // the table for all times if its own lies there.
+    bool NeedsEvaluation(TimeValue t) const;
+
+    KeyTable<T> table;
+
+  private:
+    friend class KeyRestore<BaseControl, Key>;
+
+    void RemoveKey(std::int32_t index);
+
+    SClass_ID superClassID;
+    Class_ID classID;
+    std::string className;
+};
+
+extern template class BaseControl<float>;
+extern template class BaseControl<Matrix3>;

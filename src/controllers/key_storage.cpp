@@ -1,0 +1,84 @@
+#include "controllers/key_storage.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::uint16_t kKeysChunk = 1;
+constexpr std::int32_t kFormatVersion = 100;
+
+template <class Value>
+void Write(ISave& save, const Value& value) {
+    std::uint32_t written = 0;
+    save.Write(&value, sizeof value, &written);
+}
+
+// Leaves `value` as it was unless all of it is there.
+template <class Value>
+bool Read(ILoad& load, Value& value) {
+    Value whole;
+    std::uint32_t read = 0;
+    if (load.Read(&whole, sizeof whole, &read) != IO_OK || read != sizeof whole) return false;
+    value = whole;
+    return true;
+}
+
+bool ReadNumber(ILoad& load, std::int32_t expected) {
+    std::int32_t number = 0;
+    return Read(load, number) && number == expected;
+}
+
+template <class T>
+void SortByTime(std::vector<TarvoKey<T>>& keys) {
+    using Key = TarvoKey<T>;
+    const auto rises = [](const Key& a, const Key& b) { return a.time < b.time; };
+    const auto notRising = [](const Key& a, const Key& b) { return a.time >= b.time; };
+    if (std::adjacent_find(keys.begin(), keys.end(), notRising) == keys.end()) return;
+
+    std::stable_sort(keys.begin(), keys.end(), rises);
+    // From the end, so that of equal times the last one is kept.
+    const auto kept = std::unique(keys.rbegin(), keys.rend(),
+                                  [](const Key& a, const Key& b) { return a.time == b.time; });
+    keys.erase(keys.begin(), kept.base());
+}
+
+template <class T>
+void ReadRecords(ILoad& load, KeyTable<T>& table) {
+    std::int32_t count = 0;
+    if (!ReadNumber(load, kFormatVersion) || !ReadNumber(load, sizeof(TarvoKey<T>)) ||
+        !Read(load, count))
+        return;
+    TarvoKey<T> key;
+    for (std::int32_t i = 0; i < count; ++i) {
+        if (!Read(load, key)) return;
+        table.keys.push_back(key);
+    }
+    Read(load, table.currentKey);
+}
+
+}  // namespace
+
+template <class T>
+void SaveKeys(ISave& save, const KeyTable<T>& table) {
+    save.BeginChunk(kKeysChunk);
+    Write(save, kFormatVersion);
+    Write(save, std::int32_t{sizeof(TarvoKey<T>)});
+    Write(save, table.Count());
+    for (const TarvoKey<T>& key : table.keys)
+        Write(save, key);
+    Write(save, table.currentKey);
+    save.EndChunk();
+}
+
+template <class T>
+void LoadKeys(ILoad& load, KeyTable<T>& table) {
+    if (load.OpenChunk() != IO_OK) return;
+    if (load.CurChunkID() == kKeysChunk) ReadRecords(load, table);
+    load.CloseChunk();
+    SortByTime(table.keys);
+}
+
+template void SaveKeys(ISave&, const KeyTable<float>&);
+template void SaveKeys(ISave&, const KeyTable<Matrix3>&);
+template void LoadKeys(ILoad&, KeyTable<float>&);
+template void LoadKeys(ILoad&, KeyTable<Matrix3>&);

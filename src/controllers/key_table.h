@@ -1,0 +1,84 @@
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <type_traits>
+#include <vector>
+
+#include "host/matrix3.h"
+#include "host/types.h"
+
+// One key of a controller. Scene files hold its memory image; the order of the fields is part of
+// the contract.
+template <class T>
+struct TarvoKey {
+    std::uint32_t flags = 0;  // 0: not selected
+    TimeValue time = 0;
+    T value{};
+};
+static_assert(sizeof(TarvoKey<float>) == 12 && sizeof(TarvoKey<Matrix3>) == 60);
+static_assert(std::is_trivially_copyable_v<TarvoKey<Matrix3>>);
+static_assert(std::endian::native == std::endian::little);
+
+// The two keys between which a time lies; they are one and the same where only one key counts.
+template <class T>
+struct KeyBracket {
+    const TarvoKey<T>* left;
+    const TarvoKey<T>* right;
+
+    bool IsOneKey() const { return left == right; }
+
+    // How far `t` is from the left key's time to the right key's, in single precision throughout.
+    float Fraction(TimeValue t) const;
+};
+
+// The keys of a controller, times strictly rising, with the cached key: the last value that was
+// evaluated or set and its time, which is also the only value while there are no keys. References
+// that are given out are good until the table changes. Positions outside the table are harmless.
+template <class T>
+struct KeyTable {
+    using Key = TarvoKey<T>;
+
+    std::vector<Key> keys;
+    Key currentKey;
+    std::int32_t lookupIndex = 0;  // where the nearest key was found last
+
+    // Stands for the absence of a key: time -1, the default value.
+    static const Key& InvalidKey();
+
+    // The key nearest to `t`, the earlier one if two are equally near; the invalid key if there is
+    // none. Its position is left in lookupIndex, from where neighbours are found in a step or two.
+    const Key& FindNearestKey(TimeValue t);
+
+    // The keys around `t`. Outside the table, or on a key, that is one key; never null.
+    KeyBracket<T> FindBracket(TimeValue t);
+
+    // The key at exactly `t`, else the invalid key.
+    const Key& FindExactKey(TimeValue t) const;
+
+    // Its position, else -1.
+    std::int32_t IndexOf(TimeValue t) const;
+
+    // The position of the first key that is not earlier than `t`, or that is later than `t`.
+    std::int32_t FirstNotBefore(TimeValue t) const;
+    std::int32_t FirstAfter(TimeValue t) const;
+
+    std::int32_t Count() const { return static_cast<std::int32_t>(keys.size()); }
+    bool Contains(std::int32_t index) const { return index >= 0 && index < Count(); }
+    bool EndsBefore(TimeValue t) const { return keys.empty() || keys.back().time < t; }
+
+    Key& At(std::int32_t index) { return keys[static_cast<std::size_t>(index)]; }
+    const Key& At(std::int32_t index) const { return keys[static_cast<std::size_t>(index)]; }
+    void Insert(std::int32_t index, const Key& key) { keys.insert(keys.begin() + index, key); }
+    void Remove(std::int32_t first, std::int32_t behindLast) {
+        keys.erase(keys.begin() + first, keys.begin() + behindLast);
+    }
+
+  private:
+    std::int32_t IndexAtOrBefore(TimeValue t) const;
+};
+
+extern template struct KeyBracket<float>;
+extern template struct KeyBracket<Matrix3>;
+extern template struct KeyTable<float>;
+extern template struct KeyTable<Matrix3>;

@@ -1,0 +1,85 @@
+#include "controllers/transform_control.h"
+
+#include "controllers/change_notification.h"
+#include "controllers/convert_panel.h"
+#include "host/animate.h"
+#include "host/interface.h"
+
+namespace {
+
+// What the packet does to a matrix in its axis system; the identity for other commands.
+Matrix3 StepOf(const SetXFormPacket& packet) {
+    Matrix3 step;
+    if (packet.command == XFORM_MOVE) step.SetTranslate(packet.p);
+    if (packet.command == XFORM_ROTATE) step.SetRotate(packet.q);
+    if (packet.command == XFORM_SCALE) step.Scale(packet.p, false);
+    return step;
+}
+
+Matrix3 Applied(const SetXFormPacket& packet, const Matrix3& value) {
+    const Matrix3& parent = packet.tmParent;
+    const Matrix3& axis = packet.tmAxis;
+    switch (packet.command) {
+        case XFORM_MOVE:
+        case XFORM_ROTATE:
+        case XFORM_SCALE:
+            return value * parent * Inverse(axis) * StepOf(packet) * axis * Inverse(parent);
+        case XFORM_SET:
+            return value * axis * Inverse(parent);
+        default:
+            return value;
+    }
+}
+
+}  // namespace
+
+constinit LiveInstances<TransformControl> TransformControl::liveInstances;
+
+TransformControl::TransformControl()
+    : BaseControl(kSuperClassID, kClassID, "Tarvo Transform control") {
+    liveInstances.Append(*this);
+}
+
+TransformControl::~TransformControl() {
+    liveInstances.Remove(*this);
+    ForgetController(rollupWindow, *this);
+}
+
+void TransformControl::BeginEditParams(IObjParam* ip, std::uint32_t, Animatable*) {
+    ForgetController(rollupWindow, *this);
+    editInterface = ip;
+    rollupWindow = AddConvertPage(*ip, *this);
+}
+
+void TransformControl::EndEditParams(IObjParam* ip, std::uint32_t, Animatable*) {
+    ip->DeleteRollupPage(rollupWindow);
+    rollupWindow = nullptr;
+}
+
+int TransformControl::ChangeParents(TimeValue, const Matrix3& oldParent, const Matrix3& newParent,
+                                    const Matrix3&) {
+    const Matrix3 fromNewParent = Inverse(newParent);
+    for (Key& key : table.keys)
+        key.value = key.value * oldParent * fromNewParent;
+    table.currentKey.value = table.currentKey.value * oldParent * fromNewParent;
+    AnnounceChange(*this);
+    return 1;
+}
+
+void TransformControl::GetValue(TimeValue t, void* value, Interval& valid, GetSetMethod method) {
+    valid.SetInstant(t);
+    Matrix3& result = *static_cast<Matrix3*>(value);
+    const Matrix3 incoming = result;  // `value` may be the cached key itself
+    if (NeedsEvaluation(t)) table.currentKey = EvaluateInParent(t, incoming);
+    result = method == CTRL_ABSOLUTE ? table.currentKey.value : table.currentKey.value * incoming;
+}
+
+void TransformControl::SetValue(TimeValue t, void* value, int, GetSetMethod method) {
+    HoldCurrentKey();
+    const auto& packet = *static_cast<const SetXFormPacket*>(value);
+    Key& current = table.currentKey;
+    current.value = Applied(packet, method == CTRL_ABSOLUTE ? Matrix3() : current.value);
+    current.time = t;
+    if (Animating()) AddKey({0, t, current.value});
+    AnnounceChange(*this);
+}
