@@ -92,11 +92,12 @@ class CMAXNode final : public TVL::CoreNode {
 
     CMAXNode* CloneHostNode(bool withHierarchy);
     std::intptr_t CloneBelow(TVL::CoreNode* parent);
-    void ConvertToHostController();
+    std::intptr_t ConvertToHostController();
     void DeleteReal(bool deleteHostNode);
     void DeleteSnapshotNode(bool deleteHostNode);
     bool MayDeleteThroughSource() const;
     void SettleHostSide(bool deleteHostNode);
+    void EmptyWatches();
     void JoinAlive();
     void LeaveAlive();
     void LoseSource();

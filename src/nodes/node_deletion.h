@@ -18,6 +18,9 @@ DeletionState& DeletionInProgress();
 // Whether the host is about to delete this node by itself.
 bool IsBeingDeletedByHost(INode* hostNode);
 
+// Puts the host's default transform controller on a node that has a TransformControl.
+void ConvertTransformController(INode* hostNode);
+
 // Takes the adaptor's own controllers off a node that goes back to the host: its TransformControl,
 // and the ScalarControls among the parameters of its object.
 void RevertControllers(INode* hostNode);

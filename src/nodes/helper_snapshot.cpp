@@ -1,0 +1,90 @@
+#include "nodes/helper_snapshot.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <memory>
+
+#include "objects/custom_helper_object.h"
+#include "objects/mesh_exchange.h"
+
+namespace {
+
+// The low 8 bits of the channel times 255; nothing is clamped to them.
+std::uint32_t WireChannel(float channel) {
+    constexpr double kLowest = std::numeric_limits<std::int32_t>::min();
+    constexpr double kHighest = std::numeric_limits<std::int32_t>::max();
+    const double scaled = static_cast<double>(channel) * 255.0;
+    if (std::isnan(scaled)) return 0;
+    return static_cast<std::uint32_t>(
+               static_cast<std::int32_t>(std::clamp(scaled, kLowest, kHighest))) &
+           0xFF;
+}
+
+// The host's colour value: red in the low byte.
+std::uint32_t WireColour(float red, float green, float blue) {
+    return WireChannel(red) | WireChannel(green) << 8 | WireChannel(blue) << 16;
+}
+
+}  // namespace
+
+CMAXNode::CMAXSnapshot_Helper::CMAXSnapshot_Helper(CMAXNode& lender) {
+    node = &lender;
+}
+
+void CMAXNode::CMAXSnapshot_Helper::Acquire(CMAXNode& lender, Object* object) {
+    acquired = true;
+    hostObject = object;
+    hostNode = lender.hostNode;
+}
+
+void CMAXNode::CMAXSnapshot_Helper::LoseNode() {
+    node = nullptr;
+    hostObject = nullptr;
+    hostNode = {};
+}
+
+void CMAXNode::CMAXSnapshot_Helper::SetMesh(const TVL::CMesh& mesh) {
+    Object* const object = LiveObject();
+    if (object && object->ClassID() == kTriObjectClassId)
+        WriteMesh(mesh, static_cast<TriObject*>(object)->GetMesh());
+}
+
+void CMAXNode::CMAXSnapshot_Helper::SetColor(float red, float green, float blue) {
+    if (CustomHelperObject* helper = LiveHelper()) helper->colour = {red, green, blue};
+    if (INode* host = hostNode.Get()) host->SetWireColor(WireColour(red, green, blue));
+}
+
+void CMAXNode::CMAXSnapshot_Helper::SetWireframe(bool wireframe) {
+    if (CustomHelperObject* helper = LiveHelper()) helper->wireframe = wireframe;
+}
+
+void CMAXNode::CMAXSnapshot_Helper::SetBackfaceCull(bool backfaceCull) {
+    if (CustomHelperObject* helper = LiveHelper()) helper->backfaceCull = backfaceCull;
+}
+
+Object* CMAXNode::CMAXSnapshot_Helper::LiveObject() const {
+    if (!hostNode.IsSet()) return hostObject;
+    INode* const host = hostNode.Get();
+    return host && host->GetObjectRef() == hostObject ? hostObject : nullptr;
+}
+
+CustomHelperObject* CMAXNode::CMAXSnapshot_Helper::LiveHelper() const {
+    Object* const object = LiveObject();
+    const bool isHelper = object && object->ClassID() == kCustomHelperObjectClassId;
+    return isHelper ? static_cast<CustomHelperObject*>(object) : nullptr;
+}
+
+TVL::CSnapshot_Helper* CMAXNode::AcquireHelperSnapshot() {
+    INode* const host = HostNode();
+    Object* const object = host ? host->GetObjectRef() : nullptr;
+    if (!host || (object && object->SuperClassID() == CAMERA_CLASS_ID)) return nullptr;
+    CMAXSnapshot_Helper& snapshot =
+        helperPool.FindFree([this] { return std::make_unique<CMAXSnapshot_Helper>(*this); });
+    snapshot.Acquire(*this, object);
+    return &snapshot;
+}
+
+void CMAXNode::ReleaseHelperSnapshot(TVL::CSnapshot_Helper* snapshot) {
+    if (snapshot) static_cast<CMAXSnapshot_Helper*>(snapshot)->Release();
+}

@@ -1,0 +1,133 @@
+#include "nodes/max_node.h"
+
+#include <utility>
+
+#include "nodes/helper_snapshot.h"
+#include "nodes/host_name.h"
+#include "nodes/node_list.h"
+#include "nodes/node_lookup.h"
+#include "nodes/node_watch.h"
+#include "nodes/transform_snapshot.h"
+#include "tvl/log.h"
+
+CMAXNode* CMAXNode::newestAlive = nullptr;
+
+CMAXNode::CMAXNode(TVL::CoreElement* nodeOwner, std::string nodeName, const CMAXNode* parent,
+                   INode* host)
+    : isSnapshot(false), hostNode(host) {
+    name = std::move(nodeName);
+    owner = nodeOwner;
+    JoinAlive();
+    INode* const parentHost = parent ? parent->HostNode() : nullptr;
+    if (parentHost && host) parentHost->AttachChild(host, 1);
+    ListNode(this);
+}
+
+CMAXNode::CMAXNode(CMAXNode* reachedFrom, INode* host) : isSnapshot(true), hostNode(host) {
+    source = reachedFrom;
+    if (reachedFrom) {
+        sourceOwner = reachedFrom->owner;
+        reachedFrom->reached.push_back(this);
+    }
+    if (const CMAXNode* real = FindRealNode(host)) {
+        name = real->name;
+        owner = real->owner;
+    } else {
+        name = GetName();
+    }
+    JoinAlive();
+}
+
+CMAXNode::~CMAXNode() {
+    TVL::Log log("Deconstructing node", TVL::Log::kNotice);
+    log.WriteValue("name", name);
+    if (isSnapshot)
+        log.Write("node is a snapshot");
+    else
+        UnlistNode(this);
+    EmptyWatches();
+    LoseSource();
+    for (CMAXNode* node : reached)
+        node->source = nullptr;
+    LeaveAlive();
+    transformPool.Empty("Encountered still acquired snapshot");
+    helperPool.Empty("Encountered still acquired helper snapshot");
+}
+
+void CMAXNode::Destroy() {
+    delete this;
+}
+
+void CMAXNode::Show() {
+    if (INode* host = HostNode()) host->Hide(false);
+}
+
+void CMAXNode::Hide() {
+    if (INode* host = HostNode()) host->Hide(true);
+}
+
+bool CMAXNode::IsVisible() {
+    INode* const host = HostNode();
+    return host && !host->IsHidden(0, false);
+}
+
+void CMAXNode::SetName(std::string hostName) {
+    if (INode* host = HostNode()) host->SetName(CutHostName(std::move(hostName)).c_str());
+}
+
+std::string CMAXNode::GetName() {
+    INode* const host = HostNode();
+    const char* const hostName = host ? host->GetName() : nullptr;
+    return hostName ? hostName : "";
+}
+
+bool CMAXNode::IsSameNode(TVL::CoreNode* other) {
+    INode* const mine = HostNode();
+    INode* const theirs = other ? static_cast<CMAXNode*>(other)->HostNode() : nullptr;
+    return mine && theirs && mine->GetHandle() == theirs->GetHandle();
+}
+
+TVL::CoreNode* CMAXNode::Claim(TVL::CoreElement* newOwner, std::string newName) {
+    INode* const host = HostNode();
+    if (!isSnapshot || !host || FindRealNode(host)) return nullptr;
+    return new CMAXNode(newOwner, std::move(newName), nullptr, host);
+}
+
+// The node is the caller's from here on, so no undo record may list, hold or end it any more.
+void CMAXNode::Unclaim() {
+    if (isSnapshot) return;
+    isSnapshot = true;
+    UnlistNode(this);
+    EmptyWatches();
+    owner = nullptr;
+    LoseSource();
+}
+
+void CMAXNode::ForgetCore() {
+    owner = nullptr;
+    sourceOwner = nullptr;
+    listener = nullptr;
+}
+
+void CMAXNode::EmptyWatches() {
+    for (NodeWatch* watch : watches)
+        watch->node_ = nullptr;
+    watches.clear();
+}
+
+void CMAXNode::LoseSource() {
+    if (source) std::erase(static_cast<CMAXNode*>(source)->reached, this);
+    source = nullptr;
+    sourceOwner = nullptr;
+}
+
+void CMAXNode::JoinAlive() {
+    olderAlive = newestAlive;
+    if (olderAlive) olderAlive->newerAlive = this;
+    newestAlive = this;
+}
+
+void CMAXNode::LeaveAlive() {
+    if (olderAlive) olderAlive->newerAlive = newerAlive;
+    (newerAlive ? newerAlive->olderAlive : newestAlive) = olderAlive;
+}

@@ -1,0 +1,9 @@
+#include "nodes/mesh_cache.h"
+
+#include <utility>
+
+void EmptyMeshCache() {
+    MeshCache& cache = ConvertedMeshes();
+    ++cache.timesEmptied;
+    std::exchange(cache.meshes, {});
+}

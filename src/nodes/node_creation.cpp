@@ -1,0 +1,130 @@
+#include "nodes/node_creation.h"
+
+#include <memory>
+
+#include "controllers/scalar_control.h"
+#include "controllers/transform_control.h"
+#include "core_link/core_link.h"
+#include "host/interface.h"
+#include "nodes/helper_snapshot.h"
+#include "nodes/host_name.h"
+#include "nodes/max_node.h"
+#include "nodes/node_instance_restore.h"
+#include "nodes/node_list.h"
+#include "nodes/node_watch.h"
+#include "nodes/object_parameters.h"
+#include "tvl/log.h"
+#include "undo/undo_groups.h"
+
+namespace {
+
+constexpr std::uint32_t kRed = 255;
+
+bool WantsOwnControllers() {
+    return CoreOption(kOptimizedControllersOption, true);
+}
+
+Control* NewControl(SClass_ID superClass, Class_ID classId) {
+    return static_cast<Control*>(GetCOREInterface()->CreateInstance(superClass, classId));
+}
+
+void PutTransformControl(INode& host) {
+    Control* const control =
+        NewControl(TransformControl::kSuperClassID, TransformControl::kClassID);
+    if (control && !host.SetTMController(control)) control->DeleteThis();
+}
+
+void PutScalarControls(CameraObject& camera) {
+    ForEachParameter(&camera, [](Animatable& parameters, int index) {
+        const HostString name = parameters.SubAnimName(index);
+        if (name != "FOV" && name != "Target Distance") return;
+        Control* const control = NewControl(ScalarControl::kSuperClassID, ScalarControl::kClassID);
+        if (control && !parameters.AssignController(control, index)) control->DeleteThis();
+    });
+}
+
+std::string HostNameOf(const TVL::CoreElement* owner, const std::string& name) {
+    const std::string plugin = owner && owner->plugin ? owner->plugin->name : "";
+    return CutHostName(plugin + "_" + name);
+}
+
+void RecordCreation(CMAXNode* node) {
+    if (!IsHoldingUndo()) return;
+    auto record = std::make_unique<NodeInstanceRestoreObj>(node, false);
+    record->ToggleNode();
+    AddUndoChunk(record.release());
+}
+
+// The host node of a new object, which the scene owns from here on; null if there is none, and the
+// object is freed.
+INode* NewHostNode(Object* object) {
+    INode* const host = GetCOREInterface()->CreateObjectNode(object);
+    if (!host) object->DeleteThis();
+    return host;
+}
+
+}  // namespace
+
+// Both ask the Core for its option before there is a node that it could end meanwhile. The listener
+// can end the new node when it hears of it.
+
+TVL::CNode* CreateLensNode(TVL::CoreElement* owner, const std::string& name, TVL::CNode* parent,
+                           TVL::NodeListener* listener) {
+    const bool ownControllers = WantsOwnControllers();
+    CameraObject* const camera = GetCOREInterface()->CreateCameraObject(0);
+    if (!camera) return nullptr;
+    camera->SetConeState(1);
+    camera->SetHorzLineState(1);
+    camera->Enable(1);
+    INode* const host = NewHostNode(camera);
+    if (!host) return nullptr;
+    const NodeWatch node(new CMAXNode(owner, name, static_cast<CMAXNode*>(parent), host));
+    node.Get()->SetListener(listener);
+    if (ownControllers) {
+        PutTransformControl(*host);
+        PutScalarControls(*camera);
+    }
+    host->SetName(HostNameOf(owner, name).c_str());
+    RecordCreation(node.Get());
+    return node.Get();
+}
+
+TVL::CNode* CreateHelperNode(TVL::CoreElement* owner, const std::string& name, TVL::CNode* parent,
+                             const TVL::CMesh& mesh, TVL::NodeListener* listener) {
+    TVL::Log log("creating helper", TVL::Log::kNotice);
+    log.WriteValue("meshname", name);
+    log.WriteValue("parent", parent ? parent->GetNodeName() : std::string("(NULL)"));
+    const bool ownControllers = WantsOwnControllers();
+    TriObject* const object = CreateNewTriObject();
+    if (!object) {
+        log.Write("Unable to create 3ds max mesh object", TVL::Log::kError);
+        return nullptr;
+    }
+    INode* const host = NewHostNode(object);
+    const NodeWatch node(new CMAXNode(owner, name, static_cast<CMAXNode*>(parent), host));
+    if (!host) {
+        log.Write("Error creating node reference", TVL::Log::kError);
+        node.Get()->Destroy();
+        return nullptr;
+    }
+    host->SetWireColor(kRed);
+    CMAXNode::CMAXSnapshot_Helper(object).SetMesh(mesh);
+    node.Get()->SetListener(listener);
+    if (ownControllers) PutTransformControl(*host);
+    RecordCreation(node.Get());
+    if (node.Get()) node.Get()->SetName(HostNameOf(owner, name));
+    return node.Get();
+}
+
+TVL::CNode* FindNode(const TVL::CoreElement* owner, std::string_view name) {
+    for (CMAXNode* node : AdaptorNodes().nodes)
+        if (node->Owner() == owner && node->NodeName() == name) return node;
+    return nullptr;
+}
+
+std::vector<TVL::CNode*> GetNodes(const TVL::CoreElement* owner) {
+    std::vector<TVL::CNode*> found;
+    for (CMAXNode* node : AdaptorNodes().nodes)
+        if (node->Owner() == owner) found.push_back(node);
+    return found;
+}

@@ -1,0 +1,82 @@
+#include "nodes/node_deletion.h"
+
+#include <memory>
+
+#include "controllers/conversion.h"
+#include "controllers/scalar_control.h"
+#include "controllers/transform_control.h"
+#include "nodes/max_node.h"
+#include "nodes/node_instance_restore.h"
+#include "nodes/node_list.h"
+#include "nodes/object_parameters.h"
+#include "undo/undo_groups.h"
+
+bool IsBeingDeletedByHost(INode* hostNode) {
+    const INodeTab* const table = DeletionInProgress().deletingNodes;
+    if (!table) return false;
+    for (int index = 0; index < table->Count(); ++index)
+        if ((*table)[index] == hostNode) return true;
+    return false;
+}
+
+void ConvertTransformController(INode* hostNode) {
+    Control* const controller = hostNode->GetTMController();
+    if (controller && controller->ClassID() == TransformControl::kClassID)
+        ConvertToPRSController(static_cast<TransformControl*>(controller));
+}
+
+void RevertControllers(INode* hostNode) {
+    ConvertTransformController(hostNode);
+    ForEachParameter(hostNode->GetObjectRef(), [](Animatable& parameters, int index) {
+        Animatable* const part = parameters.SubAnim(index);
+        if (part && part->ClassID() == ScalarControl::kClassID)
+            ConvertToScalarController(static_cast<ScalarControl*>(part));
+    });
+}
+
+void CMAXNode::Delete(bool deleteHostNode) {
+    if (isSnapshot)
+        DeleteSnapshotNode(deleteHostNode);
+    else
+        DeleteReal(deleteHostNode);
+}
+
+// Calls out to the host and to the Core can end this node; the record, which has not been given
+// away yet, tells.
+void CMAXNode::DeleteReal(bool deleteHostNode) {
+    if (!IsListed(this)) return;
+    UnlistNode(this);
+    auto record = std::make_unique<NodeInstanceRestoreObj>(this, true);
+    SettleHostSide(deleteHostNode);
+    if (!record->Node()) return;
+    if (!IsHoldingUndo()) {
+        Destroy();
+        return;
+    }
+    record->ToggleNode();
+    AddUndoChunk(record.release());
+}
+
+void CMAXNode::DeleteSnapshotNode(bool deleteHostNode) {
+    if (!MayDeleteThroughSource()) return;
+    const NodeWatch alive(this);
+    SettleHostSide(deleteHostNode);
+    if (alive.Get()) Destroy();
+}
+
+// A node of one owner can be deleted through a snapshot node only if that was reached from a node
+// of the same owner. A source that is gone counts with the owner that it had when it led here.
+bool CMAXNode::MayDeleteThroughSource() const {
+    const TVL::CoreElement* const reachedBy =
+        source ? static_cast<const CMAXNode*>(source)->owner : sourceOwner;
+    return !owner || owner == reachedBy;
+}
+
+void CMAXNode::SettleHostSide(bool deleteHostNode) {
+    INode* const host = HostNode();
+    if (!host) return;
+    if (!deleteHostNode)
+        RevertControllers(host);
+    else if (!IsBeingDeletedByHost(host))
+        GetCOREInterface()->DeleteNode(host, 1, 0);
+}

@@ -1,0 +1,25 @@
+#include "nodes/node_sweep.h"
+
+#include "nodes/max_node.h"
+#include "nodes/node_list.h"
+#include "nodes/node_selection.h"
+#include "nodes/snapshot_pool.h"
+
+SweptNodes SweepNodes() {
+    SweptNodes swept;
+    CMAXNode* node = CMAXNode::NewestAlive();
+    while (node) {
+        CMAXNode* const older = node->OlderAlive();
+        node->ForgetCore();
+        if (node->IsSnapshot()) {
+            ++swept.snapshotNodes;
+        } else {
+            ++(IsListed(node) ? swept.realNodes : swept.recordedNodes);
+            node->Destroy();
+        }
+        node = older;
+    }
+    EndSelectionBatch();
+    swept.snapshots = FreeOrphans();
+    return swept;
+}

@@ -1,0 +1,57 @@
+#include "nodes/recording.h"
+
+#include <algorithm>
+
+#include "host/animate.h"
+#include "host/interface.h"
+#include "measures/host_clock.h"
+#include "nodes/max_node.h"
+#include "nodes/mesh_cache.h"
+#include "nodes/node_list.h"
+#include "tvl/snapshot.h"
+#include "undo/set_time_restore.h"
+#include "undo/undo_groups.h"
+
+namespace {
+
+void OpenRecording() {
+    GetCOREInterface()->EnableAnimateButton(0);
+    RecordingInProgress() = {.wasAnimating = Animating(), .open = true};
+    AnimateOn();
+    AddUndoChunk(new CSetTimeRestoreObj(CurrentSeconds()));
+    EmptyMeshCache();
+}
+
+// What is written in animate mode becomes a key, even if it is what was there.
+void KeyPresentPose(CMAXNode& node) {
+    TVL::CSnapshot* const snapshot = node.AcquireSnapshot(CurrentSeconds());
+    if (!snapshot) return;
+    snapshot->SetWorldTransform(snapshot->GetWorldTransform());
+    node.ReleaseSnapshot(snapshot);
+}
+
+}  // namespace
+
+std::int32_t BeginRecording(const std::vector<TVL::CoreElement*>& owners) {
+    OpenRecording();
+    const std::vector<CMAXNode*>& nodes = AdaptorNodes().nodes;
+    for (std::size_t index = 0; index < nodes.size(); ++index) {
+        CMAXNode& node = *nodes[index];
+        const bool isMeant = std::ranges::find(owners, node.Owner()) != owners.end();
+        if (isMeant && node.IsRecordable()) KeyPresentPose(node);
+    }
+    return 0;
+}
+
+std::int32_t BeginRecordingUnkeyed() {
+    OpenRecording();
+    return 0;
+}
+
+std::int32_t EndRecording() {
+    RecordingInProgress().open = false;
+    if (!RecordingInProgress().wasAnimating) AnimateOff();
+    GetCOREInterface()->EnableAnimateButton(1);
+    EmptyMeshCache();
+    return 0;
+}

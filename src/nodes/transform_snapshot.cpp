@@ -1,0 +1,73 @@
+#include "nodes/transform_snapshot.h"
+
+#include <memory>
+
+#include "controllers/change_notification.h"
+#include "measures/core_space.h"
+#include "measures/host_clock.h"
+
+CMAXNode::CMAXSnapshot::CMAXSnapshot(CMAXNode& lender) {
+    node = &lender;
+    owner = lender.owner;
+}
+
+void CMAXNode::CMAXSnapshot::Acquire(CMAXNode& lender, double time) {
+    coreNode = &lender;
+    acquired = true;
+    ticks = SnapshotTicks(time);
+    seconds = time;
+    hostNode = lender.hostNode;
+}
+
+void CMAXNode::CMAXSnapshot::LoseNode() {
+    node = nullptr;
+    coreNode = nullptr;
+    hostNode = {};
+}
+
+TVL::CMatrix4 CMAXNode::CMAXSnapshot::GetWorldTransform() {
+    INode* const host = hostNode.Get();
+    if (!host) return TVL::CMatrix4::Identity();
+    return HostTransform(*host) * Inverse(CoreToHostBase());
+}
+
+void CMAXNode::CMAXSnapshot::SetWorldTransform(const TVL::CMatrix4& transform) {
+    if (INode* host = hostNode.Get()) SetHostTransform(*host, transform * CoreToHostBase());
+}
+
+TVL::CMatrix4 CMAXNode::CMAXSnapshot::GetLocalTransform() {
+    INode* const host = hostNode.Get();
+    if (!host) return TVL::CMatrix4::Identity();
+    return HostTransform(*host) * Inverse(LocalBase(*host));
+}
+
+void CMAXNode::CMAXSnapshot::SetLocalTransform(const TVL::CMatrix4& transform) {
+    if (INode* host = hostNode.Get()) SetHostTransform(*host, transform * LocalBase(*host));
+}
+
+// What a local transform is relative to: the parent, or Core world space below the root.
+TVL::CMatrix4 CMAXNode::CMAXSnapshot::LocalBase(INode& host) const {
+    INode* const parent = host.GetParentNode();
+    return parent && !parent->IsRootNode() ? HostTransform(*parent) : CoreToHostBase();
+}
+
+TVL::CMatrix4 CMAXNode::CMAXSnapshot::HostTransform(INode& host) const {
+    return ToCore(host.GetNodeTM(ticks));
+}
+
+void CMAXNode::CMAXSnapshot::SetHostTransform(INode& host, const TVL::CMatrix4& transform) {
+    host.SetNodeTM(ticks, ToHost(transform));
+    AnnounceChange(host);
+}
+
+TVL::CSnapshot* CMAXNode::AcquireSnapshot(double seconds) {
+    if (!HostNode()) return nullptr;
+    CMAXSnapshot& snapshot =
+        transformPool.FindFree([this] { return std::make_unique<CMAXSnapshot>(*this); });
+    snapshot.Acquire(*this, seconds);
+    return &snapshot;
+}
+
+void CMAXNode::ReleaseSnapshot(TVL::CSnapshot* snapshot) {
+    if (snapshot) static_cast<CMAXSnapshot*>(snapshot)->Release();
+}
