@@ -73,7 +73,7 @@ class CMAXNode final : public TVL::CoreNode {
     // For the adaptor's own rooms.
 
     INode* HostNode() const { return hostNode.Get(); }  // null while it is not in the scene
-    bool StandsFor(INode* host) const { return host && hostNode == HostNodeLink(host); }
+    const HostNodeLink& HostLink() const { return hostNode; }
     TVL::CoreElement* Owner() const { return owner; }
     const std::string& NodeName() const { return name; }
     TVL::NodeListener* Listener() const { return listener; }

@@ -4,7 +4,9 @@
 #include "nodes/node_list.h"
 
 CMAXNode* FindRealNode(INode* hostNode) {
+    const HostNodeLink wanted(hostNode);
+    if (!wanted.IsSet()) return nullptr;
     for (CMAXNode* node : AdaptorNodes().nodes)
-        if (node->StandsFor(hostNode)) return node;
+        if (node->HostLink() == wanted) return node;
     return nullptr;
 }
