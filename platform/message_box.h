@@ -1,0 +1,26 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "platform/platform_api.h"
+#include "platform/win32.h"
+
+namespace platform {
+
+// A message box that was asked for. There is nobody to press its button, so that it is answered at
+// once.
+struct MessageBoxRequest {
+    HWND owner = nullptr;
+    std::string text;
+    std::string caption;
+    UINT style = 0;
+};
+
+using MessageBoxHandler = std::function<void(const MessageBoxRequest&)>;
+
+// Gives every further message box to `handler`, or to the standard error stream if that is empty,
+// and returns the handler that had them before. A handler must be taken out before its module goes.
+PLATFORM_API MessageBoxHandler SetMessageBoxHandler(MessageBoxHandler handler);
+
+}  // namespace platform

@@ -1,0 +1,9 @@
+#include "platform/module.h"
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved);
+
+namespace {
+
+const platform::EntryPointRegistration registration(&DllMain);
+
+}  // namespace

@@ -1,0 +1,145 @@
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "platform/posix/guarded.h"
+#include "platform/posix/handle_table.h"
+#include "platform/posix/native_path.h"
+#include "platform/posix/reg_file.h"
+#include "platform/posix/text.h"
+#include "platform/testing.h"
+#include "platform/win32.h"
+
+namespace platform {
+namespace {
+
+constexpr std::size_t kLargestFile = std::size_t{16} << 20;  // bytes; the rest is not read
+
+// A key keeps the registry as it was when the key was opened.
+struct OpenKey {
+    std::shared_ptr<const RegFile> file;
+    std::string path;  // in lower case, its root first
+};
+
+struct Registry {
+    HandleTable<HKEY, OpenKey> keys;
+    // What was read last.
+    std::string path;
+    std::string bytes;
+    std::shared_ptr<const RegFile> file;
+};
+
+// Never destroyed: a key can be opened while the program ends.
+Registry& TheRegistry() {
+    static auto* const registry = new Registry;
+    return *registry;
+}
+
+std::string RegistryPath() {
+    if (const char* const named = std::getenv("LUMISET_REGISTRY")) return named;
+    return (std::filesystem::path(ProgramPath()).parent_path() / "lumiset.reg").string();
+}
+
+// Empty if there is no such file, as a computer without an installation has none.
+std::string ReadFile(const std::string& path) {
+    std::ifstream stream(path, std::ios::binary);
+    std::array<char, 65536> block;
+    std::string bytes;
+    do {
+        stream.read(block.data(), block.size());
+        bytes.append(block.data(), static_cast<std::size_t>(stream.gcount()));
+    } while (stream && bytes.size() < kLargestFile);
+    return bytes;
+}
+
+std::shared_ptr<const RegFile> ReadRegistry() {
+    Registry& registry = TheRegistry();
+    std::string path = RegistryPath();
+    std::string bytes = ReadFile(path);
+    if (registry.file && registry.path == path && registry.bytes == bytes) return registry.file;
+    auto file = std::make_shared<const RegFile>(ParseRegFile(bytes));
+    for (const int line : file->damagedLines) {
+        std::fprintf(stderr, "%s:%d: not a line of a registry file, skipped\n", path.c_str(), line);
+    }
+    registry.path = std::move(path);
+    registry.bytes = std::move(bytes);
+    registry.file = file;
+    return file;
+}
+
+// The key that `key` stands for; one without a path if it stands for none.
+OpenKey KeyBehind(HKEY key) {
+    if (key == HKEY_LOCAL_MACHINE) return {ReadRegistry(), "hkey_local_machine"};
+    if (key == HKEY_CURRENT_USER) return {ReadRegistry(), "hkey_current_user"};
+    const OpenKey* const open = TheRegistry().keys.Find(key);
+    return open == nullptr ? OpenKey{} : *open;
+}
+
+LSTATUS Open(HKEY key, std::string_view subKey, HKEY& result) {
+    OpenKey opened = KeyBehind(key);
+    if (opened.path.empty()) return ERROR_INVALID_HANDLE;
+    opened.file = ReadRegistry();
+    while (subKey.ends_with('\\'))
+        subKey.remove_suffix(1);
+    if (!subKey.empty()) opened.path += '\\' + LowerCase(subKey);
+    const bool isRoot = opened.path.find('\\') == std::string::npos;
+    if (!isRoot && !opened.file->HasKey(opened.path)) return ERROR_FILE_NOT_FOUND;
+    result = TheRegistry().keys.Add(std::move(opened));
+    return ERROR_SUCCESS;
+}
+
+LSTATUS Query(HKEY key, std::string_view name, DWORD* type, BYTE* data, DWORD* size) {
+    const OpenKey opened = KeyBehind(key);
+    if (opened.path.empty()) return ERROR_INVALID_HANDLE;
+    const RegValue* const value = opened.file->FindValue(opened.path, LowerCase(name));
+    if (value == nullptr) return ERROR_FILE_NOT_FOUND;
+    if (type != nullptr) *type = value->type;
+    if (size == nullptr) return ERROR_SUCCESS;
+    const auto needed = static_cast<DWORD>(value->bytes.size());
+    const DWORD room = std::exchange(*size, needed);
+    if (data == nullptr) return ERROR_SUCCESS;
+    if (room < needed) return ERROR_MORE_DATA;
+    std::copy(value->bytes.begin(), value->bytes.end(), data);
+    return ERROR_SUCCESS;
+}
+
+}  // namespace
+
+std::size_t CountOpenKeys() {
+    return TheRegistry().keys.Count();
+}
+
+}  // namespace platform
+
+extern "C" {
+
+LSTATUS RegOpenKeyExA(HKEY key, LPCSTR subKey, DWORD, REGSAM, HKEY* result) {
+    if (result == nullptr) return ERROR_INVALID_PARAMETER;
+    *result = nullptr;
+    return platform::Guarded<LSTATUS>(ERROR_NOT_ENOUGH_MEMORY, [&] {
+        return platform::Open(key, subKey == nullptr ? "" : subKey, *result);
+    });
+}
+
+LSTATUS RegQueryValueExA(HKEY key, LPCSTR name, DWORD*, DWORD* type, BYTE* data, DWORD* size) {
+    if (data != nullptr && size == nullptr) return ERROR_INVALID_PARAMETER;
+    return platform::Guarded<LSTATUS>(ERROR_NOT_ENOUGH_MEMORY, [&] {
+        return platform::Query(key, name == nullptr ? "" : name, type, data, size);
+    });
+}
+
+LSTATUS RegCloseKey(HKEY key) {
+    if (key == HKEY_LOCAL_MACHINE || key == HKEY_CURRENT_USER) return ERROR_SUCCESS;
+    return platform::Guarded<LSTATUS>(ERROR_INVALID_HANDLE, [&] {
+        return platform::TheRegistry().keys.Remove(key) ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
+    });
+}
+
+}  // extern "C"

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/posix/handle_table.h"
+#include "platform/win32.h"
+
+namespace platform {
+
+// A window or a control. Position in dialog units, within the parent.
+struct Window {
+    std::string windowClass;
+    std::string text;
+    HINSTANCE instance = nullptr;
+    HWND parent = nullptr;
+    std::vector<HWND> children;
+    DLGPROC procedure = nullptr;
+    LONG_PTR userData = 0;
+    int id = 0;
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+    bool visible = false;
+    bool leaving = false;  // from WM_DESTROY on
+};
+
+// Any message can end any window: after one was sent, a handle must be looked up anew.
+HandleTable<HWND, Window>& Windows();
+
+// The new window joins its parent's children. Null if the parent is gone, or if a child has none.
+HWND AddWindow(Window window, DWORD style);
+
+// What the window's procedure returned; 0 without window or procedure.
+INT_PTR CallProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+// Leaves the module's windows without a procedure, since its code is about to go.
+void ForgetProcedures(HMODULE module);
+
+}  // namespace platform

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+// A fault in a resource script; its text begins with the file and the line.
+class ScriptError : public std::runtime_error {
+  public:
+    ScriptError(const std::string& file, int line, const std::string& message)
+        : std::runtime_error(file + ":" + std::to_string(line) + ": " + message) {}
+};
