@@ -1,0 +1,26 @@
+#pragma once
+
+#include "platform/win32.h"
+#include "tvl/core_interface.h"
+
+// The link to the Core, and the questions that every room may ask it. The one link belongs to the
+// UtilityManager; a link without a Core is the normal state of a host on which none is installed.
+struct CoreLink {
+    HMODULE coreModule = nullptr;   // the loaded library
+    CoreInterface* core = nullptr;  // the Core's own; attached means that it is not null
+};
+
+// The process's link.
+CoreLink& TheCoreLink();
+
+// Null while no Core is attached. A call to the Core may detach it: ask again after each.
+inline CoreInterface* AttachedCore() {
+    return TheCoreLink().core;
+}
+
+// False while no Core is attached, else what the Core says.
+bool IsCoreRunning();
+
+// The value of an option of the panel; `preset` where there is no Core, or it does not know the
+// option.
+bool CoreOption(int option, bool preset);

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "host/hold.h"
+
+// The bracket of an operation that is one undo step by itself: it begins the hold if that is off,
+// and at its end accepts under its label the hold that it began. Inside an open hold it does
+// nothing, and the operation becomes part of that step.
+class OwnStep {
+  public:
+    // The label outlives the bracket.
+    explicit OwnStep(const char* stepLabel) : label(stepLabel), begun(!theHold.Holding()) {
+        if (begun) theHold.Begin();
+    }
+    ~OwnStep() {
+        if (begun) theHold.Accept(label);
+    }
+    OwnStep(const OwnStep&) = delete;
+    OwnStep& operator=(const OwnStep&) = delete;
+
+  private:
+    const char* label;
+    bool begun;
+};

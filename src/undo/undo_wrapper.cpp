@@ -1,0 +1,46 @@
+#include "undo/undo_wrapper.h"
+
+#include <utility>
+
+namespace {
+constinit CoreUndoWrapper* newestWithChunk = nullptr;
+}
+
+CUndoWrapper::~CUndoWrapper() {
+    if (chunk) chunk->Release();
+}
+
+void CUndoWrapper::Restore(int isUndo) {
+    if (chunk) chunk->Undo(isUndo != 0);
+}
+
+void CUndoWrapper::Redo() {
+    if (chunk) chunk->Redo();
+}
+
+CoreUndoWrapper::CoreUndoWrapper(TVL::CUndo* carried) : CUndoWrapper(carried) {
+    if (!chunk) return;
+    older = newestWithChunk;
+    if (older) older->newer = this;
+    newestWithChunk = this;
+}
+
+CoreUndoWrapper::~CoreUndoWrapper() {
+    if (chunk) LeaveList();
+}
+
+void CoreUndoWrapper::LeaveList() {
+    (newer ? newer->older : newestWithChunk) = older;
+    if (older) older->newer = newer;
+}
+
+// The end of a chunk may do anything, also make the host drop other records.
+int ReleaseCoreChunks() {
+    int released = 0;
+    while (CoreUndoWrapper* const wrapper = newestWithChunk) {
+        wrapper->LeaveList();
+        std::exchange(wrapper->chunk, nullptr)->Release();
+        ++released;
+    }
+    return released;
+}

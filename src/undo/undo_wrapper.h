@@ -1,0 +1,40 @@
+#pragma once
+
+#include "host/hold.h"
+#include "tvl/undo.h"
+
+// Carries an undo chunk in the host's undo stream, and ends it when the host drops the record.
+class CUndoWrapper : public RestoreObj {
+  public:
+    // The chunk, which may be null, is the wrapper's from here on.
+    explicit CUndoWrapper(TVL::CUndo* carried) : chunk(carried) {}
+    ~CUndoWrapper() override;
+    CUndoWrapper(const CUndoWrapper&) = delete;
+    CUndoWrapper& operator=(const CUndoWrapper&) = delete;
+
+    void Restore(int isUndo) override;
+    void Redo() override;
+
+  protected:
+    TVL::CUndo* chunk;
+};
+
+// Carries a chunk of the Core's, which must be gone before the Core's library is.
+class CoreUndoWrapper final : public CUndoWrapper {
+  public:
+    explicit CoreUndoWrapper(TVL::CUndo* carried);
+    ~CoreUndoWrapper() override;
+
+  private:
+    friend int ReleaseCoreChunks();
+
+    void LeaveList();
+
+    // The list of those that still have their chunk.
+    CoreUndoWrapper* newer = nullptr;
+    CoreUndoWrapper* older = nullptr;
+};
+
+// Ends every chunk of the Core's, the newest first; the records stay in the undo stream and do
+// nothing from here on. The number of the chunks.
+int ReleaseCoreChunks();
