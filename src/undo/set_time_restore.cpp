@@ -1,6 +1,6 @@
 #include "undo/set_time_restore.h"
 
-#include <utility>
+#include "measures/host_clock.h"
 
 void CSetTimeRestoreObj::Undo(bool isUndo) {
     const double here = CurrentSeconds();

@@ -1,13 +1,11 @@
 #pragma once
 
-#include "measures/host_clock.h"
 #include "tvl/undo.h"
 
-// Puts the host's time back to where it was when the chunk was made; undo and redo flip between the
-// two times.
+// Puts the host's time back to a remembered one; undo and redo flip between the two.
 class CSetTimeRestoreObj final : public TVL::CUndo {
   public:
-    CSetTimeRestoreObj() : time(CurrentSeconds()) {}
+    explicit CSetTimeRestoreObj(double seconds) : time(seconds) {}
 
     void Undo(bool isUndo) override;
     void Redo() override { Undo(true); }

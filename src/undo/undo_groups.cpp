@@ -77,7 +77,7 @@ bool IsHoldingUndo() {
     return !OpenUndoGroups().undoGroups.empty() && !theHold.RestoreOrRedoing();
 }
 
-std::int32_t AddUndoChunk(TVL::CUndo* chunk) {
+std::int32_t AddCoreUndoChunk(TVL::CUndo* chunk) {
     if (IsHoldingUndo()) {
         theHold.Put(new CoreUndoWrapper(chunk));
         return 0;
@@ -86,7 +86,7 @@ std::int32_t AddUndoChunk(TVL::CUndo* chunk) {
     return TVL::Report(kNotHolding);
 }
 
-std::int32_t AddOwnUndoChunk(std::unique_ptr<TVL::CUndo> chunk) {
+std::int32_t AddUndoChunk(std::unique_ptr<TVL::CUndo> chunk) {
     if (!IsHoldingUndo()) return TVL::Report(kNotHolding);
     theHold.Put(new CUndoWrapper(chunk.release()));
     return 0;

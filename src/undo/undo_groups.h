@@ -28,10 +28,10 @@ std::int32_t CancelUndoGroup();
 // A group is open and the host is not undoing or redoing.
 bool IsHoldingUndo();
 
-// Hand a chunk over, which is ended at once if no group takes it. A chunk of the Core's ends when
-// the Core leaves; one of the adaptor's own stays in the host's undo stream.
-std::int32_t AddUndoChunk(TVL::CUndo* chunk);
-std::int32_t AddOwnUndoChunk(std::unique_ptr<TVL::CUndo> chunk);
+// Hand a chunk over, which ends at once if no group takes it. A chunk of the adaptor's own stays in
+// the host's undo stream when the Core leaves; the Core's end with it.
+std::int32_t AddUndoChunk(std::unique_ptr<TVL::CUndo> chunk);
+std::int32_t AddCoreUndoChunk(TVL::CUndo* chunk);
 
 // Ends a nest that a Core left open, keeping what was done in it; the number of its groups.
 int CloseLeftUndoGroups();
