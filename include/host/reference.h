@@ -7,6 +7,7 @@
 #include "host/animatable.h"
 #include "host/storage.h"
 
+class DependentsWalk;
 class ReferenceTarget;
 using RefTargetHandle = ReferenceTarget*;
 using PartID = std::uint32_t;
@@ -32,13 +33,19 @@ class HOST_API ReferenceMaker : public Animatable {
     virtual RefTargetHandle GetReference(int index);
     virtual void SetReference(int index, RefTargetHandle target);  // stores, nothing else
 
-    // Points reference `index` at `target` (or at nothing), undoably.
+    // Points reference `index` at `target` (or at nothing), undoably. A target that refers to this
+    // object itself, be it by way of others, is refused: the reference stays as it is.
     void ReplaceReference(int index, RefTargetHandle target);
 
-    // Lets go of all references, then deletes the object.
+    // Lets go of all references, then deletes the object. What refers to it lets go of it first.
     void DeleteMe();
 
     ~ReferenceMaker() override;
+
+  private:
+    friend class ReferenceBook;
+    std::vector<std::pair<int, ReferenceTarget*>> references_;  // by index, those that point
+    bool recorded_ = false;  // a record of the undo stream may name this object
 };
 
 // What a copy has made of what.
@@ -68,12 +75,19 @@ class HOST_API ReferenceTarget : public ReferenceMaker {
     void TransferReferences(ReferenceTarget* from, bool deleteFrom);
 
     // Whether anything refers to this object; what only the undo stream keeps has nobody.
-    bool HasDependents() const { return !dependents_.empty(); }
+    bool HasDependents() const;
 
     ~ReferenceTarget() override;
 
   private:
+    friend class ReferenceMaker;
     friend class ReferenceBook;
+    friend class DependentsWalk;
+    friend class Graveyard;
+    void LoseDependents();
+
     std::vector<std::pair<ReferenceMaker*, int>> dependents_;  // who refers to this, by which index
+    DependentsWalk* walk_ = nullptr;  // the innermost walk over them that is going on
+    std::uint32_t seenBySearch_ = 0;
     bool parked_ = false;  // referred to by nobody, kept for the undo stream
 };

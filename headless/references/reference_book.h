@@ -1,0 +1,32 @@
+#pragma once
+
+#include "host/reference.h"
+
+// Keeps both ends of every reference in step: the maker's index and the target's list of
+// dependents. Nothing here is undoable; ReferenceMaker's operations add the records.
+class ReferenceBook {
+  public:
+    // Points a reference elsewhere. The old target is released, unless it got into the maker
+    // without the book.
+    static void Point(ReferenceMaker& maker, int index, ReferenceTarget* target);
+
+    // The same, but the old target stays with the caller; null if there was none.
+    static ReferenceTarget* Move(ReferenceMaker& maker, int index, ReferenceTarget* target);
+
+    // Whether the book knows that the reference points at `target`.
+    static bool Knows(const ReferenceMaker& maker, int index, const ReferenceTarget* target);
+
+    // Whether `target` refers to `maker`, directly or by way of others, or is `maker`.
+    static bool RefersTo(ReferenceTarget& target, ReferenceMaker& maker);
+
+    // For the destructors: the other ends forget the object.
+    static void Forget(ReferenceMaker& maker);
+    static void Forget(ReferenceTarget& target);
+
+    // Set once a record names the object, so that its destructor looks for such records.
+    static void MarkRecorded(ReferenceMaker& maker) { maker.recorded_ = true; }
+
+  private:
+    static ReferenceTarget* Unlink(ReferenceMaker& maker, int index);
+    static void RemoveDependent(ReferenceTarget& target, const ReferenceMaker& maker, int index);
+};

@@ -1,0 +1,4 @@
+#include "host/storage.h"
+
+ISave::~ISave() = default;
+ILoad::~ILoad() = default;
