@@ -50,7 +50,7 @@ IOResult MemoryLoad::CloseChunk() {
 
 IOResult MemoryLoad::Read(void* data, std::uint32_t count, std::uint32_t* read) {
     const auto there = static_cast<std::uint32_t>(std::min<std::size_t>(count, Left()));
-    std::memcpy(data, bytes_.data() + at_, there);
+    std::copy_n(bytes_.data() + at_, there, static_cast<std::byte*>(data));
     at_ += there;
     if (read) *read = there;
     return there == count ? IO_OK : IO_ERROR;
