@@ -1,6 +1,7 @@
 #include "nodes/node_creation.h"
 
 #include <memory>
+#include <utility>
 
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
@@ -13,6 +14,7 @@
 #include "nodes/node_list.h"
 #include "nodes/node_watch.h"
 #include "nodes/object_parameters.h"
+#include "resources/resource_ids.h"
 #include "tvl/log.h"
 #include "undo/undo_groups.h"
 
@@ -21,7 +23,7 @@ namespace {
 constexpr std::uint32_t kRed = 255;
 
 bool WantsOwnControllers() {
-    return CoreOption(kOptimizedControllersOption, true);
+    return CoreOption(OptimizedTransformOption, true);
 }
 
 Control* NewControl(SClass_ID superClass, Class_ID classId) {
@@ -52,7 +54,7 @@ void RecordCreation(CMAXNode* node) {
     if (!IsHoldingUndo()) return;
     auto record = std::make_unique<NodeInstanceRestoreObj>(node, false);
     record->ToggleNode();
-    AddUndoChunk(record.release());
+    AddUndoChunk(std::move(record));
 }
 
 // The host node of a new object, which the scene owns from here on; null if there is none, and the

@@ -1,6 +1,7 @@
 #include "nodes/node_deletion.h"
 
 #include <memory>
+#include <utility>
 
 #include "controllers/conversion.h"
 #include "controllers/scalar_control.h"
@@ -54,7 +55,7 @@ void CMAXNode::DeleteReal(bool deleteHostNode) {
         return;
     }
     record->ToggleNode();
-    AddUndoChunk(record.release());
+    AddUndoChunk(std::move(record));
 }
 
 void CMAXNode::DeleteSnapshotNode(bool deleteHostNode) {

@@ -1,6 +1,7 @@
 #include "nodes/recording.h"
 
 #include <algorithm>
+#include <memory>
 
 #include "host/animate.h"
 #include "host/interface.h"
@@ -18,7 +19,7 @@ void OpenRecording() {
     GetCOREInterface()->EnableAnimateButton(0);
     RecordingInProgress() = {.wasAnimating = Animating(), .open = true};
     AnimateOn();
-    AddUndoChunk(new CSetTimeRestoreObj(CurrentSeconds()));
+    AddUndoChunk(std::make_unique<CSetTimeRestoreObj>(CurrentSeconds()));
     EmptyMeshCache();
 }
 
