@@ -2,6 +2,8 @@
 
 #include "hold/undo_stream.h"
 
+using headless::UndoStream;
+
 Hold theHold;
 
 RestoreObj::~RestoreObj() = default;

@@ -133,3 +133,5 @@ void UndoStream::Drop(std::vector<Step> steps) {
     --dropping_;
     Graveyard::Get().Sweep();
 }
+
+}  // namespace headless

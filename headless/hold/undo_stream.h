@@ -6,6 +6,8 @@
 
 #include "host/hold.h"
 
+namespace headless {
+
 // The steps that can be undone and redone, and the one hold that is to become the next of them.
 //
 // Records are destroyed newest first. Whatever they do when they are restored, redone or destroyed,
@@ -59,3 +61,5 @@ class UndoStream {
     bool flushWaits_ = false;
     int dropping_ = 0;  // runs of records that are being destroyed
 };
+
+}  // namespace headless

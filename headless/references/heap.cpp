@@ -6,7 +6,7 @@
 
 namespace {
 
-HeapUse use;
+headless::HeapUse use;
 
 }  // namespace
 
@@ -24,6 +24,6 @@ void MaxHeapOperators::operator delete(void* block, std::size_t size) noexcept {
     ::operator delete(block, size);
 }
 
-HeapUse CurrentHeapUse() {
+headless::HeapUse headless::CurrentHeapUse() {
     return use;
 }

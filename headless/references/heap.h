@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+namespace headless {
+
 // What is allocated on the host's heap at this moment.
 struct HeapUse {
     std::size_t blocks = 0;
@@ -9,3 +11,5 @@ struct HeapUse {
 };
 
 HeapUse CurrentHeapUse();
+
+}  // namespace headless

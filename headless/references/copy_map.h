@@ -4,9 +4,11 @@
 
 #include "host/reference.h"
 
+namespace headless {
+
 // What one act of copying has made of what. An object that is asked for twice is copied once; one
 // whose class cannot copy itself stands as null.
-class CloneMap final : public RemapDir {
+class CopyMap final : public RemapDir {
   public:
     RefTargetHandle FindMapping(RefTargetHandle from) override;
     void AddEntry(RefTargetHandle from, RefTargetHandle to) override;
@@ -15,3 +17,5 @@ class CloneMap final : public RemapDir {
   private:
     std::unordered_map<RefTargetHandle, RefTargetHandle> copies_;
 };
+
+}  // namespace headless
