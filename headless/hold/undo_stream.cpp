@@ -7,8 +7,10 @@
 #include "references/graveyard.h"
 
 bool UndoStreamCanMeetObjects() {
-    return UndoStream::Get().IsOccupied();
+    return headless::UndoStream::Get().IsOccupied();
 }
+
+namespace headless {
 
 // Never destroyed: records of other modules must not be run while the process ends.
 UndoStream& UndoStream::Get() {
