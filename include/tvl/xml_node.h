@@ -90,6 +90,8 @@ class XMLNode {
     // The first text among the children, else the empty string.
     const std::string& Text() const;
 
+    void Swap(XMLNode& other) noexcept;
+
     std::map<std::string, std::string> attributes;   // an element's, in ascending order of bytes
     std::vector<std::unique_ptr<XMLNode>> children;  // an element's, none of them null
     std::string name;            // an element's tag name; a text's or a comment's text
