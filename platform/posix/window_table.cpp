@@ -1,5 +1,8 @@
 #include "platform/posix/window_table.h"
 
+#include <utility>
+
+#include "platform/posix/guarded.h"
 #include "platform/testing.h"
 
 namespace platform {
@@ -24,7 +27,8 @@ HWND AddWindow(Window window, DWORD style) {
 INT_PTR CallProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     const Window* const record = Windows().Find(window);
     if (record == nullptr || record->procedure == nullptr) return 0;
-    return record->procedure(window, message, wParam, lParam);
+    const DLGPROC procedure = record->procedure;
+    return Guarded<INT_PTR>(0, [&] { return procedure(window, message, wParam, lParam); });
 }
 
 void ForgetProcedures(HMODULE module) {

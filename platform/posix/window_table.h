@@ -32,7 +32,7 @@ HandleTable<HWND, Window>& Windows();
 // The new window joins its parent's children. Null if the parent is gone, or if a child has none.
 HWND AddWindow(Window window, DWORD style);
 
-// What the window's procedure returned; 0 without window or procedure.
+// What the window's procedure returned; 0 if there is no window or procedure, or if it threw.
 INT_PTR CallProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 // Leaves the module's windows without a procedure, since its code is about to go.

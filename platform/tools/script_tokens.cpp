@@ -54,11 +54,11 @@ class ScriptReader {
     }
 
     void ReadFile(const std::string& path) {
+        if (++depth_ > kDeepestInclude) Fail("files include each other");
         std::ifstream stream(path, std::ios::binary);
         if (!stream || std::filesystem::is_directory(path)) Fail("cannot read '" + path + "'");
         script_.files.insert(path);
         const Place outer = std::exchange(place_, Place{path, 0, false, {}});
-        if (++depth_ > kDeepestInclude) Fail("files include each other");
         for (std::string line; std::getline(stream, line);) {
             ++place_.line;
             ReadLine(DropComments(line));
