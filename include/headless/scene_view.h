@@ -16,10 +16,12 @@ class INode;
 // the whole scene, and a count of what is alive. Looking changes nothing.
 namespace headless {
 
+// The keys of a controller and of its parts, as these report them.
 struct KeyView {
-    int count = 0;
+    int count = 0;        // distinct times
     TimeValue first = 0;  // ticks; 0 if there are no keys
     TimeValue last = 0;
+    std::size_t storedBytes = 0;  // what controller and parts save
 };
 
 struct NodeView {
@@ -28,7 +30,7 @@ struct NodeView {
     std::uint32_t parent = 0;  // the parent's handle, 0 at the top of the scene
     Class_ID objectClass;      // {0, 0} for a node without an object
     Class_ID controllerClass;  // of the transform controller
-    KeyView keys;              // of the transform controller, as it reports them
+    KeyView keys;              // of the transform controller
     bool hidden = false;
     bool selected = false;
 };

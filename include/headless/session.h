@@ -29,13 +29,13 @@ struct SessionSettings {
 // A setting in which `hostUnits` host units make a metre.
 HEADLESS_API SessionSettings WithUnitsPerMetre(double hostUnits);
 
-// A message box that a module shows; the result is the button that the person chose.
+// A message box that a module shows. There is nobody to read it, so it is answered with OK at once.
 struct MessageBoxText {
     std::string text;
     std::string caption;
     unsigned style = 0;
 };
-using MessageBoxHandler = std::function<int(const MessageBoxText&)>;
+using MessageBoxHandler = std::function<void(const MessageBoxText&)>;
 
 // A running host. A process has one at a time; a second one can be made when the first is gone.
 class HEADLESS_API Session {

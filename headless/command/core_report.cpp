@@ -1,0 +1,31 @@
+#include "command/core_report.h"
+
+#include <charconv>
+#include <fstream>
+
+namespace headless {
+
+CoreReport CoreReport::Read(const std::string& path) {
+    CoreReport report;
+    std::ifstream file(path, std::ios::binary);
+    for (std::string line; std::getline(file, line);) {
+        const std::size_t equals = line.find('=');
+        if (equals != std::string::npos)
+            report.values_[line.substr(0, equals)] = line.substr(equals + 1);
+    }
+    return report;
+}
+
+std::string CoreReport::Text(const std::string& key) const {
+    const auto found = values_.find(key);
+    return found == values_.end() ? std::string() : found->second;
+}
+
+double CoreReport::Number(const std::string& key) const {
+    const std::string text = Text(key);
+    double number = 0;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    return number;
+}
+
+}  // namespace headless

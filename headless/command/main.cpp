@@ -1,0 +1,53 @@
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <iostream>
+
+#include "command/print_result.h"
+#include "command/record.h"
+
+// Exit statuses beside 0.
+constexpr int kFailed = 1;
+constexpr int kWrongUsage = 2;
+
+int main(int argc, char** argv) {
+    CLI::App app("The animation host without a screen, with the plug-in and its Core.");
+    app.require_subcommand(1);
+    headless::RecordOptions options;
+    bool json = false;
+    bool plainController = false;
+
+    CLI::App* record = app.add_subcommand("record", "Record a motion capture into a new scene.");
+    record->add_option("CAPTURE", options.capture, "Motion capture file (.bvh)")->required();
+    record->add_option("--scale", options.metresPerUnit, "Metres in a unit of the capture")
+        ->check(CLI::PositiveNumber)
+        ->capture_default_str();
+    record->add_option("--units", options.hostUnitsPerMetre, "Host units in a metre")
+        ->check(CLI::PositiveNumber)
+        ->capture_default_str();
+    record->add_option("--csv", options.csv, "Write where each joint was in each frame");
+    record->add_option("--trace", options.trace, "Write the plug-in's trace");
+    record->add_flag("--no-optimised-controller", plainController,
+                     "Record into the host's own controllers");
+    record->add_flag("--json", json, "Print the result as one JSON object");
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? 0 : kWrongUsage;
+    }
+    options.optimisedController = !plainController;
+    options.progress = isatty(STDERR_FILENO) != 0;
+
+    const headless::RecordResult result = headless::Record(options);
+    if (!result.error.empty()) {
+        std::cerr << "lumiset-headless: " << result.error << '\n';
+        return kFailed;
+    }
+    if (json)
+        headless::PrintForProgram(std::cout, result);
+    else
+        headless::PrintForPerson(std::cout, result);
+    return 0;
+}

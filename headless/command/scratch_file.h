@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+
+namespace headless {
+
+// A file that is there only if the work on it came to its end: it is written under a name of its
+// own beside `target` and takes its place at Keep. Without a target it lies in the system's folder
+// for such files. What was not kept is removed.
+class ScratchFile {
+  public:
+    explicit ScratchFile(std::string target);
+    ~ScratchFile();
+    ScratchFile(const ScratchFile&) = delete;
+    ScratchFile& operator=(const ScratchFile&) = delete;
+
+    const std::string& Path() const { return path_; }
+
+    // Empty, or what went wrong.
+    std::string Keep();
+
+  private:
+    std::string target_;
+    std::string path_;
+};
+
+}  // namespace headless

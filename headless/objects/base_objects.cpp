@@ -1,0 +1,46 @@
+#include "host/object.h"
+
+BaseObject::~BaseObject() = default;
+
+int BaseObject::HitTest(TimeValue, INode*, int, int, int, IPoint2*, ViewExp*) {
+    return 0;
+}
+
+int BaseObject::Display(TimeValue, INode*, ViewExp*, int) {
+    return 0;
+}
+
+void BaseObject::GetWorldBoundBox(TimeValue, INode*, ViewExp*, Box3& box) {
+    box = Box3();
+}
+
+void BaseObject::GetLocalBoundBox(TimeValue, INode*, ViewExp*, Box3& box) {
+    box = Box3();
+}
+
+HostString BaseObject::GetObjectName() {
+    return "Object";
+}
+
+Object::~Object() = default;
+
+void Object::InitNodeName(HostString& name) {
+    name = GetObjectName();
+}
+
+ObjectState Object::Eval(TimeValue) {
+    return {this};
+}
+
+int Object::CanConvertToType(Class_ID type) {
+    return type == ClassID() ? 1 : 0;
+}
+
+Object* Object::ConvertToType(TimeValue, Class_ID type) {
+    return type == ClassID() ? this : nullptr;
+}
+
+HelperObject::~HelperObject() = default;
+TriObject::~TriObject() = default;
+CameraObject::~CameraObject() = default;
+ShapeObject::~ShapeObject() = default;

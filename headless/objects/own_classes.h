@@ -1,0 +1,19 @@
+#pragma once
+
+#include "host/control.h"
+#include "host/object.h"
+#include "host/types.h"
+
+// Class ids of the host's own objects, and how an empty one of each is made.
+namespace headless {
+
+inline constexpr Class_ID kFreeCameraClassId{0x1001, 0};
+inline constexpr Class_ID kPolylinesClassId{0x1002, 0};
+inline constexpr Class_ID kSphereClassId{0x1003, 0};
+
+CameraObject* NewFreeCamera();
+
+Control* NewPositionRotationScale();
+Control* NewLinearFloat();
+
+}  // namespace headless

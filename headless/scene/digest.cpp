@@ -1,0 +1,117 @@
+#include "scene/digest.h"
+
+#include <cstddef>
+#include <cstring>
+#include <span>
+#include <unordered_map>
+#include <vector>
+
+#include "headless/memory_chunks.h"
+#include "scene/hash.h"
+#include "scene/scene.h"
+#include "scene/timeline.h"
+#include "storage/chunk_format.h"
+
+namespace headless {
+namespace {
+
+// The keyframe controllers of the plug-in, whose chunk ends with a key that evaluation moves.
+constexpr Class_ID kMatrixKeyframesClassId{0x708B15A4, 0x2AFA7C85};
+constexpr Class_ID kScalarKeyframesClassId{0x2ADE2E71, 0x21430FA0};
+
+struct KeyChunk {
+    std::int32_t version;
+    std::int32_t recordSize;
+    std::int32_t keys;
+};
+constexpr std::int32_t kKeyChunkVersion = 100;
+
+bool IsKeyframes(Class_ID id) {
+    return id == kMatrixKeyframesClassId || id == kScalarKeyframesClassId;
+}
+
+// Without the cached key, unless it is the only value that the controller has.
+std::span<const std::byte> WithoutCachedKey(std::span<const std::byte> saved) {
+    KeyChunk chunk;
+    if (saved.size() < kChunkHeaderBytes + sizeof chunk) return saved;
+    std::memcpy(&chunk, saved.data() + kChunkHeaderBytes, sizeof chunk);
+    if (chunk.version != kKeyChunkVersion || chunk.recordSize <= 0 || chunk.keys <= 0) return saved;
+    const auto record = static_cast<std::size_t>(chunk.recordSize);
+    const std::size_t whole =
+        kChunkHeaderBytes + sizeof chunk + (static_cast<std::size_t>(chunk.keys) + 1) * record;
+    return saved.size() == whole ? saved.first(whole - record) : saved;
+}
+
+// Everything that nodes refer to, each object once, in the order in which it is met.
+class ObjectWalk {
+  public:
+    void AddReference(Hash& hash, RefTargetHandle target) {
+        if (auto* node = dynamic_cast<SceneNode*>(target)) {
+            hash.Add(kToNode);
+            hash.Add(node->GetHandle());
+        } else {
+            hash.Add(target ? kToObject : kToNothing);
+            if (target) hash.Add(NumberOf(target));
+        }
+    }
+
+    void AddObjects(Hash& hash) {
+        for (std::size_t i = 0; i < objects_.size(); ++i)
+            AddObject(hash, *objects_[i]);
+    }
+
+  private:
+    static constexpr std::uint64_t kToNothing = 0;
+    static constexpr std::uint64_t kToObject = 1;
+    static constexpr std::uint64_t kToNode = 2;
+
+    std::uint64_t NumberOf(RefTargetHandle target) {
+        const auto [place, isNew] = numbers_.try_emplace(target, objects_.size());
+        if (isNew) objects_.push_back(target);
+        return place->second;
+    }
+
+    void AddObject(Hash& hash, ReferenceTarget& object) {
+        hash.Add(object.SuperClassID());
+        hash.Add(object.ClassID().partA);
+        hash.Add(object.ClassID().partB);
+        const auto saved = SavedBytes([&](ISave* save) { return object.Save(save); });
+        hash.Add(IsKeyframes(object.ClassID()) ? WithoutCachedKey(saved) : std::span(saved));
+        for (int i = 0; i < object.NumRefs(); ++i)
+            AddReference(hash, object.GetReference(i));
+    }
+
+    std::vector<ReferenceTarget*> objects_;
+    std::unordered_map<ReferenceTarget*, std::uint64_t> numbers_;
+};
+
+void AddNode(Hash& hash, ObjectWalk& walk, SceneNode& node) {
+    hash.Add(node.GetHandle());
+    hash.Add(node.Parent()->GetHandle());
+    hash.Add(node.Name());
+    hash.Add(node.IsHidden(0, false) ? 1U : 0U);
+    hash.Add(node.Selected() ? 1U : 0U);
+    hash.Add(node.GetWireColor());
+    hash.Add(node.UserProps().size());
+    for (const auto& [key, value] : node.UserProps()) {
+        hash.Add(key);
+        hash.Add(value);
+    }
+    for (int i = 0; i < node.NumRefs(); ++i)
+        walk.AddReference(hash, node.GetReference(i));
+}
+
+}  // namespace
+
+std::uint64_t DigestScene() {
+    Hash hash;
+    ObjectWalk walk;
+    hash.Add(static_cast<std::uint32_t>(AnimationRange().Start()));
+    hash.Add(static_cast<std::uint32_t>(AnimationRange().End()));
+    for (SceneNode* node : TheScene().InOrder())
+        AddNode(hash, walk, *node);
+    walk.AddObjects(hash);
+    return hash.Value();
+}
+
+}  // namespace headless

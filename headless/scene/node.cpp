@@ -1,0 +1,120 @@
+#include "scene/node.h"
+
+#include <optional>
+#include <utility>
+
+#include "objects/undoable.h"
+#include "scene/edit_watch.h"
+#include "scene/names.h"
+#include "scene/scene.h"
+
+namespace headless {
+
+NodePtr SceneNode::New(std::uint32_t handle) {
+    return NodePtr(new SceneNode(handle), &SceneNode::Free);
+}
+
+void SceneNode::Free(SceneNode* node) {
+    node->ownerless_ = true;
+    node->DeleteMe();
+}
+
+// Who drops the last reference to a node does not free it: it is its owners'.
+void SceneNode::DeleteThis() {
+    if (ownerless_) delete this;
+}
+
+void SceneNode::SetName(const char* name) {
+    std::string next = name ? name : "";
+    if (next == name_) return;
+    Undoably([self = shared_from_this(), other = std::move(next)]() mutable {
+        std::swap(self->name_, other);
+        if (self->parent_) NamesInUse().Replace(other, self->name_);
+    });
+}
+
+void SceneNode::Hide(bool hide) {
+    if (hide == hidden_) return;
+    Undoably([self = shared_from_this()] { self->hidden_ = !self->hidden_; });
+}
+
+bool SceneNode::IsHidden(std::uint32_t, bool) {
+    return hidden_;
+}
+
+const ObjectState& SceneNode::EvalWorldState(TimeValue t, bool) {
+    evaluated_ = object_ ? object_->Eval(t) : ObjectState{};
+    return evaluated_;
+}
+
+bool SceneNode::SetTMController(Control* controller) {
+    if (!controller || controller->SuperClassID() != CTRL_MATRIX3_CLASS_ID || IsRootNode())
+        return false;
+    ReplaceReference(kTransform, controller);
+    return true;
+}
+
+void SceneNode::SetObject(Object* object) {
+    ReplaceReference(kObject, object);
+}
+
+void SceneNode::CopyLookFrom(const SceneNode& other) {
+    name_ = other.name_;
+    userProps_ = other.userProps_;
+    hidden_ = other.hidden_;
+    wireColour_ = other.wireColour_;
+}
+
+void SceneNode::SetWireColor(std::uint32_t colour) {
+    Undoably([self = shared_from_this(), other = colour]() mutable {
+        std::swap(self->wireColour_, other);
+    });
+}
+
+bool SceneNode::UserPropExists(const HostString& key) {
+    return userProps_.contains(key);
+}
+
+bool SceneNode::GetUserPropString(const HostString& key, HostString& value) {
+    const auto found = userProps_.find(key);
+    if (found == userProps_.end()) return false;
+    value = found->second;
+    return true;
+}
+
+void SceneNode::SetUserPropString(const HostString& key, const HostString& value) {
+    Undoably([self = shared_from_this(), key, other = std::optional(value)]() mutable {
+        std::optional<HostString> now;
+        if (const auto entry = self->userProps_.extract(key)) now = std::move(entry.mapped());
+        if (other) self->userProps_[key] = std::move(*other);
+        other = std::move(now);
+    });
+}
+
+Animatable* SceneNode::SubAnim(int index) {
+    return index == 0 ? transform_ : nullptr;
+}
+
+HostString SceneNode::SubAnimName(int index) {
+    return index == 0 ? "Transform" : "";
+}
+
+bool SceneNode::AssignController(Animatable* controller, int index) {
+    return index == 0 && SetTMController(dynamic_cast<Control*>(controller));
+}
+
+RefTargetHandle SceneNode::GetReference(int index) {
+    if (index == kTransform) return transform_;
+    if (index == kObject) return object_;
+    return nullptr;
+}
+
+void SceneNode::SetReference(int index, RefTargetHandle target) {
+    if (index == kObject) object_ = static_cast<Object*>(target);
+    if (index != kTransform) return;
+    std::optional<EditChange> change;
+    if (selected_) change.emplace();
+    transform_ = static_cast<Control*>(target);
+}
+
+}  // namespace headless

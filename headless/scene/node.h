@@ -1,0 +1,117 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/node.h"
+
+namespace headless {
+
+class SceneNode;
+
+// A node belongs to the scene and to the undo records that name it, and is freed with the last of
+// them; whoever deletes it takes it out of the scene only. Plain pointers to nodes are good within
+// one call.
+using NodePtr = std::shared_ptr<SceneNode>;
+
+// One node of the scene, or its root. Changes are undoable unless it says otherwise.
+class SceneNode final : public INode, public std::enable_shared_from_this<SceneNode> {
+  public:
+    // Neither object nor controller yet. The root has handle 0.
+    static NodePtr New(std::uint32_t handle);
+
+    const char* GetName() override { return name_.c_str(); }
+    void SetName(const char* name) override;
+
+    INode* GetParentNode() override { return parent_; }
+    bool IsRootNode() override { return handle_ == 0; }
+    int NumberOfChildren() override { return static_cast<int>(children_.size()); }
+    INode* GetChildNode(int index) override;
+    void AttachChild(INode* child, int keepTM) override;
+    void Detach(TimeValue t, int keepTM) override;
+
+    void Hide(bool hide) override;
+    bool IsHidden(std::uint32_t flags, bool forRenderer) override;
+    bool Selected() override { return selected_; }
+
+    std::uint32_t GetHandle() override { return handle_; }
+
+    Object* GetObjectRef() override { return object_; }
+    const ObjectState& EvalWorldState(TimeValue t, bool evalHidden) override;
+
+    Control* GetTMController() override { return transform_; }
+    bool SetTMController(Control* controller) override;
+
+    Matrix3 GetNodeTM(TimeValue t, Interval* valid) override;
+    void SetNodeTM(TimeValue t, const Matrix3& world) override;
+    Matrix3 GetObjectTM(TimeValue t, Interval* valid) override { return GetNodeTM(t, valid); }
+
+    void SetWireColor(std::uint32_t colour) override;
+    std::uint32_t GetWireColor() override { return wireColour_; }
+
+    bool UserPropExists(const HostString& key) override;
+    bool GetUserPropString(const HostString& key, HostString& value) override;
+    void SetUserPropString(const HostString& key, const HostString& value) override;
+
+    void GetClassName(HostString& name) override { name = "Node"; }
+    SClass_ID SuperClassID() override { return kNodeSuperClass; }
+    Class_ID ClassID() override { return {kNodeSuperClass, 0}; }
+    void DeleteThis() override;
+
+    // "Transform" alone.
+    int NumSubs() override { return 1; }
+    Animatable* SubAnim(int index) override;
+    HostString SubAnimName(int index) override;
+    bool AssignController(Animatable* controller, int index) override;
+
+    // The transform controller and the object.
+    int NumRefs() override { return 2; }
+    RefTargetHandle GetReference(int index) override;
+    void SetReference(int index, RefTargetHandle target) override;
+
+    // A reference to a node means this very node, also in a copy of whoever refers to it.
+    RefTargetHandle Clone(RemapDir&) override { return this; }
+
+    void SetObject(Object* object);
+    void CopyLookFrom(const SceneNode& other);  // name, properties, hidden, colour; not undoable
+
+    // For those who keep the scene's books; none of these is undoable.
+    SceneNode* Parent() const { return parent_; }
+    const std::vector<SceneNode*>& Children() const { return children_; }
+    const std::string& Name() const { return name_; }
+    const std::map<HostString, HostString, std::less<>>& UserProps() const { return userProps_; }
+    std::size_t IndexInParent() const;
+    void Hang(SceneNode& parent, std::size_t index);  // from nowhere
+    void Unhang();
+    void Abandon();  // forgets parent and children
+    void MarkSelected(bool selected) { selected_ = selected; }
+
+  private:
+    static constexpr SClass_ID kNodeSuperClass = 1;
+    enum Reference { kTransform = 0, kObject = 1 };
+
+    explicit SceneNode(std::uint32_t handle) : handle_(handle) {}
+    ~SceneNode() override = default;
+    static void Free(SceneNode* node);
+
+    void MoveTo(SceneNode& parent, TimeValue t, int keepTM);
+    bool HangsBelow(const SceneNode& node) const;
+
+    std::uint32_t handle_;
+    std::string name_;
+    SceneNode* parent_ = nullptr;
+    std::vector<SceneNode*> children_;
+    Control* transform_ = nullptr;
+    Object* object_ = nullptr;
+    ObjectState evaluated_;
+    std::uint32_t wireColour_ = 0xC0C0C0;
+    bool hidden_ = false;
+    bool selected_ = false;
+    bool ownerless_ = false;  // on its way to be freed
+    std::map<HostString, HostString, std::less<>> userProps_;
+};
+
+}  // namespace headless

@@ -1,0 +1,70 @@
+#include "scene/node_cloning.h"
+
+#include <algorithm>
+#include <string>
+#include <unordered_set>
+
+#include "host/animate.h"
+#include "references/copy_map.h"
+#include "scene/names.h"
+#include "scene/scene.h"
+#include "scene/timeline.h"
+
+namespace headless {
+namespace {
+
+// The nodes and what hangs below them, each once, a parent before its children.
+std::vector<SceneNode*> WithBranches(const std::vector<SceneNode*>& nodes) {
+    const std::unordered_set<const SceneNode*> chosen(nodes.begin(), nodes.end());
+    std::unordered_set<const SceneNode*> inside;
+    std::vector<SceneNode*> found;
+    for (SceneNode* node : TheScene().InOrder()) {
+        if (!chosen.contains(node) && !inside.contains(node->Parent())) continue;
+        inside.insert(node);
+        found.push_back(node);
+    }
+    return found;
+}
+
+std::string Stem(const std::string& name) {
+    return name.substr(0, name.find_last_not_of("0123456789") + 1);
+}
+
+SceneNode* CopyOne(SceneNode& source, RemapDir& remap) {
+    const NodePtr copy = TheScene().NewNode();
+    copy->CopyLookFrom(source);
+    copy->SetName(NamesInUse().MakeUnique(Stem(source.Name())).c_str());
+    copy->SetObject(static_cast<Object*>(remap.CloneRef(source.GetObjectRef())));
+    copy->SetTMController(static_cast<Control*>(remap.CloneRef(source.GetTMController())));
+    source.BaseClone(&source, copy.get(), remap);
+    auto* parent = static_cast<SceneNode*>(remap.FindMapping(source.Parent()));
+    TheScene().Add(copy, parent ? *parent : *source.Parent());
+    return copy.get();
+}
+
+void MoveInWorld(SceneNode& node, const Point3& offset) {
+    const TimeValue t = CurrentTime();
+    Matrix3 world = node.GetNodeTM(t, nullptr);
+    world.SetRow(3, world.GetTrans() + offset);
+    world.ValidateFlags();
+    SuspendAnimate();
+    node.SetNodeTM(t, world);
+    ResumeAnimate();
+}
+
+}  // namespace
+
+std::vector<NodeCopy> CopyNodes(const std::vector<SceneNode*>& nodes, const Point3& offset,
+                                bool withBranches) {
+    CopyMap remap;
+    std::vector<NodeCopy> copies;
+    for (SceneNode* source : withBranches ? WithBranches(nodes) : nodes) {
+        if (remap.FindMapping(source)) continue;
+        const bool isTop = !remap.FindMapping(source->Parent());
+        copies.push_back({source, CopyOne(*source, remap)});
+        if (isTop && offset != Point3()) MoveInWorld(*copies.back().target, offset);
+    }
+    return copies;
+}
+
+}  // namespace headless

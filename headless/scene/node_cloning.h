@@ -1,0 +1,22 @@
+#pragma once
+
+#include <vector>
+
+#include "host/point3.h"
+#include "scene/node.h"
+
+namespace headless {
+
+struct NodeCopy {
+    SceneNode* source;
+    SceneNode* target;
+};
+
+// Copies nodes with their controllers and objects into the scene, with `withBranches` all that
+// hangs below them too; undoable. A copy hangs below the copy of its source's parent, or else below
+// that parent itself, and those with no copied parent are moved by `offset` in the world. Names are
+// new; everything else is the source's.
+std::vector<NodeCopy> CopyNodes(const std::vector<SceneNode*>& nodes, const Point3& offset,
+                                bool withBranches);
+
+}  // namespace headless

@@ -1,0 +1,125 @@
+#include "scene/scene.h"
+
+#include <utility>
+
+#include "objects/own_classes.h"
+#include "objects/undoable.h"
+#include "scene/names.h"
+#include "scene/selection.h"
+
+namespace headless {
+
+Scene& TheScene() {
+    static Scene scene;
+    return scene;
+}
+
+void Scene::Open() {
+    if (!root_) root_ = SceneNode::New(0);
+}
+
+void Scene::Clear() {
+    ForgetSelection();
+    for (const auto& [handle, node] : nodes_) {
+        NamesInUse().Remove(node->Name());
+        node->Abandon();
+    }
+    if (root_) root_->Abandon();
+    // A node that goes can ask for others by their handles.
+    addresses_.clear();
+    const auto leaving = std::exchange(nodes_, {});
+}
+
+void Scene::Close() {
+    Clear();
+    root_.reset();
+}
+
+SceneNode* Scene::Find(std::uint32_t handle) const {
+    const auto found = nodes_.find(handle);
+    return found == nodes_.end() ? nullptr : found->second.get();
+}
+
+bool Scene::IsThere(const SceneNode& node) const {
+    return Contains(&node) || &node == root_.get();
+}
+
+NodePtr Scene::NewNode() {
+    return SceneNode::New(++lastHandle_);
+}
+
+SceneNode* Scene::CreateObjectNode(Object* object) {
+    if (!object || !root_) return nullptr;
+    const NodePtr node = NewNode();
+    node->SetObject(object);
+    node->SetTMController(NewPositionRotationScale());
+    HostString stem;
+    object->InitNodeName(stem);
+    node->SetName(NamesInUse().MakeUnique(stem).c_str());
+    Add(node, *root_);
+    return node.get();
+}
+
+void Scene::Add(const NodePtr& node, SceneNode& parent) {
+    FlipPresence(node, parent.shared_from_this(), parent.Children().size(), false);
+}
+
+void Scene::Delete(SceneNode& node) {
+    if (!Contains(&node)) return;
+    SceneNode& parent = *node.Parent();
+    for (SceneNode* child : std::vector(node.Children()))
+        parent.AttachChild(child, 1);
+    Deselect(node);
+    FlipPresence(node.shared_from_this(), parent.shared_from_this(), node.IndexInParent(), true);
+}
+
+void Scene::FlipPresence(const NodePtr& node, const NodePtr& parent, std::size_t index,
+                         bool present) {
+    Undoably([this, node, parent, index, present]() mutable {
+        present = !present;
+        if (present)
+            Enter(node, *parent, index);
+        else
+            Leave(*node);
+    });
+}
+
+// Changes that were made while nothing was held have no record, so that a step which is undone
+// after them can find its nodes elsewhere: what has left stays away, what is there stays.
+void Scene::Enter(const NodePtr& node, SceneNode& parent, std::size_t index) {
+    if (Contains(node.get())) return;
+    nodes_.emplace(node->GetHandle(), node);
+    addresses_.insert(node.get());
+    NamesInUse().Add(node->Name());
+    node->Hang(IsThere(parent) ? parent : *root_, index);
+}
+
+void Scene::Leave(SceneNode& node) {
+    if (!Contains(&node)) return;
+    Deselect(node);
+    SceneNode& parent = *node.Parent();
+    while (!node.Children().empty()) {
+        SceneNode& child = *node.Children().front();
+        child.Unhang();
+        child.Hang(parent, parent.Children().size());
+    }
+    node.Unhang();
+    NamesInUse().Remove(node.Name());
+    addresses_.erase(&node);
+    nodes_.erase(node.GetHandle());
+}
+
+std::vector<SceneNode*> Scene::InOrder() const {
+    std::vector<SceneNode*> order;
+    if (!root_) return order;
+    std::vector<SceneNode*> ahead(root_->Children().rbegin(), root_->Children().rend());
+    while (!ahead.empty()) {
+        SceneNode* node = ahead.back();
+        ahead.pop_back();
+        order.push_back(node);
+        ahead.insert(ahead.end(), node->Children().rbegin(), node->Children().rend());
+    }
+    return order;
+}
+
+}  // namespace headless

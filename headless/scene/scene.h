@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "scene/node.h"
+
+// The nodes that are in the scene, and what happens to all of them together.
+namespace headless {
+
+class Scene {
+  public:
+    void Open();   // the root alone
+    void Clear();  // frees every node but the root; the undo stream has been emptied before
+    void Close();  // the same, and the root
+
+    SceneNode* Root() const { return root_.get(); }
+    SceneNode* Find(std::uint32_t handle) const;  // null: not in the scene
+    bool Contains(const INode* node) const { return addresses_.contains(node); }
+    bool IsThere(const SceneNode& node) const;  // as a node or as the root
+
+    // A node outside the scene, under a handle that no node of this scene has had.
+    NodePtr NewNode();
+
+    // A new node with a name of its own and the host's own transform controller, under the root.
+    SceneNode* CreateObjectNode(Object* object);
+
+    // Puts a node from outside under `parent`, as its last child; undoable.
+    void Add(const NodePtr& node, SceneNode& parent);
+
+    // Takes a node out; its children move up to its parent and keep their world transforms.
+    void Delete(SceneNode& node);
+
+    // Every node but the root, a parent before its children, children in their order.
+    std::vector<SceneNode*> InOrder() const;
+
+  private:
+    void FlipPresence(const NodePtr& node, const NodePtr& parent, std::size_t index, bool present);
+    void Enter(const NodePtr& node, SceneNode& parent, std::size_t index);
+    void Leave(SceneNode& node);
+
+    NodePtr root_;
+    std::unordered_map<std::uint32_t, NodePtr> nodes_;
+    std::unordered_set<const INode*> addresses_;  // of the same nodes
+    std::uint32_t lastHandle_ = 0;
+};
+
+Scene& TheScene();
+
+}  // namespace headless

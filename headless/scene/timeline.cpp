@@ -1,0 +1,101 @@
+#include "scene/timeline.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+#include "objects/undoable.h"
+
+namespace headless {
+namespace {
+
+constexpr int kFramesAtStart = 100;
+
+struct Timeline {
+    int frameRate = 30;
+    int ticksPerFrame = 160;
+    TimeValue now = 0;
+    Interval range;
+    std::vector<TimeChangeCallback*> callbacks;  // null: taken out while being told
+    int telling = 0;
+};
+Timeline timeline;
+
+void DropGone() {
+    if (timeline.telling == 0) std::erase(timeline.callbacks, nullptr);
+}
+
+void TellTime() {
+    ++timeline.telling;
+    const std::size_t present = timeline.callbacks.size();
+    for (std::size_t i = 0; i < present; ++i) {
+        if (TimeChangeCallback* callback = timeline.callbacks[i])
+            callback->TimeChanged(timeline.now);
+    }
+    --timeline.telling;
+    DropGone();
+}
+
+}  // namespace
+
+void StartTimeline(int frameRate, int ticksPerFrame) {
+    timeline.frameRate = std::max(1, frameRate);
+    timeline.ticksPerFrame = std::max(1, ticksPerFrame);
+    timeline.now = 0;
+    timeline.range.Set(0, kFramesAtStart * timeline.ticksPerFrame);
+}
+
+void ResetTimeline() {
+    MoveTime(0);
+    SetAnimationRange({0, kFramesAtStart * timeline.ticksPerFrame});
+}
+
+TimeValue CurrentTime() {
+    return timeline.now;
+}
+
+void MoveTime(TimeValue t) {
+    if (t == timeline.now) return;
+    Undoably([other = t]() mutable {
+        std::swap(timeline.now, other);
+        TellTime();
+    });
+}
+
+Interval AnimationRange() {
+    return timeline.range;
+}
+
+void SetAnimationRange(Interval range) {
+    if (range.Empty() || range == timeline.range) return;
+    Undoably([other = range]() mutable { std::swap(timeline.range, other); });
+}
+
+void AddTimeCallback(TimeChangeCallback* callback) {
+    auto& callbacks = timeline.callbacks;
+    if (callback && std::find(callbacks.begin(), callbacks.end(), callback) == callbacks.end())
+        callbacks.push_back(callback);
+}
+
+void RemoveTimeCallback(TimeChangeCallback* callback) {
+    std::replace(timeline.callbacks.begin(), timeline.callbacks.end(), callback,
+                 static_cast<TimeChangeCallback*>(nullptr));
+    DropGone();
+}
+
+void ForgetTimeCallbacks() {
+    std::fill(timeline.callbacks.begin(), timeline.callbacks.end(), nullptr);
+    DropGone();
+}
+
+}  // namespace headless
+
+TimeChangeCallback::~TimeChangeCallback() = default;
+
+int GetTicksPerFrame() {
+    return headless::timeline.ticksPerFrame;
+}
+int GetFrameRate() {
+    return headless::timeline.frameRate;
+}

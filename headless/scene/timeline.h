@@ -1,0 +1,25 @@
+#pragma once
+
+#include "host/interval.h"
+#include "host/time.h"
+
+// The scene's time: what a tick is, the current time, the animation range. Changes of the current
+// time and of the range are undoable.
+namespace headless {
+
+// Time 0 and a range of a hundred frames.
+void StartTimeline(int frameRate, int ticksPerFrame);
+void ResetTimeline();
+
+TimeValue CurrentTime();
+void MoveTime(TimeValue t);
+Interval AnimationRange();
+void SetAnimationRange(Interval range);  // an empty one is passed over
+
+// Each is told once of every change of the current time, in the order of registration, and may take
+// itself or others out while it is told.
+void AddTimeCallback(TimeChangeCallback* callback);
+void RemoveTimeCallback(TimeChangeCallback* callback);
+void ForgetTimeCallbacks();
+
+}  // namespace headless

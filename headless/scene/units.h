@@ -1,0 +1,8 @@
+#pragma once
+
+// The size of a host unit: `scale` units of `type`, as numbered in host/units.h.
+namespace headless {
+
+void SetMasterUnits(int type, float scale);
+
+}  // namespace headless

@@ -1,0 +1,170 @@
+#include "session/host_interface.h"
+
+#include <cstddef>
+#include <vector>
+
+#include "classes/class_registry.h"
+#include "hold/undo_stream.h"
+#include "host/custom_controls.h"
+#include "objects/own_classes.h"
+#include "scene/node_cloning.h"
+#include "scene/scene.h"
+#include "scene/selection.h"
+#include "scene/timeline.h"
+#include "ui/command_panel.h"
+#include "ui/main_window.h"
+#include "ui/rollup_pages.h"
+
+IObjParam::~IObjParam() = default;
+
+Interface* GetCOREInterface() {
+    static headless::HostInterface host;
+    return &host;
+}
+
+// The system's buttons are all that this host's dialogs are made of.
+void InitCustomControls(HINSTANCE) {}
+
+namespace headless {
+namespace {
+
+// Those of a module's table that are nodes of the scene.
+std::vector<SceneNode*> NodesOf(INodeTab& table) {
+    std::vector<SceneNode*> nodes;
+    for (int i = 0; i < table.Count(); ++i) {
+        if (TheScene().Contains(table[i])) nodes.push_back(static_cast<SceneNode*>(table[i]));
+    }
+    return nodes;
+}
+
+}  // namespace
+
+HWND HostInterface::AddRollupPage(HINSTANCE instance, const char* dialogTemplate, DLGPROC procedure,
+                                  const char* title, LPARAM parameter, std::uint32_t, int) {
+    return AddPage(instance, dialogTemplate, procedure, title, parameter);
+}
+
+void HostInterface::DeleteRollupPage(HWND page) {
+    DeletePage(page);
+}
+
+void HostInterface::SetCommandPanelTaskMode(int mode) {
+    ThePanel().SetTaskMode(mode);
+}
+
+int HostInterface::GetCommandPanelTaskMode() {
+    return ThePanel().TaskMode();
+}
+
+HWND HostInterface::GetMAXHWnd() {
+    return MainWindow();
+}
+
+TimeValue HostInterface::GetTime() {
+    return CurrentTime();
+}
+
+void HostInterface::SetTime(TimeValue t, bool) {
+    MoveTime(t);
+}
+
+Interval HostInterface::GetAnimRange() {
+    return AnimationRange();
+}
+
+void HostInterface::SetAnimRange(Interval range) {
+    SetAnimationRange(range);
+}
+
+void HostInterface::RegisterTimeChangeCallback(TimeChangeCallback* callback) {
+    AddTimeCallback(callback);
+}
+
+void HostInterface::UnRegisterTimeChangeCallback(TimeChangeCallback* callback) {
+    RemoveTimeCallback(callback);
+}
+
+void HostInterface::FlushUndoBuffer() {
+    UndoStream::Get().Flush();
+}
+
+// Nothing is drawn, so there is nothing to draw again.
+void HostInterface::ForceCompleteRedraw(bool) {}
+
+void HostInterface::EnableAccelerators() {
+    EnableHostAccelerators();
+}
+
+void HostInterface::DisableAccelerators() {
+    DisableHostAccelerators();
+}
+
+void HostInterface::EnableAnimateButton(int enable) {
+    EnableHostAnimateButton(enable != 0);
+}
+
+INode* HostInterface::GetRootNode() {
+    return TheScene().Root();
+}
+
+INode* HostInterface::GetINodeByHandle(std::uint32_t handle) {
+    return TheScene().Find(handle);
+}
+
+int HostInterface::GetSelNodeCount() {
+    return static_cast<int>(SelectedNodes().size());
+}
+
+INode* HostInterface::GetSelNode(int index) {
+    if (index < 0 || index >= GetSelNodeCount()) return nullptr;
+    return SelectedNodes()[static_cast<std::size_t>(index)];
+}
+
+void HostInterface::SelectNode(INode* node, int clearSelection) {
+    if (TheScene().Contains(node))
+        SelectNodes({static_cast<SceneNode*>(node)}, clearSelection != 0);
+}
+
+void HostInterface::ClearNodeSelection(int) {
+    ClearSelection();
+}
+
+void HostInterface::SelectNodeTab(INodeTab& nodes, int select, int) {
+    if (select != 0)
+        SelectNodes(NodesOf(nodes), false);
+    else
+        DeselectNodes(NodesOf(nodes));
+}
+
+void* HostInterface::CreateInstance(SClass_ID superClass, Class_ID classId) {
+    ClassDesc* descriptor = TheClasses().Find(superClass, classId);
+    return descriptor ? descriptor->Create() : nullptr;
+}
+
+CameraObject* HostInterface::CreateCameraObject(int type) {
+    return type == 0 ? NewFreeCamera() : nullptr;
+}
+
+INode* HostInterface::CreateObjectNode(Object* object) {
+    return TheScene().CreateObjectNode(object);
+}
+
+void HostInterface::DeleteNode(INode* node, int, int) {
+    if (TheScene().Contains(node)) TheScene().Delete(*static_cast<SceneNode*>(node));
+}
+
+bool HostInterface::CloneNodes(INodeTab& nodes, const Point3& offset, bool expandHierarchies,
+                               CloneType, INodeTab* resultSource, INodeTab* resultTarget) {
+    const std::vector<NodeCopy> copies = CopyNodes(NodesOf(nodes), offset, expandHierarchies);
+    if (resultSource) resultSource->ZeroCount();
+    if (resultTarget) resultTarget->ZeroCount();
+    for (const NodeCopy& copy : copies) {
+        INode* const source = copy.source;
+        INode* const target = copy.target;
+        if (resultSource) resultSource->Append(1, &source);
+        if (resultTarget) resultTarget->Append(1, &target);
+    }
+    return !copies.empty();
+}
+
+}  // namespace headless

@@ -1,0 +1,99 @@
+#include "headless/scene_view.h"
+
+#include <set>
+
+#include "headless/memory_chunks.h"
+#include "references/census.h"
+#include "references/heap.h"
+#include "scene/digest.h"
+#include "scene/scene.h"
+
+namespace headless {
+namespace {
+
+// The controller, and below it all parts that are there.
+std::vector<Animatable*> WithParts(Animatable& controller) {
+    std::vector<Animatable*> parts{&controller};
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        for (int sub = 0; sub < parts[i]->NumSubs(); ++sub) {
+            if (Animatable* part = parts[i]->SubAnim(sub)) parts.push_back(part);
+        }
+    }
+    return parts;
+}
+
+std::size_t StoredBytes(Animatable& part) {
+    auto* maker = dynamic_cast<ReferenceMaker*>(&part);
+    if (!maker) return 0;
+    return SavedBytes([&](ISave* save) { return maker->Save(save); }).size();
+}
+
+KeyView KeysOf(Animatable& controller) {
+    KeyView keys;
+    std::set<TimeValue> times;
+    for (Animatable* part : WithParts(controller)) {
+        for (int i = 0; i < part->NumKeys(); ++i)
+            times.insert(times.end(), part->GetKeyTime(i));
+        keys.storedBytes += StoredBytes(*part);
+    }
+    keys.count = static_cast<int>(times.size());
+    if (!times.empty()) {
+        keys.first = *times.begin();
+        keys.last = *times.rbegin();
+    }
+    return keys;
+}
+
+NodeView ViewOf(SceneNode& node) {
+    NodeView view;
+    view.name = node.Name();
+    view.handle = node.GetHandle();
+    view.parent = node.Parent()->GetHandle();
+    if (Object* object = node.GetObjectRef()) view.objectClass = object->ClassID();
+    if (Control* controller = node.GetTMController()) {
+        view.controllerClass = controller->ClassID();
+        view.keys = KeysOf(*controller);
+    }
+    view.hidden = node.IsHidden(0, false);
+    view.selected = node.Selected();
+    return view;
+}
+
+}  // namespace
+
+std::vector<NodeView> Nodes() {
+    std::vector<NodeView> views;
+    for (SceneNode* node : TheScene().InOrder())
+        views.push_back(ViewOf(*node));
+    return views;
+}
+
+INode* FindNode(std::string_view name) {
+    for (SceneNode* node : TheScene().InOrder()) {
+        if (node->Name() == name) return node;
+    }
+    return nullptr;
+}
+
+bool NodePosition(std::uint32_t handle, TimeValue t, PositionView& position) {
+    SceneNode* node = TheScene().Find(handle);
+    if (!node) return false;
+    const Point3 at = node->GetNodeTM(t, nullptr).GetTrans();
+    position = {at.x, at.y, at.z};
+    return true;
+}
+
+std::uint64_t SceneDigest() {
+    return DigestScene();
+}
+
+Census TakeCensus() {
+    Census census;
+    census.objects = LiveObjects::CountByClass();
+    for (const auto& [name, count] : census.objects)
+        census.objectCount += count;
+    census.heapBlocks = CurrentHeapUse().blocks;
+    return census;
+}
+
+}  // namespace headless

@@ -1,0 +1,240 @@
+#include "headless/session.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "classes/class_registry.h"
+#include "classes/plugin_library.h"
+#include "headless/scene_view.h"
+#include "hold/undo_stream.h"
+#include "host/animate.h"
+#include "host/gup.h"
+#include "host/hold.h"
+#include "host/notify.h"
+#include "host/units.h"
+#include "platform/message_box.h"
+#include "scene/animate_mode.h"
+#include "scene/notifications.h"
+#include "scene/scene.h"
+#include "scene/selection.h"
+#include "scene/timeline.h"
+#include "scene/units.h"
+#include "ui/command_panel.h"
+#include "ui/main_window.h"
+#include "ui/rollup_pages.h"
+
+namespace headless {
+
+SessionSettings WithUnitsPerMetre(double hostUnits) {
+    SessionSettings settings;
+    settings.unitType = UNITS_METERS;
+    settings.unitScale = static_cast<float>(1 / hostUnits);
+    return settings;
+}
+
+struct Session::State {
+    std::vector<std::unique_ptr<PluginLibrary>> libraries;
+    std::vector<GUP*> kept;  // global utilities that run; the plug-ins' own
+    bool isShutDown = false;
+};
+
+Session::Session(const SessionSettings& settings) : state_(std::make_unique<State>()) {
+    StartTimeline(settings.frameRate, settings.ticksPerFrame);
+    SetMasterUnits(settings.unitType, settings.unitScale);
+    ResetAnimateMode();
+    ResetFrame();
+    OpenMainWindow();
+    TheScene().Open();
+    ThePanel().Open();
+}
+
+Session::~Session() {
+    ShutDown();
+}
+
+std::string Session::LoadPlugin(const std::string& path) {
+    std::string error;
+    auto library = std::make_unique<PluginLibrary>(path, error);
+    if (!error.empty()) return error;
+    for (ClassDesc* descriptor : library->Descriptors())
+        TheClasses().Add(descriptor);
+    state_->libraries.push_back(std::move(library));
+    return {};
+}
+
+void Session::RegisterClass(ClassDesc* descriptor) {
+    TheClasses().Add(descriptor);
+}
+
+void Session::Start() {
+    for (ClassDesc* descriptor : std::vector(TheClasses().Added())) {
+        if (descriptor->SuperClassID() != GUP_CLASS_ID) continue;
+        auto* utility = static_cast<GUP*>(descriptor->Create());
+        if (!utility) continue;
+        if (utility->Start() == GUPRESULT_KEEP)
+            state_->kept.push_back(utility);
+        else
+            utility->DeleteThis();
+    }
+}
+
+std::size_t Session::KeptUtilities() const {
+    return state_->kept.size();
+}
+
+namespace {
+
+// A hold that somebody left open would keep the undo stream from being emptied.
+void EndForgottenHold() {
+    if (theHold.Holding()) theHold.Accept("");
+}
+
+void EmptyScene() {
+    EndForgottenHold();
+    UndoStream::Get().Flush();
+    TheScene().Clear();
+}
+
+}  // namespace
+
+void Session::ShutDown() {
+    if (std::exchange(state_->isShutDown, true)) return;
+    Broadcast(NOTIFY_SYSTEM_SHUTDOWN);
+    for (GUP* utility : state_->kept)
+        utility->Stop();
+    for (GUP* utility : std::exchange(state_->kept, {}))
+        utility->DeleteThis();
+    ThePanel().Close();
+    EmptyScene();
+    TheScene().Close();
+    CloseMainWindow();
+    ForgetTimeCallbacks();
+    ForgetNotifications();
+    TheClasses().Clear();
+    state_->libraries.clear();
+    OnMessageBox({});
+}
+
+bool Session::Undo() {
+    return UndoStream::Get().Undo();
+}
+
+bool Session::Redo() {
+    return UndoStream::Get().Redo();
+}
+
+std::vector<std::string> Session::UndoLabels() const {
+    return UndoStream::Get().UndoLabels();
+}
+
+std::vector<std::string> Session::RedoLabels() const {
+    return UndoStream::Get().RedoLabels();
+}
+
+bool Session::OpenUtility(std::string_view className) {
+    return ThePanel().OpenUtility(className);
+}
+
+bool Session::CloseUtility() {
+    return ThePanel().Utility().Close();
+}
+
+bool Session::IsUtilityOpen(std::string_view className) const {
+    return ThePanel().Utility().IsOpen(className);
+}
+
+void Session::SetTaskMode(int mode) {
+    ThePanel().SetTaskMode(mode);
+}
+
+bool Session::PressButton(int controlId) {
+    return PressPageButton(controlId);
+}
+
+std::size_t Session::Select(const std::vector<std::string>& names) {
+    std::vector<SceneNode*> nodes;
+    for (SceneNode* node : TheScene().InOrder()) {
+        if (std::find(names.begin(), names.end(), node->Name()) != names.end())
+            nodes.push_back(node);
+    }
+    SelectNodes(nodes, true);
+    return nodes.size();
+}
+
+namespace {
+
+// The nodes that are still announced when everybody has been told, and still there.
+std::vector<NodePtr> AnnounceDeletion(const std::vector<SceneNode*>& nodes) {
+    INodeTab table;
+    for (INode* node : nodes)
+        table.Append(1, &node);
+    Broadcast(NOTIFY_SEL_NODES_PRE_DELETE, &table);
+    std::vector<NodePtr> remaining;
+    for (int i = 0; i < table.Count(); ++i) {
+        if (!TheScene().Contains(table[i])) continue;
+        remaining.push_back(static_cast<SceneNode*>(table[i])->shared_from_this());
+    }
+    return remaining;
+}
+
+}  // namespace
+
+std::size_t Session::DeleteSelected() {
+    if (SelectedNodes().empty()) return 0;
+    const bool begun = !theHold.Holding();
+    if (begun) theHold.Begin();
+    const std::vector<NodePtr> nodes = AnnounceDeletion(SelectedNodes());
+    for (const NodePtr& node : nodes)
+        TheScene().Delete(*node);
+    if (begun) theHold.Accept("Delete");
+    return nodes.size();
+}
+
+void Session::SetTime(TimeValue t) {
+    MoveTime(t);
+}
+
+void Session::SetRange(Interval range) {
+    SetAnimationRange(range);
+}
+
+void Session::PressAnimateButton(bool on) {
+    if (!HostAnimateButtonEnabled()) return;
+    if (on)
+        AnimateOn();
+    else
+        AnimateOff();
+}
+
+bool Session::AnimateButtonEnabled() const {
+    return HostAnimateButtonEnabled();
+}
+
+bool Session::AcceleratorsEnabled() const {
+    return HostAcceleratorsEnabled();
+}
+
+void Session::NewScene() {
+    Broadcast(NOTIFY_SYSTEM_PRE_NEW);
+    EmptyScene();
+}
+
+void Session::Reset() {
+    Broadcast(NOTIFY_SYSTEM_PRE_RESET);
+    EmptyScene();
+    ResetTimeline();
+    ResetAnimateMode();
+}
+
+void Session::OnMessageBox(MessageBoxHandler handler) {
+    if (!handler) {
+        platform::SetMessageBoxHandler({});
+        return;
+    }
+    platform::SetMessageBoxHandler(
+        [handler = std::move(handler)](const platform::MessageBoxRequest& request) {
+            handler({request.text, request.caption, request.style});
+        });
+}
+
+}  // namespace headless

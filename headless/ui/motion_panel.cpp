@@ -1,0 +1,21 @@
+#include "ui/motion_panel.h"
+
+#include <utility>
+
+#include "host/interface.h"
+#include "scene/selection.h"
+
+namespace headless {
+
+void MotionPanel::Open() {
+    if (edited_ || SelectedNodes().size() != 1) return;
+    edited_ = SelectedNodes().front()->GetTMController();
+    if (edited_) edited_->BeginEditParams(GetCOREInterface(), 0, nullptr);
+}
+
+void MotionPanel::Close() {
+    if (Control* closing = std::exchange(edited_, nullptr))
+        closing->EndEditParams(GetCOREInterface(), 0, nullptr);
+}
+
+}  // namespace headless
