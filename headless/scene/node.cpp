@@ -8,6 +8,8 @@
 #include "scene/names.h"
 #include "scene/scene.h"
 
+INode::~INode() = default;
+
 namespace headless {
 
 NodePtr SceneNode::New(std::uint32_t handle) {
