@@ -1,0 +1,48 @@
+#include "control/linear_float.h"
+
+#include "control/track_storage.h"
+
+namespace headless {
+namespace {
+
+constexpr std::uint16_t kKeysChunk = 1;
+
+}  // namespace
+
+IOResult LinearFloat::Save(ISave* save) {
+    SaveTrack(*save, kKeysChunk, Track().Keys());
+    return IO_OK;
+}
+
+IOResult LinearFloat::Load(ILoad* load) {
+    IOResult result = IO_OK;
+    while (load->OpenChunk() == IO_OK) {
+        if (load->CurChunkID() == kKeysChunk && !LoadTrack(*load, Track().UnrecordedKeys()))
+            result = IO_ERROR;
+        load->CloseChunk();
+    }
+    return result;
+}
+
+RefTargetHandle LinearFloat::Clone(RemapDir& remap) {
+    auto* copy = new LinearFloat;
+    copy->Track().UnrecordedKeys() = Track().Keys();
+    BaseClone(this, copy, remap);
+    return copy;
+}
+
+void LinearFloat::GetValue(TimeValue t, void* value, Interval& valid, GetSetMethod method) {
+    auto& number = *static_cast<float*>(value);
+    const float own = Track().Keys().Evaluate(t);
+    number = method == CTRL_ABSOLUTE ? own : number + own;
+    if (NumKeys() > 0) valid.SetInstant(t);
+}
+
+void LinearFloat::SetValue(TimeValue t, void* value, int, GetSetMethod method) {
+    const float number = *static_cast<const float*>(value);
+    const float before = method == CTRL_ABSOLUTE ? 0 : Track().Keys().Evaluate(t);
+    Track().SetValue(t, before + number);
+    Track().Announce();
+}
+
+}  // namespace headless

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "host/matrix3.h"
+#include "host/point3.h"
+#include "host/quat.h"
+
+namespace headless {
+
+// A matrix taken apart: first scaled along its own axes, then rotated, then moved. Shear has no
+// place in it.
+struct TransformParts {
+    Point3 position;
+    Quat rotation;
+    Point3 scale{1, 1, 1};
+};
+
+// The position is row 3, bit for bit. The scales are the lengths of the rows, all negative if the
+// determinant is. A single row of length 0 counts as perpendicular to the other two; with more of
+// them there is no rotation. In double, narrowed at the end; the rotation by S. W. Shepperd,
+// Quaternion from Rotation Matrix, 1978.
+TransformParts Decompose(const Matrix3& matrix);
+
+Matrix3 Compose(const TransformParts& parts);
+
+}  // namespace headless
