@@ -1,7 +1,7 @@
 #include "classes/own_descriptors.h"
 
+#include "control/factory.h"
 #include "headless/primitives.h"
-#include "host/control.h"
 #include "objects/own_classes.h"
 
 namespace headless {
@@ -31,10 +31,10 @@ class OwnDescriptor final : public ClassDesc {
 // An object as its creator hands it on: by the address of its Object or Control part, which is
 // that of its Animatable part, since none of these has a second base.
 Animatable* Position() {
-    return NewPositionRotationScale();
+    return NewControl(CTRL_MATRIX3_CLASS_ID, kPositionRotationScaleClassId);
 }
 Animatable* Linear() {
-    return NewLinearFloat();
+    return NewControl(CTRL_FLOAT_CLASS_ID, kLinearFloatClassId);
 }
 Animatable* Camera() {
     return NewFreeCamera();

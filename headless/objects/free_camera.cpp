@@ -2,6 +2,7 @@
 #include <numbers>
 #include <utility>
 
+#include "control/factory.h"
 #include "host/animate.h"
 #include "objects/own_classes.h"
 #include "objects/save_plain.h"
@@ -150,7 +151,7 @@ class FreeCamera final : public CameraObject {
 CameraObject* NewFreeCamera() {
     auto* parameters = new CameraParameters;
     for (int i = 0; i < CameraParameters::kCount; ++i)
-        parameters->ReplaceReference(i, NewLinearFloat());
+        parameters->ReplaceReference(i, NewControl(CTRL_FLOAT_CLASS_ID, kLinearFloatClassId));
     // What a camera starts with is no key, also in animate mode.
     SuspendAnimate();
     parameters->SetValue(CameraParameters::kFov, 0, kFieldOfView);

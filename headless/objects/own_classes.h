@@ -1,6 +1,5 @@
 #pragma once
 
-#include "host/control.h"
 #include "host/object.h"
 #include "host/types.h"
 
@@ -12,8 +11,5 @@ inline constexpr Class_ID kPolylinesClassId{0x1002, 0};
 inline constexpr Class_ID kSphereClassId{0x1003, 0};
 
 CameraObject* NewFreeCamera();
-
-Control* NewPositionRotationScale();
-Control* NewLinearFloat();
 
 }  // namespace headless

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "objects/own_classes.h"
+#include "control/factory.h"
 #include "objects/undoable.h"
 #include "scene/names.h"
 #include "scene/selection.h"
@@ -52,7 +52,7 @@ SceneNode* Scene::CreateObjectNode(Object* object) {
     if (!object || !root_) return nullptr;
     const NodePtr node = NewNode();
     node->SetObject(object);
-    node->SetTMController(NewPositionRotationScale());
+    node->SetTMController(NewControl(CTRL_MATRIX3_CLASS_ID, kPositionRotationScaleClassId));
     HostString stem;
     object->InitNodeName(stem);
     node->SetName(NamesInUse().MakeUnique(stem).c_str());

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+#include "headless/primitives.h"
+#include "headless/scene_view.h"
+#include "headless/session.h"
+#include "host/hold.h"
+#include "host/interface.h"
+
+// A running host without plug-ins. Its end checks that nothing stays alive.
+class HostWorld : public testing::Test {
+  protected:
+    ~HostWorld() override {
+        session.ShutDown();
+        EXPECT_EQ(headless::TakeCensus().objectCount, 0U);
+        EXPECT_EQ(headless::TakeCensus().heapBlocks, 0U);
+    }
+
+    // A node with an empty mesh, under `parent` or at the top.
+    INode* Add(const char* name, INode* parent = nullptr) {
+        INode* node = host.CreateObjectNode(CreateNewTriObject());
+        node->SetName(name);
+        if (parent) parent->AttachChild(node, 0);
+        return node;
+    }
+
+    // `change` as one undo step.
+    void Step(const std::function<void()>& change, const char* label = "step") {
+        theHold.Begin();
+        change();
+        theHold.Accept(label);
+    }
+
+    static void Place(INode* node, const Point3& at, TimeValue t = 0) {
+        Matrix3 world;
+        world.SetTranslate(at);
+        node->SetNodeTM(t, world);
+    }
+
+    static Point3 Where(INode* node, TimeValue t = 0) { return node->GetNodeTM(t).GetTrans(); }
+
+    headless::Session session;
+    Interface& host = *GetCOREInterface();
+};
