@@ -2,11 +2,6 @@
 
 namespace headless {
 
-NameBook& NamesInUse() {
-    static NameBook book;
-    return book;
-}
-
 void NameBook::Add(const std::string& name) {
     ++uses_[name];
 }

@@ -22,6 +22,4 @@ class NameBook {
     std::unordered_map<std::string, unsigned> lastNumber_;  // by stem
 };
 
-NameBook& NamesInUse();
-
 }  // namespace headless

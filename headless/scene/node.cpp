@@ -5,7 +5,6 @@
 
 #include "objects/undoable.h"
 #include "scene/edit_watch.h"
-#include "scene/names.h"
 #include "scene/scene.h"
 
 INode::~INode() = default;
@@ -31,7 +30,7 @@ void SceneNode::SetName(const char* name) {
     if (next == name_) return;
     Undoably([self = shared_from_this(), other = std::move(next)]() mutable {
         std::swap(self->name_, other);
-        if (self->parent_) NamesInUse().Replace(other, self->name_);
+        if (self->parent_) TheScene().Names().Replace(other, self->name_);
     });
 }
 

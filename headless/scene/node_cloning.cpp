@@ -6,7 +6,6 @@
 
 #include "host/animate.h"
 #include "references/copy_map.h"
-#include "scene/names.h"
 #include "scene/scene.h"
 #include "scene/timeline.h"
 
@@ -33,7 +32,7 @@ std::string Stem(const std::string& name) {
 SceneNode* CopyOne(SceneNode& source, RemapDir& remap) {
     const NodePtr copy = TheScene().NewNode();
     copy->CopyLookFrom(source);
-    copy->SetName(NamesInUse().MakeUnique(Stem(source.Name())).c_str());
+    copy->SetName(TheScene().Names().MakeUnique(Stem(source.Name())).c_str());
     copy->SetObject(static_cast<Object*>(remap.CloneRef(source.GetObjectRef())));
     copy->SetTMController(static_cast<Control*>(remap.CloneRef(source.GetTMController())));
     source.BaseClone(&source, copy.get(), remap);

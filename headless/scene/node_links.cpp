@@ -83,8 +83,12 @@ void Keep(SceneNode& node, KeptTransform& kept) {
 
 void SceneNode::MoveTo(SceneNode& parent, TimeValue t, int keepTM) {
     if (&parent == parent_ || parent.HangsBelow(*this)) return;
-    KeptTransform kept{t, parent_->GetNodeTM(t, nullptr), parent.GetNodeTM(t, nullptr),
-                       GetNodeTM(t, nullptr)};
+    KeptTransform kept{t, {}, {}, {}};
+    if (keepTM != 0) {
+        kept.from = parent_->GetNodeTM(t, nullptr);
+        kept.to = parent.GetNodeTM(t, nullptr);
+        kept.world = GetNodeTM(t, nullptr);
+    }
     Undoably([self = shared_from_this(), other = parent.shared_from_this(),
               index = parent.children_.size(), keepTM, kept]() mutable {
         if (!self->parent_ || !TheScene().IsThere(*other) || other->HangsBelow(*self)) return;

@@ -4,7 +4,6 @@
 
 #include "control/factory.h"
 #include "objects/undoable.h"
-#include "scene/names.h"
 #include "scene/selection.h"
 
 namespace headless {
@@ -20,12 +19,11 @@ void Scene::Open() {
 
 void Scene::Clear() {
     ForgetSelection();
-    for (const auto& [handle, node] : nodes_) {
-        NamesInUse().Remove(node->Name());
+    for (const auto& [handle, node] : nodes_)
         node->Abandon();
-    }
     if (root_) root_->Abandon();
     // A node that goes can ask for others by their handles.
+    names_ = NameBook();
     addresses_.clear();
     const auto leaving = std::exchange(nodes_, {});
 }
@@ -55,7 +53,7 @@ SceneNode* Scene::CreateObjectNode(Object* object) {
     node->SetTMController(NewControl(CTRL_MATRIX3_CLASS_ID, kPositionRotationScaleClassId));
     HostString stem;
     object->InitNodeName(stem);
-    node->SetName(NamesInUse().MakeUnique(stem).c_str());
+    node->SetName(names_.MakeUnique(stem).c_str());
     Add(node, *root_);
     return node.get();
 }
@@ -90,7 +88,7 @@ void Scene::Enter(const NodePtr& node, SceneNode& parent, std::size_t index) {
     if (Contains(node.get())) return;
     nodes_.emplace(node->GetHandle(), node);
     addresses_.insert(node.get());
-    NamesInUse().Add(node->Name());
+    names_.Add(node->Name());
     node->Hang(IsThere(parent) ? parent : *root_, index);
 }
 
@@ -104,7 +102,7 @@ void Scene::Leave(SceneNode& node) {
         child.Hang(parent, parent.Children().size());
     }
     node.Unhang();
-    NamesInUse().Remove(node.Name());
+    names_.Remove(node.Name());
     addresses_.erase(&node);
     nodes_.erase(node.GetHandle());
 }

@@ -6,6 +6,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "scene/names.h"
 #include "scene/node.h"
 
 // The nodes that are in the scene, and what happens to all of them together.
@@ -20,6 +21,7 @@ class Scene {
     SceneNode* Root() const { return root_.get(); }
     SceneNode* Find(std::uint32_t handle) const;  // null: not in the scene
     bool Contains(const INode* node) const { return addresses_.contains(node); }
+    NameBook& Names() { return names_; }
     bool IsThere(const SceneNode& node) const;  // as a node or as the root
 
     // A node outside the scene, under a handle that no node of this scene has had.
@@ -45,7 +47,8 @@ class Scene {
     NodePtr root_;
     std::unordered_map<std::uint32_t, NodePtr> nodes_;
     std::unordered_set<const INode*> addresses_;  // of the same nodes
-    std::uint32_t lastHandle_ = 0;
+    NameBook names_;
+    std::uint32_t lastHandle_ = 0;  // goes on when the scene is emptied
 };
 
 Scene& TheScene();
