@@ -76,6 +76,12 @@ XMLNode::ParseResult ReadXMLToken(XMLNode& node, const XMLToken& token) {
     }
 }
 
+// The writer escapes names in closing tags too, so that one with a byte above 127 has to be
+// expanded before it agrees.
+bool Closes(std::string_view tagText, const std::string& name) {
+    return tagText == name || UnescapeXML(tagText) == name;
+}
+
 // Reads from behind the root's opening tag to its closing one. An element joins its parent when it
 // is complete; one that fails, or in which something fails, does not.
 XMLNode::ParseResult ParseXMLChildren(XMLNode& root, XMLTokenizer& tokens) {
@@ -84,7 +90,7 @@ XMLNode::ParseResult ParseXMLChildren(XMLNode& root, XMLTokenizer& tokens) {
     for (; tokens.Current(); tokens.Step()) {
         const XMLToken& token = *tokens.Current();
         if (token.kind == XMLToken::kClosing) {
-            if (token.text != innermost().name) return XMLNode::kMismatch;
+            if (!Closes(token.text, innermost().name)) return XMLNode::kMismatch;
             if (open.empty()) return XMLNode::kParsed;
             std::unique_ptr<XMLNode> complete = std::move(open.back());
             open.pop_back();
