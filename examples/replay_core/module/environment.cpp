@@ -1,0 +1,105 @@
+#include "replay_core/module/environment.h"
+
+#include <cstdlib>
+#include <limits>
+#include <string_view>
+
+#include "replay_core/motion/capture_text.h"
+#include "replay_core/motion/numbers.h"
+
+namespace replay {
+namespace {
+
+constexpr char kCapture[] = "LUMISET_CAPTURE";
+constexpr char kScale[] = "LUMISET_CAPTURE_SCALE";
+constexpr char kFrames[] = "LUMISET_CAPTURE_FRAMES";
+constexpr char kCsv[] = "LUMISET_CSV";
+constexpr char kReport[] = "LUMISET_REPORT";
+constexpr char kOptimised[] = "LUMISET_OPTIMISED";
+constexpr char kProgress[] = "LUMISET_PROGRESS";
+constexpr char kPress[] = "LUMISET_PRESS";
+
+// Whatever a capture holds then still fits into the host's single precision.
+constexpr double kMostMetresPerUnit = 1e6;
+
+std::string Variable(const char* name) {
+    const char* const value = std::getenv(name);
+    return value ? value : "";
+}
+
+// Reads the variables one by one and keeps the first thing that is wrong with them.
+class Reader {
+  public:
+    explicit Reader(Request& request) : request_(request) {}
+
+    void ReadScale() {
+        const std::string text = Variable(kScale);
+        if (text.empty()) return;
+        const std::optional<double> scale = ParseNumber(text);
+        if (scale && *scale > 0 && *scale <= kMostMetresPerUnit)
+            request_.metresPerUnit = *scale;
+        else
+            Refuse(kScale, "a number of metres above 0", text);
+    }
+
+    void ReadFrames() {
+        const std::string text = Variable(kFrames);
+        if (text.empty()) return;
+        const std::size_t colon = text.find(':');
+        const std::string_view whole = text;
+        const std::optional<std::size_t> first = ParseCount(whole.substr(0, colon));
+        const std::optional<std::size_t> end =
+            colon == std::string::npos ? std::nullopt : ParseCount(whole.substr(colon + 1));
+        if (first && end && *first < *end)
+            request_.frames = FrameRange{*first, *end};
+        else
+            Refuse(kFrames, "two frame numbers A:B with A below B", text);
+    }
+
+    void ReadOptimised() {
+        const std::string text = Variable(kOptimised);
+        if (text == "0" || text == "1")
+            request_.optimisedControllers = text == "1";
+        else if (!text.empty())
+            Refuse(kOptimised, "0 or 1", text);
+    }
+
+    void ReadPress() {
+        const std::string text = Variable(kPress);
+        if (text.empty()) return;
+        const std::optional<std::size_t> id = ParseCount(text);
+        if (id && *id <= static_cast<std::size_t>(std::numeric_limits<int>::max()))
+            request_.pressedButton = static_cast<int>(*id);
+        else
+            Refuse(kPress, "the number of an option", text);
+    }
+
+    void Refuse(const char* variable, const char* expected, const std::string& found) {
+        if (!request_.error.empty()) return;
+        request_.error = std::string(variable) + ": expected " + expected + ", found ";
+        request_.error += found.empty() ? "nothing" : Quoted(found);
+    }
+
+  private:
+    Request& request_;
+};
+
+}  // namespace
+
+Request ReadEnvironment() {
+    Request request;
+    request.capture = Variable(kCapture);
+    request.csv = Variable(kCsv);
+    request.report = Variable(kReport);
+    request.showsProgress = Variable(kProgress) == "1";
+    Reader reader(request);
+    reader.ReadPress();
+    reader.ReadScale();
+    reader.ReadFrames();
+    reader.ReadOptimised();
+    if (request.capture.empty() && !request.pressedButton)
+        reader.Refuse(kCapture, "the path of a motion capture", request.capture);
+    return request;
+}
+
+}  // namespace replay

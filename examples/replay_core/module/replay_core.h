@@ -1,0 +1,55 @@
+#pragma once
+
+#include "replay_core/module/environment.h"
+#include "replay_core/module/placed_services.h"
+#include "replay_core/module/report.h"
+#include "replay_core/recorder/record_take.h"
+#include "replay_core/recorder/whole_file.h"
+#include "replay_core/state/panel_options.h"
+#include "replay_core/state/take.h"
+#include "tvl/core_interface.h"
+#include "tvl/message.h"
+
+namespace replay {
+
+// The Core as the adaptor sees it: asked for its window, it records the capture that the
+// environment names (see environment.h). It stores nothing in scene files. It lives from `attach`
+// to `detach`.
+class ReplayCore final : public CoreInterface {
+  public:
+    explicit ReplayCore(TVL::AdaptorInterface& adaptor);
+
+    // Ends all use of the adaptor. Undo records that name nodes of this Core go with it.
+    ~ReplayCore();
+    ReplayCore(const ReplayCore&) = delete;
+    ReplayCore& operator=(const ReplayCore&) = delete;
+
+    XMLNode GetCoreState() override;
+    void SetCoreState(XMLNode state) override;
+    void ResetCore() override;
+    void ShowCore(TVL::WindowHandle mainWindow) override;
+    void NotifyTimeChanged(double seconds) override;
+    bool IsCoreRunning() override;
+    void StopCore() override;
+    TVL::Util::MessageNode* GetOptionNode(int option, int unused) override;
+    void BindOption(int option, int unused) override;
+    void GetOptionValue(int option, bool* value) override;
+
+  private:
+    void Show(const Request& request, Report& report);
+    void ShowPanel() const;
+    void PressButton(int option, Report& report);
+    void Record(const Request& request, Report& report);
+    void RecordMotion(const Motion& motion, FrameRange frames, const Request& request,
+                      WholeFile* csv, Report& report);
+
+    TVL::AdaptorInterface& adaptor_;
+    PlacedServices services_;  // what follows may log to the end of its life
+    PanelOptions options_;
+    Takes takes_;
+    RecordingState recording_;
+    double currentSeconds_;                 // the host's time
+    TVL::Util::MessageNode convertButton_;  // option 1028; its links end with it
+};
+
+}  // namespace replay

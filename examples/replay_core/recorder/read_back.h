@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include "replay_core/motion/motion.h"
+#include "replay_core/recorder/record_take.h"
+#include "replay_core/recorder/whole_file.h"
+
+namespace replay {
+
+struct ReadBack {
+    std::string error;  // one line; empty if every joint answered
+
+    // The largest distance, over all joints and recorded frames, between where the host has the
+    // joint at the frame's time and where the capture's own kinematics put it, in double.
+    double maxPositionErrorMetres = 0;
+};
+
+// Asks the host where the joints are. With a file, writes them into it as comma-separated values
+// (RFC 4180, with LF): `frame,seconds,joint,x,y,z`, a row for each frame and joint, the time as
+// frame × frame time, the place in Core space, metres. The file is the caller's to finish; null for
+// none.
+ReadBack ReadPositions(const Motion& motion, double metresPerUnit, const RecordedTake& recorded,
+                       WholeFile* csv);
+
+}  // namespace replay

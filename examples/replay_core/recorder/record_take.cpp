@@ -1,0 +1,136 @@
+#include "replay_core/recorder/record_take.h"
+
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+#include "replay_core/motion/pose.h"
+#include "replay_core/recorder/brackets.h"
+#include "replay_core/recorder/camera_placement.h"
+#include "replay_core/recorder/object_scale.h"
+#include "replay_core/recorder/progress_bar.h"
+#include "replay_core/recorder/transform_loan.h"
+#include "tvl/error_code.h"
+
+namespace replay {
+namespace {
+
+// The adaptor declares its codes in the registry that this Core has placed.
+std::string Refused(const char* what, std::int32_t status) {
+    return std::string(what) + ": " +
+           TVL::ErrorCode::GetInstance()->GetByValue(status)->GetMessage();
+}
+
+class Running {
+  public:
+    explicit Running(RecordingState& state) : state_(state) { state_ = {.isRunning = true}; }
+    ~Running() { state_ = {}; }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+  private:
+    RecordingState& state_;
+};
+
+// The work between the two brackets, with what it needs for every frame.
+class FrameWriter {
+  public:
+    FrameWriter(const Motion& motion, double metresPerUnit, const TakeNodes& nodes,
+                const RecordingState& state)
+        : motion_(motion),
+          metresPerUnit_(metresPerUnit),
+          nodes_(nodes),
+          state_(state),
+          pose_(motion.joints.size()) {}
+
+    // Empty, or why the frame is not whole.
+    std::string Write(std::size_t frame) {
+        const double seconds = FrameTime(motion_, frame);
+        EvaluatePose(motion_, frame, metresPerUnit_, pose_);
+        if (scales_.empty()) Prepare(seconds);
+        // Parents first: what a child's controller keeps is relative to where its parent is then.
+        for (std::size_t joint = 0; joint < pose_.size(); ++joint) {
+            if (state_.stopRequested) return Stopped(frame);
+            const TransformLoan snapshot(*nodes_.joints[joint], seconds);
+            if (!snapshot)
+                return "\"" + nodes_.joints[joint]->GetNodeName() +
+                       "\" cannot be moved by the host";
+            snapshot->SetWorldTransform(WithObjectScale(pose_[joint], scales_[joint]));
+        }
+        return {};
+    }
+
+  private:
+    static std::string Stopped(std::size_t frame) {
+        return "the recording was stopped at frame " + std::to_string(frame);
+    }
+
+    // At the first frame, before anything has moved. A camera that was there stays where it is.
+    void Prepare(double seconds) {
+        for (TVL::CoreNode* node : nodes_.joints)
+            scales_.push_back(ObjectScaleOf(*node, seconds));
+        if (nodes_.isCameraNew) PlaceCamera(*nodes_.camera, SurroundOf(pose_), seconds);
+    }
+
+    const Motion& motion_;
+    double metresPerUnit_;
+    const TakeNodes& nodes_;
+    const RecordingState& state_;
+    std::vector<TVL::CMatrix4> pose_;
+    std::vector<ObjectScale> scales_;  // of the joints
+};
+
+// Goes through the frames and moves the end of `recorded.frames` behind each that is whole.
+void WriteFrames(const Motion& motion, const Take& take, const RecordSettings& settings,
+                 const RecordingState& state, RecordedTake& recorded) {
+    FrameWriter writer(motion, settings.metresPerUnit, recorded.nodes, state);
+    ProgressBar progress(settings.showsProgress, "Recording " + take.Name(),
+                         settings.frames.Count());
+    for (std::size_t frame = settings.frames.first; frame < settings.frames.end; ++frame) {
+        recorded.error = writer.Write(frame);
+        if (!recorded.error.empty()) return;
+        recorded.frames.end = frame + 1;
+        progress.Advance();
+    }
+}
+
+}  // namespace
+
+double FrameTime(const Motion& motion, std::size_t frame) {
+    return static_cast<double>(frame) * motion.frameSeconds;
+}
+
+RecordedTake RecordTake(TVL::AdaptorInterface& adaptor, const Motion& motion, Take& take,
+                        const RecordSettings& settings, RecordingState& state) {
+    RecordedTake recorded;
+    recorded.frames = {settings.frames.first, settings.frames.first};
+    const KeyboardFocus focus(adaptor);
+    const Running running(state);
+    UndoGroup group(adaptor, "Record " + take.Name());
+    if (group.Status() != 0 || !adaptor.IsHoldingUndo()) {
+        recorded.error = Refused("the host opens no undo group now", group.Status());
+        return recorded;
+    }
+    recorded.nodes = FindOrMakeNodes(adaptor, motion, take);
+    recorded.error = recorded.nodes.error;
+    if (!recorded.error.empty()) return recorded;
+
+    // The keys of the present pose that a recording begins with then fall on the first frame.
+    adaptor.SetCurrentTime(FrameTime(motion, settings.frames.first));
+    {
+        const RecordingBracket bracket(adaptor, take);
+        if (bracket.Status() != 0) {
+            recorded.error = Refused("the host begins no recording now", bracket.Status());
+            return recorded;
+        }
+        WriteFrames(motion, take, settings, state, recorded);
+    }
+    const bool isKept = recorded.error.empty() || state.stopRequested;
+    if (isKept) {
+        const std::int32_t status = group.Keep();
+        if (status != 0) recorded.error = Refused("the undo group could not be ended", status);
+    }
+    return recorded;
+}
+
+}  // namespace replay

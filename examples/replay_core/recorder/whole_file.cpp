@@ -1,0 +1,47 @@
+#include "replay_core/recorder/whole_file.h"
+
+#include <array>
+#include <charconv>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+namespace replay {
+
+WholeFile::WholeFile(std::string path)
+    : path_(std::move(path)),
+      partPath_(path_ + ".unfinished"),
+      stream_(partPath_, std::ios::binary | std::ios::trunc) {}
+
+WholeFile::~WholeFile() {
+    if (!stream_.is_open()) return;
+    stream_.close();
+    std::error_code ignored;
+    std::filesystem::remove(partPath_, ignored);
+}
+
+void WholeFile::Write(std::string_view text) {
+    stream_.write(text.data(), static_cast<std::streamsize>(text.size()));
+}
+
+std::string WholeFile::Finish() {
+    if (!stream_.is_open()) return CannotBeWritten();
+    stream_.close();
+    std::error_code error;
+    if (stream_) std::filesystem::rename(partPath_, path_, error);
+    if (stream_ && !error) return {};
+    std::filesystem::remove(partPath_, error);
+    return CannotBeWritten();
+}
+
+std::string WholeFile::CannotBeWritten() const {
+    return path_ + ": the file cannot be written";
+}
+
+std::string NumberText(double number) {
+    std::array<char, 32> text{};
+    const auto [end, status] = std::to_chars(text.data(), text.data() + text.size(), number);
+    return {text.data(), end};
+}
+
+}  // namespace replay

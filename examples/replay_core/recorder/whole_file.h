@@ -1,0 +1,36 @@
+#pragma once
+
+#include <fstream>
+#include <string>
+#include <string_view>
+
+namespace replay {
+
+// A file that is complete or untouched: it is written beside its place, and takes its place when it
+// is finished. What is not finished is removed.
+class WholeFile {
+  public:
+    explicit WholeFile(std::string path);
+    ~WholeFile();
+    WholeFile(const WholeFile&) = delete;
+    WholeFile& operator=(const WholeFile&) = delete;
+
+    bool IsOpen() const { return stream_.is_open(); }
+
+    void Write(std::string_view text);
+
+    // Empty, or what went wrong, now or in any write, in one line that names the file.
+    std::string Finish();
+
+    std::string CannotBeWritten() const;
+
+  private:
+    std::string path_;
+    std::string partPath_;
+    std::ofstream stream_;
+};
+
+// The shortest decimal form that reads back as the same number, whatever the locale.
+std::string NumberText(double number);
+
+}  // namespace replay

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <new>
+
+namespace replay {
+
+// Nothing may be thrown across the boundary to the adaptor: every entry from its side runs its work
+// through Guarded. The result is null, or says in a few words what was caught.
+template <class Work>
+const char* Guarded(const Work& work) noexcept {
+    try {
+        work();
+        return nullptr;
+    } catch (const std::bad_alloc&) {
+        return "memory ran out";
+    } catch (...) {
+        return "the work broke off for a reason that is not known";
+    }
+}
+
+}  // namespace replay

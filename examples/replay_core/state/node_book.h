@@ -1,0 +1,27 @@
+#pragma once
+
+#include <vector>
+
+#include "tvl/core_element.h"
+#include "tvl/node.h"
+
+namespace replay {
+
+// The nodes of one owner that are in the scene, in the order in which they came. As the listener of
+// these nodes it stays right through undo and redo, whatever they bring back or take away. It must
+// outlive the nodes and every undo record that names one.
+class NodeBook final : public TVL::NodeListener {
+  public:
+    void OnNodeRemoved(TVL::CNode* node) override;
+    void OnNodeRestored(TVL::CNode* node) override;
+
+    // Still the adaptor's.
+    const std::vector<TVL::CNode*>& Nodes() const { return nodes_; }
+
+    bool Has(const TVL::CNode* node) const;
+
+  private:
+    std::vector<TVL::CNode*> nodes_;
+};
+
+}  // namespace replay

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tvl/xml_node.h"
+
+namespace replay {
+
+// The options of the adaptor that its panel describes, with their values. The numbers are part of
+// the contract with the adaptor.
+inline constexpr int kOptimisedControllers = 1027;
+inline constexpr int kConvertAllControllers = 1028;
+
+struct PanelOption {
+    int id = 0;
+    std::string name;
+    bool isButton = false;
+    bool value = false;  // of a check box
+};
+
+class PanelOptions {
+  public:
+    // Takes every check box and button of the panel, wherever in its groups and lists they stand,
+    // each check box with the value that the panel gives it.
+    explicit PanelOptions(const XMLNode& panel);
+
+    const std::vector<PanelOption>& All() const { return options_; }
+
+    const PanelOption* Find(int id) const;  // null if the panel has none of that id
+
+    void Set(int id, bool value);  // nothing if the panel has none of that id
+
+  private:
+    std::vector<PanelOption> options_;
+};
+
+}  // namespace replay
