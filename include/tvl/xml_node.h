@@ -16,9 +16,9 @@
 //     state.kind = XMLNode::kElement;
 //     state.name = "take";
 //     state.attributes["start"] = "0";
-//     state.AddChild(XMLNode("title", "Walk"));        // <take
-//     start="0"><title>Walk</title></take> std::string title = state.Child("title").Text();  //
-//     "Walk"
+//     state.AddChild(XMLNode("title", "Walk"));
+//     state.Write();                 // <take start="0"><title>Walk</title></take>
+//     state.Child("title").Text();   // Walk
 //
 // What Write makes of a tree, Parse brings back as the same tree if names of elements and
 // attributes hold no white space and none of = / > < & and start with neither ? nor !, values of
