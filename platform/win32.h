@@ -16,19 +16,11 @@
 // Comes after <windows.h>, whose types it needs.
 #include <commctrl.h>
 
-// These macros would rename operations of this system.
+// These macros would rename what this system calls by the same names.
 #undef GetMessage
 #undef GetCurrentTime
 #undef GetClassName
-#undef GetObject
-#undef GetProp
-#undef SetProp
-#undef ERROR
-#undef DELETE
-#undef IN
-#undef OUT
-#undef near
-#undef far
+#undef interface
 
 #else
 
@@ -151,8 +143,9 @@ inline constexpr LSTATUS ERROR_INVALID_PARAMETER = 87;
 inline constexpr LSTATUS ERROR_MORE_DATA = 234;
 
 // The registry is a .reg file: the one that the environment variable LUMISET_REGISTRY names, else
-// lumiset.reg beside the running program. It is looked at anew whenever a key is opened. A key that
-// was opened is closed by RegCloseKey. Names of keys and values compare without case.
+// lumiset.reg beside the running program. It is looked at anew whenever a key is opened from a
+// root. Names of keys and values compare without case. Each key that was opened is closed by
+// RegCloseKey.
 PLATFORM_API LSTATUS WINAPI RegOpenKeyExA(HKEY key, LPCSTR subKey, DWORD options, REGSAM access,
                                           HKEY* result);
 // `*size` is the buffer's size, and then the value's; with a null buffer only the size is told. A

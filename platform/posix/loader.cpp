@@ -1,7 +1,9 @@
 #include <dlfcn.h>
 
+#include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/load_failure.h"
 #include "platform/posix/guarded.h"
@@ -83,7 +85,7 @@ std::string PathOf(HMODULE module) {
     if (module == nullptr || module == ProgramModule()) return ProgramPath();
     Dl_info info{};
     if (FindModule(module) == nullptr || dladdr(module, &info) == 0) return {};
-    return info.dli_fname;
+    return std::filesystem::absolute(info.dli_fname).string();
 }
 
 }  // namespace

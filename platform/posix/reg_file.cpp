@@ -142,12 +142,25 @@ class Parser {
     // does not go on.
     std::string JoinedLine() {
         std::string line(Line());
-        const bool isBytes = line.find("=hex") != std::string::npos && !line.starts_with(';');
-        while (isBytes && line.ends_with('\\') && !text_.empty()) {
+        const bool holdsBytes = HoldsBytes(line);
+        while (holdsBytes && line.ends_with('\\') && !text_.empty()) {
             line.pop_back();
             line += Line();
         }
         return line;
+    }
+
+    static bool HoldsBytes(std::string_view line) {
+        return TakeName(line) && line.starts_with("hex");
+    }
+
+    // The name of a value, empty for the default value; the view moves to what it is set to.
+    static std::optional<std::string> TakeName(std::string_view& line) {
+        std::optional<std::string> name = TakePrefix(line, "@") ? std::string{} : TakeQuoted(line);
+        line = TrimStart(line);
+        if (!TakePrefix(line, "=")) return std::nullopt;
+        line = TrimStart(line);
+        return name;
     }
 
     bool TakeStatement(std::string_view line) {
@@ -173,23 +186,18 @@ class Parser {
         return true;
     }
 
+    // With the keys below it, which stand in a run.
     void RemoveKey(const std::string& path) {
-        std::erase_if(file_.keys, [&](const auto& entry) {
-            return entry.first == path || entry.first.starts_with(path + '\\');
-        });
+        constexpr char behindBackslash = '\\' + 1;
+        file_.keys.erase(path);
+        file_.keys.erase(file_.keys.lower_bound(path + '\\'),
+                         file_.keys.lower_bound(path + behindBackslash));
     }
 
     bool TakeValue(std::string_view line) {
-        std::optional<std::string> name;
-        if (TakePrefix(line, "@")) {
-            name.emplace();
-        } else {
-            name = TakeQuoted(line);
-        }
-        line = TrimStart(line);
+        const std::optional<std::string> name = TakeName(line);
         // Values behind a key's line that cannot be read belong nowhere.
-        if (!name || key_.empty() || !TakePrefix(line, "=")) return false;
-        line = TrimStart(line);
+        if (!name || key_.empty()) return false;
         RegKey& key = file_.keys[key_];
         if (TakePrefix(line, "-") && IsBlankOrComment(line)) {
             key.erase(LowerCase(*name));

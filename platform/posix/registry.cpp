@@ -22,7 +22,7 @@ namespace {
 
 constexpr std::size_t kLargestFile = std::size_t{16} << 20;  // bytes; the rest is not read
 
-// A key keeps the registry as it was when the key was opened.
+// A key keeps the registry as it was when a key was opened from its root.
 struct OpenKey {
     std::shared_ptr<const RegFile> file;
     std::string path;  // in lower case, its root first
@@ -74,10 +74,16 @@ std::shared_ptr<const RegFile> ReadRegistry() {
     return file;
 }
 
+std::string RootPath(HKEY key) {
+    if (key == HKEY_LOCAL_MACHINE) return "hkey_local_machine";
+    if (key == HKEY_CURRENT_USER) return "hkey_current_user";
+    return {};
+}
+
 // The key that `key` stands for; one without a path if it stands for none.
 OpenKey KeyBehind(HKEY key) {
-    if (key == HKEY_LOCAL_MACHINE) return {ReadRegistry(), "hkey_local_machine"};
-    if (key == HKEY_CURRENT_USER) return {ReadRegistry(), "hkey_current_user"};
+    std::string root = RootPath(key);
+    if (!root.empty()) return {ReadRegistry(), std::move(root)};
     const OpenKey* const open = TheRegistry().keys.Find(key);
     return open == nullptr ? OpenKey{} : *open;
 }
@@ -85,7 +91,6 @@ OpenKey KeyBehind(HKEY key) {
 LSTATUS Open(HKEY key, std::string_view subKey, HKEY& result) {
     OpenKey opened = KeyBehind(key);
     if (opened.path.empty()) return ERROR_INVALID_HANDLE;
-    opened.file = ReadRegistry();
     while (subKey.ends_with('\\'))
         subKey.remove_suffix(1);
     if (!subKey.empty()) opened.path += '\\' + LowerCase(subKey);
@@ -136,8 +141,8 @@ LSTATUS RegQueryValueExA(HKEY key, LPCSTR name, DWORD*, DWORD* type, BYTE* data,
 }
 
 LSTATUS RegCloseKey(HKEY key) {
-    if (key == HKEY_LOCAL_MACHINE || key == HKEY_CURRENT_USER) return ERROR_SUCCESS;
     return platform::Guarded<LSTATUS>(ERROR_INVALID_HANDLE, [&] {
+        if (!platform::RootPath(key).empty()) return ERROR_SUCCESS;
         return platform::TheRegistry().keys.Remove(key) ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
     });
 }

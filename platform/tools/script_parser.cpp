@@ -8,8 +8,14 @@
 
 namespace {
 
+// The system's numbers for the styles that scripts name.
 constexpr std::uint32_t kChild = 0x40000000;
 constexpr std::uint32_t kVisible = 0x10000000;
+constexpr std::uint32_t kBorder = 0x00800000;
+constexpr std::uint32_t kGroup = 0x00020000;
+constexpr std::uint32_t kTabStop = 0x00010000;
+constexpr std::uint32_t kDefaultButton = 1;
+constexpr std::uint32_t kAutomaticCheckBox = 3;
 
 const std::map<std::string, std::uint32_t> kStyles = {
     {"WS_POPUP", 0x80000000},
@@ -17,24 +23,17 @@ const std::map<std::string, std::uint32_t> kStyles = {
     {"WS_VISIBLE", kVisible},
     {"WS_DISABLED", 0x08000000},
     {"WS_CAPTION", 0x00C00000},
-    {"WS_BORDER", 0x00800000},
-    {"WS_VSCROLL", 0x00200000},
-    {"WS_SYSMENU", 0x00080000},
-    {"WS_GROUP", 0x00020000},
-    {"WS_TABSTOP", 0x00010000},
+    {"WS_BORDER", kBorder},
+    {"WS_GROUP", kGroup},
+    {"WS_TABSTOP", kTabStop},
     {"DS_SETFONT", 0x40},
     {"DS_SHELLFONT", 0x48},
-    {"DS_FIXEDSYS", 0x8},
     {"DS_MODALFRAME", 0x80},
     {"DS_CONTROL", 0x400},
-    {"DS_CENTER", 0x800},
     {"BS_PUSHBUTTON", 0},
-    {"BS_DEFPUSHBUTTON", 1},
-    {"BS_CHECKBOX", 2},
-    {"BS_AUTOCHECKBOX", 3},
+    {"BS_DEFPUSHBUTTON", kDefaultButton},
+    {"BS_AUTOCHECKBOX", kAutomaticCheckBox},
     {"SS_LEFT", 0},
-    {"SS_CENTER", 1},
-    {"SS_RIGHT", 2},
     {"ES_AUTOHSCROLL", 0x80},
 };
 
@@ -46,10 +45,11 @@ struct ControlStatement {
 };
 
 const std::map<std::string, ControlStatement> kControls = {
-    {"PUSHBUTTON", {"Button", 0x00010000, true}},   {"DEFPUSHBUTTON", {"Button", 0x00010001, true}},
-    {"AUTOCHECKBOX", {"Button", 0x00010003, true}}, {"GROUPBOX", {"Button", 0x00000007, true}},
-    {"LTEXT", {"Static", 0x00020000, true}},        {"CTEXT", {"Static", 0x00020001, true}},
-    {"RTEXT", {"Static", 0x00020002, true}},        {"EDITTEXT", {"Edit", 0x00810000, false}},
+    {"PUSHBUTTON", {"Button", kTabStop, true}},
+    {"DEFPUSHBUTTON", {"Button", kTabStop | kDefaultButton, true}},
+    {"AUTOCHECKBOX", {"Button", kTabStop | kAutomaticCheckBox, true}},
+    {"LTEXT", {"Static", kGroup, true}},
+    {"EDITTEXT", {"Edit", kBorder | kTabStop, false}},
 };
 
 class Parser {

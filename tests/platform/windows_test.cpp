@@ -121,14 +121,6 @@ TEST_F(WindowsOfADialog, GiveTheirTextWithinTheBuffer) {
     EXPECT_EQ(TextOf(dialog), "");
 }
 
-TEST_F(WindowsOfADialog, KeepAWordForTheirUser) {
-    EXPECT_EQ(SetWindowLongPtrA(dialog, GWLP_USERDATA, 123), 0);
-    EXPECT_EQ(GetWindowLongPtrA(dialog, GWLP_USERDATA), 123);
-    EXPECT_EQ(SetWindowLongPtrA(dialog, GWLP_USERDATA, 0), 123);
-    EXPECT_EQ(SetWindowLongPtrA(dialog, 3, 9), 0);
-    EXPECT_EQ(GetWindowLongPtrA(dialog, 3), 0);
-}
-
 TEST_F(WindowsOfADialog, TellTheProcedureOfAClick) {
     messages.clear();
     const HWND check = GetDlgItem(dialog, kCheck);
