@@ -88,8 +88,6 @@ class BaseControl : public Control {
   private:
     friend class KeyRestore<BaseControl, Key>;
 
-    void RemoveKey(std::int32_t index);
-
     SClass_ID superClassID;
     Class_ID classID;
     std::string className;

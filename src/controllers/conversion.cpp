@@ -3,27 +3,10 @@
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
 #include "host/animate.h"
-#include "host/hold.h"
 #include "host/interface.h"
+#include "undo/own_step.h"
 
 namespace {
-
-// Makes what happens in its lifetime one step of undo, unless a hold is open already.
-class OwnStep {
-  public:
-    explicit OwnStep(const char* label) : label_(label), began_(!theHold.Holding()) {
-        if (began_) theHold.Begin();
-    }
-    ~OwnStep() {
-        if (began_) theHold.Accept(label_);
-    }
-    OwnStep(const OwnStep&) = delete;
-    OwnStep& operator=(const OwnStep&) = delete;
-
-  private:
-    const char* label_;
-    bool began_;
-};
 
 // Animate mode in its lifetime, and afterwards what there was before.
 class KeyedWrites {
