@@ -8,8 +8,14 @@ Graveyard& Graveyard::Get() {
     return graveyard;
 }
 
+// Places of those who left while a walk goes on count as empty.
+bool Graveyard::IsReferredTo(const ReferenceTarget& target) {
+    return std::any_of(target.dependents_.begin(), target.dependents_.end(),
+                       [](const auto& dependent) { return dependent.first != nullptr; });
+}
+
 void Graveyard::Release(ReferenceTarget& target) {
-    if (!target.dependents_.empty() || target.parked_) return;
+    if (target.parked_ || IsReferredTo(target)) return;
     target.parked_ = true;
     parked_.push_back(&target);
     Sweep();

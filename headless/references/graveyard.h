@@ -35,6 +35,8 @@ class Graveyard {
     };
 
   private:
+    static bool IsReferredTo(const ReferenceTarget& target);
+
     std::vector<ReferenceTarget*> parked_;
     int pauses_ = 0;
 };

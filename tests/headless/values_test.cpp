@@ -1,0 +1,116 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "host/box3.h"
+#include "host/matrix3.h"
+
+namespace {
+
+constexpr std::uint32_t kAllIdentity =
+    Matrix3::kPositionIdentity | Matrix3::kRotationIdentity | Matrix3::kScaleIdentity;
+
+Quat AboutZ(double degrees) {
+    const double half = degrees / 2 * 3.14159265358979323846 / 180;
+    return {0, 0, static_cast<float>(std::sin(half)), static_cast<float>(std::cos(half))};
+}
+
+Matrix3 Rotation(const Quat& q) {
+    Matrix3 matrix;
+    matrix.SetRotate(q);
+    return matrix;
+}
+
+Matrix3 Translation(const Point3& offset) {
+    Matrix3 matrix;
+    matrix.SetTranslate(offset);
+    return matrix;
+}
+
+void ExpectNear(const Point3& a, const Point3& b) {
+    EXPECT_NEAR(a.x, b.x, 1e-5f);
+    EXPECT_NEAR(a.y, b.y, 1e-5f);
+    EXPECT_NEAR(a.z, b.z, 1e-5f);
+}
+
+TEST(Values, RowVectorsPassThroughTheChildFirstAndThroughTheParentAfterIt) {
+    const Matrix3 child = Translation({1, 0, 0});
+    const Matrix3 parent = Rotation(AboutZ(90)) * Translation({0, 0, 5});
+
+    ExpectNear((child * parent).PointTransform({1, 0, 0}), {0, 2, 5});
+    ExpectNear((child * parent).VectorTransform({1, 0, 0}), {0, 1, 0});
+    ExpectNear((child * parent).GetTrans(), {0, 1, 5});
+}
+
+TEST(Values, ProductsAndInversesAddFromLeftToRightInSinglePrecision) {
+    // 1e8 swallows the 1 only if it is added first; the sum of three terms tells the order.
+    const Matrix3 left({1, 1, 1}, {0, 1, 0}, {0, 0, 1}, {});
+    const Matrix3 right({1e8f, 0, 0}, {1, 1, 0}, {-1e8f, 0, 1}, {});
+    EXPECT_EQ((left * right).m[0][0], 0.0f);
+
+    const Matrix3 thirds({3, 0, 0}, {0, 7, 0}, {0, 0, 1}, {1, 2, 3});
+    EXPECT_EQ(Inverse(thirds).m[0][0], 7.0f / 21.0f);
+    EXPECT_EQ(Inverse(thirds).m[1][1], 3.0f / 21.0f);
+    EXPECT_EQ(Inverse(thirds).m[3][0], -(7.0f / 21.0f));
+}
+
+TEST(Values, AnInverseUndoesAndASingularMatrixBecomesTheIdentity) {
+    Matrix3 matrix = Rotation(AboutZ(30));
+    matrix.Scale({2, 3, 4});
+    matrix.SetRow(3, {10, 20, 30});
+    ExpectNear((matrix * Inverse(matrix)).GetTrans(), {});
+    ExpectNear((matrix * Inverse(matrix)).GetRow(1), {0, 1, 0});
+
+    const Matrix3 identity;
+    EXPECT_EQ(Inverse(Matrix3({}, {0, 1, 0}, {0, 0, 1}, {1, 2, 3})), identity);
+    EXPECT_EQ(Inverse(Matrix3({1e-20f, 0, 0}, {0, 1e-20f, 0}, {0, 0, 1e-20f}, {})), identity);
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    EXPECT_EQ(Inverse(Matrix3({nan, 0, 0}, {0, 1, 0}, {0, 0, 1}, {})), identity);
+}
+
+TEST(Values, FlagsFollowFromTheNumbersAlone) {
+    EXPECT_EQ(Matrix3().flags, kAllIdentity);
+    EXPECT_EQ(Translation({0, 0, 1}).flags, kAllIdentity & ~Matrix3::kPositionIdentity);
+    EXPECT_EQ(Rotation(AboutZ(45)).flags, kAllIdentity & ~Matrix3::kRotationIdentity);
+    Matrix3 scaled;
+    scaled.Scale({2, 2, 2});
+    EXPECT_EQ(scaled.flags, kAllIdentity & ~Matrix3::kScaleIdentity);
+    const Matrix3 mirrored({-1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {});
+    EXPECT_EQ(mirrored.flags, kAllIdentity & ~Matrix3::kRotationIdentity);
+
+    Matrix3 lying = Translation({1, 2, 3});
+    lying.flags = kAllIdentity;
+    EXPECT_EQ((lying * lying).GetTrans(), Point3(2, 4, 6));
+    EXPECT_EQ(lying, Translation({1, 2, 3}));
+}
+
+TEST(Values, ScalingOnTheRightScalesColumnsAndTheTranslationOnlyIfAsked) {
+    Matrix3 matrix({1, 1, 1}, {1, 1, 1}, {1, 1, 1}, {1, 1, 1});
+    matrix.Scale({2, 3, 4});
+    EXPECT_EQ(matrix.GetRow(0), Point3(2, 3, 4));
+    EXPECT_EQ(matrix.GetTrans(), Point3(1, 1, 1));
+    matrix.Scale({2, 3, 4}, true);
+    EXPECT_EQ(matrix.GetTrans(), Point3(2, 3, 4));
+}
+
+TEST(Values, APointOfLengthZeroStaysWhenNormalised) {
+    EXPECT_EQ(Point3().Normalize(), Point3());
+    EXPECT_EQ(Point3(0, -4, 0).Normalize(), Point3(0, -1, 0));
+    EXPECT_EQ(CrossProd({1, 0, 0}, {0, 1, 0}), Point3(0, 0, 1));
+    EXPECT_EQ(DotProd({1, 2, 3}, {4, 5, 6}), 32.0f);
+}
+
+TEST(Values, ABoxIsEmptyUntilItHoldsAPointAndStaysAroundItsTransformedCorners) {
+    Box3 box;
+    EXPECT_TRUE(box.IsEmpty());
+    EXPECT_TRUE((box * Translation({1, 1, 1})).IsEmpty());
+    box += {1, 0, 0};
+    EXPECT_FALSE(box.IsEmpty());
+    box += {-1, 2, 0};
+    const Box3 turned = box * Rotation(AboutZ(90));
+    ExpectNear(turned.pmin, {-2, -1, 0});
+    ExpectNear(turned.pmax, {0, 1, 0});
+}
+
+}  // namespace
