@@ -1,0 +1,89 @@
+#include "adaptor/core_sweep.h"
+
+#include <optional>
+
+#include "adaptor/max_adaptor_interface.h"
+#include "adaptor/trace_file.h"
+#include "nodes/node_sweep.h"
+#include "tvl/error_code.h"
+#include "tvl/log.h"
+#include "undo/undo_wrapper.h"
+
+namespace {
+
+// The scope opens with the first thing that was left.
+class LeftBehind {
+  public:
+    void Tell(const char* what, int count) {
+        if (count == 0) return;
+        if (!scope_) scope_.emplace("CORE left something behind in the adaptor", kLevel);
+        scope_->WriteValue(what, count);
+    }
+
+  private:
+    static constexpr std::int32_t kLevel = TVL::Log::kWarning;
+    std::optional<TVL::Log> scope_;
+};
+
+// The log that was left may be gone already, so its text is not read any more.
+bool TakeLogOut(TVL::AdaptorInterface& adaptor) {
+    if (!TVL::Log::external) return false;
+    adaptor.AdaptorInterface::ClearLog();
+    RestartTrace();
+    return true;
+}
+
+bool TakeErrorCodesOut(TVL::AdaptorInterface& adaptor) {
+    if (!TVL::ErrorCode::external) return false;
+    adaptor.ClearErrorCode();
+    return true;
+}
+
+// A node of the Core's class may refuse, and its refusal would leave a pointer to it.
+int CutMessageLinks(TVL::Util::MessageNode& node) {
+    int cut = 0;
+    for (std::int32_t index = node.GetListeningCount(); index-- > 0; ++cut) {
+        node.StopListening(node.GetListeningTo(index));
+    }
+    for (std::int32_t index = node.GetListenerCount(); index-- > 0; ++cut) {
+        node.GetListener(index)->MessageNode::StopListening(&node);
+    }
+    return cut;
+}
+
+bool EndLeftRecording() {
+    if (!RecordingInProgress().open) return false;
+    EndRecording();
+    return true;
+}
+
+}  // namespace
+
+void SweepCore(int releasedChunks) {
+    MaxAdaptorInterface& adaptor = *MaxAdaptorInterface::GetInstance();
+
+    // First of all, since everything below may write or declare.
+    const bool hadLog = TakeLogOut(adaptor);
+    const bool hadErrorCodes = TakeErrorCodesOut(adaptor);
+
+    // Listeners go before the hold ends: what is cancelled would tell them.
+    const int chunks = releasedChunks + ReleaseCoreChunks();
+    const SweptNodes nodes = SweepNodes();
+    const bool wasRecording = EndLeftRecording();
+    const int groups = CloseLeftUndoGroups();
+    const int links = CutMessageLinks(adaptor);
+    const bool hadFocus = TakeFocusBack(adaptor.focus);
+
+    LeftBehind left;
+    left.Tell("log", hadLog);
+    left.Tell("error registry", hadErrorCodes);
+    left.Tell("undo chunks", chunks);
+    left.Tell("nodes", nodes.realNodes);
+    left.Tell("nodes in undo records", nodes.recordedNodes);
+    left.Tell("snapshot nodes", nodes.snapshotNodes);
+    left.Tell("snapshots", nodes.snapshots);
+    left.Tell("recording", wasRecording);
+    left.Tell("undo groups", groups);
+    left.Tell("message links", links);
+    left.Tell("keyboard focus", hadFocus);
+}

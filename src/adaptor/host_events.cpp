@@ -1,0 +1,61 @@
+#include "adaptor/host_events.h"
+
+#include "adaptor/utility_manager.h"
+#include "persistence/scene/scene_state.h"
+
+namespace {
+
+void OnSceneReset(void*, NotifyInfo*) {
+    if (CoreInterface* const core = AttachedCore()) core->ResetCore();
+}
+
+// A kind other than 0 is a file that does not replace the scene.
+void OnFilePreOpen(void*, NotifyInfo* info) {
+    const auto* const kind = info ? static_cast<const int*>(info->callParam) : nullptr;
+    if (kind && *kind != 0) return;
+    if (CoreInterface* const core = AttachedCore()) core->ResetCore();
+}
+
+void OnFileLoaded(void*, NotifyInfo*) {
+    if (AttachedCore()) GatherSceneState();
+}
+
+void OnFilePreSave(void*, NotifyInfo*) {
+    if (AttachedCore()) StoreSceneState();
+}
+
+void OnFilePostSave(void*, NotifyInfo*) {
+    if (AttachedCore()) ClearNodeTags();
+}
+
+void OnHostShutdown(void* manager, NotifyInfo*) {
+    static_cast<UtilityManager*>(manager)->ShutDownAdaptor();
+}
+
+struct HostEvent {
+    int code;
+    NOTIFYPROC handler;
+};
+
+// In the order of registration.
+constexpr HostEvent kHostEvents[] = {
+    {NOTIFY_SEL_NODES_PRE_DELETE, OnNodesPreDelete}, {NOTIFY_FILE_PRE_OPEN, OnFilePreOpen},
+    {NOTIFY_FILE_POST_OPEN, OnFileLoaded},           {NOTIFY_SYSTEM_PRE_RESET, OnSceneReset},
+    {NOTIFY_SYSTEM_PRE_NEW, OnSceneReset},           {NOTIFY_FILE_PRE_SAVE, OnFilePreSave},
+    {NOTIFY_FILE_POST_SAVE, OnFilePostSave},         {NOTIFY_FILE_POST_MERGE, OnFileLoaded},
+    {NOTIFY_SYSTEM_SHUTDOWN, OnHostShutdown},
+};
+
+}  // namespace
+
+void RegisterHostEvents(UtilityManager& manager) {
+    for (const HostEvent& event : kHostEvents) {
+        RegisterNotification(event.handler, &manager, event.code);
+    }
+}
+
+void UnregisterHostEvents(UtilityManager& manager) {
+    for (const HostEvent& event : kHostEvents) {
+        UnRegisterNotification(event.handler, &manager, event.code);
+    }
+}

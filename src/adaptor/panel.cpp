@@ -1,0 +1,78 @@
+#include "adaptor/panel.h"
+
+#include <array>
+#include <string_view>
+
+#include "adaptor/utility_manager.h"
+#include "host/interface.h"
+#include "persistence/scene/scene_state.h"
+#include "resources/resource_ids.h"
+
+namespace {
+
+constexpr const char* kCaption = "Tarvo Lumiset";
+constexpr const char* kNoCore =
+    "Unable to bind Core routines. Tarvo Lumiset is unable to start.\n"
+    "Please re-install the software and contact Tarvo Works in case the problem persists.";
+
+constexpr int kTextCapacity = 1024;  // bytes
+
+void OpenCore() {
+    if (CoreInterface* const core = AttachedCore()) {
+        core->ShowCore(GetCOREInterface()->GetMAXHWnd());
+    } else {
+        MessageBoxA(nullptr, kNoCore, kCaption, MB_OK | MB_ICONERROR);
+    }
+}
+
+bool SaysDetach(HWND panel) {
+    std::array<char, kTextCapacity> text{};
+    GetWindowTextA(GetDlgItem(panel, AttachControl), text.data(), kTextCapacity);
+    return std::string_view(text.data()) == kDetachText;
+}
+
+// The state stays in the tags, for the next attach.
+void Detach(UtilityManager& manager) {
+    StoreSceneState();
+    manager.DetachCore();
+    GetCOREInterface()->FlushUndoBuffer();
+}
+
+// Also brings up what a start without a Core left out.
+void Attach(UtilityManager& manager) {
+    GetCOREInterface()->FlushUndoBuffer();
+    manager.AttachCore();
+    if (!AttachedCore()) return;
+    manager.HearHost();
+    GatherSceneState();
+}
+
+void OnCommand(UtilityManager& manager, HWND panel, int control) {
+    if (control == StartButton) {
+        OpenCore();
+    } else if (control == AttachControl) {
+        SaysDetach(panel) ? Detach(manager) : Attach(manager);
+    }
+}
+
+}  // namespace
+
+void ShowAttachState(HWND panel, const char* text) {
+    SetWindowTextA(GetDlgItem(panel, AttachControl), text);
+}
+
+// The init message comes before the UtilityManager knows its window.
+INT_PTR CALLBACK PanelDlgProc(HWND window, UINT message, WPARAM wParam, LPARAM) {
+    UtilityManager& manager = UtilityManager::Get();
+    switch (message) {
+        case WM_INITDIALOG:
+            ShowAttachState(window, manager.link.core ? kDetachText : kAttachText);
+            ShowWindow(window, SW_SHOW);
+            return TRUE;
+        case WM_COMMAND:
+            OnCommand(manager, window, LOWORD(wParam));
+            return FALSE;
+        default:
+            return FALSE;
+    }
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstddef>
+
+#include "tvl/log.h"
+
+// The adaptor's trace on disk, in the file that the environment variable LUMISET_TRACE names; there
+// is none if it names none. The text is taken out of the log part by part: whenever a Core has been
+// attached or not, before the log is replaced, cleared or destroyed, and when the module goes. So
+// the file has every line of the adaptor's once, whoever's log it was in, and of a Core's own log
+// what it had taken in before it was placed. Parts are appended; whoever names the file empties it.
+
+// Appends what the log in use has taken in since the last time.
+void WriteTrace();
+
+// To be called when the log in use has been destroyed, once its text was written.
+void RestartTrace();
+
+// Stands around the moment at which another log comes into use, or none.
+class TraceHandover {
+  public:
+    explicit TraceHandover(const TVL::Log* placed = nullptr);
+    ~TraceHandover();
+    TraceHandover(const TraceHandover&) = delete;
+    TraceHandover& operator=(const TraceHandover&) = delete;
+};

@@ -1,0 +1,49 @@
+#include "adaptor/utility_manager.h"
+
+#include "adaptor/host_events.h"
+#include "adaptor/trace_file.h"
+#include "host/interface.h"
+#include "measures/host_clock.h"
+
+namespace {
+
+// Opens the utility and puts the command panel back on the page that the user had.
+constexpr const char* kOpenUtilityScript =
+    "panel = getCommandPanelTaskMode();"
+    "UtilityPanel.OpenUtility 'Tarvo_Lumiset_Util';"
+    "setCommandPanelTaskMode mode:panel;";
+
+}  // namespace
+
+CoreLink& TheCoreLink() {
+    return UtilityManager::Get().link;
+}
+
+UtilityManager& UtilityManager::Get() {
+    static UtilityManager* const manager = new UtilityManager;
+    return *manager;
+}
+
+std::uint32_t UtilityManager::Start() {
+    if (AttachCore() != 0) return GUPRESULT_NOKEEP;
+    HearHost();
+    ExecuteStringScript(kOpenUtilityScript);
+    return GUPRESULT_KEEP;
+}
+
+// The time callback stays: the host calls it in vain.
+void UtilityManager::Stop() {
+    if (hearsHost) UnregisterHostEvents(*this);
+    hearsHost = false;
+}
+
+void UtilityManager::HearHost() {
+    if (hearsHost) return;
+    hearsHost = true;
+    GetCOREInterface()->RegisterTimeChangeCallback(&timeCallback);
+    RegisterHostEvents(*this);
+}
+
+void UtilityManager::CTimeChangeCallback::TimeChanged(TimeValue t) {
+    if (CoreInterface* const core = AttachedCore()) core->NotifyTimeChanged(SecondsOf(t));
+}

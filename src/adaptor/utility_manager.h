@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+
+#include "core_link/core_link.h"
+#include "host/gup.h"
+#include "host/time.h"
+
+// The global utility: finds and attaches the Core, hears the host's events for it, and takes it
+// down again. There is one, made on first use by whoever comes first, and never destroyed; it
+// outlives the singletons. Without a Core it idles.
+//
+//   state             coreModule  core
+//   unloaded          null        null
+//   attached          set         set
+//   loaded, refused   set         null   `attach` gave null; the next attach or detach frees it
+//
+// The order of the virtual operations and of the fields is part of the contract.
+class UtilityManager final : public GUP {
+  public:
+    static UtilityManager& Get();
+
+    // 0: the host keeps the plug-in, with a Core or without; 1 if there is no Core to load.
+    std::uint32_t Start() override;
+    void Stop() override;
+    void DeleteThis() override {}
+
+    // Loads the Core of the installation and hands the adaptor to it. A Core that is attached stays
+    // so; one that refused is loaded anew. 0, or the value of the code "CORE_COULDNOTLOAD"; a Core
+    // that is no match for this adaptor is reported in the trace, unloaded, and counts as 0.
+    std::int32_t AttachCore();
+
+    // Always 0. Nothing of the Core's is left in the adaptor or in the host's undo stream.
+    std::int32_t DetachCore();
+
+    // The host is going down: detaches the Core and destroys the singletons.
+    void ShutDownAdaptor();
+
+    // From here on the host tells of its events; doing it again has no effect.
+    void HearHost();
+
+    class CTimeChangeCallback final : public TimeChangeCallback {
+      public:
+        void TimeChanged(TimeValue t) override;
+    };
+
+    CoreLink link;
+    HWND panelWindow = nullptr;  // the utility's page, while it is open
+    CTimeChangeCallback timeCallback;
+
+  private:
+    UtilityManager() = default;
+    ~UtilityManager() override = default;
+
+    bool IsMatchingCore() const;
+    void LinkOptions();
+    void LetCoreGo();
+
+    bool coreComesOrGoes = false;  // a routine of the Core's is running that must not run twice
+    bool hearsHost = false;
+};

@@ -1,0 +1,23 @@
+#include "adaptor/trace_file.h"
+#include "host/custom_controls.h"
+#include "platform/win32.h"
+#include "resources/module_instance.h"
+
+namespace {
+
+void InitControlsOnce(HINSTANCE module) {
+    static bool isDone = false;
+    if (isDone) return;
+    isDone = true;
+    InitCustomControls(module);
+    InitCommonControls();
+}
+
+}  // namespace
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
+    SetModuleInstance(module);
+    InitControlsOnce(module);
+    if (reason == DLL_PROCESS_DETACH) WriteTrace();
+    return TRUE;
+}
