@@ -22,9 +22,9 @@ void Scene::Clear() {
     for (const auto& [handle, node] : nodes_)
         node->Abandon();
     if (root_) root_->Abandon();
-    // A node that goes can ask for others by their handles.
     names_ = NameBook();
     addresses_.clear();
+    // What a node does on its way out can ask for others, which are not there any more.
     const auto leaving = std::exchange(nodes_, {});
 }
 

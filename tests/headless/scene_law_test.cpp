@@ -1,0 +1,254 @@
+#include <cstdint>
+#include <random>
+#include <vector>
+
+#include "headless/host_world.h"
+#include "host/animate.h"
+
+namespace {
+
+// Makes random changes to the scene. Positions are whole numbers, so that moving a node from one
+// parent to another and back is exact and digests can be compared.
+class Changes {
+  public:
+    Changes(Interface& host, std::uint32_t seed) : host_(host), random_(seed) {}
+
+    void MakeOne() {
+        switch (Below(14)) {
+            case 0:
+            case 1:
+                host_.CreateObjectNode(NewObject());
+                return;
+            case 2:
+                host_.DeleteNode(AnyNode());
+                return;
+            case 3:
+            case 4:
+                AnyParent()->AttachChild(AnyNode(), Below(2));
+                return;
+            case 5:
+                Detach();
+                return;
+            case 6:
+                OnNode([this](INode& node) { node.SetName(Word()); });
+                return;
+            case 7:
+                OnNode([this](INode& node) { node.Hide(Below(2) == 1); });
+                return;
+            case 8:
+                OnNode([this](INode& node) { node.SetUserPropString(Word(), Word()); });
+                return;
+            case 9:
+                host_.SelectNode(AnyNode(), Below(2));
+                return;
+            case 10:
+                OnNode([this](INode& node) { Move(node); });
+                return;
+            case 11:
+                OnNode([this](INode& node) { ChangeController(node); });
+                return;
+            case 12:
+                Clone();
+                return;
+            default:
+                ChangeTheRest();
+                return;
+        }
+    }
+
+  private:
+    int Below(int bound) { return static_cast<int>(random_() % static_cast<unsigned>(bound)); }
+    TimeValue Time() { return 160 * Below(20); }
+    const char* Word() {
+        static constexpr const char* kWords[] = {"", "hip", "knee", "TVL_tag"};
+        return kWords[Below(4)];
+    }
+
+    Object* NewObject() {
+        switch (Below(3)) {
+            case 0:
+                return CreateNewTriObject();
+            case 1:
+                return host_.CreateCameraObject(0);
+            default:
+                return headless::NewSphere(1, 8);
+        }
+    }
+
+    INode* AnyNode() {
+        const auto nodes = headless::Nodes();
+        if (nodes.empty()) return nullptr;
+        const auto index = static_cast<std::size_t>(Below(static_cast<int>(nodes.size())));
+        return host_.GetINodeByHandle(nodes[index].handle);
+    }
+
+    INode* AnyParent() {
+        INode* node = Below(4) == 0 ? nullptr : AnyNode();
+        return node ? node : host_.GetRootNode();
+    }
+
+    template <class Change>
+    void OnNode(Change change) {
+        if (INode* node = AnyNode()) change(*node);
+    }
+
+    void Detach() {
+        if (INode* node = AnyNode()) node->Detach(Time(), 1);
+    }
+
+    void Move(INode& node) {
+        Matrix3 world;
+        world.SetTranslate({static_cast<float>(Below(50)), static_cast<float>(Below(50)), 0});
+        if (Below(2) == 0) AnimateOn();
+        node.SetNodeTM(Time(), world);
+        AnimateOff();
+    }
+
+    void ChangeController(INode& node) {
+        node.SetTMController(static_cast<Control*>(
+            host_.CreateInstance(CTRL_MATRIX3_CLASS_ID, kPositionRotationScaleClassId)));
+    }
+
+    void Clone() {
+        INode* node = AnyNode();
+        if (!node || headless::Nodes().size() > 60) return;
+        INodeTab nodes;
+        nodes.Append(1, &node);
+        host_.CloneNodes(nodes, {1, 0, 0}, Below(2) == 1, NODE_COPY, nullptr, nullptr);
+    }
+
+    void ChangeTheRest() {
+        switch (Below(4)) {
+            case 0:
+                host_.SetTime(Time());
+                return;
+            case 1:
+                host_.SetAnimRange({0, 160 + Time()});
+                return;
+            case 2:
+                host_.ClearNodeSelection();
+                return;
+            default:
+                OnNode([this](INode& node) { ChangeCamera(node); });
+                return;
+        }
+    }
+
+    void ChangeCamera(INode& node) {
+        if (node.GetObjectRef()->SuperClassID() != CAMERA_CLASS_ID) return;
+        auto& camera = static_cast<CameraObject&>(*node.GetObjectRef());
+        camera.SetFOVType(Below(3));
+        camera.SetConeState(Below(2));
+        camera.SetFOV(Time(), 1.0F / static_cast<float>(1 + Below(5)));
+    }
+
+    Interface& host_;
+    std::mt19937 random_;
+};
+
+class SceneLawTest : public HostWorld {};
+
+TEST_F(SceneLawTest, UndoThenRedoIsTheIdentityForEveryStep) {
+    for (std::uint32_t seed = 1; seed <= 60; ++seed) {
+        SCOPED_TRACE(seed);
+        Changes changes(host, seed);
+        std::vector<std::uint64_t> digests{headless::SceneDigest()};
+        for (int step = 0; step < 25; ++step) {
+            Step([&] {
+                for (std::uint32_t i = 0; i <= seed % 4; ++i)
+                    changes.MakeOne();
+            });
+            if (session.UndoLabels().size() == digests.size())
+                digests.push_back(headless::SceneDigest());
+            else
+                ASSERT_EQ(headless::SceneDigest(), digests.back());
+        }
+        for (int round = 0; round < 2; ++round) {
+            for (std::size_t i = digests.size(); i-- > 1;) {
+                ASSERT_TRUE(session.Undo());
+                ASSERT_EQ(headless::SceneDigest(), digests[i - 1]) << "undoing step " << i;
+            }
+            ASSERT_FALSE(session.Undo());
+            for (std::size_t i = 1; i < digests.size(); ++i) {
+                ASSERT_TRUE(session.Redo());
+                ASSERT_EQ(headless::SceneDigest(), digests[i]) << "redoing step " << i;
+            }
+            ASSERT_FALSE(session.Redo());
+        }
+        session.NewScene();
+        ASSERT_EQ(headless::TakeCensus().objectCount, 1U) << "the root alone";
+    }
+}
+
+TEST_F(SceneLawTest, ACancelledHoldLeavesNoTrace) {
+    for (std::uint32_t seed = 100; seed < 130; ++seed) {
+        SCOPED_TRACE(seed);
+        Changes changes(host, seed);
+        for (int i = 0; i < 10; ++i)
+            changes.MakeOne();
+        const auto before = headless::SceneDigest();
+        theHold.Begin();
+        for (int i = 0; i < 10; ++i)
+            changes.MakeOne();
+        theHold.Cancel();
+        ASSERT_EQ(headless::SceneDigest(), before);
+        session.NewScene();
+        ASSERT_EQ(headless::TakeCensus().objectCount, 1U);
+    }
+}
+
+// Undoing, dropping what could be redone, and changes outside every hold, in any order.
+TEST_F(SceneLawTest, AnyMixOfRecordedAndUnrecordedChangesEndsClean) {
+    for (std::uint32_t seed = 200; seed < 260; ++seed) {
+        SCOPED_TRACE(seed);
+        Changes changes(host, seed);
+        std::mt19937 random(seed);
+        for (int i = 0; i < 80; ++i) {
+            switch (random() % 6) {
+                case 0:
+                    session.Undo();
+                    break;
+                case 1:
+                    session.Redo();
+                    break;
+                case 2:
+                    changes.MakeOne();
+                    break;
+                case 3:
+                    session.DeleteSelected();
+                    break;
+                default:
+                    Step([&] { changes.MakeOne(); });
+                    break;
+            }
+        }
+        session.NewScene();
+        ASSERT_EQ(headless::TakeCensus().objectCount, 1U);
+    }
+}
+
+TEST_F(SceneLawTest, TheDigestSeesWhatTellsTwoScenesApart) {
+    INode* node = Add("node");
+    INode* other = Add("other");
+    std::vector<std::uint64_t> seen{headless::SceneDigest()};
+    const auto changes = [&](const std::function<void()>& change) {
+        change();
+        for (const std::uint64_t digest : seen)
+            EXPECT_NE(headless::SceneDigest(), digest);
+        seen.push_back(headless::SceneDigest());
+    };
+    changes([&] { node->SetName("another"); });
+    changes([&] { node->AttachChild(other, 0); });
+    changes([&] { node->Hide(true); });
+    changes([&] { node->SetWireColor(1); });
+    changes([&] { node->SetUserPropString("a", "bc"); });
+    changes([&] { node->SetUserPropString("ab", "c"); });
+    changes([&] { host.SelectNode(node); });
+    changes([&] { Place(node, {1, 0, 0}); });
+    changes([&] { static_cast<TriObject*>(node->GetObjectRef())->GetMesh().setNumVerts(1); });
+    AnimateOn();
+    changes([&] { Place(node, {1, 0, 0}); });
+    AnimateOff();
+}
+
+}  // namespace
