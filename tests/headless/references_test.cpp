@@ -73,14 +73,14 @@ TEST_F(ReferencesTest, WhatNobodyRefersToAnyMoreIsDeletedAtOnceWhenNothingCanBeU
     EXPECT_EQ(Links(), 0U);
 }
 
-TEST_F(ReferencesTest, AChainOfAMillionLinksEndsWithoutRecursion) {
+TEST_F(ReferencesTest, AVeryLongChainEndsWithoutRecursion) {
     auto* top = new Link("top");
-    for (int i = 0; i < 1'000'000; ++i) {
+    for (int i = 0; i < 200'000; ++i) {
         auto* above = new Link("");
         above->ReplaceReference(0, top);
         top = above;
     }
-    EXPECT_EQ(Links(), 1'000'001U);
+    EXPECT_EQ(Links(), 200'001U);
     top->DeleteMe();
     EXPECT_EQ(Links(), 0U);
 }
