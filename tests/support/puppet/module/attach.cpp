@@ -1,0 +1,14 @@
+#include "support/puppet/module/litter.h"
+#include "support/puppet/module/routine.h"
+#include "support/puppet/stage.h"
+
+PUPPET_ROUTINE CoreInterface* attach(TVL::AdaptorInterface* adaptor);
+
+CoreInterface* attach(TVL::AdaptorInterface* adaptor) {
+    puppet::Stage& stage = puppet::TheStage();
+    ++stage.attachCount;
+    stage.adaptor = adaptor;
+    stage.litter = &puppet::Litter;
+    if (stage.onAttach) stage.onAttach();
+    return stage.core;
+}

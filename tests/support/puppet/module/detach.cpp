@@ -1,0 +1,12 @@
+#include "support/puppet/module/routine.h"
+#include "support/puppet/stage.h"
+
+PUPPET_ROUTINE void detach(CoreInterface* core);
+
+void detach(CoreInterface* core) {
+    puppet::Stage& stage = puppet::TheStage();
+    ++stage.detachCount;
+    stage.detached = core;
+    if (stage.onDetach) stage.onDetach();
+    stage.adaptor = nullptr;
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "tvl/core_interface.h"
+
+#if defined(_WIN32) && defined(PUPPET_BUILDS_STAGE)
+#define PUPPET_API __declspec(dllexport)
+#elif defined(_WIN32)
+#define PUPPET_API __declspec(dllimport)
+#else
+#define PUPPET_API __attribute__((visibility("default")))
+#endif
+
+// Where the puppet Core, a library that the adaptor loads and frees as it would any Core, meets the
+// test that plays it. A library of its own, so that the puppet can really be unloaded.
+namespace puppet {
+
+struct Stage {
+    // Set by the test.
+    std::uint32_t version = 8108;    // of the Core
+    CoreInterface* core = nullptr;   // what `attach` gives; null refuses
+    std::function<void()> onAttach;  // inside the routine, the adaptor being there
+    std::function<void()> onDetach;  // inside the routine
+
+    // Set by the puppet.
+    TVL::AdaptorInterface* adaptor = nullptr;  // from `attach` to `detach`
+    CoreInterface* detached = nullptr;         // what `detach` was given
+    int attachCount = 0;
+    int detachCount = 0;
+    bool isLoaded = false;
+
+    // Litters the adaptor with all that a Core can leave there; whatever is called on it later runs
+    // code of the puppet's library. Gives a button for PuppetCore::otherButton, which draws the
+    // adaptor's message node into the net on both sides.
+    TVL::Util::MessageNode* (*litter)(TVL::AdaptorInterface& adaptor) = nullptr;
+};
+
+PUPPET_API Stage& TheStage();
+
+}  // namespace puppet

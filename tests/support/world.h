@@ -1,0 +1,69 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "headless/session.h"
+#include "support/puppet/stage.h"
+#include "support/puppet_core.h"
+#include "tvl/adaptor_interface.h"
+
+// Names of the puppet Cores that can be installed, each a library of its own.
+inline constexpr const char* kWholePuppet = "whole";
+inline constexpr const char* kPuppetWithoutVersion = "without_version";
+inline constexpr const char* kPuppetWithoutAttach = "without_attach";
+inline constexpr const char* kPuppetWithoutDetach = "without_detach";
+inline constexpr const char* kNoPuppet = "none";
+
+// What a Core is to find, or not to find, when the world comes up.
+struct WorldSettings {
+    std::string core = kWholePuppet;  // none leaves the install key out
+    std::uint32_t version = 8108;
+    bool refuses = false;
+    bool hasDocuments = true;
+    headless::SessionSettings host{};
+};
+
+// A running host with the adaptor and a Core that the test plays:
+//
+//     World world;
+//     TVL::CNode* hip = world.Adaptor().CreateHelperNode(&rig, "Hip", nullptr, {}, nullptr);
+//
+// Its end shuts the host down and asserts that no hold is open, that nothing of the host's and of
+// ours is alive but the UtilityManager, and that the Core's library is gone. A process has one at
+// a time.
+class World {
+  public:
+    explicit World(const WorldSettings& settings = {});
+    ~World();
+    World(const World&) = delete;
+    World& operator=(const World&) = delete;
+
+    headless::Session& Session() { return *session_; }
+    TVL::AdaptorInterface& Adaptor();
+    PuppetCore& Core() { return core_; }
+    void SetOption(int option, bool value) { core_.options[option] = value; }
+
+    // The host's way down, now; nothing else may be asked of the host after it.
+    void ShutDown();
+
+    // Installs another Core, to be found by the next attach.
+    void Install(const std::string& core) const;
+
+    // Texts of the message boxes so far.
+    const std::vector<headless::MessageBoxText>& MessageBoxes() const { return messageBoxes_; }
+
+    // The trace on disk.
+    std::string Trace() const;
+
+    const std::filesystem::path& Folder() const { return folder_; }
+
+  private:
+    std::filesystem::path folder_;
+    bool hasDocuments_;
+    PuppetCore core_;
+    std::vector<headless::MessageBoxText> messageBoxes_;
+    std::unique_ptr<headless::Session> session_;
+};
