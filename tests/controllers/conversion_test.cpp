@@ -1,0 +1,242 @@
+#include "controllers/conversion.h"
+
+#include <gtest/gtest.h>
+
+#include "controllers/control_world.h"
+#include "controllers/convert_panel.h"
+#include "headless/primitives.h"
+#include "headless/scene_view.h"
+#include "host/animate.h"
+#include "host/hold.h"
+#include "host/interface.h"
+#include "resources/resource_ids.h"
+
+namespace {
+
+constexpr const char* kOwnStep = "Convert to PRS controller";
+
+Animatable& Parameters(CameraObject& camera) {
+    for (int i = 0; i < camera.NumSubs(); ++i) {
+        if (camera.SubAnimName(i) == "Parameters") return *camera.SubAnim(i);
+    }
+    throw std::runtime_error("a camera without parameters");
+}
+
+int FieldOfView(Animatable& parameters) {
+    for (int i = 0; i < parameters.NumSubs(); ++i) {
+        if (parameters.SubAnimName(i) == "FOV") return i;
+    }
+    throw std::runtime_error("a camera without a field of view");
+}
+
+bool IsPositionRotationScale(INode* node) {
+    return node->GetTMController()->ClassID() == kPositionRotationScaleClassId;
+}
+
+void ExpectNear(const Matrix3& actual, const Matrix3& expected) {
+    for (int row = 0; row < 4; ++row) {
+        for (int column = 0; column < 3; ++column)
+            EXPECT_NEAR(actual.m[row][column], expected.m[row][column], 1e-4);
+    }
+}
+
+class Conversion : public testing::Test {
+  protected:
+    // A node with one of our controllers on it.
+    INode* NewNode(OpenTransform*& control) {
+        INode* const node = GetCOREInterface()->CreateObjectNode(headless::NewSphere(1, 8));
+        control = new OpenTransform;
+        node->SetTMController(control);
+        return node;
+    }
+
+    OpenScalar* NewFieldOfView() {
+        camera_ = GetCOREInterface()->CreateCameraObject(0);
+        GetCOREInterface()->CreateObjectNode(camera_);
+        auto* const control = new OpenScalar;
+        Animatable& parameters = Parameters(*camera_);
+        parameters.AssignController(control, FieldOfView(parameters));
+        return control;
+    }
+
+    Control& FieldOfViewNow() {
+        Animatable& parameters = Parameters(*camera_);
+        return *static_cast<Control*>(parameters.SubAnim(FieldOfView(parameters)));
+    }
+
+    ControlWorld world_;
+    CameraObject* camera_ = nullptr;
+};
+
+TEST_F(Conversion, ATransformKeepsItsKeyTimesAndPosesAndComesBackInOneStep) {
+    OpenTransform* control = nullptr;
+    INode* const node = NewNode(control);
+    const Matrix3 poses[] = {MovedBy(3), TurnedAboutZ(80) * MovedBy(5), TurnedAboutZ(-30)};
+    for (int i = 0; i < 3; ++i)
+        control->AddKey({0, 100 + i * 50, poses[i]});
+    const std::uint64_t before = headless::SceneDigest();
+
+    ConvertToPRSController(control);
+    ASSERT_TRUE(IsPositionRotationScale(node));
+    EXPECT_EQ(world_.Host().UndoLabels().front(), kOwnStep);
+    EXPECT_FALSE(Animating());
+    EXPECT_FALSE(theHold.Holding());
+    Control& converted = *node->GetTMController();
+    for (int i = 0; i < 3; ++i)
+        ExpectNear(node->GetNodeTM(100 + i * 50), poses[i]);
+    // No key at tick 0, where the seed stands alone.
+    TimeValue first = -1;
+    for (int i = 0; i < converted.NumSubs(); ++i) {
+        if (Animatable* part = converted.SubAnim(i); part && part->NumKeys() > 0)
+            first = part->GetKeyTime(0);
+    }
+    EXPECT_EQ(first, 100);
+
+    ASSERT_TRUE(world_.Host().Undo());
+    EXPECT_EQ(node->GetTMController(), control);
+    EXPECT_EQ(headless::SceneDigest(), before);
+    ASSERT_TRUE(world_.Host().Redo());
+    EXPECT_TRUE(IsPositionRotationScale(node));
+    ExpectNear(node->GetNodeTM(200), poses[2]);
+}
+
+TEST_F(Conversion, AScalarGetsAKeyAtTickZeroIfAllItsKeysAreLater) {
+    OpenScalar* control = NewFieldOfView();
+    // Recorded, so that the cached key holds the last value while its time is still 0.
+    AnimateOn();
+    for (const TimeValue t : {100, 200}) {
+        float value = static_cast<float>(t) / 400;
+        control->SetValue(t, &value, 1, CTRL_ABSOLUTE);
+    }
+    AnimateOff();
+    ConvertToScalarController(control);
+    Control& converted = FieldOfViewNow();
+    ASSERT_EQ(converted.ClassID(), kLinearFloatClassId);
+    ASSERT_EQ(converted.NumKeys(), 3);
+    EXPECT_EQ(converted.GetKeyTime(0), 0);
+    EXPECT_EQ(FloatAt(converted, 0), 0.25f);
+    EXPECT_EQ(FloatAt(converted, 100), 0.25f);
+    EXPECT_EQ(FloatAt(converted, 200), 0.5f);
+    EXPECT_EQ(world_.Host().UndoLabels().front(), "Convert to Scalar controller");
+}
+
+TEST_F(Conversion, AScalarWithAKeyAtTickZeroKeepsEveryRecordedValue) {
+    OpenScalar* control = NewFieldOfView();
+    AnimateOn();
+    for (const TimeValue t : {0, 100}) {
+        float value = 1 + static_cast<float>(t);
+        control->SetValue(t, &value, 1, CTRL_ABSOLUTE);
+    }
+    AnimateOff();
+    ConvertToScalarController(control);
+    EXPECT_EQ(FieldOfViewNow().NumKeys(), 2);
+    EXPECT_EQ(FloatAt(FieldOfViewNow(), 0), 1.0f);
+    EXPECT_EQ(FloatAt(FieldOfViewNow(), 100), 101.0f);
+}
+
+TEST_F(Conversion, WithoutKeysThePresentValueCarriesOverAloneWhereAnimateModeIsOff) {
+    OpenScalar* control = NewFieldOfView();
+    float value = 0.75f;
+    control->SetValue(50, &value, 1, CTRL_ABSOLUTE);
+    ConvertToScalarController(control);
+    EXPECT_EQ(FieldOfViewNow().NumKeys(), 0);
+    EXPECT_EQ(FloatAt(FieldOfViewNow(), 50), 0.75f);
+}
+
+TEST_F(Conversion, InsideAnOpenHoldAConversionIsPartOfThatStep) {
+    OpenTransform* control = nullptr;
+    INode* const node = NewNode(control);
+    AnimateOn();
+    theHold.Begin();
+    ConvertToPRSController(control);
+    EXPECT_TRUE(theHold.Holding());
+    EXPECT_TRUE(Animating()) << "the mode of before";
+    theHold.Cancel();
+    AnimateOff();
+    EXPECT_EQ(node->GetTMController(), control);
+}
+
+TEST_F(Conversion, ConvertingAllASecondTimeLeavesAloneWhatOnlyTheUndoStreamKeeps) {
+    OpenTransform* first = nullptr;
+    OpenTransform* second = nullptr;
+    INode* const nodes[] = {NewNode(first), NewNode(second)};
+    NewFieldOfView();
+    ConvertAllControllers();
+    for (INode* node : nodes)
+        EXPECT_TRUE(IsPositionRotationScale(node));
+    EXPECT_EQ(FieldOfViewNow().ClassID(), kLinearFloatClassId);
+    const std::vector<std::string> labels = world_.Host().UndoLabels();
+    ASSERT_GE(labels.size(), 3u);
+    EXPECT_EQ(labels.front(), "Convert to Scalar controller");
+    EXPECT_EQ(labels[1], kOwnStep);
+    EXPECT_EQ(labels[2], kOwnStep);
+
+    ConvertAllControllers();
+    EXPECT_EQ(world_.Host().UndoLabels(), labels);
+    // What an undo brings back is converted again; the newest went first.
+    world_.Host().Undo();
+    world_.Host().Undo();
+    EXPECT_EQ(nodes[0]->GetTMController(), first);
+    EXPECT_TRUE(IsPositionRotationScale(nodes[1]));
+    ConvertAllControllers();
+    EXPECT_TRUE(IsPositionRotationScale(nodes[0]));
+}
+
+TEST_F(Conversion, AControllerOfNobodyIsLeftAlone) {
+    Alone<OpenTransform> transform;
+    Alone<OpenScalar> scalar;
+    ConvertAllControllers();
+    ConvertToPRSController(&*transform);
+    ConvertToScalarController(&*scalar);
+    EXPECT_TRUE(world_.Host().UndoLabels().empty());
+}
+
+TEST_F(Conversion, AThousandControllersLeaveInWhateverOrderTheyGo) {
+    std::vector<OpenScalar*> controls;
+    for (int i = 0; i < 1000; ++i)
+        controls.push_back(new OpenScalar);
+    for (std::size_t i = 0; i < 1000; ++i)
+        controls[i * 7 % 1000]->DeleteThis();
+    int left = 0;
+    ScalarControl::liveInstances.ForEachFromLast([&](ScalarControl&) { ++left; });
+    EXPECT_EQ(left, 0);
+}
+
+TEST_F(Conversion, AWalkOverTheLiveOnesBearsTheirDestruction) {
+    std::vector<OpenScalar*> controls;
+    for (int i = 0; i < 5; ++i)
+        controls.push_back(new OpenScalar);
+    std::vector<ScalarControl*> visited;
+    ScalarControl::liveInstances.ForEachFromLast([&](ScalarControl& control) {
+        visited.push_back(&control);
+        if (&control == controls[4]) controls[3]->DeleteThis();
+        if (&control == controls[2]) controls[2]->DeleteThis();
+    });
+    EXPECT_EQ(visited,
+              (std::vector<ScalarControl*>{controls[4], controls[2], controls[1], controls[0]}));
+    for (const std::size_t i : {0u, 1u, 4u})
+        controls[i]->DeleteThis();
+}
+
+TEST_F(Conversion, ThePageConvertsOnceAndKnowsOnlyItsButton) {
+    OpenTransform* control = nullptr;
+    INode* const node = NewNode(control);
+    const HWND window =
+        CreateWindowExA(0, "STATIC", "page", 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(
+        ConvertPanelDlgProc(window, WM_INITDIALOG, 0,
+                            reinterpret_cast<LPARAM>(static_cast<TransformControl*>(control))),
+        1);
+    EXPECT_EQ(ConvertPanelDlgProc(window, WM_DESTROY, 0, 0), 0);
+    EXPECT_EQ(ConvertPanelDlgProc(window, WM_COMMAND, ConvertButton + 1, 0), 1);
+    EXPECT_EQ(node->GetTMController(), control);
+    EXPECT_EQ(ConvertPanelDlgProc(window, WM_COMMAND, ConvertButton, 0), 1);
+    EXPECT_TRUE(IsPositionRotationScale(node));
+    EXPECT_EQ(GetWindowLongPtrA(window, GWLP_USERDATA), 0);
+    EXPECT_EQ(ConvertPanelDlgProc(window, WM_COMMAND, ConvertButton, 0), 1);
+    EXPECT_EQ(world_.Host().UndoLabels().front(), kOwnStep);
+    DestroyWindow(window);
+    EXPECT_EQ(ConvertPanelDlgProc(window, WM_COMMAND, ConvertButton, 0), 1);
+}
+
+}  // namespace
