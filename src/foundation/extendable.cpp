@@ -4,9 +4,13 @@
 
 namespace TVL {
 
-std::intptr_t CExtendable::HandleExtension(int, void*) { return 0; }
+std::intptr_t CExtendable::HandleExtension(int, void*) {
+    return 0;
+}
 
-std::vector<int> CExtendable::ListExtensions() { return {}; }
+std::vector<int> CExtendable::ListExtensions() {
+    return {};
+}
 
 bool CExtendable::HasExtension(int id) {
     const std::vector<int> ids = ListExtensions();

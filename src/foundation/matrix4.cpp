@@ -27,7 +27,8 @@ CMatrix4 operator*(const CMatrix4& left, const CMatrix4& right) {
     CMatrix4 product = CMatrix4::Zero();
     for (int row = 0; row < 4; ++row) {
         for (int column = 0; column < 4; ++column) {
-            for (int k = 0; k < 4; ++k) product[row][column] += left[row][k] * right[k][column];
+            for (int k = 0; k < 4; ++k)
+                product[row][column] += left[row][k] * right[k][column];
         }
     }
     return product;
@@ -35,7 +36,8 @@ CMatrix4 operator*(const CMatrix4& left, const CMatrix4& right) {
 
 double Determinant(const CMatrix4& matrix) {
     double sum = 0;
-    for (int column = 0; column < 4; ++column) sum += matrix[0][column] * Cofactor(matrix, 0, column);
+    for (int column = 0; column < 4; ++column)
+        sum += matrix[0][column] * Cofactor(matrix, 0, column);
     return sum;
 }
 
