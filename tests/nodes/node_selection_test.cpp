@@ -1,0 +1,47 @@
+#include "nodes/node_test.h"
+
+namespace {
+
+class NodeSelection : public NodeTest {
+  protected:
+    Node* hip = Helper("Hip");
+    Node* knee = Helper("Knee");
+
+    static std::vector<std::string> Selected() {
+        std::vector<std::string> names;
+        for (const headless::NodeView& node : headless::Nodes())
+            if (node.selected) names.push_back(node.name);
+        return names;
+    }
+    using Names = std::vector<std::string>;
+};
+
+TEST_F(NodeSelection, ReplacesTheOldOneInAStepOfItsOwn) {
+    hip->Select();
+    knee->Select();
+    EXPECT_EQ(Selected(), (Names{"Rig_Knee"}));
+    EXPECT_EQ(world.Session().UndoLabels(), (Names{"Select", "Select"}));
+    ASSERT_TRUE(world.Session().Undo());
+    EXPECT_EQ(Selected(), (Names{"Rig_Hip"}));
+}
+
+TEST_F(NodeSelection, IsPartOfAnOpenGroup) {
+    InGroup("Pick", [&] { hip->Select(); });
+    EXPECT_EQ(world.Session().UndoLabels(), (Names{"Pick"}));
+}
+
+TEST_F(NodeSelection, AddsUpInABatchWithoutUndoSteps) {
+    hip->Select();
+    const auto labels = world.Session().UndoLabels();
+    EXPECT_EQ(knee->HandleExtension(11, nullptr), 0);
+    EXPECT_EQ(knee->HandleExtension(10, nullptr), 1);
+    EXPECT_TRUE(Selected().empty());
+    hip->Select();
+    EXPECT_EQ(knee->HandleExtension(10, nullptr), 0);
+    knee->Select();
+    EXPECT_EQ(Selected(), (Names{"Rig_Hip", "Rig_Knee"}));
+    EXPECT_EQ(hip->HandleExtension(11, nullptr), 1);
+    EXPECT_EQ(world.Session().UndoLabels(), labels);
+}
+
+}  // namespace
