@@ -54,7 +54,7 @@ TEST(LifeCycle, WithoutALibraryTheHostDoesNotKeepThePlugin) {
     World world({.core = kNoPuppet});
     EXPECT_EQ(world.Session().KeptUtilities(), 0U);
     EXPECT_TRUE(IsUnloaded());
-    EXPECT_TRUE(Holds(world.Trace(), "(ERROR): \tReturn value: Unable to load CORE\n"));
+    EXPECT_TRUE(Holds(world.Trace(), "(ERROR): Return value: Unable to load CORE\n"));
     EXPECT_FALSE(world.Session().IsUtilityOpen("Tarvo Lumiset Util"));
     ExpectTheMessageBox(world);
 }
@@ -171,7 +171,7 @@ TEST(LifeCycle, ShuttingDownDestroysTheSingletonsTheAdaptorFirst) {
 TEST(LifeCycle, WithoutADocumentsFolderShutdownSaysSo) {
     World world({.hasDocuments = false});
     world.ShutDown();
-    EXPECT_TRUE(Holds(world.Trace(), "(ERROR): \t\tUnable to find my documents path\n"));
+    EXPECT_TRUE(Holds(world.Trace(), "(ERROR): \tUnable to find my documents path\n"));
 }
 
 }  // namespace

@@ -1,0 +1,84 @@
+#include <gtest/gtest.h>
+
+#include "adaptor/utility_manager.h"
+#include "headless/scene_view.h"
+#include "host/hold.h"
+#include "support/world.h"
+
+namespace {
+
+// A Core that leaves all its things behind and is gone from memory.
+class Departure : public testing::TestWithParam<bool> {
+  protected:
+    World world{WorldSettings{.refuses = true}};
+
+    // Attaches the littering Core; the parameter says whether it refuses after that.
+    void AttachLitter() {
+        puppet::Stage& stage = puppet::TheStage();
+        stage.core = GetParam() ? nullptr : &world.Core();
+        stage.onAttach = [this] {
+            puppet::Stage& here = puppet::TheStage();
+            world.Core().otherButton = here.litter(*here.adaptor);
+        };
+        UtilityManager::Get().AttachCore();
+        stage.onAttach = nullptr;
+        world.Core().otherButton = nullptr;
+    }
+};
+
+TEST_P(Departure, LeavesNothingThatCanCallIntoTheFreedLibrary) {
+    AttachLitter();
+    EXPECT_TRUE(theHold.Holding());
+    EXPECT_FALSE(world.Session().AnimateButtonEnabled());
+
+    UtilityManager::Get().DetachCore();
+    EXPECT_FALSE(puppet::TheStage().isLoaded);
+    EXPECT_FALSE(theHold.Holding());
+    EXPECT_TRUE(world.Session().AnimateButtonEnabled());
+    EXPECT_TRUE(world.Session().AcceleratorsEnabled());
+    EXPECT_FALSE(TVL::Log::external);
+    EXPECT_FALSE(TVL::ErrorCode::external);
+
+    // The work stays, as one step that goes and comes.
+    ASSERT_EQ(world.Session().UndoLabels().front(), "outer");
+    EXPECT_NE(headless::FindNode("Litter_left"), nullptr);
+    ASSERT_TRUE(world.Session().Undo());
+    EXPECT_EQ(headless::FindNode("Litter_left"), nullptr);
+    ASSERT_TRUE(world.Session().Redo());
+    EXPECT_NE(headless::FindNode("Litter_left"), nullptr);
+
+    world.Session().Select({"Litter_left"});
+    world.Session().DeleteSelected();
+    ASSERT_TRUE(world.Session().Undo());
+
+    // And another Core finds an adaptor as new.
+    puppet::TheStage().core = &world.Core();
+    EXPECT_EQ(UtilityManager::Get().AttachCore(), 0);
+    EXPECT_EQ(AttachedCore(), &world.Core());
+    EXPECT_FALSE(world.Adaptor().IsHoldingUndo());
+    ASSERT_TRUE(world.Session().Undo());
+    ASSERT_TRUE(world.Session().Redo());
+}
+
+TEST_P(Departure, IsToldInTheTrace) {
+    AttachLitter();
+    UtilityManager::Get().DetachCore();
+    world.ShutDown();
+    const std::string trace = world.Trace();
+    for (const char* line : {"(WARNING): \tCORE left something behind in the adaptor\n",
+                             "\tlog: 1\n", "\terror registry: 1\n", "\tundo chunks: 1\n",
+                             "\tnodes: 1\n", "\tsnapshot nodes: ", "\trecording: 1\n",
+                             "\tundo groups: 2\n", "\tkeyboard focus: 1\n"}) {
+        EXPECT_NE(trace.find(line), std::string::npos) << line << trace;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(AttachedAndRefused, Departure, testing::Bool());
+
+TEST(TidyDeparture, IsNotWorthAWarning) {
+    World world;
+    world.ShutDown();
+    EXPECT_EQ(world.Trace().find("left something behind"), std::string::npos);
+}
+
+}  // namespace
