@@ -92,10 +92,10 @@ std::optional<std::string> Match(const Tokens& form, const Tokens& statement) {
     if (form.size() != statement.size()) return std::nullopt;
     std::string argument;
     for (std::size_t i = 0; i < form.size(); ++i) {
-        if (form[i] == kArgument && IsWordCharacter(statement[i].front()))
-            argument = statement[i];
-        else if (form[i] != statement[i])
-            return std::nullopt;
+        if (form[i] != kArgument && form[i] != statement[i]) return std::nullopt;
+        if (form[i] != kArgument) continue;
+        if (!IsWordCharacter(statement[i].front())) return std::nullopt;
+        argument = statement[i];
     }
     return argument;
 }

@@ -1,0 +1,177 @@
+#include <string>
+#include <vector>
+
+#include "headless/host_world.h"
+#include "host/gup.h"
+#include "host/notify.h"
+
+namespace {
+
+using Diary = std::vector<std::string>;
+Diary diary;
+
+// A global utility that tells what becomes of it.
+class Told final : public GUP {
+  public:
+    explicit Told(std::uint32_t result) : result_(result) {}
+
+    std::uint32_t Start() override {
+        diary.push_back("start");
+        RegisterNotification(&Hear, this, NOTIFY_SYSTEM_SHUTDOWN);
+        return result_;
+    }
+    void Stop() override {
+        diary.push_back("stop");
+        UnRegisterNotification(&Hear, this, NOTIFY_SYSTEM_SHUTDOWN);
+    }
+    void DeleteThis() override {
+        diary.push_back("gone");
+        delete this;
+    }
+
+  private:
+    static void Hear(void*, NotifyInfo*) { diary.push_back("shutdown"); }
+
+    std::uint32_t result_;
+};
+
+class ToldClass final : public ClassDesc {
+  public:
+    explicit ToldClass(std::uint32_t result) : result_(result) {}
+    int IsPublic() override { return 1; }
+    void* Create(bool) override { return new Told(result_); }
+    const char* ClassName() override { return "Told"; }
+    SClass_ID SuperClassID() override { return GUP_CLASS_ID; }
+    Class_ID ClassID() override { return {1, result_}; }
+    const char* Category() override { return "Test"; }
+
+  private:
+    std::uint32_t result_;
+};
+
+TEST(SessionTest, AGlobalUtilityRunsFromStartToShutdown) {
+    diary.clear();
+    ToldClass kept(GUPRESULT_KEEP);
+    headless::Session session;
+    session.RegisterClass(&kept);
+    session.Start();
+    EXPECT_EQ(session.KeptUtilities(), 1U);
+    session.ShutDown();
+    session.ShutDown();
+    EXPECT_EQ(diary, Diary({"start", "shutdown", "stop", "gone"}));
+}
+
+TEST(SessionTest, AGlobalUtilityThatDoesNotWantToBeKeptGoesAtOnce) {
+    class Refusing final : public GUP {
+      public:
+        std::uint32_t Start() override { return GUPRESULT_NOKEEP; }
+        void Stop() override { diary.push_back("stop"); }
+        void DeleteThis() override { delete this; }
+    };
+    class RefusingClass final : public ClassDesc {
+      public:
+        int IsPublic() override { return 1; }
+        void* Create(bool) override { return new Refusing; }
+        const char* ClassName() override { return "Refusing"; }
+        SClass_ID SuperClassID() override { return GUP_CLASS_ID; }
+        Class_ID ClassID() override { return {2, 2}; }
+        const char* Category() override { return "Test"; }
+    };
+    diary.clear();
+    RefusingClass refusing;
+    headless::Session session;
+    session.RegisterClass(&refusing);
+    session.Start();
+    EXPECT_EQ(session.KeptUtilities(), 0U);
+    EXPECT_EQ(headless::TakeCensus().heapBlocks, 1U) << "the scene's root alone";
+    session.ShutDown();
+    EXPECT_EQ(diary, Diary());
+}
+
+TEST(SessionTest, AModuleThatIsNoPluginIsRefusedWithAReason) {
+    headless::Session session;
+    const std::string missing = session.LoadPlugin("/nowhere/plugin.so");
+    EXPECT_NE(missing.find("/nowhere/plugin.so"), std::string::npos) << missing;
+    const std::string noPlugin = session.LoadPlugin("libm.so.6");
+    EXPECT_NE(noPlugin.find("does not export LibDescription"), std::string::npos) << noPlugin;
+}
+
+using DeleteKeyTest = HostWorld;
+
+// Hears of a deletion, and answers it.
+struct Deletions {
+    std::function<void(INodeTab&)> answer;
+    int told = 0;
+    int announced = 0;
+
+    Deletions() { RegisterNotification(&Hear, this, NOTIFY_SEL_NODES_PRE_DELETE); }
+    ~Deletions() { UnRegisterNotification(&Hear, this, NOTIFY_SEL_NODES_PRE_DELETE); }
+    Deletions(const Deletions&) = delete;
+    Deletions& operator=(const Deletions&) = delete;
+
+    static void Hear(void* param, NotifyInfo* info) {
+        auto* self = static_cast<Deletions*>(param);
+        auto& table = *static_cast<INodeTab*>(info->callParam);
+        ++self->told;
+        self->announced = table.Count();
+        EXPECT_TRUE(theHold.Holding());
+        if (self->answer) self->answer(table);
+    }
+};
+
+TEST_F(DeleteKeyTest, TheSelectionIsAnnouncedAndGoesInOneStep) {
+    Deletions deletions;
+    EXPECT_EQ(session.DeleteSelected(), 0U);
+    EXPECT_EQ(deletions.told, 0);
+    Add("hip");
+    Add("knee");
+    Add("foot");
+    EXPECT_EQ(session.Select({"hip", "foot", "nobody"}), 2U);
+    const auto before = headless::SceneDigest();
+    EXPECT_EQ(session.DeleteSelected(), 2U);
+    EXPECT_EQ(deletions.announced, 2);
+    EXPECT_EQ(headless::Nodes().size(), 1U);
+    EXPECT_EQ(session.UndoLabels(), std::vector<std::string>{"Delete"});
+    session.Undo();
+    EXPECT_EQ(headless::SceneDigest(), before);
+    EXPECT_EQ(session.RedoLabels(), std::vector<std::string>{"Delete"});
+}
+
+TEST_F(DeleteKeyTest, WhoIsToldMayTakeNodesOutOfTheTableOrDeleteThem) {
+    Deletions deletions;
+    INode* hip = Add("hip");
+    INode* knee = Add("knee");
+    Add("foot");
+    session.Select({"hip", "knee", "foot"});
+    deletions.answer = [&](INodeTab& table) {
+        for (int i = table.Count(); i-- > 0;) {
+            if (table[i] == knee) table.Delete(i, 1);
+        }
+        host.DeleteNode(hip);
+    };
+    const auto before = headless::SceneDigest();
+    EXPECT_EQ(session.DeleteSelected(), 1U);
+    ASSERT_EQ(headless::Nodes().size(), 1U);
+    EXPECT_EQ(headless::Nodes().front().name, "knee");
+    session.Undo();
+    EXPECT_EQ(headless::SceneDigest(), before);
+}
+
+TEST_F(DeleteKeyTest, HostCallsWithNodesThatAreGoneDoNothing) {
+    INode* gone = nullptr;
+    Step([&] { gone = Add("gone"); });
+    session.Undo();
+    INode* here = Add("here");
+    host.DeleteNode(gone);
+    host.DeleteNode(nullptr);
+    host.DeleteNode(host.GetRootNode());
+    host.SelectNode(gone);
+    here->AttachChild(gone);
+    gone->AttachChild(here);
+    EXPECT_EQ(host.GetSelNodeCount(), 0);
+    EXPECT_EQ(host.GetSelNode(0), nullptr);
+    EXPECT_EQ(headless::Nodes().size(), 1U);
+    EXPECT_TRUE(here->GetParentNode()->IsRootNode());
+}
+
+}  // namespace
