@@ -9,6 +9,7 @@
 #include "host/animate.h"
 #include "host/hold.h"
 #include "host/interface.h"
+#include "platform/testing.h"
 #include "resources/resource_ids.h"
 
 namespace {
@@ -237,6 +238,29 @@ TEST_F(Conversion, ThePageConvertsOnceAndKnowsOnlyItsButton) {
     EXPECT_EQ(world_.Host().UndoLabels().front(), kOwnStep);
     DestroyWindow(window);
     EXPECT_EQ(ConvertPanelDlgProc(window, WM_COMMAND, ConvertButton, 0), 1);
+}
+
+TEST_F(Conversion, TheButtonInTheMotionPanelConvertsTheSelectedNode) {
+    OpenTransform* control = nullptr;
+    INode* const node = NewNode(control);
+    const std::size_t windows = platform::CountWindows();
+    world_.Host().Select({node->GetName()});
+    world_.Host().SetTaskMode(TASK_MODE_MOTION);
+    EXPECT_GT(platform::CountWindows(), windows);
+    EXPECT_TRUE(world_.Host().PressButton(ConvertButton));
+    EXPECT_TRUE(IsPositionRotationScale(node));
+    // The panel was built anew, and shows the host's controller.
+    EXPECT_EQ(GetCOREInterface()->GetCommandPanelTaskMode(), TASK_MODE_MOTION);
+    EXPECT_FALSE(world_.Host().PressButton(ConvertButton));
+    EXPECT_EQ(platform::CountWindows(), windows);
+}
+
+TEST_F(Conversion, APageWhoseControllerIsGoneDoesNothing) {
+    auto* const control = new OpenTransform;
+    control->BeginEditParams(GetCOREInterface(), 0, nullptr);
+    control->DeleteThis();
+    EXPECT_TRUE(world_.Host().PressButton(ConvertButton));
+    EXPECT_TRUE(world_.Host().UndoLabels().empty());
 }
 
 }  // namespace
