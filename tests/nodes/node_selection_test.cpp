@@ -16,18 +16,15 @@ class NodeSelection : public NodeTest {
     using Names = std::vector<std::string>;
 };
 
-TEST_F(NodeSelection, ReplacesTheOldOneInAStepOfItsOwn) {
+TEST_F(NodeSelection, ReplacesTheOldOneInAStepOfItsOwnOrOfTheGroup) {
     hip->Select();
     knee->Select();
     EXPECT_EQ(Selected(), (Names{"Rig_Knee"}));
-    EXPECT_EQ(world.Session().UndoLabels(), (Names{"Select", "Select"}));
+    InGroup("Pick", [&] { hip->Select(); });
+    EXPECT_EQ(world.Session().UndoLabels(), (Names{"Pick", "Select", "Select"}));
+    ASSERT_TRUE(world.Session().Undo());
     ASSERT_TRUE(world.Session().Undo());
     EXPECT_EQ(Selected(), (Names{"Rig_Hip"}));
-}
-
-TEST_F(NodeSelection, IsPartOfAnOpenGroup) {
-    InGroup("Pick", [&] { hip->Select(); });
-    EXPECT_EQ(world.Session().UndoLabels(), (Names{"Pick"}));
 }
 
 TEST_F(NodeSelection, AddsUpInABatchWithoutUndoSteps) {

@@ -77,8 +77,12 @@ TEST(CustomHelperObject, IsAnEmptyRedWireframeWhenNew) {
 TEST(CustomHelperObject, ComesBackFromStorageButForTextureCoordinates) {
     CustomHelperObject helper;
     FillWithTwoTriangles(helper);
+    helper.mesh.vertices.resize(10000, {1, 2, 3});
+    std::vector<std::byte> bytes = CountChunk(77, 5, 100);  // passed over
+    const std::vector<std::byte> known = Saved(helper);
+    bytes.insert(bytes.end(), known.begin(), known.end());
     CustomHelperObject loaded;
-    LoadFrom(loaded, Saved(helper));
+    LoadFrom(loaded, bytes);
     EXPECT_EQ(loaded.mesh.vertices, helper.mesh.vertices);
     EXPECT_EQ(loaded.mesh.faces, helper.mesh.faces);
     EXPECT_TRUE(loaded.mesh.textureVertices.empty());
@@ -88,7 +92,7 @@ TEST(CustomHelperObject, ComesBackFromStorageButForTextureCoordinates) {
     EXPECT_EQ(loaded.backfaceCull, 1);
     EXPECT_EQ(loaded.reserved, helper.reserved);
     EXPECT_NE(loaded.meshDirty, 0);
-    EXPECT_EQ(Saved(loaded), Saved(helper));
+    EXPECT_EQ(Saved(loaded), known);
 }
 
 TEST(CustomHelperObject, WritesThreeChunksOfAFixedLayout) {
@@ -118,17 +122,6 @@ TEST(CustomHelperObject, WritesThreeChunksOfAFixedLayout) {
     EXPECT_EQ(Saved(empty).size(), 3 * 6 + 4 + 4 + 16U);
 }
 
-TEST(CustomHelperObject, PassesOverChunksThatItDoesNotKnow) {
-    CustomHelperObject helper;
-    FillWithTwoTriangles(helper);
-    std::vector<std::byte> bytes = CountChunk(77, 5, 100);
-    const std::vector<std::byte> known = Saved(helper);
-    bytes.insert(bytes.end(), known.begin(), known.end());
-    CustomHelperObject loaded;
-    LoadFrom(loaded, bytes);
-    EXPECT_EQ(loaded.mesh.faces, helper.mesh.faces);
-}
-
 TEST(CustomHelperObject, BelievesACountOnlyAsFarAsBytesFollow) {
     constexpr std::int32_t kMany = std::numeric_limits<std::int32_t>::max();
     for (const std::int32_t count : {-1, -kMany, kMany}) {
@@ -140,15 +133,6 @@ TEST(CustomHelperObject, BelievesACountOnlyAsFarAsBytesFollow) {
         EXPECT_EQ(helper.mesh.faces.size(), whole * 3) << count;
         ExpectDrawable(helper);
     }
-}
-
-TEST(CustomHelperObject, CarriesMoreThanOneStepOfVertices) {
-    CustomHelperObject helper;
-    for (int index = 0; index < 10000; ++index)
-        helper.mesh.vertices.push_back({1.0 * index, 0, 0});
-    CustomHelperObject loaded;
-    LoadFrom(loaded, Saved(helper));
-    EXPECT_EQ(loaded.mesh.vertices, helper.mesh.vertices);
 }
 
 TEST(CustomHelperObject, StaysDrawableHoweverItsChunksAreDamaged) {
