@@ -14,7 +14,8 @@ class Tab {
     // Adds copies of `count` items at the end; the index of the first of them.
     int Append(int count, const T* items) {
         const int first = Count();
-        items_.insert(items_.end(), items, items + count);
+        for (int i = 0; i < count; ++i)
+            items_.push_back(items[i]);
         return first;
     }
     void Delete(int start, int count) {
