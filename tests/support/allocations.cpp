@@ -7,6 +7,11 @@ namespace {
 
 std::size_t allocations = 0;
 
+void* Counted(std::size_t size) noexcept {
+    ++allocations;
+    return std::malloc(size > 0 ? size : 1);
+}
+
 }  // namespace
 
 std::size_t Allocations() {
@@ -14,10 +19,13 @@ std::size_t Allocations() {
 }
 
 void* operator new(std::size_t size) {
-    ++allocations;
-    void* const block = std::malloc(size > 0 ? size : 1);
+    void* const block = Counted(size);
     if (!block) throw std::bad_alloc();
     return block;
+}
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return Counted(size);
 }
 
 void operator delete(void* block) noexcept {
