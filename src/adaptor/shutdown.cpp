@@ -25,4 +25,5 @@ void UtilityManager::ShutDownAdaptor() {
     WriteTrace();
     TVL::Util::SingletonCollector::GetInstance()->DestroyAll();
     RestartTrace();
+    if (!isKept) Stop();
 }

@@ -25,7 +25,8 @@ UtilityManager& UtilityManager::Get() {
 }
 
 std::uint32_t UtilityManager::Start() {
-    if (AttachCore() != 0) return GUPRESULT_NOKEEP;
+    isKept = AttachCore() == 0;
+    if (!isKept) return GUPRESULT_NOKEEP;
     HearHost();
     ExecuteStringScript(kOpenUtilityScript);
     return GUPRESULT_KEEP;

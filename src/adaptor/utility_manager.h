@@ -57,5 +57,6 @@ class UtilityManager final : public GUP {
     void LetCoreGo();
 
     bool coreComesOrGoes = false;  // a routine of the Core's is running that must not run twice
+    bool isKept = false;           // by the host, which calls Stop then
     bool hearsHost = false;
 };

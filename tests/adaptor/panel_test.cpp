@@ -1,0 +1,137 @@
+#include "adaptor/panel.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "adaptor/utility_manager.h"
+#include "headless/primitives.h"
+#include "headless/scene_view.h"
+#include "host/hold.h"
+#include "platform/testing.h"
+#include "plugin/utility_obj.h"
+#include "resources/resource_ids.h"
+#include "support/world.h"
+
+namespace {
+
+using Calls = PuppetCore::Calls;
+
+constexpr int kAttachPanel = 200;
+
+// A page with the control that attaches and detaches, in the place of the utility's own.
+class AttachPanel {
+  public:
+    AttachPanel()
+        : window_(CreateDialogParamA(nullptr, MAKEINTRESOURCEA(kAttachPanel),
+                                     GetCOREInterface()->GetMAXHWnd(), PanelDlgProc, 0)),
+          outer_(std::exchange(UtilityManager::Get().panelWindow, window_)) {}
+    ~AttachPanel() {
+        UtilityManager::Get().panelWindow = outer_;
+        DestroyWindow(window_);
+    }
+    AttachPanel(const AttachPanel&) = delete;
+    AttachPanel& operator=(const AttachPanel&) = delete;
+
+    HWND Window() const { return window_; }
+    HWND Control() const { return GetDlgItem(window_, AttachControl); }
+    void Press() const { SendMessageA(Control(), BM_CLICK, 0, 0); }
+    std::string Text() const {
+        std::array<char, 64> text{};
+        GetWindowTextA(Control(), text.data(), 64);
+        return text.data();
+    }
+
+  private:
+    HWND window_;
+    HWND outer_;
+};
+
+void MakeUndoStep() {
+    theHold.Begin();
+    GetCOREInterface()->CreateObjectNode(headless::NewSphere(1, 8));
+    theHold.Accept("sphere");
+}
+
+TEST(Panel, ShowsItselfAndWhatTheControlDoesNext) {
+    World world;
+    {
+        const AttachPanel panel;
+        EXPECT_EQ(panel.Text(), "Detach");
+        EXPECT_TRUE(IsWindowVisible(panel.Control()));
+        UtilityManager::Get().DetachCore();
+        EXPECT_EQ(panel.Text(), "Attach");
+        UtilityManager::Get().AttachCore();
+        EXPECT_EQ(panel.Text(), "Detach");
+    }
+    UtilityManager::Get().DetachCore();
+    const AttachPanel panel;
+    EXPECT_EQ(panel.Text(), "Attach");
+}
+
+TEST(Panel, TheControlDetachesAndAttachesWithAnEmptyUndoBuffer) {
+    World world;
+    const AttachPanel panel;
+    MakeUndoStep();
+    panel.Press();
+    EXPECT_FALSE(AttachedCore());
+    EXPECT_TRUE(world.Session().UndoLabels().empty());
+
+    world.Core().TakeCalls();
+    MakeUndoStep();
+    panel.Press();
+    EXPECT_EQ(AttachedCore(), &world.Core());
+    EXPECT_TRUE(world.Session().UndoLabels().empty());
+    EXPECT_EQ(world.Core().TakeCalls(),
+              (Calls{"bind 1027", "bind 1030", "option node 1028", "set state <TVL/>"}));
+}
+
+TEST(Panel, AnyTextButDetachMeansAttach) {
+    World world;
+    const AttachPanel panel;
+    for (const char* text : {"detach", "Detach ", ""}) {
+        SetWindowTextA(panel.Control(), text);
+        panel.Press();
+        EXPECT_EQ(AttachedCore(), &world.Core());
+        EXPECT_EQ(puppet::TheStage().attachCount, 1);
+        EXPECT_EQ(panel.Text(), "Detach");
+    }
+}
+
+TEST(Panel, ACoreInstalledLaterCanBeAttachedAndHearsTheHost) {
+    World world(WorldSettings{.core = kNoPuppet});
+    const AttachPanel panel;
+    panel.Press();
+    EXPECT_EQ(panel.Text(), "Attach");
+    world.Install(kWholePuppet);
+    panel.Press();
+    EXPECT_EQ(panel.Text(), "Detach");
+    world.Core().TakeCalls();
+    world.Session().SetTime(4800);
+    EXPECT_EQ(world.Core().TakeCalls(), (Calls{"time 1"}));
+    panel.Press();
+}
+
+TEST(Panel, TheUtilityOpensOnePageAndForgetsIt) {
+    World world;
+    world.Session().CloseUtility();
+    EXPECT_EQ(UtilityManager::Get().panelWindow, nullptr);
+    const std::size_t windows = platform::CountWindows();
+
+    auto* const utility = new TarvoUtilityObj;
+    utility->BeginEditParams(GetCOREInterface(), nullptr);
+    const HWND page = UtilityManager::Get().panelWindow;
+    EXPECT_TRUE(IsWindow(page));
+    const std::size_t withPage = platform::CountWindows();
+    utility->BeginEditParams(GetCOREInterface(), nullptr);
+    EXPECT_EQ(platform::CountWindows(), withPage);
+    utility->EndEditParams(GetCOREInterface(), nullptr);
+    EXPECT_EQ(platform::CountWindows(), windows);
+
+    UtilityManager::Get().panelWindow = page;
+    utility->EndEditParams(GetCOREInterface(), nullptr);
+    EXPECT_EQ(UtilityManager::Get().panelWindow, nullptr);
+    utility->DeleteThis();
+}
+
+}  // namespace
