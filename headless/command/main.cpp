@@ -1,15 +1,27 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
+#include <cmath>
 #include <iostream>
+#include <string>
 
 #include "command/print_result.h"
 #include "command/record.h"
 
+namespace {
+
 // Exit statuses beside 0.
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
+
+// Empty, or what is wrong with a size.
+std::string CheckSize(const std::string& text) {
+    double size = 0;
+    const bool isNumber = CLI::detail::lexical_cast(text, size);
+    return isNumber && size > 0 && std::isfinite(size) ? "" : text + " is not a number above 0";
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
     CLI::App app("The animation host without a screen, with the plug-in and its Core.");
@@ -21,10 +33,10 @@ int main(int argc, char** argv) {
     CLI::App* record = app.add_subcommand("record", "Record a motion capture into a new scene.");
     record->add_option("CAPTURE", options.capture, "Motion capture file (.bvh)")->required();
     record->add_option("--scale", options.metresPerUnit, "Metres in a unit of the capture")
-        ->check(CLI::PositiveNumber)
+        ->check(CheckSize, "ABOVE 0")
         ->capture_default_str();
     record->add_option("--units", options.hostUnitsPerMetre, "Host units in a metre")
-        ->check(CLI::PositiveNumber)
+        ->check(CheckSize, "ABOVE 0")
         ->capture_default_str();
     record->add_option("--csv", options.csv, "Write where each joint was in each frame");
     record->add_option("--trace", options.trace, "Write the plug-in's trace");

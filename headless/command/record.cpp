@@ -78,12 +78,14 @@ void TakeReport(const CoreReport& report, RecordResult& result) {
     result.recordSeconds = report.Number("recordSeconds");
 }
 
-// The nodes that the recording made, and what their keys take in a scene file.
-void CountKeys(const std::set<std::uint32_t>& before, RecordResult& result) {
+// What the recording made: its nodes, and the keys of all but the cameras among them, which are the
+// joints.
+void CountNodesAndKeys(const std::set<std::uint32_t>& before, RecordResult& result) {
     std::size_t bytes = 0;
     for (const NodeView& node : Nodes()) {
         if (before.contains(node.handle)) continue;
         ++result.nodes;
+        if (node.objectSuperClass == CAMERA_CLASS_ID) continue;
         result.keys += static_cast<std::size_t>(node.keys.count);
         bytes += node.keys.storedBytes;
     }
@@ -119,8 +121,14 @@ void RecordIn(Session& session, const std::string& reportPath, RecordResult& res
     result.error = LetCoreRecord(session, reportPath, report);
     if (!result.error.empty()) return;
     TakeReport(report, result);
-    CountKeys(handles, result);
+    CountNodesAndKeys(handles, result);
     UndoAndRedo(session, before, result);
+}
+
+// A person knows the file by the name that it was to get.
+void NameTarget(const ScratchFile& file, const std::string& target, std::string& text) {
+    const std::size_t place = text.find(file.Path());
+    if (place != std::string::npos) text.replace(place, file.Path().size(), target);
 }
 
 }  // namespace
@@ -139,6 +147,7 @@ RecordResult Record(const RecordOptions& options) {
     // The plug-in's global utility lives as long as the process.
     result.hostObjectsAlive = TakeCensus().heapBlocks - utilities;
     if (result.error.empty() && !options.csv.empty()) result.error = csv.Keep();
+    if (!options.csv.empty()) NameTarget(csv, options.csv, result.error);
     return result;
 }
 

@@ -23,7 +23,7 @@ struct RecordResult {
     std::size_t frames = 0;
     double frameSeconds = 0;
     std::size_t nodes = 0;
-    std::size_t keys = 0;  // distinct key times, summed over the nodes
+    std::size_t keys = 0;  // distinct key times, summed over the joints' nodes
     std::size_t undoSteps = 0;
     bool undoIdentical = false;
     bool redoIdentical = false;

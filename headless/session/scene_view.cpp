@@ -49,7 +49,10 @@ NodeView ViewOf(SceneNode& node) {
     view.name = node.Name();
     view.handle = node.GetHandle();
     view.parent = node.Parent()->GetHandle();
-    if (Object* object = node.GetObjectRef()) view.objectClass = object->ClassID();
+    if (Object* object = node.GetObjectRef()) {
+        view.objectSuperClass = object->SuperClassID();
+        view.objectClass = object->ClassID();
+    }
     if (Control* controller = node.GetTMController()) {
         view.controllerClass = controller->ClassID();
         view.keys = KeysOf(*controller);

@@ -27,8 +27,9 @@ struct KeyView {
 struct NodeView {
     std::string name;
     std::uint32_t handle = 0;
-    std::uint32_t parent = 0;  // the parent's handle, 0 at the top of the scene
-    Class_ID objectClass;      // {0, 0} for a node without an object
+    std::uint32_t parent = 0;        // the parent's handle, 0 at the top of the scene
+    SClass_ID objectSuperClass = 0;  // 0 and {0, 0} for a node without an object
+    Class_ID objectClass;
     Class_ID controllerClass;  // of the transform controller
     KeyView keys;              // of the transform controller
     bool hidden = false;
