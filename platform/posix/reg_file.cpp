@@ -62,7 +62,8 @@ std::optional<std::string> TakeQuoted(std::string_view& text) {
 
 std::optional<std::string> ParseBytes(std::string_view text) {
     std::string bytes;
-    while (!Trim(text).empty()) {
+    text = Trim(text);
+    while (!text.empty()) {
         const std::size_t comma = std::min(text.find(','), text.size());
         const auto byte = ParseHexadecimal<std::uint8_t>(Trim(text.substr(0, comma)));
         if (!byte) return std::nullopt;

@@ -14,10 +14,11 @@ std::string_view ResourceText(int id) {
     const HMODULE module = ModuleInstance();
     const HRSRC resource = FindResourceA(module, MAKEINTRESOURCEA(id), kXmlType);
     if (!resource) return {};
+    const DWORD size = SizeofResource(module, resource);
     const HGLOBAL loaded = LoadResource(module, resource);
     const void* const bytes = loaded ? LockResource(loaded) : nullptr;
     if (!bytes) return {};
-    return {static_cast<const char*>(bytes), SizeofResource(module, resource)};
+    return {static_cast<const char*>(bytes), size};
 }
 
 }  // namespace

@@ -26,18 +26,19 @@ void SingletonCollector::DestroyAll() {
 
 namespace {
 
+// An outside instance is not even asked: the library that it belongs to can be gone by now.
 template <class T>
-void DestroyInstance() {
-    if (T::instance != nullptr) T::instance->Destroy();
+void DestroyOwnInstance() {
+    if (!T::external && T::instance != nullptr) T::instance->Destroy();
 }
 
 // Frees what anybody can bring up at any moment. Nothing else is touched: an instance of a further
 // class that nobody destroyed in time could reach into libraries that are gone by now.
 struct ModuleEnd {
     ~ModuleEnd() {
-        DestroyInstance<ErrorCode>();
-        DestroyInstance<Log>();
-        DestroyInstance<SingletonCollector>();
+        DestroyOwnInstance<ErrorCode>();
+        DestroyOwnInstance<Log>();
+        DestroyOwnInstance<SingletonCollector>();
     }
 };
 

@@ -1,5 +1,8 @@
 #include "tvl/singleton.h"
 
+#include <array>
+#include <cstddef>
+#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <string>
@@ -114,6 +117,16 @@ TEST_F(Singletons, ALogThatComesUpWhileEverythingGoesDownStaysToTheEnd) {
     EXPECT_EQ(Lines(), "(NOTICE): \tdying\n");
     SingletonCollector::GetInstance()->DestroyAll();
     Log::GetInstance()->Destroy();
+}
+
+TEST_F(Singletons, AnOutsideInstanceThatIsGoneIsNotTouchedWhenTheProgramEnds) {
+    const auto endProgram = [] {
+        alignas(Log) static std::array<std::byte, sizeof(Log)> gone{};
+        Log::instance = reinterpret_cast<Log*>(gone.data());
+        Log::external = true;
+        std::exit(0);
+    };
+    EXPECT_EXIT(endProgram(), testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

@@ -118,4 +118,10 @@ TEST(XmlLaws, AMillionSiblingsAreReadCopiedWrittenAndDestroyed) {
     EXPECT_TRUE(XMLNode(read).Write() == text);
 }
 
+TEST(XmlLaws, AttributesThatTouchEachOtherTakeNoMoreTimeThanOthers) {
+    XMLNode read;
+    EXPECT_EQ(read.Parse("<a " + Repeated("b='c'", kMany) + "/>"), XMLNode::kParsed);
+    EXPECT_EQ(read.attributes["b"], "c");
+}
+
 }  // namespace

@@ -24,8 +24,12 @@ void SkipSpace(std::string_view& text) {
 
 // Takes everything up to '=' or white space off the front.
 std::string_view TakeAttributeName(std::string_view& text) {
-    const std::string_view word = FirstWord(text);
-    const std::string_view name = word.substr(0, word.find('='));
+    // One pass for both ends: to look for white space alone would go through the whole tag for each
+    // of the attributes in a run without any.
+    const auto end = std::ranges::find_if(text, [](char byte) {
+        return byte == '=' || kXMLSpace.find(byte) != std::string_view::npos;
+    });
+    const std::string_view name(text.begin(), end);
     text.remove_prefix(name.size());
     return name;
 }
