@@ -115,7 +115,7 @@ TEST_F(NodeDeletion, ByTheUserIsLeftToTheHost) {
     rig.onDeletion = [&] {
         ++told;
         Find("Hip")->Delete(true);
-        EXPECT_NE(Host("Rig_Hip"), nullptr);
+        ASSERT_NE(Host("Rig_Hip"), nullptr);
         Find("Knee")->Delete(true);
     };
     DeleteByUser({"Rig_Hip", "Rig_Knee"});
@@ -153,7 +153,7 @@ TEST_F(NodeDeletion, ThroughASnapshotNodeNeedsASourceOfTheSameOwner) {
 
     Node* const fromStranger = Core(stranger->GetChild(0));
     fromStranger->Delete(true);  // of the rig, reached from the other plug-in
-    EXPECT_NE(Host("Rig_Hip"), nullptr);
+    ASSERT_NE(Host("Rig_Hip"), nullptr);
 
     Node* const fromHip = Core(hip->GetChild(0));
     fromHip->Delete(true);
