@@ -15,6 +15,10 @@
 
 namespace TVL {
 
+// The version of this contract: what an adaptor's GetVersion says, and what the routine getVersion
+// of a Core built from these headers returns.
+inline constexpr std::int32_t kInterfaceVersion = 8108;
+
 // A window of the host's; a Core hands it to its own window system.
 using WindowHandle = void*;
 

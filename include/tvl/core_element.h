@@ -16,12 +16,12 @@ struct PluginRecord {
 
 // An element of the Core that owns nodes. The adaptor keeps the pointer with each node, compares
 // it, reads `plugin->name`, and asks these extensions where the element lists them:
-//   43  argument null: nodes of this element are about to be deleted by the user. Told once for
-//   each
-//       deletion; the element may answer with CoreNode::Delete on its nodes.
-//   56  argument an XMLNode of kind 1 named "masternodes": the scene is being saved; the element
-//   adds
-//       a child "masternode" for each stored part of its state.
+//
+//   43   argument null: nodes of this element are about to be deleted by the user. Told once for
+//        each deletion; the element may answer with CoreNode::Delete on its nodes.
+//   56   argument an XMLNode of kind 1 named "masternodes": the scene is being saved; the element
+//        adds a child "masternode" for each stored part of its state.
+//
 // An element outlives every node that names it as its owner.
 class CoreElement : public CExtendable {
   public:

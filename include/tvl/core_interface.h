@@ -50,12 +50,17 @@ class CoreInterface {
 namespace TVL {
 
 // The routines that a Core library exports by name, with C linkage:
-//   getVersion  must equal AdaptorInterface::GetVersion, else the library is not attached
-//   attach      called once for each load; null refuses
-//   detach      the last call before the library is freed. Before it returns the Core has given
-//   back
-//               what it placed (ClearErrorCode, ClearLog), has destroyed its message nodes, and has
-//               ended all use of nodes, snapshots and the adaptor itself.
+//
+//   getVersion   returns kInterfaceVersion; a library with another number is not attached
+//   attach       called once for each load; null refuses
+//   detach       the last call before the library is freed
+//
+// Before `detach` returns the Core has given back what it placed (ClearErrorCode, ClearLog), has
+// destroyed its message nodes, and has ended all use of nodes, snapshots and the adaptor itself.
+// No exception may leave a routine or an operation of the Core's.
+//
+// On Windows a source that includes <windows.h> as well undefines its macros GetMessage and
+// GetCurrentTime before it includes these headers, since they would rename operations.
 using GetVersionRoutine = std::uint32_t();
 using AttachRoutine = CoreInterface*(AdaptorInterface*);
 using DetachRoutine = void(CoreInterface*);

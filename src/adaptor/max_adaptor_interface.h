@@ -10,8 +10,6 @@
 #include "tvl/singleton.h"
 #include "undo/undo_groups.h"
 
-inline constexpr std::int32_t kAdaptorVersion = 8108;
-
 // The host as the Core sees it: the table of contents of this system, whose every operation stands
 // in the room that does the work. It also holds the state of the adaptor, in runs; each room
 // reaches its own through the accessor that it declares. As a message node it listens to the
@@ -23,7 +21,7 @@ class MaxAdaptorInterface final : public TVL::AdaptorInterface,
   public:
     MaxAdaptorInterface();
 
-    std::int32_t GetVersion() override { return kAdaptorVersion; }
+    std::int32_t GetVersion() override { return TVL::kInterfaceVersion; }
 
     // A log that is placed or cleared takes its text with it, which the trace file needs before.
     std::int32_t SetLog(TVL::Log* log) override;

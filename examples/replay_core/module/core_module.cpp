@@ -12,15 +12,8 @@
 #define REPLAY_CORE_EXPORT extern "C" __attribute__((visibility("default")))
 #endif
 
-namespace {
-
-// The version of the adaptor's interface that this Core was written for.
-constexpr std::uint32_t kAdaptorVersion = 8108;
-
-}  // namespace
-
 REPLAY_CORE_EXPORT std::uint32_t getVersion() {
-    return kAdaptorVersion;
+    return TVL::kInterfaceVersion;
 }
 
 REPLAY_CORE_EXPORT CoreInterface* attach(TVL::AdaptorInterface* adaptor) {
