@@ -1,0 +1,229 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <numbers>
+#include <string>
+#include <vector>
+
+#include "end_to_end/stage.h"
+#include "headless/scene_view.h"
+#include "host/hold.h"
+
+namespace {
+
+constexpr char kRealCapture[] = "/usr/share/assimp/models/BVH/01_01.bvh";
+constexpr double kUnitsPerMetre = 39.37;
+constexpr double kHalfAMicron = 5e-7;
+constexpr int kTicksPerFrame = 240;  // of the walk, at the host's 4800 ticks in a second
+
+void ExpectWalkingAt(const std::string& take, int frame) {
+    const Place hip = PlaceOf(take + "_Hip", frame * kTicksPerFrame, kUnitsPerMetre);
+    EXPECT_NEAR(hip.x, frame / 10.0, kHalfAMicron);
+    EXPECT_NEAR(hip.y, 1, kHalfAMicron);
+    EXPECT_NEAR(hip.z, 0, kHalfAMicron);
+    const double swing = frame * std::numbers::pi / 180;
+    const Place knee = PlaceOf(take + "_Knee", frame * kTicksPerFrame, kUnitsPerMetre);
+    EXPECT_NEAR(knee.x, frame / 10.0, kHalfAMicron);
+    EXPECT_NEAR(knee.y, 1 - 0.5 * std::cos(swing), kHalfAMicron);
+    EXPECT_NEAR(knee.z, -0.5 * std::sin(swing), kHalfAMicron);
+}
+
+void ExpectUndoAndRedoAreExact(headless::Session& host, std::uint64_t before) {
+    const std::uint64_t after = headless::SceneDigest();
+    ASSERT_TRUE(host.Undo());
+    EXPECT_EQ(headless::SceneDigest(), before);
+    ASSERT_TRUE(host.Redo());
+    EXPECT_EQ(headless::SceneDigest(), after);
+}
+
+std::size_t CountLines(const std::string& path) {
+    std::ifstream file(path);
+    std::size_t lines = 0;
+    for (std::string line; std::getline(file, line);)
+        ++lines;
+    return lines;
+}
+
+TEST(Recording, BuildsTheSkeletonAndKeysEveryFrameInOneUndoStep) {
+    Stage stage;
+    const std::uint64_t empty = headless::SceneDigest();
+    auto report = stage.Record(stage.WriteFile("walk.bvh", Walk(20)));
+
+    EXPECT_EQ(report["owner"], "walk");
+    EXPECT_EQ(report["joints"], "2");
+    EXPECT_EQ(report["frames"], "20");
+    EXPECT_EQ(report["nodes"], "3");
+    EXPECT_EQ(headless::Nodes().size(), 3u);
+    EXPECT_EQ(View("walk_Knee").parent, View("walk_Hip").handle);
+    for (const char* joint : {"walk_Hip", "walk_Knee"}) {
+        EXPECT_EQ(View(joint).keys.count, 20) << joint;
+        EXPECT_EQ(View(joint).keys.last, 19 * kTicksPerFrame) << joint;
+    }
+    EXPECT_EQ(View("walk_Camera").keys.count, 1);
+    for (const int frame : {0, 1, 10, 19})
+        ExpectWalkingAt("walk", frame);
+    EXPECT_EQ(stage.Host().UndoLabels(), std::vector<std::string>{"Record walk"});
+    ExpectUndoAndRedoAreExact(stage.Host(), empty);
+    ExpectWalkingAt("walk", 10);
+}
+
+TEST(Recording, FollowsARealCaptureInEitherControllerAndInAnyUnits) {
+    if (!std::filesystem::exists(kRealCapture)) GTEST_SKIP() << "assimp-testmodels is missing";
+    for (const char* optimised : {"1", "0"}) {
+        for (const double units : {kUnitsPerMetre, 100.0, 1.0}) {
+            SCOPED_TRACE(std::string(optimised) + ", units in a metre: " + std::to_string(units));
+            Stage stage(headless::WithUnitsPerMetre(units));
+            const std::uint64_t empty = headless::SceneDigest();
+            stage.Tell("LUMISET_CAPTURE_SCALE", "");
+            stage.Tell("LUMISET_OPTIMISED", optimised);
+            stage.Tell("LUMISET_CAPTURE_FRAMES", "0:200");
+            stage.Tell("LUMISET_CSV", stage.File("places.csv"));
+            auto report = stage.Record(kRealCapture);
+            EXPECT_LT(std::stod(report["maxPositionErrorMetres"]), 5e-6);
+            EXPECT_EQ(CountLines(stage.File("places.csv")), 1 + 31 * 200u);
+            ExpectUndoAndRedoAreExact(stage.Host(), empty);
+        }
+    }
+}
+
+TEST(Recording, TakesTwoCapturesOneAfterTheOther) {
+    Stage stage;
+    stage.Record(stage.WriteFile("first.bvh", Walk(5)));
+    const std::uint64_t withOne = headless::SceneDigest();
+    stage.Record(stage.WriteFile("second.bvh", Walk(8)));
+    EXPECT_EQ(headless::Nodes().size(), 6u);
+    EXPECT_EQ(View("first_Hip").keys.count, 5);
+    EXPECT_EQ(View("second_Hip").keys.count, 8);
+    ExpectUndoAndRedoAreExact(stage.Host(), withOne);
+    ASSERT_TRUE(stage.Host().Undo());
+    ASSERT_TRUE(stage.Host().Undo());
+    EXPECT_TRUE(headless::Nodes().empty());
+}
+
+TEST(Recording, OverwritesTheFirstHalfOfATakeOnItsOwnNodes) {
+    Stage stage;
+    stage.Record(stage.WriteFile("walk.bvh", Walk(20)));
+    const std::uint64_t firstTake = headless::SceneDigest();
+    std::string higher = Walk(20);
+    for (std::size_t at = 0; (at = higher.find(" 1 0 0 0 ", at)) != std::string::npos;)
+        higher.replace(at, 3, " 2 ");
+    stage.WriteFile("walk.bvh", higher);
+    stage.Tell("LUMISET_CAPTURE_FRAMES", "0:10");
+    auto report = stage.Record(stage.File("walk.bvh"));
+
+    EXPECT_EQ(report["frames"], "10");
+    EXPECT_EQ(headless::Nodes().size(), 3u);
+    EXPECT_EQ(View("walk_Hip").keys.count, 20);
+    EXPECT_NEAR(PlaceOf("walk_Hip", 9 * kTicksPerFrame, kUnitsPerMetre).y, 2, kHalfAMicron);
+    ExpectWalkingAt("walk", 10);
+    ExpectUndoAndRedoAreExact(stage.Host(), firstTake);
+}
+
+TEST(Recording, StartsAnewWhereTheTakeWasUndone) {
+    Stage stage;
+    const std::string walk = stage.WriteFile("walk.bvh", Walk(6));
+    stage.Record(walk);
+    ASSERT_TRUE(stage.Host().Undo());
+    stage.Record(walk);
+    EXPECT_EQ(headless::Nodes().size(), 3u);
+    ExpectWalkingAt("walk", 5);
+}
+
+TEST(Recording, LeavesTheAnimateModeOfTheUserOnAndNoKeyWhereTheTimeStood) {
+    Stage stage;
+    stage.Host().PressAnimateButton(true);
+    stage.Host().SetTime(123);  // between two frames
+    stage.Record(stage.WriteFile("walk.bvh", Walk(6)));
+    EXPECT_EQ(View("walk_Hip").keys.count, 6);
+    ExpectWalkingAt("walk", 3);
+}
+
+TEST(Recording, JoinsAHoldThatTheHostHasOpen) {
+    Stage stage;
+    const std::uint64_t empty = headless::SceneDigest();
+    theHold.Begin();
+    stage.Record(stage.WriteFile("walk.bvh", Walk(6)));
+    theHold.Accept("Outside");
+    EXPECT_EQ(stage.Host().UndoLabels(), std::vector<std::string>{"Outside"});
+    ExpectUndoAndRedoAreExact(stage.Host(), empty);
+}
+
+TEST(Recording, DeletesTheWholeTakeWithOneOfItsNodesAndKeepsItsBooksThroughUndo) {
+    Stage stage;
+    const std::string walk = stage.WriteFile("walk.bvh", Walk(6));
+    stage.Record(walk);
+    ASSERT_EQ(stage.Host().Select({"walk_Knee"}), 1u);
+    const std::uint64_t selected = headless::SceneDigest();
+    stage.Host().DeleteSelected();
+    EXPECT_TRUE(headless::Nodes().empty());
+    ASSERT_TRUE(stage.Host().Undo());
+    EXPECT_EQ(headless::SceneDigest(), selected);
+    ASSERT_TRUE(stage.Host().Redo());
+    EXPECT_TRUE(headless::Nodes().empty());
+    ASSERT_TRUE(stage.Host().Undo());
+
+    // The Core knows the nodes that came back as its own.
+    EXPECT_EQ(stage.Record(walk)["nodes"], "3");
+    EXPECT_EQ(headless::Nodes().size(), 3u);
+}
+
+TEST(Recording, LetsGoOfEveryNodeWithTheScene) {
+    Stage stage;
+    const std::string walk = stage.WriteFile("walk.bvh", Walk(6));
+    stage.Record(walk);
+    stage.Host().NewScene();
+    EXPECT_TRUE(headless::Nodes().empty());
+    EXPECT_EQ(stage.Record(walk)["nodes"], "3");
+    ExpectWalkingAt("walk", 5);
+}
+
+TEST(Recording, ConvertsAllControllersWhenTheButtonOfThePanelIsPressed) {
+    Stage stage;
+    stage.Record(stage.WriteFile("walk.bvh", Walk(6)));
+    const Class_ID own = View("walk_Hip").controllerClass;
+    stage.Tell("LUMISET_PRESS", "1028");
+    EXPECT_EQ(stage.Press()["status"], "ok");
+    EXPECT_NE(View("walk_Hip").controllerClass, own);
+    ExpectWalkingAt("walk", 4);
+    stage.Tell("LUMISET_PRESS", "1030");
+    EXPECT_EQ(stage.Press()["status"], "error");
+}
+
+TEST(Recording, FindsEveryFaultBeforeItTouchesTheScene) {
+    struct Case {
+        const char* variable;
+        std::string value;
+        const char* error;
+    };
+    Stage stage;
+    const std::string walk = stage.WriteFile("walk.bvh", Walk(6));
+    const std::string cut = stage.WriteFile("cut.bvh", Walk(6).substr(0, Walk(6).size() - 12));
+    const std::vector<Case> cases = {
+        {"LUMISET_CAPTURE", "", "LUMISET_CAPTURE: expected the path of a motion capture"},
+        {"LUMISET_CAPTURE", stage.File("absent.bvh"), "absent.bvh"},
+        {"LUMISET_CAPTURE", cut, "cut.bvh:24: frame 6 holds"},
+        {"LUMISET_CAPTURE_SCALE", "-1", "LUMISET_CAPTURE_SCALE: expected"},
+        {"LUMISET_CAPTURE_FRAMES", "3:3", "LUMISET_CAPTURE_FRAMES: expected"},
+        {"LUMISET_CAPTURE_FRAMES", "0:7", "walk.bvh: the capture has only 6 frames"},
+        {"LUMISET_OPTIMISED", "yes", "LUMISET_OPTIMISED: expected 0 or 1, found 'yes'"},
+        {"LUMISET_CSV", stage.File("absent/places.csv"), "places.csv: the file cannot be written"},
+    };
+    const std::uint64_t empty = headless::SceneDigest();
+    for (const Case& wrong : cases) {
+        SCOPED_TRACE(wrong.error);
+        stage.Tell("LUMISET_CAPTURE", walk);
+        stage.Tell("LUMISET_CAPTURE_SCALE", "1");
+        stage.Tell(wrong.variable, wrong.value);
+        auto report = stage.Press();
+        stage.Tell(wrong.variable, "");
+        EXPECT_EQ(report["status"], "error");
+        EXPECT_NE(report["error"].find(wrong.error), std::string::npos) << report["error"];
+        EXPECT_EQ(headless::SceneDigest(), empty);
+        EXPECT_TRUE(stage.Host().UndoLabels().empty());
+    }
+}
+
+}  // namespace

@@ -1,0 +1,130 @@
+#include "end_to_end/stage.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+constexpr char kUtility[] = "Tarvo Lumiset Util";
+constexpr int kStartButton = 1046;
+
+std::string NewFolder() {
+    std::string pattern =
+        (std::filesystem::temp_directory_path() / "lumiset_stage_XXXXXX").string();
+    return mkdtemp(pattern.data());
+}
+
+// A folder of the registry's text.
+std::string Escaped(std::string_view path) {
+    std::string text;
+    for (const char c : path)
+        text += c == '\\' ? "\\\\" : std::string(1, c);
+    return text;
+}
+
+void Set(const std::string& variable, const std::string& value) {
+    if (value.empty())
+        unsetenv(variable.c_str());
+    else
+        setenv(variable.c_str(), value.c_str(), 1);
+}
+
+std::map<std::string, std::string> ReadReport(const std::string& path) {
+    std::map<std::string, std::string> report;
+    std::ifstream file(path);
+    for (std::string line; std::getline(file, line);) {
+        const std::size_t equals = line.find('=');
+        report[line.substr(0, equals)] = line.substr(equals + 1);
+    }
+    return report;
+}
+
+}  // namespace
+
+Stage::Stage(const headless::SessionSettings& settings) : folder_(NewFolder()), session_(settings) {
+    const std::string registry =
+        "Windows Registry Editor Version 5.00\n\n"
+        "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node\\Tarvo Works\\Ostrel tools]\n"
+        "\"datapath\"=\"" +
+        Escaped(CORE_FOLDER) +
+        "\"\n\n[HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell "
+        "Folders]\n\"Personal\"=\"" +
+        Escaped(folder_) + "\"\n";
+    Tell("LUMISET_REGISTRY", WriteFile("stage.reg", registry));
+    Tell("LUMISET_REPORT", File("report.txt"));
+    Tell("LUMISET_CAPTURE_SCALE", "1");
+    EXPECT_EQ(session_.LoadPlugin(PLUGIN_MODULE), "");
+    session_.Start();
+    EXPECT_EQ(session_.KeptUtilities(), 1u) << "the Core was not attached";
+    EXPECT_TRUE(session_.OpenUtility(kUtility));
+}
+
+Stage::~Stage() {
+    EXPECT_TRUE(session_.AcceleratorsEnabled());
+    EXPECT_TRUE(session_.AnimateButtonEnabled());
+    const std::size_t keptUtilities = session_.KeptUtilities();
+    session_.ShutDown();
+    // The plug-in's global utility lives as long as the process.
+    EXPECT_EQ(headless::TakeCensus().heapBlocks, aliveBefore_ + keptUtilities);
+    for (const auto& [variable, value] : told_)
+        Set(variable, "");
+    std::filesystem::remove_all(folder_);
+}
+
+void Stage::Tell(const std::string& variable, const std::string& value) {
+    told_[variable] = value;
+    Set(variable, value);
+}
+
+std::map<std::string, std::string> Stage::Press() {
+    std::filesystem::remove(File("report.txt"));
+    EXPECT_TRUE(session_.PressButton(kStartButton));
+    return ReadReport(File("report.txt"));
+}
+
+std::map<std::string, std::string> Stage::Record(const std::string& capture) {
+    Tell("LUMISET_CAPTURE", capture);
+    std::map<std::string, std::string> report = Press();
+    EXPECT_EQ(report["status"], "ok") << report["error"];
+    return report;
+}
+
+std::string Stage::File(std::string_view name) const {
+    return (std::filesystem::path(folder_) / name).string();
+}
+
+std::string Stage::WriteFile(std::string_view name, std::string_view text) const {
+    std::ofstream(File(name), std::ios::binary) << text;
+    return File(name);
+}
+
+headless::NodeView View(std::string_view hostName) {
+    for (const headless::NodeView& node : headless::Nodes())
+        if (node.name == hostName) return node;
+    ADD_FAILURE() << "no node is called " << hostName;
+    return {};
+}
+
+Place PlaceOf(std::string_view hostName, int ticks, double hostUnitsPerMetre) {
+    headless::PositionView host;
+    EXPECT_TRUE(headless::NodePosition(View(hostName).handle, ticks, host));
+    return {host.x / hostUnitsPerMetre, host.z / hostUnitsPerMetre, -host.y / hostUnitsPerMetre};
+}
+
+std::string Walk(std::size_t frames) {
+    std::string text =
+        "HIERARCHY\nROOT Hip\n{\nOFFSET 0 0 0\n"
+        "CHANNELS 6 Xposition Yposition Zposition Zrotation Yrotation Xrotation\n"
+        "JOINT Knee\n{\nOFFSET 0 -0.5 0\nCHANNELS 3 Zrotation Yrotation Xrotation\n"
+        "End Site\n{\nOFFSET 0 -0.5 0\n}\n}\n}\n"
+        "MOTION\nFrames: " +
+        std::to_string(frames) + "\nFrame Time: 0.05\n";
+    for (std::size_t frame = 0; frame < frames; ++frame) {
+        const std::string number = std::to_string(frame);
+        text += std::to_string(static_cast<double>(frame) / 10) + " 1 0 0 0 " + number + " 0 0 0\n";
+    }
+    return text;
+}
