@@ -1,0 +1,40 @@
+#pragma once
+
+#include "headless/session.h"
+#include "tvl/core_interface.h"
+#include "tvl/node.h"
+
+// A Core that is there and does nothing, so that what is measured is this side alone.
+class IdleCore final : public CoreInterface {
+  public:
+    XMLNode GetCoreState() override { return {}; }
+    void SetCoreState(XMLNode) override {}
+    void ResetCore() override {}
+    void ShowCore(TVL::WindowHandle) override {}
+    void NotifyTimeChanged(double) override {}
+    bool IsCoreRunning() override { return false; }
+    void StopCore() override {}
+    TVL::Util::MessageNode* GetOptionNode(int, int) override { return nullptr; }
+    void BindOption(int, int) override {}
+    void GetOptionValue(int option, bool* value) override;
+
+    bool wantsOwnControllers = true;  // for nodes that are made from here on
+};
+
+// A running host with the linked plug-in and an idle Core. A process has one at a time.
+class BenchWorld {
+  public:
+    BenchWorld();
+    ~BenchWorld();
+    BenchWorld(const BenchWorld&) = delete;
+    BenchWorld& operator=(const BenchWorld&) = delete;
+
+    headless::Session& Session() { return session_; }
+
+    // A node in the scene, with the adaptor's controller or the host's own.
+    TVL::CoreNode& MakeNode(bool withOwnController);
+
+  private:
+    IdleCore core_;
+    headless::Session session_;
+};

@@ -1,0 +1,69 @@
+// What happens all the time and is to cost next to nothing: lending a snapshot, and moving the
+// host's time while the Core has nothing to do.
+
+#include <benchmark/benchmark.h>
+
+#include <memory>
+
+#include "adaptor/utility_manager.h"
+#include "bench/bench_world.h"
+#include "bench/meter.h"
+#include "host/interface.h"
+#include "nodes/transform_snapshot.h"
+
+namespace {
+
+constexpr int kCalls = 1000;
+
+void LendFromPool(benchmark::State& state) {
+    BenchWorld world;
+    TVL::CoreNode& node = world.MakeNode(true);
+    node.ReleaseSnapshot(node.AcquireSnapshot(0));
+    Meter meter(state, kCalls);
+    for (auto _ : state) {
+        for (int call = 0; call < kCalls; ++call)
+            node.ReleaseSnapshot(node.AcquireSnapshot(call));
+    }
+}
+
+// As it would be without a pool.
+void MakeAndFree(benchmark::State& state) {
+    BenchWorld world;
+    auto& node = static_cast<CMAXNode&>(world.MakeNode(true));
+    Meter meter(state, kCalls);
+    for (auto _ : state) {
+        for (int call = 0; call < kCalls; ++call) {
+            const auto snapshot = std::make_unique<CMAXNode::CMAXSnapshot>(node);
+            snapshot->Acquire(node, call);
+            benchmark::DoNotOptimize(snapshot.get());
+        }
+    }
+}
+
+void MoveTime(benchmark::State& state) {
+    Meter meter(state, kCalls);
+    for (auto _ : state) {
+        for (int call = 1; call <= kCalls; ++call)
+            GetCOREInterface()->SetTime(call, false);
+    }
+}
+
+void MoveTimeForTheCore(benchmark::State& state) {
+    const BenchWorld world;
+    TimeChangeCallback* const callback = &UtilityManager::Get().timeCallback;
+    GetCOREInterface()->RegisterTimeChangeCallback(callback);
+    MoveTime(state);
+    GetCOREInterface()->UnRegisterTimeChangeCallback(callback);
+}
+
+void MoveTimeOfTheHostAlone(benchmark::State& state) {
+    const BenchWorld world;
+    MoveTime(state);
+}
+
+BENCHMARK(LendFromPool)->Name("lend a snapshot/ours")->Apply(Brief);
+BENCHMARK(MakeAndFree)->Name("lend a snapshot/made anew")->Apply(Brief);
+BENCHMARK(MoveTimeForTheCore)->Name("move the time/ours")->Apply(Brief);
+BENCHMARK(MoveTimeOfTheHostAlone)->Name("move the time/host alone")->Apply(Brief);
+
+}  // namespace

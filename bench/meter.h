@@ -1,0 +1,56 @@
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <cstddef>
+#include <cstdint>
+
+#include "bench/allocations.h"
+
+// The names of the counters that a benchmark shows; both are for one operation.
+inline constexpr const char* kAllocationsCounter = "allocations";
+inline constexpr const char* kBytesCounter = "bytes";
+
+// Long enough for ratios, short enough for all benchmarks in a minute.
+inline void Brief(benchmark::internal::Benchmark* bench) {
+    bench->MinTime(0.05);  // seconds
+}
+
+// Counts what the loop of a benchmark allocates, from its own creation to its end, and shows that
+// and the time for each of the operations of which one iteration consists.
+class Meter {
+  public:
+    Meter(benchmark::State& state, std::int64_t operationsInIteration)
+        : state_(state), operations_(operationsInIteration), before_(Allocations()) {}
+    ~Meter() {
+        const std::int64_t operations = state_.iterations() * operations_;
+        const std::size_t measured = Allocations() - before_ - aside_;
+        state_.SetItemsProcessed(operations);
+        state_.counters[kAllocationsCounter] =
+            static_cast<double>(measured) / static_cast<double>(operations);
+    }
+    Meter(const Meter&) = delete;
+    Meter& operator=(const Meter&) = delete;
+
+    // Work between iterations that is not measured.
+    template <class Work>
+    void Aside(Work work) {
+        state_.PauseTiming();
+        const std::size_t before = Allocations();
+        work();
+        aside_ += Allocations() - before;
+        state_.ResumeTiming();
+    }
+
+    // Memory that all operations of one iteration have left allocated.
+    void ShowBytes(std::size_t bytes) {
+        state_.counters[kBytesCounter] =
+            static_cast<double>(bytes) / static_cast<double>(operations_);
+    }
+
+  private:
+    benchmark::State& state_;
+    std::int64_t operations_;
+    std::size_t before_;
+    std::size_t aside_ = 0;
+};

@@ -1,0 +1,106 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <vector>
+
+#include "controllers/transform_control.h"
+
+// One animated transform, in the ways in which it could be kept: this system's controller, the
+// host's own, an ordered map and a sorted vector. All take a key at their end and give the value at
+// a time inside; the last two find the keys around a time in their own way, and leave the value
+// between to the same arithmetic as the first.
+
+inline constexpr TimeValue kKeySpacing = 160;  // ticks, a frame
+
+// The keys of a take: turning and moving, at rising times. `index` is the key's place.
+Matrix3 PoseOfKey(std::int64_t index);
+inline TimeValue TimeOfKey(std::int64_t index) {
+    return static_cast<TimeValue>(index * kKeySpacing);
+}
+
+// A controller that nothing refers to.
+template <class C>
+class OwnedControl {
+  public:
+    explicit OwnedControl(C* control) : control_(control) {}
+    ~OwnedControl() { control_->DeleteThis(); }
+    OwnedControl(const OwnedControl&) = delete;
+    OwnedControl& operator=(const OwnedControl&) = delete;
+    C* operator->() const { return control_; }
+    C& operator*() const { return *control_; }
+
+  private:
+    C* control_;
+};
+
+struct OpenTransform : TransformControl {
+    using BaseControl::AddKey;
+    using BaseControl::table;
+};
+
+// What the host does to write and read a transform controller.
+void SetMatrix(Control& control, TimeValue t, const Matrix3& matrix);
+Matrix3 MatrixAt(Control& control, TimeValue t);
+
+class OurTrack {
+  public:
+    void Append(TimeValue t, const Matrix3& value) { control_->AddKey({0, t, value}); }
+    void Set(TimeValue t, const Matrix3& value) { SetMatrix(*control_, t, value); }
+    Matrix3 Value(TimeValue t) { return MatrixAt(*control_, t); }
+    const Matrix3* Find(TimeValue t) { return &control_->table.FindBracket(t).left->value; }
+
+  private:
+    OwnedControl<OpenTransform> control_{new OpenTransform};
+};
+
+class HostTrack {
+  public:
+    HostTrack();
+    void Append(TimeValue t, const Matrix3& value) { Set(t, value); }
+    void Set(TimeValue t, const Matrix3& value) { SetMatrix(*control_, t, value); }
+    Matrix3 Value(TimeValue t) { return MatrixAt(*control_, t); }
+
+  private:
+    OwnedControl<Control> control_;
+};
+
+// The arithmetic of OurTrack between two keys that are found elsewhere.
+class Between {
+  public:
+    Between() : pair_(new OpenTransform) { pair_->table.keys.resize(2); }
+    Matrix3 operator()(const TarvoKey<Matrix3>& left, const TarvoKey<Matrix3>& right, TimeValue t);
+
+  private:
+    OwnedControl<OpenTransform> pair_;
+};
+
+class MapTrack {
+  public:
+    void Append(TimeValue t, const Matrix3& value) { keys_.emplace_hint(keys_.end(), t, value); }
+    Matrix3 Value(TimeValue t);
+    const Matrix3* Find(TimeValue t) { return &std::prev(keys_.upper_bound(t))->second; }
+
+  private:
+    std::map<TimeValue, Matrix3> keys_;
+    Between between_;
+};
+
+class VectorTrack {
+  public:
+    void Append(TimeValue t, const Matrix3& value);
+    Matrix3 Value(TimeValue t);
+    const Matrix3* Find(TimeValue t) { return &(FirstAfter(t) - 1)->value; }
+
+  private:
+    std::vector<TarvoKey<Matrix3>>::iterator FirstAfter(TimeValue t);
+
+    std::vector<TarvoKey<Matrix3>> keys_;
+    Between between_;
+};
+
+template <class Track>
+void Fill(Track& track, std::int64_t keys) {
+    for (std::int64_t index = 0; index < keys; ++index)
+        track.Append(TimeOfKey(index), PoseOfKey(index));
+}
