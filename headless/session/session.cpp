@@ -66,11 +66,23 @@ void Session::RegisterClass(ClassDesc* descriptor) {
     TheClasses().Add(descriptor);
 }
 
+namespace {
+
+// A global utility may live as long as the process, longer than its module and whatever there
+// pointed at it. Never destroyed, and never looked into: it keeps such a utility from being lost.
+void RememberForever(GUP* utility) {
+    static std::vector<GUP*>& utilities = *new std::vector<GUP*>;
+    utilities.push_back(utility);
+}
+
+}  // namespace
+
 void Session::Start() {
     for (ClassDesc* descriptor : std::vector(TheClasses().Added())) {
         if (descriptor->SuperClassID() != GUP_CLASS_ID) continue;
         auto* utility = static_cast<GUP*>(descriptor->Create());
         if (!utility) continue;
+        RememberForever(utility);
         if (utility->Start() == GUPRESULT_KEEP)
             state_->kept.push_back(utility);
         else
