@@ -4,13 +4,17 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <numbers>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "end_to_end/stage.h"
 #include "headless/scene_view.h"
 #include "host/hold.h"
+#include "host/interface.h"
+#include "host/time.h"
 
 namespace {
 
@@ -39,11 +43,11 @@ void ExpectUndoAndRedoAreExact(headless::Session& host, std::uint64_t before) {
     EXPECT_EQ(headless::SceneDigest(), after);
 }
 
-std::size_t CountLines(const std::string& path) {
+std::vector<std::string> Lines(const std::string& path) {
     std::ifstream file(path);
-    std::size_t lines = 0;
+    std::vector<std::string> lines;
     for (std::string line; std::getline(file, line);)
-        ++lines;
+        lines.push_back(line);
     return lines;
 }
 
@@ -83,7 +87,11 @@ TEST(Recording, FollowsARealCaptureInEitherControllerAndInAnyUnits) {
             stage.Tell("LUMISET_CSV", stage.File("places.csv"));
             auto report = stage.Record(kRealCapture);
             EXPECT_LT(std::stod(report["maxPositionErrorMetres"]), 5e-6);
-            EXPECT_EQ(CountLines(stage.File("places.csv")), 1 + 31 * 200u);
+            const std::vector<std::string> rows = Lines(stage.File("places.csv"));
+            ASSERT_EQ(rows.size(), 1 + 31 * 200u);
+            EXPECT_EQ(rows[0], "frame,seconds,joint,x,y,z");
+            EXPECT_EQ(rows[1].substr(0, 9), "0,0,Hips,");
+            EXPECT_EQ(rows.back().substr(0, 4), "199,");
             ExpectUndoAndRedoAreExact(stage.Host(), empty);
         }
     }
@@ -190,6 +198,57 @@ TEST(Recording, ConvertsAllControllersWhenTheButtonOfThePanelIsPressed) {
     ExpectWalkingAt("walk", 4);
     stage.Tell("LUMISET_PRESS", "1030");
     EXPECT_EQ(stage.Press()["status"], "error");
+}
+
+// Acts the first time that the host's time moves, as it does when a recording starts.
+class AtTheStart final : public TimeChangeCallback {
+  public:
+    explicit AtTheStart(std::function<void()> act) : act_(std::move(act)) {
+        GetCOREInterface()->RegisterTimeChangeCallback(this);
+    }
+    ~AtTheStart() override { GetCOREInterface()->UnRegisterTimeChangeCallback(this); }
+
+    void TimeChanged(TimeValue) override {
+        if (const std::function<void()> act = std::exchange(act_, nullptr)) act();
+    }
+
+  private:
+    std::function<void()> act_;
+};
+
+TEST(Recording, StopsWhenTheUserDeletesItsNodesInTheMiddle) {
+    Stage stage;
+    const std::uint64_t empty = headless::SceneDigest();
+    stage.Host().SetTime(1000);
+    const AtTheStart deletion([&stage] {
+        stage.Host().Select({"walk_Hip"});
+        stage.Host().DeleteSelected();
+    });
+    stage.Tell("LUMISET_CAPTURE", stage.WriteFile("walk.bvh", Walk(6)));
+    auto report = stage.Press();
+    EXPECT_EQ(report["error"], "the recording was stopped at frame 0");
+    EXPECT_EQ(report["nodes"], "0");
+    EXPECT_TRUE(headless::Nodes().empty());
+    while (stage.Host().Undo()) {
+    }
+    EXPECT_EQ(headless::SceneDigest(), empty);
+    stage.Record(stage.File("walk.bvh"));
+    ExpectWalkingAt("walk", 5);
+}
+
+TEST(Recording, TakesEverythingBackWhenItFails) {
+    Stage stage;
+    const std::uint64_t empty = headless::SceneDigest();
+    stage.Host().SetTime(1000);
+    const AtTheStart loss(
+        [] { GetCOREInterface()->DeleteNode(headless::FindNode("walk_Knee"), 0, 0); });
+    stage.Tell("LUMISET_CAPTURE", stage.WriteFile("walk.bvh", Walk(6)));
+    auto report = stage.Press();
+    EXPECT_EQ(report["error"], "\"Knee\" cannot be moved by the host");
+    EXPECT_EQ(report["nodes"], "0");
+    EXPECT_EQ(headless::SceneDigest(), empty);
+    EXPECT_TRUE(stage.Host().UndoLabels().empty());
+    EXPECT_EQ(GetCOREInterface()->GetTime(), 1000);
 }
 
 TEST(Recording, FindsEveryFaultBeforeItTouchesTheScene) {

@@ -47,6 +47,7 @@ class FrameWriter {
     std::string Write(std::size_t frame) {
         const double seconds = FrameTime(motion_, frame);
         EvaluatePose(motion_, frame, metresPerUnit_, pose_);
+        if (state_.stopRequested) return Stopped(frame);
         if (scales_.empty()) Prepare(seconds);
         // Parents first: what a child's controller keeps is relative to where its parent is then.
         for (std::size_t joint = 0; joint < pose_.size(); ++joint) {
