@@ -5,6 +5,10 @@
 #include "host/interface.h"
 #include "measures/host_clock.h"
 
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/lsan_interface.h>
+#endif
+
 namespace {
 
 // Opens the utility and puts the command panel back on the page that the user had.
@@ -13,6 +17,13 @@ constexpr const char* kOpenUtilityScript =
     "UtilityPanel.OpenUtility 'Tarvo_Lumiset_Util';"
     "setCommandPanelTaskMode mode:panel;";
 
+// The object outlives the module in whose memory the pointer to it lies.
+void TellLeakChecker([[maybe_unused]] const void* object) {
+#if defined(__SANITIZE_ADDRESS__)
+    __lsan_ignore_object(object);
+#endif
+}
+
 }  // namespace
 
 CoreLink& TheCoreLink() {
@@ -20,7 +31,11 @@ CoreLink& TheCoreLink() {
 }
 
 UtilityManager& UtilityManager::Get() {
-    static UtilityManager* const manager = new UtilityManager;
+    static UtilityManager* const manager = [] {
+        auto* const made = new UtilityManager;
+        TellLeakChecker(made);
+        return made;
+    }();
     return *manager;
 }
 

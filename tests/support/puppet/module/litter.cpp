@@ -1,7 +1,5 @@
 #include "support/puppet/module/litter.h"
 
-#include <memory>
-
 #include "tvl/message.h"
 
 namespace puppet {
@@ -56,28 +54,31 @@ struct Things {
     Listener listener;
 };
 
-std::unique_ptr<Things> things;
+Things& TheThings() {
+    static Things things;
+    return things;
+}
 
 }  // namespace
 
 TVL::Util::MessageNode* Litter(TVL::AdaptorInterface& adaptor) {
-    things = std::make_unique<Things>();
-    adaptor.SetLog(&things->log);
-    adaptor.SetErrorCode(&things->codes);
+    Things& things = TheThings();
+    adaptor.SetLog(&things.log);
+    adaptor.SetErrorCode(&things.codes);
 
     adaptor.BeginUndoGroup("outer");
     adaptor.BeginUndoGroup("inner");
     TVL::CNode* const node =
-        adaptor.CreateLensNode(&things->owner, "left", nullptr, &things->listener);
+        adaptor.CreateLensNode(&things.owner, "left", nullptr, &things.listener);
     adaptor.AddUndoChunk(new Chunk);
-    adaptor.BeginRecording({&things->owner});
+    adaptor.BeginRecording({&things.owner});
     adaptor.RequestFocus();
 
     auto* const real = static_cast<TVL::CoreNode*>(node);
     real->AcquireSnapshot(0.5);
     auto* const copy = real->Clone(false);
     if (copy) copy->AcquireSnapshot(0.5);
-    return &things->button;
+    return &things.button;
 }
 
 }  // namespace puppet
