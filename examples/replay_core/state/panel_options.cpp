@@ -2,9 +2,8 @@
 
 #include <algorithm>
 #include <limits>
-#include <memory>
 #include <optional>
-#include <ranges>
+#include <utility>
 
 #include "replay_core/motion/numbers.h"
 
@@ -31,8 +30,8 @@ PanelOptions::PanelOptions(const XMLNode& panel) {
         open.pop_back();
         if (std::optional<PanelOption> option = ReadOption(element))
             options_.push_back(std::move(*option));
-        for (const std::unique_ptr<XMLNode>& child : element.children | std::views::reverse)
-            open.push_back(child.get());
+        for (auto child = element.children.rbegin(); child != element.children.rend(); ++child)
+            open.push_back(child->get());
     }
 }
 

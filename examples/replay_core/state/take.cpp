@@ -1,6 +1,5 @@
 #include "replay_core/state/take.h"
 
-#include <ranges>
 #include <utility>
 
 #include "replay_core/state/guarded.h"
@@ -35,9 +34,9 @@ std::intptr_t Take::HandleExtension(int id, void* argument) {
 // Children go before their parents, so that the host has no child to hang elsewhere meanwhile. The
 // book is asked again for each node, because the deletion of one can take others along.
 void Take::DeleteNodes() {
-    const std::vector<TVL::CNode*> nodes = book_.Nodes();
+    const std::vector<TVL::CNode*> newestFirst(book_.Nodes().rbegin(), book_.Nodes().rend());
     adaptor_.BeginUndoGroup("Delete " + Name());
-    for (TVL::CNode* node : nodes | std::views::reverse) {
+    for (TVL::CNode* node : newestFirst) {
         if (!book_.Has(node)) continue;
         AsCoreNode(node)->Delete(true);
         book_.OnNodeRemoved(node);  // unless the adaptor has said so, as it does within a group
