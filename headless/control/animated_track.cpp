@@ -40,10 +40,10 @@ void AnimatedTrack<T>::SetKey(const TrackKey<T>& key) {
     auto& keys = data_.keys;
     const std::size_t index = data_.FirstNotBefore(key.time);
     if (index < keys.size() && keys[index].time == key.time) {
-        PutRecord<KeyChangeRecord<T>>(*this, index);
+        PutRecord<KeyChangeRecord<T>>(*this, keys[index]);
         keys[index] = key;
     } else {
-        PutRecord<KeyPresenceRecord<T>>(*this, index);
+        PutRecord<KeyPresenceRecord<T>>(*this, key);
         keys.insert(keys.begin() + static_cast<std::ptrdiff_t>(index), key);
     }
 }
@@ -63,7 +63,7 @@ void AnimatedTrack<T>::Shift(const T& from, const T& to) {
 
 template <class T>
 void AnimatedTrack<T>::DeleteKey(std::size_t index) {
-    PutRecord<KeyPresenceRecord<T>>(*this, index, data_.keys[index]);
+    PutRecord<KeyPresenceRecord<T>>(*this, data_.keys[index]);
     data_.keys.erase(data_.keys.begin() + static_cast<std::ptrdiff_t>(index));
     Announce();
 }

@@ -9,7 +9,8 @@
 namespace headless {
 
 // The records of a track's edits. Each exchanges what the track has for what it had, so that taking
-// back and doing again are the same act.
+// back and doing again are the same act. Keys are found by their times: where the track was edited
+// past the hold in between, a record whose key is no longer there, or is there again, does nothing.
 template <class T>
 class TrackRecord : public RestoreObj {
   public:
@@ -21,12 +22,11 @@ class TrackRecord : public RestoreObj {
     KeyTrack<T>& Keys() { return track_.UnrecordedKeys(); }
 
   private:
-    virtual void Exchange() = 0;
+    virtual bool Exchange() = 0;  // false: there is nothing to exchange
 
     void Turn(bool toUndone) {
-        if (undone_ == toUndone) return;
+        if (undone_ == toUndone || !Exchange()) return;
         undone_ = toUndone;
-        Exchange();
         track_.Announce();
     }
 
@@ -34,46 +34,48 @@ class TrackRecord : public RestoreObj {
     bool undone_ = false;
 };
 
-// A key is there or is not.
+// Before a key comes to a time that has none, or the key at its time goes.
 template <class T>
 class KeyPresenceRecord final : public TrackRecord<T> {
   public:
-    // Before a key comes that is to have this index.
-    KeyPresenceRecord(AnimatedTrack<T>& track, std::size_t index)
-        : TrackRecord<T>(track), index_(index), isThere_(true) {}
-    // Before the key with this index goes.
-    KeyPresenceRecord(AnimatedTrack<T>& track, std::size_t index, const TrackKey<T>& key)
-        : TrackRecord<T>(track), index_(index), key_(key), isThere_(false) {}
+    KeyPresenceRecord(AnimatedTrack<T>& track, const TrackKey<T>& key)
+        : TrackRecord<T>(track), key_(key), isThere_(!track.Keys().HasKeyAt(key.time)) {}
 
   private:
-    void Exchange() override {
-        auto& keys = this->Keys().keys;
-        const auto place = keys.begin() + static_cast<std::ptrdiff_t>(index_);
+    bool Exchange() override {
+        KeyTrack<T>& track = this->Keys();
+        if (track.HasKeyAt(key_.time) != isThere_) return false;
+        const auto place =
+            track.keys.begin() + static_cast<std::ptrdiff_t>(track.FirstNotBefore(key_.time));
         if (isThere_) {
             key_ = *place;
-            keys.erase(place);
+            track.keys.erase(place);
         } else {
-            keys.insert(place, key_);
+            track.keys.insert(place, key_);
         }
         isThere_ = !isThere_;
+        return true;
     }
 
-    std::size_t index_;
     TrackKey<T> key_;
-    bool isThere_;
+    bool isThere_;  // after the edit, and after each exchange
 };
 
-// A key is overwritten.
+// A key is overwritten by another of the same time.
 template <class T>
 class KeyChangeRecord final : public TrackRecord<T> {
   public:
-    KeyChangeRecord(AnimatedTrack<T>& track, std::size_t index)
-        : TrackRecord<T>(track), index_(index), key_(track.Keys().keys[index]) {}
+    KeyChangeRecord(AnimatedTrack<T>& track, const TrackKey<T>& before)
+        : TrackRecord<T>(track), key_(before) {}
 
   private:
-    void Exchange() override { std::swap(this->Keys().keys[index_], key_); }
+    bool Exchange() override {
+        KeyTrack<T>& track = this->Keys();
+        if (!track.HasKeyAt(key_.time)) return false;
+        std::swap(track.keys[track.FirstNotBefore(key_.time)], key_);
+        return true;
+    }
 
-    std::size_t index_;
     TrackKey<T> key_;
 };
 
@@ -85,7 +87,10 @@ class WholeTrackRecord final : public TrackRecord<T> {
         : TrackRecord<T>(track), other_(track.Keys()) {}
 
   private:
-    void Exchange() override { std::swap(this->Keys(), other_); }
+    bool Exchange() override {
+        std::swap(this->Keys(), other_);
+        return true;
+    }
 
     KeyTrack<T> other_;
 };

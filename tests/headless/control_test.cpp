@@ -174,6 +174,28 @@ TEST_F(ControlTest, KeysAreFoundChosenAndDeletedUndoably) {
     control->DeleteThis();
 }
 
+TEST_F(ControlTest, UndoPassesOverKeysThatWereEditedPastTheHold) {
+    Control* control = NewFloat();
+    Key([&] {
+        Set(control, 0, 1);
+        Step([&] { Set(control, 10, 2); });
+        Step([&] { Set(control, 10, 3); });
+    });
+    Step([&] { control->DeleteKeyAtTime(0); });
+    control->DeleteKeys(TRACK_DOALL);
+    Key([&] { Set(control, 0, 4); });
+
+    for (int i = 0; i < 3; ++i)
+        session.Undo();
+    EXPECT_EQ(KeyTimes(control), (Times{0}));
+    for (int i = 0; i < 3; ++i)
+        session.Redo();
+    EXPECT_EQ(KeyTimes(control), (Times{0}));
+    EXPECT_EQ(Get(control, 0), 4.0f);
+    host.FlushUndoBuffer();
+    control->DeleteThis();
+}
+
 TEST_F(ControlTest, APacketMovesRotatesAndScalesInItsAxes) {
     Control* control = NewTransform();
     const Matrix3 parent = Turned(90, {8, 0, 0});
