@@ -1,6 +1,7 @@
 #include "command/record.h"
 
 #include <filesystem>
+#include <fstream>
 #include <set>
 #include <sstream>
 #include <utility>
@@ -43,6 +44,14 @@ void TellCore(const RecordOptions& options, const std::string& csv, const std::s
     SetVariable(kOptimisedVariable, options.optimisedController ? "1" : "0");
     SetVariable(kProgressVariable, options.progress ? "1" : "");
     SetVariable(kTraceVariable, options.trace);
+}
+
+// The plug-in appends to its trace, so that the file is made or emptied here. The result is empty,
+// or says what is wrong.
+std::string StartTrace(const std::string& path) {
+    if (path.empty()) return {};
+    std::ofstream file(path, std::ios::trunc);
+    return file ? std::string() : path + ": the trace cannot be written";
 }
 
 SessionSettings SettingsFor(const RecordOptions& options) {
@@ -136,6 +145,8 @@ void NameTarget(const ScratchFile& file, const std::string& target, std::string&
 RecordResult Record(const RecordOptions& options) {
     RecordResult result;
     result.capture = options.capture;
+    result.error = StartTrace(options.trace);
+    if (!result.error.empty()) return result;
     ScratchFile csv(options.csv);
     const ScratchFile report{""};
     TellCore(options, options.csv.empty() ? "" : csv.Path(), report.Path());
