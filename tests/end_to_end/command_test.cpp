@@ -1,0 +1,117 @@
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "end_to_end/stage.h"
+
+// The command as a person calls it: what it prints, and how it ends.
+
+namespace {
+
+struct Ending {
+    int status;
+    std::string out;
+    std::string error;
+};
+
+class Command : public testing::Test {
+  protected:
+    Command() {
+        std::string pattern =
+            (std::filesystem::temp_directory_path() / "lumiset_command_XXXXXX").string();
+        folder_ = mkdtemp(pattern.data());
+    }
+    ~Command() override { std::filesystem::remove_all(folder_); }
+
+    std::string File(const std::string& name) const { return folder_ + "/" + name; }
+
+    std::string Write(const std::string& name, const std::string& text) const {
+        std::ofstream(File(name), std::ios::binary) << text;
+        return File(name);
+    }
+
+    static std::string Read(const std::string& path) {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    // Runs the command with the Core that is installed below `coreFolder`.
+    Ending Run(const std::string& arguments, const std::string& coreFolder = CORE_FOLDER) const {
+        const std::string registry =
+            Write("command.reg",
+                  "Windows Registry Editor Version 5.00\n\n"
+                  "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node\\Tarvo Works\\Ostrel tools]\n"
+                  "\"datapath\"=\"" +
+                      coreFolder + "\"\n");
+        const std::string line = "LUMISET_REGISTRY=" + registry + " " + COMMAND + " " + arguments +
+                                 " >" + File("out") + " 2>" + File("error");
+        const int status = std::system(line.c_str());
+        return {WEXITSTATUS(status), Read(File("out")), Read(File("error"))};
+    }
+
+    // Fails with one line, which says all of `what`.
+    void ExpectFailure(const Ending& ending, const std::string& what) const {
+        EXPECT_EQ(ending.status, 1);
+        EXPECT_EQ(ending.out, "");
+        EXPECT_EQ(std::count(ending.error.begin(), ending.error.end(), '\n'), 1) << ending.error;
+        EXPECT_EQ(ending.error.rfind("lumiset-headless: " + what, 0), 0U) << ending.error;
+    }
+
+    std::string folder_;
+};
+
+TEST_F(Command, TellsAProgramWhatWasRecordedAndWritesThePositions) {
+    const std::string capture = Write("walk.bvh", Walk(5));
+    const Ending ending = Run("record " + capture + " --scale 1 --json --csv " + File("walk.csv") +
+                              " --trace " + File("trace"));
+    ASSERT_EQ(ending.status, 0) << ending.error;
+    const nlohmann::json told = nlohmann::json::parse(ending.out);
+    EXPECT_EQ(told["capture"], capture);
+    EXPECT_EQ(told["joints"], 2);
+    EXPECT_EQ(told["frames"], 5);
+    EXPECT_EQ(told["keys"], 10);
+    EXPECT_EQ(told["undoSteps"], 1);
+    EXPECT_EQ(told["undoIdentical"], true);
+    EXPECT_EQ(told["redoIdentical"], true);
+    EXPECT_EQ(told["hostObjectsAlive"], 0);
+    EXPECT_LT(told["maxPositionErrorMetres"].get<double>(), 1e-4);
+    const std::string positions = Read(File("walk.csv"));
+    EXPECT_EQ(positions.rfind("frame,seconds,joint,x,y,z\n0,0,Hip,", 0), 0U);
+    EXPECT_EQ(std::count(positions.begin(), positions.end(), '\n'), 11);
+    EXPECT_NE(Read(File("trace")).find("creating helper"), std::string::npos);
+}
+
+TEST_F(Command, NamesTheLineOfADamagedCaptureAndLeavesNoFile) {
+    const std::string whole = Walk(5);
+    const std::string capture = Write("cut.bvh", whole.substr(0, whole.size() - 8));
+    ExpectFailure(Run("record " + capture + " --csv " + File("cut.csv")), capture + ":");
+    EXPECT_FALSE(std::filesystem::exists(File("cut.csv")));
+}
+
+TEST_F(Command, SaysThatThereIsNoCoreOfUse) {
+    const std::string capture = Write("walk.bvh", Walk(2));
+    const std::string attached = "the Core could not be attached (";
+    ExpectFailure(Run("record " + capture, folder_), attached);
+    for (const char* puppet : {"without_version", "without_attach", "without_detach"})
+        ExpectFailure(Run("record " + capture, std::string(PUPPET_CORES) + "/" + puppet), attached);
+}
+
+TEST_F(Command, RefusesFilesThatItCannotWriteAndWordsThatItDoesNotKnow) {
+    const std::string capture = Write("walk.bvh", Walk(2));
+    for (const char* option : {" --trace ", " --csv "}) {
+        const std::string path = File("nowhere/file");
+        ExpectFailure(Run("record " + capture + option + path), path + ": ");
+    }
+    for (const std::string& words : {std::string("record"), "record " + capture + " --scale -1",
+                                     "record " + capture + " --sideways", std::string("play")})
+        EXPECT_EQ(Run(words).status, 2) << words;
+}
+
+}  // namespace
