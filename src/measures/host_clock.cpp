@@ -1,34 +1,19 @@
 #include "measures/host_clock.h"
 
-#include <cmath>
-#include <limits>
-
 #include "host/interface.h"
 #include "host/time.h"
-
-namespace {
-
-TimeValue Truncated(double ticks) {
-    constexpr TimeValue kFirst = std::numeric_limits<TimeValue>::min();
-    constexpr TimeValue kLast = std::numeric_limits<TimeValue>::max();
-    if (std::isnan(ticks)) return 0;
-    if (ticks <= kFirst) return kFirst;
-    if (ticks >= kLast) return kLast;
-    return static_cast<TimeValue>(ticks);
-}
-
-}  // namespace
+#include "measures/saturation.h"
 
 int TicksPerSecond() {
     return GetTicksPerFrame() * GetFrameRate();
 }
 
 TimeValue SnapshotTicks(double seconds) {
-    return Truncated(GetTicksPerFrame() * (GetFrameRate() * seconds));
+    return TruncatedToInt32(GetTicksPerFrame() * (GetFrameRate() * seconds));
 }
 
 TimeValue HostTicks(double seconds) {
-    return Truncated(seconds * TicksPerSecond());
+    return TruncatedToInt32(seconds * TicksPerSecond());
 }
 
 double SecondsOf(TimeValue ticks) {

@@ -1,10 +1,8 @@
 #include "nodes/helper_snapshot.h"
 
-#include <algorithm>
-#include <cmath>
-#include <limits>
 #include <memory>
 
+#include "measures/saturation.h"
 #include "objects/custom_helper_object.h"
 #include "objects/mesh_exchange.h"
 
@@ -12,13 +10,8 @@ namespace {
 
 // The low 8 bits of the channel times 255; nothing is clamped to them.
 std::uint32_t WireChannel(float channel) {
-    constexpr double kLowest = std::numeric_limits<std::int32_t>::min();
-    constexpr double kHighest = std::numeric_limits<std::int32_t>::max();
-    const double scaled = static_cast<double>(channel) * 255.0;
-    if (std::isnan(scaled)) return 0;
-    return static_cast<std::uint32_t>(
-               static_cast<std::int32_t>(std::clamp(scaled, kLowest, kHighest))) &
-           0xFF;
+    const std::int32_t scaled = TruncatedToInt32(static_cast<double>(channel) * 255.0);
+    return static_cast<std::uint32_t>(scaled) & 0xFF;
 }
 
 // The host's colour value: red in the low byte.
@@ -52,7 +45,7 @@ void CMAXNode::CMAXSnapshot_Helper::SetMesh(const TVL::CMesh& mesh) {
 
 void CMAXNode::CMAXSnapshot_Helper::SetColor(float red, float green, float blue) {
     if (CustomHelperObject* helper = LiveHelper()) helper->colour = {red, green, blue};
-    if (INode* host = hostNode.Get()) host->SetWireColor(WireColour(red, green, blue));
+    if (INode* host = LiveNode()) host->SetWireColor(WireColour(red, green, blue));
 }
 
 void CMAXNode::CMAXSnapshot_Helper::SetWireframe(bool wireframe) {
@@ -64,9 +57,12 @@ void CMAXNode::CMAXSnapshot_Helper::SetBackfaceCull(bool backfaceCull) {
 }
 
 Object* CMAXNode::CMAXSnapshot_Helper::LiveObject() const {
-    if (!hostNode.IsSet()) return hostObject;
+    return !hostNode.IsSet() || LiveNode() ? hostObject : nullptr;
+}
+
+INode* CMAXNode::CMAXSnapshot_Helper::LiveNode() const {
     INode* const host = hostNode.Get();
-    return host && host->GetObjectRef() == hostObject ? hostObject : nullptr;
+    return host && host->GetObjectRef() == hostObject ? host : nullptr;
 }
 
 CustomHelperObject* CMAXNode::CMAXSnapshot_Helper::LiveHelper() const {

@@ -30,6 +30,7 @@ class CMAXNode::CMAXSnapshot_Helper final : public TVL::CoreNode::Snapshot_Helpe
 
   private:
     Object* LiveObject() const;
+    INode* LiveNode() const;  // null: gone, or shows another object
     CustomHelperObject* LiveHelper() const;
 
     Object* hostObject = nullptr;  // the host's; used only as LiveObject tells

@@ -50,8 +50,6 @@ class SnapshotPool {
         }
     }
 
-    std::size_t Size() const { return snapshots_.size(); }
-
   private:
     struct Orphan final : OrphanedSnapshot {
         explicit Orphan(std::unique_ptr<Snapshot> left) : snapshot(std::move(left)) {}

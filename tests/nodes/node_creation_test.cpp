@@ -150,4 +150,20 @@ TEST_F(HelperLook, IsKeptByTheAdaptorsOwnHelperObject) {
     EXPECT_EQ(box.pmin, Point3(11, 2, 3));
 }
 
+TEST_F(HelperLook, DoesNothingToANodeThatShowsAnotherObjectByNow) {
+    Node* const hip = Helper("Hip");
+    INode* const host = Host("Rig_Hip");
+    TVL::CSnapshot_Helper* const look = hip->AcquireHelperSnapshot();
+    int shown = 0;
+    while (host->GetReference(shown) != host->GetObjectRef())
+        ++shown;
+    host->ReplaceReference(shown, custom);
+    look->SetColor(0, 1, 0);
+    look->SetWireframe(false);
+    EXPECT_EQ(host->GetWireColor(), 255U);
+    EXPECT_EQ(custom->colour, (std::array<float, 3>{1, 0, 0}));
+    EXPECT_EQ(custom->wireframe, 1);
+    hip->ReleaseHelperSnapshot(look);
+}
+
 }  // namespace
