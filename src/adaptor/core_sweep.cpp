@@ -45,8 +45,11 @@ int CutMessageLinks(TVL::Util::MessageNode& node) {
     for (std::int32_t index = node.GetListeningCount(); index-- > 0; ++cut) {
         node.StopListening(node.GetListeningTo(index));
     }
-    for (std::int32_t index = node.GetListenerCount(); index-- > 0; ++cut) {
-        node.GetListener(index)->MessageNode::StopListening(&node);
+    for (std::int32_t index = node.GetListenerCount(); index-- > 0;) {
+        TVL::Util::MessageNode* const listener = node.GetListener(index);
+        if (!listener) continue;  // went while another one took its leave
+        listener->MessageNode::StopListening(&node);
+        ++cut;
     }
     return cut;
 }

@@ -103,10 +103,12 @@ void CMAXNode::Unclaim() {
     LoseSource();
 }
 
-void CMAXNode::ForgetCore() {
+bool CMAXNode::ForgetCore() {
+    const bool knowsCore = !std::exchange(isForgotten, true) || owner || listener;
     owner = nullptr;
     sourceOwner = nullptr;
     listener = nullptr;
+    return knowsCore;
 }
 
 void CMAXNode::EmptyWatches() {

@@ -81,7 +81,8 @@ class CMAXNode final : public TVL::CoreNode {
     bool IsRecordable() const { return recordable; }
 
     // From here on the node knows neither owner nor listener, nor who was the owner of its source.
-    void ForgetCore();
+    // False if an earlier call has left nothing to forget.
+    bool ForgetCore();
 
     // The nodes alive, real and snapshot nodes, from the newest to the oldest.
     static CMAXNode* NewestAlive() { return newestAlive; }
@@ -103,6 +104,7 @@ class CMAXNode final : public TVL::CoreNode {
     void LoseSource();
 
     bool isSnapshot;
+    bool isForgotten = false;  // by the Core that it was made for
     HostNodeLink hostNode;
     SnapshotPool<CMAXSnapshot> transformPool;
     SnapshotPool<CMAXSnapshot_Helper> helperPool;

@@ -10,9 +10,9 @@ SweptNodes SweepNodes() {
     CMAXNode* node = CMAXNode::NewestAlive();
     while (node) {
         CMAXNode* const older = node->OlderAlive();
-        node->ForgetCore();
+        const bool isOfThisCore = node->ForgetCore();
         if (node->IsSnapshot()) {
-            ++swept.snapshotNodes;
+            if (isOfThisCore) ++swept.snapshotNodes;
         } else {
             ++(IsListed(node) ? swept.realNodes : swept.recordedNodes);
             node->Destroy();

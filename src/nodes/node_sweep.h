@@ -4,7 +4,7 @@
 struct SweptNodes {
     int realNodes = 0;      // listed nodes, destroyed
     int recordedNodes = 0;  // nodes that undo records held, destroyed; their records are empty now
-    int snapshotNodes = 0;  // not given back; they no longer know owner or listener
+    int snapshotNodes = 0;  // not given back since the last sweep; know no owner or listener now
     int snapshots = 0;      // outlived their node, freed
 
     bool IsEmpty() const {

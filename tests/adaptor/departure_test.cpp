@@ -75,6 +75,20 @@ TEST_P(Departure, IsToldInTheTrace) {
 
 INSTANTIATE_TEST_SUITE_P(AttachedAndRefused, Departure, testing::Bool());
 
+TEST_P(Departure, IsNotHeldAgainstTheNextCore) {
+    AttachLitter();
+    UtilityManager::Get().DetachCore();
+    puppet::TheStage().core = &world.Core();
+    ASSERT_EQ(UtilityManager::Get().AttachCore(), 0);
+    ASSERT_EQ(AttachedCore(), &world.Core());
+    world.ShutDown();
+    constexpr const char* kWarning = "left something behind";
+    const std::string trace = world.Trace();
+    const std::size_t first = trace.find(kWarning);
+    ASSERT_NE(first, std::string::npos);
+    EXPECT_EQ(trace.find(kWarning, first + 1), std::string::npos) << trace;
+}
+
 TEST(TidyDeparture, IsNotWorthAWarning) {
     World world;
     world.ShutDown();
