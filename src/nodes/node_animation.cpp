@@ -1,3 +1,4 @@
+#include <cmath>
 #include <limits>
 
 #include "measures/host_clock.h"
@@ -21,7 +22,7 @@ void DeleteTimeOfAll(Animatable* top, Interval range, std::uint32_t flags) {
 
 void CMAXNode::DeleteAnimationFrom(double seconds) {
     INode* const host = HostNode();
-    if (!recordable || !host) return;
+    if (!recordable || !host || std::isnan(seconds)) return;
     // The left end is out, so that a key exactly there stays.
     const Interval later(SnapshotTicks(seconds), std::numeric_limits<TimeValue>::max());
     DeleteTimeOfAll(host, later, TIME_INCRIGHT);

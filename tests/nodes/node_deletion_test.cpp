@@ -1,3 +1,5 @@
+#include <cmath>
+
 #include "controllers/transform_control.h"
 #include "host/interface.h"
 #include "nodes/node_test.h"
@@ -188,6 +190,7 @@ TEST_F(NodeDeletion, OfTheTailOfAnAnimationKeepsTheKeyAtItsTime) {
         hip->ReleaseSnapshot(snapshot);
     }
     adaptor.EndRecording();
+    hip->DeleteAnimationFrom(std::nan(""));
     hip->DeleteAnimationFrom(0.5);
     Control* const controller = Host("Rig_Hip")->GetTMController();
     ASSERT_EQ(controller->NumKeys(), 2);
