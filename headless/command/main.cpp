@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cmath>
+#include <exception>
 #include <iostream>
 #include <string>
 
@@ -21,9 +22,12 @@ std::string CheckSize(const std::string& text) {
     return isNumber && size > 0 && std::isfinite(size) ? "" : text + " is not a number above 0";
 }
 
-}  // namespace
+int Fail(const std::string& what) {
+    std::cerr << "lumiset-headless: " << what << '\n';
+    return kFailed;
+}
 
-int main(int argc, char** argv) {
+int Run(int argc, char** argv) {
     CLI::App app("The animation host without a screen, with the plug-in and its Core.");
     app.require_subcommand(1);
     headless::RecordOptions options;
@@ -53,13 +57,20 @@ int main(int argc, char** argv) {
     options.progress = isatty(STDERR_FILENO) != 0;
 
     const headless::RecordResult result = headless::Record(options);
-    if (!result.error.empty()) {
-        std::cerr << "lumiset-headless: " << result.error << '\n';
-        return kFailed;
-    }
+    if (!result.error.empty()) return Fail(result.error);
     if (json)
         headless::PrintForProgram(std::cout, result);
     else
         headless::PrintForPerson(std::cout, result);
     return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return Run(argc, argv);
+    } catch (const std::exception& error) {
+        return Fail(error.what());
+    }
 }

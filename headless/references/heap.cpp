@@ -21,7 +21,7 @@ void MaxHeapOperators::operator delete(void* block, std::size_t size) noexcept {
     if (block == nullptr) return;
     --use.blocks;
     use.bytes -= size;
-    ::operator delete(block, size);
+    ::operator delete(block);
 }
 
 headless::HeapUse headless::CurrentHeapUse() {

@@ -31,6 +31,7 @@ void Toggle(SceneNode& node) {
 void ToggleAll(const std::vector<SceneNode*>& nodes) {
     if (nodes.empty()) return;
     std::vector<NodePtr> kept;
+    kept.reserve(nodes.size());
     for (SceneNode* node : nodes)
         kept.push_back(node->shared_from_this());
     Undoably([kept = std::move(kept)] {

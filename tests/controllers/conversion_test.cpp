@@ -193,9 +193,9 @@ TEST_F(Conversion, AControllerOfNobodyIsLeftAlone) {
 }
 
 TEST_F(Conversion, AThousandControllersLeaveInWhateverOrderTheyGo) {
-    std::vector<OpenScalar*> controls;
-    for (int i = 0; i < 1000; ++i)
-        controls.push_back(new OpenScalar);
+    std::vector<OpenScalar*> controls(1000);
+    for (OpenScalar*& control : controls)
+        control = new OpenScalar;
     for (std::size_t i = 0; i < 1000; ++i)
         controls[i * 7 % 1000]->DeleteThis();
     int left = 0;
@@ -204,9 +204,9 @@ TEST_F(Conversion, AThousandControllersLeaveInWhateverOrderTheyGo) {
 }
 
 TEST_F(Conversion, AWalkOverTheLiveOnesBearsTheirDestruction) {
-    std::vector<OpenScalar*> controls;
-    for (int i = 0; i < 5; ++i)
-        controls.push_back(new OpenScalar);
+    std::vector<OpenScalar*> controls(5);
+    for (OpenScalar*& control : controls)
+        control = new OpenScalar;
     std::vector<ScalarControl*> visited;
     ScalarControl::liveInstances.ForEachFromLast([&](ScalarControl& control) {
         visited.push_back(&control);

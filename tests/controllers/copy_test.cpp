@@ -95,8 +95,9 @@ TEST_F(CopyKeys, TheCachedKeyIsTheTableAtTheMillisecondCounter) {
     source_->times = {0, kFrame};
     control_->Copy(&*source_);
     platform::ClearTickCount();
-    EXPECT_EQ(control_->table.currentKey.time, kFrame / 2);
-    EXPECT_EQ(control_->table.currentKey.value, static_cast<float>(kFrame / 2));
+    constexpr TimeValue kHalf = kFrame / 2;
+    EXPECT_EQ(control_->table.currentKey.time, kHalf);
+    EXPECT_EQ(control_->table.currentKey.value, static_cast<float>(kHalf));
 }
 
 TEST_F(CopyKeys, ItselfNothingOrAControllerOfOtherValuesChangesNothing) {
