@@ -14,7 +14,7 @@ PLUGIN = [["foundation"], ["persistence/xml"], ["persistence/codecs"], ["resourc
           ["measures"], ["undo"], ["controllers"], ["objects"], ["nodes"], ["persistence/scene"],
           ["adaptor"], ["plugin"]]
 HOST = [["values"], ["storage"], ["references"], ["hold"], ["control", "objects"], ["scene"],
-        ["classes"], ["ui"], ["session"], ["command"]]
+        ["classes"], ["scene_file"], ["ui"], ["session"], ["command"]]
 
 # Part of the house: its folder, its floors, and the contracts that it may include.
 PARTS = [

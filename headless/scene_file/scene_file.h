@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "host/class_desc.h"
+#include "host/gup.h"
+#include "scene/node.h"
+#include "scene_file/scene_document.h"
+#include "storage/byte_source.h"
+
+// Scene files on disk: checked before they are believed, streamed both ways, complete or untouched.
+namespace headless {
+
+// What is wrong with a scene file, in one line: "FILE: at byte N: ...".
+class SceneFileError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+// A global utility that runs, with the descriptor of its class.
+struct RunningUtility {
+    ClassDesc* descriptor = nullptr;
+    GUP* utility = nullptr;
+};
+
+// Chunks of a utility that nobody took when the scene was opened.
+struct KeptChunks {
+    StoredClass type;
+    std::vector<std::byte> chunks;
+};
+
+// A scene file that has been checked from end to end: every checksum, length, index and handle.
+class SceneFileReader {
+  public:
+    // Throws SceneFileError, also if the file cannot be read.
+    explicit SceneFileReader(const std::string& path);
+
+    const SceneDocument& Document() const { return document_; }
+    ByteSource& Source() { return *source_; }
+
+    // Makes everything that the file holds. The scene is empty and nothing is held; none of it is
+    // undoable. Units, frame rate, range, time, handles, parents, properties and selection are the
+    // file's. The result is a line for each object that could not read its own bytes: that one is
+    // kept as it was stored.
+    std::vector<std::string> OpenIntoScene();
+
+    // Adds the file's nodes behind those of the scene, under new handles, with everything that they
+    // refer to; the scene's settings and selection stay. The nodes come in the order of the file.
+    // Throws SceneFileError, and changes nothing, if the file's unit or tick is another one.
+    std::vector<SceneNode*> MergeIntoScene(std::vector<std::string>& complaints);
+
+    // Runs `Load` of each running utility that has chunks in the file, in the file's order. What
+    // comes back is what no utility has opened a chunk of, or failed to load.
+    std::vector<KeptChunks> LoadUtilities(std::span<const RunningUtility> running);
+
+  private:
+    std::string path_;
+    std::unique_ptr<ByteSource> source_;
+    SceneDocument document_;
+};
+
+// Writes the scene, and the chunks of the utilities: for each that runs what its `Save` writes, and
+// `kept` for those of which there is nothing else. The file goes beside its place first, and takes
+// it when it is whole and on the disk. Throws SceneFileError; the old file stands untouched then.
+void WriteSceneFile(const std::string& path, std::span<const RunningUtility> running,
+                    std::span<const KeptChunks> kept);
+
+}  // namespace headless
