@@ -167,4 +167,8 @@ bool HostInterface::CloneNodes(INodeTab& nodes, const Point3& offset, bool expan
     return !copies.empty();
 }
 
+int HostInterface::MergeFromFile(const char*, int, int, int, int, NameTab*, int, int) {
+    return 0;
+}
+
 }  // namespace headless

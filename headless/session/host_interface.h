@@ -44,6 +44,9 @@ class HostInterface final : public Interface {
     void DeleteNode(INode* node, int redraw, int overrideSlaves) override;
     bool CloneNodes(INodeTab& nodes, const Point3& offset, bool expandHierarchies, CloneType type,
                     INodeTab* resultSource, INodeTab* resultTarget) override;
+    int MergeFromFile(const char* path, int mergeAll, int selectMerged, int refresh,
+                      int duplicateAction, NameTab* mergeList, int duplicateMaterialAction,
+                      int reparentAction) override;
 };
 
 }  // namespace headless

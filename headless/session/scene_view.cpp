@@ -2,11 +2,13 @@
 
 #include <set>
 
+#include "classes/class_registry.h"
 #include "headless/memory_chunks.h"
 #include "references/census.h"
 #include "references/heap.h"
 #include "scene/digest.h"
 #include "scene/scene.h"
+#include "session/path_config.h"
 
 namespace headless {
 namespace {
@@ -44,6 +46,14 @@ KeyView KeysOf(Animatable& controller) {
     return keys;
 }
 
+std::string ClassNameOf(Animatable& object) {
+    if (ClassDesc* known = TheClasses().Find(object.SuperClassID(), object.ClassID()))
+        return known->ClassName();
+    HostString name;
+    object.GetClassName(name);
+    return name;
+}
+
 NodeView ViewOf(SceneNode& node) {
     NodeView view;
     view.name = node.Name();
@@ -52,13 +62,17 @@ NodeView ViewOf(SceneNode& node) {
     if (Object* object = node.GetObjectRef()) {
         view.objectSuperClass = object->SuperClassID();
         view.objectClass = object->ClassID();
+        view.objectClassName = ClassNameOf(*object);
     }
     if (Control* controller = node.GetTMController()) {
         view.controllerClass = controller->ClassID();
+        view.controllerClassName = ClassNameOf(*controller);
         view.keys = KeysOf(*controller);
     }
     view.hidden = node.IsHidden(0, false);
     view.selected = node.Selected();
+    view.wireColour = node.GetWireColor();
+    view.userProperties.insert(node.UserProps().begin(), node.UserProps().end());
     return view;
 }
 
@@ -84,6 +98,10 @@ bool NodePosition(std::uint32_t handle, TimeValue t, PositionView& position) {
     const Point3 at = node->GetNodeTM(t, nullptr).GetTrans();
     position = {at.x, at.y, at.z};
     return true;
+}
+
+std::vector<std::string> MapDirectories() {
+    return SessionMapDirectories();
 }
 
 std::uint64_t SceneDigest() {

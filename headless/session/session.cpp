@@ -19,6 +19,7 @@
 #include "scene/selection.h"
 #include "scene/timeline.h"
 #include "scene/units.h"
+#include "session/path_config.h"
 #include "ui/command_panel.h"
 #include "ui/main_window.h"
 #include "ui/rollup_pages.h"
@@ -122,6 +123,7 @@ void Session::ShutDown() {
     CloseMainWindow();
     ForgetTimeCallbacks();
     ForgetNotifications();
+    ForgetMapDirectories();
     TheClasses().Clear();
     state_->libraries.clear();
     OnMessageBox({});

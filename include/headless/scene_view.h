@@ -28,12 +28,16 @@ struct NodeView {
     std::string name;
     std::uint32_t handle = 0;
     std::uint32_t parent = 0;        // the parent's handle, 0 at the top of the scene
-    SClass_ID objectSuperClass = 0;  // 0 and {0, 0} for a node without an object
+    SClass_ID objectSuperClass = 0;  // 0, {0, 0} and "" for a node without an object
     Class_ID objectClass;
+    std::string objectClassName;
     Class_ID controllerClass;  // of the transform controller
-    KeyView keys;              // of the transform controller
+    std::string controllerClassName;
+    KeyView keys;  // of the transform controller
     bool hidden = false;
     bool selected = false;
+    std::uint32_t wireColour = 0;  // red in the low byte
+    std::map<std::string, std::string> userProperties;
 };
 
 // All nodes of the scene, a parent before its children, children in their order.
@@ -49,6 +53,9 @@ struct PositionView {
     float z = 0;
 };
 HEADLESS_API bool NodePosition(std::uint32_t handle, TimeValue t, PositionView& position);
+
+// The directories that were added to the bitmap search path, in their order.
+HEADLESS_API std::vector<std::string> MapDirectories();
 
 // Stands for the state of the scene: two scenes that differ in a node, a link, a name, a property,
 // the selection, the animation range or in anything that a controller or an object saves have

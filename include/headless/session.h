@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -36,6 +37,21 @@ struct MessageBoxText {
     unsigned style = 0;
 };
 using MessageBoxHandler = std::function<void(const MessageBoxText&)>;
+
+// What came of a scene file that was opened, saved or merged.
+struct FileOutcome {
+    std::string error;                    // why it was not done, in one line; empty if it was
+    std::vector<std::string> complaints;  // what did not go well in what was done, a line each
+};
+
+// What the scene file that was opened holds of a utility.
+struct UtilityChunksView {
+    std::string className;
+    Class_ID classId;
+    std::uint64_t size = 0;  // bytes
+    bool isRunning = false;  // the utility was there when the file was opened
+    bool isTaken = false;    // it took them; else they are kept
+};
 
 // A running host. A process has one at a time; a second one can be made when the first is gone.
 class HEADLESS_API Session {
@@ -93,10 +109,32 @@ class HEADLESS_API Session {
     bool AnimateButtonEnabled() const;
     bool AcceleratorsEnabled() const;
 
-    // Both empty the scene and the undo buffer, after notification 7 and 5; Reset also puts the
-    // time, the range and the animate mode back to what they are at the start.
+    // Both empty the scene and the undo buffer, after notification 7 and 5; Reset also puts units,
+    // frame rate, time, range and animate mode back to what they are at the start.
     void NewScene();
     void Reset();
+
+    // Scene files. They are refused, like a new scene, from inside each other, from notification 9
+    // to the end of the loading and from 13 to 14, and while a step is undone or redone.
+
+    // A file that is refused leaves the scene as it is, and nobody hears of it. Else notification 9
+    // with a pointer to an int 0, the scene and the undo buffer are emptied, a hold that somebody
+    // left open is ended, then come the file's nodes and settings, `Load` of the global utilities,
+    // and notification 10.
+    FileOutcome OpenScene(const std::string& path);
+
+    // Notification 13, the file with what the global utilities save, and always 14. On an error the
+    // old file stands untouched.
+    FileOutcome SaveScene(const std::string& path);
+
+    // Adds the nodes of another file to the scene, selects them alone, and tells of it by
+    // notification 12; no utility loads anything. It is no undo step, and older steps stay.
+    FileOutcome MergeScene(const std::string& path);
+
+    // Chunks of utilities in the scene file that was opened last, in its order. Those that nobody
+    // took are kept until the scene is emptied, and each save writes those of a utility that has
+    // none of its own.
+    std::vector<UtilityChunksView> UtilityChunks() const;
 
     // Shows every message box from here on; an empty handler writes them to stderr.
     void OnMessageBox(MessageBoxHandler handler);

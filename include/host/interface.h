@@ -34,6 +34,14 @@ class HOST_API IObjParam {
 
 enum CloneType { NODE_COPY = 0 };
 
+// What to do where a merged node or material bears a name of the scene's, and whether merged nodes
+// look for their parents in the scene.
+inline constexpr int MERGE_DUPS_PROMPT = 0;
+inline constexpr int MERGE_DUP_MTL_PROMPT = 0;
+inline constexpr int MERGE_REPARENT_PROMPT = 0;
+
+class NameTab;
+
 // The host, for its plug-ins.
 class HOST_API Interface : public IObjParam {
   public:
@@ -72,6 +80,16 @@ class HOST_API Interface : public IObjParam {
     // Either result table may be null; entry i of one belongs to entry i of the other.
     virtual bool CloneNodes(INodeTab& nodes, const Point3& offset, bool expandHierarchies,
                             CloneType type, INodeTab* resultSource, INodeTab* resultTarget) = 0;
+
+    // Adds the nodes of another scene file, selects nothing but them if that is wanted, and tells
+    // of it with NOTIFY_FILE_POST_MERGE. 0: there is no such file; throws if it is damaged. The
+    // stand-in host merges everything, whatever is chosen by `mergeAll` and `mergeList`; asked what
+    // to do with duplicates, it keeps both, and leaves merged nodes under their own parents.
+    virtual int MergeFromFile(const char* path, int mergeAll = 0, int selectMerged = 0,
+                              int refresh = 1, int duplicateAction = MERGE_DUPS_PROMPT,
+                              NameTab* mergeList = nullptr,
+                              int duplicateMaterialAction = MERGE_DUP_MTL_PROMPT,
+                              int reparentAction = MERGE_REPARENT_PROMPT) = 0;
 };
 
 HOST_API Interface* GetCOREInterface();
