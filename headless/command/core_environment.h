@@ -1,18 +1,32 @@
 #pragma once
 
+#include <array>
 #include <string>
 
 // What reaches a Core around the host, which knows nothing of it: environment variables. The
 // example Core describes them in its own README; these are their names.
 namespace headless {
 
-inline constexpr char kCaptureVariable[] = "LUMISET_CAPTURE";
+inline constexpr char kCaptureVariable[] = "LUMISET_CAPTURE";             // paths, a line each
 inline constexpr char kCaptureScaleVariable[] = "LUMISET_CAPTURE_SCALE";  // metres in a file unit
-inline constexpr char kCsvVariable[] = "LUMISET_CSV";
-inline constexpr char kReportVariable[] = "LUMISET_REPORT";
-inline constexpr char kOptimisedVariable[] = "LUMISET_OPTIMISED";  // option 1027: 0 or 1
+inline constexpr char kOptimisedVariable[] = "LUMISET_OPTIMISED";         // option 1027: 0 or 1
 inline constexpr char kProgressVariable[] = "LUMISET_PROGRESS";
-inline constexpr char kTraceVariable[] = "LUMISET_TRACE";  // read by the plug-in
+inline constexpr char kMergeVariable[] = "LUMISET_MERGE";               // paths, a line each
+inline constexpr char kSampleVariable[] = "LUMISET_SAMPLE";             // START:END:STEP, seconds
+inline constexpr char kSampleNodesVariable[] = "LUMISET_SAMPLE_NODES";  // names, a line each
+inline constexpr char kPressVariable[] = "LUMISET_PRESS";               // the number of an option
+inline constexpr char kCsvVariable[] = "LUMISET_CSV";
+
+// All that make up a request.
+inline constexpr std::array kRequestVariables = {
+    kCaptureVariable, kCaptureScaleVariable, kOptimisedVariable, kProgressVariable, kMergeVariable,
+    kSampleVariable,  kSampleNodesVariable,  kPressVariable,     kCsvVariable};
+
+inline constexpr char kReportVariable[] = "LUMISET_REPORT";  // the file for the answer
+
+// Read by others than the Core.
+inline constexpr char kTraceVariable[] = "LUMISET_TRACE";        // by the plug-in
+inline constexpr char kRegistryVariable[] = "LUMISET_REGISTRY";  // by the system's services
 
 // An empty value takes the variable away.
 void SetVariable(const char* name, const std::string& value);

@@ -1,8 +1,11 @@
 #include "command/print_result.h"
 
+#include <algorithm>
 #include <iomanip>
 #include <nlohmann/json.hpp>
 #include <ostream>
+
+#include "command/print_json.h"
 
 namespace headless {
 namespace {
@@ -11,18 +14,40 @@ const char* SameOrNot(bool identical) {
     return identical ? "identical" : "NOT identical";
 }
 
+double FurthestMetres(const RecordResult& result) {
+    double furthest = 0;
+    for (const RecordedCapture& capture : result.captures)
+        furthest = std::max(furthest, capture.maxPositionErrorMetres);
+    return furthest;
+}
+
+void PrintCapture(std::ostream& out, const RecordedCapture& capture) {
+    const double seconds = static_cast<double>(capture.frames) * capture.frameSeconds;
+    out << "Recorded " << capture.capture << ": " << capture.joints << " joints, " << capture.frames
+        << " frames (" << std::setprecision(1) << seconds << " s of motion)";
+}
+
+nlohmann::ordered_json Object(const RecordedCapture& capture) {
+    return {{"capture", capture.capture},
+            {"joints", capture.joints},
+            {"frames", capture.frames},
+            {"frameSeconds", capture.frameSeconds},
+            {"maxPositionErrorMetres", capture.maxPositionErrorMetres}};
+}
+
 }  // namespace
 
 void PrintForPerson(std::ostream& out, const RecordResult& result) {
-    const double seconds = static_cast<double>(result.frames) * result.frameSeconds;
-    out << std::fixed << std::setprecision(1);
-    out << "Recorded " << result.capture << ": " << result.joints << " joints, " << result.frames
-        << " frames (" << seconds << " s of motion) in " << std::setprecision(2)
-        << result.recordSeconds << " s\n";
+    out << std::fixed;
+    for (const RecordedCapture& capture : result.captures) {
+        PrintCapture(out, capture);
+        if (&capture != &result.captures.back()) out << '\n';
+    }
+    out << " in " << std::setprecision(2) << result.recordSeconds << " s\n";
     out << "In the scene: " << result.nodes << " nodes with " << result.keys << " keys, "
         << std::setprecision(1) << result.bytesPerKey << " bytes each\n";
-    out << "Furthest from the capture: " << std::setprecision(4)
-        << result.maxPositionErrorMetres * 1000 << " mm\n";
+    out << "Furthest from the capture: " << std::setprecision(4) << FurthestMetres(result) * 1000
+        << " mm\n";
     out << "Undo (" << result.undoSteps << (result.undoSteps == 1 ? " step" : " steps")
         << "): scene " << SameOrNot(result.undoIdentical) << " to before; redo: scene "
         << SameOrNot(result.redoIdentical) << " to the recording\n";
@@ -30,22 +55,20 @@ void PrintForPerson(std::ostream& out, const RecordResult& result) {
 }
 
 void PrintForProgram(std::ostream& out, const RecordResult& result) {
-    const nlohmann::ordered_json object = {
-        {"capture", result.capture},
-        {"joints", result.joints},
-        {"frames", result.frames},
-        {"frameSeconds", result.frameSeconds},
-        {"nodes", result.nodes},
-        {"keys", result.keys},
-        {"undoSteps", result.undoSteps},
-        {"undoIdentical", result.undoIdentical},
-        {"redoIdentical", result.redoIdentical},
-        {"maxPositionErrorMetres", result.maxPositionErrorMetres},
-        {"bytesPerKey", result.bytesPerKey},
-        {"hostObjectsAlive", result.hostObjectsAlive},
-        {"recordSeconds", result.recordSeconds},
-    };
-    out << object.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+    nlohmann::ordered_json object;
+    if (result.captures.size() == 1) object = Object(result.captures.front());
+    object["nodes"] = result.nodes;
+    object["keys"] = result.keys;
+    object["undoSteps"] = result.undoSteps;
+    object["undoIdentical"] = result.undoIdentical;
+    object["redoIdentical"] = result.redoIdentical;
+    object["maxPositionErrorMetres"] = FurthestMetres(result);
+    object["bytesPerKey"] = result.bytesPerKey;
+    object["hostObjectsAlive"] = result.hostObjectsAlive;
+    object["recordSeconds"] = result.recordSeconds;
+    for (const RecordedCapture& capture : result.captures)
+        object["captures"].push_back(Object(capture));
+    PrintJson(out, object);
 }
 
 }  // namespace headless

@@ -1,31 +1,17 @@
 #include "command/record.h"
 
-#include <filesystem>
 #include <fstream>
 #include <set>
 #include <sstream>
-#include <utility>
 
 #include "command/core_environment.h"
-#include "command/core_report.h"
+#include "command/core_stage.h"
+#include "command/exit_status.h"
 #include "command/scratch_file.h"
 #include "headless/scene_view.h"
-#include "headless/session.h"
-#include "platform/load_failure.h"
-#include "platform/win32.h"
 
 namespace headless {
 namespace {
-
-constexpr char kPluginFile[] = "TarvoOstrelUtil.so";
-constexpr char kUtilityName[] = "Tarvo Lumiset Util";
-constexpr int kStartButton = 1046;
-
-std::string BesideProgram(const char* file) {
-    char program[MAX_PATH] = {};
-    GetModuleFileNameA(nullptr, program, MAX_PATH);
-    return (std::filesystem::path(program).parent_path() / file).string();
-}
 
 // Read back by the Core to the last bit.
 std::string Plain(double number) {
@@ -36,22 +22,19 @@ std::string Plain(double number) {
     return text.str();
 }
 
-void TellCore(const RecordOptions& options, const std::string& csv, const std::string& report) {
-    SetVariable(kCaptureVariable, options.capture);
-    SetVariable(kCaptureScaleVariable, Plain(options.metresPerUnit));
-    SetVariable(kCsvVariable, csv);
-    SetVariable(kReportVariable, report);
-    SetVariable(kOptimisedVariable, options.optimisedController ? "1" : "0");
-    SetVariable(kProgressVariable, options.progress ? "1" : "");
-    SetVariable(kTraceVariable, options.trace);
+CoreRequest RequestFor(const RecordOptions& options, const std::string& csv) {
+    return {{kCaptureVariable, Lines(options.captures)},
+            {kCaptureScaleVariable, Plain(options.metresPerUnit)},
+            {kCsvVariable, csv},
+            {kOptimisedVariable, options.optimisedController ? "1" : "0"},
+            {kProgressVariable, options.progress ? "1" : ""}};
 }
 
-// The plug-in appends to its trace, so that the file is made or emptied here. The result is empty,
-// or says what is wrong.
-std::string StartTrace(const std::string& path) {
-    if (path.empty()) return {};
-    std::ofstream file(path, std::ios::trunc);
-    return file ? std::string() : path + ": the trace cannot be written";
+// The plug-in appends to its trace, so that the file is made or emptied here.
+void StartTrace(const std::string& path) {
+    if (!path.empty() && !std::ofstream(path, std::ios::trunc))
+        throw Failure(path + ": the trace cannot be written");
+    SetVariable(kTraceVariable, path);
 }
 
 SessionSettings SettingsFor(const RecordOptions& options) {
@@ -59,31 +42,15 @@ SessionSettings SettingsFor(const RecordOptions& options) {
     return WithUnitsPerMetre(options.hostUnitsPerMetre);
 }
 
-// Presses the button that has the Core do its work; the report tells what came of it.
-std::string LetCoreRecord(Session& session, const std::string& reportPath, CoreReport& report) {
-    std::string boxText;
-    session.OnMessageBox([&](const MessageBoxText& box) { boxText = box.text; });
-    if (session.KeptUtilities() == 0)
-        return "the Core could not be attached (" + platform::LastLoadFailure() + ")";
-    if (!session.OpenUtility(kUtilityName) || !session.PressButton(kStartButton))
-        return std::string(kPluginFile) + ": its panel \"" + kUtilityName + "\" has no button " +
-               std::to_string(kStartButton);
-    if (!boxText.empty())
-        return "the Core could not be attached (it is of another version, or refused to start)";
-    report = CoreReport::Read(reportPath);
-    if (report.IsEmpty()) return "the Core reported nothing of its work";
-    if (report.Text("status") != "ok") return report.Text("error");
-    return {};
-}
-
 void TakeReport(const CoreReport& report, RecordResult& result) {
     const auto count = [&](const char* key) {
         return static_cast<std::size_t>(report.Number(key));
     };
-    result.joints = count("joints");
-    result.frames = count("frames");
-    result.frameSeconds = report.Number("frameSeconds");
-    result.maxPositionErrorMetres = report.Number("maxPositionErrorMetres");
+    result.captures.push_back({.capture = report.Text("capture"),
+                               .joints = count("joints"),
+                               .frames = count("frames"),
+                               .frameSeconds = report.Number("frameSeconds"),
+                               .maxPositionErrorMetres = report.Number("maxPositionErrorMetres")});
     result.recordSeconds = report.Number("recordSeconds");
 }
 
@@ -119,46 +86,25 @@ std::set<std::uint32_t> Handles() {
     return handles;
 }
 
-// The part of the work for which a session is needed.
-void RecordIn(Session& session, const std::string& reportPath, RecordResult& result) {
-    result.error = session.LoadPlugin(BesideProgram(kPluginFile));
-    if (!result.error.empty()) return;
-    session.Start();
-    const std::uint64_t before = SceneDigest();
-    const std::set<std::uint32_t> handles = Handles();
-    CoreReport report;
-    result.error = LetCoreRecord(session, reportPath, report);
-    if (!result.error.empty()) return;
-    TakeReport(report, result);
-    CountNodesAndKeys(handles, result);
-    UndoAndRedo(session, before, result);
-}
-
-// A person knows the file by the name that it was to get.
-void NameTarget(const ScratchFile& file, const std::string& target, std::string& text) {
-    const std::size_t place = text.find(file.Path());
-    if (place != std::string::npos) text.replace(place, file.Path().size(), target);
-}
-
 }  // namespace
 
 RecordResult Record(const RecordOptions& options) {
-    RecordResult result;
-    result.capture = options.capture;
-    result.error = StartTrace(options.trace);
-    if (!result.error.empty()) return result;
+    StartTrace(options.trace);
     ScratchFile csv(options.csv);
-    const ScratchFile report{""};
-    TellCore(options, options.csv.empty() ? "" : csv.Path(), report.Path());
-
-    Session session(SettingsFor(options));
-    RecordIn(session, report.Path(), result);
-    const std::size_t utilities = session.KeptUtilities();
-    session.ShutDown();
-    // The plug-in's global utility lives as long as the process.
-    result.hostObjectsAlive = TakeCensus().heapBlocks - utilities;
-    if (result.error.empty() && !options.csv.empty()) result.error = csv.Keep();
-    if (!options.csv.empty()) NameTarget(csv, options.csv, result.error);
+    CoreStage stage(Company::kPluginAndCore, SettingsFor(options));
+    const std::uint64_t before = SceneDigest();
+    const std::set<std::uint32_t> handles = Handles();
+    RecordResult result;
+    try {
+        const std::string csvPath = options.csv.empty() ? "" : csv.Path();
+        TakeReport(stage.AskCore(RequestFor(options, csvPath)), result);
+    } catch (const Failure& failure) {
+        throw Failure(csv.Named(failure.what()));
+    }
+    CountNodesAndKeys(handles, result);
+    UndoAndRedo(stage.Host(), before, result);
+    result.hostObjectsAlive = stage.ShutDown();
+    if (!options.csv.empty()) csv.Keep();
     return result;
 }
 

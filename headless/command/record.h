@@ -2,12 +2,13 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 namespace headless {
 
 struct RecordOptions {
-    std::string capture;
-    double metresPerUnit = 0.056444;  // of the capture's own unit
+    std::vector<std::string> captures;
+    double metresPerUnit = 0.056444;  // of the captures' own unit
     std::string csv;                  // where to write the positions; empty for nowhere
     std::string trace;                // where the plug-in writes its trace; empty for nowhere
     bool optimisedController = true;
@@ -15,25 +16,27 @@ struct RecordOptions {
     bool progress = false;
 };
 
-struct RecordResult {
-    std::string error;  // one line; empty if everything went well
-
+struct RecordedCapture {
     std::string capture;
     std::size_t joints = 0;
     std::size_t frames = 0;
     double frameSeconds = 0;
+    double maxPositionErrorMetres = 0;
+};
+
+struct RecordResult {
+    std::vector<RecordedCapture> captures;
+    double recordSeconds = 0;
     std::size_t nodes = 0;
     std::size_t keys = 0;  // distinct key times, summed over the joints' nodes
     std::size_t undoSteps = 0;
     bool undoIdentical = false;
     bool redoIdentical = false;
-    double maxPositionErrorMetres = 0;
     double bytesPerKey = 0;            // in a scene file
     std::size_t hostObjectsAlive = 0;  // after the host has shut down
-    double recordSeconds = 0;
 };
 
-// Starts a host with the plug-in that lies beside the program, lets its Core record a capture,
+// Starts a host with the plug-in that lies beside the program, lets its Core record captures,
 // undoes and redoes that, and shuts the host down.
 RecordResult Record(const RecordOptions& options);
 

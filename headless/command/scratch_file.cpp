@@ -5,6 +5,8 @@
 #include <system_error>
 #include <utility>
 
+#include "command/exit_status.h"
+
 namespace headless {
 namespace {
 
@@ -28,10 +30,16 @@ ScratchFile::~ScratchFile() {
     std::filesystem::remove(path_, absent);
 }
 
-std::string ScratchFile::Keep() {
+void ScratchFile::Keep() {
     std::error_code error;
     std::filesystem::rename(path_, target_, error);
-    return error ? target_ + ": " + error.message() : std::string();
+    if (error) throw Failure(target_ + ": " + error.message());
+}
+
+std::string ScratchFile::Named(std::string text) const {
+    const std::size_t place = text.find(path_);
+    if (place != std::string::npos && !target_.empty()) text.replace(place, path_.size(), target_);
+    return text;
 }
 
 }  // namespace headless

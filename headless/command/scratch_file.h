@@ -16,8 +16,11 @@ class ScratchFile {
 
     const std::string& Path() const { return path_; }
 
-    // Empty, or what went wrong.
-    std::string Keep();
+    // Throws a Failure if it cannot take its place.
+    void Keep();
+
+    // The text with the target's name in place of the file's own, which no person knows.
+    std::string Named(std::string text) const;
 
   private:
     std::string target_;

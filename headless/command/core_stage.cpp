@@ -1,0 +1,87 @@
+#include "command/core_stage.h"
+
+#include <array>
+#include <filesystem>
+
+#include "command/core_environment.h"
+#include "command/exit_status.h"
+#include "headless/scene_view.h"
+#include "platform/load_failure.h"
+#include "platform/win32.h"
+
+namespace headless {
+namespace {
+
+constexpr char kPluginFile[] = "TarvoOstrelUtil.so";
+constexpr char kUtilityName[] = "Tarvo Lumiset Util";
+constexpr int kStartButton = 1046;
+
+std::string BesideProgram(const char* file) {
+    std::array<char, MAX_PATH> program{};
+    GetModuleFileNameA(nullptr, program.data(), MAX_PATH);
+    return (std::filesystem::path(program.data()).parent_path() / file).string();
+}
+
+std::string NotAttached(const std::string& why) {
+    return "the Core could not be attached (" + why + ")";
+}
+
+}  // namespace
+
+std::string Lines(const std::vector<std::string>& values) {
+    std::string lines;
+    for (const std::string& value : values) {
+        if (value.find('\n') != std::string::npos)
+            throw Failure("a name with a line end cannot be told to the Core: " + value);
+        lines += lines.empty() ? value : '\n' + value;
+    }
+    return lines;
+}
+
+CoreStage::CoreStage(Company company, const SessionSettings& settings)
+    : company_(company), session_(settings) {
+    session_.OnMessageBox([this](const MessageBoxText& box) { boxTexts_.push_back(box.text); });
+    // A registry in which nothing is installed.
+    if (company == Company::kPluginAlone) SetVariable(kRegistryVariable, report_.Path());
+    if (company == Company::kNobody) return;
+    const std::string error = session_.LoadPlugin(BesideProgram(kPluginFile));
+    if (!error.empty()) throw Failure(error);
+    session_.Start();
+}
+
+std::string CoreStage::WhyNoCore() const {
+    if (company_ != Company::kPluginAndCore) return "none is wanted";
+    return session_.KeptUtilities() == 0 ? NotAttached(platform::LastLoadFailure()) : "";
+}
+
+CoreReport CoreStage::AskCore(const CoreRequest& request) {
+    for (const char* variable : kRequestVariables) {
+        const auto value = request.find(variable);
+        SetVariable(variable, value == request.end() ? "" : value->second);
+    }
+    SetVariable(kReportVariable, report_.Path());
+    std::filesystem::remove(report_.Path());
+    if (const std::string why = WhyNoCore(); !why.empty()) throw Failure(why);
+    if (!session_.IsUtilityOpen(kUtilityName)) session_.OpenUtility(kUtilityName);
+    const std::size_t boxes = boxTexts_.size();
+    if (!session_.PressButton(kStartButton))
+        throw Failure(std::string(kPluginFile) + ": its panel \"" + kUtilityName +
+                      "\" has no button " + std::to_string(kStartButton));
+    CoreReport report = CoreReport::Read(report_.Path());
+    if (report.IsEmpty() && boxTexts_.size() > boxes) {
+        boxTexts_.resize(boxes);
+        throw Failure(NotAttached("it is of another version, or refused to start"));
+    }
+    if (report.IsEmpty()) throw Failure("the Core reported nothing of its work");
+    if (report.Text("status") != "ok") throw Failure(report.Text("error"));
+    return report;
+}
+
+std::size_t CoreStage::ShutDown() {
+    // The plug-in's global utility lives as long as the process.
+    const std::size_t utilities = session_.KeptUtilities();
+    session_.ShutDown();
+    return TakeCensus().heapBlocks - utilities;
+}
+
+}  // namespace headless

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "command/core_report.h"
+#include "command/scratch_file.h"
+#include "headless/session.h"
+
+namespace headless {
+
+// Whom the host finds when it starts.
+enum class Company {
+    kPluginAndCore,
+    kPluginAlone,  // it looks for a Core and finds none installed
+    kNobody,
+};
+
+// The variables of a request with their values; see core_environment.h.
+using CoreRequest = std::map<std::string, std::string>;
+
+// Each value on a line of its own, as the Core reads lists. A value that holds a line end cannot be
+// told to it.
+std::string Lines(const std::vector<std::string>& values);
+
+// A host that has started with the plug-in beside the program, and the Core that the registry
+// names. What cannot be done is thrown as a Failure.
+class CoreStage {
+  public:
+    explicit CoreStage(Company company, const SessionSettings& settings = {});
+
+    Session& Host() { return session_; }
+
+    // Empty, or why no Core is there.
+    std::string WhyNoCore() const;
+
+    // Presses the button that has the Core do its work. Variables of core_environment.h that the
+    // request does not hold are taken away.
+    CoreReport AskCore(const CoreRequest& request);
+
+    // What message boxes have said so far, a text each.
+    const std::vector<std::string>& BoxTexts() const { return boxTexts_; }
+
+    // How many blocks are left on the host's heap.
+    std::size_t ShutDown();
+
+  private:
+    Company company_;
+    ScratchFile report_{""};
+    std::vector<std::string> boxTexts_;
+    Session session_;
+};
+
+}  // namespace headless

@@ -1,0 +1,61 @@
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <cmath>
+#include <iostream>
+#include <memory>
+
+#include "command/print_result.h"
+#include "command/record.h"
+#include "command/verbs.h"
+
+namespace headless {
+namespace {
+
+// Empty, or what is wrong with a size.
+std::string CheckSize(const std::string& text) {
+    double size = 0;
+    const bool isNumber = CLI::detail::lexical_cast(text, size);
+    return isNumber && size > 0 && std::isfinite(size) ? "" : text + " is not a number above 0";
+}
+
+struct Words {
+    RecordOptions options;
+    bool plainController = false;
+    bool json = false;
+};
+
+void Run(const Words& words) {
+    RecordOptions options = words.options;
+    options.optimisedController = !words.plainController;
+    options.progress = isatty(STDERR_FILENO) != 0;
+    const RecordResult result = Record(options);
+    if (words.json)
+        PrintForProgram(std::cout, result);
+    else
+        PrintForPerson(std::cout, result);
+}
+
+}  // namespace
+
+void AddRecordVerb(CLI::App& app) {
+    const auto words = std::make_shared<Words>();
+    RecordOptions& options = words->options;
+    CLI::App* verb = app.add_subcommand("record", "Record motion captures into a new scene.");
+    verb->add_option("CAPTURE", options.captures, "Motion capture files (.bvh)")->required();
+    verb->add_option("--scale", options.metresPerUnit, "Metres in a unit of the captures")
+        ->check(CheckSize, "ABOVE 0")
+        ->capture_default_str();
+    verb->add_option("--units", options.hostUnitsPerMetre, "Host units in a metre")
+        ->check(CheckSize, "ABOVE 0")
+        ->capture_default_str();
+    verb->add_option("--csv", options.csv, "Write where each joint was in each frame");
+    verb->add_option("--trace", options.trace, "Write the plug-in's trace");
+    verb->add_flag("--no-optimised-controller", words->plainController,
+                   "Record into the host's own controllers");
+    verb->add_flag("--json", words->json, "Print the result as one JSON object");
+    verb->footer("Example, in the project.s folder after ./dev build:\n  build/release/bin/lumiset-headless record /usr/share/assimp/models/BVH/01_01.bvh");
+    verb->callback([words] { Run(*words); });
+}
+
+}  // namespace headless

@@ -1,0 +1,14 @@
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+// The verbs of the command, a source each. A verb adds itself with its options and its help, does
+// its work when it is called, prints what came of it to stdout when all of it is done, and throws a
+// Failure otherwise.
+namespace headless {
+
+void AddRecordVerb(CLI::App& app);
+
+}  // namespace headless
