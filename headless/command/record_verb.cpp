@@ -7,6 +7,7 @@
 
 #include "command/print_result.h"
 #include "command/record.h"
+#include "command/verb_options.h"
 #include "command/verbs.h"
 
 namespace headless {
@@ -54,7 +55,7 @@ void AddRecordVerb(CLI::App& app) {
     verb->add_flag("--no-optimised-controller", words->plainController,
                    "Record into the host's own controllers");
     verb->add_flag("--json", words->json, "Print the result as one JSON object");
-    verb->footer("Example, in the project.s folder after ./dev build:\n  build/release/bin/lumiset-headless record /usr/share/assimp/models/BVH/01_01.bvh");
+    AddExample(*verb, "record /usr/share/assimp/models/BVH/01_01.bvh");
     verb->callback([words] { Run(*words); });
 }
 
