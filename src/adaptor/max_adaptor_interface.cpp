@@ -6,6 +6,7 @@
 #include "controllers/conversion.h"
 #include "host/interface.h"
 #include "measures/host_clock.h"
+#include "nodes/merging.h"
 #include "nodes/node_creation.h"
 #include "resources/resource_ids.h"
 
@@ -97,8 +98,8 @@ std::vector<TVL::CNode*> MaxAdaptorInterface::ClaimNodes(std::string, XMLNode no
     return std::vector<TVL::CNode*>(static_cast<std::size_t>(nodeInfo.Count("node")));
 }
 
-std::vector<TVL::CNode*> MaxAdaptorInterface::MergeModels(std::string) {
-    return {};
+std::vector<TVL::CNode*> MaxAdaptorInterface::MergeModels(std::string path) {
+    return ::MergeModels(path);
 }
 
 // Undo -------------------------------------------------------------------------------------------

@@ -1,0 +1,128 @@
+#include "nodes/merging.h"
+
+#include <array>
+#include <unordered_set>
+#include <utility>
+
+#include "host/hold.h"
+#include "host/interface.h"
+#include "host/path_config.h"
+#include "nodes/host_node_link.h"
+#include "nodes/max_node.h"
+#include "nodes/node_reference.h"
+#include "tvl/log.h"
+#include "undo/undo_groups.h"
+
+namespace {
+
+constexpr const char* kHoldLabel = "tmp";  // of what the closed hold has so far
+
+constexpr const char* kNotMerged = "Merge failed. The scene could not be merged successfully";
+constexpr const char* kDamagedFile = "Merge failed, possible corrupt scene file: ";
+
+constexpr DWORD kDirectoryCapacity = 1024;  // bytes
+
+// Closes the hold of the undo groups, and opens another one in its place if the groups are still
+// open at the end and nobody else has.
+class OutsideHold {
+  public:
+    OutsideHold() : closed_(IsHoldingUndo() && theHold.Holding()) {
+        if (closed_) theHold.Accept(kHoldLabel);
+    }
+    ~OutsideHold() {
+        if (closed_ && IsHoldingUndo() && !theHold.Holding()) theHold.Begin();
+    }
+    OutsideHold(const OutsideHold&) = delete;
+    OutsideHold& operator=(const OutsideHold&) = delete;
+
+  private:
+    bool closed_;
+};
+
+// The merge calls back, and nodes can go meanwhile, so that they are held by links.
+std::vector<HostNodeLink> GatherSelection(Interface& host, TVL::Log& log) {
+    log.Write("Gathering currently selected nodes");
+    std::vector<HostNodeLink> selected;
+    for (int index = 0; index < host.GetSelNodeCount(); ++index) {
+        INode* const node = host.GetSelNode(index);
+        if (!node) continue;
+        log.WriteValue("gathered node", node->GetName());
+        selected.emplace_back(node);
+    }
+    return selected;
+}
+
+void AddCurrentDirectory(TVL::Log& log) {
+    std::array<char, kDirectoryCapacity> directory{};
+    GetCurrentDirectoryA(kDirectoryCapacity, directory.data());
+    log.WriteValue("Adding map dir", directory.data());
+    IPathConfigMgr::GetPathConfigMgr()->AddSessionMapDir(directory.data(), false);
+}
+
+// The one place where the host throws.
+void MergeFile(Interface& host, const std::string& path, TVL::Log& log) {
+    log.Write("Merging file...");
+    try {
+        const int merged = host.MergeFromFile(path.c_str(), 1, 1, 1, MERGE_DUPS_PROMPT, nullptr,
+                                              MERGE_DUP_MTL_PROMPT, MERGE_REPARENT_PROMPT);
+        if (merged == 0) TVL::Log(kNotMerged, TVL::Log::kWarning);
+    } catch (...) {
+        TVL::Log(kDamagedFile + path, TVL::Log::kWarning);
+    }
+}
+
+// The nodes found so far. A host node without an entry of its own stands behind a null.
+class MergedNodes {
+  public:
+    void AddWithAncestors(INode* node, TVL::Log& log) {
+        for (; node && !node->IsRootNode(); node = node->GetParentNode()) {
+            if (wrapped_.contains(node)) continue;
+            log.WriteValue("Adding node to list", node->GetName());
+            CMAXNode* const entry = NodeFor(NodeReference(*node));
+            nodes_.push_back(entry);
+            if (entry) wrapped_.insert(node);
+        }
+    }
+
+    std::vector<TVL::CNode*> Take() { return std::move(nodes_); }
+
+  private:
+    std::vector<TVL::CNode*> nodes_;
+    std::unordered_set<const INode*> wrapped_;
+};
+
+std::vector<TVL::CNode*> GatherMerged(Interface& host, TVL::Log& log) {
+    log.Write("Gathering merged nodes");
+    MergedNodes merged;
+    for (int index = 0; index < host.GetSelNodeCount(); ++index) {
+        merged.AddWithAncestors(host.GetSelNode(index), log);
+    }
+    return merged.Take();
+}
+
+void SelectAgain(Interface& host, const std::vector<HostNodeLink>& selected, TVL::Log& log) {
+    log.Write("Resetting selection set to previous values");
+    INodeTab table;
+    for (const HostNodeLink& link : selected) {
+        if (INode* const node = link.Get()) table.Append(1, &node);
+    }
+    host.ClearNodeSelection(0);
+    host.SelectNodeTab(table, 1, 1);
+}
+
+}  // namespace
+
+std::vector<TVL::CNode*> MergeModels(const std::string& path) {
+    TVL::Log log("Merging models from file", TVL::Log::kNotice);
+    log.WriteValue("Merge file", path);
+    const OutsideHold outsideHold;
+    Interface& host = *GetCOREInterface();
+    const std::vector<HostNodeLink> selected = GatherSelection(host, log);
+    log.Write("Clearing node selection");
+    host.ClearNodeSelection(0);
+    AddCurrentDirectory(log);
+    MergeFile(host, path, log);
+    std::vector<TVL::CNode*> merged = GatherMerged(host, log);
+    SelectAgain(host, selected, log);
+    return merged;
+}
