@@ -1,0 +1,16 @@
+#pragma once
+
+#include "tvl/xml_node.h"
+
+class CMAXNode;
+class INode;
+
+// Scene nodes by their number in trees: an element whose first child is a text that holds the
+// host's handle in decimal. A handle is good within one scene; in another it can meet a stranger.
+
+// <max>123</max>
+XMLNode NodeReference(INode& hostNode);
+
+// A snapshot node without source for the scene node that such an element names, the caller's to
+// end. Null if the host knows no such node, or the text is anything but one number of 32 bits.
+CMAXNode* NodeFor(const XMLNode& reference);
