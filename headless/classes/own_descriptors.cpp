@@ -39,6 +39,9 @@ Animatable* Linear() {
 Animatable* Camera() {
     return NewFreeCamera();
 }
+Animatable* CameraParameters() {
+    return NewCameraParameters();
+}
 Animatable* TriangleMesh() {
     return CreateNewTriObject();
 }
@@ -56,10 +59,12 @@ std::span<ClassDesc* const> OwnDescriptors() {
                              kPositionRotationScaleClassId, Position);
     static OwnDescriptor linear("Linear Float", CTRL_FLOAT_CLASS_ID, kLinearFloatClassId, Linear);
     static OwnDescriptor camera("Free Camera", CAMERA_CLASS_ID, kFreeCameraClassId, Camera);
+    static OwnDescriptor parameters("Camera Parameters", kCameraParametersSuperClass,
+                                    kFreeCameraClassId, CameraParameters);
     static OwnDescriptor mesh("Mesh", GEOMOBJECT_CLASS_ID, kTriObjectClassId, TriangleMesh);
     static OwnDescriptor line("Line", SHAPE_CLASS_ID, kPolylinesClassId, Line);
     static OwnDescriptor sphere("Sphere", GEOMOBJECT_CLASS_ID, kSphereClassId, Ball);
-    static ClassDesc* const all[] = {&prs, &linear, &camera, &mesh, &line, &sphere};
+    static ClassDesc* const all[] = {&prs, &linear, &camera, &parameters, &mesh, &line, &sphere};
     return all;
 }
 

@@ -1,6 +1,7 @@
 #include "control/linear_float.h"
 
 #include "control/track_storage.h"
+#include "storage/plain_chunks.h"
 
 namespace headless {
 namespace {
@@ -15,13 +16,10 @@ IOResult LinearFloat::Save(ISave* save) {
 }
 
 IOResult LinearFloat::Load(ILoad* load) {
-    IOResult result = IO_OK;
-    while (load->OpenChunk() == IO_OK) {
-        if (load->CurChunkID() == kKeysChunk && !LoadTrack(*load, Track().UnrecordedKeys()))
-            result = IO_ERROR;
-        load->CloseChunk();
-    }
-    return result;
+    KeyTrack<float>& keys = Track().UnrecordedKeys();
+    keys = {};
+    return LoadChunks(*load,
+                      [&](std::uint16_t id) { return id == kKeysChunk && LoadTrack(*load, keys); });
 }
 
 RefTargetHandle LinearFloat::Clone(RemapDir& remap) {

@@ -2,6 +2,7 @@
 
 #include "control/track_storage.h"
 #include "control/transform_packet.h"
+#include "storage/plain_chunks.h"
 
 namespace headless {
 namespace {
@@ -27,7 +28,13 @@ PositionRotationScale::PositionRotationScale()
     : position_(*this, kPositionTrack, "Position"),
       rotation_(*this, kRotationTrack, "Rotation"),
       scale_(*this, kScaleTrack, "Scale") {
-    scale_.Track().UnrecordedKeys().rest = TransformParts().scale;
+    Clear();
+}
+
+void PositionRotationScale::Clear() {
+    position_.Track().UnrecordedKeys() = {};
+    rotation_.Track().UnrecordedKeys() = {};
+    scale_.Track().UnrecordedKeys() = {TransformParts().scale, {}};
 }
 
 Animatable* PositionRotationScale::SubAnim(int index) {
@@ -48,18 +55,19 @@ IOResult PositionRotationScale::Save(ISave* save) {
 }
 
 IOResult PositionRotationScale::Load(ILoad* load) {
-    bool whole = true;
-    while (load->OpenChunk() == IO_OK) {
-        const std::uint16_t id = load->CurChunkID();
-        if (id == kPositionChunk)
-            whole &= LoadTrack(*load, position_.Track().UnrecordedKeys());
-        else if (id == kRotationChunk)
-            whole &= LoadTrack(*load, rotation_.Track().UnrecordedKeys());
-        else if (id == kScaleChunk)
-            whole &= LoadTrack(*load, scale_.Track().UnrecordedKeys());
-        load->CloseChunk();
-    }
-    return whole ? IO_OK : IO_ERROR;
+    Clear();
+    return LoadChunks(*load, [&](std::uint16_t id) {
+        switch (id) {
+            case kPositionChunk:
+                return LoadTrack(*load, position_.Track().UnrecordedKeys());
+            case kRotationChunk:
+                return LoadTrack(*load, rotation_.Track().UnrecordedKeys());
+            case kScaleChunk:
+                return LoadTrack(*load, scale_.Track().UnrecordedKeys());
+            default:
+                return false;
+        }
+    });
 }
 
 RefTargetHandle PositionRotationScale::Clone(RemapDir& remap) {

@@ -51,6 +51,7 @@ class PositionRotationScale final : public Control {
         HostString name_;
     };
 
+    void Clear();  // what a new one holds
     TransformParts PartsAt(TimeValue t) const;
 
     Part<Point3> position_;

@@ -5,8 +5,8 @@
 #include "control/factory.h"
 #include "host/animate.h"
 #include "objects/own_classes.h"
-#include "objects/save_plain.h"
 #include "objects/undoable.h"
+#include "storage/plain_chunks.h"
 
 namespace headless {
 namespace {
@@ -33,7 +33,7 @@ class CameraParameters final : public ReferenceTarget {
     }
 
     void GetClassName(HostString& name) override { name = "Camera parameters"; }
-    SClass_ID SuperClassID() override { return kParametersSuperClass; }
+    SClass_ID SuperClassID() override { return kCameraParametersSuperClass; }
     Class_ID ClassID() override { return kFreeCameraClassId; }
     void DeleteThis() override { delete this; }
 
@@ -44,9 +44,9 @@ class CameraParameters final : public ReferenceTarget {
         return index == kTDist ? "Target Distance" : "";
     }
     bool AssignController(Animatable* controller, int index) override {
-        if (!controller || controller->SuperClassID() != CTRL_FLOAT_CLASS_ID || !Exists(index))
-            return false;
-        ReplaceReference(index, static_cast<Control*>(controller));
+        auto* number = AsFloat(controller);
+        if (!number || !Exists(index)) return false;
+        ReplaceReference(index, number);
         return true;
     }
 
@@ -55,7 +55,7 @@ class CameraParameters final : public ReferenceTarget {
         return Exists(index) ? controllers_[index] : nullptr;
     }
     void SetReference(int index, RefTargetHandle target) override {
-        if (Exists(index)) controllers_[index] = static_cast<Control*>(target);
+        if (Exists(index)) controllers_[index] = AsFloat(target);
     }
 
     RefTargetHandle Clone(RemapDir& remap) override {
@@ -67,9 +67,14 @@ class CameraParameters final : public ReferenceTarget {
     }
 
   private:
-    static constexpr SClass_ID kParametersSuperClass = 8;
-
     static bool Exists(int index) { return index >= 0 && index < kCount; }
+
+    // Null for anything else that a scene file may refer to.
+    static Control* AsFloat(Animatable* animatable) {
+        auto* controller = dynamic_cast<Control*>(animatable);
+        return controller && controller->SuperClassID() == CTRL_FLOAT_CLASS_ID ? controller
+                                                                               : nullptr;
+    }
 
     Control* controllers_[kCount] = {};
 };
@@ -80,27 +85,27 @@ struct Switches {
     std::int32_t cone = 0;
     std::int32_t horizon = 0;
     std::int32_t enabled = 0;
+
+    bool HasKnownType() const { return fovType >= 0 && fovType <= 2; }
 };
 
 class FreeCamera final : public CameraObject {
   public:
-    void SetFOV(TimeValue t, float radians) override {
-        parameters_->SetValue(CameraParameters::kFov, t, radians);
-    }
+    void SetFOV(TimeValue t, float radians) override { Set(CameraParameters::kFov, t, radians); }
     float GetFOV(TimeValue t, Interval& valid) override {
-        return parameters_->Value(CameraParameters::kFov, t, valid);
+        return Get(CameraParameters::kFov, t, valid);
     }
     int SetFOVType(int type) override {
-        if (type < 0 || type > 2) return 0;
+        if (!Switches{.fovType = type}.HasKnownType()) return 0;
         Switch(&Switches::fovType, type);
         return 1;
     }
     int GetFOVType() override { return switches_->fovType; }
     void SetTDist(TimeValue t, float hostUnits) override {
-        parameters_->SetValue(CameraParameters::kTDist, t, hostUnits);
+        Set(CameraParameters::kTDist, t, hostUnits);
     }
     float GetTDist(TimeValue t, Interval& valid) override {
-        return parameters_->Value(CameraParameters::kTDist, t, valid);
+        return Get(CameraParameters::kTDist, t, valid);
     }
     void SetConeState(int show) override { Switch(&Switches::cone, show); }
     void SetHorzLineState(int show) override { Switch(&Switches::horizon, show); }
@@ -118,7 +123,7 @@ class FreeCamera final : public CameraObject {
     int NumRefs() override { return 1; }
     RefTargetHandle GetReference(int index) override { return index == 0 ? parameters_ : nullptr; }
     void SetReference(int index, RefTargetHandle target) override {
-        if (index == 0) parameters_ = static_cast<CameraParameters*>(target);
+        if (index == 0) parameters_ = dynamic_cast<CameraParameters*>(target);
     }
 
     RefTargetHandle Clone(RemapDir& remap) override {
@@ -134,7 +139,26 @@ class FreeCamera final : public CameraObject {
         return IO_OK;
     }
 
+    IOResult Load(ILoad* load) override {
+        *switches_ = {};
+        return LoadChunks(*load, [&](std::uint16_t id) {
+            Switches stored;
+            if (id != kSwitchesChunk || !LoadValue(*load, stored) || !stored.HasKnownType())
+                return false;
+            *switches_ = stored;
+            return true;
+        });
+    }
+
   private:
+    // A camera from a damaged file can be without parameters.
+    float Get(CameraParameters::Parameter parameter, TimeValue t, Interval& valid) {
+        return parameters_ ? parameters_->Value(parameter, t, valid) : 0;
+    }
+    void Set(CameraParameters::Parameter parameter, TimeValue t, float value) {
+        if (parameters_) parameters_->SetValue(parameter, t, value);
+    }
+
     // The record names the switches alone, since the camera can be freed by whoever made it.
     void Switch(std::int32_t Switches::*which, int value) {
         Undoably([switches = switches_, which, other = std::int32_t{value}]() mutable {
@@ -148,7 +172,7 @@ class FreeCamera final : public CameraObject {
 
 }  // namespace
 
-CameraObject* NewFreeCamera() {
+ReferenceTarget* NewCameraParameters() {
     auto* parameters = new CameraParameters;
     for (int i = 0; i < CameraParameters::kCount; ++i)
         parameters->ReplaceReference(i, NewControl(CTRL_FLOAT_CLASS_ID, kLinearFloatClassId));
@@ -157,8 +181,12 @@ CameraObject* NewFreeCamera() {
     parameters->SetValue(CameraParameters::kFov, 0, kFieldOfView);
     parameters->SetValue(CameraParameters::kTDist, 0, kTargetDistance);
     ResumeAnimate();
+    return parameters;
+}
+
+CameraObject* NewFreeCamera() {
     auto* camera = new FreeCamera;
-    camera->ReplaceReference(0, parameters);
+    camera->ReplaceReference(0, NewCameraParameters());
     return camera;
 }
 

@@ -1,5 +1,8 @@
+#include <algorithm>
+#include <span>
+
 #include "host/object.h"
-#include "objects/save_plain.h"
+#include "storage/plain_chunks.h"
 
 namespace headless {
 namespace {
@@ -8,6 +11,18 @@ constexpr std::uint16_t kVerticesChunk = 1;
 constexpr std::uint16_t kFacesChunk = 2;
 constexpr std::uint16_t kTextureVerticesChunk = 3;
 constexpr std::uint16_t kTextureFacesChunk = 4;
+
+bool AreBelow(std::span<const std::uint32_t> indices, std::size_t count) {
+    return std::all_of(indices.begin(), indices.end(), [count](auto i) { return i < count; });
+}
+
+// No face reaches beyond the vertices.
+bool IsSound(const Mesh& mesh) {
+    return std::all_of(mesh.faces.begin(), mesh.faces.end(),
+                       [&](const Face& face) { return AreBelow(face.v, mesh.verts.size()); }) &&
+           std::all_of(mesh.tvFace.begin(), mesh.tvFace.end(),
+                       [&](const TVFace& face) { return AreBelow(face.t, mesh.tVerts.size()); });
+}
 
 class MeshObject final : public TriObject {
   public:
@@ -36,7 +51,32 @@ class MeshObject final : public TriObject {
         return IO_OK;
     }
 
+    // A mesh that cannot be believed leaves an empty one.
+    IOResult Load(ILoad* load) override {
+        mesh_.FreeAll();
+        const IOResult result =
+            LoadChunks(*load, [&](std::uint16_t id) { return LoadTables(*load, id); });
+        if (result == IO_OK && IsSound(mesh_)) return IO_OK;
+        mesh_.FreeAll();
+        return IO_ERROR;
+    }
+
   private:
+    bool LoadTables(ILoad& load, std::uint16_t id) {
+        switch (id) {
+            case kVerticesChunk:
+                return LoadTable(load, mesh_.verts);
+            case kFacesChunk:
+                return LoadTable(load, mesh_.faces);
+            case kTextureVerticesChunk:
+                return LoadTable(load, mesh_.tVerts);
+            case kTextureFacesChunk:
+                return LoadTable(load, mesh_.tvFace);
+            default:
+                return false;
+        }
+    }
+
     Mesh mesh_;
 };
 

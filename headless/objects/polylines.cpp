@@ -4,7 +4,7 @@
 
 #include "headless/primitives.h"
 #include "objects/own_classes.h"
-#include "objects/save_plain.h"
+#include "storage/plain_chunks.h"
 
 namespace headless {
 namespace {
@@ -82,6 +82,13 @@ class Polylines final : public ShapeObject {
         for (const Polyline& curve : curves_)
             SaveTable(*save, kCurveChunk, curve);
         return IO_OK;
+    }
+
+    IOResult Load(ILoad* load) override {
+        curves_.clear();
+        return LoadChunks(*load, [&](std::uint16_t id) {
+            return id == kCurveChunk && LoadTable(*load, curves_.emplace_back());
+        });
     }
 
   private:

@@ -4,12 +4,14 @@
 
 #include "headless/primitives.h"
 #include "objects/own_classes.h"
-#include "objects/save_plain.h"
+#include "storage/plain_chunks.h"
 
 namespace headless {
 namespace {
 
 constexpr std::uint16_t kShapeChunk = 1;
+constexpr int kFewestSegments = 3;
+constexpr int kMostSegments = 200;
 
 // Rings of vertices from the south pole to the north pole, which are one vertex each.
 class SphereMesh {
@@ -69,7 +71,9 @@ class SphereMesh {
 
 class Sphere final : public Object {
   public:
-    Sphere(float radius, int segments) : shape_{radius, std::clamp(segments, 3, 200)} {}
+    Sphere(float radius, int segments)
+        : shape_{std::isfinite(radius) ? radius : 0,
+                 std::clamp(segments, kFewestSegments, kMostSegments)} {}
 
     int CanConvertToType(Class_ID type) override {
         return type == kTriObjectClassId || Object::CanConvertToType(type) != 0 ? 1 : 0;
@@ -104,10 +108,26 @@ class Sphere final : public Object {
         return IO_OK;
     }
 
+    IOResult Load(ILoad* load) override {
+        shape_ = {};
+        return LoadChunks(*load, [&](std::uint16_t id) {
+            Shape stored;
+            if (id != kShapeChunk || !LoadValue(*load, stored) || !stored.CanBeBuilt())
+                return false;
+            shape_ = stored;
+            return true;
+        });
+    }
+
   private:
     struct Shape {
-        float radius;
-        std::int32_t segments;
+        float radius = 0;
+        std::int32_t segments = kFewestSegments;
+
+        bool CanBeBuilt() const {
+            return std::isfinite(radius) && segments >= kFewestSegments &&
+                   segments <= kMostSegments;
+        }
     };
     Shape shape_;
 };
