@@ -1,46 +1,18 @@
 #include "scene/digest.h"
 
 #include <cstddef>
-#include <cstring>
 #include <span>
 #include <unordered_map>
 #include <vector>
 
+#include "control/keyframe_chunk.h"
 #include "headless/memory_chunks.h"
 #include "scene/hash.h"
 #include "scene/scene.h"
 #include "scene/timeline.h"
-#include "storage/chunk_format.h"
 
 namespace headless {
 namespace {
-
-// The keyframe controllers of the plug-in, whose chunk ends with a key that evaluation moves.
-constexpr Class_ID kMatrixKeyframesClassId{0x708B15A4, 0x2AFA7C85};
-constexpr Class_ID kScalarKeyframesClassId{0x2ADE2E71, 0x21430FA0};
-
-struct KeyChunk {
-    std::int32_t version;
-    std::int32_t recordSize;
-    std::int32_t keys;
-};
-constexpr std::int32_t kKeyChunkVersion = 100;
-
-bool IsKeyframes(Class_ID id) {
-    return id == kMatrixKeyframesClassId || id == kScalarKeyframesClassId;
-}
-
-// Without the cached key, unless it is the only value that the controller has.
-std::span<const std::byte> WithoutCachedKey(std::span<const std::byte> saved) {
-    KeyChunk chunk;
-    if (saved.size() < kChunkHeaderBytes + sizeof chunk) return saved;
-    std::memcpy(&chunk, saved.data() + kChunkHeaderBytes, sizeof chunk);
-    if (chunk.version != kKeyChunkVersion || chunk.recordSize <= 0 || chunk.keys <= 0) return saved;
-    const auto record = static_cast<std::size_t>(chunk.recordSize);
-    const std::size_t whole =
-        kChunkHeaderBytes + sizeof chunk + (static_cast<std::size_t>(chunk.keys) + 1) * record;
-    return saved.size() == whole ? saved.first(whole - record) : saved;
-}
 
 // Everything that nodes refer to, each object once, in the order in which it is met.
 class ObjectWalk {
