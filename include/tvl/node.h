@@ -43,6 +43,10 @@ class CNode : public CExtendable {
     // The name by which the Core knows the node. The host shows another: see CoreNode::GetName.
     std::string GetNodeName() const { return name; }
 
+    // Who hears of the node from here on; may be null. A node that is made is given its listener
+    // then, one that is claimed has none.
+    void SetListener(NodeListener* newListener) { listener = newListener; }
+
   protected:
     std::string name;
     NodeListener* listener = nullptr;  // the Core's, may be null

@@ -77,7 +77,6 @@ class CMAXNode final : public TVL::CoreNode {
     TVL::CoreElement* Owner() const { return owner; }
     const std::string& NodeName() const { return name; }
     TVL::NodeListener* Listener() const { return listener; }
-    void SetListener(TVL::NodeListener* newListener) { listener = newListener; }
     bool IsRecordable() const { return recordable; }
 
     // From here on the node knows neither owner nor listener, nor who was the owner of its source.

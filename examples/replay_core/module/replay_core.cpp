@@ -9,6 +9,8 @@
 #include "replay_core/motion/read_motion.h"
 #include "replay_core/recorder/read_back.h"
 #include "replay_core/state/guarded.h"
+#include "replay_core/state/load_state.h"
+#include "replay_core/state/stored_state.h"
 #include "tvl/log.h"
 
 namespace replay {
@@ -42,21 +44,25 @@ ReplayCore::ReplayCore(TVL::AdaptorInterface& adaptor)
       convertButton_("Convert all controllers") {}
 
 ReplayCore::~ReplayCore() {
-    takes_.DropNodes();
+    takes_.Drop();
     adaptor_.FlushUndoBuffer();
 }
 
 // Scene state ------------------------------------------------------------------------------------
 
 XMLNode ReplayCore::GetCoreState() {
-    return {};
+    XMLNode state;
+    LogFault(Guarded([&] { state = WholeState(takes_); }));
+    return state;
 }
 
-void ReplayCore::SetCoreState(XMLNode) {}
+void ReplayCore::SetCoreState(XMLNode state) {
+    LogFault(Guarded([&] { WriteToTrace(LoadState(adaptor_, takes_, state)); }));
+}
 
 void ReplayCore::ResetCore() {
     StopCore();
-    LogFault(Guarded([this] { takes_.DropNodes(); }));
+    LogFault(Guarded([this] { takes_.Drop(); }));
 }
 
 // The host's time, and what runs in it -----------------------------------------------------------

@@ -6,14 +6,14 @@
 #include "replay_core/recorder/record_take.h"
 #include "replay_core/recorder/whole_file.h"
 #include "replay_core/state/panel_options.h"
-#include "replay_core/state/take.h"
+#include "replay_core/state/takes.h"
 #include "tvl/core_interface.h"
 #include "tvl/message.h"
 
 namespace replay {
 
 // The Core as the adaptor sees it: asked for its window, it records the capture that the
-// environment names (see environment.h). It stores nothing in scene files. It lives from `attach`
+// environment names (see environment.h). It stores its takes in scene files. It lives from `attach`
 // to `detach`.
 class ReplayCore final : public CoreInterface {
   public:

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "replay_core/motion/numbers.h"
 #include "replay_core/recorder/whole_file.h"
 
 namespace replay {

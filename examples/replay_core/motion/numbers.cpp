@@ -1,5 +1,6 @@
 #include "replay_core/motion/numbers.h"
 
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <system_error>
@@ -34,6 +35,12 @@ std::optional<double> ParseNumber(std::string_view word) {
 
 std::optional<std::size_t> ParseCount(std::string_view word) {
     return ParseWhole<std::size_t>(word);
+}
+
+std::string NumberText(double number) {
+    std::array<char, 32> text{};
+    const auto [end, status] = std::to_chars(text.data(), text.data() + text.size(), number);
+    return {text.data(), end};
 }
 
 }  // namespace replay

@@ -2,11 +2,13 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace replay {
 
-// Numbers as captures spell them, without regard to the locale. The whole word must be the number.
+// Numbers as captures and stored state spell them, without regard to the locale. The whole word
+// must be the number.
 
 // No length, angle or time of a capture comes near this. What is below it stays finite when it is
 // summed down the deepest chain of joints, also in float.
@@ -18,5 +20,8 @@ std::optional<double> ParseNumber(std::string_view word);
 
 // Decimal digits, with a plus sign or none.
 std::optional<std::size_t> ParseCount(std::string_view word);
+
+// The shortest decimal form that reads back as the same number.
+std::string NumberText(double number);
 
 }  // namespace replay

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "replay_core/motion/numbers.h"
 #include "replay_core/motion/pose.h"
 #include "replay_core/recorder/transform_loan.h"
 

@@ -1,7 +1,5 @@
 #include "replay_core/recorder/whole_file.h"
 
-#include <array>
-#include <charconv>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -36,12 +34,6 @@ std::string WholeFile::Finish() {
 
 std::string WholeFile::CannotBeWritten() const {
     return path_ + ": the file cannot be written";
-}
-
-std::string NumberText(double number) {
-    std::array<char, 32> text{};
-    const auto [end, status] = std::to_chars(text.data(), text.data() + text.size(), number);
-    return {text.data(), end};
 }
 
 }  // namespace replay

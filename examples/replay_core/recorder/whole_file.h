@@ -30,7 +30,4 @@ class WholeFile {
     std::ofstream stream_;
 };
 
-// The shortest decimal form that reads back as the same number, whatever the locale.
-std::string NumberText(double number);
-
 }  // namespace replay

@@ -1,13 +1,33 @@
 #include "replay_core/state/take.h"
 
+#include <memory>
 #include <utility>
 
 #include "replay_core/state/guarded.h"
+#include "replay_core/state/stored_state.h"
+#include "replay_core/state/takes.h"
+#include "tvl/undo.h"
 
 namespace replay {
+
+// Holds what the take knew before, and after an undo what it knew since.
+class RecordingsChange final : public TVL::CUndo {
+  public:
+    RecordingsChange(Take& take, std::vector<Recording> before)
+        : take_(take), other_(std::move(before)) {}
+
+    void Undo(bool) override { take_.recordings_.swap(other_); }
+    void Redo() override { take_.recordings_.swap(other_); }
+
+  private:
+    Take& take_;
+    std::vector<Recording> other_;
+};
+
 namespace {
 
 constexpr int kNodesAboutToBeDeleted = 43;
+constexpr int kSceneIsBeingSaved = 56;
 
 // Every node that an adaptor gives out is one.
 TVL::CoreNode* AsCoreNode(TVL::CNode* node) {
@@ -16,19 +36,39 @@ TVL::CoreNode* AsCoreNode(TVL::CNode* node) {
 
 }  // namespace
 
-Take::Take(TVL::AdaptorInterface& adaptor, std::string name)
-    : adaptor_(adaptor), record_{std::move(name)} {
+Take::Take(TVL::AdaptorInterface& adaptor, const Takes& all, std::string name)
+    : adaptor_(adaptor), all_(all), record_{std::move(name)} {
     plugin = &record_;
 }
 
+void Take::Note(Recording recording) {
+    auto change = std::make_unique<RecordingsChange>(*this, recordings_);
+    std::erase(recordings_, recording);
+    recordings_.push_back(std::move(recording));
+    adaptor_.AddUndoChunk(change.release());
+}
+
+void Take::SetRecordings(std::vector<Recording> recordings) {
+    recordings_ = std::move(recordings);
+}
+
 std::vector<int> Take::ListExtensions() {
-    return {kNodesAboutToBeDeleted};
+    return {kNodesAboutToBeDeleted, kSceneIsBeingSaved};
 }
 
 std::intptr_t Take::HandleExtension(int id, void* argument) {
-    if (id != kNodesAboutToBeDeleted) return CoreElement::HandleExtension(id, argument);
-    Guarded([this] { DeleteNodes(); });
-    return 0;
+    switch (id) {
+        case kNodesAboutToBeDeleted:
+            Guarded([this] { DeleteNodes(); });
+            return 0;
+        case kSceneIsBeingSaved:
+            Guarded([&] {
+                if (argument) static_cast<XMLNode*>(argument)->AddChild(MasterNode(*this, all_));
+            });
+            return 0;
+        default:
+            return CoreElement::HandleExtension(id, argument);
+    }
 }
 
 // Children go before their parents, so that the host has no child to hang elsewhere meanwhile. The
@@ -44,24 +84,15 @@ void Take::DeleteNodes() {
     adaptor_.EndUndoGroup();
 }
 
-void Take::DropNodes() {
+void Take::Drop() {
     while (!book_.Nodes().empty()) {
         TVL::CNode* const node = book_.Nodes().back();
         book_.OnNodeRemoved(node);
         AsCoreNode(node)->Destroy();
     }
-}
-
-Take& Takes::Named(std::string_view name) {
-    for (const std::unique_ptr<Take>& take : takes_)
-        if (take->Name() == name) return *take;
-    takes_.push_back(std::make_unique<Take>(adaptor_, std::string(name)));
-    return *takes_.back();
-}
-
-void Takes::DropNodes() {
-    for (const std::unique_ptr<Take>& take : takes_)
-        take->DropNodes();
+    recordings_.clear();
+    parent_ = nullptr;
+    rest_ = {};
 }
 
 }  // namespace replay

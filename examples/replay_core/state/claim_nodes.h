@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "replay_core/state/read_state.h"
+#include "replay_core/state/take.h"
+#include "tvl/adaptor_interface.h"
+
+namespace replay {
+
+// Snapshot nodes on lend for stored nodes, in their order; null for those that the host does not
+// have. They are given back at the end.
+class FoundNodes {
+  public:
+    // By the tags that nodes bear, which a plug-in of that name has written.
+    static FoundNodes ByTag(TVL::AdaptorInterface& adaptor, const std::string& pluginName,
+                            std::span<const StoredNode> nodes);
+
+    // By their tags or else by their numbers.
+    static FoundNodes ByNumber(TVL::AdaptorInterface& adaptor, const std::string& pluginName,
+                               std::span<const StoredNode> nodes);
+
+    ~FoundNodes();
+    FoundNodes(FoundNodes&& other) noexcept = default;
+    FoundNodes(const FoundNodes&) = delete;
+    FoundNodes& operator=(const FoundNodes&) = delete;
+
+    TVL::CoreNode* operator[](std::size_t index) const { return nodes_[index]; }
+    bool HasAny() const;
+
+  private:
+    FoundNodes(std::vector<TVL::CNode*> nodes, std::size_t count);
+
+    std::vector<TVL::CoreNode*> nodes_;
+};
+
+// Makes the found node the take's under that name, with the take's book to hear of it. False if the
+// node is somebody's already.
+bool ClaimNode(TVL::CoreNode& found, Take& take, const std::string& name);
+
+// Whether the host's name of a node agrees with what a plug-in of that name called it.
+bool NameAgrees(TVL::CoreNode& found, std::string_view pluginName, const std::string& name);
+
+}  // namespace replay

@@ -1,0 +1,105 @@
+#include "replay_core/state/stored_state.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "replay_core/motion/numbers.h"
+#include "replay_core/state/stored_form.h"
+#include "replay_core/state/stored_text.h"
+
+namespace replay {
+namespace {
+
+XMLNode Element(std::string_view name) {
+    XMLNode element("");
+    element.kind = XMLNode::kElement;
+    element.name = name;
+    return element;
+}
+
+XMLNode RecordingElement(const Recording& recording) {
+    XMLNode element = Element(form::kRecording);
+    SetStoredText(element, form::kCapture, recording.capture);
+    element.attributes[form::kMetresPerUnit] = NumberText(recording.metresPerUnit);
+    element.attributes[form::kFrameSeconds] = NumberText(recording.frameSeconds);
+    element.attributes[form::kFirstFrame] = std::to_string(recording.firstFrame);
+    element.attributes[form::kEndFrame] = std::to_string(recording.endFrame);
+    return element;
+}
+
+XMLNode NodeInfo(const Take& take) {
+    XMLNode info = Element(form::kNodeInfo);
+    std::set<std::string> names;
+    for (const TVL::CNode* node : take.Book().Nodes()) {
+        XMLNode element = Element(form::kNode);
+        SetStoredText(element, form::kName, node->GetNodeName());
+        info.AddChild(element);
+        names.insert(node->GetNodeName());
+    }
+    // What was missing may have been recorded anew.
+    for (const StoredNode& missing : take.Rest().missingNodes)
+        if (!names.contains(missing.name)) info.AddChild(missing.element);
+    return info;
+}
+
+XMLNode Plugin(const Take& take) {
+    XMLNode plugin = Element(form::kPlugin);
+    plugin.attributes[form::kVersion] = form::kPresentVersion;
+    plugin.AddChild(XMLNode(form::kType, take.Rest().type));
+    plugin.AddChild(XMLNode(form::kName, take.Name()));
+    XMLNode& recordings = plugin.AddChild(Element(form::kRecordings));
+    for (const Recording& recording : take.Recordings())
+        recordings.AddChild(RecordingElement(recording));
+    plugin.AddChild(NodeInfo(take));
+    for (const XMLNode& unknown : take.Rest().unknown)
+        plugin.AddChild(unknown);
+    return plugin;
+}
+
+}  // namespace
+
+XMLNode WholeState(const Takes& takes) {
+    std::map<const Take*, std::unique_ptr<XMLNode>> plugins;
+    std::map<const Take*, XMLNode*> places;
+    for (const std::unique_ptr<Take>& take : takes.All()) {
+        if (!take->IsThere()) continue;
+        auto& plugin = plugins[take.get()] = std::make_unique<XMLNode>(Plugin(*take));
+        places[take.get()] = plugin.get();
+    }
+    // Plug-ins move, they are not copied, so that a deep nest costs no more than a flat one. What
+    // stands at the top is packed when all that belongs in it is there.
+    std::vector<std::unique_ptr<XMLNode>> top;
+    for (const std::unique_ptr<Take>& take : takes.All()) {
+        if (!take->IsThere()) continue;
+        const Take* const parent = StoredParent(*take);
+        auto& siblings = parent ? places[parent]->children : top;
+        siblings.push_back(std::move(plugins[take.get()]));
+    }
+    XMLNode state = Element(form::kRoot);
+    for (std::unique_ptr<XMLNode>& plugin : top)
+        state.children.push_back(std::move(plugin));
+    return state;
+}
+
+XMLNode MasterNode(const Take& take, const Takes& all) {
+    XMLNode master = Element(form::kMasterNode);
+    master.children.push_back(std::make_unique<XMLNode>(Plugin(take)));
+    const Take* const parent = StoredParent(take);
+    if (!parent) return master;
+    std::uint32_t index = 0;
+    for (const std::unique_ptr<Take>& other : all.All()) {
+        if (other.get() == &take) break;
+        if (other->IsThere() && StoredParent(*other) == parent) ++index;
+    }
+    master.AddChild(XMLNode(form::kParent, parent->Name()));
+    master.AddChild(XMLNode(form::kChildIndex, index));
+    return master;
+}
+
+}  // namespace replay
