@@ -5,6 +5,7 @@
 #include "adaptor/max_adaptor_interface.h"
 #include "adaptor/trace_file.h"
 #include "nodes/node_sweep.h"
+#include "persistence/scene/tagged_nodes.h"
 #include "tvl/error_code.h"
 #include "tvl/log.h"
 #include "undo/undo_wrapper.h"
@@ -68,6 +69,8 @@ void SweepCore(int releasedChunks) {
     // First of all, since everything below may write or declare.
     const bool hadLog = TakeLogOut(adaptor);
     const bool hadErrorCodes = TakeErrorCodesOut(adaptor);
+
+    AbandonGatherings();
 
     // Listeners go before the hold ends: what is cancelled would tell them.
     const int chunks = releasedChunks + ReleaseCoreChunks();

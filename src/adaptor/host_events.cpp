@@ -1,7 +1,8 @@
 #include "adaptor/host_events.h"
 
 #include "adaptor/utility_manager.h"
-#include "persistence/scene/scene_state.h"
+#include "persistence/scene/gather_state.h"
+#include "persistence/scene/node_tags.h"
 
 namespace {
 

@@ -8,6 +8,7 @@
 #include "measures/host_clock.h"
 #include "nodes/merging.h"
 #include "nodes/node_creation.h"
+#include "persistence/scene/claim_nodes.h"
 #include "resources/resource_ids.h"
 
 namespace {
@@ -40,6 +41,9 @@ DeletionState& DeletionInProgress() {
 }
 MeshCache& ConvertedMeshes() {
     return Adaptor().meshCache;
+}
+TaggedNodeLists& NodesWithTags() {
+    return Adaptor().taggedNodes;
 }
 
 MaxAdaptorInterface::MaxAdaptorInterface() : MessageNode("MaxAdaptorInterface") {
@@ -94,8 +98,8 @@ std::vector<TVL::CNode*> MaxAdaptorInterface::GetNodes(TVL::CoreElement* owner) 
     return ::GetNodes(owner);
 }
 
-std::vector<TVL::CNode*> MaxAdaptorInterface::ClaimNodes(std::string, XMLNode nodeInfo) {
-    return std::vector<TVL::CNode*>(static_cast<std::size_t>(nodeInfo.Count("node")));
+std::vector<TVL::CNode*> MaxAdaptorInterface::ClaimNodes(std::string pluginName, XMLNode nodeInfo) {
+    return ::ClaimNodes(pluginName, nodeInfo);
 }
 
 std::vector<TVL::CNode*> MaxAdaptorInterface::MergeModels(std::string path) {

@@ -5,6 +5,8 @@
 #include "nodes/node_deletion.h"
 #include "nodes/node_list.h"
 #include "nodes/recording.h"
+#include "persistence/scene/state_format.h"
+#include "persistence/scene/tagged_nodes.h"
 #include "tvl/adaptor_interface.h"
 #include "tvl/message.h"
 #include "tvl/singleton.h"
@@ -30,7 +32,7 @@ class MaxAdaptorInterface final : public TVL::AdaptorInterface,
     // As a message node its name is "MaxAdaptorInterface".
     using MessageNode::GetName;
     std::string GetName() override { return "3ds max 9 Adaptor"; }
-    std::string GetShortName() override { return "adaptor_3dsmax9"; }
+    std::string GetShortName() override { return kPlatform; }
     std::string GetPlatformName() override { return "3ds max"; }
     std::string GetPlatformVersion() override { return "9"; }
     TVL::WindowHandle GetPlatformWindow() override;
@@ -78,4 +80,5 @@ class MaxAdaptorInterface final : public TVL::AdaptorInterface,
     DeletionState deletion;
     FocusState focus;
     MeshCache meshCache;
+    TaggedNodeLists taggedNodes;
 };

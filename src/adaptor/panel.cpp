@@ -5,7 +5,8 @@
 
 #include "adaptor/utility_manager.h"
 #include "host/interface.h"
-#include "persistence/scene/scene_state.h"
+#include "persistence/scene/gather_state.h"
+#include "persistence/scene/node_tags.h"
 #include "resources/resource_ids.h"
 
 namespace {

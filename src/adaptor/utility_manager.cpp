@@ -4,6 +4,7 @@
 #include "adaptor/trace_file.h"
 #include "host/interface.h"
 #include "measures/host_clock.h"
+#include "persistence/scene/state_chunk.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/lsan_interface.h>
@@ -51,6 +52,14 @@ std::uint32_t UtilityManager::Start() {
 void UtilityManager::Stop() {
     if (hearsHost) UnregisterHostEvents(*this);
     hearsHost = false;
+}
+
+IOResult UtilityManager::Save(ISave* save) {
+    return SaveState(*save);
+}
+
+IOResult UtilityManager::Load(ILoad* load) {
+    return LoadState(*load);
 }
 
 void UtilityManager::HearHost() {

@@ -23,6 +23,8 @@ class UtilityManager final : public GUP {
     // 0: the host keeps the plug-in, with a Core or without; 1 if there is no Core to load.
     std::uint32_t Start() override;
     void Stop() override;
+    IOResult Save(ISave* save) override;
+    IOResult Load(ILoad* load) override;
     void DeleteThis() override {}
 
     // Loads the Core of the installation and hands the adaptor to it. A Core that is attached stays

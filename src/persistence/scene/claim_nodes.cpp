@@ -1,0 +1,75 @@
+#include "persistence/scene/claim_nodes.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+#include <unordered_map>
+
+#include "nodes/max_node.h"
+#include "nodes/node_reference.h"
+#include "persistence/scene/scene_walk.h"
+#include "persistence/scene/state_format.h"
+#include "persistence/scene/tagged_nodes.h"
+
+namespace {
+
+using Claims = std::vector<TVL::CNode*>;
+using NodeEntries = std::vector<const XMLNode*>;
+
+NodeEntries EntriesOf(const XMLNode& nodeInfo) {
+    NodeEntries entries;
+    for (const auto& child : nodeInfo.children) {
+        if (child->name == kNodeElement) entries.push_back(child.get());
+    }
+    return entries;
+}
+
+std::string_view NameOf(const XMLNode& entry) {
+    const auto name = entry.attributes.find(kNodeNameAttribute);
+    return name == entry.attributes.end() ? std::string_view() : std::string_view(name->second);
+}
+
+bool IsComplete(const Claims& claims) {
+    return std::ranges::find(claims, nullptr) == claims.end();
+}
+
+void FindGatheredNodes(const std::string& pluginName, const NodeEntries& entries, Claims& claims) {
+    const auto& gatherings = NodesWithTags().running;
+    if (gatherings.empty()) return;
+    for (std::size_t index = 0; index < entries.size(); ++index) {
+        INode* const host = gatherings.back()->Find(pluginName, NameOf(*entries[index]));
+        if (host) claims[index] = new CMAXNode(nullptr, host);
+    }
+}
+
+// Of entries with one name only the last is looked for, and gets the first node in the scene.
+void FindTaggedNodes(const std::string& pluginName, const NodeEntries& entries, Claims& claims) {
+    std::unordered_map<std::string_view, std::size_t> byName;
+    for (std::size_t index = 0; index < entries.size(); ++index)
+        byName[NameOf(*entries[index])] = index;
+
+    WalkScene([&](INode& node) {
+        const std::optional<XMLNode> tag = TagOn(node);
+        if (!tag || tag->Child(kNameElement).Text() != pluginName) return;
+        const auto entry = byName.find(tag->Child(kObjectNameElement).Text());
+        if (entry == byName.end() || claims[entry->second]) return;
+        claims[entry->second] = new CMAXNode(nullptr, &node);
+    });
+}
+
+void FindNodesByHandle(const NodeEntries& entries, Claims& claims) {
+    for (std::size_t index = 0; index < entries.size(); ++index) {
+        if (!claims[index]) claims[index] = NodeFor(entries[index]->Child(kHandleElement));
+    }
+}
+
+}  // namespace
+
+Claims ClaimNodes(const std::string& pluginName, const XMLNode& nodeInfo) {
+    const NodeEntries entries = EntriesOf(nodeInfo);
+    Claims claims(entries.size());
+    FindGatheredNodes(pluginName, entries, claims);
+    if (!IsComplete(claims)) FindTaggedNodes(pluginName, entries, claims);
+    FindNodesByHandle(entries, claims);
+    return claims;
+}

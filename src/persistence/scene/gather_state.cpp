@@ -1,0 +1,116 @@
+#include "persistence/scene/gather_state.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <unordered_set>
+#include <utility>
+
+#include "core_link/core_link.h"
+#include "nodes/max_node.h"
+#include "nodes/node_list.h"
+#include "persistence/scene/node_tags.h"
+#include "persistence/scene/scene_walk.h"
+#include "persistence/scene/stored_plugins.h"
+#include "persistence/scene/tagged_nodes.h"
+#include "platform/win32.h"
+
+namespace {
+
+constexpr const char* kCaption = "Gather error";
+constexpr const char* kNeverClaimed =
+    "Some nodes were found beloning to Tarvo Lumiset, but they were never claimed. \n"
+    " The following nodes were left out:\n\n";
+
+using Handles = std::unordered_set<std::uint32_t>;
+
+// The list of one gathering, known to the adaptor while it runs.
+class RunningGathering {
+  public:
+    RunningGathering() { NodesWithTags().running.push_back(list_); }
+    ~RunningGathering() {
+        if (!list_->IsAbandoned()) NodesWithTags().running.pop_back();
+    }
+    RunningGathering(const RunningGathering&) = delete;
+    RunningGathering& operator=(const RunningGathering&) = delete;
+
+    TaggedNodeList& List() { return *list_; }
+
+  private:
+    std::shared_ptr<TaggedNodeList> list_ = std::make_shared<TaggedNodeList>();
+};
+
+// Nodes that the gatherings around this one have collected, and will report and clear themselves.
+Handles AlreadyCollected() {
+    Handles handles;
+    for (const auto& list : NodesWithTags().running) {
+        for (const auto& node : list->Nodes()) {
+            if (INode* const host = node->hostNode.Get()) handles.insert(host->GetHandle());
+        }
+    }
+    return handles;
+}
+
+// The root bears no tag.
+StoredPlugins CollectNodeTags(TaggedNodeList& taggedNodes) {
+    const Handles collected = AlreadyCollected();
+    StoredPlugins masters;
+    WalkScene([&](INode& node) {
+        if (node.IsRootNode() || collected.contains(node.GetHandle())) return;
+        std::optional<XMLNode> tag = TagOn(node);
+        if (!tag) return;
+        for (const auto& child : tag->children) {
+            if (child->name == kMasterElement) masters.push_back(std::make_unique<XMLNode>(*child));
+        }
+        if (tag->name.empty() && tag->children.empty()) return;
+        auto entry = std::make_unique<TaggedNode>();
+        entry->hostNode = HostNodeLink(&node);
+        entry->tag.Swap(*tag);
+        taggedNodes.Add(std::move(entry));
+    });
+    return masters;
+}
+
+Handles ClaimedHandles() {
+    Handles handles;
+    for (const CMAXNode* node : AdaptorNodes().nodes) {
+        if (INode* const host = node->HostNode()) handles.insert(host->GetHandle());
+    }
+    return handles;
+}
+
+std::string UnclaimedNames(const TaggedNodeList& taggedNodes) {
+    const Handles claimed = ClaimedHandles();
+    std::string names;
+    for (const auto& node : taggedNodes.Nodes()) {
+        INode* const host = node->hostNode.Get();
+        if (!host || claimed.contains(host->GetHandle())) continue;
+        const char* const name = host->GetName();
+        names.append(name ? name : "").append("\n");
+    }
+    return names;
+}
+
+void ReportUnclaimed(const TaggedNodeList& taggedNodes) {
+    if (taggedNodes.Nodes().empty()) return;
+    const std::string names = UnclaimedNames(taggedNodes);
+    if (names.empty()) return;
+    MessageBoxA(nullptr, (kNeverClaimed + names).c_str(), kCaption, MB_OK | MB_ICONERROR);
+}
+
+void ClearTags(const TaggedNodeList& taggedNodes) {
+    for (const auto& node : taggedNodes.Nodes()) {
+        if (INode* const host = node->hostNode.Get()) ClearNodeTag(*host);
+    }
+}
+
+}  // namespace
+
+void GatherSceneState() {
+    CoreInterface* const core = AttachedCore();
+    if (!core) return;
+    RunningGathering gathering;
+    core->SetCoreState(StateTree(CollectNodeTags(gathering.List())));
+    ReportUnclaimed(gathering.List());
+    ClearTags(gathering.List());
+}

@@ -1,0 +1,52 @@
+#include "persistence/scene/state_chunk.h"
+
+#include <cstdint>
+#include <string>
+
+#include "core_link/core_link.h"
+#include "persistence/scene/older_state.h"
+#include "persistence/scene/opened_chunk.h"
+#include "persistence/scene/state_format.h"
+
+namespace {
+
+// The Core may detach in the middle of the loading.
+void HandToCore(const XMLNode& state) {
+    if (CoreInterface* const core = AttachedCore()) core->SetCoreState(state);
+}
+
+IOResult LoadStateChunk(ILoad& load) {
+    char* text = nullptr;
+    const IOResult result = load.ReadCStringChunk(&text);
+    if (result != IO_OK) return result;
+    HandToCore(XMLNode(text ? text : ""));
+    return IO_OK;
+}
+
+}  // namespace
+
+IOResult SaveState(ISave& save) {
+    CoreInterface* const core = AttachedCore();
+    if (!core) return IO_OK;
+    const XMLNode state = core->GetCoreState();
+    if (state.children.empty()) return IO_OK;
+    save.BeginChunk(kStateChunk);
+    save.WriteCString(state.Write("\n", "\t").c_str());
+    save.EndChunk();
+    return IO_OK;
+}
+
+IOResult LoadState(ILoad& load) {
+    if (!AttachedCore()) return IO_OK;
+    XMLNode olderPlugins = Element(kStateElement);
+    for (OpenedChunk chunk(load); chunk.IsOpen(); chunk.Next()) {
+        if (chunk.Id() == kOlderStateChunk) {
+            olderPlugins.AddChild(ReadOlderState(load));
+        } else if (chunk.Id() == kStateChunk) {
+            const IOResult result = LoadStateChunk(load);
+            if (result != IO_OK) return result;
+        }
+    }
+    HandToCore(olderPlugins);
+    return IO_OK;
+}
