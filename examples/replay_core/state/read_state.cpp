@@ -1,11 +1,17 @@
 #include "replay_core/state/read_state.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <deque>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 #include "replay_core/motion/numbers.h"
 #include "replay_core/state/stored_form.h"
 #include "replay_core/state/stored_text.h"
+#include "tvl/base64_buffer.h"
+#include "tvl/huffman_buffer.h"
 
 namespace replay {
 namespace {
@@ -27,6 +33,21 @@ std::optional<Recording> ReadRecording(const XMLNode& element) {
                      .endFrame = *end};
 }
 
+bool IsPacked(const XMLNode& plugin) {
+    const auto mark = plugin.attributes.find(form::kCompressed);
+    return mark != plugin.attributes.end() && mark->second == form::kPacked &&
+           plugin.children.size() == 1 && plugin.children[0]->kind == XMLNode::kText;
+}
+
+// Without name and children if it cannot be read.
+XMLNode Unpacked(const XMLNode& plugin) {
+    const std::vector<std::uint8_t> stream = Base64Buffer(plugin.Text()).Bytes();
+    const std::vector<std::uint8_t> text =
+        HuffmanBuffer(stream.data(), static_cast<std::int32_t>(stream.size())).Decompress();
+    const auto end = std::ranges::find(text, 0);
+    return XMLNode(std::string(text.begin(), end));
+}
+
 class Reader {
   public:
     // Without recursion: how deep the plug-ins stand is the file's to say.
@@ -34,16 +55,21 @@ class Reader {
         struct Open {
             const XMLNode* element;
             std::size_t parent;
+            bool mayBePacked;
         };
-        std::vector<Open> open = {{&topmost, StoredPlugin::kNone}};
+        std::vector<Open> open = {{&topmost, StoredPlugin::kNone, true}};
         while (!open.empty()) {
-            const auto [element, parent] = open.back();
+            const auto [stored, parent, mayBePacked] = open.back();
             open.pop_back();
+            const XMLNode* const element =
+                IsPacked(*stored) ? Unpack(*stored, mayBePacked) : stored;
+            if (!element) continue;
             const std::size_t index = state_.plugins.size();
             state_.plugins.push_back(ReadPlugin(*element, parent));
             const auto& children = element->children;
             for (auto child = children.rbegin(); child != children.rend(); ++child)
-                if (IsElement(**child, form::kPlugin)) open.push_back({child->get(), index});
+                if (IsElement(**child, form::kPlugin))
+                    open.push_back({child->get(), index, mayBePacked && element == stored});
         }
     }
 
@@ -52,6 +78,17 @@ class Reader {
     StoredState& Result() { return state_; }
 
   private:
+    // Null if there is no plug-in to be had. What was packed holds nothing packed, or a small file
+    // could unfold without end.
+    const XMLNode* Unpack(const XMLNode& plugin, bool mayBePacked) {
+        if (mayBePacked) {
+            const XMLNode& unpacked = unpacked_.emplace_back(Unpacked(plugin));
+            if (IsElement(unpacked, form::kPlugin) && !IsPacked(unpacked)) return &unpacked;
+        }
+        Fault("a packed plug-in cannot be read");
+        return nullptr;
+    }
+
     StoredPlugin ReadPlugin(const XMLNode& element, std::size_t parent) {
         StoredPlugin plugin;
         plugin.parent = parent;
@@ -88,6 +125,7 @@ class Reader {
     }
 
     StoredState state_;
+    std::deque<XMLNode> unpacked_;  // stay where they are
 };
 
 }  // namespace

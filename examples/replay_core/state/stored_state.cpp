@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "replay_core/motion/numbers.h"
+#include "replay_core/state/compress.h"
 #include "replay_core/state/stored_form.h"
 #include "replay_core/state/stored_text.h"
 
@@ -62,6 +63,19 @@ XMLNode Plugin(const Take& take) {
     return plugin;
 }
 
+// Stands for the plug-in with all that is in it.
+XMLNode Packed(const XMLNode& plugin) {
+    XMLNode packed(form::kPlugin, PackedText(plugin));
+    packed.attributes[form::kVersion] = form::kPresentVersion;
+    packed.attributes[form::kCompressed] = form::kPacked;
+    return packed;
+}
+
+std::unique_ptr<XMLNode> PackedIfLong(std::unique_ptr<XMLNode> plugin) {
+    if (plugin->Write().size() > kLongestPlainText) *plugin = Packed(*plugin);
+    return plugin;
+}
+
 }  // namespace
 
 XMLNode WholeState(const Takes& takes) {
@@ -83,13 +97,13 @@ XMLNode WholeState(const Takes& takes) {
     }
     XMLNode state = Element(form::kRoot);
     for (std::unique_ptr<XMLNode>& plugin : top)
-        state.children.push_back(std::move(plugin));
+        state.children.push_back(PackedIfLong(std::move(plugin)));
     return state;
 }
 
 XMLNode MasterNode(const Take& take, const Takes& all) {
     XMLNode master = Element(form::kMasterNode);
-    master.children.push_back(std::make_unique<XMLNode>(Plugin(take)));
+    master.children.push_back(PackedIfLong(std::make_unique<XMLNode>(Plugin(take))));
     const Take* const parent = StoredParent(take);
     if (!parent) return master;
     std::uint32_t index = 0;
