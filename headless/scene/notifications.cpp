@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <exception>
 #include <vector>
 
 #include "host/notify.h"
@@ -29,16 +30,22 @@ void DropGone() {
 }  // namespace
 
 void Broadcast(int code, void* callParam) {
+    std::exception_ptr thrown;
     ++broadcasting;
     const std::size_t present = listeners.size();
     for (std::size_t i = 0; i < present; ++i) {
         const Listener listener = listeners[i];
         if (!listener.proc || listener.code != code) continue;
         NotifyInfo info{code, callParam};
-        listener.proc(listener.param, &info);
+        try {
+            listener.proc(listener.param, &info);
+        } catch (...) {
+            if (!thrown) thrown = std::current_exception();
+        }
     }
     --broadcasting;
     DropGone();
+    if (thrown) std::rethrow_exception(thrown);
 }
 
 void ForgetNotifications() {

@@ -46,11 +46,6 @@ void StartTimeline(int frameRate, int ticksPerFrame) {
     timeline.range.Set(0, kFramesAtStart * timeline.ticksPerFrame);
 }
 
-void ResetTimeline() {
-    MoveTime(0);
-    SetAnimationRange({0, kFramesAtStart * timeline.ticksPerFrame});
-}
-
 TimeValue CurrentTime() {
     return timeline.now;
 }

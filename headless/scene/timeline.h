@@ -9,7 +9,6 @@ namespace headless {
 
 // Time 0 and a range of a hundred frames.
 void StartTimeline(int frameRate, int ticksPerFrame);
-void ResetTimeline();
 
 TimeValue CurrentTime();
 void MoveTime(TimeValue t);

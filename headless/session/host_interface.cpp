@@ -11,6 +11,7 @@
 #include "scene/scene.h"
 #include "scene/selection.h"
 #include "scene/timeline.h"
+#include "session/scene_files.h"
 #include "ui/command_panel.h"
 #include "ui/main_window.h"
 #include "ui/rollup_pages.h"
@@ -167,8 +168,9 @@ bool HostInterface::CloneNodes(INodeTab& nodes, const Point3& offset, bool expan
     return !copies.empty();
 }
 
-int HostInterface::MergeFromFile(const char*, int, int, int, int, NameTab*, int, int) {
-    return 0;
+int HostInterface::MergeFromFile(const char* path, int, int selectMerged, int, int, NameTab*, int,
+                                 int) {
+    return path && MergeOrThrow(path, selectMerged != 0) ? 1 : 0;
 }
 
 }  // namespace headless

@@ -19,7 +19,10 @@
 #include "scene/selection.h"
 #include "scene/timeline.h"
 #include "scene/units.h"
+#include "session/empty_scene.h"
+#include "session/file_work.h"
 #include "session/path_config.h"
+#include "session/scene_files.h"
 #include "ui/command_panel.h"
 #include "ui/main_window.h"
 #include "ui/rollup_pages.h"
@@ -35,14 +38,24 @@ SessionSettings WithUnitsPerMetre(double hostUnits) {
 
 struct Session::State {
     std::vector<std::unique_ptr<PluginLibrary>> libraries;
-    std::vector<GUP*> kept;  // global utilities that run; the plug-ins' own
+    SessionSettings settings;
+    std::vector<RunningUtility> kept;  // global utilities; the plug-ins' own
+    SceneFiles files;
     bool isShutDown = false;
+
+    void ApplySettings() const;
+    bool Renew(int announcement);
 };
 
-Session::Session(const SessionSettings& settings) : state_(std::make_unique<State>()) {
+void Session::State::ApplySettings() const {
     StartTimeline(settings.frameRate, settings.ticksPerFrame);
     SetMasterUnits(settings.unitType, settings.unitScale);
     ResetAnimateMode();
+}
+
+Session::Session(const SessionSettings& settings) : state_(std::make_unique<State>()) {
+    state_->settings = settings;
+    state_->ApplySettings();
     ResetFrame();
     OpenMainWindow();
     TheScene().Open();
@@ -85,7 +98,7 @@ void Session::Start() {
         if (!utility) continue;
         RememberForever(utility);
         if (utility->Start() == GUPRESULT_KEEP)
-            state_->kept.push_back(utility);
+            state_->kept.push_back({descriptor, utility});
         else
             utility->DeleteThis();
     }
@@ -95,28 +108,13 @@ std::size_t Session::KeptUtilities() const {
     return state_->kept.size();
 }
 
-namespace {
-
-// A hold that somebody left open would keep the undo stream from being emptied.
-void EndForgottenHold() {
-    if (theHold.Holding()) theHold.Accept("");
-}
-
-void EmptyScene() {
-    EndForgottenHold();
-    UndoStream::Get().Flush();
-    TheScene().Clear();
-}
-
-}  // namespace
-
 void Session::ShutDown() {
     if (std::exchange(state_->isShutDown, true)) return;
     Broadcast(NOTIFY_SYSTEM_SHUTDOWN);
-    for (GUP* utility : state_->kept)
-        utility->Stop();
-    for (GUP* utility : std::exchange(state_->kept, {}))
-        utility->DeleteThis();
+    for (const RunningUtility& running : state_->kept)
+        running.utility->Stop();
+    for (const RunningUtility& running : std::exchange(state_->kept, {}))
+        running.utility->DeleteThis();
     ThePanel().Close();
     EmptyScene();
     TheScene().Close();
@@ -228,16 +226,39 @@ bool Session::AcceleratorsEnabled() const {
     return HostAcceleratorsEnabled();
 }
 
-void Session::NewScene() {
-    Broadcast(NOTIFY_SYSTEM_PRE_NEW);
+// False: this is no moment for it.
+bool Session::State::Renew(int announcement) {
+    if (!FileWork::Hindrance().empty()) return false;
+    Broadcast(announcement);
     EmptyScene();
+    files.ForgetChunks();
+    return true;
+}
+
+void Session::NewScene() {
+    state_->Renew(NOTIFY_SYSTEM_PRE_NEW);
 }
 
 void Session::Reset() {
-    Broadcast(NOTIFY_SYSTEM_PRE_RESET);
-    EmptyScene();
-    ResetTimeline();
-    ResetAnimateMode();
+    if (!state_->Renew(NOTIFY_SYSTEM_PRE_RESET)) return;
+    MoveTime(0);
+    state_->ApplySettings();
+}
+
+FileOutcome Session::OpenScene(const std::string& path) {
+    return state_->files.Open(path, state_->kept);
+}
+
+FileOutcome Session::SaveScene(const std::string& path) {
+    return state_->files.Save(path, state_->kept);
+}
+
+FileOutcome Session::MergeScene(const std::string& path) {
+    return MergeAndSelect(path);
+}
+
+std::vector<UtilityChunksView> Session::UtilityChunks() const {
+    return state_->files.Chunks();
 }
 
 void Session::OnMessageBox(MessageBoxHandler handler) {

@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-
-#include "adaptor/utility_manager.h"
+#include "adaptor/attach_panel.h"
 #include "headless/primitives.h"
 #include "headless/scene_view.h"
 #include "host/hold.h"
@@ -16,36 +14,6 @@
 namespace {
 
 using Calls = PuppetCore::Calls;
-
-constexpr int kAttachPanel = 200;
-
-// A page with the control that attaches and detaches, in the place of the utility's own.
-class AttachPanel {
-  public:
-    AttachPanel()
-        : window_(CreateDialogParamA(nullptr, MAKEINTRESOURCEA(kAttachPanel),
-                                     GetCOREInterface()->GetMAXHWnd(), PanelDlgProc, 0)),
-          outer_(std::exchange(UtilityManager::Get().panelWindow, window_)) {}
-    ~AttachPanel() {
-        UtilityManager::Get().panelWindow = outer_;
-        DestroyWindow(window_);
-    }
-    AttachPanel(const AttachPanel&) = delete;
-    AttachPanel& operator=(const AttachPanel&) = delete;
-
-    HWND Window() const { return window_; }
-    HWND Control() const { return GetDlgItem(window_, AttachControl); }
-    void Press() const { SendMessageA(Control(), BM_CLICK, 0, 0); }
-    std::string Text() const {
-        std::array<char, 64> text{};
-        GetWindowTextA(Control(), text.data(), 64);
-        return text.data();
-    }
-
-  private:
-    HWND window_;
-    HWND outer_;
-};
 
 void MakeUndoStep() {
     theHold.Begin();

@@ -1,0 +1,162 @@
+#include "session/scene_files.h"
+
+#include <algorithm>
+#include <exception>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+#include <utility>
+
+#include "host/notify.h"
+#include "scene/notifications.h"
+#include "scene/selection.h"
+#include "session/empty_scene.h"
+#include "session/file_work.h"
+
+namespace headless {
+namespace {
+
+constexpr const char* kNotOpened = "it could not be opened";
+constexpr const char* kNotSaved = "it could not be saved";
+constexpr const char* kNotMerged = "it could not be merged";
+
+constexpr int kReplacingFile = 0;  // the kind of file that takes the place of the scene
+
+std::string At(const std::string& path, const std::string& reason) {
+    return path + ": " + reason;
+}
+
+std::string Hindrance(const std::string& path) {
+    const std::string reason = FileWork::Hindrance();
+    return reason.empty() ? reason : At(path, reason);
+}
+
+// What kept the work from being done, in one line; empty if it was done. The host's own errors name
+// the file; what plug-ins throw does not.
+template <class Work>
+std::string Attempt(const std::string& path, const char* during, Work work) {
+    try {
+        work();
+    } catch (const SceneFileError& error) {
+        return error.what();
+    } catch (const std::exception& error) {
+        return At(path, std::string(during) + ": " + error.what());
+    } catch (...) {
+        return At(path, std::string(during) + ": unknown exception");
+    }
+    return {};
+}
+
+std::string Announce(const std::string& path, int code, void* parameter = nullptr) {
+    const std::string during = "a plug-in failed at notification " + std::to_string(code);
+    return Attempt(path, during.c_str(), [&] { Broadcast(code, parameter); });
+}
+
+void AddTo(std::vector<std::string>& complaints, std::string line) {
+    if (!line.empty()) complaints.push_back(std::move(line));
+}
+
+bool SameClass(const StoredClass& stored, SClass_ID superClass, Class_ID id) {
+    return stored.superClass == superClass && stored.id == id;
+}
+
+UtilityChunksView ViewOf(const StoredUtility& stored, std::span<const RunningUtility> running,
+                         std::span<const KeptChunks> kept) {
+    const StoredClass& type = stored.type;
+    const bool isRunning = std::ranges::any_of(running, [&](const RunningUtility& utility) {
+        return SameClass(type, utility.descriptor->SuperClassID(), utility.descriptor->ClassID());
+    });
+    const bool isKept = std::ranges::any_of(kept, [&](const KeptChunks& chunks) {
+        return SameClass(type, chunks.type.superClass, chunks.type.id);
+    });
+    return {type.name, type.id, stored.chunks.Size(), isRunning, !isKept};
+}
+
+}  // namespace
+
+FileOutcome SceneFiles::Open(const std::string& path, std::span<const RunningUtility> running) {
+    FileOutcome outcome;
+    outcome.error = Hindrance(path);
+    if (outcome.error.empty()) outcome.error = Replace(path, running, outcome.complaints);
+    if (outcome.error.empty()) AddTo(outcome.complaints, Announce(path, NOTIFY_FILE_POST_OPEN));
+    return outcome;
+}
+
+// The file has been checked before anybody hears of it. One that fails later, because the disk
+// does, leaves an empty scene rather than half of one.
+std::string SceneFiles::Replace(const std::string& path, std::span<const RunningUtility> running,
+                                std::vector<std::string>& complaints) {
+    const FileWork work;
+    std::optional<SceneFileReader> file;
+    std::string error = Attempt(path, kNotOpened, [&] { file.emplace(path); });
+    if (!error.empty()) return error;
+    int kind = kReplacingFile;
+    error = Announce(path, NOTIFY_FILE_PRE_OPEN, &kind);
+    if (!error.empty()) return error;
+    EmptyScene();
+    ForgetChunks();
+    error = Attempt(path, kNotOpened, [&] { Load(*file, running, complaints); });
+    if (!error.empty()) EmptyScene();
+    return error;
+}
+
+void SceneFiles::Load(SceneFileReader& file, std::span<const RunningUtility> running,
+                      std::vector<std::string>& complaints) {
+    complaints = file.OpenIntoScene();
+    kept_ = file.LoadUtilities(running);
+    for (const StoredUtility& stored : file.Document().utilities)
+        chunks_.push_back(ViewOf(stored, running, kept_));
+}
+
+FileOutcome SceneFiles::Save(const std::string& path,
+                             std::span<const RunningUtility> running) const {
+    FileOutcome outcome;
+    outcome.error = Hindrance(path);
+    if (!outcome.error.empty()) return outcome;
+    const FileWork work;
+    outcome.error = Announce(path, NOTIFY_FILE_PRE_SAVE);
+    if (outcome.error.empty()) {
+        outcome.error = Attempt(path, kNotSaved, [&] { WriteSceneFile(path, running, kept_); });
+    }
+    AddTo(outcome.complaints, Announce(path, NOTIFY_FILE_POST_SAVE));
+    return outcome;
+}
+
+void SceneFiles::ForgetChunks() {
+    kept_.clear();
+    chunks_.clear();
+}
+
+namespace {
+
+// A plug-in that fails when it hears of the merge takes nothing of it back.
+FileOutcome Merge(const std::string& path, bool selectMerged) {
+    FileOutcome outcome;
+    outcome.error = Hindrance(path);
+    if (!outcome.error.empty()) return outcome;
+    std::error_code unknown;
+    if (!std::filesystem::exists(path, unknown)) return {At(path, "there is no such file"), {}};
+    {
+        const FileWork work;
+        SceneFileReader file(path);
+        const std::vector<SceneNode*> merged = file.MergeIntoScene(outcome.complaints);
+        if (selectMerged) SelectNodes(merged, true);
+    }
+    AddTo(outcome.complaints, Announce(path, NOTIFY_FILE_POST_MERGE));
+    return outcome;
+}
+
+}  // namespace
+
+FileOutcome MergeAndSelect(const std::string& path) {
+    FileOutcome outcome;
+    const std::string error = Attempt(path, kNotMerged, [&] { outcome = Merge(path, true); });
+    if (!error.empty()) outcome.error = error;
+    return outcome;
+}
+
+bool MergeOrThrow(const std::string& path, bool selectMerged) {
+    return Merge(path, selectMerged).error.empty();
+}
+
+}  // namespace headless

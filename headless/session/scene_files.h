@@ -1,0 +1,38 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "headless/session.h"
+#include "scene_file/scene_file.h"
+
+// What a session does with scene files, in the host's order of events.
+namespace headless {
+
+class SceneFiles {
+  public:
+    FileOutcome Open(const std::string& path, std::span<const RunningUtility> running);
+    FileOutcome Save(const std::string& path, std::span<const RunningUtility> running) const;
+
+    const std::vector<UtilityChunksView>& Chunks() const { return chunks_; }
+    void ForgetChunks();  // when the scene is emptied
+
+  private:
+    std::string Replace(const std::string& path, std::span<const RunningUtility> running,
+                        std::vector<std::string>& complaints);
+    void Load(SceneFileReader& file, std::span<const RunningUtility> running,
+              std::vector<std::string>& complaints);
+
+    std::vector<KeptChunks> kept_;
+    std::vector<UtilityChunksView> chunks_;  // of all utilities in the file that was opened
+};
+
+// Merges with an outcome for everything that can happen.
+FileOutcome MergeAndSelect(const std::string& path);
+
+// As the host does it for a plug-in: throws SceneFileError if the file is damaged, or cannot be
+// merged into this scene. False if there is no such file, or this is no moment for it.
+bool MergeOrThrow(const std::string& path, bool selectMerged);
+
+}  // namespace headless

@@ -1,0 +1,226 @@
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <stdexcept>
+
+#include "host/hold.h"
+#include "host/interface.h"
+#include "host/notify.h"
+#include "nodes/node_test.h"
+#include "tvl/log.h"
+
+namespace {
+
+// Does something when the host tells that a merge has finished.
+class OnMerged {
+  public:
+    explicit OnMerged(std::function<void()> act) : act_(std::move(act)) {
+        RegisterNotification(&Hear, this, NOTIFY_FILE_POST_MERGE);
+    }
+    ~OnMerged() { UnRegisterNotification(&Hear, this, NOTIFY_FILE_POST_MERGE); }
+    OnMerged(const OnMerged&) = delete;
+    OnMerged& operator=(const OnMerged&) = delete;
+
+  private:
+    static void Hear(void* self, NotifyInfo*) { static_cast<OnMerged*>(self)->act_(); }
+
+    std::function<void()> act_;
+};
+
+using Lines = std::vector<std::string>;
+
+class MergingTest : public NodeTest {
+  protected:
+    // Two roots "Rig_Hip" and "Rig_Cam", and "Rig_Knee" below the hip.
+    std::string SavedRig() {
+        Node* const hip = Helper("Hip");
+        Helper("Knee", hip);
+        Camera("Cam");
+        const std::string path = (world.Folder() / "rig.scene").string();
+        EXPECT_EQ(world.Session().SaveScene(path).error, "");
+        return path;
+    }
+
+    // Merges, and gives the host's names of the nodes that came back.
+    Lines Merge(const std::string& path) {
+        const std::vector<TVL::CNode*> nodes = adaptor.MergeModels(path);
+        Lines names;
+        for (TVL::CNode* node : nodes) {
+            EXPECT_TRUE(node->IsSnapshot());
+            names.push_back(Core(node)->GetName());
+            node->Destroy();
+        }
+        return names;
+    }
+
+    static Lines Selected() {
+        Lines names;
+        for (const headless::NodeView& node : headless::Nodes())
+            if (node.selected) names.push_back(node.name);
+        return names;
+    }
+
+    // What `work` adds to the trace, without its moments.
+    template <class Work>
+    static Lines Traced(Work work) {
+        constexpr std::size_t kMoment = sizeof("20061204 09:05:00 ") - 1;
+        const std::size_t before = TVL::Log::GetInstance()->GetBufferedText().size();
+        work();
+        std::istringstream text(TVL::Log::GetInstance()->GetBufferedText().substr(before));
+        Lines lines;
+        for (std::string line; std::getline(text, line);)
+            lines.push_back(line.substr(std::min(kMoment, line.size())));
+        return lines;
+    }
+};
+
+TEST_F(MergingTest, TheCoreGetsEachMergedNodeOnceAndTheUserKeepsTheSelection) {
+    const std::string path = SavedRig();
+    world.Session().NewScene();
+    for (const char* selected : {"Rig_Box", "nobody"}) {
+        world.Session().NewScene();
+        Helper("Box");
+        world.Session().Select({selected});
+        const Lines before = Selected();
+        EXPECT_EQ(Merge(path), (Lines{"Rig_Hip", "Rig_Knee", "Rig_Cam"}));
+        EXPECT_EQ(Selected(), before);
+    }
+    EXPECT_EQ(headless::MapDirectories(), Lines{std::filesystem::current_path().string()});
+    EXPECT_TRUE(world.MessageBoxes().empty());
+}
+
+TEST_F(MergingTest, EveryStepStandsInTheTraceOnce) {
+    const std::string path = SavedRig();
+    world.Session().NewScene();
+    Helper("Box");
+    world.Session().Select({"Rig_Box"});
+    const Lines trace = Traced([&] { Merge(path); });
+    EXPECT_EQ(trace,
+              (Lines{"(NOTICE): \tMerging models from file", "(NOTICE): \tMerge file: " + path,
+                     "(NOTICE): \tGathering currently selected nodes",
+                     "(NOTICE): \tgathered node: Rig_Box", "(NOTICE): \tClearing node selection",
+                     "(NOTICE): \tAdding map dir: " + std::filesystem::current_path().string(),
+                     "(NOTICE): \tMerging file...", "(NOTICE): \tGathering merged nodes",
+                     "(NOTICE): \tAdding node to list: Rig_Hip",
+                     "(NOTICE): \tAdding node to list: Rig_Knee",
+                     "(NOTICE): \tAdding node to list: Rig_Cam",
+                     "(NOTICE): \tResetting selection set to previous values"}));
+}
+
+TEST_F(MergingTest, AFileThatCannotBeMergedIsToldInTheTraceAndNothingElseChanges) {
+    const std::string missing = (world.Folder() / "missing.scene").string();
+    const std::string damaged = SavedRig();
+    std::filesystem::resize_file(damaged, std::filesystem::file_size(damaged) - 1);
+    const std::pair<std::string, std::string> cases[] = {
+        {missing, "(WARNING): \t\tMerge failed. The scene could not be merged successfully"},
+        {damaged, "(WARNING): \t\tMerge failed, possible corrupt scene file: " + damaged}};
+    world.Session().Select({"Rig_Knee"});
+    const auto before = headless::SceneDigest();
+    for (const auto& [path, line] : cases) {
+        Lines merged;
+        const Lines trace = Traced([&] { merged = Merge(path); });
+        EXPECT_EQ(merged, Lines());
+        EXPECT_EQ(std::ranges::count(trace, line), 1) << path;
+        EXPECT_EQ(headless::SceneDigest(), before);
+    }
+}
+
+TEST_F(MergingTest, APresentNodeThatBecomesAParentComesToo) {
+    const std::string path = SavedRig();
+    world.Session().NewScene();
+    Helper("Base");
+    const OnMerged adopt([] { Host("Rig_Base")->AttachChild(Host("Rig_Hip")); });
+    EXPECT_EQ(Merge(path), (Lines{"Rig_Hip", "Rig_Base", "Rig_Knee", "Rig_Cam"}));
+}
+
+TEST_F(MergingTest, ASelectedNodeThatGoesDuringTheMergeIsPassedOver) {
+    const std::string path = SavedRig();
+    world.Session().NewScene();
+    Helper("Base");
+    Helper("Box");
+    world.Session().Select({"Rig_Base", "Rig_Box"});
+    const OnMerged drop([] { GetCOREInterface()->DeleteNode(Host("Rig_Box")); });
+    EXPECT_EQ(Merge(path).size(), 3U);
+    EXPECT_EQ(Selected(), Lines{"Rig_Base"});
+}
+
+TEST_F(MergingTest, TheHoldOfAnOpenGroupIsOpenBeforeAndAfterButNotDuringTheMerge) {
+    const std::string path = SavedRig();
+    world.Session().NewScene();
+    bool held = true;
+    const OnMerged look([&] { held = theHold.Holding(); });
+    InGroup("group", [&] {
+        Helper("Before");
+        EXPECT_EQ(Merge(path).size(), 3U);
+        EXPECT_TRUE(theHold.Holding());
+        Helper("After");
+    });
+    EXPECT_FALSE(held);
+    EXPECT_EQ(world.Session().UndoLabels(), (Lines{"group", "tmp"}));
+
+    // The merge is in neither step, and both go and come around it.
+    const auto after = headless::SceneDigest();
+    while (world.Session().Undo()) {
+    }
+    EXPECT_EQ(headless::Nodes().size(), 3U);
+    while (world.Session().Redo()) {
+    }
+    EXPECT_EQ(headless::SceneDigest(), after);
+}
+
+TEST_F(MergingTest, OnlyTheHoldThatWasClosedIsReopened) {
+    const std::string path = SavedRig();
+    Merge(path);
+    EXPECT_FALSE(theHold.Holding());
+    EXPECT_TRUE(world.Session().UndoLabels().empty());
+    {
+        const OnMerged end([this] { adaptor.EndUndoGroup(); });
+        adaptor.BeginUndoGroup("ends meanwhile");
+        Merge(path);
+        EXPECT_FALSE(theHold.Holding());
+    }
+    const OnMerged begin([this] { adaptor.BeginUndoGroup("begins meanwhile"); });
+    Merge(path);
+    EXPECT_TRUE(theHold.Holding());
+    adaptor.EndUndoGroup();
+}
+
+TEST_F(MergingTest, AMergeInSomebodyElsesHoldGoesAndComesWithIt) {
+    const std::string path = SavedRig();
+    const auto before = headless::SceneDigest();
+    theHold.Begin();
+    Merge(path);
+    EXPECT_TRUE(theHold.Holding());
+    theHold.Accept("theirs");
+    const auto after = headless::SceneDigest();
+    ASSERT_TRUE(world.Session().Undo());
+    EXPECT_EQ(headless::SceneDigest(), before);
+    ASSERT_TRUE(world.Session().Redo());
+    EXPECT_EQ(headless::SceneDigest(), after);
+}
+
+TEST_F(MergingTest, ASceneMergedIntoItselfThreeTimesHasFourSetsOfNodes) {
+    const std::string path = SavedRig();
+    for (int times = 0; times < 3; ++times)
+        EXPECT_EQ(Merge(path), (Lines{"Rig_Hip", "Rig_Knee", "Rig_Cam"}));
+    std::set<std::uint32_t> handles;
+    std::set<std::uint32_t> parentsOfKnees;
+    for (const headless::NodeView& node : headless::Nodes()) {
+        handles.insert(node.handle);
+        if (node.name == "Rig_Knee") parentsOfKnees.insert(node.parent);
+    }
+    EXPECT_EQ(handles.size(), 12U);
+    EXPECT_EQ(parentsOfKnees.size(), 4U);
+    EXPECT_FALSE(parentsOfKnees.contains(0));
+}
+
+TEST_F(MergingTest, WhatAPluginThrowsWhenItHearsOfTheMergeDoesNotReachTheCore) {
+    const std::string path = SavedRig();
+    world.Session().NewScene();
+    const OnMerged fail([] { throw std::runtime_error("no"); });
+    EXPECT_EQ(Merge(path).size(), 3U);
+}
+
+}  // namespace
