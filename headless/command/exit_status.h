@@ -1,6 +1,7 @@
 #pragma once
 
 #include <stdexcept>
+#include <string>
 
 namespace headless {
 
@@ -9,10 +10,24 @@ inline constexpr int kDone = 0;
 inline constexpr int kFailed = 1;  // one line on stderr says what, and where
 inline constexpr int kWrongUsage = 2;
 
+// Of a comparison.
+inline constexpr int kDifferent = 1;
+inline constexpr int kNotCompared = 2;
+
 // Thrown where a verb cannot go on: the line that the person reads.
 class Failure : public std::runtime_error {
   public:
-    using std::runtime_error::runtime_error;
+    explicit Failure(const std::string& line, int status = kFailed)
+        : std::runtime_error(line), status_(status) {}
+    int Status() const { return status_; }
+
+  private:
+    int status_;
+};
+
+// Thrown where a verb has done its work, and its outcome is a status other than 0.
+struct Ended {
+    int status;
 };
 
 }  // namespace headless

@@ -7,10 +7,17 @@
 
 namespace {
 
+int Fail(const char* what, int status) {
+    std::cerr << "lumiset-headless: " << what << '\n';
+    return status;
+}
+
 int Run(int argc, char** argv) {
     CLI::App app("The animation host without a screen, with the plug-in and its Core.");
     app.require_subcommand(1);
     headless::AddRecordVerb(app);
+    headless::AddInfoVerb(app);
+    headless::AddDiffVerb(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -24,8 +31,11 @@ int Run(int argc, char** argv) {
 int main(int argc, char** argv) {
     try {
         return Run(argc, argv);
+    } catch (const headless::Ended& ended) {
+        return ended.status;
+    } catch (const headless::Failure& failure) {
+        return Fail(failure.what(), failure.Status());
     } catch (const std::exception& error) {
-        std::cerr << "lumiset-headless: " << error.what() << '\n';
-        return headless::kFailed;
+        return Fail(error.what(), headless::kFailed);
     }
 }

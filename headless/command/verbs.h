@@ -10,5 +10,7 @@ class App;
 namespace headless {
 
 void AddRecordVerb(CLI::App& app);
+void AddInfoVerb(CLI::App& app);
+void AddDiffVerb(CLI::App& app);
 
 }  // namespace headless

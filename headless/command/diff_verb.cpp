@@ -1,0 +1,71 @@
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "command/exit_status.h"
+#include "command/print_json.h"
+#include "command/verb_options.h"
+#include "command/verbs.h"
+#include "headless/scene_file_view.h"
+
+namespace headless {
+namespace {
+
+struct Words {
+    std::string first;
+    std::string second;
+    bool cachedKeys = false;
+    bool json = false;
+};
+
+using Differences = std::vector<SceneDifference>;
+
+void PrintForPerson(const Differences& differences) {
+    for (const SceneDifference& difference : differences)
+        std::cout << difference.place << ": " << difference.what << '\n';
+}
+
+void PrintForProgram(const Differences& differences) {
+    auto list = nlohmann::ordered_json::array();
+    for (const SceneDifference& difference : differences)
+        list.push_back({{"place", difference.place}, {"difference", difference.what}});
+    PrintJson(std::cout, {{"equal", differences.empty()}, {"differences", list}});
+}
+
+Differences Compare(const Words& words) {
+    const auto cachedKeys = words.cachedKeys ? CachedKeys::kCompared : CachedKeys::kLeftOut;
+    try {
+        return CompareSceneFiles(words.first, words.second, cachedKeys);
+    } catch (const std::runtime_error& error) {
+        throw Failure(error.what(), kNotCompared);
+    }
+}
+
+void Run(const Words& words) {
+    const Differences differences = Compare(words);
+    if (words.json)
+        PrintForProgram(differences);
+    else
+        PrintForPerson(differences);
+    if (!differences.empty()) throw Ended{kDifferent};
+}
+
+}  // namespace
+
+void AddDiffVerb(CLI::App& app) {
+    const auto words = std::make_shared<Words>();
+    CLI::App* verb = app.add_subcommand("diff",
+                                        "Tell two scene files apart in words. The exit status is 0 "
+                                        "if they hold the same, 1 if they differ, 2 if they cannot "
+                                        "be compared.");
+    verb->add_option("FIRST", words->first, "Scene file")->required();
+    verb->add_option("SECOND", words->second, "Scene file")->required();
+    verb->add_flag("--cached-keys", words->cachedKeys,
+                   "Compare also the keys that controllers cache, which evaluation moves");
+    verb->add_flag("--json", words->json, "Print the result as one JSON object");
+    AddExample(*verb, "diff take.scene take.scene");
+    verb->callback([words] { Run(*words); });
+}
+
+}  // namespace headless
