@@ -28,4 +28,16 @@ double CoreReport::Number(const std::string& key) const {
     return number;
 }
 
+std::size_t CoreReport::Count(const std::string& key) const {
+    return static_cast<std::size_t>(Number(key));
+}
+
+std::vector<std::string> CoreReport::Texts(const std::string& plural,
+                                           const std::string& singular) const {
+    std::vector<std::string> texts;
+    for (std::size_t i = 1; i <= Count(plural); ++i)
+        texts.push_back(Text(singular + '.' + std::to_string(i)));
+    return texts;
+}
+
 }  // namespace headless

@@ -3,10 +3,12 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <vector>
 
 namespace headless {
 
 // What a Core wrote into its report file: lines `key=value`. A key that it left out is empty or 0.
+// A list is a count under its own key, and entries whose keys bear a number from 1 on.
 class CoreReport {
   public:
     // An absent file is an empty report.
@@ -14,6 +16,10 @@ class CoreReport {
 
     std::string Text(const std::string& key) const;
     double Number(const std::string& key) const;
+    std::size_t Count(const std::string& key) const;
+
+    // The entries of a list of texts, under `singular` and a number.
+    std::vector<std::string> Texts(const std::string& plural, const std::string& singular) const;
     bool IsEmpty() const { return values_.empty(); }
 
   private:

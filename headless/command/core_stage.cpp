@@ -1,7 +1,9 @@
 #include "command/core_stage.h"
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
+#include <iterator>
 
 #include "command/core_environment.h"
 #include "command/exit_status.h"
@@ -49,11 +51,6 @@ CoreStage::CoreStage(Company company, const SessionSettings& settings)
     session_.Start();
 }
 
-std::string CoreStage::WhyNoCore() const {
-    if (company_ != Company::kPluginAndCore) return "none is wanted";
-    return session_.KeptUtilities() == 0 ? NotAttached(platform::LastLoadFailure()) : "";
-}
-
 CoreReport CoreStage::AskCore(const CoreRequest& request) {
     for (const char* variable : kRequestVariables) {
         const auto value = request.find(variable);
@@ -61,7 +58,7 @@ CoreReport CoreStage::AskCore(const CoreRequest& request) {
     }
     SetVariable(kReportVariable, report_.Path());
     std::filesystem::remove(report_.Path());
-    if (const std::string why = WhyNoCore(); !why.empty()) throw Failure(why);
+    if (session_.KeptUtilities() == 0) throw Failure(NotAttached(platform::LastLoadFailure()));
     if (!session_.IsUtilityOpen(kUtilityName)) session_.OpenUtility(kUtilityName);
     const std::size_t boxes = boxTexts_.size();
     if (!session_.PressButton(kStartButton))
@@ -75,6 +72,23 @@ CoreReport CoreStage::AskCore(const CoreRequest& request) {
     if (report.IsEmpty()) throw Failure("the Core reported nothing of its work");
     if (report.Text("status") != "ok") throw Failure(report.Text("error"));
     return report;
+}
+
+void CoreStage::Open(const std::string& scene) {
+    Take(session_.OpenScene(scene));
+}
+
+void CoreStage::Save(const std::string& scene) {
+    Take(session_.SaveScene(scene));
+}
+
+void CoreStage::MergeByHost(const std::string& scene) {
+    Take(session_.MergeScene(scene));
+}
+
+void CoreStage::Take(FileOutcome outcome) {
+    if (!outcome.error.empty()) throw Failure(outcome.error);
+    std::ranges::move(outcome.complaints, std::back_inserter(complaints_));
 }
 
 std::size_t CoreStage::ShutDown() {

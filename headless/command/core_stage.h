@@ -33,12 +33,19 @@ class CoreStage {
 
     Session& Host() { return session_; }
 
-    // Empty, or why no Core is there.
-    std::string WhyNoCore() const;
+    bool WantsCore() const { return company_ == Company::kPluginAndCore; }
 
     // Presses the button that has the Core do its work. Variables of core_environment.h that the
     // request does not hold are taken away.
     CoreReport AskCore(const CoreRequest& request);
+
+    // What the host does with scene files.
+    void Open(const std::string& scene);
+    void Save(const std::string& scene);
+    void MergeByHost(const std::string& scene);
+
+    // What of that did not go well, a line each.
+    const std::vector<std::string>& Complaints() const { return complaints_; }
 
     // What message boxes have said so far, a text each.
     const std::vector<std::string>& BoxTexts() const { return boxTexts_; }
@@ -47,8 +54,11 @@ class CoreStage {
     std::size_t ShutDown();
 
   private:
+    void Take(FileOutcome outcome);
+
     Company company_;
     ScratchFile report_{""};
+    std::vector<std::string> complaints_;
     std::vector<std::string> boxTexts_;
     Session session_;
 };

@@ -16,6 +16,10 @@ int Run(int argc, char** argv) {
     CLI::App app("The animation host without a screen, with the plug-in and its Core.");
     app.require_subcommand(1);
     headless::AddRecordVerb(app);
+    headless::AddOpenVerb(app);
+    headless::AddMergeVerb(app);
+    headless::AddSampleVerb(app);
+    headless::AddConvertVerb(app);
     headless::AddInfoVerb(app);
     headless::AddDiffVerb(app);
     try {

@@ -44,6 +44,8 @@ void PrintForPerson(std::ostream& out, const RecordResult& result) {
         if (&capture != &result.captures.back()) out << '\n';
     }
     out << " in " << std::setprecision(2) << result.recordSeconds << " s\n";
+    for (const std::string& complaint : result.complaints)
+        out << "Complaint: " << complaint << '\n';
     out << "In the scene: " << result.nodes << " nodes with " << result.keys << " keys, "
         << std::setprecision(1) << result.bytesPerKey << " bytes each\n";
     out << "Furthest from the capture: " << std::setprecision(4) << FurthestMetres(result) * 1000
@@ -66,6 +68,7 @@ void PrintForProgram(std::ostream& out, const RecordResult& result) {
     object["bytesPerKey"] = result.bytesPerKey;
     object["hostObjectsAlive"] = result.hostObjectsAlive;
     object["recordSeconds"] = result.recordSeconds;
+    object["complaints"] = result.complaints;
     for (const RecordedCapture& capture : result.captures)
         object["captures"].push_back(Object(capture));
     PrintJson(out, object);

@@ -1,5 +1,6 @@
 #include "command/record.h"
 
+#include <algorithm>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -22,10 +23,9 @@ std::string Plain(double number) {
     return text.str();
 }
 
-CoreRequest RequestFor(const RecordOptions& options, const std::string& csv) {
+CoreRequest RequestFor(const RecordOptions& options) {
     return {{kCaptureVariable, Lines(options.captures)},
             {kCaptureScaleVariable, Plain(options.metresPerUnit)},
-            {kCsvVariable, csv},
             {kOptimisedVariable, options.optimisedController ? "1" : "0"},
             {kProgressVariable, options.progress ? "1" : ""}};
 }
@@ -43,15 +43,36 @@ SessionSettings SettingsFor(const RecordOptions& options) {
 }
 
 void TakeReport(const CoreReport& report, RecordResult& result) {
-    const auto count = [&](const char* key) {
-        return static_cast<std::size_t>(report.Number(key));
-    };
-    result.captures.push_back({.capture = report.Text("capture"),
-                               .joints = count("joints"),
-                               .frames = count("frames"),
-                               .frameSeconds = report.Number("frameSeconds"),
-                               .maxPositionErrorMetres = report.Number("maxPositionErrorMetres")});
+    for (std::size_t i = 1; i <= report.Count("captures"); ++i) {
+        const std::string entry = "capture." + std::to_string(i) + '.';
+        result.captures.push_back(
+            {.capture = report.Text(entry + "path"),
+             .joints = report.Count(entry + "joints"),
+             .frames = report.Count(entry + "frames"),
+             .frameSeconds = report.Number(entry + "frameSeconds"),
+             .maxPositionErrorMetres = report.Number(entry + "maxPositionErrorMetres")});
+    }
     result.recordSeconds = report.Number("recordSeconds");
+}
+
+// The times of the frames of the longest capture.
+std::string FrameTimes(const RecordResult& result) {
+    const auto length = [](const RecordedCapture& capture) {
+        return static_cast<double>(capture.frames - 1) * capture.frameSeconds;
+    };
+    const RecordedCapture& longest = *std::ranges::max_element(result.captures, {}, length);
+    return "0:" + Plain(length(longest)) + ':' + Plain(longest.frameSeconds);
+}
+
+// Where a file is wanted the Core writes it under the scratch file's name.
+CoreReport AskForFile(CoreStage& stage, CoreRequest request, const std::string& target,
+                      ScratchFile& file) {
+    if (!target.empty()) request[kCsvVariable] = file.Path();
+    try {
+        return stage.AskCore(request);
+    } catch (const Failure& failure) {
+        throw Failure(file.Named(failure.what()));
+    }
 }
 
 // What the recording made: its nodes, and the keys of all but the cameras among them, which are the
@@ -91,20 +112,21 @@ std::set<std::uint32_t> Handles() {
 RecordResult Record(const RecordOptions& options) {
     StartTrace(options.trace);
     ScratchFile csv(options.csv);
+    ScratchFile poses(options.poses);
     CoreStage stage(Company::kPluginAndCore, SettingsFor(options));
     const std::uint64_t before = SceneDigest();
     const std::set<std::uint32_t> handles = Handles();
     RecordResult result;
-    try {
-        const std::string csvPath = options.csv.empty() ? "" : csv.Path();
-        TakeReport(stage.AskCore(RequestFor(options, csvPath)), result);
-    } catch (const Failure& failure) {
-        throw Failure(csv.Named(failure.what()));
-    }
+    TakeReport(AskForFile(stage, RequestFor(options), options.csv, csv), result);
+    if (!options.scene.empty()) stage.Save(options.scene);
+    result.complaints = stage.Complaints();
+    if (!options.poses.empty())
+        AskForFile(stage, {{kSampleVariable, FrameTimes(result)}}, options.poses, poses);
     CountNodesAndKeys(handles, result);
     UndoAndRedo(stage.Host(), before, result);
     result.hostObjectsAlive = stage.ShutDown();
     if (!options.csv.empty()) csv.Keep();
+    if (!options.poses.empty()) poses.Keep();
     return result;
 }
 

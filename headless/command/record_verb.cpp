@@ -50,12 +50,16 @@ void AddRecordVerb(CLI::App& app) {
     verb->add_option("--units", options.hostUnitsPerMetre, "Host units in a metre")
         ->check(CheckSize, "ABOVE 0")
         ->capture_default_str();
-    verb->add_option("--csv", options.csv, "Write where each joint was in each frame");
+    verb->add_option("--scene", options.scene, "Save the scene");
+    verb->add_option("--poses", options.poses, "Write what `sample` says of each frame");
+    verb->add_option("--csv", options.csv,
+                     "Write where each joint was in each frame (of one capture)");
     verb->add_option("--trace", options.trace, "Write the plug-in's trace");
     verb->add_flag("--no-optimised-controller", words->plainController,
                    "Record into the host's own controllers");
     verb->add_flag("--json", words->json, "Print the result as one JSON object");
-    AddExample(*verb, "record /usr/share/assimp/models/BVH/01_01.bvh");
+    AddExample(*verb,
+               "record /usr/share/assimp/models/BVH/01_01.bvh --scene build/demo/mine.scene");
     verb->callback([words] { Run(*words); });
 }
 

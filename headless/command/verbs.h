@@ -10,6 +10,10 @@ class App;
 namespace headless {
 
 void AddRecordVerb(CLI::App& app);
+void AddOpenVerb(CLI::App& app);
+void AddMergeVerb(CLI::App& app);
+void AddSampleVerb(CLI::App& app);
+void AddConvertVerb(CLI::App& app);
 void AddInfoVerb(CLI::App& app);
 void AddDiffVerb(CLI::App& app);
 

@@ -2,7 +2,9 @@
 
 #include <cstdlib>
 #include <limits>
+#include <sstream>
 #include <string_view>
+#include <utility>
 
 #include "replay_core/motion/capture_text.h"
 #include "replay_core/motion/numbers.h"
@@ -10,9 +12,12 @@
 namespace replay {
 namespace {
 
-constexpr char kCapture[] = "LUMISET_CAPTURE";
+constexpr char kCaptures[] = "LUMISET_CAPTURE";
 constexpr char kScale[] = "LUMISET_CAPTURE_SCALE";
 constexpr char kFrames[] = "LUMISET_CAPTURE_FRAMES";
+constexpr char kMerge[] = "LUMISET_MERGE";
+constexpr char kSample[] = "LUMISET_SAMPLE";
+constexpr char kSampleNodes[] = "LUMISET_SAMPLE_NODES";
 constexpr char kCsv[] = "LUMISET_CSV";
 constexpr char kReport[] = "LUMISET_REPORT";
 constexpr char kOptimised[] = "LUMISET_OPTIMISED";
@@ -25,6 +30,15 @@ constexpr double kMostMetresPerUnit = 1e6;
 std::string Variable(const char* name) {
     const char* const value = std::getenv(name);
     return value ? value : "";
+}
+
+// The lines of a variable; a line of nothing says nothing.
+std::vector<std::string> Lines(const char* name) {
+    std::vector<std::string> lines;
+    std::istringstream text(Variable(name));
+    for (std::string line; std::getline(text, line);)
+        if (!line.empty()) lines.push_back(std::move(line));
+    return lines;
 }
 
 // Reads the variables one by one and keeps the first thing that is wrong with them.
@@ -74,7 +88,27 @@ class Reader {
             Refuse(kPress, "the number of an option", text);
     }
 
-    void Refuse(const char* variable, const char* expected, const std::string& found) {
+    void ReadSample() {
+        const std::string text = Variable(kSample);
+        if (text.empty()) return;
+        request_.sampleTimes = ParseSampleTimes(text);
+        if (!request_.sampleTimes)
+            Refuse(kSample,
+                   "START:END:STEP in seconds, END not before START, STEP above 0, at most " +
+                       std::to_string(kMostSampleTimes) + " times",
+                   text);
+        else if (Variable(kCsv).empty())
+            Refuse(kCsv, "the path of a file", "");
+    }
+
+    // The places of several captures in one file could not be told apart.
+    void ReadCaptures() {
+        request_.captures = Lines(kCaptures);
+        if (request_.captures.size() > 1 && !request_.sampleTimes && !Variable(kCsv).empty())
+            Refuse(kCsv, "nothing when there are several captures", Variable(kCsv));
+    }
+
+    void Refuse(const char* variable, const std::string& expected, const std::string& found) {
         if (!request_.error.empty()) return;
         request_.error = std::string(variable) + ": expected " + expected + ", found ";
         request_.error += found.empty() ? "nothing" : Quoted(found);
@@ -88,17 +122,18 @@ class Reader {
 
 Request ReadEnvironment() {
     Request request;
-    request.capture = Variable(kCapture);
     request.csv = Variable(kCsv);
     request.report = Variable(kReport);
     request.showsProgress = Variable(kProgress) == "1";
     Reader reader(request);
     reader.ReadPress();
+    request.mergedScenes = Lines(kMerge);
+    reader.ReadSample();
+    request.sampledNodes = Lines(kSampleNodes);
+    reader.ReadCaptures();
     reader.ReadScale();
     reader.ReadFrames();
     reader.ReadOptimised();
-    if (request.capture.empty() && !request.pressedButton)
-        reader.Refuse(kCapture, "the path of a motion capture", request.capture);
     return request;
 }
 

@@ -2,26 +2,33 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "replay_core/motion/pose.h"
 #include "replay_core/recorder/frame_range.h"
+#include "replay_core/recorder/sample_times.h"
 
 namespace replay {
 
 // What this Core is asked to do when its window is called for. A Core with a window of its own
 // would have the user choose; this one reads its process's environment, so that nothing of it
-// passes through the host. The variables are listed in README.md.
+// passes through the host. The variables are listed in README.md. One thing is done: the first of
+// the four that is asked for; the report tells of the scene in any case.
 struct Request {
     std::string error;  // one line; empty if the environment makes sense
 
-    std::string capture;
+    std::optional<int> pressedButton;       // an option's
+    std::vector<std::string> mergedScenes;  // paths
+    std::optional<SampleTimes> sampleTimes;
+    std::vector<std::string> captures;  // paths
+
+    std::vector<std::string> sampledNodes;  // the host's names; all nodes of the takes if empty
     double metresPerUnit = kCmuMetresPerUnit;
-    std::optional<FrameRange> frames;  // all of them if not said
+    std::optional<FrameRange> frames;  // of each capture; all of them if not said
     std::string csv;                   // empty for none
     std::string report;                // empty for none
     std::optional<bool> optimisedControllers;
     bool showsProgress = false;
-    std::optional<int> pressedButton;  // an option's, pressed in place of a recording
 };
 
 Request ReadEnvironment();

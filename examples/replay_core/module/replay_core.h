@@ -1,5 +1,8 @@
 #pragma once
 
+#include <span>
+#include <vector>
+
 #include "replay_core/module/environment.h"
 #include "replay_core/module/placed_services.h"
 #include "replay_core/module/report.h"
@@ -38,10 +41,15 @@ class ReplayCore final : public CoreInterface {
   private:
     void Show(const Request& request, Report& report);
     void ShowPanel() const;
+
+    // The requests; see requests.cpp.
     void PressButton(int option, Report& report);
+    void Merge(const Request& request, Report& report);
+    void Sample(const Request& request, Report& report);
     void Record(const Request& request, Report& report);
-    void RecordMotion(const Motion& motion, FrameRange frames, const Request& request,
-                      WholeFile* csv, Report& report);
+    void RecordPlan(std::span<const PlannedTake> plan, const Request& request, WholeFile* csv,
+                    Report& report);
+    std::vector<Report::Take> TellTakes() const;
 
     TVL::AdaptorInterface& adaptor_;
     PlacedServices services_;  // what follows may log to the end of its life

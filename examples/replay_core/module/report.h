@@ -2,26 +2,45 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 namespace replay {
 
 // What came of a request, for the program that waits for it around the host.
 struct Report {
-    std::string error;  // one line; empty if all went well
+    struct Capture {
+        std::string path;
+        std::string owner;  // the take that has its nodes
+        std::size_t joints = 0;
+        std::size_t frames = 0;  // recorded now
+        double frameSeconds = 0;
+        std::size_t nodes = 0;              // of the take, in the scene
+        double maxPositionErrorMetres = 0;  // see recorder/read_back.h
+    };
+    struct Merge {
+        std::string path;
+        std::size_t nodes = 0;  // that the host brought in
+    };
+    struct Take {
+        std::string name;
+        std::string parent;                 // the take that it belongs to; empty for none
+        std::vector<std::string> captures;  // paths, each once
+        std::size_t nodes = 0;              // in the scene
+        std::vector<std::string> missing;   // names of nodes that were not found there
+    };
 
-    std::string capture;  // its path
-    std::string owner;    // the name under which its nodes are in the scene
-    std::size_t joints = 0;
-    std::size_t frames = 0;  // recorded now
-    double frameSeconds = 0;
-    std::size_t nodes = 0;              // of the owner, in the scene
-    double maxPositionErrorMetres = 0;  // see recorder/read_back.h
-    double recordSeconds = 0;           // of the user's time
+    std::string error;  // one line; empty if all went well
+    std::vector<Capture> captures;
+    double recordSeconds = 0;  // of the user's time, for all captures
+    std::vector<Merge> merges;
+    std::vector<Take> takes;  // all that are in the scene when the work is done
 };
 
-// Writes lines `key=value`, in the order above behind `status=ok` or `status=error`. A text that
-// holds a line end is written with blanks in its place. The file is complete or not there. The
-// result is empty, or says in one line what went wrong.
+// Writes lines `key=value`: `status=ok` or `status=error`, then the fields above in their order. A
+// list is a line with its length, such as `captures=2`, and the fields of its entries behind
+// `capture.1.`, `capture.2.`; the entry of a list of texts is `take.1.missing.1`. A text that holds
+// a line end is written with blanks in its place. The file is complete or not there. The result is
+// empty, or says in one line what went wrong.
 std::string WriteReport(const std::string& path, const Report& report);
 
 }  // namespace replay

@@ -4,25 +4,17 @@
 #include <cstddef>
 #include <limits>
 #include <span>
-#include <string_view>
 #include <vector>
 
 #include "replay_core/motion/numbers.h"
 #include "replay_core/motion/pose.h"
+#include "replay_core/recorder/csv.h"
 #include "replay_core/recorder/transform_loan.h"
 
 namespace replay {
 namespace {
 
 constexpr double kInfinitelyFar = std::numeric_limits<double>::infinity();
-
-std::string CsvField(std::string_view text) {
-    if (text.find_first_of(",\"\r\n") == std::string_view::npos) return std::string(text);
-    std::string field = "\"";
-    for (const char c : text)
-        field += c == '"' ? "\"\"" : std::string(1, c);
-    return field + '"';
-}
 
 double Distance(const double* a, const double* b) {
     return std::hypot(a[0] - b[0], a[1] - b[1], a[2] - b[2]);

@@ -81,18 +81,45 @@ class FrameWriter {
     std::vector<ObjectScale> scales_;  // of the joints
 };
 
-// Goes through the frames and moves the end of `recorded.frames` behind each that is whole.
-void WriteFrames(const Motion& motion, const Take& take, const RecordSettings& settings,
-                 const RecordingState& state, RecordedTake& recorded) {
-    FrameWriter writer(motion, settings.metresPerUnit, recorded.nodes, state);
-    ProgressBar progress(settings.showsProgress, "Recording " + take.Name(),
-                         settings.frames.Count());
-    for (std::size_t frame = settings.frames.first; frame < settings.frames.end; ++frame) {
-        recorded.error = writer.Write(frame);
-        if (!recorded.error.empty()) return;
+// Goes through the frames and moves the end of `recorded.frames` behind each that is whole. The
+// result is empty, or says why it broke off.
+std::string WriteFrames(const PlannedTake& planned, const RecordSettings& settings,
+                        const RecordingState& state, RecordedTake& recorded) {
+    FrameWriter writer(planned.motion, settings.metresPerUnit, recorded.nodes, state);
+    ProgressBar progress(settings.showsProgress, "Recording " + planned.take->Name(),
+                         planned.frames.Count());
+    for (std::size_t frame = planned.frames.first; frame < planned.frames.end; ++frame) {
+        std::string error = writer.Write(frame);
+        if (!error.empty()) return error;
         recorded.frames.end = frame + 1;
         progress.Advance();
     }
+    return {};
+}
+
+// The work for one take inside the undo group. The result is empty, or says why it broke off.
+std::string RecordTake(TVL::AdaptorInterface& adaptor, const PlannedTake& planned,
+                       const RecordSettings& settings, RecordingState& state,
+                       RecordedTake& recorded) {
+    const FrameRange frames = planned.frames;
+    recorded.frames = {frames.first, frames.first};
+    recorded.nodes = FindOrMakeNodes(adaptor, planned.motion, *planned.take);
+    if (!recorded.nodes.error.empty()) return recorded.nodes.error;
+
+    // The keys of the present pose that a recording begins with then fall on the first frame.
+    adaptor.SetCurrentTime(FrameTime(planned.motion, frames.first));
+    const RecordingBracket bracket(adaptor, *planned.take);
+    if (bracket.Status() != 0) return Refused("the host begins no recording now", bracket.Status());
+    std::string error = WriteFrames(planned, settings, state, recorded);
+    if (recorded.frames.Count() > 0)
+        planned.take->Note({planned.capture, settings.metresPerUnit, planned.motion.frameSeconds,
+                            recorded.frames.first, recorded.frames.end});
+    return error;
+}
+
+std::string GroupName(std::span<const PlannedTake> plan) {
+    if (plan.size() == 1) return "Record " + plan.front().take->Name();
+    return "Record " + std::to_string(plan.size()) + " takes";
 }
 
 }  // namespace
@@ -101,33 +128,22 @@ double FrameTime(const Motion& motion, std::size_t frame) {
     return static_cast<double>(frame) * motion.frameSeconds;
 }
 
-RecordedTake RecordTake(TVL::AdaptorInterface& adaptor, const Motion& motion, Take& take,
-                        const RecordSettings& settings, RecordingState& state) {
-    RecordedTake recorded;
-    recorded.frames = {settings.frames.first, settings.frames.first};
+RecordedTakes RecordTakes(TVL::AdaptorInterface& adaptor, std::span<const PlannedTake> plan,
+                          const RecordSettings& settings, RecordingState& state) {
+    RecordedTakes recorded;
     const KeyboardFocus focus(adaptor);
     const Running running(state);
-    UndoGroup group(adaptor, "Record " + take.Name());
+    UndoGroup group(adaptor, GroupName(plan));
     if (group.Status() != 0 || !adaptor.IsHoldingUndo()) {
         recorded.error = Refused("the host opens no undo group now", group.Status());
         return recorded;
     }
-    recorded.nodes = FindOrMakeNodes(adaptor, motion, take);
-    recorded.error = recorded.nodes.error;
-    if (!recorded.error.empty()) return recorded;
-
-    // The keys of the present pose that a recording begins with then fall on the first frame.
-    adaptor.SetCurrentTime(FrameTime(motion, settings.frames.first));
-    {
-        const RecordingBracket bracket(adaptor, take);
-        if (bracket.Status() != 0) {
-            recorded.error = Refused("the host begins no recording now", bracket.Status());
-            return recorded;
-        }
-        WriteFrames(motion, take, settings, state, recorded);
+    for (const PlannedTake& planned : plan) {
+        recorded.error =
+            RecordTake(adaptor, planned, settings, state, recorded.takes.emplace_back());
+        if (!recorded.error.empty()) break;
     }
-    const bool isKept = recorded.error.empty() || state.stopRequested;
-    if (isKept) {
+    if (recorded.error.empty() || state.stopRequested) {
         const std::int32_t status = group.Keep();
         if (status != 0) recorded.error = Refused("the undo group could not be ended", status);
     }

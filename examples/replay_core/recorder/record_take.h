@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cstddef>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "replay_core/motion/motion.h"
 #include "replay_core/recorder/frame_range.h"
@@ -18,27 +21,40 @@ struct RecordingState {
 };
 
 struct RecordSettings {
-    double metresPerUnit = 1;
-    FrameRange frames;  // of the capture
+    double metresPerUnit = 1;  // of the captures
     bool showsProgress = false;
 };
 
-struct RecordedTake {
-    std::string error;  // one line; empty if the whole range was recorded
+// What is to be recorded: some frames of a capture onto a take.
+struct PlannedTake {
+    std::string capture;  // its path
+    Motion motion;
+    FrameRange frames;
+    Take* take = nullptr;
+};
 
-    // The frames that are in the scene now. After a stop these are the ones before it, and `error`
-    // says so; after any other error there are none, and the scene is as it was.
+struct RecordedTake {
+    // The frames that are in the scene now, all that were planned unless something went wrong.
     FrameRange frames;
     TakeNodes nodes;
+};
+
+struct RecordedTakes {
+    // One line; empty if everything was recorded. After a stop the frames before it are in the
+    // scene, and this says so; after any other error there are none, and the scene is as it was.
+    std::string error;
+
+    std::vector<RecordedTake> takes;  // those that were begun
 };
 
 // Seconds from the start of the capture to a frame.
 double FrameTime(const Motion& motion, std::size_t frame);
 
-// Records frames of the motion onto the take's nodes, which are made where they are missing: one
-// undo step, "Record <take>", and a key for each joint and frame. The host's time goes to the first
-// of the frames. When `state` asks for a stop, no node is touched any more.
-RecordedTake RecordTake(TVL::AdaptorInterface& adaptor, const Motion& motion, Take& take,
-                        const RecordSettings& settings, RecordingState& state);
+// Records all that is planned, one take after the other, onto their nodes, which are made where
+// they are missing: one undo step, with a key for each joint and frame. Each take notes what it was
+// recorded from. The host's time goes to the first frame of each. When `state` asks for a stop, no
+// node is touched any more.
+RecordedTakes RecordTakes(TVL::AdaptorInterface& adaptor, std::span<const PlannedTake> plan,
+                          const RecordSettings& settings, RecordingState& state);
 
 }  // namespace replay

@@ -19,6 +19,9 @@ class WholeFile {
 
     void Write(std::string_view text);
 
+    // What is written from here on is in vain.
+    bool HasFailed() const { return !stream_; }
+
     // Empty, or what went wrong, now or in any write, in one line that names the file.
     std::string Finish();
 

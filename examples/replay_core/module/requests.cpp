@@ -1,0 +1,186 @@
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <utility>
+#include <variant>
+
+#include "replay_core/module/replay_core.h"
+#include "replay_core/motion/read_motion.h"
+#include "replay_core/recorder/read_back.h"
+#include "replay_core/recorder/sample_poses.h"
+#include "tvl/log.h"
+
+// What this Core is asked for around the host, a request each.
+
+namespace replay {
+namespace {
+
+// What the button of option 1028 sends to those who listen to its node.
+constexpr std::int32_t kConvertAllMessage = 324;
+
+std::string CaptureName(const std::string& path) {
+    return std::filesystem::path(path).stem().string();
+}
+
+double SecondsSince(std::chrono::steady_clock::time_point start) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// Every node that an adaptor gives out is one.
+TVL::CoreNode* AsCoreNode(TVL::CNode* node) {
+    return static_cast<TVL::CoreNode*>(node);
+}
+
+// The result is empty, or says in one line why the capture cannot be recorded.
+std::string Plan(const std::string& path, const Request& request, PlannedTake& planned) {
+    std::variant<Motion, ReadError> read = ReadMotion(path);
+    if (const ReadError* const error = std::get_if<ReadError>(&read)) return Describe(*error);
+    planned.capture = path;
+    planned.motion = std::get<Motion>(std::move(read));
+    const std::size_t frameCount = planned.motion.frameCount;
+    planned.frames = request.frames.value_or(FrameRange{0, frameCount});
+    if (planned.frames.end > frameCount)
+        return path + ": the capture has only " + std::to_string(frameCount) + " frames";
+    return {};
+}
+
+// Null if no file is wanted.
+std::unique_ptr<WholeFile> OpenCsv(const Request& request, std::string& error) {
+    if (request.csv.empty()) return nullptr;
+    auto file = std::make_unique<WholeFile>(request.csv);
+    if (!file->IsOpen()) error = file->CannotBeWritten();
+    return file;
+}
+
+std::vector<TVL::CoreNode*> NodesOf(const Takes& takes) {
+    std::vector<TVL::CoreNode*> nodes;
+    for (const std::unique_ptr<Take>& take : takes.All())
+        std::ranges::transform(take->Book().Nodes(), std::back_inserter(nodes), AsCoreNode);
+    return nodes;
+}
+
+// Those of the host's names, in their order. `error` names the first that no node has.
+std::vector<TVL::CoreNode*> Named(std::span<TVL::CoreNode* const> nodes,
+                                  std::span<const std::string> names, std::string& error) {
+    std::vector<TVL::CoreNode*> named;
+    for (const std::string& name : names) {
+        const std::size_t before = named.size();
+        std::ranges::copy_if(nodes, std::back_inserter(named),
+                             [&](TVL::CoreNode* node) { return node->GetName() == name; });
+        if (named.size() > before) continue;
+        error = "no node of the Core's is called \"" + name + "\"";
+        return {};
+    }
+    return named;
+}
+
+void AddOnce(std::vector<std::string>& texts, const std::string& text) {
+    if (std::ranges::find(texts, text) == texts.end()) texts.push_back(text);
+}
+
+}  // namespace
+
+void ReplayCore::PressButton(int id, Report& report) {
+    const PanelOption* const option = options_.Find(id);
+    if (!option || id != kConvertAllControllers) {
+        report.error = "option " + std::to_string(id) + " is no button that can be pressed";
+        return;
+    }
+    TVL::Util::Message message(kConvertAllMessage, option->name);
+    convertButton_.Broadcast(&message);
+}
+
+// While a scene comes in, its state is handed to SetCoreState, which takes its nodes up: what
+// MergeModels gives has told its number when it goes back.
+void ReplayCore::Merge(const Request& request, Report& report) {
+    for (const std::string& path : request.mergedScenes) {
+        Report::Merge& merge = report.merges.emplace_back(Report::Merge{.path = path});
+        for (TVL::CNode* node : adaptor_.MergeModels(path)) {
+            if (!node) continue;
+            ++merge.nodes;
+            AsCoreNode(node)->Destroy();
+        }
+        if (merge.nodes > 0) continue;
+        report.error = path + ": the host brought in nothing";
+        return;
+    }
+}
+
+void ReplayCore::Sample(const Request& request, Report& report) {
+    std::vector<TVL::CoreNode*> nodes = NodesOf(takes_);
+    if (!request.sampledNodes.empty()) nodes = Named(nodes, request.sampledNodes, report.error);
+    if (!report.error.empty()) return;
+    const std::unique_ptr<WholeFile> csv = OpenCsv(request, report.error);
+    if (!report.error.empty()) return;
+    report.error = SamplePoses(nodes, *request.sampleTimes, *csv);
+    if (report.error.empty()) report.error = csv->Finish();
+}
+
+// Whatever can be found out before the scene is touched is found out first: a damaged capture, a
+// range beyond its end, a file of positions that cannot be opened.
+void ReplayCore::Record(const Request& request, Report& report) {
+    std::vector<PlannedTake> plan(request.captures.size());
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < plan.size() && report.error.empty(); ++i) {
+        report.error = Plan(request.captures[i], request, plan[i]);
+        names.push_back(CaptureName(request.captures[i]));
+    }
+    if (!report.error.empty()) return;
+    const std::unique_ptr<WholeFile> csv = OpenCsv(request, report.error);
+    if (!report.error.empty()) return;
+    const std::vector<Take*> takes = takes_.ForRecording(names);
+    for (std::size_t i = 0; i < plan.size(); ++i)
+        plan[i].take = takes[i];
+    RecordPlan(plan, request, csv.get(), report);
+}
+
+void ReplayCore::RecordPlan(std::span<const PlannedTake> plan, const Request& request,
+                            WholeFile* csv, Report& report) {
+    TVL::Log log("Recording", TVL::Log::kNotice);
+    const double before = currentSeconds_;
+    const auto start = std::chrono::steady_clock::now();
+    const RecordedTakes recorded =
+        RecordTakes(adaptor_, plan, {request.metresPerUnit, request.showsProgress}, recording_);
+    report.recordSeconds = SecondsSince(start);
+    report.error = recorded.error;
+    for (std::size_t i = 0; i < recorded.takes.size(); ++i) {
+        const PlannedTake& planned = plan[i];
+        report.captures.push_back({.path = planned.capture,
+                                   .owner = planned.take->Name(),
+                                   .joints = planned.motion.joints.size(),
+                                   .frames = recorded.takes[i].frames.Count(),
+                                   .frameSeconds = planned.motion.frameSeconds,
+                                   .nodes = planned.take->Book().Nodes().size()});
+    }
+    if (!report.error.empty()) {
+        adaptor_.SetCurrentTime(before);
+        return;
+    }
+    adaptor_.ForceRedraw();
+    for (std::size_t i = 0; i < plan.size() && report.error.empty(); ++i) {
+        const ReadBack readBack =
+            ReadPositions(plan[i].motion, request.metresPerUnit, recorded.takes[i], csv);
+        report.captures[i].maxPositionErrorMetres = readBack.maxPositionErrorMetres;
+        report.error = readBack.error;
+    }
+    if (report.error.empty() && csv) report.error = csv->Finish();
+}
+
+std::vector<Report::Take> ReplayCore::TellTakes() const {
+    std::vector<Report::Take> told;
+    for (const std::unique_ptr<Take>& take : takes_.All()) {
+        if (!take->IsThere()) continue;
+        Report::Take& entry = told.emplace_back();
+        entry.name = take->Name();
+        if (const Take* const parent = StoredParent(*take)) entry.parent = parent->Name();
+        for (const Recording& recording : take->Recordings())
+            AddOnce(entry.captures, recording.capture);
+        entry.nodes = take->Book().Nodes().size();
+        for (const StoredNode& missing : take->Rest().missingNodes)
+            entry.missing.push_back(missing.name);
+    }
+    return told;
+}
+
+}  // namespace replay
