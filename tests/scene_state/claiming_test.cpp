@@ -1,0 +1,79 @@
+#include <string>
+
+#include "nodes/max_node.h"
+#include "scene_state/state_test.h"
+
+namespace {
+
+using Claiming = StateTest;
+
+std::size_t NodesAlive() {
+    std::size_t count = 0;
+    for (const CMAXNode* node = CMAXNode::NewestAlive(); node; node = node->OlderAlive())
+        ++count;
+    return count;
+}
+
+TEST_F(Claiming, TakesTheLastOfTheGatheredNodesAndTheFirstOfThoseInTheScene) {
+    SceneNode("First", Tag("Rig", "Hip"));
+    INode* const parent = SceneNode("Other", Tag("Other", "Hip"));
+    SceneNode("Second", Tag("Rig", "Hip"), parent);
+    INode* const last = SceneNode("Last", Tag("Rig", "Hip"));
+    SceneNode("Plain", "");
+    const Texts wanted = {"Hip", "Foot", "Hip"};
+    EXPECT_EQ(Claimed("Rig", wanted), (Texts{"-", "-", "First"}));
+
+    Texts whole;
+    Texts lastGone;
+    std::size_t left = 0;
+    world.Core().onCall = [&](const std::string&) {
+        const std::vector<TVL::CNode*> nodes = adaptor.ClaimNodes("Rig", NodeInfo(wanted));
+        left = NodesAlive();
+        whole = Released(nodes);
+        GetCOREInterface()->DeleteNode(last);
+        lastGone = Claimed("Rig", wanted);
+    };
+    GatherSceneState();
+    world.Core().onCall = nullptr;
+    EXPECT_EQ(whole, (Texts{"Last", "-", "Last"}));
+    EXPECT_EQ(left, 2U);
+    EXPECT_EQ(lastGone, (Texts{"Second", "-", "Second"}));
+
+    // The deleted node is neither reported nor in the way.
+    ASSERT_EQ(world.MessageBoxes().size(), 1U);
+    EXPECT_TRUE(world.MessageBoxes()[0].text.ends_with(":\n\nFirst\nOther\nSecond\n"));
+    EXPECT_EQ(Claimed("Rig", wanted), (Texts{"-", "-", "-"}));
+}
+
+TEST_F(Claiming, FallsBackOnTheStoredNumber) {
+    const std::uint32_t handle = SceneNode("Found", "")->GetHandle();
+    SceneNode("Tagged", Tag("Rig", "Hip"));
+    const std::string number = std::to_string(handle);
+    const struct {
+        std::string uid;
+        std::string found;
+    } cases[] = {
+        {"<UID platform='x'>" + number + "</UID>", "Found"},
+        {"<UID>\n\t" + number + "&#9;</UID>", "Found"},
+        {"<UID/>", "-"},
+        {"<UID>0</UID>", "-"},
+        {"<UID>-1</UID>", "-"},
+        {"<UID>" + number + "x</UID>", "-"},
+        {"<UID>4294967296</UID>", "-"},
+        {"<UID>99999999999999999999999</UID>", "-"},
+        {"<uid>" + number + "</uid>", "-"},
+    };
+    XMLNode info("<nodeinfo><node/><TVL_Plugin/></nodeinfo>");
+    Texts expected = {"-"};
+    for (const auto& each : cases) {
+        info.AddChild(XMLNode("<node name='None'>" + each.uid + "</node>"));
+        expected.push_back(each.found);
+    }
+    info.AddChild(XMLNode("<node name='Hip'><UID>" + number + "</UID></node>"));
+    expected.push_back("Tagged");
+    EXPECT_EQ(Released(adaptor.ClaimNodes("Rig", info)), expected);
+    EXPECT_TRUE(adaptor.ClaimNodes("Rig", NodeInfo({})).empty());
+    EXPECT_TRUE(adaptor.ClaimNodes("Rig", XMLNode()).empty());
+}
+
+}  // namespace

@@ -1,0 +1,119 @@
+#include <string>
+
+#include "adaptor/utility_manager.h"
+#include "headless/memory_chunks.h"
+#include "scene_state/state_test.h"
+
+namespace {
+
+using Saving = StateTest;
+
+std::vector<std::byte> SavedChunks() {
+    return headless::SavedBytes([](ISave* save) { return UtilityManager::Get().Save(save); });
+}
+
+IOResult Load(std::span<const std::byte> bytes) {
+    return headless::LoadBytes(bytes, [](ILoad* load) { return UtilityManager::Get().Load(load); });
+}
+
+TEST_F(Saving, TagsEachNodeWithItsNamesAndTheFirstOneWithTheOwnersState) {
+    rig.parts = {Master("Rig"), Master("Hand", "Rig", "0")};
+    TVL::CoreNode* const gone = Helper(rig, "Gone");
+    Helper(rig, "Hip");
+    Helper(other, "Prop");
+    Helper(rig, "a\nb");
+    GetCOREInterface()->DeleteNode(headless::FindNode("Rig_Gone"));
+    rig.onAsked = [this] { Helper(rig, "Late"); };
+
+    StoreSceneState();
+    EXPECT_EQ(rig.timesAsked, 1);
+    EXPECT_EQ(TagOf(headless::FindNode("Rig_Hip")),
+              "<TVL_tag><name>Rig</name><objectname>Hip</objectname>" + Master("Rig") +
+                  Master("Hand", "Rig", "0") + "</TVL_tag>");
+    EXPECT_EQ(TagOf(headless::FindNode("Rig_a\nb")),
+              "<TVL_tag><name>Rig</name><objectname>a&#10;b</objectname></TVL_tag>");
+    EXPECT_EQ(TagOf(headless::FindNode("Rig_Late")), Tag("Rig", "Late"));
+    EXPECT_EQ(TagOf(headless::FindNode("Other_Prop")), "no tag");
+
+    ClearNodeTags();
+    EXPECT_EQ(TagOf(headless::FindNode("Rig_Hip")), "");
+    EXPECT_EQ(TagOf(headless::FindNode("Other_Prop")), "");
+    gone->Destroy();
+}
+
+TEST_F(Saving, BringsNamesOfAnyBytesBack) {
+    const Texts names = {"a\nb", "<&>\"'/", "\xE5\x7F\xFF\x01", "", "&#65;", " x ", "Hip"};
+    for (const std::string& name : names) {
+        StoredPlugin owner("<" + name + ">");
+        owner.parts = {Master("Any")};
+        TVL::CoreNode* const node = Helper(owner, name);
+        const std::string hostName = node->GetName();
+        StoreSceneState();
+        node->Delete(false);
+        Texts found;
+        world.Core().onCall = [&](const std::string&) {
+            found = Claimed("<" + name + ">", {name});
+            Claim(owner, "<" + name + ">", {name});
+        };
+        GatherSceneState();
+        world.Core().onCall = nullptr;
+        EXPECT_EQ(found, Texts{hostName});
+        ASSERT_EQ(adaptor.GetNodes(&owner).size(), 1U);
+        static_cast<TVL::CoreNode*>(adaptor.GetNodes(&owner)[0])->Delete(true);
+    }
+    EXPECT_TRUE(world.MessageBoxes().empty());
+
+    // Blanks before a tag are no text.
+    SceneNode("Blank", Tag("Rig", "  "));
+    EXPECT_EQ(Claimed("Rig", {"  ", ""}), (Texts{"-", "Blank"}));
+}
+
+TEST_F(Saving, StoresTheCoresStateAsReadableTextIfThereIsAny) {
+    world.Core().state = XMLNode("<TVL version='1'/>");
+    EXPECT_TRUE(SavedChunks().empty());
+
+    world.Core().state.AddChild(XMLNode("take", "Walk"));
+    const std::string text = "<TVL version=\"1\">\n\t<take>Walk</take>\n</TVL>";
+    const std::vector<std::byte> expected = headless::SavedBytes([&](ISave* save) {
+        save->BeginChunk(1032);
+        save->WriteCString(text.c_str());
+        return save->EndChunk();
+    });
+    EXPECT_EQ(SavedChunks(), expected);
+
+    UtilityManager::Get().DetachCore();
+    EXPECT_TRUE(SavedChunks().empty());
+    EXPECT_EQ(Load(expected), IO_OK);
+    EXPECT_TRUE(States().empty());
+}
+
+TEST_F(Saving, GivesTheCoreEachStoredStateAndThenTheOlderOnes) {
+    const std::vector<std::byte> chunks = headless::SavedBytes([](ISave* save) {
+        for (const char* text : {"<TVL><a/></TVL>", "<TVL><b/><c x='1>2'/><d/></TVL>", ""}) {
+            save->BeginChunk(1032);
+            save->WriteCString(text);
+            save->EndChunk();
+            save->BeginChunk(7);
+            save->EndChunk();
+        }
+        return IO_OK;
+    });
+    EXPECT_EQ(Load(chunks), IO_OK);
+    EXPECT_EQ(States(), (Texts{"<TVL><a/></TVL>", "<TVL><b/></TVL>", "", "<TVL/>"}));
+
+    EXPECT_EQ(Load({}), IO_OK);
+    EXPECT_EQ(States(), Texts{"<TVL/>"});
+
+    // A text that cannot be read ends the loading.
+    const std::vector<std::byte> withoutText = headless::SavedBytes([](ISave* save) {
+        save->BeginChunk(1032);
+        save->WriteCString("<TVL><a/></TVL>");
+        save->EndChunk();
+        save->BeginChunk(1032);
+        return save->EndChunk();
+    });
+    EXPECT_NE(Load(withoutText), IO_OK);
+    EXPECT_EQ(States(), Texts{"<TVL><a/></TVL>"});
+}
+
+}  // namespace

@@ -1,0 +1,139 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "headless/scene_view.h"
+#include "host/interface.h"
+#include "persistence/scene/gather_state.h"
+#include "persistence/scene/node_tags.h"
+#include "support/world.h"
+
+using Texts = std::vector<std::string>;
+
+// A plug-in of the Core's with state to store.
+class StoredPlugin final : public TVL::CoreElement {
+  public:
+    explicit StoredPlugin(std::string name) : record{std::move(name)} { plugin = &record; }
+
+    std::vector<int> ListExtensions() override { return {56}; }
+    std::intptr_t HandleExtension(int id, void* argument) override {
+        if (id != 56) return 0;
+        ++timesAsked;
+        for (const std::string& part : parts)
+            static_cast<XMLNode*>(argument)->AddChild(XMLNode(part));
+        if (onAsked) onAsked();
+        return 0;
+    }
+
+    Texts parts;  // elements "masternode"
+    int timesAsked = 0;
+    std::function<void()> onAsked;
+
+  private:
+    TVL::PluginRecord record;
+};
+
+// A scene with stored state in it, and a Core that loads.
+class StateTest : public testing::Test {
+  protected:
+    StoredPlugin rig{"Rig"};
+    StoredPlugin other{"Other"};
+    World world;
+    TVL::AdaptorInterface& adaptor = world.Adaptor();
+
+    TVL::CoreNode* Helper(StoredPlugin& owner, const std::string& name) {
+        TVL::CNode* const node = adaptor.CreateHelperNode(&owner, name, nullptr, {}, nullptr);
+        return static_cast<TVL::CoreNode*>(node);
+    }
+
+    // A node of the host's that no Core knows, with a tag on it.
+    static INode* SceneNode(const std::string& name, const std::string& tag,
+                            INode* parent = nullptr) {
+        Interface& host = *GetCOREInterface();
+        void* const object = host.CreateInstance(GEOMOBJECT_CLASS_ID, kTriObjectClassId);
+        INode* const node = host.CreateObjectNode(static_cast<Object*>(object));
+        node->SetName(name.c_str());
+        if (!tag.empty()) node->SetUserPropString("TVL_tag", tag);
+        if (parent) parent->AttachChild(node);
+        return node;
+    }
+
+    static std::string Tag(const std::string& plugin, const std::string& object,
+                           const std::string& masters = {}) {
+        XMLNode tag("<TVL_tag>" + masters + "</TVL_tag>");
+        XMLNode names("<TVL_tag/>");
+        names.AddChild(XMLNode("name", plugin));
+        names.AddChild(XMLNode("objectname", object));
+        for (const auto& child : tag.children)
+            names.AddChild(*child);
+        return names.Write();
+    }
+
+    static std::string Master(const std::string& name, const std::string& parent = {},
+                              const std::string& index = {}) {
+        XMLNode master("<masternode/>");
+        master.AddChild(XMLNode("<TVL_Plugin/>")).AddChild(XMLNode("name", name));
+        master.AddChild(XMLNode("parent", parent));
+        master.AddChild(XMLNode("childindex", index));
+        return master.Write();
+    }
+
+    static XMLNode NodeInfo(const Texts& names) {
+        XMLNode info("<nodeinfo/>");
+        for (const std::string& name : names)
+            info.AddChild(XMLNode("<node/>")).attributes["name"] = name;
+        return info;
+    }
+
+    static std::string TagOf(INode* node) {
+        HostString text = "no tag";
+        node->GetUserPropString("TVL_tag", text);
+        return text;
+    }
+
+    // Host names of the nodes, "-" for null; the nodes are released.
+    static Texts Released(const std::vector<TVL::CNode*>& nodes) {
+        Texts names;
+        for (TVL::CNode* node : nodes) {
+            auto* const core = static_cast<TVL::CoreNode*>(node);
+            names.push_back(core ? core->GetName() : "-");
+            if (core) core->Destroy();
+        }
+        return names;
+    }
+    Texts Claimed(const std::string& plugin, const Texts& names) {
+        return Released(adaptor.ClaimNodes(plugin, NodeInfo(names)));
+    }
+
+    // Makes the node the plug-in's own, as a Core does while it loads.
+    void Claim(StoredPlugin& owner, const std::string& plugin, const Texts& names) {
+        const std::vector<TVL::CNode*> nodes = adaptor.ClaimNodes(plugin, NodeInfo(names));
+        for (std::size_t index = 0; index < nodes.size(); ++index) {
+            auto* const node = static_cast<TVL::CoreNode*>(nodes[index]);
+            if (!node) continue;
+            node->Claim(&owner, names[index]);
+            node->Destroy();
+        }
+    }
+
+    // What the Core was given since the last time.
+    Texts States() {
+        constexpr std::string_view mark = "set state ";
+        Texts states;
+        for (const std::string& call : world.Core().TakeCalls())
+            if (call.starts_with(mark)) states.push_back(call.substr(mark.size()));
+        return states;
+    }
+
+    Texts Gathered() {
+        States();
+        GatherSceneState();
+        return States();
+    }
+};
