@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "headless/session.h"
 #include "tvl/core_interface.h"
 #include "tvl/node.h"
@@ -8,7 +10,9 @@
 class IdleCore final : public CoreInterface {
   public:
     XMLNode GetCoreState() override { return {}; }
-    void SetCoreState(XMLNode) override {}
+    void SetCoreState(XMLNode) override {
+        if (onLoad) onLoad();
+    }
     void ResetCore() override {}
     void ShowCore(TVL::WindowHandle) override {}
     void NotifyTimeChanged(double) override {}
@@ -18,6 +22,7 @@ class IdleCore final : public CoreInterface {
     void BindOption(int, int) override {}
     void GetOptionValue(int option, bool* value) override;
 
+    std::function<void()> onLoad;
     bool wantsOwnControllers = true;  // for nodes that are made from here on
 };
 
@@ -30,6 +35,7 @@ class BenchWorld {
     BenchWorld& operator=(const BenchWorld&) = delete;
 
     headless::Session& Session() { return session_; }
+    IdleCore& Core() { return core_; }
 
     // A node in the scene, with the adaptor's controller or the host's own.
     TVL::CoreNode& MakeNode(bool withOwnController);

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 
 #include "host/interface.h"
 
@@ -22,6 +24,12 @@ class HostNodeLink {
     bool IsSet() const { return node_ != nullptr; }
 
     friend bool operator==(const HostNodeLink&, const HostNodeLink&) = default;
+
+    struct Hash {
+        std::size_t operator()(const HostNodeLink& link) const {
+            return std::hash<std::uint32_t>()(link.handle_);
+        }
+    };
 
   private:
     INode* node_ = nullptr;

@@ -2,14 +2,25 @@
 
 #include <algorithm>
 
+#include "nodes/max_node.h"
+
 bool IsListed(const CMAXNode* node) {
-    return std::ranges::find(AdaptorNodes().nodes, node) != AdaptorNodes().nodes.end();
+    const auto& byHost = AdaptorNodes().byHost;
+    const auto sameHost = byHost.find(node->HostLink());
+    return sameHost != byHost.end() &&
+           std::ranges::find(sameHost->second, node) != sameHost->second.end();
 }
 
 void ListNode(CMAXNode* node) {
-    if (!IsListed(node)) AdaptorNodes().nodes.push_back(node);
+    if (IsListed(node)) return;
+    AdaptorNodes().nodes.push_back(node);
+    AdaptorNodes().byHost[node->HostLink()].push_back(node);
 }
 
 void UnlistNode(CMAXNode* node) {
+    if (!IsListed(node)) return;
     std::erase(AdaptorNodes().nodes, node);
+    const auto sameHost = AdaptorNodes().byHost.find(node->HostLink());
+    std::erase(sameHost->second, node);
+    if (sameHost->second.empty()) AdaptorNodes().byHost.erase(sameHost);
 }

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <unordered_map>
 #include <vector>
+
+#include "nodes/host_node_link.h"
 
 class CMAXNode;
 
@@ -9,6 +12,10 @@ class CMAXNode;
 // takes itself out.
 struct NodeList {
     std::vector<CMAXNode*> nodes;
+
+    // The same nodes by what they stand for, in the same order, so that a Core can claim the nodes
+    // of a large scene one by one.
+    std::unordered_map<HostNodeLink, std::vector<CMAXNode*>, HostNodeLink::Hash> byHost;
 };
 
 // The adaptor's list.

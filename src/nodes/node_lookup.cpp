@@ -6,7 +6,7 @@
 CMAXNode* FindRealNode(INode* hostNode) {
     const HostNodeLink wanted(hostNode);
     if (!wanted.IsSet()) return nullptr;
-    for (CMAXNode* node : AdaptorNodes().nodes)
-        if (node->HostLink() == wanted) return node;
-    return nullptr;
+    const auto& byHost = AdaptorNodes().byHost;
+    const auto found = byHost.find(wanted);
+    return found == byHost.end() ? nullptr : found->second.front();
 }
