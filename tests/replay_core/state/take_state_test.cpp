@@ -1,0 +1,236 @@
+#include "replay_core/state/state_test.h"
+#include "replay_core/state/stored_form.h"
+#include "tvl/base64_buffer.h"
+#include "tvl/log.h"
+
+namespace {
+
+namespace form = replay::form;
+using replay::LoadedTake;
+using replay::StoredPlugin;
+using replay::StoredState;
+using replay::Take;
+
+const std::vector<std::string> kNastyNames = {
+    "Hips",       "a>b<c&d\"e'f", "line\nfeed\ttab", "\xE5\xFF\x01", "",
+    "&#62;&amp;", "trailing ",    " leading",        "a=b/c",        "->"};
+
+std::vector<std::string> ManyNames() {
+    std::vector<std::string> names;
+    for (int i = 0; i < 40; ++i)
+        names.push_back("Joint_" + std::to_string(i));
+    return names;
+}
+
+TEST_F(StateTest, EveryNameAndPathComesBackFromTheTextPackedOrPlain) {
+    std::vector<std::string> names = kNastyNames;
+    names.push_back("   ");
+    Take& plain = takes->Named("a>b & \"c\"\n");
+    Take& packed = takes->Named("long");
+    Record(plain, names);
+    Record(packed, ManyNames());
+    adaptor.BeginUndoGroup("Record again");
+    plain.Note({.capture = "  ", .metresPerUnit = 1e-300, .frameSeconds = 0.1, .endFrame = 1});
+    adaptor.EndUndoGroup();
+
+    const XMLNode root(WholeText());
+    EXPECT_EQ(root.Child(1).attributes.at(form::kCompressed), "1");
+    const StoredState read = replay::ReadState(root);
+    EXPECT_TRUE(read.faults.empty());
+    ASSERT_EQ(read.plugins.size(), 2u);
+    const Take* const takeOf[] = {&plain, &packed};
+    for (std::size_t i = 0; i < 2; ++i) {
+        EXPECT_EQ(read.plugins[i].name, takeOf[i]->Name());
+        EXPECT_EQ(read.plugins[i].recordings, takeOf[i]->Recordings());
+        Names found;
+        for (const replay::StoredNode& node : read.plugins[i].nodes)
+            found.push_back(node.name);
+        EXPECT_EQ(found, NodeNames(*takeOf[i]));
+    }
+}
+
+TEST_F(StateTest, AnOpenedSceneHasItsTakesOnceWhicheverRoadsTheStateComesBy) {
+    const Names names = {"one", "one", "two", "three", "four"};
+    const std::vector<Take*> recorded = takes->ForRecording(names);
+    for (Take* take : recorded)
+        Record(*take, take == recorded[0] ? kNastyNames : ManyNames());
+    const Names takeNames = {"one", "one 2", "two", "three", "four"};
+    EXPECT_EQ(TakeNames(), takeNames);
+    const std::string whole = WholeText();
+    const auto tags = SavedTags();
+
+    for (const bool hasWhole : {true, false}) {
+        for (const bool hasTags : {true, false}) {
+            if (!hasWhole && !hasTags) continue;
+            StoreSceneState();
+            takes->Drop();
+            if (hasWhole) Load(XMLNode(whole));
+            Load(XMLNode("<TVL/>"));
+            EXPECT_TRUE(loaded.takes.empty());
+            if (hasTags) GatherSceneState();
+            ClearNodeTags();
+
+            EXPECT_EQ(TakeNames(), takeNames);
+            EXPECT_EQ(WholeText(), whole);
+            EXPECT_EQ(SavedTags(), tags);
+            EXPECT_EQ(NodeNames(*takes->All()[0]), kNastyNames);
+            for (const std::string& name : kNastyNames)
+                EXPECT_NE(adaptor.FindNode(takes->Find("one"), name), nullptr);
+            // Three deep, and beside each other from there on.
+            EXPECT_EQ(takes->Find("two")->Parent(), takes->Find("one 2"));
+            EXPECT_EQ(takes->Find("four")->Parent(), takes->Find("one 2"));
+            EXPECT_EQ(takes->Find("one")->Parent(), nullptr);
+        }
+    }
+    EXPECT_TRUE(world.MessageBoxes().empty());
+}
+
+TEST_F(StateTest, AClaimedTakeFollowsUndo) {
+    Record(takes->Named("walk"), {"Hips", "Knee"});
+    StoreSceneState();
+    takes->Drop();
+    adaptor.FlushUndoBuffer();
+    GatherSceneState();
+    Take& walk = takes->Named("walk");
+    const std::string whole = WholeText();
+
+    walk.HandleExtension(43, nullptr);
+    EXPECT_FALSE(walk.IsThere());
+    EXPECT_TRUE(replay::WholeState(*takes).children.empty());
+    ASSERT_TRUE(world.Session().Undo());
+    EXPECT_EQ(WholeText(), whole);
+}
+
+TEST_F(StateTest, WhatWasNotedIsUndoneAndRedoneWithTheRecording) {
+    Take& walk = takes->Named("walk");
+    Record(walk, {"Hips"});
+    const std::string once = WholeText();
+    adaptor.BeginUndoGroup("Record");
+    walk.Note({.capture = "other.bvh", .endFrame = 2});
+    adaptor.EndUndoGroup();
+    const std::string twice = WholeText();
+    ASSERT_NE(once, twice);
+
+    ASSERT_TRUE(world.Session().Undo());
+    EXPECT_EQ(WholeText(), once);
+    ASSERT_TRUE(world.Session().Undo());
+    EXPECT_TRUE(replay::WholeState(*takes).children.empty());
+    ASSERT_TRUE(world.Session().Redo());
+    ASSERT_TRUE(world.Session().Redo());
+    EXPECT_EQ(WholeText(), twice);
+
+    takes->Drop();
+    world.Session().Undo();
+    EXPECT_TRUE(replay::WholeState(*takes).children.empty());
+}
+
+TEST_F(StateTest, ASceneMergedIntoItselfThreeTimesHasFourSetsOfTakes) {
+    const Names names = {"walk", "walk 2"};
+    for (Take* take : takes->ForRecording(names))
+        Record(*take, {"Hips", "Knee"});
+    const auto tags = SavedTags();
+    for (int i = 0; i < 3; ++i) {
+        Merge(tags);
+        GatherSceneState();
+    }
+    EXPECT_EQ(TakeNames(), (Names{"walk", "walk 2", "walk 3", "walk 4", "walk 5", "walk 6",
+                                  "walk 7", "walk 8"}));
+    for (std::size_t i = 0; i < 8; ++i) {
+        const Take& take = *takes->All()[i];
+        EXPECT_EQ(NodeNames(take), (Names{"Hips", "Knee"}));
+        EXPECT_EQ(take.Parent(), i % 2 ? takes->All()[i - 1].get() : nullptr) << take.Name();
+    }
+    EXPECT_TRUE(world.MessageBoxes().empty());
+
+    // And still so when that is saved and opened.
+    const std::string whole = WholeText();
+    StoreSceneState();
+    takes->Drop();
+    GatherSceneState();
+    EXPECT_EQ(WholeText(), whole);
+    EXPECT_TRUE(world.MessageBoxes().empty());
+}
+
+TEST_F(StateTest, AMergedNodeWithoutItsTakesStateIsLeftToTheAdaptorsReport) {
+    Record(takes->Named("walk"), {"Hips", "Knee"});
+    auto tags = SavedTags();
+    tags.erase(tags.begin());
+    Merge(tags);
+    GatherSceneState();
+    EXPECT_EQ(world.MessageBoxes().size(), 1u);
+    EXPECT_EQ(TakeNames(), Names{"walk"});
+}
+
+// A plug-in "old" with one node that is known by its number.
+XMLNode StateWithNumber(const std::string& node, std::uint32_t number) {
+    return XMLNode(
+        "<TVL><TVL_Plugin version=\"2.5\"><type>Old</type><name>old</name><nodeinfo>"
+        "<node name=\"" +
+        node + "\"><UID platform=\"adaptor_3dsmax9\">" + std::to_string(number) +
+        "</UID></node></nodeinfo><inputprofile><x/></inputprofile>"
+        "</TVL_Plugin></TVL>");
+}
+
+TEST_F(StateTest, ANumberIsBelievedOnlyIfTheNameAgreesAndNobodyHasTheNode) {
+    Merge({{"old_Hips", ""}});
+    const std::uint32_t number = headless::FindNode("old_Hips")->GetHandle();
+    Load(StateWithNumber("Stranger", number));
+    EXPECT_EQ(loaded.takes.at(0).nodesNotFound, Names{"Stranger"});
+    EXPECT_NE(TVL::Log::GetInstance()->GetBufferedText().find("node not found: old: Stranger"),
+              std::string::npos);
+
+    // The take is kept with what it misses, and with all else that was stored, until it is found.
+    const std::string missing = WholeText();
+    takes->Drop();
+    Load(XMLNode(missing));
+    EXPECT_EQ(WholeText(), missing);
+    EXPECT_NE(missing.find("<inputprofile>"), std::string::npos);
+    EXPECT_NE(missing.find("<UID"), std::string::npos);
+
+    takes->Drop();
+    Load(StateWithNumber("Hips", number));
+    EXPECT_EQ(loaded.takes.at(0).nodesClaimed, 1u);
+    Record(takes->Named("walk"), {});
+    XMLNode again = StateWithNumber("Hips", number);
+    again.Child(0).Child(form::kName).children[0]->name = "other";
+    Load(again);
+    EXPECT_EQ(loaded.takes.at(0).nodesNotFound, Names{"Hips"});
+}
+
+TEST_F(StateTest, StateThatMakesNoSenseIsTakenAsFarAsItGoesAndTold) {
+    struct Case {
+        std::string text;
+        std::size_t takes;
+        std::size_t faults;
+    };
+    const std::string bomb = "<TVL_Plugin compressed=\"1\">" + [] {
+        const std::string inner = "<TVL_Plugin compressed=\"1\">PGEvPg==</TVL_Plugin>";
+        return Base64Buffer(inner.data(), static_cast<std::int32_t>(inner.size())).ToText();
+    }() + "</TVL_Plugin>";
+    const Case cases[] = {
+        {"", 0, 0},
+        {"<TVL/>", 0, 0},
+        {"<other/>", 0, 1},
+        {"<TVL>text<a/></TVL>", 0, 2},
+        {"<TVL><TVL_Plugin/></TVL>", 1, 0},
+        {"<TVL_Plugin><name>   </name></TVL_Plugin>", 1, 0},
+        {"<TVL_Plugin><name>x</name><nodeinfo><knot/><node/></nodeinfo></TVL_Plugin>", 1, 1},
+        {"<TVL_Plugin><recordings><recording metresPerUnit=\"nan\"/></recordings></TVL_Plugin>", 1,
+         1},
+        {"<TVL_Plugin><nodeinfo><node name=\"a\"><UID>-1x</UID></node></nodeinfo></TVL_Plugin>", 1,
+         0},
+        {"<TVL_Plugin compressed=\"1\">****</TVL_Plugin>", 0, 1},
+        {"<TVL_Plugin compressed=\"1\">PGEvPg==</TVL_Plugin>", 0, 1},
+        {bomb, 0, 1},
+    };
+    for (const Case& given : cases) {
+        takes->Drop();
+        Load(XMLNode(given.text));
+        EXPECT_EQ(takes->All().size(), given.takes) << given.text;
+        EXPECT_EQ(loaded.faults.size(), given.faults) << given.text;
+        for (const auto& take : takes->All())
+            EXPECT_FALSE(take->Name().find_first_not_of(' ') == std::string::npos);
+    }
+}
+
+}  // namespace
