@@ -135,7 +135,7 @@ TEST_F(Gathering, LeavesTheTagsToTheNextCoreWhenItsOwnLeaves) {
 }
 
 TEST_F(Gathering, GoesAsDeepAsTheSceneAndTheStoredPlugins) {
-    constexpr int kDepth = 20000;
+    constexpr int kDepth = 5000;
     std::string masters;
     for (int index = 0; index < kDepth; ++index)
         masters += Master(std::to_string(index), std::to_string(index + 1));
