@@ -1,11 +1,9 @@
+#include "end_to_end/command.h"
+
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -14,58 +12,6 @@
 // The command as a person calls it: what it prints, and how it ends.
 
 namespace {
-
-struct Ending {
-    int status;
-    std::string out;
-    std::string error;
-};
-
-class Command : public testing::Test {
-  protected:
-    Command() {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "lumiset_command_XXXXXX").string();
-        folder_ = mkdtemp(pattern.data());
-    }
-    ~Command() override { std::filesystem::remove_all(folder_); }
-
-    std::string File(const std::string& name) const { return folder_ + "/" + name; }
-
-    std::string Write(const std::string& name, const std::string& text) const {
-        std::ofstream(File(name), std::ios::binary) << text;
-        return File(name);
-    }
-
-    static std::string Read(const std::string& path) {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
-    // Runs the command with the Core that is installed below `coreFolder`.
-    Ending Run(const std::string& arguments, const std::string& coreFolder = CORE_FOLDER) const {
-        const std::string registry =
-            Write("command.reg",
-                  "Windows Registry Editor Version 5.00\n\n"
-                  "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node\\Tarvo Works\\Ostrel tools]\n"
-                  "\"datapath\"=\"" +
-                      coreFolder + "\"\n");
-        const std::string line = "LUMISET_REGISTRY=" + registry + " " + COMMAND + " " + arguments +
-                                 " >" + File("out") + " 2>" + File("error");
-        const int status = std::system(line.c_str());
-        return {WEXITSTATUS(status), Read(File("out")), Read(File("error"))};
-    }
-
-    // Fails with one line, which says all of `what`.
-    void ExpectFailure(const Ending& ending, const std::string& what) const {
-        EXPECT_EQ(ending.status, 1);
-        EXPECT_EQ(ending.out, "");
-        EXPECT_EQ(std::count(ending.error.begin(), ending.error.end(), '\n'), 1) << ending.error;
-        EXPECT_EQ(ending.error.rfind("lumiset-headless: " + what, 0), 0U) << ending.error;
-    }
-
-    std::string folder_;
-};
 
 TEST_F(Command, TellsAProgramWhatWasRecordedAndWritesThePositions) {
     const std::string capture = Write("walk.bvh", Walk(5));

@@ -56,10 +56,10 @@ TEST(Recording, BuildsTheSkeletonAndKeysEveryFrameInOneUndoStep) {
     const std::uint64_t empty = headless::SceneDigest();
     auto report = stage.Record(stage.WriteFile("walk.bvh", Walk(20)));
 
-    EXPECT_EQ(report["owner"], "walk");
-    EXPECT_EQ(report["joints"], "2");
-    EXPECT_EQ(report["frames"], "20");
-    EXPECT_EQ(report["nodes"], "3");
+    EXPECT_EQ(report["capture.1.owner"], "walk");
+    EXPECT_EQ(report["capture.1.joints"], "2");
+    EXPECT_EQ(report["capture.1.frames"], "20");
+    EXPECT_EQ(report["capture.1.nodes"], "3");
     EXPECT_EQ(headless::Nodes().size(), 3u);
     EXPECT_EQ(View("walk_Knee").parent, View("walk_Hip").handle);
     for (const char* joint : {"walk_Hip", "walk_Knee"}) {
@@ -86,7 +86,7 @@ TEST(Recording, FollowsARealCaptureInEitherControllerAndInAnyUnits) {
             stage.Tell("LUMISET_CAPTURE_FRAMES", "0:200");
             stage.Tell("LUMISET_CSV", stage.File("places.csv"));
             auto report = stage.Record(kRealCapture);
-            EXPECT_LT(std::stod(report["maxPositionErrorMetres"]), 5e-6);
+            EXPECT_LT(std::stod(report["capture.1.maxPositionErrorMetres"]), 5e-6);
             const std::vector<std::string> rows = Lines(stage.File("places.csv"));
             ASSERT_EQ(rows.size(), 1 + 31 * 200u);
             EXPECT_EQ(rows[0], "frame,seconds,joint,x,y,z");
@@ -122,7 +122,7 @@ TEST(Recording, OverwritesTheFirstHalfOfATakeOnItsOwnNodes) {
     stage.Tell("LUMISET_CAPTURE_FRAMES", "0:10");
     auto report = stage.Record(stage.File("walk.bvh"));
 
-    EXPECT_EQ(report["frames"], "10");
+    EXPECT_EQ(report["capture.1.frames"], "10");
     EXPECT_EQ(headless::Nodes().size(), 3u);
     EXPECT_EQ(View("walk_Hip").keys.count, 20);
     EXPECT_NEAR(PlaceOf("walk_Hip", 9 * kTicksPerFrame, kUnitsPerMetre).y, 2, kHalfAMicron);
@@ -174,7 +174,7 @@ TEST(Recording, DeletesTheWholeTakeWithOneOfItsNodesAndKeepsItsBooksThroughUndo)
     ASSERT_TRUE(stage.Host().Undo());
 
     // The Core knows the nodes that came back as its own.
-    EXPECT_EQ(stage.Record(walk)["nodes"], "3");
+    EXPECT_EQ(stage.Record(walk)["capture.1.nodes"], "3");
     EXPECT_EQ(headless::Nodes().size(), 3u);
 }
 
@@ -184,7 +184,7 @@ TEST(Recording, LetsGoOfEveryNodeWithTheScene) {
     stage.Record(walk);
     stage.Host().NewScene();
     EXPECT_TRUE(headless::Nodes().empty());
-    EXPECT_EQ(stage.Record(walk)["nodes"], "3");
+    EXPECT_EQ(stage.Record(walk)["capture.1.nodes"], "3");
     ExpectWalkingAt("walk", 5);
 }
 
@@ -227,7 +227,7 @@ TEST(Recording, StopsWhenTheUserDeletesItsNodesInTheMiddle) {
     stage.Tell("LUMISET_CAPTURE", stage.WriteFile("walk.bvh", Walk(6)));
     auto report = stage.Press();
     EXPECT_EQ(report["error"], "the recording was stopped at frame 0");
-    EXPECT_EQ(report["nodes"], "0");
+    EXPECT_EQ(report["capture.1.nodes"], "0");
     EXPECT_TRUE(headless::Nodes().empty());
     while (stage.Host().Undo()) {
     }
@@ -245,7 +245,7 @@ TEST(Recording, TakesEverythingBackWhenItFails) {
     stage.Tell("LUMISET_CAPTURE", stage.WriteFile("walk.bvh", Walk(6)));
     auto report = stage.Press();
     EXPECT_EQ(report["error"], "\"Knee\" cannot be moved by the host");
-    EXPECT_EQ(report["nodes"], "0");
+    EXPECT_EQ(report["capture.1.nodes"], "0");
     EXPECT_EQ(headless::SceneDigest(), empty);
     EXPECT_TRUE(stage.Host().UndoLabels().empty());
     EXPECT_EQ(GetCOREInterface()->GetTime(), 1000);
@@ -261,7 +261,12 @@ TEST(Recording, FindsEveryFaultBeforeItTouchesTheScene) {
     const std::string walk = stage.WriteFile("walk.bvh", Walk(6));
     const std::string cut = stage.WriteFile("cut.bvh", Walk(6).substr(0, Walk(6).size() - 12));
     const std::vector<Case> cases = {
-        {"LUMISET_CAPTURE", "", "LUMISET_CAPTURE: expected the path of a motion capture"},
+        {"LUMISET_CAPTURE", walk + '\n' + cut, "cut.bvh:24: frame 6 holds"},
+        {"LUMISET_SAMPLE", "0:1:0", "LUMISET_SAMPLE: expected START:END:STEP"},
+        {"LUMISET_SAMPLE", "1:0:1", "LUMISET_SAMPLE: expected START:END:STEP"},
+        {"LUMISET_SAMPLE", "0:1e9:1", "LUMISET_SAMPLE: expected START:END:STEP"},
+        {"LUMISET_SAMPLE", "0:1:1", "LUMISET_CSV: expected the path of a file, found nothing"},
+        {"LUMISET_MERGE", cut, "cut.bvh: the host brought in nothing"},
         {"LUMISET_CAPTURE", stage.File("absent.bvh"), "absent.bvh"},
         {"LUMISET_CAPTURE", cut, "cut.bvh:24: frame 6 holds"},
         {"LUMISET_CAPTURE_SCALE", "-1", "LUMISET_CAPTURE_SCALE: expected"},

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+// The command as a person calls it, in a folder of its own.
+struct Ending {
+    int status;
+    std::string out;
+    std::string error;
+};
+
+class Command : public testing::Test {
+  protected:
+    Command();
+    ~Command() override;
+
+    std::string File(const std::string& name) const { return folder_ + "/" + name; }
+    std::string Write(const std::string& name, const std::string& text) const;
+    static std::string Read(const std::string& path);
+
+    // Runs it with the Core that is installed below `coreFolder`.
+    Ending Run(const std::string& arguments, const std::string& coreFolder = CORE_FOLDER) const;
+
+    // The same; the test fails unless all went well. Gives what was printed.
+    std::string Do(const std::string& arguments, const std::string& coreFolder = CORE_FOLDER) const;
+
+    // Fails with one line, which says all of `what`.
+    static void ExpectFailure(const Ending& ending, const std::string& what);
+
+    std::string folder_;
+};
