@@ -261,6 +261,10 @@ std::vector<UtilityChunksView> Session::UtilityChunks() const {
     return state_->files.Chunks();
 }
 
+void Session::Announce(int code, void* callParam) {
+    Broadcast(code, callParam);
+}
+
 void Session::OnMessageBox(MessageBoxHandler handler) {
     if (!handler) {
         platform::SetMessageBoxHandler({});

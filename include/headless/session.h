@@ -136,6 +136,10 @@ class HEADLESS_API Session {
     // none of its own.
     std::vector<UtilityChunksView> UtilityChunks() const;
 
+    // Tells the plug-ins of something that this host does not do itself, such as notification 9 for
+    // a kind of file that is no scene.
+    void Announce(int code, void* callParam = nullptr);
+
     // Shows every message box from here on; an empty handler writes them to stderr.
     void OnMessageBox(MessageBoxHandler handler);
 

@@ -50,7 +50,7 @@ class MergingTest : public NodeTest {
         for (TVL::CNode* node : nodes) {
             EXPECT_TRUE(node->IsSnapshot());
             names.push_back(Core(node)->GetName());
-            node->Destroy();
+            Core(node)->Destroy();
         }
         return names;
     }

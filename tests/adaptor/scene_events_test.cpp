@@ -1,0 +1,177 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+#include "adaptor/attach_panel.h"
+#include "host/animate.h"
+#include "host/hold.h"
+#include "host/notify.h"
+#include "scene_state/state_test.h"
+
+namespace {
+
+using Calls = PuppetCore::Calls;
+
+// A Core that has state and one node, and claims what it is given.
+class SceneEvents : public StateTest {
+  protected:
+    SceneEvents() {
+        rig.parts = {Master("Rig")};
+        world.Core().TakeCalls();
+    }
+
+    void ClaimWhenLoading() {
+        world.Core().onCall = [this](const std::string& call) {
+            if (call == kTags) Claim(rig, "Rig", {"Hip"});
+        };
+    }
+    std::string Path(const std::string& file) const { return (world.Folder() / file).string(); }
+
+    std::string Saved(const std::string& file = "take.scene") {
+        EXPECT_EQ(world.Session().SaveScene(Path(file)).error, "");
+        return Path(file);
+    }
+    void Open(const std::string& path) {
+        const headless::FileOutcome outcome = world.Session().OpenScene(path);
+        EXPECT_EQ(outcome.error, "");
+        EXPECT_TRUE(outcome.complaints.empty());
+    }
+    Calls Taken() { return world.Core().TakeCalls(); }
+    static std::string HipTag() { return TagOf(headless::FindNode("Rig_Hip")); }
+
+    // What the Core is given: its own state, and the plug-ins gathered from the tags.
+    static constexpr const char* kState = "<state><take>1</take></state>";
+    static inline const std::string kTags =
+        "set state <TVL><TVL_Plugin><name>Rig</name></TVL_Plugin></TVL>";
+    static inline const std::string kHipTag =
+        "<TVL_tag><name>Rig</name><objectname>Hip</objectname>" + Master("Rig") + "</TVL_tag>";
+};
+
+TEST_F(SceneEvents, EveryWorkOnAFileReachesTheCoreInItsOrder) {
+    Helper(rig, "Hip");
+    world.Core().state = XMLNode(kState);
+    const std::string path = Saved();
+    EXPECT_EQ(Taken(), Calls{"get state"});
+    EXPECT_EQ(rig.timesAsked, 1);
+    EXPECT_EQ(HipTag(), "");
+
+    ClaimWhenLoading();
+    Open(path);
+    EXPECT_EQ(Taken(),
+              (Calls{"reset", std::string("set state ") + kState, "set state <TVL/>", kTags}));
+    ASSERT_EQ(world.Session().MergeScene(path).error, "");
+    EXPECT_EQ(Taken(), Calls{kTags});
+    EXPECT_TRUE(world.MessageBoxes().empty());
+
+    world.Session().NewScene();
+    world.Session().Reset();
+    EXPECT_EQ(Taken(), (Calls{"reset", "reset"}));
+    int replacing = 0;
+    int other = 1;
+    for (void* kind :
+         {static_cast<void*>(&other), static_cast<void*>(&replacing), static_cast<void*>(nullptr)})
+        world.Session().Announce(NOTIFY_FILE_PRE_OPEN, kind);
+    EXPECT_EQ(Taken(), (Calls{"reset", "reset"}));
+}
+
+TEST_F(SceneEvents, ASaveThatFailsLeavesNoTags) {
+    Helper(rig, "Hip");
+    EXPECT_NE(world.Session().SaveScene(Path("nowhere/scene")).error, "");
+    EXPECT_EQ(HipTag(), "");
+}
+
+TEST_F(SceneEvents, WithoutACoreASceneKeepsTheStateThatIsInIt) {
+    Helper(rig, "Hip");
+    world.Core().state = XMLNode(kState);
+    const std::string path = Saved();
+    UtilityManager::Get().DetachCore();
+    Taken();
+
+    Open(path);
+    const auto opened = headless::SceneDigest();
+    EXPECT_EQ(HipTag(), kHipTag);
+    ASSERT_EQ(world.Session().UtilityChunks().size(), 1U);
+    EXPECT_TRUE(world.Session().UtilityChunks()[0].isRunning);
+    EXPECT_FALSE(world.Session().UtilityChunks()[0].isTaken);
+    const std::string again = Saved("again.scene");
+    EXPECT_EQ(headless::SceneDigest(), opened);
+    ASSERT_EQ(world.Session().MergeScene(again).error, "");
+    world.Session().Select({"Rig_Hip"});
+    EXPECT_EQ(world.Session().DeleteSelected(), 2U);
+    world.Session().NewScene();
+    world.Session().Reset();
+    EXPECT_EQ(Taken(), Calls());
+
+    UtilityManager::Get().AttachCore();
+    Taken();
+    ClaimWhenLoading();
+    Open(again);
+    EXPECT_EQ(Taken(),
+              (Calls{"reset", std::string("set state ") + kState, "set state <TVL/>", kTags}));
+    EXPECT_TRUE(world.Session().UtilityChunks()[0].isTaken);
+}
+
+TEST_F(SceneEvents, TheStateSurvivesDetachSaveOpenAndAttach) {
+    const AttachPanel panel;
+    adaptor.BeginUndoGroup("take");
+    Helper(rig, "Hip");
+    adaptor.EndUndoGroup();
+    panel.Press();
+    EXPECT_FALSE(AttachedCore());
+    EXPECT_TRUE(world.Session().UndoLabels().empty());
+    EXPECT_EQ(HipTag(), kHipTag);
+
+    const std::string path = Saved();
+    Open(path);
+    EXPECT_EQ(HipTag(), kHipTag);
+    Taken();
+    ClaimWhenLoading();
+    panel.Press();
+    const Calls calls = Taken();
+    ASSERT_FALSE(calls.empty());
+    EXPECT_EQ(calls.back(), kTags);
+    EXPECT_EQ(std::ranges::count(calls, "reset"), 0);
+    EXPECT_EQ(adaptor.GetNodes(&rig).size(), 1U);
+    EXPECT_EQ(HipTag(), "");
+    EXPECT_TRUE(world.MessageBoxes().empty());
+
+    // And again, with the Core's own save and open between.
+    Saved();
+    Open(path);
+    panel.Press();
+    panel.Press();
+    EXPECT_EQ(Taken().back(), kTags);
+}
+
+TEST_F(SceneEvents, AFileOpenedInTheMiddleOfARecordingEndsItSafely) {
+    TVL::CoreNode* hip = Helper(rig, "Hip");
+    const std::string path = Saved();
+    for (const bool coreEndsAtReset : {true, false}) {
+        const auto end = [this] {
+            adaptor.EndRecording();
+            adaptor.EndUndoGroup();
+        };
+        adaptor.BeginUndoGroup("take");
+        adaptor.BeginRecording({&rig});
+        TVL::CSnapshot* const snapshot = hip->AcquireSnapshot(1);
+        ASSERT_NE(snapshot, nullptr);
+        world.Core().onCall = [&](const std::string& call) {
+            if (call == "reset" && coreEndsAtReset) end();
+            if (call == kTags) Claim(rig, "Rig", {"Hip"});
+        };
+        Open(path);
+        snapshot->SetWorldTransform(TVL::CMatrix4());
+        hip->ReleaseSnapshot(snapshot);
+        if (!coreEndsAtReset) end();
+        EXPECT_FALSE(theHold.Holding());
+        EXPECT_FALSE(Animating());
+        EXPECT_TRUE(world.Session().AnimateButtonEnabled());
+        EXPECT_FALSE(world.Session().Undo());
+        EXPECT_EQ(headless::Nodes().size(), 1U);
+        hip = static_cast<TVL::CoreNode*>(adaptor.GetNodes(&rig).back());
+    }
+    UtilityManager::Get().DetachCore();
+}
+
+}  // namespace

@@ -1,0 +1,381 @@
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "headless/host_world.h"
+#include "host/gup.h"
+#include "host/notify.h"
+#include "host/units.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Diary = std::vector<std::string>;
+
+constexpr Class_ID kDiaristId{0x0D1A, 1};
+constexpr std::uint16_t kTextChunk = 7;
+
+// How a utility takes its chunks when a scene is opened.
+enum class Manner { kTakes, kLeaves, kFails };
+
+// A global utility that writes down what the host tells it, and can act on it.
+struct Diarist final : GUP {
+    static constexpr int kCodes[] = {
+        NOTIFY_SYSTEM_PRE_RESET, NOTIFY_SYSTEM_PRE_NEW, NOTIFY_FILE_PRE_OPEN, NOTIFY_FILE_POST_OPEN,
+        NOTIFY_FILE_POST_MERGE,  NOTIFY_FILE_PRE_SAVE,  NOTIFY_FILE_POST_SAVE};
+
+    std::uint32_t Start() override {
+        for (const int code : kCodes)
+            RegisterNotification(&Hear, this, code);
+        return GUPRESULT_KEEP;
+    }
+    void Stop() override {
+        for (const int code : kCodes)
+            UnRegisterNotification(&Hear, this, code);
+    }
+    void DeleteThis() override {}
+
+    IOResult Save(ISave* save) override {
+        Note("save");
+        if (text.empty()) return IO_OK;
+        save->BeginChunk(kTextChunk);
+        save->WriteCString(text.c_str());
+        return save->EndChunk();
+    }
+    IOResult Load(ILoad* load) override {
+        Note("load " + std::to_string(headless::Nodes().size()) + " nodes");
+        if (manner == Manner::kLeaves) return IO_OK;
+        char* read = nullptr;
+        if (load->OpenChunk() != IO_OK || load->ReadCStringChunk(&read) != IO_OK) return IO_ERROR;
+        text = read;
+        load->CloseChunk();
+        return manner == Manner::kFails ? IO_ERROR : IO_OK;
+    }
+
+    void Note(const std::string& entry) {
+        diary.push_back(entry);
+        if (onEntry) onEntry(entry);
+    }
+    Diary Take() { return std::exchange(diary, {}); }
+
+    static void Hear(void* self, NotifyInfo* info) {
+        std::string entry = std::to_string(info->intcode);
+        if (info->intcode == NOTIFY_FILE_PRE_OPEN)
+            entry += " kind " + std::to_string(*static_cast<int*>(info->callParam));
+        static_cast<Diarist*>(self)->Note(entry);
+    }
+
+    std::string text = "dear diary";
+    Manner manner = Manner::kTakes;
+    Diary diary;
+    std::function<void(const std::string&)> onEntry;
+};
+
+struct DiaristClass final : ClassDesc {
+    explicit DiaristClass(Diarist& made) : diarist(made) {}
+    int IsPublic() override { return 1; }
+    void* Create(bool) override { return &diarist; }
+    const char* ClassName() override { return "Diarist"; }
+    SClass_ID SuperClassID() override { return GUP_CLASS_ID; }
+    Class_ID ClassID() override { return kDiaristId; }
+    const char* Category() override { return "Test"; }
+
+    Diarist& diarist;
+};
+
+class SceneFilesTest : public testing::Test {
+  protected:
+    ~SceneFilesTest() override {
+        session.reset();
+        EXPECT_EQ(headless::TakeCensus().objectCount, 0U);
+        fs::remove_all(folder);
+    }
+
+    // Ends the session and starts another one, with the diarist or without.
+    void Restart(bool withDiarist, const headless::SessionSettings& settings = {}) {
+        session.reset();
+        session = std::make_unique<headless::Session>(settings);
+        if (withDiarist) session->RegisterClass(&diaristClass);
+        session->Start();
+        diarist.Take();
+    }
+
+    // A scene of that many nodes, and the diarist's text.
+    std::string Saved(int nodes, const std::string& file = "saved.scene") {
+        session->NewScene();
+        Add(nodes);
+        const std::string path = Path(file);
+        EXPECT_EQ(session->SaveScene(path).error, "");
+        diarist.Take();
+        return path;
+    }
+    static void Add(int nodes) {
+        for (int i = 0; i < nodes; ++i)
+            GetCOREInterface()->CreateObjectNode(headless::NewSphere(1, 8));
+    }
+    std::string Path(const std::string& file) const { return (folder / file).string(); }
+
+    static fs::path NewFolder() {
+        std::string path = (fs::temp_directory_path() / "scene_files_XXXXXX").string();
+        return mkdtemp(path.data());
+    }
+
+    fs::path folder = NewFolder();
+    Diarist diarist;
+    DiaristClass diaristClass{diarist};
+    std::unique_ptr<headless::Session> session;
+};
+
+TEST_F(SceneFilesTest, EachWorkIsAnnouncedInTheHostsOrder) {
+    Restart(true);
+    const std::string path = Saved(2);
+    const auto saved = headless::SceneDigest();
+    ASSERT_EQ(session->SaveScene(path).error, "");
+    EXPECT_EQ(diarist.Take(), (Diary{"13", "save", "14"}));
+
+    Add(1);
+    diarist.text = "another";
+    const headless::FileOutcome opened = session->OpenScene(path);
+    EXPECT_EQ(opened.error, "");
+    EXPECT_TRUE(opened.complaints.empty());
+    EXPECT_EQ(diarist.Take(), (Diary{"9 kind 0", "load 2 nodes", "10"}));
+    EXPECT_EQ(diarist.text, "dear diary");
+    EXPECT_EQ(headless::SceneDigest(), saved);
+
+    ASSERT_EQ(session->MergeScene(path).error, "");
+    EXPECT_EQ(diarist.Take(), Diary{"12"});
+    const std::vector<headless::NodeView> nodes = headless::Nodes();
+    ASSERT_EQ(nodes.size(), 4U);
+    for (std::size_t i = 0; i < nodes.size(); ++i)
+        EXPECT_EQ(nodes[i].selected, i >= 2);
+}
+
+TEST_F(SceneFilesTest, AFileThatIsRefusedLeavesTheSceneAndNobodyHearsOfIt) {
+    Restart(true);
+    const std::string cut = Saved(2, "cut.scene");
+    fs::resize_file(cut, fs::file_size(cut) / 2);
+    std::ofstream(Path("text.scene")) << "no scene at all";
+    Add(1);
+    theHold.Begin();
+    Add(1);
+    theHold.Accept("step");
+    diarist.Take();
+    const auto before = headless::SceneDigest();
+    for (const std::string& path :
+         {cut, Path("text.scene"), Path("missing.scene"), folder.string()}) {
+        for (const std::string& error :
+             {session->OpenScene(path).error, session->MergeScene(path).error}) {
+            EXPECT_EQ(error.rfind(path + ": ", 0), 0U) << error;
+            EXPECT_EQ(error.find('\n'), std::string::npos) << error;
+        }
+    }
+    EXPECT_EQ(diarist.Take(), Diary());
+    EXPECT_EQ(headless::SceneDigest(), before);
+    EXPECT_EQ(session->UndoLabels(), Diary{"step"});
+
+    Interface& host = *GetCOREInterface();
+    EXPECT_EQ(host.MergeFromFile(nullptr), 0);
+    EXPECT_EQ(host.MergeFromFile(Path("missing.scene").c_str()), 0);
+    EXPECT_THROW(host.MergeFromFile(cut.c_str()), std::runtime_error);
+}
+
+TEST_F(SceneFilesTest, TheEndOfASaveIsAnnouncedHoweverItWent) {
+    Restart(true);
+    const std::string path = Saved(1);
+    const auto size = fs::file_size(path);
+    const std::string nowhere = Path("nowhere/scene");
+    EXPECT_EQ(session->SaveScene(nowhere).error.rfind(nowhere + ": ", 0), 0U);
+    EXPECT_EQ(diarist.Take().back(), "14");
+
+    for (const char* failing : {"13", "save"}) {
+        diarist.onEntry = [&](const std::string& entry) {
+            if (entry == failing) throw std::runtime_error("no paper");
+        };
+        Add(1);
+        const std::string error = session->SaveScene(path).error;
+        EXPECT_NE(error.find("no paper"), std::string::npos) << error;
+        EXPECT_EQ(diarist.Take().back(), "14");
+        EXPECT_EQ(fs::file_size(path), size);
+    }
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 1) << "nothing stays beside it";
+
+    diarist.onEntry = [&](const std::string& entry) {
+        if (entry == "14") throw 14;
+    };
+    const headless::FileOutcome saved = session->SaveScene(path);
+    EXPECT_EQ(saved.error, "");
+    EXPECT_EQ(saved.complaints.size(), 1U);
+}
+
+TEST_F(SceneFilesTest, WhileOneFileIsWorkedOnNoOtherWorkBegins) {
+    Restart(true);
+    const std::string path = Saved(1);
+    const std::string other = Path("other.scene");
+    for (const char* moment : {"9 kind 0", "load 1 nodes", "13", "save", "14"}) {
+        int refused = 0;
+        diarist.onEntry = [&](const std::string& entry) {
+            if (entry != moment) return;
+            ++refused;
+            for (const std::string& error :
+                 {session->OpenScene(path).error, session->SaveScene(other).error,
+                  session->MergeScene(path).error}) {
+                EXPECT_NE(error.find("another scene file"), std::string::npos) << moment << error;
+            }
+            EXPECT_EQ(GetCOREInterface()->MergeFromFile(path.c_str()), 0);
+            session->NewScene();
+            session->Reset();
+        };
+        EXPECT_EQ(session->OpenScene(path).error, "");
+        EXPECT_EQ(session->SaveScene(path).error, "");
+        EXPECT_EQ(refused, 1) << moment;
+        EXPECT_EQ(headless::Nodes().size(), 1U);
+        EXPECT_FALSE(fs::exists(other));
+    }
+    // What is announced as done is done.
+    diarist.onEntry = [&](const std::string& entry) {
+        if (entry != "10" || headless::Nodes().size() > 1) return;
+        EXPECT_EQ(session->MergeScene(path).error, "");
+        EXPECT_EQ(session->SaveScene(other).error, "");
+    };
+    EXPECT_EQ(session->OpenScene(path).error, "");
+    EXPECT_EQ(headless::Nodes().size(), 2U);
+}
+
+// Opens a file when it is undone.
+struct Opening final : RestoreObj {
+    Opening(headless::Session& running, std::string file)
+        : session(running), path(std::move(file)) {}
+    void Restore(int) override { errors.push_back(session.OpenScene(path).error); }
+    void Redo() override { session.Reset(); }
+
+    headless::Session& session;
+    std::string path;
+    static inline Diary errors;
+};
+
+TEST_F(SceneFilesTest, AStepThatIsUndoneKeepsItsScene) {
+    Restart(true);
+    const std::string path = Saved(3);
+    session->NewScene();
+    Opening::errors.clear();
+    theHold.Begin();
+    Add(1);
+    theHold.Put(new Opening(*session, path));
+    theHold.Accept("step");
+    EXPECT_TRUE(session->Undo());
+    ASSERT_EQ(Opening::errors.size(), 1U);
+    EXPECT_NE(Opening::errors[0].find("undone or redone"), std::string::npos);
+    EXPECT_TRUE(session->Redo());
+    EXPECT_EQ(headless::Nodes().size(), 1U);
+}
+
+TEST_F(SceneFilesTest, OpeningEndsAHoldAndEmptiesTheUndoBuffer) {
+    Restart(true);
+    const std::string path = Saved(1);
+    const auto saved = headless::SceneDigest();
+    theHold.Begin();
+    Add(1);
+    theHold.Accept("before");
+    theHold.Begin();
+    Add(2);
+    EXPECT_EQ(session->OpenScene(path).error, "");
+    EXPECT_FALSE(theHold.Holding());
+    EXPECT_TRUE(session->UndoLabels().empty());
+    EXPECT_EQ(headless::SceneDigest(), saved);
+}
+
+TEST_F(SceneFilesTest, OlderStepsGoAndComeAroundAMerge) {
+    Restart(true);
+    const std::string path = Saved(2);
+    session->NewScene();
+    theHold.Begin();
+    Add(1);
+    session->Select({"Sphere01"});
+    theHold.Accept("sphere");
+    EXPECT_EQ(session->MergeScene(path).error, "");
+    EXPECT_EQ(session->UndoLabels(), Diary{"sphere"});
+    EXPECT_TRUE(session->Undo());
+    EXPECT_EQ(headless::Nodes().size(), 2U);
+    EXPECT_TRUE(session->Redo());
+    EXPECT_EQ(headless::Nodes().size(), 3U);
+}
+
+TEST_F(SceneFilesTest, ChunksThatNobodyTookAreWrittenBackUntilTheSceneIsEmptied) {
+    const auto taken = [this](const std::string& path, const char* what) {
+        SCOPED_TRACE(what);
+        Restart(true);
+        diarist.text.clear();
+        diarist.manner = Manner::kTakes;
+        EXPECT_EQ(session->OpenScene(path).error, "");
+        EXPECT_EQ(diarist.text, "dear diary");
+        ASSERT_EQ(session->UtilityChunks().size(), 1U);
+        EXPECT_TRUE(session->UtilityChunks()[0].isTaken);
+        diarist.text.clear();
+    };
+    Restart(true);
+    const std::string path = Saved(1);
+    const std::string again = Path("again.scene");
+    struct Case {
+        const char* what;
+        bool isRunning;
+        Manner manner;
+    };
+    for (const Case& kept :
+         {Case{"not running", false, Manner::kTakes}, Case{"leaves them", true, Manner::kLeaves},
+          Case{"fails", true, Manner::kFails}}) {
+        Restart(kept.isRunning);
+        diarist.manner = kept.manner;
+        EXPECT_EQ(session->OpenScene(path).error, "");
+        diarist.text.clear();
+        ASSERT_EQ(session->UtilityChunks().size(), 1U);
+        const headless::UtilityChunksView view = session->UtilityChunks()[0];
+        EXPECT_EQ(view.className, "Diarist");
+        EXPECT_EQ(view.classId, kDiaristId);
+        EXPECT_GT(view.size, std::string("dear diary").size());
+        EXPECT_EQ(view.isRunning, kept.isRunning);
+        EXPECT_FALSE(view.isTaken);
+        EXPECT_EQ(session->MergeScene(path).error, "");
+        EXPECT_EQ(session->SaveScene(again).error, "");
+        taken(again, kept.what);
+    }
+
+    // What was taken is the utility's, and an emptied scene has nothing to keep.
+    EXPECT_EQ(session->SaveScene(again).error, "");
+    EXPECT_EQ(session->OpenScene(again).error, "");
+    EXPECT_TRUE(session->UtilityChunks().empty());
+    diarist.manner = Manner::kLeaves;
+    for (const auto empty : {&headless::Session::NewScene, &headless::Session::Reset}) {
+        EXPECT_EQ(session->OpenScene(path).error, "");
+        EXPECT_EQ(session->UtilityChunks().size(), 1U);
+        ((*session).*empty)();
+        EXPECT_EQ(session->SaveScene(again).error, "");
+        EXPECT_EQ(session->OpenScene(again).error, "");
+        EXPECT_TRUE(session->UtilityChunks().empty());
+    }
+}
+
+TEST_F(SceneFilesTest, AScenesUnitsAndClockStayUntilTheReset) {
+    Restart(false, headless::WithUnitsPerMetre(100));
+    const std::string path = Saved(1);
+    Restart(false, {.frameRate = 25, .ticksPerFrame = 192});
+    EXPECT_EQ(session->OpenScene(path).error, "");
+    int type = -1;
+    float scale = 0;
+    GetMasterUnitInfo(&type, &scale);
+    EXPECT_EQ(type, UNITS_METERS);
+    EXPECT_EQ(GetFrameRate(), 30);
+    session->Reset();
+    GetMasterUnitInfo(&type, &scale);
+    EXPECT_EQ(type, 0);
+    EXPECT_EQ(GetFrameRate(), 25);
+    EXPECT_EQ(GetCOREInterface()->GetAnimRange(), Interval(0, 19200));
+    Add(1);
+    const std::string error = session->MergeScene(path).error;
+    EXPECT_EQ(error.rfind(path + ": ", 0), 0U) << error;
+    EXPECT_EQ(headless::Nodes().size(), 1U);
+}
+
+}  // namespace
