@@ -96,7 +96,10 @@ TEST_F(MergingTest, EveryStepStandsInTheTraceOnce) {
     world.Session().NewScene();
     Helper("Box");
     world.Session().Select({"Rig_Box"});
-    const Lines trace = Traced([&] { Merge(path); });
+    std::vector<TVL::CNode*> merged;
+    const Lines trace = Traced([&] { merged = adaptor.MergeModels(path); });
+    for (TVL::CNode* node : merged)
+        Core(node)->Destroy();
     EXPECT_EQ(trace,
               (Lines{"(NOTICE): \tMerging models from file", "(NOTICE): \tMerge file: " + path,
                      "(NOTICE): \tGathering currently selected nodes",
