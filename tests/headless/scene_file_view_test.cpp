@@ -1,0 +1,141 @@
+#include "headless/scene_file_view.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+
+#include "headless/host_world.h"
+#include "host/animate.h"
+
+namespace {
+
+class SceneFileViewTest : public HostWorld {
+  protected:
+    SceneFileViewTest() {
+        Place(hip, {1, 0, 0});
+        AnimateOn();
+        Place(knee, {2, 0, 0}, 160);
+        Place(knee, {3, 0, 0}, 4800);
+        AnimateOff();
+        hip->SetUserPropString("TVL_tag", "<tag/>");
+    }
+    ~SceneFileViewTest() override {
+        for (const std::string& file : {first, second})
+            std::remove(file.c_str());
+    }
+
+    void Save(const std::string& path) { EXPECT_EQ(session.SaveScene(path).error, ""); }
+
+    std::vector<std::string> Differences() {
+        std::vector<std::string> lines;
+        for (const auto& difference :
+             headless::CompareSceneFiles(first, second, headless::CachedKeys::kLeftOut))
+            lines.push_back(difference.place + ": " + difference.what);
+        return lines;
+    }
+
+    INode* hip = Add("Hip");
+    INode* knee = Add("Knee", hip);
+    INode* eye = host.CreateObjectNode(host.CreateCameraObject(0));
+    const std::string first = testing::TempDir() + "lumiset_view_first.scene";
+    const std::string second = testing::TempDir() + "lumiset_view_second.scene";
+};
+
+TEST_F(SceneFileViewTest, AFileIsToldAsItsNodesUtilitiesAndClasses) {
+    Save(first);
+    const headless::SceneFileView file = headless::ViewSceneFile(first);
+    ASSERT_EQ(file.nodes.size(), 3U);
+    EXPECT_EQ(file.nodes[0].tagBytes, 6U);
+    EXPECT_EQ(file.nodes[1].name, "Knee");
+    EXPECT_EQ(file.nodes[1].parent, hip->GetHandle());
+    EXPECT_EQ(file.nodes[1].controller.name, "Position/Rotation/Scale");
+    EXPECT_EQ(file.nodes[1].keys.count, 2);
+    EXPECT_EQ(file.nodes[1].keys.last, 4800);
+    EXPECT_EQ(file.nodes[2].object.superClass, CAMERA_CLASS_ID);
+    for (const headless::ClassInFile& type : file.classes)
+        EXPECT_TRUE(headless::IsClassLoaded(type)) << type.name;
+    EXPECT_FALSE(headless::IsClassLoaded({0x50, {1, 2}, "Stranger"}));
+}
+
+TEST_F(SceneFileViewTest, EachChangeIsToldInItsOwnWords) {
+    const std::string longValue(100, 'x');
+    hip->SetUserPropString("long", longValue + "1");
+    struct Case {
+        std::function<void()> change;
+        std::vector<std::string> words;
+    };
+    const Case cases[] = {
+        {[] {}, {}},
+        {[&] { knee->SetName("Knee\n2"); }, {"node \"Knee\" (2): name \"Knee\" and \"Knee\\n2\""}},
+        {[&] { knee->Detach(0, 0); },
+         {"node \"Knee\" (2): stands at another place among the nodes",
+          "node \"Knee\" (2): parent node \"Hip\" (1) and none"}},
+        {[&] {
+             eye->Hide(true);
+             eye->SetWireColor(0xC0C0C1);
+         },
+         {"node \"Camera01\" (3): hidden 0 and 1",
+          "node \"Camera01\" (3): colour 12632256 and 12632257"}},
+        {[&] {
+             hip->SetUserPropString("new", "a\"b");
+             hip->SetUserPropString("long", longValue + "2");
+         },
+         {"node \"Hip\" (1): property \"long\" from byte 100 on: \"xxxxxxxxxx1\" and "
+          "\"xxxxxxxxxx2\"",
+          "node \"Hip\" (1): property \"new\" \"a\\\"b\" only in the second file"}},
+        {[&] {
+             AnimateOn();
+             Place(knee, {3, 4, 3}, 4800);
+             AnimateOff();
+         },
+         {"node \"Knee\" (2), transform controller: 2 and 2 keys, which differ from tick 4800 on; "
+          "furthest apart at tick 4800, by 5 host units"}},
+        {[&] { static_cast<CameraObject*>(eye->GetObjectRef())->SetConeState(1); },
+         {"node \"Camera01\" (3), object: 26 and 26 bytes, which differ from byte 14 on"}},
+        {[&] { static_cast<CameraObject*>(eye->GetObjectRef())->SetFOV(0, 1); },
+         {"node \"Camera01\" (3), object, reference 0, reference 0: 26 and 26 bytes, which differ "
+          "from byte 22 on"}},
+        {[&] {
+             session.SetRange({0, 320});
+         },
+         {"settings: last tick of the range 16000 and 320"}},
+        {[&] { Add("New"); },
+         {"settings: last handle 3 and 4", "node \"New\" (4): only in the second file"}},
+        {[&] { host.DeleteNode(eye, false); },
+         {"settings: last handle 3 and 4", "node \"Camera01\" (3): only in the first file"}},
+    };
+    for (const Case& c : cases) {
+        Save(first);
+        Step(c.change);
+        Save(second);
+        EXPECT_EQ(Differences(), c.words);
+        session.Undo();
+    }
+}
+
+// A merged node has a new handle, and is still the same node below the same parents.
+TEST_F(SceneFileViewTest, NodesUnderNewHandlesAreFoundByTheirPlace) {
+    Save(first);
+    session.NewScene();
+    EXPECT_EQ(session.MergeScene(first).error, "");
+    Save(second);
+    for (const std::string& line : Differences())
+        EXPECT_TRUE(line.find(": handle ") != std::string::npos ||
+                    line.find(": selected 0 and 1") != std::string::npos ||
+                    line.find("settings: last handle") == 0)
+            << line;
+}
+
+TEST_F(SceneFileViewTest, AFileThatIsAbsentOrDamagedIsNamed) {
+    Save(first);
+    EXPECT_THROW(headless::ViewSceneFile(first + "none"), std::runtime_error);
+    std::filesystem::resize_file(first, std::filesystem::file_size(first) - 1);
+    try {
+        headless::CompareSceneFiles(first, first, headless::CachedKeys::kCompared);
+        FAIL() << "a file that is cut was read";
+    } catch (const std::runtime_error& error) {
+        EXPECT_EQ(std::string(error.what()).find(first + ": at byte "), 0U) << error.what();
+    }
+}
+
+}  // namespace
