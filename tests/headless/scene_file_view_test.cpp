@@ -2,7 +2,7 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
+#include <regex>
 
 #include "headless/host_world.h"
 #include "host/animate.h"
@@ -30,8 +30,13 @@ class SceneFileViewTest : public HostWorld {
         std::vector<std::string> lines;
         for (const auto& difference :
              headless::CompareSceneFiles(first, second, headless::CachedKeys::kLeftOut))
-            lines.push_back(difference.place + ": " + difference.what);
+            lines.push_back(WithoutHandles(difference.place + ": " + difference.what));
         return lines;
+    }
+
+    // Handles go on from test to test.
+    static std::string WithoutHandles(const std::string& line) {
+        return std::regex_replace(line, std::regex(R"( \(\d+\))"), "");
     }
 
     INode* hip = Add("Hip");
@@ -60,49 +65,49 @@ TEST_F(SceneFileViewTest, AFileIsToldAsItsNodesUtilitiesAndClasses) {
 TEST_F(SceneFileViewTest, EachChangeIsToldInItsOwnWords) {
     const std::string longValue(100, 'x');
     hip->SetUserPropString("long", longValue + "1");
+    const std::uint32_t last = eye->GetHandle();
+    const std::string lastHandle =
+        "settings: last handle " + std::to_string(last) + " and " + std::to_string(last + 1);
     struct Case {
         std::function<void()> change;
         std::vector<std::string> words;
     };
     const Case cases[] = {
         {[] {}, {}},
-        {[&] { knee->SetName("Knee\n2"); }, {"node \"Knee\" (2): name \"Knee\" and \"Knee\\n2\""}},
+        {[&] { knee->SetName("Knee\n2"); }, {"node \"Knee\": name \"Knee\" and \"Knee\\n2\""}},
         {[&] { knee->Detach(0, 0); },
-         {"node \"Knee\" (2): stands at another place among the nodes",
-          "node \"Knee\" (2): parent node \"Hip\" (1) and none"}},
+         {"node \"Knee\": parent node \"Hip\" and none",
+          "node \"Camera01\": stands at another place among the nodes"}},
         {[&] {
              eye->Hide(true);
              eye->SetWireColor(0xC0C0C1);
          },
-         {"node \"Camera01\" (3): hidden 0 and 1",
-          "node \"Camera01\" (3): colour 12632256 and 12632257"}},
+         {"node \"Camera01\": hidden 0 and 1", "node \"Camera01\": colour 12632256 and 12632257"}},
         {[&] {
              hip->SetUserPropString("new", "a\"b");
              hip->SetUserPropString("long", longValue + "2");
          },
-         {"node \"Hip\" (1): property \"long\" from byte 100 on: \"xxxxxxxxxx1\" and "
+         {"node \"Hip\": property \"long\" from byte 100 on: \"xxxxxxxxxx1\" and "
           "\"xxxxxxxxxx2\"",
-          "node \"Hip\" (1): property \"new\" \"a\\\"b\" only in the second file"}},
+          "node \"Hip\": property \"new\" \"a\\\"b\" only in the second file"}},
         {[&] {
              AnimateOn();
              Place(knee, {3, 4, 3}, 4800);
              AnimateOff();
          },
-         {"node \"Knee\" (2), transform controller: 2 and 2 keys, which differ from tick 4800 on; "
+         {"node \"Knee\", transform controller: 2 and 2 keys, which differ from tick 4800 on; "
           "furthest apart at tick 4800, by 5 host units"}},
         {[&] { static_cast<CameraObject*>(eye->GetObjectRef())->SetConeState(1); },
-         {"node \"Camera01\" (3), object: 26 and 26 bytes, which differ from byte 14 on"}},
+         {"node \"Camera01\", object: 26 and 26 bytes, which differ from byte 14 on"}},
         {[&] { static_cast<CameraObject*>(eye->GetObjectRef())->SetFOV(0, 1); },
-         {"node \"Camera01\" (3), object, reference 0, reference 0: 26 and 26 bytes, which differ "
+         {"node \"Camera01\", object, reference 0, reference 0: 26 and 26 bytes, which differ "
           "from byte 22 on"}},
         {[&] {
              session.SetRange({0, 320});
          },
          {"settings: last tick of the range 16000 and 320"}},
-        {[&] { Add("New"); },
-         {"settings: last handle 3 and 4", "node \"New\" (4): only in the second file"}},
-        {[&] { host.DeleteNode(eye, false); },
-         {"settings: last handle 3 and 4", "node \"Camera01\" (3): only in the first file"}},
+        {[&] { Add("New"); }, {lastHandle, "node \"New\": only in the second file"}},
+        {[&] { host.DeleteNode(eye, false); }, {"node \"Camera01\": only in the first file"}},
     };
     for (const Case& c : cases) {
         Save(first);
