@@ -76,6 +76,7 @@ void LoadKeys(ILoad& load, KeyTable<T>& table) {
     if (load.CurChunkID() == kKeysChunk) ReadRecords(load, table);
     load.CloseChunk();
     SortByTime(table.keys);
+    table.keys.shrink_to_fit();  // large scenes are opened only to be looked at and saved
 }
 
 template void SaveKeys(ISave&, const KeyTable<float>&);
