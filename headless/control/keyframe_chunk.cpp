@@ -48,9 +48,10 @@ TimeValue KeyframeChunk::Time(std::size_t key) const {
     return ticks;
 }
 
-std::span<const std::byte> WithoutCachedKey(std::span<const std::byte> saved) {
+std::span<const std::byte> LastingPart(std::span<const std::byte> saved) {
     const auto chunk = KeyframeChunk::In(saved);
-    if (!chunk || chunk->Count() == 0) return saved;
+    if (!chunk) return saved;
+    if (chunk->Count() == 0) return chunk->Value(0);
     return saved.first(saved.size() - chunk->Record(0).size());
 }
 

@@ -27,8 +27,10 @@ class KeyframeChunk {
     // Nothing if the bytes are anything but one whole chunk of that form.
     static std::optional<KeyframeChunk> In(std::span<const std::byte> saved);
 
-    std::size_t Count() const { return count_; }  // without the cached key
-    TimeValue Time(std::size_t key) const;        // ticks
+    std::size_t Count() const {
+        return count_;
+    }                                       // without the cached key, which stands behind them
+    TimeValue Time(std::size_t key) const;  // ticks
     std::span<const std::byte> Value(std::size_t key) const;
     std::span<const std::byte> Record(std::size_t key) const;
     bool IsMatrix() const { return recordBytes_ == kMatrixRecordBytes; }
@@ -45,8 +47,8 @@ class KeyframeChunk {
     std::size_t count_;
 };
 
-// What such a controller has saved, less its cached key. That one stays where it is the only value
-// that the controller has, and so does all of what is no such chunk.
-std::span<const std::byte> WithoutCachedKey(std::span<const std::byte> saved);
+// Of what such a controller has saved that which neither evaluation nor loading moves: all but its
+// cached key, or where that is the only one the value alone. All of what is no such chunk.
+std::span<const std::byte> LastingPart(std::span<const std::byte> saved);
 
 }  // namespace headless

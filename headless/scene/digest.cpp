@@ -48,7 +48,7 @@ class ObjectWalk {
         hash.Add(object.ClassID().partA);
         hash.Add(object.ClassID().partB);
         const auto saved = SavedBytes([&](ISave* save) { return object.Save(save); });
-        hash.Add(IsKeyframes(object.ClassID()) ? WithoutCachedKey(saved) : std::span(saved));
+        hash.Add(IsKeyframes(object.ClassID()) ? LastingPart(saved) : std::span(saved));
         for (int i = 0; i < object.NumRefs(); ++i)
             AddReference(hash, object.GetReference(i));
     }

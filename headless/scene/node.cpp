@@ -27,20 +27,20 @@ void SceneNode::DeleteThis() {
 
 void SceneNode::SetName(const char* name) {
     std::string next = name ? name : "";
-    if (next == name_) return;
+    if (next == look_.name) return;
     Undoably([self = shared_from_this(), other = std::move(next)]() mutable {
-        std::swap(self->name_, other);
-        if (self->parent_) TheScene().Names().Replace(other, self->name_);
+        std::swap(self->look_.name, other);
+        if (self->parent_) TheScene().Names().Replace(other, self->look_.name);
     });
 }
 
 void SceneNode::Hide(bool hide) {
-    if (hide == hidden_) return;
-    Undoably([self = shared_from_this()] { self->hidden_ = !self->hidden_; });
+    if (hide == look_.isHidden) return;
+    Undoably([self = shared_from_this()] { self->look_.isHidden = !self->look_.isHidden; });
 }
 
 bool SceneNode::IsHidden(std::uint32_t, bool) {
-    return hidden_;
+    return look_.isHidden;
 }
 
 const ObjectState& SceneNode::EvalWorldState(TimeValue t, bool) {
@@ -59,26 +59,19 @@ void SceneNode::SetObject(Object* object) {
     ReplaceReference(kObject, object);
 }
 
-void SceneNode::CopyLookFrom(const SceneNode& other) {
-    name_ = other.name_;
-    userProps_ = other.userProps_;
-    hidden_ = other.hidden_;
-    wireColour_ = other.wireColour_;
-}
-
 void SceneNode::SetWireColor(std::uint32_t colour) {
     Undoably([self = shared_from_this(), other = colour]() mutable {
-        std::swap(self->wireColour_, other);
+        std::swap(self->look_.wireColour, other);
     });
 }
 
 bool SceneNode::UserPropExists(const HostString& key) {
-    return userProps_.contains(key);
+    return look_.userProps.contains(key);
 }
 
 bool SceneNode::GetUserPropString(const HostString& key, HostString& value) {
-    const auto found = userProps_.find(key);
-    if (found == userProps_.end()) return false;
+    const auto found = look_.userProps.find(key);
+    if (found == look_.userProps.end()) return false;
     value = found->second;
     return true;
 }
@@ -86,8 +79,8 @@ bool SceneNode::GetUserPropString(const HostString& key, HostString& value) {
 void SceneNode::SetUserPropString(const HostString& key, const HostString& value) {
     Undoably([self = shared_from_this(), key, other = std::optional(value)]() mutable {
         std::optional<HostString> now;
-        if (const auto entry = self->userProps_.extract(key)) now = std::move(entry.mapped());
-        if (other) self->userProps_[key] = std::move(*other);
+        if (const auto entry = self->look_.userProps.extract(key)) now = std::move(entry.mapped());
+        if (other) self->look_.userProps[key] = std::move(*other);
         other = std::move(now);
     });
 }

@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/node.h"
@@ -11,6 +12,14 @@
 namespace headless {
 
 class SceneNode;
+
+// What a node is by itself, without its links.
+struct NodeLook {
+    std::string name;
+    bool isHidden = false;
+    std::uint32_t wireColour = 0xC0C0C0;  // red in the low byte
+    std::map<HostString, HostString, std::less<>> userProps;
+};
 
 // A node belongs to the scene and to the undo records that name it, and is freed with the last of
 // them; whoever deletes it takes it out of the scene only. Plain pointers to nodes are good within
@@ -23,7 +32,7 @@ class SceneNode final : public INode, public std::enable_shared_from_this<SceneN
     // Neither object nor controller yet. The root has handle 0.
     static NodePtr New(std::uint32_t handle);
 
-    const char* GetName() override { return name_.c_str(); }
+    const char* GetName() override { return look_.name.c_str(); }
     void SetName(const char* name) override;
 
     INode* GetParentNode() override { return parent_; }
@@ -50,7 +59,7 @@ class SceneNode final : public INode, public std::enable_shared_from_this<SceneN
     Matrix3 GetObjectTM(TimeValue t, Interval* valid) override { return GetNodeTM(t, valid); }
 
     void SetWireColor(std::uint32_t colour) override;
-    std::uint32_t GetWireColor() override { return wireColour_; }
+    std::uint32_t GetWireColor() override { return look_.wireColour; }
 
     bool UserPropExists(const HostString& key) override;
     bool GetUserPropString(const HostString& key, HostString& value) override;
@@ -76,13 +85,14 @@ class SceneNode final : public INode, public std::enable_shared_from_this<SceneN
     RefTargetHandle Clone(RemapDir&) override { return this; }
 
     void SetObject(Object* object);
-    void CopyLookFrom(const SceneNode& other);  // name, properties, hidden, colour; not undoable
+    const NodeLook& Look() const { return look_; }
+    void SetLook(NodeLook look) { look_ = std::move(look); }  // outside the scene; not undoable
 
     // For those who keep the scene's books; none of these is undoable.
     SceneNode* Parent() const { return parent_; }
     const std::vector<SceneNode*>& Children() const { return children_; }
-    const std::string& Name() const { return name_; }
-    const std::map<HostString, HostString, std::less<>>& UserProps() const { return userProps_; }
+    const std::string& Name() const { return look_.name; }
+    const auto& UserProps() const { return look_.userProps; }
     std::size_t IndexInParent() const;
     void Hang(SceneNode& parent, std::size_t index);  // from nowhere
     void Unhang();
@@ -101,17 +111,14 @@ class SceneNode final : public INode, public std::enable_shared_from_this<SceneN
     bool HangsBelow(const SceneNode& node) const;
 
     std::uint32_t handle_;
-    std::string name_;
+    NodeLook look_;
     SceneNode* parent_ = nullptr;
     std::vector<SceneNode*> children_;
     Control* transform_ = nullptr;
     Object* object_ = nullptr;
     ObjectState evaluated_;
-    std::uint32_t wireColour_ = 0xC0C0C0;
-    bool hidden_ = false;
     bool selected_ = false;
     bool ownerless_ = false;  // on its way to be freed
-    std::map<HostString, HostString, std::less<>> userProps_;
 };
 
 }  // namespace headless

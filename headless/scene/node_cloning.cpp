@@ -31,7 +31,7 @@ std::string Stem(const std::string& name) {
 
 SceneNode* CopyOne(SceneNode& source, RemapDir& remap) {
     const NodePtr copy = TheScene().NewNode();
-    copy->CopyLookFrom(source);
+    copy->SetLook(source.Look());
     copy->SetName(TheScene().Names().MakeUnique(Stem(source.Name())).c_str());
     copy->SetObject(static_cast<Object*>(remap.CloneRef(source.GetObjectRef())));
     copy->SetTMController(static_cast<Control*>(remap.CloneRef(source.GetTMController())));

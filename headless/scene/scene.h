@@ -27,6 +27,10 @@ class Scene {
     // A node outside the scene, under a handle that no node of this scene has had.
     NodePtr NewNode();
 
+    // New handles go on behind this one. Setting it is for a scene that is empty.
+    std::uint32_t LastHandle() const { return lastHandle_; }
+    void SetLastHandle(std::uint32_t handle) { lastHandle_ = handle; }
+
     // A new node with a name of its own and the host's own transform controller, under the root.
     SceneNode* CreateObjectNode(Object* object);
 

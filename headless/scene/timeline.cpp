@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -26,6 +27,8 @@ void DropGone() {
     if (timeline.telling == 0) std::erase(timeline.callbacks, nullptr);
 }
 
+}  // namespace
+
 void TellTime() {
     ++timeline.telling;
     const std::size_t present = timeline.callbacks.size();
@@ -37,13 +40,24 @@ void TellTime() {
     DropGone();
 }
 
-}  // namespace
-
 void StartTimeline(int frameRate, int ticksPerFrame) {
     timeline.frameRate = std::max(1, frameRate);
     timeline.ticksPerFrame = std::max(1, ticksPerFrame);
     timeline.now = 0;
     timeline.range.Set(0, kFramesAtStart * timeline.ticksPerFrame);
+}
+
+bool IsClock(int frameRate, int ticksPerFrame) {
+    constexpr int kMost = std::numeric_limits<TimeValue>::max();
+    return frameRate > 0 && ticksPerFrame > 0 && ticksPerFrame <= kMost / kFramesAtStart &&
+           frameRate <= kMost / ticksPerFrame;
+}
+
+void RestoreTimeline(int frameRate, int ticksPerFrame, Interval range, TimeValue now) {
+    timeline.frameRate = frameRate;
+    timeline.ticksPerFrame = ticksPerFrame;
+    timeline.range = range;
+    timeline.now = now;
 }
 
 TimeValue CurrentTime() {

@@ -10,6 +10,13 @@ namespace headless {
 // Time 0 and a range of a hundred frames.
 void StartTimeline(int frameRate, int ticksPerFrame);
 
+// Whether ticks can be counted so; what a timeline works out of the two is then a TimeValue.
+bool IsClock(int frameRate, int ticksPerFrame);
+
+// Everything at once, as a stored scene has it; not undoable. The callbacks are told by TellTime.
+void RestoreTimeline(int frameRate, int ticksPerFrame, Interval range, TimeValue now);
+void TellTime();
+
 TimeValue CurrentTime();
 void MoveTime(TimeValue t);
 Interval AnimationRange();

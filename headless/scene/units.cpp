@@ -21,15 +21,19 @@ struct MasterUnits {
 };
 MasterUnits masterUnits;
 
-bool IsUnitType(int type) {
-    return type >= 0 && type < static_cast<int>(kPerMetre.size());
-}
-
 double PerMetre(int type) {
     return kPerMetre[static_cast<std::size_t>(type)];
 }
 
 }  // namespace
+
+bool IsUnitType(int type) {
+    return type >= 0 && type < static_cast<int>(kPerMetre.size());
+}
+
+double MetresPerUnit(int type, float scale) {
+    return static_cast<double>(scale) / PerMetre(type);
+}
 
 void SetMasterUnits(int type, float scale) {
     if (IsUnitType(type) && scale > 0) masterUnits = {type, scale};

@@ -5,4 +5,7 @@ namespace headless {
 
 void SetMasterUnits(int type, float scale);
 
+bool IsUnitType(int type);
+double MetresPerUnit(int type, float scale);
+
 }  // namespace headless

@@ -227,7 +227,7 @@ class Comparison {
     std::span<const std::byte> Compared(const StoredClass& type,
                                         std::span<const std::byte> saved) const {
         const bool cut = cachedKeys_ == CachedKeys::kLeftOut && IsKeyframes(type.id);
-        return cut ? WithoutCachedKey(saved) : saved;
+        return cut ? LastingPart(saved) : saved;
     }
 
     void CompareUtilities() {

@@ -37,6 +37,7 @@ struct StoredReference {
 };
 
 struct StoredObject {
+    std::uint64_t position = 0;  // in the file, for messages
     StoredClass type;
     std::vector<StoredReference> references;  // by the object's reference index
     StoredRange bytes;                        // what the object's `Save` wrote, chunks as they are
@@ -45,6 +46,7 @@ struct StoredObject {
 inline constexpr std::uint32_t kNoStoredParent = 0xFFFFFFFF;
 
 struct StoredNode {
+    std::uint64_t position = 0;  // in the file, for messages
     std::uint32_t handle = 0;
     std::uint32_t parent = kNoStoredParent;  // index of a node that stands ahead of this one
     std::string name;

@@ -55,8 +55,10 @@ class SceneFileReader {
     std::vector<SceneNode*> MergeIntoScene(std::vector<std::string>& complaints);
 
     // Runs `Load` of each running utility that has chunks in the file, in the file's order. What
-    // comes back is what no utility has opened a chunk of, or failed to load.
-    std::vector<KeptChunks> LoadUtilities(std::span<const RunningUtility> running);
+    // comes back is what no utility has opened a chunk of, or failed to load; each failure is a
+    // complaint.
+    std::vector<KeptChunks> LoadUtilities(std::span<const RunningUtility> running,
+                                          std::vector<std::string>& complaints);
 
   private:
     std::string path_;

@@ -103,7 +103,7 @@ std::string SceneFiles::Replace(const std::string& path, std::span<const Running
 void SceneFiles::Load(SceneFileReader& file, std::span<const RunningUtility> running,
                       std::vector<std::string>& complaints) {
     complaints = file.OpenIntoScene();
-    kept_ = file.LoadUtilities(running);
+    kept_ = file.LoadUtilities(running, complaints);
     for (const StoredUtility& stored : file.Document().utilities)
         chunks_.push_back(ViewOf(stored, running, kept_));
 }

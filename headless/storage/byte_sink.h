@@ -38,7 +38,8 @@ class MemorySink final : public ByteSink {
     std::vector<std::byte> bytes_;
 };
 
-// A file, which is made or emptied first.
+// A file, which is made or emptied first. The newest bytes wait in a block, so that neither small
+// pieces nor the lengths of small chunks cost a call to the system each.
 class FileSink final : public ByteSink {
   public:
     explicit FileSink(const std::string& path);
@@ -46,12 +47,24 @@ class FileSink final : public ByteSink {
     bool Overwrite(std::uint64_t position, std::span<const std::byte> bytes) override;
     std::uint64_t Size() const override { return size_; }
 
+    // Reads back bytes that lie wholly within what has been written.
+    bool ReadBack(std::uint64_t position, std::span<std::byte> bytes);
+
     // Hands everything to the system. False: something of it could not be written.
     bool Close();
 
+    // The system's word for what failed first; empty if nothing did.
+    const std::string& Failure() const { return failure_; }
+
   private:
-    std::ofstream file_;
+    bool Flush();
+    bool NoteFailure();
+    std::uint64_t Flushed() const { return size_ - block_.size(); }
+
+    std::fstream file_;
     std::uint64_t size_ = 0;
+    std::vector<std::byte> block_;  // the end of what has been written
+    std::string failure_;
 };
 
 }  // namespace headless

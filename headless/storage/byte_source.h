@@ -5,6 +5,7 @@
 #include <fstream>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace headless {
 
@@ -29,7 +30,8 @@ class MemorySource final : public ByteSource {
     std::span<const std::byte> bytes_;
 };
 
-// A file; one that cannot be opened has no bytes.
+// A file; one that cannot be opened has no bytes. It is read a block at a time, so that small
+// pieces near each other do not cost a call to the system each.
 class FileSource final : public ByteSource {
   public:
     explicit FileSource(const std::string& path);
@@ -38,9 +40,13 @@ class FileSource final : public ByteSource {
     std::size_t ReadAt(std::uint64_t position, std::span<std::byte> bytes) override;
 
   private:
+    std::size_t FromBlock(std::uint64_t position, std::span<std::byte> bytes) const;
+    std::size_t FromFile(std::uint64_t position, std::span<std::byte> bytes);
+
     std::ifstream file_;
     std::uint64_t size_ = 0;
-    std::uint64_t position_ = 0;
+    std::uint64_t blockBegin_ = 0;
+    std::vector<std::byte> block_;  // what was read last, from blockBegin_ on
 };
 
 }  // namespace headless

@@ -15,6 +15,10 @@ class ChunkReader final : public ILoad {
   public:
     explicit ChunkReader(ByteSource& source) : ChunkReader(source, 0, source.Size()) {}
 
+    // The bytes from `begin` up to, not including, `end`, which lie within the source.
+    ChunkReader(ByteSource& source, std::uint64_t begin, std::uint64_t end)
+        : source_(&source), position_(begin), end_(end) {}
+
     IOResult OpenChunk() override;
     std::uint16_t CurChunkID() override;  // 0 while no chunk is open
     IOResult CloseChunk() override;
@@ -35,8 +39,6 @@ class ChunkReader final : public ILoad {
         std::uint64_t end;
     };
 
-    ChunkReader(ByteSource& source, std::uint64_t begin, std::uint64_t end)
-        : source_(&source), position_(begin), end_(end) {}
     std::uint64_t End() const { return open_.empty() ? end_ : open_.back().end; }
 
     ByteSource* source_;

@@ -1,26 +1,32 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
 
-// Bytes, and their base64 text by RFC 4648: the standard alphabet with `=` padding, in one run
-// without line breaks. Both sides of the Core boundary compile it for themselves.
+// Bytes and their base64 text, in the standard form of RFC 4648 (section 4): the alphabet with '+'
+// and '/', padding with '=', and no line breaks. A text that does not decode gives no bytes, which
+// its reader takes for data that is missing. Both sides of the Core boundary compile it for
+// themselves.
+//
+//     const Base64Buffer picture(bytes.data(), count);
+//     node.AddChild(XMLNode("picture", picture.ToText()));
 class Base64Buffer {
   public:
-    // A copy of `count` bytes; none if `count` is not above 0 or there is no array.
+    // Holds a copy of `count` bytes; none if `count` is not above 0 or there is no array.
     Base64Buffer(const void* bytes, std::int32_t count);
 
-    // The bytes that `text` stands for, or none: a length that is no multiple of 4, or a character
-    // that is not in the alphabet (blanks and line ends too) makes the whole text fail. A padded
-    // group may stand anywhere and yields fewer bytes.
+    // Holds the bytes that the text stands for, or none if it does not decode: its length is no
+    // multiple of 4, or a character that is needed is not in the alphabet, blanks and line ends
+    // included. More lenient than the RFC in two points: bits that are left over in a padded group
+    // count for nothing, and a padded group may stand anywhere and just yields fewer bytes.
     explicit Base64Buffer(const std::string& text);
 
-    // The empty text for no bytes.
+    // Four characters for every three bytes begun; the empty text for no bytes.
     std::string ToText() const;
 
-    // False, and nothing is copied, if `size` is smaller than the number of bytes.
+    // Copies the bytes to an array of `size` bytes. False, and nothing is copied, if it is too
+    // small or there is none.
     bool CopyTo(void* target, std::int32_t size) const;
 
     const std::vector<std::uint8_t>& Bytes() const { return bytes_; }

@@ -76,9 +76,9 @@ TEST_F(SceneEvents, EveryWorkOnAFileReachesTheCoreInItsOrder) {
     world.Session().Reset();
     EXPECT_EQ(Taken(), (Calls{"reset", "reset"}));
     int replacing = 0;
-    int other = 1;
+    int adding = 1;
     for (void* kind :
-         {static_cast<void*>(&other), static_cast<void*>(&replacing), static_cast<void*>(nullptr)})
+         {static_cast<void*>(&adding), static_cast<void*>(&replacing), static_cast<void*>(nullptr)})
         world.Session().Announce(NOTIFY_FILE_PRE_OPEN, kind);
     EXPECT_EQ(Taken(), (Calls{"reset", "reset"}));
 }

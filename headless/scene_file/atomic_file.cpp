@@ -1,0 +1,83 @@
+#include "scene_file/atomic_file.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <random>
+#include <system_error>
+
+#include "platform/replace_file.h"
+#include "scene_file/scene_file.h"
+
+namespace headless {
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void Fail(const std::string& path, const std::string& reason) {
+    throw SceneFileError(path + ": the file cannot be written: " + reason);
+}
+
+// Only files are replaced, and one that a link leads to where it stands.
+std::string PlaceOf(const std::string& path) {
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (fs::exists(status) && !fs::is_regular_file(status)) Fail(path, "it is no plain file");
+    if (!fs::exists(status)) return path;
+    const fs::path place = fs::canonical(path, error);
+    return error ? path : place.string();
+}
+
+std::string Hexadecimal(unsigned number) {
+    char text[16];
+    std::snprintf(text, sizeof text, "%08x", number);
+    return text;
+}
+
+// A new file in the folder of `place`, under a name that nobody has. Names that a process left
+// behind when it was killed are passed over.
+std::string NewFileBeside(const std::string& place, const std::string& path) {
+    constexpr int kAttempts = 100;
+    std::random_device random;
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+        const fs::path name =
+            fs::path(place).replace_filename("." + Hexadecimal(random()) + ".saving");
+        errno = 0;
+        if (std::FILE* const file = std::fopen(name.string().c_str(), "wbx")) {
+            std::fclose(file);
+            return name.string();
+        }
+        if (errno != EEXIST) break;
+    }
+    Fail(path, std::generic_category().message(errno));
+}
+
+}  // namespace
+
+AtomicFile::AtomicFile(const std::string& path)
+    : path_(path), place_(PlaceOf(path)), written_(NewFileBeside(place_, path)), sink_(written_) {}
+
+AtomicFile::~AtomicFile() {
+    std::error_code ignored;
+    if (!written_.empty()) fs::remove(written_, ignored);
+}
+
+void AtomicFile::Close() {
+    if (!sink_.Close()) FailToWrite();
+}
+
+// The new file is as open to others as the old one was.
+void AtomicFile::TakePlace() {
+    std::error_code error;
+    const fs::file_status old = fs::status(place_, error);
+    if (fs::exists(old)) fs::permissions(written_, old.permissions(), error);
+    const std::string reason = platform::ReplaceFile(written_, place_);
+    if (!reason.empty()) Fail(path_, reason);
+    written_.clear();
+}
+
+void AtomicFile::FailToWrite() const {
+    Fail(path_, sink_.Failure().empty() ? "the bytes do not come back" : sink_.Failure());
+}
+
+}  // namespace headless
