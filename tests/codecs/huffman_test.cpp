@@ -44,7 +44,7 @@ Bytes With(Bytes bytes, std::size_t at, std::uint8_t value) {
     return bytes;
 }
 
-// The deepest tree there is: each leaf as frequent as all before it together.
+// A deep tree: each leaf is as frequent as all before it together.
 Table Doubling(std::uint8_t symbols) {
     Table table = {{0, 1}};
     for (std::uint8_t i = 1; i < symbols; ++i)
@@ -130,10 +130,10 @@ TEST(Huffman, TakesTheTableAsItStands) {
 }
 
 TEST(Huffman, FollowsTheLongestCodes) {
-    // 31 symbols: the rarest takes 30 bits, all of them 0.
-    EXPECT_EQ(Decompressed(Stream(1, Doubling(31), {0, 0, 0, 0})), Bytes{0});
-    EXPECT_EQ(Decompressed(Stream(1, Doubling(31), {0, 0, 0})), Bytes());
-    EXPECT_EQ(Decompressed(Stream(1, Doubling(31), {0, 0, 0, 0x20})), Bytes{1});
+    // 31 symbols: the rarest two take 30 bits, which differ in the last one.
+    EXPECT_EQ(Decompressed(Stream(1, Doubling(31), {0xFF, 0xFF, 0xFF, 0x1F})), Bytes{0});
+    EXPECT_EQ(Decompressed(Stream(1, Doubling(31), {0xFF, 0xFF, 0xFF, 0x3F})), Bytes{1});
+    EXPECT_EQ(Decompressed(Stream(1, Doubling(31), {0xFF, 0xFF, 0xFF})), Bytes());
 }
 
 }  // namespace

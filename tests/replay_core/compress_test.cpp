@@ -1,0 +1,50 @@
+#include "replay_core/state/compress.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "tvl/base64_buffer.h"
+#include "tvl/huffman_buffer.h"
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+Bytes Decompressed(const Bytes& bytes) {
+    return HuffmanBuffer(bytes.data(), static_cast<std::int32_t>(bytes.size())).Decompress();
+}
+
+// From one symbol to all 256, evenly spread or most of them rare.
+Bytes RandomData(std::mt19937& random) {
+    Bytes data(random() % 3000);
+    const std::uint32_t symbols = 1 + random() % 256;
+    const bool isSkewed = random() % 2 == 0;
+    for (std::uint8_t& byte : data)
+        byte = static_cast<std::uint8_t>(random() % (isSkewed ? 1 + random() % symbols : symbols));
+    return data;
+}
+
+TEST(Compress, ComesBackWhateverTheDataIs) {
+    std::mt19937 random(6);
+    for (int round = 0; round < 300; ++round) {
+        const Bytes data = RandomData(random);
+        ASSERT_EQ(Decompressed(replay::Compress(data)), data) << "round " << round;
+    }
+    EXPECT_EQ(Decompressed(replay::Compress(Bytes(100'000, 'x'))), Bytes(100'000, 'x'));
+}
+
+TEST(Compress, PacksAnElementWithTheByteThatEndsIt) {
+    XMLNode element("TVL_Plugin", std::string(5000, 'a') + "b");
+    const std::string packed = replay::PackedText(element);
+    EXPECT_LT(packed.size(), 1500U);
+    const std::string text = element.Write();
+    Bytes expected(text.begin(), text.end());
+    expected.push_back(0);
+    EXPECT_EQ(Decompressed(Base64Buffer(packed).Bytes()), expected);
+}
+
+}  // namespace
