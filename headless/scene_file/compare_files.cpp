@@ -85,7 +85,6 @@ class Comparison {
         CompareNumber(place, "current tick", a.time, b.time);
         CompareNumber(place, "first tick of the range", a.range.Start(), b.range.Start());
         CompareNumber(place, "last tick of the range", a.range.End(), b.range.End());
-        CompareNumber(place, "last handle", a.lastHandle, b.lastHandle);
     }
 
     void CompareNodes() {

@@ -69,12 +69,12 @@ struct SceneDifference {
 };
 
 // The key that a keyframe controller of the plug-in has cached last. Evaluating moves it, so it
-// tells nothing, unless it is the only value that the controller has.
+// tells nothing, unless it is the only one that the controller has; of that one the value counts.
 enum class CachedKeys { kLeftOut, kCompared };
 
-// Empty for two files of the same scene. Nodes are the same if handle and name agree, else if their
-// names and those of all their parents do, else if their handles do. Objects are compared along the
-// references of their nodes.
+// Empty for two files of the same scene, of which the counter that new handles come from is no
+// part. Nodes are the same if handle and name agree, else if their names and those of all their
+// parents do, else if their handles do. Objects are compared along the references of their nodes.
 HEADLESS_API std::vector<SceneDifference> CompareSceneFiles(const std::string& first,
                                                             const std::string& second,
                                                             CachedKeys cachedKeys);

@@ -60,8 +60,8 @@ HEADLESS_API std::vector<std::string> MapDirectories();
 // Stands for the state of the scene: two scenes that differ in a node, a link, a name, a property,
 // the selection, the animation range or in anything that a controller or an object saves have
 // different digests, but for a chance of 2^-64. Left out are the current time, the counter that new
-// handles come from, and the cached key of the plug-in's two keyframe controllers while they have
-// keys, because these move without any change of the scene.
+// handles come from, and the cached key of the plug-in's two keyframe controllers, of which the
+// value counts while they have no other, because these move without any change of the scene.
 HEADLESS_API std::uint64_t SceneDigest();
 
 // What is alive in this process.
