@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -139,6 +141,24 @@ TEST_F(SceneCommand, BrokenScenesAreRefusedInOneLineThatNamesThem) {
     EXPECT_EQ(Read(scene), whole);
 }
 
+// The host's own controllers keep a pose in parts, each rounded for itself.
+void ExpectCloseRows(std::string rows, std::string expected) {
+    constexpr double kRounding = 1e-6;
+    std::ranges::replace(rows, '\n', ',');
+    std::ranges::replace(expected, '\n', ',');
+    std::istringstream found(rows);
+    std::istringstream wanted(expected);
+    std::string a;
+    std::string b;
+    while (std::getline(found, a, ',') && std::getline(wanted, b, ',')) {
+        if (a == b) continue;
+
+        EXPECT_NEAR(std::strtod(a.c_str(), nullptr), std::strtod(b.c_str(), nullptr), kRounding);
+    }
+    EXPECT_EQ(std::count(rows.begin(), rows.end(), ','),
+              std::count(expected.begin(), expected.end(), ','));
+}
+
 TEST_F(SceneCommand, SamplesAreThePosesInCoreSpaceAlsoAfterConversion) {
     const std::string scene = File("scene");
     Do("record '" + Write("a,\"b.bvh", Walk(11)) + "' --scale 1 --scene " + scene);
@@ -151,7 +171,7 @@ TEST_F(SceneCommand, SamplesAreThePosesInCoreSpaceAlsoAfterConversion) {
     Do("convert " + scene + " --save " + File("plain"));
     for (const headless::NodeInFile& node : headless::ViewSceneFile(File("plain")).nodes)
         EXPECT_EQ(node.controller.id, Class_ID(0x2005, 0)) << node.name;
-    EXPECT_EQ(Do("sample " + File("plain") + hip + " --times 0:0.5:0.25"), rows);
+    ExpectCloseRows(Do("sample " + File("plain") + hip + " --times 0:0.5:0.25"), rows);
     ExpectFailure(Run("sample " + scene + " --node absent --times 0:1:1"),
                   "no node of the Core's is called \"absent\"");
     ExpectFailure(Run("sample " + scene + " --times 0:1e9:1"), "LUMISET_SAMPLE: expected");
