@@ -1,0 +1,58 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "headless/primitives.h"
+#include "headless/scene_view.h"
+#include "headless/session.h"
+#include "host/interface.h"
+#include "scene_file/odd_classes.h"
+
+// A folder, and a host in it that comes and goes.
+class FileWorld : public testing::Test {
+  protected:
+    enum class Classes { kKnown, kMissing };
+
+    FileWorld() : folder_(MakeFolder()) { odd::Utility::text = "of the utility"; }
+    ~FileWorld() override {
+        End();
+        odd::saving = odd::loading = odd::Manner::kGood;
+        std::filesystem::remove_all(folder_);
+    }
+
+    headless::Session& Start(Classes classes, const headless::SessionSettings& settings = {}) {
+        End();
+        session_ = std::make_unique<headless::Session>(settings);
+        if (classes == Classes::kKnown) odd::Register(*session_);
+        session_->Start();
+        return *session_;
+    }
+
+    void End() {
+        if (!session_) return;
+        session_.reset();
+        EXPECT_EQ(headless::TakeCensus().objectCount, 0U);
+        EXPECT_EQ(headless::TakeCensus().heapBlocks, 0U);
+    }
+
+    std::string File(const std::string& name) const { return (folder_ / name).string(); }
+    static std::string Bytes(const std::string& path);
+    static void WriteBytes(const std::string& path, const std::string& bytes);
+    std::size_t FilesInFolder() const;
+
+    // Nodes of every kind of object and controller, odd ones among them, with everything that a
+    // scene file keeps.
+    void BuildScene();
+
+    headless::Session& Host() { return *session_; }
+
+  private:
+    static std::filesystem::path MakeFolder();
+
+    std::filesystem::path folder_;
+    std::unique_ptr<headless::Session> session_;
+};

@@ -1,0 +1,201 @@
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <random>
+
+#include "headless/copies.h"
+#include "headless/scene_file_view.h"
+#include "scene_file/file_world.h"
+
+namespace {
+
+class SceneFile : public FileWorld {
+  protected:
+    // The scene that is there, saved; its bytes.
+    std::string Save(const std::string& name) {
+        EXPECT_EQ(Host().SaveScene(File(name)).error, "");
+        return Bytes(File(name));
+    }
+
+    std::string SaveBuilt() {
+        Start(Classes::kKnown);
+        BuildScene();
+        return Save("built");
+    }
+
+    void Open(const std::string& name, std::size_t complaints = 0) {
+        const headless::FileOutcome outcome = Host().OpenScene(File(name));
+        EXPECT_EQ(outcome.error, "");
+        EXPECT_EQ(outcome.complaints.size(), complaints);
+    }
+};
+
+TEST_F(SceneFile, ComesBackToTheByteWithAndWithoutItsClasses) {
+    headless::SessionSettings settings = headless::WithUnitsPerMetre(40);
+    settings.frameRate = 25;
+    Start(Classes::kKnown, settings);
+    BuildScene();
+    const std::string built = Save("built");
+    const std::uint64_t digest = headless::SceneDigest();
+    const auto nextHandle = [] {
+        return GetCOREInterface()->CreateObjectNode(headless::NewSphere(1, 4))->GetHandle();
+    };
+    const std::uint32_t next = nextHandle();
+
+    for (const Classes classes : {Classes::kKnown, Classes::kMissing}) {
+        Start(classes);
+        odd::Utility::text.clear();
+        Open("built");
+        EXPECT_EQ(headless::SceneDigest(), digest);
+        EXPECT_EQ(odd::Utility::text, classes == Classes::kKnown ? "of the utility" : "");
+        EXPECT_EQ(Save("again"), built);
+        EXPECT_EQ(headless::FindNode("late")->GetParentNode(), headless::FindNode("Hip"));
+        EXPECT_EQ(nextHandle(), next);
+    }
+    // What stands in is copied like anything else.
+    INodeTab nodes;
+    INode* odd = headless::FindNode("");
+    nodes.Append(1, &odd);
+    ASSERT_TRUE(GetCOREInterface()->CloneNodes(nodes, {}, false, NODE_COPY, nullptr, nullptr));
+    Save("copied");
+    Start(Classes::kKnown);
+    Open("copied");
+    auto* copy = dynamic_cast<odd::Helper*>(headless::FindNode("01")->GetObjectRef());
+    ASSERT_NE(copy, nullptr);
+    EXPECT_EQ(copy->text, "of the helper");
+    EXPECT_EQ(copy->GetReference(0), headless::FindNode("late"));
+}
+
+TEST_F(SceneFile, CutOrChangedAnywhereIsRefusedWithItsNameAndTheByte) {
+    const std::string built = SaveBuilt();
+    Start(Classes::kMissing);
+    GetCOREInterface()->CreateObjectNode(headless::NewSphere(1, 4));
+    const std::uint64_t digest = headless::SceneDigest();
+    const std::string place = File("damaged") + ": at byte ";
+    const auto expectRefused = [&](const std::string& bytes, std::size_t at) {
+        WriteBytes(File("damaged"), bytes);
+        const std::string error = Host().OpenScene(File("damaged")).error;
+        EXPECT_TRUE(error.starts_with(place)) << at << ": " << error;
+        EXPECT_EQ(error.find('\n'), std::string::npos);
+    };
+    for (std::size_t at = 0; at < built.size(); ++at) {
+        expectRefused(built.substr(0, at), at);
+        for (const int change : {1, 0x80, 0xFF}) {
+            std::string changed = built;
+            changed[at] = static_cast<char>(changed[at] ^ change);
+            expectRefused(changed, at);
+        }
+    }
+    expectRefused(built + '\0', built.size());
+    EXPECT_EQ(headless::SceneDigest(), digest);
+    EXPECT_EQ(Host().OpenScene(File("none")).error.find(File("none")), 0U);
+}
+
+TEST_F(SceneFile, IsUntouchedAndAloneAfterASaveThatFailed) {
+    const std::string built = SaveBuilt();
+    const auto expectFailed = [&](const std::string& path, const char* why) {
+        const std::string error = Host().SaveScene(path).error;
+        EXPECT_TRUE(error.starts_with(path + ": ")) << why << error;
+        EXPECT_EQ(Bytes(File("built")), built) << why;
+        EXPECT_EQ(FilesInFolder(), 1U) << why;
+    };
+    odd::saving = odd::Manner::kThrowing;
+    expectFailed(File("built"), "a utility throws");
+    odd::saving = odd::Manner::kFailing;
+    expectFailed(File("built"), "a utility fails");
+    odd::Utility::text.clear();
+    expectFailed(File("built"), "an object fails");
+    odd::saving = odd::Manner::kGood;
+    expectFailed(File(""), "the place is a folder");
+    expectFailed(File("none/built"), "there is no such folder");
+
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit full{built.size() / 2, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &full);
+    expectFailed(File("built"), "the disk is full");
+    setrlimit(RLIMIT_FSIZE, &before);
+}
+
+TEST_F(SceneFile, KeepsWhatDidNotLoadAndBoundsWhatIsBadlyNested) {
+    SaveBuilt();
+    odd::saving = odd::Manner::kBadNesting;
+    const std::string nested = Save("nested");
+    for (const odd::Manner manner : {odd::Manner::kFailing, odd::Manner::kThrowing}) {
+        odd::loading = manner;
+        Start(Classes::kKnown);
+        odd::Utility::text.clear();
+        Open("nested", 3);
+        EXPECT_EQ(dynamic_cast<odd::Helper*>(headless::FindNode("")->GetObjectRef()), nullptr);
+        EXPECT_EQ(Save("again"), nested);
+    }
+}
+
+TEST_F(SceneFile, MergesUnderNewHandlesWithEverythingThatBelongsToIt) {
+    const std::string built = SaveBuilt();
+    const std::size_t count = headless::Nodes().size();
+    const std::uint32_t last = headless::FindNode("")->GetHandle();
+    Start(Classes::kMissing);
+    Open("built");
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(Host().MergeScene(File("built")).error, "");
+    Save("merged");
+    Start(Classes::kKnown);
+    Open("merged");
+    const std::vector<headless::NodeView> nodes = headless::Nodes();
+    ASSERT_EQ(nodes.size(), 3 * count);
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+        EXPECT_EQ(nodes[i].name, nodes[i % count].name);
+        EXPECT_EQ(nodes[i].selected, i >= 2 * count);
+        EXPECT_EQ(nodes[i].handle > last, i >= count);
+        if (nodes[i].name.empty()) {
+            INode* node = GetCOREInterface()->GetINodeByHandle(nodes[i].handle);
+            auto* helper = dynamic_cast<odd::Helper*>(node->GetObjectRef());
+            ASSERT_NE(helper, nullptr);
+            auto* late = dynamic_cast<INode*>(helper->GetReference(0));
+            INode* const hip = node->GetParentNode()->GetParentNode();
+            EXPECT_EQ(late->GetParentNode(), hip);
+            EXPECT_EQ(node->GetTMController()->GetReference(1), hip->GetTMController());
+            EXPECT_EQ(hip->GetObjectRef(), node->GetParentNode()->GetObjectRef());
+        }
+    }
+    for (const headless::SessionSettings& other :
+         {headless::WithUnitsPerMetre(7), headless::SessionSettings{.frameRate = 24}}) {
+        Start(Classes::kKnown, other);
+        EXPECT_TRUE(Host().MergeScene(File("built")).error.starts_with(File("built")));
+        EXPECT_TRUE(headless::Nodes().empty());
+    }
+}
+
+// A process is killed while it saves one scene over the other, and over again.
+TEST_F(SceneFile, IsOneOrTheOtherHoweverASaveIsKilled) {
+    const std::string built = SaveBuilt();
+    Host().Select({});
+    const std::string other = Save("other");
+    ASSERT_NE(built, other);
+    std::minstd_rand random(1);
+    for (int round = 0; round < 100; ++round) {
+        const pid_t child = fork();
+        if (child == 0) {
+            for (bool selected = true;; selected = !selected) {
+                Host().Select(selected ? std::vector<std::string>{"Hip", "line"}
+                                       : std::vector<std::string>{});
+                if (!Host().SaveScene(File("built")).error.empty()) _exit(1);
+            }
+        }
+        usleep(static_cast<useconds_t>(random() % 20000));
+        kill(child, SIGKILL);
+        int status = 0;
+        waitpid(child, &status, 0);
+        EXPECT_TRUE(WIFSIGNALED(status));
+        const std::string now = Bytes(File("built"));
+        EXPECT_TRUE(now == built || now == other) << round;
+    }
+    Open("built");
+    EXPECT_EQ(Save("built"), Bytes(File("built")));
+}
+
+}  // namespace
