@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <limits>
+#include <optional>
 #include <utility>
 
+#include "control/keyframe_chunk.h"
 #include "host/control.h"
 #include "host/object.h"
 
@@ -125,6 +126,16 @@ class ControlStandIn final : public StandIn<Control> {
         if (method == CTRL_ABSOLUTE) *static_cast<Value*>(value) = Value();
     }
     void SetValue(TimeValue, void*, int, GetSetMethod) override {}
+
+    // The plug-in's keyframes can be told without it.
+    int NumKeys() override { return keys_ ? static_cast<int>(keys_->Count()) : 0; }
+    TimeValue GetKeyTime(int index) override {
+        return index >= 0 && index < NumKeys() ? keys_->Time(static_cast<std::size_t>(index)) : 0;
+    }
+
+  private:
+    std::optional<KeyframeChunk> keys_ =
+        IsKeyframes(this->ClassID()) ? KeyframeChunk::In(Bytes()) : std::nullopt;
 };
 
 }  // namespace
