@@ -1,0 +1,48 @@
+#include "fuzzed_world.h"
+#include "headless/primitives.h"
+
+namespace {
+
+ReferenceTarget* NewControl(SClass_ID superClass, Class_ID id) {
+    void* const made = GetCOREInterface()->CreateInstance(superClass, id);
+    return static_cast<ReferenceTarget*>(static_cast<Animatable*>(made));
+}
+
+ReferenceTarget* NewObject(std::uint8_t kind) {
+    switch (kind % 6) {
+        case 0:
+            return NewControl(CTRL_FLOAT_CLASS_ID, kLinearFloatClassId);
+        case 1:
+            return NewControl(CTRL_MATRIX3_CLASS_ID, kPositionRotationScaleClassId);
+        case 2:
+            return GetCOREInterface()->CreateCameraObject(0);
+        case 3:
+            return CreateNewTriObject();
+        case 4:
+            return headless::NewPolylines({});
+        default:
+            return headless::NewSphere(1, 3);
+    }
+}
+
+// Asks an object for its shape.
+void Show(ReferenceTarget& target) {
+    auto* const object = dynamic_cast<Object*>(&target);
+    if (!object) return;
+    Box3 box;
+    object->GetLocalBoundBox(0, nullptr, nullptr, box);
+    Object* const mesh = object->ConvertToType(0, kTriObjectClassId);
+    if (mesh && mesh != object) mesh->DeleteThis();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size == 0) return 0;
+    FuzzedWorld::Get();
+    ReferenceTarget* const object = NewObject(data[0]);
+    LoadAndSave(*object, AsBytes(data + 1, size - 1));
+    Show(*object);
+    object->DeleteMe();
+    return 0;
+}
