@@ -1,7 +1,7 @@
 #include "persistence/scene/tagged_nodes.h"
 
-#include <ranges>
 #include <utility>
+#include <vector>
 
 #include "persistence/scene/state_format.h"
 
@@ -17,8 +17,9 @@ INode* TaggedNodeList::Find(std::string_view pluginName, std::string_view object
     if (plugin == byPluginName_.end()) return nullptr;
     const auto object = plugin->second.find(objectName);
     if (object == plugin->second.end()) return nullptr;
-    for (const TaggedNode* node : object->second | std::views::reverse) {
-        if (INode* const host = node->hostNode.Get()) return host;
+    const std::vector<const TaggedNode*>& nodes = object->second;
+    for (auto node = nodes.rbegin(); node != nodes.rend(); ++node) {
+        if (INode* const host = (*node)->hostNode.Get()) return host;
     }
     return nullptr;
 }
