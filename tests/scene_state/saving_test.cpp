@@ -20,10 +20,16 @@ TEST_F(Saving, TagsEachNodeWithItsNamesAndTheFirstOneWithTheOwnersState) {
     rig.parts = {Master("Rig"), Master("Hand", "Rig", "0")};
     TVL::CoreNode* const gone = Helper(rig, "Gone");
     Helper(rig, "Hip");
+    StoredPlugin camera("Camera");
+    camera.parts = {Master("Camera")};
+    TVL::CoreNode* const lens = Helper(camera, "Lens");
     Helper(other, "Prop");
     Helper(rig, "a\nb");
     GetCOREInterface()->DeleteNode(headless::FindNode("Rig_Gone"));
-    rig.onAsked = [this] { Helper(rig, "Late"); };
+    rig.onAsked = [&] {
+        Helper(rig, "Late");
+        gone->Destroy();
+    };
 
     StoreSceneState();
     EXPECT_EQ(rig.timesAsked, 1);
@@ -34,11 +40,14 @@ TEST_F(Saving, TagsEachNodeWithItsNamesAndTheFirstOneWithTheOwnersState) {
               "<TVL_tag><name>Rig</name><objectname>a&#10;b</objectname></TVL_tag>");
     EXPECT_EQ(TagOf(headless::FindNode("Rig_Late")), Tag("Rig", "Late"));
     EXPECT_EQ(TagOf(headless::FindNode("Other_Prop")), "no tag");
+    EXPECT_EQ(TagOf(headless::FindNode("Camera_Lens")),
+              "<TVL_tag><name>Camera</name><objectname>Lens</objectname>" + Master("Camera") +
+                  "</TVL_tag>");
 
     ClearNodeTags();
     EXPECT_EQ(TagOf(headless::FindNode("Rig_Hip")), "");
     EXPECT_EQ(TagOf(headless::FindNode("Other_Prop")), "");
-    gone->Destroy();
+    lens->Delete(true);
 }
 
 TEST_F(Saving, BringsNamesOfAnyBytesBack) {

@@ -23,9 +23,9 @@ bool CarriesTag(CMAXNode& node) {
     return node.Owner() && node.HostNode() && !node.IsSnapshot();
 }
 
-// An owner may create, delete or merge nodes while it answers.
-OwnerStates AskOwners() {
-    OwnerStates states;
+// False if there is no owner in the list that has not been asked yet.
+bool AskNewOwners(OwnerStates& states) {
+    bool isAnyNew = false;
     const std::vector<CMAXNode*>& nodes = AdaptorNodes().nodes;
     for (std::size_t index = 0; index < nodes.size(); ++index) {
         CMAXNode& node = *nodes[index];
@@ -33,9 +33,19 @@ OwnerStates AskOwners() {
         TVL::CoreElement* const owner = node.Owner();
         const auto [entry, isNew] = states.try_emplace(owner);
         if (!isNew) continue;
+        isAnyNew = true;
         XMLNode parts = Element("masternodes");
         owner->HandleExtension(kSavingExtension, &parts);
         entry->second.parts.Swap(parts);
+    }
+    return isAnyNew;
+}
+
+// An owner may create, delete or merge nodes while it answers. What moves in the list then can slip
+// past one walk, so they go on until one meets nobody new.
+OwnerStates AskOwners() {
+    OwnerStates states;
+    while (AskNewOwners(states)) {
     }
     return states;
 }
