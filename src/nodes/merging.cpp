@@ -52,11 +52,18 @@ std::vector<HostNodeLink> GatherSelection(Interface& host, TVL::Log& log) {
     return selected;
 }
 
+// Empty if it is longer than the buffer, of which nothing can be read then.
+std::string CurrentDirectory() {
+    std::array<char, kDirectoryCapacity> buffer{};
+    const DWORD length = GetCurrentDirectoryA(kDirectoryCapacity, buffer.data());
+    return std::string(buffer.data(), length < kDirectoryCapacity ? length : 0);
+}
+
 void AddCurrentDirectory(TVL::Log& log) {
-    std::array<char, kDirectoryCapacity> directory{};
-    GetCurrentDirectoryA(kDirectoryCapacity, directory.data());
-    log.WriteValue("Adding map dir", directory.data());
-    IPathConfigMgr::GetPathConfigMgr()->AddSessionMapDir(directory.data(), false);
+    const std::string directory = CurrentDirectory();
+    log.WriteValue("Adding map dir", directory);
+    if (directory.empty()) return;
+    IPathConfigMgr::GetPathConfigMgr()->AddSessionMapDir(directory.c_str(), false);
 }
 
 // The one place where the host throws.
