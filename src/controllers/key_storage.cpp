@@ -42,15 +42,28 @@ void SortByTime(std::vector<TarvoKey<T>>& keys) {
     keys.erase(keys.begin(), kept.base());
 }
 
+// Room for the next key. The announced number is believed once a third of so many keys are there;
+// from then on nothing is moved any more, so that one long table never stands in memory twice.
+template <class T>
+void MakeRoom(std::vector<TarvoKey<T>>& keys, std::size_t announced) {
+    constexpr std::size_t kFirstKeys = 16;
+    if (keys.size() < keys.capacity()) return;
+    const bool isBelieved = keys.size() >= announced / 3;
+    const std::size_t grown = keys.size() + keys.size() / 2 + kFirstKeys;
+    keys.reserve(isBelieved ? std::max(announced, keys.size() + 1) : grown);
+}
+
 template <class T>
 void ReadRecords(ILoad& load, KeyTable<T>& table) {
     std::int32_t count = 0;
     if (!ReadNumber(load, kFormatVersion) || !ReadNumber(load, sizeof(TarvoKey<T>)) ||
         !Read(load, count))
         return;
+    const std::size_t announced = table.keys.size() + static_cast<std::size_t>(std::max(count, 0));
     TarvoKey<T> key;
     for (std::int32_t i = 0; i < count; ++i) {
         if (!Read(load, key)) return;
+        MakeRoom(table.keys, announced);
         table.keys.push_back(key);
     }
     Read(load, table.currentKey);
