@@ -64,7 +64,7 @@ void AddDiffVerb(CLI::App& app) {
     verb->add_flag("--cached-keys", words->cachedKeys,
                    "Compare also the keys that controllers cache, which evaluation moves");
     verb->add_flag("--json", words->json, "Print the result as one JSON object");
-    AddExample(*verb, "diff take.scene take.scene");
+    AddExample(*verb, "diff build/demo/take.scene build/demo/again.scene");
     verb->callback([words] { Run(*words); });
 }
 

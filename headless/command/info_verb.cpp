@@ -33,7 +33,7 @@ void AddInfoVerb(CLI::App& app) {
     verb->add_option("SCENE", words->options.scene, "Scene file")->required();
     AddCompanyOptions(*verb, words->company);
     verb->add_flag("--json", words->json, "Print the result as one JSON object");
-    AddExample(*verb, "info take.scene");
+    AddExample(*verb, "info build/demo/take.scene");
     verb->callback([words] { Run(*words); });
 }
 

@@ -1,6 +1,7 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
+#include <string>
 
 #include "command/exit_status.h"
 #include "command/verbs.h"
@@ -25,8 +26,11 @@ int Run(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? headless::kDone : headless::kWrongUsage;
+        if (error.get_exit_code() == 0) return app.exit(error);
+        throw headless::Failure(std::string(error.what()) + " (--help tells more)",
+                                headless::kWrongUsage);
     }
+    if (!std::cout.flush()) throw headless::Failure("the output cannot be written");
     return headless::kDone;
 }
 

@@ -30,7 +30,8 @@ void AddOpenVerb(CLI::App& app) {
     CLI::App* verb =
         app.add_subcommand("open", "Open a scene, and tell what the Core finds in it.");
     verb->add_option("SCENE", words->scene, "Scene file")->required();
-    verb->add_option("--save", words->save, "Save the scene as it is then");
+    verb->add_option("--save", words->save, "Save the scene as it is then")
+        ->check(CheckFileName, "FILE");
     AddCompanyOptions(*verb, words->company);
     verb->add_flag("--json", words->json, "Print the result as one JSON object");
     AddExample(*verb, "open build/demo/take.scene --save build/demo/again.scene");

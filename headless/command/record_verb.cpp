@@ -43,14 +43,16 @@ void AddRecordVerb(CLI::App& app) {
     const auto words = std::make_shared<Words>();
     RecordOptions& options = words->options;
     CLI::App* verb = app.add_subcommand("record", "Record motion captures into a new scene.");
-    verb->add_option("CAPTURE", options.captures, "Motion capture files (.bvh)")->required();
+    verb->add_option("CAPTURE", options.captures, "Motion capture files (.bvh)")
+        ->required()
+        ->check(CheckFileName, "FILE");
     verb->add_option("--scale", options.metresPerUnit, "Metres in a unit of the captures")
         ->check(CheckSize, "ABOVE 0")
         ->capture_default_str();
     verb->add_option("--units", options.hostUnitsPerMetre, "Host units in a metre")
         ->check(CheckSize, "ABOVE 0")
         ->capture_default_str();
-    verb->add_option("--scene", options.scene, "Save the scene");
+    verb->add_option("--scene", options.scene, "Save the scene")->check(CheckFileName, "FILE");
     verb->add_option("--poses", options.poses, "Write what `sample` says of each frame");
     verb->add_option("--csv", options.csv,
                      "Write where each joint was in each frame (of one capture)");

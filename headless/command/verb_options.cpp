@@ -11,6 +11,10 @@ void AddExample(CLI::App& verb, const std::string& words) {
         words);
 }
 
+std::string CheckFileName(const std::string& text) {
+    return text.empty() ? "the name of a file is empty" : "";
+}
+
 Company CompanyWords::Chosen() const {
     if (noPlugin) return Company::kNobody;
     return noCore ? Company::kPluginAlone : Company::kPluginAndCore;

@@ -23,6 +23,9 @@ struct CompanyWords {
     Company Chosen() const;
 };
 
+// Empty, or what is wrong with the name of a file.
+std::string CheckFileName(const std::string& text);
+
 void AddCompanyOptions(CLI::App& verb, CompanyWords& words);
 
 }  // namespace headless
