@@ -23,7 +23,7 @@ class Composite_Dynamic {
         while (!children.empty()) {
             T* const child = children.back();
             child->OnParentDestroyed();
-            if (IsChild(child)) child->Leave();
+            Drop(child);
         }
     }
 
@@ -49,14 +49,19 @@ class Composite_Dynamic {
         return std::find_if(children.rbegin(), children.rend(),
                             [child](const Composite_Dynamic* each) { return each == child; });
     }
-    bool IsChild(const Composite_Dynamic* child) { return Find(child) != children.rend(); }
+
+    // Whoever is no child of this object, or is none any more, stays as it is.
+    void Drop(Composite_Dynamic* child) {
+        if (Find(child) == children.rend()) return;
+        child->OnDetached();
+        const auto place = Find(child);
+        if (place == children.rend()) return;
+        children.erase(std::prev(place.base()));
+        child->parent = nullptr;
+    }
 
     void Leave() {
-        if (parent && parent->IsChild(this)) {
-            OnDetached();
-            const auto place = parent->Find(this);
-            if (place != parent->children.rend()) parent->children.erase(std::prev(place.base()));
-        }
+        if (parent) parent->Drop(this);
         parent = nullptr;
     }
 };

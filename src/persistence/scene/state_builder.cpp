@@ -4,6 +4,8 @@
 #include <memory>
 #include <vector>
 
+#include "persistence/xml/xml_child.h"
+
 namespace {
 
 struct Step {
@@ -19,7 +21,8 @@ std::vector<const StateBuilder*> InOrder(const std::vector<StateBuilder*>& child
 
 }  // namespace
 
-// Plug-ins can be nested deep, so nothing recurses.
+// Plug-ins can be nested deep, so nothing recurses. One without an element leaves its place to what
+// is below it.
 XMLNode StateBuilder::Build() const {
     XMLNode built = element;
     std::vector<Step> pending = {{this, &built}};
@@ -27,8 +30,9 @@ XMLNode StateBuilder::Build() const {
         const Step step = pending.back();
         pending.pop_back();
         for (const StateBuilder* child : InOrder(step.builder->children)) {
-            step.target->children.push_back(std::make_unique<XMLNode>(child->element));
-            pending.push_back({child, step.target->children.back().get()});
+            XMLNode& target =
+                AppendXMLChild(*step.target, std::make_unique<XMLNode>(child->element));
+            pending.push_back({child, &target});
         }
     }
     return built;
