@@ -7,6 +7,12 @@
 class ScriptError : public std::runtime_error {
   public:
     ScriptError(const std::string& file, int line, const std::string& message)
-        : std::runtime_error(file + (line > 0 ? ":" + std::to_string(line) : "") + ": " + message) {
+        : std::runtime_error(Place(file, line) + ": " + message) {}
+
+  private:
+    static std::string Place(const std::string& file, int line) {
+        std::string place = file;
+        if (line > 0) place.append(":").append(std::to_string(line));
+        return place;
     }
 };
