@@ -13,8 +13,8 @@ INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)
 PLUGIN = [["foundation"], ["persistence/xml"], ["persistence/codecs"], ["resources"], ["core_link"],
           ["measures"], ["undo"], ["controllers"], ["objects"], ["nodes"], ["persistence/scene"],
           ["adaptor"], ["plugin"]]
-HOST = [["values"], ["storage"], ["references"], ["hold"], ["control", "objects"], ["scene"],
-        ["classes"], ["scene_file"], ["ui"], ["session"], ["command"]]
+HOST = [["values"], ["storage"], ["references"], ["hold"], ["drawing"], ["control", "objects"],
+        ["scene"], ["classes"], ["scene_file"], ["ui"], ["viewport"], ["session"], ["command"]]
 
 # Part of the house: its folder, its floors, and the contracts that it may include.
 PARTS = [

@@ -58,6 +58,9 @@ class SceneNode final : public INode, public std::enable_shared_from_this<SceneN
     void SetNodeTM(TimeValue t, const Matrix3& world) override;
     Matrix3 GetObjectTM(TimeValue t, Interval* valid) override { return GetNodeTM(t, valid); }
 
+    Material* Mtls() override { return &material_; }
+    int NumMtls() override { return 1; }
+
     void SetWireColor(std::uint32_t colour) override;
     std::uint32_t GetWireColor() override { return look_.wireColour; }
 
@@ -117,6 +120,7 @@ class SceneNode final : public INode, public std::enable_shared_from_this<SceneN
     Control* transform_ = nullptr;
     Object* object_ = nullptr;
     ObjectState evaluated_;
+    Material material_;
     bool selected_ = false;
     bool ownerless_ = false;  // on its way to be freed
 };

@@ -6,16 +6,43 @@
 #include "host/object.h"
 
 // Objects that a person draws with the host's own tools. Each is new, and the caller's until
-// Interface::CreateObjectNode puts it into the scene.
+// Interface::CreateObjectNode puts it into the scene. Places are in object space and host units.
 namespace headless {
 
-// One open curve through its points, in object space and host units.
-using Polyline = std::vector<Point3>;
+// A point of a curve with its two Bézier handles, as places. A segment between two knots whose
+// facing handles lie on them is a straight line.
+struct Knot {
+    Point3 in;
+    Point3 place;
+    Point3 out;
+};
+inline Knot Corner(const Point3& place) {
+    return {place, place, place};
+}
 
+struct Spline {
+    std::vector<Knot> knots;
+    bool isClosed = false;  // a last segment leads back to the first knot
+};
+
+// Open curves of straight lines.
+using Polyline = std::vector<Point3>;
 HEADLESS_API ShapeObject* NewPolylines(std::vector<Polyline> curves);
 
-// A sphere around the object's origin, with `segments` faces around its equator (3 to 200). It
-// turns into a triangle mesh where it is asked for one.
+// A shape of curves. Where it is asked for a triangle mesh it becomes thin tubes along them.
+HEADLESS_API ShapeObject* NewSplines(std::vector<Spline> splines);
+
+// A sphere around the object's origin, with `segments` faces around its equator (3 to 1,024; the
+// last makes a million faces). It turns into a triangle mesh where it is asked for one.
 HEADLESS_API Object* NewSphere(float radius, int segments);
+
+// A square around the origin in the plane z = 0, looking up, as a triangle mesh of
+// 2 × divisions × divisions faces (divisions from 1 to 1,000).
+HEADLESS_API TriObject* NewGround(float side, int divisions);
+
+// What `base` shows, bent over its x axis: a straight line along z becomes an arc of
+// `degreesPerSecond` × seconds of scene time. It takes the base over. A base that is a triangle
+// mesh gives a triangle mesh at each time; any other is converted when it is asked for one.
+HEADLESS_API Object* NewBend(Object* base, float degreesPerSecond);
 
 }  // namespace headless

@@ -4,8 +4,11 @@
 #include <vector>
 
 #include "host/box3.h"
+#include "host/graphics_window.h"
 #include "host/host_api.h"
 #include "host/point3.h"
+#include "host/ray.h"
+#include "platform/win32.h"
 
 // A triangle: vertex indices, smoothing group, edges that show.
 class HOST_API Face {
@@ -52,6 +55,20 @@ class HOST_API Mesh {
 
     // Of the vertices, transformed first if there is a matrix.
     Box3 getBoundingBox(const Matrix3* matrix = nullptr) const;
+
+    // Non-zero: the ray hits a face, from either side. The nearest hit is `at` lengths of the
+    // ray's direction away, and `norm` is the unit normal of its face. After a miss both are as
+    // they were. Faces that name missing vertices are passed over, here and below.
+    int IntersectRay(const Ray& ray, float& at, Point3& norm) const;
+
+    // Draws as the window's limits, transform and colours say. No part is clipped away if `clip` is
+    // null. The result is 0.
+    int render(GraphicsWindow* window, Material* materials, RECT* clip, int components,
+               int materialCount = 1);
+
+    // Non-zero: as the window shows the mesh, some of it lies in the region.
+    int select(GraphicsWindow* window, Material* materials, HitRegion* region, int abortOnHit,
+               int materialCount = 1);
 
     std::vector<Point3> verts;
     std::vector<Face> faces;

@@ -42,6 +42,10 @@ class HOST_API INode : public ReferenceTarget {
     virtual void SetNodeTM(TimeValue t, const Matrix3& world) = 0;
     virtual Matrix3 GetObjectTM(TimeValue t, Interval* valid = nullptr) = 0;
 
+    // The materials of what it shows, the host's.
+    virtual Material* Mtls() = 0;
+    virtual int NumMtls() = 0;
+
     // Red in the low byte.
     virtual void SetWireColor(std::uint32_t colour) = 0;
     virtual std::uint32_t GetWireColor() = 0;

@@ -1,24 +1,19 @@
 #pragma once
 
 #include "host/box3.h"
+#include "host/graphics_window.h"
 #include "host/mesh.h"
 #include "host/reference.h"
 
 class INode;
 class Object;
-class ViewExp;
-
-// A place on the screen.
-struct IPoint2 {
-    int x = 0;
-    int y = 0;
-};
 
 // What an object has become at a time, after whatever modifies it.
 struct ObjectState {
     Object* obj = nullptr;
 };
 
+// A hit test answers 0 where nothing was hit. Display answers 0.
 class HOST_API BaseObject : public ReferenceTarget {
   public:
     virtual int HitTest(TimeValue t, INode* node, int type, int crossing, int flags, IPoint2* point,

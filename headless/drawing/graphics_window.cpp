@@ -1,0 +1,4 @@
+#include "host/graphics_window.h"
+
+GraphicsWindow::~GraphicsWindow() = default;
+ViewExp::~ViewExp() = default;

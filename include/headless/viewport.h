@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "headless/draw_list.h"
+#include "headless/headless_api.h"
+#include "host/graphics_window.h"
+#include "host/types.h"
+
+// The viewport: what a person sees of the running session's scene, and hits with the mouse. Visible
+// nodes draw themselves through `Display`, wire colours and selection as on the screen, over a
+// ground grid. Pixels come from a library of its own, headless_viewport, which lies beside the
+// program and is loaded when the first picture is asked for; all else works without it.
+namespace headless {
+
+struct ViewportSettings {
+    int width = 960;  // pixels, 16 to 8,192
+    int height = 540;
+    std::string camera;                  // look through the camera node of this name; if empty,
+    std::vector<TimeValue> framedTimes;  // from the front and above at all that shows at these
+                                         // times, at the drawn time if there are none
+    bool isWireframe = false;
+    bool showsNames = false;
+    bool showsGrid = true;
+};
+
+// Rows from top to bottom, three bytes (red, green, blue) a pixel.
+struct Picture {
+    int width = 0;
+    int height = 0;
+    std::vector<std::uint8_t> rgb;
+};
+
+// What the viewport draws at a time, in world space. The error is empty, or says in one line why
+// there is nothing: a camera that is not there, or a node of that name that is none.
+struct Drawing {
+    std::string error;
+    DrawList list;
+};
+HEADLESS_API Drawing DrawScene(const ViewportSettings& settings, TimeValue t);
+
+// The same as pixels. The result is empty, or says in one line why there is no picture.
+HEADLESS_API std::string DrawPicture(const ViewportSettings& settings, TimeValue t, Picture& into);
+
+// Pictures of one size side by side, row by row; `columns` is at least 1.
+HEADLESS_API Picture SideBySide(const std::vector<Picture>& pictures, int columns);
+
+// As a PNG file, which is complete or untouched. The result is empty, or says what went wrong.
+HEADLESS_API std::string WritePng(const Picture& picture, const std::string& path);
+
+// The nodes that the mouse hits, asked through `HitTest`, by handle in the order of Nodes(). A
+// point counts as hit within `epsilon` pixels; a rectangle has two points.
+HEADLESS_API std::vector<std::uint32_t> NodesHit(const ViewportSettings& settings, TimeValue t,
+                                                 const HitRegion& region);
+
+}  // namespace headless
