@@ -61,23 +61,24 @@ std::int32_t UtilityManager::AttachCore() {
         WriteTrace();
         return status;
     }
-    if (IsMatchingCore()) {
+    if (KeepMatchingCore()) {
         const Passage passage(coreComesOrGoes);
         const auto attach = Bind<TVL::AttachRoutine>(link.coreModule, TVL::kAttachRoutine);
         link.core = attach(MaxAdaptorInterface::GetInstance());
         ShowAttachState(panelWindow, link.core ? kDetachText : kAttachText);
         if (link.core) LinkOptions();
-    } else {
-        DetachCore();
     }
     WriteTrace();
     return 0;
 }
 
 // The adaptor comes up here, before the Core is asked for anything.
-bool UtilityManager::IsMatchingCore() const {
+bool UtilityManager::KeepMatchingCore() {
     MaxAdaptorInterface& adaptor = *MaxAdaptorInterface::GetInstance();
-    if (!HasAllRoutines(link.coreModule)) return false;
+    if (!HasAllRoutines(link.coreModule)) {
+        DetachCore();
+        return false;
+    }
     const auto getVersion = Bind<TVL::GetVersionRoutine>(link.coreModule, TVL::kGetVersionRoutine);
     const std::uint32_t coreVersion = getVersion();
     const auto adaptorVersion = static_cast<std::uint32_t>(adaptor.GetVersion());
@@ -85,6 +86,7 @@ bool UtilityManager::IsMatchingCore() const {
     TVL::Log scope("version mismatch trying to attach to CORE", TVL::Log::kError);
     scope.WriteValue("CORE version", std::to_string(coreVersion));
     scope.WriteValue("Adaptor version", std::to_string(adaptorVersion));
+    DetachCore();
     return false;
 }
 

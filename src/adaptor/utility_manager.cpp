@@ -41,6 +41,7 @@ UtilityManager& UtilityManager::Get() {
 }
 
 std::uint32_t UtilityManager::Start() {
+    hearsHost = false;
     isKept = AttachCore() == 0;
     if (!isKept) return GUPRESULT_NOKEEP;
     HearHost();
@@ -48,10 +49,9 @@ std::uint32_t UtilityManager::Start() {
     return GUPRESULT_KEEP;
 }
 
-// The time callback stays: the host calls it in vain.
+// The time callback stays. It is harmless, and an attach after this adds nothing to it.
 void UtilityManager::Stop() {
-    if (hearsHost) UnregisterHostEvents(*this);
-    hearsHost = false;
+    UnregisterHostEvents(*this);
 }
 
 IOResult UtilityManager::Save(ISave* save) {

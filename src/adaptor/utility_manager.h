@@ -38,7 +38,7 @@ class UtilityManager final : public GUP {
     // The host is going down: detaches the Core and destroys the singletons.
     void ShutDownAdaptor();
 
-    // From here on the host tells of its events; doing it again has no effect.
+    // From here on the host tells of its events, until Stop. Once for each Start.
     void HearHost();
 
     class CTimeChangeCallback final : public TimeChangeCallback {
@@ -54,11 +54,11 @@ class UtilityManager final : public GUP {
     UtilityManager() = default;
     ~UtilityManager() override = default;
 
-    bool IsMatchingCore() const;
+    bool KeepMatchingCore();
     void LinkOptions();
     void LetCoreGo();
 
     bool coreComesOrGoes = false;  // a routine of the Core's is running that must not run twice
     bool isKept = false;           // by the host, which calls Stop then
-    bool hearsHost = false;
+    bool hearsHost = false;        // or did, since the host started
 };

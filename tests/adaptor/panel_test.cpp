@@ -77,6 +77,15 @@ TEST(Panel, ACoreInstalledLaterCanBeAttachedAndHearsTheHost) {
     world.Core().TakeCalls();
     world.Session().SetTime(4800);
     EXPECT_EQ(world.Core().TakeCalls(), (Calls{"time 1"}));
+
+    // Stop is for good, and no attach after it makes the host tell of the time twice.
+    UtilityManager::Get().Stop();
+    for (int press = 0; press < 2; ++press)
+        panel.Press();
+    world.Core().TakeCalls();
+    world.Session().SetTime(0);
+    world.Session().NewScene();
+    EXPECT_EQ(world.Core().TakeCalls(), (Calls{"time 0"}));
     panel.Press();
 }
 
