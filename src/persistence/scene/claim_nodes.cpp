@@ -48,10 +48,11 @@ void FindTaggedNodes(const std::string& pluginName, const NodeEntries& entries, 
     for (std::size_t index = 0; index < entries.size(); ++index)
         byName[NameOf(*entries[index])] = index;
 
+    TagsInScene& tags = NodesWithTags().inScene;
     WalkScene([&](INode& node) {
-        const std::optional<XMLNode> tag = TagOn(node);
-        if (!tag || tag->Child(kNameElement).Text() != pluginName) return;
-        const auto entry = byName.find(tag->Child(kObjectNameElement).Text());
+        const TagsInScene::Names* const tag = tags.NamesOn(node);
+        if (!tag || tag->plugin != pluginName) return;
+        const auto entry = byName.find(tag->object);
         if (entry == byName.end() || claims[entry->second]) return;
         claims[entry->second] = new CMAXNode(nullptr, &node);
     });

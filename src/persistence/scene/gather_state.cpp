@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_set>
 #include <utility>
@@ -11,6 +12,7 @@
 #include "nodes/node_list.h"
 #include "persistence/scene/node_tags.h"
 #include "persistence/scene/scene_walk.h"
+#include "persistence/scene/state_format.h"
 #include "persistence/scene/stored_plugins.h"
 #include "persistence/scene/tagged_nodes.h"
 #include "platform/win32.h"
@@ -29,7 +31,10 @@ class RunningGathering {
   public:
     RunningGathering() { NodesWithTags().running.push_back(list_); }
     ~RunningGathering() {
-        if (!list_->IsAbandoned()) NodesWithTags().running.pop_back();
+        if (list_->IsAbandoned()) return;
+        TaggedNodeLists& lists = NodesWithTags();
+        lists.running.pop_back();
+        if (lists.running.empty()) lists.inScene.Forget();
     }
     RunningGathering(const RunningGathering&) = delete;
     RunningGathering& operator=(const RunningGathering&) = delete;
@@ -57,15 +62,15 @@ StoredPlugins CollectNodeTags(TaggedNodeList& taggedNodes) {
     StoredPlugins masters;
     WalkScene([&](INode& node) {
         if (node.IsRootNode() || collected.contains(node.GetHandle())) return;
-        std::optional<XMLNode> tag = TagOn(node);
-        if (!tag) return;
-        for (const auto& child : tag->children) {
-            if (child->name == kMasterElement) masters.push_back(std::make_unique<XMLNode>(*child));
-        }
-        if (tag->name.empty() && tag->children.empty()) return;
+        const std::optional<std::string> text = TagTextOn(node);
+        if (!text) return;
         auto entry = std::make_unique<TaggedNode>();
         entry->hostNode = HostNodeLink(&node);
-        entry->tag.Swap(*tag);
+        entry->tag.Parse(*text);
+        for (const auto& child : entry->tag.children) {
+            if (child->name == kMasterElement) masters.push_back(std::make_unique<XMLNode>(*child));
+        }
+        if (entry->tag.name.empty() && entry->tag.children.empty()) return;
         taggedNodes.Add(std::move(entry));
     });
     return masters;

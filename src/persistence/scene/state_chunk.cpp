@@ -5,7 +5,6 @@
 
 #include "core_link/core_link.h"
 #include "persistence/scene/older_state.h"
-#include "persistence/scene/opened_chunk.h"
 #include "persistence/scene/state_format.h"
 
 namespace {
@@ -39,13 +38,15 @@ IOResult SaveState(ISave& save) {
 IOResult LoadState(ILoad& load) {
     if (!AttachedCore()) return IO_OK;
     XMLNode olderPlugins = Element(kStateElement);
-    for (OpenedChunk chunk(load); chunk.IsOpen(); chunk.Next()) {
-        if (chunk.Id() == kOlderStateChunk) {
+    while (load.OpenChunk() == IO_OK) {
+        const std::uint16_t id = load.CurChunkID();
+        if (id == kOlderStateChunk) {
             olderPlugins.AddChild(ReadOlderState(load));
-        } else if (chunk.Id() == kStateChunk) {
+        } else if (id == kStateChunk) {
             const IOResult result = LoadStateChunk(load);
             if (result != IO_OK) return result;
         }
+        load.CloseChunk();
     }
     HandToCore(olderPlugins);
     return IO_OK;

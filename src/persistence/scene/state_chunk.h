@@ -8,5 +8,6 @@
 IOResult SaveState(ISave& save);
 
 // Each state chunk goes to the Core as it comes, and the plug-ins of older chunks at the end, in
-// one element, also if there are none. A state chunk that cannot be read ends the loading.
+// one element, also if there are none. A state chunk that cannot be read ends the loading at once,
+// with the reader inside it.
 IOResult LoadState(ILoad& load);

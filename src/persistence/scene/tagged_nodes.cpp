@@ -30,8 +30,28 @@ void TaggedNodeList::Abandon() {
     nodes_.clear();
 }
 
+std::optional<std::string> TagTextOn(INode& node) {
+    std::string text;
+    if (!node.UserPropExists(kNodeTag) || !node.GetUserPropString(kNodeTag, text)) return {};
+    return text;
+}
+
+const TagsInScene::Names* TagsInScene::NamesOn(INode& node) {
+    const std::optional<std::string> text = TagTextOn(node);
+    if (!text) return nullptr;
+    const auto [entry, isNew] = read_.try_emplace(node.GetHandle());
+    ReadTag& read = entry->second;
+    if (isNew || read.text != *text) {
+        const XMLNode tag(*text);
+        read = {*text, {tag.Child(kNameElement).Text(), tag.Child(kObjectNameElement).Text()}};
+    }
+    return &read.names;
+}
+
 void AbandonGatherings() {
-    for (const auto& list : NodesWithTags().running)
+    TaggedNodeLists& lists = NodesWithTags();
+    for (const auto& list : lists.running)
         list->Abandon();
-    NodesWithTags().running.clear();
+    lists.running.clear();
+    lists.inScene.Forget();
 }

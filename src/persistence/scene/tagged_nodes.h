@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -37,11 +39,37 @@ class TaggedNodeList {
     bool isAbandoned_ = false;
 };
 
+// The text of the tag in the node's property; an emptied tag has an empty one.
+std::optional<std::string> TagTextOn(INode& node);
+
+// What the tags that the scene bears now say whose they are. A Core that loads asks once for each
+// of its plug-ins, so that a text is parsed again only if it is another one.
+class TagsInScene {
+  public:
+    struct Names {
+        std::string plugin;
+        std::string object;
+    };
+
+    // Null if the node bears no tag. Good until the next call.
+    const Names* NamesOn(INode& node);
+
+    void Forget() { read_.clear(); }
+
+  private:
+    struct ReadTag {
+        std::string text;
+        Names names;
+    };
+    std::unordered_map<std::uint32_t, ReadTag> read_;  // by the node's handle
+};
+
 // The lists of the gatherings that are running, the innermost last: while a Core loads or a box
 // shows, another merge can bring tags of its own. Each is shared with its gathering, which outlives
 // the adaptor if the host goes down meanwhile.
 struct TaggedNodeLists {
     std::vector<std::shared_ptr<TaggedNodeList>> running;
+    TagsInScene inScene;  // forgotten when the last of them ends
 };
 
 // The adaptor's lists.
