@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 #include <filesystem>
+#include <iostream>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -156,7 +157,10 @@ FileOutcome MergeAndSelect(const std::string& path) {
 }
 
 bool MergeOrThrow(const std::string& path, bool selectMerged) {
-    return Merge(path, selectMerged).error.empty();
+    const FileOutcome outcome = Merge(path, selectMerged);
+    for (const std::string& complaint : outcome.complaints)
+        std::cerr << complaint << '\n';
+    return outcome.error.empty();
 }
 
 }  // namespace headless

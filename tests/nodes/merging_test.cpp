@@ -223,7 +223,11 @@ TEST_F(MergingTest, WhatAPluginThrowsWhenItHearsOfTheMergeDoesNotReachTheCore) {
     const std::string path = SavedRig();
     world.Session().NewScene();
     const OnMerged fail([] { throw std::runtime_error("no"); });
+    testing::internal::CaptureStderr();
     EXPECT_EQ(Merge(path).size(), 3U);
+    const std::string told = testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(told.starts_with(path)) << told;
+    EXPECT_TRUE(told.ends_with("notification 12: no\n")) << told;
 }
 
 }  // namespace
