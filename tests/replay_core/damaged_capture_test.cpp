@@ -7,10 +7,10 @@
 #include <variant>
 #include <vector>
 
-#include "replay_core/allocation_meter.h"
 #include "replay_core/captures.h"
 #include "replay_core/motion/pose.h"
 #include "replay_core/motion/read_motion.h"
+#include "support/allocations.h"
 
 namespace {
 
@@ -125,9 +125,9 @@ TEST(DamagedCapture, IsRefusedOrWholeWhateverByteIsChanged) {
 // The most that reading the text holds at one time, in bytes; the text itself is not counted.
 std::size_t PeakOfReading(const std::string& text) {
     std::istringstream stream(text);
-    const AllocationMeter meter;
+    const AllocationPeak peak;
     const auto result = replay::ReadMotion(stream, "step.bvh");
-    return meter.PeakBytes();
+    return peak.Bytes();
 }
 
 TEST(DamagedCapture, TakesMemoryByItsSizeWhateverItAnnounces) {

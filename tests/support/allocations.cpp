@@ -1,21 +1,49 @@
 #include "support/allocations.h"
 
+#include <malloc.h>
+
+#include <algorithm>
 #include <cstdlib>
 #include <new>
 
 namespace {
 
 std::size_t allocations = 0;
+std::size_t liveBytes = 0;
+std::size_t peakBytes = 0;
+
+std::size_t SizeOf(void* block) {
+#if defined(_WIN32)
+    return block ? _msize(block) : 0;
+#else
+    return malloc_usable_size(block);
+#endif
+}
 
 void* Counted(std::size_t size) noexcept {
+    void* const block = std::malloc(size > 0 ? size : 1);
     ++allocations;
-    return std::malloc(size > 0 ? size : 1);
+    liveBytes += SizeOf(block);
+    peakBytes = std::max(peakBytes, liveBytes);
+    return block;
 }
 
 }  // namespace
 
 std::size_t Allocations() {
     return allocations;
+}
+
+std::size_t LiveBytes() {
+    return liveBytes;
+}
+
+AllocationPeak::AllocationPeak() : liveAtStart_(liveBytes) {
+    peakBytes = liveBytes;
+}
+
+std::size_t AllocationPeak::Bytes() const {
+    return peakBytes - liveAtStart_;
 }
 
 void* operator new(std::size_t size) {
@@ -29,9 +57,10 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
 }
 
 void operator delete(void* block) noexcept {
+    liveBytes -= SizeOf(block);
     std::free(block);
 }
 
 void operator delete(void* block, std::size_t) noexcept {
-    std::free(block);
+    operator delete(block);
 }

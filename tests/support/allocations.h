@@ -2,6 +2,23 @@
 
 #include <cstddef>
 
-// How often this process has asked for memory with operator new. A test program that calls this has
-// the counting operator new.
+// What this process has asked of operator new. A program that calls one of these has the counting
+// operator new, which costs a few instructions, the same for all that is measured.
+
+// How often memory was asked for.
 std::size_t Allocations();
+
+// Bytes that are allocated now, as the heap rounds them.
+std::size_t LiveBytes();
+
+// The most bytes that were allocated at one time since the object was made, beyond those that were
+// then. One at a time.
+class AllocationPeak {
+  public:
+    AllocationPeak();
+
+    std::size_t Bytes() const;
+
+  private:
+    std::size_t liveAtStart_;
+};

@@ -8,15 +8,6 @@
 #include "tvl/log.h"
 
 namespace replay {
-namespace {
-
-// The log is the only place where a fault outside of a request can be told.
-void LogFault(const char* fault) {
-    if (!fault) return;
-    Guarded([fault] { TVL::Log(TVL::Log::kError).Write(fault); });
-}
-
-}  // namespace
 
 ReplayCore::ReplayCore(TVL::AdaptorInterface& adaptor)
     : adaptor_(adaptor),
@@ -27,7 +18,7 @@ ReplayCore::ReplayCore(TVL::AdaptorInterface& adaptor)
       convertButton_("Convert all controllers") {}
 
 ReplayCore::~ReplayCore() {
-    takes_.Drop();
+    LogFault(Guarded([this] { takes_.Drop(); }));
     adaptor_.FlushUndoBuffer();
 }
 

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <iterator>
 #include <memory>
 #include <utility>
 #include <variant>
@@ -9,6 +10,7 @@
 #include "replay_core/motion/read_motion.h"
 #include "replay_core/recorder/read_back.h"
 #include "replay_core/recorder/sample_poses.h"
+#include "replay_core/state/core_node.h"
 #include "tvl/log.h"
 
 // What this Core is asked for around the host, a request each.
@@ -25,11 +27,6 @@ std::string CaptureName(const std::string& path) {
 
 double SecondsSince(std::chrono::steady_clock::time_point start) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-// Every node that an adaptor gives out is one.
-TVL::CoreNode* AsCoreNode(TVL::CNode* node) {
-    return static_cast<TVL::CoreNode*>(node);
 }
 
 // The result is empty, or says in one line why the capture cannot be recorded.
@@ -56,7 +53,7 @@ std::unique_ptr<WholeFile> OpenCsv(const Request& request, std::string& error) {
 std::vector<TVL::CoreNode*> NodesOf(const Takes& takes) {
     std::vector<TVL::CoreNode*> nodes;
     for (const std::unique_ptr<Take>& take : takes.All())
-        std::ranges::transform(take->Book().Nodes(), std::back_inserter(nodes), AsCoreNode);
+        std::ranges::copy(take->Book().Nodes(), std::back_inserter(nodes));
     return nodes;
 }
 

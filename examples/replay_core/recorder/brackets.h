@@ -9,13 +9,16 @@
 
 namespace replay {
 
-// What is begun at the adaptor has to be ended, also on the way out of a failure.
+// What is begun at the adaptor has to be ended, also on the way out of a failure. What the adaptor
+// refused, with a status other than 0, has not begun.
 
 // An undo group. What was done in it is taken back unless it is kept.
 class UndoGroup {
   public:
     UndoGroup(TVL::AdaptorInterface& adaptor, std::string name)
-        : adaptor_(adaptor), status_(adaptor.BeginUndoGroup(std::move(name))) {}
+        : adaptor_(adaptor),
+          status_(adaptor.BeginUndoGroup(std::move(name))),
+          isOpen_(status_ == 0) {}
     ~UndoGroup() {
         if (isOpen_) adaptor_.CancelUndoGroup();
     }
@@ -31,7 +34,7 @@ class UndoGroup {
   private:
     TVL::AdaptorInterface& adaptor_;
     std::int32_t status_;
-    bool isOpen_ = true;
+    bool isOpen_;
 };
 
 // Keys are made from here on.
@@ -39,7 +42,9 @@ class RecordingBracket {
   public:
     RecordingBracket(TVL::AdaptorInterface& adaptor, Take& take)
         : adaptor_(adaptor), status_(adaptor.BeginRecording({&take})) {}
-    ~RecordingBracket() { adaptor_.EndRecording(); }
+    ~RecordingBracket() {
+        if (status_ == 0) adaptor_.EndRecording();
+    }
     RecordingBracket(const RecordingBracket&) = delete;
     RecordingBracket& operator=(const RecordingBracket&) = delete;
 

@@ -48,8 +48,10 @@ void PlaceCamera(TVL::CoreNode& camera, const Surround& subject, double seconds)
     TVL::CSnapshot_Lens* const lens = camera.AcquireLensSnapshot(seconds);
     const double distance =
         std::max(subject.radius, kLeastRadiusMetres) * kMargin / std::sin(HalfFieldOfView(lens));
-    if (lens) lens->SetTargetDistance(distance * HostUnitsPerMetre(camera, seconds));
-    camera.ReleaseLensSnapshot(lens);
+    if (lens) {
+        lens->SetTargetDistance(distance * HostUnitsPerMetre(camera, seconds));
+        camera.ReleaseLensSnapshot(lens);
+    }
 
     TVL::CMatrix4 pose = TVL::CMatrix4::Identity();
     for (std::size_t axis = 0; axis < 3; ++axis)

@@ -39,7 +39,8 @@ class Reader {
         for (std::size_t joint = 0; joint < pose_.size(); ++joint) {
             const TransformLoan snapshot(*nodes_.joints[joint], seconds);
             if (!snapshot) {
-                result.error = "\"" + names_[joint] + "\" cannot be read back from the host";
+                result.error = "\"" + nodes_.joints[joint]->GetNodeName() +
+                               "\" cannot be read back from the host";
                 return;
             }
             const TVL::CMatrix4 place = snapshot->GetWorldTransform();

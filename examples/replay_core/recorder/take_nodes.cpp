@@ -5,6 +5,7 @@
 
 #include "replay_core/motion/joint_names.h"
 #include "replay_core/recorder/object_scale.h"
+#include "replay_core/state/core_node.h"
 
 namespace replay {
 namespace {
@@ -29,7 +30,7 @@ std::string CameraName(const std::vector<std::string>& jointNames) {
 }
 
 TVL::CoreNode* Find(TVL::AdaptorInterface& adaptor, Take& take, const std::string& name) {
-    return static_cast<TVL::CoreNode*>(adaptor.FindNode(&take, name));
+    return AsCoreNode(adaptor.FindNode(&take, name));
 }
 
 }  // namespace
@@ -39,7 +40,7 @@ TakeNodes FindOrMakeNodes(TVL::AdaptorInterface& adaptor, const Motion& motion, 
     TakeNodes nodes;
     const auto accept = [&](TVL::CNode* made, const std::string& name) {
         if (!made) nodes.error = "the host made no node for \"" + name + "\"";
-        return static_cast<TVL::CoreNode*>(made);
+        return AsCoreNode(made);
     };
 
     // The camera comes first: a new node tells how large the others have to be.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "replay_core/state/core_node.h"
 #include "replay_core/state/stored_form.h"
 #include "tvl/xml_node.h"
 
@@ -12,13 +13,9 @@ namespace {
 // What the adaptor matches by is the attribute, and here it may hold anything, because this element
 // does not become text.
 XMLNode NodeInfo(std::span<const StoredNode> nodes, bool withNumbers) {
-    XMLNode info("");
-    info.kind = XMLNode::kElement;
-    info.name = form::kNodeInfo;
+    XMLNode info(form::kNodeInfo, "");
     for (const StoredNode& stored : nodes) {
-        auto& node = info.children.emplace_back(std::make_unique<XMLNode>(""));
-        node->kind = XMLNode::kElement;
-        node->name = form::kNode;
+        auto& node = info.children.emplace_back(std::make_unique<XMLNode>(form::kNode, ""));
         node->attributes[form::kName] = stored.name;
         if (withNumbers) node->AddChild(stored.element.Child(form::kNumber));
     }
@@ -29,27 +26,25 @@ XMLNode NodeInfo(std::span<const StoredNode> nodes, bool withNumbers) {
 
 FoundNodes FoundNodes::ByTag(TVL::AdaptorInterface& adaptor, const std::string& pluginName,
                              std::span<const StoredNode> nodes) {
-    return {adaptor.ClaimNodes(pluginName, NodeInfo(nodes, false)), nodes.size()};
+    return FoundNodes(adaptor.ClaimNodes(pluginName, NodeInfo(nodes, false)));
 }
 
 FoundNodes FoundNodes::ByNumber(TVL::AdaptorInterface& adaptor, const std::string& pluginName,
                                 std::span<const StoredNode> nodes) {
-    return {adaptor.ClaimNodes(pluginName, NodeInfo(nodes, true)), nodes.size()};
-}
-
-FoundNodes::FoundNodes(std::vector<TVL::CNode*> nodes, std::size_t count) {
-    nodes.resize(std::max(nodes.size(), count));
-    for (TVL::CNode* node : nodes)
-        nodes_.push_back(static_cast<TVL::CoreNode*>(node));
+    return FoundNodes(adaptor.ClaimNodes(pluginName, NodeInfo(nodes, true)));
 }
 
 FoundNodes::~FoundNodes() {
-    for (TVL::CoreNode* node : nodes_)
-        if (node) node->Destroy();
+    for (TVL::CNode* node : nodes_)
+        if (node) AsCoreNode(node)->Destroy();
+}
+
+TVL::CoreNode* FoundNodes::operator[](std::size_t index) const {
+    return index < nodes_.size() ? AsCoreNode(nodes_[index]) : nullptr;
 }
 
 bool FoundNodes::HasAny() const {
-    return std::ranges::any_of(nodes_, [](const TVL::CoreNode* node) { return node; });
+    return std::ranges::any_of(nodes_, [](const TVL::CNode* node) { return node; });
 }
 
 bool ClaimNode(TVL::CoreNode& found, Take& take, const std::string& name) {

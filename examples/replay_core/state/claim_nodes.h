@@ -4,6 +4,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "replay_core/state/read_state.h"
@@ -29,13 +30,13 @@ class FoundNodes {
     FoundNodes(const FoundNodes&) = delete;
     FoundNodes& operator=(const FoundNodes&) = delete;
 
-    TVL::CoreNode* operator[](std::size_t index) const { return nodes_[index]; }
+    TVL::CoreNode* operator[](std::size_t index) const;
     bool HasAny() const;
 
   private:
-    FoundNodes(std::vector<TVL::CNode*> nodes, std::size_t count);
+    explicit FoundNodes(std::vector<TVL::CNode*> nodes) : nodes_(std::move(nodes)) {}
 
-    std::vector<TVL::CoreNode*> nodes_;
+    std::vector<TVL::CNode*> nodes_;
 };
 
 // Makes the found node the take's under that name, with the take's book to hear of it. False if the

@@ -2,11 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cstddef>
 #include <iterator>
 
 #include "tvl/base64_buffer.h"
-#include "tvl/huffman_buffer.h"
 
 namespace replay {
 namespace {
@@ -82,7 +80,8 @@ void AppendCoded(std::vector<std::uint8_t>& stream, Bytes data, const Codes& cod
 
 }  // namespace
 
-std::vector<std::uint8_t> Compress(Bytes data) {
+std::optional<std::vector<std::uint8_t>> Compress(Bytes data) {
+    if (data.size() > kMostCompressedData) return std::nullopt;
     std::vector<HuffmanRecord> records = CountLeaves(data);
     std::vector<std::uint8_t> stream;
     AppendHeader(stream, records, data.size());
@@ -91,11 +90,11 @@ std::vector<std::uint8_t> Compress(Bytes data) {
     return stream;
 }
 
-std::string PackedText(const XMLNode& element) {
-    const std::string text = element.Write();
-    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.c_str());
-    const std::vector<std::uint8_t> stream = Compress(Bytes(bytes, text.size() + 1));
-    return Base64Buffer(stream.data(), static_cast<std::int32_t>(stream.size())).ToText();
+std::optional<std::string> PackedText(const std::string& plain) {
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(plain.c_str());
+    const std::optional<std::vector<std::uint8_t>> stream = Compress({bytes, plain.size() + 1});
+    if (!stream) return std::nullopt;
+    return Base64Buffer(stream->data(), static_cast<std::int32_t>(stream->size())).ToText();
 }
 
 }  // namespace replay

@@ -18,4 +18,8 @@ const char* Guarded(const Work& work) noexcept {
     }
 }
 
+// Tells what was caught, if anything was, in the trace, the only place for a fault outside of a
+// request.
+void LogFault(const char* fault) noexcept;
+
 }  // namespace replay

@@ -19,8 +19,8 @@ using NodesByName = std::map<std::string, TVL::CoreNode*>;
 
 NodesByName NodesOf(const Take& take) {
     NodesByName nodes;
-    for (TVL::CNode* node : take.Book().Nodes())
-        nodes.emplace(node->GetNodeName(), static_cast<TVL::CoreNode*>(node));
+    for (TVL::CoreNode* node : take.Book().Nodes())
+        nodes.emplace(node->GetNodeName(), node);
     return nodes;
 }
 
@@ -84,10 +84,12 @@ class Loader {
         return take;
     }
 
-    // A name that another plug-in of the same state bears is left to that.
-    std::string FreeName(const std::string& storedName) const {
-        std::string name = StorableName(storedName);
-        if (!takes_.Find(name)) return name;
+    // A name that another plug-in of the same state bears is left to that. Goes on behind the name
+    // that was found last, so that a state in which all share one takes no longer than another.
+    std::string FreeName(const std::string& storedName) {
+        const std::string storable = StorableName(storedName);
+        if (!takes_.Find(storable)) return storable;
+        std::string& name = lastNames_.try_emplace(storable, storable).first->second;
         do
             name = NextName(name);
         while (takes_.Find(name) || storedNames_.contains(name));
@@ -138,7 +140,8 @@ class Loader {
     Takes& takes_;
     std::vector<StoredPlugin> plugins_;
     std::set<std::string> storedNames_;
-    std::vector<const Take*> made_;  // for each of plugins_ so far
+    std::map<std::string, std::string> lastNames_;  // given in place of a name that was taken
+    std::vector<const Take*> made_;                 // for each of plugins_ so far
     LoadedState loaded_;
 };
 

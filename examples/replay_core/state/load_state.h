@@ -10,7 +10,7 @@
 
 namespace replay {
 
-// What came of one call with stored state. A take that was there with all its nodes has nothing to
+// What came of one call with stored state. A take that was there and got no node has nothing new to
 // tell and is not listed.
 struct LoadedTake {
     std::string name;

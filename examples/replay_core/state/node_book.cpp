@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "replay_core/state/core_node.h"
 #include "replay_core/state/guarded.h"
 
 namespace replay {
@@ -15,9 +16,9 @@ void NodeBook::OnNodeRemoved(TVL::CNode* node) {
 }
 
 void NodeBook::OnNodeRestored(TVL::CNode* node) {
-    Guarded([&] {
-        if (!Has(node)) nodes_.push_back(node);
-    });
+    LogFault(Guarded([&] {
+        if (!Has(node)) nodes_.push_back(AsCoreNode(node));
+    }));
 }
 
 }  // namespace replay

@@ -16,12 +16,12 @@ class NodeBook final : public TVL::NodeListener {
     void OnNodeRestored(TVL::CNode* node) override;
 
     // Still the adaptor's.
-    const std::vector<TVL::CNode*>& Nodes() const { return nodes_; }
+    const std::vector<TVL::CoreNode*>& Nodes() const { return nodes_; }
 
     bool Has(const TVL::CNode* node) const;
 
   private:
-    std::vector<TVL::CNode*> nodes_;
+    std::vector<TVL::CoreNode*> nodes_;
 };
 
 }  // namespace replay

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -17,15 +18,8 @@
 namespace replay {
 namespace {
 
-XMLNode Element(std::string_view name) {
-    XMLNode element("");
-    element.kind = XMLNode::kElement;
-    element.name = name;
-    return element;
-}
-
 XMLNode RecordingElement(const Recording& recording) {
-    XMLNode element = Element(form::kRecording);
+    XMLNode element(form::kRecording, "");
     SetStoredText(element, form::kCapture, recording.capture);
     element.attributes[form::kMetresPerUnit] = NumberText(recording.metresPerUnit);
     element.attributes[form::kFrameSeconds] = NumberText(recording.frameSeconds);
@@ -35,10 +29,10 @@ XMLNode RecordingElement(const Recording& recording) {
 }
 
 XMLNode NodeInfo(const Take& take) {
-    XMLNode info = Element(form::kNodeInfo);
+    XMLNode info(form::kNodeInfo, "");
     std::set<std::string> names;
     for (const TVL::CNode* node : take.Book().Nodes()) {
-        XMLNode element = Element(form::kNode);
+        XMLNode element(form::kNode, "");
         SetStoredText(element, form::kName, node->GetNodeName());
         info.AddChild(element);
         names.insert(node->GetNodeName());
@@ -50,11 +44,11 @@ XMLNode NodeInfo(const Take& take) {
 }
 
 XMLNode Plugin(const Take& take) {
-    XMLNode plugin = Element(form::kPlugin);
+    XMLNode plugin(form::kPlugin, "");
     plugin.attributes[form::kVersion] = form::kPresentVersion;
     plugin.AddChild(XMLNode(form::kType, take.Rest().type));
     plugin.AddChild(XMLNode(form::kName, take.Name()));
-    XMLNode& recordings = plugin.AddChild(Element(form::kRecordings));
+    XMLNode& recordings = plugin.AddChild(XMLNode(form::kRecordings, ""));
     for (const Recording& recording : take.Recordings())
         recordings.AddChild(RecordingElement(recording));
     plugin.AddChild(NodeInfo(take));
@@ -63,16 +57,15 @@ XMLNode Plugin(const Take& take) {
     return plugin;
 }
 
-// Stands for the plug-in with all that is in it.
-XMLNode Packed(const XMLNode& plugin) {
-    XMLNode packed(form::kPlugin, PackedText(plugin));
-    packed.attributes[form::kVersion] = form::kPresentVersion;
-    packed.attributes[form::kCompressed] = form::kPacked;
-    return packed;
-}
-
+// A plug-in that is too long to be packed stays as it is.
 std::unique_ptr<XMLNode> PackedIfLong(std::unique_ptr<XMLNode> plugin) {
-    if (plugin->Write().size() > kLongestPlainText) *plugin = Packed(*plugin);
+    const std::string plain = plugin->Write();
+    if (plain.size() <= kLongestPlainText) return plugin;
+    const std::optional<std::string> packed = PackedText(plain);
+    if (!packed) return plugin;
+    *plugin = XMLNode(form::kPlugin, *packed);
+    plugin->attributes[form::kVersion] = form::kPresentVersion;
+    plugin->attributes[form::kCompressed] = form::kPacked;
     return plugin;
 }
 
@@ -95,14 +88,14 @@ XMLNode WholeState(const Takes& takes) {
         auto& siblings = parent ? places[parent]->children : top;
         siblings.push_back(std::move(plugins[take.get()]));
     }
-    XMLNode state = Element(form::kRoot);
+    XMLNode state(form::kRoot, "");
     for (std::unique_ptr<XMLNode>& plugin : top)
         state.children.push_back(PackedIfLong(std::move(plugin)));
     return state;
 }
 
 XMLNode MasterNode(const Take& take, const Takes& all) {
-    XMLNode master = Element(form::kMasterNode);
+    XMLNode master(form::kMasterNode, "");
     master.children.push_back(PackedIfLong(std::make_unique<XMLNode>(Plugin(take))));
     const Take* const parent = StoredParent(take);
     if (!parent) return master;

@@ -10,11 +10,11 @@
 
 namespace replay {
 
-// Holds what the take knew before, and after an undo what it knew since.
+// Holds what the take is to know after it is redone, and from then on what it knew before.
 class RecordingsChange final : public TVL::CUndo {
   public:
-    RecordingsChange(Take& take, std::vector<Recording> before)
-        : take_(take), other_(std::move(before)) {}
+    RecordingsChange(Take& take, std::vector<Recording> after)
+        : take_(take), other_(std::move(after)) {}
 
     void Undo(bool) override { take_.recordings_.swap(other_); }
     void Redo() override { take_.recordings_.swap(other_); }
@@ -29,11 +29,6 @@ namespace {
 constexpr int kNodesAboutToBeDeleted = 43;
 constexpr int kSceneIsBeingSaved = 56;
 
-// Every node that an adaptor gives out is one.
-TVL::CoreNode* AsCoreNode(TVL::CNode* node) {
-    return static_cast<TVL::CoreNode*>(node);
-}
-
 }  // namespace
 
 Take::Take(TVL::AdaptorInterface& adaptor, const Takes& all, std::string name)
@@ -42,9 +37,11 @@ Take::Take(TVL::AdaptorInterface& adaptor, const Takes& all, std::string name)
 }
 
 void Take::Note(Recording recording) {
-    auto change = std::make_unique<RecordingsChange>(*this, recordings_);
-    std::erase(recordings_, recording);
-    recordings_.push_back(std::move(recording));
+    std::vector<Recording> recordings = recordings_;
+    std::erase(recordings, recording);
+    recordings.push_back(std::move(recording));
+    auto change = std::make_unique<RecordingsChange>(*this, std::move(recordings));
+    change->Redo();
     adaptor_.AddUndoChunk(change.release());
 }
 
@@ -59,12 +56,12 @@ std::vector<int> Take::ListExtensions() {
 std::intptr_t Take::HandleExtension(int id, void* argument) {
     switch (id) {
         case kNodesAboutToBeDeleted:
-            Guarded([this] { DeleteNodes(); });
+            LogFault(Guarded([this] { DeleteNodes(); }));
             return 0;
         case kSceneIsBeingSaved:
-            Guarded([&] {
+            LogFault(Guarded([&] {
                 if (argument) static_cast<XMLNode*>(argument)->AddChild(MasterNode(*this, all_));
-            });
+            }));
             return 0;
         default:
             return CoreElement::HandleExtension(id, argument);
@@ -74,11 +71,11 @@ std::intptr_t Take::HandleExtension(int id, void* argument) {
 // Children go before their parents, so that the host has no child to hang elsewhere meanwhile. The
 // book is asked again for each node, because the deletion of one can take others along.
 void Take::DeleteNodes() {
-    const std::vector<TVL::CNode*> newestFirst(book_.Nodes().rbegin(), book_.Nodes().rend());
+    const std::vector<TVL::CoreNode*> newestFirst(book_.Nodes().rbegin(), book_.Nodes().rend());
     adaptor_.BeginUndoGroup("Delete " + Name());
-    for (TVL::CNode* node : newestFirst) {
+    for (TVL::CoreNode* node : newestFirst) {
         if (!book_.Has(node)) continue;
-        AsCoreNode(node)->Delete(true);
+        node->Delete(true);
         book_.OnNodeRemoved(node);  // unless the adaptor has said so, as it does within a group
     }
     adaptor_.EndUndoGroup();
@@ -86,9 +83,9 @@ void Take::DeleteNodes() {
 
 void Take::Drop() {
     while (!book_.Nodes().empty()) {
-        TVL::CNode* const node = book_.Nodes().back();
+        TVL::CoreNode* const node = book_.Nodes().back();
         book_.OnNodeRemoved(node);
-        AsCoreNode(node)->Destroy();
+        node->Destroy();
     }
     recordings_.clear();
     parent_ = nullptr;

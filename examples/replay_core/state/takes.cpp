@@ -83,6 +83,7 @@ Take& Takes::Add(std::string name, const Take* parent) {
 }
 
 void Takes::Drop() {
+    dropped_.reserve(dropped_.size() + takes_.size());  // from here on nothing can fail
     for (const std::unique_ptr<Take>& take : takes_)
         take->Drop();
     byName_.clear();
