@@ -59,7 +59,10 @@ class AdaptorInterface {
     virtual std::vector<CNode*> GetNodes(CoreElement* owner) = 0;
 
     // Stored nodes found again: for each `node` child of the element `nodeInfo` a snapshot node, or
-    // null. The caller releases them, after Claim on those that it takes.
+    // null. It is the one that was saved with this plug-in's name and, as the node's own, the text
+    // of the attribute "name"; failing that the scene node whose handle is the text of the child
+    // "UID", as earlier versions stored it. The caller releases them, after Claim on those that it
+    // takes.
     virtual std::vector<CNode*> ClaimNodes(std::string pluginName, XMLNode nodeInfo) = 0;
 
     // Brings the objects of another scene file in; snapshot nodes on them, the caller's to release.

@@ -15,12 +15,29 @@ struct PluginRecord {
 };
 
 // An element of the Core that owns nodes. The adaptor keeps the pointer with each node, compares
-// it, reads `plugin->name`, and asks these extensions where the element lists them:
+// it, reads `plugin->name`, and asks two extensions:
 //
 //   43   argument null: nodes of this element are about to be deleted by the user. Told once for
-//        each deletion; the element may answer with CoreNode::Delete on its nodes.
-//   56   argument an XMLNode of kind 1 named "masternodes": the scene is being saved; the element
-//        adds a child "masternode" for each stored part of its state.
+//        each deletion, if the element lists it; it may answer with CoreNode::Delete on its nodes.
+//   56   argument an XMLNode of kind 1 named "masternodes": the scene is being saved. The element
+//        adds a child "masternode" for each stored part of its state. Asked of every element with
+//        nodes in the scene, also if it lists nothing. The parts travel on its first node, and
+//        without any none of its nodes is marked as the Core's.
+//
+// A stored part, of which the Core is given the TVL_Plugin when the scene has been opened or
+// merged. The adaptor reads what is named here; whatever else stands in it comes back as it was:
+//
+//   <masternode>
+//     <TVL_Plugin>
+//       <name>Hand</name>          of parts of one name the first in the scene is loaded
+//     </TVL_Plugin>
+//     <parent>Rig</parent>         name of the part in which it is loaded; empty: at the top
+//     <childindex>0</childindex>   its place among the parts in that one, ascending
+//   </masternode>
+//
+// A TVL_Plugin can be packed. It then has the attribute compressed="1" and a text as its only
+// child: the base64 (tvl/base64_buffer.h) of what XMLNode::Write makes of the element and a closing
+// NUL, compressed (tvl/huffman_buffer.h) or as it is. It is unpacked before the Core gets it.
 //
 // An element outlives every node that names it as its owner.
 class CoreElement : public CExtendable {

@@ -14,8 +14,11 @@ class CoreInterface {
     // The Core's whole state, as one element. Without children nothing is stored.
     virtual XMLNode GetCoreState() = 0;
 
-    // State from a scene file. Several calls can come for one file; an element "TVL" without
-    // children says that there is nothing to load.
+    // State from a scene file, in which the Core finds its nodes by AdaptorInterface::ClaimNodes.
+    // Several calls can come for one file: while it is read what GetCoreState gave, then the
+    // plug-ins of earlier versions in an element "TVL"; and when it has been opened or merged, in
+    // such an element too, what its nodes bear (see CoreElement). A "TVL" without children says
+    // that there is nothing to load.
     virtual void SetCoreState(XMLNode state) = 0;
 
     // The scene is about to be replaced: let go of every node.

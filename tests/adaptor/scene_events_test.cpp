@@ -23,16 +23,8 @@ class SceneEvents : public StateTest {
 
     void ClaimWhenLoading() {
         world.Core().onCall = [this](const std::string& call) {
-            if (call == kTags) ClaimHip();
+            if (call == kTags) Claim(rig, "Rig", {"Hip"});
         };
-    }
-    void ClaimHip() {
-        for (TVL::CNode* found : adaptor.ClaimNodes("Rig", NodeInfo({"Hip"}))) {
-            ASSERT_NE(found, nullptr);
-            auto* const node = static_cast<TVL::CoreNode*>(found);
-            node->Claim(&rig, "Hip");
-            node->Destroy();
-        }
     }
     std::string Path(const std::string& file) const { return (world.Folder() / file).string(); }
 
@@ -166,7 +158,7 @@ TEST_F(SceneEvents, AFileOpenedInTheMiddleOfARecordingEndsItSafely) {
         ASSERT_NE(snapshot, nullptr);
         world.Core().onCall = [&](const std::string& call) {
             if (call == "reset" && coreEndsAtReset) end();
-            if (call == kTags) ClaimHip();
+            if (call == kTags) Claim(rig, "Rig", {"Hip"});
         };
         Open(path);
         snapshot->SetWorldTransform(TVL::CMatrix4());

@@ -19,8 +19,10 @@ TEST_F(Claiming, TakesTheLastOfTheGatheredNodesAndTheFirstOfThoseInTheScene) {
     INode* const parent = SceneNode("Other", Tag("Other", "Hip"));
     SceneNode("Second", Tag("Rig", "Hip"), parent);
     INode* const last = SceneNode("Last", Tag("Rig", "Hip"));
-    SceneNode("Plain", "");
+    INode* const changed = SceneNode("Changed", Tag("Rig", "Foot"));
     const Texts wanted = {"Hip", "Foot", "Hip"};
+    EXPECT_EQ(Claimed("Rig", wanted), (Texts{"-", "Changed", "First"}));
+    changed->SetUserPropString("TVL_tag", "");
     EXPECT_EQ(Claimed("Rig", wanted), (Texts{"-", "-", "First"}));
 
     Texts whole;

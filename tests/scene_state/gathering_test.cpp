@@ -77,14 +77,6 @@ TEST_F(Gathering, ReportsTheNodesThatNobodyClaimedAndClearsAllTags) {
     EXPECT_EQ(adaptor.GetNodes(&rig).size(), 1U);
 }
 
-TEST_F(Gathering, LeavesTheTagsAloneWithoutACore) {
-    UtilityManager::Get().DetachCore();
-    INode* const hip = SceneNode("Hip", Tag("Rig", "Hip"));
-    GatherSceneState();
-    EXPECT_EQ(TagOf(hip), Tag("Rig", "Hip"));
-    EXPECT_TRUE(world.MessageBoxes().empty());
-}
-
 // The Core merges while it loads.
 TEST_F(Gathering, GoesOnWithItsOwnNodesAfterAnotherOneInside) {
     INode* const hip = SceneNode("Hip", Tag("Rig", "Hip", Master("Rig")));

@@ -66,22 +66,18 @@ class StateTest : public testing::Test {
 
     static std::string Tag(const std::string& plugin, const std::string& object,
                            const std::string& masters = {}) {
-        XMLNode tag("<TVL_tag>" + masters + "</TVL_tag>");
-        XMLNode names("<TVL_tag/>");
-        names.AddChild(XMLNode("name", plugin));
-        names.AddChild(XMLNode("objectname", object));
-        for (const auto& child : tag.children)
-            names.AddChild(*child);
-        return names.Write();
+        return "<TVL_tag>" + Holding("name", plugin) + Holding("objectname", object) + masters +
+               "</TVL_tag>";
     }
 
     static std::string Master(const std::string& name, const std::string& parent = {},
                               const std::string& index = {}) {
-        XMLNode master("<masternode/>");
-        master.AddChild(XMLNode("<TVL_Plugin/>")).AddChild(XMLNode("name", name));
-        master.AddChild(XMLNode("parent", parent));
-        master.AddChild(XMLNode("childindex", index));
-        return master.Write();
+        return "<masternode><TVL_Plugin>" + Holding("name", name) + "</TVL_Plugin>" +
+               Holding("parent", parent) + Holding("childindex", index) + "</masternode>";
+    }
+
+    static std::string Holding(const char* element, const std::string& text) {
+        return XMLNode(element, text).Write();
     }
 
     static XMLNode NodeInfo(const Texts& names) {

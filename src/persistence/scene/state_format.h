@@ -12,19 +12,18 @@
 //
 //     <TVL_tag>
 //       <name>plug-in</name> <objectname>the node's name in the Core's terms</objectname>
-//       <masternode> ... </masternode>    of an owner's first node, any number: one for each part
-//     </TVL_tag>
+//       <masternode> ... </masternode>    of an owner's first node: its parts, in the form that
+//     </TVL_tag>                          tvl/core_element.h tells
 //
-//     <masternode>
-//       <TVL_Plugin compressed="1"?>      packed: its only child is base64 of a compressed stream
-//         <type/> <name/> <savedata/>... <nodeinfo/> <inputprofile/>
-//       </TVL_Plugin>
-//       <parent>name of another plug-in</parent> <childindex>3</childindex>
-//     </masternode>
+//   a plug-in in the older form, once it is converted:
 //
-//     <nodeinfo>
-//       <node name="objectname of a tag"> <UID platform="adaptor_3dsmax9">handle</UID> </node> ...
-//     </nodeinfo>
+//     <TVL_Plugin version="2.5">
+//       <type/> <name/> <savedata>base64</savedata>...
+//       <nodeinfo>
+//         <node name="objectname of a tag"> <UID platform="adaptor_3dsmax9">handle</UID> </node> ...
+//       </nodeinfo>
+//       <inputprofile/>
+//     </TVL_Plugin>
 
 inline constexpr std::uint16_t kStateChunk = 1032;
 inline constexpr std::uint16_t kOlderStateChunk = 1024;  // read, and never written
