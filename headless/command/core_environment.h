@@ -22,11 +22,17 @@ inline constexpr std::array kRequestVariables = {
     kCaptureVariable, kCaptureScaleVariable, kOptimisedVariable, kProgressVariable, kMergeVariable,
     kSampleVariable,  kSampleNodesVariable,  kPressVariable,     kCsvVariable};
 
+// What a person typed to have the variable set.
+struct OptionOfVariable {
+    const char* variable;
+    const char* option;
+};
+inline constexpr std::array kOptions = {OptionOfVariable{kCaptureScaleVariable, "--scale"},
+                                        OptionOfVariable{kSampleVariable, "--times"}};
+
 inline constexpr char kReportVariable[] = "LUMISET_REPORT";  // the file for the answer
 
-// Read by others than the Core.
-inline constexpr char kTraceVariable[] = "LUMISET_TRACE";        // by the plug-in
-inline constexpr char kRegistryVariable[] = "LUMISET_REGISTRY";  // by the system's services
+inline constexpr char kTraceVariable[] = "LUMISET_TRACE";  // by the plug-in
 
 // An empty value takes the variable away.
 void SetVariable(const char* name, const std::string& value);

@@ -8,6 +8,7 @@
 #include "command/core_environment.h"
 #include "command/exit_status.h"
 #include "headless/scene_view.h"
+#include "platform/hide_registry.h"
 #include "platform/load_failure.h"
 #include "platform/win32.h"
 
@@ -28,6 +29,16 @@ std::string NotAttached(const std::string& why) {
     return "the Core could not be attached (" + why + ")";
 }
 
+// The Core names the variable that it could not make sense of, which a person knows as an option.
+[[noreturn]] void Refuse(const std::string& error) {
+    for (const auto& [variable, option] : kOptions) {
+        const std::string named = std::string(variable) + ": ";
+        if (error.starts_with(named))
+            throw Failure(option + (": " + error.substr(named.size())), kWrongUsage);
+    }
+    throw Failure(error);
+}
+
 }  // namespace
 
 std::string Lines(const std::vector<std::string>& values) {
@@ -43,8 +54,7 @@ std::string Lines(const std::vector<std::string>& values) {
 CoreStage::CoreStage(Company company, const SessionSettings& settings)
     : company_(company), session_(settings) {
     session_.OnMessageBox([this](const MessageBoxText& box) { boxTexts_.push_back(box.text); });
-    // A registry in which nothing is installed.
-    if (company == Company::kPluginAlone) SetVariable(kRegistryVariable, report_.Path());
+    if (company == Company::kPluginAlone) platform::HideRegistry();
     if (company == Company::kNobody) return;
     const std::string error = session_.LoadPlugin(BesideProgram(kPluginFile));
     if (!error.empty()) throw Failure(error);
@@ -70,7 +80,7 @@ CoreReport CoreStage::AskCore(const CoreRequest& request) {
         throw Failure(NotAttached("it is of another version, or refused to start"));
     }
     if (report.IsEmpty()) throw Failure("the Core reported nothing of its work");
-    if (report.Text("status") != "ok") throw Failure(report.Text("error"));
+    if (report.Text("status") != "ok") Refuse(report.Text("error"));
     return report;
 }
 

@@ -14,7 +14,7 @@ namespace headless {
 // Whom the host finds when it starts.
 enum class Company {
     kPluginAndCore,
-    kPluginAlone,  // it looks for a Core and finds none installed
+    kPluginAlone,  // it looks for a Core and finds none installed, and so to the process's end
     kNobody,
 };
 

@@ -10,6 +10,8 @@ inline constexpr int kDone = 0;
 inline constexpr int kFailed = 1;  // one line on stderr says what, and where
 inline constexpr int kWrongUsage = 2;
 
+inline constexpr char kOutputLost[] = "the output cannot be written";
+
 // Of a comparison.
 inline constexpr int kDifferent = 1;
 inline constexpr int kNotCompared = 2;

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/hide_registry.h"
 #include "platform/posix/guarded.h"
 #include "platform/posix/handle_table.h"
 #include "platform/posix/native_path.h"
@@ -34,6 +35,7 @@ struct Registry {
     std::string path;
     std::string bytes;
     std::shared_ptr<const RegFile> file;
+    bool isHidden = false;
 };
 
 // Never destroyed: a key can be opened while the program ends.
@@ -61,6 +63,7 @@ std::string ReadFile(const std::string& path) {
 
 std::shared_ptr<const RegFile> ReadRegistry() {
     Registry& registry = TheRegistry();
+    if (registry.isHidden) return std::make_shared<const RegFile>();
     std::string path = RegistryPath();
     std::string bytes = ReadFile(path);
     if (registry.file && registry.path == path && registry.bytes == bytes) return registry.file;
@@ -116,6 +119,10 @@ LSTATUS Query(HKEY key, std::string_view name, DWORD* type, BYTE* data, DWORD* s
 }
 
 }  // namespace
+
+void HideRegistry() {
+    TheRegistry().isHidden = true;
+}
 
 std::size_t CountOpenKeys() {
     return TheRegistry().keys.Count();
