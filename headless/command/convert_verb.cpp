@@ -33,10 +33,11 @@ void AddConvertVerb(CLI::App& app) {
     const auto words = std::make_shared<Words>();
     CLI::App* verb =
         app.add_subcommand("convert", "Turn all controllers of a scene into the host's own.");
-    verb->add_option("SCENE", words->scene, "Scene file")->required();
-    verb->add_option("--save", words->save, "Where to save the scene")->required();
+    AddFile(*verb, "SCENE", words->scene, "Scene file")->required();
+    AddFile(*verb, "--save", words->save, "Where to save the scene")->required();
     verb->add_flag("--json", words->json, "Print the result as one JSON object");
     AddExample(*verb, "convert build/demo/take.scene --save build/demo/plain.scene");
+    ExplainReport(*verb);
     verb->callback([words] { Run(*words); });
 }
 

@@ -1,5 +1,6 @@
 #include "command/core_report.h"
 
+#include <algorithm>
 #include <charconv>
 #include <fstream>
 
@@ -29,13 +30,20 @@ double CoreReport::Number(const std::string& key) const {
 }
 
 std::size_t CoreReport::Count(const std::string& key) const {
-    return static_cast<std::size_t>(Number(key));
+    const std::string text = Text(key);
+    std::size_t count = 0;
+    std::from_chars(text.data(), text.data() + text.size(), count);
+    return count;
+}
+
+std::size_t CoreReport::Entries(const std::string& key) const {
+    return std::min(Count(key), values_.size());
 }
 
 std::vector<std::string> CoreReport::Texts(const std::string& plural,
                                            const std::string& singular) const {
     std::vector<std::string> texts;
-    for (std::size_t i = 1; i <= Count(plural); ++i)
+    for (std::size_t i = 1; i <= Entries(plural); ++i)
         texts.push_back(Text(singular + '.' + std::to_string(i)));
     return texts;
 }

@@ -18,6 +18,9 @@ class CoreReport {
     double Number(const std::string& key) const;
     std::size_t Count(const std::string& key) const;
 
+    // How many entries a list has; no more than there are lines.
+    std::size_t Entries(const std::string& key) const;
+
     // The entries of a list of texts, under `singular` and a number.
     std::vector<std::string> Texts(const std::string& plural, const std::string& singular) const;
     bool IsEmpty() const { return values_.empty(); }

@@ -48,6 +48,7 @@ void Run(const Words& words) {
         PrintForProgram(differences);
     else
         PrintForPerson(differences);
+    if (!std::cout.flush()) throw Failure(kOutputLost, kNotCompared);
     if (!differences.empty()) throw Ended{kDifferent};
 }
 
@@ -59,8 +60,8 @@ void AddDiffVerb(CLI::App& app) {
                                         "Tell two scene files apart in words. The exit status is 0 "
                                         "if they hold the same, 1 if they differ, 2 if they cannot "
                                         "be compared.");
-    verb->add_option("FIRST", words->first, "Scene file")->required();
-    verb->add_option("SECOND", words->second, "Scene file")->required();
+    AddFile(*verb, "FIRST", words->first, "Scene file")->required();
+    AddFile(*verb, "SECOND", words->second, "Scene file")->required();
     verb->add_flag("--cached-keys", words->cachedKeys,
                    "Compare also the keys that controllers cache, which evaluation moves");
     verb->add_flag("--json", words->json, "Print the result as one JSON object");

@@ -30,7 +30,7 @@ void Run(const Words& words) {
 void AddInfoVerb(CLI::App& app) {
     const auto words = std::make_shared<Words>();
     CLI::App* verb = app.add_subcommand("info", "Tell what a scene file holds.");
-    verb->add_option("SCENE", words->options.scene, "Scene file")->required();
+    AddFile(*verb, "SCENE", words->options.scene, "Scene file")->required();
     AddCompanyOptions(*verb, words->company);
     verb->add_flag("--json", words->json, "Print the result as one JSON object");
     AddExample(*verb, "info build/demo/take.scene");

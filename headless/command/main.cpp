@@ -13,9 +13,13 @@ int Fail(const char* what, int status) {
     return status;
 }
 
+headless::Failure WrongUsage(const std::string& what) {
+    return headless::Failure(what + " (--help tells more)", headless::kWrongUsage);
+}
+
 int Run(int argc, char** argv) {
     CLI::App app("The animation host without a screen, with the plug-in and its Core.");
-    app.require_subcommand(1);
+    app.require_subcommand(0, 1);
     headless::AddRecordVerb(app);
     headless::AddOpenVerb(app);
     headless::AddMergeVerb(app);
@@ -27,10 +31,10 @@ int Run(int argc, char** argv) {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) return app.exit(error);
-        throw headless::Failure(std::string(error.what()) + " (--help tells more)",
-                                headless::kWrongUsage);
+        throw WrongUsage(error.what());
     }
-    if (!std::cout.flush()) throw headless::Failure("the output cannot be written");
+    if (app.get_subcommands().empty()) throw WrongUsage("a verb is missing");
+    if (!std::cout.flush()) throw headless::Failure(headless::kOutputLost);
     return headless::kDone;
 }
 

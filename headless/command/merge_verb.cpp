@@ -47,16 +47,17 @@ void Run(const Words& words) {
 void AddMergeVerb(CLI::App& app) {
     const auto words = std::make_shared<Words>();
     CLI::App* verb = app.add_subcommand("merge", "Let the Core merge other scenes into a scene.");
-    verb->add_option("SCENE", words->scene, "Scene file")->required();
-    verb->add_option("OTHER", words->others, "Scene files to merge into it, in this order")
+    AddFile(*verb, "SCENE", words->scene, "Scene file")->required();
+    AddFiles(*verb, "OTHER", words->others, "Scene files to merge into it, in this order")
         ->required();
-    verb->add_option("--save", words->save, "Where to save the scene")->required();
+    AddFile(*verb, "--save", words->save, "Where to save the scene")->required();
     verb->add_flag("--by-host", words->byHost,
                    "Let the host merge, as it does where there is no Core");
     AddCompanyOptions(*verb, words->company);
     verb->add_flag("--json", words->json, "Print the result as one JSON object");
     AddExample(*verb,
                "merge build/demo/take.scene build/demo/take.scene --save build/demo/two.scene");
+    ExplainReport(*verb);
     verb->callback([words] { Run(*words); });
 }
 

@@ -29,12 +29,12 @@ void AddOpenVerb(CLI::App& app) {
     const auto words = std::make_shared<Words>();
     CLI::App* verb =
         app.add_subcommand("open", "Open a scene, and tell what the Core finds in it.");
-    verb->add_option("SCENE", words->scene, "Scene file")->required();
-    verb->add_option("--save", words->save, "Save the scene as it is then")
-        ->check(CheckFileName, "FILE");
+    AddFile(*verb, "SCENE", words->scene, "Scene file")->required();
+    AddFile(*verb, "--save", words->save, "Save the scene as it is then");
     AddCompanyOptions(*verb, words->company);
     verb->add_flag("--json", words->json, "Print the result as one JSON object");
     AddExample(*verb, "open build/demo/take.scene --save build/demo/again.scene");
+    ExplainReport(*verb);
     verb->callback([words] { Run(*words); });
 }
 

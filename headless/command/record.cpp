@@ -43,7 +43,7 @@ SessionSettings SettingsFor(const RecordOptions& options) {
 }
 
 void TakeReport(const CoreReport& report, RecordResult& result) {
-    for (std::size_t i = 1; i <= report.Count("captures"); ++i) {
+    for (std::size_t i = 1; i <= report.Entries("captures"); ++i) {
         const std::string entry = "capture." + std::to_string(i) + '.';
         result.captures.push_back(
             {.capture = report.Text(entry + "path"),
@@ -52,6 +52,7 @@ void TakeReport(const CoreReport& report, RecordResult& result) {
              .frameSeconds = report.Number(entry + "frameSeconds"),
              .maxPositionErrorMetres = report.Number(entry + "maxPositionErrorMetres")});
     }
+    if (result.captures.empty()) throw Failure("the Core reported no capture");
     result.recordSeconds = report.Number("recordSeconds");
 }
 
@@ -71,7 +72,7 @@ CoreReport AskForFile(CoreStage& stage, CoreRequest request, const std::string& 
     try {
         return stage.AskCore(request);
     } catch (const Failure& failure) {
-        throw Failure(file.Named(failure.what()));
+        throw Failure(file.Named(failure.what()), failure.Status());
     }
 }
 

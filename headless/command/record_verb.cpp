@@ -5,6 +5,7 @@
 #include <iostream>
 #include <memory>
 
+#include "command/exit_status.h"
 #include "command/print_result.h"
 #include "command/record.h"
 #include "command/verb_options.h"
@@ -27,6 +28,9 @@ struct Words {
 };
 
 void Run(const Words& words) {
+    if (words.options.captures.size() > 1 && !words.options.csv.empty())
+        throw Failure("--csv: the positions of several captures do not go into one file",
+                      kWrongUsage);
     RecordOptions options = words.options;
     options.optimisedController = !words.plainController;
     options.progress = isatty(STDERR_FILENO) != 0;
@@ -43,20 +47,18 @@ void AddRecordVerb(CLI::App& app) {
     const auto words = std::make_shared<Words>();
     RecordOptions& options = words->options;
     CLI::App* verb = app.add_subcommand("record", "Record motion captures into a new scene.");
-    verb->add_option("CAPTURE", options.captures, "Motion capture files (.bvh)")
-        ->required()
-        ->check(CheckFileName, "FILE");
+    AddFiles(*verb, "CAPTURE", options.captures, "Motion capture files (.bvh)")->required();
     verb->add_option("--scale", options.metresPerUnit, "Metres in a unit of the captures")
         ->check(CheckSize, "ABOVE 0")
         ->capture_default_str();
     verb->add_option("--units", options.hostUnitsPerMetre, "Host units in a metre")
         ->check(CheckSize, "ABOVE 0")
         ->capture_default_str();
-    verb->add_option("--scene", options.scene, "Save the scene")->check(CheckFileName, "FILE");
-    verb->add_option("--poses", options.poses, "Write what `sample` says of each frame");
-    verb->add_option("--csv", options.csv,
-                     "Write where each joint was in each frame (of one capture)");
-    verb->add_option("--trace", options.trace, "Write the plug-in's trace");
+    AddFile(*verb, "--scene", options.scene, "Save the scene");
+    AddFile(*verb, "--poses", options.poses, "Write what `sample` says of each frame");
+    AddFile(*verb, "--csv", options.csv,
+            "Write where each joint was in each frame (of one capture)");
+    AddFile(*verb, "--trace", options.trace, "Write the plug-in's trace");
     verb->add_flag("--no-optimised-controller", words->plainController,
                    "Record into the host's own controllers");
     verb->add_flag("--json", words->json, "Print the result as one JSON object");

@@ -29,7 +29,7 @@ void Run(const Words& words) {
                        {kSampleNodesVariable, Lines(words.nodes)},
                        {kCsvVariable, csv.Path()}});
     } catch (const Failure& failure) {
-        throw Failure(csv.Named(failure.what()));
+        throw Failure(csv.Named(failure.what()), failure.Status());
     }
     if (words.csv.empty())
         std::cout << std::ifstream(csv.Path(), std::ios::binary).rdbuf();
@@ -45,13 +45,13 @@ void AddSampleVerb(CLI::App& app) {
         "sample",
         "Write where the Core's nodes are, as comma-separated values in Core space: metres, Y up, "
         "rotations as quaternions, scales as metres in a unit of the node's own space.");
-    verb->add_option("SCENE", words->scene, "Scene file")->required();
+    AddFile(*verb, "SCENE", words->scene, "Scene file")->required();
     verb->add_option("--node", words->nodes, "The host's name of a node; all if none is named")
         ->expected(1)
         ->take_all();
     verb->add_option("--times", words->times, "START:END:STEP in seconds, END included")
         ->required();
-    verb->add_option("--csv", words->csv, "Write to a file instead of stdout");
+    AddFile(*verb, "--csv", words->csv, "Write to a file instead of stdout");
     AddExample(*verb, "sample build/demo/take.scene --node 01_01_Hips --times 0:2:0.5");
     verb->callback([words] { Run(*words); });
 }

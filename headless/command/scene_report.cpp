@@ -13,7 +13,7 @@ namespace {
 
 std::vector<TakeReport> TakesIn(const CoreReport& report) {
     std::vector<TakeReport> takes;
-    for (std::size_t i = 1; i <= report.Count("takes"); ++i) {
+    for (std::size_t i = 1; i <= report.Entries("takes"); ++i) {
         const std::string entry = "take." + std::to_string(i) + '.';
         takes.push_back({.name = report.Text(entry + "name"),
                          .parent = report.Text(entry + "parent"),

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "command/core_stage.h"
 
 namespace CLI {
 class App;
-}
+class Option;
+}  // namespace CLI
 
 // What several verbs offer alike.
 namespace headless {
@@ -15,6 +17,15 @@ namespace headless {
 // the files that `./dev demo` leaves behind.
 void AddExample(CLI::App& verb, const std::string& words);
 
+// Behind the example: what the words of a SceneReport mean.
+void ExplainReport(CLI::App& verb);
+
+// An argument or option for the names of files, of which none may be empty.
+CLI::Option* AddFile(CLI::App& verb, const std::string& words, std::string& name,
+                     const std::string& help);
+CLI::Option* AddFiles(CLI::App& verb, const std::string& words, std::vector<std::string>& names,
+                      const std::string& help);
+
 // Whom to start the host with: --no-core and --no-plugin.
 struct CompanyWords {
     bool noCore = false;
@@ -22,9 +33,6 @@ struct CompanyWords {
 
     Company Chosen() const;
 };
-
-// Empty, or what is wrong with the name of a file.
-std::string CheckFileName(const std::string& text);
 
 void AddCompanyOptions(CLI::App& verb, CompanyWords& words);
 

@@ -47,8 +47,8 @@ std::string Command::Do(const std::string& arguments, const std::string& coreFol
     return ending.out;
 }
 
-void Command::ExpectFailure(const Ending& ending, const std::string& what) {
-    EXPECT_EQ(ending.status, 1);
+void Command::ExpectFailure(const Ending& ending, const std::string& what, int status) {
+    EXPECT_EQ(ending.status, status) << ending.error;
     EXPECT_EQ(ending.out, "");
     EXPECT_EQ(std::count(ending.error.begin(), ending.error.end(), '\n'), 1) << ending.error;
     EXPECT_EQ(ending.error.rfind("lumiset-headless: " + what, 0), 0U) << ending.error;

@@ -26,8 +26,8 @@ class Command : public testing::Test {
     // The same; the test fails unless all went well. Gives what was printed.
     std::string Do(const std::string& arguments, const std::string& coreFolder = CORE_FOLDER) const;
 
-    // Fails with one line, which says all of `what`.
-    static void ExpectFailure(const Ending& ending, const std::string& what);
+    // Fails with one line, which begins with `what`.
+    static void ExpectFailure(const Ending& ending, const std::string& what, int status = 1);
 
     std::string folder_;
 };

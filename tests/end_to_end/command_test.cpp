@@ -55,9 +55,21 @@ TEST_F(Command, RefusesFilesThatItCannotWriteAndWordsThatItDoesNotKnow) {
         const std::string path = File("nowhere/file");
         ExpectFailure(Run("record " + capture + option + path), path + ": ");
     }
-    for (const std::string& words : {std::string("record"), "record " + capture + " --scale -1",
-                                     "record " + capture + " --sideways", std::string("play")})
-        EXPECT_EQ(Run(words).status, 2) << words;
+    const std::string record = "record " + capture;
+    const std::string noName = ": the name of a file is empty";
+    struct Wrong {
+        std::string words;
+        std::string what;
+    };
+    for (const Wrong& wrong :
+         {Wrong{"", "a verb is missing"}, Wrong{"record", "CAPTURE"},
+          Wrong{"play", "The following argument was not expected: play"},
+          Wrong{record + " --sideways", "The following argument was not expected: --sideways"},
+          Wrong{record + " --scale -1", "--scale: "}, Wrong{record + " --scale 2e6", "--scale: "},
+          Wrong{record + " x.bvh --csv x", "--csv: "},
+          Wrong{record + " --csv ''", "--csv" + noName},
+          Wrong{"merge a b --save ''", "--save" + noName}, Wrong{"info ''", "SCENE" + noName}})
+        ExpectFailure(Run(wrong.words), wrong.what, 2);
 }
 
 }  // namespace
