@@ -170,6 +170,31 @@ TEST_F(SceneFile, MergesUnderNewHandlesWithEverythingThatBelongsToIt) {
     }
 }
 
+TEST_F(SceneFile, SweepsUpWhatKilledSavesHaveLeftButNothingThatSomebodyMayWant) {
+    const std::string built = SaveBuilt();
+    const std::string cut = built.substr(0, built.size() - 1);
+    std::string newer = cut;
+    newer[sizeof "LumScene" - 1] = 2;
+    struct Left {
+        const char* name;
+        std::string bytes;
+        int hours;
+        bool stays;
+    };
+    const Left all[] = {{".0123abcd.saving", cut, 25, false},  {".00000000.saving", "", 25, false},
+                        {".11111111.saving", built, 25, true}, {".22222222.saving", cut, 23, true},
+                        {".33333333.saving", newer, 25, true}, {".3.saving", cut, 25, true},
+                        {".0123abcd.scene1", cut, 25, true}};
+    for (const Left& left : all) {
+        WriteBytes(File(left.name), left.bytes);
+        const auto now = std::filesystem::file_time_type::clock::now();
+        std::filesystem::last_write_time(File(left.name), now - std::chrono::hours(left.hours));
+    }
+    Save("built");
+    for (const Left& left : all)
+        EXPECT_EQ(std::filesystem::exists(File(left.name)), left.stays) << left.name;
+}
+
 // A process is killed while it saves one scene over the other, and over again.
 TEST_F(SceneFile, IsOneOrTheOtherHoweverASaveIsKilled) {
     const std::string built = SaveBuilt();
