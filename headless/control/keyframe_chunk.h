@@ -27,9 +27,8 @@ class KeyframeChunk {
     // Nothing if the bytes are anything but one whole chunk of that form.
     static std::optional<KeyframeChunk> In(std::span<const std::byte> saved);
 
-    std::size_t Count() const {
-        return count_;
-    }                                       // without the cached key, which stands behind them
+    // Without the cached key, which stands behind the others.
+    std::size_t Count() const { return count_; }
     TimeValue Time(std::size_t key) const;  // ticks
     std::span<const std::byte> Value(std::size_t key) const;
     std::span<const std::byte> Record(std::size_t key) const;

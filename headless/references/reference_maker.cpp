@@ -11,8 +11,10 @@ ReferenceMaker::~ReferenceMaker() {
 IOResult ReferenceMaker::Save(ISave*) {
     return IO_OK;
 }
-IOResult ReferenceMaker::Load(ILoad*) {
-    return IO_OK;
+
+// What is there and not read would be lost with the next save.
+IOResult ReferenceMaker::Load(ILoad* load) {
+    return load->OpenChunk() == IO_END ? IO_OK : IO_ERROR;
 }
 
 RefResult ReferenceMaker::NotifyRefChanged(Interval, RefTargetHandle, PartID&, RefMessage) {

@@ -15,7 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 
 [[noreturn]] void Fail(const std::string& path, const std::string& reason) {
-    throw SceneFileError(path + ": the file cannot be written: " + reason);
+    throw SceneFileError(NotWritten(path) + ": " + reason);
 }
 
 // Only files are replaced, and one that a link leads to where it stands.
@@ -28,10 +28,12 @@ std::string PlaceOf(const std::string& path) {
     return error ? path : place.string();
 }
 
-std::string Hexadecimal(unsigned number) {
-    char text[16];
-    std::snprintf(text, sizeof text, "%08x", number);
-    return text;
+std::string RandomName(std::random_device& random) {
+    constexpr std::string_view kHexadecimal = "0123456789abcdef";
+    std::string name(kSavingPrefix);
+    for (std::size_t i = 0; i < kSavingDigits; ++i)
+        name += kHexadecimal[random() % kHexadecimal.size()];
+    return name.append(kSavingSuffix);
 }
 
 // A new file in the folder of `place`, under a name that nobody has. Names that a process left
@@ -40,8 +42,7 @@ std::string NewFileBeside(const std::string& place, const std::string& path) {
     constexpr int kAttempts = 100;
     std::random_device random;
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        const fs::path name =
-            fs::path(place).replace_filename("." + Hexadecimal(random()) + ".saving");
+        const fs::path name = fs::path(place).replace_filename(RandomName(random));
         errno = 0;
         if (std::FILE* const file = std::fopen(name.string().c_str(), "wbx")) {
             std::fclose(file);
@@ -53,6 +54,10 @@ std::string NewFileBeside(const std::string& place, const std::string& path) {
 }
 
 }  // namespace
+
+std::string NotWritten(const std::string& path) {
+    return path + ": the file cannot be written";
+}
 
 AtomicFile::AtomicFile(const std::string& path)
     : path_(path), place_(PlaceOf(path)), written_(NewFileBeside(place_, path)), sink_(written_) {}
@@ -67,13 +72,14 @@ void AtomicFile::Close() {
 }
 
 // The new file is as open to others as the old one was.
-void AtomicFile::TakePlace() {
+std::string AtomicFile::TakePlace() {
     std::error_code error;
     const fs::file_status old = fs::status(place_, error);
     if (fs::exists(old)) fs::permissions(written_, old.permissions(), error);
     const std::string reason = platform::ReplaceFile(written_, place_);
     if (!reason.empty()) Fail(path_, reason);
     written_.clear();
+    return place_;
 }
 
 void AtomicFile::FailToWrite() const {

@@ -1,10 +1,19 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "storage/byte_sink.h"
 
 namespace headless {
+
+// The name of a file that is being written: so many hexadecimal digits between the two.
+inline constexpr std::string_view kSavingPrefix = ".";
+inline constexpr std::string_view kSavingSuffix = ".saving";
+inline constexpr std::size_t kSavingDigits = 8;
+
+// How an error begins that says why a file cannot be written.
+std::string NotWritten(const std::string& path);
 
 // A file that is written beside the place it is meant for and takes that place when it is whole.
 // What does not come so far leaves nothing behind, and whatever stood at the place stands. Throws
@@ -22,8 +31,8 @@ class AtomicFile {
     const std::string& WrittenPath() const { return written_; }
     void Close();
 
-    // After Close: onto the disk, and into place.
-    void TakePlace();
+    // After Close: onto the disk, and into place. The result is the place, behind all links.
+    std::string TakePlace();
 
     // Throws, with what the system said of the sink.
     [[noreturn]] void FailToWrite() const;

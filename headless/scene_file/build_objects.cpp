@@ -1,7 +1,5 @@
 #include "scene_file/build_objects.h"
 
-#include <exception>
-
 #include "classes/class_registry.h"
 #include "host/control.h"
 #include "host/object.h"
@@ -10,7 +8,7 @@
 #include "scene_file/check_document.h"
 #include "scene_file/scene_chunks.h"
 #include "scene_file/stand_ins.h"
-#include "scene_file/stored_bytes.h"
+#include "scene_file/thrown_words.h"
 #include "storage/chunk_reader.h"
 
 namespace headless {
@@ -60,53 +58,54 @@ std::vector<bool> NodeObjects(const SceneDocument& document) {
 
 }  // namespace
 
-BuiltObjects::BuiltObjects(const SceneDocument& document, ByteSource& source,
-                           const std::string& path)
-    : document_(document), source_(source), path_(path) {
-    const std::vector<bool> isNodeObject = NodeObjects(document);
-    objects_.reserve(document.objects.size());
-    for (std::size_t i = 0; i < document.objects.size(); ++i)
-        objects_.push_back(Make(i, isNodeObject[i]));
+BuiltObjects::BuiltObjects(Unbuilt unbuilt)
+    : file_(unbuilt.file),
+      document_(unbuilt.file.Document()),
+      isNodeObject_(NodeObjects(document_)) {}
+
+// By way of the other constructor, so that what is made ends well also if the making does not.
+BuiltObjects::BuiltObjects(SceneFileReader& file) : BuiltObjects(Unbuilt{file}) {
+    objects_.reserve(document_.objects.size());
+    for (std::size_t i = 0; i < document_.objects.size(); ++i)
+        objects_.push_back(Make(i));
 }
 
 // What an object lets go of can stand further along, hence nothing is freed before the end.
 BuiltObjects::~BuiltObjects() {
     const Graveyard::Pause pause;
-    for (ReferenceTarget* object : objects_)
-        Graveyard::Get().Release(*object);
+    for (const auto* objects : {&objects_, &refused_}) {
+        for (ReferenceTarget* object : *objects)
+            Graveyard::Get().Release(*object);
+    }
 }
 
-ReferenceTarget* BuiltObjects::Make(std::size_t index, bool isNodeObject) {
+ReferenceTarget* BuiltObjects::Make(std::size_t index) {
     const StoredObject& stored = document_.objects[index];
     std::string failure;
     ReferenceTarget* const object = MakeLoaded(stored, failure);
-    if (object && isNodeObject && !dynamic_cast<Object*>(object)) {
+    if (object && isNodeObject_[index] && !dynamic_cast<Object*>(object)) {
         object->DeleteThis();
         failure = "is no object that a node can have";
     } else if (object) {
         return object;
     }
-    if (!failure.empty()) {
-        complaints_.push_back(path_ + ": at byte " + std::to_string(stored.position) + ": " +
-                              stored.type.name + " " + failure + "; it is kept as it is stored");
-    }
-    return NewStandIn(stored.type, BytesOf(source_, stored.bytes), stored.references.size(),
-                      isNodeObject);
+    if (!failure.empty()) Complain(stored, failure);
+    return MakeStandIn(index);
 }
 
 // Null if the class is not loaded, or with a `failure` if the object cannot be what is stored.
-ReferenceTarget* BuiltObjects::MakeLoaded(const StoredObject& stored, std::string& failure) const {
+ReferenceTarget* BuiltObjects::MakeLoaded(const StoredObject& stored, std::string& failure) {
     const StoredClass& type = stored.type;
     ClassDesc* const descriptor =
         IsTargetClass(type.superClass) ? TheClasses().Find(type.superClass, type.id) : nullptr;
     void* const created = descriptor ? descriptor->Create(true) : nullptr;
     if (!created) return nullptr;
     ReferenceTarget* const object = AsTarget(created, type.superClass);
-    ChunkReader reader(source_, stored.bytes.begin, stored.bytes.end);
+    ChunkReader reader(file_.Source(), stored.bytes.begin, stored.bytes.end);
     try {
         if (object->Load(&reader) != IO_OK) failure = "could not read its bytes";
-    } catch (const std::exception& error) {
-        failure = std::string("could not read its bytes (") + error.what() + ")";
+    } catch (...) {
+        failure = "could not read its bytes (" + ThrownWords() + ")";
     }
     if (failure.empty() && stored.references.size() > static_cast<std::size_t>(object->NumRefs()))
         failure = "has fewer references than are stored";
@@ -115,19 +114,52 @@ ReferenceTarget* BuiltObjects::MakeLoaded(const StoredObject& stored, std::strin
     return nullptr;
 }
 
+ReferenceTarget* BuiltObjects::MakeStandIn(std::size_t index) {
+    const StoredObject& stored = document_.objects[index];
+    return NewStandIn(stored.type, file_.BytesOf(stored.bytes), stored.references.size(),
+                      isNodeObject_[index]);
+}
+
+void BuiltObjects::Complain(const StoredObject& stored, const std::string& failure) {
+    complaints_.push_back(file_.Path() + ": at byte " + std::to_string(stored.position) + ": " +
+                          stored.type.name + " " + failure + "; it is kept as it is stored");
+}
+
 // From the far ends of the chains on, so that whoever gets a reference is not yet referred to,
 // which is what the search for circles would have to go through.
-void BuiltObjects::PointReferences(const std::vector<NodePtr>& nodes) const {
+void BuiltObjects::PointReferences(const std::vector<NodePtr>& nodes) {
     for (const std::size_t item : TargetsFirst(document_)) {
-        const bool isObject = item < objects_.size();
-        const std::size_t place = isObject ? item : item - objects_.size();
-        ReferenceMaker& maker = isObject ? static_cast<ReferenceMaker&>(*objects_[place])
-                                         : static_cast<ReferenceMaker&>(*nodes[place]);
-        const auto& references =
-            isObject ? document_.objects[place].references : document_.nodes[place].references;
-        for (std::size_t i = 0; i < references.size(); ++i)
-            maker.ReplaceReference(static_cast<int>(i), TargetOf(references[i], nodes));
+        if (item < objects_.size()) {
+            PointObject(item, nodes);
+        } else {
+            const std::size_t node = item - objects_.size();
+            Point(*nodes[node], document_.nodes[node].references, nodes);
+        }
     }
+}
+
+// What an object does not refer to would be lost, such as a part that stands in for what it was.
+// Nobody refers to the object itself yet, so that another can still take its place.
+void BuiltObjects::PointObject(std::size_t index, const std::vector<NodePtr>& nodes) {
+    const StoredObject& stored = document_.objects[index];
+    if (Point(*objects_[index], stored.references, nodes)) return;
+    Complain(stored, "does not take what it refers to");
+    refused_.push_back(objects_[index]);
+    objects_[index] = MakeStandIn(index);
+    Point(*objects_[index], stored.references, nodes);
+}
+
+// False: not all of them point to what they are stored to.
+bool BuiltObjects::Point(ReferenceMaker& maker, const std::vector<StoredReference>& references,
+                         const std::vector<NodePtr>& nodes) const {
+    bool isTaken = true;
+    for (std::size_t i = 0; i < references.size(); ++i) {
+        const int index = static_cast<int>(i);
+        ReferenceTarget* const target = TargetOf(references[i], nodes);
+        maker.ReplaceReference(index, target);
+        isTaken &= !target || maker.GetReference(index) == target;
+    }
+    return isTaken;
 }
 
 ReferenceTarget* BuiltObjects::TargetOf(const StoredReference& reference,

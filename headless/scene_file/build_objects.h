@@ -6,36 +6,48 @@
 #include "host/reference.h"
 #include "scene/node.h"
 #include "scene_file/scene_document.h"
-#include "storage/byte_source.h"
+#include "scene_file/scene_file.h"
 
 namespace headless {
 
-// Everything that a checked document holds, made anew outside the scene. Objects that nobody has
-// taken a reference to when this ends are freed with it.
+// Everything that a checked file holds, made anew outside the scene. Objects that nobody has taken
+// a reference to when this ends are freed with it.
 class BuiltObjects {
   public:
-    // `path` is for messages. Nothing refers to anything yet.
-    BuiltObjects(const SceneDocument& document, ByteSource& source, const std::string& path);
+    // Nothing refers to anything yet.
+    explicit BuiltObjects(SceneFileReader& file);
     ~BuiltObjects();
     BuiltObjects(const BuiltObjects&) = delete;
     BuiltObjects& operator=(const BuiltObjects&) = delete;
 
-    // Points all references, those of the nodes too: `nodes` are those of the document.
-    void PointReferences(const std::vector<NodePtr>& nodes) const;
+    // Points all references, those of the nodes too: `nodes` are those of the file.
+    void PointReferences(const std::vector<NodePtr>& nodes);
 
-    // A line for each object that is there as it was stored because it could not read its bytes.
+    // A line for each object that is there as it was stored because it could not read its bytes, or
+    // would not refer to what it referred to.
     const std::vector<std::string>& Complaints() const { return complaints_; }
 
   private:
-    ReferenceTarget* Make(std::size_t index, bool isNodeObject);
-    ReferenceTarget* MakeLoaded(const StoredObject& stored, std::string& failure) const;
+    struct Unbuilt {
+        SceneFileReader& file;
+    };
+    explicit BuiltObjects(Unbuilt unbuilt);
+
+    ReferenceTarget* Make(std::size_t index);
+    ReferenceTarget* MakeLoaded(const StoredObject& stored, std::string& failure);
+    ReferenceTarget* MakeStandIn(std::size_t index);
+    void Complain(const StoredObject& stored, const std::string& failure);
+    void PointObject(std::size_t index, const std::vector<NodePtr>& nodes);
+    bool Point(ReferenceMaker& maker, const std::vector<StoredReference>& references,
+               const std::vector<NodePtr>& nodes) const;
     ReferenceTarget* TargetOf(const StoredReference& reference,
                               const std::vector<NodePtr>& nodes) const;
 
+    SceneFileReader& file_;
     const SceneDocument& document_;
-    ByteSource& source_;
-    const std::string& path_;
+    std::vector<bool> isNodeObject_;  // by index, like the objects
     std::vector<ReferenceTarget*> objects_;
+    std::vector<ReferenceTarget*> refused_;  // a stand-in has the place of each
     std::vector<std::string> complaints_;
 };
 

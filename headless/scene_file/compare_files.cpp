@@ -11,7 +11,6 @@
 #include "scene_file/match_nodes.h"
 #include "scene_file/scene_chunks.h"
 #include "scene_file/scene_file.h"
-#include "scene_file/stored_bytes.h"
 #include "storage/chunk_reader.h"
 
 namespace headless {
@@ -213,8 +212,8 @@ class Comparison {
     }
 
     void CompareSaved(const std::string& place, const StoredObject& a, const StoredObject& b) {
-        const auto first = BytesOf(firstReader_.Source(), a.bytes);
-        const auto second = BytesOf(secondReader_.Source(), b.bytes);
+        const auto first = firstReader_.BytesOf(a.bytes);
+        const auto second = secondReader_.BytesOf(b.bytes);
         const auto left = Compared(a.type, first);
         const auto right = Compared(b.type, second);
         if (std::equal(left.begin(), left.end(), right.begin(), right.end())) return;
@@ -254,8 +253,8 @@ class Comparison {
 
     void CompareChunks(const std::string& place, const StoredRange& a, const StoredRange& b) {
         const std::size_t before = found_.size();
-        const auto first = BytesOf(firstReader_.Source(), a);
-        const auto second = BytesOf(secondReader_.Source(), b);
+        const auto first = firstReader_.BytesOf(a);
+        const auto second = secondReader_.BytesOf(b);
         if (first == second) return;
         MemorySource firstSource(first);
         MemorySource secondSource(second);

@@ -4,7 +4,6 @@
 #include "headless/scene_file_view.h"
 #include "scene_file/scene_chunks.h"
 #include "scene_file/scene_file.h"
-#include "scene_file/stored_bytes.h"
 #include "scene_file/stored_keys.h"
 #include "storage/chunk_reader.h"
 
@@ -20,8 +19,7 @@ ClassInFile ViewOf(const StoredClass& type) {
 
 class FileViewer {
   public:
-    explicit FileViewer(const std::string& path)
-        : reader_(path), document_(reader_.Document()), source_(reader_.Source()) {}
+    explicit FileViewer(const std::string& path) : reader_(path), document_(reader_.Document()) {}
 
     SceneFileView View() {
         SceneFileView view = SettingsView();
@@ -72,7 +70,7 @@ class FileViewer {
     }
 
     KeyView KeysView(const StoredObject& controller) {
-        const auto keys = KeysOf(controller.type, BytesOf(source_, controller.bytes)).keys;
+        const auto keys = KeysOf(controller.type, reader_.BytesOf(controller.bytes)).keys;
         KeyView view;
         view.count = static_cast<int>(keys.size());
         view.storedBytes = static_cast<std::size_t>(controller.bytes.Size());
@@ -84,7 +82,7 @@ class FileViewer {
 
     std::vector<ChunkInFile> ChunksIn(const StoredRange& range) {
         std::vector<ChunkInFile> chunks;
-        ChunkReader level(source_, range.begin, range.end);
+        ChunkReader level(reader_.Source(), range.begin, range.end);
         while (level.OpenChunk() == IO_OK) {
             chunks.push_back({level.CurChunkID(), level.Left()});
             level.CloseChunk();
@@ -101,7 +99,6 @@ class FileViewer {
 
     SceneFileReader reader_;
     const SceneDocument& document_;
-    ByteSource& source_;
 };
 
 }  // namespace

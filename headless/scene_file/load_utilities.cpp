@@ -1,8 +1,7 @@
 #include <algorithm>
-#include <exception>
 
 #include "scene_file/scene_file.h"
-#include "scene_file/stored_bytes.h"
+#include "scene_file/thrown_words.h"
 #include "storage/chunk_reader.h"
 
 namespace headless {
@@ -54,9 +53,8 @@ std::vector<KeptChunks> SceneFileReader::LoadUtilities(std::span<const RunningUt
                 const IOResult result = utility->Load(&reader);
                 taken = result == IO_OK && reader.HasOpened();
                 if (result != IO_OK) failure = "could not read its chunks";
-            } catch (const std::exception& error) {
-                taken = false;
-                failure = std::string("could not read its chunks (") + error.what() + ")";
+            } catch (...) {
+                failure = "could not read its chunks (" + ThrownWords() + ")";
             }
             if (!failure.empty()) {
                 complaints.push_back(path_ + ": at byte " + std::to_string(stored.chunks.begin) +
@@ -64,7 +62,7 @@ std::vector<KeptChunks> SceneFileReader::LoadUtilities(std::span<const RunningUt
                                      "; they are kept as they are stored");
             }
         }
-        if (!taken) kept.push_back({stored.type, BytesOf(*source_, stored.chunks)});
+        if (!taken) kept.push_back({stored.type, BytesOf(stored.chunks)});
     }
     return kept;
 }

@@ -8,6 +8,7 @@
 #include "scene/units.h"
 #include "scene_file/build_objects.h"
 #include "scene_file/check_document.h"
+#include "scene_file/field_reader.h"
 #include "scene_file/read_document.h"
 #include "scene_file/scene_file.h"
 
@@ -21,7 +22,7 @@ NodeLook LookOf(const StoredNode& stored) {
 }
 
 // With their references, and each under its parent.
-void PutIntoScene(const SceneDocument& document, const BuiltObjects& objects,
+void PutIntoScene(const SceneDocument& document, BuiltObjects& objects,
                   const std::vector<NodePtr>& nodes) {
     for (std::size_t i = 0; i < nodes.size(); ++i)
         nodes[i]->SetLook(LookOf(document.nodes[i]));
@@ -64,10 +65,17 @@ SceneFileReader::SceneFileReader(const std::string& path) : path_(path) {
     CheckDocument(document_, path_);
 }
 
+std::vector<std::byte> SceneFileReader::BytesOf(const StoredRange& range) {
+    std::vector<std::byte> bytes(static_cast<std::size_t>(range.Size()));
+    if (source_->ReadAt(range.begin, bytes) != bytes.size())
+        FailAt(path_, range.begin, "the file cannot be read");
+    return bytes;
+}
+
 std::vector<std::string> SceneFileReader::OpenIntoScene() {
     const TimeValue before = CurrentTime();
     RestoreSettings(document_.settings);
-    const BuiltObjects objects(document_, *source_, path_);
+    BuiltObjects objects(*this);
     std::vector<NodePtr> nodes;
     for (const StoredNode& stored : document_.nodes)
         nodes.push_back(SceneNode::New(stored.handle));
@@ -83,7 +91,7 @@ std::vector<SceneNode*> SceneFileReader::MergeIntoScene(std::vector<std::string>
         throw SceneFileError(path_ + ": the file's unit has another size than the scene's");
     if (settings.frameRate * settings.ticksPerFrame != GetFrameRate() * GetTicksPerFrame())
         throw SceneFileError(path_ + ": a second of the file has another number of ticks");
-    const BuiltObjects objects(document_, *source_, path_);
+    BuiltObjects objects(*this);
     std::vector<NodePtr> nodes;
     std::vector<SceneNode*> merged;
     for (std::size_t i = 0; i < document_.nodes.size(); ++i) {

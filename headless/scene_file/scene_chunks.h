@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "storage/chunk_format.h"
+
 // What stands in a scene file where; docs/scene-file.md has it byte by byte. The header is the
 // magic and the version. Then come the chunks below, in the order of their ids, each with the
 // checksum of its id, its length and its contents as the last bytes of these.
@@ -21,6 +23,9 @@ enum SceneChunk : std::uint16_t {
     kUtilityChunk = 4,
     kEndChunk = 5,  // once; how many objects, nodes and utilities there are
 };
+
+inline constexpr std::size_t kEndChunkBytes =
+    kChunkHeaderBytes + 3 * sizeof(std::uint32_t) + kChecksumBytes;
 
 inline constexpr std::size_t kReferenceBytes = 5;  // the kind of target, and its index
 

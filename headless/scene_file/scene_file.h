@@ -41,7 +41,12 @@ class SceneFileReader {
     explicit SceneFileReader(const std::string& path);
 
     const SceneDocument& Document() const { return document_; }
+    const std::string& Path() const { return path_; }
     ByteSource& Source() { return *source_; }
+
+    // What stands at a range of the document. Throws SceneFileError if the disk fails: with the
+    // next save half of the bytes would take the place of the whole.
+    std::vector<std::byte> BytesOf(const StoredRange& range);
 
     // Makes everything that the file holds. The scene is empty and nothing is held; none of it is
     // undoable. Units, frame rate, range, time, handles, parents, properties and selection are the

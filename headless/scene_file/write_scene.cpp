@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <exception>
 #include <map>
 #include <tuple>
 #include <unordered_map>
@@ -10,11 +9,13 @@
 #include "host/units.h"
 #include "scene/scene.h"
 #include "scene/timeline.h"
+#include "scene_file/abandoned_saves.h"
 #include "scene_file/atomic_file.h"
 #include "scene_file/check_document.h"
 #include "scene_file/read_document.h"
 #include "scene_file/scene_chunks.h"
 #include "scene_file/scene_file.h"
+#include "scene_file/thrown_words.h"
 #include "scene_file/top_chunk.h"
 
 namespace headless {
@@ -48,11 +49,10 @@ void SaveInto(ByteSink& sink, const std::string& path, const std::string& name, 
             writer.CloseAll();
             return;
         }
-    } catch (const std::exception& error) {
-        reason = std::string(" (") + error.what() + ")";
+    } catch (...) {
+        reason = " (" + ThrownWords() + ")";
     }
-    throw SceneFileError(path + ": the file cannot be written: " + name + " could not save itself" +
-                         reason);
+    throw SceneFileError(NotWritten(path) + ": " + name + " could not save itself" + reason);
 }
 
 // What the utilities write, in the order of their classes.
@@ -202,7 +202,8 @@ class SceneWriter {
 // A scene that could not be opened again takes nobody's place.
 void CheckWritten(const std::string& written, const std::string& path) {
     FileSource source(written);
-    CheckDocument(ReadDocument(source, path), path);
+    const std::string place = NotWritten(path);
+    CheckDocument(ReadDocument(source, place), place);
 }
 
 }  // namespace
@@ -215,7 +216,7 @@ void WriteSceneFile(const std::string& path, std::span<const RunningUtility> run
     SceneWriter(path, file).Write(utilities);
     file.Close();
     CheckWritten(file.WrittenPath(), path);
-    file.TakePlace();
+    SweepAbandonedSaves(file.TakePlace());
 }
 
 }  // namespace headless

@@ -1,7 +1,6 @@
 #include "session/scene_files.h"
 
 #include <algorithm>
-#include <exception>
 #include <filesystem>
 #include <iostream>
 #include <optional>
@@ -11,6 +10,7 @@
 #include "host/notify.h"
 #include "scene/notifications.h"
 #include "scene/selection.h"
+#include "scene_file/thrown_words.h"
 #include "session/empty_scene.h"
 #include "session/file_work.h"
 
@@ -40,10 +40,8 @@ std::string Attempt(const std::string& path, const char* during, Work work) {
         work();
     } catch (const SceneFileError& error) {
         return error.what();
-    } catch (const std::exception& error) {
-        return At(path, std::string(during) + ": " + error.what());
     } catch (...) {
-        return At(path, std::string(during) + ": unknown exception");
+        return At(path, during + (": " + ThrownWords()));
     }
     return {};
 }

@@ -124,6 +124,30 @@ TEST_F(CraftedFile, IsRefusedForWhatItSays) {
     EXPECT_EQ(headless::Nodes().size(), 2U);
 }
 
+// A camera whose parameters are of a class that nobody knows, then ones that hold more than they
+// can read.
+TEST_F(CraftedFile, KeepsAnObjectWithWhatItWouldNotReferTo) {
+    SavePlain();
+    GetCOREInterface()->CreateObjectNode(GetCOREInterface()->CreateCameraObject(0));
+    EXPECT_EQ(Host().SaveScene(File("plain")).error, "");
+    const std::string plain = Bytes(File("plain"));
+    constexpr int kParameters = 6;
+    constexpr std::size_t kIds = 4;
+    constexpr std::size_t kCount = 33;  // of references, behind the class "Camera parameters"
+    for (const Craft& craft : {Craft{kObject, kParameters, kIds, {9}, ""},
+                               Craft{kObject, kParameters, kCount, {1}, ""}}) {
+        const headless::FileOutcome outcome = Open(plain, craft);
+        EXPECT_EQ(outcome.error, "");
+        ASSERT_FALSE(outcome.complaints.empty());
+        EXPECT_NE(outcome.complaints.back().find("Camera does not take"), std::string::npos);
+        EXPECT_EQ(Host().SaveScene(File("again")).error, "");
+        const std::string crafted = Bytes(File("crafted"));
+        const Place kept = Find(crafted, kObject, kParameters);
+        const std::string parameters = crafted.substr(kept.begin, kept.checksum - kept.begin);
+        EXPECT_NE(Bytes(File("again")).find(parameters), std::string::npos);
+    }
+}
+
 // References that lead in a circle, and an object of a class that is no target of references.
 TEST_F(CraftedFile, MakesNoCirclesAndCreatesNoUtilities) {
     SavePlain();

@@ -1,0 +1,75 @@
+#include "scene_file/abandoned_saves.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <chrono>
+#include <filesystem>
+#include <span>
+#include <string_view>
+#include <system_error>
+
+#include "scene_file/atomic_file.h"
+#include "scene_file/scene_chunks.h"
+#include "storage/byte_source.h"
+#include "storage/chunk_format.h"
+
+namespace headless {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::chrono::hours kLongestSave{24};
+
+bool IsNameWhileSaving(std::string_view name) {
+    if (name.size() != kSavingPrefix.size() + kSavingDigits + kSavingSuffix.size()) return false;
+    const std::string_view digits = name.substr(kSavingPrefix.size(), kSavingDigits);
+    return name.starts_with(kSavingPrefix) && name.ends_with(kSavingSuffix) &&
+           std::ranges::all_of(digits, [](unsigned char c) { return std::isxdigit(c) != 0; });
+}
+
+bool IsForgotten(const fs::directory_entry& entry) {
+    std::error_code error;
+    const bool isFile = fs::is_regular_file(entry.symlink_status(error));
+    if (error || !isFile) return false;
+    const fs::file_time_type written = entry.last_write_time(error);
+    return !error && fs::file_time_type::clock::now() - written > kLongestSave;
+}
+
+bool HasHeader(ByteSource& source) {
+    std::array<std::byte, kSceneHeaderBytes> header;
+    if (source.ReadAt(0, header) != header.size()) return false;
+    const auto magic = std::as_bytes(std::span(kSceneMagic));
+    return std::equal(magic.begin(), magic.end(), header.begin()) &&
+           FromLittleEndian(&header[magic.size()], sizeof kSceneVersion) == kSceneVersion;
+}
+
+// What cannot be read, or is of another version, is not for this program to judge.
+bool IsCut(const std::string& path) {
+    FileSource source(path);
+    if (!source.IsOpen()) return false;
+    if (source.Size() == 0) return true;
+    if (!HasHeader(source)) return false;
+    if (source.Size() < kSceneHeaderBytes + kEndChunkBytes) return true;
+    std::array<std::byte, kChunkHeaderBytes> head;
+    if (source.ReadAt(source.Size() - kEndChunkBytes, head) != head.size()) return false;
+    return FromLittleEndian(head.data(), kChunkIdBytes) != kEndChunk ||
+           FromLittleEndian(&head[kChunkIdBytes], kChunkLengthBytes) !=
+               kEndChunkBytes - kChunkHeaderBytes;
+}
+
+}  // namespace
+
+void SweepAbandonedSaves(const std::string& place) {
+    std::error_code error;
+    const fs::path folder = fs::path(place).parent_path();
+    fs::directory_iterator entry(folder.empty() ? "." : folder, error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+        const fs::path& path = entry->path();
+        const bool isLeft = IsNameWhileSaving(path.filename().string()) && IsForgotten(*entry);
+        std::error_code ignored;
+        if (isLeft && IsCut(path.string())) fs::remove(path, ignored);
+    }
+}
+
+}  // namespace headless
