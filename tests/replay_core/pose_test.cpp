@@ -35,31 +35,6 @@ void ExpectMatrix(const TVL::CMatrix4& matrix, const std::array<Point, 4>& rows)
     }
 }
 
-TEST(LocalTransform, TurnsCounterClockwiseAboutEachAxis) {
-    const std::array<double, 1> quarter{90};
-    const Joint x{"", replay::kNoJoint, {}, {Channel::kXrotation}, 0};
-    const Joint y{"", replay::kNoJoint, {}, {Channel::kYrotation}, 0};
-    const Joint z{"", replay::kNoJoint, {}, {Channel::kZrotation}, 0};
-    ExpectMatrix(LocalTransform(x, quarter, 1), {{{1, 0, 0}, {0, 0, 1}, {0, -1, 0}, {0, 0, 0}}});
-    ExpectMatrix(LocalTransform(y, quarter, 1), {{{0, 0, -1}, {0, 1, 0}, {1, 0, 0}, {0, 0, 0}}});
-    ExpectMatrix(LocalTransform(z, quarter, 1), {{{0, 1, 0}, {-1, 0, 0}, {0, 0, 1}, {0, 0, 0}}});
-}
-
-// An arm along x with all three turns at 90 degrees, the one listed last first: by x, y, z it goes
-// to x, -z, -z; by z, y, x to y, y, z; by z, x, y to y, z, x.
-TEST(LocalTransform, AppliesTheTurnsInTheOrderOfTheChannels) {
-    const std::array<double, 3> quarters{90, 90, 90};
-    const auto armAlongX = [&](Channel first, Channel second, Channel third) {
-        const Joint joint{"", replay::kNoJoint, {}, {first, second, third}, 0};
-        return LocalTransform(joint, quarters, 1);
-    };
-    const auto [x, y, z] =
-        std::array{Channel::kXrotation, Channel::kYrotation, Channel::kZrotation};
-    ExpectRow(armAlongX(z, y, x), 0, {0, 0, -1}, 1e-12);
-    ExpectRow(armAlongX(x, y, z), 0, {0, 0, 1}, 1e-12);
-    ExpectRow(armAlongX(y, x, z), 0, {1, 0, 0}, 1e-12);
-}
-
 TEST(LocalTransform, PutsPositionChannelsInPlaceOfTheOffset) {
     const Joint joint{"", 0, {1, 2, 3}, {Channel::kZposition, Channel::kXposition}, 1};
     const std::array<double, 4> frame{99, 30, 10, 99};

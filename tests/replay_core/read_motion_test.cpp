@@ -82,26 +82,18 @@ TEST(ReadMotion, TakesEveryUsualLayoutForTheSame) {
     }
 }
 
-TEST(ReadMotion, TakesChannelsInAnyOrderAndOnAnyJoint) {
-    const Motion motion = ReadWhole(Replaced(
-        Replaced(kStep, "3 Zrotation Yrotation Xrotation", "3 Yrotation Zposition yrotation"),
-        "6 Xposition Yposition Zposition Zrotation Xrotation Yrotation",
-        "6 Zrotation Zposition Xrotation Yrotation Xposition Yposition"));
-    EXPECT_EQ(motion.joints[0].channels,
-              (std::vector{Channel::kZrotation, Channel::kZposition, Channel::kXrotation,
-                           Channel::kYrotation, Channel::kXposition, Channel::kYposition}));
-    EXPECT_EQ(motion.joints[1].channels,
-              (std::vector{Channel::kYrotation, Channel::kZposition, Channel::kYrotation}));
-}
-
-TEST(ReadMotion, TakesJointsWithoutChannelsAndSeveralRoots) {
+TEST(ReadMotion, TakesChannelsInAnyOrderOnAnyJointOrOnNoneAndSeveralRoots) {
     const Motion motion = ReadWhole(
         "HIERARCHY ROOT a { OFFSET 0 0 0 JOINT b { OFFSET 1 0 0 CHANNELS 0 } }\n"
-        "ROOT c { CHANNELS 1 Xrotation OFFSET 0 0 0 }\nMOTION Frames: 1 Frame Time: 1\n5\n");
-    ASSERT_EQ(motion.joints.size(), 3U);
+        "ROOT c { CHANNELS 1 Xrotation OFFSET 0 0 0 JOINT d { OFFSET 0 0 0\n"
+        "CHANNELS 4 Yrotation Zposition yrotation Xposition } }\n"
+        "MOTION Frames: 1 Frame Time: 1\n5 1 2 3 4\n");
+    ASSERT_EQ(motion.joints.size(), 4U);
     EXPECT_EQ(motion.joints[1].parent, 0U);
     EXPECT_EQ(motion.joints[2].parent, replay::kNoJoint);
-    EXPECT_EQ(motion.channelCount, 1U);
+    EXPECT_EQ(motion.joints[3].channels, (std::vector{Channel::kYrotation, Channel::kZposition,
+                                                      Channel::kYrotation, Channel::kXposition}));
+    EXPECT_EQ(motion.joints[3].firstChannel, 1U);
 }
 
 // A decimal comma, as in many parts of the world.

@@ -151,16 +151,6 @@ TEST_F(StateTest, ASceneMergedIntoItselfThreeTimesHasFourSetsOfTakes) {
     EXPECT_TRUE(world.MessageBoxes().empty());
 }
 
-TEST_F(StateTest, AMergedNodeWithoutItsTakesStateIsLeftToTheAdaptorsReport) {
-    Record(takes->Named("walk"), {"Hips", "Knee"});
-    auto tags = SavedTags();
-    tags.erase(tags.begin());
-    Merge(tags);
-    GatherSceneState();
-    EXPECT_EQ(world.MessageBoxes().size(), 1u);
-    EXPECT_EQ(TakeNames(), Names{"walk"});
-}
-
 // A plug-in "old" with one node that is known by its number.
 XMLNode StateWithNumber(const std::string& node, std::uint32_t number) {
     return XMLNode(
