@@ -78,7 +78,7 @@ void MergeFile(Interface& host, const std::string& path, TVL::Log& log) {
     }
 }
 
-// The nodes found so far. A host node without an entry of its own stands behind a null.
+// The nodes found so far, with null for each that the host does not know any more.
 class MergedNodes {
   public:
     void AddWithAncestors(INode* node, TVL::Log& log) {

@@ -145,10 +145,4 @@ TEST_F(AdaptorInterfaceTest, TheConvertButtonConvertsEveryController) {
     EXPECT_NE(node->GetTMController()->ClassID(), TransformControl::kClassID);
 }
 
-TEST_F(AdaptorInterfaceTest, ClaimsNothingWhereNothingIsStored) {
-    XMLNode info("<nodeinfo><node name=\"a\"/><other/><node name=\"b\"/></nodeinfo>");
-    EXPECT_EQ(adaptor.ClaimNodes("Rig", info), (std::vector<TVL::CNode*>{nullptr, nullptr}));
-    EXPECT_TRUE(adaptor.MergeModels("missing").empty());
-}
-
 }  // namespace

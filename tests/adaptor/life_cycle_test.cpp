@@ -1,9 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "adaptor/utility_manager.h"
-#include "headless/scene_view.h"
 #include "host/interface.h"
-#include "host/notify.h"
 #include "resources/resource_ids.h"
 #include "support/world.h"
 
@@ -134,27 +132,6 @@ TEST(LifeCycle, ACoreCannotBeTakenDownFromInsideItsOwnRoutines) {
     EXPECT_TRUE(IsUnloaded());
 }
 
-TEST(LifeCycle, TheHostsEventsReachTheCoreThatIsAttached) {
-    World world;
-    world.Core().TakeCalls();
-    world.Session().SetTime(2400);
-    EXPECT_EQ(world.Core().TakeCalls(), (Calls{"time 0.5"}));
-    world.Session().NewScene();
-    EXPECT_EQ(world.Core().TakeCalls().front(), "reset");
-    world.Session().Reset();
-    EXPECT_EQ(world.Core().TakeCalls().front(), "reset");
-}
-
-TEST(LifeCycle, WithoutACoreTheHostsEventsPass) {
-    World world;
-    world.Core().TakeCalls();
-    UtilityManager::Get().DetachCore();
-    world.Session().SetTime(2400);
-    world.Session().NewScene();
-    world.Session().Reset();
-    EXPECT_TRUE(world.Core().TakeCalls().empty());
-}
-
 TEST(LifeCycle, ShuttingDownDestroysTheSingletonsTheAdaptorFirst) {
     World world;
     world.Adaptor().BeginUndoGroup("open");
@@ -166,6 +143,7 @@ TEST(LifeCycle, ShuttingDownDestroysTheSingletonsTheAdaptorFirst) {
         std::filesystem::is_directory(world.Folder() / "Tarvo Works/Lumiset/data/adaptor_3dsmax9"));
     EXPECT_TRUE(Holds(world.Trace(), "(NOTICE): \tShutting down adaptor\n"));
     EXPECT_TRUE(Holds(world.Trace(), "Adaptor is detaching core\n"));
+    EXPECT_FALSE(Holds(world.Trace(), "left something behind"));
 }
 
 TEST(LifeCycle, WithoutADocumentsFolderShutdownSaysSo) {

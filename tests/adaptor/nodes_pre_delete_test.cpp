@@ -55,18 +55,17 @@ class NodesPreDelete : public testing::Test {
     }
 };
 
-TEST_F(NodesPreDelete, TellsEachOwnerOnce) {
-    DeleteAll();
-    EXPECT_EQ(rig.told, 1);
-    EXPECT_EQ(silent.told, 0);
-    EXPECT_TRUE(world.Core().TakeCalls().empty());
-    EXPECT_EQ(headless::FindNode("P_a"), nullptr);
-}
-
-TEST_F(NodesPreDelete, StopsACoreThatRuns) {
-    world.Core().isRunning = true;
-    DeleteAll();
-    EXPECT_EQ(world.Core().TakeCalls(), (Calls{"stop"}));
+TEST_F(NodesPreDelete, TellsEachOwnerOnceAndStopsACoreThatRuns) {
+    for (const bool isRunning : {false, true}) {
+        world.Core().isRunning = isRunning;
+        rig.told = 0;
+        DeleteAll();
+        EXPECT_EQ(rig.told, 1);
+        EXPECT_EQ(silent.told, 0);
+        EXPECT_EQ(world.Core().TakeCalls(), isRunning ? Calls{"stop"} : Calls());
+        EXPECT_EQ(headless::FindNode("P_a"), nullptr);
+        ASSERT_TRUE(world.Session().Undo());
+    }
 }
 
 TEST_F(NodesPreDelete, AnOwnerMayDeleteItsNodesWhenItHears) {
@@ -90,13 +89,6 @@ TEST_F(NodesPreDelete, TheCoreMayLeaveWhenItHears) {
     EXPECT_FALSE(AttachedCore());
     ASSERT_TRUE(world.Session().Undo());
     EXPECT_NE(headless::FindNode("P_a"), nullptr);
-}
-
-TEST_F(NodesPreDelete, WithoutACoreNobodyIsTold) {
-    UtilityManager::Get().DetachCore();
-    DeleteAll();
-    EXPECT_EQ(rig.told, 0);
-    EXPECT_EQ(headless::FindNode("P_a"), nullptr);
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <set>
 #include <sstream>
 #include <stdexcept>
 
@@ -202,21 +201,6 @@ TEST_F(MergingTest, AMergeInSomebodyElsesHoldGoesAndComesWithIt) {
     EXPECT_EQ(headless::SceneDigest(), before);
     ASSERT_TRUE(world.Session().Redo());
     EXPECT_EQ(headless::SceneDigest(), after);
-}
-
-TEST_F(MergingTest, ASceneMergedIntoItselfThreeTimesHasFourSetsOfNodes) {
-    const std::string path = SavedRig();
-    for (int times = 0; times < 3; ++times)
-        EXPECT_EQ(Merge(path), (Lines{"Rig_Hip", "Rig_Knee", "Rig_Cam"}));
-    std::set<std::uint32_t> handles;
-    std::set<std::uint32_t> parentsOfKnees;
-    for (const headless::NodeView& node : headless::Nodes()) {
-        handles.insert(node.handle);
-        if (node.name == "Rig_Knee") parentsOfKnees.insert(node.parent);
-    }
-    EXPECT_EQ(handles.size(), 12U);
-    EXPECT_EQ(parentsOfKnees.size(), 4U);
-    EXPECT_FALSE(parentsOfKnees.contains(0));
 }
 
 TEST_F(MergingTest, WhatAPluginThrowsWhenItHearsOfTheMergeDoesNotReachTheCore) {
