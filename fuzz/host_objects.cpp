@@ -19,7 +19,7 @@ ReferenceTarget* NewObject(std::uint8_t kind) {
         case 3:
             return CreateNewTriObject();
         case 4:
-            return headless::NewPolylines({});
+            return headless::NewSplines({});
         default:
             return headless::NewSphere(1, 3);
     }

@@ -46,10 +46,13 @@ Animatable* TriangleMesh() {
     return CreateNewTriObject();
 }
 Animatable* Line() {
-    return NewPolylines({});
+    return NewSplines({});
 }
 Animatable* Ball() {
     return NewSphere(0, 0);
+}
+Animatable* Bend() {
+    return NewBend(nullptr, 0);
 }
 
 }  // namespace
@@ -62,9 +65,11 @@ std::span<ClassDesc* const> OwnDescriptors() {
     static OwnDescriptor parameters("Camera Parameters", kCameraParametersSuperClass,
                                     kFreeCameraClassId, CameraParameters);
     static OwnDescriptor mesh("Mesh", GEOMOBJECT_CLASS_ID, kTriObjectClassId, TriangleMesh);
-    static OwnDescriptor line("Line", SHAPE_CLASS_ID, kPolylinesClassId, Line);
+    static OwnDescriptor line("Line", SHAPE_CLASS_ID, kSplinesClassId, Line);
     static OwnDescriptor sphere("Sphere", GEOMOBJECT_CLASS_ID, kSphereClassId, Ball);
-    static ClassDesc* const all[] = {&prs, &linear, &camera, &parameters, &mesh, &line, &sphere};
+    static OwnDescriptor bend("Bend", GEOMOBJECT_CLASS_ID, kBendClassId, Bend);
+    static ClassDesc* const all[] = {&prs,  &linear, &camera, &parameters,
+                                     &mesh, &line,   &sphere, &bend};
     return all;
 }
 

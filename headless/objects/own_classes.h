@@ -7,8 +7,9 @@
 namespace headless {
 
 inline constexpr Class_ID kFreeCameraClassId{0x1001, 0};
-inline constexpr Class_ID kPolylinesClassId{0x1002, 0};
+inline constexpr Class_ID kSplinesClassId{0x1002, 0};
 inline constexpr Class_ID kSphereClassId{0x1003, 0};
+inline constexpr Class_ID kBendClassId{0x1004, 0};
 
 // What a free camera keeps its animated parameters in, an object of a super class of its own.
 inline constexpr SClass_ID kCameraParametersSuperClass = 8;

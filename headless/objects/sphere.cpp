@@ -11,42 +11,48 @@ namespace {
 
 constexpr std::uint16_t kShapeChunk = 1;
 constexpr int kFewestSegments = 3;
-constexpr int kMostSegments = 200;
+constexpr int kMostSegments = 1024;
 
-// Rings of vertices from the south pole to the north pole, which are one vertex each.
+// Rings of vertices from the south pole to the north pole, which are one vertex each. The texture
+// is a chart: around the equator along u, from pole to pole along v, open where it comes around.
 class SphereMesh {
   public:
     SphereMesh(float radius, int segments) : radius_(radius), segments_(segments) {}
 
     void BuildInto(Mesh& mesh) const {
-        const int inner = segments_ * (Rings() - 1);
-        mesh.setNumVerts(inner + 2);
-        mesh.setNumFaces(2 * inner);
-        mesh.setVert(0, {0, 0, -radius_});
-        for (int ring = 1; ring < Rings(); ++ring) {
-            for (int i = 0; i < segments_; ++i)
-                mesh.setVert(Index(ring, i), Place(ring, i));
-        }
-        mesh.setVert(inner + 1, {0, 0, radius_});
-        int face = 0;
-        for (int ring = 0; ring < Rings(); ++ring) {
-            for (int i = 0; i < segments_; ++i) {
-                if (ring > 0)
-                    SetFace(mesh, face++, Index(ring, i), Index(ring, i + 1), Index(ring + 1, i));
-                if (ring + 1 < Rings())
-                    SetFace(mesh, face++, Index(ring, i + 1), Index(ring + 1, i + 1),
-                            Index(ring + 1, i));
-            }
-        }
+        SetPlaces(mesh);
+        SetTexture(mesh);
+        SetFaces(mesh);
     }
 
   private:
-    int Rings() const { return std::max(2, segments_ / 2); }
+    // A place of the grid, `ring` of Rings() from south to north, `i` around.
+    struct Corner {
+        int ring;
+        int i;
+    };
 
-    int Index(int ring, int i) const {
-        if (ring == 0) return 0;
-        if (ring == Rings()) return segments_ * (Rings() - 1) + 1;
-        return 1 + (ring - 1) * segments_ + i % segments_;
+    int Rings() const { return std::max(2, segments_ / 2); }
+    int InnerCount() const { return segments_ * (Rings() - 1); }
+
+    int Vertex(const Corner& corner) const {
+        if (corner.ring == 0) return 0;
+        if (corner.ring == Rings()) return InnerCount() + 1;
+        return 1 + (corner.ring - 1) * segments_ + corner.i % segments_;
+    }
+
+    int TextureVertex(const Corner& corner) const {
+        return corner.ring * (segments_ + 1) + corner.i;
+    }
+
+    void SetPlaces(Mesh& mesh) const {
+        mesh.setNumVerts(InnerCount() + 2);
+        mesh.setVert(0, {0, 0, -radius_});
+        for (int ring = 1; ring < Rings(); ++ring) {
+            for (int i = 0; i < segments_; ++i)
+                mesh.setVert(Vertex({ring, i}), Place(ring, i));
+        }
+        mesh.setVert(InnerCount() + 1, {0, 0, radius_});
     }
 
     Point3 Place(int ring, int i) const {
@@ -58,11 +64,38 @@ class SphereMesh {
         return {width * std::cos(around), width * std::sin(around), radius_ * std::sin(up)};
     }
 
-    static void SetFace(Mesh& mesh, int face, int a, int b, int c) {
-        Face& target = mesh.faces[static_cast<std::size_t>(face)];
-        target.setVerts(a, b, c);
-        target.setEdgeVisFlags(1, 1, 1);
-        target.setSmGroup(1);
+    void SetTexture(Mesh& mesh) const {
+        mesh.setNumTVerts((Rings() + 1) * (segments_ + 1));
+        for (int ring = 0; ring <= Rings(); ++ring) {
+            for (int i = 0; i <= segments_; ++i)
+                mesh.setTVert(TextureVertex({ring, i}),
+                              {static_cast<float>(i) / static_cast<float>(segments_),
+                               static_cast<float>(ring) / static_cast<float>(Rings()), 0});
+        }
+    }
+
+    // Two faces for each square of the grid, one at the poles. The last edge, which does not show,
+    // is the square's diagonal.
+    void SetFaces(Mesh& mesh) const {
+        mesh.setNumFaces(2 * InnerCount());
+        mesh.setNumTVFaces(2 * InnerCount());
+        std::size_t face = 0;
+        for (int ring = 0; ring < Rings(); ++ring) {
+            for (int i = 0; i < segments_; ++i) {
+                const Corner south{ring, i}, southEast{ring, i + 1};
+                const Corner north{ring + 1, i}, northEast{ring + 1, i + 1};
+                if (ring > 0) SetFace(mesh, face++, north, south, southEast);
+                if (ring + 1 < Rings()) SetFace(mesh, face++, southEast, northEast, north);
+            }
+        }
+    }
+
+    void SetFace(Mesh& mesh, std::size_t face, const Corner& a, const Corner& b,
+                 const Corner& c) const {
+        mesh.faces[face].setVerts(Vertex(a), Vertex(b), Vertex(c));
+        mesh.faces[face].setEdgeVisFlags(1, 1, 0);
+        mesh.faces[face].setSmGroup(1);
+        mesh.tvFace[face].setTVerts(TextureVertex(a), TextureVertex(b), TextureVertex(c));
     }
 
     float radius_;

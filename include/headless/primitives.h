@@ -24,10 +24,12 @@ struct Spline {
     std::vector<Knot> knots;
     bool isClosed = false;  // a last segment leads back to the first knot
 };
-
-// Open curves of straight lines.
-using Polyline = std::vector<Point3>;
-HEADLESS_API ShapeObject* NewPolylines(std::vector<Polyline> curves);
+inline Spline StraightLines(const std::vector<Point3>& places) {
+    Spline open;
+    for (const Point3& place : places)
+        open.knots.push_back(Corner(place));
+    return open;
+}
 
 // A shape of curves. Where it is asked for a triangle mesh it becomes thin tubes along them.
 HEADLESS_API ShapeObject* NewSplines(std::vector<Spline> splines);

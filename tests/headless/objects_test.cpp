@@ -114,9 +114,11 @@ TEST_F(ObjectTest, ASphereBecomesAClosedMesh) {
     EXPECT_EQ(node->GetObjectRef()->ConvertToType(0, Class_ID{1, 1}), nullptr);
 }
 
-TEST_F(ObjectTest, PolylinesAreFollowedBySegmentOrByLength) {
+TEST_F(ObjectTest, StraightLinesAreFollowedBySegmentOrByLength) {
     ShapeObject* shape =
-        headless::NewPolylines({{{0, 0, 0}, {1, 0, 0}, {4, 0, 0}}, {}, {{5, 5, 5}}});
+        headless::NewSplines({headless::StraightLines({{0, 0, 0}, {1, 0, 0}, {4, 0, 0}}),
+                              {},
+                              headless::StraightLines({{5, 5, 5}})});
     host.CreateObjectNode(shape);
     EXPECT_EQ(shape->NumberOfCurves(), 3);
     EXPECT_EQ(shape->LengthOfCurve(0, 0), 4);

@@ -42,7 +42,7 @@ void FileWorld::BuildScene() {
     INode* hip = add("Hip", CreateNewTriObject(), nullptr);
     INode* twin = add("Hip", hip->GetObjectRef(), hip);
     add("eye", host.CreateCameraObject(0), twin);
-    add("line", headless::NewPolylines({{{0, 0, 0}, {1, 2, 3}}, {}}), hip);
+    add("line", headless::NewSplines({headless::StraightLines({{0, 0, 0}, {1, 2, 3}}), {}}), hip);
     hip->AttachChild(late, 0);  // a child that is older than its parent
     twin->SetUserPropString("key \n<&\"", std::string("\0\xFF>", 3));
     twin->SetUserPropString("empty", "");
