@@ -9,6 +9,8 @@
 
 namespace headless {
 
+struct DrawnMesh;
+
 // The host's own window: it turns what is drawn into a list in world space. Every GraphicsWindow of
 // this host is one.
 class DrawWindow final : public GraphicsWindow {
@@ -34,6 +36,8 @@ class DrawWindow final : public GraphicsWindow {
     const DrawList& List() const { return list_; }
 
   private:
+    void DrawFaces(const DrawnMesh& mesh);
+    void DrawEdges(const DrawnMesh& mesh);
     DrawBatch& BatchFor(bool isTriangles);
 
     View view_;
