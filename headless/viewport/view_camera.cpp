@@ -1,0 +1,233 @@
+#include "viewport/view_camera.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <numbers>
+#include <vector>
+
+#include "headless/scene_view.h"
+#include "host/units.h"
+#include "values/vector.h"
+#include "viewport/shown_nodes.h"
+
+namespace headless {
+namespace {
+
+constexpr double kRadians = std::numbers::pi / 180;
+
+// The viewport's own camera.
+constexpr double kOwnFieldOfView = 35 * kRadians;  // of the height
+constexpr double kTurn = 28 * kRadians;            // from straight ahead, towards its right
+constexpr double kTilt = 14 * kRadians;            // down
+constexpr double kFilled = 0.88;                   // how much of the picture the framed points fill
+constexpr double kNearestInMetres = 1;
+
+// Fields of view of scene cameras are kept inside these.
+constexpr double kNarrowest = 0.1 * kRadians;
+constexpr double kWidest = 179 * kRadians;
+
+// Of the depths. The nearest is at most so many times nearer than the farthest, for the sake of the
+// depth buffer's precision.
+constexpr double kDepthRatio = 4000;
+constexpr double kDepthMargin = 1.05;
+
+// Where a camera stands and how it is turned; unit vectors at right angles.
+struct Pose {
+    Vector place;
+    Vector right;
+    Vector up;
+    Vector ahead;
+};
+
+// Half the width and half the height of what shows at a depth of 1.
+struct Opening {
+    double x = 1;
+    double y = 1;
+};
+
+Vector Unit(const Vector& v) {
+    return v * (1 / std::sqrt(Dot(v, v)));
+}
+
+std::array<Vector, 8> Corners(const Box3& box) {
+    std::array<Vector, 8> corners;
+    for (unsigned i = 0; i < 8; ++i)
+        corners[i] = Vector(Point3{i & 1 ? box.pmax.x : box.pmin.x, i & 2 ? box.pmax.y : box.pmin.y,
+                                   i & 4 ? box.pmax.z : box.pmin.z});
+    return corners;
+}
+
+bool LiesFlat(const Box3& box) {
+    return box.pmax.z <= box.pmin.z && box.pmax.x > box.pmin.x && box.pmax.y > box.pmin.y;
+}
+
+std::vector<Vector> CornersOf(const std::vector<Box3>& boxes) {
+    std::vector<Vector> points;
+    for (const Box3& box : boxes) {
+        const auto corners = Corners(box);
+        points.insert(points.end(), corners.begin(), corners.end());
+    }
+    return points;
+}
+
+std::vector<Box3> BoxesAt(const std::vector<TimeValue>& times) {
+    std::vector<Box3> boxes;
+    const std::vector<SceneNode*> nodes = ShownNodes();
+    for (const TimeValue t : times) {
+        for (SceneNode* node : nodes) {
+            if (CameraOf(*node, t)) continue;
+            if (const Box3 box = WorldBox(*node, t); !box.IsEmpty()) boxes.push_back(box);
+        }
+    }
+    return boxes;
+}
+
+std::vector<Vector> FramedPoints(const std::vector<TimeValue>& times) {
+    std::vector<Box3> boxes = BoxesAt(times);
+    if (!std::ranges::all_of(boxes, LiesFlat)) std::erase_if(boxes, LiesFlat);
+    if (boxes.empty()) boxes.push_back(Box3({0, 0, 0}, {0, 0, 0}));
+    return CornersOf(boxes);
+}
+
+// The narrowest stretch, along one axis of the picture, that a camera at a distance has to cover.
+struct Stretch {
+    double lower = std::numeric_limits<double>::max();
+    double upper = std::numeric_limits<double>::lowest();
+
+    void Add(double across, double depth, double opening) {
+        lower = std::min(lower, across + opening * depth);
+        upper = std::max(upper, across - opening * depth);
+    }
+    double Distance(double opening) const { return (upper - lower) / (2 * opening); }
+    double Middle() const { return (upper + lower) / 2; }
+};
+
+// Moves the camera back until every point is inside its opening, and no farther: a point at depth w
+// and x across is inside if |x - middle| <= opening × (distance + w).
+Vector PlaceToSee(const Pose& turned, const Opening& opening, const std::vector<Vector>& points) {
+    Stretch across, upward;
+    for (const Vector& p : points) {
+        const double depth = Dot(p, turned.ahead);
+        across.Add(Dot(p, turned.right), depth, opening.x);
+        upward.Add(Dot(p, turned.up), depth, opening.y);
+    }
+    double nearest = std::numeric_limits<double>::max();
+    for (const Vector& p : points)
+        nearest = std::min(nearest, Dot(p, turned.ahead));
+    const double distance = std::max({across.Distance(opening.x), upward.Distance(opening.y),
+                                      kNearestInMetres / GetMasterScale(UNITS_METERS) - nearest});
+    return turned.right * across.Middle() + turned.up * upward.Middle() - turned.ahead * distance;
+}
+
+Opening OpeningOf(double tangent, int type, double width, double height) {
+    switch (type) {
+        case 0:
+            return {tangent, tangent * height / width};
+        case 1:
+            return {tangent * width / height, tangent};
+        default: {
+            const double diagonal = std::hypot(width, height);
+            return {tangent * width / diagonal, tangent * height / diagonal};
+        }
+    }
+}
+
+Pose OwnPose() {
+    Pose pose;
+    pose.ahead = {-std::sin(kTurn) * std::cos(kTilt), std::cos(kTurn) * std::cos(kTilt),
+                  -std::sin(kTilt)};
+    pose.right = Unit(Cross(pose.ahead, {0, 0, 1}));
+    pose.up = Cross(pose.right, pose.ahead);
+    return pose;
+}
+
+// False if the matrix gives no direction to look in. Scales and mirrored axes do not count.
+bool PoseOf(const Matrix3& world, Pose& pose) {
+    const Vector back(world.GetRow(2));
+    const Vector right = Cross(Vector(world.GetRow(1)), back);
+    const double size = Dot(back, back) * Dot(right, right);
+    if (!std::isfinite(size) || size < std::numeric_limits<double>::min()) return false;
+    pose.place = Vector(world.GetTrans());
+    if (!(std::sqrt(Dot(pose.place, pose.place)) <= double{kFarthest})) return false;
+    pose.ahead = Unit(back) * -1;
+    pose.right = Unit(right);
+    pose.up = Cross(pose.right, pose.ahead);
+    return true;
+}
+
+struct Depths {
+    double nearest = 0;
+    double farthest = 0;
+};
+
+Depths DepthsFrom(const Pose& pose, const std::vector<Vector>& points) {
+    const double metre = 1 / GetMasterScale(UNITS_METERS);
+    Depths depths{std::numeric_limits<double>::max(), metre};
+    for (const Vector& p : points) {
+        const double depth = Dot(p - pose.place, pose.ahead);
+        depths.nearest = std::min(depths.nearest, depth);
+        depths.farthest = std::max(depths.farthest, depth);
+    }
+    depths.farthest *= kDepthMargin;
+    depths.nearest = std::clamp(depths.nearest / kDepthMargin, depths.farthest / kDepthRatio,
+                                depths.farthest / 2);
+    return depths;
+}
+
+View ViewFrom(const Pose& pose, const Opening& opening, const Depths& depths,
+              const ViewportSettings& settings) {
+    const double sum = depths.farthest + depths.nearest;
+    const double span = depths.farthest - depths.nearest;
+    // Rows are made from what becomes clip x, y, z and w of a point, as columns.
+    const auto row = [&](double right, double up, double ahead, double fixed) {
+        return std::array<float, 4>{
+            static_cast<float>(right / opening.x), static_cast<float>(up / opening.y),
+            static_cast<float>((ahead * sum - fixed * 2 * depths.farthest * depths.nearest) / span),
+            static_cast<float>(ahead)};
+    };
+    View view{.width = settings.width, .height = settings.height};
+    view.toClip = {row(pose.right.x, pose.up.x, pose.ahead.x, 0),
+                   row(pose.right.y, pose.up.y, pose.ahead.y, 0),
+                   row(pose.right.z, pose.up.z, pose.ahead.z, 0),
+                   row(-Dot(pose.place, pose.right), -Dot(pose.place, pose.up),
+                       -Dot(pose.place, pose.ahead), 1)};
+    return view;
+}
+
+AimedView ThroughCamera(const ViewportSettings& settings, TimeValue t) {
+    auto* const node = static_cast<SceneNode*>(FindNode(settings.camera));
+    if (!node) return {.error = "no node is called \"" + settings.camera + "\"", .view = {}};
+    CameraObject* const camera = CameraOf(*node, t);
+    if (!camera) return {.error = "the node \"" + settings.camera + "\" is no camera", .view = {}};
+    Pose pose;
+    Interval valid;
+    const double angle = double{camera->GetFOV(t, valid)};
+    if (!PoseOf(node->GetNodeTM(t, nullptr), pose) || !std::isfinite(angle))
+        return {.error = "the camera \"" + settings.camera + "\" looks nowhere at that time",
+                .view = {}};
+    const Opening opening = OpeningOf(std::tan(std::clamp(angle, kNarrowest, kWidest) / 2),
+                                      camera->GetFOVType(), settings.width, settings.height);
+    const Depths depths = DepthsFrom(pose, CornersOf(BoxesAt({t})));
+    return {.error = "", .view = ViewFrom(pose, opening, depths, settings), .camera = node};
+}
+
+AimedView FromFrontAndAbove(const ViewportSettings& settings, TimeValue t) {
+    const auto framed = settings.framedTimes.empty() ? std::vector{t} : settings.framedTimes;
+    const Opening opening =
+        OpeningOf(std::tan(kOwnFieldOfView / 2), 1, settings.width, settings.height);
+    Pose pose = OwnPose();
+    pose.place = PlaceToSee(pose, {opening.x * kFilled, opening.y * kFilled}, FramedPoints(framed));
+    const Depths depths = DepthsFrom(pose, CornersOf(BoxesAt({t})));
+    return {.error = "", .view = ViewFrom(pose, opening, depths, settings)};
+}
+
+}  // namespace
+
+AimedView AimView(const ViewportSettings& settings, TimeValue t) {
+    if (!settings.camera.empty()) return ThroughCamera(settings, t);
+    return FromFrontAndAbove(settings, t);
+}
+
+}  // namespace headless
