@@ -1,3 +1,4 @@
+#include "host/node.h"
 #include "host/object.h"
 
 BaseObject::~BaseObject() = default;
@@ -10,8 +11,9 @@ int BaseObject::Display(TimeValue, INode*, ViewExp*, int) {
     return 0;
 }
 
-void BaseObject::GetWorldBoundBox(TimeValue, INode*, ViewExp*, Box3& box) {
-    box = Box3();
+void BaseObject::GetWorldBoundBox(TimeValue t, INode* node, ViewExp* view, Box3& box) {
+    GetLocalBoundBox(t, node, view, box);
+    if (node) box = box * node->GetObjectTM(t);
 }
 
 void BaseObject::GetLocalBoundBox(TimeValue, INode*, ViewExp*, Box3& box) {

@@ -3,6 +3,7 @@
 
 #include "headless/primitives.h"
 #include "host/time.h"
+#include "objects/node_drawing.h"
 #include "objects/own_classes.h"
 #include "storage/plain_chunks.h"
 
@@ -37,16 +38,13 @@ void BendMesh(Mesh& mesh, double angle) {
         p = Bent(p, box.pmin.z, height, angle);
 }
 
-// A new object, the caller's, whatever the conversion gave.
-TriObject* CopyAsMesh(Object& from, TimeValue t) {
-    Object* const converted = from.ConvertToType(t, kTriObjectClassId);
-    auto* const mesh = dynamic_cast<TriObject*>(converted);
-    if (mesh && mesh != &from) return mesh;
-    if (!mesh && converted && converted != &from) converted->DeleteThis();
-    if (!mesh) return nullptr;
-    TriObject* const copy = CreateNewTriObject();
-    copy->GetMesh() = mesh->GetMesh();
-    return copy;
+// Frees what a conversion has given, unless that is the object itself.
+Mesh MeshOf(Object& object, TimeValue t) {
+    Mesh mesh;
+    Object* const converted = object.ConvertToType(t, kTriObjectClassId);
+    if (auto* const triangles = dynamic_cast<TriObject*>(converted)) mesh = triangles->GetMesh();
+    if (converted && converted != &object) converted->DeleteThis();
+    return mesh;
 }
 
 class Bend final : public Object {
@@ -59,13 +57,12 @@ class Bend final : public Object {
 
     // The triangle mesh stays the bend's, at one address, and shows the time that was asked last.
     ObjectState Eval(TimeValue t) override {
-        auto* const mesh = base_ ? dynamic_cast<TriObject*>(base_->Eval(t).obj) : nullptr;
-        if (!mesh) return {this};
+        auto* const base = base_ ? dynamic_cast<TriObject*>(base_->Eval(t).obj) : nullptr;
+        if (!base) return {this};
         if (!bent_) bent_ = CreateNewTriObject();
         const Moment moment{t, RadiansAt(t, degreesPerSecond_)};
         if (shown_ != moment) {
-            bent_->GetMesh() = mesh->GetMesh();
-            BendMesh(bent_->GetMesh(), moment.radians);
+            bent_->GetMesh() = MeshAt(t);
             shown_ = moment;
         }
         return {bent_};
@@ -78,10 +75,10 @@ class Bend final : public Object {
 
     Object* ConvertToType(TimeValue t, Class_ID type) override {
         if (type != kTriObjectClassId) return Object::ConvertToType(t, type);
-        Object* const evaluated = base_ ? base_->Eval(t).obj : nullptr;
-        TriObject* const mesh = evaluated ? CopyAsMesh(*evaluated, t) : nullptr;
-        if (mesh) BendMesh(mesh->GetMesh(), RadiansAt(t, degreesPerSecond_));
-        return mesh;
+        if (CanConvertToType(type) == 0) return nullptr;
+        TriObject* const object = CreateNewTriObject();
+        object->GetMesh() = MeshAt(t);
+        return object;
     }
 
     SClass_ID SuperClassID() override { return GEOMOBJECT_CLASS_ID; }
@@ -89,6 +86,19 @@ class Bend final : public Object {
     void GetClassName(HostString& name) override { name = GetObjectName(); }
     HostString GetObjectName() override { return "Bend"; }
     void DeleteThis() override { delete this; }
+
+    int Display(TimeValue t, INode* node, ViewExp* view, int) override {
+        Mesh mesh = MeshAt(t);
+        return DisplayMesh(mesh, t, node, view);
+    }
+    int HitTest(TimeValue t, INode* node, int type, int crossing, int flags, IPoint2* point,
+                ViewExp* view) override {
+        Mesh mesh = MeshAt(t);
+        return HitTestMesh(mesh, {t, node, type, crossing, flags, point, view});
+    }
+    void GetLocalBoundBox(TimeValue t, INode*, ViewExp*, Box3& box) override {
+        box = MeshAt(t).getBoundingBox();
+    }
 
     int NumRefs() override { return 1; }
     RefTargetHandle GetReference(int index) override { return index == 0 ? base_ : nullptr; }
@@ -127,6 +137,14 @@ class Bend final : public Object {
     }
 
   private:
+    // Empty without a base, or with one that is no triangles.
+    Mesh MeshAt(TimeValue t) {
+        Object* const base = base_ ? base_->Eval(t).obj : nullptr;
+        Mesh mesh = base ? MeshOf(*base, t) : Mesh();
+        BendMesh(mesh, RadiansAt(t, degreesPerSecond_));
+        return mesh;
+    }
+
     struct Moment {
         TimeValue t;
         double radians;

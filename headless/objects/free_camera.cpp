@@ -1,9 +1,11 @@
+#include <cmath>
 #include <memory>
 #include <numbers>
 #include <utility>
 
 #include "control/factory.h"
 #include "host/animate.h"
+#include "objects/camera_lines.h"
 #include "objects/own_classes.h"
 #include "objects/undoable.h"
 #include "storage/plain_chunks.h"
@@ -14,6 +16,9 @@ namespace {
 constexpr std::uint16_t kSwitchesChunk = 1;
 constexpr float kFieldOfView = std::numbers::pi_v<float> / 4;  // radians
 constexpr float kTargetDistance = 160;                         // host units
+
+constexpr float kAspect = 16.0F / 9;    // of the picture that the cone is drawn for
+constexpr float kShortCone = 1.0F / 8;  // of the target distance, where the cone does not show
 
 // The animated parameters, each a float controller.
 class CameraParameters final : public ReferenceTarget {
@@ -116,6 +121,17 @@ class FreeCamera final : public CameraObject {
     HostString GetObjectName() override { return "Camera"; }
     void DeleteThis() override { delete this; }
 
+    int Display(TimeValue t, INode* node, ViewExp* view, int) override {
+        return DisplayLines(Lines(t, node), t, node, view);
+    }
+    int HitTest(TimeValue t, INode* node, int type, int crossing, int flags, IPoint2* point,
+                ViewExp* view) override {
+        return HitTestLines(Lines(t, node), {t, node, type, crossing, flags, point, view});
+    }
+    void GetLocalBoundBox(TimeValue t, INode* node, ViewExp*, Box3& box) override {
+        box = BoundsOf(Lines(t, node));
+    }
+
     int NumSubs() override { return 1; }
     Animatable* SubAnim(int index) override { return index == 0 ? parameters_ : nullptr; }
     HostString SubAnimName(int index) override { return index == 0 ? "Parameters" : ""; }
@@ -157,6 +173,20 @@ class FreeCamera final : public CameraObject {
     }
     void Set(CameraParameters::Parameter parameter, TimeValue t, float value) {
         if (parameters_) parameters_->SetValue(parameter, t, value);
+    }
+
+    // A camera whose cone does not show keeps a short one, to be seen and taken by.
+    std::vector<Line> Lines(TimeValue t, INode* node) {
+        std::vector<Line> lines;
+        Interval valid = FOREVER;
+        const float distance = GetTDist(t, valid);
+        if (!std::isfinite(distance) || distance <= 0) return lines;
+        const CameraFrame frame = FrameAt(distance, GetFOV(t, valid), GetFOVType(), kAspect);
+        const float part = switches_->cone != 0 ? 1 : kShortCone;
+        AddCone({frame.distance * part, frame.halfWidth * part, frame.halfHeight * part}, lines);
+        if (switches_->horizon != 0)
+            AddHorizon(frame, node ? node->GetObjectTM(t) : Matrix3(), lines);
+        return lines;
     }
 
     // The record names the switches alone, since the camera can be freed by whoever made it.

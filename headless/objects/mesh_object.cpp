@@ -2,6 +2,7 @@
 #include <span>
 
 #include "host/object.h"
+#include "objects/node_drawing.h"
 #include "storage/plain_chunks.h"
 
 namespace headless {
@@ -32,6 +33,13 @@ class MeshObject final : public TriObject {
     HostString GetObjectName() override { return "Mesh"; }
     void DeleteThis() override { delete this; }
 
+    int Display(TimeValue t, INode* node, ViewExp* view, int) override {
+        return DisplayMesh(mesh_, t, node, view);
+    }
+    int HitTest(TimeValue t, INode* node, int type, int crossing, int flags, IPoint2* point,
+                ViewExp* view) override {
+        return HitTestMesh(mesh_, {t, node, type, crossing, flags, point, view});
+    }
     void GetLocalBoundBox(TimeValue, INode*, ViewExp*, Box3& box) override {
         box = mesh_.getBoundingBox();
     }

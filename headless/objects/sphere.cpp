@@ -3,6 +3,7 @@
 #include <numbers>
 
 #include "headless/primitives.h"
+#include "objects/node_drawing.h"
 #include "objects/own_classes.h"
 #include "storage/plain_chunks.h"
 
@@ -114,9 +115,9 @@ class Sphere final : public Object {
 
     Object* ConvertToType(TimeValue t, Class_ID type) override {
         if (type != kTriObjectClassId) return Object::ConvertToType(t, type);
-        TriObject* mesh = CreateNewTriObject();
-        SphereMesh(shape_.radius, shape_.segments).BuildInto(mesh->GetMesh());
-        return mesh;
+        TriObject* object = CreateNewTriObject();
+        object->GetMesh() = Shown();
+        return object;
     }
 
     SClass_ID SuperClassID() override { return GEOMOBJECT_CLASS_ID; }
@@ -124,7 +125,15 @@ class Sphere final : public Object {
     void GetClassName(HostString& name) override { name = GetObjectName(); }
     HostString GetObjectName() override { return "Sphere"; }
     void DeleteThis() override { delete this; }
+    void FreeCaches() override { shown_.FreeAll(); }
 
+    int Display(TimeValue t, INode* node, ViewExp* view, int) override {
+        return DisplayMesh(Shown(), t, node, view);
+    }
+    int HitTest(TimeValue t, INode* node, int type, int crossing, int flags, IPoint2* point,
+                ViewExp* view) override {
+        return HitTestMesh(Shown(), {t, node, type, crossing, flags, point, view});
+    }
     void GetLocalBoundBox(TimeValue, INode*, ViewExp*, Box3& box) override {
         const float r = shape_.radius;
         box = Box3({-r, -r, -r}, {r, r, r});
@@ -143,6 +152,7 @@ class Sphere final : public Object {
 
     IOResult Load(ILoad* load) override {
         shape_ = {};
+        FreeCaches();
         return LoadChunks(*load, [&](std::uint16_t id) {
             Shape stored;
             if (id != kShapeChunk || !LoadValue(*load, stored) || !stored.CanBeBuilt())
@@ -162,7 +172,15 @@ class Sphere final : public Object {
                    segments <= kMostSegments;
         }
     };
+
+    // Built when it is first asked for.
+    Mesh& Shown() {
+        if (shown_.faces.empty()) SphereMesh(shape_.radius, shape_.segments).BuildInto(shown_);
+        return shown_;
+    }
+
     Shape shape_;
+    Mesh shown_;
 };
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "headless/primitives.h"
+#include "objects/node_drawing.h"
 #include "objects/own_classes.h"
 #include "objects/spline_lines.h"
 #include "objects/spline_measure.h"
@@ -54,7 +55,7 @@ class Splines final : public ShapeObject {
     Object* ConvertToType(TimeValue t, Class_ID type) override {
         if (type != kTriObjectClassId) return ShapeObject::ConvertToType(t, type);
         TriObject* object = CreateNewTriObject();
-        const Box3 box = Bounds();
+        const Box3 box = BoundsOf(Lines());
         const float radius = box.IsEmpty() ? 0 : Length(box.pmax - box.pmin) * kTubeRadius;
         for (const Spline& spline : splines_)
             AddTube(LinesAlong(spline), radius, object->GetMesh());
@@ -69,7 +70,16 @@ class Splines final : public ShapeObject {
     // What is measured is measured again when it is asked for.
     void FreeCaches() override { measures_.assign(splines_.size(), std::nullopt); }
 
-    void GetLocalBoundBox(TimeValue, INode*, ViewExp*, Box3& box) override { box = Bounds(); }
+    int Display(TimeValue t, INode* node, ViewExp* view, int) override {
+        return DisplayLines(Lines(), t, node, view);
+    }
+    int HitTest(TimeValue t, INode* node, int type, int crossing, int flags, IPoint2* point,
+                ViewExp* view) override {
+        return HitTestLines(Lines(), {t, node, type, crossing, flags, point, view});
+    }
+    void GetLocalBoundBox(TimeValue, INode*, ViewExp*, Box3& box) override {
+        box = BoundsOf(Lines());
+    }
 
     RefTargetHandle Clone(RemapDir& remap) override {
         auto* copy = new Splines(splines_);
@@ -111,13 +121,11 @@ class Splines final : public ShapeObject {
         return {segment, place - static_cast<double>(segment)};
     }
 
-    Box3 Bounds() const {
-        Box3 box;
-        for (const Spline& spline : splines_) {
-            for (const Point3& p : LinesAlong(spline))
-                box += p;
-        }
-        return box;
+    std::vector<Line> Lines() const {
+        std::vector<Line> lines;
+        for (const Spline& spline : splines_)
+            AddLines(LinesAlong(spline), lines);
+        return lines;
     }
 
     static void SaveSpline(ISave& save, const Spline& spline) {

@@ -1,0 +1,68 @@
+#include "objects/camera_lines.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace headless {
+namespace {
+
+constexpr float kWidest = 3.12F;  // radians
+
+// A run of places at + s × along.
+struct Run {
+    float first = -std::numeric_limits<float>::max();
+    float last = std::numeric_limits<float>::max();
+
+    // Keeps what lies between -limit and limit on one axis.
+    void Cut(float at, float along, float limit) {
+        if (along == 0) {
+            if (std::abs(at) > limit) last = first;
+            return;
+        }
+        const auto [low, high] = std::minmax((-limit - at) / along, (limit - at) / along);
+        first = std::max(first, low);
+        last = std::min(last, high);
+    }
+};
+
+}  // namespace
+
+CameraFrame FrameAt(float distance, float radians, int fovType, float aspect) {
+    const float angle = std::isnan(radians) ? 0 : std::clamp(radians, 0.0F, kWidest);
+    const float half = distance * std::tan(angle / 2);
+    if (fovType == 0) return {distance, half, half / aspect};
+    if (fovType == 1) return {distance, half * aspect, half};
+    const float height = half / std::sqrt(1 + aspect * aspect);
+    return {distance, height * aspect, height};
+}
+
+void AddCone(const CameraFrame& frame, std::vector<Line>& lines) {
+    const auto [distance, w, h] = frame;
+    const std::vector<Point3> around{
+        {-w, -h, -distance}, {w, -h, -distance}, {w, h, -distance}, {-w, h, -distance}};
+    for (std::size_t i = 0; i < around.size(); ++i) {
+        lines.push_back({{}, around[i]});
+        lines.push_back({around[i], around[(i + 1) % around.size()]});
+    }
+}
+
+// The frame's places (x, y) at the camera's height are those with x·up.x + y·up.y = distance·up.z,
+// where `up` is the scene's up in the camera's axes.
+void AddHorizon(const CameraFrame& frame, const Matrix3& cameraToWorld, std::vector<Line>& lines) {
+    const Point3 up =
+        Normalize({cameraToWorld.m[0][2], cameraToWorld.m[1][2], cameraToWorld.m[2][2]});
+    const float square = up.x * up.x + up.y * up.y;
+    if (!(square > 0)) return;
+    const float away = frame.distance * up.z / square;
+    const float x = up.x * away;
+    const float y = up.y * away;
+    Run run;
+    run.Cut(x, up.y, frame.halfWidth);
+    run.Cut(y, -up.x, frame.halfHeight);
+    if (!(run.first < run.last)) return;
+    const auto at = [&](float s) { return Point3(x + s * up.y, y - s * up.x, -frame.distance); };
+    lines.push_back({at(run.first), at(run.last)});
+}
+
+}  // namespace headless
