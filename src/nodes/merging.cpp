@@ -63,7 +63,7 @@ void AddCurrentDirectory(TVL::Log& log) {
     const std::string directory = CurrentDirectory();
     log.WriteValue("Adding map dir", directory);
     if (directory.empty()) return;
-    IPathConfigMgr::GetPathConfigMgr()->AddSessionMapDir(directory.c_str(), false);
+    IPathConfigMgr::GetPathConfigMgr()->AddSessionMapDir(directory, false);
 }
 
 // The one place where the host throws.

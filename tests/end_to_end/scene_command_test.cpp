@@ -169,7 +169,7 @@ TEST_F(SceneCommand, SamplesAreThePosesInCoreSpaceAlsoAfterConversion) {
     EXPECT_NE(rows.find("\n0.25,"), std::string::npos);
     Do("convert " + scene + " --save " + File("plain"));
     for (const headless::NodeInFile& node : headless::ViewSceneFile(File("plain")).nodes)
-        EXPECT_EQ(node.controller.id, Class_ID(0x2005, 0)) << node.name;
+        EXPECT_EQ(node.controller.id, (Class_ID{0x2005, 0})) << node.name;
     ExpectCloseRows(Do("sample " + File("plain") + hip + " --times 0:0.5:0.25"), rows);
     ExpectFailure(Run("sample " + scene + " --node absent --times 0:1:1"),
                   "no node of the Core's is called \"absent\"");

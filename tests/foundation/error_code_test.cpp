@@ -7,7 +7,6 @@
 namespace {
 
 using TVL::ErrorCode;
-using TVL::Log;
 
 class ErrorCodes : public FreshSingletons {
   protected:

@@ -122,7 +122,7 @@ TEST_F(MergingTest, AFileThatCannotBeMergedIsToldInTheTraceAndNothingElseChanges
     const auto before = headless::SceneDigest();
     for (const auto& [path, line] : cases) {
         Lines merged;
-        const Lines trace = Traced([&] { merged = Merge(path); });
+        const Lines trace = Traced([&, &file = path] { merged = Merge(file); });
         EXPECT_EQ(merged, Lines());
         EXPECT_EQ(std::ranges::count(trace, line), 1) << path;
         EXPECT_EQ(headless::SceneDigest(), before);

@@ -60,7 +60,8 @@ std::vector<Take*> Takes::ForRecording(std::span<const std::string> names) {
 }
 
 void Takes::PlaceBelow(Take& take, const Take* before) {
-    const Take* const parent = Depth(before) < kDeepest ? before : before->Parent();
+    const bool isRoomBelow = !before || Depth(before) < kDeepest;
+    const Take* const parent = isRoomBelow ? before : before->Parent();
     take.parent_ = IsBelow(parent, take) ? nullptr : parent;
 }
 
