@@ -22,6 +22,9 @@ struct Vector {
     friend constexpr Vector operator-(const Vector& a, const Vector& b) {
         return {a.x - b.x, a.y - b.y, a.z - b.z};
     }
+    friend constexpr Vector operator*(const Vector& v, double factor) {
+        return {v.x * factor, v.y * factor, v.z * factor};
+    }
 };
 
 constexpr double Dot(const Vector& a, const Vector& b) {
