@@ -50,8 +50,10 @@ HEADLESS_API Picture SideBySide(const std::vector<Picture>& pictures, int column
 // As a PNG file, which is complete or untouched. The result is empty, or says what went wrong.
 HEADLESS_API std::string WritePng(const Picture& picture, const std::string& path);
 
-// The nodes that the mouse hits, asked through `HitTest`, by handle in the order of Nodes(). A
-// point counts as hit within `epsilon` pixels; a rectangle has two points.
+// The nodes that the mouse hits, asked through `HitTest`, by handle in the order of Nodes(); none
+// where there is no view. How near to a point counts as hit is each object's own choice, 4 pixels
+// with all that are known here; the region's `epsilon` is not asked. The camera that is looked
+// through is not hit.
 HEADLESS_API std::vector<std::uint32_t> NodesHit(const ViewportSettings& settings, TimeValue t,
                                                  const HitRegion& region);
 

@@ -61,8 +61,8 @@ class HOST_API Mesh {
     // they were. Faces that name missing vertices are passed over, here and below.
     int IntersectRay(const Ray& ray, float& at, Point3& norm) const;
 
-    // Draws as the window's limits, transform and colours say. No part is clipped away if `clip` is
-    // null. The result is 0.
+    // Draws as the window's limits, transform and colours say: edges that show in the line colour,
+    // faces in the fill colour. Without a `clip` no part is clipped away. The result is 0.
     int render(GraphicsWindow* window, Material* materials, RECT* clip, int components,
                int materialCount = 1);
 

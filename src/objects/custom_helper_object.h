@@ -27,6 +27,11 @@ class CustomHelperObject final : public HelperObject {
     IOResult Save(ISave* save) override;
     IOResult Load(ILoad* load) override;
 
+    // Drawn into and hit in the view's window; without node, window or place, nothing is.
+    int HitTest(TimeValue t, INode* node, int type, int crossing, int flags, IPoint2* point,
+                ViewExp* view) override;
+    int Display(TimeValue t, INode* node, ViewExp* view, int flags) override;
+
     void GetWorldBoundBox(TimeValue t, INode* node, ViewExp* view, Box3& box) override;
     void GetLocalBoundBox(TimeValue t, INode* node, ViewExp* view, Box3& box) override;
     HostString GetObjectName() override { return kCustomHelperObjectName; }
