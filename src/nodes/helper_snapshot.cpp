@@ -38,9 +38,8 @@ void CMAXNode::CMAXSnapshot_Helper::LoseNode() {
 }
 
 void CMAXNode::CMAXSnapshot_Helper::SetMesh(const TVL::CMesh& mesh) {
-    Object* const object = LiveObject();
-    if (object && object->ClassID() == kTriObjectClassId)
-        WriteMesh(mesh, static_cast<TriObject*>(object)->GetMesh());
+    // A stand-in for an object that could not be read says its class, and has no mesh.
+    if (auto* object = dynamic_cast<TriObject*>(LiveObject())) WriteMesh(mesh, object->GetMesh());
 }
 
 void CMAXNode::CMAXSnapshot_Helper::SetColor(float red, float green, float blue) {

@@ -4,9 +4,12 @@
 
 #include "nodes/helper_snapshot.h"
 #include "nodes/host_name.h"
+#include "nodes/lens_snapshot.h"
+#include "nodes/mesh_snapshot.h"
 #include "nodes/node_list.h"
 #include "nodes/node_lookup.h"
 #include "nodes/node_watch.h"
+#include "nodes/shape_snapshot.h"
 #include "nodes/transform_snapshot.h"
 #include "tvl/log.h"
 
@@ -52,6 +55,9 @@ CMAXNode::~CMAXNode() {
     LeaveAlive();
     transformPool.Empty("Encountered still acquired snapshot");
     helperPool.Empty("Encountered still acquired helper snapshot");
+    meshPool.Empty("Encountered still acquired mesh snapshot");
+    lensPool.Empty("Encountered still acquired lens snapshot");
+    shapePool.Empty("Encountered still acquired shape snapshot");
 }
 
 void CMAXNode::Destroy() {

@@ -20,6 +20,9 @@ class CMAXNode final : public TVL::CoreNode {
   public:
     class CMAXSnapshot;
     class CMAXSnapshot_Helper;
+    class CMAXSnapshot_Lens;
+    class CMAXSnapshot_Mesh;
+    class CMAXSnapshot_Shape;
 
     // A real node. It is listed, and its host node hung below that of the parent, if both are
     // given.
@@ -107,6 +110,9 @@ class CMAXNode final : public TVL::CoreNode {
     HostNodeLink hostNode;
     SnapshotPool<CMAXSnapshot> transformPool;
     SnapshotPool<CMAXSnapshot_Helper> helperPool;
+    SnapshotPool<CMAXSnapshot_Lens> lensPool;
+    SnapshotPool<CMAXSnapshot_Mesh> meshPool;
+    SnapshotPool<CMAXSnapshot_Shape> shapePool;
 
     TVL::CoreElement* sourceOwner = nullptr;  // owner of `source` when this node was made
     std::vector<CMAXNode*> reached;           // nodes whose `source` is this one

@@ -2,8 +2,16 @@
 
 #include <utility>
 
-void EmptyMeshCache() {
-    MeshCache& cache = ConvertedMeshes();
-    ++cache.timesEmptied;
-    std::exchange(cache.meshes, {});
+CachedMesh MeshCache::Find(const HostNodeLink& node) const {
+    const auto found = meshes_.find(node);
+    return found == meshes_.end() ? CachedMesh() : found->second;
+}
+
+CachedMesh MeshCache::Keep(const HostNodeLink& node, ConvertedMesh mesh) {
+    const auto end = [](TriObject* object) { object->DeleteMe(); };
+    return meshes_[node] = std::shared_ptr<TriObject>(mesh.release(), end);
+}
+
+void MeshCache::Empty() {
+    std::exchange(meshes_, {});
 }

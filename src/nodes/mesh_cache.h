@@ -1,33 +1,31 @@
 #pragma once
 
-#include <cstdint>
-#include <map>
 #include <memory>
+#include <unordered_map>
 
-#include "host/node.h"
 #include "host/object.h"
+#include "nodes/host_node_link.h"
 
-// Ends a triangle-mesh object that was converted for the adaptor.
-struct DeleteConverted {
-    void operator()(TriObject* object) const { object->DeleteMe(); }
+// A triangle-mesh object that the host has made by a conversion.
+struct FreeConverted {
+    void operator()(TriObject* object) const { object->DeleteThis(); }
 };
-using ConvertedMesh = std::unique_ptr<TriObject, DeleteConverted>;
+using ConvertedMesh = std::unique_ptr<TriObject, FreeConverted>;
+
+// A mesh that the cache owns, for those that use it: it reads as null once the cache was emptied.
+using CachedMesh = std::weak_ptr<TriObject>;
 
 // Meshes that scene nodes were converted to, one for each node, kept so that the slow conversion
-// runs once in a recording. An entry is good for the node whose handle it carries: a later node at
-// the same address is another one.
-struct MeshCache {
-    struct Entry {
-        std::uint32_t handle = 0;
-        ConvertedMesh mesh;
-    };
+// runs once in a recording. Each is the geometry at the time of its conversion.
+class MeshCache {
+  public:
+    CachedMesh Find(const HostNodeLink& node) const;
+    CachedMesh Keep(const HostNodeLink& node, ConvertedMesh mesh);
+    void Empty();
 
-    std::map<INode*, Entry> meshes;
-    std::uint32_t timesEmptied = 0;  // a borrower that saw another number holds nothing any more
+  private:
+    std::unordered_map<HostNodeLink, std::shared_ptr<TriObject>, HostNodeLink::Hash> meshes_;
 };
 
-// The adaptor's cache.
+// The adaptor's cache. Both ends of a recording empty it.
 MeshCache& ConvertedMeshes();
-
-// Frees all meshes. It runs at both ends of a recording.
-void EmptyMeshCache();

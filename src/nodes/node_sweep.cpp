@@ -1,6 +1,7 @@
 #include "nodes/node_sweep.h"
 
 #include "nodes/max_node.h"
+#include "nodes/mesh_cache.h"
 #include "nodes/node_list.h"
 #include "nodes/node_selection.h"
 #include "nodes/snapshot_pool.h"
@@ -20,6 +21,7 @@ SweptNodes SweepNodes() {
         node = older;
     }
     EndSelectionBatch();
+    ConvertedMeshes().Empty();
     swept.snapshots = FreeOrphans();
     return swept;
 }

@@ -20,7 +20,7 @@ void OpenRecording() {
     RecordingInProgress() = {.wasAnimating = Animating(), .open = true};
     AnimateOn();
     AddUndoChunk(std::make_unique<CSetTimeRestoreObj>(CurrentSeconds()));
-    EmptyMeshCache();
+    ConvertedMeshes().Empty();
 }
 
 // What is written in animate mode becomes a key, even if it is what was there.
@@ -53,6 +53,6 @@ std::int32_t EndRecording() {
     RecordingInProgress().open = false;
     if (!RecordingInProgress().wasAnimating) AnimateOff();
     GetCOREInterface()->EnableAnimateButton(1);
-    EmptyMeshCache();
+    ConvertedMeshes().Empty();
     return 0;
 }

@@ -1,5 +1,6 @@
 #include "objects/mesh_exchange.h"
 
+#include <algorithm>
 #include <array>
 #include <span>
 
@@ -7,11 +8,6 @@ namespace {
 
 constexpr std::size_t kCorners = 3;
 using Corners = std::array<int, kCorners>;
-
-Point3 Narrowed(const std::array<double, 3>& point) {
-    return {static_cast<float>(point[0]), static_cast<float>(point[1]),
-            static_cast<float>(point[2])};
-}
 
 void WriteVertices(const TVL::CMesh& from, Mesh& into) {
     into.setNumVerts(static_cast<int>(from.vertices.size()), 0, 1);
@@ -48,6 +44,19 @@ Corners CornersOf(std::span<const int> indices, int face, std::size_t limit) {
     return corners;
 }
 
+std::vector<std::array<double, 3>> AllWidened(const std::vector<Point3>& points) {
+    std::vector<std::array<double, 3>> widened;
+    widened.reserve(points.size());
+    for (const Point3& point : points)
+        widened.push_back(Widened(point));
+    return widened;
+}
+
+void CopyCorners(const std::uint32_t (&from)[kCorners], std::size_t face, std::vector<int>& into) {
+    for (std::size_t corner = 0; corner < kCorners; ++corner)
+        into[face * kCorners + corner] = static_cast<int>(from[corner]);
+}
+
 }  // namespace
 
 void WriteMesh(const TVL::CMesh& from, Mesh& into) {
@@ -67,6 +76,20 @@ void WriteMesh(const TVL::CMesh& from, Mesh& into) {
     into.EnableEdgeList(1);
 }
 
+TVL::CMesh ReadMesh(const Mesh& from) {
+    TVL::CMesh into;
+    into.vertices = AllWidened(from.verts);
+    into.textureVertices = AllWidened(from.tVerts);
+    into.faces.resize(from.faces.size() * kCorners);
+    into.textureFaces.resize(into.faces.size());
+    for (std::size_t face = 0; face < from.faces.size(); ++face)
+        CopyCorners(from.faces[face].v, face, into.faces);
+    if (from.tVerts.empty()) return into;
+    for (std::size_t face = 0; face < std::min(from.faces.size(), from.tvFace.size()); ++face)
+        CopyCorners(from.tvFace[face].t, face, into.textureFaces);
+    return into;
+}
+
 void WriteDisplayMesh(const TVL::CMesh& from, Mesh& into) {
     const int faceCount = WrittenFaceCount(from);
     WriteVertices(from, into);
@@ -78,4 +101,13 @@ void WriteDisplayMesh(const TVL::CMesh& from, Mesh& into) {
         face.setEdgeVisFlags(1, 1, 1);
         face.setSmGroup(0);
     }
+}
+
+Point3 Narrowed(const std::array<double, 3>& point) {
+    return {static_cast<float>(point[0]), static_cast<float>(point[1]),
+            static_cast<float>(point[2])};
+}
+
+std::array<double, 3> Widened(const Point3& point) {
+    return {point.x, point.y, point.z};
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+
 #include "host/mesh.h"
 #include "tvl/mesh.h"
 
@@ -9,5 +11,13 @@
 // that names a missing texture vertex likewise; a mesh without vertices gets no faces.
 void WriteMesh(const TVL::CMesh& from, Mesh& into);
 
+// A mesh of the Core's with what a host mesh holds, widened to doubles, in the host's order. A face
+// without texture face has texture indices of 0.
+TVL::CMesh ReadMesh(const Mesh& from);
+
 // The vertices and the vertex indices of the faces alone, with every edge visible.
 void WriteDisplayMesh(const TVL::CMesh& from, Mesh& into);
+
+// Between the Core's points and the host's; neither space nor units change.
+Point3 Narrowed(const std::array<double, 3>& point);
+std::array<double, 3> Widened(const Point3& point);

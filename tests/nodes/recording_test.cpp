@@ -1,6 +1,5 @@
 #include "host/animate.h"
 #include "host/control.h"
-#include "nodes/mesh_cache.h"
 #include "nodes/node_test.h"
 
 namespace {
@@ -53,24 +52,6 @@ TEST_F(Recording, LeavesTheAnimateModeOfTheUserOn) {
     adaptor.EndRecording();
     EXPECT_TRUE(Animating());
     world.Session().PressAnimateButton(false);
-}
-
-TEST_F(Recording, FreesConvertedMeshesAtBothEnds) {
-    Helper("Hip");
-    INode* const host = Host("Rig_Hip");
-    const std::size_t alive = headless::TakeCensus().objectCount;
-    const auto fill = [&] {
-        ConvertedMeshes().meshes[host] = {host->GetHandle(), ConvertedMesh(CreateNewTriObject())};
-    };
-    fill();
-    adaptor.BeginRecording({});
-    EXPECT_EQ(headless::TakeCensus().objectCount, alive);
-    fill();
-    const std::uint32_t seen = ConvertedMeshes().timesEmptied;
-    adaptor.EndRecording();
-    EXPECT_EQ(headless::TakeCensus().objectCount, alive);
-    EXPECT_TRUE(ConvertedMeshes().meshes.empty());
-    EXPECT_NE(ConvertedMeshes().timesEmptied, seen);
 }
 
 }  // namespace

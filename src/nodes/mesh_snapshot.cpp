@@ -1,0 +1,116 @@
+#include "nodes/mesh_snapshot.h"
+
+#include <memory>
+#include <utility>
+
+#include "core_link/core_link.h"
+#include "measures/host_clock.h"
+#include "nodes/node_watch.h"
+#include "objects/mesh_exchange.h"
+#include "resources/resource_ids.h"
+
+namespace {
+
+// What the host gives as a triangle mesh can be a stand-in of that class without one.
+ConvertedMesh TakeConverted(Object* object) {
+    ConvertedMesh mesh(dynamic_cast<TriObject*>(object));
+    if (object && !mesh) object->DeleteThis();
+    return mesh;
+}
+
+bool LendsMesh(INode* host) {
+    if (!host) return false;
+    Object* const object = host->GetObjectRef();
+    return !object || object->SuperClassID() != CAMERA_CLASS_ID;
+}
+
+}  // namespace
+
+CMAXNode::CMAXSnapshot_Mesh::CMAXSnapshot_Mesh(CMAXNode& lender) {
+    node = &lender;
+}
+
+void CMAXNode::CMAXSnapshot_Mesh::Acquire(CMAXNode& lender, TimeValue ticks, MeshCache* cache) {
+    acquired = true;
+    hostNode = lender.hostNode;
+    Refresh(ticks, cache);
+}
+
+void CMAXNode::CMAXSnapshot_Mesh::LoseNode() {
+    node = nullptr;
+    meshObject = {};
+    hostNode = {};
+}
+
+void CMAXNode::CMAXSnapshot_Mesh::Refresh(TimeValue ticks, MeshCache* cache) {
+    CachedMesh cached = cache ? cache->Find(hostNode) : CachedMesh();
+    if (!cached.expired()) {
+        meshObject = std::move(cached);
+        return;
+    }
+    meshObject = {};
+    INode* const host = hostNode.Get();
+    Object* const evaluated = host ? host->EvalWorldState(ticks, true).obj : nullptr;
+    if (!evaluated || !evaluated->CanConvertToType(kTriObjectClassId)) return;
+    Object* const object = evaluated->ConvertToType(ticks, kTriObjectClassId);
+    if (object == evaluated) {
+        meshObject = EvaluatedMesh{ShownObject(hostNode), dynamic_cast<TriObject*>(object)};
+        return;
+    }
+    ConvertedMesh converted = TakeConverted(object);
+    if (!converted) return;
+    if (cache)
+        meshObject = cache->Keep(hostNode, std::move(converted));
+    else
+        meshObject = std::move(converted);
+}
+
+TriObject* CMAXNode::CMAXSnapshot_Mesh::LiveMesh() const {
+    if (!hostNode.Get()) return nullptr;
+    if (const auto* evaluated = std::get_if<EvaluatedMesh>(&meshObject))
+        return evaluated->shown.Get() ? evaluated->mesh : nullptr;
+    if (const auto* cached = std::get_if<CachedMesh>(&meshObject)) return cached->lock().get();
+    const auto* converted = std::get_if<ConvertedMesh>(&meshObject);
+    return converted ? converted->get() : nullptr;
+}
+
+void CMAXNode::CMAXSnapshot_Mesh::SetMesh(const TVL::CMesh& mesh) {
+    if (TriObject* object = LiveMesh()) WriteMesh(mesh, object->GetMesh());
+}
+
+TVL::CMesh CMAXNode::CMAXSnapshot_Mesh::GetMesh() {
+    TriObject* const object = LiveMesh();
+    return object ? ReadMesh(object->GetMesh()) : TVL::CMesh();
+}
+
+bool CMAXNode::CMAXSnapshot_Mesh::IntersectRay(const std::array<double, 3>& origin,
+                                               const std::array<double, 3>& direction,
+                                               double* distance, std::array<double, 3>* normal) {
+    TriObject* const object = LiveMesh();
+    if (!object) return false;
+    float at = 0;
+    Point3 norm;
+    const Ray ray{Narrowed(origin), Narrowed(direction)};
+    const bool hits = object->GetMesh().IntersectRay(ray, at, norm) != 0;
+    if (distance) *distance = static_cast<double>(at);
+    if (normal) *normal = Widened(norm);
+    return hits;
+}
+
+TVL::CSnapshot_Mesh* CMAXNode::AcquireMeshSnapshot(double seconds) {
+    if (!LendsMesh(HostNode())) return nullptr;
+
+    // The Core can end the node, or its host node, while it is asked.
+    const NodeWatch self(this);
+    const bool isDynamic = CoreOption(DynamicMeshesOption, false);
+    if (!self.Get() || !LendsMesh(HostNode())) return nullptr;
+
+    CMAXSnapshot_Mesh& snapshot =
+        meshPool.FindFree([this] { return std::make_unique<CMAXSnapshot_Mesh>(*this); });
+    snapshot.Acquire(*this, SnapshotTicks(seconds), isDynamic ? nullptr : &ConvertedMeshes());
+    return &snapshot;
+}
+
+void CMAXNode::ReleaseMeshSnapshot(TVL::CSnapshot_Mesh* snapshot) {
+    if (snapshot) static_cast<CMAXSnapshot_Mesh*>(snapshot)->Release();
+}

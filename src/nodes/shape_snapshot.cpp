@@ -1,0 +1,98 @@
+#include "nodes/shape_snapshot.h"
+
+#include <cmath>
+#include <memory>
+
+#include "measures/host_clock.h"
+
+namespace {
+
+// The stretch of a curve over which its direction is taken, as a part of its length.
+constexpr double kTangentStretch = 0.00001;
+constexpr double kHalfStretch = 0.000005;
+constexpr double kLastStretchStart = 0.99999;
+
+ShapeObject* AsShape(Object* object) {
+    const bool isShape = object && object->SuperClassID() == SHAPE_CLASS_ID;
+    return isShape ? dynamic_cast<ShapeObject*>(object) : nullptr;
+}
+
+// Centred on the parameter, pushed inward at both ends.
+double StretchStart(double parameter) {
+    double start = parameter - kHalfStretch;
+    if (start < 0) start = 0;
+    if (start + kTangentStretch >= 1.0) start = kLastStretchStart;
+    return start;
+}
+
+}  // namespace
+
+CMAXNode::CMAXSnapshot_Shape::CMAXSnapshot_Shape(CMAXNode& lender) {
+    node = &lender;
+}
+
+void CMAXNode::CMAXSnapshot_Shape::Acquire(const ShownObject& shape, double time) {
+    acquired = true;
+    hostObject = shape;
+    ticks = SnapshotTicks(time);
+    seconds = time;
+}
+
+void CMAXNode::CMAXSnapshot_Shape::LoseNode() {
+    node = nullptr;
+    hostObject = {};
+}
+
+int CMAXNode::CMAXSnapshot_Shape::GetCurveCount() {
+    ShapeObject* const shape = AsShape(hostObject.Get());
+    return shape ? shape->NumberOfCurves() : 0;
+}
+
+void CMAXNode::CMAXSnapshot_Shape::SetCurve(int index) {
+    const int count = GetCurveCount();
+    if (index >= count) index = count - 1;
+    curve = index < 0 ? 0 : index;
+}
+
+double CMAXNode::CMAXSnapshot_Shape::GetCurveLength() {
+    ShapeObject* const shape = ShapeWithCurve();
+    return shape ? static_cast<double>(shape->LengthOfCurve(ticks, curve)) : 0;
+}
+
+std::array<double, 3> CMAXNode::CMAXSnapshot_Shape::GetCurvePoint(double parameter) {
+    ShapeObject* const shape = ShapeWithCurve();
+    if (!shape) return {};
+    const Point3 point =
+        shape->InterpCurve3D(ticks, curve, static_cast<float>(parameter), PARAM_NORMALIZED);
+    return {point.x, point.y, point.z};
+}
+
+std::array<double, 3> CMAXNode::CMAXSnapshot_Shape::GetCurveTangent(double parameter) {
+    const double start = StretchStart(parameter);
+    const std::array<double, 3> from = GetCurvePoint(start);
+    const std::array<double, 3> to = GetCurvePoint(start + kTangentStretch);
+    const std::array<double, 3> way{to[0] - from[0], to[1] - from[1], to[2] - from[2]};
+    const double length = std::sqrt(way[0] * way[0] + way[1] * way[1] + way[2] * way[2]);
+    if (length == 0.0) return {0, 1, 0};
+    const double scale = 1 / length;
+    return {way[0] * scale, way[1] * scale, way[2] * scale};
+}
+
+// A reused snapshot can have a curve from a time at which its node had more of them.
+ShapeObject* CMAXNode::CMAXSnapshot_Shape::ShapeWithCurve() const {
+    ShapeObject* const shape = AsShape(hostObject.Get());
+    return shape && curve < shape->NumberOfCurves() ? shape : nullptr;
+}
+
+TVL::CSnapshot_Shape* CMAXNode::AcquireShapeSnapshot(double time) {
+    const ShownObject object(hostNode);
+    if (!AsShape(object.Get())) return nullptr;
+    CMAXSnapshot_Shape& snapshot =
+        shapePool.FindFree([this] { return std::make_unique<CMAXSnapshot_Shape>(*this); });
+    snapshot.Acquire(object, time);
+    return &snapshot;
+}
+
+void CMAXNode::ReleaseShapeSnapshot(TVL::CSnapshot_Shape* snapshot) {
+    if (snapshot) static_cast<CMAXSnapshot_Shape*>(snapshot)->Release();
+}
