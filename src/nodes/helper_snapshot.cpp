@@ -65,9 +65,8 @@ INode* CMAXNode::CMAXSnapshot_Helper::LiveNode() const {
 }
 
 CustomHelperObject* CMAXNode::CMAXSnapshot_Helper::LiveHelper() const {
-    Object* const object = LiveObject();
-    const bool isHelper = object && object->ClassID() == kCustomHelperObjectClassId;
-    return isHelper ? static_cast<CustomHelperObject*>(object) : nullptr;
+    // Not by its class id, which a stand-in says too.
+    return dynamic_cast<CustomHelperObject*>(LiveObject());
 }
 
 TVL::CSnapshot_Helper* CMAXNode::AcquireHelperSnapshot() {
