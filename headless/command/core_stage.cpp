@@ -1,16 +1,15 @@
 #include "command/core_stage.h"
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
 #include <iterator>
 
 #include "command/core_environment.h"
 #include "command/exit_status.h"
 #include "headless/scene_view.h"
+#include "platform/beside_program.h"
 #include "platform/hide_registry.h"
 #include "platform/load_failure.h"
-#include "platform/win32.h"
 
 namespace headless {
 namespace {
@@ -18,12 +17,6 @@ namespace {
 constexpr char kPluginFile[] = "TarvoOstrelUtil.so";
 constexpr char kUtilityName[] = "Tarvo Lumiset Util";
 constexpr int kStartButton = 1046;
-
-std::string BesideProgram(const char* file) {
-    std::array<char, MAX_PATH> program{};
-    GetModuleFileNameA(nullptr, program.data(), MAX_PATH);
-    return (std::filesystem::path(program.data()).parent_path() / file).string();
-}
 
 std::string NotAttached(const std::string& why) {
     return "the Core could not be attached (" + why + ")";
@@ -56,7 +49,7 @@ CoreStage::CoreStage(Company company, const SessionSettings& settings)
     session_.OnMessageBox([this](const MessageBoxText& box) { boxTexts_.push_back(box.text); });
     if (company == Company::kPluginAlone) platform::HideRegistry();
     if (company == Company::kNobody) return;
-    const std::string error = session_.LoadPlugin(BesideProgram(kPluginFile));
+    const std::string error = session_.LoadPlugin(platform::BesideProgram(kPluginFile));
     if (!error.empty()) throw Failure(error);
     session_.Start();
 }

@@ -3,13 +3,16 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
 #include <limits>
 #include <numbers>
+#include <utility>
 #include <vector>
 
 #include "headless/scene_view.h"
 #include "host/units.h"
 #include "values/vector.h"
+#include "viewport/framed_boxes.h"
 #include "viewport/shown_nodes.h"
 
 namespace headless {
@@ -27,6 +30,10 @@ constexpr double kNearestInMetres = 1;
 // Fields of view of scene cameras are kept inside these.
 constexpr double kNarrowest = 0.1 * kRadians;
 constexpr double kWidest = 179 * kRadians;
+
+// Of a picture, in pixels each way.
+constexpr int kSmallest = 16;
+constexpr int kLargest = 8192;
 
 // Of the depths. The nearest is at most so many times nearer than the farthest, for the sake of the
 // depth buffer's precision.
@@ -51,44 +58,11 @@ Vector Unit(const Vector& v) {
     return v * (1 / std::sqrt(Dot(v, v)));
 }
 
-std::array<Vector, 8> Corners(const Box3& box) {
-    std::array<Vector, 8> corners;
-    for (unsigned i = 0; i < 8; ++i)
-        corners[i] = Vector(Point3{i & 1 ? box.pmax.x : box.pmin.x, i & 2 ? box.pmax.y : box.pmin.y,
-                                   i & 4 ? box.pmax.z : box.pmin.z});
-    return corners;
-}
-
-bool LiesFlat(const Box3& box) {
-    return box.pmax.z <= box.pmin.z && box.pmax.x > box.pmin.x && box.pmax.y > box.pmin.y;
-}
-
 std::vector<Vector> CornersOf(const std::vector<Box3>& boxes) {
     std::vector<Vector> points;
-    for (const Box3& box : boxes) {
-        const auto corners = Corners(box);
-        points.insert(points.end(), corners.begin(), corners.end());
-    }
+    for (const Box3& box : boxes)
+        std::ranges::copy(Corners(box), std::back_inserter(points));
     return points;
-}
-
-std::vector<Box3> BoxesAt(const std::vector<TimeValue>& times) {
-    std::vector<Box3> boxes;
-    const std::vector<SceneNode*> nodes = ShownNodes();
-    for (const TimeValue t : times) {
-        for (SceneNode* node : nodes) {
-            if (CameraOf(*node, t)) continue;
-            if (const Box3 box = WorldBox(*node, t); !box.IsEmpty()) boxes.push_back(box);
-        }
-    }
-    return boxes;
-}
-
-std::vector<Vector> FramedPoints(const std::vector<TimeValue>& times) {
-    std::vector<Box3> boxes = BoxesAt(times);
-    if (!std::ranges::all_of(boxes, LiesFlat)) std::erase_if(boxes, LiesFlat);
-    if (boxes.empty()) boxes.push_back(Box3({0, 0, 0}, {0, 0, 0}));
-    return CornersOf(boxes);
 }
 
 // The narrowest stretch, along one axis of the picture, that a camera at a distance has to cover.
@@ -106,7 +80,8 @@ struct Stretch {
 
 // Moves the camera back until every point is inside its opening, and no farther: a point at depth w
 // and x across is inside if |x - middle| <= opening × (distance + w).
-Vector PlaceToSee(const Pose& turned, const Opening& opening, const std::vector<Vector>& points) {
+Vector PlaceToSee(const Pose& turned, const Opening& opening, std::vector<Vector> points) {
+    if (points.empty()) points.emplace_back();
     Stretch across, upward;
     for (const Vector& p : points) {
         const double depth = Dot(p, turned.ahead);
@@ -132,6 +107,10 @@ Opening OpeningOf(double tangent, int type, double width, double height) {
             return {tangent * width / diagonal, tangent * height / diagonal};
         }
     }
+}
+
+bool IsPictureSize(int pixels) {
+    return pixels >= kSmallest && pixels <= kLargest;
 }
 
 Pose OwnPose() {
@@ -162,10 +141,13 @@ struct Depths {
     double farthest = 0;
 };
 
-Depths DepthsFrom(const Pose& pose, const std::vector<Vector>& points) {
+// Around all that shows, and the ground.
+Depths DepthsFrom(const Pose& pose, const GroundGrid& grid, TimeValue t) {
+    std::vector<Box3> boxes = ShownBoxes(t);
+    boxes.push_back(grid.area);
     const double metre = 1 / GetMasterScale(UNITS_METERS);
     Depths depths{std::numeric_limits<double>::max(), metre};
-    for (const Vector& p : points) {
+    for (const Vector& p : CornersOf(boxes)) {
         const double depth = Dot(p - pose.place, pose.ahead);
         depths.nearest = std::min(depths.nearest, depth);
         depths.farthest = std::max(depths.farthest, depth);
@@ -196,36 +178,48 @@ View ViewFrom(const Pose& pose, const Opening& opening, const Depths& depths,
     return view;
 }
 
+AimedView Failed(std::string error) {
+    AimedView none;
+    none.error = std::move(error);
+    return none;
+}
+
 AimedView ThroughCamera(const ViewportSettings& settings, TimeValue t) {
     auto* const node = static_cast<SceneNode*>(FindNode(settings.camera));
-    if (!node) return {.error = "no node is called \"" + settings.camera + "\"", .view = {}};
+    if (!node) return Failed("no node is called \"" + settings.camera + "\"");
     CameraObject* const camera = CameraOf(*node, t);
-    if (!camera) return {.error = "the node \"" + settings.camera + "\" is no camera", .view = {}};
+    if (!camera) return Failed("the node \"" + settings.camera + "\" is no camera");
     Pose pose;
     Interval valid;
     const double angle = double{camera->GetFOV(t, valid)};
     if (!PoseOf(node->GetNodeTM(t, nullptr), pose) || !std::isfinite(angle))
-        return {.error = "the camera \"" + settings.camera + "\" looks nowhere at that time",
-                .view = {}};
+        return Failed("the camera \"" + settings.camera + "\" looks nowhere at that time");
     const Opening opening = OpeningOf(std::tan(std::clamp(angle, kNarrowest, kWidest) / 2),
                                       camera->GetFOVType(), settings.width, settings.height);
-    const Depths depths = DepthsFrom(pose, CornersOf(BoxesAt({t})));
-    return {.error = "", .view = ViewFrom(pose, opening, depths, settings), .camera = node};
+    AimedView aimed;
+    aimed.grid = GridBelow(FramedBoxes(settings, t));
+    aimed.view = ViewFrom(pose, opening, DepthsFrom(pose, aimed.grid, t), settings);
+    aimed.camera = node;
+    return aimed;
 }
 
 AimedView FromFrontAndAbove(const ViewportSettings& settings, TimeValue t) {
-    const auto framed = settings.framedTimes.empty() ? std::vector{t} : settings.framedTimes;
+    const std::vector<Box3> framed = FramedBoxes(settings, t);
     const Opening opening =
         OpeningOf(std::tan(kOwnFieldOfView / 2), 1, settings.width, settings.height);
     Pose pose = OwnPose();
-    pose.place = PlaceToSee(pose, {opening.x * kFilled, opening.y * kFilled}, FramedPoints(framed));
-    const Depths depths = DepthsFrom(pose, CornersOf(BoxesAt({t})));
-    return {.error = "", .view = ViewFrom(pose, opening, depths, settings)};
+    pose.place = PlaceToSee(pose, {opening.x * kFilled, opening.y * kFilled}, CornersOf(framed));
+    AimedView aimed;
+    aimed.grid = GridBelow(framed);
+    aimed.view = ViewFrom(pose, opening, DepthsFrom(pose, aimed.grid, t), settings);
+    return aimed;
 }
 
 }  // namespace
 
 AimedView AimView(const ViewportSettings& settings, TimeValue t) {
+    if (!IsPictureSize(settings.width) || !IsPictureSize(settings.height))
+        return Failed("a picture is 16 to 8,192 pixels wide and high");
     if (!settings.camera.empty()) return ThroughCamera(settings, t);
     return FromFrontAndAbove(settings, t);
 }

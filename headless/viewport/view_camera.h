@@ -4,18 +4,19 @@
 
 #include "drawing/view.h"
 #include "headless/viewport.h"
+#include "viewport/ground_grid.h"
 
 class INode;
 
 namespace headless {
 
 // How the settings look at the running scene at a time: through the camera that they name, or from
-// the front and above at what shows at the times that they frame. Cameras do not count there, nor
-// does what lies flat on the ground while something stands upon it. Every number of the view is
-// finite, whatever the scene holds.
+// the front and above at their framed boxes. Every number of the view is finite, whatever the scene
+// holds.
 struct AimedView {
     std::string error;  // why there is no view, in one line; empty if there is one
     View view;
+    GroundGrid grid;
     const INode* camera = nullptr;  // whom it looks through; null for the viewport's own
 };
 AimedView AimView(const ViewportSettings& settings, TimeValue t);

@@ -1,0 +1,78 @@
+#include "viewport/ground_grid.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "host/units.h"
+
+namespace headless {
+namespace {
+
+constexpr double kMostSteps = 24;  // across
+constexpr Colour kLine{0.29F, 0.31F, 0.34F};
+constexpr Colour kAxis{0.42F, 0.44F, 0.48F};
+
+// The smallest step of the row that covers the span with few enough lines.
+double StepFor(double span) {
+    const double metre = 1 / GetMasterScale(UNITS_METERS);
+    const double least = span / kMostSteps / metre;
+    const double decade = std::pow(10, std::floor(std::log10(least)));
+    for (const double step : {1.0, 2.0, 5.0})
+        if (step * decade >= least) return step * decade * metre;
+    return 10 * decade * metre;
+}
+
+float Snapped(double place, double step, double (*round)(double)) {
+    return static_cast<float>(round(place / step) * step);
+}
+
+double Floor(double x) {
+    return std::floor(x);
+}
+
+double Ceil(double x) {
+    return std::ceil(x);
+}
+
+void SetLineColour(DrawWindow& window, const Colour& colour) {
+    window.setColor(LINE_COLOR, colour.red, colour.green, colour.blue);
+}
+
+}  // namespace
+
+GroundGrid GridBelow(const std::vector<Box3>& framed) {
+    Box3 all;
+    for (const Box3& box : framed) {
+        all += box.pmin;
+        all += box.pmax;
+    }
+    if (framed.empty()) all += Point3();
+    const double margin =
+        std::max({double{all.pmax.x} - double{all.pmin.x}, double{all.pmax.y} - double{all.pmin.y},
+                  double{all.pmax.z} - double{all.pmin.z}, 1 / GetMasterScale(UNITS_METERS)});
+    const double lowerX = double{all.pmin.x} - margin, upperX = double{all.pmax.x} + margin;
+    const double lowerY = double{all.pmin.y} - margin, upperY = double{all.pmax.y} + margin;
+    const double step = StepFor(std::max(upperX - lowerX, upperY - lowerY));
+    return {step, Box3({Snapped(lowerX, step, Floor), Snapped(lowerY, step, Floor), 0},
+                       {Snapped(upperX, step, Ceil), Snapped(upperY, step, Ceil), 0})};
+}
+
+void DrawGrid(const GroundGrid& grid, DrawWindow& window) {
+    const auto& [lower, upper] = std::pair(grid.area.pmin, grid.area.pmax);
+    const auto first = [&](float from) { return std::lround(double{from} / grid.step); };
+    SetLineColour(window, kLine);
+    const auto place = [&](long index) {
+        SetLineColour(window, index == 0 ? kAxis : kLine);
+        return static_cast<float>(static_cast<double>(index) * grid.step);
+    };
+    for (long i = first(lower.x); i <= first(upper.x); ++i) {
+        const float x = place(i);
+        window.DrawLine({x, lower.y, 0}, {x, upper.y, 0});
+    }
+    for (long i = first(lower.y); i <= first(upper.y); ++i) {
+        const float y = place(i);
+        window.DrawLine({lower.x, y, 0}, {upper.x, y, 0});
+    }
+}
+
+}  // namespace headless

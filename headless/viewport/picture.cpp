@@ -1,0 +1,71 @@
+#include <algorithm>
+#include <cstddef>
+#include <span>
+
+#include "headless/viewport.h"
+#include "scene_file/atomic_file.h"
+#include "scene_file/scene_file.h"
+#include "viewport/pixel_module.h"
+#include "viewport/seen_scene.h"
+
+namespace headless {
+namespace {
+
+constexpr std::size_t kChannels = 3;
+
+std::size_t RowBytes(const Picture& picture) {
+    return static_cast<std::size_t>(picture.width) * kChannels;
+}
+
+// `picture` lies inside `onto`.
+void Paste(const Picture& picture, std::size_t left, std::size_t top, Picture& onto) {
+    const std::size_t row = RowBytes(picture);
+    for (std::size_t y = 0; y < static_cast<std::size_t>(picture.height); ++y)
+        std::copy_n(&picture.rgb[y * row], row,
+                    &onto.rgb[(top + y) * RowBytes(onto) + left * kChannels]);
+}
+
+}  // namespace
+
+std::string DrawPicture(const ViewportSettings& settings, TimeValue t, Picture& into) {
+    const PixelModule& module = ThePixelModule();
+    if (!module.error.empty()) return module.error;
+    const SeenScene seen = SeeScene(settings, t);
+    std::string error = seen.aimed.error;
+    if (error.empty()) module.drawPixels(seen.list, seen.aimed.view, into, error);
+    return error;
+}
+
+Picture SideBySide(const std::vector<Picture>& pictures, int columns) {
+    if (pictures.empty()) return {};
+    const auto across = std::min(static_cast<std::size_t>(columns), pictures.size());
+    const std::size_t down = (pictures.size() + across - 1) / across;
+    const Picture& first = pictures.front();
+    Picture sheet{.width = first.width * static_cast<int>(across),
+                  .height = first.height * static_cast<int>(down),
+                  .rgb = {}};
+    sheet.rgb.resize(RowBytes(sheet) * static_cast<std::size_t>(sheet.height));
+    for (std::size_t i = 0; i < pictures.size(); ++i)
+        Paste(pictures[i], i % across * static_cast<std::size_t>(first.width),
+              i / across * static_cast<std::size_t>(first.height), sheet);
+    return sheet;
+}
+
+std::string WritePng(const Picture& picture, const std::string& path) {
+    const PixelModule& module = ThePixelModule();
+    if (!module.error.empty()) return module.error;
+    std::vector<std::uint8_t> bytes;
+    std::string error;
+    if (!module.encodePng(picture, bytes, error)) return path + ": " + error;
+    try {
+        AtomicFile file(path);
+        if (!file.Sink().Append(std::as_bytes(std::span(bytes)))) file.FailToWrite();
+        file.Close();
+        file.TakePlace();
+    } catch (const SceneFileError& failure) {
+        return failure.what();
+    }
+    return "";
+}
+
+}  // namespace headless

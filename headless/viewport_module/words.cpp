@@ -1,0 +1,76 @@
+#include "viewport_module/words.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+#include "host/graphics_window.h"
+#include "viewport_module/letters.h"
+
+namespace headless {
+namespace {
+
+constexpr int kBesidePlace = 5;  // pixels from the place to the first letter
+constexpr int kAdvance = kLetterWidth + 1;
+constexpr Colour kRim{0.1F, 0.1F, 0.12F};
+
+// In pixels, if it is in front of the viewer and in the picture.
+std::optional<IPoint2> OnPicture(const Point3& place, const View& view) {
+    std::array<float, 4> clip{};
+    for (std::size_t i = 0; i < 4; ++i)
+        clip[i] = place.x * view.toClip[0][i] + place.y * view.toClip[1][i] +
+                  place.z * view.toClip[2][i] + view.toClip[3][i];
+    if (!(clip[3] > 0) || !(std::abs(clip[0]) <= clip[3]) || !(std::abs(clip[1]) <= clip[3]))
+        return std::nullopt;
+    return IPoint2{static_cast<int>((clip[0] / clip[3] + 1) / 2 * static_cast<float>(view.width)),
+                   static_cast<int>((1 - clip[1] / clip[3]) / 2 * static_cast<float>(view.height))};
+}
+
+std::uint8_t Byte(float channel) {
+    return static_cast<std::uint8_t>(channel * 255 + 0.5F);
+}
+
+void Dot(Picture& picture, int x, int y, const Colour& colour) {
+    if (x < 0 || y < 0 || x >= picture.width || y >= picture.height) return;
+    const std::size_t pixel =
+        static_cast<std::size_t>(y) * static_cast<std::size_t>(picture.width) +
+        static_cast<std::size_t>(x);
+    std::uint8_t* const rgb = &picture.rgb[pixel * 3];
+    rgb[0] = Byte(colour.red);
+    rgb[1] = Byte(colour.green);
+    rgb[2] = Byte(colour.blue);
+}
+
+void DrawLetters(std::string_view text, const IPoint2& corner, const Colour& colour,
+                 Picture& onto) {
+    int left = corner.x;
+    for (const char letter : text) {
+        if (left >= onto.width) return;
+        for (int row = 0; row < kLetterHeight; ++row)
+            for (int column = 0; column < kLetterWidth; ++column)
+                if (LetterHasInk(letter, column, row))
+                    Dot(onto, left + column, corner.y + row, colour);
+        left += kAdvance;
+    }
+}
+
+void DrawRimmed(const DrawText& word, const IPoint2& corner, Picture& onto) {
+    for (const int x : {-1, 0, 1})
+        for (const int y : {-1, 0, 1})
+            DrawLetters(word.text, {corner.x + x, corner.y + y}, kRim, onto);
+    DrawLetters(word.text, corner, word.colour, onto);
+}
+
+}  // namespace
+
+void DrawWords(const DrawList& list, const View& view, Picture& onto) {
+    for (const DrawText& word : list.texts) {
+        if (const auto place = OnPicture(word.place, view))
+            DrawRimmed(word, {place->x + kBesidePlace, place->y - kLetterHeight / 2}, onto);
+    }
+}
+
+}  // namespace headless

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "drawing/view.h"
+#include "headless/draw_list.h"
+#include "headless/viewport.h"
+
+namespace headless {
+
+// Writes the texts of a drawing onto its pixels, each to the right of its place with a dark rim
+// around the letters. Those behind the viewer or outside the picture are left out.
+void DrawWords(const DrawList& list, const View& view, Picture& onto);
+
+}  // namespace headless
