@@ -9,7 +9,7 @@ ReferenceTarget* NewControl(SClass_ID superClass, Class_ID id) {
 }
 
 ReferenceTarget* NewObject(std::uint8_t kind) {
-    switch (kind % 6) {
+    switch (kind % 7) {
         case 0:
             return NewControl(CTRL_FLOAT_CLASS_ID, kLinearFloatClassId);
         case 1:
@@ -20,8 +20,10 @@ ReferenceTarget* NewObject(std::uint8_t kind) {
             return CreateNewTriObject();
         case 4:
             return headless::NewSplines({});
-        default:
+        case 5:
             return headless::NewSphere(1, 3);
+        default:
+            return headless::NewBend(headless::NewSphere(1, 3), 45);
     }
 }
 
@@ -33,6 +35,12 @@ void Show(ReferenceTarget& target) {
     object->GetLocalBoundBox(0, nullptr, nullptr, box);
     Object* const mesh = object->ConvertToType(0, kTriObjectClassId);
     if (mesh && mesh != object) mesh->DeleteThis();
+    auto* const shape = dynamic_cast<ShapeObject*>(object);
+    for (int curve = 0; shape && curve < shape->NumberOfCurves(); ++curve) {
+        shape->LengthOfCurve(0, curve);
+        shape->InterpCurve3D(0, curve, 0.3F, PARAM_NORMALIZED);
+        shape->InterpCurve3D(0, curve, 0.3F, PARAM_SIMPLE);
+    }
 }
 
 }  // namespace

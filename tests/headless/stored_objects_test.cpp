@@ -89,7 +89,8 @@ class StoredObjectsTest : public HostWorld {
                 NewMesh(),
                 headless::NewSplines({headless::StraightLines({{1, 2, 3}, {4, 5, 6}}),
                                       {{{{}, {1, 2, 3}, {4, 5, 6}}}, true}}),
-                headless::NewSphere(2, 20)};
+                headless::NewSphere(2, 20),
+                headless::NewBend(headless::NewGround(1, 1), 45)};
     }
 
     ReferenceTarget* EmptyOf(ReferenceTarget& object) {
@@ -117,7 +118,7 @@ TEST_F(StoredObjectsTest, WhatIsCopiedOrStoredComesBackOverWhateverWasThere) {
 
 TEST_F(StoredObjectsTest, NonsenseIsRefused) {
     const std::uint32_t nan = Bits(std::numeric_limits<float>::quiet_NaN());
-    enum Kind { kFloat, kTransform, kCamera, kMesh, kLine, kSphere };
+    enum Kind { kFloat, kTransform, kCamera, kMesh, kLine, kSphere, kBend };
     struct Case {
         Kind kind;
         std::uint16_t chunk;
@@ -134,6 +135,9 @@ TEST_F(StoredObjectsTest, NonsenseIsRefused) {
         {kMesh, 4, {1, 0, 0, 0}, "a texture face without vertices"},
         {kMesh, 1, {0xFFFFFFFF, 0, 0, 0}, "fewer vertices than announced"},
         {kLine, 1, {0xFFFFFFFF, 0, 0, 0}, "fewer points than announced"},
+        {kLine, 2, {2, 0}, "neither open nor closed"},
+        {kLine, 2, {1, 1, 0, 0, 0}, "a knot without its handles"},
+        {kBend, 1, {nan}, "a speed that is no number"},
         {kFloat, 1, {2, 12, 0, 0}, "another version"},
         {kFloat, 1, {1, 16, 0, 0}, "keys of another size"},
         {kTransform, 4, {1, 20, 0, 0}, "a part that no transform has"},
