@@ -13,7 +13,8 @@ struct ObjectState {
     Object* obj = nullptr;
 };
 
-// A hit test answers 0 where nothing was hit. Display answers 0.
+// A hit test answers 0 where nothing was hit. Display answers 0. By default there is nothing to see
+// and to hit, and the box in the world is the local one where the node is.
 class HOST_API BaseObject : public ReferenceTarget {
   public:
     virtual int HitTest(TimeValue t, INode* node, int type, int crossing, int flags, IPoint2* point,
