@@ -14,7 +14,8 @@ PLUGIN = [["foundation"], ["persistence/xml"], ["persistence/codecs"], ["resourc
           ["measures"], ["undo"], ["controllers"], ["objects"], ["nodes"], ["persistence/scene"],
           ["adaptor"], ["plugin"]]
 HOST = [["values"], ["storage"], ["references"], ["hold"], ["drawing"], ["control", "objects"],
-        ["scene"], ["classes"], ["scene_file"], ["ui"], ["viewport"], ["session"], ["command"]]
+        ["scene"], ["classes"], ["scene_file"], ["ui"], ["viewport"], ["viewport_module"],
+        ["session"], ["command"]]
 
 # Part of the house: its folder, its floors, and the contracts that it may include.
 PARTS = [
