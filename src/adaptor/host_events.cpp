@@ -1,20 +1,29 @@
 #include "adaptor/host_events.h"
 
 #include "adaptor/utility_manager.h"
+#include "nodes/mesh_cache.h"
 #include "persistence/scene/gather_state.h"
 #include "persistence/scene/node_tags.h"
 
 namespace {
 
+// A mesh from the scene that goes is good for no node of the next, whose handle and address can be
+// the same.
+void LeaveScene() {
+    CoreInterface* const core = AttachedCore();
+    if (!core) return;
+    core->ResetCore();
+    ConvertedMeshes().Empty();
+}
+
 void OnSceneReset(void*, NotifyInfo*) {
-    if (CoreInterface* const core = AttachedCore()) core->ResetCore();
+    LeaveScene();
 }
 
 // A kind other than 0 is a file that does not replace the scene.
 void OnFilePreOpen(void*, NotifyInfo* info) {
     const auto* const kind = info ? static_cast<const int*>(info->callParam) : nullptr;
-    if (kind && *kind != 0) return;
-    if (CoreInterface* const core = AttachedCore()) core->ResetCore();
+    if (!kind || *kind == 0) LeaveScene();
 }
 
 void OnFileLoaded(void*, NotifyInfo*) {

@@ -59,6 +59,7 @@ void PuppetCore::BindOption(int option, int) {
 }
 
 void PuppetCore::GetOptionValue(int option, bool* value) {
+    if (onOptionAsked) onOptionAsked(option);
     const auto known = options.find(option);
     if (known != options.end()) *value = known->second;
 }

@@ -39,6 +39,7 @@ class PuppetCore final : public CoreInterface {
     TVL::Util::MessageNode* otherButton = nullptr;          // given in its place
     TVL::WindowHandle shownIn = nullptr;
     std::function<void(const std::string&)> onCall;  // in the middle of a call
+    std::function<void(int)> onOptionAsked;
     std::function<void()> onLeave;
 
   private:
