@@ -35,8 +35,9 @@ void DropBackfaces(DrawnMesh& mesh, const View& view);
 std::vector<std::pair<std::uint32_t, std::uint32_t>> VisibleEdges(const DrawnMesh& mesh);
 
 // The normal at each corner, face by face: of the faces around the corner's place that share a
-// smoothing group with its face, weighed by their area; of a face in no group, its own. Unit
-// length, or zero if the faces have no area. In time linear in the faces for each group in use.
+// smoothing group with its face, weighed by their area and by how many groups they share; of a face
+// in no group, its own. Unit length, or zero if the faces have no area. In time linear in the faces
+// for each group in use.
 using CornerNormals = std::vector<std::array<Point3, 3>>;
 CornerNormals SmoothNormals(const DrawnMesh& mesh);
 CornerNormals FlatNormals(const DrawnMesh& mesh);  // without smoothing

@@ -6,6 +6,7 @@
 #include "objects/own_classes.h"
 #include "references/graveyard.h"
 #include "scene_file/check_document.h"
+#include "scene_file/difference_words.h"
 #include "scene_file/scene_chunks.h"
 #include "scene_file/stand_ins.h"
 #include "scene_file/thrown_words.h"
@@ -47,21 +48,27 @@ bool IsTargetClass(SClass_ID superClass) {
     }
 }
 
-std::vector<bool> NodeObjects(const SceneDocument& document) {
-    std::vector<bool> isNodeObject(document.objects.size());
+// By the object's index, the first node that has it as its object; null if none has.
+std::vector<const StoredNode*> ShowingNodes(const SceneDocument& document) {
+    std::vector<const StoredNode*> shownBy(document.objects.size());
     for (const StoredNode& node : document.nodes) {
         const StoredReference& object = node.references[kObjectReference];
-        if (object.kind == StoredTarget::kObject) isNodeObject[object.index] = true;
+        if (object.kind != StoredTarget::kObject || shownBy[object.index]) continue;
+        shownBy[object.index] = &node;
     }
-    return isNodeObject;
+    return shownBy;
+}
+
+// A controller keeps what is whole of its keys; an object that a node shows is whole or is kept as
+// it is stored, whatever it says itself.
+bool IsTornObject(const ReferenceTarget& object, const ChunkReader& read) {
+    return read.HasMisfit() && dynamic_cast<const BaseObject*>(&object);
 }
 
 }  // namespace
 
 BuiltObjects::BuiltObjects(Unbuilt unbuilt)
-    : file_(unbuilt.file),
-      document_(unbuilt.file.Document()),
-      isNodeObject_(NodeObjects(document_)) {}
+    : file_(unbuilt.file), document_(unbuilt.file.Document()), shownBy_(ShowingNodes(document_)) {}
 
 // By way of the other constructor, so that what is made ends well also if the making does not.
 BuiltObjects::BuiltObjects(SceneFileReader& file) : BuiltObjects(Unbuilt{file}) {
@@ -83,13 +90,13 @@ ReferenceTarget* BuiltObjects::Make(std::size_t index) {
     const StoredObject& stored = document_.objects[index];
     std::string failure;
     ReferenceTarget* const object = MakeLoaded(stored, failure);
-    if (object && isNodeObject_[index] && !dynamic_cast<Object*>(object)) {
+    if (object && shownBy_[index] && !dynamic_cast<Object*>(object)) {
         object->DeleteThis();
         failure = "is no object that a node can have";
     } else if (object) {
         return object;
     }
-    if (!failure.empty()) Complain(stored, failure);
+    if (!failure.empty()) Complain(index, failure);
     return MakeStandIn(index);
 }
 
@@ -103,7 +110,10 @@ ReferenceTarget* BuiltObjects::MakeLoaded(const StoredObject& stored, std::strin
     ReferenceTarget* const object = AsTarget(created, type.superClass);
     ChunkReader reader(file_.Source(), stored.bytes.begin, stored.bytes.end);
     try {
-        if (object->Load(&reader) != IO_OK) failure = "could not read its bytes";
+        if (object->Load(&reader) != IO_OK)
+            failure = "could not read its bytes";
+        else if (IsTornObject(*object, reader))
+            failure = "could not read all of its bytes as they are";
     } catch (...) {
         failure = "could not read its bytes (" + ThrownWords() + ")";
     }
@@ -117,12 +127,15 @@ ReferenceTarget* BuiltObjects::MakeLoaded(const StoredObject& stored, std::strin
 ReferenceTarget* BuiltObjects::MakeStandIn(std::size_t index) {
     const StoredObject& stored = document_.objects[index];
     return NewStandIn(stored.type, file_.BytesOf(stored.bytes), stored.references.size(),
-                      isNodeObject_[index]);
+                      shownBy_[index] != nullptr);
 }
 
-void BuiltObjects::Complain(const StoredObject& stored, const std::string& failure) {
+void BuiltObjects::Complain(std::size_t index, const std::string& failure) {
+    const StoredObject& stored = document_.objects[index];
+    const StoredNode* const node = shownBy_[index];
     complaints_.push_back(file_.Path() + ": at byte " + std::to_string(stored.position) + ": " +
-                          stored.type.name + " " + failure + "; it is kept as it is stored");
+                          stored.type.name + (node ? " of the node " + Quoted(node->name) : "") +
+                          " " + failure + "; it is kept as it is stored");
 }
 
 // From the far ends of the chains on, so that whoever gets a reference is not yet referred to,
@@ -143,7 +156,7 @@ void BuiltObjects::PointReferences(const std::vector<NodePtr>& nodes) {
 void BuiltObjects::PointObject(std::size_t index, const std::vector<NodePtr>& nodes) {
     const StoredObject& stored = document_.objects[index];
     if (Point(*objects_[index], stored.references, nodes)) return;
-    Complain(stored, "does not take what it refers to");
+    Complain(index, "does not take what it refers to");
     refused_.push_back(objects_[index]);
     objects_[index] = MakeStandIn(index);
     Point(*objects_[index], stored.references, nodes);

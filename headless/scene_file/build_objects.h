@@ -24,7 +24,7 @@ class BuiltObjects {
     void PointReferences(const std::vector<NodePtr>& nodes);
 
     // A line for each object that is there as it was stored because it could not read its bytes, or
-    // would not refer to what it referred to.
+    // not all of them, or would not refer to what it referred to.
     const std::vector<std::string>& Complaints() const { return complaints_; }
 
   private:
@@ -36,7 +36,7 @@ class BuiltObjects {
     ReferenceTarget* Make(std::size_t index);
     ReferenceTarget* MakeLoaded(const StoredObject& stored, std::string& failure);
     ReferenceTarget* MakeStandIn(std::size_t index);
-    void Complain(const StoredObject& stored, const std::string& failure);
+    void Complain(std::size_t index, const std::string& failure);
     void PointObject(std::size_t index, const std::vector<NodePtr>& nodes);
     bool Point(ReferenceMaker& maker, const std::vector<StoredReference>& references,
                const std::vector<NodePtr>& nodes) const;
@@ -45,9 +45,9 @@ class BuiltObjects {
 
     SceneFileReader& file_;
     const SceneDocument& document_;
-    std::vector<bool> isNodeObject_;  // by index, like the objects
-    std::vector<ReferenceTarget*> objects_;
-    std::vector<ReferenceTarget*> refused_;  // a stand-in has the place of each
+    std::vector<const StoredNode*> shownBy_;  // the first node that shows the object, or null
+    std::vector<ReferenceTarget*> objects_;   // by index, like these
+    std::vector<ReferenceTarget*> refused_;   // a stand-in has the place of each
     std::vector<std::string> complaints_;
 };
 

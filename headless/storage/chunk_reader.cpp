@@ -17,10 +17,11 @@ IOResult ChunkReader::OpenChunk() {
     const auto id = static_cast<std::uint16_t>(FromLittleEndian(header.data(), kChunkIdBytes));
     const std::uint64_t length = FromLittleEndian(header.data() + kChunkIdBytes, kChunkLengthBytes);
     if (length > Left()) {
+        hasMisfit_ = true;
         position_ = End();
         return IO_ERROR;
     }
-    open_.push_back({id, position_ + length});
+    open_.push_back({id, position_, position_ + length});
     return IO_OK;
 }
 
@@ -30,7 +31,9 @@ std::uint16_t ChunkReader::CurChunkID() {
 
 IOResult ChunkReader::CloseChunk() {
     if (open_.empty()) return IO_ERROR;
-    position_ = open_.back().end;
+    const auto [id, begin, end] = open_.back();
+    if (position_ != begin && position_ != end) hasMisfit_ = true;
+    position_ = end;
     open_.pop_back();
     return IO_OK;
 }
@@ -40,7 +43,9 @@ IOResult ChunkReader::Read(void* bytes, std::uint32_t count, std::uint32_t* read
     const std::size_t got = source_->ReadAt(position_, {static_cast<std::byte*>(bytes), wanted});
     position_ += got;
     if (read != nullptr) *read = static_cast<std::uint32_t>(got);
-    return got == count ? IO_OK : IO_ERROR;
+    if (got == count) return IO_OK;
+    hasMisfit_ = true;
+    return IO_ERROR;
 }
 
 IOResult ChunkReader::ReadCStringChunk(char** text) {

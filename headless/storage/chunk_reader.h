@@ -33,9 +33,14 @@ class ChunkReader final : public ILoad {
 
     std::uint64_t Left() const { return End() - position_; }  // bytes of the level
 
+    // What was read did not fit what there is: a read wanted more than its level held, a chunk
+    // reached beyond its level, or one that was read in part was closed with bytes left over.
+    bool HasMisfit() const { return hasMisfit_; }
+
   private:
     struct Chunk {
         std::uint16_t id;
+        std::uint64_t begin;  // of the contents
         std::uint64_t end;
     };
 
@@ -46,6 +51,7 @@ class ChunkReader final : public ILoad {
     std::uint64_t end_;
     std::vector<Chunk> open_;
     std::string text_;
+    bool hasMisfit_ = false;
 };
 
 }  // namespace headless

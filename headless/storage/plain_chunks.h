@@ -83,11 +83,11 @@ bool LoadTable(ILoad& load, std::vector<T>& table) {
 }
 
 // Whether the open chunk has been read to its end: what is left would be lost with the next save.
+// Without trying to read beyond it.
 inline bool IsReadWhole(ILoad& load) {
-    std::byte further{};
-    std::uint32_t count = 0;
-    load.Read(&further, 1, &count);
-    return count == 0;
+    const IOResult further = load.OpenChunk();
+    if (further == IO_OK) load.CloseChunk();
+    return further == IO_END;
 }
 
 // Reads every chunk of the level by `read`, which is asked with the chunk's id and says whether it
