@@ -107,21 +107,4 @@ TEST_F(LensSnapshot, DoesNothingOnceTheCameraIsNotShownAnyMore) {
     eye->ReleaseLensSnapshot(nullptr);
 }
 
-// What a Core works out wrongly shows in its take, and nowhere else.
-TEST_F(LensSnapshot, TakesAnyNumberAtAnyTime) {
-    Node* const eye = Camera("Eye");
-    adaptor.BeginRecordingUnkeyed({});
-    for (const double odd : {double{NAN}, 1e300, -1e300, 0.0}) {
-        WithLens(*eye, odd, [odd](TVL::CSnapshot_Lens& lens) {
-            lens.SetFieldOfView(odd);
-            lens.SetTargetDistance(odd);
-        });
-    }
-    adaptor.EndRecording();
-    WithLens(*eye, 1, [](TVL::CSnapshot_Lens& lens) {
-        lens.SetTargetDistance(3);
-        lens.GetFieldOfView();
-    });
-}
-
 }  // namespace
