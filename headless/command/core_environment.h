@@ -14,13 +14,16 @@ inline constexpr char kProgressVariable[] = "LUMISET_PROGRESS";
 inline constexpr char kMergeVariable[] = "LUMISET_MERGE";               // paths, a line each
 inline constexpr char kSampleVariable[] = "LUMISET_SAMPLE";             // START:END:STEP, seconds
 inline constexpr char kSampleNodesVariable[] = "LUMISET_SAMPLE_NODES";  // names, a line each
+inline constexpr char kInspectVariable[] = "LUMISET_INSPECT";           // handles, a line each
+inline constexpr char kInspectTimeVariable[] = "LUMISET_INSPECT_TIME";  // seconds
 inline constexpr char kPressVariable[] = "LUMISET_PRESS";               // the number of an option
 inline constexpr char kCsvVariable[] = "LUMISET_CSV";
 
 // All that make up a request.
 inline constexpr std::array kRequestVariables = {
-    kCaptureVariable, kCaptureScaleVariable, kOptimisedVariable, kProgressVariable, kMergeVariable,
-    kSampleVariable,  kSampleNodesVariable,  kPressVariable,     kCsvVariable};
+    kCaptureVariable,     kCaptureScaleVariable, kOptimisedVariable,   kProgressVariable,
+    kMergeVariable,       kSampleVariable,       kSampleNodesVariable, kInspectVariable,
+    kInspectTimeVariable, kPressVariable,        kCsvVariable};
 
 // What a person typed to have the variable set.
 struct OptionOfVariable {
@@ -28,7 +31,8 @@ struct OptionOfVariable {
     const char* option;
 };
 inline constexpr std::array kOptions = {OptionOfVariable{kCaptureScaleVariable, "--scale"},
-                                        OptionOfVariable{kSampleVariable, "--times"}};
+                                        OptionOfVariable{kSampleVariable, "--times"},
+                                        OptionOfVariable{kInspectTimeVariable, "--time"}};
 
 inline constexpr char kReportVariable[] = "LUMISET_REPORT";  // the file for the answer
 

@@ -23,10 +23,19 @@ std::string CoreReport::Text(const std::string& key) const {
 }
 
 double CoreReport::Number(const std::string& key) const {
+    return Numbers(key, 1).front();
+}
+
+std::vector<double> CoreReport::Numbers(const std::string& key, std::size_t count) const {
     const std::string text = Text(key);
-    double number = 0;
-    std::from_chars(text.data(), text.data() + text.size(), number);
-    return number;
+    const char* const end = text.data() + text.size();
+    std::vector<double> numbers(count);
+    const char* at = text.data();
+    for (double& number : numbers) {
+        at = std::from_chars(at, end, number).ptr;
+        if (at < end) ++at;
+    }
+    return numbers;
 }
 
 std::size_t CoreReport::Count(const std::string& key) const {

@@ -16,6 +16,8 @@ class CoreReport {
 
     std::string Text(const std::string& key) const;
     double Number(const std::string& key) const;
+    // Numbers with blanks between; `count` of them, 0 for those that are missing.
+    std::vector<double> Numbers(const std::string& key, std::size_t count) const;
     std::size_t Count(const std::string& key) const;
 
     // How many entries a list has; no more than there are lines.

@@ -24,6 +24,8 @@ int Run(int argc, char** argv) {
     headless::AddOpenVerb(app);
     headless::AddMergeVerb(app);
     headless::AddSampleVerb(app);
+    headless::AddInspectVerb(app);
+    headless::AddDrawVerb(app);
     headless::AddConvertVerb(app);
     headless::AddInfoVerb(app);
     headless::AddDiffVerb(app);

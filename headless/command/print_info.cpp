@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
+#include "command/in_table.h"
 #include "command/info.h"
 #include "command/print_json.h"
 
@@ -24,13 +25,6 @@ std::string Ids(const ClassInFile& type) {
     std::snprintf(text.data(), text.size(), "%X, %X:%X", type.superClass, type.id.partA,
                   type.id.partB);
     return text.data();
-}
-
-// A name may hold anything; what would break the table shows as a question mark.
-std::string InTable(std::string text) {
-    const auto breaks = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; };
-    std::replace_if(text.begin(), text.end(), breaks, '?');
-    return text;
 }
 
 std::string KeyRange(const SceneFileView& file, const KeyView& keys) {

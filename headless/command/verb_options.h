@@ -26,6 +26,12 @@ CLI::Option* AddFile(CLI::App& verb, const std::string& words, std::string& name
 CLI::Option* AddFiles(CLI::App& verb, const std::string& words, std::vector<std::string>& names,
                       const std::string& help);
 
+// An option for a number that the host can hold, and for one above 0.
+CLI::Option* AddNumber(CLI::App& verb, const std::string& words, double& number,
+                       const std::string& help);
+CLI::Option* AddSize(CLI::App& verb, const std::string& words, double& size,
+                     const std::string& help);
+
 // Whom to start the host with: --no-core and --no-plugin.
 struct CompanyWords {
     bool noCore = false;

@@ -13,6 +13,8 @@ void AddRecordVerb(CLI::App& app);
 void AddOpenVerb(CLI::App& app);
 void AddMergeVerb(CLI::App& app);
 void AddSampleVerb(CLI::App& app);
+void AddInspectVerb(CLI::App& app);
+void AddDrawVerb(CLI::App& app);
 void AddConvertVerb(CLI::App& app);
 void AddInfoVerb(CLI::App& app);
 void AddDiffVerb(CLI::App& app);

@@ -18,6 +18,8 @@ constexpr char kFrames[] = "LUMISET_CAPTURE_FRAMES";
 constexpr char kMerge[] = "LUMISET_MERGE";
 constexpr char kSample[] = "LUMISET_SAMPLE";
 constexpr char kSampleNodes[] = "LUMISET_SAMPLE_NODES";
+constexpr char kInspect[] = "LUMISET_INSPECT";
+constexpr char kInspectTime[] = "LUMISET_INSPECT_TIME";
 constexpr char kCsv[] = "LUMISET_CSV";
 constexpr char kReport[] = "LUMISET_REPORT";
 constexpr char kOptimised[] = "LUMISET_OPTIMISED";
@@ -101,6 +103,20 @@ class Reader {
             Refuse(kCsv, "the path of a file", "");
     }
 
+    void ReadInspect() {
+        for (const std::string& line : Lines(kInspect)) {
+            const std::optional<std::size_t> handle = ParseCount(line);
+            if (!handle || *handle > std::numeric_limits<std::uint32_t>::max())
+                return Refuse(kInspect, "numbers of nodes, one a line", line);
+            request_.inspectedNodes.push_back(static_cast<std::uint32_t>(*handle));
+        }
+        const std::string time = Variable(kInspectTime);
+        if (time.empty()) return;
+        const std::optional<double> seconds = ParseNumber(time);
+        if (!seconds) return Refuse(kInspectTime, "a time in seconds", time);
+        request_.inspectionSeconds = *seconds;
+    }
+
     // The places of several captures in one file could not be told apart.
     void ReadCaptures() {
         request_.captures = Lines(kCaptures);
@@ -130,6 +146,7 @@ Request ReadEnvironment() {
     request.mergedScenes = Lines(kMerge);
     reader.ReadSample();
     request.sampledNodes = Lines(kSampleNodes);
+    reader.ReadInspect();
     reader.ReadCaptures();
     reader.ReadScale();
     reader.ReadFrames();

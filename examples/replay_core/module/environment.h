@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,16 +14,18 @@ namespace replay {
 // What this Core is asked to do when its window is called for. A Core with a window of its own
 // would have the user choose; this one reads its process's environment, so that nothing of it
 // passes through the host. The variables are listed in README.md. One thing is done: the first of
-// the four that is asked for; the report tells of the scene in any case.
+// the five that is asked for; the report tells of the scene in any case.
 struct Request {
     std::string error;  // one line; empty if the environment makes sense
 
     std::optional<int> pressedButton;       // an option's
     std::vector<std::string> mergedScenes;  // paths
     std::optional<SampleTimes> sampleTimes;
-    std::vector<std::string> captures;  // paths
+    std::vector<std::uint32_t> inspectedNodes;  // the host's handles
+    std::vector<std::string> captures;          // paths
 
     std::vector<std::string> sampledNodes;  // the host's names; all nodes of the takes if empty
+    double inspectionSeconds = 0;
     double metresPerUnit = kCmuMetresPerUnit;
     std::optional<FrameRange> frames;  // of each capture; all of them if not said
     std::string csv;                   // empty for none

@@ -100,6 +100,8 @@ void ReplayCore::Show(const Request& request, Report& report) {
         Merge(request, report);
     else if (request.sampleTimes)
         Sample(request, report);
+    else if (!request.inspectedNodes.empty())
+        Inspect(request, report);
     else if (!request.captures.empty())
         Record(request, report);
 }

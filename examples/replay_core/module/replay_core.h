@@ -46,6 +46,7 @@ class ReplayCore final : public CoreInterface {
     void PressButton(int option, Report& report);
     void Merge(const Request& request, Report& report);
     void Sample(const Request& request, Report& report);
+    void Inspect(const Request& request, Report& report);
     void Record(const Request& request, Report& report);
     void RecordPlan(std::span<const PlannedTake> plan, const Request& request, WholeFile* csv,
                     Report& report);

@@ -3,12 +3,20 @@
 #include <algorithm>
 #include <span>
 #include <string_view>
+#include <utility>
 
 #include "replay_core/motion/numbers.h"
 #include "replay_core/recorder/whole_file.h"
 
 namespace replay {
 namespace {
+
+std::string Listed(std::span<const double> numbers) {
+    std::string text;
+    for (const double number : numbers)
+        (text += text.empty() ? "" : " ") += NumberText(number);
+    return text;
+}
 
 class Writer {
   public:
@@ -23,7 +31,18 @@ class Writer {
         file_.Write(value += '\n');
     }
     void Line(std::string_view key, std::size_t count) { Line(key, std::to_string(count)); }
+    void Truth(std::string_view key, bool truth) { Line(key, std::size_t{truth}); }
     void Line(std::string_view key, double number) { Line(key, NumberText(number)); }
+
+    void Numbers(std::string_view key, std::span<const double> numbers) {
+        Line(key, Listed(numbers));
+    }
+    void Matrix(std::string_view key, const TVL::CMatrix4& matrix) {
+        std::string text;
+        for (const auto& row : matrix.rows)
+            (text += text.empty() ? "" : " ") += Listed(row);
+        Line(key, std::move(text));
+    }
 
     // `plural` counts them; each is written behind `singular` and its number.
     template <class Entry, class Write>
@@ -64,6 +83,52 @@ void Write(Writer& out, const Report::Merge& merge) {
     out.Line(".nodes", merge.nodes);
 }
 
+void Write(Writer& out, const NodeLook::Transform& transform) {
+    out.Matrix(".world", transform.world);
+    out.Matrix(".local", transform.local);
+}
+
+void Write(Writer& out, const NodeLook::Mesh& mesh) {
+    out.Line(".vertices", mesh.vertices);
+    out.Line(".faces", mesh.faces);
+    out.Line(".textureVertices", mesh.textureVertices);
+    if (!mesh.bounds) return;
+    out.Numbers(".least", mesh.bounds->least);
+    out.Numbers(".most", mesh.bounds->most);
+}
+
+void Write(Writer& out, const NodeLook::Lens& lens) {
+    out.Line(".fieldOfViewDegrees", lens.fieldOfViewDegrees);
+    out.Line(".fieldOfViewType", static_cast<std::size_t>(lens.fieldOfViewType));
+    out.Line(".targetDistance", lens.targetDistance);
+}
+
+void Write(Writer& out, const NodeLook::Shape& shape) {
+    out.List<double>(".curves", ".curve", shape.curveLengths,
+                     [&out](double length) { out.Line("", length); });
+}
+
+template <class Kind>
+void WriteKind(Writer& out, std::string_view key, const std::optional<Kind>& lent) {
+    out.Truth(key, lent.has_value());
+    if (lent) Write(out, *lent);
+}
+
+void Write(Writer& out, const NodeLook& look) {
+    out.Line(".handle", std::size_t{look.handle});
+    out.Truth(".isThere", look.isThere);
+    if (!look.isThere) return;
+    out.Line(".name", look.name);
+    out.Line(".parent", look.parent);
+    out.Line(".children", look.children);
+    out.Truth(".isVisible", look.isVisible);
+    WriteKind(out, ".transform", look.transform);
+    out.Truth(".helper", look.lendsHelper);
+    WriteKind(out, ".mesh", look.mesh);
+    WriteKind(out, ".lens", look.lens);
+    WriteKind(out, ".shape", look.shape);
+}
+
 void Write(Writer& out, const Report::Take& take) {
     out.Line(".name", take.name);
     out.Line(".parent", take.parent);
@@ -83,6 +148,7 @@ std::string WriteReport(const std::string& path, const Report& report) {
     out.List<Report::Capture>("captures", "capture", report.captures, write);
     out.Line("recordSeconds", report.recordSeconds);
     out.List<Report::Merge>("merges", "merge", report.merges, write);
+    out.List<NodeLook>("looks", "look", report.looks, write);
     out.List<Report::Take>("takes", "take", report.takes, write);
     return file.Finish();
 }

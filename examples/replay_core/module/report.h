@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "replay_core/look/node_look.h"
+
 namespace replay {
 
 // What came of a request, for the program that waits for it around the host.
@@ -33,14 +35,17 @@ struct Report {
     std::vector<Capture> captures;
     double recordSeconds = 0;  // of the user's time, for all captures
     std::vector<Merge> merges;
+    std::vector<NodeLook> looks;
     std::vector<Take> takes;  // all that are in the scene when the work is done
 };
 
 // Writes lines `key=value`: `status=ok` or `status=error`, then the fields above in their order. A
 // list is a line with its length, such as `captures=2`, and the fields of its entries behind
-// `capture.1.`, `capture.2.`; the entry of a list of texts is `take.1.missing.1`. A text that holds
-// a line end is written with blanks in its place. The file is complete or not there. The result is
-// empty, or says in one line what went wrong.
+// `capture.1.`, `capture.2.`; the entry of a list of texts is `take.1.missing.1`. What is
+// true is 1 and what is false 0; numbers of one entry stand behind each other with blanks between.
+// Behind `look.1.mesh` and the other kinds of snapshots stands whether one is lent, and only then
+// the fields of that kind. A text that holds a line end is written with blanks in its place. The
+// file is complete or not there. The result is empty, or says in one line what went wrong.
 std::string WriteReport(const std::string& path, const Report& report);
 
 }  // namespace replay

@@ -6,6 +6,7 @@
 #include <utility>
 #include <variant>
 
+#include "replay_core/look/node_look.h"
 #include "replay_core/module/replay_core.h"
 #include "replay_core/motion/read_motion.h"
 #include "replay_core/recorder/read_back.h"
@@ -72,6 +73,23 @@ std::vector<TVL::CoreNode*> Named(std::span<TVL::CoreNode* const> nodes,
     return named;
 }
 
+class OptionTurnedOn {
+  public:
+    OptionTurnedOn(PanelOptions& options, int id) : options_(options), id_(id) {
+        const PanelOption* const option = options.Find(id);
+        before_ = option && option->value;
+        options.Set(id, true);
+    }
+    ~OptionTurnedOn() { options_.Set(id_, before_); }
+    OptionTurnedOn(const OptionTurnedOn&) = delete;
+    OptionTurnedOn& operator=(const OptionTurnedOn&) = delete;
+
+  private:
+    PanelOptions& options_;
+    int id_;
+    bool before_;
+};
+
 void AddOnce(std::vector<std::string>& texts, const std::string& text) {
     if (std::ranges::find(texts, text) == texts.end()) texts.push_back(text);
 }
@@ -112,6 +130,12 @@ void ReplayCore::Sample(const Request& request, Report& report) {
     if (!report.error.empty()) return;
     report.error = SamplePoses(nodes, *request.sampleTimes, *csv);
     if (report.error.empty()) report.error = csv->Finish();
+}
+
+void ReplayCore::Inspect(const Request& request, Report& report) {
+    // A mesh is of the time that is asked for then, and the adaptor keeps none.
+    const OptionTurnedOn dynamic(options_, kDynamicMeshes);
+    report.looks = LookAtNodes(adaptor_, request.inspectedNodes, request.inspectionSeconds);
 }
 
 // Whatever can be found out before the scene is touched is found out first: a damaged capture, a

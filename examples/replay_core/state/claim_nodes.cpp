@@ -10,6 +10,10 @@
 namespace replay {
 namespace {
 
+// A stored text ends at its first NUL, so no tag bears this name and every node is found by its
+// handle.
+constexpr std::string_view kNobody("\0", 1);
+
 // What the adaptor matches by is the attribute, and here it may hold anything, because this element
 // does not become text.
 XMLNode NodeInfo(std::span<const StoredNode> nodes, bool withNumbers) {
@@ -32,6 +36,14 @@ FoundNodes FoundNodes::ByTag(TVL::AdaptorInterface& adaptor, const std::string& 
 FoundNodes FoundNodes::ByNumber(TVL::AdaptorInterface& adaptor, const std::string& pluginName,
                                 std::span<const StoredNode> nodes) {
     return FoundNodes(adaptor.ClaimNodes(pluginName, NodeInfo(nodes, true)));
+}
+
+FoundNodes FoundNodes::ByHandle(TVL::AdaptorInterface& adaptor,
+                                std::span<const std::uint32_t> handles) {
+    std::vector<StoredNode> nodes;
+    for (const std::uint32_t handle : handles)
+        nodes.emplace_back().element.AddChild(XMLNode(form::kNumber, handle));
+    return ByNumber(adaptor, std::string(kNobody), nodes);
 }
 
 FoundNodes::~FoundNodes() {

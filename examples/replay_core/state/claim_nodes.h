@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -24,6 +25,10 @@ class FoundNodes {
     // By their tags or else by their numbers.
     static FoundNodes ByNumber(TVL::AdaptorInterface& adaptor, const std::string& pluginName,
                                std::span<const StoredNode> nodes);
+
+    // By the host's handles, whosever the nodes are.
+    static FoundNodes ByHandle(TVL::AdaptorInterface& adaptor,
+                               std::span<const std::uint32_t> handles);
 
     ~FoundNodes();
     FoundNodes(FoundNodes&& other) noexcept = default;

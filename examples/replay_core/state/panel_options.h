@@ -11,6 +11,7 @@ namespace replay {
 // the contract with the adaptor.
 inline constexpr int kOptimisedControllers = 1027;
 inline constexpr int kConvertAllControllers = 1028;
+inline constexpr int kDynamicMeshes = 1030;
 
 struct PanelOption {
     int id = 0;

@@ -1,0 +1,142 @@
+#include <CLI/CLI.hpp>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <sstream>
+
+#include "command/drawing.h"
+#include "command/exit_status.h"
+#include "command/in_table.h"
+#include "command/verb_options.h"
+#include "command/verbs.h"
+
+namespace headless {
+namespace {
+
+// What the tools of headless/primitives.h take.
+struct Range {
+    int least;
+    int most;
+};
+constexpr Range kSphereSegments{3, 1024};
+constexpr Range kGroundDivisions{1, 1000};
+constexpr int kUsualSegments = 32;
+constexpr int kUsualDivisions = 10;
+
+struct Words {
+    DrawOptions options;
+    double side = 0;
+    double radius = 0;
+    std::optional<int> segments;
+    PathSketch path{};
+    double bend = 0;
+};
+
+[[noreturn]] void Refuse(const std::string& option, const std::string& why) {
+    throw CLI::ValidationError(option, why);
+}
+
+[[noreturn]] void RefusePlace(const std::string& option, const std::string& text) {
+    Refuse(option, '"' + text + "\" is not a place x,y,z");
+}
+
+Point3 ReadPlace(const std::string& option, const std::string& text) {
+    std::array<float, 3> place{};
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    for (float& number : place) {
+        const bool isFirst = &number == &place.front();
+        if (!isFirst && (at == end || *at++ != ',')) at = end;
+        const auto [rest, status] = std::from_chars(at, end, number);
+        if (status != std::errc() || !std::isfinite(number)) RefusePlace(option, text);
+        at = rest;
+    }
+    if (at != end) RefusePlace(option, text);
+    return {place[0], place[1], place[2]};
+}
+
+std::vector<Point3> ReadPlaces(const std::string& option, const std::string& text) {
+    std::vector<Point3> places;
+    std::istringstream words(text);
+    for (std::string word; words >> word;)
+        places.push_back(ReadPlace(option, word));
+    if (places.size() < 2) Refuse(option, "a path leads through two places or more");
+    return places;
+}
+
+int Segments(const Words& words, Range range, int usual) {
+    const int segments = words.segments.value_or(usual);
+    if (segments < range.least || segments > range.most)
+        Refuse("--segments", std::to_string(segments) + " is not from " +
+                                 std::to_string(range.least) + " to " + std::to_string(range.most));
+    return segments;
+}
+
+void Choose(Words& words) {
+    const bool isPath = !words.path.places.empty();
+    if ((words.side > 0) + (words.radius > 0) + isPath != 1)
+        throw CLI::RequiredError("exactly one of --ground, --sphere and --path");
+    if (words.segments && isPath) Refuse("--segments", "a path has none");
+    if (words.side > 0)
+        words.options.sketch = GroundSketch{static_cast<float>(words.side),
+                                            Segments(words, kGroundDivisions, kUsualDivisions)};
+    else if (words.radius > 0)
+        words.options.sketch = SphereSketch{static_cast<float>(words.radius),
+                                            Segments(words, kSphereSegments, kUsualSegments)};
+    else
+        words.options.sketch = words.path;
+}
+
+void Run(Words& words) {
+    Choose(words);
+    words.options.bendDegreesPerSecond = static_cast<float>(words.bend);
+    const DrawResult result = Draw(words.options);
+    for (const std::string& complaint : result.complaints)
+        std::cout << "Complaint: " << complaint << '\n';
+    std::cout << "Drew " << InTable(result.name) << " (" << result.handle << ") into "
+              << words.options.target << ": " << result.nodes << " nodes\n";
+}
+
+void AddObjects(CLI::App& verb, const std::shared_ptr<Words>& words) {
+    AddSize(verb, "--ground", words->side, "A flat square with sides of this length, looking up");
+    AddSize(verb, "--sphere", words->radius, "A sphere of this radius");
+    verb.add_option("--segments", words->segments,
+                    "Faces around the sphere's equator, or along a side of the ground");
+    CLI::Option* const path = verb.add_option_function<std::string>(
+        "--path",
+        [words](const std::string& text) { words->path.places = ReadPlaces("--path", text); },
+        "A curve through places \"x,y,z x,y,z ...\"");
+    path->type_name("PLACES");
+    verb.add_flag("--closed", words->path.isClosed, "The curve leads back to its start")
+        ->needs(path);
+    verb.add_flag("--smooth", words->path.isSmooth, "The curve has no corners")->needs(path);
+}
+
+}  // namespace
+
+void AddDrawVerb(CLI::App& app) {
+    const auto words = std::make_shared<Words>();
+    DrawOptions& options = words->options;
+    CLI::App* verb = app.add_subcommand(
+        "draw",
+        "Draw an object with the host's own tools, in host units with Z up: one of --ground, "
+        "--sphere and --path. What the scene holds of a Core is kept.");
+    AddFile(*verb, "SCENE", options.scene, "Scene file to draw into; a new scene if not named");
+    AddObjects(*verb, words);
+    AddNumber(*verb, "--bend", words->bend,
+              "Bend it over its x axis by so many degrees in each second");
+    verb->add_option_function<std::string>(
+            "--at",
+            [words](const std::string& text) { words->options.at = ReadPlace("--at", text); },
+            "Where to put it, x,y,z")
+        ->type_name("PLACE");
+    verb->add_option("--name", options.name, "Its name; the host chooses if not named");
+    AddFile(*verb, "-o", options.target, "Where to save the scene")->required();
+    AddExample(*verb, "draw --sphere 20 --bend 45 --name Ball -o build/demo/ball.scene");
+    verb->callback([words] { Run(*words); });
+}
+
+}  // namespace headless
