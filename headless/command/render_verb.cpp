@@ -1,0 +1,130 @@
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <array>
+#include <charconv>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include "command/exit_status.h"
+#include "command/render.h"
+#include "command/verb_options.h"
+#include "command/verbs.h"
+
+namespace headless {
+namespace {
+
+struct Words {
+    RenderOptions options;
+    CompanyWords company;
+};
+
+[[noreturn]] void Refuse(const std::string& why) {
+    throw Failure(why, kWrongUsage);
+}
+
+// Whole numbers with `mark` between them, and nothing else.
+template <std::size_t Count>
+std::optional<std::array<int, Count>> WholeNumbers(std::string_view text, char mark) {
+    std::array<int, Count> numbers{};
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    for (std::size_t i = 0; i < Count; ++i) {
+        if (i > 0 && (at == end || *at++ != mark)) return std::nullopt;
+        const auto [behind, error] = std::from_chars(at, end, numbers[i]);
+        if (error != std::errc()) return std::nullopt;
+        at = behind;
+    }
+    if (at != end) return std::nullopt;
+    return numbers;
+}
+
+FrameRange ReadFrames(const std::string& text) {
+    const auto numbers = WholeNumbers<3>(text, ':');
+    if (!numbers) Refuse("--frames: " + text + " is not FIRST:LAST:STEP in whole frames");
+    const FrameRange frames{(*numbers)[0], (*numbers)[1], (*numbers)[2]};
+    if (frames.step < 1 || frames.last < frames.first)
+        Refuse("--frames: " + text + " goes from no frame to a later one in steps above 0");
+    return frames;
+}
+
+void ReadSize(const std::string& text, ViewportSettings& view) {
+    constexpr int kSmallest = 16;
+    constexpr int kLargest = 8192;
+    const auto size = WholeNumbers<2>(text, 'x');
+    if (!size) Refuse("--size: " + text + " is not WIDTHxHEIGHT in pixels");
+    for (const int pixels : *size)
+        if (pixels < kSmallest || pixels > kLargest)
+            Refuse("--size: a picture is 16 to 8,192 pixels wide and high, not " + text);
+    view.width = (*size)[0];
+    view.height = (*size)[1];
+}
+
+void CheckFile(const RenderOptions& options) {
+    if (options.frames.empty() || options.sheetColumns > 0) return;
+    const std::size_t places = FramePlaces(options.file);
+    if (places == 1 || (places == 0 && options.frames.front().Count() == 1)) return;
+    Refuse("-o: " + options.file + " has " + (places == 0 ? "no place" : "several places") +
+           " for the number of a frame, where it needs one %04d (or --sheet)");
+}
+
+void Run(Words& words) {
+    CheckFile(words.options);
+    words.options.company = words.company.Chosen();
+    words.options.progress = isatty(STDERR_FILENO) != 0;
+    const RenderResult result = Render(words.options);
+    for (const std::string& complaint : result.complaints)
+        std::cout << "Complaint: " << complaint << '\n';
+    std::cout << result.files.front();
+    if (result.files.size() > 1)
+        std::cout << " to " << result.files.back() << ": " << result.files.size()
+                  << " pictures of ";
+    else
+        std::cout << ": a picture of ";
+    std::cout << result.width << 'x' << result.height << " pixels\n";
+}
+
+void AddTimes(CLI::App& verb, const std::shared_ptr<Words>& words) {
+    CLI::Option_group* const times = verb.add_option_group("Times");
+    AddNumber(*times, "--time", words->options.seconds, "The moment to draw, in seconds");
+    times->add_option_function<std::string>(
+        "--frames",
+        [words](const std::string& text) { words->options.frames = {ReadFrames(text)}; },
+        "FIRST:LAST:STEP in frames of the scene, LAST included");
+    times->require_option(1);
+}
+
+void AddLooks(CLI::App& verb, const std::shared_ptr<Words>& words) {
+    ViewportSettings& view = words->options.view;
+    verb.add_option("--camera", view.camera,
+                    "Look through this node; else from the front and above at all that shows");
+    verb.add_option_function<std::string>(
+        "--size", [words](const std::string& text) { ReadSize(text, words->options.view); },
+        "WIDTHxHEIGHT of each picture in pixels, 16 to 8,192 [960x540]");
+    verb.add_flag("--wire", view.isWireframe, "Edges instead of faces");
+    verb.add_flag("--names", view.showsNames, "Write its name beside each node");
+}
+
+}  // namespace
+
+void AddRenderVerb(CLI::App& app) {
+    const auto words = std::make_shared<Words>();
+    CLI::App* verb = app.add_subcommand("render", "Draw a scene as the host's viewport shows it.");
+    AddFile(*verb, "SCENE", words->options.scene, "Scene file")->required();
+    AddTimes(*verb, words);
+    AddLooks(*verb, words);
+    verb->add_option("--sheet", words->options.sheetColumns,
+                     "The frames side by side in one picture, so many in a row")
+        ->check(CLI::Range(1, 512))
+        ->needs("--frames");
+    AddFile(*verb, "-o", words->options.file,
+            "PNG file; of several, with %04d for the number of the frame")
+        ->required();
+    AddCompanyOptions(*verb, words->company);
+    AddExample(*verb, "render build/demo/take.scene --time 2.5 -o build/demo/view.png");
+    verb->callback([words] { Run(*words); });
+}
+
+}  // namespace headless
