@@ -10,6 +10,9 @@ namespace headless {
 inline constexpr char kCaptureVariable[] = "LUMISET_CAPTURE";             // paths, a line each
 inline constexpr char kCaptureScaleVariable[] = "LUMISET_CAPTURE_SCALE";  // metres in a file unit
 inline constexpr char kOptimisedVariable[] = "LUMISET_OPTIMISED";         // option 1027: 0 or 1
+inline constexpr char kFollowCameraVariable[] = "LUMISET_FOLLOW_CAMERA";  // 0 or 1
+inline constexpr char kGroundVariable[] = "LUMISET_GROUND";               // a handle
+inline constexpr char kGuideVariable[] = "LUMISET_GUIDE";                 // a handle
 inline constexpr char kProgressVariable[] = "LUMISET_PROGRESS";
 inline constexpr char kMergeVariable[] = "LUMISET_MERGE";               // paths, a line each
 inline constexpr char kSampleVariable[] = "LUMISET_SAMPLE";             // START:END:STEP, seconds
@@ -23,7 +26,8 @@ inline constexpr char kCsvVariable[] = "LUMISET_CSV";
 inline constexpr std::array kRequestVariables = {
     kCaptureVariable,     kCaptureScaleVariable, kOptimisedVariable,   kProgressVariable,
     kMergeVariable,       kSampleVariable,       kSampleNodesVariable, kInspectVariable,
-    kInspectTimeVariable, kPressVariable,        kCsvVariable};
+    kInspectTimeVariable, kPressVariable,        kCsvVariable,         kFollowCameraVariable,
+    kGroundVariable,      kGuideVariable};
 
 // What a person typed to have the variable set.
 struct OptionOfVariable {

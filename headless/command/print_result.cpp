@@ -27,12 +27,32 @@ void PrintCapture(std::ostream& out, const RecordedCapture& capture) {
         << " frames (" << std::setprecision(1) << seconds << " s of motion)";
 }
 
+void PrintLift(std::ostream& out, const RecordedCapture::Lift& lift) {
+    out << "Lifted onto the ground: " << lift.frames << " frames, by " << std::setprecision(1)
+        << lift.mostMetres * 100 << " cm at most\n";
+}
+
+void PrintLens(std::ostream& out, const RecordedCapture::Lens& lens) {
+    out << "Camera as written: field of view within " << std::setprecision(7)
+        << lens.maxFieldOfViewErrorDegrees << " degrees, target distance within "
+        << std::setprecision(4) << lens.maxTargetDistanceErrorMetres * 1000 << " mm\n";
+}
+
 nlohmann::ordered_json Object(const RecordedCapture& capture) {
-    return {{"capture", capture.capture},
-            {"joints", capture.joints},
-            {"frames", capture.frames},
-            {"frameSeconds", capture.frameSeconds},
-            {"maxPositionErrorMetres", capture.maxPositionErrorMetres}};
+    nlohmann::ordered_json object = {{"capture", capture.capture},
+                                     {"joints", capture.joints},
+                                     {"frames", capture.frames},
+                                     {"frameSeconds", capture.frameSeconds},
+                                     {"maxPositionErrorMetres", capture.maxPositionErrorMetres}};
+    if (capture.lift) {
+        object["liftedFrames"] = capture.lift->frames;
+        object["maxLiftMetres"] = capture.lift->mostMetres;
+    }
+    if (capture.lens) {
+        object["maxFieldOfViewErrorDegrees"] = capture.lens->maxFieldOfViewErrorDegrees;
+        object["maxTargetDistanceErrorMetres"] = capture.lens->maxTargetDistanceErrorMetres;
+    }
+    return object;
 }
 
 }  // namespace
@@ -48,8 +68,12 @@ void PrintForPerson(std::ostream& out, const RecordResult& result) {
         out << "Complaint: " << complaint << '\n';
     out << "In the scene: " << result.nodes << " nodes with " << result.keys << " keys, "
         << std::setprecision(1) << result.bytesPerKey << " bytes each\n";
-    out << "Furthest from the capture: " << std::setprecision(4) << FurthestMetres(result) * 1000
-        << " mm\n";
+    out << "Furthest from where it is meant to be: " << std::setprecision(4)
+        << FurthestMetres(result) * 1000 << " mm\n";
+    for (const RecordedCapture& capture : result.captures) {
+        if (capture.lift) PrintLift(out, *capture.lift);
+        if (capture.lens) PrintLens(out, *capture.lens);
+    }
     out << "Undo (" << result.undoSteps << (result.undoSteps == 1 ? " step" : " steps")
         << "): scene " << SameOrNot(result.undoIdentical) << " to before; redo: scene "
         << SameOrNot(result.redoIdentical) << " to the recording\n";

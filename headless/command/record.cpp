@@ -2,32 +2,27 @@
 
 #include <algorithm>
 #include <fstream>
-#include <set>
-#include <sstream>
 
 #include "command/core_environment.h"
 #include "command/core_stage.h"
 #include "command/exit_status.h"
+#include "command/plain_number.h"
+#include "command/scenery.h"
 #include "command/scratch_file.h"
 #include "headless/scene_view.h"
 
 namespace headless {
 namespace {
 
-// Read back by the Core to the last bit.
-std::string Plain(double number) {
-    std::ostringstream text;
-    text.imbue(std::locale::classic());
-    text.precision(17);
-    text << number;
-    return text.str();
-}
-
 CoreRequest RequestFor(const RecordOptions& options) {
-    return {{kCaptureVariable, Lines(options.captures)},
-            {kCaptureScaleVariable, Plain(options.metresPerUnit)},
-            {kOptimisedVariable, options.optimisedController ? "1" : "0"},
-            {kProgressVariable, options.progress ? "1" : ""}};
+    CoreRequest request{{kCaptureVariable, Lines(options.captures)},
+                        {kCaptureScaleVariable, Plain(options.metresPerUnit)},
+                        {kOptimisedVariable, options.optimisedController ? "1" : "0"},
+                        {kFollowCameraVariable, options.followsWithCamera ? "1" : "0"},
+                        {kProgressVariable, options.progress ? "1" : ""}};
+    if (options.holdsToGround) request[kGroundVariable] = std::to_string(FindOrDrawGround());
+    if (const auto shape = FirstShape()) request[kGuideVariable] = std::to_string(*shape);
+    return request;
 }
 
 // The plug-in appends to its trace, so that the file is made or emptied here.
@@ -42,16 +37,29 @@ SessionSettings SettingsFor(const RecordOptions& options) {
     return WithUnitsPerMetre(options.hostUnitsPerMetre);
 }
 
-void TakeReport(const CoreReport& report, RecordResult& result) {
-    for (std::size_t i = 1; i <= report.Entries("captures"); ++i) {
-        const std::string entry = "capture." + std::to_string(i) + '.';
+RecordedCapture TakeCapture(const CoreReport& report, const std::string& entry,
+                            const RecordOptions& options) {
+    RecordedCapture capture{
+        .capture = report.Text(entry + "path"),
+        .joints = report.Count(entry + "joints"),
+        .frames = report.Count(entry + "frames"),
+        .frameSeconds = report.Number(entry + "frameSeconds"),
+        .maxPositionErrorMetres = report.Number(entry + "maxPositionErrorMetres"),
+        .lift = {},
+        .lens = {}};
+    if (options.holdsToGround)
+        capture.lift = {report.Count(entry + "liftedFrames"),
+                        report.Number(entry + "maxLiftMetres")};
+    if (options.followsWithCamera)
+        capture.lens = {report.Number(entry + "maxFieldOfViewErrorDegrees"),
+                        report.Number(entry + "maxTargetDistanceErrorMetres")};
+    return capture;
+}
+
+void TakeReport(const CoreReport& report, const RecordOptions& options, RecordResult& result) {
+    for (std::size_t i = 1; i <= report.Entries("captures"); ++i)
         result.captures.push_back(
-            {.capture = report.Text(entry + "path"),
-             .joints = report.Count(entry + "joints"),
-             .frames = report.Count(entry + "frames"),
-             .frameSeconds = report.Number(entry + "frameSeconds"),
-             .maxPositionErrorMetres = report.Number(entry + "maxPositionErrorMetres")});
-    }
+            TakeCapture(report, "capture." + std::to_string(i) + '.', options));
     if (result.captures.empty()) throw Failure("the Core reported no capture");
     result.recordSeconds = report.Number("recordSeconds");
 }
@@ -76,16 +84,13 @@ CoreReport AskForFile(CoreStage& stage, CoreRequest request, const std::string& 
     }
 }
 
-// What the recording made: its nodes, and the keys of all but the cameras among them, which are the
-// joints.
-void CountNodesAndKeys(const std::set<std::uint32_t>& before, RecordResult& result) {
+void CountNodesAndKeys(RecordResult& result) {
     std::size_t bytes = 0;
     for (const NodeView& node : Nodes()) {
-        if (before.contains(node.handle)) continue;
         ++result.nodes;
         if (node.objectSuperClass == CAMERA_CLASS_ID) continue;
         result.keys += static_cast<std::size_t>(node.keys.count);
-        bytes += node.keys.storedBytes;
+        if (node.keys.count > 0) bytes += node.keys.storedBytes;
     }
     if (result.keys > 0)
         result.bytesPerKey = static_cast<double>(bytes) / static_cast<double>(result.keys);
@@ -101,13 +106,6 @@ void UndoAndRedo(Session& session, std::uint64_t before, RecordResult& result) {
     result.redoIdentical = SceneDigest() == recorded;
 }
 
-std::set<std::uint32_t> Handles() {
-    std::set<std::uint32_t> handles;
-    for (const NodeView& node : Nodes())
-        handles.insert(node.handle);
-    return handles;
-}
-
 }  // namespace
 
 RecordResult Record(const RecordOptions& options) {
@@ -115,15 +113,16 @@ RecordResult Record(const RecordOptions& options) {
     ScratchFile csv(options.csv);
     ScratchFile poses(options.poses);
     CoreStage stage(Company::kPluginAndCore, SettingsFor(options));
+    if (!options.into.empty()) stage.Open(options.into);
+    const CoreRequest request = RequestFor(options);
     const std::uint64_t before = SceneDigest();
-    const std::set<std::uint32_t> handles = Handles();
     RecordResult result;
-    TakeReport(AskForFile(stage, RequestFor(options), options.csv, csv), result);
+    TakeReport(AskForFile(stage, request, options.csv, csv), options, result);
     if (!options.scene.empty()) stage.Save(options.scene);
     result.complaints = stage.Complaints();
     if (!options.poses.empty())
         AskForFile(stage, {{kSampleVariable, FrameTimes(result)}}, options.poses, poses);
-    CountNodesAndKeys(handles, result);
+    CountNodesAndKeys(result);
     UndoAndRedo(stage.Host(), before, result);
     result.hostObjectsAlive = stage.ShutDown();
     if (!options.csv.empty()) csv.Keep();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,9 @@ struct RecordOptions {
     std::string trace;                // where the plug-in writes its trace; empty for nowhere
     bool optimisedController = true;
     double hostUnitsPerMetre = 39.37;
+    std::string into;            // the scene to record into, in its own units; empty for a new one
+    bool holdsToGround = false;  // the node "Ground", which is drawn if there is none
+    bool followsWithCamera = false;
     bool progress = false;
 };
 
@@ -24,14 +28,26 @@ struct RecordedCapture {
     std::size_t frames = 0;
     double frameSeconds = 0;
     double maxPositionErrorMetres = 0;
+
+    struct Lift {
+        std::size_t frames = 0;
+        double mostMetres = 0;
+    };
+    std::optional<Lift> lift;  // if feet were held to the ground
+
+    struct Lens {  // how far what is read back is from what was written
+        double maxFieldOfViewErrorDegrees = 0;
+        double maxTargetDistanceErrorMetres = 0;
+    };
+    std::optional<Lens> lens;  // if the camera followed
 };
 
 struct RecordResult {
     std::vector<RecordedCapture> captures;
     double recordSeconds = 0;
     std::vector<std::string> complaints;  // about the scene file
-    std::size_t nodes = 0;
-    std::size_t keys = 0;  // distinct key times, summed over the joints' nodes
+    std::size_t nodes = 0;                // in the scene
+    std::size_t keys = 0;  // distinct key times, summed over all of them that are no cameras
     std::size_t undoSteps = 0;
     bool undoIdentical = false;
     bool redoIdentical = false;
@@ -39,8 +55,9 @@ struct RecordResult {
     std::size_t hostObjectsAlive = 0;  // after the host has shut down
 };
 
-// Starts a host with the plug-in that lies beside the program, lets its Core record captures,
-// saves the scene, undoes and redoes that, and shuts the host down.
+// Starts a host with the plug-in that lies beside the program, opens a scene if one is named, lets
+// its Core record captures, with a guide object along the first shape that is there, saves the
+// scene, undoes and redoes the recording, and shuts the host down.
 RecordResult Record(const RecordOptions& options);
 
 }  // namespace headless

@@ -1,7 +1,6 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <cmath>
 #include <iostream>
 #include <memory>
 
@@ -13,13 +12,6 @@
 
 namespace headless {
 namespace {
-
-// Empty, or what is wrong with a size.
-std::string CheckSize(const std::string& text) {
-    double size = 0;
-    const bool isNumber = CLI::detail::lexical_cast(text, size);
-    return isNumber && size > 0 && std::isfinite(size) ? "" : text + " is not a number above 0";
-}
 
 struct Words {
     RecordOptions options;
@@ -46,14 +38,22 @@ void Run(const Words& words) {
 void AddRecordVerb(CLI::App& app) {
     const auto words = std::make_shared<Words>();
     RecordOptions& options = words->options;
-    CLI::App* verb = app.add_subcommand("record", "Record motion captures into a new scene.");
+    CLI::App* verb = app.add_subcommand(
+        "record", "Record motion captures into a new scene, or into one that is there.");
     AddFiles(*verb, "CAPTURE", options.captures, "Motion capture files (.bvh)")->required();
-    verb->add_option("--scale", options.metresPerUnit, "Metres in a unit of the captures")
-        ->check(CheckSize, "ABOVE 0")
+    AddSize(*verb, "--scale", options.metresPerUnit, "Metres in a unit of the captures")
         ->capture_default_str();
-    verb->add_option("--units", options.hostUnitsPerMetre, "Host units in a metre")
-        ->check(CheckSize, "ABOVE 0")
-        ->capture_default_str();
+    CLI::Option* const units =
+        AddSize(*verb, "--units", options.hostUnitsPerMetre, "Host units in a metre")
+            ->capture_default_str();
+    AddFile(*verb, "--into", options.into,
+            "Record into this scene, in its own units; a guide object goes along its first shape")
+        ->excludes(units);
+    verb->add_flag("--ground", options.holdsToGround,
+                   "Keep feet from sinking into the node \"Ground\", which is drawn if there is "
+                   "none");
+    verb->add_flag("--follow-camera", options.followsWithCamera,
+                   "Let the camera follow the take, with keys of its lens");
     AddFile(*verb, "--scene", options.scene, "Save the scene");
     AddFile(*verb, "--poses", options.poses, "Write what `sample` says of each frame");
     AddFile(*verb, "--csv", options.csv,

@@ -23,6 +23,9 @@ constexpr char kInspectTime[] = "LUMISET_INSPECT_TIME";
 constexpr char kCsv[] = "LUMISET_CSV";
 constexpr char kReport[] = "LUMISET_REPORT";
 constexpr char kOptimised[] = "LUMISET_OPTIMISED";
+constexpr char kFollowCamera[] = "LUMISET_FOLLOW_CAMERA";
+constexpr char kGround[] = "LUMISET_GROUND";
+constexpr char kGuide[] = "LUMISET_GUIDE";
 constexpr char kProgress[] = "LUMISET_PROGRESS";
 constexpr char kPress[] = "LUMISET_PRESS";
 
@@ -41,6 +44,12 @@ std::vector<std::string> Lines(const char* name) {
     for (std::string line; std::getline(text, line);)
         if (!line.empty()) lines.push_back(std::move(line));
     return lines;
+}
+
+std::optional<std::uint32_t> ParseHandle(std::string_view text) {
+    const std::optional<std::size_t> number = ParseCount(text);
+    if (!number || *number > std::numeric_limits<std::uint32_t>::max()) return std::nullopt;
+    return static_cast<std::uint32_t>(*number);
 }
 
 // Reads the variables one by one and keeps the first thing that is wrong with them.
@@ -72,12 +81,21 @@ class Reader {
             Refuse(kFrames, "two frame numbers A:B with A below B", text);
     }
 
-    void ReadOptimised() {
-        const std::string text = Variable(kOptimised);
-        if (text == "0" || text == "1")
-            request_.optimisedControllers = text == "1";
-        else if (!text.empty())
-            Refuse(kOptimised, "0 or 1", text);
+    // Nothing if it is not set.
+    std::optional<bool> ReadTruth(const char* variable) {
+        const std::string text = Variable(variable);
+        if (text == "0" || text == "1") return text == "1";
+        if (!text.empty()) Refuse(variable, "0 or 1", text);
+        return std::nullopt;
+    }
+
+    // The same.
+    std::optional<std::uint32_t> ReadHandle(const char* variable) {
+        const std::string text = Variable(variable);
+        if (text.empty()) return std::nullopt;
+        const std::optional<std::uint32_t> handle = ParseHandle(text);
+        if (!handle) Refuse(variable, "the number of a node", text);
+        return handle;
     }
 
     void ReadPress() {
@@ -105,10 +123,9 @@ class Reader {
 
     void ReadInspect() {
         for (const std::string& line : Lines(kInspect)) {
-            const std::optional<std::size_t> handle = ParseCount(line);
-            if (!handle || *handle > std::numeric_limits<std::uint32_t>::max())
-                return Refuse(kInspect, "numbers of nodes, one a line", line);
-            request_.inspectedNodes.push_back(static_cast<std::uint32_t>(*handle));
+            const std::optional<std::uint32_t> handle = ParseHandle(line);
+            if (!handle) return Refuse(kInspect, "numbers of nodes, one a line", line);
+            request_.inspectedNodes.push_back(*handle);
         }
         const std::string time = Variable(kInspectTime);
         if (time.empty()) return;
@@ -150,7 +167,10 @@ Request ReadEnvironment() {
     reader.ReadCaptures();
     reader.ReadScale();
     reader.ReadFrames();
-    reader.ReadOptimised();
+    request.optimisedControllers = reader.ReadTruth(kOptimised);
+    request.followsWithCamera = reader.ReadTruth(kFollowCamera).value_or(false);
+    request.ground = reader.ReadHandle(kGround);
+    request.guide = reader.ReadHandle(kGuide);
     return request;
 }
 

@@ -31,6 +31,9 @@ struct Request {
     std::string csv;                   // empty for none
     std::string report;                // empty for none
     std::optional<bool> optimisedControllers;
+    bool followsWithCamera = false;
+    std::optional<std::uint32_t> ground;  // the host's handle of a node to stand on
+    std::optional<std::uint32_t> guide;   // the host's handle of a shape
     bool showsProgress = false;
 };
 

@@ -48,8 +48,8 @@ class ReplayCore final : public CoreInterface {
     void Sample(const Request& request, Report& report);
     void Inspect(const Request& request, Report& report);
     void Record(const Request& request, Report& report);
-    void RecordPlan(std::span<const PlannedTake> plan, const Request& request, WholeFile* csv,
-                    Report& report);
+    void RecordPlan(std::span<const PlannedTake> plan, const RecordSettings& settings,
+                    WholeFile* csv, Report& report);
     std::vector<Report::Take> TellTakes() const;
 
     TVL::AdaptorInterface& adaptor_;

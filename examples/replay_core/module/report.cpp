@@ -75,7 +75,11 @@ void Write(Writer& out, const Report::Capture& capture) {
     out.Line(".frames", capture.frames);
     out.Line(".frameSeconds", capture.frameSeconds);
     out.Line(".nodes", capture.nodes);
+    out.Line(".liftedFrames", capture.liftedFrames);
+    out.Line(".maxLiftMetres", capture.maxLiftMetres);
     out.Line(".maxPositionErrorMetres", capture.maxPositionErrorMetres);
+    out.Line(".maxFieldOfViewErrorDegrees", capture.maxFieldOfViewErrorDegrees);
+    out.Line(".maxTargetDistanceErrorMetres", capture.maxTargetDistanceErrorMetres);
 }
 
 void Write(Writer& out, const Report::Merge& merge) {

@@ -16,8 +16,12 @@ struct Report {
         std::size_t joints = 0;
         std::size_t frames = 0;  // recorded now
         double frameSeconds = 0;
-        std::size_t nodes = 0;              // of the take, in the scene
+        std::size_t nodes = 0;         // of the take, in the scene
+        std::size_t liftedFrames = 0;  // that were lifted onto the ground
+        double maxLiftMetres = 0;
         double maxPositionErrorMetres = 0;  // see recorder/read_back.h
+        double maxFieldOfViewErrorDegrees = 0;
+        double maxTargetDistanceErrorMetres = 0;
     };
     struct Merge {
         std::string path;

@@ -11,6 +11,7 @@
 #include "replay_core/motion/read_motion.h"
 #include "replay_core/recorder/read_back.h"
 #include "replay_core/recorder/sample_poses.h"
+#include "replay_core/recorder/scenery.h"
 #include "replay_core/state/core_node.h"
 #include "tvl/log.h"
 
@@ -148,21 +149,29 @@ void ReplayCore::Record(const Request& request, Report& report) {
         names.push_back(CaptureName(request.captures[i]));
     }
     if (!report.error.empty()) return;
+    const Scenery scenery(adaptor_, request.ground, request.guide);
+    report.error = scenery.Error();
+    if (!report.error.empty()) return;
     const std::unique_ptr<WholeFile> csv = OpenCsv(request, report.error);
     if (!report.error.empty()) return;
     const std::vector<Take*> takes = takes_.ForRecording(names);
     for (std::size_t i = 0; i < plan.size(); ++i)
         plan[i].take = takes[i];
-    RecordPlan(plan, request, csv.get(), report);
+    plan.front().guide = scenery.Guide();
+    RecordPlan(plan,
+               {.metresPerUnit = request.metresPerUnit,
+                .ground = scenery.Ground(),
+                .followsWithCamera = request.followsWithCamera,
+                .showsProgress = request.showsProgress},
+               csv.get(), report);
 }
 
-void ReplayCore::RecordPlan(std::span<const PlannedTake> plan, const Request& request,
+void ReplayCore::RecordPlan(std::span<const PlannedTake> plan, const RecordSettings& settings,
                             WholeFile* csv, Report& report) {
     TVL::Log log("Recording", TVL::Log::kNotice);
     const double before = currentSeconds_;
     const auto start = std::chrono::steady_clock::now();
-    const RecordedTakes recorded =
-        RecordTakes(adaptor_, plan, {request.metresPerUnit, request.showsProgress}, recording_);
+    const RecordedTakes recorded = RecordTakes(adaptor_, plan, settings, recording_);
     report.recordSeconds = SecondsSince(start);
     report.error = recorded.error;
     for (std::size_t i = 0; i < recorded.takes.size(); ++i) {
@@ -172,7 +181,9 @@ void ReplayCore::RecordPlan(std::span<const PlannedTake> plan, const Request& re
                                    .joints = planned.motion.joints.size(),
                                    .frames = recorded.takes[i].frames.Count(),
                                    .frameSeconds = planned.motion.frameSeconds,
-                                   .nodes = planned.take->Book().Nodes().size()});
+                                   .nodes = planned.take->Book().Nodes().size(),
+                                   .liftedFrames = recorded.takes[i].lifts.LiftedFrames(),
+                                   .maxLiftMetres = recorded.takes[i].lifts.Most()});
     }
     if (!report.error.empty()) {
         adaptor_.SetCurrentTime(before);
@@ -181,8 +192,11 @@ void ReplayCore::RecordPlan(std::span<const PlannedTake> plan, const Request& re
     adaptor_.ForceRedraw();
     for (std::size_t i = 0; i < plan.size() && report.error.empty(); ++i) {
         const ReadBack readBack =
-            ReadPositions(plan[i].motion, request.metresPerUnit, recorded.takes[i], csv);
-        report.captures[i].maxPositionErrorMetres = readBack.maxPositionErrorMetres;
+            ReadTake(plan[i].motion, settings.metresPerUnit, recorded.takes[i], csv);
+        Report::Capture& capture = report.captures[i];
+        capture.maxPositionErrorMetres = readBack.maxPositionErrorMetres;
+        capture.maxFieldOfViewErrorDegrees = readBack.maxFieldOfViewErrorDegrees;
+        capture.maxTargetDistanceErrorMetres = readBack.maxTargetDistanceErrorMetres;
         report.error = readBack.error;
     }
     if (report.error.empty() && csv) report.error = csv->Finish();

@@ -53,4 +53,9 @@ struct Motion {
     std::vector<double> values;  // frame after frame
 };
 
+// Seconds from the start of the capture to a frame.
+inline double FrameTime(const Motion& motion, std::size_t frame) {
+    return static_cast<double>(frame) * motion.frameSeconds;
+}
+
 }  // namespace replay

@@ -6,6 +6,7 @@
 #include <limits>
 #include <numbers>
 
+#include "replay_core/recorder/lens_loan.h"
 #include "replay_core/recorder/object_scale.h"
 #include "replay_core/recorder/transform_loan.h"
 
@@ -14,13 +15,12 @@ namespace {
 
 constexpr double kLeastRadiusMetres = 0.1;
 constexpr double kMargin = 1.2;
-constexpr double kUsualFieldOfViewDegrees = 45;
+constexpr int kAcrossTheHeight = 1;
 
 // A lens that the host does not lend, or one out of the ordinary, counts as the usual one.
-double HalfFieldOfView(TVL::CSnapshot_Lens* lens) {
-    double degrees = lens ? lens->GetFieldOfView() : kUsualFieldOfViewDegrees;
-    if (!(degrees > 1 && degrees < 179)) degrees = kUsualFieldOfViewDegrees;
-    return degrees / 2 * std::numbers::pi / 180;
+double FieldOfView(const LensLoan& lens) {
+    const double degrees = lens ? lens->GetFieldOfView() : kUsualFieldOfViewDegrees;
+    return degrees > 1 && degrees < 179 ? degrees : kUsualFieldOfViewDegrees;
 }
 
 }  // namespace
@@ -42,15 +42,19 @@ Surround SurroundOf(std::span<const TVL::CMatrix4> pose) {
     return surround;
 }
 
+double DistanceToSee(const Surround& subject, double fieldOfViewDegrees) {
+    return std::max(subject.radius, kLeastRadiusMetres) * kMargin /
+           std::sin(fieldOfViewDegrees / 2 * std::numbers::pi / 180);
+}
+
 // A free camera looks along its own −Z, with its X to the right and its Y up. Turned like Core
 // space itself it looks along −Z there.
 void PlaceCamera(TVL::CoreNode& camera, const Surround& subject, double seconds) {
-    TVL::CSnapshot_Lens* const lens = camera.AcquireLensSnapshot(seconds);
-    const double distance =
-        std::max(subject.radius, kLeastRadiusMetres) * kMargin / std::sin(HalfFieldOfView(lens));
+    const LensLoan lens(camera, seconds);
+    const double distance = DistanceToSee(subject, FieldOfView(lens));
     if (lens) {
+        lens->SetFieldOfViewType(kAcrossTheHeight);
         lens->SetTargetDistance(distance * HostUnitsPerMetre(camera, seconds));
-        camera.ReleaseLensSnapshot(lens);
     }
 
     TVL::CMatrix4 pose = TVL::CMatrix4::Identity();

@@ -7,8 +7,10 @@
 #include <vector>
 
 #include "replay_core/motion/numbers.h"
-#include "replay_core/motion/pose.h"
 #include "replay_core/recorder/csv.h"
+#include "replay_core/recorder/geometry.h"
+#include "replay_core/recorder/lens_loan.h"
+#include "replay_core/recorder/meant_poses.h"
 #include "replay_core/recorder/transform_loan.h"
 
 namespace replay {
@@ -16,27 +18,28 @@ namespace {
 
 constexpr double kInfinitelyFar = std::numeric_limits<double>::infinity();
 
-double Distance(const double* a, const double* b) {
-    return std::hypot(a[0] - b[0], a[1] - b[1], a[2] - b[2]);
+// What is not a number is infinitely far off.
+void Raise(double& largest, double error) {
+    if (!(error <= largest)) largest = std::isnan(error) ? kInfinitelyFar : error;
 }
 
 class Reader {
   public:
-    Reader(const Motion& motion, double metresPerUnit, const TakeNodes& nodes, WholeFile* csv)
+    Reader(const Motion& motion, double metresPerUnit, const RecordedTake& recorded, WholeFile* csv)
         : motion_(motion),
-          metresPerUnit_(metresPerUnit),
-          nodes_(nodes),
+          recorded_(recorded),
+          nodes_(recorded.nodes),
           csv_(csv),
-          pose_(motion.joints.size()) {
-        for (TVL::CoreNode* node : nodes.joints)
+          poses_(motion, metresPerUnit, recorded.lifts) {
+        for (TVL::CoreNode* node : nodes_.joints)
             names_.push_back(CsvField(node->GetNodeName()));
         if (csv_) csv_->Write("frame,seconds,joint,x,y,z\n");
     }
 
     void Read(std::size_t frame, ReadBack& result) {
         const double seconds = FrameTime(motion_, frame);
-        EvaluatePose(motion_, frame, metresPerUnit_, pose_);
-        for (std::size_t joint = 0; joint < pose_.size(); ++joint) {
+        const std::span<const TVL::CMatrix4> pose = poses_.At(frame);
+        for (std::size_t joint = 0; joint < pose.size(); ++joint) {
             const TransformLoan snapshot(*nodes_.joints[joint], seconds);
             if (!snapshot) {
                 result.error = "\"" + nodes_.joints[joint]->GetNodeName() +
@@ -44,15 +47,28 @@ class Reader {
                 return;
             }
             const TVL::CMatrix4 place = snapshot->GetWorldTransform();
-            const double distance = Distance(place[3], pose_[joint][3]);
-            // A place that is not a number is infinitely far away.
-            if (!(distance <= result.maxPositionErrorMetres))
-                result.maxPositionErrorMetres = std::isnan(distance) ? kInfinitelyFar : distance;
+            Raise(result.maxPositionErrorMetres,
+                  Length(Difference(PlaceOf(place), PlaceOf(pose[joint]))));
             if (csv_) WriteRow(frame, seconds, joint, place[3]);
         }
+        if (!recorded_.camera.empty())
+            ReadLens(recorded_.camera[frame - recorded_.frames.first], seconds, result);
     }
 
   private:
+    void ReadLens(const CameraMoment& meant, double seconds, ReadBack& result) const {
+        const LensLoan lens(*nodes_.camera, seconds);
+        if (!lens) {
+            result.error = "the camera cannot be read back from the host";
+            return;
+        }
+        Raise(result.maxFieldOfViewErrorDegrees,
+              std::abs(lens->GetFieldOfView() - meant.fieldOfViewDegrees));
+        Raise(
+            result.maxTargetDistanceErrorMetres,
+            std::abs(lens->GetTargetDistance() - meant.targetDistance) / nodes_.hostUnitsPerMetre);
+    }
+
     void WriteRow(std::size_t frame, double seconds, std::size_t joint, const double* place) {
         std::string row = std::to_string(frame) + ',' + NumberText(seconds) + ',' + names_[joint];
         for (const double coordinate : std::span(place, 3))
@@ -61,19 +77,19 @@ class Reader {
     }
 
     const Motion& motion_;
-    double metresPerUnit_;
+    const RecordedTake& recorded_;
     const TakeNodes& nodes_;
     WholeFile* csv_;
-    std::vector<TVL::CMatrix4> pose_;
+    MeantPoses poses_;
     std::vector<std::string> names_;  // as fields of a row
 };
 
 }  // namespace
 
-ReadBack ReadPositions(const Motion& motion, double metresPerUnit, const RecordedTake& recorded,
-                       WholeFile* csv) {
+ReadBack ReadTake(const Motion& motion, double metresPerUnit, const RecordedTake& recorded,
+                  WholeFile* csv) {
     ReadBack result;
-    Reader reader(motion, metresPerUnit, recorded.nodes, csv);
+    Reader reader(motion, metresPerUnit, recorded, csv);
     for (std::size_t frame = recorded.frames.first; frame < recorded.frames.end; ++frame) {
         reader.Read(frame, result);
         if (!result.error.empty()) break;

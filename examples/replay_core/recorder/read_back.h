@@ -12,15 +12,20 @@ struct ReadBack {
     std::string error;  // one line; empty if every joint answered
 
     // The largest distance, over all joints and recorded frames, between where the host has the
-    // joint at the frame's time and where the capture's own kinematics put it, in double.
+    // joint at the frame's time and where it was meant to be, in double: where the capture's own
+    // kinematics put it, lifted onto the ground where there is one.
     double maxPositionErrorMetres = 0;
+
+    // The same for a camera that followed.
+    double maxFieldOfViewErrorDegrees = 0;
+    double maxTargetDistanceErrorMetres = 0;
 };
 
-// Asks the host where the joints are. With a file, writes them into it as comma-separated values
-// (RFC 4180, with LF): `frame,seconds,joint,x,y,z`, a row for each frame and joint, the time as
-// frame × frame time, the place in Core space, metres. The file is the caller's to finish; null for
-// none.
-ReadBack ReadPositions(const Motion& motion, double metresPerUnit, const RecordedTake& recorded,
-                       WholeFile* csv);
+// Asks the host where the joints are, and what the camera's lens is. With a file, writes them into
+// it as comma-separated values (RFC 4180, with LF): `frame,seconds,joint,x,y,z`, a row for each
+// frame and joint, the time as frame × frame time, the place in Core space, metres. The file is the
+// caller's to finish; null for none.
+ReadBack ReadTake(const Motion& motion, double metresPerUnit, const RecordedTake& recorded,
+                  WholeFile* csv);
 
 }  // namespace replay

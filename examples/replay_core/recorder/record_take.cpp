@@ -1,12 +1,14 @@
 #include "replay_core/recorder/record_take.h"
 
 #include <cstddef>
+#include <string_view>
 #include <utility>
 #include <vector>
 
-#include "replay_core/motion/pose.h"
 #include "replay_core/recorder/brackets.h"
 #include "replay_core/recorder/camera_placement.h"
+#include "replay_core/recorder/ground.h"
+#include "replay_core/recorder/guide.h"
 #include "replay_core/recorder/object_scale.h"
 #include "replay_core/recorder/progress_bar.h"
 #include "replay_core/recorder/transform_loan.h"
@@ -14,6 +16,8 @@
 
 namespace replay {
 namespace {
+
+constexpr std::string_view kGuide = "Guide";
 
 // The adaptor declares its codes in the registry that this Core has placed.
 std::string Refused(const char* what, std::int32_t status) {
@@ -35,29 +39,33 @@ class Running {
 // The work between the two brackets, with what it needs for every frame.
 class FrameWriter {
   public:
-    FrameWriter(const Motion& motion, double metresPerUnit, const TakeNodes& nodes,
+    FrameWriter(const PlannedTake& planned, double metresPerUnit, const RecordedTake& recorded,
                 const RecordingState& state)
-        : motion_(motion),
-          metresPerUnit_(metresPerUnit),
-          nodes_(nodes),
+        : motion_(planned.motion),
+          firstFrame_(planned.frames.first),
+          nodes_(recorded.nodes),
+          camera_(recorded.camera),
           state_(state),
-          pose_(motion.joints.size()) {}
+          poses_(motion_, metresPerUnit, recorded.lifts) {}
 
     // Empty, or why the frame is not whole.
     std::string Write(std::size_t frame) {
         const double seconds = FrameTime(motion_, frame);
-        EvaluatePose(motion_, frame, metresPerUnit_, pose_);
+        const std::span<const TVL::CMatrix4> pose = poses_.At(frame);
         if (state_.stopRequested) return Stopped(frame);
-        if (scales_.empty()) Prepare(seconds);
+        if (scales_.empty()) Prepare(pose, seconds);
         // Parents first: what a child's controller keeps is relative to where its parent is then.
-        for (std::size_t joint = 0; joint < pose_.size(); ++joint) {
+        for (std::size_t joint = 0; joint < pose.size(); ++joint) {
             if (state_.stopRequested) return Stopped(frame);
             const TransformLoan snapshot(*nodes_.joints[joint], seconds);
             if (!snapshot)
                 return "\"" + nodes_.joints[joint]->GetNodeName() +
                        "\" cannot be moved by the host";
-            snapshot->SetWorldTransform(WithObjectScale(pose_[joint], scales_[joint]));
+            snapshot->SetWorldTransform(WithObjectScale(pose[joint], scales_[joint]));
         }
+        if (state_.stopRequested) return Stopped(frame);
+        if (!camera_.empty())
+            WriteMoment(*nodes_.camera, camera_[frame - firstFrame_], cameraScale_, seconds);
         return {};
     }
 
@@ -66,26 +74,30 @@ class FrameWriter {
         return "the recording was stopped at frame " + std::to_string(frame);
     }
 
-    // At the first frame, before anything has moved. A camera that was there stays where it is.
-    void Prepare(double seconds) {
+    // At the first frame, before anything has moved. A camera that was there stays where it is,
+    // unless it is to follow.
+    void Prepare(std::span<const TVL::CMatrix4> pose, double seconds) {
         for (TVL::CoreNode* node : nodes_.joints)
             scales_.push_back(ObjectScaleOf(*node, seconds));
-        if (nodes_.isCameraNew) PlaceCamera(*nodes_.camera, SurroundOf(pose_), seconds);
+        cameraScale_ = ObjectScaleOf(*nodes_.camera, seconds);
+        if (nodes_.isCameraNew) PlaceCamera(*nodes_.camera, SurroundOf(pose), seconds);
     }
 
     const Motion& motion_;
-    double metresPerUnit_;
+    std::size_t firstFrame_;
     const TakeNodes& nodes_;
+    const std::vector<CameraMoment>& camera_;
     const RecordingState& state_;
-    std::vector<TVL::CMatrix4> pose_;
+    MeantPoses poses_;
     std::vector<ObjectScale> scales_;  // of the joints
+    ObjectScale cameraScale_;
 };
 
 // Goes through the frames and moves the end of `recorded.frames` behind each that is whole. The
 // result is empty, or says why it broke off.
 std::string WriteFrames(const PlannedTake& planned, const RecordSettings& settings,
                         const RecordingState& state, RecordedTake& recorded) {
-    FrameWriter writer(planned.motion, settings.metresPerUnit, recorded.nodes, state);
+    FrameWriter writer(planned, settings.metresPerUnit, recorded, state);
     ProgressBar progress(settings.showsProgress, "Recording " + planned.take->Name(),
                          planned.frames.Count());
     for (std::size_t frame = planned.frames.first; frame < planned.frames.end; ++frame) {
@@ -94,7 +106,30 @@ std::string WriteFrames(const PlannedTake& planned, const RecordSettings& settin
         recorded.frames.end = frame + 1;
         progress.Advance();
     }
+    if (!recorded.camera.empty())
+        SettleLens(*recorded.nodes.camera, FrameTime(planned.motion, planned.frames.end - 1));
     return {};
+}
+
+// The host's mesh of the ground is read while the recording runs, which has the adaptor convert it
+// once for all frames, and is given back before it ends.
+void PlanFrames(const PlannedTake& planned, const RecordSettings& settings,
+                RecordedTake& recorded) {
+    const Motion& motion = planned.motion;
+    if (settings.ground)
+        recorded.lifts =
+            LiftsOnto(*settings.ground, motion, planned.frames, settings.metresPerUnit);
+    if (!settings.followsWithCamera) return;
+    MeantPoses poses(motion, settings.metresPerUnit, recorded.lifts);
+    recorded.camera = FollowTake(motion, planned.frames, poses, recorded.nodes.hostUnitsPerMetre);
+}
+
+// The result is empty, or says why there is no guide object.
+std::string MakeGuideOf(TVL::AdaptorInterface& adaptor, const PlannedTake& planned,
+                        const TakeNodes& nodes, const RecordingState& state) {
+    if (!planned.guide || state.stopRequested) return {};
+    return MakeGuide(adaptor, *planned.take, NameBesideJoints(planned.motion, kGuide),
+                     *planned.guide, nodes.hostUnitsPerMetre);
 }
 
 // The work for one take inside the undo group. The result is empty, or says why it broke off.
@@ -103,13 +138,17 @@ std::string RecordTake(TVL::AdaptorInterface& adaptor, const PlannedTake& planne
                        RecordedTake& recorded) {
     const FrameRange frames = planned.frames;
     recorded.frames = {frames.first, frames.first};
-    recorded.nodes = FindOrMakeNodes(adaptor, planned.motion, *planned.take);
+    recorded.nodes =
+        FindOrMakeNodes(adaptor, planned.motion, settings.metresPerUnit, *planned.take);
     if (!recorded.nodes.error.empty()) return recorded.nodes.error;
 
     // The keys of the present pose that a recording begins with then fall on the first frame.
     adaptor.SetCurrentTime(FrameTime(planned.motion, frames.first));
+    std::string guideError = MakeGuideOf(adaptor, planned, recorded.nodes, state);
+    if (!guideError.empty()) return guideError;
     const RecordingBracket bracket(adaptor, *planned.take);
     if (bracket.Status() != 0) return Refused("the host begins no recording now", bracket.Status());
+    PlanFrames(planned, settings, recorded);
     std::string error = WriteFrames(planned, settings, state, recorded);
     if (recorded.frames.Count() > 0)
         planned.take->Note({planned.capture, settings.metresPerUnit, planned.motion.frameSeconds,
@@ -123,10 +162,6 @@ std::string GroupName(std::span<const PlannedTake> plan) {
 }
 
 }  // namespace
-
-double FrameTime(const Motion& motion, std::size_t frame) {
-    return static_cast<double>(frame) * motion.frameSeconds;
-}
 
 RecordedTakes RecordTakes(TVL::AdaptorInterface& adaptor, std::span<const PlannedTake> plan,
                           const RecordSettings& settings, RecordingState& state) {

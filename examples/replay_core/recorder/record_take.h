@@ -6,7 +6,9 @@
 #include <vector>
 
 #include "replay_core/motion/motion.h"
+#include "replay_core/recorder/follow_camera.h"
 #include "replay_core/recorder/frame_range.h"
+#include "replay_core/recorder/meant_poses.h"
 #include "replay_core/recorder/take_nodes.h"
 #include "replay_core/state/take.h"
 #include "tvl/adaptor_interface.h"
@@ -21,7 +23,9 @@ struct RecordingState {
 };
 
 struct RecordSettings {
-    double metresPerUnit = 1;  // of the captures
+    double metresPerUnit = 1;         // of the captures
+    TVL::CoreNode* ground = nullptr;  // on which feet are held, the caller's; null for none
+    bool followsWithCamera = false;   // else a new camera is placed once, and any other stays
     bool showsProgress = false;
 };
 
@@ -31,12 +35,17 @@ struct PlannedTake {
     Motion motion;
     FrameRange frames;
     Take* take = nullptr;
+    TVL::CoreNode* guide = nullptr;  // the shape that a guide object goes along; null for none
 };
 
 struct RecordedTake {
     // The frames that are in the scene now, all that were planned unless something went wrong.
     FrameRange frames;
     TakeNodes nodes;
+
+    // What was meant beyond the capture itself, for each frame that was planned.
+    Lifts lifts;
+    std::vector<CameraMoment> camera;  // empty if it did not follow
 };
 
 struct RecordedTakes {
@@ -46,9 +55,6 @@ struct RecordedTakes {
 
     std::vector<RecordedTake> takes;  // those that were begun
 };
-
-// Seconds from the start of the capture to a frame.
-double FrameTime(const Motion& motion, std::size_t frame);
 
 // Records all that is planned, one take after the other, onto their nodes, which are made where
 // they are missing: one undo step, with a key for each joint and frame. Each take notes what it was

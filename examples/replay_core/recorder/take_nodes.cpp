@@ -3,64 +3,85 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "replay_core/motion/body_part.h"
 #include "replay_core/motion/joint_names.h"
+#include "replay_core/recorder/bones.h"
+#include "replay_core/recorder/helper_look.h"
 #include "replay_core/recorder/object_scale.h"
 #include "replay_core/state/core_node.h"
+#include "tvl/mesh.h"
 
 namespace replay {
 namespace {
 
-constexpr double kMarkerRadiusMetres = 0.02;
+constexpr std::string_view kCamera = "Camera";
 
-// An octahedron, the least solid that looks the same from all sides. Object space is in host units.
-TVL::CMesh Marker(double hostUnitsPerMetre) {
-    const double r = kMarkerRadiusMetres * hostUnitsPerMetre;
-    TVL::CMesh mesh;
-    mesh.vertices = {{r, 0, 0}, {-r, 0, 0}, {0, r, 0}, {0, -r, 0}, {0, 0, r}, {0, 0, -r}};
-    mesh.faces = {0, 2, 4, 2, 1, 4, 1, 3, 4, 3, 0, 4, 2, 0, 5, 1, 2, 5, 3, 1, 5, 0, 3, 5};
-    return mesh;
-}
+// Makes what is not there of a take's nodes, and notes the first that the host does not make.
+class Maker {
+  public:
+    Maker(TVL::AdaptorInterface& adaptor, Take& take, TakeNodes& nodes)
+        : adaptor_(adaptor), take_(take), nodes_(nodes) {}
 
-// A joint may bear the camera's name.
-std::string CameraName(const std::vector<std::string>& jointNames) {
-    std::string name = "Camera";
-    while (std::ranges::find(jointNames, name) != jointNames.end())
-        name += "_";
-    return name;
-}
+    void FindOrMakeCamera(const std::string& name) {
+        nodes_.camera = Find(name);
+        nodes_.isCameraNew = !nodes_.camera;
+        if (nodes_.isCameraNew)
+            nodes_.camera =
+                Accept(adaptor_.CreateLensNode(&take_, name, nullptr, &take_.Book()), name);
+    }
 
-TVL::CoreNode* Find(TVL::AdaptorInterface& adaptor, Take& take, const std::string& name) {
-    return AsCoreNode(adaptor.FindNode(&take, name));
-}
+    void FindOrMakeJoint(const std::string& name, TVL::CoreNode* parent, const TVL::CMesh& bones,
+                         const Colour& colour) {
+        TVL::CoreNode* node = Find(name);
+        if (!node) {
+            node = Accept(adaptor_.CreateHelperNode(&take_, name, parent, {}, &take_.Book()), name);
+            if (node) DressNode(*node, bones, colour);
+        }
+        nodes_.joints.push_back(node);
+    }
+
+  private:
+    TVL::CoreNode* Find(const std::string& name) const {
+        return AsCoreNode(adaptor_.FindNode(&take_, name));
+    }
+
+    TVL::CoreNode* Accept(TVL::CNode* made, const std::string& name) {
+        if (!made) nodes_.error = "the host made no node for \"" + name + "\"";
+        return AsCoreNode(made);
+    }
+
+    TVL::AdaptorInterface& adaptor_;
+    Take& take_;
+    TakeNodes& nodes_;
+};
 
 }  // namespace
 
-TakeNodes FindOrMakeNodes(TVL::AdaptorInterface& adaptor, const Motion& motion, Take& take) {
+std::string NameBesideJoints(const Motion& motion, std::string_view name) {
     const std::vector<std::string> names = UniqueJointNames(motion);
+    std::string free(name);
+    while (std::ranges::find(names, free) != names.end())
+        free += "_";
+    return free;
+}
+
+TakeNodes FindOrMakeNodes(TVL::AdaptorInterface& adaptor, const Motion& motion,
+                          double metresPerUnit, Take& take) {
     TakeNodes nodes;
-    const auto accept = [&](TVL::CNode* made, const std::string& name) {
-        if (!made) nodes.error = "the host made no node for \"" + name + "\"";
-        return AsCoreNode(made);
-    };
-
+    Maker maker(adaptor, take, nodes);
     // The camera comes first: a new node tells how large the others have to be.
-    const std::string cameraName = CameraName(names);
-    nodes.camera = Find(adaptor, take, cameraName);
-    nodes.isCameraNew = !nodes.camera;
-    if (nodes.isCameraNew)
-        nodes.camera =
-            accept(adaptor.CreateLensNode(&take, cameraName, nullptr, &take.Book()), cameraName);
+    maker.FindOrMakeCamera(NameBesideJoints(motion, kCamera));
     if (!nodes.camera) return nodes;
+    nodes.hostUnitsPerMetre = HostUnitsPerMetre(*nodes.camera, adaptor.GetCurrentTime());
 
-    const TVL::CMesh marker = Marker(HostUnitsPerMetre(*nodes.camera, adaptor.GetCurrentTime()));
+    const std::vector<std::string> names = UniqueJointNames(motion);
+    const std::vector<TVL::CMesh> bones =
+        BoneMeshes(motion, metresPerUnit * nodes.hostUnitsPerMetre, nodes.hostUnitsPerMetre);
     for (std::size_t i = 0; i < names.size() && nodes.error.empty(); ++i) {
-        const std::size_t parentIndex = motion.joints[i].parent;
-        TVL::CoreNode* const parent = parentIndex == kNoJoint ? nullptr : nodes.joints[parentIndex];
-        TVL::CoreNode* node = Find(adaptor, take, names[i]);
-        if (!node)
-            node = accept(adaptor.CreateHelperNode(&take, names[i], parent, marker, &take.Book()),
-                          names[i]);
-        nodes.joints.push_back(node);
+        const Joint& joint = motion.joints[i];
+        TVL::CoreNode* const parent =
+            joint.parent == kNoJoint ? nullptr : nodes.joints[joint.parent];
+        maker.FindOrMakeJoint(names[i], parent, bones[i], ColourOf(SideOf(joint.name)));
     }
     return nodes;
 }

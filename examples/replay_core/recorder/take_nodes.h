@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "replay_core/motion/motion.h"
@@ -15,12 +16,17 @@ struct TakeNodes {
     std::vector<TVL::CoreNode*> joints;
     TVL::CoreNode* camera = nullptr;
     bool isCameraNew = false;
+    double hostUnitsPerMetre = 1;
     std::string error;  // one line if the host made no node for something
 };
 
 // Finds the nodes of the take by their names, and makes those that are not in the scene: a helper
-// for each joint, under its parent, and a free camera. Inside an undo group the take's book hears
-// of them.
-TakeNodes FindOrMakeNodes(TVL::AdaptorInterface& adaptor, const Motion& motion, Take& take);
+// for each joint, under its parent, with its bones for a shape (see bones.h), and a free camera.
+// Inside an undo group the take's book hears of them.
+TakeNodes FindOrMakeNodes(TVL::AdaptorInterface& adaptor, const Motion& motion,
+                          double metresPerUnit, Take& take);
+
+// The name for a node of the take that is no joint: that one, unless a joint bears it.
+std::string NameBesideJoints(const Motion& motion, std::string_view name);
 
 }  // namespace replay

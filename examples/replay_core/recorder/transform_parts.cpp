@@ -4,37 +4,22 @@
 #include <cmath>
 #include <cstddef>
 
+#include "replay_core/recorder/geometry.h"
+
 namespace replay {
 namespace {
 
-using Vector = std::array<double, 3>;
-using Rows = std::array<Vector, 3>;
+using Rows = std::array<Vector3, 3>;
 
 constexpr std::array<double, 4> kNoRotation = {0, 0, 0, 1};
 
-double Dot(const Vector& a, const Vector& b) {
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-
-Vector Cross(const Vector& a, const Vector& b) {
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-
-Vector Scaled(const Vector& a, double factor) {
-    return {a[0] * factor, a[1] * factor, a[2] * factor};
-}
-
-double Length(const Vector& a) {
-    return std::hypot(a[0], a[1], a[2]);
-}
-
 // The axes of length 1, at right angles and right-handed.
 Rows Straightened(const Rows& rows) {
-    const Vector x = Scaled(rows[0], 1 / Length(rows[0]));
+    const Vector3 x = Scaled(rows[0], 1 / Length(rows[0]));
     const double share = Dot(rows[1], x);
-    const Vector across = {rows[1][0] - share * x[0], rows[1][1] - share * x[1],
-                           rows[1][2] - share * x[2]};
-    const Vector y = Scaled(across, 1 / Length(across));
+    const Vector3 across = {rows[1][0] - share * x[0], rows[1][1] - share * x[1],
+                            rows[1][2] - share * x[2]};
+    const Vector3 y = Scaled(across, 1 / Length(across));
     return {x, y, Cross(x, y)};
 }
 

@@ -1,0 +1,88 @@
+#include "replay_core/recorder/ground.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "replay_core/motion/body_part.h"
+#include "replay_core/recorder/transform_loan.h"
+
+namespace replay {
+namespace {
+
+// What is less comes from the host's single precision.
+constexpr double kLeastLiftMetres = 1e-5;
+
+TVL::CMatrix4 WorldTransformOf(TVL::CoreNode& node, double seconds) {
+    const TransformLoan snapshot(node, seconds);
+    return snapshot ? snapshot->GetWorldTransform() : TVL::CMatrix4::Zero();
+}
+
+// A place of a foot, along the axes of its joint, in metres.
+struct Sole {
+    std::size_t joint;
+    Vector3 offset;
+};
+
+std::vector<Sole> SolesOf(const Motion& motion, double metresPerUnit) {
+    std::vector<Sole> soles;
+    for (std::size_t joint = 0; joint < motion.joints.size(); ++joint)
+        if (IsFoot(motion.joints[joint].name)) soles.push_back({joint, {}});
+    for (const EndSite& end : motion.endSites)
+        if (IsFoot(motion.joints[end.joint].name))
+            soles.push_back({end.joint, Scaled(end.offset, metresPerUnit)});
+    return soles;
+}
+
+double HighestJoint(std::span<const TVL::CMatrix4> pose) {
+    double highest = pose.front()[3][1];
+    for (const TVL::CMatrix4& joint : pose)
+        highest = std::max(highest, joint[3][1]);
+    return highest;
+}
+
+double LiftFor(std::span<const TVL::CMatrix4> pose, std::span<const Sole> soles,
+               const GroundAt& ground) {
+    double lift = 0;
+    const double from = HighestJoint(pose);
+    for (const Sole& sole : soles) {
+        const Vector3 place = PointThrough(sole.offset, pose[sole.joint]);
+        const std::optional<double> height = ground.HeightBelow({place[0], from, place[2]});
+        if (height) lift = std::max(lift, *height - place[1]);
+    }
+    return lift > kLeastLiftMetres ? lift : 0;
+}
+
+}  // namespace
+
+GroundAt::GroundAt(TVL::CoreNode& node, double seconds)
+    : mesh_(node, node.AcquireMeshSnapshot(seconds), &TVL::CoreNode::ReleaseMeshSnapshot),
+      toWorld_(WorldTransformOf(node, seconds)),
+      toObject_(TVL::Inverse(toWorld_)) {}
+
+// Rays are cast in the mesh's own space.
+std::optional<double> GroundAt::HeightBelow(const Vector3& place) const {
+    const Vector3 down = DirectionThrough({0, -1, 0}, toObject_);
+    const double size = Length(down);
+    if (!mesh_ || !(size > 0)) return std::nullopt;
+    const Vector3 origin = PointThrough(place, toObject_);
+    const Vector3 direction = Scaled(down, 1 / size);
+    double distance = 0;
+    if (!mesh_->IntersectRay(origin, direction, &distance, nullptr)) return std::nullopt;
+    return PointThrough(Sum(origin, Scaled(direction, distance)), toWorld_)[1];
+}
+
+Lifts LiftsOnto(TVL::CoreNode& ground, const Motion& motion, FrameRange frames,
+                double metresPerUnit) {
+    const std::vector<Sole> soles = SolesOf(motion, metresPerUnit);
+    MeantPoses poses(motion, metresPerUnit, {});
+    Lifts lifts{.firstFrame = frames.first, .metres = {}};
+    for (std::size_t frame = frames.first; frame < frames.end; ++frame) {
+        const GroundAt now(ground, FrameTime(motion, frame));
+        lifts.metres.push_back(LiftFor(poses.At(frame), soles, now));
+    }
+    return lifts;
+}
+
+}  // namespace replay
