@@ -75,6 +75,7 @@ BuiltObjects::BuiltObjects(SceneFileReader& file) : BuiltObjects(Unbuilt{file}) 
     objects_.reserve(document_.objects.size());
     for (std::size_t i = 0; i < document_.objects.size(); ++i)
         objects_.push_back(Make(i));
+    ComplainOfMissingClasses();
 }
 
 // What an object lets go of can stand further along, hence nothing is freed before the end.
@@ -96,7 +97,10 @@ ReferenceTarget* BuiltObjects::Make(std::size_t index) {
     } else if (object) {
         return object;
     }
-    if (!failure.empty()) Complain(index, failure);
+    if (failure.empty())
+        ++unmade_[stored.type.name];
+    else
+        Complain(index, failure);
     return MakeStandIn(index);
 }
 
@@ -136,6 +140,13 @@ void BuiltObjects::Complain(std::size_t index, const std::string& failure) {
     complaints_.push_back(file_.Path() + ": at byte " + std::to_string(stored.position) + ": " +
                           stored.type.name + (node ? " of the node " + Quoted(node->name) : "") +
                           " " + failure + "; it is kept as it is stored");
+}
+
+void BuiltObjects::ComplainOfMissingClasses() {
+    for (const auto& [name, count] : unmade_)
+        complaints_.push_back(file_.Path() + ": the class " + Quoted(name) + " of " +
+                              std::to_string(count) + (count == 1 ? " object" : " objects") +
+                              " is not loaded; kept as stored");
 }
 
 // From the far ends of the chains on, so that whoever gets a reference is not yet referred to,

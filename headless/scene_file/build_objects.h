@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -23,8 +25,9 @@ class BuiltObjects {
     // Points all references, those of the nodes too: `nodes` are those of the file.
     void PointReferences(const std::vector<NodePtr>& nodes);
 
-    // A line for each object that is there as it was stored because it could not read its bytes, or
-    // not all of them, or would not refer to what it referred to.
+    // What is there as it was stored: a line for each object that could not read its bytes, or not
+    // all of them, or would not refer to what it referred to, and one for each class that is not
+    // loaded.
     const std::vector<std::string>& Complaints() const { return complaints_; }
 
   private:
@@ -37,6 +40,7 @@ class BuiltObjects {
     ReferenceTarget* MakeLoaded(const StoredObject& stored, std::string& failure);
     ReferenceTarget* MakeStandIn(std::size_t index);
     void Complain(std::size_t index, const std::string& failure);
+    void ComplainOfMissingClasses();
     void PointObject(std::size_t index, const std::vector<NodePtr>& nodes);
     bool Point(ReferenceMaker& maker, const std::vector<StoredReference>& references,
                const std::vector<NodePtr>& nodes) const;
@@ -45,9 +49,10 @@ class BuiltObjects {
 
     SceneFileReader& file_;
     const SceneDocument& document_;
-    std::vector<const StoredNode*> shownBy_;  // the first node that shows the object, or null
-    std::vector<ReferenceTarget*> objects_;   // by index, like these
-    std::vector<ReferenceTarget*> refused_;   // a stand-in has the place of each
+    std::vector<const StoredNode*> shownBy_;     // the first node that shows the object, or null
+    std::vector<ReferenceTarget*> objects_;      // by index, like these
+    std::map<std::string, std::size_t> unmade_;  // by class: objects of none that is loaded
+    std::vector<ReferenceTarget*> refused_;      // a stand-in has the place of each
     std::vector<std::string> complaints_;
 };
 
