@@ -20,9 +20,10 @@ struct Run {
             if (std::abs(at) > limit) last = first;
             return;
         }
-        const auto [low, high] = std::minmax((-limit - at) / along, (limit - at) / along);
-        first = std::max(first, low);
-        last = std::min(last, high);
+        const float one = (-limit - at) / along;
+        const float other = (limit - at) / along;
+        first = std::max(first, std::min(one, other));
+        last = std::min(last, std::max(one, other));
     }
 };
 
