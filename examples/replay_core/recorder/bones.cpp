@@ -9,25 +9,27 @@
 namespace replay {
 namespace {
 
-// Of a bone's length: how thick it is, measured from its middle, and how far from the joint that
-// is.
+// Of a bone's length: how thick it is, measured from its axis, and how far from the joint that is.
+// The short bones of spine, neck and head are stout, so that trunk and head stand out.
 constexpr double kThickness = 0.12;
+constexpr double kThicknessInTheMiddle = 0.4;
 constexpr double kWaist = 0.2;
 
 constexpr double kMostThicknessMetres = 0.06;
 constexpr double kMarkMetres = 0.015;
 
 // From the joint, at the origin, to `end`.
-void AddBone(TVL::CMesh& mesh, const Vector3& end, double mostThickness) {
+void AddBone(TVL::CMesh& mesh, const Vector3& end, BodySide side, double mostThickness) {
     const double length = Length(end);
     if (!(length > 0)) return;
     const Vector3 along = Scaled(end, 1 / length);
-    const Vector3 side = AcrossFrom(along);
-    const double thickness = std::min(kThickness * length, mostThickness);
+    const Vector3 across = AcrossFrom(along);
+    const double share = side == BodySide::kMiddle ? kThicknessInTheMiddle : kThickness;
+    const double thickness = std::min(share * length, mostThickness);
     AddSpike(mesh, {.start = {},
                     .waist = Scaled(end, kWaist),
-                    .side = Scaled(side, thickness),
-                    .front = Scaled(Cross(along, side), thickness),
+                    .side = Scaled(across, thickness),
+                    .front = Scaled(Cross(along, across), thickness),
                     .tip = end});
 }
 
@@ -46,7 +48,7 @@ std::vector<TVL::CMesh> BoneMeshes(const Motion& motion, double hostUnitsPerCapt
     std::vector<TVL::CMesh> bones(motion.joints.size());
     const auto add = [&](std::size_t joint, const Vector3& offset) {
         AddBone(bones[joint], Scaled(offset, hostUnitsPerCaptureUnit),
-                kMostThicknessMetres * hostUnitsPerMetre);
+                SideOf(motion.joints[joint].name), kMostThicknessMetres * hostUnitsPerMetre);
     };
     for (const Joint& joint : motion.joints)
         if (joint.parent != kNoJoint) add(joint.parent, joint.offset);

@@ -16,7 +16,7 @@ namespace {
 
 constexpr double kEvenedOutSeconds = 0.5;  // to either side
 constexpr Vector3 kFromSubject = {0.6, 0.3, 1};
-constexpr double kMargin = 1.1;
+constexpr double kMargin = 1.25;
 constexpr double kNarrowestDegrees = 5;
 constexpr double kWidestDegrees = 150;
 

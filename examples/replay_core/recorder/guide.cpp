@@ -20,8 +20,8 @@ constexpr int kMostArrows = 400;  // along one curve
 // Of the way from one arrow to the next. An arrow is flat and lies on its broad side.
 constexpr double kLength = 0.8;
 constexpr double kWaist = 0.3;
-constexpr double kHalfWidth = 0.2;
-constexpr double kHalfThickness = 0.05;
+constexpr double kHalfWidth = 0.3;
+constexpr double kHalfThickness = 0.08;
 
 constexpr Vector3 kHostUp = {0, 0, 1};
 
