@@ -8,7 +8,7 @@
 namespace headless {
 namespace {
 
-constexpr double kMostSteps = 24;  // across
+constexpr double kMostSteps = 12;  // across
 constexpr Colour kLine{0.29F, 0.31F, 0.34F};
 constexpr Colour kAxis{0.42F, 0.44F, 0.48F};
 

@@ -65,35 +65,64 @@ std::vector<Vector> CornersOf(const std::vector<Box3>& boxes) {
     return points;
 }
 
-// The narrowest stretch, along one axis of the picture, that a camera at a distance has to cover.
-struct Stretch {
-    double lower = std::numeric_limits<double>::max();
-    double upper = std::numeric_limits<double>::lowest();
+// How points lie along one axis of the picture and behind each other, from any place along the
+// view.
+struct Spread {
+    std::vector<double> across;
+    std::vector<double> depth;
 
-    void Add(double across, double depth, double opening) {
-        lower = std::min(lower, across + opening * depth);
-        upper = std::max(upper, across - opening * depth);
+    Spread(const std::vector<Vector>& points, const Vector& axis, const Vector& ahead) {
+        for (const Vector& p : points) {
+            across.push_back(Dot(p, axis));
+            depth.push_back(Dot(p, ahead));
+        }
     }
-    double Distance(double opening) const { return (upper - lower) / (2 * opening); }
-    double Middle() const { return (upper + lower) / 2; }
+
+    // How far back a camera has to be to have them all inside its opening, wherever it stands
+    // across: a point at x is inside if |x - middle| <= opening × (distance + depth).
+    double Distance(double opening) const {
+        double lower = std::numeric_limits<double>::max();
+        double upper = std::numeric_limits<double>::lowest();
+        for (std::size_t i = 0; i < across.size(); ++i) {
+            lower = std::min(lower, across[i] + opening * depth[i]);
+            upper = std::max(upper, across[i] - opening * depth[i]);
+        }
+        return (upper - lower) / (2 * opening);
+    }
+
+    // Where to stand across at that distance for equal margins on both sides; found by halving.
+    double Middle(double distance) const {
+        constexpr int kHalvings = 40;
+        auto [lower, upper] = std::ranges::minmax(across);
+        for (int i = 0; i < kHalvings; ++i) {
+            const double middle = (lower + upper) / 2;
+            (LeansAbove(middle, distance) ? lower : upper) = middle;
+        }
+        return (lower + upper) / 2;
+    }
+
+    bool LeansAbove(double middle, double distance) const {
+        double below = 0;
+        double above = 0;
+        for (std::size_t i = 0; i < across.size(); ++i) {
+            const double slope = (across[i] - middle) / (distance + depth[i]);
+            below = std::min(below, slope);
+            above = std::max(above, slope);
+        }
+        return above > -below;
+    }
 };
 
-// Moves the camera back until every point is inside its opening, and no farther: a point at depth w
-// and x across is inside if |x - middle| <= opening × (distance + w).
+// Moves the camera back until every point is inside its opening, and no farther.
 Vector PlaceToSee(const Pose& turned, const Opening& opening, std::vector<Vector> points) {
     if (points.empty()) points.emplace_back();
-    Stretch across, upward;
-    for (const Vector& p : points) {
-        const double depth = Dot(p, turned.ahead);
-        across.Add(Dot(p, turned.right), depth, opening.x);
-        upward.Add(Dot(p, turned.up), depth, opening.y);
-    }
-    double nearest = std::numeric_limits<double>::max();
-    for (const Vector& p : points)
-        nearest = std::min(nearest, Dot(p, turned.ahead));
-    const double distance = std::max({across.Distance(opening.x), upward.Distance(opening.y),
-                                      kNearestInMetres / GetMasterScale(UNITS_METERS) - nearest});
-    return turned.right * across.Middle() + turned.up * upward.Middle() - turned.ahead * distance;
+    const Spread across(points, turned.right, turned.ahead);
+    const Spread upward(points, turned.up, turned.ahead);
+    const double distance = std::max(
+        {across.Distance(opening.x), upward.Distance(opening.y),
+         kNearestInMetres / GetMasterScale(UNITS_METERS) - std::ranges::min(across.depth)});
+    return turned.right * across.Middle(distance) + turned.up * upward.Middle(distance) -
+           turned.ahead * distance;
 }
 
 Opening OpeningOf(double tangent, int type, double width, double height) {

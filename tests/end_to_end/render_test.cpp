@@ -1,0 +1,100 @@
+#include <algorithm>
+#include <cstddef>
+#include <filesystem>
+
+#include "end_to_end/command.h"
+#include "end_to_end/stage.h"
+#include "headless/viewport.h"
+#include "host/node.h"
+
+// Pictures of scenes, from the command line to the pixels.
+
+namespace {
+
+using headless::Picture;
+
+// The part of a picture that is not background, which its corner shows.
+struct Extent {
+    int left, right, top, bottom;
+};
+Extent Drawn(const Picture& picture) {
+    Extent extent{picture.width, -1, picture.height, -1};
+    for (int y = 0; y < picture.height; ++y)
+        for (int x = 0; x < picture.width; ++x) {
+            const auto pixel = picture.rgb.begin() + 3 * (std::ptrdiff_t{y} * picture.width + x);
+            if (std::equal(pixel, pixel + 3, picture.rgb.begin())) continue;
+            extent = {std::min(extent.left, x), std::max(extent.right, x), std::min(extent.top, y),
+                      std::max(extent.bottom, y)};
+        }
+    return extent;
+}
+
+TEST(Render, ShowsWhoWasRecordedUprightAndAsLargeAsThePictureAllows) {
+    Stage stage;
+    stage.Record(stage.WriteFile("walk.bvh", Walk(5)));
+    headless::FindNode("walk_Camera")->Hide(true);
+    headless::ViewportSettings settings;
+    settings.width = 320;
+    settings.height = 240;
+    settings.showsGrid = false;
+    Picture picture;
+    ASSERT_EQ(headless::DrawPicture(settings, 0, picture), "");
+    const Extent seen = Drawn(picture);
+    EXPECT_GT(seen.bottom - seen.top, 240 * 3 / 4);
+    EXPECT_LT(seen.bottom - seen.top, 240);
+    EXPECT_LT(seen.right - seen.left, seen.bottom - seen.top);
+    EXPECT_NEAR(seen.left + seen.right, 320, 40);
+    EXPECT_NEAR(seen.top + seen.bottom, 240, 20);
+}
+
+TEST_F(Command, DrawsAScenesSameBytesAtEachRunAndFromASavedCopy) {
+    const std::string scene = File("take.scene");
+    const std::string copy = File("copy.scene");
+    Do("record " + Write("walk.bvh", Walk(5)) + " --scene " + scene);
+    Do("open " + scene + " --save " + copy);
+    const std::string looks = " --time 0.1 --size 320x240 --names -o ";
+    EXPECT_EQ(Do("render " + scene + looks + File("a.png")),
+              File("a.png") + ": a picture of 320x240 pixels\n");
+    Do("render " + scene + looks + File("b.png"));
+    Do("render " + copy + looks + File("c.png"));
+    Do("render " + scene + " --wire" + looks + File("wire.png"));
+    const std::string bytes = Read(File("a.png"));
+    EXPECT_EQ(bytes.rfind("\x89PNG\r\n\x1a\n", 0), 0u);
+    EXPECT_EQ(Read(File("b.png")), bytes);
+    EXPECT_EQ(Read(File("c.png")), bytes);
+    EXPECT_NE(Read(File("wire.png")), bytes);
+
+    Do("render " + scene + " --frames 2:6:2 --size 64x48 -o " + File("at%04d.png"));
+    for (const char* name : {"at0002.png", "at0004.png", "at0006.png"})
+        EXPECT_TRUE(std::filesystem::exists(File(name))) << name;
+    EXPECT_EQ(
+        Do("render " + scene + " --frames 0:4:1 --sheet 2 --size 64x48 -o " + File("sheet.png")),
+        File("sheet.png") + ": a picture of 128x144 pixels\n");
+}
+
+TEST_F(Command, RefusesPicturesThatCannotBeAndLeavesNoFile) {
+    const std::string scene = File("take.scene");
+    const std::string file = File("a.png");
+    Do("record " + Write("walk.bvh", Walk(2)) + " --scene " + scene);
+    const auto refuses = [&](const std::string& words, const std::string& error, int status) {
+        ExpectFailure(Run("render " + scene + " -o " + file + " " + words), error, status);
+    };
+    refuses("", "", 2);
+    refuses("--time 1 --frames 0:1:1", "", 2);
+    refuses("--time soon", "--time: ", 2);
+    refuses("--time 1 --size 320", "--size: 320 is not", 2);
+    refuses("--time 1 --size 15x9000", "--size: a picture is 16 to 8,192 pixels", 2);
+    refuses("--time 1 --sheet 2", "", 2);
+    refuses("--frames 0:4:0", "--frames: 0:4:0 goes", 2);
+    refuses("--frames 0:4", "--frames: 0:4 is not", 2);
+    refuses("--frames 0:4:1", "-o: " + file + " has no place for the number of a frame", 2);
+    refuses("--frames 0:9999:1 --sheet 2", "--sheet: 10000 pictures make a sheet of ", 2);
+    refuses("--time 1 --camera Nobody", file + ": no picture: no node is called \"Nobody\"", 1);
+    refuses("--time 1 --camera walk_Hip", file + ": no picture: the node \"walk_Hip\" is no camera",
+            1);
+    EXPECT_FALSE(std::filesystem::exists(file));
+    ExpectFailure(Run("render " + scene + " --time 1 -o " + File("no/a.png")),
+                  File("no/a.png") + ": the file cannot be written");
+}
+
+}  // namespace
