@@ -26,6 +26,7 @@ int Run(int argc, char** argv) {
     headless::AddSampleVerb(app);
     headless::AddInspectVerb(app);
     headless::AddDrawVerb(app);
+    headless::AddRenderVerb(app);
     headless::AddConvertVerb(app);
     headless::AddInfoVerb(app);
     headless::AddDiffVerb(app);

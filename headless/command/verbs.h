@@ -15,6 +15,7 @@ void AddMergeVerb(CLI::App& app);
 void AddSampleVerb(CLI::App& app);
 void AddInspectVerb(CLI::App& app);
 void AddDrawVerb(CLI::App& app);
+void AddRenderVerb(CLI::App& app);
 void AddConvertVerb(CLI::App& app);
 void AddInfoVerb(CLI::App& app);
 void AddDiffVerb(CLI::App& app);
