@@ -67,7 +67,7 @@ class StateTest : public testing::Test {
         for (const auto& [name, tag] : tags) {
             INode* const node = host.CreateObjectNode(host.CreateCameraObject(0));
             node->SetName(name.c_str());
-            node->SetUserPropString("TVL_tag", tag.c_str());
+            node->SetUserPropString("TVL_tag", tag);
         }
     }
 

@@ -6,8 +6,6 @@
 namespace {
 
 namespace form = replay::form;
-using replay::LoadedTake;
-using replay::StoredPlugin;
 using replay::StoredState;
 using replay::Take;
 
