@@ -38,8 +38,8 @@ std::string OffscreenContext::Start() {
     return "";
 }
 
-// The display itself stays with EGL to the end of the process: taking it down unloads Mesa's driver,
-// which forgets some of its memory then.
+// The display itself stays with EGL to the end of the process: taking it down unloads Mesa's
+// driver, which forgets some of its memory then.
 OffscreenContext::~OffscreenContext() {
     if (display_ == EGL_NO_DISPLAY) return;
     eglMakeCurrent(display_, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
