@@ -7,8 +7,6 @@
 namespace headless {
 namespace {
 
-constexpr float kWidest = 3.12F;  // radians
-
 // A run of places at + s × along.
 struct Run {
     float first = -std::numeric_limits<float>::max();
@@ -29,13 +27,9 @@ struct Run {
 
 }  // namespace
 
-CameraFrame FrameAt(float distance, float radians, int fovType, float aspect) {
-    const float angle = std::isnan(radians) ? 0 : std::clamp(radians, 0.0F, kWidest);
-    const float half = distance * std::tan(angle / 2);
-    if (fovType == 0) return {distance, half, half / aspect};
-    if (fovType == 1) return {distance, half * aspect, half};
-    const float height = half / std::sqrt(1 + aspect * aspect);
-    return {distance, height * aspect, height};
+CameraFrame FrameAt(float distance, const CameraOpening& opening) {
+    return {distance, static_cast<float>(double{distance} * opening.x),
+            static_cast<float>(double{distance} * opening.y)};
 }
 
 void AddCone(const CameraFrame& frame, std::vector<Line>& lines) {

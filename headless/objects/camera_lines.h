@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "objects/camera_opening.h"
 #include "objects/node_drawing.h"
 
 namespace headless {
@@ -13,10 +14,7 @@ struct CameraFrame {
     float halfHeight = 0;
 };
 
-// Of a field of view in radians that is measured by `fovType`: 0 across the width, 1 the height, 2
-// the diagonal of a picture that is `aspect` times as wide as high. An angle below nothing, or one
-// that is no number, counts as nothing, one of half a turn or more as a little less.
-CameraFrame FrameAt(float distance, float radians, int fovType, float aspect);
+CameraFrame FrameAt(float distance, const CameraOpening& opening);
 
 // From the camera to the corners of the frame, and around it.
 void AddCone(const CameraFrame& frame, std::vector<Line>& lines);

@@ -17,7 +17,7 @@ constexpr std::uint16_t kSwitchesChunk = 1;
 constexpr float kFieldOfView = std::numbers::pi_v<float> / 4;  // radians
 constexpr float kTargetDistance = 160;                         // host units
 
-constexpr float kAspect = 16.0F / 9;    // of the picture that the cone is drawn for
+constexpr double kAspect = 16.0 / 9;    // of the picture that the cone is drawn for
 constexpr float kShortCone = 1.0F / 8;  // of the target distance, where the cone does not show
 
 // The animated parameters, each a float controller.
@@ -181,11 +181,10 @@ class FreeCamera final : public CameraObject {
         Interval valid = FOREVER;
         const float distance = GetTDist(t, valid);
         if (!std::isfinite(distance) || distance <= 0) return lines;
-        const CameraFrame frame = FrameAt(distance, GetFOV(t, valid), GetFOVType(), kAspect);
-        const float part = switches_->cone != 0 ? 1 : kShortCone;
-        AddCone({frame.distance * part, frame.halfWidth * part, frame.halfHeight * part}, lines);
+        const CameraOpening opening = OpeningOf(double{GetFOV(t, valid)}, GetFOVType(), kAspect);
+        AddCone(FrameAt(switches_->cone != 0 ? distance : distance * kShortCone, opening), lines);
         if (switches_->horizon != 0)
-            AddHorizon(frame, node ? node->GetObjectTM(t) : Matrix3(), lines);
+            AddHorizon(FrameAt(distance, opening), node ? node->GetObjectTM(t) : Matrix3(), lines);
         return lines;
     }
 

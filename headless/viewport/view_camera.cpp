@@ -11,6 +11,7 @@
 
 #include "headless/scene_view.h"
 #include "host/units.h"
+#include "objects/camera_opening.h"
 #include "values/vector.h"
 #include "viewport/framed_boxes.h"
 #include "viewport/shown_nodes.h"
@@ -27,10 +28,6 @@ constexpr double kTilt = 14 * kRadians;            // down
 constexpr double kFilled = 0.88;                   // how much of the picture the framed points fill
 constexpr double kNearestInMetres = 1;
 
-// Fields of view of scene cameras are kept inside these.
-constexpr double kNarrowest = 0.1 * kRadians;
-constexpr double kWidest = 179 * kRadians;
-
 // Of a picture, in pixels each way.
 constexpr int kSmallest = 16;
 constexpr int kLargest = 8192;
@@ -46,12 +43,6 @@ struct Pose {
     Vector right;
     Vector up;
     Vector ahead;
-};
-
-// Half the width and half the height of what shows at a depth of 1.
-struct Opening {
-    double x = 1;
-    double y = 1;
 };
 
 Vector Unit(const Vector& v) {
@@ -114,7 +105,7 @@ struct Spread {
 };
 
 // Moves the camera back until every point is inside its opening, and no farther.
-Vector PlaceToSee(const Pose& turned, const Opening& opening, std::vector<Vector> points) {
+Vector PlaceToSee(const Pose& turned, const CameraOpening& opening, std::vector<Vector> points) {
     if (points.empty()) points.emplace_back();
     const Spread across(points, turned.right, turned.ahead);
     const Spread upward(points, turned.up, turned.ahead);
@@ -125,17 +116,8 @@ Vector PlaceToSee(const Pose& turned, const Opening& opening, std::vector<Vector
            turned.ahead * distance;
 }
 
-Opening OpeningOf(double tangent, int type, double width, double height) {
-    switch (type) {
-        case 0:
-            return {tangent, tangent * height / width};
-        case 1:
-            return {tangent * width / height, tangent};
-        default: {
-            const double diagonal = std::hypot(width, height);
-            return {tangent * width / diagonal, tangent * height / diagonal};
-        }
-    }
+double Aspect(const ViewportSettings& settings) {
+    return static_cast<double>(settings.width) / settings.height;
 }
 
 bool IsPictureSize(int pixels) {
@@ -187,7 +169,7 @@ Depths DepthsFrom(const Pose& pose, const GroundGrid& grid, TimeValue t) {
     return depths;
 }
 
-View ViewFrom(const Pose& pose, const Opening& opening, const Depths& depths,
+View ViewFrom(const Pose& pose, const CameraOpening& opening, const Depths& depths,
               const ViewportSettings& settings) {
     const double sum = depths.farthest + depths.nearest;
     const double span = depths.farthest - depths.nearest;
@@ -223,8 +205,7 @@ AimedView ThroughCamera(const ViewportSettings& settings, TimeValue t) {
     const double angle = double{camera->GetFOV(t, valid)};
     if (!PoseOf(node->GetNodeTM(t, nullptr), pose) || !std::isfinite(angle))
         return Failed("the camera \"" + settings.camera + "\" looks nowhere at that time");
-    const Opening opening = OpeningOf(std::tan(std::clamp(angle, kNarrowest, kWidest) / 2),
-                                      camera->GetFOVType(), settings.width, settings.height);
+    const CameraOpening opening = OpeningOf(angle, camera->GetFOVType(), Aspect(settings));
     AimedView aimed;
     aimed.grid = GridBelow(FramedBoxes(settings, t));
     aimed.view = ViewFrom(pose, opening, DepthsFrom(pose, aimed.grid, t), settings);
@@ -234,8 +215,7 @@ AimedView ThroughCamera(const ViewportSettings& settings, TimeValue t) {
 
 AimedView FromFrontAndAbove(const ViewportSettings& settings, TimeValue t) {
     const std::vector<Box3> framed = FramedBoxes(settings, t);
-    const Opening opening =
-        OpeningOf(std::tan(kOwnFieldOfView / 2), 1, settings.width, settings.height);
+    const CameraOpening opening = OpeningOf(kOwnFieldOfView, 1, Aspect(settings));
     Pose pose = OwnPose();
     pose.place = PlaceToSee(pose, {opening.x * kFilled, opening.y * kFilled}, CornersOf(framed));
     AimedView aimed;
