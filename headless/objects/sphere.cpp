@@ -106,7 +106,7 @@ class SphereMesh {
 class Sphere final : public Object {
   public:
     Sphere(float radius, int segments)
-        : shape_{std::isfinite(radius) ? radius : 0,
+        : shape_{std::isfinite(radius) ? std::abs(radius) : 0,
                  std::clamp(segments, kFewestSegments, kMostSegments)} {}
 
     int CanConvertToType(Class_ID type) override {
@@ -168,7 +168,7 @@ class Sphere final : public Object {
         std::int32_t segments = kFewestSegments;
 
         bool CanBeBuilt() const {
-            return std::isfinite(radius) && segments >= kFewestSegments &&
+            return std::isfinite(radius) && radius >= 0 && segments >= kFewestSegments &&
                    segments <= kMostSegments;
         }
     };
