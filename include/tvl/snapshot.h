@@ -53,7 +53,10 @@ class CSnapshot_Helper : public CExtendable {
     virtual ~CSnapshot_Helper() = default;
 };
 
-// A camera's lens. Angles in degrees, the target distance in host units.
+// A camera's lens. Angles in degrees, the target distance in host units. With the adaptor's own
+// controllers a parameter answers for the time at which it was read last with what it was given
+// last, whatever time that was for. So a Core that has written at many times reads once at the last
+// of them; from then on every time answers with what was written there.
 class CSnapshot_Lens : public CExtendable {
   public:
     virtual void SetFieldOfView(double degrees) = 0;

@@ -34,6 +34,28 @@ TEST_F(Command, TellsAProgramWhatWasRecordedAndWritesThePositions) {
     EXPECT_NE(Read(File("trace")).find("creating helper"), std::string::npos);
 }
 
+TEST_F(Command, RecordsIntoASceneWithItsGroundAndItsPath) {
+    Do("draw --path '0,0,0 0,100,0' --name Path -o " + File("path.scene"));
+    const std::string record = "record " + Write("walk.bvh", Walk(5)) + " --scale 1 --json ";
+    const std::string habits = " --ground --follow-camera --into ";
+    const nlohmann::json told = nlohmann::json::parse(
+        Do(record + "--scene " + File("take.scene") + habits + File("path.scene")));
+    EXPECT_EQ(told["nodes"], 6);  // path, ground, camera, two joints, guide
+    EXPECT_EQ(told["liftedFrames"], 0);
+    EXPECT_LT(told["maxFieldOfViewErrorDegrees"].get<double>(), 1e-5);
+    EXPECT_LT(told["maxTargetDistanceErrorMetres"].get<double>(), 1e-6);
+    // Once more onto the nodes that are there.
+    const nlohmann::json again = nlohmann::json::parse(Do(record + habits + File("take.scene")));
+    EXPECT_EQ(again["nodes"], 6);
+    for (const nlohmann::json& result : {told, again}) {
+        EXPECT_EQ(result["undoSteps"], 1);
+        EXPECT_EQ(result["undoIdentical"], true);
+        EXPECT_EQ(result["redoIdentical"], true);
+        EXPECT_EQ(result["hostObjectsAlive"], 0);
+    }
+    ExpectFailure(Run(record + "--units 100 --into " + File("take.scene")), "--", 2);
+}
+
 TEST_F(Command, NamesTheLineOfADamagedCaptureAndLeavesNoFile) {
     const std::string whole = Walk(5);
     const std::string capture = Write("cut.bvh", whole.substr(0, whole.size() - 8));

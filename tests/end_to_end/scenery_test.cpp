@@ -75,6 +75,7 @@ TEST(Scenery, AFollowingCameraIsReadBackAsWrittenAlsoFromASceneThatWasOpened) {
         EXPECT_EQ(headless::SceneDigest(), recorded);
 
         const std::vector<std::uint32_t> bits = LensBits("walk_Camera", 60);
+        EXPECT_NE(bits.front(), bits[2 * 59]) << "the field of view is not animated";
         ASSERT_EQ(stage.Host().SaveScene(stage.File("take.scene")).error, "");
         ASSERT_EQ(stage.Host().OpenScene(stage.File("take.scene")).error, "");
         EXPECT_EQ(LensBits("walk_Camera", 60), bits);

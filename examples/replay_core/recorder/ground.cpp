@@ -2,11 +2,15 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <vector>
 
 #include "replay_core/motion/body_part.h"
+#include "replay_core/recorder/geometry.h"
+#include "replay_core/recorder/snapshot_loan.h"
 #include "replay_core/recorder/transform_loan.h"
+#include "tvl/snapshot.h"
 
 namespace replay {
 namespace {
@@ -18,6 +22,32 @@ TVL::CMatrix4 WorldTransformOf(TVL::CoreNode& node, double seconds) {
     const TransformLoan snapshot(node, seconds);
     return snapshot ? snapshot->GetWorldTransform() : TVL::CMatrix4::Zero();
 }
+
+// The surface of the ground at a moment. Rays are cast in the mesh's own space.
+class GroundAt {
+  public:
+    GroundAt(TVL::CoreNode& node, double seconds)
+        : mesh_(node, node.AcquireMeshSnapshot(seconds), &TVL::CoreNode::ReleaseMeshSnapshot),
+          toWorld_(WorldTransformOf(node, seconds)),
+          toObject_(TVL::Inverse(toWorld_)) {}
+
+    // How high the first surface straight below a place is, in metres; empty if there is none.
+    std::optional<double> HeightBelow(const Vector3& place) const {
+        const Vector3 down = DirectionThrough({0, -1, 0}, toObject_);
+        const double size = Length(down);
+        if (!mesh_ || !(size > 0)) return std::nullopt;
+        const Vector3 origin = PointThrough(place, toObject_);
+        const Vector3 direction = Scaled(down, 1 / size);
+        double distance = 0;
+        if (!mesh_->IntersectRay(origin, direction, &distance, nullptr)) return std::nullopt;
+        return PointThrough(Sum(origin, Scaled(direction, distance)), toWorld_)[1];
+    }
+
+  private:
+    SnapshotLoan<TVL::CSnapshot_Mesh> mesh_;
+    TVL::CMatrix4 toWorld_;
+    TVL::CMatrix4 toObject_;
+};
 
 // A place of a foot, along the axes of its joint, in metres.
 struct Sole {
@@ -56,31 +86,15 @@ double LiftFor(std::span<const TVL::CMatrix4> pose, std::span<const Sole> soles,
 
 }  // namespace
 
-GroundAt::GroundAt(TVL::CoreNode& node, double seconds)
-    : mesh_(node, node.AcquireMeshSnapshot(seconds), &TVL::CoreNode::ReleaseMeshSnapshot),
-      toWorld_(WorldTransformOf(node, seconds)),
-      toObject_(TVL::Inverse(toWorld_)) {}
-
-// Rays are cast in the mesh's own space.
-std::optional<double> GroundAt::HeightBelow(const Vector3& place) const {
-    const Vector3 down = DirectionThrough({0, -1, 0}, toObject_);
-    const double size = Length(down);
-    if (!mesh_ || !(size > 0)) return std::nullopt;
-    const Vector3 origin = PointThrough(place, toObject_);
-    const Vector3 direction = Scaled(down, 1 / size);
-    double distance = 0;
-    if (!mesh_->IntersectRay(origin, direction, &distance, nullptr)) return std::nullopt;
-    return PointThrough(Sum(origin, Scaled(direction, distance)), toWorld_)[1];
-}
-
 Lifts LiftsOnto(TVL::CoreNode& ground, const Motion& motion, FrameRange frames,
-                double metresPerUnit) {
+                double metresPerUnit, ProgressBar& progress) {
     const std::vector<Sole> soles = SolesOf(motion, metresPerUnit);
     MeantPoses poses(motion, metresPerUnit, {});
     Lifts lifts{.firstFrame = frames.first, .metres = {}};
     for (std::size_t frame = frames.first; frame < frames.end; ++frame) {
         const GroundAt now(ground, FrameTime(motion, frame));
         lifts.metres.push_back(LiftFor(poses.At(frame), soles, now));
+        progress.Advance();
     }
     return lifts;
 }

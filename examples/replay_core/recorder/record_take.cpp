@@ -111,14 +111,15 @@ std::string WriteFrames(const PlannedTake& planned, const RecordSettings& settin
     return {};
 }
 
-// The host's mesh of the ground is read while the recording runs, which has the adaptor convert it
-// once for all frames, and is given back before it ends.
+// What goes beyond the capture itself.
 void PlanFrames(const PlannedTake& planned, const RecordSettings& settings,
                 RecordedTake& recorded) {
     const Motion& motion = planned.motion;
-    if (settings.ground)
+    if (settings.ground) {
+        ProgressBar progress(settings.showsProgress, "Finding the ground", planned.frames.Count());
         recorded.lifts =
-            LiftsOnto(*settings.ground, motion, planned.frames, settings.metresPerUnit);
+            LiftsOnto(*settings.ground, motion, planned.frames, settings.metresPerUnit, progress);
+    }
     if (!settings.followsWithCamera) return;
     MeantPoses poses(motion, settings.metresPerUnit, recorded.lifts);
     recorded.camera = FollowTake(motion, planned.frames, poses, recorded.nodes.hostUnitsPerMetre);
