@@ -51,9 +51,12 @@ double DistanceToSee(const Surround& subject, double fieldOfViewDegrees) {
 // space itself it looks along −Z there.
 void PlaceCamera(TVL::CoreNode& camera, const Surround& subject, double seconds) {
     const LensLoan lens(camera, seconds);
-    const double distance = DistanceToSee(subject, FieldOfView(lens));
+    const double fieldOfView = FieldOfView(lens);
+    const double distance = DistanceToSee(subject, fieldOfView);
     if (lens) {
         lens->SetFieldOfViewType(kAcrossTheHeight);
+        // A new camera's optimised controllers begin at 0.
+        lens->SetFieldOfView(fieldOfView);
         lens->SetTargetDistance(distance * HostUnitsPerMetre(camera, seconds));
     }
 
