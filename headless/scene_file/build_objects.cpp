@@ -48,27 +48,34 @@ bool IsTargetClass(SClass_ID superClass) {
     }
 }
 
-// By the object's index, the first node that has it as its object; null if none has.
-std::vector<const StoredNode*> ShowingNodes(const SceneDocument& document) {
-    std::vector<const StoredNode*> shownBy(document.objects.size());
+// By the object's index, the first node that has it in that place; null if none has.
+std::vector<const StoredNode*> NodesWith(const SceneDocument& document, std::size_t place) {
+    std::vector<const StoredNode*> nodes(document.objects.size());
     for (const StoredNode& node : document.nodes) {
-        const StoredReference& object = node.references[kObjectReference];
-        if (object.kind != StoredTarget::kObject || shownBy[object.index]) continue;
-        shownBy[object.index] = &node;
+        const StoredReference& object = node.references[place];
+        if (object.kind != StoredTarget::kObject || nodes[object.index]) continue;
+        nodes[object.index] = &node;
     }
-    return shownBy;
+    return nodes;
 }
 
-// A controller keeps what is whole of its keys; an object that a node shows is whole or is kept as
-// it is stored, whatever it says itself.
-bool IsTornObject(const ReferenceTarget& object, const ChunkReader& read) {
-    return read.HasMisfit() && dynamic_cast<const BaseObject*>(&object);
+constexpr char kKeptAsStored[] = "; it is kept as it is stored";
+constexpr char kCutAtNextSave[] = "; the next save keeps what it could read";
+constexpr char kTorn[] = "could not read all of its bytes as they are";
+
+// What a node shows is whole or is kept as it is stored, whatever it says itself. A controller goes
+// on with what is whole of its keys, since a stand-in would neither move the node nor be recorded.
+bool MustBeWhole(const ReferenceTarget& object) {
+    return dynamic_cast<const BaseObject*>(&object) != nullptr;
 }
 
 }  // namespace
 
 BuiltObjects::BuiltObjects(Unbuilt unbuilt)
-    : file_(unbuilt.file), document_(unbuilt.file.Document()), shownBy_(ShowingNodes(document_)) {}
+    : file_(unbuilt.file),
+      document_(unbuilt.file.Document()),
+      shownBy_(NodesWith(document_, kObjectReference)),
+      movedBy_(NodesWith(document_, kTransformReference)) {}
 
 // By way of the other constructor, so that what is made ends well also if the making does not.
 BuiltObjects::BuiltObjects(SceneFileReader& file) : BuiltObjects(Unbuilt{file}) {
@@ -90,7 +97,7 @@ BuiltObjects::~BuiltObjects() {
 ReferenceTarget* BuiltObjects::Make(std::size_t index) {
     const StoredObject& stored = document_.objects[index];
     std::string failure;
-    ReferenceTarget* const object = MakeLoaded(stored, failure);
+    ReferenceTarget* const object = MakeLoaded(index, failure);
     if (object && shownBy_[index] && !dynamic_cast<Object*>(object)) {
         object->DeleteThis();
         failure = "is no object that a node can have";
@@ -100,12 +107,13 @@ ReferenceTarget* BuiltObjects::Make(std::size_t index) {
     if (failure.empty())
         ++unmade_[stored.type.name];
     else
-        Complain(index, failure);
+        Complain(index, failure + kKeptAsStored);
     return MakeStandIn(index);
 }
 
 // Null if the class is not loaded, or with a `failure` if the object cannot be what is stored.
-ReferenceTarget* BuiltObjects::MakeLoaded(const StoredObject& stored, std::string& failure) {
+ReferenceTarget* BuiltObjects::MakeLoaded(std::size_t index, std::string& failure) {
+    const StoredObject& stored = document_.objects[index];
     const StoredClass& type = stored.type;
     ClassDesc* const descriptor =
         IsTargetClass(type.superClass) ? TheClasses().Find(type.superClass, type.id) : nullptr;
@@ -116,14 +124,17 @@ ReferenceTarget* BuiltObjects::MakeLoaded(const StoredObject& stored, std::strin
     try {
         if (object->Load(&reader) != IO_OK)
             failure = "could not read its bytes";
-        else if (IsTornObject(*object, reader))
-            failure = "could not read all of its bytes as they are";
+        else if (reader.HasMisfit() && MustBeWhole(*object))
+            failure = kTorn;
     } catch (...) {
         failure = "could not read its bytes (" + ThrownWords() + ")";
     }
     if (failure.empty() && stored.references.size() > static_cast<std::size_t>(object->NumRefs()))
         failure = "has fewer references than are stored";
-    if (failure.empty()) return object;
+    if (failure.empty()) {
+        if (reader.HasMisfit()) Complain(index, kTorn + std::string(kCutAtNextSave));
+        return object;
+    }
     object->DeleteThis();
     return nullptr;
 }
@@ -134,12 +145,12 @@ ReferenceTarget* BuiltObjects::MakeStandIn(std::size_t index) {
                       shownBy_[index] != nullptr);
 }
 
-void BuiltObjects::Complain(std::size_t index, const std::string& failure) {
+void BuiltObjects::Complain(std::size_t index, const std::string& what) {
     const StoredObject& stored = document_.objects[index];
-    const StoredNode* const node = shownBy_[index];
+    const StoredNode* const node = shownBy_[index] ? shownBy_[index] : movedBy_[index];
     complaints_.push_back(file_.Path() + ": at byte " + std::to_string(stored.position) + ": " +
                           stored.type.name + (node ? " of the node " + Quoted(node->name) : "") +
-                          " " + failure + "; it is kept as it is stored");
+                          " " + what);
 }
 
 void BuiltObjects::ComplainOfMissingClasses() {
@@ -167,7 +178,7 @@ void BuiltObjects::PointReferences(const std::vector<NodePtr>& nodes) {
 void BuiltObjects::PointObject(std::size_t index, const std::vector<NodePtr>& nodes) {
     const StoredObject& stored = document_.objects[index];
     if (Point(*objects_[index], stored.references, nodes)) return;
-    Complain(index, "does not take what it refers to");
+    Complain(index, std::string("does not take what it refers to") + kKeptAsStored);
     refused_.push_back(objects_[index]);
     objects_[index] = MakeStandIn(index);
     Point(*objects_[index], stored.references, nodes);

@@ -25,9 +25,8 @@ class BuiltObjects {
     // Points all references, those of the nodes too: `nodes` are those of the file.
     void PointReferences(const std::vector<NodePtr>& nodes);
 
-    // What is there as it was stored: a line for each object that could not read its bytes, or not
-    // all of them, or would not refer to what it referred to, and one for each class that is not
-    // loaded.
+    // A line for each object that could not read its bytes, or not all of them, or would not refer
+    // to what it referred to, with what became of it, and one for each class that is not loaded.
     const std::vector<std::string>& Complaints() const { return complaints_; }
 
   private:
@@ -37,9 +36,9 @@ class BuiltObjects {
     explicit BuiltObjects(Unbuilt unbuilt);
 
     ReferenceTarget* Make(std::size_t index);
-    ReferenceTarget* MakeLoaded(const StoredObject& stored, std::string& failure);
+    ReferenceTarget* MakeLoaded(std::size_t index, std::string& failure);
     ReferenceTarget* MakeStandIn(std::size_t index);
-    void Complain(std::size_t index, const std::string& failure);
+    void Complain(std::size_t index, const std::string& what);
     void ComplainOfMissingClasses();
     void PointObject(std::size_t index, const std::vector<NodePtr>& nodes);
     bool Point(ReferenceMaker& maker, const std::vector<StoredReference>& references,
@@ -50,6 +49,7 @@ class BuiltObjects {
     SceneFileReader& file_;
     const SceneDocument& document_;
     std::vector<const StoredNode*> shownBy_;     // the first node that shows the object, or null
+    std::vector<const StoredNode*> movedBy_;     // the first that it moves
     std::vector<ReferenceTarget*> objects_;      // by index, like these
     std::map<std::string, std::size_t> unmade_;  // by class: objects of none that is loaded
     std::vector<ReferenceTarget*> refused_;      // a stand-in has the place of each

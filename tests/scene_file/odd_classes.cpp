@@ -43,6 +43,8 @@ IOResult LoadText(ILoad& load, std::string& text) {
     if (load.OpenChunk() != IO_OK) return IO_ERROR;
     char* stored = nullptr;
     if (load.ReadCStringChunk(&stored) == IO_OK) text = stored;
+    char beyond = 0;
+    if (loading == Manner::kGreedy) load.Read(&beyond, sizeof beyond, nullptr);
     return loading == Manner::kFailing ? IO_ERROR : IO_OK;
 }
 

@@ -16,8 +16,8 @@ inline constexpr Class_ID kHelperId{0x51, 0x52};
 inline constexpr Class_ID kControlId{0x53, 0x54};
 inline constexpr Class_ID kUtilityId{0x55, 0x56};
 
-// What all of them do when they are saved and loaded.
-enum class Manner { kGood, kBadNesting, kFailing, kThrowing };
+// What all of them do when they are saved and loaded; the greedy read more than there is.
+enum class Manner { kGood, kBadNesting, kFailing, kThrowing, kGreedy };
 inline Manner saving = Manner::kGood;
 inline Manner loading = Manner::kGood;
 

@@ -134,6 +134,17 @@ TEST_F(SceneFile, KeepsWhatDidNotLoadAndBoundsWhatIsBadlyNested) {
         EXPECT_EQ(dynamic_cast<odd::Helper*>(headless::FindNode("")->GetObjectRef()), nullptr);
         EXPECT_EQ(Save("again"), nested);
     }
+    odd::loading = odd::Manner::kGreedy;
+    Start(Classes::kKnown);
+    const std::vector<std::string> told = Host().OpenScene(File("built")).complaints;
+    ASSERT_EQ(told.size(), 2U);
+    EXPECT_NE(
+        told[0].find("Odd control of the node \"\" could not read all of its bytes as they are; "
+                     "the next save keeps what it could read"),
+        std::string::npos)
+        << told[0];
+    EXPECT_TRUE(told[1].ends_with("; it is kept as it is stored")) << told[1];
+    EXPECT_NE(dynamic_cast<odd::Transform*>(headless::FindNode("")->GetTMController()), nullptr);
 }
 
 TEST_F(SceneFile, MergesUnderNewHandlesWithEverythingThatBelongsToIt) {
