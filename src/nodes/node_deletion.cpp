@@ -20,18 +20,18 @@ bool IsBeingDeletedByHost(INode* hostNode) {
     return false;
 }
 
+// By what a controller is, not by its class id, which a stand-in for one that could not be read
+// says too.
 void ConvertTransformController(INode* hostNode) {
-    Control* const controller = hostNode->GetTMController();
-    if (controller && controller->ClassID() == TransformControl::kClassID)
-        ConvertToPRSController(static_cast<TransformControl*>(controller));
+    if (auto* const own = dynamic_cast<TransformControl*>(hostNode->GetTMController()))
+        ConvertToPRSController(own);
 }
 
 void RevertControllers(INode* hostNode) {
     ConvertTransformController(hostNode);
     ForEachParameter(hostNode->GetObjectRef(), [](Animatable& parameters, int index) {
-        Animatable* const part = parameters.SubAnim(index);
-        if (part && part->ClassID() == ScalarControl::kClassID)
-            ConvertToScalarController(static_cast<ScalarControl*>(part));
+        if (auto* const own = dynamic_cast<ScalarControl*>(parameters.SubAnim(index)))
+            ConvertToScalarController(own);
     });
 }
 
