@@ -3,18 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <limits>
 #include <vector>
 
 namespace headless {
 namespace {
-
-struct ClipPlace {
-    double x = 0;
-    double y = 0;
-    double z = 0;
-    double w = 0;
-};
 
 // In pixels from the upper left corner.
 struct ScreenPlace {
@@ -38,15 +30,6 @@ struct ScreenBox {
         return p.x >= left && p.x <= right && p.y >= top && p.y <= bottom;
     }
 };
-
-ClipPlace ToClip(const View& view, const Point3& p) {
-    const auto& m = view.toClip;
-    const auto column = [&](std::size_t i) {
-        return double{p.x} * double{m[0][i]} + double{p.y} * double{m[1][i]} +
-               double{p.z} * double{m[2][i]} + double{m[3][i]};
-    };
-    return {column(0), column(1), column(2), column(3)};
-}
 
 ClipPlace Between(const ClipPlace& a, const ClipPlace& b, double share) {
     return {a.x + (b.x - a.x) * share, a.y + (b.y - a.y) * share, a.z + (b.z - a.z) * share,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 
 #include "host/graphics_window.h"
 #include "host/point3.h"
@@ -14,5 +15,21 @@ struct View {
     int width = 0;  // pixels
     int height = 0;
 };
+
+// In double, where no finite place and view become infinite.
+struct ClipPlace {
+    double x = 0;
+    double y = 0;
+    double z = 0;
+    double w = 0;
+};
+inline ClipPlace ToClip(const View& view, const Point3& p) {
+    const auto& m = view.toClip;
+    const auto column = [&](std::size_t i) {
+        return double{p.x} * double{m[0][i]} + double{p.y} * double{m[1][i]} +
+               double{p.z} * double{m[2][i]} + double{m[3][i]};
+    };
+    return {column(0), column(1), column(2), column(3)};
+}
 
 }  // namespace headless

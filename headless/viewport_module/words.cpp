@@ -19,14 +19,11 @@ constexpr Colour kRim{0.1F, 0.1F, 0.12F};
 
 // In pixels, if it is in front of the viewer and in the picture.
 std::optional<IPoint2> OnPicture(const Point3& place, const View& view) {
-    std::array<float, 4> clip{};
-    for (std::size_t i = 0; i < 4; ++i)
-        clip[i] = place.x * view.toClip[0][i] + place.y * view.toClip[1][i] +
-                  place.z * view.toClip[2][i] + view.toClip[3][i];
-    if (!(clip[3] > 0) || !(std::abs(clip[0]) <= clip[3]) || !(std::abs(clip[1]) <= clip[3]))
+    const ClipPlace clip = ToClip(view, place);
+    if (!(clip.w > 0) || std::abs(clip.x) > clip.w || std::abs(clip.y) > clip.w)
         return std::nullopt;
-    return IPoint2{static_cast<int>((clip[0] / clip[3] + 1) / 2 * static_cast<float>(view.width)),
-                   static_cast<int>((1 - clip[1] / clip[3]) / 2 * static_cast<float>(view.height))};
+    return IPoint2{static_cast<int>((clip.x / clip.w + 1) / 2 * view.width),
+                   static_cast<int>((1 - clip.y / clip.w) / 2 * view.height)};
 }
 
 std::uint8_t Byte(float channel) {
