@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/units.h"
+#include "viewport/units_per_metre.h"
 
 namespace headless {
 namespace {
@@ -14,7 +14,7 @@ constexpr Colour kAxis{0.42F, 0.44F, 0.48F};
 
 // The smallest step of the row that covers the span with few enough lines.
 double StepFor(double span) {
-    const double metre = 1 / GetMasterScale(UNITS_METERS);
+    const double metre = UnitsPerMetre();
     const double least = span / kMostSteps / metre;
     const double decade = std::pow(10, std::floor(std::log10(least)));
     for (const double step : {1.0, 2.0, 5.0})
@@ -49,7 +49,7 @@ GroundGrid GridBelow(const std::vector<Box3>& framed) {
     if (framed.empty()) all += Point3();
     const double margin =
         std::max({double{all.pmax.x} - double{all.pmin.x}, double{all.pmax.y} - double{all.pmin.y},
-                  double{all.pmax.z} - double{all.pmin.z}, 1 / GetMasterScale(UNITS_METERS)});
+                  double{all.pmax.z} - double{all.pmin.z}, UnitsPerMetre()});
     const double lowerX = double{all.pmin.x} - margin, upperX = double{all.pmax.x} + margin;
     const double lowerY = double{all.pmin.y} - margin, upperY = double{all.pmax.y} + margin;
     const double step = StepFor(std::max(upperX - lowerX, upperY - lowerY));
@@ -59,17 +59,16 @@ GroundGrid GridBelow(const std::vector<Box3>& framed) {
 
 void DrawGrid(const GroundGrid& grid, DrawWindow& window) {
     const auto& [lower, upper] = std::pair(grid.area.pmin, grid.area.pmax);
-    const auto first = [&](float from) { return std::lround(double{from} / grid.step); };
-    SetLineColour(window, kLine);
+    const auto step = [&](float at) { return std::lround(double{at} / grid.step); };
     const auto place = [&](long index) {
         SetLineColour(window, index == 0 ? kAxis : kLine);
         return static_cast<float>(static_cast<double>(index) * grid.step);
     };
-    for (long i = first(lower.x); i <= first(upper.x); ++i) {
+    for (long i = step(lower.x); i <= step(upper.x); ++i) {
         const float x = place(i);
         window.DrawLine({x, lower.y, 0}, {x, upper.y, 0});
     }
-    for (long i = first(lower.y); i <= first(upper.y); ++i) {
+    for (long i = step(lower.y); i <= step(upper.y); ++i) {
         const float y = place(i);
         window.DrawLine({lower.x, y, 0}, {upper.x, y, 0});
     }

@@ -10,11 +10,11 @@
 #include <vector>
 
 #include "headless/scene_view.h"
-#include "host/units.h"
 #include "objects/camera_opening.h"
 #include "values/vector.h"
 #include "viewport/framed_boxes.h"
 #include "viewport/shown_nodes.h"
+#include "viewport/units_per_metre.h"
 
 namespace headless {
 namespace {
@@ -109,9 +109,9 @@ Vector PlaceToSee(const Pose& turned, const CameraOpening& opening, std::vector<
     if (points.empty()) points.emplace_back();
     const Spread across(points, turned.right, turned.ahead);
     const Spread upward(points, turned.up, turned.ahead);
-    const double distance = std::max(
-        {across.Distance(opening.x), upward.Distance(opening.y),
-         kNearestInMetres / GetMasterScale(UNITS_METERS) - std::ranges::min(across.depth)});
+    const double distance =
+        std::max({across.Distance(opening.x), upward.Distance(opening.y),
+                  kNearestInMetres * UnitsPerMetre() - std::ranges::min(across.depth)});
     return turned.right * across.Middle(distance) + turned.up * upward.Middle(distance) -
            turned.ahead * distance;
 }
@@ -156,8 +156,7 @@ struct Depths {
 Depths DepthsFrom(const Pose& pose, const GroundGrid& grid, TimeValue t) {
     std::vector<Box3> boxes = ShownBoxes(t);
     boxes.push_back(grid.area);
-    const double metre = 1 / GetMasterScale(UNITS_METERS);
-    Depths depths{std::numeric_limits<double>::max(), metre};
+    Depths depths{std::numeric_limits<double>::max(), UnitsPerMetre()};
     for (const Vector& p : CornersOf(boxes)) {
         const double depth = Dot(p - pose.place, pose.ahead);
         depths.nearest = std::min(depths.nearest, depth);

@@ -1,7 +1,6 @@
 #include "viewport_module/words.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstddef>
 #include <optional>
