@@ -98,10 +98,12 @@ bool DrawWindow::Hits(const Mesh& mesh, const HitRegion& region) const {
     return test.IsHit();
 }
 
-bool DrawWindow::HitsLine(const Point3& from, const Point3& to, const HitRegion& region) const {
-    const std::array line{transform_.PointTransform(from), transform_.PointTransform(to)};
+bool DrawWindow::Hits(const std::vector<Line>& lines, const HitRegion& region) const {
     HitTest test(view_, region);
-    if (IsFinite(line[0]) && IsFinite(line[1])) test.Meet(line);
+    for (const auto& [from, to] : lines) {
+        const std::array line{transform_.PointTransform(from), transform_.PointTransform(to)};
+        if (IsFinite(line[0]) && IsFinite(line[1])) test.Meet(line);
+    }
     return test.IsHit();
 }
 

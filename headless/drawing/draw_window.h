@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "drawing/view.h"
 #include "headless/draw_list.h"
@@ -10,6 +11,12 @@
 namespace headless {
 
 struct DrawnMesh;
+
+// In object space.
+struct Line {
+    Point3 from;
+    Point3 to;
+};
 
 // The host's own window: it turns what is drawn into a list in world space. Every GraphicsWindow of
 // this host is one.
@@ -28,9 +35,10 @@ class DrawWindow final : public GraphicsWindow {
     void DrawLine(const Point3& from, const Point3& to);
     void DrawWord(const Point3& place, std::string text);
 
-    // Whether some of the mesh, as it would be drawn, lies in the region.
+    // Whether some of the mesh, as it would be drawn, or of the lines lies in the region, or all of
+    // it where the region asks for that.
     bool Hits(const Mesh& mesh, const HitRegion& region) const;
-    bool HitsLine(const Point3& from, const Point3& to, const HitRegion& region) const;
+    bool Hits(const std::vector<Line>& lines, const HitRegion& region) const;
 
     const View& Shown() const { return view_; }
     const DrawList& List() const { return list_; }

@@ -5,18 +5,14 @@
 namespace headless {
 namespace {
 
-double LengthOf(const std::array<double, 3>& v) {
-    return std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
-}
-
-std::array<double, 3> Between(const std::array<double, 3>& from, const std::array<double, 3>& to) {
-    return {to[0] - from[0], to[1] - from[1], to[2] - from[2]};
+double LengthOf(const Vector& v) {
+    return std::sqrt(Dot(v, v));
 }
 
 }  // namespace
 
 BezierSegment::BezierSegment(const Knot& from, const Knot& to)
-    : hull_{Widened(from.place), Widened(from.out), Widened(to.in), Widened(to.place)},
+    : hull_{Vector(from.place), Vector(from.out), Vector(to.in), Vector(to.place)},
       isStraight_(from.out == from.place && to.in == to.place) {}
 
 Point3 BezierSegment::At(double u) const {
@@ -24,31 +20,26 @@ Point3 BezierSegment::At(double u) const {
     const std::array<double, 4> weights =
         isStraight_ ? std::array<double, 4>{v, 0, 0, u}
                     : std::array<double, 4>{v * v * v, 3 * v * v * u, 3 * v * u * u, u * u * u};
-    Place sum{};
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-        for (std::size_t i = 0; i < 4; ++i)
-            sum[axis] += weights[i] * hull_[i][axis];
-    }
-    return {static_cast<float>(sum[0]), static_cast<float>(sum[1]), static_cast<float>(sum[2])};
+    Vector sum;
+    for (std::size_t i = 0; i < 4; ++i)
+        sum = sum + hull_[i] * weights[i];
+    return {static_cast<float>(sum.x), static_cast<float>(sum.y), static_cast<float>(sum.z)};
 }
 
 double BezierSegment::SpeedAt(double u) const {
     if (isStraight_) return LengthOfHull();
     const double v = 1 - u;
     const std::array<double, 3> weights{3 * v * v, 6 * v * u, 3 * u * u};
-    Place sum{};
-    for (std::size_t i = 0; i < 3; ++i) {
-        const Place leg = Between(hull_[i], hull_[i + 1]);
-        for (std::size_t axis = 0; axis < 3; ++axis)
-            sum[axis] += weights[i] * leg[axis];
-    }
+    Vector sum;
+    for (std::size_t i = 0; i < 3; ++i)
+        sum = sum + (hull_[i + 1] - hull_[i]) * weights[i];
     return LengthOf(sum);
 }
 
 double BezierSegment::LengthOfHull() const {
     double length = 0;
     for (std::size_t i = 0; i < 3; ++i)
-        length += LengthOf(Between(hull_[i], hull_[i + 1]));
+        length += LengthOf(hull_[i + 1] - hull_[i]);
     return length;
 }
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "headless/primitives.h"
+#include "values/vector.h"
 
 namespace headless {
 
@@ -21,10 +22,7 @@ class BezierSegment {
     double LengthOfHull() const;
 
   private:
-    using Place = std::array<double, 3>;
-    static Place Widened(const Point3& p) { return {p.x, p.y, p.z}; }
-
-    std::array<Place, 4> hull_;  // its two ends, and between them the handles
+    std::array<Vector, 4> hull_;  // its two ends, and between them the handles
     bool isStraight_;
 };
 

@@ -1,9 +1,5 @@
 #include "objects/node_drawing.h"
 
-#include <algorithm>
-
-#include "drawing/draw_window.h"
-
 namespace headless {
 namespace {
 
@@ -72,17 +68,9 @@ int HitTestMesh(Mesh& mesh, const HitQuery& query) {
                        query.node->NumMtls());
 }
 
-// A rectangle that must hold all of an object holds each of its lines.
 int HitTestLines(const std::vector<Line>& lines, const HitQuery& query) {
     const DrawWindow* const window = WindowFor(query.t, query.node, query.view);
-    if (!window || lines.empty()) return 0;
-    const HitRegion region = RegionOf(query);
-    const auto isHit = [&](const Line& line) {
-        return window->HitsLine(line.from, line.to, region);
-    };
-    const bool needsAll = region.type == HITTYPE_RECT && region.crossing == 0;
-    return (needsAll ? std::ranges::all_of(lines, isHit) : std::ranges::any_of(lines, isHit)) ? 1
-                                                                                              : 0;
+    return window && window->Hits(lines, RegionOf(query)) ? 1 : 0;
 }
 
 Box3 BoundsOf(const std::vector<Line>& lines) {

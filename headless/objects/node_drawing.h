@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "drawing/draw_window.h"
 #include "host/graphics_window.h"
 #include "host/mesh.h"
 #include "host/node.h"
@@ -10,12 +11,6 @@
 // wire colour, with white edges if it is selected. Into a window that is not the host's own, or
 // without a node, nothing is drawn, and nothing is hit there.
 namespace headless {
-
-// In object space.
-struct Line {
-    Point3 from;
-    Point3 to;
-};
 
 // Lines from place to place, behind those that are there.
 void AddLines(const std::vector<Point3>& places, std::vector<Line>& lines);

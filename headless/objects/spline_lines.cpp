@@ -4,6 +4,7 @@
 #include <numbers>
 
 #include "objects/bezier_segment.h"
+#include "values/vector.h"
 
 namespace headless {
 namespace {
@@ -12,8 +13,7 @@ constexpr int kStepsPerCurve = 16;
 constexpr int kTubeSides = 6;
 
 void AddPlace(std::vector<Point3>& line, const Point3& p) {
-    const bool isPlace = std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
-    if (isPlace && (line.empty() || !(line.back() == p))) line.push_back(p);
+    if (IsFinite(p) && (line.empty() || !(line.back() == p))) line.push_back(p);
 }
 
 // Some direction across another; both have length 1.

@@ -14,7 +14,6 @@ constexpr std::uint32_t kGridLimits = GW_WIREFRAME | GW_Z_BUFFER;
 constexpr Colour kName{0.92F, 0.92F, 0.88F};
 
 void Display(SceneNode& node, TimeValue t, std::uint32_t limits, DrawWindow& window) {
-    if (!node.GetObjectRef()) return;
     Object* const shown = node.EvalWorldState(t, true).obj;
     if (!shown) return;
     DrawView view(window);

@@ -20,7 +20,6 @@ std::vector<std::uint32_t> HandlesOf(const std::vector<SceneNode*>& nodes) {
 // A fresh window for each node, since a hit test may leave anything set in it.
 bool IsHit(SceneNode& node, TimeValue t, const View& view, std::uint32_t limits,
            const HitRegion& region) {
-    if (!node.GetObjectRef()) return false;
     Object* const shown = node.EvalWorldState(t, true).obj;
     if (!shown) return false;
     DrawWindow window(view);

@@ -14,7 +14,6 @@ bool IsNear(const Point3& p) {
 
 Box3 BoxOfObject(SceneNode& node, TimeValue t) {
     Box3 box;
-    if (!node.GetObjectRef()) return box;
     Object* const shown = node.EvalWorldState(t, true).obj;
     if (!shown) return box;
     DrawWindow window{View{}};
@@ -32,7 +31,6 @@ std::vector<SceneNode*> ShownNodes() {
 }
 
 CameraObject* CameraOf(SceneNode& node, TimeValue t) {
-    if (!node.GetObjectRef()) return nullptr;
     return dynamic_cast<CameraObject*>(node.EvalWorldState(t, true).obj);
 }
 
