@@ -14,7 +14,7 @@ namespace {
 std::string ParentName(TVL::CoreNode& node) {
     TVL::CNode* const parent = node.GetParent();
     if (!parent) return {};
-    const std::string name = AsCoreNode(parent)->GetName();
+    std::string name = AsCoreNode(parent)->GetName();
     node.ReleaseNode(parent);
     return name;
 }
