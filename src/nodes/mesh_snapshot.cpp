@@ -54,7 +54,7 @@ void CMAXNode::CMAXSnapshot_Mesh::Refresh(TimeValue ticks, MeshCache* cache) {
     if (!evaluated || !evaluated->CanConvertToType(kTriObjectClassId)) return;
     Object* const object = evaluated->ConvertToType(ticks, kTriObjectClassId);
     if (object == evaluated) {
-        meshObject = EvaluatedMesh{ShownObject(hostNode), dynamic_cast<TriObject*>(object)};
+        meshObject = EvaluatedMesh{ShownObject(hostNode), ticks};
         return;
     }
     ConvertedMesh converted = TakeConverted(object);
@@ -66,9 +66,12 @@ void CMAXNode::CMAXSnapshot_Mesh::Refresh(TimeValue ticks, MeshCache* cache) {
 }
 
 TriObject* CMAXNode::CMAXSnapshot_Mesh::LiveMesh() const {
-    if (!hostNode.Get()) return nullptr;
-    if (const auto* evaluated = std::get_if<EvaluatedMesh>(&meshObject))
-        return evaluated->shown.Get() ? evaluated->mesh : nullptr;
+    INode* const host = hostNode.Get();
+    if (!host) return nullptr;
+    if (const auto* evaluated = std::get_if<EvaluatedMesh>(&meshObject)) {
+        if (!evaluated->shown.Get()) return nullptr;
+        return dynamic_cast<TriObject*>(host->EvalWorldState(evaluated->ticks, true).obj);
+    }
     if (const auto* cached = std::get_if<CachedMesh>(&meshObject)) return cached->lock().get();
     const auto* converted = std::get_if<ConvertedMesh>(&meshObject);
     return converted ? converted->get() : nullptr;

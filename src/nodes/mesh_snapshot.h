@@ -33,11 +33,12 @@ class CMAXNode::CMAXSnapshot_Mesh final : public TVL::CoreNode::Snapshot_Mesh {
                       double* distance, std::array<double, 3>* normal) override;
 
   private:
-    // What the host's evaluation gave, where that is a triangle mesh already. It is the host's, and
-    // there as long as the node shows the object that was evaluated.
+    // What the host's evaluation gives, where that is a triangle mesh already. The host may rebuild
+    // or free it at any time, so it is evaluated at each use, as long as the node shows the same
+    // object.
     struct EvaluatedMesh {
         ShownObject shown;
-        TriObject* mesh = nullptr;
+        TimeValue ticks = 0;
     };
 
     void Refresh(TimeValue ticks, MeshCache* cache);
