@@ -139,7 +139,8 @@ TEST_F(CraftedFile, KeepsAnObjectWithWhatItWouldNotReferTo) {
         const headless::FileOutcome outcome = Open(plain, craft);
         EXPECT_EQ(outcome.error, "");
         ASSERT_FALSE(outcome.complaints.empty());
-        EXPECT_NE(outcome.complaints.back().find("Camera of the node \"Camera01\" does not take"), std::string::npos);
+        EXPECT_NE(outcome.complaints.back().find("Camera of the node \"Camera01\" does not take"),
+                  std::string::npos);
         EXPECT_EQ(Host().SaveScene(File("again")).error, "");
         const std::string crafted = Bytes(File("crafted"));
         const Place kept = Find(crafted, kObject, kParameters);
