@@ -46,19 +46,6 @@ TEST_F(CloneTest, ABranchIsCopiedWithItsLinks) {
     EXPECT_EQ(copies[1]->GetParentNode(), copies[0]);
     EXPECT_EQ(Where(copies[1]), Point3(1, 0, 5));
     EXPECT_EQ(Where(below), Point3(0, 0, 5));
-}
-
-TEST_F(CloneTest, CopyingIsOneStepAndNothingIsCopiedOfNothing) {
-    INode* node = Add("node");
-    const auto before = headless::SceneDigest();
-    Step([&] { Clone(node, true); });
-    const auto after = headless::SceneDigest();
-    EXPECT_NE(before, after);
-    session.Undo();
-    EXPECT_EQ(headless::SceneDigest(), before);
-    session.Redo();
-    EXPECT_EQ(headless::SceneDigest(), after);
-
     INodeTab none;
     EXPECT_FALSE(host.CloneNodes(none, {}, true, NODE_COPY, nullptr, nullptr));
 }

@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "headless/host_world.h"
-#include "headless/memory_chunks.h"
 #include "host/animate.h"
 
 namespace {
@@ -252,49 +251,6 @@ TEST_F(ControlTest, RotationsTakeTheShorterWayAndScalesAndPositionsGoStraight) {
     half.SetRow(0, half.GetRow(0) * 2);
     ExpectNear(GetMatrix(control, 50), half);
     control->DeleteThis();
-}
-
-// The size of a long take.
-constexpr int kSamples = 2752;
-constexpr int kNodes = 31;
-
-Matrix3 Sample(int node, int frame) {
-    const auto f = static_cast<float>(frame);
-    return Turned(frame * 1.7 + node, {f * 0.37f + 1234.5f, f * -1.1f, static_cast<float>(node)});
-}
-
-TEST_F(ControlTest, ALongTakeOfManyNodesIsUndoneAndRedoneExactly) {
-    std::vector<Control*> controls;
-    for (int node = 0; node < kNodes; ++node)
-        controls.push_back(NewTransform());
-    const auto saved = [&] {
-        std::vector<std::vector<std::byte>> all;
-        for (Control* control : controls)
-            all.push_back(headless::SavedBytes(*control));
-        return all;
-    };
-    const auto before = saved();
-    Step([&] {
-        Key([&] {
-            for (int frame = 0; frame < kSamples; ++frame)
-                for (int node = 0; node < kNodes; ++node)
-                    Set(controls[static_cast<std::size_t>(node)], frame * 160, Sample(node, frame));
-        });
-    });
-    const auto after = saved();
-    EXPECT_EQ(controls[5]->SubAnim(1)->NumKeys(), kSamples);
-    for (const int frame : {0, 1, 999, kSamples - 1}) {
-        const Matrix3 matrix = GetMatrix(controls[7], frame * 160);
-        EXPECT_EQ(matrix.GetTrans(), Sample(7, frame).GetTrans());
-        ExpectNear(matrix, Sample(7, frame), 1e-6f);
-    }
-    session.Undo();
-    EXPECT_EQ(saved(), before);
-    session.Redo();
-    EXPECT_EQ(saved(), after);
-    host.FlushUndoBuffer();
-    for (Control* control : controls)
-        control->DeleteThis();
 }
 
 TEST_F(ControlTest, AChangeOfParentsKeepsTheWorldPathAndGoesBackWhenTurnedRound) {

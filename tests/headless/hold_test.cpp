@@ -79,16 +79,6 @@ TEST_F(HoldTest, ACancelledHoldIsTakenBackAndLeavesTheStepsAsTheyWere) {
     EXPECT_EQ(session.RedoLabels(), Texts{"undone"});
 }
 
-TEST_F(HoldTest, LabelsComeInTheOrderInWhichTheStepsWouldGo) {
-    for (const char* label : {"one", "two", "three"})
-        Step([this] { Put("x"); }, label);
-    EXPECT_EQ(session.UndoLabels(), (Texts{"three", "two", "one"}));
-    session.Undo();
-    session.Undo();
-    EXPECT_EQ(session.UndoLabels(), Texts{"one"});
-    EXPECT_EQ(session.RedoLabels(), (Texts{"two", "three"}));
-}
-
 TEST_F(HoldTest, AnEmptyHoldIsNoStepAndOnlyARealOneEndsRedoing) {
     Step([this] { Put("a"); });
     session.Undo();
@@ -100,11 +90,13 @@ TEST_F(HoldTest, AnEmptyHoldIsNoStepAndOnlyARealOneEndsRedoing) {
     EXPECT_TRUE(session.RedoLabels().empty());
 }
 
-TEST_F(HoldTest, RecordsGoNewestFirstWhetherUndoneOrNot) {
+TEST_F(HoldTest, LabelsComeAsTheStepsWouldGoAndRecordsGoNewestFirst) {
     for (const char* name : {"1", "2", "3", "4"})
-        Step([&] { Put(name); });
+        Step([&] { Put(name); }, name);
     session.Undo();
     session.Undo();
+    EXPECT_EQ(session.UndoLabels(), (Texts{"2", "1"}));
+    EXPECT_EQ(session.RedoLabels(), (Texts{"3", "4"}));
     Told();
     host.FlushUndoBuffer();
     EXPECT_EQ(Told(), (Texts{"free 4", "free 3", "free 2", "free 1"}));
@@ -119,27 +111,20 @@ TEST_F(HoldTest, WhatIsPutWhileNothingIsHeldEndsAtOnce) {
     EXPECT_FALSE(session.Undo());
 }
 
-TEST_F(HoldTest, ASecondBeginKeepsTheHoldThatIsOpen) {
-    theHold.Begin();
-    Put("a");
-    theHold.Begin();
-    Put("b");
-    theHold.Accept("both");
-    EXPECT_FALSE(theHold.Holding());
-    theHold.Accept("again");
-    EXPECT_EQ(session.UndoLabels(), Texts{"both"});
-}
-
-TEST_F(HoldTest, NeitherUndoNorFlushTouchesAnOpenHold) {
+TEST_F(HoldTest, NeitherUndoNorFlushNorASecondBeginTouchesAnOpenHold) {
     Step([this] { Put("old"); });
     theHold.Begin();
     Put("open");
+    theHold.Begin();
     EXPECT_FALSE(session.Undo());
     Told();
     host.FlushUndoBuffer();
     EXPECT_EQ(Told(), Texts{"free old"});
     theHold.Accept("open");
+    theHold.Accept("again");
+    EXPECT_EQ(session.UndoLabels(), Texts{"open"});
     EXPECT_TRUE(session.Undo());
+    EXPECT_EQ(Told(), (Texts{"held open", "undo open"}));
 }
 
 TEST_F(HoldTest, ARecordMayCallBackAnythingWhileItIsRestored) {

@@ -5,10 +5,11 @@ namespace {
 using NodeTest = HostWorld;
 
 TEST_F(NodeTest, EveryNewNodeHasAHandleAndANameOfItsOwn) {
+    Add("Mesh02");  // a taken name is passed over
     INode* first = host.CreateObjectNode(CreateNewTriObject());
     INode* second = host.CreateObjectNode(CreateNewTriObject());
-    EXPECT_STREQ(first->GetName(), "Mesh01");
-    EXPECT_STREQ(second->GetName(), "Mesh02");
+    EXPECT_STREQ(first->GetName(), "Mesh03");
+    EXPECT_STREQ(second->GetName(), "Mesh04");
     EXPECT_NE(first->GetHandle(), second->GetHandle());
     EXPECT_EQ(host.GetINodeByHandle(second->GetHandle()), second);
 
@@ -18,21 +19,6 @@ TEST_F(NodeTest, EveryNewNodeHasAHandleAndANameOfItsOwn) {
     EXPECT_NE(third->GetHandle(), gone);
     EXPECT_EQ(host.GetINodeByHandle(gone), nullptr);
     EXPECT_EQ(host.GetINodeByHandle(0), nullptr);
-}
-
-TEST_F(NodeTest, ATakenNameIsPassedOver) {
-    Add("Mesh01");
-    EXPECT_STREQ(host.CreateObjectNode(CreateNewTriObject())->GetName(), "Mesh02");
-}
-
-TEST_F(NodeTest, WorldTransformsComposeThroughTheParents) {
-    INode* hip = Add("hip");
-    INode* knee = Add("knee", hip);
-    Place(hip, {1, 2, 3});
-    Place(knee, {1, 2, 13});
-    Place(hip, {5, 2, 3});
-    EXPECT_EQ(Where(knee), Point3(5, 2, 13));
-    EXPECT_EQ(knee->GetObjectTM(0).GetTrans(), Point3(5, 2, 13));
 }
 
 TEST_F(NodeTest, AttachingKeepsTheWorldTransformOrTheLocalOne) {
@@ -46,6 +32,7 @@ TEST_F(NodeTest, AttachingKeepsTheWorldTransformOrTheLocalOne) {
     parent->AttachChild(moved, 0);
     EXPECT_EQ(Where(kept), Point3(1, 1, 1));
     EXPECT_EQ(Where(moved), Point3(11, 1, 1));
+    EXPECT_EQ(moved->GetObjectTM(0).GetTrans(), Point3(11, 1, 1));
     EXPECT_EQ(parent->NumberOfChildren(), 2);
     EXPECT_EQ(parent->GetChildNode(1), moved);
     EXPECT_EQ(parent->GetChildNode(2), nullptr);

@@ -25,16 +25,6 @@ class CameraTest : public HostWorld {
     }
 };
 
-TEST_F(CameraTest, ItsParametersAreFoundByName) {
-    EXPECT_STREQ(node->GetName(), "Camera01");
-    EXPECT_EQ(camera.SubAnimName(0), "Parameters");
-    ASSERT_EQ(Parameters().NumSubs(), 2);
-    EXPECT_EQ(Parameters().SubAnimName(0), "FOV");
-    EXPECT_EQ(Parameters().SubAnimName(1), "Target Distance");
-    EXPECT_EQ(Fov(0), std::numbers::pi_v<float> / 4);
-    EXPECT_EQ(host.CreateCameraObject(3), nullptr);
-}
-
 TEST_F(CameraTest, AnimateModeMakesKeysAndACameraIsMadeWithoutAny) {
     AnimateOn();
     INode* other = host.CreateObjectNode(host.CreateCameraObject(0));
@@ -58,12 +48,6 @@ TEST_F(CameraTest, AParameterTakesAnotherFloatControllerUndoably) {
     EXPECT_FALSE(Parameters().AssignController(next, 2));
     session.Undo();
     EXPECT_EQ(Parameters().SubAnim(1), before);
-}
-
-TEST_F(CameraTest, TheTypeOfTheFieldOfViewIsOneOfThree) {
-    EXPECT_EQ(camera.SetFOVType(2), 1);
-    EXPECT_EQ(camera.SetFOVType(3), 0);
-    EXPECT_EQ(camera.GetFOVType(), 2);
 }
 
 TEST_F(CameraTest, ACameraThatIsFreedByItsMakerLeavesHarmlessRecords) {

@@ -98,23 +98,6 @@ TEST_F(ReferencesTest, AnObjectThatAnUndoCanMeetComesBackAtItsAddress) {
     EXPECT_EQ(Links(), 0U);
 }
 
-TEST_F(ReferencesTest, DeletingAnObjectWithItsLinksIsOneUndoableChange) {
-    auto* top = new Link("top");
-    auto* middle = new Link("middle");
-    auto* bottom = new Link("bottom");
-    top->ReplaceReference(0, middle);
-    middle->ReplaceReference(0, bottom);
-    Step([&] { middle->DeleteMe(); });
-    EXPECT_EQ(top->GetReference(0), nullptr);
-    session.Undo();
-    EXPECT_EQ(top->GetReference(0), middle);
-    EXPECT_EQ(middle->GetReference(0), bottom);
-    session.Redo();
-    host.FlushUndoBuffer();
-    EXPECT_EQ(Links(), 1U);
-    top->DeleteMe();
-}
-
 TEST_F(ReferencesTest, TransferredReferencesKeepTheirOrderAndTheOldTargetAsAsked) {
     auto* first = new Link("first");
     auto* second = new Link("second");

@@ -17,7 +17,7 @@ class Told final : public GUP {
 
     std::uint32_t Start() override {
         diary.push_back("start");
-        RegisterNotification(&Hear, this, NOTIFY_SYSTEM_SHUTDOWN);
+        if (result_ == GUPRESULT_KEEP) RegisterNotification(&Hear, this, NOTIFY_SYSTEM_SHUTDOWN);
         return result_;
     }
     void Stop() override {
@@ -49,43 +49,19 @@ class ToldClass final : public ClassDesc {
     std::uint32_t result_;
 };
 
-TEST(SessionTest, AGlobalUtilityRunsFromStartToShutdown) {
+TEST(SessionTest, AGlobalUtilityRunsUntilTheShutdownUnlessItDoesNotWantToBeKept) {
     diary.clear();
     ToldClass kept(GUPRESULT_KEEP);
+    ToldClass refusing(GUPRESULT_NOKEEP);
     headless::Session session;
     session.RegisterClass(&kept);
-    session.Start();
-    EXPECT_EQ(session.KeptUtilities(), 1U);
-    session.ShutDown();
-    session.ShutDown();
-    EXPECT_EQ(diary, Diary({"start", "shutdown", "stop", "gone"}));
-}
-
-TEST(SessionTest, AGlobalUtilityThatDoesNotWantToBeKeptGoesAtOnce) {
-    class Refusing final : public GUP {
-      public:
-        std::uint32_t Start() override { return GUPRESULT_NOKEEP; }
-        void Stop() override { diary.push_back("stop"); }
-        void DeleteThis() override { delete this; }
-    };
-    class RefusingClass final : public ClassDesc {
-      public:
-        int IsPublic() override { return 1; }
-        void* Create(bool) override { return new Refusing; }
-        const char* ClassName() override { return "Refusing"; }
-        SClass_ID SuperClassID() override { return GUP_CLASS_ID; }
-        Class_ID ClassID() override { return {2, 2}; }
-        const char* Category() override { return "Test"; }
-    };
-    diary.clear();
-    RefusingClass refusing;
-    headless::Session session;
     session.RegisterClass(&refusing);
     session.Start();
-    EXPECT_EQ(session.KeptUtilities(), 0U);
-    EXPECT_EQ(headless::TakeCensus().heapBlocks, 1U) << "the scene's root alone";
+    EXPECT_EQ(session.KeptUtilities(), 1U);
+    EXPECT_EQ(diary, Diary({"start", "start", "gone"}));
     session.ShutDown();
-    EXPECT_EQ(diary, Diary());
+    session.ShutDown();
+    EXPECT_EQ(diary, Diary({"start", "start", "gone", "shutdown", "stop", "gone"}));
 }
 
 TEST(SessionTest, AModuleThatIsNoPluginIsRefusedWithAReason) {

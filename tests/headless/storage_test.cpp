@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -60,28 +58,6 @@ TEST(Storage, ChunksNestAndSkipWhatWasNotRead) {
     });
 }
 
-TEST(Storage, TheBytesOfAChunkAreItsIdItsLengthAndItsContents) {
-    const Bytes bytes = Sample();
-    const std::array<unsigned, 20> first{1,   0,   10,  0,   0,   0, 0, 0, 0, 0,
-                                         'f', 'i', 'r', 's', 't', 0, 4, 3, 2, 1};
-    ASSERT_GE(bytes.size(), first.size());
-    for (std::size_t i = 0; i < first.size(); ++i)
-        EXPECT_EQ(std::to_integer<unsigned>(bytes[i]), first[i]) << i;
-}
-
-TEST(Storage, ReadingBeyondAChunkReadsWhatThereIsAndFails) {
-    headless::LoadBytes(Sample(), [](ILoad* load) {
-        load->OpenChunk();
-        std::array<char, 100> block{};
-        std::uint32_t count = 0;
-        EXPECT_EQ(load->Read(block.data(), 100, &count), IO_ERROR);
-        EXPECT_EQ(count, 10U);
-        EXPECT_STREQ(block.data(), "first");
-        EXPECT_EQ(load->Read(block.data(), 1, &count), IO_ERROR);
-        return IO_OK;
-    });
-}
-
 TEST(Storage, AStringEndsAtItsNulOrWithItsChunk) {
     const std::string text(10'000, 'x');
     const Bytes bytes = headless::SavedBytes([&](ISave* save) {
@@ -94,21 +70,6 @@ TEST(Storage, AStringEndsAtItsNulOrWithItsChunk) {
         load->OpenChunk();
         EXPECT_EQ(Text(load), text);
         EXPECT_EQ(Text(load), "xxxxx");
-        return IO_OK;
-    });
-}
-
-TEST(Storage, WhatASaveLeavesOpenIsClosedBehindItAndAnEndTooManyFails) {
-    const Bytes bytes = headless::SavedBytes([](ISave* save) {
-        EXPECT_EQ(save->EndChunk(), IO_ERROR);
-        save->BeginChunk(1);
-        save->BeginChunk(2);
-        return save->WriteCString("deep");
-    });
-    headless::LoadBytes(bytes, [](ILoad* load) {
-        EXPECT_EQ(load->OpenChunk(), IO_OK);
-        EXPECT_EQ(load->OpenChunk(), IO_OK);
-        EXPECT_EQ(Text(load), "deep");
         return IO_OK;
     });
 }

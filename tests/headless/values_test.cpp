@@ -34,15 +34,6 @@ void ExpectNear(const Point3& a, const Point3& b) {
     EXPECT_NEAR(a.z, b.z, 1e-5f);
 }
 
-TEST(Values, RowVectorsPassThroughTheChildFirstAndThroughTheParentAfterIt) {
-    const Matrix3 child = Translation({1, 0, 0});
-    const Matrix3 parent = Rotation(AboutZ(90)) * Translation({0, 0, 5});
-
-    ExpectNear((child * parent).PointTransform({1, 0, 0}), {0, 2, 5});
-    ExpectNear((child * parent).VectorTransform({1, 0, 0}), {0, 1, 0});
-    ExpectNear((child * parent).GetTrans(), {0, 1, 5});
-}
-
 TEST(Values, ProductsAndInversesAddFromLeftToRightInSinglePrecision) {
     // 1e8 swallows the 1 only if it is added first; the sum of three terms tells the order.
     const Matrix3 left({1, 1, 1}, {0, 1, 0}, {0, 0, 1}, {});
@@ -92,13 +83,6 @@ TEST(Values, ScalingOnTheRightScalesColumnsAndTheTranslationOnlyIfAsked) {
     EXPECT_EQ(matrix.GetTrans(), Point3(1, 1, 1));
     matrix.Scale({2, 3, 4}, true);
     EXPECT_EQ(matrix.GetTrans(), Point3(2, 3, 4));
-}
-
-TEST(Values, APointOfLengthZeroStaysWhenNormalised) {
-    EXPECT_EQ(Point3().Normalize(), Point3());
-    EXPECT_EQ(Point3(0, -4, 0).Normalize(), Point3(0, -1, 0));
-    EXPECT_EQ(CrossProd({1, 0, 0}, {0, 1, 0}), Point3(0, 0, 1));
-    EXPECT_EQ(DotProd({1, 2, 3}, {4, 5, 6}), 32.0f);
 }
 
 TEST(Values, ABoxIsEmptyUntilItHoldsAPointAndStaysAroundItsTransformedCorners) {

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <limits>
 
 #include "support/memory_storage.h"
@@ -132,24 +131,6 @@ TEST(CustomHelperObject, BelievesACountOnlyAsFarAsBytesFollow) {
         LoadFrom(helper, CountChunk(2, count, 2 * 12 + 11));
         EXPECT_EQ(helper.mesh.faces.size(), whole * 3) << count;
         ExpectDrawable(helper);
-    }
-}
-
-TEST(CustomHelperObject, StaysDrawableHoweverItsChunksAreDamaged) {
-    CustomHelperObject helper;
-    FillWithTwoTriangles(helper);
-    const std::vector<std::byte> whole = Saved(helper);
-    for (std::size_t at = 0; at < whole.size(); ++at) {
-        CustomHelperObject cut;
-        LoadFrom(cut, std::span(whole).first(at));
-        ExpectDrawable(cut);
-        for (const int mask : {0x01, 0x80, 0xFF}) {
-            std::vector<std::byte> damaged = whole;
-            damaged[at] ^= static_cast<std::byte>(mask);
-            CustomHelperObject loaded;
-            LoadFrom(loaded, damaged);
-            ExpectDrawable(loaded);
-        }
     }
 }
 

@@ -42,26 +42,6 @@ TEST(MeshExchange, WritesAMeshInSinglePrecisionWithTwoVisibleEdges) {
     EXPECT_TRUE(host.IsEdgeListEnabled());
 }
 
-TEST(MeshExchange, ReplacesWhatTheHostMeshHeld) {
-    Mesh host;
-    WriteMesh(Triangle(), host);
-    WriteMesh(TVL::CMesh(), host);
-    EXPECT_EQ(host.getNumVerts(), 0);
-    EXPECT_EQ(host.getNumFaces(), 0);
-    EXPECT_EQ(host.getNumTVFaces(), 0);
-    EXPECT_TRUE(host.IsEdgeListEnabled());
-}
-
-TEST(MeshExchange, GivesAMeshWithoutTextureVerticesExactlyOne) {
-    TVL::CMesh mesh = Triangle();
-    mesh.textureFaces = {0, 1, 2};
-    Mesh host;
-    WriteMesh(mesh, host);
-    ASSERT_EQ(host.getNumTVerts(), 1);
-    EXPECT_EQ(host.tVerts[0], Point3(0, 0, 0));
-    EXPECT_EQ(Indices(host.tvFace.at(0)), (Corners{0, 0, 0}));
-}
-
 // A seam has more texture vertices than vertices, a mirrored half fewer.
 TEST(MeshExchange, JudgesTextureFacesByTheTextureVerticesAlone) {
     TVL::CMesh mesh = Triangle();
@@ -97,15 +77,6 @@ TEST(MeshExchange, NeverLetsAnIndexOutsideItsTableReachTheHost) {
         WriteDisplayMesh(mesh, host);
         EXPECT_EQ(host.getNumFaces(), 0);
     }
-}
-
-TEST(MeshExchange, ShowsEveryEdgeOfADisplayMesh) {
-    Mesh host;
-    WriteDisplayMesh(Triangle(), host);
-    ASSERT_EQ(host.getNumFaces(), 1);
-    for (int edge = 0; edge < 3; ++edge)
-        EXPECT_TRUE(host.faces[0].getEdgeVis(edge));
-    EXPECT_EQ(host.faces[0].smGroup, 0U);
 }
 
 }  // namespace
