@@ -99,7 +99,9 @@ void AddTimes(CLI::App& verb, const std::shared_ptr<Words>& words) {
 void AddLooks(CLI::App& verb, const std::shared_ptr<Words>& words) {
     ViewportSettings& view = words->options.view;
     verb.add_option("--camera", view.camera,
-                    "Look through this node; else from the front and above at all that shows");
+                    "Look through this node; else from the front and above at all that shows")
+        ->check([](const std::string& name) { return name.empty() ? "the name is empty" : ""; },
+                "NAME");
     verb.add_option_function<std::string>(
         "--size", [words](const std::string& text) { ReadSize(text, words->options.view); },
         "WIDTHxHEIGHT of each picture in pixels, 16 to 8,192 [960x540]");

@@ -14,8 +14,10 @@ void SetCorners(Mesh& mesh, float side, int divisions) {
     mesh.setNumVerts(count);
     mesh.setNumTVerts(count);
     for (int i = 0; i < count; ++i) {
-        const float u = static_cast<float>(i % (divisions + 1)) / static_cast<float>(divisions);
-        const float v = static_cast<float>(i / (divisions + 1)) / static_cast<float>(divisions);
+        const int column = i % (divisions + 1);
+        const int row = i / (divisions + 1);
+        const float u = static_cast<float>(column) / static_cast<float>(divisions);
+        const float v = static_cast<float>(row) / static_cast<float>(divisions);
         mesh.setVert(i, {side * (u - 0.5F), side * (v - 0.5F), 0});
         mesh.setTVert(i, {u, v, 0});
     }

@@ -12,6 +12,7 @@ namespace {
 
 std::vector<std::uint32_t> HandlesOf(const std::vector<SceneNode*>& nodes) {
     std::vector<std::uint32_t> handles;
+    handles.reserve(nodes.size());
     for (SceneNode* node : nodes)
         handles.push_back(node->GetHandle());
     return handles;

@@ -11,6 +11,7 @@
 
 #include "headless/scene_view.h"
 #include "objects/camera_opening.h"
+#include "scene/scene.h"
 #include "values/vector.h"
 #include "viewport/framed_boxes.h"
 #include "viewport/shown_nodes.h"
@@ -194,11 +195,22 @@ AimedView Failed(std::string error) {
     return none;
 }
 
+std::vector<SceneNode*> CamerasCalled(const std::string& name, TimeValue t) {
+    std::vector<SceneNode*> cameras = TheScene().InOrder();
+    std::erase_if(cameras,
+                  [&](SceneNode* node) { return node->Name() != name || !CameraOf(*node, t); });
+    return cameras;
+}
+
 AimedView ThroughCamera(const ViewportSettings& settings, TimeValue t) {
-    auto* const node = static_cast<SceneNode*>(FindNode(settings.camera));
-    if (!node) return Failed("no node is called \"" + settings.camera + "\"");
+    const std::string called = '"' + settings.camera + '"';
+    if (!FindNode(settings.camera)) return Failed("no node is called " + called);
+    const std::vector<SceneNode*> cameras = CamerasCalled(settings.camera, t);
+    if (cameras.empty()) return Failed("the node " + called + " is no camera");
+    if (cameras.size() > 1)
+        return Failed(std::to_string(cameras.size()) + " cameras are called " + called);
+    SceneNode* const node = cameras.front();
     CameraObject* const camera = CameraOf(*node, t);
-    if (!camera) return Failed("the node \"" + settings.camera + "\" is no camera");
     Pose pose;
     Interval valid;
     const double angle = double{camera->GetFOV(t, valid)};

@@ -26,7 +26,7 @@ std::optional<IPoint2> OnPicture(const Point3& place, const View& view) {
 }
 
 std::uint8_t Byte(float channel) {
-    return static_cast<std::uint8_t>(channel * 255 + 0.5F);
+    return static_cast<std::uint8_t>(std::lround(channel * 255));
 }
 
 void Dot(Picture& picture, int x, int y, const Colour& colour) {

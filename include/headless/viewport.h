@@ -18,7 +18,7 @@ namespace headless {
 struct ViewportSettings {
     int width = 960;  // pixels, 16 to 8,192
     int height = 540;
-    std::string camera;                  // look through the camera node of this name; if empty,
+    std::string camera;                  // look through the one camera of this name; if empty,
     std::vector<TimeValue> framedTimes;  // from the front and above at all that shows at these
                                          // times, at the drawn time if there are none
     bool isWireframe = false;
@@ -34,7 +34,7 @@ struct Picture {
 };
 
 // What the viewport draws at a time, in world space. The error is empty, or says in one line why
-// there is nothing: a camera that is not there, or a node of that name that is none.
+// there is nothing: no camera of that name, or several.
 struct Drawing {
     std::string error;
     DrawList list;

@@ -90,8 +90,13 @@ TEST_F(Command, RefusesPicturesThatCannotBeAndLeavesNoFile) {
     refuses("--frames 0:4:1", "-o: " + file + " has no place for the number of a frame", 2);
     refuses("--frames 0:9999:1 --sheet 2", "--sheet: 10000 pictures make a sheet of ", 2);
     refuses("--time 1 --camera Nobody", file + ": no picture: no node is called \"Nobody\"", 1);
+    refuses("--time 1 --camera ''", "--camera: ", 2);
     refuses("--time 1 --camera walk_Hip", file + ": no picture: the node \"walk_Hip\" is no camera",
             1);
+    const std::string twice = File("twice.scene");
+    Do("merge " + scene + ' ' + scene + " --by-host --save " + twice);
+    ExpectFailure(Run("render " + twice + " -o " + file + " --time 1 --camera walk_Camera"),
+                  file + ": no picture: 2 cameras are called \"walk_Camera\"");
     EXPECT_FALSE(std::filesystem::exists(file));
     ExpectFailure(Run("render " + scene + " --time 1 -o " + File("no/a.png")),
                   File("no/a.png") + ": the file cannot be written");

@@ -140,7 +140,7 @@ TEST(Scenery, AGuideObjectStandsAlongTheShapeAndIsKnownAgainInAnOpenedScene) {
     const Mesh& mesh = const_cast<TriObject*>(arrows)->GetMesh();
     ASSERT_EQ(mesh.faces.size(), 15u * 8);
     EXPECT_NEAR(mesh.verts[5].y, 8, 1e-4);  // the tip of the first is 0.8 of 10 units along
-    EXPECT_NEAR(mesh.verts[14 * 6].z, 40, 1e-3);
+    EXPECT_NEAR(mesh.verts[84].z, 40, 1e-3);
     for (const int frame : {0, 5}) {
         const Place place = PlaceOf("walk_Guide", frame * kTicksPerFrame, 1);
         EXPECT_NEAR(place.x, 10, 1e-4);

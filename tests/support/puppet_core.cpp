@@ -24,7 +24,7 @@ XMLNode PuppetCore::GetCoreState() {
 
 void PuppetCore::SetCoreState(XMLNode given) {
     Note("set state " + given.Write());
-    state = std::move(given);
+    state = given;
 }
 
 void PuppetCore::ResetCore() {

@@ -87,7 +87,7 @@ class Loader {
     // A name that another plug-in of the same state bears is left to that. Goes on behind the name
     // that was found last, so that a state in which all share one takes no longer than another.
     std::string FreeName(const std::string& storedName) {
-        const std::string storable = StorableName(storedName);
+        std::string storable = StorableName(storedName);
         if (!takes_.Find(storable)) return storable;
         std::string& name = lastNames_.try_emplace(storable, storable).first->second;
         do
