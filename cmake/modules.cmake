@@ -16,15 +16,31 @@ function(lumiset_static target)
   lumiset_options(${target})
 endfunction()
 
-# A library that is loaded while the program runs and that exports what its map file lists.
+# Defines the macro with which a target's sources mark what it exports. Whoever links the target has
+# the macro for what it imports.
+function(lumiset_exports target macro)
+  if(WIN32)
+    target_compile_definitions(${target}
+      PRIVATE "${macro}=__declspec(dllexport)" INTERFACE "${macro}=__declspec(dllimport)")
+  else()
+    target_compile_definitions(${target} PUBLIC "${macro}=__attribute__((visibility(\"default\")))")
+  endif()
+endfunction()
+
+# A library that is loaded while the program runs. It exports what its map file lists; on Windows
+# what its sources mark as exported, or the definition file lists if there is one.
 function(lumiset_loadable target)
-  cmake_parse_arguments(ARG "" "MAP;FOLDER" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(ARG "" "MAP;DEF;FOLDER" "SOURCES;LINK" ${ARGN})
   add_library(${target} MODULE ${ARG_SOURCES})
   target_link_libraries(${target} PRIVATE ${ARG_LINK})
   lumiset_options(${target})
   set_target_properties(${target} PROPERTIES PREFIX ""
     LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${ARG_FOLDER}
     LINK_DEPENDS ${ARG_MAP})
+  if(WIN32)
+    target_sources(${target} PRIVATE ${ARG_DEF})
+    return()
+  endif()
   target_link_options(${target} PRIVATE -Wl,--version-script=${ARG_MAP} -Wl,-z,defs)
   if(LUMISET_SANITIZE)
     # The sanitizer's runtime belongs to the program, so its symbols stay open here.

@@ -11,9 +11,19 @@ function(lumiset_options target)
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
     -Woverloaded-virtual -Wcast-qual -Wformat=2 -Wundef -Werror
     -ffp-contract=off)
+  if(WIN32)
+    set_target_properties(${target} PROPERTIES PREFIX "")
+  endif()
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(${target} PRIVATE -Wduplicated-cond -Wlogical-op)
+    if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+      # Sees overlapping copies in every short text that is assigned, at the highest optimisation.
+      target_compile_options(${target} PRIVATE -Wno-restrict)
+    endif()
+  endif()
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT WIN32)
     # Unique symbols would pin a freed module in memory and share its singletons with others.
-    target_compile_options(${target} PRIVATE -fno-gnu-unique -Wduplicated-cond -Wlogical-op)
+    target_compile_options(${target} PRIVATE -fno-gnu-unique)
   endif()
   if(LUMISET_SANITIZE)
     target_compile_options(${target} PRIVATE

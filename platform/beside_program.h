@@ -1,18 +1,27 @@
 #pragma once
 
 #include <array>
-#include <filesystem>
 #include <string>
 
+#include "platform/narrow_path.h"
 #include "platform/win32.h"
 
 namespace platform {
 
+// The name of a module's file.
+inline std::string ModuleFile(const std::string& module) {
+#if defined(_WIN32)
+    return module + ".dll";
+#else
+    return module + ".so";
+#endif
+}
+
 // The path of a file that lies in the folder of the running program.
-inline std::string BesideProgram(const char* file) {
-    std::array<char, MAX_PATH> program{};
-    GetModuleFileNameA(nullptr, program.data(), MAX_PATH);
-    return (std::filesystem::path(program.data()).parent_path() / file).string();
+inline std::string BesideProgram(const std::string& file) {
+    std::array<char, 4096> program{};
+    GetModuleFileNameA(nullptr, program.data(), static_cast<DWORD>(program.size()));
+    return ToNarrow(FromNarrow(program.data()).parent_path() / FromNarrow(file));
 }
 
 }  // namespace platform

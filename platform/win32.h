@@ -17,10 +17,17 @@
 #include <commctrl.h>
 
 // These macros would rename what this system calls by the same names.
-#undef GetMessage
-#undef GetCurrentTime
+#undef DrawText
 #undef GetClassName
+#undef GetCurrentTime
+#undef GetMessage
+#undef RegisterClass
+#undef ReplaceFile
+#undef SearchPath
+#undef far
 #undef interface
+#undef near
+#undef small
 
 #else
 
@@ -61,8 +68,7 @@ using HRSRC = struct HRSRC__*;
 using HGLOBAL = struct HGLOBAL__*;
 using HKEY = struct HKEY__*;
 
-// A routine of a module, to be cast to its real type. Returns nothing here, since a cast from this
-// type is the one that compilers take without a warning.
+// A routine of a module; "platform/routine.h" gives it its real type.
 using FARPROC = void (*)();
 
 // Returns non-zero for a message that it handled.

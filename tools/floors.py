@@ -10,9 +10,9 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)
 
 # Floors of the plug-in and of the stand-in host, in order; folders on one line share a floor.
-PLUGIN = [["foundation"], ["persistence/xml"], ["persistence/codecs"], ["resources"], ["core_link"],
-          ["measures"], ["undo"], ["controllers"], ["objects"], ["nodes"], ["persistence/scene"],
-          ["adaptor"], ["plugin"]]
+PLUGIN = [["foundation"], ["persistence/xml"], ["persistence/codecs"], ["persistence/chunks"],
+          ["resources"], ["core_link"], ["measures"], ["undo"], ["controllers"], ["objects"],
+          ["nodes"], ["persistence/scene"], ["adaptor"], ["plugin"]]
 HOST = [["values"], ["storage"], ["references"], ["hold"], ["drawing"], ["control", "objects"],
         ["scene"], ["classes"], ["scene_file"], ["ui"], ["viewport"], ["viewport_module"],
         ["session"], ["command"]]

@@ -3,15 +3,16 @@
 #include <cstdio>
 
 #include "platform/load_failure.h"
+#include "platform/routine.h"
 
 namespace headless {
 namespace {
 
 template <class Routine>
 Routine* Bind(HMODULE module, const char* name, std::string& missing) {
-    const FARPROC found = GetProcAddress(module, name);
+    Routine* const found = platform::Routine<Routine>(module, name);
     if (!found && missing.empty()) missing = name;
-    return reinterpret_cast<Routine*>(found);
+    return found;
 }
 
 std::string Hexadecimal(std::uint32_t number) {

@@ -42,7 +42,4 @@ inline constexpr char kReportVariable[] = "LUMISET_REPORT";  // the file for the
 
 inline constexpr char kTraceVariable[] = "LUMISET_TRACE";  // by the plug-in
 
-// An empty value takes the variable away.
-void SetVariable(const char* name, const std::string& value);
-
 }  // namespace headless

@@ -8,13 +8,14 @@
 #include "command/exit_status.h"
 #include "headless/scene_view.h"
 #include "platform/beside_program.h"
-#include "platform/hide_registry.h"
+#include "platform/environment.h"
 #include "platform/load_failure.h"
+#include "platform/stand_in_registry.h"
 
 namespace headless {
 namespace {
 
-constexpr char kPluginFile[] = "TarvoOstrelUtil.so";
+constexpr char kPlugin[] = "TarvoOstrelUtil";
 constexpr char kUtilityName[] = "Tarvo Lumiset Util";
 constexpr int kStartButton = 1046;
 
@@ -47,9 +48,11 @@ std::string Lines(const std::vector<std::string>& values) {
 CoreStage::CoreStage(Company company, const SessionSettings& settings)
     : company_(company), session_(settings) {
     session_.OnMessageBox([this](const MessageBoxText& box) { boxTexts_.push_back(box.text); });
+    platform::UseNamedRegistry();
     if (company == Company::kPluginAlone) platform::HideRegistry();
     if (company == Company::kNobody) return;
-    const std::string error = session_.LoadPlugin(platform::BesideProgram(kPluginFile));
+    const std::string error =
+        session_.LoadPlugin(platform::BesideProgram(platform::ModuleFile(kPlugin)));
     if (!error.empty()) throw Failure(error);
     session_.Start();
 }
@@ -57,15 +60,15 @@ CoreStage::CoreStage(Company company, const SessionSettings& settings)
 CoreReport CoreStage::AskCore(const CoreRequest& request) {
     for (const char* variable : kRequestVariables) {
         const auto value = request.find(variable);
-        SetVariable(variable, value == request.end() ? "" : value->second);
+        platform::SetVariable(variable, value == request.end() ? "" : value->second);
     }
-    SetVariable(kReportVariable, report_.Path());
+    platform::SetVariable(kReportVariable, report_.Path());
     std::filesystem::remove(report_.Path());
     if (session_.KeptUtilities() == 0) throw Failure(NotAttached(platform::LastLoadFailure()));
     if (!session_.IsUtilityOpen(kUtilityName)) session_.OpenUtility(kUtilityName);
     const std::size_t boxes = boxTexts_.size();
     if (!session_.PressButton(kStartButton))
-        throw Failure(std::string(kPluginFile) + ": its panel \"" + kUtilityName +
+        throw Failure(platform::ModuleFile(kPlugin) + ": its panel \"" + kUtilityName +
                       "\" has no button " + std::to_string(kStartButton));
     CoreReport report = CoreReport::Read(report_.Path());
     if (report.IsEmpty() && boxTexts_.size() > boxes) {

@@ -3,10 +3,12 @@
 #include <charconv>
 #include <cmath>
 #include <iostream>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <sstream>
 
+#include "command/counted.h"
 #include "command/drawing.h"
 #include "command/exit_status.h"
 #include "command/in_table.h"
@@ -17,10 +19,6 @@ namespace headless {
 namespace {
 
 // What the tools of headless/primitives.h take.
-struct Range {
-    int least;
-    int most;
-};
 constexpr Range kSphereSegments{3, 1024};
 constexpr Range kGroundDivisions{1, 1000};
 constexpr int kUsualSegments = 32;
@@ -33,29 +31,52 @@ struct Words {
     std::optional<int> segments;
     PathSketch path{};
     double bend = 0;
+    bool isGuide = false;
+    bool isSolid = false;
+    GuideLook look;
 };
 
 [[noreturn]] void Refuse(const std::string& option, const std::string& why) {
     throw CLI::ValidationError(option, why);
 }
 
-[[noreturn]] void RefusePlace(const std::string& option, const std::string& text) {
-    Refuse(option, '"' + text + "\" is not a place x,y,z");
+// Three numbers with commas between, which stay finite in single precision. `wrong` is said of
+// words that are something else.
+std::array<float, 3> ReadThree(const std::string& option, const std::string& text,
+                               const std::string& wrong) {
+    const auto refuse = [&](const std::string& why) {
+        std::string line = '"' + text;
+        Refuse(option, line.append("\" is ").append(why));
+    };
+    std::array<float, 3> three{};
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    for (float& number : three) {
+        const bool isFirst = &number == &three.front();
+        if (!isFirst && (at == end || *at++ != ',')) at = end;
+        double read = 0;
+        const auto [rest, status] = std::from_chars(at, end, read);
+        if (status == std::errc::invalid_argument || std::isnan(read)) refuse(wrong);
+        if (status != std::errc() || std::abs(read) > std::numeric_limits<float>::max())
+            refuse("out of range");
+        number = static_cast<float>(read);
+        at = rest;
+    }
+    if (at != end) refuse(wrong);
+    return three;
 }
 
 Point3 ReadPlace(const std::string& option, const std::string& text) {
-    std::array<float, 3> place{};
-    const char* at = text.data();
-    const char* const end = at + text.size();
-    for (float& number : place) {
-        const bool isFirst = &number == &place.front();
-        if (!isFirst && (at == end || *at++ != ',')) at = end;
-        const auto [rest, status] = std::from_chars(at, end, number);
-        if (status != std::errc() || !std::isfinite(number)) RefusePlace(option, text);
-        at = rest;
-    }
-    if (at != end) RefusePlace(option, text);
-    return {place[0], place[1], place[2]};
+    const auto [x, y, z] = ReadThree(option, text, "not a place x,y,z");
+    return {x, y, z};
+}
+
+std::array<float, 3> ReadColour(const std::string& option, const std::string& text) {
+    const std::array<float, 3> colour = ReadThree(option, text, "not a colour R,G,B");
+    for (const float channel : colour)
+        if (channel < 0 || channel > 1)
+            Refuse(option, '"' + text + "\" is not a colour of three numbers from 0 to 1");
+    return colour;
 }
 
 std::vector<Point3> ReadPlaces(const std::string& option, const std::string& text) {
@@ -69,9 +90,7 @@ std::vector<Point3> ReadPlaces(const std::string& option, const std::string& tex
 
 int Segments(const Words& words, Range range, int usual) {
     const int segments = words.segments.value_or(usual);
-    if (segments < range.least || segments > range.most)
-        Refuse("--segments", std::to_string(segments) + " is not from " +
-                                 std::to_string(range.least) + " to " + std::to_string(range.most));
+    CheckRange("--segments", segments, range);
     return segments;
 }
 
@@ -88,23 +107,25 @@ void Choose(Words& words) {
                                             Segments(words, kSphereSegments, kUsualSegments)};
     else
         words.options.sketch = words.path;
+    words.options.bendDegreesPerSecond = static_cast<float>(words.bend);
+    words.look.isWireframe = !words.isSolid;
+    if (words.isGuide) words.options.guide = words.look;
 }
 
 void Run(Words& words) {
     Choose(words);
-    words.options.bendDegreesPerSecond = static_cast<float>(words.bend);
     const DrawResult result = Draw(words.options);
     for (const std::string& complaint : result.complaints)
         std::cout << "Complaint: " << complaint << '\n';
     std::cout << "Drew " << InTable(result.name) << " (" << result.handle << ") into "
-              << words.options.target << ": " << result.nodes << " nodes\n";
+              << words.options.target << ": " << Counted(result.nodes, "node") << '\n';
 }
 
 void AddObjects(CLI::App& verb, const std::shared_ptr<Words>& words) {
     AddSize(verb, "--ground", words->side, "A flat square with sides of this length, looking up");
     AddSize(verb, "--sphere", words->radius, "A sphere of this radius");
-    verb.add_option("--segments", words->segments,
-                    "Faces around the sphere's equator, or along a side of the ground");
+    AddWholeNumber(verb, "--segments", words->segments,
+                   "Faces around the sphere's equator, or along a side of the ground");
     CLI::Option* const path = verb.add_option_function<std::string>(
         "--path",
         [words](const std::string& text) { words->path.places = ReadPlaces("--path", text); },
@@ -113,6 +134,21 @@ void AddObjects(CLI::App& verb, const std::shared_ptr<Words>& words) {
     verb.add_flag("--closed", words->path.isClosed, "The curve leads back to its start")
         ->needs(path);
     verb.add_flag("--smooth", words->path.isSmooth, "The curve has no corners")->needs(path);
+}
+
+void AddGuide(CLI::App& verb, const std::shared_ptr<Words>& words, CLI::Option* bend) {
+    CLI::Option* const guide =
+        verb.add_flag("--guide", words->isGuide,
+                      "Put it in as a guide object of the plug-in, which shows in viewports alone")
+            ->excludes(bend);
+    verb.add_option_function<std::string>(
+            "--color",
+            [words](const std::string& text) { words->look.colour = ReadColour("--color", text); },
+            "Colour of the guide object, R,G,B from 0 to 1 [1,0,0]")
+        ->type_name("COLOUR")
+        ->needs(guide);
+    verb.add_flag("--solid", words->isSolid, "Faces of the guide object instead of edges")
+        ->needs(guide);
 }
 
 }  // namespace
@@ -126,8 +162,9 @@ void AddDrawVerb(CLI::App& app) {
         "--sphere and --path. What the scene holds of a Core is kept.");
     AddFile(*verb, "SCENE", options.scene, "Scene file to draw into; a new scene if not named");
     AddObjects(*verb, words);
-    AddNumber(*verb, "--bend", words->bend,
-              "Bend it over its x axis by so many degrees in each second");
+    CLI::Option* const bend = AddNumber(
+        *verb, "--bend", words->bend, "Bend it over its x axis by so many degrees in each second");
+    AddGuide(*verb, words, bend);
     verb->add_option_function<std::string>(
             "--at",
             [words](const std::string& text) { words->options.at = ReadPlace("--at", text); },

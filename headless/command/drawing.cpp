@@ -1,7 +1,7 @@
 #include "command/drawing.h"
 
 #include "command/core_stage.h"
-#include "headless/primitives.h"
+#include "command/exit_status.h"
 #include "headless/scene_view.h"
 #include "host/interface.h"
 
@@ -39,9 +39,16 @@ Object* New(const PathSketch& path) {
     return NewSplines({spline});
 }
 
+Object* NewGuideOf(Object* object, const GuideLook& look) {
+    Object* const guide = NewGuide(object, look);
+    if (!guide) throw Failure("no guide object can be drawn: its class is not loaded");
+    return guide;
+}
+
 Object* NewObject(const DrawOptions& options) {
     Object* const object =
         std::visit([](const auto& sketch) { return New(sketch); }, options.sketch);
+    if (options.guide) return NewGuideOf(object, *options.guide);
     return options.bendDegreesPerSecond == 0 ? object
                                              : NewBend(object, options.bendDegreesPerSecond);
 }

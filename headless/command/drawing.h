@@ -2,10 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
 
+#include "headless/primitives.h"
 #include "host/point3.h"
 
 namespace headless {
@@ -29,6 +31,7 @@ struct DrawOptions {
     std::string scene;  // that is drawn into; empty for a new one
     std::variant<GroundSketch, SphereSketch, PathSketch> sketch;
     float bendDegreesPerSecond = 0;  // about the object's x axis
+    std::optional<GuideLook> guide;  // a guide object of its shape instead, which does not bend
     Point3 at;
     std::string name;    // empty for the host to choose
     std::string target;  // where to save the scene

@@ -33,7 +33,7 @@ void AddInspectVerb(CLI::App& app) {
         "are in host units.");
     AddFile(*verb, "SCENE", words->options.scene, "Scene file")->required();
     verb->add_option("--node", words->options.nodes,
-                     "The host's name of a node; all if none is named")
+                     "The host's name of a node; may be said again for more; all if none is named")
         ->expected(1)
         ->take_all();
     AddNumber(*verb, "--time", words->options.seconds, "When, in seconds")->capture_default_str();

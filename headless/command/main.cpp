@@ -20,6 +20,7 @@ headless::Failure WrongUsage(const std::string& what) {
 int Run(int argc, char** argv) {
     CLI::App app("The animation host without a screen, with the plug-in and its Core.");
     app.require_subcommand(0, 1);
+    app.allow_windows_style_options(false);  // a path may begin with a slash
     headless::AddRecordVerb(app);
     headless::AddOpenVerb(app);
     headless::AddMergeVerb(app);

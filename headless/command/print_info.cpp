@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
+#include "command/counted.h"
 #include "command/in_table.h"
 #include "command/info.h"
 #include "command/print_json.h"
@@ -123,15 +124,15 @@ nlohmann::ordered_json HostObject(const InfoResult& result) {
 
 void PrintForPerson(std::ostream& out, const InfoResult& result) {
     const SceneFileView& file = result.file;
-    out << InTable(result.scene) << ": " << file.nodes.size() << " nodes, " << file.frameRate
-        << " frames of " << file.ticksPerFrame << " ticks a second, range " << std::fixed
-        << std::setprecision(3) << Seconds(file, file.range.Start()) << " to "
+    out << InTable(result.scene) << ": " << Counted(file.nodes.size(), "node") << ", "
+        << file.frameRate << " frames of " << file.ticksPerFrame << " ticks a second, range "
+        << std::fixed << std::setprecision(3) << Seconds(file, file.range.Start()) << " to "
         << Seconds(file, file.range.End()) << " s, now at " << Seconds(file, file.time) << " s\n";
     PrintTable(out, Rows(file));
     for (const UtilityInFile& utility : file.utilities)
         for (const ChunkInFile& chunk : utility.chunks)
             out << "Utility " << InTable(Named(utility.type)) << ": chunk " << chunk.id << ", "
-                << chunk.bytes << " bytes\n";
+                << Counted(chunk.bytes, "byte") << '\n';
     PrintHost(out, result);
 }
 

@@ -4,6 +4,7 @@
 #include <span>
 #include <string_view>
 
+#include "command/counted.h"
 #include "command/in_table.h"
 #include "command/inspection.h"
 #include "command/print_json.h"
@@ -39,8 +40,9 @@ void PrintMatrix(std::ostream& out, std::string_view title, const InspectedNode:
 }
 
 void Print(std::ostream& out, const InspectedNode::Mesh& mesh) {
-    out << "  mesh: " << mesh.vertices << " vertices, " << mesh.faces << " faces, "
-        << mesh.textureVertices << " texture vertices";
+    out << "  mesh: " << Counted(mesh.vertices, "vertex", "vertices") << ", "
+        << Counted(mesh.faces, "face") << ", "
+        << Counted(mesh.textureVertices, "texture vertex", "texture vertices");
     if (mesh.bounds)
         out << ", from (" << Listed(mesh.bounds->least) << ") to (" << Listed(mesh.bounds->most)
             << ')';
@@ -68,7 +70,8 @@ void Print(std::ostream& out, const InspectedNode& node) {
     if (node.lens) Print(out, *node.lens);
     if (node.curveLengths && node.curveLengths->empty()) out << "  no curves\n";
     if (node.curveLengths && !node.curveLengths->empty())
-        out << "  curves of length " << Listed(*node.curveLengths) << '\n';
+        out << "  " << Counted(node.curveLengths->size(), "curve") << " of length "
+            << Listed(*node.curveLengths) << '\n';
 }
 
 nlohmann::ordered_json Object(const std::optional<InspectedNode::Transform>& transform) {
@@ -115,7 +118,7 @@ nlohmann::ordered_json Object(const InspectedNode& node) {
 
 void PrintForPerson(std::ostream& out, const Inspection& inspection) {
     out << InTable(inspection.scene) << " at " << Short(inspection.seconds)
-        << " s: " << inspection.nodes.size() << " nodes\n";
+        << " s: " << Counted(inspection.nodes.size(), "node") << '\n';
     for (const std::string& complaint : inspection.complaints)
         out << "Complaint: " << complaint << '\n';
     for (const InspectedNode& node : inspection.nodes)

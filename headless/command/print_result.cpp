@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
+#include "command/counted.h"
 #include "command/print_json.h"
 
 namespace headless {
@@ -23,13 +24,14 @@ double FurthestMetres(const RecordResult& result) {
 
 void PrintCapture(std::ostream& out, const RecordedCapture& capture) {
     const double seconds = static_cast<double>(capture.frames) * capture.frameSeconds;
-    out << "Recorded " << capture.capture << ": " << capture.joints << " joints, " << capture.frames
-        << " frames (" << std::setprecision(1) << seconds << " s of motion)";
+    out << "Recorded " << capture.capture << ": " << Counted(capture.joints, "joint") << ", "
+        << Counted(capture.frames, "frame") << " (" << std::setprecision(1) << seconds
+        << " s of motion)";
 }
 
 void PrintLift(std::ostream& out, const RecordedCapture::Lift& lift) {
-    out << "Lifted onto the ground: " << lift.frames << " frames, by " << std::setprecision(1)
-        << lift.mostMetres * 100 << " cm at most\n";
+    out << "Lifted onto the ground: " << Counted(lift.frames, "frame") << ", by "
+        << std::setprecision(1) << lift.mostMetres * 100 << " cm at most\n";
 }
 
 void PrintLens(std::ostream& out, const RecordedCapture::Lens& lens) {
@@ -66,18 +68,19 @@ void PrintForPerson(std::ostream& out, const RecordResult& result) {
     out << " in " << std::setprecision(2) << result.recordSeconds << " s\n";
     for (const std::string& complaint : result.complaints)
         out << "Complaint: " << complaint << '\n';
-    out << "In the scene: " << result.nodes << " nodes with " << result.keys << " keys, "
-        << std::setprecision(1) << result.bytesPerKey << " bytes each\n";
+    out << "In the scene: " << Counted(result.nodes, "node") << " with "
+        << Counted(result.keys, "key") << ", " << std::setprecision(1) << result.bytesPerKey
+        << " bytes each\n";
     out << "Furthest from where it is meant to be: " << std::setprecision(4)
         << FurthestMetres(result) * 1000 << " mm\n";
     for (const RecordedCapture& capture : result.captures) {
         if (capture.lift) PrintLift(out, *capture.lift);
         if (capture.lens) PrintLens(out, *capture.lens);
     }
-    out << "Undo (" << result.undoSteps << (result.undoSteps == 1 ? " step" : " steps")
-        << "): scene " << SameOrNot(result.undoIdentical) << " to before; redo: scene "
+    out << "Undo (" << Counted(result.undoSteps, "step") << "): scene "
+        << SameOrNot(result.undoIdentical) << " to before; redo: scene "
         << SameOrNot(result.redoIdentical) << " to the recording\n";
-    out << "Left over after shutdown: " << result.hostObjectsAlive << " host objects\n";
+    out << "Left over after shutdown: " << Counted(result.hostObjectsAlive, "host object") << '\n';
 }
 
 void PrintForProgram(std::ostream& out, const RecordResult& result) {

@@ -10,6 +10,7 @@
 #include "command/scenery.h"
 #include "command/scratch_file.h"
 #include "headless/scene_view.h"
+#include "platform/environment.h"
 
 namespace headless {
 namespace {
@@ -29,7 +30,7 @@ CoreRequest RequestFor(const RecordOptions& options) {
 void StartTrace(const std::string& path) {
     if (!path.empty() && !std::ofstream(path, std::ios::trunc))
         throw Failure(path + ": the trace cannot be written");
-    SetVariable(kTraceVariable, path);
+    platform::SetVariable(kTraceVariable, path);
 }
 
 SessionSettings SettingsFor(const RecordOptions& options) {

@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <memory>
@@ -9,6 +7,7 @@
 #include "command/record.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
+#include "platform/terminal.h"
 
 namespace headless {
 namespace {
@@ -25,7 +24,7 @@ void Run(const Words& words) {
                       kWrongUsage);
     RecordOptions options = words.options;
     options.optimisedController = !words.plainController;
-    options.progress = isatty(STDERR_FILENO) != 0;
+    options.progress = platform::IsErrorStreamATerminal();
     const RecordResult result = Record(options);
     if (words.json)
         PrintForProgram(std::cout, result);

@@ -48,10 +48,10 @@ std::vector<TimeValue> FramedTimes(const FrameRange& frames) {
     return times;
 }
 
-Picture PictureAt(const ViewportSettings& view, TimeValue t, const std::string& file) {
+Picture PictureAt(const ViewportSettings& view, TimeValue t, const std::string& scene) {
     Picture picture;
     const std::string error = DrawPicture(view, t, picture);
-    if (!error.empty()) throw Failure(file + ": no picture: " + error);
+    if (!error.empty()) throw Failure(scene + ": no picture: " + error);
     return picture;
 }
 
@@ -82,7 +82,7 @@ void RenderSheet(const RenderOptions& options, const FrameRange& frames, RenderR
     ProgressLine progress(options.progress, "Drawing", frames.Count());
     std::vector<Picture> pictures;
     for (std::size_t i = 0; i < frames.Count(); ++i) {
-        pictures.push_back(PictureAt(options.view, AtFrame(frames.At(i)), options.file));
+        pictures.push_back(PictureAt(options.view, AtFrame(frames.At(i)), options.scene));
         progress.Advance();
     }
     Write(SideBySide(pictures, options.sheetColumns), options.file, result);
@@ -95,7 +95,7 @@ void RenderSequence(const RenderOptions& options, const FrameRange& frames, Rend
     for (std::size_t i = 0; i < frames.Count(); ++i) {
         const int frame = frames.At(i);
         const std::string file = WithFrame(options.file, frame);
-        Write(PictureAt(view, AtFrame(frame), file), file, result);
+        Write(PictureAt(view, AtFrame(frame), options.scene), file, result);
         progress.Advance();
     }
 }
@@ -123,7 +123,7 @@ RenderResult Render(const RenderOptions& options) {
     stage.Open(options.scene);
     RenderResult result;
     if (options.frames.empty())
-        Write(PictureAt(options.view, AtSeconds(options.seconds), options.file), options.file,
+        Write(PictureAt(options.view, AtSeconds(options.seconds), options.scene), options.file,
               result);
     else if (options.sheetColumns > 0)
         RenderSheet(options, options.frames.front(), result);

@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
 #include <array>
 #include <charconv>
@@ -12,6 +10,7 @@
 #include "command/render.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
+#include "platform/terminal.h"
 
 namespace headless {
 namespace {
@@ -19,7 +18,10 @@ namespace {
 struct Words {
     RenderOptions options;
     CompanyWords company;
+    std::optional<int> sheetColumns;
 };
+
+constexpr Range kSheetColumns{1, 512};
 
 [[noreturn]] void Refuse(const std::string& why) {
     throw Failure(why, kWrongUsage);
@@ -45,8 +47,9 @@ FrameRange ReadFrames(const std::string& text) {
     const auto numbers = WholeNumbers<3>(text, ':');
     if (!numbers) Refuse("--frames: " + text + " is not FIRST:LAST:STEP in whole frames");
     const FrameRange frames{(*numbers)[0], (*numbers)[1], (*numbers)[2]};
-    if (frames.step < 1 || frames.last < frames.first)
-        Refuse("--frames: " + text + " goes from no frame to a later one in steps above 0");
+    if (frames.last < frames.first)
+        Refuse("--frames: " + text + " has its last frame before the first");
+    if (frames.step < 1) Refuse("--frames: " + text + " has no step above 0");
     return frames;
 }
 
@@ -71,9 +74,13 @@ void CheckFile(const RenderOptions& options) {
 }
 
 void Run(Words& words) {
+    if (words.sheetColumns) {
+        CheckRange("--sheet", *words.sheetColumns, kSheetColumns);
+        words.options.sheetColumns = *words.sheetColumns;
+    }
     CheckFile(words.options);
     words.options.company = words.company.Chosen();
-    words.options.progress = isatty(STDERR_FILENO) != 0;
+    words.options.progress = platform::IsErrorStreamATerminal();
     const RenderResult result = Render(words.options);
     for (const std::string& complaint : result.complaints)
         std::cout << "Complaint: " << complaint << '\n';
@@ -98,15 +105,18 @@ void AddTimes(CLI::App& verb, const std::shared_ptr<Words>& words) {
 
 void AddLooks(CLI::App& verb, const std::shared_ptr<Words>& words) {
     ViewportSettings& view = words->options.view;
-    verb.add_option("--camera", view.camera,
-                    "Look through this node; else from the front and above at all that shows")
+    verb.add_option(
+            "--camera", view.camera,
+            "Look through this camera; else from the front and above at all that shows, for "
+            "which neither cameras nor a flat ground count")
         ->check([](const std::string& name) { return name.empty() ? "the name is empty" : ""; },
                 "NAME");
     verb.add_option_function<std::string>(
         "--size", [words](const std::string& text) { ReadSize(text, words->options.view); },
         "WIDTHxHEIGHT of each picture in pixels, 16 to 8,192 [960x540]");
     verb.add_flag("--wire", view.isWireframe, "Edges instead of faces");
-    verb.add_flag("--names", view.showsNames, "Write its name beside each node");
+    verb.add_flag("--names", view.showsNames,
+                  "Write its name beside each node, where there is room");
 }
 
 }  // namespace
@@ -117,9 +127,8 @@ void AddRenderVerb(CLI::App& app) {
     AddFile(*verb, "SCENE", words->options.scene, "Scene file")->required();
     AddTimes(*verb, words);
     AddLooks(*verb, words);
-    verb->add_option("--sheet", words->options.sheetColumns,
-                     "The frames side by side in one picture, so many in a row")
-        ->check(CLI::Range(1, 512))
+    AddWholeNumber(*verb, "--sheet", words->sheetColumns,
+                   "The frames side by side in one picture, so many in a row")
         ->needs("--frames");
     AddFile(*verb, "-o", words->options.file,
             "PNG file; of several, with %04d for the number of the frame")

@@ -46,7 +46,8 @@ void AddSampleVerb(CLI::App& app) {
         "Write where the Core's nodes are, as comma-separated values in Core space: metres, Y up, "
         "rotations as quaternions, scales as metres in a unit of the node's own space.");
     AddFile(*verb, "SCENE", words->scene, "Scene file")->required();
-    verb->add_option("--node", words->nodes, "The host's name of a node; all if none is named")
+    verb->add_option("--node", words->nodes,
+                     "The host's name of a node; may be said again for more; all if none is named")
         ->expected(1)
         ->take_all();
     verb->add_option("--times", words->times, "START:END:STEP in seconds, END included")

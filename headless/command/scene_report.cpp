@@ -4,6 +4,7 @@
 #include <ostream>
 #include <string_view>
 
+#include "command/counted.h"
 #include "command/exit_status.h"
 #include "command/print_json.h"
 #include "headless/scene_view.h"
@@ -30,9 +31,9 @@ void PrintList(std::ostream& out, std::string_view title, const std::vector<std:
 }
 
 void PrintForPerson(std::ostream& out, const SceneReport& report) {
-    out << report.scene << ": " << report.nodes << " nodes\n";
+    out << report.scene << ": " << Counted(report.nodes, "node") << '\n';
     for (const TakeReport& take : report.takes) {
-        out << "Take " << take.name << ": " << take.nodes << " nodes";
+        out << "Take " << take.name << ": " << Counted(take.nodes, "node");
         if (!take.parent.empty()) out << ", below " << take.parent;
         PrintList(out, ", from ", take.captures);
         PrintList(out, "; not found: ", take.missing);

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cmath>
+#include <limits>
 
 namespace headless {
 namespace {
@@ -11,21 +12,26 @@ std::string CheckFileName(const std::string& text) {
     return text.empty() ? "the name of a file is empty" : "";
 }
 
-// Whether the text is a number that stays finite in single precision.
-bool IsNumber(const std::string& text, double& number) {
-    return CLI::detail::lexical_cast(text, number) && std::isfinite(static_cast<float>(number));
-}
-
-// Empty, or what is wrong with a number.
+// Empty, or what is wrong with a number, which is to stay finite in single precision.
 std::string CheckNumber(const std::string& text) {
     double number = 0;
-    return IsNumber(text, number) ? "" : text + " is not a number";
+    if (!CLI::detail::lexical_cast(text, number) || std::isnan(number))
+        return text + " is not a number";
+    return std::abs(number) <= std::numeric_limits<float>::max() ? "" : text + " is out of range";
 }
 
 // Empty, or what is wrong with a size.
 std::string CheckSize(const std::string& text) {
+    std::string wrong = CheckNumber(text);
     double size = 0;
-    return IsNumber(text, size) && size > 0 ? "" : text + " is not a number above 0";
+    if (!wrong.empty()) return wrong;
+    return CLI::detail::lexical_cast(text, size) && size > 0 ? "" : text + " is not above 0";
+}
+
+// Empty, or what is wrong with a whole number.
+std::string CheckWholeNumber(const std::string& text) {
+    int number = 0;
+    return CLI::detail::lexical_cast(text, number) ? "" : text + " is not a whole number";
 }
 
 }  // namespace
@@ -61,6 +67,18 @@ CLI::Option* AddNumber(CLI::App& verb, const std::string& words, double& number,
 CLI::Option* AddSize(CLI::App& verb, const std::string& words, double& size,
                      const std::string& help) {
     return verb.add_option(words, size, help)->check(CheckSize, "ABOVE 0");
+}
+
+CLI::Option* AddWholeNumber(CLI::App& verb, const std::string& words, std::optional<int>& number,
+                            const std::string& help) {
+    return verb.add_option(words, number, help)->check(CheckWholeNumber, "WHOLE NUMBER");
+}
+
+void CheckRange(const std::string& option, int number, Range range) {
+    if (number < range.least || number > range.most)
+        throw CLI::ValidationError(option, std::to_string(number) + " is not from " +
+                                               std::to_string(range.least) + " to " +
+                                               std::to_string(range.most));
 }
 
 Company CompanyWords::Chosen() const {

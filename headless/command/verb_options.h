@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,17 @@ CLI::Option* AddNumber(CLI::App& verb, const std::string& words, double& number,
                        const std::string& help);
 CLI::Option* AddSize(CLI::App& verb, const std::string& words, double& size,
                      const std::string& help);
+
+// An option for a whole number; its range is checked when the verb runs.
+CLI::Option* AddWholeNumber(CLI::App& verb, const std::string& words, std::optional<int>& number,
+                            const std::string& help);
+
+struct Range {
+    int least;
+    int most;
+};
+// Refuses what an option says beyond its range.
+void CheckRange(const std::string& option, int number, Range range);
 
 // Whom to start the host with: --no-core and --no-plugin.
 struct CompanyWords {

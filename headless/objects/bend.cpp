@@ -3,6 +3,7 @@
 
 #include "headless/primitives.h"
 #include "host/time.h"
+#include "objects/mesh_of.h"
 #include "objects/node_drawing.h"
 #include "objects/own_classes.h"
 #include "storage/plain_chunks.h"
@@ -36,15 +37,6 @@ void BendMesh(Mesh& mesh, double angle) {
     const double height = double{box.pmax.z} - box.pmin.z;
     for (Point3& p : mesh.verts)
         p = Bent(p, box.pmin.z, height, angle);
-}
-
-// Frees what a conversion has given, unless that is the object itself.
-Mesh MeshOf(Object& object, TimeValue t) {
-    Mesh mesh;
-    Object* const converted = object.ConvertToType(t, kTriObjectClassId);
-    if (auto* const triangles = dynamic_cast<TriObject*>(converted)) mesh = triangles->GetMesh();
-    if (converted && converted != &object) converted->DeleteThis();
-    return mesh;
 }
 
 class Bend final : public Object {
@@ -85,6 +77,9 @@ class Bend final : public Object {
     Class_ID ClassID() override { return kBendClassId; }
     void GetClassName(HostString& name) override { name = GetObjectName(); }
     HostString GetObjectName() override { return "Bend"; }
+    void InitNodeName(HostString& name) override {
+        base_ ? base_->InitNodeName(name) : Object::InitNodeName(name);
+    }
     void DeleteThis() override { delete this; }
 
     int Display(TimeValue t, INode* node, ViewExp* view, int) override {

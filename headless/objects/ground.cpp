@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "headless/primitives.h"
+#include "objects/own_classes.h"
 
 namespace headless {
 namespace {
@@ -49,7 +50,7 @@ void SetFaces(Mesh& mesh, int divisions) {
 }  // namespace
 
 TriObject* NewGround(float side, int divisions) {
-    TriObject* object = CreateNewTriObject();
+    TriObject* object = NewMeshObject("Ground");
     const int count = std::clamp(divisions, 1, kMostDivisions);
     SetCorners(object->GetMesh(), std::isfinite(side) ? side : 0, count);
     SetFaces(object->GetMesh(), count);

@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <span>
+#include <utility>
 
 #include "host/object.h"
 #include "objects/node_drawing.h"
+#include "objects/own_classes.h"
 #include "storage/plain_chunks.h"
 
 namespace headless {
@@ -12,6 +14,8 @@ constexpr std::uint16_t kVerticesChunk = 1;
 constexpr std::uint16_t kFacesChunk = 2;
 constexpr std::uint16_t kTextureVerticesChunk = 3;
 constexpr std::uint16_t kTextureFacesChunk = 4;
+
+constexpr char kMeshName[] = "Mesh";
 
 bool AreBelow(std::span<const std::uint32_t> indices, std::size_t count) {
     return std::all_of(indices.begin(), indices.end(), [count](auto i) { return i < count; });
@@ -27,10 +31,13 @@ bool IsSound(const Mesh& mesh) {
 
 class MeshObject final : public TriObject {
   public:
+    explicit MeshObject(HostString kind) : kind_(std::move(kind)) {}
+
     Mesh& GetMesh() override { return mesh_; }
 
     void GetClassName(HostString& name) override { name = GetObjectName(); }
-    HostString GetObjectName() override { return "Mesh"; }
+    HostString GetObjectName() override { return kMeshName; }
+    void InitNodeName(HostString& name) override { name = kind_; }
     void DeleteThis() override { delete this; }
 
     int Display(TimeValue t, INode* node, ViewExp* view, int) override {
@@ -45,7 +52,7 @@ class MeshObject final : public TriObject {
     }
 
     RefTargetHandle Clone(RemapDir& remap) override {
-        auto* copy = new MeshObject;
+        auto* copy = new MeshObject(kind_);
         copy->mesh_ = mesh_;
         BaseClone(this, copy, remap);
         return copy;
@@ -85,12 +92,18 @@ class MeshObject final : public TriObject {
         }
     }
 
+    HostString kind_;  // what it was made as; not stored
     Mesh mesh_;
 };
 
 }  // namespace
+
+TriObject* NewMeshObject(const char* kind) {
+    return new MeshObject(kind);
+}
+
 }  // namespace headless
 
 TriObject* CreateNewTriObject() {
-    return new headless::MeshObject;
+    return headless::NewMeshObject(headless::kMeshName);
 }

@@ -15,6 +15,10 @@ inline constexpr Class_ID kBendClassId{0x1004, 0};
 inline constexpr SClass_ID kCameraParametersSuperClass = 8;
 
 CameraObject* NewFreeCamera();
+
+// A mesh without faces, whose node is called by its kind.
+TriObject* NewMeshObject(const char* kind);
+
 ReferenceTarget* NewCameraParameters();
 
 }  // namespace headless

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "platform/narrow_path.h"
 #include "scene_file/atomic_file.h"
 #include "scene_file/scene_chunks.h"
 #include "storage/byte_source.h"
@@ -62,13 +63,14 @@ bool IsCut(const std::string& path) {
 
 void SweepAbandonedSaves(const std::string& place) {
     std::error_code error;
-    const fs::path folder = fs::path(place).parent_path();
+    const fs::path folder = platform::FromNarrow(place).parent_path();
     fs::directory_iterator entry(folder.empty() ? "." : folder, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
         const fs::path& path = entry->path();
-        const bool isLeft = IsNameWhileSaving(path.filename().string()) && IsForgotten(*entry);
+        const bool isLeft =
+            IsNameWhileSaving(platform::ToNarrow(path.filename())) && IsForgotten(*entry);
         std::error_code ignored;
-        if (isLeft && IsCut(path.string())) fs::remove(path, ignored);
+        if (isLeft && IsCut(platform::ToNarrow(path))) fs::remove(path, ignored);
     }
 }
 

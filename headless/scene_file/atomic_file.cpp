@@ -1,11 +1,11 @@
 #include "scene_file/atomic_file.h"
 
-#include <cerrno>
-#include <cstdio>
 #include <filesystem>
 #include <random>
 #include <system_error>
 
+#include "platform/narrow_path.h"
+#include "platform/new_file.h"
 #include "platform/replace_file.h"
 #include "scene_file/scene_file.h"
 
@@ -21,11 +21,12 @@ namespace fs = std::filesystem;
 // Only files are replaced, and one that a link leads to where it stands.
 std::string PlaceOf(const std::string& path) {
     std::error_code error;
-    const fs::file_status status = fs::status(path, error);
+    const fs::path named = platform::FromNarrow(path);
+    const fs::file_status status = fs::status(named, error);
     if (fs::exists(status) && !fs::is_regular_file(status)) Fail(path, "it is no plain file");
     if (!fs::exists(status)) return path;
-    const fs::path place = fs::canonical(path, error);
-    return error ? path : place.string();
+    const fs::path place = fs::canonical(named, error);
+    return error ? path : platform::ToNarrow(place);
 }
 
 std::string RandomName(std::random_device& random) {
@@ -41,16 +42,15 @@ std::string RandomName(std::random_device& random) {
 std::string NewFileBeside(const std::string& place, const std::string& path) {
     constexpr int kAttempts = 100;
     std::random_device random;
+    std::string reason = "every name is taken";
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        const fs::path name = fs::path(place).replace_filename(RandomName(random));
-        errno = 0;
-        if (std::FILE* const file = std::fopen(name.string().c_str(), "wbx")) {
-            std::fclose(file);
-            return name.string();
-        }
-        if (errno != EEXIST) break;
+        const std::string name =
+            platform::ToNarrow(platform::FromNarrow(place).replace_filename(RandomName(random)));
+        const platform::NewFile made = platform::MakeNewFile(name, reason);
+        if (made == platform::NewFile::kMade) return name;
+        if (made == platform::NewFile::kRefused) break;
     }
-    Fail(path, std::generic_category().message(errno));
+    Fail(path, reason);
 }
 
 }  // namespace
@@ -64,7 +64,7 @@ AtomicFile::AtomicFile(const std::string& path)
 
 AtomicFile::~AtomicFile() {
     std::error_code ignored;
-    if (!written_.empty()) fs::remove(written_, ignored);
+    if (!written_.empty()) fs::remove(platform::FromNarrow(written_), ignored);
 }
 
 void AtomicFile::Close() {
@@ -74,8 +74,8 @@ void AtomicFile::Close() {
 // The new file is as open to others as the old one was.
 std::string AtomicFile::TakePlace() {
     std::error_code error;
-    const fs::file_status old = fs::status(place_, error);
-    if (fs::exists(old)) fs::permissions(written_, old.permissions(), error);
+    const fs::file_status old = fs::status(platform::FromNarrow(place_), error);
+    if (fs::exists(old)) fs::permissions(platform::FromNarrow(written_), old.permissions(), error);
     const std::string reason = platform::ReplaceFile(written_, place_);
     if (!reason.empty()) Fail(path_, reason);
     written_.clear();

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "host/notify.h"
+#include "platform/narrow_path.h"
 #include "scene/notifications.h"
 #include "scene/selection.h"
 #include "scene_file/thrown_words.h"
@@ -134,7 +135,8 @@ FileOutcome Merge(const std::string& path, bool selectMerged) {
     outcome.error = Hindrance(path);
     if (!outcome.error.empty()) return outcome;
     std::error_code unknown;
-    if (!std::filesystem::exists(path, unknown)) return {At(path, "there is no such file"), {}};
+    if (!std::filesystem::exists(platform::FromNarrow(path), unknown))
+        return {At(path, "there is no such file"), {}};
     {
         const FileWork work;
         SceneFileReader file(path);

@@ -12,7 +12,7 @@
 // library; nothing is thrown across.
 namespace headless {
 
-inline constexpr char kViewportModule[] = "headless_viewport.so";
+inline constexpr char kViewportModule[] = "headless_viewport";
 
 // Draws the list as the view shows it. False, and one line in `error`, if there is no picture.
 inline constexpr char kDrawPixels[] = "DrawPixels";

@@ -2,27 +2,29 @@
 
 #include "platform/beside_program.h"
 #include "platform/load_failure.h"
-#include "platform/win32.h"
+#include "platform/routine.h"
 
 namespace headless {
 namespace {
 
-template <class Routine>
-Routine* Bind(HMODULE module, const char* name) {
-    return reinterpret_cast<Routine*>(GetProcAddress(module, name));
+// The loader's words may begin with the path that was asked for.
+std::string WhyNotLoaded(const std::string& path) {
+    std::string why = platform::LastLoadFailure();
+    if (why.starts_with(path + ": ")) why.erase(0, path.size() + 2);
+    return why;
 }
 
 PixelModule Load() {
-    const std::string path = platform::BesideProgram(kViewportModule);
+    const std::string path = platform::BesideProgram(platform::ModuleFile(kViewportModule));
     const HMODULE module = LoadLibraryA(path.c_str());
     PixelModule loaded;
     if (!module) {
         loaded.error = "pictures need the library " + path + ", which cannot be loaded (" +
-                       platform::LastLoadFailure() + ")";
+                       WhyNotLoaded(path) + ")";
         return loaded;
     }
-    loaded.drawPixels = Bind<DrawPixelsRoutine>(module, kDrawPixels);
-    loaded.encodePng = Bind<EncodePngRoutine>(module, kEncodePng);
+    loaded.drawPixels = platform::Routine<DrawPixelsRoutine>(module, kDrawPixels);
+    loaded.encodePng = platform::Routine<EncodePngRoutine>(module, kEncodePng);
     if (!loaded.drawPixels || !loaded.encodePng)
         loaded.error = path + ": is not the library that draws pictures";
     return loaded;

@@ -1,6 +1,7 @@
 #include <exception>
 #include <new>
 
+#include "platform/routine.h"
 #include "viewport/module_routines.h"
 #include "viewport_module/canvas.h"
 #include "viewport_module/offscreen_context.h"
@@ -42,14 +43,12 @@ bool Guarded(std::string& error, Work work) {
 }  // namespace
 }  // namespace headless
 
-#define EXPORTED extern "C" __attribute__((visibility("default")))
-
-EXPORTED bool DrawPixels(const headless::DrawList& list, const headless::View& view,
-                         headless::Picture& into, std::string& error) {
+MODULE_ROUTINE bool DrawPixels(const headless::DrawList& list, const headless::View& view,
+                               headless::Picture& into, std::string& error) {
     return headless::Guarded(error, [&] { return headless::DrawnPixels(list, view, into); });
 }
 
-EXPORTED bool EncodePng(const headless::Picture& picture, std::vector<std::uint8_t>& into,
-                        std::string& error) {
+MODULE_ROUTINE bool EncodePng(const headless::Picture& picture, std::vector<std::uint8_t>& into,
+                              std::string& error) {
     return headless::Guarded(error, [&] { return headless::PngBytes(picture, into); });
 }

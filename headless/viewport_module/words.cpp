@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "host/graphics_window.h"
 #include "viewport_module/letters.h"
@@ -60,12 +61,34 @@ void DrawRimmed(const DrawText& word, const IPoint2& corner, Picture& onto) {
     DrawLetters(word.text, corner, word.colour, onto);
 }
 
+// Pixels, the last ones not included.
+struct Frame {
+    int left, top, right, bottom;
+};
+
+Frame FrameOf(const DrawText& word, const IPoint2& corner, const Picture& onto) {
+    const auto letters = std::min(word.text.size(), static_cast<std::size_t>(onto.width));
+    return {corner.x - 1, corner.y - 1, corner.x + static_cast<int>(letters) * kAdvance,
+            corner.y + kLetterHeight + 1};
+}
+
+bool Overlap(const Frame& a, const Frame& b) {
+    return a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom;
+}
+
 }  // namespace
 
 void DrawWords(const DrawList& list, const View& view, Picture& onto) {
+    std::vector<Frame> taken;
     for (const DrawText& word : list.texts) {
-        if (const auto place = OnPicture(word.place, view))
-            DrawRimmed(word, {place->x + kBesidePlace, place->y - kLetterHeight / 2}, onto);
+        const auto place = OnPicture(word.place, view);
+        if (!place) continue;
+        const IPoint2 corner{place->x + kBesidePlace, place->y - kLetterHeight / 2};
+        const Frame frame = FrameOf(word, corner, onto);
+        if (std::ranges::any_of(taken, [&](const Frame& other) { return Overlap(frame, other); }))
+            continue;
+        taken.push_back(frame);
+        DrawRimmed(word, corner, onto);
     }
 }
 

@@ -7,7 +7,8 @@
 namespace headless {
 
 // Writes the texts of a drawing onto its pixels, each to the right of its place with a dark rim
-// around the letters. Those behind the viewer or outside the picture are left out.
+// around the letters. Those behind the viewer, outside the picture or over an earlier one are left
+// out.
 void DrawWords(const DrawList& list, const View& view, Picture& onto);
 
 }  // namespace headless

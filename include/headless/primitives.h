@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <vector>
 
 #include "headless/headless_api.h"
@@ -46,5 +47,15 @@ HEADLESS_API TriObject* NewGround(float side, int divisions);
 // `degreesPerSecond` × seconds of scene time. It takes the base over. A base that is a triangle
 // mesh gives a triangle mesh at each time; any other is converted when it is asked for one.
 HEADLESS_API Object* NewBend(Object* base, float degreesPerSecond);
+
+struct GuideLook {
+    std::array<float, 3> colour{1, 0, 0};  // red, green, blue, 0 to 1
+    bool isWireframe = true;
+};
+
+// A guide object of the loaded plug-in, which shows in viewports alone: it reads the triangle mesh
+// that `shown` is at time 0 in the form that scene files have of it (docs/scene-file.md). It takes
+// `shown` over. Null if no loaded plug-in has the class.
+HEADLESS_API Object* NewGuide(Object* shown, const GuideLook& look);
 
 }  // namespace headless

@@ -22,7 +22,7 @@ struct ViewportSettings {
     std::vector<TimeValue> framedTimes;  // from the front and above at all that shows at these
                                          // times, at the drawn time if there are none
     bool isWireframe = false;
-    bool showsNames = false;
+    bool showsNames = false;  // of two that would cover each other, the first in the scene's order
     bool showsGrid = true;
 };
 

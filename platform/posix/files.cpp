@@ -4,7 +4,7 @@
 
 #include "platform/posix/guarded.h"
 #include "platform/posix/native_path.h"
-#include "platform/posix/text.h"
+#include "platform/registry_text/text.h"
 #include "platform/win32.h"
 
 extern "C" {

@@ -9,8 +9,8 @@
 #include "platform/posix/guarded.h"
 #include "platform/posix/modules.h"
 #include "platform/posix/native_path.h"
-#include "platform/posix/text.h"
 #include "platform/posix/window_table.h"
+#include "platform/registry_text/text.h"
 #include "platform/testing.h"
 #include "platform/win32.h"
 

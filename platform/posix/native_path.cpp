@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "platform/posix/text.h"
+#include "platform/registry_text/text.h"
 
 namespace platform {
 

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -9,12 +8,13 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/hide_registry.h"
+#include "platform/environment.h"
 #include "platform/posix/guarded.h"
 #include "platform/posix/handle_table.h"
 #include "platform/posix/native_path.h"
-#include "platform/posix/reg_file.h"
-#include "platform/posix/text.h"
+#include "platform/registry_text/reg_file.h"
+#include "platform/registry_text/text.h"
+#include "platform/stand_in_registry.h"
 #include "platform/testing.h"
 #include "platform/win32.h"
 
@@ -45,7 +45,7 @@ Registry& TheRegistry() {
 }
 
 std::string RegistryPath() {
-    if (const char* const named = std::getenv("LUMISET_REGISTRY")) return named;
+    if (const char* const named = std::getenv(kRegistryVariable)) return named;
     return (std::filesystem::path(ProgramPath()).parent_path() / "lumiset.reg").string();
 }
 
@@ -68,9 +68,7 @@ std::shared_ptr<const RegFile> ReadRegistry() {
     std::string bytes = ReadFile(path);
     if (registry.file && registry.path == path && registry.bytes == bytes) return registry.file;
     auto file = std::make_shared<const RegFile>(ParseRegFile(bytes));
-    for (const int line : file->damagedLines) {
-        std::fprintf(stderr, "%s:%d: not a line of a registry file, skipped\n", path.c_str(), line);
-    }
+    ReportDamage(path, *file);
     registry.path = std::move(path);
     registry.bytes = std::move(bytes);
     registry.file = file;
@@ -123,6 +121,13 @@ LSTATUS Query(HKEY key, std::string_view name, DWORD* type, BYTE* data, DWORD* s
 void HideRegistry() {
     TheRegistry().isHidden = true;
 }
+
+void UseRegistryFile(const std::string& path) {
+    SetVariable(kRegistryVariable, path);
+}
+
+// It is what is looked for whenever a key is opened.
+void UseNamedRegistry() {}
 
 std::size_t CountOpenKeys() {
     return TheRegistry().keys.Count();

@@ -6,7 +6,7 @@
 
 #include "platform/posix/guarded.h"
 #include "platform/posix/modules.h"
-#include "platform/posix/text.h"
+#include "platform/registry_text/text.h"
 
 namespace platform {
 namespace {

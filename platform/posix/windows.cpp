@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "platform/posix/guarded.h"
-#include "platform/posix/text.h"
 #include "platform/posix/window_table.h"
+#include "platform/registry_text/text.h"
 #include "platform/win32.h"
 
 namespace platform {

@@ -4,6 +4,7 @@
 #include "adaptor/panel.h"
 #include "adaptor/trace_file.h"
 #include "adaptor/utility_manager.h"
+#include "platform/routine.h"
 #include "resources/resource_ids.h"
 #include "tvl/error_code.h"
 #include "tvl/log.h"
@@ -16,11 +17,6 @@ constexpr const char* kCoreLibrary = "\\Core\\Core64.dll";  // below the install
 
 constexpr TVL::Failure kCouldNotLoad{"CORE_COULDNOTLOAD", "Unable to load CORE",
                                      TVL::ErrorCode::kError};
-
-template <class Routine>
-Routine* Bind(HMODULE library, const char* name) {
-    return reinterpret_cast<Routine*>(GetProcAddress(library, name));
-}
 
 bool HasAllRoutines(HMODULE library) {
     for (const char* name : {TVL::kGetVersionRoutine, TVL::kAttachRoutine, TVL::kDetachRoutine}) {
@@ -63,7 +59,8 @@ std::int32_t UtilityManager::AttachCore() {
     }
     if (KeepMatchingCore()) {
         const Passage passage(coreComesOrGoes);
-        const auto attach = Bind<TVL::AttachRoutine>(link.coreModule, TVL::kAttachRoutine);
+        const auto attach =
+            platform::Routine<TVL::AttachRoutine>(link.coreModule, TVL::kAttachRoutine);
         link.core = attach(MaxAdaptorInterface::GetInstance());
         ShowAttachState(panelWindow, link.core ? kDetachText : kAttachText);
         if (link.core) LinkOptions();
@@ -79,7 +76,8 @@ bool UtilityManager::KeepMatchingCore() {
         DetachCore();
         return false;
     }
-    const auto getVersion = Bind<TVL::GetVersionRoutine>(link.coreModule, TVL::kGetVersionRoutine);
+    const auto getVersion =
+        platform::Routine<TVL::GetVersionRoutine>(link.coreModule, TVL::kGetVersionRoutine);
     const std::uint32_t coreVersion = getVersion();
     const auto adaptorVersion = static_cast<std::uint32_t>(adaptor.GetVersion());
     if (coreVersion == adaptorVersion) return true;
@@ -111,7 +109,8 @@ void UtilityManager::LetCoreGo() {
     const int chunks = ReleaseCoreChunks();
     if (link.core) {
         TVL::Log(TVL::Log::kNotice).Write("Adaptor is detaching core");
-        const auto detach = Bind<TVL::DetachRoutine>(link.coreModule, TVL::kDetachRoutine);
+        const auto detach =
+            platform::Routine<TVL::DetachRoutine>(link.coreModule, TVL::kDetachRoutine);
         detach(link.core);
         link.core = nullptr;
     }

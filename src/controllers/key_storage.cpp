@@ -2,30 +2,16 @@
 
 #include <algorithm>
 
+#include "persistence/chunks/whole_value.h"
+
 namespace {
 
 constexpr std::uint16_t kKeysChunk = 1;
 constexpr std::int32_t kFormatVersion = 100;
 
-template <class Value>
-void Write(ISave& save, const Value& value) {
-    std::uint32_t written = 0;
-    save.Write(&value, sizeof value, &written);
-}
-
-// Leaves `value` as it was unless all of it is there.
-template <class Value>
-bool Read(ILoad& load, Value& value) {
-    Value whole;
-    std::uint32_t read = 0;
-    if (load.Read(&whole, sizeof whole, &read) != IO_OK || read != sizeof whole) return false;
-    value = whole;
-    return true;
-}
-
 bool ReadNumber(ILoad& load, std::int32_t expected) {
     std::int32_t number = 0;
-    return Read(load, number) && number == expected;
+    return ReadWhole(load, number) && number == expected;
 }
 
 template <class T>
@@ -57,16 +43,16 @@ template <class T>
 void ReadRecords(ILoad& load, KeyTable<T>& table) {
     std::int32_t count = 0;
     if (!ReadNumber(load, kFormatVersion) || !ReadNumber(load, sizeof(TarvoKey<T>)) ||
-        !Read(load, count))
+        !ReadWhole(load, count))
         return;
     const std::size_t announced = table.keys.size() + static_cast<std::size_t>(std::max(count, 0));
     TarvoKey<T> key;
     for (std::int32_t i = 0; i < count; ++i) {
-        if (!Read(load, key)) return;
+        if (!ReadWhole(load, key)) return;
         MakeRoom(table.keys, announced);
         table.keys.push_back(key);
     }
-    Read(load, table.currentKey);
+    ReadWhole(load, table.currentKey);
 }
 
 }  // namespace
@@ -74,12 +60,12 @@ void ReadRecords(ILoad& load, KeyTable<T>& table) {
 template <class T>
 void SaveKeys(ISave& save, const KeyTable<T>& table) {
     save.BeginChunk(kKeysChunk);
-    Write(save, kFormatVersion);
-    Write(save, std::int32_t{sizeof(TarvoKey<T>)});
-    Write(save, table.Count());
+    WriteWhole(save, kFormatVersion);
+    WriteWhole(save, std::int32_t{sizeof(TarvoKey<T>)});
+    WriteWhole(save, table.Count());
     for (const TarvoKey<T>& key : table.keys)
-        Write(save, key);
-    Write(save, table.currentKey);
+        WriteWhole(save, key);
+    WriteWhole(save, table.currentKey);
     save.EndChunk();
 }
 

@@ -6,6 +6,7 @@
 
 #include "host/storage.h"
 #include "objects/custom_helper_object.h"
+#include "persistence/chunks/whole_value.h"
 
 // Chunks of a helper in the scene file, always all three:
 //   1  int32 vertex count, then x, y, z of each vertex as doubles
@@ -29,22 +30,12 @@ constexpr std::size_t kItemsPerStep = 4096;
 
 template <class T>
 void WriteItems(ISave& save, const T* items, std::size_t count) {
+    WriteWhole(save, static_cast<std::int32_t>(count));
     std::uint32_t written = 0;
-    const std::int32_t stored = static_cast<std::int32_t>(count);
-    save.Write(&stored, sizeof stored, &written);
     for (std::size_t done = 0; done < count; done += kItemsPerStep) {
         const std::size_t step = std::min(kItemsPerStep, count - done);
         save.Write(items + done, static_cast<std::uint32_t>(step * sizeof(T)), &written);
     }
-}
-
-template <class T>
-bool ReadWhole(ILoad& load, T& value) {
-    T stored{};
-    std::uint32_t read = 0;
-    if (load.Read(&stored, sizeof stored, &read) != IO_OK || read != sizeof stored) return false;
-    value = stored;
-    return true;
 }
 
 // The items that are whole, at most as many as the count in front of them says.
@@ -95,11 +86,10 @@ IOResult CustomHelperObject::Save(ISave* save) {
     save->EndChunk();
 
     save->BeginChunk(kLookChunk);
-    std::uint32_t written = 0;
-    save->Write(colour.data(), sizeof colour, &written);
-    save->Write(&wireframe, sizeof wireframe, &written);
-    save->Write(&backfaceCull, sizeof backfaceCull, &written);
-    save->Write(reserved.data(), sizeof reserved, &written);
+    WriteWhole(*save, colour);
+    WriteWhole(*save, wireframe);
+    WriteWhole(*save, backfaceCull);
+    WriteWhole(*save, reserved);
     save->EndChunk();
     return IO_OK;
 }

@@ -101,38 +101,26 @@ TEST_F(Conversion, ATransformKeepsItsKeyTimesAndPosesAndComesBackInOneStep) {
     ExpectNear(node->GetNodeTM(200), poses[2]);
 }
 
-TEST_F(Conversion, AScalarGetsAKeyAtTickZeroIfAllItsKeysAreLater) {
-    OpenScalar* control = NewFieldOfView();
-    // Recorded, so that the cached key holds the last value while its time is still 0.
-    AnimateOn();
-    for (const TimeValue t : {100, 200}) {
-        float value = static_cast<float>(t) / 400;
-        control->SetValue(t, &value, 1, CTRL_ABSOLUTE);
+// Recorded, so that the cached key holds the last value while its time is still 0.
+TEST_F(Conversion, AScalarKeepsItsRecordedValuesAndGetsAKeyAtTickZeroIfItHasNone) {
+    for (const TimeValue first : {0, 100}) {
+        OpenScalar* control = NewFieldOfView();
+        AnimateOn();
+        for (const TimeValue t : {first, 200}) {
+            float value = static_cast<float>(100 + t) / 400;
+            control->SetValue(t, &value, 1, CTRL_ABSOLUTE);
+        }
+        AnimateOff();
+        ConvertToScalarController(control);
+        Control& converted = FieldOfViewNow();
+        ASSERT_EQ(converted.ClassID(), kLinearFloatClassId);
+        EXPECT_EQ(converted.NumKeys(), first == 0 ? 2 : 3);
+        EXPECT_EQ(converted.GetKeyTime(0), 0);
+        for (const TimeValue t : {0, first})
+            EXPECT_EQ(FloatAt(converted, t), static_cast<float>(100 + first) / 400);
+        EXPECT_EQ(FloatAt(converted, 200), 0.75f);
+        EXPECT_EQ(world_.Host().UndoLabels().front(), "Convert to Scalar controller");
     }
-    AnimateOff();
-    ConvertToScalarController(control);
-    Control& converted = FieldOfViewNow();
-    ASSERT_EQ(converted.ClassID(), kLinearFloatClassId);
-    ASSERT_EQ(converted.NumKeys(), 3);
-    EXPECT_EQ(converted.GetKeyTime(0), 0);
-    EXPECT_EQ(FloatAt(converted, 0), 0.25f);
-    EXPECT_EQ(FloatAt(converted, 100), 0.25f);
-    EXPECT_EQ(FloatAt(converted, 200), 0.5f);
-    EXPECT_EQ(world_.Host().UndoLabels().front(), "Convert to Scalar controller");
-}
-
-TEST_F(Conversion, AScalarWithAKeyAtTickZeroKeepsEveryRecordedValue) {
-    OpenScalar* control = NewFieldOfView();
-    AnimateOn();
-    for (const TimeValue t : {0, 100}) {
-        float value = 1 + static_cast<float>(t);
-        control->SetValue(t, &value, 1, CTRL_ABSOLUTE);
-    }
-    AnimateOff();
-    ConvertToScalarController(control);
-    EXPECT_EQ(FieldOfViewNow().NumKeys(), 2);
-    EXPECT_EQ(FloatAt(FieldOfViewNow(), 0), 1.0f);
-    EXPECT_EQ(FloatAt(FieldOfViewNow(), 100), 101.0f);
 }
 
 TEST_F(Conversion, WithoutKeysThePresentValueCarriesOverAloneWhereAnimateModeIsOff) {

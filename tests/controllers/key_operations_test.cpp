@@ -22,11 +22,6 @@ class KeyOperations : public testing::Test {
         return times;
     }
 
-    void Select(std::initializer_list<int> indexes) {
-        for (const int index : indexes)
-            control_->SelectKeyByIndex(index, 1);
-    }
-
     using List = std::vector<TimeValue>;
 
     ControlWorld world_;
@@ -50,13 +45,6 @@ TEST_F(KeyOperations, TheNextKeyIsTheNeighbourOfTheKeyAtThatTime) {
     EXPECT_FALSE(control_->GetNextKeyTime(99, NEXTKEY_LEFT, next));
 }
 
-TEST_F(KeyOperations, AKeyAtANegativeTimeIsFoundButDoesNotCountAsPresent) {
-    Fill({-10, 10});
-    EXPECT_EQ(control_->GetKeyIndex(-10), 0);
-    EXPECT_FALSE(control_->IsKeyAtTime(-10, 0));
-    EXPECT_TRUE(control_->IsKeyAtTime(10, 0));
-}
-
 TEST_F(KeyOperations, KeyTimesInsideTheIntervalAreAppendedAndNotCounted) {
     Fill({0, 10, 20, 30});
     Tab<TimeValue> times;
@@ -76,11 +64,6 @@ TEST_F(KeyOperations, DeletingARangeOfTimeKeepsTheKeysOnItsEndsUnlessTheyAreIncl
         List left;
     };
     const Case cases[] = {
-        {{10, 30}, 0, {0, 10, 30, 40}},
-        {{10, 30}, TIME_INCLEFT, {0, 30, 40}},
-        {{10, 30}, TIME_INCRIGHT, {0, 10, 40}},
-        {{10, 30}, TIME_INCLEFT | TIME_INCRIGHT, {0, 40}},
-        {{5, 35}, 0, {0, 40}},
         {{20, 20}, TIME_INCLEFT, {0, 10, 20, 30, 40}},
         {{20, 20}, TIME_INCLEFT | TIME_INCRIGHT, {0, 10, 30, 40}},
         {{20, INT_MAX}, TIME_INCRIGHT, {0, 10, 20}},
@@ -94,20 +77,6 @@ TEST_F(KeyOperations, DeletingARangeOfTimeKeepsTheKeysOnItsEndsUnlessTheyAreIncl
         control_->DeleteTime(one.range, one.flags);
         EXPECT_EQ(Times(), one.left) << one.range.Start() << ".." << one.range.End();
     }
-}
-
-TEST_F(KeyOperations, DeletingSelectedKeysWinsOverDeletingAllAndIsUndoneKeyByKey) {
-    Fill({0, 10, 20, 30});
-    Select({1, 2});
-    theHold.Begin();
-    control_->DeleteKeys(TRACK_DOSEL | TRACK_DOALL);
-    theHold.Accept("delete");
-    EXPECT_EQ(Times(), (List{0, 30}));
-    ASSERT_TRUE(world_.Host().Undo());
-    EXPECT_EQ(Times(), (List{0, 10, 20, 30}));
-    EXPECT_EQ(control_->table.keys[1].flags, 1u);
-    ASSERT_TRUE(world_.Host().Redo());
-    EXPECT_EQ(Times(), (List{0, 30}));
 }
 
 TEST_F(KeyOperations, DeletingAllKeysLeavesNothingToUndo) {
@@ -150,21 +119,6 @@ TEST_F(KeyOperations, PositionsOutsideTheTableAreHarmless) {
     }
     EXPECT_EQ(Times(), List{5});
     EXPECT_EQ(control_->table.keys[0].flags, 0u);
-}
-
-TEST_F(KeyOperations, AKeyAtTheTimeOfAnotherReplacesItWithItsFlagsAndComesBackByUndo) {
-    Fill({0, 10});
-    control_->SelectKeyByIndex(0, 3);
-    theHold.Begin();
-    control_->AddKey({0, 0, 42.0f});
-    theHold.Accept("overwrite");
-    EXPECT_EQ(control_->NumKeys(), 2);
-    EXPECT_EQ(control_->table.keys[0].flags, 0u);
-    ASSERT_TRUE(world_.Host().Undo());
-    EXPECT_EQ(control_->table.keys[0].flags, 3u);
-    EXPECT_EQ(control_->table.keys[0].value, 0.0f);
-    ASSERT_TRUE(world_.Host().Redo());
-    EXPECT_EQ(control_->table.keys[0].value, 42.0f);
 }
 
 TEST_F(KeyOperations, AnAppendedKeyComesBackWithTheFlagsThatItHadWhenItWasUndone) {

@@ -167,23 +167,4 @@ TEST_F(KeyStorage, KeysOutOfOrderAreSortedAndOfEqualTimesTheLastStands) {
     }
 }
 
-TEST_F(KeyStorage, AChunkDamagedInAnyByteLoadsIntoAWorkingTable) {
-    Alone<OpenTransform> written;
-    for (int i = 0; i < 3; ++i)
-        written->AddKey({0, i * 100, TurnedAboutZ(i * 40)});
-    const Bytes whole = Saved(*written);
-    for (std::size_t i = 0; i < whole.size(); ++i) {
-        for (const std::byte damage : {std::byte{0xFF}, std::byte{0x80}, std::byte{0x01}}) {
-            Bytes damaged = whole;
-            damaged[i] ^= damage;
-            Alone<OpenTransform> read;
-            Load(*read, damaged);
-            for (std::size_t k = 1; k < read->table.keys.size(); ++k)
-                ASSERT_LT(read->table.keys[k - 1].time, read->table.keys[k].time);
-            for (const TimeValue t : {-1, 0, 50, 150, 1000})
-                MatrixAt(*read, t, TurnedAboutZ(15));
-        }
-    }
-}
-
 }  // namespace

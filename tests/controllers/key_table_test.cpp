@@ -39,14 +39,6 @@ TEST(KeyTable, WithoutKeysEveryLookupGivesTheInvalidKey) {
     EXPECT_EQ(KeyTable<Matrix3>::InvalidKey().value, Matrix3());
 }
 
-TEST(KeyTable, OfTwoKeysEquallyNearTheEarlierOneIsFound) {
-    KeyTable<float> table = TableOf({0, 100, 201});
-    EXPECT_EQ(table.FindNearestKey(50).time, 0);
-    EXPECT_EQ(table.FindNearestKey(51).time, 100);
-    EXPECT_EQ(table.FindNearestKey(150).time, 100);
-    EXPECT_EQ(table.FindNearestKey(151).time, 201);
-}
-
 TEST(KeyTable, TimesAtTheEndsOfTheRangeDoNotOverflow) {
     KeyTable<float> table = TableOf({kFirst, -2, kLast});
     EXPECT_EQ(table.FindNearestKey(kFirst + 1).time, kFirst);

@@ -31,23 +31,10 @@ Matrix3 Rows(Point3 x, Point3 y, Point3 z, Point3 translation) {
     return Matrix3(x, y, z, translation);
 }
 
-TEST_F(Transform, HalfWayToAQuarterTurnLiesAnEighth) {
-    Key(0, Matrix3());
-    Key(100, TurnedAboutZ(90));
-    ExpectNear(MatrixAt(*control_, 50), TurnedAboutZ(45));
-    ExpectNear(MatrixAt(*control_, 25), TurnedAboutZ(22.5));
-}
-
 TEST_F(Transform, ATurnGoesTheShorterWayRound) {
     Key(0, Matrix3());
     Key(100, TurnedAboutZ(270));
     ExpectNear(MatrixAt(*control_, 50), TurnedAboutZ(-45));
-}
-
-TEST_F(Transform, EachRowHasALengthOfItsOwn) {
-    Key(0, Matrix3());
-    Key(100, Rows({3, 0, 0}, {0, 1, 0}, {0, 0, 5}, {10, 20, 30}));
-    EXPECT_EQ(MatrixAt(*control_, 50), Rows({2, 0, 0}, {0, 1, 0}, {0, 0, 3}, {5, 10, 15}));
 }
 
 TEST_F(Transform, AKeyIsGivenBitForBitAlsoIfItIsShearedOrMirrored) {

@@ -1,44 +1,37 @@
 #include "end_to_end/command.h"
 
-#include <sys/wait.h>
-
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 
-Command::Command() {
-    std::string pattern =
-        (std::filesystem::temp_directory_path() / "lumiset_command_XXXXXX").string();
-    folder_ = mkdtemp(pattern.data());
+#include "platform/testing.h"
+#include "support/folder/surroundings.h"
+
+namespace {
+
+std::string Quoted(const std::string& path) {
+    return '"' + path + '"';
 }
 
-Command::~Command() {
-    std::filesystem::remove_all(folder_);
+// As the system's shell takes a program's name.
+std::string ProgramFile() {
+    return std::filesystem::path(COMMAND).make_preferred().string();
 }
 
-std::string Command::Write(const std::string& name, const std::string& text) const {
-    std::ofstream(File(name), std::ios::binary) << text;
-    return File(name);
-}
-
-std::string Command::Read(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
+// As text, which has one sign for the end of a line.
+std::string ReadText(const std::string& path) {
+    std::ifstream file(path);
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
+}  // namespace
+
 Ending Command::Run(const std::string& arguments, const std::string& coreFolder) const {
-    const std::string registry =
-        Write("command.reg",
-              "Windows Registry Editor Version 5.00\n\n"
-              "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node\\Tarvo Works\\Ostrel tools]\n"
-              "\"datapath\"=\"" +
-                  coreFolder + "\"\n");
-    const std::string line = "LUMISET_REGISTRY=" + registry + " " + COMMAND + " " + arguments +
-                             " >" + File("out") + " 2>" + File("error");
-    const int status = std::system(line.c_str());
-    return {WEXITSTATUS(status), Read(File("out")), Read(File("error"))};
+    PlaceRegistry(folder_, {coreFolder, ""});
+    const int status = platform::RunLine(Quoted(ProgramFile()) + " " + arguments + " >" +
+                                         Quoted(File("out")) + " 2>" + Quoted(File("error")));
+    return {status, ReadText(File("out")), ReadText(File("error"))};
 }
 
 std::string Command::Do(const std::string& arguments, const std::string& coreFolder) const {

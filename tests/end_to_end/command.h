@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "support/folder/temporary_folder.h"
+
 // The command as a person calls it, in a folder of its own.
 struct Ending {
     int status;
@@ -13,12 +15,11 @@ struct Ending {
 
 class Command : public testing::Test {
   protected:
-    Command();
-    ~Command() override;
-
-    std::string File(const std::string& name) const { return folder_ + "/" + name; }
-    std::string Write(const std::string& name, const std::string& text) const;
-    static std::string Read(const std::string& path);
+    std::string File(const std::string& name) const { return folder_.File(name); }
+    std::string Write(const std::string& name, const std::string& text) const {
+        return folder_.Write(name, text);
+    }
+    static std::string Read(const std::string& path) { return ReadFile(path); }
 
     // Runs it with the Core that is installed below `coreFolder`.
     Ending Run(const std::string& arguments, const std::string& coreFolder = CORE_FOLDER) const;
@@ -29,5 +30,5 @@ class Command : public testing::Test {
     // Fails with one line, which begins with `what`.
     static void ExpectFailure(const Ending& ending, const std::string& what, int status = 1);
 
-    std::string folder_;
+    TemporaryFolder folder_;
 };

@@ -35,7 +35,7 @@ TEST_F(Command, TellsAProgramWhatWasRecordedAndWritesThePositions) {
 }
 
 TEST_F(Command, RecordsIntoASceneWithItsGroundAndItsPath) {
-    Do("draw --path '0,0,0 0,100,0' --name Path -o " + File("path.scene"));
+    Do("draw --path \"0,0,0 0,100,0\" --name Path -o " + File("path.scene"));
     const std::string record = "record " + Write("walk.bvh", Walk(5)) + " --scale 1 --json ";
     const std::string habits = " --ground --follow-camera --into ";
     const nlohmann::json told = nlohmann::json::parse(
@@ -66,7 +66,7 @@ TEST_F(Command, NamesTheLineOfADamagedCaptureAndLeavesNoFile) {
 TEST_F(Command, SaysThatThereIsNoCoreOfUse) {
     const std::string capture = Write("walk.bvh", Walk(2));
     const std::string attached = "the Core could not be attached (";
-    ExpectFailure(Run("record " + capture, folder_), attached);
+    ExpectFailure(Run("record " + capture, folder_.Path().string()), attached);
     for (const char* puppet : {"without_version", "without_attach", "without_detach"})
         ExpectFailure(Run("record " + capture, std::string(PUPPET_CORES) + "/" + puppet), attached);
 }
@@ -90,7 +90,7 @@ TEST_F(Command, RefusesFilesThatItCannotWriteAndWordsThatItDoesNotKnow) {
           Wrong{record + " --scale -1", "--scale: "}, Wrong{record + " --scale 2e6", "--scale: "},
           Wrong{record + " x.bvh --csv x", "--csv: "},
           Wrong{record + " --csv ''", "--csv" + noName},
-          Wrong{"merge a b --save ''", "--save" + noName}, Wrong{"info ''", "SCENE" + noName}})
+          Wrong{"merge a b --save \"\"", "--save" + noName}, Wrong{"info \"\"", "SCENE" + noName}})
         ExpectFailure(Run(wrong.words), wrong.what, 2);
 }
 

@@ -48,7 +48,7 @@ TEST_F(Inspect, ASphereThatBendsIsSeenAsItIsAtEachTime) {
 
 TEST_F(Inspect, PathsTellTheirLengthsInHostUnitsAndTheirPlaceInMetres) {
     const std::string scene = File("paths.scene");
-    const std::string triangle = "--path '0,0,0 30,0,0 30,40,0'";
+    const std::string triangle = "--path \"0,0,0 30,0,0 30,40,0\"";
     Do("draw --ground 100 --segments 3 --name Ground -o " + scene);
     Do("draw " + scene + ' ' + triangle + " --closed --at 1,2,-3 --name Closed -o " + scene);
     Do("draw " + scene + ' ' + triangle + " --smooth --name Smooth -o " + scene);
@@ -95,12 +95,17 @@ TEST_F(Inspect, WhatCannotBeDrawnOrFoundIsNamedAndNothingIsWritten) {
     };
     for (const Wrong& wrong :
          {Wrong{"", "exactly one of"}, Wrong{"--sphere 1 --ground 1", "exactly one of"},
-          Wrong{"--sphere 1e39", "--sphere: "}, Wrong{"--ground -1", "--ground: "},
-          Wrong{"--sphere 1 --segments 1025", "--segments: "},
+          Wrong{"--sphere 1e300", "--sphere: 1e300 is out of range"},
+          Wrong{"--ground -1", "--ground: "}, Wrong{"--sphere 1 --segments 1025", "--segments: "},
           Wrong{"--ground 1 --segments 0", "--segments: "}, Wrong{"--path 1,2,3", "--path: "},
-          Wrong{"--path '1,2,3 4,5'", "--path: \"4,5\" "},
-          Wrong{"--sphere 1 --at 1,2,nan", "--at: "}, Wrong{"--sphere 1 --bend inf", "--bend: "},
-          Wrong{"--sphere 1 --closed", "--closed "}})
+          Wrong{"--path \"1,2,3 4,5\"", "--path: \"4,5\" "},
+          Wrong{"--sphere 1 --segments x", "--segments: x is not a whole number"},
+          Wrong{"--sphere 1 --at 1,2,nan", "--at: "},
+          Wrong{"--sphere 1 --at 1,2,1e39", "--at: \"1,2,1e39\" is out of range"},
+          Wrong{"--sphere 1 --guide --color 1,0,1.5", "--color: \"1,0,1.5\" is not a colour"},
+          Wrong{"--sphere 1 --color 1,0,0", "--color requires --guide"},
+          Wrong{"--sphere 1 --guide --bend 3", "--bend excludes --guide"},
+          Wrong{"--sphere 1 --bend inf", "--bend: "}, Wrong{"--sphere 1 --closed", "--closed "}})
         ExpectFailure(Run("draw " + wrong.words + " -o " + File("none")), wrong.what, 2);
     EXPECT_FALSE(std::filesystem::exists(File("none")));
 }

@@ -72,6 +72,36 @@ TEST_F(Command, DrawsAScenesSameBytesAtEachRunAndFromASavedCopy) {
         File("sheet.png") + ": a picture of 128x144 pixels\n");
 }
 
+TEST_F(Command, DrawsAGuideObjectAndKeepsItWhereThePlugInIsMissing) {
+    const std::string scene = File("guide.scene");
+    EXPECT_EQ(Do("draw --guide --ground 20 --segments 2 --color 0,0.5,1 --solid -o " + scene),
+              "Drew Tarvo_Helper01 (1) into " + scene + ": 1 node\n");
+    const auto pictureOf = [&](const std::string& drawn, const std::string& company) {
+        Do("render " + drawn + company + " --time 0 --size 160x120 -o " + File("a.png"));
+        return Read(File("a.png"));
+    };
+    const std::string picture = pictureOf(scene, "");
+    EXPECT_NE(pictureOf(scene, " --no-plugin"), picture);
+    for (const char* company : {"", " --no-plugin"}) {
+        const std::string copy = File("copy.scene");
+        const std::string told = Do("open " + scene + company + " --save " + copy);
+        EXPECT_EQ(told.find("of 1 object is not loaded; kept as stored") != std::string::npos,
+                  *company != 0)
+            << told;
+        EXPECT_EQ(pictureOf(copy, ""), picture);
+    }
+
+    Stage stage;
+    ASSERT_EQ(stage.Host().OpenScene(scene).error, "");
+    headless::ViewportSettings settings;
+    settings.showsGrid = false;
+    const auto batches = headless::DrawScene(settings, 0).list.batches;
+    ASSERT_EQ(batches.size(), 1U);
+    EXPECT_TRUE(batches[0].isTriangles);
+    EXPECT_EQ(batches[0].vertices.size(), 3 * 8U);
+    EXPECT_EQ(batches[0].vertices[0].colour, (headless::Colour{0, 0.5F, 1}));
+}
+
 TEST_F(Command, RefusesPicturesThatCannotBeAndLeavesNoFile) {
     const std::string scene = File("take.scene");
     const std::string file = File("a.png");
@@ -85,18 +115,21 @@ TEST_F(Command, RefusesPicturesThatCannotBeAndLeavesNoFile) {
     refuses("--time 1 --size 320", "--size: 320 is not", 2);
     refuses("--time 1 --size 15x9000", "--size: a picture is 16 to 8,192 pixels", 2);
     refuses("--time 1 --sheet 2", "", 2);
-    refuses("--frames 0:4:0", "--frames: 0:4:0 goes", 2);
+    refuses("--frames 0:4:0", "--frames: 0:4:0 has no step above 0", 2);
+    refuses("--frames 10:0:1", "--frames: 10:0:1 has its last frame before the first", 2);
+    refuses("--frames 0:4:1 --sheet x", "--sheet: x is not a whole number", 2);
+    refuses("--frames 0:4:1 --sheet 513", "--sheet: 513 is not from 1 to 512", 2);
     refuses("--frames 0:4", "--frames: 0:4 is not", 2);
     refuses("--frames 0:4:1", "-o: " + file + " has no place for the number of a frame", 2);
     refuses("--frames 0:9999:1 --sheet 2", "--sheet: 10000 pictures make a sheet of ", 2);
-    refuses("--time 1 --camera Nobody", file + ": no picture: no node is called \"Nobody\"", 1);
+    refuses("--time 1 --camera Nobody", scene + ": no picture: no node is called \"Nobody\"", 1);
     refuses("--time 1 --camera ''", "--camera: ", 2);
-    refuses("--time 1 --camera walk_Hip", file + ": no picture: the node \"walk_Hip\" is no camera",
-            1);
+    refuses("--time 1 --camera walk_Hip",
+            scene + ": no picture: the node \"walk_Hip\" is no camera", 1);
     const std::string twice = File("twice.scene");
     Do("merge " + scene + ' ' + scene + " --by-host --save " + twice);
     ExpectFailure(Run("render " + twice + " -o " + file + " --time 1 --camera walk_Camera"),
-                  file + ": no picture: 2 cameras are called \"walk_Camera\"");
+                  twice + ": no picture: 2 cameras are called \"walk_Camera\"");
     EXPECT_FALSE(std::filesystem::exists(file));
     ExpectFailure(Run("render " + scene + " --time 1 -o " + File("no/a.png")),
                   File("no/a.png") + ": the file cannot be written");

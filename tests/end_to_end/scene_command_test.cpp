@@ -160,11 +160,13 @@ void ExpectCloseRows(std::string rows, std::string expected) {
 
 TEST_F(SceneCommand, SamplesAreThePosesInCoreSpaceAlsoAfterConversion) {
     const std::string scene = File("scene");
-    Do("record '" + Write("a,\"b.bvh", Walk(11)) + "' --scale 1 --scene " + scene);
-    const std::string hip = " --node 'a,\"b_Hip'";
+    std::string walk = Walk(11);
+    walk.replace(walk.find("Hip"), 3, "\"Hip\"");
+    Do("record " + Write("a,b.bvh", walk) + " --scale 1 --scene " + scene);
+    const std::string hip = " --node \"a,b_\\\"Hip\\\"\"";
     const std::string rows = Do("sample " + scene + hip + " --times 0:0.5:0.25");
     EXPECT_EQ(std::count(rows.begin(), rows.end(), '\n'), 4);
-    EXPECT_EQ(rows.rfind("seconds,node,x,y,z,qx,qy,qz,qw,sx,sy,sz\n0,\"a,\"\"b_Hip\",0,", 0), 0u)
+    EXPECT_EQ(rows.rfind("seconds,node,x,y,z,qx,qy,qz,qw,sx,sy,sz\n0,\"a,b_\"\"Hip\"\"\",0,", 0), 0u)
         << rows;
     EXPECT_NE(rows.find("\n0.25,"), std::string::npos);
     Do("convert " + scene + " --save " + File("plain"));
@@ -175,11 +177,10 @@ TEST_F(SceneCommand, SamplesAreThePosesInCoreSpaceAlsoAfterConversion) {
                   "no node of the Core's is called \"absent\"");
     ExpectFailure(Run("sample " + scene + " --times 0:1e9:1"), "--times: expected", 2);
     EXPECT_EQ(Run("diff " + scene + " " + File("plain")).status, 1);
-    const std::string full = " >/dev/full 2>/dev/null || exit $?; true";
-    EXPECT_EQ(Run("diff " + scene + " " + File("plain") + full).status, 2);
     ExpectFailure(Run("sample " + scene + " --times 0:1:1 --csv " + File("nowhere/csv")),
                   File("nowhere/csv") + ": ");
-    ExpectFailure(Run("sample " + scene + " --times 0:1:1", folder_), "the Core could not be");
+    ExpectFailure(Run("sample " + scene + " --times 0:1:1", folder_.Path().string()),
+                  "the Core could not be");
 }
 
 }  // namespace

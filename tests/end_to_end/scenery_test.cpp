@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
-#include <cstring>
+#include <functional>
 #include <numbers>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "end_to_end/stage.h"
@@ -36,19 +38,16 @@ std::string FootWalk(std::size_t frames) {
     return text.replace(text.find("Knee"), 4, "Foot");
 }
 
-// Field of view and target distance at each frame, to the bit.
-std::vector<std::uint32_t> LensBits(const char* camera, int frames) {
+// Field of view and target distance at each frame.
+std::vector<float> LensValues(const char* camera, int frames) {
     auto* const object = dynamic_cast<CameraObject*>(headless::FindNode(camera)->GetObjectRef());
-    std::vector<std::uint32_t> bits;
-    for (int frame = 0; frame < frames; ++frame)
-        for (const bool isDistance : {false, true}) {
-            Interval valid;
-            const float value = isDistance ? object->GetTDist(frame * kTicksPerFrame, valid)
-                                           : object->GetFOV(frame * kTicksPerFrame, valid);
-            std::uint32_t& word = bits.emplace_back();
-            std::memcpy(&word, &value, sizeof word);
-        }
-    return bits;
+    std::vector<float> values;
+    for (int frame = 0; frame < frames; ++frame) {
+        Interval valid;
+        values.push_back(object->GetFOV(frame * kTicksPerFrame, valid));
+        values.push_back(object->GetTDist(frame * kTicksPerFrame, valid));
+    }
+    return values;
 }
 
 TEST(Scenery, AFollowingCameraIsReadBackAsWrittenAlsoFromASceneThatWasOpened) {
@@ -74,12 +73,58 @@ TEST(Scenery, AFollowingCameraIsReadBackAsWrittenAlsoFromASceneThatWasOpened) {
         ASSERT_TRUE(stage.Host().Redo());
         EXPECT_EQ(headless::SceneDigest(), recorded);
 
-        const std::vector<std::uint32_t> bits = LensBits("walk_Camera", 60);
-        EXPECT_NE(bits.front(), bits[2 * 59]) << "the field of view is not animated";
+        const std::vector<float> lens = LensValues("walk_Camera", 60);
+        EXPECT_NE(lens.front(), lens[2 * 59]) << "the field of view is not animated";
         ASSERT_EQ(stage.Host().SaveScene(stage.File("take.scene")).error, "");
         ASSERT_EQ(stage.Host().OpenScene(stage.File("take.scene")).error, "");
-        EXPECT_EQ(LensBits("walk_Camera", 60), bits);
+        EXPECT_EQ(LensValues("walk_Camera", 60), lens);
     }
+}
+
+// Refers to what it watches, and acts at one of the changes that it hears of.
+class AtAChange final : public ReferenceMaker {
+  public:
+    AtAChange(ReferenceTarget* watched, int change, std::function<void()> act)
+        : changesLeft_(change), act_(std::move(act)) {
+        ReplaceReference(0, watched);
+    }
+    SClass_ID SuperClassID() override { return 1; }
+    Class_ID ClassID() override { return {1, 1}; }
+    void DeleteThis() override { delete this; }
+    int NumRefs() override { return 1; }
+    RefTargetHandle GetReference(int) override { return watched_; }
+    void SetReference(int, RefTargetHandle target) override { watched_ = target; }
+    RefResult NotifyRefChanged(Interval, RefTargetHandle, PartID&, RefMessage) override {
+        if (--changesLeft_ == 0) act_();
+        return REF_SUCCEED;
+    }
+
+  private:
+    RefTargetHandle watched_ = nullptr;
+    int changesLeft_;
+    std::function<void()> act_;
+};
+
+// The second time the same is written as before, up to where any node is deleted by its user. The
+// lens was read at its first frame before, as a viewport does, and is read there again.
+TEST(Scenery, AFollowingCameraIsAsWrittenAlsoAfterAStop) {
+    Stage stage;
+    stage.Tell("LUMISET_FOLLOW_CAMERA", "1");
+    stage.Record(stage.WriteFile("walk.bvh", Walk(60)));
+    const std::vector<float> whole = LensValues("walk_Camera", 60);
+    LensValues("walk_Camera", 1);
+    Put(headless::NewSphere(1, 8), "bystander", Matrix3());
+    auto* const deletion =
+        new AtAChange(headless::FindNode("walk_Camera")->GetObjectRef(), 41, [&stage] {
+            stage.Host().Select({"bystander"});
+            stage.Host().DeleteSelected();
+        });
+    auto report = stage.Press();
+    deletion->DeleteMe();
+    EXPECT_EQ(report["error"], "the recording was stopped at frame 21");
+    const std::vector<float> stopped = LensValues("walk_Camera", 60);
+    for (std::size_t i = 0; i < whole.size(); ++i)
+        EXPECT_NEAR(stopped[i], whole[i], 1e-4) << "frame " << i / 2;
 }
 
 // The ground is two metres long and slopes up the way that is walked, by one in four. It is turned

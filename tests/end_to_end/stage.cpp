@@ -2,35 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+
+#include "platform/environment.h"
+#include "support/folder/surroundings.h"
 
 namespace {
 
 constexpr char kUtility[] = "Tarvo Lumiset Util";
 constexpr int kStartButton = 1046;
-
-std::string NewFolder() {
-    std::string pattern =
-        (std::filesystem::temp_directory_path() / "lumiset_stage_XXXXXX").string();
-    return mkdtemp(pattern.data());
-}
-
-// A folder of the registry's text.
-std::string Escaped(std::string_view path) {
-    std::string text;
-    for (const char c : path)
-        text += c == '\\' ? "\\\\" : std::string(1, c);
-    return text;
-}
-
-void Set(const std::string& variable, const std::string& value) {
-    if (value.empty())
-        unsetenv(variable.c_str());
-    else
-        setenv(variable.c_str(), value.c_str(), 1);
-}
 
 std::map<std::string, std::string> ReadReport(const std::string& path) {
     std::map<std::string, std::string> report;
@@ -44,16 +25,8 @@ std::map<std::string, std::string> ReadReport(const std::string& path) {
 
 }  // namespace
 
-Stage::Stage(const headless::SessionSettings& settings) : folder_(NewFolder()), session_(settings) {
-    const std::string registry =
-        "Windows Registry Editor Version 5.00\n\n"
-        "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node\\Tarvo Works\\Ostrel tools]\n"
-        "\"datapath\"=\"" +
-        Escaped(CORE_FOLDER) +
-        "\"\n\n[HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell "
-        "Folders]\n\"Personal\"=\"" +
-        Escaped(folder_) + "\"\n";
-    Tell("LUMISET_REGISTRY", WriteFile("stage.reg", registry));
+Stage::Stage(const headless::SessionSettings& settings) : session_(settings) {
+    PlaceRegistry(folder_, {CORE_FOLDER, folder_.Path().string()});
     Tell("LUMISET_REPORT", File("report.txt"));
     Tell("LUMISET_CAPTURE_SCALE", "1");
     EXPECT_EQ(session_.LoadPlugin(PLUGIN_MODULE), "");
@@ -70,13 +43,12 @@ Stage::~Stage() {
     // The plug-in's global utility lives as long as the process.
     EXPECT_EQ(headless::TakeCensus().heapBlocks, aliveBefore_ + keptUtilities);
     for (const auto& [variable, value] : told_)
-        Set(variable, "");
-    std::filesystem::remove_all(folder_);
+        platform::SetVariable(variable.c_str(), "");
 }
 
 void Stage::Tell(const std::string& variable, const std::string& value) {
     told_[variable] = value;
-    Set(variable, value);
+    platform::SetVariable(variable.c_str(), value);
 }
 
 std::map<std::string, std::string> Stage::Press() {
@@ -90,15 +62,6 @@ std::map<std::string, std::string> Stage::Record(const std::string& capture) {
     std::map<std::string, std::string> report = Press();
     EXPECT_EQ(report["status"], "ok") << report["error"];
     return report;
-}
-
-std::string Stage::File(std::string_view name) const {
-    return (std::filesystem::path(folder_) / name).string();
-}
-
-std::string Stage::WriteFile(std::string_view name, std::string_view text) const {
-    std::ofstream(File(name), std::ios::binary) << text;
-    return File(name);
 }
 
 headless::NodeView View(std::string_view hostName) {

@@ -7,6 +7,7 @@
 
 #include "headless/scene_view.h"
 #include "headless/session.h"
+#include "support/folder/temporary_folder.h"
 
 // The whole system as a person meets it: a running host with the real plug-in and the example Core,
 // found through a registry of their own. The Core is told around the host what to record. At its
@@ -31,11 +32,13 @@ class Stage {
     std::map<std::string, std::string> Record(const std::string& capture);
 
     // A file in a folder that goes with the stage.
-    std::string File(std::string_view name) const;
-    std::string WriteFile(std::string_view name, std::string_view text) const;
+    std::string File(std::string_view name) const { return folder_.File(name); }
+    std::string WriteFile(std::string_view name, std::string_view text) const {
+        return folder_.Write(name, text);
+    }
 
   private:
-    std::string folder_;
+    TemporaryFolder folder_;
     std::map<std::string, std::string> told_;
     std::size_t aliveBefore_ = headless::TakeCensus().heapBlocks;
     headless::Session session_;

@@ -1,14 +1,13 @@
 #include "tvl/log.h"
 
 #include <chrono>
-#include <filesystem>
-#include <fstream>
 #include <locale>
 #include <memory>
 #include <regex>
 
 #include "foundation/fresh_singletons.h"
 #include "foundation/log_line.h"
+#include "support/folder/temporary_folder.h"
 
 namespace {
 
@@ -112,7 +111,8 @@ TEST_F(LogTest, AScopeThatOutlivesItsLogLeavesTheNextOneOutermost) {
 }
 
 TEST_F(LogTest, ThePlacedLogFillsItsFileAndEndsIt) {
-    const auto path = std::filesystem::path(testing::TempDir()) / "placed_log.txt";
+    const TemporaryFolder folder;
+    const std::string path = folder.File("log.txt");
     {
         Log outside;
         outside.file.open(path, std::ios::binary);
@@ -121,11 +121,7 @@ TEST_F(LogTest, ThePlacedLogFillsItsFileAndEndsIt) {
         outside.WriteRaw("line\n");
         TakeBack<Log>();
     }
-    std::ifstream file(path, std::ios::binary);
-    std::stringstream text;
-    text << file.rdbuf();
-    EXPECT_EQ(text.str(), "line\n[EOF]\n");
-    std::filesystem::remove(path);
+    EXPECT_EQ(ReadFile(path), "line\n[EOF]\n");
 }
 
 }  // namespace

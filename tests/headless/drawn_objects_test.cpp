@@ -48,16 +48,18 @@ class DrawnObjectsTest : public HostWorld {
 TEST_F(DrawnObjectsTest, EachShowsInItsNodesColourWithWhiteEdgesIfSelectedAndIsHitWhereItShows) {
     struct Case {
         Object* object;
+        const char* name;
         bool hasFaces;
     };
-    for (const auto& [object, hasFaces] : {
-             Case{headless::NewSphere(10, 16), true},
-             Case{headless::NewGround(10, 2), true},
-             Case{headless::NewBend(headless::NewGround(10, 2), 45), true},
-             Case{headless::NewBend(headless::NewSphere(10, 16), 45), true},
-             Case{headless::NewSplines({{{Corner({}), Corner({9, 9, 9})}}}), false},
+    for (const auto& [object, name, hasFaces] : {
+             Case{headless::NewSphere(10, 16), "Sphere01", true},
+             Case{headless::NewGround(10, 2), "Ground01", true},
+             Case{headless::NewBend(headless::NewGround(10, 2), 45), "Ground01", true},
+             Case{headless::NewBend(headless::NewSphere(10, 16), 45), "Sphere01", true},
+             Case{headless::NewSplines({{{Corner({}), Corner({9, 9, 9})}}}), "Line01", false},
          }) {
         INode* node = host.CreateObjectNode(object);
+        EXPECT_STREQ(node->GetName(), name);
         SCOPED_TRACE(node->GetName());
         node->SetWireColor(0x0000FF);
         settings.isWireframe = false;
@@ -74,6 +76,10 @@ TEST_F(DrawnObjectsTest, EachShowsInItsNodesColourWithWhiteEdgesIfSelectedAndIsH
         EXPECT_TRUE(Drawn(true).empty());
         session.NewScene();
     }
+}
+
+TEST_F(DrawnObjectsTest, AGuideObjectNeedsAPlugInThatHasTheClass) {
+    EXPECT_EQ(headless::NewGuide(headless::NewSphere(10, 16), {}), nullptr);
 }
 
 TEST_F(DrawnObjectsTest, ACameraShowsWhatItSeesAndAHorizonAtItsOwnHeight) {

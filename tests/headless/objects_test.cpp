@@ -1,5 +1,4 @@
 #include <cmath>
-#include <filesystem>
 #include <limits>
 #include <numbers>
 #include <string>
@@ -10,6 +9,7 @@
 #include "host/animate.h"
 #include "host/node.h"
 #include "host/time.h"
+#include "support/folder/temporary_folder.h"
 
 namespace {
 
@@ -327,13 +327,13 @@ TEST_F(BendTest, ItIsCopiedAndStoredWithItsBase) {
     host.DeleteNode(node);
     EXPECT_EQ(Shown(host.CreateObjectNode(copy), Seconds(2)).verts, expected);
 
-    const std::string path = testing::TempDir() + "bent.scene";
+    const TemporaryFolder folder;
+    const std::string path = folder.File("bent.scene");
     EXPECT_EQ(session.SaveScene(path).error, "");
     session.NewScene();
     EXPECT_EQ(session.OpenScene(path).error, "");
     INode* opened = host.GetRootNode()->GetChildNode(0);
     EXPECT_EQ(Shown(opened, Seconds(2)).verts, expected);
-    std::filesystem::remove(path);
 }
 
 TEST_F(ObjectTest, InstancesAreMadeByClassAndNothingIsMadeOfAnUnknownOne) {

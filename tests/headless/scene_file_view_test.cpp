@@ -1,11 +1,11 @@
 #include "headless/scene_file_view.h"
 
-#include <cstdio>
 #include <filesystem>
 #include <regex>
 
 #include "headless/host_world.h"
 #include "host/animate.h"
+#include "support/folder/temporary_folder.h"
 
 namespace {
 
@@ -18,10 +18,6 @@ class SceneFileViewTest : public HostWorld {
         Place(knee, {3, 0, 0}, 4800);
         AnimateOff();
         hip->SetUserPropString("TVL_tag", "<tag/>");
-    }
-    ~SceneFileViewTest() override {
-        for (const std::string& file : {first, second})
-            std::remove(file.c_str());
     }
 
     void Save(const std::string& path) { EXPECT_EQ(session.SaveScene(path).error, ""); }
@@ -42,8 +38,9 @@ class SceneFileViewTest : public HostWorld {
     INode* hip = Add("Hip");
     INode* knee = Add("Knee", hip);
     INode* eye = host.CreateObjectNode(host.CreateCameraObject(0));
-    const std::string first = testing::TempDir() + "lumiset_view_first.scene";
-    const std::string second = testing::TempDir() + "lumiset_view_second.scene";
+    TemporaryFolder folder;
+    const std::string first = folder.File("first.scene");
+    const std::string second = folder.File("second.scene");
 };
 
 TEST_F(SceneFileViewTest, AFileIsToldAsItsNodesUtilitiesAndClasses) {

@@ -9,6 +9,7 @@
 #include "host/gup.h"
 #include "host/notify.h"
 #include "host/units.h"
+#include "support/folder/temporary_folder.h"
 
 namespace {
 
@@ -91,7 +92,6 @@ class SceneFilesTest : public testing::Test {
     ~SceneFilesTest() override {
         session.reset();
         EXPECT_EQ(headless::TakeCensus().objectCount, 0U);
-        fs::remove_all(folder);
     }
 
     // Ends the session and starts another one, with the diarist or without.
@@ -116,14 +116,9 @@ class SceneFilesTest : public testing::Test {
         for (int i = 0; i < nodes; ++i)
             GetCOREInterface()->CreateObjectNode(headless::NewSphere(1, 8));
     }
-    std::string Path(const std::string& file) const { return (folder / file).string(); }
+    std::string Path(const std::string& file) const { return folder.File(file); }
 
-    static fs::path NewFolder() {
-        std::string path = (fs::temp_directory_path() / "scene_files_XXXXXX").string();
-        return mkdtemp(path.data());
-    }
-
-    fs::path folder = NewFolder();
+    TemporaryFolder folder;
     Diarist diarist;
     DiaristClass diaristClass{diarist};
     std::unique_ptr<headless::Session> session;
@@ -165,7 +160,7 @@ TEST_F(SceneFilesTest, AFileThatIsRefusedLeavesTheSceneAndNobodyHearsOfIt) {
     diarist.Take();
     const auto before = headless::SceneDigest();
     for (const std::string& path :
-         {cut, Path("text.scene"), Path("missing.scene"), folder.string()}) {
+         {cut, Path("text.scene"), Path("missing.scene"), folder.Path().string()}) {
         for (const std::string& error :
              {session->OpenScene(path).error, session->MergeScene(path).error}) {
             EXPECT_EQ(error.rfind(path + ": ", 0), 0U) << error;
@@ -200,7 +195,8 @@ TEST_F(SceneFilesTest, TheEndOfASaveIsAnnouncedHoweverItWent) {
         EXPECT_EQ(diarist.Take().back(), "14");
         EXPECT_EQ(fs::file_size(path), size);
     }
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 1) << "nothing stays beside it";
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), {}), 1)
+        << "nothing stays beside it";
 
     diarist.onEntry = [&](const std::string& entry) {
         if (entry == "14") throw 14;

@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
-
 #include "headless/scene_view.h"
 #include "headless/viewport.h"
 #include "host/interface.h"
@@ -38,11 +35,6 @@ class HelperInScene : public testing::Test {
     std::vector<DrawBatch> Drawn() const { return headless::DrawScene(settings, 0).list.batches; }
 
     std::string File(const char* name) const { return (world.Folder() / name).string(); }
-    static std::string Bytes(const std::string& path) {
-        std::ostringstream bytes;
-        bytes << std::ifstream(path, std::ios::binary).rdbuf();
-        return bytes.str();
-    }
 
     World world;
     headless::ViewportSettings settings;
@@ -192,7 +184,7 @@ TEST_F(HelperInScene, IsKeptAsStoredWithOneLineIfItsChunksAreDamagedAndTheRestSt
             "it is kept as it is stored"))
             << opened.complaints[0];
         ASSERT_EQ(world.Session().SaveScene(File("again")).error, "");
-        EXPECT_TRUE(Bytes(File("again")) == Bytes(File("stored")));
+        EXPECT_TRUE(ReadFile(File("again")) == ReadFile(File("stored")));
     }
 }
 

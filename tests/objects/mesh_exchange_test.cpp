@@ -42,21 +42,6 @@ TEST(MeshExchange, WritesAMeshInSinglePrecisionWithTwoVisibleEdges) {
     EXPECT_TRUE(host.IsEdgeListEnabled());
 }
 
-// A seam has more texture vertices than vertices, a mirrored half fewer.
-TEST(MeshExchange, JudgesTextureFacesByTheTextureVerticesAlone) {
-    TVL::CMesh mesh = Triangle();
-    mesh.textureVertices = {{0, 0, 0}};
-    mesh.textureFaces = {0, 0, 0};
-    Mesh host;
-    WriteMesh(mesh, host);
-    EXPECT_EQ(Indices(host.tvFace.at(0)), (Corners{0, 0, 0}));
-
-    mesh.textureVertices.assign(6, {0.5, 0.5, 0});
-    mesh.textureFaces = {5, 3, 4};
-    WriteMesh(mesh, host);
-    EXPECT_EQ(Indices(host.tvFace.at(0)), (Corners{5, 3, 4}));
-}
-
 TEST(MeshExchange, NeverLetsAnIndexOutsideItsTableReachTheHost) {
     for (const int stray : {-1, 3, INT_MAX, INT_MIN}) {
         TVL::CMesh mesh = Triangle();

@@ -1,16 +1,16 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
+#include <string>
 
 #include "headless/scene_view.h"
 #include "headless/session.h"
 #include "host/class_desc.h"
 #include "host/interface.h"
+#include "platform/environment.h"
+#include "platform/routine.h"
 #include "platform/testing.h"
 #include "platform/win32.h"
+#include "support/folder/surroundings.h"
 #include "support/puppet/stage.h"
 #include "support/puppet_core.h"
 
@@ -24,7 +24,7 @@ class Module : public testing::Test {
 
     template <class Routine>
     Routine* Find(const char* name) {
-        return reinterpret_cast<Routine*>(GetProcAddress(library_, name));
+        return platform::Routine<Routine>(library_, name);
     }
 
   private:
@@ -72,14 +72,9 @@ TEST_F(Module, DescribesItsClasses) {
 
 // Everything through the loader, the exports and the entry point, and all of it gone again.
 TEST(LoadedPlugin, AttachesACoreAndLeavesOnlyTheUtilityManager) {
-    std::string folder = (std::filesystem::temp_directory_path() / "lumiset_XXXXXX").string();
-    ASSERT_NE(mkdtemp(folder.data()), nullptr);
-    std::ofstream(folder + "/host.reg")
-        << "Windows Registry Editor Version 5.00\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node\\"
-           "Tarvo Works\\Ostrel tools]\n\"datapath\"=\""
-        << PUPPET_CORES << "/whole\"\n";
-    setenv("LUMISET_REGISTRY", (folder + "/host.reg").c_str(), 1);
-    setenv("LUMISET_TRACE", (folder + "/trace.txt").c_str(), 1);
+    const TemporaryFolder folder;
+    PlaceRegistry(folder, {PUPPET_CORES "/whole", ""});
+    platform::SetVariable("LUMISET_TRACE", folder.File("trace.txt"));
 
     PuppetCore core;
     puppet::Stage& stage = puppet::TheStage();
@@ -102,11 +97,9 @@ TEST(LoadedPlugin, AttachesACoreAndLeavesOnlyTheUtilityManager) {
     EXPECT_EQ(headless::TakeCensus().heapBlocks, blocks + 1);
     EXPECT_EQ(headless::TakeCensus().objectCount, 0U);
 
-    std::ostringstream trace;
-    trace << std::ifstream(folder + "/trace.txt").rdbuf();
-    EXPECT_NE(trace.str().find("Shutting down adaptor\n"), std::string::npos);
-    EXPECT_EQ(trace.str().find("left something behind"), std::string::npos);
-    std::filesystem::remove_all(folder);
+    const std::string trace = ReadFile(folder.File("trace.txt"));
+    EXPECT_NE(trace.find("Shutting down adaptor\n"), std::string::npos);
+    EXPECT_EQ(trace.find("left something behind"), std::string::npos);
     stage = {};
 }
 

@@ -98,8 +98,7 @@ class CraftedFile : public FileWorld {
         INode* b = host.CreateObjectNode(CreateNewTriObject());
         b->SetName("B");
         a->AttachChild(b, 0);
-        EXPECT_EQ(Host().SaveScene(File("plain")).error, "");
-        return Bytes(File("plain"));
+        return Save("plain");
     }
 
     // The error of opening the bytes with one field changed and the checksum put right.
@@ -109,7 +108,7 @@ class CraftedFile : public FileWorld {
             bytes[place.begin + craft.offset + i] = static_cast<char>(craft.bytes[i]);
         const std::uint32_t crc = Crc32(bytes, place.begin - kChunkHead, place.checksum);
         std::memcpy(&bytes[place.checksum], &crc, sizeof crc);
-        WriteBytes(File("crafted"), bytes);
+        WriteBytes("crafted", bytes);
         return Host().OpenScene(File("crafted"));
     }
 };
@@ -129,8 +128,7 @@ TEST_F(CraftedFile, IsRefusedForWhatItSays) {
 TEST_F(CraftedFile, KeepsAnObjectWithWhatItWouldNotReferTo) {
     SavePlain();
     GetCOREInterface()->CreateObjectNode(GetCOREInterface()->CreateCameraObject(0));
-    EXPECT_EQ(Host().SaveScene(File("plain")).error, "");
-    const std::string plain = Bytes(File("plain"));
+    const std::string plain = Save("plain");
     constexpr int kParameters = 6;
     constexpr std::size_t kIds = 4;
     constexpr std::size_t kCount = 33;  // of references, behind the class "Camera parameters"
@@ -141,11 +139,11 @@ TEST_F(CraftedFile, KeepsAnObjectWithWhatItWouldNotReferTo) {
         ASSERT_FALSE(outcome.complaints.empty());
         EXPECT_NE(outcome.complaints.back().find("Camera of the node \"Camera01\" does not take"),
                   std::string::npos);
-        EXPECT_EQ(Host().SaveScene(File("again")).error, "");
-        const std::string crafted = Bytes(File("crafted"));
+        const std::string again = Save("again");
+        const std::string crafted = ReadFile(File("crafted"));
         const Place kept = Find(crafted, kObject, kParameters);
         const std::string parameters = crafted.substr(kept.begin, kept.checksum - kept.begin);
-        EXPECT_NE(Bytes(File("again")).find(parameters), std::string::npos);
+        EXPECT_NE(again.find(parameters), std::string::npos);
     }
 }
 
@@ -156,8 +154,7 @@ TEST_F(CraftedFile, MakesNoCirclesAndCreatesNoUtilities) {
     auto* inner = new odd::Helper;
     outer->ReplaceReference(0, inner);
     GetCOREInterface()->CreateObjectNode(outer)->SetName("C");
-    EXPECT_EQ(Host().SaveScene(File("plain")).error, "");
-    const std::string plain = Bytes(File("plain"));
+    const std::string plain = Save("plain");
     constexpr int kInner = 6;
     constexpr std::size_t kTable = 30;  // behind the class "Odd helper" and the count
     const auto object = [](unsigned char index) {
@@ -170,8 +167,7 @@ TEST_F(CraftedFile, MakesNoCirclesAndCreatesNoUtilities) {
     const headless::FileOutcome outcome =
         Open(plain, {kObject, kInner, 0, {0xE0, 0x10, 0, 0, 0x55, 0, 0, 0, 0x56, 0, 0, 0}, ""});
     EXPECT_EQ(outcome.error, "");
-    EXPECT_EQ(Host().SaveScene(File("again")).error, "");
-    EXPECT_EQ(Bytes(File("again")), Bytes(File("crafted")));
+    EXPECT_EQ(Save("again"), ReadFile(File("crafted")));
 }
 
 }  // namespace

@@ -1,32 +1,10 @@
 #include "scene_file/file_world.h"
 
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
-
 namespace fs = std::filesystem;
-
-fs::path FileWorld::MakeFolder() {
-    std::string path = (fs::temp_directory_path() / "scene_file_XXXXXX").string();
-    if (!mkdtemp(path.data())) throw fs::filesystem_error(path, {});
-    return path;
-}
-
-std::string FileWorld::Bytes(const std::string& path) {
-    std::ostringstream bytes;
-    bytes << std::ifstream(path, std::ios::binary).rdbuf();
-    return bytes.str();
-}
-
-// Some file systems wait for the disk where a file is emptied and written anew, hence a new one.
-void FileWorld::WriteBytes(const std::string& path, const std::string& bytes) {
-    fs::remove(path);
-    std::ofstream(path, std::ios::binary) << bytes;
-}
 
 std::size_t FileWorld::FilesInFolder() const {
     return static_cast<std::size_t>(
-        std::distance(fs::directory_iterator(folder_), fs::directory_iterator()));
+        std::distance(fs::directory_iterator(folder_.Path()), fs::directory_iterator()));
 }
 
 void FileWorld::BuildScene() {

@@ -11,17 +11,17 @@
 #include "headless/session.h"
 #include "host/interface.h"
 #include "scene_file/odd_classes.h"
+#include "support/folder/temporary_folder.h"
 
 // A folder, and a host in it that comes and goes.
 class FileWorld : public testing::Test {
   protected:
     enum class Classes { kKnown, kMissing };
 
-    FileWorld() : folder_(MakeFolder()) { odd::Utility::text = "of the utility"; }
+    FileWorld() { odd::Utility::text = "of the utility"; }
     ~FileWorld() override {
         End();
         odd::saving = odd::loading = odd::Manner::kGood;
-        std::filesystem::remove_all(folder_);
     }
 
     headless::Session& Start(Classes classes, const headless::SessionSettings& settings = {}) {
@@ -39,10 +39,24 @@ class FileWorld : public testing::Test {
         EXPECT_EQ(headless::TakeCensus().heapBlocks, 0U);
     }
 
-    std::string File(const std::string& name) const { return (folder_ / name).string(); }
-    static std::string Bytes(const std::string& path);
-    static void WriteBytes(const std::string& path, const std::string& bytes);
+    std::string File(const std::string& name) const { return folder_.File(name); }
+    void WriteBytes(const std::string& name, const std::string& bytes) const {
+        folder_.Write(name, bytes);
+    }
     std::size_t FilesInFolder() const;
+
+    // The scene that is there, saved; its bytes.
+    std::string Save(const std::string& name) {
+        EXPECT_EQ(Host().SaveScene(File(name)).error, "");
+        return ReadFile(File(name));
+    }
+
+    // What BuildScene builds, in the file "built".
+    std::string SaveBuilt() {
+        Start(Classes::kKnown);
+        BuildScene();
+        return Save("built");
+    }
 
     // Nodes of every kind of object and controller, odd ones among them, with everything that a
     // scene file keeps.
@@ -51,8 +65,6 @@ class FileWorld : public testing::Test {
     headless::Session& Host() { return *session_; }
 
   private:
-    static std::filesystem::path MakeFolder();
-
-    std::filesystem::path folder_;
+    TemporaryFolder folder_;
     std::unique_ptr<headless::Session> session_;
 };

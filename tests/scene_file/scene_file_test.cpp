@@ -1,9 +1,4 @@
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <csignal>
-#include <random>
+#include <chrono>
 
 #include "headless/copies.h"
 #include "headless/scene_file_view.h"
@@ -13,18 +8,6 @@ namespace {
 
 class SceneFile : public FileWorld {
   protected:
-    // The scene that is there, saved; its bytes.
-    std::string Save(const std::string& name) {
-        EXPECT_EQ(Host().SaveScene(File(name)).error, "");
-        return Bytes(File(name));
-    }
-
-    std::string SaveBuilt() {
-        Start(Classes::kKnown);
-        BuildScene();
-        return Save("built");
-    }
-
     static constexpr std::size_t kOddObjectClasses = 2;  // a line for each that is not loaded
 
     void Open(const std::string& name, std::size_t complaints = 0) {
@@ -77,7 +60,7 @@ TEST_F(SceneFile, CutOrChangedAnywhereIsRefusedWithItsNameAndTheByte) {
     const std::uint64_t digest = headless::SceneDigest();
     const std::string place = File("damaged") + ": at byte ";
     const auto expectRefused = [&](const std::string& bytes, std::size_t at) {
-        WriteBytes(File("damaged"), bytes);
+        WriteBytes("damaged", bytes);
         const std::string error = Host().OpenScene(File("damaged")).error;
         EXPECT_TRUE(error.starts_with(place)) << at << ": " << error;
         EXPECT_EQ(error.find('\n'), std::string::npos);
@@ -100,7 +83,7 @@ TEST_F(SceneFile, IsUntouchedAndAloneAfterASaveThatFailed) {
     const auto expectFailed = [&](const std::string& path, const char* why) {
         const std::string error = Host().SaveScene(path).error;
         EXPECT_TRUE(error.starts_with(path + ": ")) << why << error;
-        EXPECT_EQ(Bytes(File("built")), built) << why;
+        EXPECT_EQ(ReadFile(File("built")), built) << why;
         EXPECT_EQ(FilesInFolder(), 1U) << why;
     };
     odd::saving = odd::Manner::kThrowing;
@@ -112,14 +95,6 @@ TEST_F(SceneFile, IsUntouchedAndAloneAfterASaveThatFailed) {
     odd::saving = odd::Manner::kGood;
     expectFailed(File(""), "the place is a folder");
     expectFailed(File("none/built"), "there is no such folder");
-
-    std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before{};
-    getrlimit(RLIMIT_FSIZE, &before);
-    const rlimit full{built.size() / 2, before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &full);
-    expectFailed(File("built"), "the disk is full");
-    setrlimit(RLIMIT_FSIZE, &before);
 }
 
 TEST_F(SceneFile, KeepsWhatDidNotLoadAndBoundsWhatIsBadlyNested) {
@@ -199,41 +174,13 @@ TEST_F(SceneFile, SweepsUpWhatKilledSavesHaveLeftButNothingThatSomebodyMayWant) 
                         {".33333333.saving", newer, 25, true}, {".3.saving", cut, 25, true},
                         {".0123abcd.scene1", cut, 25, true}};
     for (const Left& left : all) {
-        WriteBytes(File(left.name), left.bytes);
+        WriteBytes(left.name, left.bytes);
         const auto now = std::filesystem::file_time_type::clock::now();
         std::filesystem::last_write_time(File(left.name), now - std::chrono::hours(left.hours));
     }
     Save("built");
     for (const Left& left : all)
         EXPECT_EQ(std::filesystem::exists(File(left.name)), left.stays) << left.name;
-}
-
-// A process is killed while it saves one scene over the other, and over again.
-TEST_F(SceneFile, IsOneOrTheOtherHoweverASaveIsKilled) {
-    const std::string built = SaveBuilt();
-    Host().Select({});
-    const std::string other = Save("other");
-    ASSERT_NE(built, other);
-    std::minstd_rand random(1);
-    for (int round = 0; round < 100; ++round) {
-        const pid_t child = fork();
-        if (child == 0) {
-            for (bool selected = true;; selected = !selected) {
-                Host().Select(selected ? std::vector<std::string>{"Hip", "line"}
-                                       : std::vector<std::string>{});
-                if (!Host().SaveScene(File("built")).error.empty()) _exit(1);
-            }
-        }
-        usleep(static_cast<useconds_t>(random() % 20000));
-        kill(child, SIGKILL);
-        int status = 0;
-        waitpid(child, &status, 0);
-        EXPECT_TRUE(WIFSIGNALED(status));
-        const std::string now = Bytes(File("built"));
-        EXPECT_TRUE(now == built || now == other) << round;
-    }
-    Open("built");
-    EXPECT_EQ(Save("built"), Bytes(File("built")));
 }
 
 }  // namespace

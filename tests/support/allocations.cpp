@@ -1,10 +1,10 @@
 #include "support/allocations.h"
 
-#include <malloc.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <new>
+
+#include "platform/testing.h"
 
 namespace {
 
@@ -12,18 +12,10 @@ std::size_t allocations = 0;
 std::size_t liveBytes = 0;
 std::size_t peakBytes = 0;
 
-std::size_t SizeOf(void* block) {
-#if defined(_WIN32)
-    return block ? _msize(block) : 0;
-#else
-    return malloc_usable_size(block);
-#endif
-}
-
 void* Counted(std::size_t size) noexcept {
     void* const block = std::malloc(size > 0 ? size : 1);
     ++allocations;
-    liveBytes += SizeOf(block);
+    liveBytes += platform::RoomOfBlock(block);
     peakBytes = std::max(peakBytes, liveBytes);
     return block;
 }
@@ -57,7 +49,7 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
 }
 
 void operator delete(void* block) noexcept {
-    liveBytes -= SizeOf(block);
+    liveBytes -= platform::RoomOfBlock(block);
     std::free(block);
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "headless/session.h"
+#include "support/folder/temporary_folder.h"
 #include "support/puppet/stage.h"
 #include "support/puppet_core.h"
 #include "tvl/adaptor_interface.h"
@@ -58,10 +59,10 @@ class World {
     // The trace on disk.
     std::string Trace() const;
 
-    const std::filesystem::path& Folder() const { return folder_; }
+    const std::filesystem::path& Folder() const { return folder_.Path(); }
 
   private:
-    std::filesystem::path folder_;
+    TemporaryFolder folder_;
     bool hasDocuments_;
     PuppetCore core_;
     std::vector<headless::MessageBoxText> messageBoxes_;

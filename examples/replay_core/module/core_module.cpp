@@ -4,25 +4,20 @@
 #include "replay_core/state/guarded.h"
 #include "tvl/core_interface.h"
 
-// The three routines by which an adaptor finds the Core.
+// The three routines by which an adaptor finds the Core. CORE_ROUTINE is what marks an export on the
+// system for which the Core is built.
 
-#if defined(_WIN32)
-#define REPLAY_CORE_EXPORT extern "C" __declspec(dllexport)
-#else
-#define REPLAY_CORE_EXPORT extern "C" __attribute__((visibility("default")))
-#endif
-
-REPLAY_CORE_EXPORT std::uint32_t getVersion() {
+extern "C" CORE_ROUTINE std::uint32_t getVersion() {
     return TVL::kInterfaceVersion;
 }
 
-REPLAY_CORE_EXPORT CoreInterface* attach(TVL::AdaptorInterface* adaptor) {
+extern "C" CORE_ROUTINE CoreInterface* attach(TVL::AdaptorInterface* adaptor) {
     if (!adaptor) return nullptr;
     CoreInterface* core = nullptr;
     replay::Guarded([&] { core = new replay::ReplayCore(*adaptor); });
     return core;
 }
 
-REPLAY_CORE_EXPORT void detach(CoreInterface* core) {
+extern "C" CORE_ROUTINE void detach(CoreInterface* core) {
     replay::Guarded([&] { delete static_cast<replay::ReplayCore*>(core); });
 }

@@ -29,9 +29,9 @@ std::vector<CameraMoment> FollowTake(const Motion& motion, FrameRange frames, Me
 void WriteMoment(TVL::CoreNode& camera, const CameraMoment& moment, const ObjectScale& scale,
                  double seconds);
 
-// To be called when all moments are written, with the time of the last one. A lens answers for the
-// time at which it was read last with what it was given last, whatever time that was for; read at
-// the last time it answers for every time with what was written there.
+// To be called when the last moment has been written, with its time. A lens answers for the time at
+// which it was read last with what it was given last, whatever time that was for; read at the last
+// time it answers for every time with what was written there.
 void SettleLens(TVL::CoreNode& camera, double lastSeconds);
 
 }  // namespace replay

@@ -106,9 +106,18 @@ std::string WriteFrames(const PlannedTake& planned, const RecordSettings& settin
         recorded.frames.end = frame + 1;
         progress.Advance();
     }
-    if (!recorded.camera.empty())
-        SettleLens(*recorded.nodes.camera, FrameTime(planned.motion, planned.frames.end - 1));
     return {};
+}
+
+// Whether all frames were written or the work broke off among them. What ended it can have taken
+// the camera out of the scene.
+void Conclude(const PlannedTake& planned, const RecordSettings& settings,
+              const RecordedTake& recorded) {
+    if (recorded.frames.Count() == 0) return;
+    if (!recorded.camera.empty() && planned.take->Book().Has(recorded.nodes.camera))
+        SettleLens(*recorded.nodes.camera, FrameTime(planned.motion, recorded.frames.end - 1));
+    planned.take->Note({planned.capture, settings.metresPerUnit, planned.motion.frameSeconds,
+                        recorded.frames.first, recorded.frames.end});
 }
 
 // What goes beyond the capture itself.
@@ -151,9 +160,7 @@ std::string RecordTake(TVL::AdaptorInterface& adaptor, const PlannedTake& planne
     if (bracket.Status() != 0) return Refused("the host begins no recording now", bracket.Status());
     PlanFrames(planned, settings, recorded);
     std::string error = WriteFrames(planned, settings, state, recorded);
-    if (recorded.frames.Count() > 0)
-        planned.take->Note({planned.capture, settings.metresPerUnit, planned.motion.frameSeconds,
-                            recorded.frames.first, recorded.frames.end});
+    Conclude(planned, settings, recorded);
     return error;
 }
 

@@ -59,7 +59,7 @@ struct RecordedTakes {
 // Records all that is planned, one take after the other, onto their nodes, which are made where
 // they are missing: one undo step, with a key for each joint and frame. Each take notes what it was
 // recorded from. The host's time goes to the first frame of each. When `state` asks for a stop, no
-// node is touched any more.
+// node is moved any more.
 RecordedTakes RecordTakes(TVL::AdaptorInterface& adaptor, std::span<const PlannedTake> plan,
                           const RecordSettings& settings, RecordingState& state);
 

@@ -1,6 +1,7 @@
 // Loads the telling module while it is entered itself, and has a dialog of its own.
 #include <string>
 
+#include "platform/routine.h"
 #include "platform/win32.h"
 
 namespace {
@@ -22,7 +23,7 @@ INT_PTR CALLBACK TellMessages(HWND, UINT message, WPARAM, LPARAM) {
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) HWND openDialog() {
+MODULE_ROUTINE HWND openDialog() {
     return CreateDialogParamA(instance, MAKEINTRESOURCEA(10), nullptr, TellMessages, 0);
 }
 

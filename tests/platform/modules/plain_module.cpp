@@ -1,6 +1,7 @@
 // A module without entry point or resources, as a Core can be.
+#include "platform/routine.h"
 #include "platform/win32.h"
 
-extern "C" __attribute__((visibility("default"))) int answer() {
+MODULE_ROUTINE int answer() {
     return GetTickCount() == 0 ? 0 : 42;
 }

@@ -1,4 +1,5 @@
 // Tells by message boxes when it is entered and left.
+#include "platform/routine.h"
 #include "platform/win32.h"
 
 namespace {
@@ -13,7 +14,7 @@ int calls = 0;
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) int answer() {
+MODULE_ROUTINE int answer() {
     return ++calls;
 }
 

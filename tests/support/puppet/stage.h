@@ -5,14 +5,6 @@
 
 #include "tvl/core_interface.h"
 
-#if defined(_WIN32) && defined(PUPPET_BUILDS_STAGE)
-#define PUPPET_API __declspec(dllexport)
-#elif defined(_WIN32)
-#define PUPPET_API __declspec(dllimport)
-#else
-#define PUPPET_API __attribute__((visibility("default")))
-#endif
-
 // Where the puppet Core, a library that the adaptor loads and frees as it would any Core, meets the
 // test that plays it. A library of its own, so that the puppet can really be unloaded.
 namespace puppet {

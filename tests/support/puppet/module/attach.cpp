@@ -1,8 +1,8 @@
+#include "platform/routine.h"
 #include "support/puppet/module/litter.h"
-#include "support/puppet/module/routine.h"
 #include "support/puppet/stage.h"
 
-PUPPET_ROUTINE CoreInterface* attach(TVL::AdaptorInterface* adaptor);
+MODULE_ROUTINE CoreInterface* attach(TVL::AdaptorInterface* adaptor);
 
 CoreInterface* attach(TVL::AdaptorInterface* adaptor) {
     puppet::Stage& stage = puppet::TheStage();

@@ -1,7 +1,7 @@
-#include "support/puppet/module/routine.h"
+#include "platform/routine.h"
 #include "support/puppet/stage.h"
 
-PUPPET_ROUTINE void detach(CoreInterface* core);
+MODULE_ROUTINE void detach(CoreInterface* core);
 
 void detach(CoreInterface* core) {
     puppet::Stage& stage = puppet::TheStage();

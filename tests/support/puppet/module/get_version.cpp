@@ -1,7 +1,7 @@
-#include "support/puppet/module/routine.h"
+#include "platform/routine.h"
 #include "support/puppet/stage.h"
 
-PUPPET_ROUTINE std::uint32_t getVersion();
+MODULE_ROUTINE std::uint32_t getVersion();
 
 std::uint32_t getVersion() {
     return puppet::TheStage().version;

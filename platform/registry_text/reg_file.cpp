@@ -1,11 +1,12 @@
-#include "platform/posix/reg_file.h"
+#include "platform/registry_text/reg_file.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <cstdio>
 #include <optional>
 
-#include "platform/posix/text.h"
+#include "platform/registry_text/text.h"
 
 namespace platform {
 namespace {
@@ -235,6 +236,11 @@ RegFile ParseRegFile(std::string_view bytes) {
     if (TakePrefix(bytes, "\xFF\xFE")) return Parser(Utf8FromUtf16LittleEndian(bytes)).Run();
     TakePrefix(bytes, "\xEF\xBB\xBF");
     return Parser(bytes).Run();
+}
+
+void ReportDamage(const std::string& path, const RegFile& file) {
+    for (const int line : file.damagedLines)
+        std::fprintf(stderr, "%s:%d: not a line of a registry file, skipped\n", path.c_str(), line);
 }
 
 }  // namespace platform

@@ -1,4 +1,4 @@
-#include "platform/posix/text.h"
+#include "platform/registry_text/text.h"
 
 #include <algorithm>
 #include <cstdint>

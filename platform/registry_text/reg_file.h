@@ -33,4 +33,7 @@ struct RegFile {
 // so.
 RegFile ParseRegFile(std::string_view bytes);
 
+// A line to the standard error stream for each that is damaged.
+void ReportDamage(const std::string& path, const RegFile& file);
+
 }  // namespace platform

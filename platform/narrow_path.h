@@ -1,0 +1,18 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "platform/platform_api.h"
+
+namespace platform {
+
+// Paths cross the contracts as narrow text in the code page of the system, which is not what
+// std::filesystem takes narrow text for on Windows. Text that is no text of that code page stands
+// for a path that cannot be there.
+PLATFORM_API std::filesystem::path FromNarrow(const std::string& path);
+
+// Empty if the code page lacks a letter of the path.
+PLATFORM_API std::string ToNarrow(const std::filesystem::path& path);
+
+}  // namespace platform

@@ -1,0 +1,30 @@
+#include "support/folder/surroundings.h"
+
+#include "platform/stand_in_registry.h"
+
+namespace {
+
+std::string Entry(std::string_view key, std::string_view name, std::string_view value) {
+    std::string text = "\n[";
+    text.append(key).append("]\n\"").append(name).append("\"=\"");
+    for (const char c : value) {
+        if (c == '\\' || c == '"') text += '\\';
+        text += c;
+    }
+    return text.append("\"\n");
+}
+
+}  // namespace
+
+void PlaceRegistry(const TemporaryFolder& folder, const RegistryEntries& entries) {
+    std::string text = "Windows Registry Editor Version 5.00\n";
+    if (!entries.coreFolder.empty())
+        text += Entry("HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node\\Tarvo Works\\Ostrel tools",
+                      "datapath", entries.coreFolder);
+    if (!entries.documents.empty())
+        text += Entry(
+            "HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\"
+            "Shell Folders",
+            "Personal", entries.documents);
+    platform::UseRegistryFile(folder.Write("test.reg", text));
+}

@@ -1,0 +1,31 @@
+#include "support/folder/temporary_folder.h"
+
+#include <fstream>
+#include <iterator>
+#include <random>
+
+namespace fs = std::filesystem;
+
+TemporaryFolder::TemporaryFolder() {
+    std::random_device random;
+    do {
+        path_ = fs::temp_directory_path() / ("lumiset_" + std::to_string(random()));
+    } while (!fs::create_directory(path_));
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    std::error_code ignored;
+    fs::remove_all(path_, ignored);
+}
+
+// Some file systems wait for the disk where a file is emptied and written anew, hence a new one.
+std::string TemporaryFolder::Write(std::string_view name, std::string_view bytes) const {
+    fs::remove(path_ / name);
+    std::ofstream(path_ / name, std::ios::binary) << bytes;
+    return File(name);
+}
+
+std::string ReadFile(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}

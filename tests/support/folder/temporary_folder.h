@@ -1,0 +1,26 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+// A new folder among the system's temporary ones. It goes with its object, with all that is in it.
+class TemporaryFolder {
+  public:
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const std::filesystem::path& Path() const { return path_; }
+    std::string File(std::string_view name) const { return (path_ / name).string(); }
+
+    // A file in place of the one that was there; its path.
+    std::string Write(std::string_view name, std::string_view bytes) const;
+
+  private:
+    std::filesystem::path path_;
+};
+
+// All the bytes of a file; none if it cannot be read.
+std::string ReadFile(const std::filesystem::path& path);
