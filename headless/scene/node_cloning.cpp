@@ -29,11 +29,17 @@ std::string Stem(const std::string& name) {
     return name.substr(0, name.find_last_not_of("0123456789") + 1);
 }
 
+// An object that cannot be copied is shown by both nodes, so that the copy does not lose it.
+Object* CopyOfObject(Object* object, RemapDir& remap) {
+    auto* const copy = static_cast<Object*>(remap.CloneRef(object));
+    return copy ? copy : object;
+}
+
 SceneNode* CopyOne(SceneNode& source, RemapDir& remap) {
     const NodePtr copy = TheScene().NewNode();
     copy->SetLook(source.Look());
     copy->SetName(TheScene().Names().MakeUnique(Stem(source.Name())).c_str());
-    copy->SetObject(static_cast<Object*>(remap.CloneRef(source.GetObjectRef())));
+    copy->SetObject(CopyOfObject(source.GetObjectRef(), remap));
     copy->SetTMController(static_cast<Control*>(remap.CloneRef(source.GetTMController())));
     source.BaseClone(&source, copy.get(), remap);
     auto* parent = static_cast<SceneNode*>(remap.FindMapping(source.Parent()));

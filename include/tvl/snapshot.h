@@ -41,7 +41,7 @@ class CSnapshot : public CExtendable {
 // The look and the geometry of a guide object.
 class CSnapshot_Helper : public CExtendable {
   public:
-    virtual void SetMesh(const CMesh& mesh) = 0;
+    virtual void SetMesh(CMesh mesh) = 0;
 
     // Each channel from 0 to 1; beyond that the low 8 bits of channel × 255 are what shows.
     virtual void SetColor(float red, float green, float blue) = 0;
@@ -83,7 +83,7 @@ class CSnapshot_Lens : public CExtendable {
 class CSnapshot_Mesh : public CExtendable {
   public:
     // Changes what the node shows if its object is a triangle mesh itself, else this mesh alone.
-    virtual void SetMesh(const CMesh& mesh) = 0;
+    virtual void SetMesh(CMesh mesh) = 0;
     virtual CMesh GetMesh() = 0;
 
     // The nearest hit of a ray in object space. `distance` and `normal` may be null; after a miss

@@ -1,5 +1,6 @@
 #include "nodes/helper_snapshot.h"
 
+#include <cmath>
 #include <memory>
 
 #include "measures/saturation.h"
@@ -8,10 +9,12 @@
 
 namespace {
 
-// The low 8 bits of the channel times 255; nothing is clamped to them.
+// The low 8 bits of the channel times 255, however large that is; nothing is clamped to them. What
+// is no number gives 0.
 std::uint32_t WireChannel(float channel) {
-    const std::int32_t scaled = TruncatedToInt32(static_cast<double>(channel) * 255.0);
-    return static_cast<std::uint32_t>(scaled) & 0xFF;
+    constexpr double kRound = 256;  // the remainder keeps the low bits, and is exact
+    const double scaled = std::trunc(static_cast<double>(channel) * 255.0);
+    return static_cast<std::uint32_t>(TruncatedToInt32(std::fmod(scaled, kRound))) & 0xFF;
 }
 
 // The host's colour value: red in the low byte.
@@ -37,7 +40,7 @@ void CMAXNode::CMAXSnapshot_Helper::LoseNode() {
     hostNode = {};
 }
 
-void CMAXNode::CMAXSnapshot_Helper::SetMesh(const TVL::CMesh& mesh) {
+void CMAXNode::CMAXSnapshot_Helper::SetMesh(TVL::CMesh mesh) {
     // A stand-in for an object that could not be read says its class, and has no mesh.
     if (auto* object = dynamic_cast<TriObject*>(LiveObject())) WriteMesh(mesh, object->GetMesh());
 }

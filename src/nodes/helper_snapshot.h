@@ -23,7 +23,7 @@ class CMAXNode::CMAXSnapshot_Helper final : public TVL::CoreNode::Snapshot_Helpe
     // The node has died.
     void LoseNode();
 
-    void SetMesh(const TVL::CMesh& mesh) override;
+    void SetMesh(TVL::CMesh mesh) override;
     void SetColor(float red, float green, float blue) override;
     void SetWireframe(bool wireframe) override;
     void SetBackfaceCull(bool backfaceCull) override;

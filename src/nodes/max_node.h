@@ -106,7 +106,6 @@ class CMAXNode final : public TVL::CoreNode {
     void LoseSource();
 
     bool isSnapshot;
-    bool isForgotten = false;  // by the Core that it was made for
     HostNodeLink hostNode;
     SnapshotPool<CMAXSnapshot> transformPool;
     SnapshotPool<CMAXSnapshot_Helper> helperPool;
@@ -114,6 +113,7 @@ class CMAXNode final : public TVL::CoreNode {
     SnapshotPool<CMAXSnapshot_Mesh> meshPool;
     SnapshotPool<CMAXSnapshot_Shape> shapePool;
 
+    bool isForgotten = false;                 // by the Core that it was made for
     TVL::CoreElement* sourceOwner = nullptr;  // owner of `source` when this node was made
     std::vector<CMAXNode*> reached;           // nodes whose `source` is this one
     std::vector<NodeWatch*> watches;          // who wants to know when this node dies

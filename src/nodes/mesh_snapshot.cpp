@@ -77,7 +77,7 @@ TriObject* CMAXNode::CMAXSnapshot_Mesh::LiveMesh() const {
     return converted ? converted->get() : nullptr;
 }
 
-void CMAXNode::CMAXSnapshot_Mesh::SetMesh(const TVL::CMesh& mesh) {
+void CMAXNode::CMAXSnapshot_Mesh::SetMesh(TVL::CMesh mesh) {
     if (TriObject* object = LiveMesh()) WriteMesh(mesh, object->GetMesh());
 }
 

@@ -11,7 +11,6 @@
 // A node's geometry at the time of acquisition, in object space and host units. It has no mesh if
 // the object cannot become triangles, once the host node is gone, and once whoever owned the mesh
 // has ended it: an empty mesh is read, a write does nothing, no ray hits.
-// The order of the fields is part of the contract.
 class CMAXNode::CMAXSnapshot_Mesh final : public TVL::CoreNode::Snapshot_Mesh {
   public:
     explicit CMAXSnapshot_Mesh(CMAXNode& lender);
@@ -27,7 +26,7 @@ class CMAXNode::CMAXSnapshot_Mesh final : public TVL::CoreNode::Snapshot_Mesh {
 
     // Writes to the mesh at hand: what the node shows changes only if its object is a triangle mesh
     // itself.
-    void SetMesh(const TVL::CMesh& mesh) override;
+    void SetMesh(TVL::CMesh mesh) override;
     TVL::CMesh GetMesh() override;
     bool IntersectRay(const std::array<double, 3>& origin, const std::array<double, 3>& direction,
                       double* distance, std::array<double, 3>* normal) override;

@@ -116,7 +116,8 @@ TEST_F(HelperLook, SetsTheWireColourFromTruncatedChannels) {
     } cases[] = {{1, 0.5F, 0, 0x00007FFF},
                  {2, 0, 0, 254},
                  {0, 0, -1, 0x010000},
-                 {kNan, kHuge, -kHuge, 0x00FF00}};
+                 {1e7F, 0, -1e7F, 0x800080},
+                 {kNan, kHuge, -kHuge, 0}};
     for (const auto& given : cases) {
         look->SetColor(given.red, given.green, given.blue);
         EXPECT_EQ(Host("Rig_Hip")->GetWireColor(), given.colour);

@@ -142,6 +142,9 @@ TEST(CustomHelperObject, RebuildsItsDisplayMeshForEveryBoundingBox) {
     EXPECT_EQ(box.pmin, Point3(0, 0, -3.5F));
     EXPECT_EQ(box.pmax, Point3(1, 2, 0));
     EXPECT_EQ(helper.meshDirty, 0);
+    helper.mesh.vertices.push_back({5, 0, 0});
+    helper.GetLocalBoundBox(0, nullptr, nullptr, box);
+    EXPECT_EQ(box.pmax, Point3(5, 2, 0));
     helper.FreeCaches();
     EXPECT_EQ(helper.displayMesh.getNumVerts(), 0);
     EXPECT_NE(helper.meshDirty, 0);

@@ -54,6 +54,16 @@ TEST_F(HelperInScene, DrawsARedWireframeThatIsWhiteWhenSelected) {
     }
 }
 
+TEST_F(HelperInScene, IsShownByACopyOfItsNodeToo) {
+    INode* node = AddNode(NewHelper(), "Guide");
+    INodeTab nodes;
+    nodes.Append(1, &node);
+    INodeTab copies;
+    GetCOREInterface()->CloneNodes(nodes, {}, false, NODE_COPY, nullptr, &copies);
+    ASSERT_EQ(copies.Count(), 1);
+    EXPECT_EQ(copies[0]->GetObjectRef(), node->GetObjectRef());
+}
+
 TEST_F(HelperInScene, DrawsFacesInItsColourAndLeavesOutItsBackIfItIsSaid) {
     CustomHelperObject* const helper = NewHelper();
     INode* const node = AddNode(helper, "Guide");

@@ -42,6 +42,12 @@ TEST(MeshExchange, WritesAMeshInSinglePrecisionWithTwoVisibleEdges) {
     EXPECT_TRUE(host.IsEdgeListEnabled());
 }
 
+TEST(MeshExchange, EnablesTheEdgeListOfAMeshWithoutFacesToo) {
+    Mesh host;
+    WriteMesh({}, host);
+    EXPECT_TRUE(host.IsEdgeListEnabled());
+}
+
 TEST(MeshExchange, NeverLetsAnIndexOutsideItsTableReachTheHost) {
     for (const int stray : {-1, 3, INT_MAX, INT_MIN}) {
         TVL::CMesh mesh = Triangle();

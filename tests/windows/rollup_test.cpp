@@ -1,0 +1,172 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+
+#include "headless/scene_view.h"
+#include "headless/session.h"
+#include "host/interface.h"
+#include "host/node.h"
+#include "platform/testing.h"
+#include "resources/resource_ids.h"
+#include "support/folder/surroundings.h"
+#include "support/puppet/stage.h"
+#include "support/puppet_core.h"
+#include "tvl/adaptor_interface.h"
+
+// The rollups of the library that a host loads, as real windows with real buttons.
+namespace {
+
+std::string ClassOf(HWND window) {
+    std::array<char, 32> name{};
+    GetClassNameA(window, name.data(), static_cast<int>(name.size()));
+    return name.data();
+}
+
+std::string TextOf(HWND window) {
+    std::array<char, 512> text{};
+    GetWindowTextA(window, text.data(), static_cast<int>(text.size()));
+    return text.data();
+}
+
+// The page below the host's main window that has a control of this id.
+HWND PageWith(int control) {
+    struct Search {
+        int control;
+        HWND found;
+    } search{control, nullptr};
+    EnumChildWindows(
+        GetCOREInterface()->GetMAXHWnd(),
+        [](HWND window, LPARAM at) -> BOOL {
+            auto& sought = *reinterpret_cast<Search*>(at);
+            if (GetDlgItem(window, sought.control)) sought.found = window;
+            return !sought.found;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+RECT InPixels(HWND dialog, RECT units) {
+    MapDialogRect(dialog, &units);
+    return units;
+}
+
+// Of the area in which a window draws, or of a control within its dialog.
+RECT AreaOf(HWND window) {
+    RECT area{};
+    GetWindowRect(window, &area);
+    MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&area), 2);
+    return area;
+}
+
+void ExpectSame(const RECT& found, const RECT& expected) {
+    EXPECT_EQ(found.left, expected.left);
+    EXPECT_EQ(found.top, expected.top);
+    EXPECT_EQ(found.right, expected.right);
+    EXPECT_EQ(found.bottom, expected.bottom);
+}
+
+void ExpectPage(HWND page, int control, const char* caption, const RECT& size, const RECT& button) {
+    ASSERT_TRUE(IsWindow(page));
+    EXPECT_EQ(ClassOf(page), "#32770");
+    EXPECT_TRUE(IsWindowVisible(page));
+    RECT inside{};
+    GetClientRect(page, &inside);
+    ExpectSame(inside, InPixels(page, size));
+    const HWND pressed = GetDlgItem(page, control);
+    EXPECT_EQ(ClassOf(pressed), "Button");
+    EXPECT_EQ(TextOf(pressed), caption);
+    ExpectSame(AreaOf(pressed), InPixels(page, button));
+}
+
+// Finds the box by its caption once it stands on the screen, reads it and presses its button.
+struct BoxReader {
+    static inline std::string text;
+    static inline LONG style = 0;
+
+    static void CALLBACK Look(HWND, UINT, UINT_PTR timer, DWORD) {
+        const HWND box = FindWindowA("#32770", "Tarvo Lumiset");
+        if (!box) return;
+        KillTimer(nullptr, timer);
+        text = TextOf(GetDlgItem(box, 0xFFFF));
+        style = GetDlgItem(box, IDOK) && !GetDlgItem(box, IDCANCEL) ? MB_OK : -1;
+        SendMessageA(box, WM_COMMAND, IDOK, 0);
+    }
+};
+
+class Rig final : public TVL::CoreElement {
+  public:
+    Rig() { plugin = &record_; }
+
+  private:
+    TVL::PluginRecord record_{"Rig"};
+};
+
+class Rollups : public testing::Test {
+  protected:
+    Rollups() {
+        stage_.core = &core_;
+        stage_.onDetach = [this] { core_.Leave(); };
+    }
+    ~Rollups() override {
+        session_.ShutDown();
+        stage_ = {};
+        EXPECT_EQ(platform::CountWindows(), 0U);
+    }
+
+    void Start(const char* core) {
+        const std::string cores = std::string(PUPPET_CORES "/") + core;
+        PlaceRegistry(folder_, {cores, ""});
+        ASSERT_EQ(session_.LoadPlugin(PLUGIN_MODULE), "");
+        session_.Start();
+    }
+
+    const TemporaryFolder folder_;
+    PuppetCore core_;
+    puppet::Stage& stage_ = puppet::TheStage();
+    headless::Session session_;
+};
+
+TEST_F(Rollups, OfTheUtilityOpensTheCoreAtAClick) {
+    Start("whole");
+    const HWND page = PageWith(StartButton);
+    ExpectPage(page, StartButton, "Start Lumiset", {0, 0, 108, 30}, {7, 7, 101, 23});
+    core_.TakeCalls();
+    SendMessageA(GetDlgItem(page, StartButton), BM_CLICK, 0, 0);
+    EXPECT_EQ(core_.TakeCalls(), (PuppetCore::Calls{"show"}));
+    EXPECT_EQ(core_.shownIn, GetCOREInterface()->GetMAXHWnd());
+    session_.CloseUtility();
+    EXPECT_FALSE(IsWindow(page));
+}
+
+TEST_F(Rollups, OfTheUtilityTellsThatThereIsNoCore) {
+    Start("other_version");
+    SetTimer(nullptr, 0, 10, BoxReader::Look);
+    SendMessageA(GetDlgItem(PageWith(StartButton), StartButton), BM_CLICK, 0, 0);
+    EXPECT_EQ(BoxReader::text,
+              "Unable to bind Core routines. Tarvo Lumiset is unable to start.\n"
+              "Please re-install the software and contact Tarvo Works in case the problem "
+              "persists.");
+    EXPECT_EQ(BoxReader::style, MB_OK);
+}
+
+TEST_F(Rollups, OfATransformControlConvertsItOnceAtAClick) {
+    Start("whole");
+    Rig rig;
+    core_.options[OptimizedTransformOption] = true;
+    stage_.adaptor->CreateHelperNode(&rig, "Hip", nullptr, {}, nullptr);
+    INode* const node = headless::FindNode("Rig_Hip");
+    ASSERT_NE(node, nullptr);
+    Control* const before = node->GetTMController();
+    session_.Select({"Rig_Hip"});
+    session_.SetTaskMode(TASK_MODE_MOTION);
+    const HWND page = PageWith(ConvertButton);
+    ExpectPage(page, ConvertButton, "Convert to PRS controller", {0, 0, 108, 41}, {14, 7, 96, 21});
+    SendMessageA(GetDlgItem(page, ConvertButton), BM_CLICK, 0, 0);
+    EXPECT_NE(node->GetTMController(), before);
+    EXPECT_EQ(node->GetTMController()->ClassID(), (Class_ID{0x2005, 0}));
+    EXPECT_EQ(PageWith(ConvertButton), nullptr) << "the host shows the new controller";
+    EXPECT_EQ(session_.UndoLabels().front(), "Convert to PRS controller");
+}
+
+}  // namespace
