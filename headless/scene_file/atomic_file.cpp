@@ -63,8 +63,10 @@ AtomicFile::AtomicFile(const std::string& path)
     : path_(path), place_(PlaceOf(path)), written_(NewFileBeside(place_, path)), sink_(written_) {}
 
 AtomicFile::~AtomicFile() {
+    if (written_.empty()) return;
+    sink_.Close();  // no system is asked to remove a file that is open
     std::error_code ignored;
-    if (!written_.empty()) fs::remove(platform::FromNarrow(written_), ignored);
+    fs::remove(platform::FromNarrow(written_), ignored);
 }
 
 void AtomicFile::Close() {

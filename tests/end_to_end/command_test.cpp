@@ -89,7 +89,7 @@ TEST_F(Command, RefusesFilesThatItCannotWriteAndWordsThatItDoesNotKnow) {
           Wrong{record + " --sideways", "The following argument was not expected: --sideways"},
           Wrong{record + " --scale -1", "--scale: "}, Wrong{record + " --scale 2e6", "--scale: "},
           Wrong{record + " x.bvh --csv x", "--csv: "},
-          Wrong{record + " --csv ''", "--csv" + noName},
+          Wrong{record + " --csv \"\"", "--csv" + noName},
           Wrong{"merge a b --save \"\"", "--save" + noName}, Wrong{"info \"\"", "SCENE" + noName}})
         ExpectFailure(Run(wrong.words), wrong.what, 2);
 }

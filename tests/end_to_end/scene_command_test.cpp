@@ -166,7 +166,8 @@ TEST_F(SceneCommand, SamplesAreThePosesInCoreSpaceAlsoAfterConversion) {
     const std::string hip = " --node \"a,b_\\\"Hip\\\"\"";
     const std::string rows = Do("sample " + scene + hip + " --times 0:0.5:0.25");
     EXPECT_EQ(std::count(rows.begin(), rows.end(), '\n'), 4);
-    EXPECT_EQ(rows.rfind("seconds,node,x,y,z,qx,qy,qz,qw,sx,sy,sz\n0,\"a,b_\"\"Hip\"\"\",0,", 0), 0u)
+    EXPECT_EQ(rows.rfind("seconds,node,x,y,z,qx,qy,qz,qw,sx,sy,sz\n0,\"a,b_\"\"Hip\"\"\",0,", 0),
+              0u)
         << rows;
     EXPECT_NE(rows.find("\n0.25,"), std::string::npos);
     Do("convert " + scene + " --save " + File("plain"));

@@ -68,7 +68,7 @@ TEST(SessionTest, AModuleThatIsNoPluginIsRefusedWithAReason) {
     headless::Session session;
     const std::string missing = session.LoadPlugin("/nowhere/plugin.so");
     EXPECT_NE(missing.find("/nowhere/plugin.so"), std::string::npos) << missing;
-    const std::string noPlugin = session.LoadPlugin("libm.so.6");
+    const std::string noPlugin = session.LoadPlugin(NO_PLUGIN);
     EXPECT_NE(noPlugin.find("does not export LibDescription"), std::string::npos) << noPlugin;
 }
 

@@ -96,8 +96,8 @@ DialogTemplate ReadDialog(HMODULE module, int id) {
     reader.ReadNumberOrText(unused);  // class
     reader.ReadText();                // title
     dialog.points = reader.Read<WORD>();
-    reader.Read<WORD>();   // weight
-    reader.Read<WORD>();   // italic and character set
+    reader.Read<WORD>();  // weight
+    reader.Read<WORD>();  // italic and character set
     dialog.font = reader.ReadText();
     for (int control = 0; control < controls; ++control)
         dialog.controls.push_back(ReadControl(reader));
@@ -105,7 +105,9 @@ DialogTemplate ReadDialog(HMODULE module, int id) {
 }
 
 void PrintTo(const DialogTemplate& dialog, std::ostream* stream) {
-    const auto narrow = [](const std::wstring& text) { return std::string(text.begin(), text.end()); };
+    const auto narrow = [](const std::wstring& text) {
+        return std::string(text.begin(), text.end());
+    };
     *stream << dialog.id << " style " << dialog.style << ", " << dialog.width << " by "
             << dialog.height << ", " << narrow(dialog.font) << ' ' << dialog.points;
     for (const ButtonTemplate& button : dialog.controls)

@@ -43,9 +43,8 @@ std::set<std::string> MappedLibrary::Imports() const {
     const auto* entry = Directory<IMAGE_IMPORT_DESCRIPTOR>(IMAGE_DIRECTORY_ENTRY_IMPORT);
     for (; entry && entry->Name != 0; ++entry) {
         std::string name = At<char>(entry->Name);
-        std::ranges::transform(name, name.begin(), [](unsigned char c) {
-            return static_cast<char>(std::tolower(c));
-        });
+        std::ranges::transform(name, name.begin(),
+                               [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
         found.insert(name);
     }
     return found;

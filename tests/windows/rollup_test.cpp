@@ -51,7 +51,7 @@ RECT InPixels(HWND dialog, RECT units) {
     return units;
 }
 
-// Of the area in which a window draws, or of a control within its dialog.
+// Within its parent.
 RECT AreaOf(HWND window) {
     RECT area{};
     GetWindowRect(window, &area);
@@ -66,6 +66,12 @@ void ExpectSame(const RECT& found, const RECT& expected) {
     EXPECT_EQ(found.bottom, expected.bottom);
 }
 
+// Width and height for the area's right and bottom: place and size are rounded to pixels apart.
+RECT SizeOf(const RECT& area) {
+    return {area.left, area.top, area.right - area.left, area.bottom - area.top};
+}
+
+// Place and size of the button, and the size of the page, in dialog units.
 void ExpectPage(HWND page, int control, const char* caption, const RECT& size, const RECT& button) {
     ASSERT_TRUE(IsWindow(page));
     EXPECT_EQ(ClassOf(page), "#32770");
@@ -76,7 +82,7 @@ void ExpectPage(HWND page, int control, const char* caption, const RECT& size, c
     const HWND pressed = GetDlgItem(page, control);
     EXPECT_EQ(ClassOf(pressed), "Button");
     EXPECT_EQ(TextOf(pressed), caption);
-    ExpectSame(AreaOf(pressed), InPixels(page, button));
+    ExpectSame(SizeOf(AreaOf(pressed)), InPixels(page, button));
 }
 
 // Finds the box by its caption once it stands on the screen, reads it and presses its button.
@@ -130,7 +136,7 @@ class Rollups : public testing::Test {
 TEST_F(Rollups, OfTheUtilityOpensTheCoreAtAClick) {
     Start("whole");
     const HWND page = PageWith(StartButton);
-    ExpectPage(page, StartButton, "Start Lumiset", {0, 0, 108, 30}, {7, 7, 101, 23});
+    ExpectPage(page, StartButton, "Start Lumiset", {0, 0, 108, 30}, {7, 7, 94, 16});
     core_.TakeCalls();
     SendMessageA(GetDlgItem(page, StartButton), BM_CLICK, 0, 0);
     EXPECT_EQ(core_.TakeCalls(), (PuppetCore::Calls{"show"}));
@@ -161,7 +167,7 @@ TEST_F(Rollups, OfATransformControlConvertsItOnceAtAClick) {
     session_.Select({"Rig_Hip"});
     session_.SetTaskMode(TASK_MODE_MOTION);
     const HWND page = PageWith(ConvertButton);
-    ExpectPage(page, ConvertButton, "Convert to PRS controller", {0, 0, 108, 41}, {14, 7, 96, 21});
+    ExpectPage(page, ConvertButton, "Convert to PRS controller", {0, 0, 108, 41}, {14, 7, 82, 14});
     SendMessageA(GetDlgItem(page, ConvertButton), BM_CLICK, 0, 0);
     EXPECT_NE(node->GetTMController(), before);
     EXPECT_EQ(node->GetTMController()->ClassID(), (Class_ID{0x2005, 0}));

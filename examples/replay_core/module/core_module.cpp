@@ -4,8 +4,8 @@
 #include "replay_core/state/guarded.h"
 #include "tvl/core_interface.h"
 
-// The three routines by which an adaptor finds the Core. CORE_ROUTINE is what marks an export on the
-// system for which the Core is built.
+// The three routines by which an adaptor finds the Core. CORE_ROUTINE is what marks an export on
+// the system for which the Core is built.
 
 extern "C" CORE_ROUTINE std::uint32_t getVersion() {
     return TVL::kInterfaceVersion;
