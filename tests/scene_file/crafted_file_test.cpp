@@ -68,7 +68,6 @@ const Craft kCrafts[] = {
     {kObject, 0, 12, {0xFF, 0xFF, 0xFF, 0xFF}, "class name"},
     {kObject, 1, 20, {0xFF, 0xFF, 0xFF, 0xFF}, "reference table"},
     {kNode, 1, 0, {0}, "handle 0"},
-    {kNode, 1, 0, {1}, "another node has too"},
     {kNode, 0, 4, {1, 0, 0, 0}, "parent"},
     {kNode, 1, 4, {1}, "parent"},
     {kNode, 0, kName, {0xFF, 0xFF, 0xFF, 0xFF}, "name"},
@@ -120,6 +119,10 @@ TEST_F(CraftedFile, IsRefusedForWhatItSays) {
         EXPECT_TRUE(error.starts_with(File("crafted") + ": at byte ")) << error;
         EXPECT_NE(error.find(craft.complaint), std::string::npos) << craft.complaint << error;
     }
+    std::string twice = plain;
+    twice.replace(Find(plain, kNode, 1).begin, 4, plain, Find(plain, kNode, 0).begin, 4);
+    EXPECT_NE(Open(twice, {kNode, 1, 0, {}, ""}).error.find("another node has too"),
+              std::string::npos);
     EXPECT_EQ(headless::Nodes().size(), 2U);
 }
 

@@ -64,20 +64,29 @@ class Placed {
     std::optional<std::string> before_;
 };
 
-TEST(TheInstallKey, IsTheOneThatA32BitInstallerWrites) {
+class RealRegistry : public testing::Test {
+  protected:
+    // Whatever stood in for it in an earlier test.
+    RealRegistry() {
+        for (const HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER})
+            RegOverridePredefKey(root, nullptr);
+    }
+};
+
+TEST_F(RealRegistry, HoldsTheInstallKeyWhereA32BitInstallerWritesIt) {
     const Placed installed(kInstallPath, "C:\\Program Files (x86)\\Tarvo");
     EXPECT_EQ(ReadInstallValue(kDataPath), "C:\\Program Files (x86)\\Tarvo");
     EXPECT_EQ(ReadInstallValue("no such value"), "");
 }
 
-TEST(TheInstallKey, GivesTheWholePathOrNone) {
+TEST_F(RealRegistry, GivesTheWholeInstallPathOrNone) {
     const Placed installed(kInstallPath, std::string(1023, 'x'));
     EXPECT_EQ(ReadInstallValue(kDataPath), std::string(1023, 'x'));
     installed.Set(std::string(1024, 'x'));
     EXPECT_EQ(ReadInstallValue(kDataPath), "");
 }
 
-TEST(TheDocumentsFolder, IsTheUsersOwn) {
+TEST_F(RealRegistry, KnowsTheDocumentsFolderOfTheUser) {
     const Placed documents(kDocuments, "D:\\Somebody's letters");
     EXPECT_EQ(FindDocumentsPath(), "D:\\Somebody's letters\\Tarvo Works\\Lumiset\\");
 }
