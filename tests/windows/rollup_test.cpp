@@ -120,10 +120,10 @@ class Rollups : public testing::Test {
         EXPECT_EQ(platform::CountWindows(), 0U);
     }
 
-    void Start(const char* core) {
+    void Start(const char* core, const char* plugin = PLUGIN_MODULE) {
         const std::string cores = std::string(PUPPET_CORES "/") + core;
         PlaceRegistry(folder_, {cores, ""});
-        ASSERT_EQ(session_.LoadPlugin(PLUGIN_MODULE), "");
+        ASSERT_EQ(session_.LoadPlugin(plugin), "");
         session_.Start();
     }
 
@@ -143,6 +143,13 @@ TEST_F(Rollups, OfTheUtilityOpensTheCoreAtAClick) {
     EXPECT_EQ(core_.shownIn, GetCOREInterface()->GetMAXHWnd());
     session_.CloseUtility();
     EXPECT_FALSE(IsWindow(page));
+}
+
+TEST_F(Rollups, OfALibraryBuiltWithAKitWorkAlike) {
+    Start("whole", PLUGIN_WITH_KIT);
+    core_.TakeCalls();
+    EXPECT_TRUE(session_.PressButton(StartButton));
+    EXPECT_EQ(core_.TakeCalls(), (PuppetCore::Calls{"show"}));
 }
 
 TEST_F(Rollups, OfTheUtilityTellsThatThereIsNoCore) {
