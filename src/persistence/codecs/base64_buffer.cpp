@@ -23,22 +23,22 @@ constexpr auto kValues = [] {
     return values;
 }();
 
-std::size_t Yield(std::string_view group) {
+std::size_t BytesIn(std::string_view group) {
     if (group[3] != kPadding) return 3;
     return group[2] != kPadding ? 2 : 1;
 }
 
 // Appends the bytes of four characters; false if one that is needed is not in the alphabet.
 bool DecodeGroup(std::string_view group, std::vector<std::uint8_t>& bytes) {
-    const std::size_t yield = Yield(group);
+    const std::size_t count = BytesIn(group);
     std::uint32_t bits = 0;  // the group's 24, from the highest
     for (std::size_t i = 0; i < kGroupCharacters; ++i) {
-        const bool isNeeded = i <= yield;
+        const bool isNeeded = i <= count;
         const std::uint32_t value = isNeeded ? kValues[static_cast<std::uint8_t>(group[i])] : 0;
         if (value == kNoValue) return false;
         bits = bits << 6 | value;
     }
-    for (std::size_t i = 0; i < yield; ++i)
+    for (std::size_t i = 0; i < count; ++i)
         bytes.push_back(static_cast<std::uint8_t>(bits >> (16 - 8 * i)));
     return true;
 }
