@@ -44,7 +44,7 @@ std::string NewFileBeside(const std::string& place, const std::string& path) {
     std::random_device random;
     std::string reason = "every name is taken";
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        const std::string name =
+        std::string name =
             platform::ToNarrow(platform::FromNarrow(place).replace_filename(RandomName(random)));
         const platform::NewFile made = platform::MakeNewFile(name, reason);
         if (made == platform::NewFile::kMade) return name;
