@@ -65,8 +65,11 @@ AtomicFile::AtomicFile(const std::string& path)
 AtomicFile::~AtomicFile() {
     if (written_.empty()) return;
     sink_.Close();  // no system is asked to remove a file that is open
+    // Nor is Windows asked to remove one that nobody may write to, as the old file may be.
+    const fs::path written = platform::FromNarrow(written_);
     std::error_code ignored;
-    fs::remove(platform::FromNarrow(written_), ignored);
+    fs::permissions(written, fs::perms::owner_write, fs::perm_options::add, ignored);
+    fs::remove(written, ignored);
 }
 
 void AtomicFile::Close() {
