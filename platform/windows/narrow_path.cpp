@@ -24,17 +24,16 @@ std::filesystem::path FromNarrow(const std::string& path) {
     return wide.empty() && !path.empty() ? kNowhere : wide;
 }
 
+// A letter that the code page lacks comes back as another one. The system can tell of it as well,
+// but refuses to where the code page is UTF-8.
 std::string ToNarrow(const std::filesystem::path& path) {
     const std::wstring& wide = path.native();
     const int size = static_cast<int>(wide.size());
-    BOOL isLacking = FALSE;
-    const int length = WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide.data(), size, nullptr,
-                                           0, nullptr, &isLacking);
-    if (isLacking) return {};
+    const int length =
+        WideCharToMultiByte(CP_ACP, 0, wide.data(), size, nullptr, 0, nullptr, nullptr);
     std::string text(static_cast<std::size_t>(length), '\0');
-    WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide.data(), size, text.data(), length,
-                        nullptr, nullptr);
-    return text;
+    WideCharToMultiByte(CP_ACP, 0, wide.data(), size, text.data(), length, nullptr, nullptr);
+    return Widened(text) == wide ? text : std::string();
 }
 
 }  // namespace platform
