@@ -3,8 +3,10 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <iterator>
+#include <string_view>
 #include <vector>
 
 #include "platform/environment.h"
@@ -95,6 +97,20 @@ std::string ReadFile(const std::string& path) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
+// The text is taken as the code page's, as Windows takes it; but its own exports are UTF-16.
+std::string InCodePage(const std::string& bytes) {
+    constexpr std::string_view kMark = "\xFF\xFE";
+    if (!bytes.starts_with(kMark)) return bytes;
+    std::wstring wide(bytes.size() / sizeof(wchar_t) - 1, L'\0');
+    std::memcpy(wide.data(), bytes.data() + kMark.size(), wide.size() * sizeof(wchar_t));
+    const int size = static_cast<int>(wide.size());
+    const int length =
+        WideCharToMultiByte(CP_ACP, 0, wide.data(), size, nullptr, 0, nullptr, nullptr);
+    std::string text(static_cast<std::size_t>(length), '\0');
+    WideCharToMultiByte(CP_ACP, 0, wide.data(), size, text.data(), length, nullptr, nullptr);
+    return text;
+}
+
 }  // namespace
 
 void HideRegistry() {
@@ -103,7 +119,7 @@ void HideRegistry() {
 
 void UseRegistryFile(const std::string& path) {
     SetVariable(kRegistryVariable, path);
-    const RegFile file = ParseRegFile(ReadFile(path));
+    const RegFile file = ParseRegFile(InCodePage(ReadFile(path)));
     ReportDamage(path, file);
     TheStandIn().Place(file);
 }

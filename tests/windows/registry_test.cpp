@@ -5,7 +5,10 @@
 #include <string>
 
 #include "adaptor/install_paths.h"
+#include "platform/narrow_path.h"
+#include "platform/stand_in_registry.h"
 #include "platform/win32.h"
+#include "support/folder/temporary_folder.h"
 #include "support/world.h"
 
 // The system's own registry. What a test writes there is taken back.
@@ -89,6 +92,19 @@ TEST_F(RealRegistry, GivesTheWholeInstallPathOrNone) {
 TEST_F(RealRegistry, KnowsTheDocumentsFolderOfTheUser) {
     const Placed documents(kDocuments, "D:\\Somebody's letters");
     EXPECT_EQ(FindDocumentsPath(), "D:\\Somebody's letters\\Tarvo Works\\Lumiset\\");
+}
+
+// Such a file is what the system's own editor exports.
+TEST(AStandInForTheRegistry, TakesAFileOfUtf16) {
+    const TemporaryFolder folder;
+    const std::wstring text =
+        L"\xFEFFWindows Registry Editor Version 5.00\r\n"
+        L"[HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node\\Tarvo Works\\Ostrel tools]\r\n"
+        L"\"datapath\"=\"D:\\\\J\x00F6rg\"\r\n";
+    const auto* const bytes = reinterpret_cast<const char*>(text.data());
+    platform::UseRegistryFile(folder.Write("utf16.reg", {bytes, text.size() * sizeof text[0]}));
+    EXPECT_EQ(ReadInstallValue(kDataPath), platform::ToNarrow(L"D:\\J\x00F6rg"));
+    platform::HideRegistry();
 }
 
 }  // namespace
