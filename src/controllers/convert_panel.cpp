@@ -9,7 +9,6 @@
 namespace {
 
 constexpr const char* kPageTitle = "Tarvo Quillmark MoCap";
-constexpr int kPageCategory = 4000;
 
 TransformControl* StoredController(HWND page) {
     return reinterpret_cast<TransformControl*>(GetWindowLongPtrA(page, GWLP_USERDATA));
@@ -23,7 +22,7 @@ void StoreController(HWND page, const TransformControl* controller) {
 
 HWND AddConvertPage(IObjParam& ip, TransformControl& controller) {
     return ip.AddRollupPage(ModuleInstance(), MAKEINTRESOURCEA(ConvertDialog), ConvertPanelDlgProc,
-                            kPageTitle, reinterpret_cast<LPARAM>(&controller), 0, kPageCategory);
+                            kPageTitle, reinterpret_cast<LPARAM>(&controller), 0, PageCategory);
 }
 
 void ForgetController(HWND page, const TransformControl& controller) {

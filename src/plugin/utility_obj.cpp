@@ -8,7 +8,7 @@
 void TarvoUtilityObj::BeginEditParams(Interface* ip, IUtil*) {
     if (panel) return;
     panel = ip->AddRollupPage(ModuleInstance(), MAKEINTRESOURCEA(PanelDialog), PanelDlgProc,
-                              "Tarvo Lumiset");
+                              "Tarvo Lumiset", 0, 0, PageCategory);
     UtilityManager::Get().panelWindow = panel;
 }
 
