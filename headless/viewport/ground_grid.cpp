@@ -59,16 +59,16 @@ GroundGrid GridBelow(const std::vector<Box3>& framed) {
 
 void DrawGrid(const GroundGrid& grid, DrawWindow& window) {
     const auto& [lower, upper] = std::pair(grid.area.pmin, grid.area.pmax);
-    const auto step = [&](float at) { return std::lround(double{at} / grid.step); };
-    const auto place = [&](long index) {
+    const auto step = [&](float at) { return std::llround(double{at} / grid.step); };
+    const auto place = [&](long long index) {
         SetLineColour(window, index == 0 ? kAxis : kLine);
         return static_cast<float>(static_cast<double>(index) * grid.step);
     };
-    for (long i = step(lower.x); i <= step(upper.x); ++i) {
+    for (long long i = step(lower.x); i <= step(upper.x); ++i) {
         const float x = place(i);
         window.DrawLine({x, lower.y, 0}, {x, upper.y, 0});
     }
-    for (long i = step(lower.y); i <= step(upper.y); ++i) {
+    for (long long i = step(lower.y); i <= step(upper.y); ++i) {
         const float y = place(i);
         window.DrawLine({lower.x, y, 0}, {upper.x, y, 0});
     }
