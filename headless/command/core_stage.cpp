@@ -10,6 +10,7 @@
 #include "platform/beside_program.h"
 #include "platform/environment.h"
 #include "platform/load_failure.h"
+#include "platform/narrow_path.h"
 #include "platform/stand_in_registry.h"
 
 namespace headless {
@@ -63,7 +64,7 @@ CoreReport CoreStage::AskCore(const CoreRequest& request) {
         platform::SetVariable(variable, value == request.end() ? "" : value->second);
     }
     platform::SetVariable(kReportVariable, report_.Path());
-    std::filesystem::remove(report_.Path());
+    std::filesystem::remove(platform::FromNarrow(report_.Path()));
     if (session_.KeptUtilities() == 0) throw Failure(NotAttached(platform::LastLoadFailure()));
     if (!session_.IsUtilityOpen(kUtilityName)) session_.OpenUtility(kUtilityName);
     const std::size_t boxes = boxTexts_.size();

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "command/exit_status.h"
+#include "platform/narrow_path.h"
 
 namespace headless {
 namespace {
@@ -18,7 +19,11 @@ std::string Mark() {
 std::string Place(const std::string& target) {
     if (!target.empty()) return target + ".part" + Mark();
     std::error_code none;
-    return (std::filesystem::temp_directory_path(none) / ("lumiset" + Mark() + ".txt")).string();
+    const std::string place = platform::ToNarrow(std::filesystem::temp_directory_path(none) /
+                                                 ("lumiset" + Mark() + ".txt"));
+    if (place.empty())
+        throw Failure("the folder for temporary files has a name that cannot be told to the Core");
+    return place;
 }
 
 }  // namespace
@@ -27,12 +32,12 @@ ScratchFile::ScratchFile(std::string target) : target_(std::move(target)), path_
 
 ScratchFile::~ScratchFile() {
     std::error_code absent;
-    std::filesystem::remove(path_, absent);
+    std::filesystem::remove(platform::FromNarrow(path_), absent);
 }
 
 void ScratchFile::Keep() {
     std::error_code error;
-    std::filesystem::rename(path_, target_, error);
+    std::filesystem::rename(platform::FromNarrow(path_), platform::FromNarrow(target_), error);
     if (error) throw Failure(target_ + ": " + error.message());
 }
 

@@ -5,8 +5,11 @@
 #include <string>
 
 #include "headless/session.h"
+#include "platform/beside_program.h"
 #include "platform/narrow_path.h"
+#include "platform/testing.h"
 #include "platform/win32.h"
+#include "support/folder/surroundings.h"
 #include "support/folder/temporary_folder.h"
 
 // What the system does with files and their names as no other does.
@@ -34,6 +37,24 @@ TEST(AFileThatIsReadOnlyAndOpen, KeepsItsPlaceAlone) {
     EXPECT_EQ(ReadFile(scene), "an older take");
     EXPECT_EQ(std::ranges::distance(std::filesystem::directory_iterator(folder.Path())), 1);
     SetFileAttributesA(scene.c_str(), FILE_ATTRIBUTE_NORMAL);
+}
+
+// As that of everybody whose own name has one.
+TEST(AFolderForTemporaryFilesWithALetterBeyondAscii, ServesTheCommandAndTheCore) {
+    const TemporaryFolder folder;
+    const std::filesystem::path before = std::filesystem::temp_directory_path();
+    const std::filesystem::path temporary = folder.Path() / L"J\x00F6rg";
+    if (platform::ToNarrow(temporary).empty()) GTEST_SKIP() << "the code page lacks it";
+    std::filesystem::create_directory(temporary);
+    PlaceRegistry(folder, {platform::BesideProgram("."), ""});
+    const std::string scene = folder.File("empty.scene");
+    headless::Session session;
+    session.Start();
+    ASSERT_EQ(session.SaveScene(scene).error, "");
+    SetEnvironmentVariableW(L"TMP", temporary.c_str());
+    EXPECT_EQ(platform::RunLine("\"" COMMAND "\" sample \"" + scene + "\" --times 0:0:1"), 0);
+    SetEnvironmentVariableW(L"TMP", before.c_str());
+    EXPECT_TRUE(std::filesystem::is_empty(temporary));
 }
 
 }  // namespace
