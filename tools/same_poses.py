@@ -35,9 +35,10 @@ def main(first, second):
         names = 2 if line > 1 else len(a)  # seconds and node, then numbers alone
         if a[:names] != b[:names] or len(a) != len(b):
             sys.exit(f"{first}, {second}: row {line} is of another node or time")
-        furthest = max([furthest, *map(units_apart, a[names:], b[names:])])
-    if not furthest <= 1.0:  # a NaN too
-        sys.exit(f"{first}, {second}: {furthest:.3g} units in the last place of a float apart")
+        for apart in map(units_apart, a[names:], b[names:]):
+            if not apart <= 1.0:  # nor is a NaN
+                sys.exit(f"{first}, {second}: row {line} is {apart:.3g} units in the last place apart")
+            furthest = max(furthest, apart)
     print(f"Poses: at most {furthest:.2g} units in the last place of a float apart in all "
           f"{len(tables[0]) - 1} rows")
 
