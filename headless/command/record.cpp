@@ -27,8 +27,10 @@ CoreRequest RequestFor(const RecordOptions& options) {
 }
 
 // The plug-in appends to its trace, so that the file is made or emptied here.
+// Without a path the trace goes where the environment says already.
 void StartTrace(const std::string& path) {
-    if (!path.empty() && !std::ofstream(path, std::ios::trunc))
+    if (path.empty()) return;
+    if (!std::ofstream(path, std::ios::trunc))
         throw Failure(path + ": the trace cannot be written");
     platform::SetVariable(kTraceVariable, path);
 }
