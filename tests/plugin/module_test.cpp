@@ -1,7 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <set>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
+#include "headless/primitives.h"
 #include "headless/scene_view.h"
 #include "headless/session.h"
 #include "host/class_desc.h"
@@ -70,37 +78,99 @@ TEST_F(Module, DescribesItsClasses) {
     EXPECT_EQ(classDesc(0)->Create(), classDesc(0)->Create());
 }
 
-// Everything through the loader, the exports and the entry point, and all of it gone again.
-TEST(LoadedPlugin, AttachesACoreAndLeavesOnlyTheUtilityManager) {
-    const TemporaryFolder folder;
-    PlaceRegistry(folder, {PUPPET_CORES "/whole", ""});
-    platform::SetVariable("LUMISET_TRACE", folder.File("trace.txt"));
+// A host with the plug-in and a Core, each a library that was loaded. All of it comes through the
+// exports and the entry point, and at the end only the UtilityManager is left.
+class LoadedPlugin : public testing::Test {
+  protected:
+    LoadedPlugin() {
+        PlaceRegistry(folder_, {PUPPET_CORES "/whole", ""});
+        platform::SetVariable("LUMISET_TRACE", File("trace.txt"));
+        stage.core = &core;
+        stage.onDetach = [this] { core.Leave(); };
+        EXPECT_EQ(session->LoadPlugin(PLUGIN_MODULE), "");
+        session->Start();
+        EXPECT_EQ(stage.attachCount, 1);
+    }
 
+    ~LoadedPlugin() override {
+        session.reset();
+        EXPECT_EQ(stage.detachCount, 1);
+        EXPECT_FALSE(stage.isLoaded);
+        EXPECT_EQ(platform::CountLoadedModules(), modulesBefore_);
+        EXPECT_EQ(headless::TakeCensus().heapBlocks, blocksBefore_ + 1);
+        EXPECT_EQ(headless::TakeCensus().objectCount, 0U);
+        const std::string trace = ReadFile(File("trace.txt"));
+        EXPECT_NE(trace.find("Shutting down adaptor\n"), std::string::npos);
+        EXPECT_EQ(trace.find("left something behind"), std::string::npos);
+        stage = {};
+    }
+
+    std::string File(std::string_view name) const { return folder_.File(name); }
+
+  private:
+    TemporaryFolder folder_;
+    std::size_t modulesBefore_ = platform::CountLoadedModules();
+    std::size_t blocksBefore_ = headless::TakeCensus().heapBlocks;
+
+  protected:
     PuppetCore core;
     puppet::Stage& stage = puppet::TheStage();
-    stage.core = &core;
-    stage.onDetach = [&core] { core.Leave(); };
-    const std::size_t modules = platform::CountLoadedModules();
-    const std::size_t blocks = headless::TakeCensus().heapBlocks;
-    {
-        headless::Session session;
-        ASSERT_EQ(session.LoadPlugin(PLUGIN_MODULE), "");
-        session.Start();
-        EXPECT_EQ(stage.attachCount, 1);
-        EXPECT_TRUE(session.PressButton(1046));
-        EXPECT_EQ(core.TakeCalls().back(), "show");
-        EXPECT_EQ(stage.adaptor->GetOptionsPanel().name, "group");
-    }
-    EXPECT_EQ(stage.detachCount, 1);
-    EXPECT_FALSE(stage.isLoaded);
-    EXPECT_EQ(platform::CountLoadedModules(), modules);
-    EXPECT_EQ(headless::TakeCensus().heapBlocks, blocks + 1);
-    EXPECT_EQ(headless::TakeCensus().objectCount, 0U);
+    std::optional<headless::Session> session{std::in_place};
+};
 
-    const std::string trace = ReadFile(folder.File("trace.txt"));
-    EXPECT_NE(trace.find("Shutting down adaptor\n"), std::string::npos);
-    EXPECT_EQ(trace.find("left something behind"), std::string::npos);
-    stage = {};
+TEST_F(LoadedPlugin, ShowsTheCoreAndGivesItTheOptionPanel) {
+    EXPECT_TRUE(session->PressButton(1046));
+    EXPECT_EQ(core.TakeCalls().back(), "show");
+    EXPECT_EQ(stage.adaptor->GetOptionsPanel().name, "group");
+}
+
+// Program, plug-in and Core compile the same classes. What the Core places in the plug-in must not
+// turn up as anybody else's.
+TEST_F(LoadedPlugin, HasALogAndARegistryOfItsOwnAsEveryModuleHas) {
+    TVL::Log log;
+    TVL::ErrorCode registry;
+    stage.adaptor->SetLog(&log);
+    stage.adaptor->SetErrorCode(&registry);
+    const std::int32_t mismatch = stage.adaptor->EndUndoGroup();
+    EXPECT_NE(log.buffer.str().find("undo group mismatch"), std::string::npos);
+    EXPECT_TRUE(registry.HasValue(mismatch));
+
+    EXPECT_EQ((std::set{&log, stage.log(), TVL::Log::GetInstance()}).size(), 3U);
+    EXPECT_EQ((std::set{&registry, stage.errorCode(), TVL::ErrorCode::GetInstance()}).size(), 3U);
+    stage.adaptor->ClearErrorCode();
+    stage.adaptor->ClearLog();
+}
+
+// The host throws out of its library, through the plug-in's, which catches it.
+TEST_F(LoadedPlugin, CatchesWhatTheHostThrowsAtADamagedSceneAndGoesOn) {
+    GetCOREInterface()->CreateObjectNode(headless::NewSphere(1, 8))->SetName("Ball");
+    const std::string sound = File("sound.scene");
+    ASSERT_EQ(session->SaveScene(sound).error, "");
+    const std::string damaged = File("damaged.scene");
+    std::filesystem::copy_file(sound, damaged);
+    std::filesystem::resize_file(damaged, std::filesystem::file_size(sound) - 1);
+    session->Select({"Ball"});
+    const std::uint64_t before = headless::SceneDigest();
+    TVL::Log log;
+    stage.adaptor->SetLog(&log);
+
+    for (int times = 0; times < 3; ++times) {
+        log.buffer.str("");
+        stage.adaptor->BeginUndoGroup("merging");
+        EXPECT_TRUE(stage.adaptor->MergeModels(damaged).empty());
+        EXPECT_EQ(stage.adaptor->EndUndoGroup(), 0);
+        EXPECT_NE(log.buffer.str().find("possible corrupt scene file: " + damaged + '\n'),
+                  std::string::npos);
+        EXPECT_EQ(log.indent, -1) << "a scope is still open";
+        EXPECT_EQ(headless::SceneDigest(), before);
+    }
+    EXPECT_TRUE(std::filesystem::remove(damaged)) << "the host has not closed it";
+
+    const std::vector<TVL::CNode*> merged = stage.adaptor->MergeModels(sound);
+    ASSERT_EQ(merged.size(), 1U);
+    static_cast<TVL::CoreNode*>(merged.front())->Destroy();
+    EXPECT_EQ(headless::Nodes().size(), 2U);
+    stage.adaptor->ClearLog();
 }
 
 }  // namespace

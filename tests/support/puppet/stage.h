@@ -4,6 +4,8 @@
 #include <functional>
 
 #include "tvl/core_interface.h"
+#include "tvl/error_code.h"
+#include "tvl/log.h"
 
 // Where the puppet Core, a library that the adaptor loads and frees as it would any Core, meets the
 // test that plays it. A library of its own, so that the puppet can really be unloaded.
@@ -22,6 +24,10 @@ struct Stage {
     int attachCount = 0;
     int detachCount = 0;
     bool isLoaded = false;
+
+    // What the puppet's library has for itself, as if it were in use there; set by `attach`.
+    TVL::Log* (*log)() = nullptr;
+    TVL::ErrorCode* (*errorCode)() = nullptr;
 
     // Litters the adaptor with all that a Core can leave there; whatever is called on it later runs
     // code of the puppet's library. Gives a button for PuppetCore::otherButton, which draws the

@@ -8,6 +8,8 @@ CoreInterface* attach(TVL::AdaptorInterface* adaptor) {
     puppet::Stage& stage = puppet::TheStage();
     ++stage.attachCount;
     stage.adaptor = adaptor;
+    stage.log = &TVL::Log::GetInstance;
+    stage.errorCode = &TVL::ErrorCode::GetInstance;
     stage.litter = &puppet::Litter;
     if (stage.onAttach) stage.onAttach();
     return stage.core;
