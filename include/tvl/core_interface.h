@@ -62,6 +62,13 @@ namespace TVL {
 // destroyed its message nodes, and has ended all use of nodes, snapshots and the adaptor itself.
 // No exception may leave a routine or an operation of the Core's.
 //
+// Texts, lists, meshes and trees cross by value in both directions: one side makes what the other
+// frees, with classes that each compiles for itself. Both therefore use the system's C heap, which
+// is where `new` takes memory from unless a library replaces it for itself, and one layout of
+// classes: the same compiler family, the same standard library, and none of the settings by which
+// that lays its classes out otherwise (such as _GLIBCXX_DEBUG). Optimisation, debug information,
+// NDEBUG and _GLIBCXX_ASSERTIONS may differ.
+//
 // On Windows a source that includes <windows.h> as well undefines its macros GetMessage and
 // GetCurrentTime before it includes these headers, since they would rename operations.
 using GetVersionRoutine = std::uint32_t();

@@ -14,7 +14,8 @@
 // end nothing may be left alive.
 class Stage {
   public:
-    explicit Stage(const headless::SessionSettings& settings = {});
+    explicit Stage(const headless::SessionSettings& settings = {},
+                   std::string_view coreFolder = CORE_FOLDER);
     ~Stage();
     Stage(const Stage&) = delete;
     Stage& operator=(const Stage&) = delete;
