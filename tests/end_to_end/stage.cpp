@@ -25,9 +25,8 @@ std::map<std::string, std::string> ReadReport(const std::string& path) {
 
 }  // namespace
 
-Stage::Stage(const headless::SessionSettings& settings, std::string_view coreFolder)
-    : session_(settings) {
-    PlaceRegistry(folder_, {coreFolder, folder_.Path().string()});
+Stage::Stage(const headless::SessionSettings& settings) : session_(settings) {
+    PlaceRegistry(folder_, {CORE_FOLDER, folder_.Path().string()});
     Tell("LUMISET_REPORT", File("report.txt"));
     Tell("LUMISET_CAPTURE_SCALE", "1");
     EXPECT_EQ(session_.LoadPlugin(PLUGIN_MODULE), "");

@@ -14,8 +14,7 @@
 // end nothing may be left alive.
 class Stage {
   public:
-    explicit Stage(const headless::SessionSettings& settings = {},
-                   std::string_view coreFolder = CORE_FOLDER);
+    explicit Stage(const headless::SessionSettings& settings = {});
     ~Stage();
     Stage(const Stage&) = delete;
     Stage& operator=(const Stage&) = delete;
