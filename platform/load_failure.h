@@ -6,7 +6,7 @@
 
 namespace platform {
 
-// Why the last LoadLibraryA that failed did so: the file, and the loader's own words.
+// Why the last LoadLibraryA that failed did so, in the loader's own words; to be asked at once.
 PLATFORM_API std::string LastLoadFailure();
 
 }  // namespace platform

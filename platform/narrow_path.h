@@ -15,4 +15,8 @@ PLATFORM_API std::filesystem::path FromNarrow(const std::string& path);
 // Empty if the code page lacks a letter of the path.
 PLATFORM_API std::string ToNarrow(const std::filesystem::path& path);
 
+// As much of a path as a message can tell: letters that the code page lacks are '?', which no path
+// on Windows has.
+PLATFORM_API std::string Shown(const std::filesystem::path& path);
+
 }  // namespace platform

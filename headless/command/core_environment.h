@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <string>
 
 // What reaches a Core around the host, which knows nothing of it: environment variables. The
@@ -41,5 +42,12 @@ inline constexpr std::array kOptions = {OptionOfVariable{kCaptureScaleVariable, 
 inline constexpr char kReportVariable[] = "LUMISET_REPORT";  // the file for the answer
 
 inline constexpr char kTraceVariable[] = "LUMISET_TRACE";  // by the plug-in
+
+// Where the plug-in looks for a Core: below the folder that the value of this key of the local
+// machine names, of which it reads so many bytes or nothing.
+inline constexpr char kInstallKey[] = "SOFTWARE\\Wow6432Node\\Tarvo Works\\Ostrel tools";
+inline constexpr char kInstallValue[] = "datapath";
+inline constexpr std::size_t kInstallValueRoom = 1023;
+inline constexpr char kCoreLibrary[] = "\\Core\\Core64.dll";
 
 }  // namespace headless

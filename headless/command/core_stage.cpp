@@ -6,10 +6,10 @@
 
 #include "command/core_environment.h"
 #include "command/exit_status.h"
+#include "command/missing_core.h"
 #include "headless/scene_view.h"
 #include "platform/beside_program.h"
 #include "platform/environment.h"
-#include "platform/load_failure.h"
 #include "platform/narrow_path.h"
 #include "platform/stand_in_registry.h"
 
@@ -61,11 +61,13 @@ CoreStage::CoreStage(Company company, const SessionSettings& settings)
 CoreReport CoreStage::AskCore(const CoreRequest& request) {
     for (const char* variable : kRequestVariables) {
         const auto value = request.find(variable);
-        platform::SetVariable(variable, value == request.end() ? "" : value->second);
+        if (!platform::SetVariable(variable, value == request.end() ? "" : value->second))
+            throw Failure(std::string("what the Core is asked for is too long for ") + variable +
+                          ", a variable of the environment");
     }
     platform::SetVariable(kReportVariable, report_.Path());
     std::filesystem::remove(platform::FromNarrow(report_.Path()));
-    if (session_.KeptUtilities() == 0) throw Failure(NotAttached(platform::LastLoadFailure()));
+    if (session_.KeptUtilities() == 0) throw Failure(NotAttached(WhyNoCore()));
     if (!session_.IsUtilityOpen(kUtilityName)) session_.OpenUtility(kUtilityName);
     const std::size_t boxes = boxTexts_.size();
     if (!session_.PressButton(kStartButton))

@@ -5,6 +5,7 @@
 
 #include "command/exit_status.h"
 #include "command/verbs.h"
+#include "platform/arguments.h"
 
 namespace {
 
@@ -17,7 +18,16 @@ headless::Failure WrongUsage(const std::string& what) {
     return headless::Failure(what + " (--help tells more)", headless::kWrongUsage);
 }
 
+// By a word that lost a letter on its way another file would be taken.
+void RefuseLostArgument() {
+    const std::string lost = platform::LostArgument();
+    if (!lost.empty())
+        throw headless::Failure(lost + ": the code page lacks a letter of this",
+                                headless::kWrongUsage);
+}
+
 int Run(int argc, char** argv) {
+    RefuseLostArgument();
     CLI::App app("The animation host without a screen, with the plug-in and its Core.");
     app.require_subcommand(0, 1);
     app.allow_windows_style_options(false);  // a path may begin with a slash

@@ -11,19 +11,32 @@
 namespace headless {
 namespace {
 
+namespace fs = std::filesystem;
+
 // Two runs at the same time do not meet.
 std::string Mark() {
     return std::to_string(std::random_device{}());
 }
 
+fs::path SystemFolder() {
+    std::error_code error;
+    const fs::path folder = fs::temp_directory_path(error);
+    if (error) throw Failure("the folder for temporary files cannot be had: " + error.message());
+    return folder;
+}
+
+// The length of the target's name does not count, so that what the system takes for a name is
+// taken here.
 std::string Place(const std::string& target) {
-    if (!target.empty()) return target + ".part" + Mark();
-    std::error_code none;
-    const std::string place = platform::ToNarrow(std::filesystem::temp_directory_path(none) /
-                                                 ("lumiset" + Mark() + ".txt"));
-    if (place.empty())
-        throw Failure("the folder for temporary files has a name that cannot be told to the Core");
-    return place;
+    const std::string name = "lumiset" + Mark() + ".part";
+    if (!target.empty())
+        return platform::ToNarrow(platform::FromNarrow(target).replace_filename(name));
+    const fs::path folder = SystemFolder();
+    std::string path = platform::ToNarrow(folder / name);
+    if (path.empty())
+        throw Failure(platform::Shown(folder) +
+                      ": the code page lacks a letter of the folder for temporary files");
+    return path;
 }
 
 }  // namespace
@@ -32,12 +45,12 @@ ScratchFile::ScratchFile(std::string target) : target_(std::move(target)), path_
 
 ScratchFile::~ScratchFile() {
     std::error_code absent;
-    std::filesystem::remove(platform::FromNarrow(path_), absent);
+    fs::remove(platform::FromNarrow(path_), absent);
 }
 
 void ScratchFile::Keep() {
     std::error_code error;
-    std::filesystem::rename(platform::FromNarrow(path_), platform::FromNarrow(target_), error);
+    fs::rename(platform::FromNarrow(path_), platform::FromNarrow(target_), error);
     if (error) throw Failure(target_ + ": " + error.message());
 }
 

@@ -24,9 +24,12 @@ std::string PlaceOf(const std::string& path) {
     const fs::path named = platform::FromNarrow(path);
     const fs::file_status status = fs::status(named, error);
     if (fs::exists(status) && !fs::is_regular_file(status)) Fail(path, "it is no plain file");
-    if (!fs::exists(status)) return path;
+    if (!fs::exists(status) || !fs::is_symlink(fs::symlink_status(named, error))) return path;
     const fs::path place = fs::canonical(named, error);
-    return error ? path : platform::ToNarrow(place);
+    if (error) return path;
+    std::string told = platform::ToNarrow(place);
+    if (told.empty()) Fail(path, "it leads to a name of which the code page lacks a letter");
+    return told;
 }
 
 std::string RandomName(std::random_device& random) {

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/beside_program.h"
 #include "platform/load_failure.h"
 #include "platform/posix/guarded.h"
 #include "platform/posix/modules.h"
@@ -82,7 +83,7 @@ FARPROC Find(HMODULE module, const char* name) {
 }
 
 std::string PathOf(HMODULE module) {
-    if (module == nullptr || module == ProgramModule()) return ProgramPath();
+    if (module == nullptr || module == ProgramModule()) return ProgramFile().string();
     Dl_info info{};
     if (FindModule(module) == nullptr || dladdr(module, &info) == 0) return {};
     return std::filesystem::absolute(info.dli_fname).string();

@@ -10,4 +10,8 @@ std::string ToNarrow(const std::filesystem::path& path) {
     return path.string();
 }
 
+std::string Shown(const std::filesystem::path& path) {
+    return path.string();
+}
+
 }  // namespace platform

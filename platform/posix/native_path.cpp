@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "platform/beside_program.h"
 #include "platform/registry_text/text.h"
 
 namespace platform {
@@ -29,9 +30,9 @@ std::string NativeModulePath(std::string_view path) {
     return native;
 }
 
-std::string ProgramPath() {
+std::filesystem::path ProgramFile() {
     std::error_code error;
-    return std::filesystem::read_symlink("/proc/self/exe", error).string();
+    return std::filesystem::read_symlink("/proc/self/exe", error);
 }
 
 }  // namespace platform

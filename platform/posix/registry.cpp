@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -33,7 +34,7 @@ struct Registry {
     HandleTable<HKEY, OpenKey> keys;
     // What was read last.
     std::string path;
-    std::string bytes;
+    std::optional<std::string> bytes;
     std::shared_ptr<const RegFile> file;
     bool isHidden = false;
 };
@@ -46,11 +47,16 @@ Registry& TheRegistry() {
 
 std::string RegistryPath() {
     if (const char* const named = std::getenv(kRegistryVariable)) return named;
-    return (std::filesystem::path(ProgramPath()).parent_path() / "lumiset.reg").string();
+    const std::filesystem::path program = ProgramFile();
+    return program.empty() ? "" : (program.parent_path() / "lumiset.reg").string();
 }
 
-// Empty if there is no such file, as a computer without an installation has none.
-std::string ReadFile(const std::string& path) {
+bool IsNamed() {
+    return std::getenv(kRegistryVariable) != nullptr;
+}
+
+// Nothing if there is no such file, as a computer without an installation has none.
+std::optional<std::string> ReadFile(const std::string& path) {
     std::ifstream stream(path, std::ios::binary);
     std::array<char, 65536> block;
     std::string bytes;
@@ -58,6 +64,7 @@ std::string ReadFile(const std::string& path) {
         stream.read(block.data(), block.size());
         bytes.append(block.data(), static_cast<std::size_t>(stream.gcount()));
     } while (stream && bytes.size() < kLargestFile);
+    if (!stream.is_open() || stream.bad()) return std::nullopt;
     return bytes;
 }
 
@@ -65,9 +72,10 @@ std::shared_ptr<const RegFile> ReadRegistry() {
     Registry& registry = TheRegistry();
     if (registry.isHidden) return std::make_shared<const RegFile>();
     std::string path = RegistryPath();
-    std::string bytes = ReadFile(path);
+    std::optional<std::string> bytes = ReadFile(path);
     if (registry.file && registry.path == path && registry.bytes == bytes) return registry.file;
-    auto file = std::make_shared<const RegFile>(ParseRegFile(bytes));
+    auto file = std::make_shared<const RegFile>(ParseRegFile(bytes.value_or("")));
+    if (!bytes && IsNamed() && !path.empty()) ReportUnreadable(path);
     ReportDamage(path, *file);
     registry.path = std::move(path);
     registry.bytes = std::move(bytes);

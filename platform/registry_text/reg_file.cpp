@@ -238,6 +238,10 @@ RegFile ParseRegFile(std::string_view bytes) {
     return Parser(bytes).Run();
 }
 
+void ReportUnreadable(const std::string& path) {
+    std::fprintf(stderr, "%s: the registry file cannot be read\n", path.c_str());
+}
+
 void ReportDamage(const std::string& path, const RegFile& file) {
     for (const int line : file.damagedLines)
         std::fprintf(stderr, "%s:%d: not a line of a registry file, skipped\n", path.c_str(), line);

@@ -33,7 +33,9 @@ struct RegFile {
 // so.
 RegFile ParseRegFile(std::string_view bytes);
 
-// A line to the standard error stream for each that is damaged.
+// Lines to the standard error stream: one for each that is damaged, and one for a file that
+// somebody named and that cannot be read.
+void ReportUnreadable(const std::string& path);
 void ReportDamage(const std::string& path, const RegFile& file);
 
 }  // namespace platform

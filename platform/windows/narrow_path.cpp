@@ -24,16 +24,23 @@ std::filesystem::path FromNarrow(const std::string& path) {
     return wide.empty() && !path.empty() ? kNowhere : wide;
 }
 
-// A letter that the code page lacks comes back as another one. The system can tell of it as well,
-// but refuses to where the code page is UTF-8.
+// A letter that was taken for one of its like would name another file, so that what comes back must
+// be what was given.
 std::string ToNarrow(const std::filesystem::path& path) {
+    std::string text = Shown(path);
+    return Widened(text) == path.native() ? text : std::string();
+}
+
+std::string Shown(const std::filesystem::path& path) {
     const std::wstring& wide = path.native();
     const int size = static_cast<int>(wide.size());
+    // UTF-8 has every letter, and the system takes no flags for it.
+    const DWORD flags = GetACP() == CP_UTF8 ? 0 : WC_NO_BEST_FIT_CHARS;
     const int length =
-        WideCharToMultiByte(CP_ACP, 0, wide.data(), size, nullptr, 0, nullptr, nullptr);
+        WideCharToMultiByte(CP_ACP, flags, wide.data(), size, nullptr, 0, nullptr, nullptr);
     std::string text(static_cast<std::size_t>(length), '\0');
-    WideCharToMultiByte(CP_ACP, 0, wide.data(), size, text.data(), length, nullptr, nullptr);
-    return Widened(text) == wide ? text : std::string();
+    WideCharToMultiByte(CP_ACP, flags, wide.data(), size, text.data(), length, nullptr, nullptr);
+    return text;
 }
 
 }  // namespace platform

@@ -3,14 +3,52 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "platform/arguments.h"
+#include "platform/beside_program.h"
 #include "platform/environment.h"
 #include "platform/terminal.h"
+#include "platform/win32.h"
+// Comes after <windows.h>, whose types it needs.
+#include <shellapi.h>
 
 namespace platform {
+namespace {
+
+constexpr std::size_t kLongestPath = 32768;  // letters, the NUL included
+
+}  // namespace
+
+std::string Variable(const char* name) {
+    const std::wstring wideName = FromNarrow(name).native();
+    std::wstring value;
+    for (DWORD needed = 1; needed > value.size();) {
+        value.resize(needed);
+        needed = GetEnvironmentVariableW(wideName.c_str(), value.data(), needed);
+        if (needed < value.size()) value.resize(needed);
+    }
+    return Shown(value);
+}
 
 // Of the run-time library, which hands it on to the system.
-void SetVariable(const char* name, const std::string& value) {
-    _putenv_s(name, value.c_str());
+bool SetVariable(const char* name, const std::string& value) {
+    return _putenv_s(name, value.c_str()) == 0;
+}
+
+std::string LostArgument() {
+    int count = 0;
+    wchar_t** const words = CommandLineToArgvW(GetCommandLineW(), &count);
+    std::string lost;
+    for (int i = 1; i < count && lost.empty(); ++i)
+        if (*words[i] != L'\0' && ToNarrow(words[i]).empty()) lost = Shown(words[i]);
+    LocalFree(words);
+    return lost;
+}
+
+std::filesystem::path ProgramFile() {
+    std::wstring path(kLongestPath, L'\0');
+    const DWORD length = GetModuleFileNameW(nullptr, path.data(), kLongestPath);
+    path.resize(length < kLongestPath ? length : 0);
+    return path;
 }
 
 bool IsErrorStreamATerminal() {

@@ -2,12 +2,10 @@
 
 #include <array>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <iterator>
-#include <string_view>
-#include <vector>
+#include <optional>
+#include <string>
 
 #include "platform/environment.h"
 #include "platform/registry_text/reg_file.h"
@@ -29,11 +27,30 @@ const std::array<Root, 2>& Roots() {
     return roots;
 }
 
+// A .reg file's texts are UTF-8, whatever the code page is.
+std::wstring Wide(const std::string& text) {
+    const int size = static_cast<int>(text.size());
+    const int length = MultiByteToWideChar(CP_UTF8, 0, text.data(), size, nullptr, 0);
+    std::wstring wide(static_cast<std::size_t>(length), L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, text.data(), size, wide.data(), length);
+    return wide;
+}
+
 HKEY MakeKey(HKEY above, const std::string& path) {
     HKEY made = nullptr;
-    RegCreateKeyExA(above, path.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr,
-                    &made, nullptr);
+    RegCreateKeyExW(above, Wide(path).c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS,
+                    nullptr, &made, nullptr);
     return made;
+}
+
+void SetValue(HKEY key, const std::wstring& name, const RegValue& value) {
+    const bool isText =
+        value.type == REG_SZ || value.type == REG_EXPAND_SZ || value.type == REG_MULTI_SZ;
+    const std::wstring text = isText ? Wide(value.bytes) : std::wstring();
+    const void* const bytes = isText ? static_cast<const void*>(text.data()) : value.bytes.data();
+    const std::size_t size = isText ? text.size() * sizeof(wchar_t) : value.bytes.size();
+    RegSetValueExW(key, name.c_str(), 0, value.type, static_cast<const BYTE*>(bytes),
+                   static_cast<DWORD>(size));
 }
 
 // Both roots of this process, turned to keys below one that bears the process's number.
@@ -68,9 +85,7 @@ class StandIn {
             if (!path.starts_with(root)) continue;
             const HKEY key = MakeKey(top, path.substr(root.size()));
             for (const auto& [name, value] : values)
-                RegSetValueExA(key, name.c_str(), 0, value.type,
-                               reinterpret_cast<const BYTE*>(value.bytes.data()),
-                               static_cast<DWORD>(value.bytes.size()));
+                SetValue(key, Wide(name), value);
             RegCloseKey(key);
         }
     }
@@ -92,23 +107,10 @@ StandIn& TheStandIn() {
     return standIn;
 }
 
-std::string ReadFile(const std::string& path) {
+std::optional<std::string> ReadFile(const std::string& path) {
     std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-// The text is taken as the code page's, as Windows takes it; but its own exports are UTF-16.
-std::string InCodePage(const std::string& bytes) {
-    constexpr std::string_view kMark = "\xFF\xFE";
-    if (!bytes.starts_with(kMark)) return bytes;
-    std::wstring wide(bytes.size() / sizeof(wchar_t) - 1, L'\0');
-    std::memcpy(wide.data(), bytes.data() + kMark.size(), wide.size() * sizeof(wchar_t));
-    const int size = static_cast<int>(wide.size());
-    const int length =
-        WideCharToMultiByte(CP_ACP, 0, wide.data(), size, nullptr, 0, nullptr, nullptr);
-    std::string text(static_cast<std::size_t>(length), '\0');
-    WideCharToMultiByte(CP_ACP, 0, wide.data(), size, text.data(), length, nullptr, nullptr);
-    return text;
+    if (!stream) return std::nullopt;
+    return std::string(std::istreambuf_iterator<char>(stream), {});
 }
 
 }  // namespace
@@ -119,14 +121,16 @@ void HideRegistry() {
 
 void UseRegistryFile(const std::string& path) {
     SetVariable(kRegistryVariable, path);
-    const RegFile file = ParseRegFile(InCodePage(ReadFile(path)));
+    const std::optional<std::string> bytes = ReadFile(path);
+    if (!bytes) ReportUnreadable(path);
+    const RegFile file = ParseRegFile(bytes.value_or(""));
     ReportDamage(path, file);
     TheStandIn().Place(file);
 }
 
 void UseNamedRegistry() {
-    const char* const path = std::getenv(kRegistryVariable);
-    if (path) UseRegistryFile(path);
+    const std::string path = Variable(kRegistryVariable);
+    if (!path.empty()) UseRegistryFile(path);
 }
 
 }  // namespace platform

@@ -1,9 +1,12 @@
 #include "adaptor/trace_file.h"
 
-#include <cstdlib>
+#include <cstdio>
 #include <fstream>
 #include <string>
 #include <string_view>
+#include <utility>
+
+#include "platform/environment.h"
 
 namespace {
 
@@ -12,11 +15,20 @@ constexpr const char* kTraceVariable = "LUMISET_TRACE";
 // Bytes of the log in use that are in the file already.
 constinit std::size_t written = 0;
 
+// Whoever wants a trace is told once that there will be none; the trace itself cannot tell.
+void Complain(const std::string& path) {
+    constinit static bool hasComplained = false;
+    if (std::exchange(hasComplained, true)) return;
+    std::fprintf(stderr, "%s: %s: the trace cannot be written\n", kTraceVariable, path.c_str());
+}
+
 void AppendToFile(std::string_view text) {
-    const char* const path = std::getenv(kTraceVariable);
-    if (!path || text.empty()) return;
+    const std::string path = platform::Variable(kTraceVariable);
+    if (path.empty() || text.empty()) return;
     std::ofstream file(path, std::ios::binary | std::ios::app);
     file.write(text.data(), static_cast<std::streamsize>(text.size()));
+    file.close();
+    if (!file) Complain(path);
 }
 
 std::string TextInUse() {

@@ -1,11 +1,11 @@
 #include <algorithm>
 #include <chrono>
-#include <filesystem>
 #include <iterator>
 #include <memory>
 #include <utility>
 #include <variant>
 
+#include "platform/narrow_path.h"
 #include "replay_core/look/node_look.h"
 #include "replay_core/module/replay_core.h"
 #include "replay_core/motion/read_motion.h"
@@ -24,7 +24,7 @@ namespace {
 constexpr std::int32_t kConvertAllMessage = 324;
 
 std::string CaptureName(const std::string& path) {
-    return std::filesystem::path(path).stem().string();
+    return platform::ToNarrow(platform::FromNarrow(path).stem());
 }
 
 double SecondsSince(std::chrono::steady_clock::time_point start) {

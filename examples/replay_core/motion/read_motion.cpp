@@ -7,6 +7,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/narrow_path.h"
 #include "replay_core/motion/capture_text.h"
 #include "replay_core/motion/read_frames.h"
 #include "replay_core/motion/read_hierarchy.h"
@@ -24,7 +25,7 @@ std::optional<ReadError> ReadBothHalves(CaptureText& text, Motion& motion) {
 std::variant<Motion, ReadError> ReadMotion(const std::string& path) {
     // A device or a pipe would have no size to hold the memory to.
     std::error_code status;
-    if (!std::filesystem::is_regular_file(path, status)) {
+    if (!std::filesystem::is_regular_file(platform::FromNarrow(path), status)) {
         return ReadError{path, 0, "there is no file of this name"};
     }
     std::ifstream stream(path, std::ios::binary);

@@ -4,6 +4,8 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/narrow_path.h"
+
 namespace replay {
 
 WholeFile::WholeFile(std::string path)
@@ -15,7 +17,7 @@ WholeFile::~WholeFile() {
     if (!stream_.is_open()) return;
     stream_.close();
     std::error_code ignored;
-    std::filesystem::remove(partPath_, ignored);
+    std::filesystem::remove(platform::FromNarrow(partPath_), ignored);
 }
 
 void WholeFile::Write(std::string_view text) {
@@ -26,9 +28,11 @@ std::string WholeFile::Finish() {
     if (!stream_.is_open()) return CannotBeWritten();
     stream_.close();
     std::error_code error;
-    if (stream_) std::filesystem::rename(partPath_, path_, error);
+    if (stream_)
+        std::filesystem::rename(platform::FromNarrow(partPath_), platform::FromNarrow(path_),
+                                error);
     if (stream_ && !error) return {};
-    std::filesystem::remove(partPath_, error);
+    std::filesystem::remove(platform::FromNarrow(partPath_), error);
     return CannotBeWritten();
 }
 

@@ -1,5 +1,6 @@
 #include "support/folder/surroundings.h"
 
+#include "platform/narrow_path.h"
 #include "platform/stand_in_registry.h"
 
 namespace {
@@ -7,9 +8,10 @@ namespace {
 std::string Entry(std::string_view key, std::string_view name, std::string_view value) {
     std::string text = "\n[";
     text.append(key).append("]\n\"").append(name).append("\"=\"");
-    for (const char c : value) {
-        if (c == '\\' || c == '"') text += '\\';
-        text += c;
+    // The file is UTF-8, whatever the code page is.
+    for (const char8_t c : platform::FromNarrow(std::string(value)).u8string()) {
+        if (c == u8'\\' || c == u8'"') text += '\\';
+        text += static_cast<char>(c);
     }
     return text.append("\"\n");
 }

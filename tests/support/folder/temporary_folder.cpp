@@ -4,6 +4,8 @@
 #include <iterator>
 #include <random>
 
+#include "platform/narrow_path.h"
+
 namespace fs = std::filesystem;
 
 TemporaryFolder::TemporaryFolder() {
@@ -18,10 +20,15 @@ TemporaryFolder::~TemporaryFolder() {
     fs::remove_all(path_, ignored);
 }
 
+std::string TemporaryFolder::File(std::string_view name) const {
+    return platform::ToNarrow(path_ / platform::FromNarrow(std::string(name)));
+}
+
 // Some file systems wait for the disk where a file is emptied and written anew, hence a new one.
 std::string TemporaryFolder::Write(std::string_view name, std::string_view bytes) const {
-    fs::remove(path_ / name);
-    std::ofstream(path_ / name, std::ios::binary) << bytes;
+    const fs::path path = path_ / platform::FromNarrow(std::string(name));
+    fs::remove(path);
+    std::ofstream(path, std::ios::binary) << bytes;
     return File(name);
 }
 

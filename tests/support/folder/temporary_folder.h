@@ -13,7 +13,9 @@ class TemporaryFolder {
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     const std::filesystem::path& Path() const { return path_; }
-    std::string File(std::string_view name) const { return (path_ / name).string(); }
+
+    // The path of a file in it, as narrow text like the name.
+    std::string File(std::string_view name) const;
 
     // A file in place of the one that was there; its path.
     std::string Write(std::string_view name, std::string_view bytes) const;
