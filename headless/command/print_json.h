@@ -5,7 +5,8 @@
 
 namespace headless {
 
-// For another program to read. Names of the scene need not be UTF-8: what is not is replaced.
-void PrintJson(std::ostream& out, const nlohmann::ordered_json& object);
+// For another program to read, in UTF-8. Texts of the code page are turned to it; where they need
+// not be texts, what is none is replaced.
+void PrintJson(std::ostream& out, nlohmann::ordered_json object);
 
 }  // namespace headless

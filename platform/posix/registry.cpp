@@ -9,6 +9,7 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/beside_program.h"
 #include "platform/environment.h"
 #include "platform/posix/guarded.h"
 #include "platform/posix/handle_table.h"

@@ -54,6 +54,8 @@ std::int32_t UtilityManager::AttachCore() {
     if (!link.coreModule) {
         const std::int32_t status = TVL::Report(kCouldNotLoad);
         TVL::Log(TVL::Log::kError).WriteValue("CORE library", path);
+        if (IsInstallValueTooLong(kInstallPathValue))
+            TVL::Log(TVL::Log::kError).WriteValue(kInstallPathValue, "longer than 1,023 bytes");
         WriteTrace();
         return status;
     }

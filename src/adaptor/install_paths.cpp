@@ -42,6 +42,13 @@ class RegistryKey {
         return std::string(buffer.begin(), std::find(buffer.begin(), end, BYTE{0}));
     }
 
+    bool IsTooLong(const char* name) const {
+        std::array<BYTE, kValueCapacity> buffer{};
+        DWORD size = kValueCapacity;
+        return RegQueryValueExA(key_, name, nullptr, nullptr, buffer.data(), &size) ==
+               ERROR_MORE_DATA;
+    }
+
   private:
     HKEY key_ = nullptr;
 };
@@ -56,6 +63,11 @@ std::string NotFound(const char* report) {
 std::string ReadInstallValue(const char* name) {
     const RegistryKey key(HKEY_LOCAL_MACHINE, kInstallKey);
     return key.IsOpen() ? key.Read(name).value_or("") : "";
+}
+
+bool IsInstallValueTooLong(const char* name) {
+    const RegistryKey key(HKEY_LOCAL_MACHINE, kInstallKey);
+    return key.IsOpen() && key.IsTooLong(name);
 }
 
 std::string FindDocumentsPath() {

@@ -28,7 +28,7 @@ std::string ReadText(const std::string& path) {
 }  // namespace
 
 Ending Command::Run(const std::string& arguments, const std::string& coreFolder) const {
-    PlaceRegistry(folder_, {coreFolder, ""});
+    PlaceRegistry(folder_, {coreFolder, documents_});
     const int status = platform::RunLine(Quoted(ProgramFile()) + " " + arguments + " >" +
                                          Quoted(File("out")) + " 2>" + Quoted(File("error")));
     return {status, ReadText(File("out")), ReadText(File("error"))};

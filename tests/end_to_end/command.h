@@ -31,4 +31,5 @@ class Command : public testing::Test {
     static void ExpectFailure(const Ending& ending, const std::string& what, int status = 1);
 
     TemporaryFolder folder_;
+    std::string documents_;  // the user's folder of documents; none if empty
 };

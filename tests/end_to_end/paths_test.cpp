@@ -1,0 +1,168 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <string>
+
+#include "end_to_end/command.h"
+#include "end_to_end/stage.h"
+#include "platform/beside_program.h"
+
+// Paths on their way through registry, command, host, plug-in, Core and files: each is taken as it
+// stands, or refused in one line that tells it, and what is refused leaves nothing behind.
+namespace {
+
+namespace fs = std::filesystem;
+
+// Blanks, letters beyond ASCII, and one that stands at another place in code pages than in Latin-1.
+// Empty on a system whose code page has other letters.
+std::string Letters() {
+    return platform::ToNarrow(u8"J\u00F6rg's  \u20AC takes \u00E9");
+}
+
+class Paths : public Command {
+  protected:
+    static fs::path Real(const std::string& path) { return platform::FromNarrow(path); }
+
+    // Below `folder` a copy of the Core, as an installer would leave it.
+    static void InstallCore(const std::string& folder) {
+        const fs::path core = Real(folder) / "Core";
+        std::error_code error;
+        fs::create_directories(core, error);
+        const std::string file = platform::ModuleFile("Core64");
+        fs::copy_file(fs::path(CORE_FOLDER) / "Core" / file, core / file, error);
+    }
+
+    // A path of `length` bytes below the test's folder, with the ending given. The folders on the
+    // way are made as far as the system makes them.
+    std::string LongPath(std::size_t length, const std::string& ending) const {
+        constexpr std::size_t kStep = 100;
+        std::string path = File("");
+        while (path.size() + 2 * kStep < length)
+            path += std::string(kStep - 1, 'd') + '/';
+        std::error_code error;
+        fs::create_directories(Real(path), error);
+        path += std::string(length - path.size() - ending.size(), 'f') + ending;
+        return path;
+    }
+
+    // Whole files in the test's folder, the test's own left out.
+    std::multiset<std::string> Files() const {
+        std::multiset<std::string> names;
+        for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder_.Path()))
+            if (entry.is_regular_file()) names.insert(platform::ToNarrow(entry.path().filename()));
+        for (const char* own : {"test.reg", "out", "error"})
+            names.erase(own);
+        return names;
+    }
+
+    static std::string Quoted(const std::string& path) { return '"' + path + '"'; }
+};
+
+TEST_F(Paths, WithBlanksAndLettersGoTheWholeRoad) {
+    const std::string letters = Letters();
+    if (letters.empty()) GTEST_SKIP() << "the code page lacks a letter";
+    const std::string folder = File(letters);
+    InstallCore(folder);
+    fs::create_directories(Real(folder) / "Tarvo Works" / "Lumiset" / "data");
+    documents_ = folder;
+    const auto below = [&](const std::string& name) {
+        const auto mark = static_cast<char>(fs::path::preferred_separator);
+        return folder + (name.size() % 2 == 0 ? mark : '/') + name;
+    };
+    const std::string capture = Write(letters + "/walk " + letters + ".bvh", Walk(5));
+    const std::string take = below("take " + letters + ".scene");
+
+    const nlohmann::json recorded = nlohmann::json::parse(
+        Do("record " + Quoted(capture) + " --scale 1 --json --scene " + Quoted(take) + " --csv " +
+               Quoted(below("places " + letters)) + " --poses " +
+               Quoted(below("poses  " + letters)) + " --trace " + Quoted(below("trace " + letters)),
+           folder));
+    const std::u8string told = Real(capture).u8string();
+    EXPECT_EQ(recorded["capture"], std::string(told.begin(), told.end()));
+    EXPECT_NE(Read(Real(below("trace " + letters)).string()).size(), 0U);
+
+    // In place of itself, which goes over an old file.
+    Do("open " + Quoted(take) + " --save " + Quoted(take), folder);
+    const std::string both = below("both " + letters + ".scene");
+    const std::string told2 =
+        Do("merge " + Quoted(take) + " " + Quoted(take) + " --save " + Quoted(both), folder);
+    EXPECT_NE(told2.find("walk " + letters + " 2: 3 nodes"), std::string::npos) << told2;
+    Do("sample " + Quoted(both) + " --times 0:0.2:0.05 --csv " + Quoted(below("poses of both")),
+       folder);
+    Do("open " + Quoted(both) + " --save " + Quoted(below("again")), folder);
+    Do("diff " + Quoted(both) + " " + Quoted(below("again")));
+    EXPECT_EQ(Files(),
+              (std::multiset<std::string>{
+                  "walk " + letters + ".bvh", "take " + letters + ".scene", "places " + letters,
+                  "poses  " + letters, "trace " + letters, "both " + letters + ".scene",
+                  "poses of both", "again", platform::ModuleFile("Core64")}));
+    EXPECT_TRUE(fs::exists(Real(folder) / "Tarvo Works/Lumiset/data/adaptor_3dsmax9"));
+}
+
+TEST_F(Paths, ThatAreLongAreWrittenWholeOrRefused) {
+    const std::string record = "record " + Quoted(Write("walk.bvh", Walk(2))) + " --scale 1 ";
+    for (const std::size_t length : {250U, 259U, 260U, 300U, 1100U, 4000U, 4096U, 4300U})
+        for (const std::string option : {"--scene ", "--csv ", "--poses ", "--trace "}) {
+            const std::string path = LongPath(length, ".scene");
+            const Ending ending = Run(record + option + Quoted(path));
+            std::multiset<std::string> left{"walk.bvh"};
+            if (ending.status == 0)
+                left.insert(platform::ToNarrow(Real(path).filename()));
+            else
+                ExpectFailure(ending, path + ": ");
+            EXPECT_EQ(Files(), left) << option << length;
+            // What the system's own programs can be sure of is taken.
+            EXPECT_TRUE(ending.status == 0 || length >= FILENAME_MAX) << option << ending.error;
+            if (ending.status == 0 && option == "--scene ") Do("info --no-plugin " + Quoted(path));
+            fs::remove(Real(path));
+        }
+}
+
+TEST_F(Paths, ThatLeadNowhereAreToldWhateverTheirLength) {
+    const std::string scene = File("a.scene");
+    Do("draw --sphere 1 -o " + Quoted(scene));
+    for (const std::size_t length : {300U, 1100U, 4300U}) {
+        const std::string path = LongPath(length, ".bvh");
+        const std::string quoted = Quoted(path);
+        for (const std::string& words :
+             {"record " + quoted, "open " + quoted, "info " + quoted,
+              "render " + quoted + " --time 0 -o " + Quoted(File("none")),
+              "sample " + quoted + " --times 0:1:1",
+              "merge " + Quoted(scene) + " " + quoted + " --save " + Quoted(File("none"))})
+            ExpectFailure(Run(words), path + ": ");
+        ExpectFailure(Run("diff " + Quoted(scene) + " " + quoted), path + ": ", 2);
+    }
+    EXPECT_EQ(Files(), std::multiset<std::string>{"a.scene"});
+}
+
+TEST_F(Paths, OfTheCoreAreTakenWholeOrTold) {
+    const std::string capture = Write("walk.bvh", Walk(2));
+    constexpr std::size_t kRoom = 1023;
+    const std::size_t library = std::string("/Core/Core64.dll").size();
+    for (const std::size_t length : {200U, 300U, 1000U, 1023U, 1024U, 1500U}) {
+        const std::string folder = LongPath(length, "");
+        InstallCore(folder);
+        const Ending ending = Run("record " + Quoted(capture) + " --scale 1 --scene " +
+                                      Quoted(File("scene")) + " --trace " + Quoted(File("trace")),
+                                  folder);
+        const bool isShort = length <= kRoom && length + library < FILENAME_MAX;
+        EXPECT_TRUE(ending.status == 0 || !isShort) << length << ending.error;
+        if (ending.status == 0) {
+            fs::remove(File("scene"));
+            continue;
+        }
+        ExpectFailure(ending, "the Core could not be attached (");
+        EXPECT_NE(ending.error.find(folder), std::string::npos) << ending.error;
+        EXPECT_FALSE(fs::exists(File("scene")));
+        const std::string trace = Read(File("trace"));
+        const std::string told =
+            length <= kRoom ? "CORE library: " + folder : "datapath: longer than 1,023 bytes";
+        EXPECT_NE(trace.find(told), std::string::npos) << trace;
+    }
+}
+
+}  // namespace
