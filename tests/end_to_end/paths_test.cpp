@@ -23,6 +23,10 @@ std::string Letters() {
     return platform::ToNarrow(u8"J\u00F6rg's  \u20AC takes \u00E9");
 }
 
+// The longest path that every program can be sure of, with its NUL.
+constexpr std::size_t kLongest = FILENAME_MAX;
+constexpr std::size_t kRoomToMakeFolders = 12;  // Windows wants room for a short name in them
+
 class Paths : public Command {
   protected:
     static fs::path Real(const std::string& path) { return platform::FromNarrow(path); }
@@ -37,16 +41,17 @@ class Paths : public Command {
     }
 
     // A path of `length` bytes below the test's folder, with the ending given. The folders on the
-    // way are made as far as the system makes them.
+    // way are there as far as any program could list them.
     std::string LongPath(std::size_t length, const std::string& ending) const {
         constexpr std::size_t kStep = 100;
         std::string path = File("");
-        while (path.size() + 2 * kStep < length)
+        while (path.size() + 2 * kStep < length) {
             path += std::string(kStep - 1, 'd') + '/';
-        std::error_code error;
-        fs::create_directories(Real(path), error);
-        path += std::string(length - path.size() - ending.size(), 'f') + ending;
-        return path;
+            std::error_code error;
+            if (path.size() + kRoomToMakeFolders < kLongest)
+                fs::create_directory(Real(path), error);
+        }
+        return path + std::string(length - path.size() - ending.size(), 'f') + ending;
     }
 
     // Whole files in the test's folder, the test's own left out.
@@ -83,7 +88,7 @@ TEST_F(Paths, WithBlanksAndLettersGoTheWholeRoad) {
            folder));
     const std::u8string told = Real(capture).u8string();
     EXPECT_EQ(recorded["capture"], std::string(told.begin(), told.end()));
-    EXPECT_NE(Read(Real(below("trace " + letters)).string()).size(), 0U);
+    EXPECT_NE(ReadFile(Real(below("trace " + letters))).size(), 0U);
 
     // In place of itself, which goes over an old file.
     Do("open " + Quoted(take) + " --save " + Quoted(take), folder);
@@ -114,11 +119,15 @@ TEST_F(Paths, ThatAreLongAreWrittenWholeOrRefused) {
                 left.insert(platform::ToNarrow(Real(path).filename()));
             else
                 ExpectFailure(ending, path + ": ");
-            EXPECT_EQ(Files(), left) << option << length;
-            // What the system's own programs can be sure of is taken.
-            EXPECT_TRUE(ending.status == 0 || length >= FILENAME_MAX) << option << ending.error;
+            const bool isSure = length < kLongest;
+            EXPECT_TRUE(ending.status == 0 || !isSure) << option << ending.error;
+            // What is longer and yet was taken need not show in a list of files.
+            if (ending.status != 0 || isSure) {
+                EXPECT_EQ(Files(), left) << option << length;
+            }
             if (ending.status == 0 && option == "--scene ") Do("info --no-plugin " + Quoted(path));
-            fs::remove(Real(path));
+            std::error_code absent;
+            fs::remove(Real(path), absent);
         }
 }
 
@@ -149,7 +158,7 @@ TEST_F(Paths, OfTheCoreAreTakenWholeOrTold) {
         const Ending ending = Run("record " + Quoted(capture) + " --scale 1 --scene " +
                                       Quoted(File("scene")) + " --trace " + Quoted(File("trace")),
                                   folder);
-        const bool isShort = length <= kRoom && length + library < FILENAME_MAX;
+        const bool isShort = length <= kRoom && length + library < kLongest;
         EXPECT_TRUE(ending.status == 0 || !isShort) << length << ending.error;
         if (ending.status == 0) {
             fs::remove(File("scene"));

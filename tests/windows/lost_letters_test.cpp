@@ -24,13 +24,14 @@ class LostLetters : public testing::Test {
         PlaceRegistry(folder_, {});
     }
 
-    // In the test's folder.
-    int Run(const std::wstring& words) const {
-        const std::wstring line = L"cd /d \"" + folder_.Path().wstring() + L"\" && \"" +
-                                  fs::path(COMMAND).make_preferred().wstring() + L"\" " + words +
-                                  L" >out 2>error";
+    // In the folder.
+    static int RunIn(const fs::path& folder, const std::wstring& words) {
+        const std::wstring line = L"cd /d \"" + folder.wstring() + L"\" && \"" +
+                                  fs::absolute(COMMAND).make_preferred().wstring() + L"\" " +
+                                  words + L" >out 2>error";
         return _wsystem(line.c_str());
     }
+    int Run(const std::wstring& words) const { return RunIn(folder_.Path(), words); }
     std::string Error() const { return ReadFile(folder_.Path() / "error"); }
 
     TemporaryFolder folder_;
@@ -47,15 +48,9 @@ TEST_F(LostLetters, OfTheCommandLineAreRefused) {
 TEST_F(LostLetters, OfTheFolderThatOneIsInDoNotMatter) {
     const fs::path folder = folder_.Path() / kLetters;
     fs::create_directory(folder);
-    const std::wstring there = L"--no-plugin a.scene --save a.scene";
-    const fs::path before = fs::current_path();
-    ASSERT_EQ(Run(L"draw --sphere 1 -o a.scene"), 0) << Error();
-    fs::rename(folder_.Path() / "a.scene", folder / "a.scene");
-    fs::current_path(folder);
-    const std::wstring line =
-        L"\"" + fs::path(COMMAND).make_preferred().wstring() + L"\" open " + there + L" >out";
-    EXPECT_EQ(_wsystem(line.c_str()), 0);
-    fs::current_path(before);
+    ASSERT_EQ(RunIn(folder, L"draw --sphere 1 -o a.scene"), 0);
+    EXPECT_EQ(RunIn(folder, L"open --no-plugin a.scene --save a.scene"), 0)
+        << ReadFile(folder / "error");
 }
 
 TEST_F(LostLetters, OfAVariableNameNoOtherFile) {
