@@ -1,11 +1,21 @@
 #include "controllers/control_world.h"
 
-#include <cmath>
-#include <numbers>
-
 #include "host/interface.h"
 
-ControlWorld::ControlWorld() : session_(std::make_unique<headless::Session>()) {
+namespace {
+
+template <class C>
+TestClass Class() {
+    return {"controller of a test", C::kSuperClassID, C::kClassID,
+            [] { return static_cast<Animatable*>(new C); }};
+}
+
+}  // namespace
+
+ControlWorld::ControlWorld()
+    : scalars_(Class<OpenScalar>()),
+      transforms_(Class<OpenTransform>()),
+      session_(std::make_unique<headless::Session>()) {
     session_->RegisterClass(&scalars_);
     session_->RegisterClass(&transforms_);
     session_->Start();
@@ -18,19 +28,6 @@ ControlWorld::~ControlWorld() {
 
 void FlushUndo() {
     GetCOREInterface()->FlushUndoBuffer();
-}
-
-Matrix3 MovedBy(float x) {
-    Matrix3 matrix;
-    matrix.SetTranslate(Point3(x, 0, 0));
-    return matrix;
-}
-
-Matrix3 TurnedAboutZ(double degrees) {
-    const double angle = degrees * std::numbers::pi / 180;
-    const auto c = static_cast<float>(std::cos(angle));
-    const auto s = static_cast<float>(std::sin(angle));
-    return Matrix3(Point3(c, s, 0), Point3(-s, c, 0), Point3(0, 0, 1), Point3());
 }
 
 void SetWorld(Control& control, TimeValue t, const Matrix3& world) {

@@ -5,7 +5,8 @@
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
 #include "headless/session.h"
-#include "host/class_desc.h"
+#include "support/matrices.h"
+#include "support/test_class.h"
 
 // Controllers whose table a test looks into, and that it can fill directly.
 struct OpenScalar : ScalarControl {
@@ -17,17 +18,6 @@ struct OpenTransform : TransformControl {
     using BaseControl::table;
 };
 
-template <class C>
-class OpenClass : public ClassDesc {
-  public:
-    int IsPublic() override { return 1; }
-    void* Create(bool) override { return static_cast<Animatable*>(new C); }
-    const char* ClassName() override { return "controller of a test"; }
-    SClass_ID SuperClassID() override { return C::kSuperClassID; }
-    Class_ID ClassID() override { return C::kClassID; }
-    const char* Category() override { return ""; }
-};
-
 // A running host that knows both controllers.
 class ControlWorld {
   public:
@@ -37,8 +27,8 @@ class ControlWorld {
     headless::Session& Host() { return *session_; }
 
   private:
-    OpenClass<OpenScalar> scalars_;
-    OpenClass<OpenTransform> transforms_;
+    TestClass scalars_;
+    TestClass transforms_;
     std::unique_ptr<headless::Session> session_;
 };
 
@@ -65,12 +55,6 @@ Alone<C>::~Alone() {
     FlushUndo();
     control_->DeleteThis();
 }
-
-// A matrix that one number tells from others.
-Matrix3 MovedBy(float x);
-
-// `degrees` about the z axis.
-Matrix3 TurnedAboutZ(double degrees);
 
 // A write as the host makes it: a world matrix under a parent at the origin.
 void SetWorld(Control& control, TimeValue t, const Matrix3& world);

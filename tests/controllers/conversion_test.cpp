@@ -34,13 +34,6 @@ bool IsPositionRotationScale(INode* node) {
     return node->GetTMController()->ClassID() == kPositionRotationScaleClassId;
 }
 
-void ExpectNear(const Matrix3& actual, const Matrix3& expected) {
-    for (int row = 0; row < 4; ++row) {
-        for (int column = 0; column < 3; ++column)
-            EXPECT_NEAR(actual.m[row][column], expected.m[row][column], 1e-4);
-    }
-}
-
 class Conversion : public testing::Test {
   protected:
     // A node with one of our controllers on it.
@@ -84,7 +77,7 @@ TEST_F(Conversion, ATransformKeepsItsKeyTimesAndPosesAndComesBackInOneStep) {
     EXPECT_FALSE(theHold.Holding());
     Control& converted = *node->GetTMController();
     for (int i = 0; i < 3; ++i)
-        ExpectNear(node->GetNodeTM(100 + i * 50), poses[i]);
+        ExpectNear(node->GetNodeTM(100 + i * 50), poses[i], 1e-4f);
     // No key at tick 0, where the seed stands alone.
     TimeValue first = -1;
     for (int i = 0; i < converted.NumSubs(); ++i) {
@@ -98,7 +91,7 @@ TEST_F(Conversion, ATransformKeepsItsKeyTimesAndPosesAndComesBackInOneStep) {
     EXPECT_EQ(headless::SceneDigest(), before);
     ASSERT_TRUE(world_.Host().Redo());
     EXPECT_TRUE(IsPositionRotationScale(node));
-    ExpectNear(node->GetNodeTM(200), poses[2]);
+    ExpectNear(node->GetNodeTM(200), poses[2], 1e-4f);
 }
 
 // Recorded, so that the cached key holds the last value while its time is still 0.

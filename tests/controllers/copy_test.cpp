@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <map>
 
 #include "controllers/control_world.h"
 #include "core_link/core_link.h"
@@ -8,7 +9,7 @@
 #include "host/hold.h"
 #include "host/interface.h"
 #include "platform/testing.h"
-#include "tvl/core_interface.h"
+#include "support/puppet_core.h"
 
 namespace {
 
@@ -112,21 +113,13 @@ TEST_F(CopyKeys, ItselfNothingOrAControllerOfOtherValuesChangesNothing) {
     }
 }
 
-// The host's own copy of a tree of objects.
-class Copies : public RemapDir {
-  public:
-    RefTargetHandle FindMapping(RefTargetHandle from) override {
-        return from == from_ ? to_ : nullptr;
-    }
-    void AddEntry(RefTargetHandle from, RefTargetHandle to) override {
-        from_ = from;
-        to_ = to;
-    }
+// What a tree of objects has been copied to.
+struct Copies : RemapDir {
+    RefTargetHandle FindMapping(RefTargetHandle from) override { return copies[from]; }
+    void AddEntry(RefTargetHandle from, RefTargetHandle to) override { copies[from] = to; }
     RefTargetHandle CloneRef(RefTargetHandle from) override { return from->Clone(*this); }
 
-  private:
-    RefTargetHandle from_ = nullptr;
-    RefTargetHandle to_ = nullptr;
+    std::map<RefTargetHandle, RefTargetHandle> copies;
 };
 
 TEST_F(CopyKeys, ACloneHasTheKeysAndTheCachedKeyButItsOwnPlaceOfSearch) {
@@ -144,31 +137,14 @@ TEST_F(CopyKeys, ACloneHasTheKeysAndTheCachedKeyButItsOwnPlaceOfSearch) {
     clone->DeleteThis();
 }
 
-class RunningCore final : public CoreInterface {
-  public:
-    RunningCore() { TheCoreLink().core = this; }
-    ~RunningCore() { TheCoreLink().core = nullptr; }
-    RunningCore(const RunningCore&) = delete;
-    RunningCore& operator=(const RunningCore&) = delete;
-
-    XMLNode GetCoreState() override { return {}; }
-    void SetCoreState(XMLNode) override {}
-    void ResetCore() override {}
-    void ShowCore(TVL::WindowHandle) override {}
-    void NotifyTimeChanged(double) override {}
-    bool IsCoreRunning() override { return true; }
-    void StopCore() override {}
-    TVL::Util::MessageNode* GetOptionNode(int, int) override { return nullptr; }
-    void BindOption(int, int) override {}
-    void GetOptionValue(int, bool*) override {}
-};
-
 TEST_F(CopyKeys, WhileTheCoreRunsATableIsFullButLooksEmpty) {
     control_->AddKey({0, 0, 1.0f});
     control_->AddKey({0, 100, 3.0f});
     Alone<OpenScalar> copy;
     {
-        const RunningCore core;
+        PuppetCore core;
+        core.isRunning = true;
+        TheCoreLink().core = &core;
         TimeValue next = 0;
         EXPECT_EQ(control_->NumKeys(), 0);
         EXPECT_FALSE(control_->GetNextKeyTime(0, NEXTKEY_RIGHT, next));
@@ -176,6 +152,7 @@ TEST_F(CopyKeys, WhileTheCoreRunsATableIsFullButLooksEmpty) {
         EXPECT_EQ(FloatAt(*control_, 50), 2.0f);
         copy->Copy(&*control_);
         EXPECT_TRUE(copy->table.keys.empty());
+        TheCoreLink().core = nullptr;
     }
     EXPECT_EQ(control_->NumKeys(), 2);
 }

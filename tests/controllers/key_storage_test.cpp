@@ -5,15 +5,13 @@
 #include <cstring>
 
 #include "controllers/control_world.h"
+#include "headless/memory_chunks.h"
 #include "platform/testing.h"
-#include "support/memory_storage.h"
 
 namespace {
 
 using Bytes = std::vector<std::byte>;
 
-// A stream's chunk has its id and its length in front.
-constexpr std::size_t kChunkHead = 6;
 constexpr std::size_t kTableHead = 12;
 
 class KeyStorage : public testing::Test {
@@ -21,14 +19,27 @@ class KeyStorage : public testing::Test {
     KeyStorage() { platform::SetTickCount(70); }
     ~KeyStorage() override { platform::ClearTickCount(); }
 
+    // What stands in the chunk of a controller's table.
     static Bytes Saved(Control& control) {
-        MemorySave save;
-        EXPECT_EQ(control.Save(&save), IO_OK);
-        return save.bytes;
+        Bytes contents;
+        headless::LoadBytes(headless::SavedBytes(control), [&](ILoad* load) {
+            EXPECT_EQ(load->OpenChunk(), IO_OK);
+            EXPECT_EQ(load->CurChunkID(), 1);
+            std::byte next{};
+            while (load->Read(&next, 1, nullptr) == IO_OK)
+                contents.push_back(next);
+            load->CloseChunk();
+            return load->OpenChunk();
+        });
+        return contents;
     }
-    static void Load(Control& control, const Bytes& bytes) {
-        MemoryLoad load(bytes);
-        EXPECT_EQ(control.Load(&load), IO_OK);
+    static void Load(Control& control, const Bytes& contents, std::uint16_t chunk = 1) {
+        const Bytes bytes = headless::SavedBytes([&](ISave* save) {
+            save->BeginChunk(chunk);
+            save->Write(contents.data(), static_cast<std::uint32_t>(contents.size()), nullptr);
+            return save->EndChunk();
+        });
+        EXPECT_EQ(headless::LoadBytes(bytes, control), IO_OK);
     }
 
     ControlWorld world_;
@@ -36,7 +47,7 @@ class KeyStorage : public testing::Test {
 
 template <class Value>
 void Put(Bytes& bytes, std::size_t at, Value value) {
-    std::memcpy(bytes.data() + kChunkHead + at, &value, sizeof value);
+    std::memcpy(bytes.data() + at, &value, sizeof value);
 }
 
 Bytes FromHex(std::string_view hex) {
@@ -57,8 +68,7 @@ TEST_F(KeyStorage, AScalarTableIsOneChunkOfKnownBytes) {
     control->AddKey({1, -2, 1.0f});
     control->AddKey({0, 258, -2.5f});
     control->table.currentKey = {0, 5, 0.5f};
-    EXPECT_EQ(Saved(*control), FromHex("0100 30000000"
-                                       "64000000 0C000000 02000000"
+    EXPECT_EQ(Saved(*control), FromHex("64000000 0C000000 02000000"
                                        "01000000 FEFFFFFF 0000803F"
                                        "00000000 02010000 000020C0"
                                        "00000000 05000000 0000003F"));
@@ -68,8 +78,7 @@ TEST_F(KeyStorage, AMatrixRecordHoldsTwelveFloatsRowByRowAndThenTheFlags) {
     Alone<OpenTransform> control;
     control->table.currentKey = {0, 5, Matrix3({1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {10, 11, 12})};
     control->table.currentKey.value.flags = 0xA0B0C0D0;
-    EXPECT_EQ(Saved(*control), FromHex("0100 48000000"
-                                       "64000000 3C000000 00000000"
+    EXPECT_EQ(Saved(*control), FromHex("64000000 3C000000 00000000"
                                        "00000000 05000000"
                                        "0000803F 00000040 00004040"
                                        "00008040 0000A040 0000C040"
@@ -115,11 +124,10 @@ TEST_F(KeyStorage, AStrangeChunkIsLeftAlone) {
     Put(version, 0, 101);
     Bytes size = whole;
     Put(size, 4, 60);
-    Bytes id = whole;
-    id[0] = std::byte{2};
-    for (const Bytes& strange : {version, size, id, Bytes{}}) {
+    const std::pair<std::uint16_t, Bytes> chunks[] = {{1, version}, {1, size}, {2, whole}, {1, {}}};
+    for (const auto& [id, strange] : chunks) {
         Alone<OpenScalar> read;
-        Load(*read, strange);
+        Load(*read, strange, id);
         EXPECT_EQ(read->NumKeys(), 0);
         EXPECT_EQ(read->table.currentKey.value, 0.0f);
         EXPECT_EQ(read->table.currentKey.time, -1);
@@ -131,15 +139,14 @@ TEST_F(KeyStorage, AnnouncedKeysAreBelievedOnlyAsFarAsTheyAreThere) {
     for (int i = 0; i < 4; ++i)
         written->AddKey({0, i, static_cast<float>(i)});
     const Bytes whole = Saved(*written);
-    for (std::size_t length = kChunkHead; length < whole.size(); ++length) {
+    for (std::size_t length = 0; length < whole.size(); ++length) {
         Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
-        const std::size_t records =
-            length < kChunkHead + kTableHead ? 0 : (length - kChunkHead - kTableHead) / 12;
+        const std::size_t records = length < kTableHead ? 0 : (length - kTableHead) / 12;
         Alone<OpenScalar> read;
         Load(*read, cut);
         EXPECT_EQ(read->table.keys.size(), std::min<std::size_t>(records, 4)) << length;
         // Gigabytes that are not there are not asked for.
-        if (length < kChunkHead + kTableHead) continue;
+        if (length < kTableHead) continue;
         Put(cut, 8, 0x7FFFFFFF);
         Alone<OpenScalar> boastful;
         Load(*boastful, cut);

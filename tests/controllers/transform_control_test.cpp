@@ -9,14 +9,6 @@
 
 namespace {
 
-void ExpectNear(const Matrix3& actual, const Matrix3& expected, float tolerance = 1e-6f) {
-    for (int row = 0; row < 4; ++row) {
-        for (int column = 0; column < 3; ++column)
-            EXPECT_NEAR(actual.m[row][column], expected.m[row][column], tolerance)
-                << "row " << row << ", column " << column;
-    }
-}
-
 class Transform : public testing::Test {
   protected:
     void Key(TimeValue t, const Matrix3& value, std::uint32_t flags = 0) {
@@ -27,18 +19,14 @@ class Transform : public testing::Test {
     Alone<OpenTransform> control_;
 };
 
-Matrix3 Rows(Point3 x, Point3 y, Point3 z, Point3 translation) {
-    return Matrix3(x, y, z, translation);
-}
-
 TEST_F(Transform, ATurnGoesTheShorterWayRound) {
     Key(0, Matrix3());
     Key(100, TurnedAboutZ(270));
-    ExpectNear(MatrixAt(*control_, 50), TurnedAboutZ(-45));
+    ExpectNear(MatrixAt(*control_, 50), TurnedAboutZ(-45), 1e-6f);
 }
 
 TEST_F(Transform, AKeyIsGivenBitForBitAlsoIfItIsShearedOrMirrored) {
-    const Matrix3 sheared = Rows({-1.5f, 0.25f, 0}, {0, 1, 0.125f}, {0.1f, 0, 1}, {1, 2, 3});
+    const Matrix3 sheared({-1.5f, 0.25f, 0}, {0, 1, 0.125f}, {0.1f, 0, 1}, {1, 2, 3});
     Key(10, sheared);
     Key(110, Matrix3());
     EXPECT_EQ(MatrixAt(*control_, 10, TurnedAboutZ(30)), sheared);
@@ -48,19 +36,19 @@ TEST_F(Transform, AKeyIsGivenBitForBitAlsoIfItIsShearedOrMirrored) {
 }
 
 TEST_F(Transform, AKeyWithARowOfLengthZeroIsEvaluatedWithoutFault) {
-    Key(0, Rows({}, {0, 1, 0}, {0, 0, 1}, {}));
+    Key(0, Matrix3({}, {0, 1, 0}, {0, 0, 1}, {}));
     Key(100, Matrix3());
     const Matrix3 between = MatrixAt(*control_, 50);
     EXPECT_NEAR(between.GetRow(0).Length(), 0.5f, 1e-6);
     const float huge = 1e38f;
-    Key(200, Rows({huge, huge, huge}, {NAN, 0, 0}, {}, {INFINITY, 0, 0}));
+    Key(200, Matrix3({huge, huge, huge}, {NAN, 0, 0}, {}, {INFINITY, 0, 0}));
     MatrixAt(*control_, 150);
 }
 
 TEST_F(Transform, TheParentsSpaceDecidesBetweenKeysButNotAtThem) {
     Key(0, Matrix3());
-    Key(100, Rows({0, 1, 0}, {-1, 0, 0}, {0, 0, 1}, {10, 0, 0}));
-    const Matrix3 parent = Rows({1, 0, 0}, {0, 0.5f, 0}, {0, 0, 2}, {7, 8, 9});
+    Key(100, Matrix3({0, 1, 0}, {-1, 0, 0}, {0, 0, 1}, {10, 0, 0}));
+    const Matrix3 parent({1, 0, 0}, {0, 0.5f, 0}, {0, 0, 2}, {7, 8, 9});
     const Matrix3 plain = MatrixAt(*control_, 50);
     MatrixAt(*control_, 0);
     EXPECT_FALSE(MatrixAt(*control_, 50, parent) == plain);
@@ -136,16 +124,12 @@ TEST_F(Transform, MovesTurnsAndScalesAreMadeInTheAxisSystemOfThePacket) {
     packet.tmParent = parent;
     packet.tmAxis = axis;
     packet.p = Point3(1, 2, 3);
-    packet.q = Quat{0, 0, std::sqrt(0.5f), std::sqrt(0.5f)};
+    packet.q = AboutZ(90);
 
     Matrix3 scale;
     scale.Scale(packet.p);
-    Matrix3 turn;
-    turn.SetRotate(packet.q);
-    Matrix3 move;
-    move.SetTranslate(packet.p);
     const std::pair<std::uint32_t, Matrix3> steps[] = {
-        {XFORM_MOVE, move}, {XFORM_ROTATE, turn}, {XFORM_SCALE, scale}};
+        {XFORM_MOVE, MovedBy(packet.p)}, {XFORM_ROTATE, TurnedAboutZ(90)}, {XFORM_SCALE, scale}};
     for (const auto& [command, step] : steps) {
         SetWorld(*control_, 0, start);
         packet.command = command;

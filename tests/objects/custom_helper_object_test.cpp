@@ -4,9 +4,13 @@
 
 #include <limits>
 
-#include "support/memory_storage.h"
+#include "headless/memory_chunks.h"
 
 namespace {
+
+using headless::LoadBytes;
+using headless::SavedBytes;
+using Bytes = std::vector<std::byte>;
 
 void FillWithTwoTriangles(CustomHelperObject& helper) {
     helper.mesh.vertices = {{0, 0, 0}, {1, 0, 0}, {0, 2, 0}, {0, 0, -3.5}};
@@ -18,31 +22,15 @@ void FillWithTwoTriangles(CustomHelperObject& helper) {
     helper.reserved = {7, 9};
 }
 
-std::vector<std::byte> Saved(CustomHelperObject& helper) {
-    MemorySave save;
-    EXPECT_EQ(helper.Save(&save), IO_OK);
-    return save.bytes;
-}
-
-void LoadFrom(CustomHelperObject& helper, std::span<const std::byte> bytes) {
-    MemoryLoad load(bytes);
-    EXPECT_EQ(helper.Load(&load), IO_OK);
-}
-
-template <class T>
-void Append(std::vector<std::byte>& bytes, T value) {
-    const auto* const first = reinterpret_cast<const std::byte*>(&value);
-    bytes.insert(bytes.end(), first, first + sizeof value);
-}
-
 // A chunk 1 or 2 that holds this count and then as many zero bytes.
-std::vector<std::byte> CountChunk(std::uint16_t id, std::int32_t count, std::size_t zeroBytes) {
-    std::vector<std::byte> bytes;
-    Append(bytes, id);
-    Append(bytes, static_cast<std::uint32_t>(sizeof count + zeroBytes));
-    Append(bytes, count);
-    bytes.resize(bytes.size() + zeroBytes);
-    return bytes;
+Bytes CountChunk(std::uint16_t id, std::int32_t count, std::size_t zeroBytes) {
+    return headless::SavedBytes([&](ISave* save) {
+        save->BeginChunk(id);
+        save->Write(&count, sizeof count, nullptr);
+        const Bytes zeros(zeroBytes);
+        save->Write(zeros.data(), static_cast<std::uint32_t>(zeroBytes), nullptr);
+        return save->EndChunk();
+    });
 }
 
 // The display mesh can be drawn: no face names a vertex that is not there.
@@ -77,11 +65,11 @@ TEST(CustomHelperObject, ComesBackFromStorageButForTextureCoordinates) {
     CustomHelperObject helper;
     FillWithTwoTriangles(helper);
     helper.mesh.vertices.resize(10000, {1, 2, 3});
-    std::vector<std::byte> bytes = CountChunk(77, 5, 100);  // passed over
-    const std::vector<std::byte> known = Saved(helper);
+    Bytes bytes = CountChunk(77, 5, 100);  // passed over
+    const Bytes known = SavedBytes(helper);
     bytes.insert(bytes.end(), known.begin(), known.end());
     CustomHelperObject loaded;
-    LoadFrom(loaded, bytes);
+    EXPECT_EQ(LoadBytes(bytes, loaded), IO_OK);
     EXPECT_EQ(loaded.mesh.vertices, helper.mesh.vertices);
     EXPECT_EQ(loaded.mesh.faces, helper.mesh.faces);
     EXPECT_TRUE(loaded.mesh.textureVertices.empty());
@@ -91,7 +79,7 @@ TEST(CustomHelperObject, ComesBackFromStorageButForTextureCoordinates) {
     EXPECT_EQ(loaded.backfaceCull, 1);
     EXPECT_EQ(loaded.reserved, helper.reserved);
     EXPECT_NE(loaded.meshDirty, 0);
-    EXPECT_EQ(Saved(loaded), known);
+    EXPECT_EQ(SavedBytes(loaded), known);
 }
 
 TEST(CustomHelperObject, WritesThreeChunksOfAFixedLayout) {
@@ -99,26 +87,25 @@ TEST(CustomHelperObject, WritesThreeChunksOfAFixedLayout) {
     helper.mesh.vertices = {{1, 2, 3}};
     helper.mesh.faces = {0, 0, 0, 0};
     helper.reserved = {7, 9};
-    std::vector<std::byte> expected;
-    Append(expected, std::uint16_t{1});
-    Append(expected, std::uint32_t{28});
-    Append(expected, std::int32_t{1});
-    for (const double coordinate : {1.0, 2.0, 3.0})
-        Append(expected, coordinate);
-    Append(expected, std::uint16_t{2});
-    Append(expected, std::uint32_t{16});
-    for (const std::int32_t number : {1, 0, 0, 0})
-        Append(expected, number);
-    Append(expected, std::uint16_t{3});
-    Append(expected, std::uint32_t{16});
-    for (const float channel : {1.0F, 0.0F, 0.0F})
-        Append(expected, channel);
-    for (const int byte : {1, 0, 7, 9})
-        Append(expected, static_cast<std::uint8_t>(byte));
-    EXPECT_EQ(Saved(helper), expected);
+    const Bytes expected = headless::SavedBytes([](ISave* save) {
+        const auto write = [save](auto... values) {
+            (save->Write(&values, sizeof values, nullptr), ...);
+        };
+        save->BeginChunk(1);
+        write(std::int32_t{1}, 1.0, 2.0, 3.0);
+        save->EndChunk();
+        save->BeginChunk(2);
+        write(std::int32_t{1}, std::int32_t{0}, std::int32_t{0}, std::int32_t{0});
+        save->EndChunk();
+        save->BeginChunk(3);
+        write(1.0F, 0.0F, 0.0F);
+        write('\1', '\0', '\7', '\11');
+        return save->EndChunk();
+    });
+    EXPECT_EQ(SavedBytes(helper), expected);
 
     CustomHelperObject empty;
-    EXPECT_EQ(Saved(empty).size(), 3 * 6 + 4 + 4 + 16U);
+    EXPECT_EQ(SavedBytes(empty).size(), 3 * 10 + 4 + 4 + 16U);
 }
 
 TEST(CustomHelperObject, BelievesACountOnlyAsFarAsBytesFollow) {
@@ -126,9 +113,9 @@ TEST(CustomHelperObject, BelievesACountOnlyAsFarAsBytesFollow) {
     for (const std::int32_t count : {-1, -kMany, kMany}) {
         const std::size_t whole = count < 0 ? 0 : 2;
         CustomHelperObject helper;
-        LoadFrom(helper, CountChunk(1, count, 2 * 24 + 23));
+        EXPECT_EQ(LoadBytes(CountChunk(1, count, 2 * 24 + 23), helper), IO_OK);
         EXPECT_EQ(helper.mesh.vertices.size(), whole) << count;
-        LoadFrom(helper, CountChunk(2, count, 2 * 12 + 11));
+        EXPECT_EQ(LoadBytes(CountChunk(2, count, 2 * 12 + 11), helper), IO_OK);
         EXPECT_EQ(helper.mesh.faces.size(), whole * 3) << count;
         ExpectDrawable(helper);
     }
