@@ -2,12 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <sstream>
 #include <string>
 
+#include "support/trace.h"
 #include "tvl/error_code.h"
-#include "tvl/log.h"
 
 // A world in which no log, registry or collector exists yet.
 class FreshSingletons : public testing::Test {
@@ -15,16 +13,11 @@ class FreshSingletons : public testing::Test {
     FreshSingletons() { Reset(); }
     ~FreshSingletons() override { Reset(); }
 
-    static std::string Trace() { return TVL::Log::GetInstance()->GetBufferedText(); }
-
     // The trace without the date and the time at the front of each line.
     static std::string Lines() {
-        constexpr std::size_t momentLength = sizeof("20061204 09:05:00 ") - 1;
         std::string lines;
-        std::istringstream trace(Trace());
-        for (std::string line; std::getline(trace, line);) {
-            lines += line.substr(std::min(momentLength, line.size())) + '\n';
-        }
+        for (const std::string& line : TracedLines())
+            lines += line + '\n';
         return lines;
     }
 

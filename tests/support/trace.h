@@ -1,0 +1,33 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tvl/log.h"
+
+// What stands in the trace.
+
+inline std::string Trace() {
+    return TVL::Log::GetInstance()->GetBufferedText();
+}
+
+inline std::size_t TimesTraced(const std::string& text) {
+    const std::string trace = Trace();
+    std::size_t count = 0;
+    for (auto at = trace.find(text); at != std::string::npos; at = trace.find(text, at + 1))
+        ++count;
+    return count;
+}
+
+// Its lines from a byte on, each without the moment at its front.
+inline std::vector<std::string> TracedLines(std::size_t from = 0) {
+    constexpr std::size_t kMoment = sizeof("20061204 09:05:00 ") - 1;
+    std::istringstream text(Trace().substr(from));
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(text, line);)
+        lines.push_back(line.substr(std::min(kMoment, line.size())));
+    return lines;
+}
