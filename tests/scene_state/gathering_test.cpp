@@ -13,7 +13,7 @@ constexpr const char* kNeverClaimed =
     "Some nodes were found beloning to Tarvo Lumiset, but they were never claimed. \n"
     " The following nodes were left out:\n\n";
 
-std::string Plugin(const std::string& name, const std::string& inside = {}) {
+std::string PluginXml(const std::string& name, const std::string& inside = {}) {
     return "<TVL_Plugin><name>" + name + "</name>" + inside + "</TVL_Plugin>";
 }
 
@@ -31,22 +31,22 @@ TEST_F(Gathering, NestsUnpacksAndOrdersWhatIsStored) {
         {{}, ""},
         {{Master("A", "R", "2") + Master("B", "R", " +1x"), Master("R", "None", "-7"),
           Master("C", "R", "-99999999999"), Master("D", "A")},
-         Plugin("R", Plugin("C") + Plugin("B") + Plugin("A", Plugin("D")))},
+         PluginXml("R", PluginXml("C") + PluginXml("B") + PluginXml("A", PluginXml("D")))},
         // Of one name the first stays, and no name is a name.
         {{Master("A") + Master("B"), Master("A", "B") + Master("") + "<masternode/>"},
-         Plugin("A") + Plugin("B") + "<TVL_Plugin><name/></TVL_Plugin>"},
+         PluginXml("A") + PluginXml("B") + "<TVL_Plugin><name/></TVL_Plugin>"},
         // Of a circle the first stays at the top.
         {{Master("T", "A"), Master("A", "C") + Master("B", "A") + Master("C", "B")},
-         Plugin("A", Plugin("T") + Plugin("B", Plugin("C")))},
-        {{Master("A", "A", "3")}, Plugin("A")},
+         PluginXml("A", PluginXml("T") + PluginXml("B", PluginXml("C")))},
+        {{Master("A", "A", "3")}, PluginXml("A")},
         // Plain text in a packed element is read too, up to a NUL.
-        {{Packed(Plugin("A") + '\0' + "rest"), Master("B", "A"), Packed("<cut><a/><b")},
-         Plugin("A", Plugin("B")) + ""},
+        {{Packed(PluginXml("A") + '\0' + "rest"), Master("B", "A"), Packed("<cut><a/><b")},
+         PluginXml("A", PluginXml("B")) + ""},
         {{"<masternode><TVL_Plugin compressed=\"1\">Q*==</TVL_Plugin></masternode>" + Master("B"),
           "<masternode><TVL_Plugin compressed=\"1\"><name>K</name><x/></TVL_Plugin></masternode>"},
-         Plugin("B") + "<TVL_Plugin compressed=\"1\"><name>K</name><x/></TVL_Plugin>"},
+         PluginXml("B") + "<TVL_Plugin compressed=\"1\"><name>K</name><x/></TVL_Plugin>"},
         // A damaged tag goes as far as it can be read.
-        {{Master("A") + "<cut", Master("B")}, Plugin("A") + Plugin("B")},
+        {{Master("A") + "<cut", Master("B")}, PluginXml("A") + PluginXml("B")},
     };
     for (const auto& each : cases) {
         Texts expected = {each.plugins.empty() ? "<TVL/>" : "<TVL>" + each.plugins + "</TVL>"};
@@ -91,8 +91,8 @@ TEST_F(Gathering, GoesOnWithItsOwnNodesAfterAnotherOneInside) {
         claimed = Claimed("Rig", {"Hip", "Lost"});
         Claim(rig, "Rig", {"Hip"});
     };
-    EXPECT_EQ(Gathered(),
-              (Texts{"<TVL>" + Plugin("Rig") + "</TVL>", "<TVL>" + Plugin("Other") + "</TVL>"}));
+    EXPECT_EQ(Gathered(), (Texts{"<TVL>" + PluginXml("Rig") + "</TVL>",
+                                 "<TVL>" + PluginXml("Other") + "</TVL>"}));
     world.Core().onCall = nullptr;
     EXPECT_EQ(claimed, (Texts{"Hip", "Lost"}));
     ASSERT_EQ(world.MessageBoxes().size(), 2U);
@@ -120,7 +120,7 @@ TEST_F(Gathering, LeavesTheTagsToTheNextCoreWhenItsOwnLeaves) {
     int boxes = 0;
     world.Session().OnMessageBox([&](const headless::MessageBoxText&) { ++boxes; });
     UtilityManager::Get().AttachCore();
-    EXPECT_EQ(Gathered(), Texts{"<TVL>" + Plugin("Rig") + "</TVL>"});
+    EXPECT_EQ(Gathered(), Texts{"<TVL>" + PluginXml("Rig") + "</TVL>"});
     EXPECT_EQ(boxes, 1);
     EXPECT_EQ(TagOf(hip) + TagOf(lost), "");
     world.Core().onCall = nullptr;

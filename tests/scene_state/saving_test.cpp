@@ -20,7 +20,7 @@ TEST_F(Saving, TagsEachNodeWithItsNamesAndTheFirstOneWithTheOwnersState) {
     rig.parts = {Master("Rig"), Master("Hand", "Rig", "0")};
     TVL::CoreNode* const gone = Helper(rig, "Gone");
     Helper(rig, "Hip");
-    StoredPlugin camera("Camera");
+    Plugin camera("Camera");
     camera.parts = {Master("Camera")};
     TVL::CoreNode* const lens = Helper(camera, "Lens");
     Helper(other, "Prop");
@@ -53,7 +53,7 @@ TEST_F(Saving, TagsEachNodeWithItsNamesAndTheFirstOneWithTheOwnersState) {
 TEST_F(Saving, BringsNamesOfAnyBytesBack) {
     const Texts names = {"a\nb", "<&>\"'/", "\xE5\x7F\xFF\x01", "", "&#65;", " x ", "Hip"};
     for (const std::string& name : names) {
-        StoredPlugin owner("<" + name + ">");
+        Plugin owner("<" + name + ">");
         owner.parts = {Master("Any")};
         TVL::CoreNode* const node = Helper(owner, name);
         const std::string hostName = node->GetName();

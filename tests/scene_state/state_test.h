@@ -2,52 +2,28 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "headless/scene_view.h"
 #include "host/interface.h"
 #include "persistence/scene/gather_state.h"
 #include "persistence/scene/node_tags.h"
+#include "support/plugin.h"
 #include "support/world.h"
 
 using Texts = std::vector<std::string>;
 
-// A plug-in of the Core's with state to store.
-class StoredPlugin final : public TVL::CoreElement {
-  public:
-    explicit StoredPlugin(std::string name) : record{std::move(name)} { plugin = &record; }
-
-    std::vector<int> ListExtensions() override { return {56}; }
-    std::intptr_t HandleExtension(int id, void* argument) override {
-        if (id != 56) return 0;
-        ++timesAsked;
-        for (const std::string& part : parts)
-            static_cast<XMLNode*>(argument)->AddChild(XMLNode(part));
-        if (onAsked) onAsked();
-        return 0;
-    }
-
-    Texts parts;  // elements "masternode"
-    int timesAsked = 0;
-    std::function<void()> onAsked;
-
-  private:
-    TVL::PluginRecord record;
-};
-
 // A scene with stored state in it, and a Core that loads.
 class StateTest : public testing::Test {
   protected:
-    StoredPlugin rig{"Rig"};
-    StoredPlugin other{"Other"};
+    Plugin rig{"Rig"};
+    Plugin other{"Other"};
     World world;
     TVL::AdaptorInterface& adaptor = world.Adaptor();
 
-    TVL::CoreNode* Helper(StoredPlugin& owner, const std::string& name) {
+    TVL::CoreNode* Helper(Plugin& owner, const std::string& name) {
         TVL::CNode* const node = adaptor.CreateHelperNode(&owner, name, nullptr, {}, nullptr);
         return static_cast<TVL::CoreNode*>(node);
     }
@@ -108,7 +84,7 @@ class StateTest : public testing::Test {
     }
 
     // Makes the node the plug-in's own, as a Core does while it loads.
-    void Claim(StoredPlugin& owner, const std::string& plugin, const Texts& names) {
+    void Claim(Plugin& owner, const std::string& plugin, const Texts& names) {
         const std::vector<TVL::CNode*> nodes = adaptor.ClaimNodes(plugin, NodeInfo(names));
         for (std::size_t index = 0; index < nodes.size(); ++index) {
             auto* const node = static_cast<TVL::CoreNode*>(nodes[index]);
