@@ -8,7 +8,6 @@
 #include "nodes/node_test.h"
 #include "objects/custom_helper_object.h"
 #include "objects/mesh_exchange.h"
-#include "tvl/log.h"
 
 namespace {
 
@@ -192,9 +191,7 @@ TEST_F(MeshSnapshot, GivesAMillionFacesBackEqualButForTheOneTextureVertex) {
 
 TEST_F(MeshSnapshot, CastsRaysInTheObjectsSpace) {
     const auto ball = NodeOn(headless::NewSphere(100, 1024));
-    Matrix3 elsewhere;
-    elsewhere.SetRow(3, {1000, 0, 0});
-    ball->HostNode()->SetNodeTM(0, elsewhere);
+    ball->HostNode()->SetNodeTM(0, MovedBy(1000));
     const Lent snapshot = Lend(*ball);
     double distance = 0;
     Place normal{};
@@ -273,7 +270,7 @@ TEST_F(MeshSnapshot, IsLeftWithoutANodeInTheOrderOfThePools) {
     EXPECT_EQ(shape->GetCurveCount(), 0);
     EXPECT_EQ(Camera("Eye")->AcquireLensSnapshot(3)->GetTime(), 3);
     Find("Eye")->Destroy();
-    const std::string log = TVL::Log::GetInstance()->GetBufferedText();
+    const std::string log = Trace();
     const std::size_t meshReport = log.find("Encountered still acquired mesh snapshot");
     EXPECT_NE(meshReport, std::string::npos);
     EXPECT_LT(meshReport, log.find("Encountered still acquired shape snapshot"));

@@ -145,7 +145,7 @@ TEST_F(HelperLook, IsKeptByTheAdaptorsOwnHelperObject) {
     node->ReleaseHelperSnapshot(look);
     node->Destroy();
 
-    customHost->SetNodeTM(0, Matrix3({1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {10, 0, 0}));
+    customHost->SetNodeTM(0, MovedBy(10));
     Box3 box;
     custom->GetWorldBoundBox(0, customHost, nullptr, box);
     EXPECT_EQ(box.pmin, Point3(11, 2, 3));

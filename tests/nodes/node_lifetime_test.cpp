@@ -2,20 +2,10 @@
 #include "nodes/node_list.h"
 #include "nodes/node_sweep.h"
 #include "nodes/node_test.h"
-#include "tvl/log.h"
 
 namespace {
 
-class NodeLifetime : public NodeTest {
-  protected:
-    static int TimesLogged(const std::string& text) {
-        const std::string log = TVL::Log::GetInstance()->GetBufferedText();
-        int count = 0;
-        for (std::size_t at = log.find(text); at != std::string::npos; at = log.find(text, at + 1))
-            ++count;
-        return count;
-    }
-};
+using NodeLifetime = NodeTest;
 
 TEST_F(NodeLifetime, LeavesASnapshotThatIsOutWithoutANode) {
     Node* const hip = Helper("Hip");
@@ -23,8 +13,8 @@ TEST_F(NodeLifetime, LeavesASnapshotThatIsOutWithoutANode) {
     hip->ReleaseSnapshot(hip->AcquireSnapshot(3));
     TVL::CSnapshot_Helper* const look = hip->AcquireHelperSnapshot();
     hip->Destroy();
-    EXPECT_EQ(TimesLogged("Encountered still acquired snapshot"), 1);
-    EXPECT_EQ(TimesLogged("Encountered still acquired helper snapshot"), 1);
+    EXPECT_EQ(TimesTraced("Encountered still acquired snapshot"), 1U);
+    EXPECT_EQ(TimesTraced("Encountered still acquired helper snapshot"), 1U);
 
     const std::uint64_t scene = headless::SceneDigest();
     EXPECT_EQ(out->GetTime(), 2);

@@ -6,13 +6,6 @@ class NodeSelection : public NodeTest {
   protected:
     Node* hip = Helper("Hip");
     Node* knee = Helper("Knee");
-
-    static std::vector<std::string> Selected() {
-        std::vector<std::string> names;
-        for (const headless::NodeView& node : headless::Nodes())
-            if (node.selected) names.push_back(node.name);
-        return names;
-    }
     using Names = std::vector<std::string>;
 };
 

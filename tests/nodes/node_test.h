@@ -2,32 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "headless/scene_view.h"
 #include "host/node.h"
+#include "support/matrices.h"
+#include "support/plugin.h"
+#include "support/trace.h"
 #include "support/world.h"
 #include "tvl/adaptor_interface.h"
-
-// What a Core brings along: a plug-in that owns nodes.
-class Plugin final : public TVL::CoreElement {
-  public:
-    explicit Plugin(std::string name) : record{std::move(name)} { plugin = &record; }
-
-    std::vector<int> ListExtensions() override { return {43}; }
-    std::intptr_t HandleExtension(int id, void*) override {
-        if (id == 43 && onDeletion) onDeletion();
-        return 0;
-    }
-
-    std::function<void()> onDeletion;  // the user deletes nodes of this plug-in
-
-  private:
-    TVL::PluginRecord record;
-};
 
 // Notes what a node's listener hears, as "-Hip" and "+Hip".
 class Listener final : public TVL::NodeListener {
@@ -79,6 +64,13 @@ class NodeTest : public testing::Test {
     static Node* Core(TVL::CNode* node) { return static_cast<Node*>(node); }
 
     static INode* Host(const std::string& hostName) { return headless::FindNode(hostName); }
+
+    static std::vector<std::string> Selected() {
+        std::vector<std::string> names;
+        for (const headless::NodeView& node : headless::Nodes())
+            if (node.selected) names.push_back(node.name);
+        return names;
+    }
 
     // Runs `work` as one undo group.
     template <class Work>

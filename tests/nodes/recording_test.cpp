@@ -16,7 +16,7 @@ TEST_F(Recording, StartsWithAKeyOfThePresentPoseOnTheOwnersNodes) {
     Helper("Knee");
     adaptor.CreateHelperNode(&other, "Stranger", nullptr, {}, nullptr);
     Find("Knee")->HandleExtension(17, nullptr);  // no more recording
-    Host("Rig_Hip")->SetNodeTM(0, Matrix3({1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {3, 4, 5}));
+    Host("Rig_Hip")->SetNodeTM(0, MovedBy(Point3(3, 4, 5)));
     adaptor.SetCurrentTime(0.5);
 
     InGroup("Take", [&] {

@@ -28,20 +28,6 @@ class TransformSnapshot : public NodeTest {
     }
 };
 
-TEST_F(TransformSnapshot, LandsCorePointsAtTheirHostPlaces) {
-    Node* const hip = Helper("Hip");
-    const struct {
-        CMatrix4 core;
-        Point3 host;
-    } cases[] = {{At(1, 0, 0), {39.37F, 0, 0}},
-                 {At(0, 1, 0), {0, 0, 39.37F}},
-                 {At(0, 0, 1), {0, -39.37F, 0}}};
-    for (const auto& place : cases) {
-        Place(*hip, place.core);
-        EXPECT_EQ(HostPosition(Host("Rig_Hip")), place.host);
-    }
-}
-
 TEST_F(TransformSnapshot, ReadsAnUnscaledNodeWithTheFactorOfTheUnits) {
     Node* const hip = Helper("Hip");
     const double s = HostUnitsPerMetre();
