@@ -1,4 +1,3 @@
-#include <cmath>
 #include <limits>
 #include <vector>
 
@@ -7,36 +6,24 @@
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
-
-Quat AboutZ(double degrees) {
-    const double half = degrees / 2 * kPi / 180;
-    return {0, 0, static_cast<float>(std::sin(half)), static_cast<float>(std::cos(half))};
-}
-
 Matrix3 Turned(double degrees, const Point3& at = {}) {
-    Matrix3 matrix;
-    matrix.SetRotate(AboutZ(degrees));
-    matrix.SetRow(3, at);
-    matrix.ValidateFlags();
-    return matrix;
+    return TurnedAboutZ(degrees) * MovedBy(at);
 }
 
-void ExpectNear(const Matrix3& a, const Matrix3& b, float tolerance = 1e-5f) {
-    for (int row = 0; row < 4; ++row)
-        for (int column = 0; column < 3; ++column)
-            EXPECT_NEAR(a.m[row][column], b.m[row][column], tolerance) << row << ", " << column;
+void ExpectNear(const Matrix3& actual, const Matrix3& expected) {
+    ExpectNear(actual, expected, 1e-5f);
 }
 
 class ControlTest : public HostWorld {
   protected:
-    Control* NewTransform() {
-        return static_cast<Control*>(
-            host.CreateInstance(CTRL_MATRIX3_CLASS_ID, kPositionRotationScaleClassId));
+    ~ControlTest() override {
+        host.FlushUndoBuffer();
+        for (Control* control : made_)
+            control->DeleteThis();
     }
-    Control* NewFloat() {
-        return static_cast<Control*>(host.CreateInstance(CTRL_FLOAT_CLASS_ID, kLinearFloatClassId));
-    }
+
+    Control* NewTransform() { return made_.emplace_back(HostWorld::NewTransform()); }
+    Control* NewFloat() { return made_.emplace_back(HostWorld::NewFloat()); }
 
     static void Set(Control* control, TimeValue t, float value,
                     GetSetMethod method = CTRL_ABSOLUTE) {
@@ -72,6 +59,9 @@ class ControlTest : public HostWorld {
             times.push_back(animatable->GetKeyTime(i));
         return times;
     }
+
+  private:
+    std::vector<Control*> made_;
 };
 
 using Times = std::vector<TimeValue>;
@@ -105,7 +95,6 @@ TEST_F(ControlTest, AFloatGoesStraightBetweenKeysRestsBeforeThemAndStaysBehindTh
         Set(control, std::numeric_limits<TimeValue>::max(), 2);
     });
     EXPECT_NEAR(Get(control, 0), 1, 1e-6) << "a span of time that has overflowed";
-    control->DeleteThis();
 }
 
 TEST_F(ControlTest, WithoutAnimateModeAnAnimatedValueMovesAsAWhole) {
@@ -124,8 +113,6 @@ TEST_F(ControlTest, WithoutAnimateModeAnAnimatedValueMovesAsAWhole) {
     Set(transform, 0, Turned(20, {1, 5, 0}));
     ExpectNear(GetMatrix(transform, 0), Turned(20, {1, 5, 0}));
     ExpectNear(GetMatrix(transform, 100), Turned(60, {3, 5, 0}));
-    control->DeleteThis();
-    transform->DeleteThis();
 }
 
 TEST_F(ControlTest, KeysAreFoundChosenAndDeletedUndoably) {
@@ -165,8 +152,6 @@ TEST_F(ControlTest, KeysAreFoundChosenAndDeletedUndoably) {
     control->SelectKeys(hits, SELKEYS_SELECT);
     control->DeleteKeys(TRACK_DOSEL | TRACK_DOALL);
     EXPECT_EQ(KeyTimes(control), (Times{0, 10, 20, 40}));
-    host.FlushUndoBuffer();
-    control->DeleteThis();
 }
 
 TEST_F(ControlTest, UndoPassesOverKeysThatWereEditedPastTheHold) {
@@ -187,8 +172,6 @@ TEST_F(ControlTest, UndoPassesOverKeysThatWereEditedPastTheHold) {
         session.Redo();
     EXPECT_EQ(KeyTimes(control), (Times{0}));
     EXPECT_EQ(Get(control, 0), 4.0f);
-    host.FlushUndoBuffer();
-    control->DeleteThis();
 }
 
 TEST_F(ControlTest, APacketMovesRotatesAndScalesInItsAxes) {
@@ -222,7 +205,6 @@ TEST_F(ControlTest, APacketMovesRotatesAndScalesInItsAxes) {
     packet.command = 4;
     control->SetValue(0, &packet, 1, CTRL_RELATIVE);
     ExpectNear(GetMatrix(control, 0, parent), longer);
-    control->DeleteThis();
 }
 
 TEST_F(ControlTest, AMirroredOrFlatMatrixComesBackFromItsParts) {
@@ -236,7 +218,6 @@ TEST_F(ControlTest, AMirroredOrFlatMatrixComesBackFromItsParts) {
         Set(control, 0, matrix);
         ExpectNear(GetMatrix(control, 0), matrix);
     }
-    control->DeleteThis();
 }
 
 TEST_F(ControlTest, RotationsTakeTheShorterWayAndScalesAndPositionsGoStraight) {
@@ -250,7 +231,6 @@ TEST_F(ControlTest, RotationsTakeTheShorterWayAndScalesAndPositionsGoStraight) {
     Matrix3 half = Turned(235, {5, 0, 0});
     half.SetRow(0, half.GetRow(0) * 2);
     ExpectNear(GetMatrix(control, 50), half);
-    control->DeleteThis();
 }
 
 TEST_F(ControlTest, AChangeOfParentsKeepsTheWorldPathAndGoesBackWhenTurnedRound) {
@@ -275,7 +255,6 @@ TEST_F(ControlTest, AChangeOfParentsKeepsTheWorldPathAndGoesBackWhenTurnedRound)
     control->ChangeParents(0, newParent, oldParent, path[0]);
     for (std::size_t i = 0; i < times.size(); ++i)
         ExpectNear(GetMatrix(control, times[i], oldParent), path[i]);
-    control->DeleteThis();
 }
 
 TEST_F(ControlTest, TheKeysOfATransformAreThoseOfItsThreeParts) {
@@ -296,8 +275,6 @@ TEST_F(ControlTest, TheKeysOfATransformAreThoseOfItsThreeParts) {
     ExpectNear(GetMatrix(control, 10), Turned(0));
     session.Undo();
     ExpectNear(GetMatrix(control, 10), Turned(10));
-    host.FlushUndoBuffer();
-    control->DeleteThis();
 }
 
 }  // namespace

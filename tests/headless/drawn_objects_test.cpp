@@ -3,32 +3,19 @@
 #include <numbers>
 #include <vector>
 
-#include "headless/host_world.h"
-#include "headless/viewport.h"
+#include "headless/viewport_world.h"
 #include "host/node.h"
 
 namespace {
 
 using headless::Colour;
 using headless::Corner;
-using headless::DrawBatch;
 using headless::DrawVertex;
 
-class DrawnObjectsTest : public HostWorld {
+class DrawnObjectsTest : public ViewportWorld {
   protected:
     static constexpr Colour kRed{1, 0, 0};
     static constexpr Colour kWhite{1, 1, 1};
-
-    DrawnObjectsTest() { settings.showsGrid = false; }
-
-    std::vector<DrawVertex> Drawn(bool isTriangles) const {
-        std::vector<DrawVertex> all;
-        for (const DrawBatch& batch : headless::DrawScene(settings, 0).list.batches) {
-            if (batch.isTriangles == isTriangles)
-                all.insert(all.end(), batch.vertices.begin(), batch.vertices.end());
-        }
-        return all;
-    }
 
     static bool AreAll(const std::vector<DrawVertex>& vertices, const Colour& colour) {
         return !vertices.empty() && std::ranges::all_of(vertices, [&](const DrawVertex& vertex) {
@@ -41,8 +28,6 @@ class DrawnObjectsTest : public HostWorld {
         const HitRegion region{HITTYPE_RECT, crossing, 0, {{0, 0}, {settings.width, height}}};
         return headless::NodesHit(settings, 0, region);
     }
-
-    headless::ViewportSettings settings;
 };
 
 TEST_F(DrawnObjectsTest, EachShowsInItsNodesColourWithWhiteEdgesIfSelectedAndIsHitWhereItShows) {

@@ -10,6 +10,7 @@
 #include "headless/session.h"
 #include "host/hold.h"
 #include "host/interface.h"
+#include "support/matrices.h"
 
 // A running host without plug-ins. Its end checks that nothing stays alive.
 class HostWorld : public testing::Test {
@@ -28,6 +29,14 @@ class HostWorld : public testing::Test {
         return node;
     }
 
+    Control* NewTransform() {
+        return static_cast<Control*>(
+            host.CreateInstance(CTRL_MATRIX3_CLASS_ID, kPositionRotationScaleClassId));
+    }
+    Control* NewFloat() {
+        return static_cast<Control*>(host.CreateInstance(CTRL_FLOAT_CLASS_ID, kLinearFloatClassId));
+    }
+
     // `change` as one undo step.
     void Step(const std::function<void()>& change, const char* label = "step") {
         theHold.Begin();
@@ -36,9 +45,7 @@ class HostWorld : public testing::Test {
     }
 
     static void Place(INode* node, const Point3& at, TimeValue t = 0) {
-        Matrix3 world;
-        world.SetTranslate(at);
-        node->SetNodeTM(t, world);
+        node->SetNodeTM(t, MovedBy(at));
     }
 
     static Point3 Where(INode* node, TimeValue t = 0) { return node->GetNodeTM(t).GetTrans(); }

@@ -128,13 +128,11 @@ TEST_F(NodeTest, TheTransformPartIsTheControllerAndTakesMatrixControllersAlone) 
     EXPECT_EQ(node->SubAnim(0), node->GetTMController());
     EXPECT_EQ(node->GetTMController()->ClassID(), kPositionRotationScaleClassId);
 
-    auto* scalar =
-        static_cast<Control*>(host.CreateInstance(CTRL_FLOAT_CLASS_ID, kLinearFloatClassId));
+    Control* scalar = NewFloat();
     EXPECT_FALSE(node->SetTMController(scalar));
     EXPECT_FALSE(node->SetTMController(nullptr));
     scalar->DeleteMe();
-    auto* matrix = static_cast<Control*>(
-        host.CreateInstance(CTRL_MATRIX3_CLASS_ID, kPositionRotationScaleClassId));
+    Control* matrix = NewTransform();
     EXPECT_TRUE(node->AssignController(matrix, 0));
     EXPECT_EQ(node->GetTMController(), matrix);
 }

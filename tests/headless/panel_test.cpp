@@ -5,6 +5,7 @@
 #include "host/gup.h"
 #include "host/utility_obj.h"
 #include "platform/win32.h"
+#include "support/test_class.h"
 
 namespace {
 
@@ -44,21 +45,6 @@ class Utility final : public UtilityObj {
 
   private:
     HWND page_ = nullptr;
-};
-
-class UtilityClass final : public ClassDesc {
-  public:
-    UtilityClass(const char* name, Class_ID id) : name_(name), id_(id) {}
-    int IsPublic() override { return 1; }
-    void* Create(bool) override { return new Utility; }
-    const char* ClassName() override { return name_; }
-    SClass_ID SuperClassID() override { return UTILITY_CLASS_ID; }
-    Class_ID ClassID() override { return id_; }
-    const char* Category() override { return "Test"; }
-
-  private:
-    const char* name_;
-    Class_ID id_;
 };
 
 // A transform controller with a page of its own.
@@ -104,8 +90,10 @@ class PanelTest : public HostWorld {
     }
 
   private:
-    UtilityClass first_{"First Util", {1, 1}};
-    UtilityClass second_{"Second Util", {2, 2}};
+    static void* NewUtility() { return new Utility; }
+
+    TestClass first_{"First Util", UTILITY_CLASS_ID, {1, 1}, NewUtility};
+    TestClass second_{"Second Util", UTILITY_CLASS_ID, {2, 2}, NewUtility};
 };
 
 TEST_F(PanelTest, OneUtilityIsOpenAtATime) {

@@ -97,10 +97,9 @@ class Changes {
     }
 
     void Move(INode& node) {
-        Matrix3 world;
-        world.SetTranslate({static_cast<float>(Below(50)), static_cast<float>(Below(50)), 0});
+        const Point3 place{static_cast<float>(Below(50)), static_cast<float>(Below(50)), 0};
         if (Below(2) == 0) AnimateOn();
-        node.SetNodeTM(Time(), world);
+        node.SetNodeTM(Time(), MovedBy(place));
         AnimateOff();
     }
 

@@ -1,9 +1,11 @@
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "headless/host_world.h"
 #include "host/gup.h"
-#include "host/notify.h"
+#include "support/on_notification.h"
+#include "support/test_class.h"
 
 namespace {
 
@@ -17,12 +19,14 @@ class Told final : public GUP {
 
     std::uint32_t Start() override {
         diary.push_back("start");
-        if (result_ == GUPRESULT_KEEP) RegisterNotification(&Hear, this, NOTIFY_SYSTEM_SHUTDOWN);
+        if (result_ == GUPRESULT_KEEP)
+            onShutdown_.emplace(NOTIFY_SYSTEM_SHUTDOWN,
+                                [](NotifyInfo&) { diary.push_back("shutdown"); });
         return result_;
     }
     void Stop() override {
         diary.push_back("stop");
-        UnRegisterNotification(&Hear, this, NOTIFY_SYSTEM_SHUTDOWN);
+        onShutdown_.reset();
     }
     void DeleteThis() override {
         diary.push_back("gone");
@@ -30,29 +34,14 @@ class Told final : public GUP {
     }
 
   private:
-    static void Hear(void*, NotifyInfo*) { diary.push_back("shutdown"); }
-
     std::uint32_t result_;
-};
-
-class ToldClass final : public ClassDesc {
-  public:
-    explicit ToldClass(std::uint32_t result) : result_(result) {}
-    int IsPublic() override { return 1; }
-    void* Create(bool) override { return new Told(result_); }
-    const char* ClassName() override { return "Told"; }
-    SClass_ID SuperClassID() override { return GUP_CLASS_ID; }
-    Class_ID ClassID() override { return {1, result_}; }
-    const char* Category() override { return "Test"; }
-
-  private:
-    std::uint32_t result_;
+    std::optional<OnNotification> onShutdown_;
 };
 
 TEST(SessionTest, AGlobalUtilityRunsUntilTheShutdownUnlessItDoesNotWantToBeKept) {
     diary.clear();
-    ToldClass kept(GUPRESULT_KEEP);
-    ToldClass refusing(GUPRESULT_NOKEEP);
+    TestClass kept("Kept", GUP_CLASS_ID, {1, 1}, [] { return new Told(GUPRESULT_KEEP); });
+    TestClass refusing("Refusing", GUP_CLASS_ID, {1, 2}, [] { return new Told(GUPRESULT_NOKEEP); });
     headless::Session session;
     session.RegisterClass(&kept);
     session.RegisterClass(&refusing);
@@ -75,24 +64,19 @@ TEST(SessionTest, AModuleThatIsNoPluginIsRefusedWithAReason) {
 using DeleteKeyTest = HostWorld;
 
 // Hears of a deletion, and answers it.
-struct Deletions {
+struct Deletions : OnNotification {
     std::function<void(INodeTab&)> answer;
     int told = 0;
     int announced = 0;
 
-    Deletions() { RegisterNotification(&Hear, this, NOTIFY_SEL_NODES_PRE_DELETE); }
-    ~Deletions() { UnRegisterNotification(&Hear, this, NOTIFY_SEL_NODES_PRE_DELETE); }
-    Deletions(const Deletions&) = delete;
-    Deletions& operator=(const Deletions&) = delete;
-
-    static void Hear(void* param, NotifyInfo* info) {
-        auto* self = static_cast<Deletions*>(param);
-        auto& table = *static_cast<INodeTab*>(info->callParam);
-        ++self->told;
-        self->announced = table.Count();
-        EXPECT_TRUE(theHold.Holding());
-        if (self->answer) self->answer(table);
-    }
+    Deletions()
+        : OnNotification(NOTIFY_SEL_NODES_PRE_DELETE, [this](NotifyInfo& info) {
+              auto& table = *static_cast<INodeTab*>(info.callParam);
+              ++told;
+              announced = table.Count();
+              EXPECT_TRUE(theHold.Holding());
+              if (answer) answer(table);
+          }) {}
 };
 
 TEST_F(DeleteKeyTest, TheSelectionIsAnnouncedAndGoesInOneStep) {

@@ -41,9 +41,8 @@ class StoredObjectsTest : public HostWorld {
         AnimateOff();
     }
 
-    ReferenceTarget* NewFloat() {
-        auto* control =
-            static_cast<Control*>(host.CreateInstance(CTRL_FLOAT_CLASS_ID, kLinearFloatClassId));
+    Control* AnimatedFloat() {
+        Control* control = NewFloat();
         Animate([&](TimeValue t) {
             float value = static_cast<float>(t) / 3 + 7;
             control->SetValue(t, &value, 1, CTRL_ABSOLUTE);
@@ -51,9 +50,8 @@ class StoredObjectsTest : public HostWorld {
         return control;
     }
 
-    ReferenceTarget* NewTransform() {
-        auto* control = static_cast<Control*>(
-            host.CreateInstance(CTRL_MATRIX3_CLASS_ID, kPositionRotationScaleClassId));
+    Control* AnimatedTransform() {
+        Control* control = NewTransform();
         Animate([&](TimeValue t) {
             SetXFormPacket packet;
             packet.tmAxis.SetTranslate({1, 2, static_cast<float>(t)});
@@ -83,8 +81,8 @@ class StoredObjectsTest : public HostWorld {
     }
 
     std::vector<ReferenceTarget*> OneOfEach() {
-        return {NewFloat(),
-                NewTransform(),
+        return {AnimatedFloat(),
+                AnimatedTransform(),
                 NewCamera(),
                 NewMesh(),
                 headless::NewSplines({headless::StraightLines({{1, 2, 3}, {4, 5, 6}}),
@@ -151,7 +149,7 @@ TEST_F(StoredObjectsTest, NonsenseIsRefused) {
 }
 
 TEST_F(StoredObjectsTest, KeysThatAreThereAreSortedAndOfEqualTimesTheLastStands) {
-    auto* control = static_cast<Control*>(NewFloat());
+    Control* control = AnimatedFloat();
     const Words keys{1,  12, 9,       Bits(9),  //
                      20, 0,  Bits(2),           //
                      10, 0,  Bits(1),           //

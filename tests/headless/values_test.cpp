@@ -1,32 +1,14 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 
 #include "host/box3.h"
-#include "host/matrix3.h"
+#include "support/matrices.h"
 
 namespace {
 
 constexpr std::uint32_t kAllIdentity =
     Matrix3::kPositionIdentity | Matrix3::kRotationIdentity | Matrix3::kScaleIdentity;
-
-Quat AboutZ(double degrees) {
-    const double half = degrees / 2 * 3.14159265358979323846 / 180;
-    return {0, 0, static_cast<float>(std::sin(half)), static_cast<float>(std::cos(half))};
-}
-
-Matrix3 Rotation(const Quat& q) {
-    Matrix3 matrix;
-    matrix.SetRotate(q);
-    return matrix;
-}
-
-Matrix3 Translation(const Point3& offset) {
-    Matrix3 matrix;
-    matrix.SetTranslate(offset);
-    return matrix;
-}
 
 void ExpectNear(const Point3& a, const Point3& b) {
     EXPECT_NEAR(a.x, b.x, 1e-5f);
@@ -47,7 +29,7 @@ TEST(Values, ProductsAndInversesAddFromLeftToRightInSinglePrecision) {
 }
 
 TEST(Values, AnInverseUndoesAndASingularMatrixBecomesTheIdentity) {
-    Matrix3 matrix = Rotation(AboutZ(30));
+    Matrix3 matrix = TurnedAboutZ(30);
     matrix.Scale({2, 3, 4});
     matrix.SetRow(3, {10, 20, 30});
     ExpectNear((matrix * Inverse(matrix)).GetTrans(), {});
@@ -62,18 +44,18 @@ TEST(Values, AnInverseUndoesAndASingularMatrixBecomesTheIdentity) {
 
 TEST(Values, FlagsFollowFromTheNumbersAlone) {
     EXPECT_EQ(Matrix3().flags, kAllIdentity);
-    EXPECT_EQ(Translation({0, 0, 1}).flags, kAllIdentity & ~Matrix3::kPositionIdentity);
-    EXPECT_EQ(Rotation(AboutZ(45)).flags, kAllIdentity & ~Matrix3::kRotationIdentity);
+    EXPECT_EQ(MovedBy({0, 0, 1}).flags, kAllIdentity & ~Matrix3::kPositionIdentity);
+    EXPECT_EQ(TurnedAboutZ(45).flags, kAllIdentity & ~Matrix3::kRotationIdentity);
     Matrix3 scaled;
     scaled.Scale({2, 2, 2});
     EXPECT_EQ(scaled.flags, kAllIdentity & ~Matrix3::kScaleIdentity);
     const Matrix3 mirrored({-1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {});
     EXPECT_EQ(mirrored.flags, kAllIdentity & ~Matrix3::kRotationIdentity);
 
-    Matrix3 lying = Translation({1, 2, 3});
+    Matrix3 lying = MovedBy({1, 2, 3});
     lying.flags = kAllIdentity;
     EXPECT_EQ((lying * lying).GetTrans(), Point3(2, 4, 6));
-    EXPECT_EQ(lying, Translation({1, 2, 3}));
+    EXPECT_EQ(lying, MovedBy({1, 2, 3}));
 }
 
 TEST(Values, ScalingOnTheRightScalesColumnsAndTheTranslationOnlyIfAsked) {
@@ -88,11 +70,11 @@ TEST(Values, ScalingOnTheRightScalesColumnsAndTheTranslationOnlyIfAsked) {
 TEST(Values, ABoxIsEmptyUntilItHoldsAPointAndStaysAroundItsTransformedCorners) {
     Box3 box;
     EXPECT_TRUE(box.IsEmpty());
-    EXPECT_TRUE((box * Translation({1, 1, 1})).IsEmpty());
+    EXPECT_TRUE((box * MovedBy({1, 1, 1})).IsEmpty());
     box += {1, 0, 0};
     EXPECT_FALSE(box.IsEmpty());
     box += {-1, 2, 0};
-    const Box3 turned = box * Rotation(AboutZ(90));
+    const Box3 turned = box * TurnedAboutZ(90);
     ExpectNear(turned.pmin, {-2, -1, 0});
     ExpectNear(turned.pmax, {0, 1, 0});
 }

@@ -3,22 +3,17 @@
 #include <limits>
 #include <numbers>
 
-#include "headless/host_world.h"
-#include "headless/viewport.h"
+#include "headless/viewport_world.h"
 #include "host/node.h"
 
 namespace {
 
-using headless::DrawBatch;
-using headless::DrawVertex;
-
 // A camera 100 above the ground that looks down; at the ground two pixels are one host unit, and
 // the middle of the picture is the origin.
-class ViewportMeshes : public HostWorld {
+class ViewportMeshes : public ViewportWorld {
   protected:
     ViewportMeshes() {
         settings.width = settings.height = 400;
-        settings.showsGrid = false;
         settings.camera = "eye";
         CameraObject* const camera = host.CreateCameraObject(0);
         INode* const eye = host.CreateObjectNode(camera);
@@ -54,16 +49,6 @@ class ViewportMeshes : public HostWorld {
         return !headless::NodesHit(settings, 0, region).empty();
     }
     bool HitsPoint(int x, int y) const { return Hits({HITTYPE_POINT, 0, 0, {{x, y}, {}}}); }
-
-    std::vector<DrawVertex> Drawn(bool isTriangles) const {
-        std::vector<DrawVertex> all;
-        for (const DrawBatch& batch : headless::DrawScene(settings, 0).list.batches)
-            if (batch.isTriangles == isTriangles)
-                all.insert(all.end(), batch.vertices.begin(), batch.vertices.end());
-        return all;
-    }
-
-    headless::ViewportSettings settings;
 };
 
 TEST_F(ViewportMeshes, AreHitWhereTheyShow) {

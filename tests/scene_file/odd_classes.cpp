@@ -2,29 +2,9 @@
 
 #include <stdexcept>
 
+#include "support/test_class.h"
+
 namespace odd {
-namespace {
-
-template <class Made>
-class Descriptor final : public ClassDesc {
-  public:
-    Descriptor(const char* name, SClass_ID superClass, Class_ID id)
-        : name_(name), superClass_(superClass), id_(id) {}
-    int IsPublic() override { return 1; }
-    void* Create(bool) override { return new Made; }
-    const char* ClassName() override { return name_; }
-    SClass_ID SuperClassID() override { return superClass_; }
-    Class_ID ClassID() override { return id_; }
-    const char* Category() override { return "Odd"; }
-
-  private:
-    const char* name_;
-    SClass_ID superClass_;
-    Class_ID id_;
-};
-
-}  // namespace
-
 IOResult SaveText(ISave& save, const std::string& text) {
     if (saving == Manner::kThrowing) throw std::runtime_error("no mood");
     if (saving == Manner::kBadNesting) {
@@ -49,13 +29,12 @@ IOResult LoadText(ILoad& load, std::string& text) {
 }
 
 void Register(headless::Session& session) {
-    static Descriptor<Helper> helper("Odd helper", HELPER_CLASS_ID, kHelperId);
-    static Descriptor<Transform> control("Odd control", CTRL_MATRIX3_CLASS_ID, kControlId);
-    static Descriptor<Utility> utility("Odd utility", GUP_CLASS_ID, kUtilityId);
-    for (ClassDesc* descriptor :
-         {static_cast<ClassDesc*>(&helper), static_cast<ClassDesc*>(&control),
-          static_cast<ClassDesc*>(&utility)})
-        session.RegisterClass(descriptor);
+    static TestClass helper("Odd helper", HELPER_CLASS_ID, kHelperId, [] { return new Helper; });
+    static TestClass control("Odd control", CTRL_MATRIX3_CLASS_ID, kControlId,
+                             [] { return new Transform; });
+    static TestClass utility("Odd utility", GUP_CLASS_ID, kUtilityId, [] { return new Utility; });
+    for (TestClass* type : {&helper, &control, &utility})
+        session.RegisterClass(type);
 }
 
 }  // namespace odd
