@@ -132,6 +132,9 @@ TEST_F(KeyStorage, AStrangeChunkIsLeftAlone) {
         EXPECT_EQ(read->table.currentKey.value, 0.0f);
         EXPECT_EQ(read->table.currentKey.time, -1);
     }
+    Alone<OpenScalar> read;
+    EXPECT_EQ(headless::LoadBytes({}, *read), IO_OK);
+    EXPECT_EQ(read->table.currentKey.time, -1);
 }
 
 TEST_F(KeyStorage, AnnouncedKeysAreBelievedOnlyAsFarAsTheyAreThere) {

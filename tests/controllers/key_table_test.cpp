@@ -63,16 +63,4 @@ TEST(KeyTable, TheNearestKeyIsThatOfAPlainScanFromWhateverPositionTheSearchStart
     }
 }
 
-TEST(KeyTable, ABracketHoldsTheTimeAndIsOneKeyAtAndBeyondTheEnds) {
-    KeyTable<float> table = TableOf({0, 100, 200});
-    for (const TimeValue t : {1, 50, 51, 99}) {
-        const KeyBracket<float> bracket = table.FindBracket(t);
-        EXPECT_EQ(bracket.left->time, 0) << t;
-        EXPECT_EQ(bracket.right->time, 100) << t;
-        EXPECT_EQ(bracket.Fraction(t), static_cast<float>(t) / 100.0f);
-    }
-    for (const TimeValue t : {-7, 0, 100, 200, 300})
-        EXPECT_TRUE(table.FindBracket(t).IsOneKey()) << t;
-}
-
 }  // namespace

@@ -83,22 +83,17 @@ TEST_F(Transform, BeyondTheTableTheEndKeyComesWithItsFlags) {
     EXPECT_EQ(control_->GetKeyAtTime(50).flags, 0u);
 }
 
-TEST_F(Transform, AValueSetBeyondTheTableHoldsThereUntilAnEvaluationInside) {
-    Key(0, MovedBy(0));
-    Key(100, MovedBy(1));
-    SetWorld(*control_, 150, MovedBy(9));
-    EXPECT_EQ(MatrixAt(*control_, 150), MovedBy(9));
-    EXPECT_EQ(MatrixAt(*control_, 101), MovedBy(9));
-    EXPECT_EQ(MatrixAt(*control_, 100), MovedBy(1));
-    EXPECT_EQ(MatrixAt(*control_, 150), MovedBy(1));
-}
-
-TEST_F(Transform, AValueSetWithoutAKeySticksAtItsTime) {
+TEST_F(Transform, AValueSetWithoutAKeyHoldsAtItsTimeOrBeyondTheTableUntilAnotherEvaluation) {
     Key(0, MovedBy(0));
     Key(100, MovedBy(1));
     SetWorld(*control_, 50, MovedBy(9));
     EXPECT_EQ(MatrixAt(*control_, 50), MovedBy(9));
     EXPECT_EQ(control_->NumKeys(), 2);
+    SetWorld(*control_, 150, MovedBy(9));
+    EXPECT_EQ(MatrixAt(*control_, 150), MovedBy(9));
+    EXPECT_EQ(MatrixAt(*control_, 101), MovedBy(9));
+    EXPECT_EQ(MatrixAt(*control_, 100), MovedBy(1));
+    EXPECT_EQ(MatrixAt(*control_, 150), MovedBy(1));
 }
 
 TEST_F(Transform, AWorldMatrixIsStoredRelativeToTheParentAsOneKey) {

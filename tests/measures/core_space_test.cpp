@@ -16,12 +16,6 @@ TEST(CoreSpace, CoreAxesComeOutInHostUnitsOnTheHostsAxes) {
     EXPECT_EQ(CoreToHostBase(), expected);
 }
 
-TEST(CoreSpace, AnUnscaledHostNodeReadsWithTheInverseOfTheUnitFactor) {
-    const headless::Session session(headless::WithUnitsPerMetre(2));
-    const TVL::CMatrix4 expected{{{0.5, 0, 0, 0}, {0, 0, -0.5, 0}, {0, 0.5, 0, 0}, {0, 0, 0, 1}}};
-    EXPECT_EQ(ToCore(Matrix3()) * Inverse(CoreToHostBase()), expected);
-}
-
 TEST(CoreSpace, AHostMatrixComesBackBitForBitAndTheLastColumnIsNotRead) {
     Matrix3 matrix({1, 2, 3}, {0.1f, 5, 6}, {7, 8, 9}, {10, 11, 1e-30f});
     TVL::CMatrix4 wide = ToCore(matrix);

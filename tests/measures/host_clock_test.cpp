@@ -48,14 +48,4 @@ TEST(HostClock, TheTwoFormulasRoundApartAtTheEdgeOfATick) {
     EXPECT_GT(apart, 0);
 }
 
-TEST(HostClock, TheCurrentTimeAndTheRangeGoThroughTheHost) {
-    const headless::Session session;
-    SetCurrentSeconds(0.0004);
-    EXPECT_EQ(GetCOREInterface()->GetTime(), 1);
-    EXPECT_EQ(CurrentSeconds(), 1 / 4800.0);
-    SetAnimationRangeSeconds(-1.5, 2.25);
-    EXPECT_EQ(GetCOREInterface()->GetAnimRange(), Interval(-7200, 10800));
-    EXPECT_EQ(AnimationRangeSeconds(), std::pair(-1.5, 2.25));
-}
-
 }  // namespace

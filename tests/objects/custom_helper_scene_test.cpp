@@ -5,6 +5,7 @@
 #include "host/interface.h"
 #include "host/node.h"
 #include "objects/custom_helper_object.h"
+#include "support/matrices.h"
 #include "support/world.h"
 
 // The helper object in a scene: drawn, hit, stored.
@@ -71,9 +72,7 @@ TEST_F(HelperInScene, DrawsFacesInItsColourAndLeavesOutItsBackIfItIsSaid) {
     helper->backfaceCull = 1;
     EXPECT_EQ(Drawn().at(0).vertices.size(), 2 * 3U) << "edges of the face that looks here";
     helper->wireframe = 0;
-    Matrix3 moved;
-    moved.SetTranslate({0, 0, 7});
-    node->SetNodeTM(0, moved);
+    node->SetNodeTM(0, MovedBy(Point3(0, 0, 7)));
     const auto batches = Drawn();
     ASSERT_EQ(batches.size(), 1U);
     EXPECT_TRUE(batches[0].isTriangles && batches[0].isLit && batches[0].cullsBackfaces);
