@@ -2,6 +2,7 @@
 
 #include "adaptor/utility_manager.h"
 #include "headless/scene_view.h"
+#include "nodes/node_deletion.h"
 #include "support/plugin.h"
 #include "support/world.h"
 
@@ -43,6 +44,18 @@ TEST_F(NodesPreDelete, TellsEachOwnerOnceAndStopsACoreThatRuns) {
         EXPECT_EQ(headless::FindNode("P_a"), nullptr);
         ASSERT_TRUE(world.Session().Undo());
     }
+}
+
+TEST_F(NodesPreDelete, AnOwnerMayTakeNodesOutOfTheHostsTableWhenItHears) {
+    silent.extensions = {43};
+    rig.onDeletion = silent.onDeletion = [this] {
+        ++told;
+        INodeTab& table = *DeletionInProgress().deletingNodes;
+        table.Delete(0, table.Count());
+    };
+    DeleteAll();
+    EXPECT_EQ(told, 1);
+    EXPECT_NE(headless::FindNode("P_a"), nullptr);
 }
 
 TEST_F(NodesPreDelete, TheCoreMayLeaveWhenItHears) {

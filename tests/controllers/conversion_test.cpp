@@ -185,8 +185,13 @@ TEST_F(Conversion, AWalkOverTheLiveOnesBearsTheirDestruction) {
     });
     EXPECT_EQ(visited,
               (std::vector<ScalarControl*>{controls[4], controls[2], controls[1], controls[0]}));
-    for (const std::size_t i : {0u, 1u, 4u})
-        controls[i]->DeleteThis();
+    controls[4]->DeleteThis();
+    visited.clear();
+    ScalarControl::liveInstances.ForEachFromLast([&](ScalarControl& control) {
+        visited.push_back(&control);
+        control.DeleteThis();
+    });
+    EXPECT_EQ(visited, (std::vector<ScalarControl*>{controls[1], controls[0]}));
     ScalarControl::liveInstances.ForEachFromLast([](ScalarControl&) { ADD_FAILURE(); });
 }
 

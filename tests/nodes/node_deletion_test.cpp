@@ -16,6 +16,13 @@ class NodeDeletion : public NodeTest {
     }
 };
 
+TEST_F(NodeDeletion, EndsTheNodeAtOnceOutsideAGroup) {
+    Helper("Hip")->Delete(true);
+    EXPECT_EQ(Find("Hip"), nullptr);
+    EXPECT_EQ(Host("Rig_Hip"), nullptr);
+    EXPECT_TRUE(listener.heard.empty());
+}
+
 TEST_F(NodeDeletion, InAGroupIsTakenBackAndRepeated) {
     Node* const hip = Helper("Hip");
     Helper("Knee");

@@ -166,8 +166,18 @@ TEST_F(UndoGroupsTest, AnUnusualNestWarnsAndWorks) {
         EXPECT_EQ(adaptor.EndUndoGroup(), 0);
 }
 
-TEST_F(UndoGroupsTest, CancellingARecordingPutsTheHostsTimeBack) {
-    adaptor.SetCurrentTime(2);
+TEST_F(UndoGroupsTest, UndoingARecordingFlipsTheHostsTime) {
+    adaptor.SetCurrentTime(1);
+    adaptor.BeginUndoGroup("record");
+    adaptor.BeginRecordingUnkeyed({});
+    adaptor.EndRecording();
+    adaptor.EndUndoGroup();
+    adaptor.SetCurrentTime(2);  // by the user, without a step
+    EXPECT_TRUE(world.Session().Undo());
+    EXPECT_EQ(adaptor.GetCurrentTime(), 1);
+    EXPECT_TRUE(world.Session().Redo());
+    EXPECT_EQ(adaptor.GetCurrentTime(), 2);
+
     adaptor.BeginUndoGroup("cancelled");
     adaptor.BeginRecordingUnkeyed({});
     adaptor.SetCurrentTime(3);
