@@ -76,6 +76,7 @@ struct Diarist final : GUP {
 
 class SceneFilesTest : public testing::Test {
   protected:
+    SceneFilesTest() { Restart(true); }
     ~SceneFilesTest() override {
         session.reset();
         EXPECT_EQ(headless::TakeCensus().objectCount, 0U);
@@ -112,7 +113,6 @@ class SceneFilesTest : public testing::Test {
 };
 
 TEST_F(SceneFilesTest, EachWorkIsAnnouncedInTheHostsOrder) {
-    Restart(true);
     const std::string path = Saved(2);
     const auto saved = headless::SceneDigest();
     ASSERT_EQ(session->SaveScene(path).error, "");
@@ -133,7 +133,6 @@ TEST_F(SceneFilesTest, EachWorkIsAnnouncedInTheHostsOrder) {
 }
 
 TEST_F(SceneFilesTest, AFileThatIsRefusedLeavesTheSceneAndNobodyHearsOfIt) {
-    Restart(true);
     const std::string cut = Saved(2, "cut.scene");
     fs::resize_file(cut, fs::file_size(cut) / 2);
     std::ofstream(Path("text.scene")) << "no scene at all";
@@ -162,7 +161,6 @@ TEST_F(SceneFilesTest, AFileThatIsRefusedLeavesTheSceneAndNobodyHearsOfIt) {
 }
 
 TEST_F(SceneFilesTest, TheEndOfASaveIsAnnouncedHoweverItWent) {
-    Restart(true);
     const std::string path = Saved(1);
     const auto size = fs::file_size(path);
     const std::string nowhere = Path("nowhere/scene");
@@ -191,7 +189,6 @@ TEST_F(SceneFilesTest, TheEndOfASaveIsAnnouncedHoweverItWent) {
 }
 
 TEST_F(SceneFilesTest, WhileOneFileIsWorkedOnNoOtherWorkBegins) {
-    Restart(true);
     const std::string path = Saved(1);
     const std::string other = Path("other.scene");
     for (const char* moment : {"9 kind 0", "load 1 nodes", "13", "save", "14"}) {
@@ -237,7 +234,6 @@ struct Opening final : RestoreObj {
 };
 
 TEST_F(SceneFilesTest, AStepThatIsUndoneKeepsItsScene) {
-    Restart(true);
     const std::string path = Saved(3);
     session->NewScene();
     Opening::errors.clear();
@@ -253,7 +249,6 @@ TEST_F(SceneFilesTest, AStepThatIsUndoneKeepsItsScene) {
 }
 
 TEST_F(SceneFilesTest, OlderStepsGoAndComeAroundAMergeAndEndWithAHoldWhenAnotherSceneIsOpened) {
-    Restart(true);
     const std::string path = Saved(2);
     const auto saved = headless::SceneDigest();
     session->NewScene();
@@ -276,7 +271,6 @@ TEST_F(SceneFilesTest, OlderStepsGoAndComeAroundAMergeAndEndWithAHoldWhenAnother
 }
 
 TEST_F(SceneFilesTest, ChunksThatNobodyTookAreWrittenBackUntilTheSceneIsEmptied) {
-    Restart(true);
     const std::string path = Saved(1);
     const std::string again = Path("again.scene");
     struct Case {

@@ -17,42 +17,30 @@ class Changes {
         switch (Below(14)) {
             case 0:
             case 1:
-                host_.CreateObjectNode(NewObject());
-                return;
+                return static_cast<void>(host_.CreateObjectNode(NewObject()));
             case 2:
-                host_.DeleteNode(AnyNode());
-                return;
+                return host_.DeleteNode(AnyNode());
             case 3:
             case 4:
-                AnyParent()->AttachChild(AnyNode(), Below(2));
-                return;
+                return AnyParent()->AttachChild(AnyNode(), Below(2));
             case 5:
-                Detach();
-                return;
+                return OnNode([this](INode& node) { node.Detach(Time(), 1); });
             case 6:
-                OnNode([this](INode& node) { node.SetName(Word()); });
-                return;
+                return OnNode([this](INode& node) { node.SetName(Word()); });
             case 7:
-                OnNode([this](INode& node) { node.Hide(Below(2) == 1); });
-                return;
+                return OnNode([this](INode& node) { node.Hide(Below(2) == 1); });
             case 8:
-                OnNode([this](INode& node) { node.SetUserPropString(Word(), Word()); });
-                return;
+                return OnNode([this](INode& node) { node.SetUserPropString(Word(), Word()); });
             case 9:
-                host_.SelectNode(AnyNode(), Below(2));
-                return;
+                return host_.SelectNode(AnyNode(), Below(2));
             case 10:
-                OnNode([this](INode& node) { Move(node); });
-                return;
+                return OnNode([this](INode& node) { Move(node); });
             case 11:
-                OnNode([this](INode& node) { ChangeController(node); });
-                return;
+                return OnNode([this](INode& node) { ChangeController(node); });
             case 12:
-                Clone();
-                return;
+                return OnNode([this](INode& node) { Clone(node); });
             default:
-                ChangeTheRest();
-                return;
+                return ChangeTheRest();
         }
     }
 
@@ -92,10 +80,6 @@ class Changes {
         if (INode* node = AnyNode()) change(*node);
     }
 
-    void Detach() {
-        if (INode* node = AnyNode()) node->Detach(Time(), 1);
-    }
-
     void Move(INode& node) {
         const Point3 place{static_cast<float>(Below(50)), static_cast<float>(Below(50)), 0};
         if (Below(2) == 0) AnimateOn();
@@ -108,28 +92,24 @@ class Changes {
             host_.CreateInstance(CTRL_MATRIX3_CLASS_ID, kPositionRotationScaleClassId)));
     }
 
-    void Clone() {
-        INode* node = AnyNode();
-        if (!node || headless::Nodes().size() > 60) return;
+    void Clone(INode& node) {
+        if (headless::Nodes().size() > 60) return;
         INodeTab nodes;
-        nodes.Append(1, &node);
+        INode* const one = &node;
+        nodes.Append(1, &one);
         host_.CloneNodes(nodes, {1, 0, 0}, Below(2) == 1, NODE_COPY, nullptr, nullptr);
     }
 
     void ChangeTheRest() {
         switch (Below(4)) {
             case 0:
-                host_.SetTime(Time());
-                return;
+                return host_.SetTime(Time());
             case 1:
-                host_.SetAnimRange({0, 160 + Time()});
-                return;
+                return host_.SetAnimRange({0, 160 + Time()});
             case 2:
-                host_.ClearNodeSelection();
-                return;
+                return host_.ClearNodeSelection();
             default:
-                OnNode([this](INode& node) { ChangeCamera(node); });
-                return;
+                return OnNode([this](INode& node) { ChangeCamera(node); });
         }
     }
 
