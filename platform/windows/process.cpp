@@ -3,13 +3,10 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "platform/arguments.h"
 #include "platform/beside_program.h"
 #include "platform/environment.h"
 #include "platform/terminal.h"
 #include "platform/win32.h"
-// Comes after <windows.h>, whose types it needs.
-#include <shellapi.h>
 
 namespace platform {
 namespace {
@@ -32,16 +29,6 @@ std::string Variable(const char* name) {
 // Of the run-time library, which hands it on to the system.
 bool SetVariable(const char* name, const std::string& value) {
     return _putenv_s(name, value.c_str()) == 0;
-}
-
-std::string LostArgument() {
-    int count = 0;
-    wchar_t** const words = CommandLineToArgvW(GetCommandLineW(), &count);
-    std::string lost;
-    for (int i = 1; i < count && lost.empty(); ++i)
-        if (*words[i] != L'\0' && ToNarrow(words[i]).empty()) lost = Shown(words[i]);
-    LocalFree(words);
-    return lost;
 }
 
 std::filesystem::path ProgramFile() {
