@@ -110,7 +110,7 @@ TEST_F(Paths, WithBlanksAndLettersGoTheWholeRoad) {
 
 TEST_F(Paths, ThatAreLongAreWrittenWholeOrRefused) {
     const std::string record = "record " + Quoted(Write("walk.bvh", Walk(2))) + " --scale 1 ";
-    for (const std::size_t length : {250U, 259U, 260U, 300U, 1100U, 4000U, 4096U, 4300U})
+    for (const std::size_t length : {259U, 260U, 300U, 1100U, 4090U, 4096U})
         for (const std::string option : {"--scene ", "--csv ", "--poses ", "--trace "}) {
             const std::string path = LongPath(length, ".scene");
             const Ending ending = Run(record + option + Quoted(path));
