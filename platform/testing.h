@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
+#include <filesystem>
 
 #include "platform/platform_api.h"
 #include "platform/win32.h"
@@ -21,8 +21,17 @@ PLATFORM_API std::size_t CountWindows();        // controls included
 // How much room a block of the C heap has; 0 for none.
 PLATFORM_API std::size_t RoomOfBlock(void* block);
 
-// Runs a line of the system's shell, in which paths stand between quotation marks, and gives the
-// exit status; -1 if the program did not end by itself.
-PLATFORM_API int RunLine(const std::string& line);
+// A program, the rest of its command line as it is typed, in which paths stand between quotation
+// marks, and where it runs and writes.
+struct ProgramRun {
+    std::filesystem::path program;
+    std::filesystem::path::string_type arguments;
+    std::filesystem::path out;    // file for what it prints
+    std::filesystem::path error;  // file for what it prints as errors
+    std::filesystem::path folder = std::filesystem::current_path();
+};
+
+// Its exit status; -1 if it did not start, or did not end by itself.
+PLATFORM_API int RunProgram(const ProgramRun& run);
 
 }  // namespace platform

@@ -1,23 +1,14 @@
 #include "end_to_end/command.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 
+#include "platform/narrow_path.h"
 #include "platform/testing.h"
 #include "support/folder/surroundings.h"
 
 namespace {
-
-std::string Quoted(const std::string& path) {
-    return '"' + path + '"';
-}
-
-// As the system's shell takes a program's name.
-std::string ProgramFile() {
-    return std::filesystem::path(COMMAND).make_preferred().string();
-}
 
 // As text, which has one sign for the end of a line.
 std::string ReadText(const std::string& path) {
@@ -29,8 +20,10 @@ std::string ReadText(const std::string& path) {
 
 Ending Command::Run(const std::string& arguments, const std::string& coreFolder) const {
     PlaceRegistry(folder_, {coreFolder, documents_});
-    const int status = platform::RunLine(Quoted(ProgramFile()) + " " + arguments + " >" +
-                                         Quoted(File("out")) + " 2>" + Quoted(File("error")));
+    const int status = platform::RunProgram({.program = COMMAND,
+                                             .arguments = platform::FromNarrow(arguments).native(),
+                                             .out = folder_.Path() / "out",
+                                             .error = folder_.Path() / "error"});
     return {status, ReadText(File("out")), ReadText(File("error"))};
 }
 

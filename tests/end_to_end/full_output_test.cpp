@@ -1,14 +1,16 @@
 #include "end_to_end/command.h"
+#include "platform/testing.h"
 
 namespace {
 
 TEST_F(Command, FailsWhereItsOutputFindsNoRoom) {
     Do("draw --sphere 1 -o " + File("a"));
     Do("draw --sphere 2 -o " + File("b"));
-    EXPECT_EQ(
-        Run("diff " + File("a") + " " + File("b") + " >/dev/full 2>/dev/null || exit $?; true")
-            .status,
-        2);
+    EXPECT_EQ(platform::RunProgram({.program = COMMAND,
+                                    .arguments = "diff " + File("a") + " " + File("b"),
+                                    .out = "/dev/full",
+                                    .error = "/dev/null"}),
+              2);
 }
 
 }  // namespace

@@ -52,7 +52,13 @@ TEST(AFolderForTemporaryFilesWithALetterBeyondAscii, ServesTheCommandAndTheCore)
     session.Start();
     ASSERT_EQ(session.SaveScene(scene).error, "");
     SetEnvironmentVariableW(L"TMP", temporary.c_str());
-    EXPECT_EQ(platform::RunLine("\"" COMMAND "\" sample \"" + scene + "\" --times 0:0:1"), 0);
+    EXPECT_EQ(platform::RunProgram({.program = COMMAND,
+                                    .arguments = L"sample \"" + folder.Path().native() +
+                                                 L"\\empty.scene\" --times 0:0:1",
+                                    .out = folder.Path() / "out",
+                                    .error = folder.Path() / "error"}),
+              0)
+        << ReadFile(folder.File("error"));
     SetEnvironmentVariableW(L"TMP", before.c_str());
     EXPECT_TRUE(std::filesystem::is_empty(temporary));
 }

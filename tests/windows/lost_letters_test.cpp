@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "platform/environment.h"
 #include "platform/narrow_path.h"
+#include "platform/testing.h"
 #include "support/folder/surroundings.h"
 
 // Names with letters that the code page lacks. The system turns such a letter to "?" or to one that
@@ -26,10 +25,11 @@ class LostLetters : public testing::Test {
 
     // In the folder.
     static int RunIn(const fs::path& folder, const std::wstring& words) {
-        const std::wstring line = L"cd /d \"" + folder.wstring() + L"\" && \"" +
-                                  fs::absolute(COMMAND).make_preferred().wstring() + L"\" " +
-                                  words + L" >out 2>error";
-        return _wsystem(line.c_str());
+        return platform::RunProgram({.program = fs::absolute(COMMAND),
+                                     .arguments = words,
+                                     .out = folder / "out",
+                                     .error = folder / "error",
+                                     .folder = folder});
     }
     int Run(const std::wstring& words) const { return RunIn(folder_.Path(), words); }
     std::string Error() const { return ReadFile(folder_.Path() / "error"); }
