@@ -27,7 +27,7 @@ inline std::string BesideProgram(const std::string& file) {
     const std::filesystem::path program = ProgramFile();
     if (program.empty()) throw std::runtime_error("the system does not tell where this program is");
     const std::filesystem::path folder = program.parent_path();
-    const std::string path = ToNarrow(folder / FromNarrow(file));
+    std::string path = ToNarrow(folder / FromNarrow(file));
     if (path.empty())
         throw std::runtime_error(Shown(folder) +
                                  ": the code page lacks a letter of this program's folder");
