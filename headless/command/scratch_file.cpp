@@ -20,7 +20,7 @@ std::string Mark() {
 
 fs::path SystemFolder() {
     std::error_code error;
-    const fs::path folder = fs::temp_directory_path(error);
+    fs::path folder = fs::temp_directory_path(error);
     if (error) throw Failure("the folder for temporary files cannot be had: " + error.message());
     return folder;
 }
