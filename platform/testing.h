@@ -21,6 +21,9 @@ PLATFORM_API std::size_t CountWindows();        // controls included
 // How much room a block of the C heap has; 0 for none.
 PLATFORM_API std::size_t RoomOfBlock(void* block);
 
+// Removes a folder with all that is in it, however long the paths are.
+PLATFORM_API void RemoveFolder(const std::filesystem::path& folder);
+
 // A program, the rest of its command line as it is typed, in which paths stand between quotation
 // marks, and where it runs and writes.
 struct ProgramRun {

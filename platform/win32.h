@@ -192,6 +192,9 @@ inline constexpr int SW_SHOW = 5;
 
 inline constexpr DWORD WS_CHILD = 0x40000000;
 inline constexpr DWORD WS_VISIBLE = 0x10000000;
+inline constexpr DWORD WS_POPUP = 0x80000000;
+inline constexpr DWORD WS_EX_TOOLWINDOW = 0x80;
+inline constexpr DWORD WS_EX_NOACTIVATE = 0x08000000;
 
 inline constexpr int GWLP_USERDATA = -21;
 

@@ -1,7 +1,9 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <memory>
+#include <vector>
 
+#include "command/apart.h"
 #include "command/exit_status.h"
 #include "command/print_result.h"
 #include "command/record.h"
@@ -18,7 +20,20 @@ struct Words {
     bool json = false;
 };
 
+// A scene may be saved in the place of the one that is recorded into.
+void CheckFiles(const RecordOptions& options) {
+    std::vector<NamedFile> captures;
+    for (const std::string& capture : options.captures)
+        captures.push_back({"CAPTURE", capture});
+    const NamedFile scene{"--scene", options.scene};
+    const std::vector<NamedFile> tables = {
+        {"--poses", options.poses}, {"--csv", options.csv}, {"--trace", options.trace}};
+    KeepApart(captures, {scene, tables[0], tables[1], tables[2]});
+    KeepApart({{"--into", options.into}}, tables);
+}
+
 void Run(const Words& words) {
+    CheckFiles(words.options);
     if (words.options.captures.size() > 1 && !words.options.csv.empty())
         throw Failure("--csv: the positions of several captures do not go into one file",
                       kWrongUsage);

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string_view>
 
+#include "command/apart.h"
 #include "command/exit_status.h"
 #include "command/render.h"
 #include "command/verb_options.h"
@@ -66,6 +67,7 @@ void ReadSize(const std::string& text, ViewportSettings& view) {
 }
 
 void CheckFile(const RenderOptions& options) {
+    KeepApart({{"SCENE", options.scene}}, {{"-o", options.file}});
     if (options.frames.empty() || options.sheetColumns > 0) return;
     const std::size_t places = FramePlaces(options.file);
     if (places == 1 || (places == 0 && options.frames.front().Count() == 1)) return;

@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "command/apart.h"
 #include "command/core_environment.h"
 #include "command/core_stage.h"
 #include "command/exit_status.h"
@@ -21,6 +22,7 @@ struct Words {
 };
 
 void Run(const Words& words) {
+    KeepApart({{"SCENE", words.scene}}, {{"--csv", words.csv}});
     CoreStage stage(Company::kPluginAndCore);
     stage.Open(words.scene);
     ScratchFile csv(words.csv);

@@ -7,6 +7,7 @@
 
 #include "command/exit_status.h"
 #include "platform/narrow_path.h"
+#include "platform/replace_file.h"
 
 namespace headless {
 namespace {
@@ -28,6 +29,7 @@ fs::path SystemFolder() {
 // The length of the target's name does not count, so that what the system takes for a name is
 // taken here.
 std::string Place(const std::string& target) {
+    if (platform::IsReadOnly(target)) throw Failure(target + ": " + platform::kReadOnly);
     const std::string name = "lumiset" + Mark() + ".part";
     if (!target.empty())
         return platform::ToNarrow(platform::FromNarrow(target).replace_filename(name));

@@ -9,6 +9,7 @@ namespace headless {
 // for such files. What was not kept is removed.
 class ScratchFile {
   public:
+    // Throws a Failure if there is a target that nobody may write to.
     explicit ScratchFile(std::string target);
     ~ScratchFile();
     ScratchFile(const ScratchFile&) = delete;

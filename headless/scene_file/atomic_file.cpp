@@ -24,6 +24,7 @@ std::string PlaceOf(const std::string& path) {
     const fs::path named = platform::FromNarrow(path);
     const fs::file_status status = fs::status(named, error);
     if (fs::exists(status) && !fs::is_regular_file(status)) Fail(path, "it is no plain file");
+    if (platform::IsReadOnly(path)) Fail(path, platform::kReadOnly);
     if (!fs::exists(status) || !fs::is_symlink(fs::symlink_status(named, error))) return path;
     const fs::path place = fs::canonical(named, error);
     if (error) return path;
@@ -68,11 +69,8 @@ AtomicFile::AtomicFile(const std::string& path)
 AtomicFile::~AtomicFile() {
     if (written_.empty()) return;
     sink_.Close();  // no system is asked to remove a file that is open
-    // Nor is Windows asked to remove one that nobody may write to, as the old file may be.
-    const fs::path written = platform::FromNarrow(written_);
     std::error_code ignored;
-    fs::permissions(written, fs::perms::owner_write, fs::perm_options::add, ignored);
-    fs::remove(written, ignored);
+    fs::remove(platform::FromNarrow(written_), ignored);
 }
 
 void AtomicFile::Close() {

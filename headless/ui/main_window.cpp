@@ -9,10 +9,14 @@ bool animateButton = true;
 
 }  // namespace
 
+// Real, with its pages, but beyond every screen and without a place among the running programs, for
+// nobody is to look at it.
 void OpenMainWindow() {
     if (mainWindow) return;
-    mainWindow = CreateWindowExA(0, "STATIC", "Headless host", WS_VISIBLE, 0, 0, 1280, 1024,
-                                 nullptr, nullptr, nullptr, nullptr);
+    constexpr int kBeyond = -32000;
+    mainWindow = CreateWindowExA(WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE, "STATIC", "Headless host",
+                                 WS_POPUP | WS_VISIBLE, kBeyond, kBeyond, 1280, 1024, nullptr,
+                                 nullptr, nullptr, nullptr);
 }
 
 void CloseMainWindow() {

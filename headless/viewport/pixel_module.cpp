@@ -19,7 +19,8 @@ PixelModule Load() {
     const HMODULE module = LoadLibraryA(path.c_str());
     PixelModule loaded;
     if (!module) {
-        loaded.error = "pictures need the library " + path + ", which cannot be loaded (" +
+        loaded.error = "pictures need the library " + path +
+                       ", which is built where OpenGL and libpng are, and cannot be loaded (" +
                        WhyNotLoaded(path) + ")";
         return loaded;
     }

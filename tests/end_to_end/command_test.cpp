@@ -94,4 +94,32 @@ TEST_F(Command, RefusesFilesThatItCannotWriteAndWordsThatItDoesNotKnow) {
         ExpectFailure(Run(wrong.words), wrong.what, 2);
 }
 
+TEST_F(Command, WritesNothingOverWhatItReadsOrWritesOrMayNotWriteTo) {
+    const std::string capture = Write("walk.bvh", Walk(2));
+    const std::string scene = File("take.scene");
+    Do("record " + capture + " --scene " + scene);
+    const std::string taken = Read(scene);
+    const std::string record = "record " + capture;
+    const std::string again = File("./walk.bvh");
+    const std::string table = File("table");
+    for (const std::string option : {"--scene", "--poses", "--csv", "--trace"})
+        ExpectFailure(Run(record + ' ' + option + ' ' + again), option + ": " + again, 2);
+    ExpectFailure(Run(record + " --into " + scene + " --poses " + scene), "--poses: ", 2);
+    ExpectFailure(Run(record + " --scene " + table + " --csv " + table), "--csv: ", 2);
+    ExpectFailure(Run("sample " + scene + " --times 0:1:1 --csv " + scene), "--csv: ", 2);
+    ExpectFailure(Run("render " + scene + " --time 0 -o " + scene), "-o: ", 2);
+
+    const auto readOnly = std::filesystem::perms::owner_read;
+    std::filesystem::permissions(scene, readOnly);
+    std::filesystem::permissions(Write("table", "kept"), readOnly);
+    ExpectFailure(Run("open " + scene + " --save " + scene),
+                  scene + ": the file cannot be written: it is read-only");
+    ExpectFailure(Run(record + " --poses " + table), table + ": it is read-only");
+    EXPECT_EQ(Read(capture), Walk(2));
+    EXPECT_EQ(Read(scene), taken);
+    EXPECT_EQ(Read(table), "kept");
+    for (const std::string& file : {scene, table})
+        std::filesystem::permissions(file, std::filesystem::perms::owner_all);
+}
+
 }  // namespace

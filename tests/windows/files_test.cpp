@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <string>
 
@@ -21,22 +20,6 @@ TEST(ANameWithALetterThatTheCodePageLacks, IsNotTold) {
     if (GetACP() == CP_UTF8) GTEST_SKIP() << "it lacks none";
     EXPECT_EQ(platform::ToNarrow(L"C:\\\x0100\x4E2D.scene"), "");
     EXPECT_EQ(platform::ToNarrow(L"C:\\\x0100.scene"), "");
-}
-
-// The new file gets the old one's attributes before it is known whether it can take its place.
-TEST(AFileThatIsReadOnlyAndOpen, KeepsItsPlaceAlone) {
-    const TemporaryFolder folder;
-    const std::string scene = folder.Write("take.scene", "an older take");
-    headless::Session session;
-    session.Start();
-    SetFileAttributesA(scene.c_str(), FILE_ATTRIBUTE_READONLY);
-    const HANDLE reader = CreateFileA(scene.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    EXPECT_TRUE(session.SaveScene(scene).error.starts_with(scene + ": "));
-    CloseHandle(reader);
-    EXPECT_EQ(ReadFile(scene), "an older take");
-    EXPECT_EQ(std::ranges::distance(std::filesystem::directory_iterator(folder.Path())), 1);
-    SetFileAttributesA(scene.c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
 // As that of everybody whose own name has one.

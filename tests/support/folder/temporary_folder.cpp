@@ -5,6 +5,7 @@
 #include <random>
 
 #include "platform/narrow_path.h"
+#include "platform/testing.h"
 
 namespace fs = std::filesystem;
 
@@ -16,8 +17,7 @@ TemporaryFolder::TemporaryFolder() {
 }
 
 TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    fs::remove_all(path_, ignored);
+    platform::RemoveFolder(path_);
 }
 
 std::string TemporaryFolder::File(std::string_view name) const {
