@@ -6,6 +6,7 @@
 #include "headless/session.h"
 #include "platform/beside_program.h"
 #include "platform/narrow_path.h"
+#include "platform/same_file.h"
 #include "platform/testing.h"
 #include "platform/win32.h"
 #include "support/folder/surroundings.h"
@@ -20,6 +21,14 @@ TEST(ANameWithALetterThatTheCodePageLacks, IsNotTold) {
     if (GetACP() == CP_UTF8) GTEST_SKIP() << "it lacks none";
     EXPECT_EQ(platform::ToNarrow(L"C:\\\x0100\x4E2D.scene"), "");
     EXPECT_EQ(platform::ToNarrow(L"C:\\\x0100.scene"), "");
+}
+
+TEST(TwoNamesOfOneFile, AreKnownAsSuchBeforeItIsThere) {
+    const TemporaryFolder folder;
+    const std::string name = folder.File("take.scene");
+    EXPECT_TRUE(platform::AreSameFile(name, folder.File("TAKE.scene. ")));
+    EXPECT_TRUE(platform::AreSameFile(name, folder.File("other\\..\\take.scene")));
+    EXPECT_FALSE(platform::AreSameFile(name, folder.File("take.scene2")));
 }
 
 // As that of everybody whose own name has one.
