@@ -74,7 +74,7 @@ TEST(Scenery, AFollowingCameraIsReadBackAsWrittenAlsoFromASceneThatWasOpened) {
         EXPECT_EQ(headless::SceneDigest(), recorded);
 
         const std::vector<float> lens = LensValues("walk_Camera", 60);
-        EXPECT_NE(lens.front(), lens[2 * 59]) << "the field of view is not animated";
+        EXPECT_NE(lens.front(), lens[std::size_t{2} * 59]) << "the field of view is not animated";
         ASSERT_EQ(stage.Host().SaveScene(stage.File("take.scene")).error, "");
         ASSERT_EQ(stage.Host().OpenScene(stage.File("take.scene")).error, "");
         EXPECT_EQ(LensValues("walk_Camera", 60), lens);
