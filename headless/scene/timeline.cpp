@@ -65,11 +65,7 @@ TimeValue CurrentTime() {
 }
 
 void MoveTime(TimeValue t) {
-    if (t == timeline.now) return;
-    Undoably([other = t]() mutable {
-        std::swap(timeline.now, other);
-        TellTime();
-    });
+    if (std::exchange(timeline.now, t) != t) TellTime();
 }
 
 Interval AnimationRange() {

@@ -3,8 +3,9 @@
 #include "host/interval.h"
 #include "host/time.h"
 
-// The scene's time: what a tick is, the current time, the animation range. Changes of the current
-// time and of the range are undoable.
+// The scene's time: what a tick is, the current time, the animation range. Changes of the range are
+// undoable. The current time is where somebody looks and no part of the scene: no undo moves it but
+// that of a guest's own record.
 namespace headless {
 
 // Time 0 and a range of a hundred frames.
