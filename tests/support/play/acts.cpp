@@ -1,0 +1,294 @@
+#include <memory>
+#include <stdexcept>
+
+#include "adaptor/attach_panel.h"
+#include "controllers/conversion.h"
+#include "core_link/core_link.h"
+#include "host/hold.h"
+#include "support/play/play.h"
+
+namespace play {
+namespace {
+
+constexpr std::size_t kLargestScene = 24;  // nodes; acts that add some do nothing beyond it
+
+// The Core's own undo: it moves one number of the Core's.
+class Chunk final : public TVL::CUndo {
+  public:
+    Chunk(Play& play, int before) : play_(play), other_(before) { ++play_.chunksAlive; }
+    ~Chunk() override { --play_.chunksAlive; }
+    void Undo(bool) override { Swap("undone"); }
+    void Redo() override { Swap("redone"); }
+    void Release() override {
+        Play& play = play_;
+        delete this;
+        play.Meet("released");
+    }
+
+  private:
+    void Swap(const char* moment) {
+        std::swap(play_.value, other_);
+        play_.Meet(moment);
+    }
+
+    Play& play_;
+    int other_;
+};
+
+bool HasRoom() {
+    return SceneNodes().size() < kLargestScene;
+}
+
+// What happens in a hold outside every group, the adaptor records for the host alone.
+void NoteWhatIsUnrecorded(Play& play) {
+    if (!play.Adaptor().IsHoldingUndo()) play.leftNoRecord = true;
+}
+
+// Seconds of whole and of half frames around 0.
+double AnyTime(Play& play) {
+    return (play.choices.Below(24) - 4) / 60.0;
+}
+
+// A place in whole decimetres, scaled and mirrored at times.
+TVL::CMatrix4 AnyPose(Play& play) {
+    constexpr double kScales[] = {1, 1, 1, -1, 2, 0.5};
+    constexpr double kUnit = 1 / 39.37;  // the length of a row of an unscaled node
+    TVL::CMatrix4 pose{{{kUnit * play.choices.OneOf(kScales), 0, 0, 0},
+                        {0, 0, -kUnit, 0},
+                        {0, kUnit, 0, 0},
+                        {0, 0, 0, 1}}};
+    for (int column = 0; column < 3; ++column)
+        pose[3][column] = play.choices.Below(20) / 10.0;
+    return pose;
+}
+
+// Groups, recordings, keyboard -------------------------------------------------------------------
+
+void BeginGroup(Play& play) {
+    play.Adaptor().BeginUndoGroup("group");
+}
+
+void AddChunk(Play& play) {
+    const int before = play.value++;
+    if (play.Adaptor().AddUndoChunk(new Chunk(play, before)) != 0) play.leftNoRecord = true;
+}
+
+void BeginRecording(Play& play) {
+    ++play.recordings;
+    play.Adaptor().BeginRecording({&play.choices.OneOf(play.rigs)});
+}
+
+void BeginUnkeyed(Play& play) {
+    ++play.recordings;
+    play.Adaptor().BeginRecordingUnkeyed({});
+}
+
+void EndRecording(Play& play) {
+    if (play.recordings > 0) --play.recordings;
+    play.Adaptor().EndRecording();
+}
+
+void RequestFocus(Play& play) {
+    ++play.focuses;
+    play.Adaptor().RequestFocus();
+}
+
+void RestoreFocus(Play& play) {
+    if (play.focuses == 0) return;
+    --play.focuses;
+    play.Adaptor().RestoreFocus();
+}
+
+// Nodes ------------------------------------------------------------------------------------------
+
+TVL::CMesh Triangle() {
+    TVL::CMesh mesh;
+    mesh.vertices = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
+    mesh.faces = {{0, 1, 2}};
+    return mesh;
+}
+
+template <class Make>
+void Create(Play& play, Make make) {
+    if (!HasRoom()) return;
+    NoteWhatIsUnrecorded(play);
+    Rig& rig = play.choices.OneOf(play.rigs);
+    TVL::CoreNode* const parent = play.choices.Chance() ? play.AnyNode() : nullptr;
+    const bool isTold = play.Adaptor().IsHoldingUndo();
+    TVL::CNode* const node = make(rig, play.NewName(), parent);
+    if (!isTold) rig.Forget(node);
+}
+
+void CreateHelper(Play& play) {
+    Create(play, [&play](Rig& rig, const std::string& name, TVL::CNode* parent) {
+        return play.Adaptor().CreateHelperNode(&rig, name, parent, Triangle(), &rig);
+    });
+}
+
+void CreateLens(Play& play) {
+    Create(play, [&play](Rig& rig, const std::string& name, TVL::CNode* parent) {
+        return play.Adaptor().CreateLensNode(&rig, name, parent, &rig);
+    });
+}
+
+void Claim(Play& play) {
+    TVL::CoreNode* const node = play.AnyNode();
+    if (!node) return;
+    auto* const found =
+        static_cast<TVL::CoreNode*>(play.choices.Chance() ? node->GetParent() : node->GetChild(0));
+    if (!found) return;
+    play.leftNoRecord = true;
+    Rig& rig = play.choices.OneOf(play.rigs);
+    if (TVL::CoreNode* const own = found->Claim(&rig, "loose" + play.NewName())) {
+        own->SetListener(&rig);
+        rig.Forget(own);
+    }
+    found->Destroy();
+}
+
+void Delete(Play& play, bool withHostNode) {
+    TVL::CoreNode* const node = play.AnyNode();
+    if (!node) return;
+    NoteWhatIsUnrecorded(play);
+    if (!play.Adaptor().IsHoldingUndo())
+        for (Rig& rig : play.rigs)
+            rig.Forget(node);
+    node->Delete(withHostNode);
+}
+
+void ChangeParent(Play& play) {
+    TVL::CoreNode* const node = play.AnyNode();
+    if (node) node->SetParent(play.choices.Below(4) == 3 ? nullptr : play.AnyNode());
+}
+
+void Rename(Play& play) {
+    if (TVL::CoreNode* const node = play.AnyNode()) node->SetName(play.NewName());
+}
+
+void Clone(Play& play) {
+    TVL::CoreNode* const node = HasRoom() ? play.AnyNode() : nullptr;
+    if (!node) return;
+    if (TVL::CoreNode* const copy = node->Clone(false)) copy->Destroy();
+}
+
+void Select(Play& play) {
+    if (TVL::CoreNode* const node = play.AnyNode()) node->Select();
+}
+
+// Keys -------------------------------------------------------------------------------------------
+
+void Acquire(Play& play) {
+    TVL::CoreNode* const node = play.lent.size() < 8 ? play.AnyNode() : nullptr;
+    if (!node) return;
+    const double seconds = AnyTime(play);
+    if (TVL::CSnapshot* const snapshot = node->AcquireSnapshot(seconds))
+        play.lent.push_back({node, snapshot, seconds});
+}
+
+void Write(Play& play) {
+    TVL::CoreNode* const node = play.AnyNode();
+    TVL::CSnapshot* const snapshot = node ? node->AcquireSnapshot(AnyTime(play)) : nullptr;
+    if (!snapshot) return;
+    const TVL::CMatrix4 pose = AnyPose(play);
+    if (play.choices.Chance())
+        snapshot->SetWorldTransform(pose);
+    else
+        snapshot->SetLocalTransform(pose);
+    node->ReleaseSnapshot(snapshot);
+}
+
+void WriteLens(Play& play) {
+    TVL::CoreNode* const node = play.AnyNode();
+    TVL::CSnapshot_Lens* const lens = node ? node->AcquireLensSnapshot(AnyTime(play)) : nullptr;
+    if (!lens) return;
+    lens->SetFieldOfView(20 + play.choices.Below(60));
+    node->ReleaseLensSnapshot(lens);
+}
+
+void DeleteAnimation(Play& play) {
+    if (TVL::CoreNode* const node = play.AnyNode()) node->DeleteAnimationFrom(AnyTime(play));
+}
+
+void ConvertAll(Play&) {
+    ConvertAllControllers();
+}
+
+void RunOrStop(Play& play) {
+    play.world.Core().isRunning = !play.world.Core().isRunning;
+}
+
+// The scene --------------------------------------------------------------------------------------
+
+void Merge(Play& play) {
+    if (SceneNodes().size() > kLargestScene / 2) return;
+    play.leftNoRecord = true;
+    for (TVL::CNode* node : play.Adaptor().MergeModels(play.AnyFile()))
+        if (node) static_cast<TVL::CoreNode*>(node)->Destroy();
+}
+
+void Save(Play& play) {
+    play.leftNoRecord = true;
+    play.Session().SaveScene(play.AnyFile());
+}
+
+void Open(Play& play) {
+    play.leftNoRecord = true;
+    play.Session().OpenScene(play.AnyFile());
+}
+
+void NewScene(Play& play) {
+    play.leftNoRecord = true;
+    play.Session().NewScene();
+}
+
+void PressAttach(Play& play, bool toAttach) {
+    if ((AttachedCore() != nullptr) == toAttach) return;
+    play.leftNoRecord = true;
+    AttachPanel().Press();
+}
+
+constexpr Act kActs[] = {
+    {"begin group", BeginGroup},
+    {"end group", [](Play& play) { play.Adaptor().EndUndoGroup(); }},
+    {"cancel group", [](Play& play) { play.Adaptor().CancelUndoGroup(); }},
+    {"add chunk", AddChunk},
+    {"begin recording", BeginRecording},
+    {"begin recording unkeyed", BeginUnkeyed},
+    {"end recording", EndRecording},
+    {"request focus", RequestFocus},
+    {"restore focus", RestoreFocus},
+    {"create helper", CreateHelper},
+    {"create lens", CreateLens},
+    {"claim", Claim},
+    {"delete", [](Play& play) { Delete(play, true); }},
+    {"delete, scene node stays", [](Play& play) { Delete(play, false); }},
+    {"change parent", ChangeParent},
+    {"rename", Rename},
+    {"clone", Clone},
+    {"select", Select},
+    {"acquire", Acquire},
+    {"write", Write},
+    {"write lens", WriteLens},
+    {"release", [](Play& play) { play.ReleaseLast(); }},
+    {"delete animation", DeleteAnimation},
+    {"convert all", ConvertAll},
+    {"run or stop", RunOrStop},
+    {"set time", [](Play& play) { play.Adaptor().SetCurrentTime(AnyTime(play)); }},
+    {"undo", [](Play& play) { play.Adaptor().PerformUndo(); }},
+    {"flush", [](Play& play) { play.Adaptor().FlushUndoBuffer(); }},
+    {"merge", Merge},
+    {"throw", [](Play&) { throw std::runtime_error("thrown by the Core"); }},
+    {"save", Save, By::kUser},
+    {"open", Open, By::kUser},
+    {"new scene", NewScene, By::kUser},
+    {"detach", [](Play& play) { PressAttach(play, false); }, By::kUser},
+    {"attach", [](Play& play) { PressAttach(play, true); }, By::kUser},
+};
+
+}  // namespace
+
+std::span<const Act> Acts() {
+    return kActs;
+}
+
+}  // namespace play

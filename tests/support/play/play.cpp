@@ -1,0 +1,217 @@
+#include "support/play/play.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "controllers/scalar_control.h"
+#include "controllers/transform_control.h"
+#include "host/animate.h"
+#include "host/hold.h"
+#include "host/interface.h"
+#include "nodes/max_node.h"
+#include "nodes/node_list.h"
+
+namespace play {
+namespace {
+
+constexpr const char* kSetState = "set state ";
+
+void Collect(INode& parent, std::vector<INode*>& nodes) {
+    for (int index = 0; index < parent.NumberOfChildren(); ++index) {
+        nodes.push_back(parent.GetChildNode(index));
+        Collect(*parent.GetChildNode(index), nodes);
+    }
+}
+
+bool IsLoose(const CMAXNode& node) {
+    return node.NodeName().starts_with("loose");
+}
+
+}  // namespace
+
+std::vector<INode*> SceneNodes() {
+    std::vector<INode*> nodes;
+    Collect(*GetCOREInterface()->GetRootNode(), nodes);
+    return nodes;
+}
+
+Play::Play() : rigs{{{"Left", world}, {"Right", world}}} {
+    for (Rig& rig : rigs)
+        rig.onMoment = [this](const char* moment) { Meet(moment); };
+    puppet::TheStage().onAttach = [this] {
+        isGone_ = false;
+        Meet("attach");
+    };
+    world.Core().onCall = [this](const std::string& call) { Answer(call); };
+    world.Core().onOptionAsked = [this](int) { Meet("option"); };
+    world.Core().onLeave = [this] { Leave(); };
+}
+
+Play::~Play() {
+    onMoment = nullptr;
+    Settle();
+    world.ShutDown();
+    EXPECT_EQ(chunksAlive, 0);
+    for (const std::string& fault : noted_)
+        ADD_FAILURE() << fault;
+}
+
+void Play::Do(const Act& act) {
+    if (act.by == By::kUser || !isGone_) act.run(*this);
+}
+
+void Play::Meet(const std::string& moment) {
+    if (isGone_) noted_.push_back("the Core is told \"" + moment + "\" after it has left");
+    if (onMoment) onMoment(moment);
+}
+
+// The puppet's words are its calls, some with what was given behind them.
+void Play::Answer(const std::string& call) {
+    world.Core().TakeCalls();
+    if (call == "get state")
+        world.Core().state = XMLNode("<play><value>" + std::to_string(value) + "</value></play>");
+    if (call.starts_with(kSetState)) Load(XMLNode(call.substr(std::string(kSetState).size())));
+    if (call == "reset") {
+        for (Rig& rig : rigs)
+            rig.Drop();
+        sceneGoes_ = true;
+    }
+    for (const char* moment :
+         {"get state", "set state", "reset", "show", "time", "stop", "bind", "option node"}) {
+        if (call.starts_with(moment)) Meet(moment);
+    }
+    sceneGoes_ = false;
+}
+
+void Play::Load(const XMLNode& state) {
+    for (Rig& rig : rigs)
+        for (const auto& plugin : state.children)
+            if (plugin->Child("name").Text() == rig.Name())
+                rig.Load(*plugin, [this] { return NewName(); });
+}
+
+void Play::Leave() {
+    Meet("detach");
+    for (Rig& rig : rigs)
+        rig.heard.clear();
+    lent.clear();
+    recordings = focuses = value = 0;
+    isGone_ = true;
+}
+
+void Play::Settle() {
+    while (Adaptor().IsHoldingUndo())
+        Adaptor().EndUndoGroup();
+    for (; recordings > 0; --recordings)
+        Adaptor().EndRecording();
+    for (; focuses > 0; --focuses)
+        Adaptor().RestoreFocus();
+    while (!lent.empty())
+        ReleaseLast();
+}
+
+// A snapshot whose node has died is past giving back.
+void Play::ReleaseLast() {
+    if (lent.empty()) return;
+    const Lent out = lent.back();
+    lent.pop_back();
+    if (IsAlive(out.node)) out.node->ReleaseSnapshot(out.snapshot);
+}
+
+std::string Play::NewName() {
+    const bool isUnrecorded = theHold.Holding() && !Adaptor().IsHoldingUndo();
+    const bool isLoose = isUnrecorded || theHold.RestoreOrRedoing() || sceneGoes_;
+    return (isLoose ? "loose" : "n") + std::to_string(names_++);
+}
+
+TVL::CoreNode* Play::AnyNode() {
+    std::vector<TVL::CoreNode*> nodes;
+    for (Rig& rig : rigs)
+        for (TVL::CoreNode* node : rig.Nodes())
+            nodes.push_back(node);
+    return nodes.empty() ? nullptr : choices.OneOf(nodes);
+}
+
+std::string Play::AnyFile() {
+    return (world.Folder() / (choices.Chance() ? "b.scene" : "a.scene")).string();
+}
+
+bool Play::IsAlive(const TVL::CoreNode* node) const {
+    const CMAXNode* alive = CMAXNode::NewestAlive();
+    while (alive && alive != node)
+        alive = alive->OlderAlive();
+    return alive != nullptr;
+}
+
+// Invariants -------------------------------------------------------------------------------------
+
+void Play::FindUnsortedKeys(Faults& faults) const {
+    const auto look = [&faults](Control& control) {
+        Tab<TimeValue> times;
+        control.GetKeyTimes(times, FOREVER, 0);
+        for (int index = 1; index < times.Count(); ++index)
+            if (times[index - 1] >= times[index]) faults.push_back("times of keys do not rise");
+    };
+    TransformControl::liveInstances.ForEachFromLast(look);
+    ScalarControl::liveInstances.ForEachFromLast(look);
+}
+
+void Play::FindWrongNodes(Faults& faults) {
+    std::vector<const CMAXNode*> listed;
+    std::vector<const INode*> hosts;
+    for (const CMAXNode* node : AdaptorNodes().nodes) {
+        const INode* const host = node->HostNode();
+        if (std::ranges::count(listed, node) > 0) faults.push_back("a node is listed twice");
+        listed.push_back(node);
+        if (IsLoose(*node)) continue;
+        if (!host) faults.push_back(node->NodeName() + " is listed and not in the scene");
+        if (host && std::ranges::count(hosts, host) > 0)
+            faults.push_back(node->NodeName() + " is listed beside another on its scene node");
+        hosts.push_back(host);
+    }
+}
+
+void Play::FindFalseWords(Faults& faults) {
+    for (Rig& rig : rigs) {
+        const std::vector<TVL::CoreNode*> nodes = rig.Nodes();
+        for (const auto& [node, restored] : rig.heard)
+            if ((std::ranges::count(nodes, node) > 0) != restored)
+                faults.push_back(restored ? "the listener knows a node that is not listed"
+                                          : "the listener was not told of a node that is listed");
+    }
+}
+
+// What is out keeps its time, so no pool has lent it twice.
+void Play::FindWrongSnapshots(Faults& faults) {
+    std::erase_if(lent, [this](const Lent& out) { return !IsAlive(out.node); });
+    for (const Lent& out : lent)
+        if (out.snapshot->GetTime() != out.seconds) faults.push_back("a snapshot was lent twice");
+}
+
+Faults Play::Broken() {
+    Faults faults = std::exchange(noted_, {});
+    FindUnsortedKeys(faults);
+    FindWrongNodes(faults);
+    FindFalseWords(faults);
+    FindWrongSnapshots(faults);
+    if (isGone_ && chunksAlive > 0) faults.push_back("undo chunks of a Core that has left");
+    return faults;
+}
+
+Faults Play::BrokenAtRest() {
+    Faults faults = Broken();
+    const std::pair<bool, const char*> wrong[] = {
+        {Adaptor().IsHoldingUndo(), "an undo group is open"},
+        {theHold.Holding(), "a hold is open"},
+        {Animating(), "animate mode is on"},
+        {!Session().AnimateButtonEnabled(), "the animate button is off"},
+        {!Session().AcceleratorsEnabled(), "the accelerators are off"},
+    };
+    for (const auto& [is, what] : wrong)
+        if (is) faults.push_back(what);
+    return faults;
+}
+
+}  // namespace play
