@@ -85,6 +85,10 @@ class ObjectStandIn final : public StandIn<Base> {
         return this->template CopyAs<ObjectStandIn<Base>>(remap);
     }
     SClass_ID SuperClassID() override { return StandIn<Base>::SuperClassID(); }
+
+    // Whoever goes by the ids of a triangle mesh asks for this first, and finds no mesh.
+    int CanConvertToType(Class_ID) override { return 0; }
+    Object* ConvertToType(TimeValue, Class_ID) override { return nullptr; }
     HostString GetObjectName() override {
         HostString name;
         this->GetClassName(name);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "controllers/base_control.h"
-#include "controllers/live_instances.h"
+#include "foundation/live_instances.h"
 
 // A float over time, linear between keys, constant beyond them. A value that is set without a key
 // lasts until an evaluation at another time than the cached key's.

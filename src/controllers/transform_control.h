@@ -1,7 +1,7 @@
 #pragma once
 
 #include "controllers/base_control.h"
-#include "controllers/live_instances.h"
+#include "foundation/live_instances.h"
 #include "platform/win32.h"
 
 class IObjParam;

@@ -6,6 +6,7 @@
 #include "measures/saturation.h"
 #include "objects/custom_helper_object.h"
 #include "objects/mesh_exchange.h"
+#include "objects/object_kinds.h"
 
 namespace {
 
@@ -41,8 +42,7 @@ void CMAXNode::CMAXSnapshot_Helper::LoseNode() {
 }
 
 void CMAXNode::CMAXSnapshot_Helper::SetMesh(TVL::CMesh mesh) {
-    // A stand-in for an object that could not be read says its class, and has no mesh.
-    if (auto* object = dynamic_cast<TriObject*>(LiveObject())) WriteMesh(mesh, object->GetMesh());
+    if (TriObject* object = AsTriangleMesh(LiveObject())) WriteMesh(mesh, object->GetMesh());
 }
 
 void CMAXNode::CMAXSnapshot_Helper::SetColor(float red, float green, float blue) {
@@ -68,8 +68,7 @@ INode* CMAXNode::CMAXSnapshot_Helper::LiveNode() const {
 }
 
 CustomHelperObject* CMAXNode::CMAXSnapshot_Helper::LiveHelper() const {
-    // Not by its class id, which a stand-in says too.
-    return dynamic_cast<CustomHelperObject*>(LiveObject());
+    return CustomHelperObject::liveInstances.Find(LiveObject());
 }
 
 TVL::CSnapshot_Helper* CMAXNode::AcquireHelperSnapshot() {

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "measures/host_clock.h"
+#include "objects/object_kinds.h"
 
 namespace {
 
@@ -12,11 +13,6 @@ constexpr double kDegreesPerRadian = 57.29577951308232;
 // The host's numbers of what a field of view is measured across.
 constexpr int kAcrossWidth = 0;
 constexpr int kAcrossDiagonal = 2;
-
-CameraObject* AsCamera(Object* object) {
-    const bool isCamera = object && object->SuperClassID() == CAMERA_CLASS_ID;
-    return isCamera ? dynamic_cast<CameraObject*>(object) : nullptr;
-}
 
 }  // namespace
 

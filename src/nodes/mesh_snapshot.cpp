@@ -7,13 +7,14 @@
 #include "measures/host_clock.h"
 #include "nodes/node_watch.h"
 #include "objects/mesh_exchange.h"
+#include "objects/object_kinds.h"
 #include "resources/resource_ids.h"
 
 namespace {
 
-// What the host gives as a triangle mesh can be a stand-in of that class without one.
+// A conversion can give what is no triangle mesh.
 ConvertedMesh TakeConverted(Object* object) {
-    ConvertedMesh mesh(dynamic_cast<TriObject*>(object));
+    ConvertedMesh mesh(AsTriangleMesh(object));
     if (object && !mesh) object->DeleteThis();
     return mesh;
 }
@@ -70,7 +71,7 @@ TriObject* CMAXNode::CMAXSnapshot_Mesh::LiveMesh() const {
     if (!host) return nullptr;
     if (const auto* evaluated = std::get_if<EvaluatedMesh>(&meshObject)) {
         if (!evaluated->shown.Get()) return nullptr;
-        return dynamic_cast<TriObject*>(host->EvalWorldState(evaluated->ticks, true).obj);
+        return AsTriangleMesh(host->EvalWorldState(evaluated->ticks, true).obj);
     }
     if (const auto* cached = std::get_if<CachedMesh>(&meshObject)) return cached->lock().get();
     const auto* converted = std::get_if<ConvertedMesh>(&meshObject);

@@ -20,17 +20,15 @@ bool IsBeingDeletedByHost(INode* hostNode) {
     return false;
 }
 
-// By what a controller is, not by its class id, which a stand-in for one that could not be read
-// says too.
 void ConvertTransformController(INode* hostNode) {
-    if (auto* const own = dynamic_cast<TransformControl*>(hostNode->GetTMController()))
+    if (auto* const own = TransformControl::liveInstances.Find(hostNode->GetTMController()))
         ConvertToPRSController(own);
 }
 
 void RevertControllers(INode* hostNode) {
     ConvertTransformController(hostNode);
     ForEachParameter(hostNode->GetObjectRef(), [](Animatable& parameters, int index) {
-        if (auto* const own = dynamic_cast<ScalarControl*>(parameters.SubAnim(index)))
+        if (auto* const own = ScalarControl::liveInstances.Find(parameters.SubAnim(index)))
             ConvertToScalarController(own);
     });
 }

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "measures/host_clock.h"
+#include "objects/object_kinds.h"
 
 namespace {
 
@@ -11,11 +12,6 @@ namespace {
 constexpr double kTangentStretch = 0.00001;
 constexpr double kHalfStretch = 0.000005;
 constexpr double kLastStretchStart = 0.99999;
-
-ShapeObject* AsShape(Object* object) {
-    const bool isShape = object && object->SuperClassID() == SHAPE_CLASS_ID;
-    return isShape ? dynamic_cast<ShapeObject*>(object) : nullptr;
-}
 
 // Centred on the parameter, pushed inward at both ends.
 double StretchStart(double parameter) {

@@ -3,6 +3,16 @@
 #include "host/node.h"
 #include "objects/mesh_exchange.h"
 
+constinit LiveInstances<CustomHelperObject> CustomHelperObject::liveInstances;
+
+CustomHelperObject::CustomHelperObject() {
+    liveInstances.Append(*this);
+}
+
+CustomHelperObject::~CustomHelperObject() {
+    liveInstances.Remove(*this);
+}
+
 void CustomHelperObject::FreeCaches() {
     displayMesh.FreeAll();
     meshDirty = 1;

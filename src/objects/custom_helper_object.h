@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 
+#include "foundation/live_instances.h"
 #include "host/mesh.h"
 #include "host/object.h"
 #include "tvl/mesh.h"
@@ -15,8 +16,11 @@ inline constexpr const char* kCustomHelperObjectName = "Tarvo_Helper";
 // The order of the fields is part of the contract.
 class CustomHelperObject final : public HelperObject {
   public:
-    CustomHelperObject() = default;
-    ~CustomHelperObject() override = default;
+    // Every CustomHelperObject alive.
+    static LiveInstances<CustomHelperObject> liveInstances;
+
+    CustomHelperObject();
+    ~CustomHelperObject() override;
 
     SClass_ID SuperClassID() override { return HELPER_CLASS_ID; }
     Class_ID ClassID() override { return kCustomHelperObjectClassId; }
@@ -47,4 +51,8 @@ class CustomHelperObject final : public HelperObject {
     std::uint8_t wireframe = 1;
     std::uint8_t backfaceCull = 0;
     std::array<std::uint8_t, 2> reserved{};  // stored and loaded, nothing else
+
+  private:
+    friend class LiveInstances<CustomHelperObject>;
+    LiveLink<CustomHelperObject> liveLink;
 };

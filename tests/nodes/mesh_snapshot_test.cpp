@@ -18,6 +18,7 @@ class ClaimsToBeMesh final : public Object {
   public:
     SClass_ID SuperClassID() override { return GEOMOBJECT_CLASS_ID; }
     Class_ID ClassID() override { return kTriObjectClassId; }
+    int CanConvertToType(Class_ID) override { return 0; }
     void GetClassName(HostString& name) override { name = "Claims to be a mesh"; }
     void DeleteThis() override { delete this; }
 };

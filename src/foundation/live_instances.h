@@ -1,8 +1,12 @@
 #pragma once
 
+#include <unordered_set>
+#include <utility>
+
 // The objects of one class that are alive, in the order in which they were made. Each object holds
-// its own place (`liveLink`), so entering and leaving cost nothing whatever the number; the list
-// itself is two pointers without a destructor, and outlives every object.
+// its own place (`liveLink`), and is found by its address without being touched, so that entering,
+// leaving and finding cost the same whatever the number. The list has no destructor and outlives
+// every object; what it keeps on the heap goes with the last of them.
 template <class C>
 struct LiveLink {
     C* previous = nullptr;
@@ -13,6 +17,8 @@ template <class C>
 class LiveInstances {
   public:
     void Append(C& object) {
+        if (!places_) places_ = new Places;
+        places_->insert(&object);
         object.liveLink.previous = last_;
         (last_ ? last_->liveLink.next : first_) = &object;
         last_ = &object;
@@ -25,6 +31,17 @@ class LiveInstances {
         for (Walk* walk = walks_; walk; walk = walk->outer) {
             if (walk->upcoming == &object) walk->upcoming = link.previous;
         }
+        places_->erase(&object);
+        if (places_->empty()) delete std::exchange(places_, nullptr);
+    }
+
+    // The object as what it is, if it is one of these; null otherwise. What it says of itself does
+    // not count, since what stands in for one that could not be read says the same, and neither
+    // does the language's type information, which objects of the host's need not have.
+    template <class Base>
+    C* Find(Base* object) const {
+        const bool isOne = places_ && places_->contains(object);
+        return isOne ? static_cast<C*>(object) : nullptr;
     }
 
     // Visits from the newest to the oldest. Objects may be made and destroyed meanwhile: what is
@@ -46,7 +63,10 @@ class LiveInstances {
         Walk* outer;
     };
 
+    using Places = std::unordered_set<const void*>;  // bases lie where their object does
+
     C* first_ = nullptr;
     C* last_ = nullptr;
     Walk* walks_ = nullptr;
+    Places* places_ = nullptr;
 };
