@@ -15,6 +15,9 @@ inline constexpr char kFollowCameraVariable[] = "LUMISET_FOLLOW_CAMERA";  // 0 o
 inline constexpr char kGroundVariable[] = "LUMISET_GROUND";               // a handle
 inline constexpr char kGuideVariable[] = "LUMISET_GUIDE";                 // a handle
 inline constexpr char kProgressVariable[] = "LUMISET_PROGRESS";
+inline constexpr char kTakeVariable[] = "LUMISET_TAKE";                 // a name
+inline constexpr char kReplaceVariable[] = "LUMISET_REPLACE";           // 0 or 1
+inline constexpr char kPartialVariable[] = "LUMISET_PARTIAL";           // 0 or 1
 inline constexpr char kMergeVariable[] = "LUMISET_MERGE";               // paths, a line each
 inline constexpr char kSampleVariable[] = "LUMISET_SAMPLE";             // START:END:STEP, seconds
 inline constexpr char kSampleNodesVariable[] = "LUMISET_SAMPLE_NODES";  // names, a line each
@@ -28,7 +31,8 @@ inline constexpr std::array kRequestVariables = {
     kCaptureVariable,     kCaptureScaleVariable, kOptimisedVariable,   kProgressVariable,
     kMergeVariable,       kSampleVariable,       kSampleNodesVariable, kInspectVariable,
     kInspectTimeVariable, kPressVariable,        kCsvVariable,         kFollowCameraVariable,
-    kGroundVariable,      kGuideVariable};
+    kGroundVariable,      kGuideVariable,        kTakeVariable,        kReplaceVariable,
+    kPartialVariable};
 
 // What a person typed to have the variable set.
 struct OptionOfVariable {
@@ -37,7 +41,10 @@ struct OptionOfVariable {
 };
 inline constexpr std::array kOptions = {OptionOfVariable{kCaptureScaleVariable, "--scale"},
                                         OptionOfVariable{kSampleVariable, "--times"},
-                                        OptionOfVariable{kInspectTimeVariable, "--time"}};
+                                        OptionOfVariable{kInspectTimeVariable, "--time"},
+                                        OptionOfVariable{kTakeVariable, "--take"},
+                                        OptionOfVariable{kReplaceVariable, "--replace"},
+                                        OptionOfVariable{kPartialVariable, "--partial"}};
 
 inline constexpr char kReportVariable[] = "LUMISET_REPORT";  // the file for the answer
 

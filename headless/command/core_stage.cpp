@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
+#include <string_view>
 
 #include "command/core_environment.h"
 #include "command/exit_status.h"
@@ -24,14 +25,17 @@ std::string NotAttached(const std::string& why) {
     return "the Core could not be attached (" + why + ")";
 }
 
-// The Core names the variable that it could not make sense of, which a person knows as an option.
-[[noreturn]] void Refuse(const std::string& error) {
+// The Core names variables, which a person knows as options. A line that begins with one says that
+// the Core could make no sense of it.
+[[noreturn]] void Refuse(std::string error) {
+    int status = kFailed;
     for (const auto& [variable, option] : kOptions) {
-        const std::string named = std::string(variable) + ": ";
-        if (error.starts_with(named))
-            throw Failure(option + (": " + error.substr(named.size())), kWrongUsage);
+        const std::size_t place = error.find(variable);
+        if (place == std::string::npos) continue;
+        error.replace(place, std::string_view(variable).size(), option);
+        if (error.starts_with(option + std::string(": "))) status = kWrongUsage;
     }
-    throw Failure(error);
+    throw Failure(error, status);
 }
 
 }  // namespace

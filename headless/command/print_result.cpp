@@ -40,6 +40,12 @@ void PrintLens(std::ostream& out, const RecordedCapture::Lens& lens) {
         << std::setprecision(4) << lens.maxTargetDistanceErrorMetres * 1000 << " mm\n";
 }
 
+void PrintKept(std::ostream& out, const RecordedCapture& capture) {
+    out << "Kept of the take before: its motion from " << std::setprecision(4)
+        << capture.kept->fromSeconds << " s to " << capture.kept->untilSeconds
+        << " s, behind the last frame (--replace leaves nothing of it)\n";
+}
+
 nlohmann::ordered_json Object(const RecordedCapture& capture) {
     nlohmann::ordered_json object = {{"capture", capture.capture},
                                      {"joints", capture.joints},
@@ -53,6 +59,10 @@ nlohmann::ordered_json Object(const RecordedCapture& capture) {
     if (capture.lens) {
         object["maxFieldOfViewErrorDegrees"] = capture.lens->maxFieldOfViewErrorDegrees;
         object["maxTargetDistanceErrorMetres"] = capture.lens->maxTargetDistanceErrorMetres;
+    }
+    if (capture.kept) {
+        object["keptFromSeconds"] = capture.kept->fromSeconds;
+        object["keptUntilSeconds"] = capture.kept->untilSeconds;
     }
     return object;
 }
@@ -68,6 +78,7 @@ void PrintForPerson(std::ostream& out, const RecordResult& result) {
     out << " in " << std::setprecision(2) << result.recordSeconds << " s\n";
     for (const std::string& complaint : result.complaints)
         out << "Complaint: " << complaint << '\n';
+    if (result.saved.empty()) out << "Not saved: --scene FILE saves the scene\n";
     out << "In the scene: " << Counted(result.nodes, "node") << " with "
         << Counted(result.keys, "key") << ", " << std::setprecision(1) << result.bytesPerKey
         << " bytes each\n";
@@ -76,6 +87,7 @@ void PrintForPerson(std::ostream& out, const RecordResult& result) {
     for (const RecordedCapture& capture : result.captures) {
         if (capture.lift) PrintLift(out, *capture.lift);
         if (capture.lens) PrintLens(out, *capture.lens);
+        if (capture.kept) PrintKept(out, capture);
     }
     out << "Undo (" << Counted(result.undoSteps, "step") << "): scene "
         << SameOrNot(result.undoIdentical) << " to before; redo: scene "
@@ -96,6 +108,7 @@ void PrintForProgram(std::ostream& out, const RecordResult& result) {
     object["hostObjectsAlive"] = result.hostObjectsAlive;
     object["recordSeconds"] = result.recordSeconds;
     object["complaints"] = result.complaints;
+    object["saved"] = result.saved;
     for (const RecordedCapture& capture : result.captures)
         object["captures"].push_back(Object(capture));
     PrintJson(out, object);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <iterator>
 
 #include "command/core_environment.h"
 #include "command/core_stage.h"
@@ -11,6 +12,7 @@
 #include "command/scratch_file.h"
 #include "headless/scene_view.h"
 #include "platform/environment.h"
+#include "platform/same_file.h"
 
 namespace headless {
 namespace {
@@ -20,6 +22,9 @@ CoreRequest RequestFor(const RecordOptions& options) {
                         {kCaptureScaleVariable, Plain(options.metresPerUnit)},
                         {kOptimisedVariable, options.optimisedController ? "1" : "0"},
                         {kFollowCameraVariable, options.followsWithCamera ? "1" : "0"},
+                        {kTakeVariable, Lines({options.take})},
+                        {kReplaceVariable, options.replaces ? "1" : ""},
+                        {kPartialVariable, options.takesCutCaptures ? "1" : ""},
                         {kProgressVariable, options.progress ? "1" : ""}};
     if (options.holdsToGround) request[kGroundVariable] = std::to_string(FindOrDrawGround());
     if (const auto shape = FirstShape()) request[kGuideVariable] = std::to_string(*shape);
@@ -49,13 +54,16 @@ RecordedCapture TakeCapture(const CoreReport& report, const std::string& entry,
         .frameSeconds = report.Number(entry + "frameSeconds"),
         .maxPositionErrorMetres = report.Number(entry + "maxPositionErrorMetres"),
         .lift = {},
-        .lens = {}};
+        .lens = {},
+        .kept = {}};
     if (options.holdsToGround)
         capture.lift = {report.Count(entry + "liftedFrames"),
                         report.Number(entry + "maxLiftMetres")};
     if (options.followsWithCamera)
         capture.lens = {report.Number(entry + "maxFieldOfViewErrorDegrees"),
                         report.Number(entry + "maxTargetDistanceErrorMetres")};
+    if (const std::string until = "keptUntilSeconds"; !report.Text(entry + until).empty())
+        capture.kept = {report.Number(entry + "keptFromSeconds"), report.Number(entry + until)};
     return capture;
 }
 
@@ -65,6 +73,22 @@ void TakeReport(const CoreReport& report, const RecordOptions& options, RecordRe
             TakeCapture(report, "capture." + std::to_string(i) + '.', options));
     if (result.captures.empty()) throw Failure("the Core reported no capture");
     result.recordSeconds = report.Number("recordSeconds");
+    result.complaints = report.Texts("warnings", "warning");
+    const std::vector<std::string> faults = report.Texts("faults", "fault");
+    result.isFaulty = !faults.empty();
+    std::ranges::copy(faults, std::back_inserter(result.complaints));
+}
+
+// A scene with takes in it is not replaced by one in which they are damaged.
+void Save(CoreStage& stage, const RecordOptions& options, RecordResult& result) {
+    if (options.scene.empty()) return;
+    if (result.isFaulty && !options.into.empty() &&
+        platform::AreSameFile(options.scene, options.into)) {
+        result.complaints.push_back(options.scene + ": kept as it was before");
+        return;
+    }
+    stage.Save(options.scene);
+    result.saved = options.scene;
 }
 
 // The times of the frames of the longest capture.
@@ -85,6 +109,23 @@ CoreReport AskForFile(CoreStage& stage, CoreRequest request, const std::string& 
     } catch (const Failure& failure) {
         throw Failure(file.Named(failure.what()), failure.Status());
     }
+}
+
+// The frames of a faulty take can be at times of which no table is made.
+void WritePoses(CoreStage& stage, const RecordOptions& options, ScratchFile& poses,
+                RecordResult& result) {
+    if (options.poses.empty()) return;
+    if (result.isFaulty)
+        result.complaints.push_back(options.poses + ": not written");
+    else
+        AskForFile(stage, {{kSampleVariable, FrameTimes(result)}}, options.poses, poses);
+}
+
+// What a scene that was opened had to be told of counts here too.
+void TakeComplaints(const CoreStage& stage, RecordResult& result) {
+    std::ranges::copy(stage.Complaints(), std::back_inserter(result.complaints));
+    for (const std::string& text : stage.BoxTexts())
+        result.complaints.push_back("message box: " + text);
 }
 
 void CountNodesAndKeys(RecordResult& result) {
@@ -121,15 +162,14 @@ RecordResult Record(const RecordOptions& options) {
     const std::uint64_t before = SceneDigest();
     RecordResult result;
     TakeReport(AskForFile(stage, request, options.csv, csv), options, result);
-    if (!options.scene.empty()) stage.Save(options.scene);
-    result.complaints = stage.Complaints();
-    if (!options.poses.empty())
-        AskForFile(stage, {{kSampleVariable, FrameTimes(result)}}, options.poses, poses);
+    Save(stage, options, result);
+    TakeComplaints(stage, result);
+    WritePoses(stage, options, poses, result);
     CountNodesAndKeys(result);
     UndoAndRedo(stage.Host(), before, result);
     result.hostObjectsAlive = stage.ShutDown();
     if (!options.csv.empty()) csv.Keep();
-    if (!options.poses.empty()) poses.Keep();
+    if (!options.poses.empty() && !result.isFaulty) poses.Keep();
     return result;
 }
 

@@ -16,7 +16,10 @@ struct RecordOptions {
     std::string trace;                // where the plug-in writes its trace; empty for nowhere
     bool optimisedController = true;
     double hostUnitsPerMetre = 39.37;
-    std::string into;            // the scene to record into, in its own units; empty for a new one
+    std::string into;       // the scene to record into, in its own units; empty for a new one
+    std::string take;       // the name of the take; empty for the capture's own
+    bool replaces = false;  // the takes of these names that are there
+    bool takesCutCaptures = false;
     bool holdsToGround = false;  // the node "Ground", which is drawn if there is none
     bool followsWithCamera = false;
     bool progress = false;
@@ -40,12 +43,20 @@ struct RecordedCapture {
         double maxTargetDistanceErrorMetres = 0;
     };
     std::optional<Lens> lens;  // if the camera followed
+
+    struct Kept {  // of what the take held before, behind the last frame
+        double fromSeconds = 0;
+        double untilSeconds = 0;
+    };
+    std::optional<Kept> kept;
 };
 
 struct RecordResult {
     std::vector<RecordedCapture> captures;
     double recordSeconds = 0;
-    std::vector<std::string> complaints;  // about the scene file
+    std::vector<std::string> complaints;  // about captures, scene files and what came of them
+    std::string saved;                    // the scene file that was written; empty for none
+    bool isFaulty = false;                // the takes are not what they were meant to be
     std::size_t nodes = 0;                // in the scene
     std::size_t keys = 0;  // distinct key times, summed over all of them that are no cameras
     std::size_t undoSteps = 0;

@@ -37,6 +37,8 @@ void Run(const Words& words) {
     if (words.options.captures.size() > 1 && !words.options.csv.empty())
         throw Failure("--csv: the positions of several captures do not go into one file",
                       kWrongUsage);
+    if (words.options.captures.size() > 1 && !words.options.take.empty())
+        throw Failure("--take: several captures do not go into one take", kWrongUsage);
     RecordOptions options = words.options;
     options.optimisedController = !words.plainController;
     options.progress = platform::IsErrorStreamATerminal();
@@ -45,6 +47,7 @@ void Run(const Words& words) {
         PrintForProgram(std::cout, result);
     else
         PrintForPerson(std::cout, result);
+    if (result.isFaulty) throw Ended{kFailed};
 }
 
 }  // namespace
@@ -63,6 +66,14 @@ void AddRecordVerb(CLI::App& app) {
     AddFile(*verb, "--into", options.into,
             "Record into this scene, in its own units; a guide object goes along its first shape")
         ->excludes(units);
+    verb->add_option("--take", options.take,
+                     "Record into the take of this name (else that of the capture's file)")
+        ->check([](const std::string& name) { return name.empty() ? "the name is empty" : ""; },
+                "NAME");
+    verb->add_flag("--replace", options.replaces,
+                   "Leave nothing of a take that is in the scene already");
+    verb->add_flag("--partial", options.takesCutCaptures,
+                   "Record a capture that holds fewer frames than it announces");
     verb->add_flag("--ground", options.holdsToGround,
                    "Keep feet from sinking into the node \"Ground\", which is drawn if there is "
                    "none");

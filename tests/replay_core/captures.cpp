@@ -9,15 +9,16 @@
 
 namespace {
 
-std::variant<replay::Motion, replay::ReadError> Read(std::string_view text) {
+std::variant<replay::Motion, replay::ReadError> Read(std::string_view text,
+                                                     replay::CutCapture cut) {
     std::istringstream stream{std::string(text)};
-    return replay::ReadMotion(stream, "step.bvh");
+    return replay::ReadMotion(stream, "step.bvh", cut);
 }
 
 }  // namespace
 
-replay::Motion ReadWhole(std::string_view text) {
-    auto result = Read(text);
+replay::Motion ReadWhole(std::string_view text, replay::CutCapture cut) {
+    auto result = Read(text, cut);
     if (const auto* error = std::get_if<replay::ReadError>(&result)) {
         ADD_FAILURE() << replay::Describe(*error);
         return {};
@@ -25,8 +26,8 @@ replay::Motion ReadWhole(std::string_view text) {
     return std::get<replay::Motion>(std::move(result));
 }
 
-std::string ReadRefused(std::string_view text) {
-    const auto result = Read(text);
+std::string ReadRefused(std::string_view text, replay::CutCapture cut) {
+    const auto result = Read(text, cut);
     const auto* error = std::get_if<replay::ReadError>(&result);
     if (error == nullptr) {
         ADD_FAILURE() << "read as whole:\n" << text;

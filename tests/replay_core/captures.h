@@ -5,6 +5,7 @@
 
 #include "replay_core/motion/motion.h"
 #include "replay_core/motion/read_error.h"
+#include "replay_core/motion/read_frames.h"
 
 // A capture of two joints, an end site, nine channels and two frames on 20 lines.
 inline constexpr std::string_view kStep =
@@ -34,11 +35,13 @@ inline constexpr std::string_view kRealCaptures = "/usr/share/assimp/models/BVH/
 
 // Reads a capture called "step.bvh" that must be whole; otherwise the test fails with the error and
 // the motion is empty.
-replay::Motion ReadWhole(std::string_view text);
+replay::Motion ReadWhole(std::string_view text,
+                         replay::CutCapture cut = replay::CutCapture::kRefused);
 
 // Reads a capture called "step.bvh" that must be refused, and gives the message; otherwise the test
 // fails.
-std::string ReadRefused(std::string_view text);
+std::string ReadRefused(std::string_view text,
+                        replay::CutCapture cut = replay::CutCapture::kRefused);
 
 // The text with the only place of `from` replaced.
 std::string Replaced(std::string_view text, std::string_view from, std::string_view to);

@@ -82,6 +82,43 @@ TEST(ReadMotion, TakesEveryUsualLayoutForTheSame) {
     }
 }
 
+TEST(ReadMotion, TakesAllWholeFramesAndTellsWhatIsOdd) {
+    using enum replay::CutCapture;
+    struct Case {
+        const char* from;
+        const char* to;
+        replay::CutCapture cut;
+        std::size_t frames;
+        const char* oddity;
+    };
+    const Case cases[] = {
+        {"-60\n", "-60\n\n \t\r\n", kRefused, 2, ""},
+        {"Frames: 2", "Frames: 1", kRefused, 2, "announced frames: 1, there are 2"},
+        {"-60\n", "-60\n\x1A", kRefused, 2, "a Ctrl-Z ends the text"},
+        {"-60\n", "-60\x1A\n1 2\n3\n", kRefused, 2, "a Ctrl-Z ends the text"},
+        {"-60\n", "-60\nend", kRefused, 2,
+         "the last line is left out: a number was expected, found 'end'"},
+        {"-60\n", "-60\n1 2 3 4 5 6 7 8 9\n1 2\x1A", kRefused, 3,
+         "announced frames: 2, there are 3; the last line is left out: frame 4 holds 2 of 9 "
+         "numbers; a Ctrl-Z ends the text"},
+        {"Frames: 2", "Frames: 3", kTaken, 2, "announced frames: 3, there are 2"},
+        {"30 -60", "30", kTaken, 1,
+         "announced frames: 2, there are 1; the last line is left out: frame 2 holds 8 of 9 "
+         "numbers"},
+    };
+    for (const auto& [from, to, cut, frames, oddity] : cases) {
+        SCOPED_TRACE(to);
+        const Motion motion = ReadWhole(Replaced(kStep, from, to), cut);
+        EXPECT_EQ(motion.frameCount, frames);
+        EXPECT_EQ(motion.values.size(), frames * motion.channelCount);
+        EXPECT_EQ(motion.oddity, oddity);
+    }
+    // Damage in the middle, and a capture without a frame, are no whole captures in any case.
+    for (const char* broken : {"-60\n1 2\n1 2 3 4 5 6 7 8 9\n", "-60\nend\nend\n"})
+        ReadRefused(Replaced(kStep, "-60\n", broken), kTaken);
+    ReadRefused(kStep.substr(0, kStep.find("0 10 0")), kTaken);
+}
+
 TEST(ReadMotion, TakesChannelsInAnyOrderOnAnyJointOrOnNoneAndSeveralRoots) {
     const Motion motion = ReadWhole(
         "HIERARCHY ROOT a { OFFSET 0 0 0 JOINT b { OFFSET 1 0 0 CHANNELS 0 } }\n"

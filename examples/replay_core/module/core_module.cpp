@@ -19,5 +19,5 @@ extern "C" CORE_ROUTINE CoreInterface* attach(TVL::AdaptorInterface* adaptor) {
 }
 
 extern "C" CORE_ROUTINE void detach(CoreInterface* core) {
-    replay::Guarded([&] { delete static_cast<replay::ReplayCore*>(core); });
+    delete static_cast<replay::ReplayCore*>(core);
 }

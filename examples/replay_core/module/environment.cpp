@@ -15,6 +15,9 @@ namespace {
 constexpr char kCaptures[] = "LUMISET_CAPTURE";
 constexpr char kScale[] = "LUMISET_CAPTURE_SCALE";
 constexpr char kFrames[] = "LUMISET_CAPTURE_FRAMES";
+constexpr char kTake[] = "LUMISET_TAKE";
+constexpr char kReplace[] = "LUMISET_REPLACE";
+constexpr char kPartial[] = "LUMISET_PARTIAL";
 constexpr char kMerge[] = "LUMISET_MERGE";
 constexpr char kSample[] = "LUMISET_SAMPLE";
 constexpr char kSampleNodes[] = "LUMISET_SAMPLE_NODES";
@@ -134,11 +137,13 @@ class Reader {
         request_.inspectionSeconds = *seconds;
     }
 
-    // The places of several captures in one file could not be told apart.
+    // The places of several captures in one file could not be told apart, and each is a take.
     void ReadCaptures() {
         request_.captures = Lines(kCaptures);
-        if (request_.captures.size() > 1 && !request_.sampleTimes && !Variable(kCsv).empty())
-            Refuse(kCsv, "nothing when there are several captures", Variable(kCsv));
+        if (request_.captures.size() < 2 || request_.sampleTimes) return;
+        for (const char* variable : {kCsv, kTake})
+            if (const std::string text = Variable(variable); !text.empty())
+                Refuse(variable, "nothing when there are several captures", text);
     }
 
     void Refuse(const char* variable, const std::string& expected, const std::string& found) {
@@ -167,6 +172,9 @@ Request ReadEnvironment() {
     reader.ReadCaptures();
     reader.ReadScale();
     reader.ReadFrames();
+    request.take = Variable(kTake);
+    request.replaces = reader.ReadTruth(kReplace).value_or(false);
+    request.takesCutCaptures = reader.ReadTruth(kPartial).value_or(false);
     request.optimisedControllers = reader.ReadTruth(kOptimised);
     request.followsWithCamera = reader.ReadTruth(kFollowCamera).value_or(false);
     request.ground = reader.ReadHandle(kGround);

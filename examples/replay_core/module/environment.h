@@ -28,8 +28,11 @@ struct Request {
     double inspectionSeconds = 0;
     double metresPerUnit = kCmuMetresPerUnit;
     std::optional<FrameRange> frames;  // of each capture; all of them if not said
-    std::string csv;                   // empty for none
-    std::string report;                // empty for none
+    std::string take;                  // the name of the capture's take; its file's if empty
+    bool replaces = false;             // the takes that are there
+    bool takesCutCaptures = false;
+    std::string csv;     // empty for none
+    std::string report;  // empty for none
     std::optional<bool> optimisedControllers;
     bool followsWithCamera = false;
     std::optional<std::uint32_t> ground;  // the host's handle of a node to stand on

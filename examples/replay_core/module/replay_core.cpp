@@ -1,5 +1,6 @@
 #include "replay_core/module/replay_core.h"
 
+#include <stdexcept>
 #include <utility>
 
 #include "replay_core/state/guarded.h"
@@ -15,28 +16,45 @@ ReplayCore::ReplayCore(TVL::AdaptorInterface& adaptor)
       options_(adaptor.GetOptionsPanel()),
       takes_(adaptor),
       currentSeconds_(adaptor.GetCurrentTime()),
-      convertButton_("Convert all controllers") {}
+      convertButton_("Convert all controllers") {
+    untaken_.reserve(kMostUntaken);
+}
 
 ReplayCore::~ReplayCore() {
-    LogFault(Guarded([this] { takes_.Drop(); }));
+    takes_.Drop();
     adaptor_.FlushUndoBuffer();
 }
 
 // Scene state ------------------------------------------------------------------------------------
 
+// What is taken up only now has no tags in the file that is being written.
 XMLNode ReplayCore::GetCoreState() {
-    XMLNode state;
-    LogFault(Guarded([&] { state = WholeState(takes_); }));
-    return state;
+    if (!untaken_.empty()) {
+        TakeUpState();
+        throw std::runtime_error("stored takes were taken up only now; save once more");
+    }
+    return WholeState(takes_);
 }
 
 void ReplayCore::SetCoreState(XMLNode state) {
-    LogFault(Guarded([&] { WriteToTrace(LoadState(adaptor_, takes_, state)); }));
+    XMLNode& kept = untaken_.emplace_back();
+    kept.kind = state.kind;
+    kept.name.swap(state.name);
+    kept.attributes.swap(state.attributes);
+    kept.children.swap(state.children);
+    TakeUpState();
+}
+
+void ReplayCore::TakeUpState() {
+    for (const XMLNode& state : untaken_)
+        WriteToTrace(LoadState(adaptor_, takes_, state));
+    untaken_.clear();
 }
 
 void ReplayCore::ResetCore() {
     StopCore();
-    LogFault(Guarded([this] { takes_.Drop(); }));
+    takes_.Drop();
+    untaken_.clear();
 }
 
 // The host's time, and what runs in it -----------------------------------------------------------
@@ -61,9 +79,7 @@ TVL::Util::MessageNode* ReplayCore::GetOptionNode(int option, int) {
 
 void ReplayCore::BindOption(int option, int) {
     if (options_.Find(option)) return;
-    LogFault(Guarded([option] {
-        TVL::Log(TVL::Log::kWarning).WriteValue("The option panel does not have option", option);
-    }));
+    TVL::Log(TVL::Log::kWarning).WriteValue("The option panel does not have option", option);
 }
 
 void ReplayCore::GetOptionValue(int option, bool* value) {
@@ -75,21 +91,24 @@ void ReplayCore::GetOptionValue(int option, bool* value) {
 
 void ReplayCore::ShowCore(TVL::WindowHandle) {
     if (recording_.isRunning) return;
-    LogFault(Guarded([this] {
-        const Request request = ReadEnvironment();
-        Report report;
-        if (const char* const fault = Guarded([&] { Show(request, report); })) report.error = fault;
-        report.takes = TellTakes();
-        if (!report.error.empty()) TVL::Log(TVL::Log::kError).Write(report.error);
-        if (request.report.empty()) return;
-        const std::string unwritten = WriteReport(request.report, report);
-        if (!unwritten.empty()) TVL::Log(TVL::Log::kError).Write(unwritten);
-    }));
+    const Request request = ReadEnvironment();
+    Report report;
+    if (const char* const fault = Guarded([&] { Show(request, report); })) report.error = fault;
+    report.takes = TellTakes();
+    for (const std::string& warning : report.warnings)
+        TVL::Log(TVL::Log::kWarning).Write(warning);
+    for (const std::string& fault : report.faults)
+        TVL::Log(TVL::Log::kError).Write(fault);
+    if (!report.error.empty()) TVL::Log(TVL::Log::kError).Write(report.error);
+    if (request.report.empty()) return;
+    const std::string unwritten = WriteReport(request.report, report);
+    if (!unwritten.empty()) TVL::Log(TVL::Log::kError).Write(unwritten);
 }
 
 void ReplayCore::Show(const Request& request, Report& report) {
     report.error = request.error;
     if (!report.error.empty()) return;
+    TakeUpState();
     if (request.optimisedControllers) {
         options_.Set(kOptimisedControllers, *request.optimisedControllers);
     }

@@ -52,10 +52,18 @@ class ReplayCore final : public CoreInterface {
                     WholeFile* csv, Report& report);
     std::vector<Report::Take> TellTakes() const;
 
+    void TakeUpState();
+
     TVL::AdaptorInterface& adaptor_;
     PlacedServices services_;  // what follows may log to the end of its life
     PanelOptions options_;
     Takes takes_;
+
+    // State that came, until all of it is taken up: where memory runs out meanwhile, that is tried
+    // again, and no scene is saved without it.
+    static constexpr std::size_t kMostUntaken = 8;  // for which nothing has to be allocated
+    std::vector<XMLNode> untaken_;
+
     RecordingState recording_;
     double currentSeconds_;                 // the host's time
     TVL::Util::MessageNode convertButton_;  // option 1028; its links end with it

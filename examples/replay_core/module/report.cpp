@@ -80,6 +80,9 @@ void Write(Writer& out, const Report::Capture& capture) {
     out.Line(".maxPositionErrorMetres", capture.maxPositionErrorMetres);
     out.Line(".maxFieldOfViewErrorDegrees", capture.maxFieldOfViewErrorDegrees);
     out.Line(".maxTargetDistanceErrorMetres", capture.maxTargetDistanceErrorMetres);
+    if (!capture.kept) return;
+    out.Line(".keptFromSeconds", capture.kept->fromSeconds);
+    out.Line(".keptUntilSeconds", capture.kept->untilSeconds);
 }
 
 void Write(Writer& out, const Report::Merge& merge) {
@@ -149,6 +152,8 @@ std::string WriteReport(const std::string& path, const Report& report) {
     const auto write = [&out](const auto& entry) { Write(out, entry); };
     out.Line("status", std::string(report.error.empty() ? "ok" : "error"));
     out.Line("error", report.error);
+    out.Texts("warnings", "warning", report.warnings);
+    out.Texts("faults", "fault", report.faults);
     out.List<Report::Capture>("captures", "capture", report.captures, write);
     out.Line("recordSeconds", report.recordSeconds);
     out.List<Report::Merge>("merges", "merge", report.merges, write);

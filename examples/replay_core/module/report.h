@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "replay_core/look/node_look.h"
+#include "replay_core/recorder/into_take.h"
 
 namespace replay {
 
@@ -22,6 +24,7 @@ struct Report {
         double maxPositionErrorMetres = 0;  // see recorder/read_back.h
         double maxFieldOfViewErrorDegrees = 0;
         double maxTargetDistanceErrorMetres = 0;
+        std::optional<KeptTail> kept;  // of what was recorded before
     };
     struct Merge {
         std::string path;
@@ -35,7 +38,9 @@ struct Report {
         std::vector<std::string> missing;   // names of nodes that were not found there
     };
 
-    std::string error;  // one line; empty if all went well
+    std::string error;                  // one line; empty if all went well
+    std::vector<std::string> warnings;  // of what was done and is as it should be, a line each
+    std::vector<std::string> faults;    // the same of what is not
     std::vector<Capture> captures;
     double recordSeconds = 0;  // of the user's time, for all captures
     std::vector<Merge> merges;

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <iterator>
 #include <memory>
 #include <utility>
@@ -8,7 +9,9 @@
 #include "platform/narrow_path.h"
 #include "replay_core/look/node_look.h"
 #include "replay_core/module/replay_core.h"
+#include "replay_core/motion/numbers.h"
 #include "replay_core/motion/read_motion.h"
+#include "replay_core/recorder/into_take.h"
 #include "replay_core/recorder/read_back.h"
 #include "replay_core/recorder/sample_poses.h"
 #include "replay_core/recorder/scenery.h"
@@ -31,17 +34,61 @@ double SecondsSince(std::chrono::steady_clock::time_point start) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
+// For a capture that cannot be read: what helps if it was only cut short.
+std::string CutHint(const std::string& path) {
+    const auto cut = ReadMotion(path, CutCapture::kTaken);
+    return std::holds_alternative<Motion>(cut) ? "; LUMISET_PARTIAL has the frames before recorded"
+                                               : "";
+}
+
 // The result is empty, or says in one line why the capture cannot be recorded.
 std::string Plan(const std::string& path, const Request& request, PlannedTake& planned) {
-    std::variant<Motion, ReadError> read = ReadMotion(path);
-    if (const ReadError* const error = std::get_if<ReadError>(&read)) return Describe(*error);
+    const CutCapture cut = request.takesCutCaptures ? CutCapture::kTaken : CutCapture::kRefused;
+    std::variant<Motion, ReadError> read = ReadMotion(path, cut);
+    if (const ReadError* const error = std::get_if<ReadError>(&read))
+        return Describe(*error) + CutHint(path);
     planned.capture = path;
+    planned.replaces = request.replaces;
     planned.motion = std::get<Motion>(std::move(read));
     const std::size_t frameCount = planned.motion.frameCount;
     planned.frames = request.frames.value_or(FrameRange{0, frameCount});
     if (planned.frames.end > frameCount)
         return path + ": the capture has only " + std::to_string(frameCount) + " frames";
     return {};
+}
+
+// Empty, or one line on why the capture does not go into the take that was found for it.
+std::string Misfit(const PlannedTake& planned) {
+    if (planned.replaces || !planned.take->IsThere()) return {};
+    const std::string why = WhyNotInto(*planned.take, planned.motion, planned.frames);
+    if (why.empty()) return {};
+    return planned.capture + ": the take \"" + planned.take->Name() + "\" in the scene " + why +
+           "; LUMISET_TAKE names a take of its own, LUMISET_REPLACE puts the capture in its place";
+}
+
+// How far from where it is meant to be a joint may be read back.
+constexpr double kToleratedErrorMetres = 0.001;
+
+std::string Millimetres(double metres) {
+    constexpr double kTenths = 1e4;
+    return NumberText(std::round(metres * kTenths) / 10) + " mm";
+}
+
+// What a person has to know of a capture that was recorded.
+void Judge(const PlannedTake& planned, const RecordedTake& recorded, const ReadBack& readBack,
+           Report& report) {
+    const std::string capture = planned.capture + ": ";
+    if (!planned.motion.oddity.empty()) report.warnings.push_back(capture + planned.motion.oddity);
+    if (recorded.framesWithoutKey > 0)
+        report.faults.push_back(
+            capture + std::to_string(recorded.framesWithoutKey) + " of " +
+            std::to_string(recorded.frames.Count()) +
+            " frames are at the time of another one for the host, and are lost");
+    if (readBack.maxPositionErrorMetres > kToleratedErrorMetres)
+        report.faults.push_back(capture + "a joint is " +
+                                Millimetres(readBack.maxPositionErrorMetres) +
+                                " from where it is meant to be, with " +
+                                Millimetres(kToleratedErrorMetres) + " tolerated");
 }
 
 // Null if no file is wanted.
@@ -140,13 +187,13 @@ void ReplayCore::Inspect(const Request& request, Report& report) {
 }
 
 // Whatever can be found out before the scene is touched is found out first: a damaged capture, a
-// range beyond its end, a file of positions that cannot be opened.
+// range beyond its end, a file of positions that cannot be opened, a take that is another one.
 void ReplayCore::Record(const Request& request, Report& report) {
     std::vector<PlannedTake> plan(request.captures.size());
     std::vector<std::string> names;
     for (std::size_t i = 0; i < plan.size() && report.error.empty(); ++i) {
         report.error = Plan(request.captures[i], request, plan[i]);
-        names.push_back(CaptureName(request.captures[i]));
+        names.push_back(request.take.empty() ? CaptureName(request.captures[i]) : request.take);
     }
     if (!report.error.empty()) return;
     const Scenery scenery(adaptor_, request.ground, request.guide);
@@ -155,8 +202,11 @@ void ReplayCore::Record(const Request& request, Report& report) {
     const std::unique_ptr<WholeFile> csv = OpenCsv(request, report.error);
     if (!report.error.empty()) return;
     const std::vector<Take*> takes = takes_.ForRecording(names);
-    for (std::size_t i = 0; i < plan.size(); ++i)
+    for (std::size_t i = 0; i < plan.size() && report.error.empty(); ++i) {
         plan[i].take = takes[i];
+        report.error = Misfit(plan[i]);
+    }
+    if (!report.error.empty()) return;
     plan.front().guide = scenery.Guide();
     RecordPlan(plan,
                {.metresPerUnit = request.metresPerUnit,
@@ -183,7 +233,8 @@ void ReplayCore::RecordPlan(std::span<const PlannedTake> plan, const RecordSetti
                                    .frameSeconds = planned.motion.frameSeconds,
                                    .nodes = planned.take->Book().Nodes().size(),
                                    .liftedFrames = recorded.takes[i].lifts.LiftedFrames(),
-                                   .maxLiftMetres = recorded.takes[i].lifts.Most()});
+                                   .maxLiftMetres = recorded.takes[i].lifts.Most(),
+                                   .kept = {}});
     }
     if (!report.error.empty()) {
         adaptor_.SetCurrentTime(before);
@@ -197,7 +248,10 @@ void ReplayCore::RecordPlan(std::span<const PlannedTake> plan, const RecordSetti
         capture.maxPositionErrorMetres = readBack.maxPositionErrorMetres;
         capture.maxFieldOfViewErrorDegrees = readBack.maxFieldOfViewErrorDegrees;
         capture.maxTargetDistanceErrorMetres = readBack.maxTargetDistanceErrorMetres;
+        capture.kept = TailBehind(plan[i].take->Recordings(),
+                                  FrameTime(plan[i].motion, recorded.takes[i].frames.end - 1));
         report.error = readBack.error;
+        Judge(plan[i], recorded.takes[i], readBack, report);
     }
     if (report.error.empty() && csv) report.error = csv->Finish();
 }
@@ -212,7 +266,7 @@ std::vector<Report::Take> ReplayCore::TellTakes() const {
         for (const Recording& recording : take->Recordings())
             AddOnce(entry.captures, recording.capture);
         entry.nodes = take->Book().Nodes().size();
-        for (const StoredNode& missing : take->Rest().missingNodes)
+        for (const StoredNode& missing : take->Missing())
             entry.missing.push_back(missing.name);
     }
     return told;

@@ -11,7 +11,8 @@ namespace {
 constexpr std::string_view kBlanks = " \t\v\f\r";
 constexpr std::string_view kSeparators = " \t\v\f\r{}:";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";  // UTF-8, as some editors put it
-constexpr std::size_t kLongestQuotation = 40;                // bytes
+constexpr char kControlZ = '\x1A';
+constexpr std::size_t kLongestQuotation = 40;  // bytes
 
 std::size_t BytesOf(std::istream& stream) {
     const std::istream::pos_type start = stream.tellg();
@@ -76,9 +77,12 @@ bool CaptureText::NextLine() {
 
 bool CaptureText::FetchLine() {
     rest_ = {};
-    if (!std::getline(stream_, line_)) return false;
+    if (endedAtControlZ_ || !std::getline(stream_, line_)) return false;
     ++lineNumber_;
     bytesLeft_ -= std::min(bytesLeft_, line_.size() + 1);
+    const std::size_t end = line_.find(kControlZ);
+    endedAtControlZ_ = end != std::string::npos;
+    if (endedAtControlZ_) line_.resize(end);
     const bool isMarked = lineNumber_ == 1 && line_.starts_with(kByteOrderMark);
     rest_ = Trimmed(std::string_view(line_).substr(isMarked ? kByteOrderMark.size() : 0));
     return true;

@@ -13,7 +13,8 @@ namespace replay {
 
 // The text of a capture, streamed line by line and taken word by word, with the place for messages.
 // Words stand between blanks, tabs and line ends (LF or CR LF); '{', '}' and ':' are words of their
-// own. A view that is given out holds until the next word is asked for.
+// own. A Ctrl-Z (0x1A), with which old programs end a text, is the end of it. A view that is given
+// out holds until the next word is asked for.
 class CaptureText {
   public:
     // The stream is the caller's and outlives this object. `file` is what messages name.
@@ -41,6 +42,9 @@ class CaptureText {
     ReadError Error(std::string what) const;
     ReadError Unexpected(std::string_view expected, std::string_view found) const;
 
+    // Whether the text ended at a Ctrl-Z, whatever the file holds behind it.
+    bool EndedAtControlZ() const { return endedAtControlZ_; }
+
     // Bytes of the file behind this line; 0 where the stream does not tell.
     std::size_t BytesLeft() const { return bytesLeft_; }
 
@@ -53,6 +57,7 @@ class CaptureText {
     std::string_view rest_;  // of line_
     std::size_t lineNumber_ = 0;
     std::size_t bytesLeft_ = 0;
+    bool endedAtControlZ_ = false;
 };
 
 // Keywords and channel names are compared without regard to the case of ASCII letters.

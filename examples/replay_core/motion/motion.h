@@ -51,6 +51,7 @@ struct Motion {
     std::size_t frameCount = 0;
     double frameSeconds = 0;     // from one frame to the next, more than 0
     std::vector<double> values;  // frame after frame
+    std::string oddity;          // in which the file is not as it should be, a line; empty for none
 };
 
 // Seconds from the start of the capture to a frame.

@@ -11,11 +11,11 @@ namespace {
 
 constexpr std::size_t kFewestBytesOfNumber = 2;  // a digit and what parts it from the next
 
-std::optional<ReadError> ReadFrameCount(CaptureText& text, Motion& motion) {
+std::optional<ReadError> ReadFrameCount(CaptureText& text, std::size_t& announced) {
     if (auto error = text.Expect("Frames")) return error;
     if (auto error = text.Expect(":")) return error;
-    if (auto error = text.ExpectCount(motion.frameCount)) return error;
-    if (motion.frameCount == 0) return text.Error("the capture has no frames");
+    if (auto error = text.ExpectCount(announced)) return error;
+    if (announced == 0) return text.Error("the capture has no frames");
     return std::nullopt;
 }
 
@@ -32,10 +32,10 @@ std::optional<ReadError> ReadFrameTime(CaptureText& text, Motion& motion) {
 }
 
 // The announced count is believed as far as there are bytes to hold it.
-void ReserveValues(const CaptureText& text, Motion& motion) {
+void ReserveValues(const CaptureText& text, std::size_t announced, Motion& motion) {
     const std::size_t mostFrames =
         text.BytesLeft() / kFewestBytesOfNumber / motion.channelCount + 1;
-    motion.values.reserve(std::min(motion.frameCount, mostFrames) * motion.channelCount);
+    motion.values.reserve(std::min(announced, mostFrames) * motion.channelCount);
 }
 
 std::optional<ReadError> ReadFrame(CaptureText& text, std::size_t frame, Motion& motion) {
@@ -57,23 +57,48 @@ std::optional<ReadError> ReadFrame(CaptureText& text, std::size_t frame, Motion&
     return std::nullopt;
 }
 
+// Goes through the lines of numbers to the end of the text, and counts in `frameCount` those that
+// are whole. Stops at one that is not: the result says what is wrong with it.
+std::optional<ReadError> ReadLines(CaptureText& text, Motion& motion) {
+    std::optional<ReadError> broken;
+    while (!broken && text.NextLine()) {
+        broken = ReadFrame(text, motion.frameCount + 1, motion);
+        if (!broken) ++motion.frameCount;
+    }
+    motion.values.resize(motion.frameCount * motion.channelCount);
+    return broken;
+}
+
+std::string Oddity(const CaptureText& text, std::size_t announced, std::size_t there,
+                   const std::optional<ReadError>& broken) {
+    std::string oddity;
+    const auto add = [&](const std::string& what) {
+        oddity += (oddity.empty() ? "" : "; ") + what;
+    };
+    if (there != announced)
+        add("announced frames: " + std::to_string(announced) + ", there are " +
+            std::to_string(there));
+    if (broken) add("the last line is left out: " + broken->what);
+    if (text.EndedAtControlZ()) add("a Ctrl-Z ends the text");
+    return oddity;
+}
+
 }  // namespace
 
-std::optional<ReadError> ReadFrames(CaptureText& text, Motion& motion) {
-    if (auto error = ReadFrameCount(text, motion)) return error;
+std::optional<ReadError> ReadFrames(CaptureText& text, Motion& motion, CutCapture cut) {
+    std::size_t announced = 0;
+    if (auto error = ReadFrameCount(text, announced)) return error;
     if (auto error = ReadFrameTime(text, motion)) return error;
-    ReserveValues(text, motion);
-    for (std::size_t frame = 1; frame <= motion.frameCount; ++frame) {
-        if (!text.NextLine()) {
-            return text.Error("the file ends after " + std::to_string(frame - 1) + " of " +
-                              std::to_string(motion.frameCount) + " frames");
-        }
-        if (auto error = ReadFrame(text, frame, motion)) return error;
+    ReserveValues(text, announced, motion);
+    std::optional<ReadError> broken = ReadLines(text, motion);
+    if (broken && text.NextLine()) return broken;
+    const std::size_t enough = cut == CutCapture::kTaken ? 1 : announced;
+    if (motion.frameCount < enough) {
+        if (broken) return broken;
+        return text.Error("the file ends after " + std::to_string(motion.frameCount) + " of " +
+                          std::to_string(announced) + " frames");
     }
-    if (text.NextLine()) {
-        return text.Error("announced frames: " + std::to_string(motion.frameCount) +
-                          ", but more follows");
-    }
+    motion.oddity = Oddity(text, announced, motion.frameCount, broken);
     return std::nullopt;
 }
 

@@ -6,6 +6,7 @@
 
 #include "replay_core/motion/motion.h"
 #include "replay_core/motion/read_error.h"
+#include "replay_core/motion/read_frames.h"
 
 namespace replay {
 
@@ -13,12 +14,16 @@ namespace replay {
 // and channels is followed by the MOTION, a line of numbers for each frame. (Described by M.
 // Meredith and S. Maddock, "Motion Capture File Formats Explained", University of Sheffield, 2001.)
 // Taken as it comes: channels in any order and on any joint, several roots, any blanks, LF or CR
-// LF, keywords in any case, names with blanks in them, no line end after the last line. Anything
-// else ends in an error at its line: the result is a whole motion or none, the memory used is
-// bounded by the file's size whatever the file announces, and nothing is thrown.
-std::variant<Motion, ReadError> ReadMotion(const std::string& path);
+// LF, keywords in any case, names with blanks in them, no line end after the last line. More frames
+// than announced, a Ctrl-Z at the end and, if it is so wished, fewer frames are taken and told in
+// the motion's `oddity`. Anything else ends in an error at its line: the result is a whole motion
+// or none, the memory used is bounded by the file's size whatever the file announces, and nothing
+// is thrown.
+std::variant<Motion, ReadError> ReadMotion(const std::string& path,
+                                           CutCapture cut = CutCapture::kRefused);
 
 // The same from a stream that is open for reading in binary mode; `file` is what errors name.
-std::variant<Motion, ReadError> ReadMotion(std::istream& stream, const std::string& file);
+std::variant<Motion, ReadError> ReadMotion(std::istream& stream, const std::string& file,
+                                           CutCapture cut = CutCapture::kRefused);
 
 }  // namespace replay

@@ -78,6 +78,7 @@ std::string MakeGuide(TVL::AdaptorInterface& adaptor, Take& take, const std::str
                               &TVL::CoreNode::ReleaseShapeSnapshot);
     const TransformLoan place(shape, seconds);
     if (!curves || !place) return "\"" + shape.GetName() + "\" is no shape to be guided by";
+    take.Book().MakeRoom(1);
     TVL::CoreNode* const guide =
         AsCoreNode(adaptor.CreateHelperNode(&take, name, nullptr, {}, &take.Book()));
     if (!guide) return "the host made no node for \"" + name + "\"";

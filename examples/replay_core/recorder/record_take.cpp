@@ -1,7 +1,6 @@
 #include "replay_core/recorder/record_take.h"
 
 #include <cstddef>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -9,6 +8,7 @@
 #include "replay_core/recorder/camera_placement.h"
 #include "replay_core/recorder/ground.h"
 #include "replay_core/recorder/guide.h"
+#include "replay_core/recorder/key_times.h"
 #include "replay_core/recorder/object_scale.h"
 #include "replay_core/recorder/progress_bar.h"
 #include "replay_core/recorder/transform_loan.h"
@@ -16,8 +16,6 @@
 
 namespace replay {
 namespace {
-
-constexpr std::string_view kGuide = "Guide";
 
 // The adaptor declares its codes in the registry that this Core has placed.
 std::string Refused(const char* what, std::int32_t status) {
@@ -138,8 +136,8 @@ void PlanFrames(const PlannedTake& planned, const RecordSettings& settings,
 std::string MakeGuideOf(TVL::AdaptorInterface& adaptor, const PlannedTake& planned,
                         const TakeNodes& nodes, const RecordingState& state) {
     if (!planned.guide || state.stopRequested) return {};
-    return MakeGuide(adaptor, *planned.take, NameBesideJoints(planned.motion, kGuide),
-                     *planned.guide, nodes.hostUnitsPerMetre);
+    return MakeGuide(adaptor, *planned.take, GuideName(planned.motion), *planned.guide,
+                     nodes.hostUnitsPerMetre);
 }
 
 // The work for one take inside the undo group. The result is empty, or says why it broke off.
@@ -151,6 +149,7 @@ std::string RecordTake(TVL::AdaptorInterface& adaptor, const PlannedTake& planne
     recorded.nodes =
         FindOrMakeNodes(adaptor, planned.motion, settings.metresPerUnit, *planned.take);
     if (!recorded.nodes.error.empty()) return recorded.nodes.error;
+    recorded.framesWithoutKey = FramesWithoutKey(adaptor, planned.motion, frames);
 
     // The keys of the present pose that a recording begins with then fall on the first frame.
     adaptor.SetCurrentTime(FrameTime(planned.motion, frames.first));
@@ -175,12 +174,15 @@ RecordedTakes RecordTakes(TVL::AdaptorInterface& adaptor, std::span<const Planne
                           const RecordSettings& settings, RecordingState& state) {
     RecordedTakes recorded;
     const KeyboardFocus focus(adaptor);
-    const Running running(state);
     UndoGroup group(adaptor, GroupName(plan));
     if (group.Status() != 0 || !adaptor.IsHoldingUndo()) {
         recorded.error = Refused("the host opens no undo group now", group.Status());
         return recorded;
     }
+    // Ahead of the running: what is deleted then is taken for the user's wish that it stops.
+    for (const PlannedTake& planned : plan)
+        if (planned.replaces) planned.take->StartAnew();
+    const Running running(state);
     for (const PlannedTake& planned : plan) {
         recorded.error =
             RecordTake(adaptor, planned, settings, state, recorded.takes.emplace_back());

@@ -35,6 +35,7 @@ struct PlannedTake {
     Motion motion;
     FrameRange frames;
     Take* take = nullptr;
+    bool replaces = false;           // leaves nothing of what the take was before
     TVL::CoreNode* guide = nullptr;  // the shape that a guide object goes along; null for none
 };
 
@@ -42,6 +43,8 @@ struct RecordedTake {
     // The frames that are in the scene now, all that were planned unless something went wrong.
     FrameRange frames;
     TakeNodes nodes;
+
+    std::size_t framesWithoutKey = 0;  // see key_times.h
 
     // What was meant beyond the capture itself, for each frame that was planned.
     Lifts lifts;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string_view>
 
 #include "replay_core/motion/body_part.h"
 #include "replay_core/motion/joint_names.h"
@@ -13,8 +14,6 @@
 
 namespace replay {
 namespace {
-
-constexpr std::string_view kCamera = "Camera";
 
 // Makes what is not there of a take's nodes, and notes the first that the host does not make.
 class Maker {
@@ -55,8 +54,6 @@ class Maker {
     TakeNodes& nodes_;
 };
 
-}  // namespace
-
 std::string NameBesideJoints(const Motion& motion, std::string_view name) {
     const std::vector<std::string> names = UniqueJointNames(motion);
     std::string free(name);
@@ -65,12 +62,23 @@ std::string NameBesideJoints(const Motion& motion, std::string_view name) {
     return free;
 }
 
+}  // namespace
+
+std::string CameraName(const Motion& motion) {
+    return NameBesideJoints(motion, "Camera");
+}
+
+std::string GuideName(const Motion& motion) {
+    return NameBesideJoints(motion, "Guide");
+}
+
 TakeNodes FindOrMakeNodes(TVL::AdaptorInterface& adaptor, const Motion& motion,
                           double metresPerUnit, Take& take) {
     TakeNodes nodes;
+    take.Book().MakeRoom(motion.joints.size() + 1);
     Maker maker(adaptor, take, nodes);
     // The camera comes first: a new node tells how large the others have to be.
-    maker.FindOrMakeCamera(NameBesideJoints(motion, kCamera));
+    maker.FindOrMakeCamera(CameraName(motion));
     if (!nodes.camera) return nodes;
     nodes.hostUnitsPerMetre = HostUnitsPerMetre(*nodes.camera, adaptor.GetCurrentTime());
 

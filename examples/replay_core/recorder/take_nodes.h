@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "replay_core/motion/motion.h"
@@ -26,7 +25,8 @@ struct TakeNodes {
 TakeNodes FindOrMakeNodes(TVL::AdaptorInterface& adaptor, const Motion& motion,
                           double metresPerUnit, Take& take);
 
-// The name for a node of the take that is no joint: that one, unless a joint bears it.
-std::string NameBesideJoints(const Motion& motion, std::string_view name);
+// The names of a take's nodes that are no joints; no joint bears them.
+std::string CameraName(const Motion& motion);
+std::string GuideName(const Motion& motion);
 
 }  // namespace replay

@@ -60,6 +60,7 @@ bool FoundNodes::HasAny() const {
 }
 
 bool ClaimNode(TVL::CoreNode& found, Take& take, const std::string& name) {
+    take.Book().MakeRoom(1);
     TVL::CoreNode* const claimed = found.Claim(&take, name);
     if (!claimed) return false;
     claimed->SetListener(&take.Book());

@@ -72,15 +72,15 @@ class Loader {
         return isIt ? take : nullptr;
     }
 
+    // What can fail comes first: a take that is there knows all that was stored of it.
     Take& NewTake(const StoredPlugin& plugin) {
+        std::vector<Recording> recordings = plugin.recordings;
+        StoredRest rest{.missingNodes = plugin.nodes, .unknown = plugin.unknown, .isLost = true};
+        if (!plugin.type.empty()) rest.type = plugin.type;
         const bool isAtTop = plugin.parent == StoredPlugin::kNone;
         Take& take = takes_.Add(FreeName(plugin.name), isAtTop ? nullptr : made_[plugin.parent]);
-        take.SetRecordings(plugin.recordings);
-        StoredRest& rest = take.Rest();
-        if (!plugin.type.empty()) rest.type = plugin.type;
-        rest.unknown = plugin.unknown;
-        rest.isLost = true;
-        rest.missingNodes = plugin.nodes;
+        take.SetRecordings(std::move(recordings));
+        take.Rest() = std::move(rest);
         return take;
     }
 

@@ -41,6 +41,9 @@ struct LoadedState {
 // Nodes are sought by their tags first; for one that is found by its number alone, the host's name
 // must agree and nobody may have it, since a merge hands out new numbers and a stranger can bear
 // the old one. A node that is not found stays with the take as missing and is stored with it.
+//
+// Memory that runs out is thrown. The same state, taken up again, then brings what is still
+// missing.
 LoadedState LoadState(TVL::AdaptorInterface& adaptor, Takes& takes, const XMLNode& state);
 
 // A scope of the trace with all of that; nothing if there is nothing.

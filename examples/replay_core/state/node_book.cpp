@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "replay_core/state/core_node.h"
-#include "replay_core/state/guarded.h"
 
 namespace replay {
 
@@ -16,9 +15,12 @@ void NodeBook::OnNodeRemoved(TVL::CNode* node) {
 }
 
 void NodeBook::OnNodeRestored(TVL::CNode* node) {
-    LogFault(Guarded([&] {
-        if (!Has(node)) nodes_.push_back(AsCoreNode(node));
-    }));
+    if (!Has(node)) nodes_.push_back(AsCoreNode(node));
+}
+
+void NodeBook::MakeRoom(std::size_t newNodes) {
+    const std::size_t all = nodes_.size() + newNodes;
+    if (nodes_.capacity() < all) nodes_.reserve(std::max(all, 2 * nodes_.size()));
 }
 
 }  // namespace replay

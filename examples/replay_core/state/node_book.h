@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "tvl/core_element.h"
@@ -9,11 +10,14 @@ namespace replay {
 
 // The nodes of one owner that are in the scene, in the order in which they came. As the listener of
 // these nodes it stays right through undo and redo, whatever they bring back or take away. It must
-// outlive the nodes and every undo record that names one.
+// outlive the nodes and every undo record that names one. Whoever makes or claims nodes makes room
+// for them before, so that hearing of one, or of one that comes back, cannot fail.
 class NodeBook final : public TVL::NodeListener {
   public:
     void OnNodeRemoved(TVL::CNode* node) override;
     void OnNodeRestored(TVL::CNode* node) override;
+
+    void MakeRoom(std::size_t newNodes);
 
     // Still the adaptor's.
     const std::vector<TVL::CoreNode*>& Nodes() const { return nodes_; }

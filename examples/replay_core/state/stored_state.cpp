@@ -6,7 +6,6 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <utility>
 
@@ -30,16 +29,13 @@ XMLNode RecordingElement(const Recording& recording) {
 
 XMLNode NodeInfo(const Take& take) {
     XMLNode info(form::kNodeInfo, "");
-    std::set<std::string> names;
     for (const TVL::CNode* node : take.Book().Nodes()) {
         XMLNode element(form::kNode, "");
         SetStoredText(element, form::kName, node->GetNodeName());
         info.AddChild(element);
-        names.insert(node->GetNodeName());
     }
-    // What was missing may have been recorded anew.
-    for (const StoredNode& missing : take.Rest().missingNodes)
-        if (!names.contains(missing.name)) info.AddChild(missing.element);
+    for (const StoredNode& missing : take.Missing())
+        info.AddChild(missing.element);
     return info;
 }
 

@@ -1,30 +1,39 @@
 #include "replay_core/state/take.h"
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
+#include <set>
 #include <utility>
 
-#include "replay_core/state/guarded.h"
 #include "replay_core/state/stored_state.h"
 #include "replay_core/state/takes.h"
 #include "tvl/undo.h"
 
 namespace replay {
 
-// Holds what the take is to know after it is redone, and from then on what it knew before.
-class RecordingsChange final : public TVL::CUndo {
-  public:
-    RecordingsChange(Take& take, std::vector<Recording> after)
-        : take_(take), other_(std::move(after)) {}
+namespace {
 
-    void Undo(bool) override { take_.recordings_.swap(other_); }
-    void Redo() override { take_.recordings_.swap(other_); }
+// Holds what the take is to know after it is redone, and from then on what it knew before.
+template <class Known>
+class Change final : public TVL::CUndo {
+  public:
+    Change(Known& known, Known after) : known_(known), other_(std::move(after)) {}
+
+    void Undo(bool) override { std::swap(known_, other_); }
+    void Redo() override { std::swap(known_, other_); }
 
   private:
-    Take& take_;
-    std::vector<Recording> other_;
+    Known& known_;
+    Known other_;
 };
 
-namespace {
+template <class Known>
+void Undoably(TVL::AdaptorInterface& adaptor, Known& known, Known after) {
+    auto change = std::make_unique<Change<Known>>(known, std::move(after));
+    change->Redo();
+    adaptor.AddUndoChunk(change.release());
+}
 
 constexpr int kNodesAboutToBeDeleted = 43;
 constexpr int kSceneIsBeingSaved = 56;
@@ -40,9 +49,23 @@ void Take::Note(Recording recording) {
     std::vector<Recording> recordings = recordings_;
     std::erase(recordings, recording);
     recordings.push_back(std::move(recording));
-    auto change = std::make_unique<RecordingsChange>(*this, std::move(recordings));
-    change->Redo();
-    adaptor_.AddUndoChunk(change.release());
+    Undoably(adaptor_, recordings_, std::move(recordings));
+}
+
+void Take::StartAnew() {
+    Undoably(adaptor_, rest_, {});
+    Undoably(adaptor_, recordings_, {});
+    DeleteNodes();
+}
+
+std::vector<StoredNode> Take::Missing() const {
+    std::set<std::string> names;
+    for (const TVL::CNode* node : book_.Nodes())
+        names.insert(node->GetNodeName());
+    std::vector<StoredNode> missing;
+    std::ranges::copy_if(rest_.missingNodes, std::back_inserter(missing),
+                         [&](const StoredNode& node) { return !names.contains(node.name); });
+    return missing;
 }
 
 void Take::SetRecordings(std::vector<Recording> recordings) {
@@ -56,12 +79,10 @@ std::vector<int> Take::ListExtensions() {
 std::intptr_t Take::HandleExtension(int id, void* argument) {
     switch (id) {
         case kNodesAboutToBeDeleted:
-            LogFault(Guarded([this] { DeleteNodes(); }));
+            DeleteNodes();
             return 0;
         case kSceneIsBeingSaved:
-            LogFault(Guarded([&] {
-                if (argument) static_cast<XMLNode*>(argument)->AddChild(MasterNode(*this, all_));
-            }));
+            if (argument) static_cast<XMLNode*>(argument)->AddChild(MasterNode(*this, all_));
             return 0;
         default:
             return CoreElement::HandleExtension(id, argument);

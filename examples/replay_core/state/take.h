@@ -42,6 +42,13 @@ class Take final : public TVL::CoreElement {
     // note is undone and redone.
     void Note(Recording recording);
 
+    // Another capture is recorded in the place of this one: deletes the nodes and forgets what was
+    // known. To be called inside the undo group of that recording, with which it is undone.
+    void StartAnew();
+
+    // The stored nodes that are not in the scene.
+    std::vector<StoredNode> Missing() const;
+
     // As a scene file tells it.
     void SetRecordings(std::vector<Recording> recordings);
 
@@ -57,7 +64,8 @@ class Take final : public TVL::CoreElement {
 
     // The user deletes some of the nodes (extension 43): the others go with them, in the same undo
     // step, because a take with missing joints is no take. The scene is being saved (extension 56):
-    // the take's state goes with its nodes, see stored_state.h.
+    // the take's state goes with its nodes, see stored_state.h. What keeps it from that is thrown,
+    // so that no scene is saved without it.
     std::intptr_t HandleExtension(int id, void* argument) override;
     std::vector<int> ListExtensions() override;
 
@@ -67,7 +75,6 @@ class Take final : public TVL::CoreElement {
 
   private:
     friend class Takes;
-    friend class RecordingsChange;
 
     void DeleteNodes();
 

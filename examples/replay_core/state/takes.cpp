@@ -76,15 +76,17 @@ Take* Takes::Find(std::string_view name) const {
     return found == byName_.end() ? nullptr : found->second;
 }
 
+// Room is made for what Drop does, which may not fail.
 Take& Takes::Add(std::string name, const Take* parent) {
-    Take& take = *takes_.emplace_back(std::make_unique<Take>(adaptor_, *this, name));
-    byName_.emplace(std::move(name), &take);
-    take.parent_ = parent;
-    return take;
+    const std::size_t all = dropped_.size() + takes_.size() + 1;
+    if (dropped_.capacity() < all) dropped_.reserve(2 * all);
+    Take*& place = byName_[name];  // null until the take is there
+    place = takes_.emplace_back(std::make_unique<Take>(adaptor_, *this, std::move(name))).get();
+    place->parent_ = parent;
+    return *place;
 }
 
-void Takes::Drop() {
-    dropped_.reserve(dropped_.size() + takes_.size());  // from here on nothing can fail
+void Takes::Drop() noexcept {
     for (const std::unique_ptr<Take>& take : takes_)
         take->Drop();
     byName_.clear();

@@ -52,7 +52,7 @@ class Takes {
 
     // The scene goes away, or the Core does: there are no takes any more. Undo records may name
     // them still, so they live on out of sight.
-    void Drop();
+    void Drop() noexcept;
 
   private:
     void PlaceBelow(Take& take, const Take* before);

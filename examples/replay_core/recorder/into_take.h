@@ -1,0 +1,32 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+
+#include "replay_core/motion/motion.h"
+#include "replay_core/recorder/frame_range.h"
+#include "replay_core/state/recording.h"
+#include "replay_core/state/take.h"
+
+namespace replay {
+
+// Recording into a take that is in the scene writes over its keys at the times of the frames and
+// leaves all others.
+
+// What keeps the frames from going onto the nodes of the take, behind "the take"; empty if nothing
+// does. It has to be of the capture's skeleton: its nodes have the names of the joints and hang
+// below each other as they do, whatever else they hang below. And the frames have to meet the keys
+// of what was recorded before, or those would stand between them.
+std::string WhyNotInto(const Take& take, const Motion& motion, const FrameRange& frames);
+
+// The time behind the last frame through which a take keeps what was recorded before.
+struct KeptTail {
+    double fromSeconds = 0;
+    double untilSeconds = 0;
+};
+
+// Nothing if nothing is kept there.
+std::optional<KeptTail> TailBehind(std::span<const Recording> recordings, double lastSeconds);
+
+}  // namespace replay
