@@ -12,7 +12,10 @@ std::size_t allocations = 0;
 std::size_t liveBytes = 0;
 std::size_t peakBytes = 0;
 
+std::size_t untilFailure = 0;  // 0 for none to come
+
 void* Counted(std::size_t size) noexcept {
+    if (untilFailure > 0 && --untilFailure == 0) return nullptr;
     void* const block = std::malloc(size > 0 ? size : 1);
     ++allocations;
     liveBytes += platform::RoomOfBlock(block);
@@ -28,6 +31,18 @@ std::size_t Allocations() {
 
 std::size_t LiveBytes() {
     return liveBytes;
+}
+
+FailingAllocation::FailingAllocation(std::size_t nth) {
+    untilFailure = nth;
+}
+
+FailingAllocation::~FailingAllocation() {
+    untilFailure = 0;
+}
+
+bool FailingAllocation::HasFailed() const {
+    return untilFailure == 0;
 }
 
 AllocationPeak::AllocationPeak() : liveAtStart_(liveBytes) {

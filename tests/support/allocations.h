@@ -11,6 +11,17 @@ std::size_t Allocations();
 // Bytes that are allocated now, as the heap rounds them.
 std::size_t LiveBytes();
 
+// While it lives, the nth allocation from its making on fails, one time. One at a time.
+class FailingAllocation {
+  public:
+    explicit FailingAllocation(std::size_t nth);
+    ~FailingAllocation();
+    FailingAllocation(const FailingAllocation&) = delete;
+    FailingAllocation& operator=(const FailingAllocation&) = delete;
+
+    bool HasFailed() const;
+};
+
 // The most bytes that were allocated at one time since the object was made, beyond those that were
 // then. One at a time.
 class AllocationPeak {

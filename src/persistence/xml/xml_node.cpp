@@ -2,23 +2,28 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <iterator>
 #include <utility>
 
 #include "persistence/xml/xml_child.h"
 
 namespace {
 
-using Children = std::vector<std::unique_ptr<XMLNode>>;
-
-// Destroys the subtrees one node at a time: a node dies when its children have moved to the list.
-void DestroyTrees(Children doomed) {
-    while (!doomed.empty()) {
-        const std::unique_ptr<XMLNode> node = std::move(doomed.back());
-        doomed.pop_back();
-        if (node->children.size() > doomed.size()) doomed.swap(node->children);
-        std::ranges::move(node->children, std::back_inserter(doomed));
-        node->children.clear();
+// Destroys what stands below the root one node at a time, in no memory of its own: while a node is
+// being emptied, the place of its last child holds the node's parent.
+void DestroyBelow(XMLNode& root) noexcept {
+    XMLNode* parent = nullptr;
+    XMLNode* node = &root;
+    while (parent || !node->children.empty()) {
+        if (!node->children.empty()) {
+            XMLNode* const child = node->children.back().release();
+            node->children.back().reset(parent);
+            parent = std::exchange(node, child);
+            continue;
+        }
+        delete node;
+        node = parent;
+        parent = node->children.back().release();
+        node->children.pop_back();
     }
 }
 
@@ -117,13 +122,13 @@ XMLNode& XMLNode::operator=(XMLNode other) noexcept {
 }
 
 XMLNode::~XMLNode() {
-    DestroyTrees(std::move(children));
+    DestroyBelow(*this);
 }
 
 void XMLNode::Clear() {
     attributes.clear();
     name.clear();
-    DestroyTrees(std::exchange(children, {}));
+    DestroyBelow(*this);
 }
 
 XMLNode& XMLNode::AddChild(const XMLNode& node) {

@@ -122,6 +122,27 @@ TEST_F(StateTest, WhatWasNotedIsUndoneAndRedoneWithTheRecording) {
     EXPECT_TRUE(replay::WholeState(*takes).children.empty());
 }
 
+TEST_F(StateTest, ATakeThatStartsAnewForgetsAllUntilThatIsUndone) {
+    Load(
+        XMLNode("<TVL><TVL_Plugin><type>Old</type><name>walk</name><nodeinfo>"
+                "<node name=\"Lost\"/></nodeinfo><inputprofile><x/></inputprofile>"
+                "</TVL_Plugin></TVL>"));
+    Take& walk = takes->Named("walk");
+    Record(walk, {"Hips", "Knee"});
+    const std::string before = WholeText();
+    adaptor.BeginUndoGroup("Record");
+    walk.StartAnew();
+    adaptor.EndUndoGroup();
+    EXPECT_TRUE(replay::WholeState(*takes).children.empty());
+    EXPECT_TRUE(headless::Nodes().empty());
+    ASSERT_TRUE(world.Session().Undo());
+    EXPECT_EQ(walk.Recordings().size(), 1u);
+    EXPECT_NE(WholeText().find("<inputprofile>"), std::string::npos);
+    EXPECT_EQ(WholeText().size(), before.size());  // the nodes come back in another order
+    ASSERT_TRUE(world.Session().Redo());
+    EXPECT_TRUE(replay::WholeState(*takes).children.empty());
+}
+
 TEST_F(StateTest, ASceneMergedIntoItselfThreeTimesHasFourSetsOfTakes) {
     const Names names = {"walk", "walk 2"};
     for (Take* take : takes->ForRecording(names))
