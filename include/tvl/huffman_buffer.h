@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 // One node of the code tree. A node whose `left` is negative is a leaf.
@@ -46,7 +47,8 @@ class HuffmanBuffer {
     static constexpr std::size_t kHeaderBytes = 16;
     static constexpr std::size_t kEntryBytes = 5;
 
-    // No stream proves how often its lone symbol is repeated: more than this is not believed.
+    // No stream proves how often its lone symbol is repeated: more than this is not believed. It
+    // bounds one stream, not the many that a file can hold.
     static constexpr std::int32_t kMostLoneSymbols = 64 << 20;
 
     // Holds a copy of `count` bytes; none if `count` is not above 0 or there is no array.
@@ -58,6 +60,13 @@ class HuffmanBuffer {
     // The table's order and its frequencies are taken as they stand. With more than one symbol the
     // result has at most 8 bytes for each byte held.
     std::vector<std::uint8_t> Decompress() const;
+
+    // What a packed element holds: the data up to the first NUL, or all of it where there is none.
+    // A lone symbol spells no element, however often it is repeated, and gives the empty text. So
+    // the text never has more than 8 bytes for each byte held, and all packed elements of a file
+    // together unfold to no more than that multiple of it; a writer comes near it with a long run
+    // of one byte ahead of the closing NUL.
+    std::string Text() const;
 
   private:
     std::vector<std::uint8_t> bytes_;

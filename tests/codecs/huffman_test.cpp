@@ -117,6 +117,22 @@ TEST(Huffman, RepeatsALoneSymbolWithoutBits) {
     EXPECT_EQ(Decompressed(Stream(64 << 20, {{'x', 5}})).size(), std::size_t{64} << 20);
 }
 
+TEST(Huffman, GivesATextThatIsNoLongerThanEightBytesForEachByteHeld) {
+    const auto textOf = [](const Bytes& bytes) {
+        return HuffmanBuffer(bytes.data(), static_cast<std::int32_t>(bytes.size())).Text();
+    };
+    EXPECT_EQ(textOf(Text("<plain/>")), "<plain/>");
+    EXPECT_EQ(textOf(Text({"<plain/>\0rest", 13})), "<plain/>");
+    EXPECT_EQ(textOf(Stream(3, {{0, 1}, {'a', 2}}, {0x05})), "a");
+    for (const char lone : {'x', '<', '\0'})
+        EXPECT_EQ(textOf(Stream(64 << 20, {{static_cast<std::uint8_t>(lone), 5}})), "");
+
+    // As near to eight as a writer comes: all ones, then the NUL's zero and what fills the byte.
+    Bytes ones(100'001, 0xFF);
+    ones.back() = 0;
+    EXPECT_EQ(textOf(Stream(800'001, {{0, 1}, {'x', 800'000}}, ones)), std::string(800'000, 'x'));
+}
+
 TEST(Huffman, TakesTheTableAsItStands) {
     // The first listed is bit 0, whatever the frequencies.
     EXPECT_EQ(Decompressed(Stream(3, {{'a', 9}, {'b', 1}}, {0x04})), Text("aab"));

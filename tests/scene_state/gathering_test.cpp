@@ -3,6 +3,7 @@
 
 #include "adaptor/utility_manager.h"
 #include "scene_state/state_test.h"
+#include "support/allocations.h"
 #include "tvl/base64_buffer.h"
 
 namespace {
@@ -124,6 +125,19 @@ TEST_F(Gathering, LeavesTheTagsToTheNextCoreWhenItsOwnLeaves) {
     EXPECT_EQ(boxes, 1);
     EXPECT_EQ(TagOf(hip) + TagOf(lost), "");
     world.Core().onCall = nullptr;
+}
+
+// Each of the streams says that it is 64 MiB of one byte.
+TEST_F(Gathering, UnfoldsASmallSceneToAMultipleOfItselfAlone) {
+    std::string masters;
+    for (const char lone : std::string("x<\n\0", 4)) {
+        const std::string stream("\xCA\x31\x53\0\x64\0\0\0\1\0\0\0\0\0\0\4", 16);
+        masters += Packed(stream + lone + std::string(4, '\1'));
+    }
+    SceneNode("Small", "<TVL_tag>" + masters + Master("A") + "</TVL_tag>");
+    const AllocationPeak peak;
+    EXPECT_EQ(Gathered(), Texts{"<TVL>" + PluginXml("A") + "</TVL>"});
+    EXPECT_LT(peak.Bytes(), std::size_t{1} << 20);
 }
 
 TEST_F(Gathering, GoesAsDeepAsTheSceneAndTheStoredPlugins) {

@@ -110,6 +110,8 @@ TEST_F(OlderState, IsLeftOutWhereAnythingIsWrongAndTheNextOneIsRead) {
         [](Chunk& older) { older[1][1][2].id = 24; },
         [](Chunk& older) { older[1][1][1][0].bytes = "abc"; },
         [](Chunk& older) { older[1][1][1][2].bytes = ""; },
+        // Taken over by the entry behind it, as all further ones would.
+        [](Chunk& older) { older[1][1][1][2].bytes = Text(std::string(1000, 'n')); },
     };
     const Texts whole = {std::string("<TVL>") + kConverted + "</TVL>"};
     for (std::size_t index = 0; index < std::size(damages); ++index) {

@@ -42,10 +42,8 @@ bool IsPacked(const XMLNode& plugin) {
 // Without name and children if it cannot be read.
 XMLNode Unpacked(const XMLNode& plugin) {
     const std::vector<std::uint8_t> stream = Base64Buffer(plugin.Text()).Bytes();
-    const std::vector<std::uint8_t> text =
-        HuffmanBuffer(stream.data(), static_cast<std::int32_t>(stream.size())).Decompress();
-    const auto end = std::ranges::find(text, 0);
-    return XMLNode(std::string(text.begin(), end));
+    const HuffmanBuffer packed(stream.data(), static_cast<std::int32_t>(stream.size()));
+    return XMLNode(packed.Text());
 }
 
 class Reader {

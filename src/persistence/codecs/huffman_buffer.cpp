@@ -95,3 +95,10 @@ std::vector<std::uint8_t> HuffmanBuffer::Decompress() const {
         return std::vector<std::uint8_t>(header->size, static_cast<std::uint8_t>(tree[0].symbol));
     return Decode(tree, Bytes(bytes_).subspan(kHeaderBytes + tableBytes), header->size);
 }
+
+std::string HuffmanBuffer::Text() const {
+    const std::optional<StreamHeader> header = ReadHeader(bytes_);
+    if (header && header->symbols == 1) return {};
+    const std::vector<std::uint8_t> data = Decompress();
+    return std::string(data.begin(), std::ranges::find(data, std::uint8_t{0}));
+}

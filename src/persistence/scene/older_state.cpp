@@ -88,16 +88,20 @@ bool ReadData(ILoad& load, XMLNode& plugin, std::string& profile) {
     return true;
 }
 
-// An entry that lacks one of the two has it from the entry before.
+// An entry that lacks name or handle has it from the entry before.
 struct OlderNode {
     std::string name;
     std::optional<std::uint32_t> handle;
+    bool isNamed = false;  // by its own entry
 };
 
 bool ReadNode(ILoad& load, OlderNode& node) {
+    node.isNamed = false;
     for (OpenedChunk chunk(load); chunk.IsOpen(); chunk.Next()) {
         if (chunk.Id() == kHandle && !ReadNumber(load, node.handle.emplace())) return false;
-        if (chunk.Id() == kNodeName && !ReadText(load, node.name)) return false;
+        if (chunk.Id() != kNodeName) continue;
+        if (!ReadText(load, node.name)) return false;
+        node.isNamed = true;
     }
     return true;
 }
@@ -111,13 +115,20 @@ XMLNode NodeElement(const OlderNode& node) {
     return element;
 }
 
+// Names that entries have from the ones before may take so many bytes an entry, on an average, or
+// one long name and many empty entries would take all memory.
+constexpr std::size_t kMostTakenOver = 256;
+
 bool ReadNodes(ILoad& load, XMLNode& plugin) {
     const OpenedChunk nodes(load);
     if (!nodes.Is(kNodesChunk)) return false;
     XMLNode nodeInfo = Element(kNodeInfoElement);
     OlderNode node;
+    std::size_t takenOver = 0;
     for (OpenedChunk entry(load); entry.IsOpen(); entry.Next()) {
         if (!entry.Is(kNodeEntry) || !ReadNode(load, node)) return false;
+        if (!node.isNamed) takenOver += node.name.size();
+        if (takenOver > kMostTakenOver * (nodeInfo.children.size() + 1)) return false;
         nodeInfo.AddChild(NodeElement(node));
     }
     plugin.AddChild(nodeInfo);

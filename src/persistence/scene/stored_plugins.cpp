@@ -35,22 +35,16 @@ bool IsPacked(const XMLNode& plugin) {
            plugin.children.size() == 1 && plugin.children.front()->kind == XMLNode::kText;
 }
 
-// The text is closed by a NUL, which is part of the stream.
-std::string UnpackedText(const Base64Buffer& packed) {
-    const std::vector<std::uint8_t>& bytes = packed.Bytes();
-    const std::vector<std::uint8_t> text =
-        HuffmanBuffer(bytes.data(), static_cast<std::int32_t>(bytes.size())).Decompress();
-    return std::string(text.begin(), std::ranges::find(text, std::uint8_t{0}));
-}
-
 // False if nothing could be unpacked.
 bool Unpack(XMLNode& master) {
     const XMLNode& plugin = PluginOf(master);
     if (!IsPacked(plugin)) return true;
     const Base64Buffer packed(plugin.children.front()->name);
-    if (packed.Bytes().empty()) return false;
+    const std::vector<std::uint8_t>& stream = packed.Bytes();
+    if (stream.empty()) return false;
     master.RemoveChild(plugin);
-    AppendXMLChild(master, std::make_unique<XMLNode>(UnpackedText(packed)));
+    const HuffmanBuffer unpacked(stream.data(), static_cast<std::int32_t>(stream.size()));
+    AppendXMLChild(master, std::make_unique<XMLNode>(unpacked.Text()));
     return true;
 }
 
