@@ -2,34 +2,9 @@
 
 #include "scene_file/scene_file.h"
 #include "scene_file/thrown_words.h"
-#include "storage/chunk_reader.h"
 
 namespace headless {
 namespace {
-
-// Notes whether anybody has opened a chunk.
-class NotingReader final : public ILoad {
-  public:
-    explicit NotingReader(ChunkReader reader) : reader_(std::move(reader)) {}
-
-    IOResult OpenChunk() override {
-        const IOResult result = reader_.OpenChunk();
-        hasOpened_ |= result == IO_OK;
-        return result;
-    }
-    std::uint16_t CurChunkID() override { return reader_.CurChunkID(); }
-    IOResult CloseChunk() override { return reader_.CloseChunk(); }
-    IOResult Read(void* bytes, std::uint32_t count, std::uint32_t* read) override {
-        return reader_.Read(bytes, count, read);
-    }
-    IOResult ReadCStringChunk(char** text) override { return reader_.ReadCStringChunk(text); }
-
-    bool HasOpened() const { return hasOpened_; }
-
-  private:
-    ChunkReader reader_;
-    bool hasOpened_ = false;
-};
 
 GUP* Find(std::span<const RunningUtility> running, const StoredClass& type) {
     const auto found = std::ranges::find_if(running, [&](const RunningUtility& utility) {
@@ -39,30 +14,58 @@ GUP* Find(std::span<const RunningUtility> running, const StoredClass& type) {
     return found != running.end() ? found->utility : nullptr;
 }
 
+// What the utility's loading came to; in words if it failed.
+std::string LoadFailure(GUP& utility, NotingReader& reader) {
+    try {
+        if (utility.Load(&reader) == IO_OK) return {};
+    } catch (...) {
+        return "could not read its chunks (" + ThrownWords() +
+               "); they are kept as they are stored";
+    }
+    return "could not read its chunks; they are kept as they are stored";
+}
+
 }  // namespace
+
+std::vector<std::byte> SceneFileReader::BytesOf(const std::vector<StoredRange>& ranges) {
+    std::vector<std::byte> all;
+    for (const StoredRange& range : ranges) {
+        const std::vector<std::byte> bytes = BytesOf(range);
+        all.insert(all.end(), bytes.begin(), bytes.end());
+    }
+    return all;
+}
+
+KeptChunks SceneFileReader::LoadUtility(const StoredUtility& stored, GUP& utility,
+                                        std::vector<std::string>& complaints) {
+    const auto complain = [&](std::uint64_t place, const std::string& what) {
+        complaints.push_back(path_ + ": at byte " + std::to_string(place) + ": " +
+                             stored.type.name + " " + what);
+    };
+    NotingReader reader(*source_, stored.chunks);
+    const std::string failure = LoadFailure(utility, reader);
+    reader.End(failure.empty());
+    const std::vector<std::byte> unread = BytesOf(reader.Unread());
+    if (!failure.empty()) {
+        complain(stored.chunks.begin, failure);
+        return {stored.type, BytesOf(stored.chunks), true, unread};
+    }
+    if (const std::optional<StoredRange> misfit = reader.Misfit()) {
+        complain(misfit->begin,
+                 "could not read all of a chunk as it is; it is kept as it is stored");
+    }
+    return {.type = stored.type, .chunks = unread};
+}
 
 std::vector<KeptChunks> SceneFileReader::LoadUtilities(std::span<const RunningUtility> running,
                                                        std::vector<std::string>& complaints) {
     std::vector<KeptChunks> kept;
     for (const StoredUtility& stored : document_.utilities) {
-        bool taken = false;
-        if (GUP* const utility = Find(running, stored.type)) {
-            NotingReader reader(ChunkReader(*source_, stored.chunks.begin, stored.chunks.end));
-            std::string failure;
-            try {
-                const IOResult result = utility->Load(&reader);
-                taken = result == IO_OK && reader.HasOpened();
-                if (result != IO_OK) failure = "could not read its chunks";
-            } catch (...) {
-                failure = "could not read its chunks (" + ThrownWords() + ")";
-            }
-            if (!failure.empty()) {
-                complaints.push_back(path_ + ": at byte " + std::to_string(stored.chunks.begin) +
-                                     ": " + stored.type.name + " " + failure +
-                                     "; they are kept as they are stored");
-            }
-        }
-        if (!taken) kept.push_back({stored.type, BytesOf(stored.chunks)});
+        GUP* const utility = Find(running, stored.type);
+        KeptChunks left = utility
+                              ? LoadUtility(stored, *utility, complaints)
+                              : KeptChunks{.type = stored.type, .chunks = BytesOf(stored.chunks)};
+        if (!left.chunks.empty()) kept.push_back(std::move(left));
     }
     return kept;
 }

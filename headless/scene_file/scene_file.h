@@ -10,6 +10,7 @@
 #include "host/class_desc.h"
 #include "host/gup.h"
 #include "scene/node.h"
+#include "scene_file/kept_chunks.h"
 #include "scene_file/scene_document.h"
 #include "storage/byte_source.h"
 
@@ -26,12 +27,6 @@ class SceneFileError : public std::runtime_error {
 struct RunningUtility {
     ClassDesc* descriptor = nullptr;
     GUP* utility = nullptr;
-};
-
-// Chunks of a utility that nobody took when the scene was opened.
-struct KeptChunks {
-    StoredClass type;
-    std::vector<std::byte> chunks;
 };
 
 // A scene file that has been checked from end to end: every checksum, length, index and handle.
@@ -60,19 +55,24 @@ class SceneFileReader {
     std::vector<SceneNode*> MergeIntoScene(std::vector<std::string>& complaints);
 
     // Runs `Load` of each running utility that has chunks in the file, in the file's order. What
-    // comes back is what no utility has opened a chunk of, or failed to load; each failure is a
+    // comes back is what no utility has opened a chunk of, has skipped, could not read whole, or
+    // failed to load; each failure, and the first chunk that does not fit what was read of it, is a
     // complaint.
     std::vector<KeptChunks> LoadUtilities(std::span<const RunningUtility> running,
                                           std::vector<std::string>& complaints);
 
   private:
+    std::vector<std::byte> BytesOf(const std::vector<StoredRange>& ranges);
+    KeptChunks LoadUtility(const StoredUtility& stored, GUP& utility,
+                           std::vector<std::string>& complaints);
+
     std::string path_;
     std::unique_ptr<ByteSource> source_;
     SceneDocument document_;
 };
 
 // Writes the scene, and the chunks of the utilities: for each that runs what its `Save` writes, and
-// `kept` for those of which there is nothing else. The file goes beside its place first, and takes
+// what is kept of each beside it. The file goes beside its place first, and takes
 // it when it is whole and on the disk. Throws SceneFileError; the old file stands untouched then.
 void WriteSceneFile(const std::string& path, std::span<const RunningUtility> running,
                     std::span<const KeptChunks> kept);

@@ -55,8 +55,13 @@ void SaveInto(ByteSink& sink, const std::string& path, const std::string& name, 
     throw SceneFileError(NotWritten(path) + ": " + name + " could not save itself" + reason);
 }
 
-// What the utilities write, in the order of their classes.
-using UtilityChunks = std::map<ClassKey, KeptChunks>;
+struct UtilityBytes {
+    StoredClass type;
+    std::vector<std::byte> chunks;
+};
+
+// What is written of the utilities, in the order of their classes.
+using UtilityChunks = std::map<ClassKey, UtilityBytes>;
 
 UtilityChunks SaveUtilities(const std::string& path, std::span<const RunningUtility> running,
                             std::span<const KeptChunks> kept) {
@@ -69,8 +74,10 @@ UtilityChunks SaveUtilities(const std::string& path, std::span<const RunningUtil
         SaveInto(sink, path, type.name, [&](ISave* save) { return utility.utility->Save(save); });
         if (sink.Size() > 0) chunks.insert({KeyOf(type), {type, sink.Take()}});
     }
-    for (const KeptChunks& own : kept)
-        chunks.insert({KeyOf(own.type), own});
+    for (const KeptChunks& left : kept) {
+        UtilityBytes& bytes = chunks.try_emplace(KeyOf(left.type), left.type).first->second;
+        bytes.chunks = WithKept(left, std::move(bytes.chunks));
+    }
     return chunks;
 }
 
@@ -172,7 +179,7 @@ class SceneWriter {
         }
     }
 
-    void WriteUtility(const KeptChunks& chunks) {
+    void WriteUtility(const UtilityBytes& chunks) {
         TopChunk chunk(file_.Sink(), kUtilityChunk);
         chunk.Class(chunks.type);
         chunk.Bytes(chunks.chunks);

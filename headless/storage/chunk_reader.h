@@ -31,6 +31,7 @@ class ChunkReader final : public ILoad {
     // this reader stands where it stood, and closing the chunk skips it.
     ChunkReader Inside() const { return ChunkReader(*source_, position_, End()); }
 
+    bool IsInChunk() const { return !open_.empty(); }
     std::uint64_t Left() const { return End() - position_; }  // bytes of the level
 
     // What was read did not fit what there is: a read wanted more than its level held, a chunk

@@ -50,7 +50,7 @@ struct UtilityChunksView {
     Class_ID classId;
     std::uint64_t size = 0;  // bytes
     bool isRunning = false;  // the utility was there when the file was opened
-    bool isTaken = false;    // it took them; else they are kept
+    bool isTaken = false;    // it took all of them; those that it did not take are kept
 };
 
 // A running host. A process has one at a time; a second one can be made when the first is gone.
@@ -132,8 +132,8 @@ class HEADLESS_API Session {
     FileOutcome MergeScene(const std::string& path);
 
     // Chunks of utilities in the scene file that was opened last, in its order. Those that nobody
-    // took are kept until the scene is emptied, and each save writes those of a utility that has
-    // none of its own.
+    // took are kept until the scene is emptied, and each save writes them beside what the utility
+    // writes itself.
     std::vector<UtilityChunksView> UtilityChunks() const;
 
     // Tells the plug-ins of something that this host does not do itself, such as notification 9 for

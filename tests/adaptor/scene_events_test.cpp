@@ -100,8 +100,19 @@ TEST_F(SceneEvents, WithoutACoreASceneKeepsTheStateThatIsInIt) {
     world.Session().Reset();
     EXPECT_EQ(Taken(), Calls());
 
+    // What a Core that came too late for the scene writes stands behind what it never saw.
+    Open(again);
     UtilityManager::Get().AttachCore();
+    world.Core().state = XMLNode("<state/>");
+    world.Core().state.AddChild(XMLNode("take", "2"));
+    const std::string late = Saved("late.scene");
     Taken();
+    Open(late);
+    Calls taken = Taken();
+    ASSERT_EQ(taken.size(), 5U);
+    EXPECT_EQ(taken[1], std::string("set state ") + kState);
+    EXPECT_EQ(taken[2], "set state <state><take>2</take></state>");
+
     ClaimWhenLoading();
     Open(again);
     EXPECT_EQ(Taken(),
