@@ -21,12 +21,14 @@ class Chunk final : public TVL::CUndo {
     void Redo() override { Swap("redone"); }
     void Release() override {
         Play& play = play_;
+        play.Hear("released");
         delete this;
         play.Meet("released");
     }
 
   private:
     void Swap(const char* moment) {
+        play_.Hear(moment);
         std::swap(play_.value, other_);
         play_.Meet(moment);
     }
@@ -39,9 +41,9 @@ bool HasRoom() {
     return SceneNodes().size() < kLargestScene;
 }
 
-// What happens in a hold outside every group, the adaptor records for the host alone.
+// The adaptor records what becomes of its nodes in a group, if that has a hold.
 void NoteWhatIsUnrecorded(Play& play) {
-    if (!play.Adaptor().IsHoldingUndo()) play.leftNoRecord = true;
+    if (!play.Adaptor().IsHoldingUndo() || !theHold.Holding()) play.leftNoRecord = true;
 }
 
 // Seconds of whole and of half frames around 0.
@@ -114,9 +116,12 @@ void Create(Play& play, Make make) {
     NoteWhatIsUnrecorded(play);
     Rig& rig = play.choices.OneOf(play.rigs);
     TVL::CoreNode* const parent = play.choices.Chance() ? play.AnyNode() : nullptr;
+    const std::string name = play.NewName();
     const bool isTold = play.Adaptor().IsHoldingUndo();
-    TVL::CNode* const node = make(rig, play.NewName(), parent);
-    if (!isTold) rig.Forget(node);
+    TVL::CNode* const node = make(rig, name, parent);
+    const bool isStillTold = play.Adaptor().IsHoldingUndo();
+    if (!isTold || !isStillTold) rig.Forget(node);
+    if (isTold && !isStillTold) play.loose.insert(name);
 }
 
 void CreateHelper(Play& play) {
@@ -139,7 +144,9 @@ void Claim(Play& play) {
     if (!found) return;
     play.leftNoRecord = true;
     Rig& rig = play.choices.OneOf(play.rigs);
-    if (TVL::CoreNode* const own = found->Claim(&rig, "loose" + play.NewName())) {
+    const std::string name = play.NewName();
+    play.loose.insert(name);
+    if (TVL::CoreNode* const own = found->Claim(&rig, name)) {
         own->SetListener(&rig);
         rig.Forget(own);
     }
@@ -150,10 +157,7 @@ void Delete(Play& play, bool withHostNode) {
     TVL::CoreNode* const node = play.AnyNode();
     if (!node) return;
     NoteWhatIsUnrecorded(play);
-    if (!play.Adaptor().IsHoldingUndo())
-        for (Rig& rig : play.rigs)
-            rig.Forget(node);
-    node->Delete(withHostNode);
+    play.OwnerOf(node).Delete(node, withHostNode);
 }
 
 void ChangeParent(Play& play) {
@@ -219,6 +223,11 @@ void RunOrStop(Play& play) {
 
 // The scene --------------------------------------------------------------------------------------
 
+void Flush(Play& play) {
+    play.leftNoRecord = true;
+    play.Adaptor().FlushUndoBuffer();
+}
+
 void Merge(Play& play) {
     if (SceneNodes().size() > kLargestScene / 2) return;
     play.leftNoRecord = true;
@@ -275,7 +284,7 @@ constexpr Act kActs[] = {
     {"run or stop", RunOrStop},
     {"set time", [](Play& play) { play.Adaptor().SetCurrentTime(AnyTime(play)); }},
     {"undo", [](Play& play) { play.Adaptor().PerformUndo(); }},
-    {"flush", [](Play& play) { play.Adaptor().FlushUndoBuffer(); }},
+    {"flush", Flush},
     {"merge", Merge},
     {"throw", [](Play&) { throw std::runtime_error("thrown by the Core"); }},
     {"save", Save, By::kUser},

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 #include "controllers/scalar_control.h"
@@ -25,10 +26,6 @@ void Collect(INode& parent, std::vector<INode*>& nodes) {
     }
 }
 
-bool IsLoose(const CMAXNode& node) {
-    return node.NodeName().starts_with("loose");
-}
-
 }  // namespace
 
 std::vector<INode*> SceneNodes() {
@@ -38,14 +35,19 @@ std::vector<INode*> SceneNodes() {
 }
 
 Play::Play() : rigs{{{"Left", world}, {"Right", world}}} {
-    for (Rig& rig : rigs)
+    for (Rig& rig : rigs) {
+        rig.onCall = [this](const char* moment) { Hear(moment); };
         rig.onMoment = [this](const char* moment) { Meet(moment); };
+    }
     puppet::TheStage().onAttach = [this] {
         isGone_ = false;
         Meet("attach");
     };
     world.Core().onCall = [this](const std::string& call) { Answer(call); };
-    world.Core().onOptionAsked = [this](int) { Meet("option"); };
+    world.Core().onOptionAsked = [this](int) {
+        Hear("option");
+        Meet("option");
+    };
     world.Core().onLeave = [this] { Leave(); };
 }
 
@@ -62,14 +64,18 @@ void Play::Do(const Act& act) {
     if (act.by == By::kUser || !isGone_) act.run(*this);
 }
 
-void Play::Meet(const std::string& moment) {
+void Play::Hear(const std::string& moment) {
     if (isGone_) noted_.push_back("the Core is told \"" + moment + "\" after it has left");
-    if (onMoment) onMoment(moment);
+}
+
+void Play::Meet(const std::string& moment) {
+    if (onMoment && !isGone_) onMoment(moment);
 }
 
 // The puppet's words are its calls, some with what was given behind them.
 void Play::Answer(const std::string& call) {
     world.Core().TakeCalls();
+    Hear(call);
     if (call == "get state")
         world.Core().state = XMLNode("<play><value>" + std::to_string(value) + "</value></play>");
     if (call.starts_with(kSetState)) Load(XMLNode(call.substr(std::string(kSetState).size())));
@@ -85,11 +91,18 @@ void Play::Answer(const std::string& call) {
     sceneGoes_ = false;
 }
 
+// A name that is taken, as when a scene is merged into itself, gives way to a new one. Claims leave
+// no record.
 void Play::Load(const XMLNode& state) {
-    for (Rig& rig : rigs)
+    for (Rig& rig : rigs) {
+        const auto nameFor = [&](const std::string& stored) {
+            const std::string name = Adaptor().FindNode(&rig, stored) ? NewName() : stored;
+            if (theHold.Holding() || IsSceneUnsure()) loose.insert(name);
+            return name;
+        };
         for (const auto& plugin : state.children)
-            if (plugin->Child("name").Text() == rig.Name())
-                rig.Load(*plugin, [this] { return NewName(); });
+            if (plugin->Child("name").Text() == rig.Name()) rig.Load(*plugin, nameFor);
+    }
 }
 
 void Play::Leave() {
@@ -120,10 +133,16 @@ void Play::ReleaseLast() {
     if (IsAlive(out.node)) out.node->ReleaseSnapshot(out.snapshot);
 }
 
+// What is made now may be gone in a moment without a word.
+bool Play::IsSceneUnsure() const {
+    return theHold.RestoreOrRedoing() || sceneGoes_;
+}
+
 std::string Play::NewName() {
     const bool isUnrecorded = theHold.Holding() && !Adaptor().IsHoldingUndo();
-    const bool isLoose = isUnrecorded || theHold.RestoreOrRedoing() || sceneGoes_;
-    return (isLoose ? "loose" : "n") + std::to_string(names_++);
+    std::string name = "n" + std::to_string(names_++);
+    if (isUnrecorded || IsSceneUnsure()) loose.insert(name);
+    return name;
 }
 
 TVL::CoreNode* Play::AnyNode() {
@@ -132,6 +151,11 @@ TVL::CoreNode* Play::AnyNode() {
         for (TVL::CoreNode* node : rig.Nodes())
             nodes.push_back(node);
     return nodes.empty() ? nullptr : choices.OneOf(nodes);
+}
+
+Rig& Play::OwnerOf(TVL::CoreNode* node) {
+    const std::vector<TVL::CoreNode*> right = rigs[1].Nodes();
+    return rigs[std::ranges::count(right, node) > 0 ? 1 : 0];
 }
 
 std::string Play::AnyFile() {
@@ -158,18 +182,20 @@ void Play::FindUnsortedKeys(Faults& faults) const {
     ScalarControl::liveInstances.ForEachFromLast(look);
 }
 
+// Of two nodes that a claim has brought onto one scene node the host knows but the first.
 void Play::FindWrongNodes(Faults& faults) {
-    std::vector<const CMAXNode*> listed;
-    std::vector<const INode*> hosts;
+    std::map<const CMAXNode*, int> listed;
+    std::map<const INode*, std::vector<std::string>> on;
     for (const CMAXNode* node : AdaptorNodes().nodes) {
-        const INode* const host = node->HostNode();
-        if (std::ranges::count(listed, node) > 0) faults.push_back("a node is listed twice");
-        listed.push_back(node);
-        if (IsLoose(*node)) continue;
-        if (!host) faults.push_back(node->NodeName() + " is listed and not in the scene");
-        if (host && std::ranges::count(hosts, host) > 0)
-            faults.push_back(node->NodeName() + " is listed beside another on its scene node");
-        hosts.push_back(host);
+        if (listed[node]++ == 1) faults.push_back("a node is listed twice");
+        on[node->HostNode()].push_back(node->NodeName());
+    }
+    for (const auto& [host, names] : on) {
+        const auto known = std::ranges::count_if(
+            names, [this](const std::string& name) { return !loose.contains(name); });
+        if (!host && known > 0) faults.push_back("a node is listed and not in the scene");
+        if (host && known > 1) faults.push_back("two nodes are listed for one in the scene");
+        if (host && names.size() > 1) loose.insert(names.begin(), names.end());
     }
 }
 

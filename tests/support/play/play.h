@@ -2,7 +2,7 @@
 
 #include <array>
 #include <functional>
-#include <map>
+#include <set>
 #include <span>
 #include <string>
 #include <vector>
@@ -85,19 +85,24 @@ class Play {
     int chunksAlive = 0;        // of these
     bool leftNoRecord = false;  // done what undo cannot know; whoever cares clears it
 
-    void Meet(const std::string& moment);
-    void ReleaseLast();  // of what is lent, if anything is
+    // Names of nodes whose scene node undo may take without a word, so that the adaptor's list may
+    // go on holding them.
+    std::set<std::string> loose;
 
-    // For a node that is made or claimed now. It begins with "loose" if undo may take the scene
-    // node without a word, so that the adaptor's list may go on holding it.
-    std::string NewName();
+    void Hear(const std::string& moment);  // at the beginning of the call
+    void Meet(const std::string& moment);  // and in its midst, unless the Core has left in it
+    void ReleaseLast();                    // of what is lent, if anything is
+
+    std::string NewName();     // for a node that is made or claimed now
     TVL::CoreNode* AnyNode();  // of the Core's; null if there is none
-    std::string AnyFile();     // of two scene files, of which none may exist
+    Rig& OwnerOf(TVL::CoreNode* node);
+    std::string AnyFile();  // of two scene files, of which none may exist
 
   private:
     void Answer(const std::string& call);
     void Load(const XMLNode& state);
     void Leave();
+    bool IsSceneUnsure() const;
     bool IsAlive(const TVL::CoreNode* node) const;
     void FindUnsortedKeys(Faults& faults) const;
     void FindWrongNodes(Faults& faults);

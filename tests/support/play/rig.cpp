@@ -9,15 +9,19 @@ Rig::Rig(std::string name, World& world) : record_{std::move(name)}, world_(worl
 }
 
 std::intptr_t Rig::HandleExtension(int id, void* argument) {
+    const char* const moment = id == 43 ? "deletion" : "saving";
+    onCall(moment);
     if (id == 43) LetGo();
     if (id == 56) Store(*static_cast<XMLNode*>(argument));
-    if (onMoment) onMoment(id == 43 ? "deletion" : "saving");
+    onMoment(moment);
     return 0;
 }
 
 void Rig::Hear(TVL::CNode* node, bool restored) {
+    const char* const moment = restored ? "restored" : "removed";
+    onCall(moment);
     heard[node] = restored;
-    if (onMoment) onMoment(restored ? "restored" : "removed");
+    onMoment(moment);
 }
 
 std::vector<TVL::CoreNode*> Rig::Nodes() {
@@ -27,11 +31,16 @@ std::vector<TVL::CoreNode*> Rig::Nodes() {
     return nodes;
 }
 
-// The listener may act meanwhile, so the list is read anew for each node.
+void Rig::Delete(TVL::CoreNode* node, bool withHostNode) {
+    if (!world_.Adaptor().IsHoldingUndo()) Forget(node);
+    node->Delete(withHostNode);
+}
+
+// Nodes may come, at the end, and go meanwhile.
 void Rig::LetGo() {
     world_.Adaptor().BeginUndoGroup("let go");
     for (std::size_t left = Nodes().size(); left > 0 && !Nodes().empty(); --left)
-        Nodes().back()->Delete(true);
+        Delete(Nodes().front(), true);
     world_.Adaptor().EndUndoGroup();
 }
 
@@ -53,15 +62,14 @@ void Rig::Store(XMLNode& masters) {
     masters.AddChild(master);
 }
 
-void Rig::Load(const XMLNode& pluginState, const std::function<std::string()>& newName) {
+void Rig::Load(const XMLNode& pluginState, const NameFor& nameFor) {
     const XMLNode& info = pluginState.Child("nodeinfo");
     const std::vector<TVL::CNode*> found = world_.Adaptor().ClaimNodes(Name(), info);
     for (std::size_t index = 0; index < found.size(); ++index) {
         auto* const node = static_cast<TVL::CoreNode*>(found[index]);
         if (!node) continue;
-        const std::string stored = info.children[index]->attributes.at("name");
-        const bool isTaken = world_.Adaptor().FindNode(this, stored) != nullptr;
-        if (TVL::CoreNode* own = node->Claim(this, isTaken ? newName() : stored)) {
+        const std::string name = nameFor(info.children[index]->attributes.at("name"));
+        if (TVL::CoreNode* own = node->Claim(this, name)) {
             own->SetListener(this);
             Forget(own);
         }

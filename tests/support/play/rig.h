@@ -28,7 +28,12 @@ class Rig final : public TVL::CoreElement, public TVL::NodeListener {
     std::vector<TVL::CoreNode*> Nodes();
 
     // Makes the nodes of a stored state of this plug-in its own again.
-    void Load(const XMLNode& pluginState, const std::function<std::string()>& newName);
+    // `nameFor` gives the name that one gets for the name that was stored.
+    using NameFor = std::function<std::string(const std::string& stored)>;
+    void Load(const XMLNode& pluginState, const NameFor& nameFor);
+
+    // Ends a node, of which a group's record tells later and nobody otherwise.
+    void Delete(TVL::CoreNode* node, bool withHostNode);
 
     // Ends its nodes without a word, as when the scene goes.
     void Drop();
@@ -36,8 +41,11 @@ class Rig final : public TVL::CoreElement, public TVL::NodeListener {
     // What is heard of a node from here on is heard afresh.
     void Forget(TVL::CNode* node) { heard.erase(node); }
 
-    std::map<TVL::CNode*, bool> heard;  // the last word on a node: restored (true) or removed
-    std::function<void(const char* moment)> onMoment;  // inside each call, when its work is done
+    std::map<TVL::CNode*, bool> heard;  // the last word on a node: restored, or removed
+
+    // Inside each call: at its beginning, and when its work is done.
+    std::function<void(const char* moment)> onCall;
+    std::function<void(const char* moment)> onMoment;
 
   private:
     void Hear(TVL::CNode* node, bool restored);
