@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "support/play/play.h"
+
+// A long life of host, user and Core, step by step, beside a model that says after each what must
+// be there. What a step works on is read off the bytes behind its number, so that a life is a row
+// of bytes: the same bytes, the same life, and any of its steps can be left out.
+namespace soak {
+
+constexpr std::size_t kStepBytes = 12;
+
+class Soak;
+
+// What the user does, or an act of the Core's.
+struct Step {
+    const char* name;
+    std::function<void(Soak&)> run;
+};
+const Step& StepOf(std::span<const std::uint8_t> bytes);
+
+// All that undo brings back. The order of the adaptor's list and the cached keys are no part of it.
+struct Look {
+    std::uint64_t scene = 0;                            // digest
+    std::vector<std::tuple<int, std::uint32_t>> nodes;  // plug-in and handle, ascending
+    int value = 0;                                      // the Core's own
+    bool operator==(const Look&) const = default;
+};
+
+// What was there at each depth of the undo stack; nothing where nobody has looked yet.
+class History {
+  public:
+    // What happened since the last call, or the construction.
+    struct Since {
+        bool inHold = false;        // a hold was open at the end of some step
+        bool redone = false;        // a higher depth is none of new steps
+        bool leftNoRecord = false;  // older records may not fit any more
+    };
+
+    // A step has ended with no hold open. The result is empty, or says what is not as it must be.
+    std::string Follow(const Look& now, std::size_t depth, const Since& since);
+
+  private:
+    enum class Known { kStale, kUnseen, kSeen };
+    struct State {
+        Known known = Known::kUnseen;
+        Look look;
+    };
+    void Forget(const Look& now, std::size_t depth);
+    void Grow(const Look& now, std::size_t depth);
+
+    std::vector<State> states_{1};  // by depth, those that can be redone behind the present one
+    std::size_t depth_ = 0;
+    Look present_;
+};
+
+class Soak {
+  public:
+    Soak();
+
+    // Plays one step of kStepBytes; the result is empty, or says what does not hold after it.
+    std::string Play(std::span<const std::uint8_t> bytes);
+
+    // Gives everything back; what does not hold then.
+    std::string Rest();
+
+    // For the steps.
+
+    play::Play play;
+    Look Present();
+    void Fail(const std::string& fault);  // nothing if it is empty
+    void Follow();                     // compares with the model what has become of undo up to here
+    const play::Act* armed = nullptr;  // done at the Core's next moment
+    int wait = 0;                      // moments that pass before that
+    History::Since since;
+
+  private:
+    void Meet(const std::string& moment);
+    std::string Checked(play::Faults faults);
+
+    History history_;
+    play::Faults faults_;
+};
+
+}  // namespace soak
