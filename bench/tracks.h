@@ -69,7 +69,7 @@ class HostTrack {
 // The arithmetic of OurTrack between two keys that are found elsewhere.
 class Between {
   public:
-    Between() : pair_(new OpenTransform) { pair_->table.keys.resize(2); }
+    Between() : pair_(new OpenTransform) { pair_->table.keys.Whole().resize(2); }
     Matrix3 operator()(const TarvoKey<Matrix3>& left, const TarvoKey<Matrix3>& right, TimeValue t);
 
   private:

@@ -1,6 +1,5 @@
 #include "controllers/base_control.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "controllers/key_restore.h"
@@ -101,36 +100,34 @@ void BaseControl<T>::DeleteTime(Interval range, std::uint32_t flags) {
     std::int32_t behindLast = table.FirstAfter(range.End());
     if (table.At(behindLast - 1).time == range.End() && !(flags & TIME_INCRIGHT)) --behindLast;
 
-    if (theHold.Holding()) theHold.Put(new ControlCompleteKeyRestore<BaseControl, Key>(*this));
-    table.Remove(first, behindLast);
+    if (theHold.Holding()) {
+        theHold.Put(new ControlCompleteKeyRestore<BaseControl, Key>(*this, first, behindLast));
+    }
+    while (behindLast > first)
+        table.Remove(--behindLast);
 }
 
 template <class T>
 void BaseControl<T>::DeleteKeys(std::uint32_t flags) {
     if (!(flags & TRACK_DOSEL)) {
-        if (flags & TRACK_DOALL) table.keys.clear();
+        if (flags & TRACK_DOALL) table.Clear();
         return;
     }
-    if (theHold.Holding()) {
-        // Each record's index is the one that its key has once the keys before it are gone.
-        std::int32_t kept = 0;
-        for (const Key& key : table.keys) {
-            if (key.flags)
-                theHold.Put(new ControlKeyDeleteRestore<BaseControl, Key>(*this, key, kept));
-            else
-                ++kept;
-        }
+    for (std::int32_t index = 0; index < table.Count();) {
+        if (table.At(index).flags)
+            DeleteKeyByIndex(index);
+        else
+            ++index;
     }
-    std::erase_if(table.keys, [](const Key& key) { return key.flags != 0; });
 }
 
 template <class T>
 void BaseControl<T>::DeleteKeyByIndex(int index) {
     if (!table.Contains(index)) return;
     if (theHold.Holding()) {
-        theHold.Put(new ControlKeyDeleteRestore<BaseControl, Key>(*this, table.At(index), index));
+        theHold.Put(new ControlKeyDeleteRestore<BaseControl, Key>(*this, index));
     }
-    table.Remove(index, index + 1);
+    table.Remove(index);
 }
 
 template <class T>
@@ -186,7 +183,7 @@ RefTargetHandle BaseControl<T>::Clone(RemapDir& remap) {
         static_cast<Control*>(GetCOREInterface()->CreateInstance(superClassID, classID));
     if (!made) return nullptr;
     auto* const copy = static_cast<BaseControl*>(made);
-    copy->table.keys = table.keys;
+    copy->table.keys.Whole() = table.keys.Whole();
     copy->table.currentKey = table.currentKey;
     this->BaseClone(this, copy, remap);
     return copy;
@@ -195,7 +192,8 @@ RefTargetHandle BaseControl<T>::Clone(RemapDir& remap) {
 template <class T>
 void BaseControl<T>::Copy(Control* from) {
     if (!from || from == this || from->SuperClassID() != superClassID) return;
-    table.keys.clear();
+    table.Clear();
+    table.names.VoidAll();
     for (const TimeValue t : SamplingTimes(*from)) {
         Key key{0, t, T{}};
         Interval valid = FOREVER;
@@ -222,26 +220,28 @@ TarvoKey<T> BaseControl<T>::GetKeyAtTime(TimeValue t) {
 
 template <class T>
 void BaseControl<T>::AddKey(const Key& key) {
+    const bool isHeld = theHold.Holding();
+    const KeyName name = isHeld ? table.names.New() : kNoName;
     if (table.EndsBefore(key.time)) {
-        if (theHold.Holding()) theHold.Put(new ControlKeyAppendRestore<BaseControl, Key>(*this));
-        table.keys.push_back(key);
-        return;
+        if (isHeld) {
+            theHold.Put(new ControlKeyAppendRestore<BaseControl, Key>(*this, key.time, name));
+        }
+        return table.Insert(table.Count(), key, name);
     }
     const std::int32_t index = table.FirstNotBefore(key.time);
     if (table.At(index).time == key.time) {
-        if (theHold.Holding())
-            theHold.Put(new ControlKeyModRestore<BaseControl, Key>(*this, index));
-        table.At(index) = key;
-        return;
+        if (isHeld) theHold.Put(new ControlKeyModRestore<BaseControl, Key>(*this, index, name));
+        return table.Overwrite(index, key, name);
     }
-    if (theHold.Holding()) theHold.Put(new ControlKeyInsertRestore<BaseControl, Key>(*this, index));
-    table.Insert(index, key);
+    if (isHeld) {
+        theHold.Put(new ControlKeyInsertRestore<BaseControl, Key>(*this, index, key.time, name));
+    }
+    table.Insert(index, key, name);
 }
 
 template <class T>
 void BaseControl<T>::HoldCurrentKey() {
-    using Record = ControlKeyModRestore<BaseControl, Key>;
-    if (theHold.Holding()) theHold.Put(new Record(*this, Record::kCurrentKey));
+    if (theHold.Holding()) theHold.Put(new ControlKeyModRestore<BaseControl, Key>(*this));
 }
 
 template <class T>

@@ -10,9 +10,16 @@ class KeyRestore;
 
 // A keyframe controller over one table of whole values, float or Matrix3. It answers the host's key
 // operations from that table; the concrete classes add evaluation, SetValue and their identity.
-// Every change of keys inside a hold puts its record there first; but for SetValue, edits send no
-// notification. While the Core runs, NumKeys is 0: the host, copies and conversions then see a
-// controller without keys, though the table is full and values go on being interpolated.
+//
+// Inside a hold these put a record before they change anything: SetValue, one for the cached key
+// and one for the key that it writes in animate mode; DeleteKeyAtTime, DeleteKeyByIndex and
+// DeleteKeys with TRACK_DOSEL, one for each key; DeleteTime, one for the whole table. DeleteKeys
+// with TRACK_DOALL, selecting, Copy, Load and ChangeParents put none. SetValue, ChangeParents of a
+// transform controller and records that take something back or do it again tell the dependents; the
+// rest tells nobody.
+//
+// While the Core runs, NumKeys is 0: the host, copies and conversions then see a controller without
+// keys, though the table is full and values go on being interpolated.
 // The order of the virtual operations and of the fields is part of the contract.
 template <class T>
 class BaseControl : public Control {

@@ -1,6 +1,7 @@
 #include "controllers/key_storage.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "persistence/chunks/whole_value.h"
 
@@ -45,12 +46,13 @@ void ReadRecords(ILoad& load, KeyTable<T>& table) {
     if (!ReadNumber(load, kFormatVersion) || !ReadNumber(load, sizeof(TarvoKey<T>)) ||
         !ReadWhole(load, count))
         return;
-    const std::size_t announced = table.keys.size() + static_cast<std::size_t>(std::max(count, 0));
+    std::vector<TarvoKey<T>>& keys = table.keys.Whole();
+    const std::size_t announced = keys.size() + static_cast<std::size_t>(std::max(count, 0));
     TarvoKey<T> key;
     for (std::int32_t i = 0; i < count; ++i) {
         if (!ReadWhole(load, key)) return;
-        MakeRoom(table.keys, announced);
-        table.keys.push_back(key);
+        MakeRoom(keys, announced);
+        keys.push_back(key);
     }
     ReadWhole(load, table.currentKey);
 }
@@ -74,8 +76,9 @@ void LoadKeys(ILoad& load, KeyTable<T>& table) {
     if (load.OpenChunk() != IO_OK) return;
     if (load.CurChunkID() == kKeysChunk) ReadRecords(load, table);
     load.CloseChunk();
-    SortByTime(table.keys);
-    table.keys.shrink_to_fit();  // large scenes are opened only to be looked at and saved
+    table.names.VoidAll();
+    SortByTime(table.keys.Whole());
+    table.keys.Whole().shrink_to_fit();  // large scenes are opened only to be looked at and saved
 }
 
 template void SaveKeys(ISave&, const KeyTable<float>&);

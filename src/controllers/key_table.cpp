@@ -1,6 +1,7 @@
 #include "controllers/key_table.h"
 
 #include <algorithm>
+#include <ranges>
 
 namespace {
 
@@ -12,14 +13,12 @@ std::int64_t Between(TimeValue from, TimeValue to) {
     return std::int64_t{to} - from;
 }
 
-template <class T>
-bool EarlierThan(const TarvoKey<T>& key, TimeValue t) {
-    return key.time < t;
-}
-
-template <class T>
-bool LaterThan(TimeValue t, const TarvoKey<T>& key) {
-    return t < key.time;
+// The first position whose key is not as asked, of keys that are so up to some position.
+template <class T, class Condition>
+std::int32_t FirstNot(const KeyTable<T>& table, Condition isSo) {
+    const auto positions = std::views::iota(std::int32_t{0}, table.Count());
+    return *std::ranges::partition_point(
+        positions, [&](std::int32_t index) { return isSo(table.At(index).time); });
 }
 
 }  // namespace
@@ -86,15 +85,56 @@ std::int32_t KeyTable<T>::IndexOf(TimeValue t) const {
 }
 
 template <class T>
+std::int32_t KeyTable<T>::IndexOf(TimeValue t, KeyName name, std::int32_t likely) const {
+    const bool isThere = Contains(likely) && At(likely).time == t;
+    const std::int32_t index = isThere ? likely : IndexOf(t);
+    return index >= 0 && names.At(index) == name ? index : -1;
+}
+
+template <class T>
+std::int32_t KeyTable<T>::PlaceFor(TimeValue t, std::int32_t likely) const {
+    const bool fits = likely >= 0 && likely <= Count() &&
+                      (likely == 0 || At(likely - 1).time < t) &&
+                      (likely == Count() || t < At(likely).time);
+    if (fits) return likely;
+    const std::int32_t index = FirstNotBefore(t);
+    return Contains(index) && At(index).time == t ? -1 : index;
+}
+
+template <class T>
 std::int32_t KeyTable<T>::FirstNotBefore(TimeValue t) const {
-    const auto found = std::lower_bound(keys.begin(), keys.end(), t, EarlierThan<T>);
-    return static_cast<std::int32_t>(found - keys.begin());
+    return FirstNot(*this, [t](TimeValue time) { return time < t; });
 }
 
 template <class T>
 std::int32_t KeyTable<T>::FirstAfter(TimeValue t) const {
-    const auto found = std::upper_bound(keys.begin(), keys.end(), t, LaterThan<T>);
-    return static_cast<std::int32_t>(found - keys.begin());
+    return FirstNot(*this, [t](TimeValue time) { return time <= t; });
+}
+
+template <class T>
+void KeyTable<T>::Insert(std::int32_t index, const Key& key, KeyName name) {
+    keys.PrepareInsert(static_cast<std::size_t>(index));
+    names.Insert(index, name);
+    keys.insert(static_cast<std::size_t>(index), key);
+}
+
+template <class T>
+void KeyTable<T>::Overwrite(std::int32_t index, const Key& key, KeyName name) {
+    names.Set(index, name);
+    At(index) = key;
+}
+
+template <class T>
+void KeyTable<T>::Remove(std::int32_t index) {
+    keys.PrepareErase(static_cast<std::size_t>(index));
+    names.Remove(index);
+    keys.erase(static_cast<std::size_t>(index));
+}
+
+template <class T>
+void KeyTable<T>::Clear() {
+    names.Clear();
+    keys.clear();
 }
 
 template struct KeyBracket<float>;

@@ -5,6 +5,8 @@
 #include <type_traits>
 #include <vector>
 
+#include "controllers/key_names.h"
+#include "controllers/parted_array.h"
 #include "host/matrix3.h"
 #include "host/types.h"
 
@@ -34,14 +36,16 @@ struct KeyBracket {
 
 // The keys of a controller, times strictly rising, with the cached key: the last value that was
 // evaluated or set and its time, which is also the only value while there are no keys. References
-// that are given out are good until the table changes. Positions outside the table are harmless.
+// that are given out are good until the table changes. The names stand behind the keys, for the
+// undo records alone.
 template <class T>
 struct KeyTable {
     using Key = TarvoKey<T>;
 
-    std::vector<Key> keys;
+    PartedArray<Key> keys;
     Key currentKey;
     std::int32_t lookupIndex = 0;  // where the nearest key was found last
+    KeyNames names;
 
     // Stands for the absence of a key: time -1, the default value.
     static const Key& InvalidKey();
@@ -59,6 +63,17 @@ struct KeyTable {
     // Its position, else -1.
     std::int32_t IndexOf(TimeValue t) const;
 
+    // The position of the key of that name at `t`, else -1; looked for at `likely` first.
+    std::int32_t IndexOf(TimeValue t, KeyName name, std::int32_t likely) const;
+
+    // Where a key at `t` goes, -1 if there is one; looked for at `likely` first.
+    std::int32_t PlaceFor(TimeValue t, std::int32_t likely) const;
+
+    // Whether the keys have just these names.
+    bool AreNamed(const std::vector<KeyName>& expected) const {
+        return keys.size() == expected.size() && names.All() == expected;
+    }
+
     // The position of the first key that is not earlier than `t`, or that is later than `t`.
     std::int32_t FirstNotBefore(TimeValue t) const;
     std::int32_t FirstAfter(TimeValue t) const;
@@ -69,10 +84,13 @@ struct KeyTable {
 
     Key& At(std::int32_t index) { return keys[static_cast<std::size_t>(index)]; }
     const Key& At(std::int32_t index) const { return keys[static_cast<std::size_t>(index)]; }
-    void Insert(std::int32_t index, const Key& key) { keys.insert(keys.begin() + index, key); }
-    void Remove(std::int32_t first, std::int32_t behindLast) {
-        keys.erase(keys.begin() + first, keys.begin() + behindLast);
-    }
+
+    // Positions must be inside the table, that of a key that comes may be its end. If one fails
+    // nothing has changed.
+    void Insert(std::int32_t index, const Key& key, KeyName name = kNoName);
+    void Overwrite(std::int32_t index, const Key& key, KeyName name = kNoName);
+    void Remove(std::int32_t index);
+    void Clear();
 
   private:
     std::int32_t IndexAtOrBefore(TimeValue t) const;

@@ -3,6 +3,7 @@
 #include "controllers/change_notification.h"
 #include "controllers/convert_panel.h"
 #include "host/animate.h"
+#include "host/hold.h"
 #include "host/interface.h"
 
 namespace {
@@ -58,6 +59,8 @@ void TransformControl::EndEditParams(IObjParam* ip, std::uint32_t, Animatable*) 
 
 int TransformControl::ChangeParents(TimeValue, const Matrix3& oldParent, const Matrix3& newParent,
                                     const Matrix3&) {
+    const bool isRecorded = theHold.Holding() || theHold.RestoreOrRedoing();
+    if (!isRecorded) table.names.VoidAll();
     const Matrix3 fromNewParent = Inverse(newParent);
     for (Key& key : table.keys)
         key.value = key.value * oldParent * fromNewParent;

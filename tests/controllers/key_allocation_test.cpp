@@ -26,7 +26,7 @@ TEST(KeyAllocation, EvaluationAllocatesNothing) {
 TEST(KeyAllocation, ARecordedSampleAllocatesNothingButTheTablesGrowth) {
     const ControlWorld world;
     Alone<OpenTransform> transform;
-    transform->table.keys.reserve(1000);
+    transform->table.keys.Whole().reserve(1000);
     AnimateOn();
     const std::size_t before = Allocations();
     for (TimeValue t = 0; t < 1000; ++t)

@@ -129,7 +129,31 @@ TEST_F(KeyOperations, AnAppendedKeyComesBackWithTheFlagsThatItHadWhenItWasUndone
     ASSERT_TRUE(world_.Host().Undo());
     EXPECT_EQ(control_->NumKeys(), 0);
     ASSERT_TRUE(world_.Host().Redo());
-    EXPECT_EQ(control_->table.keys.at(0).flags, 5u);
+    EXPECT_EQ(control_->table.keys[0].flags, 5u);
+}
+
+TEST_F(KeyOperations, ARecordMeansItsOwnKeyWhateverWasEditedPastTheHold) {
+    Fill({0, 10, 20});
+    const auto held = [](auto edit) {
+        theHold.Begin();
+        edit();
+        theHold.Accept("edit");
+    };
+    held([this] { control_->DeleteKeyAtTime(10); });
+    ASSERT_TRUE(world_.Host().Undo());
+    control_->DeleteKeyAtTime(0);
+    ASSERT_TRUE(world_.Host().Redo());
+    EXPECT_EQ(Times(), List{20}) << "the deleted key lies one place lower";
+
+    held([this] { control_->AddKey({0, 20, 99.0f}); });
+    Fill({5});
+    ASSERT_TRUE(world_.Host().Undo());
+    EXPECT_EQ(control_->table.keys[1].value, 20.0f) << "the overwritten key lies one place higher";
+
+    held([this] { Fill({30, 40, 50}); });
+    Fill({60, 70});
+    ASSERT_TRUE(world_.Host().Undo());
+    EXPECT_EQ(Times(), (List{5, 20, 60, 70})) << "the end of the table is another's";
 }
 
 TEST_F(KeyOperations, UndoingADeletedRangeBringsBackTheCachedKeyToo) {

@@ -1,0 +1,182 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <ranges>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+// Elements in their order, in one plain array that grows at its end. From the first time that an
+// element comes or goes farther inside, until somebody wants the plain array again, they stand in
+// short parts instead: a change then moves the elements of one part alone, and many changes cost
+// time in proportion to their number, in whatever order they come. Reading by position works in
+// both forms and changes neither.
+template <class E>
+class PartedArray {
+    static_assert(std::is_trivially_copyable_v<E>);
+
+  public:
+    std::size_t size() const {
+        if (parts_.empty()) return whole_.size();
+        return StartOf(parts_.size() - 1) + parts_.back().elements.size();
+    }
+    bool empty() const { return size() == 0; }
+
+    E& operator[](std::size_t index) {
+        if (parts_.empty()) return whole_[index];
+        Part& part = parts_[PartOf(index)];
+        return part.elements[index - StartOf(recent_)];
+    }
+    const E& operator[](std::size_t index) const {
+        if (parts_.empty()) return whole_[index];
+        const Part& part = parts_[PartOf(index)];
+        return part.elements[index - StartOf(recent_)];
+    }
+    const E& front() const { return (*this)[0]; }
+    const E& back() const { return (*this)[size() - 1]; }
+
+    // Afterwards the element at `index` can go, or one can come there, without a failure. If these
+    // fail nothing has changed.
+    void PrepareErase(std::size_t index) {
+        if (parts_.empty() && whole_.size() - index > kPart) CutUp();
+    }
+    void PrepareInsert(std::size_t index) {
+        PrepareErase(index);
+        if (parts_.empty()) {
+            if (whole_.size() == whole_.capacity()) whole_.reserve(2 * whole_.size() + kLeast);
+            return;
+        }
+        if (parts_[PartOf(index)].elements.size() >= 2 * kPart) Split(PartOf(index));
+        parts_[PartOf(index)].elements.reserve(2 * kPart);
+    }
+
+    void insert(std::size_t index, const E& element) {
+        PrepareInsert(index);
+        if (parts_.empty()) {
+            whole_.insert(Place(whole_, index), element);
+            return;
+        }
+        std::vector<E>& elements = parts_[PartOf(index)].elements;
+        elements.insert(Place(elements, index - StartOf(recent_)), element);
+        MoveBehind(recent_, 1);
+    }
+    void push_back(const E& element) { insert(size(), element); }
+    void erase(std::size_t index) {
+        PrepareErase(index);
+        if (parts_.empty()) {
+            whole_.erase(Place(whole_, index));
+            return;
+        }
+        std::vector<E>& elements = parts_[PartOf(index)].elements;
+        elements.erase(Place(elements, index - StartOf(recent_)));
+        MoveBehind(recent_, -1);
+        if (!elements.empty()) return;
+        Settle();
+        parts_.erase(Place(parts_, recent_));
+    }
+    void clear() {
+        whole_.clear();
+        parts_.clear();
+    }
+
+    // The elements as one array, which they are from here on until the next change inside.
+    std::vector<E>& Whole() {
+        Join();
+        return whole_;
+    }
+    const std::vector<E>& Whole() const {
+        Join();
+        return whole_;
+    }
+    auto begin() { return Whole().begin(); }
+    auto begin() const { return Whole().begin(); }
+    auto end() { return Whole().end(); }
+    auto end() const { return Whole().end(); }
+
+  private:
+    // Elements of a new part; it is split at twice as many. About as much as is moved in the time
+    // that finding the part takes.
+    static constexpr std::size_t kPart = std::max<std::size_t>(64, 8192 / sizeof(E));
+    static constexpr std::size_t kLeast = 16;
+
+    struct Part {
+        std::size_t start;  // the position of its first element; see below
+        std::vector<E> elements;
+    };
+
+    template <class Vector>
+    static auto Place(Vector& vector, std::size_t index) {
+        return vector.begin() + static_cast<std::ptrdiff_t>(index);
+    }
+
+    std::size_t StartOf(std::size_t part) const {
+        return parts_[part].start + (part > settled_ ? behind_ : 0);
+    }
+
+    // The part of the element at `index`, or the last one. It is left in recent_.
+    std::size_t PartOf(std::size_t index) const {
+        const auto isBehind = [&](std::size_t part) {
+            return part >= parts_.size() || index < StartOf(part);
+        };
+        if (isBehind(recent_) || !isBehind(recent_ + 1)) {
+            const auto all = std::views::iota(std::size_t{0}, parts_.size());
+            recent_ = *std::ranges::partition_point(all, [&](std::size_t part) {
+                return !isBehind(part);
+            }) - 1;
+        }
+        return recent_;
+    }
+
+    // The parts behind this one start so much later, or earlier.
+    void MoveBehind(std::size_t part, std::ptrdiff_t by) {
+        while (settled_ < part)
+            parts_[++settled_].start += behind_;
+        while (settled_ > part)
+            parts_[settled_--].start -= behind_;
+        behind_ += static_cast<std::size_t>(by);
+    }
+
+    void Settle() {
+        MoveBehind(parts_.size() - 1, 0);
+        settled_ = 0;
+        behind_ = 0;
+    }
+
+    void CutUp() {
+        std::vector<Part> parts;
+        parts.reserve(whole_.size() / kPart + 1);
+        for (std::size_t start = 0; start < whole_.size(); start += kPart) {
+            const std::size_t end = std::min(start + kPart, whole_.size());
+            parts.push_back({start, {Place(whole_, start), Place(whole_, end)}});
+        }
+        parts_ = std::move(parts);
+        whole_ = {};
+        settled_ = 0;
+        behind_ = 0;
+    }
+
+    void Split(std::size_t part) {
+        Settle();
+        const std::vector<E>& both = parts_[part].elements;
+        Part upper{parts_[part].start + kPart, {Place(both, kPart), both.end()}};
+        parts_.insert(Place(parts_, part + 1), std::move(upper));
+        parts_[part].elements.resize(kPart);
+    }
+
+    void Join() const {
+        if (parts_.empty()) return;
+        whole_.reserve(size());
+        for (const Part& part : parts_)
+            whole_.insert(whole_.end(), part.elements.begin(), part.elements.end());
+        parts_ = {};
+    }
+
+    // All elements are in one of these. Which one, is no part of the value.
+    mutable std::vector<E> whole_;
+    mutable std::vector<Part> parts_;  // none is empty
+
+    mutable std::size_t recent_ = 0;  // the part that was found last
+    std::size_t settled_ = 0;         // parts behind this one start at `start` plus `behind_`
+    std::size_t behind_ = 0;          // modulo the range of the type, so that it can be below zero
+};
