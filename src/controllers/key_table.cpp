@@ -1,7 +1,6 @@
 #include "controllers/key_table.h"
 
 #include <algorithm>
-#include <ranges>
 
 namespace {
 
@@ -11,14 +10,6 @@ constexpr int kNearbySteps = 8;
 // Wide enough for any two times.
 std::int64_t Between(TimeValue from, TimeValue to) {
     return std::int64_t{to} - from;
-}
-
-// The first position whose key is not as asked, of keys that are so up to some position.
-template <class T, class Condition>
-std::int32_t FirstNot(const KeyTable<T>& table, Condition isSo) {
-    const auto positions = std::views::iota(std::int32_t{0}, table.Count());
-    return *std::ranges::partition_point(
-        positions, [&](std::int32_t index) { return isSo(table.At(index).time); });
 }
 
 }  // namespace
@@ -103,12 +94,12 @@ std::int32_t KeyTable<T>::PlaceFor(TimeValue t, std::int32_t likely) const {
 
 template <class T>
 std::int32_t KeyTable<T>::FirstNotBefore(TimeValue t) const {
-    return FirstNot(*this, [t](TimeValue time) { return time < t; });
+    return static_cast<std::int32_t>(keys.FirstNot([t](const Key& key) { return key.time < t; }));
 }
 
 template <class T>
 std::int32_t KeyTable<T>::FirstAfter(TimeValue t) const {
-    return FirstNot(*this, [t](TimeValue time) { return time <= t; });
+    return static_cast<std::int32_t>(keys.FirstNot([t](const Key& key) { return key.time <= t; }));
 }
 
 template <class T>

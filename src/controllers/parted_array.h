@@ -36,6 +36,18 @@ class PartedArray {
     const E& front() const { return (*this)[0]; }
     const E& back() const { return (*this)[size() - 1]; }
 
+    // The first position whose element is not as asked, of elements that are so up to some
+    // position.
+    template <class Condition>
+    std::size_t FirstNot(Condition isSo) const {
+        if (parts_.empty()) return FirstNotOf(whole_, isSo);
+        const auto found = std::ranges::partition_point(
+            parts_, [&](const Part& part) { return isSo(part.elements.front()); });
+        if (found == parts_.begin()) return 0;
+        const auto part = static_cast<std::size_t>(found - parts_.begin()) - 1;
+        return StartOf(part) + FirstNotOf(parts_[part].elements, isSo);
+    }
+
     // Afterwards the element at `index` can go, or one can come there, without a failure. If these
     // fail nothing has changed.
     void PrepareErase(std::size_t index) {
@@ -95,8 +107,8 @@ class PartedArray {
     auto end() const { return Whole().end(); }
 
   private:
-    // Elements of a new part; it is split at twice as many. About as much as is moved in the time
-    // that finding the part takes.
+    // Elements of a new part, which is split at twice as many: few enough to be moved in about the
+    // time that it takes to find the part.
     static constexpr std::size_t kPart = std::max<std::size_t>(64, 8192 / sizeof(E));
     static constexpr std::size_t kLeast = 16;
 
@@ -108,6 +120,12 @@ class PartedArray {
     template <class Vector>
     static auto Place(Vector& vector, std::size_t index) {
         return vector.begin() + static_cast<std::ptrdiff_t>(index);
+    }
+
+    template <class Condition>
+    static std::size_t FirstNotOf(const std::vector<E>& elements, Condition isSo) {
+        const auto found = std::ranges::partition_point(elements, isSo);
+        return static_cast<std::size_t>(found - elements.begin());
     }
 
     std::size_t StartOf(std::size_t part) const {
