@@ -4,6 +4,8 @@
 #include <charconv>
 #include <fstream>
 
+#include "command/exit_status.h"
+
 namespace headless {
 
 CoreReport CoreReport::Read(const std::string& path) {
@@ -14,6 +16,7 @@ CoreReport CoreReport::Read(const std::string& path) {
         if (equals != std::string::npos)
             report.values_[line.substr(0, equals)] = line.substr(equals + 1);
     }
+    if (file.bad()) throw Failure(path + ": the Core's report cannot be read");
     return report;
 }
 

@@ -11,7 +11,7 @@ namespace headless {
 // A list is a count under its own key, and entries whose keys bear a number from 1 on.
 class CoreReport {
   public:
-    // An absent file is an empty report.
+    // An absent file is an empty report. Throws a Failure if it cannot be read to its end.
     static CoreReport Read(const std::string& path);
 
     std::string Text(const std::string& key) const;

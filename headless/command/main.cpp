@@ -1,6 +1,8 @@
 #include <CLI/CLI.hpp>
+#include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <new>
 #include <string>
 
 #include "command/exit_status.h"
@@ -8,6 +10,8 @@
 #include "platform/arguments.h"
 
 namespace {
+
+constexpr char kNoMemory[] = "there is not enough memory";
 
 int Fail(const char* what, int status) {
     std::cerr << "lumiset-headless: " << what << '\n';
@@ -26,10 +30,17 @@ void RefuseLostArgument() {
                                 headless::kWrongUsage);
 }
 
+// CLI11 asks for memory where it has promised to throw nothing.
+[[noreturn]] void EndBeforeWork() {
+    std::_Exit(Fail(kNoMemory, headless::kFailed));
+}
+
 int Run(int argc, char** argv) {
     RefuseLostArgument();
+    const std::terminate_handler usual = std::set_terminate(&EndBeforeWork);
     CLI::App app("The animation host without a screen, with the plug-in and its Core.");
     app.require_subcommand(0, 1);
+    app.parse_complete_callback([usual] { std::set_terminate(usual); });  // ahead of the verb's
     app.allow_windows_style_options(false);  // a path may begin with a slash
     headless::AddRecordVerb(app);
     headless::AddOpenVerb(app);
@@ -61,6 +72,8 @@ int main(int argc, char** argv) {
         return ended.status;
     } catch (const headless::Failure& failure) {
         return Fail(failure.what(), failure.Status());
+    } catch (const std::bad_alloc&) {
+        return Fail(kNoMemory, headless::kFailed);
     } catch (const std::exception& error) {
         return Fail(error.what(), headless::kFailed);
     }

@@ -43,17 +43,17 @@ std::string Place(const std::string& target) {
 
 }  // namespace
 
-ScratchFile::ScratchFile(std::string target) : target_(std::move(target)), path_(Place(target_)) {}
+ScratchFile::ScratchFile(std::string target)
+    : target_(std::move(target)), path_(Place(target_)), file_(platform::FromNarrow(path_)) {}
 
 ScratchFile::~ScratchFile() {
     std::error_code absent;
-    fs::remove(platform::FromNarrow(path_), absent);
+    fs::remove(file_, absent);
 }
 
 void ScratchFile::Keep() {
-    std::error_code error;
-    fs::rename(platform::FromNarrow(path_), platform::FromNarrow(target_), error);
-    if (error) throw Failure(target_ + ": " + error.message());
+    const std::string reason = platform::ReplaceFile(path_, target_);
+    if (!reason.empty()) throw Failure(target_ + ": " + reason);
 }
 
 std::string ScratchFile::Named(std::string text) const {

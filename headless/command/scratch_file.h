@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 namespace headless {
@@ -26,6 +27,7 @@ class ScratchFile {
   private:
     std::string target_;
     std::string path_;
+    std::filesystem::path file_;  // the same, for when there is no memory to make it
 };
 
 }  // namespace headless

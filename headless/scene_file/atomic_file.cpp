@@ -41,37 +41,36 @@ std::string RandomName(std::random_device& random) {
     return name.append(kSavingSuffix);
 }
 
-// A new file in the folder of `place`, under a name that nobody has. Names that a process left
-// behind when it was killed are passed over.
-std::string NewFileBeside(const std::string& place, const std::string& path) {
-    constexpr int kAttempts = 100;
-    std::random_device random;
-    std::string reason = "every name is taken";
-    for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        std::string name =
-            platform::ToNarrow(platform::FromNarrow(place).replace_filename(RandomName(random)));
-        const platform::NewFile made = platform::MakeNewFile(name, reason);
-        if (made == platform::NewFile::kMade) return name;
-        if (made == platform::NewFile::kRefused) break;
-    }
-    Fail(path, reason);
-}
-
 }  // namespace
 
 std::string NotWritten(const std::string& path) {
     return path + ": the file cannot be written";
 }
 
-AtomicFile::AtomicFile(const std::string& path)
-    : path_(path), place_(PlaceOf(path)), written_(NewFileBeside(place_, path)), sink_(written_) {}
-
-AtomicFile::~AtomicFile() {
-    if (written_.empty()) return;
-    sink_.Close();  // no system is asked to remove a file that is open
-    std::error_code ignored;
-    fs::remove(platform::FromNarrow(written_), ignored);
+// Names that a process left behind when it was killed are passed over. Once the file is there,
+// nothing here can fail.
+AtomicFile::Written::Written(const std::string& place, const std::string& toldAs) {
+    constexpr int kAttempts = 100;
+    std::random_device random;
+    std::string reason = "every name is taken";
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+        file_ = platform::FromNarrow(place).replace_filename(RandomName(random));
+        path_ = platform::ToNarrow(file_);
+        const platform::NewFile made = platform::MakeNewFile(path_, reason);
+        if (made == platform::NewFile::kMade) return;
+        if (made == platform::NewFile::kRefused) break;
+    }
+    Fail(toldAs, reason);
 }
+
+AtomicFile::Written::~Written() {
+    if (file_.empty()) return;
+    std::error_code ignored;
+    fs::remove(file_, ignored);
+}
+
+AtomicFile::AtomicFile(const std::string& path)
+    : path_(path), place_(PlaceOf(path)), written_(place_, path), sink_(written_.Path()) {}
 
 void AtomicFile::Close() {
     if (!sink_.Close()) FailToWrite();
@@ -81,10 +80,11 @@ void AtomicFile::Close() {
 std::string AtomicFile::TakePlace() {
     std::error_code error;
     const fs::file_status old = fs::status(platform::FromNarrow(place_), error);
-    if (fs::exists(old)) fs::permissions(platform::FromNarrow(written_), old.permissions(), error);
-    const std::string reason = platform::ReplaceFile(written_, place_);
+    if (fs::exists(old))
+        fs::permissions(platform::FromNarrow(WrittenPath()), old.permissions(), error);
+    const std::string reason = platform::ReplaceFile(WrittenPath(), place_);
     if (!reason.empty()) Fail(path_, reason);
-    written_.clear();
+    written_.Forget();
     return place_;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -21,14 +22,13 @@ std::string NotWritten(const std::string& path);
 class AtomicFile {
   public:
     explicit AtomicFile(const std::string& path);
-    ~AtomicFile();
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
 
     FileSink& Sink() { return sink_; }
 
     // Where the bytes stand until they take their place, once they are handed to the system.
-    const std::string& WrittenPath() const { return written_; }
+    const std::string& WrittenPath() const { return written_.Path(); }
     void Close();
 
     // After Close: onto the disk, and into place. The result is the place, behind all links.
@@ -38,10 +38,26 @@ class AtomicFile {
     [[noreturn]] void FailToWrite() const;
 
   private:
-    std::string path_;     // as it was given, for messages
-    std::string place_;    // behind whatever links lead to it
-    std::string written_;  // empty once it has taken its place
-    FileSink sink_;
+    // A new file in the folder of `place`, under a name that nobody has. It is removed unless it
+    // is forgotten.
+    class Written {
+      public:
+        Written(const std::string& place, const std::string& toldAs);
+        ~Written();
+        Written(const Written&) = delete;
+        Written& operator=(const Written&) = delete;
+        const std::string& Path() const { return path_; }
+        void Forget() { file_.clear(); }
+
+      private:
+        std::string path_;
+        std::filesystem::path file_;  // the same, for when there is no memory to make it
+    };
+
+    std::string path_;   // as it was given, for messages
+    std::string place_;  // behind whatever links lead to it
+    Written written_;
+    FileSink sink_;  // closed by then, since no system removes a file that is open
 };
 
 }  // namespace headless

@@ -14,7 +14,9 @@ namespace {
 bool Flush(const std::string& path, int flags) {
     const int file = open(path.c_str(), flags | O_CLOEXEC);
     if (file < 0) return false;
-    const bool flushed = fsync(file) == 0;
+    bool flushed = fsync(file) == 0;
+    while (!flushed && errno == EINTR)
+        flushed = fsync(file) == 0;
     const int reason = errno;
     close(file);
     errno = reason;
@@ -30,10 +32,11 @@ std::string LastError() {
 // Once the name has moved, the folder is flushed as well as its file system can: the old file is
 // gone by then, so that a refusal would help nobody.
 std::string ReplaceFile(const std::string& finished, const std::string& place) {
+    std::string folder = std::filesystem::path(place).parent_path();
+    if (folder.empty()) folder = ".";
     if (!Flush(finished, O_RDONLY)) return LastError();
     if (std::rename(finished.c_str(), place.c_str()) != 0) return LastError();
-    const std::filesystem::path folder = std::filesystem::path(place).parent_path();
-    Flush(folder.empty() ? "." : folder.string(), O_RDONLY | O_DIRECTORY);
+    Flush(folder, O_RDONLY | O_DIRECTORY);
     return {};
 }
 

@@ -29,8 +29,6 @@
 #include <initializer_list>
 #include <string_view>
 
-#include "faults/book.h"
-
 extern "C" {
 void* __libc_malloc(size_t);
 void* __libc_calloc(size_t, size_t);
@@ -49,8 +47,16 @@ Function Next(const char* name) {
     return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
 }
 
-faults::Book unread;
-faults::Book* book = &unread;
+// What the sweep reads when the process has ended, however it did.
+struct Book {
+    long allocations;
+    long operations;
+    bool struck;
+    char what[512];  // what failed, and where
+};
+
+Book unread;
+Book* book = &unread;
 char kind[16] = "none";
 long nth = 0;
 char ourFolder[PATH_MAX] = "";
@@ -127,7 +133,7 @@ void NoteName(const char* from, const char* to, const char* lost) {
     std::strcpy(change.from, from);
     std::strcpy(change.to, to);
     change.old[0] = '\0';
-    const char* const attic = std::getenv(faults::kAtticVariable);
+    const char* const attic = std::getenv("LUMISET_FAULT_ATTIC");
     if (attic == nullptr || access(lost, F_OK) != 0) return;
     std::snprintf(change.old, sizeof change.old, "%s/%d", attic, atticCount++);
     if (link(lost, change.old) != 0) change.old[0] = '\0';
@@ -476,12 +482,12 @@ void OpenBook(const char* path) {
     void* const mapped = mmap(nullptr, sizeof *book, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
     if (mapped == MAP_FAILED) std::abort();
     REAL(close)(file);
-    book = static_cast<faults::Book*>(mapped);
+    book = static_cast<Book*>(mapped);
 }
 
 int Main(int argc, char** argv, char** environment) {
-    if (const char* const path = std::getenv(faults::kBookVariable)) OpenBook(path);
-    if (const char* const fault = std::getenv(faults::kFaultVariable)) {
+    if (const char* const path = std::getenv("LUMISET_FAULT_BOOK")) OpenBook(path);
+    if (const char* const fault = std::getenv("LUMISET_FAULT")) {
         const char* const colon = std::strchr(fault, ':');
         std::snprintf(kind, sizeof kind, "%.*s", static_cast<int>(colon - fault), fault);
         nth = std::atol(colon + 1);

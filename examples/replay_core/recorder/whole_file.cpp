@@ -1,6 +1,5 @@
 #include "replay_core/recorder/whole_file.h"
 
-#include <filesystem>
 #include <system_error>
 #include <utility>
 
@@ -10,14 +9,20 @@ namespace replay {
 
 WholeFile::WholeFile(std::string path)
     : path_(std::move(path)),
-      partPath_(path_ + ".unfinished"),
-      stream_(partPath_, std::ios::binary | std::ios::trunc) {}
+      place_(platform::FromNarrow(path_)),
+      part_(platform::FromNarrow(path_ + ".unfinished")) {
+    try {
+        stream_.open(part_, std::ios::binary | std::ios::trunc);
+    } catch (...) {
+        Remove();
+        throw;
+    }
+}
 
 WholeFile::~WholeFile() {
     if (!stream_.is_open()) return;
     stream_.close();
-    std::error_code ignored;
-    std::filesystem::remove(platform::FromNarrow(partPath_), ignored);
+    Remove();
 }
 
 void WholeFile::Write(std::string_view text) {
@@ -28,12 +33,15 @@ std::string WholeFile::Finish() {
     if (!stream_.is_open()) return CannotBeWritten();
     stream_.close();
     std::error_code error;
-    if (stream_)
-        std::filesystem::rename(platform::FromNarrow(partPath_), platform::FromNarrow(path_),
-                                error);
+    if (stream_) std::filesystem::rename(part_, place_, error);
     if (stream_ && !error) return {};
-    std::filesystem::remove(platform::FromNarrow(partPath_), error);
+    Remove();
     return CannotBeWritten();
+}
+
+void WholeFile::Remove() noexcept {
+    std::error_code ignored;
+    std::filesystem::remove(part_, ignored);
 }
 
 std::string WholeFile::CannotBeWritten() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <string_view>
@@ -28,8 +29,12 @@ class WholeFile {
     std::string CannotBeWritten() const;
 
   private:
+    void Remove() noexcept;
+
     std::string path_;
-    std::string partPath_;
+    // Made in time, so that no memory is needed to clear up.
+    std::filesystem::path place_;
+    std::filesystem::path part_;
     std::ofstream stream_;
 };
 

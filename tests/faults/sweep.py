@@ -1,0 +1,299 @@
+#!/usr/bin/env python3
+"""Runs the command on small inputs over and over. In each run one thing fails that it asks of the
+system: the nth allocation or the nth operation on a file, for every n until none is left. After
+each it looks at how the command ended and at what it left in its folder."""
+
+import argparse
+import collections
+import concurrent.futures
+import itertools
+import os
+import pathlib
+import shutil
+import signal
+import struct
+import subprocess
+import sys
+import threading
+import time
+
+# Over an old scene, into a new place, over another scene, over the one that is read, and a picture.
+VERBS = {"record": "record small.bvh --scene take.scene --poses poses.csv",
+         "open": "open in.scene --save new.scene",
+         "merge": "merge in.scene other.scene --save take.scene",
+         "convert": "convert in.scene --save in.scene",
+         "render": "render in.scene --time 0 --size 32x32 -o picture.png"}
+
+REFUSALS = ["alloc", "eio", "enospc", "eacces"]
+SURVIVED = ["part", "eintr"]  # whoever asks again gets what it wants
+DEATHS = ["kill", "cut", "lost"]
+# What a disk does that lies about a write, a name, or all syncs. It cannot be helped, and must be
+# seen.
+LIES = ["lie", "liar"]
+
+# Of a sample.
+STRIDES = {"alloc": 97}
+STRIDE = 7
+SLOWER = {"render": 6}
+
+CAPTURE = b"""HIERARCHY
+ROOT Hip
+{
+ OFFSET 0 0 0
+ CHANNELS 6 Xposition Yposition Zposition Zrotation Xrotation Yrotation
+ JOINT Knee
+ {
+  OFFSET 0 -40 0
+  CHANNELS 3 Zrotation Xrotation Yrotation
+  End Site
+  {
+   OFFSET 0 -40 0
+  }
+ }
+}
+MOTION
+Frames: 3
+Frame Time: 0.0333333
+0 90 0 0 0 0 0 0 0
+1 91 0 1 2 3 10 20 30
+2 92 0 4 5 6 11 21 31
+"""
+
+REGISTRY = """Windows Registry Editor Version 5.00
+
+[HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node\\Tarvo Works\\Ostrel tools]
+"datapath"="{0}"
+
+[HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders]
+"Personal"="{1}/documents"
+"""
+
+BOOK = struct.Struct("ll?512s7x")  # as injector.cpp has it
+
+Ending = collections.namedtuple("Ending", "status out error struck what")
+
+
+def folder_files(folder):
+    return {path.name: path.read_bytes() for path in folder.iterdir()}
+
+
+class Place:
+    """Where one process of the command at a time runs: its folder of scenes, and all else."""
+
+    def __init__(self, binaries, folder):
+        self.command, self.home, self.scenes = binaries / "lumiset-headless", folder / "home", folder / "scenes"
+        shutil.rmtree(folder, ignore_errors=True)
+        (self.home / "documents/Tarvo Works/Lumiset/data").mkdir(parents=True)
+        self.scenes.mkdir()
+        (self.home / "lumiset.reg").write_text(REGISTRY.format(binaries, self.home))
+        self.environment = {"LD_PRELOAD": str(binaries / "fault_injector.so"),
+                            "LUMISET_FAULT_BOOK": str(self.home / "book"),
+                            "LUMISET_FAULT_ATTIC": str(self.home / "attic"),
+                            "LUMISET_REGISTRY": str(self.home / "lumiset.reg"),
+                            "MESA_SHADER_CACHE_DISABLE": "true",
+                            "TMPDIR": str(self.home / "tmp")}
+
+    def lay(self, files):
+        for name in ["tmp", "attic", "documents/Tarvo Works/Lumiset/data"]:
+            shutil.rmtree(self.home / name, ignore_errors=True)
+            (self.home / name).mkdir()
+        for path in self.scenes.iterdir():
+            path.unlink()
+        for name, content in files.items():
+            (self.scenes / name).write_bytes(content)
+
+    def run(self, words, fault="none:0"):
+        (self.home / "book").write_bytes(bytes(BOOK.size))
+        done = subprocess.run([self.command, *words.split()], cwd=self.scenes, capture_output=True,
+                              env=self.environment | {"LUMISET_FAULT": fault}, check=False)
+        _, _, struck, what = BOOK.unpack((self.home / "book").read_bytes())
+        return Ending(done.returncode, done.stdout.decode(), done.stderr.decode(), struck,
+                      what.split(b"\0")[0].decode())
+
+    def must(self, words):
+        ending = self.run(words)
+        if ending.status != 0:
+            sys.exit(f"faults: {words}: status {ending.status}\n{ending.error}")
+        return ending
+
+
+def make_inputs(place):
+    place.lay({"small.bvh": CAPTURE, "other.bvh": CAPTURE})
+    place.must("record small.bvh --scene in.scene")
+    place.must("record other.bvh --scene other.scene")
+    files = folder_files(place.scenes)
+    return files | {"take.scene": files["other.scene"], "poses.csv": b"old", "picture.png": b"old"}
+
+
+class Verb:
+    """A verb's run without a fault, and all that was seen to be as good as what it left."""
+
+    def __init__(self, place, name, before):
+        self.name, self.words, self.before = name, VERBS[name], before
+        place.lay(before)
+        self.ending = place.must(self.words)
+        self.after = folder_files(place.scenes)
+        self.sound, self.guard = set(), threading.Lock()
+
+    def is_as_good(self, place, name, content):
+        """Whether another process finds in a scene what it finds in the one of the clean run."""
+        if content == self.after[name]:
+            return True
+        with self.guard:
+            if not name.endswith(".scene") or (name, content) in self.sound:
+                return name.endswith(".scene")
+            found = place.run(f"open {name}")
+            (place.scenes / "compared").write_bytes(self.after[name])
+            differs = place.run(f"diff compared {name}").status != 0
+            (place.scenes / "compared").rename(place.scenes / name)
+            is_sound = not differs and found.out == place.must(f"open {name}").out
+            (place.scenes / name).write_bytes(content)
+            if is_sound:
+                self.sound.add((name, content))
+            return is_sound
+
+    def fault_in_folder(self, place, is_done, may_leave):
+        now = folder_files(place.scenes)
+        for name, content in self.after.items():
+            before = self.before.get(name)
+            if name not in now:
+                if is_done or before is not None:
+                    return f"{name} is gone"
+            elif content == before:
+                if now[name] != before:
+                    return f"{name} has changed"
+            elif not (now[name] == before and not is_done) and \
+                    not self.is_as_good(place, name, now[name]):
+                return f"{name} is not what was to be saved" if is_done else \
+                    f"{name} is neither old nor new"
+        for name in now.keys() - self.after.keys():
+            if not (may_leave and (name.endswith(".saving") or ".part" in name)):
+                return f"{name} is left behind"
+        return ""
+
+    def fault_in_words(self, kind, ending):
+        if ending.status < 0:
+            return f"ended by {signal.Signals(-ending.status).name}"
+        if ending.status > 1:
+            return f"status {ending.status}"
+        if ending.status == 1:
+            if kind in SURVIVED:
+                return "refuses what is to be survived"
+            if "\nlumiset-headless: " not in "\n" + ending.error or "std::" in ending.error:
+                return "has no words for its refusal"
+        elif ending.out != self.ending.out and not has_complaint(ending):
+            return "success in other words"
+        return ""
+
+
+def has_complaint(ending):
+    """What was asked for is done, and what else did not go well is told."""
+    return ending.status == 0 and "\nComplaint: " in ending.out
+
+
+def fault_in_next_save(place):
+    """The next save takes away what is a day old and cut, and nothing else."""
+    left = [path for path in place.scenes.iterdir() if path.name.endswith(".saving")]
+    for path in left:
+        os.utime(path, (time.time() - 48 * 3600,) * 2)
+    if left:
+        place.must("open other.scene --save other.scene")
+    for path in left:
+        if path.exists() and place.run(f"info {path.name}").status != 0:
+            return f"the next save leaves {path.name}"
+    return ""
+
+
+def attempt(place, verb, kind, n):
+    place.lay(verb.before)
+    ending = place.run(verb.words, f"{kind}:{n}")
+    is_killed = ending.struck and kind in DEATHS + ["liar"]
+    may_leave = is_killed or ending.what.startswith("unlink")
+    if is_killed:
+        fault = "" if ending.status == -signal.SIGKILL else "is not killed"
+    else:
+        fault = verb.fault_in_words(kind, ending)
+    if not fault and not may_leave and any((place.home / "tmp").iterdir()):
+        fault = "a scratch file is left"
+    fault = fault or verb.fault_in_folder(place, ending.status == 0, may_leave)
+    if not fault and is_killed:
+        fault = fault_in_next_save(place)
+    return ending, fault
+
+
+def outcome(ending, fault):
+    if fault:
+        return "faults"
+    if has_complaint(ending):
+        return "complained"
+    return {0: "done", 1: "refused"}.get(ending.status, "killed")
+
+
+def sweep(places, verb, kind, numbers):
+    """Every n until one has nothing left to fail."""
+    figures, over, guard = collections.Counter(), threading.Event(), threading.Lock()
+
+    def work(place):
+        while not over.is_set():
+            with guard:
+                n = next(numbers, None)
+            if n is None:
+                return
+            ending, fault = attempt(place, verb, kind, n)
+            if not ending.struck:
+                over.set()
+            if ending.struck or fault:
+                with guard:
+                    figures[outcome(ending, fault)] += 1
+            if fault and kind not in LIES:
+                print(f"FAULT: ./dev faults {verb.name} {kind} {n}: {ending.what}: {fault}")
+
+    with concurrent.futures.ThreadPoolExecutor() as pool:
+        list(pool.map(work, places))
+    tell(f"{verb.name} {kind}", figures)
+    return figures
+
+
+def tell(title, figures):
+    print(f"{title:16}{figures.total():7} runs:" + ",".join(
+        f"{figures[name]:7} {name}" for name in ["refused", "done", "complained", "killed", "faults"]),
+        flush=True)
+
+
+def show(place, verb, kind, n):
+    ending, fault = attempt(place, verb, kind, n)
+    print(f"{ending.what or 'nothing failed'}\nstatus {ending.status}\n{ending.out}{ending.error}"
+          f"{'FAULT: ' + fault if fault else 'sound'}")
+    return 1 if fault else 0
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("binaries", type=pathlib.Path)
+    parser.add_argument("folder", type=pathlib.Path)
+    parser.add_argument("verb", nargs="?", choices=VERBS)
+    parser.add_argument("kind", nargs="?", choices=REFUSALS + SURVIVED + DEATHS + LIES)
+    parser.add_argument("n", nargs="?", type=int, help="this run alone, and all that it says")
+    parser.add_argument("--sample", action="store_true", help="some of all, with fixed strides")
+    parser.add_argument("--lies", action="store_true", help="of a lying disk, which must be seen")
+    given = parser.parse_args()
+    binaries = given.binaries.resolve()
+    places = [Place(binaries, given.folder.resolve() / str(i)) for i in range(os.cpu_count())]
+    inputs = make_inputs(places[0])
+    verbs = [given.verb] if given.verb else VERBS
+    if not (binaries / "headless_viewport.so").exists():
+        verbs = [name for name in verbs if name != "render"]
+    kinds = [given.kind] if given.kind else LIES if given.lies else REFUSALS + SURVIVED + DEATHS
+    everything = collections.Counter()
+    for name in verbs:
+        verb = Verb(places[0], name, inputs)
+        if given.n:
+            return show(places[0], verb, given.kind, given.n)
+        for kind in kinds:
+            stride = STRIDES.get(kind, STRIDE) * SLOWER.get(name, 1) if given.sample else 1
+            everything += sweep(places, verb, kind, itertools.count(1 + stride // 2, stride))
+    tell("all", everything)
+    return 0 if (everything["faults"] > 0) == given.lies else 1
+
+
+sys.exit(main())
