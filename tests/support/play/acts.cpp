@@ -1,10 +1,14 @@
-#include <memory>
+#include <cmath>
 #include <stdexcept>
 
 #include "adaptor/attach_panel.h"
 #include "controllers/conversion.h"
+#include "controllers/transform_control.h"
 #include "core_link/core_link.h"
+#include "host/animate.h"
 #include "host/hold.h"
+#include "measures/host_clock.h"
+#include "nodes/max_node.h"
 #include "support/play/play.h"
 
 namespace play {
@@ -189,6 +193,20 @@ void Acquire(Play& play) {
         play.lent.push_back({node, snapshot, seconds});
 }
 
+// What was written with a controller of the adaptor's is there, in animate mode as a key. Below a
+// parent it passes through that one's inverse, which there may be none of.
+void CheckWritten(Play& play, TVL::CSnapshot& snapshot, INode& host, const TVL::CMatrix4& pose) {
+    if (host.GetTMController()->ClassID() != TransformControl::kClassID) return;
+    const TimeValue ticks = SnapshotTicks(snapshot.GetTime());
+    if (Animating() && host.GetTMController()->GetKeyIndex(ticks) < 0)
+        play.Fail("a write in animate mode made no key");
+    if (!host.GetParentNode()->IsRootNode()) return;
+    const TVL::CMatrix4 read = snapshot.GetWorldTransform();
+    for (int index = 0; index < 16; ++index)
+        if (std::abs(read[index / 4][index % 4] - pose[index / 4][index % 4]) > 1e-4)
+            return play.Fail("a pose is not read back");
+}
+
 void Write(Play& play) {
     TVL::CoreNode* const node = play.AnyNode();
     TVL::CSnapshot* const snapshot = node ? node->AcquireSnapshot(AnyTime(play)) : nullptr;
@@ -198,6 +216,7 @@ void Write(Play& play) {
         snapshot->SetWorldTransform(pose);
     else
         snapshot->SetLocalTransform(pose);
+    CheckWritten(play, *snapshot, *static_cast<CMAXNode*>(node)->HostNode(), pose);
     node->ReleaseSnapshot(snapshot);
 }
 

@@ -65,7 +65,7 @@ void Play::Do(const Act& act) {
 }
 
 void Play::Hear(const std::string& moment) {
-    if (isGone_) noted_.push_back("the Core is told \"" + moment + "\" after it has left");
+    if (isGone_) Fail("the Core is told \"" + moment + "\" after it has left");
 }
 
 void Play::Meet(const std::string& moment) {

@@ -5,6 +5,7 @@
 #include <set>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/node.h"
@@ -89,6 +90,7 @@ class Play {
     // go on holding them.
     std::set<std::string> loose;
 
+    void Fail(std::string fault) { noted_.push_back(std::move(fault)); }
     void Hear(const std::string& moment);  // at the beginning of the call
     void Meet(const std::string& moment);  // and in its midst, unless the Core has left in it
     void ReleaseLast();                    // of what is lent, if anything is
