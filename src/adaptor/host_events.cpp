@@ -4,12 +4,14 @@
 #include "nodes/mesh_cache.h"
 #include "persistence/scene/gather_state.h"
 #include "persistence/scene/node_tags.h"
+#include "persistence/scene/state_chunk.h"
 
 namespace {
 
 // A mesh from the scene that goes is good for no node of the next, whose handle and address can be
 // the same.
 void LeaveScene() {
+    LeaveStoredState();
     CoreInterface* const core = AttachedCore();
     if (!core) return;
     core->ResetCore();
@@ -39,6 +41,7 @@ void OnFilePostSave(void*, NotifyInfo*) {
 }
 
 void OnHostShutdown(void* manager, NotifyInfo*) {
+    LeaveStoredState();
     static_cast<UtilityManager*>(manager)->ShutDownAdaptor();
 }
 

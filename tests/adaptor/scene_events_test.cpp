@@ -8,6 +8,7 @@
 #include "host/hold.h"
 #include "host/notify.h"
 #include "scene_state/state_test.h"
+#include "support/trace.h"
 
 namespace {
 
@@ -100,18 +101,28 @@ TEST_F(SceneEvents, WithoutACoreASceneKeepsTheStateThatIsInIt) {
     world.Session().Reset();
     EXPECT_EQ(Taken(), Calls());
 
+    constexpr const char* kSavedOver = "has never been read: it was opened without a CORE";
+    UtilityManager::Get().AttachCore();
+    Saved("new.scene");
+    EXPECT_EQ(TimesTraced(kSavedOver), 0U);
+    UtilityManager::Get().DetachCore();
+
     // What a Core that came too late for the scene writes stands behind what it never saw.
     Open(again);
     UtilityManager::Get().AttachCore();
     world.Core().state = XMLNode("<state/>");
     world.Core().state.AddChild(XMLNode("take", "2"));
     const std::string late = Saved("late.scene");
+    EXPECT_EQ(TimesTraced(kSavedOver), 1U);
     Taken();
     Open(late);
     Calls taken = Taken();
     ASSERT_EQ(taken.size(), 5U);
     EXPECT_EQ(taken[1], std::string("set state ") + kState);
     EXPECT_EQ(taken[2], "set state <state><take>2</take></state>");
+    Saved("late.scene");
+    EXPECT_EQ(TimesTraced(kSavedOver), 1U);
+    Taken();
 
     ClaimWhenLoading();
     Open(again);

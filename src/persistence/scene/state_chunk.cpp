@@ -6,8 +6,15 @@
 #include "core_link/core_link.h"
 #include "persistence/scene/older_state.h"
 #include "persistence/scene/state_format.h"
+#include "tvl/log.h"
 
 namespace {
+
+// The scene's state was offered while there was no Core.
+bool isStateUnread = false;
+
+constexpr const char* kUnread =
+    "Saving while state stored in the scene has never been read: it was opened without a CORE";
 
 // The Core may detach in the middle of the loading.
 void HandToCore(const XMLNode& state) {
@@ -28,6 +35,7 @@ IOResult SaveState(ISave& save) {
     CoreInterface* const core = AttachedCore();
     if (!core) return IO_OK;
     const XMLNode state = core->GetCoreState();
+    if (isStateUnread) TVL::Log(TVL::Log::kWarning).Write(kUnread);
     if (state.children.empty()) return IO_OK;
     save.BeginChunk(kStateChunk);
     save.WriteCString(state.Write("\n", "\t").c_str());
@@ -36,7 +44,8 @@ IOResult SaveState(ISave& save) {
 }
 
 IOResult LoadState(ILoad& load) {
-    if (!AttachedCore()) return IO_OK;
+    isStateUnread = !AttachedCore();
+    if (isStateUnread) return IO_OK;
     XMLNode olderPlugins = Element(kStateElement);
     while (load.OpenChunk() == IO_OK) {
         const std::uint16_t id = load.CurChunkID();
@@ -50,4 +59,8 @@ IOResult LoadState(ILoad& load) {
     }
     HandToCore(olderPlugins);
     return IO_OK;
+}
+
+void LeaveStoredState() {
+    isStateUnread = false;
 }

@@ -11,3 +11,7 @@ IOResult SaveState(ISave& save);
 // one element, also if there are none. A state chunk that cannot be read ends the loading at once,
 // with the reader inside it.
 IOResult LoadState(ILoad& load);
+
+// The scene is left. Until then a save by a Core that came too late for the state stored in it says
+// so in the trace, since the host may have nothing but what is saved now.
+void LeaveStoredState();
