@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <ranges>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -41,8 +40,9 @@ class PartedArray {
     template <class Condition>
     std::size_t FirstNot(Condition isSo) const {
         if (parts_.empty()) return FirstNotOf(whole_, isSo);
-        const auto found = std::ranges::partition_point(
-            parts_, [&](const Part& part) { return isSo(part.elements.front()); });
+        const auto found =
+            std::partition_point(parts_.begin(), parts_.end(),
+                                 [&](const Part& part) { return isSo(part.elements.front()); });
         if (found == parts_.begin()) return 0;
         const auto part = static_cast<std::size_t>(found - parts_.begin()) - 1;
         return StartOf(part) + FirstNotOf(parts_[part].elements, isSo);
@@ -124,7 +124,7 @@ class PartedArray {
 
     template <class Condition>
     static std::size_t FirstNotOf(const std::vector<E>& elements, Condition isSo) {
-        const auto found = std::ranges::partition_point(elements, isSo);
+        const auto found = std::partition_point(elements.begin(), elements.end(), isSo);
         return static_cast<std::size_t>(found - elements.begin());
     }
 
@@ -138,10 +138,11 @@ class PartedArray {
             return part >= parts_.size() || index < StartOf(part);
         };
         if (isBehind(recent_) || !isBehind(recent_ + 1)) {
-            const auto all = std::views::iota(std::size_t{0}, parts_.size());
-            recent_ = *std::ranges::partition_point(all, [&](std::size_t part) {
-                return !isBehind(part);
-            }) - 1;
+            const auto found =
+                std::partition_point(parts_.begin(), parts_.end(), [&](const Part& part) {
+                    return !isBehind(static_cast<std::size_t>(&part - parts_.data()));
+                });
+            recent_ = static_cast<std::size_t>(found - parts_.begin()) - 1;
         }
         return recent_;
     }

@@ -154,6 +154,14 @@ TEST_F(KeyOperations, ARecordMeansItsOwnKeyWhateverWasEditedPastTheHold) {
     Fill({60, 70});
     ASSERT_TRUE(world_.Host().Undo());
     EXPECT_EQ(Times(), (List{5, 20, 60, 70})) << "the end of the table is another's";
+
+    held([this] { control_->DeleteTime(Interval(50, 80), 0); });
+    Fill({90});
+    ASSERT_TRUE(world_.Host().Undo());
+    EXPECT_EQ(Times(), (List{5, 20, 90})) << "a whole table would take the new key away";
+    control_->DeleteKeyAtTime(90);
+    ASSERT_TRUE(world_.Host().Redo());
+    EXPECT_EQ(Times(), (List{5, 20})) << "what was not undone is not done again";
 }
 
 TEST_F(KeyOperations, UndoingADeletedRangeBringsBackTheCachedKeyToo) {
