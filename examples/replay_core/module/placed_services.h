@@ -10,8 +10,11 @@ namespace replay {
 class PlacedServices {
   public:
     explicit PlacedServices(TVL::AdaptorInterface& adaptor) : adaptor_(adaptor) {
-        adaptor_.SetErrorCode(TVL::ErrorCode::GetInstance());
-        adaptor_.SetLog(TVL::Log::GetInstance());
+        // Both are made, which can fail, before either is placed.
+        TVL::ErrorCode* const codes = TVL::ErrorCode::GetInstance();
+        TVL::Log* const log = TVL::Log::GetInstance();
+        adaptor_.SetErrorCode(codes);
+        adaptor_.SetLog(log);
     }
     ~PlacedServices() {
         adaptor_.ClearErrorCode();
