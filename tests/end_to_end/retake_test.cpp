@@ -37,11 +37,12 @@ std::vector<Retake> Retakes() {
     const std::string root = With(With(Walk(5), "JOINT Knee", "}\nROOT Knee"), "}\n}\n}", "}\n}");
     const std::string shin = With(Walk(5), "Knee", "Shin");
     const std::string notSaved = "take.scene: kept as it was before";
+    const std::string over = "again/walk.bvh: written over what the take \"walk\" held of ";
     const std::string other = "the take \"walk\" in the scene is another skeleton (it ";
     const std::string way = "--take names a take of its own, --replace puts the capture in its";
     return {
-        {"the same again", Walk(20), "", 0, 3, 40, 0, {}},
-        {"shorter", Walk(10), "", 0, 3, 40, 0.95, {}},
+        {"the same again", Walk(20), "", 0, 3, 40, 0, {over}},
+        {"shorter", Walk(10), "", 0, 3, 40, 0.95, {over}},
         {"shorter, nothing left", Walk(10), "--replace", 0, 3, 20, 0, {}},
         {"another name", shin, "", 1, 3, 40, 0, {other + "has \"Knee\" as well); ", way}},
         {"another parent", root, "", 1, 3, 40, 0, {other + "has \"Knee\" below another node); "}},
@@ -71,7 +72,7 @@ std::vector<Retake> Retakes() {
          3,
          40,
          0,
-         {"again/walk.bvh: announced frames: 19, there are 20"}},
+         {over, "again/walk.bvh: announced frames: 19, there are 20"}},
         {"cut",
          With(Walk(20), "Frames: 20", "Frames: 21"),
          "",
@@ -87,7 +88,7 @@ std::vector<Retake> Retakes() {
          3,
          40,
          0,
-         {"announced frames: 21, there are 20"}},
+         {over, "announced frames: 21, there are 20"}},
         {"frames on one tick",
          With(Walk(20), "0.05", "0.0001"),
          "--replace",

@@ -66,6 +66,16 @@ std::string Misfit(const PlannedTake& planned) {
            "; LUMISET_TAKE names a take of its own, LUMISET_REPLACE puts the capture in its place";
 }
 
+// What is lost of the take as it was; empty for nothing, or where it was asked for.
+std::string WrittenOver(const PlannedTake& planned) {
+    if (planned.replaces || !planned.take->IsThere()) return {};
+    const std::string lost =
+        CaptureWrittenOver(*planned.take, planned.capture, planned.motion, planned.frames);
+    if (lost.empty()) return {};
+    return planned.capture + ": written over what the take \"" + planned.take->Name() +
+           "\" held of " + lost;
+}
+
 // How far from where it is meant to be a joint may be read back.
 constexpr double kToleratedErrorMetres = 0.001;
 
@@ -205,6 +215,8 @@ void ReplayCore::Record(const Request& request, Report& report) {
     for (std::size_t i = 0; i < plan.size() && report.error.empty(); ++i) {
         plan[i].take = takes[i];
         report.error = Misfit(plan[i]);
+        if (std::string lost = WrittenOver(plan[i]); !lost.empty())
+            report.warnings.push_back(std::move(lost));
     }
     if (!report.error.empty()) return;
     plan.front().guide = scenery.Guide();

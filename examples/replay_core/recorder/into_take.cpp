@@ -111,6 +111,17 @@ std::string WhyNotInto(const Take& take, const Motion& motion, const FrameRange&
     return {};
 }
 
+std::string CaptureWrittenOver(const Take& take, const std::string& path, const Motion& motion,
+                               const FrameRange& frames) {
+    const auto isWrittenOver = [&](const Recording& earlier) {
+        const double first = static_cast<double>(earlier.firstFrame) * earlier.frameSeconds;
+        return earlier.capture != path && first <= FrameTime(motion, frames.end - 1) &&
+               FrameTime(motion, frames.first) <= LastSeconds(earlier);
+    };
+    const auto found = std::ranges::find_if(take.Recordings(), isWrittenOver);
+    return found == take.Recordings().end() ? "" : found->capture;
+}
+
 std::optional<KeptTail> TailBehind(std::span<const Recording> recordings, double lastSeconds) {
     double until = lastSeconds;
     for (const Recording& recording : recordings)

@@ -20,6 +20,11 @@ namespace replay {
 // of what was recorded before, or those would stand between them.
 std::string WhyNotInto(const Take& take, const Motion& motion, const FrameRange& frames);
 
+// Another capture than the one of that path, whose frames in the take the frames are written over;
+// empty if there is none.
+std::string CaptureWrittenOver(const Take& take, const std::string& path, const Motion& motion,
+                               const FrameRange& frames);
+
 // The time behind the last frame through which a take keeps what was recorded before.
 struct KeptTail {
     double fromSeconds = 0;
