@@ -133,6 +133,7 @@ TEST_F(StateTest, ATakeThatStartsAnewForgetsAllUntilThatIsUndone) {
     adaptor.BeginUndoGroup("Record");
     walk.StartAnew();
     adaptor.EndUndoGroup();
+    EXPECT_TRUE(walk.Recordings().empty());
     EXPECT_TRUE(replay::WholeState(*takes).children.empty());
     EXPECT_TRUE(headless::Nodes().empty());
     ASSERT_TRUE(world.Session().Undo());
