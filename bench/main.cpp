@@ -1,7 +1,12 @@
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 
+#include <iostream>
+#include <string>
+#include <vector>
+
 #include "bench/ratio_reporter.h"
+#include "headless/breaches.h"
 
 namespace {
 
@@ -22,5 +27,8 @@ int main(int count, char** arguments) {
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
-    return 0;
+    const std::vector<std::string> breaches = headless::TakeBreachLines();
+    for (const std::string& line : breaches)
+        std::cerr << "breach: " << line << '\n';
+    return breaches.empty() ? 0 : 1;
 }

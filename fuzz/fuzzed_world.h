@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fuzzed.h"
+#include "headless/breaches.h"
 #include "headless/memory_chunks.h"
 #include "host/interface.h"
 #include "support/world.h"
@@ -17,6 +18,7 @@ class FuzzedWorld : public World {
     void Clear() {
         Session().Reset();
         Core().TakeCalls();
+        Require(headless::TakeBreaches().empty());
     }
 
   private:

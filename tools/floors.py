@@ -13,9 +13,9 @@ INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)
 PLUGIN = [["foundation"], ["persistence/xml"], ["persistence/codecs"], ["persistence/chunks"],
           ["resources"], ["core_link"], ["measures"], ["undo"], ["controllers"], ["objects"],
           ["nodes"], ["persistence/scene"], ["adaptor"], ["plugin"]]
-HOST = [["values"], ["storage"], ["references"], ["hold"], ["drawing"], ["control", "objects"],
-        ["scene"], ["classes"], ["scene_file"], ["ui"], ["viewport"], ["viewport_module"],
-        ["session"], ["command"]]
+HOST = [["breaches"], ["values"], ["storage"], ["references"], ["hold"], ["drawing"],
+        ["control", "objects"], ["scene"], ["classes"], ["scene_file"], ["ui"], ["viewport"],
+        ["viewport_module"], ["session"], ["command"]]
 
 # Part of the house: its folder, its floors, and the contracts, or single headers, that it may
 # include.

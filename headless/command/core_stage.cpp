@@ -8,6 +8,7 @@
 #include "command/core_environment.h"
 #include "command/exit_status.h"
 #include "command/missing_core.h"
+#include "headless/breaches.h"
 #include "headless/scene_view.h"
 #include "platform/beside_program.h"
 #include "platform/environment.h"
@@ -97,6 +98,11 @@ void CoreStage::Save(const std::string& scene) {
 
 void CoreStage::MergeByHost(const std::string& scene) {
     Take(session_.MergeScene(scene));
+}
+
+const std::vector<std::string>& CoreStage::Complaints() {
+    std::ranges::move(TakeBreachLines(), std::back_inserter(complaints_));
+    return complaints_;
 }
 
 void CoreStage::Take(FileOutcome outcome) {

@@ -44,8 +44,8 @@ class CoreStage {
     void Save(const std::string& scene);
     void MergeByHost(const std::string& scene);
 
-    // What of that did not go well, a line each.
-    const std::vector<std::string>& Complaints() const { return complaints_; }
+    // What of that did not go well, and what the guests breached so far, a line each.
+    const std::vector<std::string>& Complaints();
 
     // What message boxes have said so far, a text each.
     const std::vector<std::string>& BoxTexts() const { return boxTexts_; }

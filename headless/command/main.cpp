@@ -7,11 +7,18 @@
 
 #include "command/exit_status.h"
 #include "command/verbs.h"
+#include "headless/breaches.h"
 #include "platform/arguments.h"
 
 namespace {
 
 constexpr char kNoMemory[] = "there is not enough memory";
+
+// Of the shutdown, and of a verb that does not tell them itself.
+void TellBreaches() {
+    for (const std::string& line : headless::TakeBreachLines())
+        std::cerr << "Complaint: " << line << '\n';
+}
 
 int Fail(const char* what, int status) {
     std::cerr << "lumiset-headless: " << what << '\n';
@@ -63,9 +70,7 @@ int Run(int argc, char** argv) {
     return headless::kDone;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int Guarded(int argc, char** argv) {
     try {
         return Run(argc, argv);
     } catch (const headless::Ended& ended) {
@@ -77,4 +82,12 @@ int main(int argc, char** argv) {
     } catch (const std::exception& error) {
         return Fail(error.what(), headless::kFailed);
     }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const int status = Guarded(argc, argv);
+    TellBreaches();
+    return status;
 }

@@ -1,5 +1,6 @@
 #include "host/hold.h"
 
+#include "breaches/breach_book.h"
 #include "hold/undo_stream.h"
 
 using headless::UndoStream;
@@ -16,15 +17,19 @@ HostString RestoreObj::Description() {
 }
 
 void Hold::Begin() {
+    headless::ExpectHost("Hold::Begin");
     UndoStream::Get().Begin();
 }
 void Hold::Accept(const char* label) {
+    headless::ExpectHost("Hold::Accept");
     UndoStream::Get().Accept(label);
 }
 void Hold::Cancel() {
+    headless::ExpectHost("Hold::Cancel");
     UndoStream::Get().Cancel();
 }
 void Hold::Put(RestoreObj* record) {
+    headless::ExpectHost("Hold::Put");
     UndoStream::Get().Put(record);
 }
 bool Hold::Holding() const {

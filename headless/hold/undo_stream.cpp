@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <iterator>
+#include <ranges>
 #include <utility>
 
+#include "breaches/breach_book.h"
 #include "references/graveyard.h"
 
 bool UndoStreamCanMeetObjects() {
@@ -11,6 +13,20 @@ bool UndoStreamCanMeetObjects() {
 }
 
 namespace headless {
+namespace {
+
+constexpr const char* kRunning = "a step is being undone, redone or cancelled";
+
+// A step for whose label there is no memory goes without.
+std::string LabelOf(const char* label) noexcept {
+    try {
+        return label != nullptr ? label : "";
+    } catch (...) {
+        return {};
+    }
+}
+
+}  // namespace
 
 // Never destroyed: records of other modules must not be run while the process ends.
 UndoStream& UndoStream::Get() {
@@ -18,72 +34,87 @@ UndoStream& UndoStream::Get() {
     return stream;
 }
 
-template <class Act>
-void UndoStream::Run(Act act) {
+// Every record is met, also when one of them throws.
+template <class Range, class Act>
+FirstThrown UndoStream::Run(const char* what, Range&& records, Act act) {
+    const HostEvent event(what);
+    FirstThrown thrown;
     running_ = true;
-    act();
+    for (const auto& record : records)
+        thrown.Try([&] { act(*record); });
     running_ = false;
+    return thrown;
 }
 
+// The step that the hold becomes has its place from here on, so that ending the hold needs no
+// memory.
 void UndoStream::Begin() {
-    if (!running_) holding_ = true;
+    if (running_) Book(kRunning, "Hold::Begin");
+    if (holding_) Book("a hold is open already", "Hold::Begin");
+    if (running_) return;
+    if (undo_.size() == undo_.capacity()) undo_.reserve(2 * undo_.size() + 1);
+    holding_ = true;
+}
+
+bool UndoStream::Takes(const char* call) const {
+    if (!holding_) Book(running_ ? kRunning : "no hold is open", call);
+    return holding_;
 }
 
 void UndoStream::Accept(const char* label) {
-    if (!holding_) return;
+    if (!Takes("Hold::Accept")) return;
+    FirstThrown thrown;
     for (std::size_t i = 0; i < open_.size(); ++i)
-        open_[i]->EndHold();
+        thrown.Try([&] { open_[i]->EndHold(); });
     holding_ = false;
     if (open_.empty()) {
         Graveyard::Get().Sweep();
-        return;
+    } else {
+        std::vector<Step> undone = std::exchange(redo_, {});
+        undo_.push_back({LabelOf(label), std::exchange(open_, {})});
+        std::reverse(undone.begin(), undone.end());
+        Drop(std::move(undone));
     }
-    std::vector<Step> undone = std::exchange(redo_, {});
-    undo_.push_back({label != nullptr ? label : "", std::exchange(open_, {})});
-    std::reverse(undone.begin(), undone.end());
-    Drop(std::move(undone));
+    thrown.Rethrow();
 }
 
 void UndoStream::Cancel() {
-    if (!holding_) return;
+    if (!Takes("Hold::Cancel")) return;
     holding_ = false;
     Records records = std::exchange(open_, {});
-    Run([&] {
-        for (auto record = records.rbegin(); record != records.rend(); ++record)
-            (*record)->Restore(0);
-    });
+    const FirstThrown thrown = Run("a cancel", std::views::reverse(records),
+                                   [](RestoreObj& record) { record.Restore(0); });
     Drop(std::move(records));
     FlushIfAsked();
+    thrown.Rethrow();
 }
 
 void UndoStream::Put(RestoreObj* record) {
     std::unique_ptr<RestoreObj> owned(record);
-    if (holding_ && owned) open_.push_back(std::move(owned));
+    if (Takes("Hold::Put") && owned) open_.push_back(std::move(owned));
 }
 
 bool UndoStream::Undo() {
     if (undo_.empty() || holding_ || running_) return false;
-    Run([this] {
-        Step step = std::move(undo_.back());
-        undo_.pop_back();
-        for (auto record = step.records.rbegin(); record != step.records.rend(); ++record)
-            (*record)->Restore(1);
-        redo_.push_back(std::move(step));
-    });
+    redo_.push_back({});
+    redo_.back() = std::move(undo_.back());
+    undo_.pop_back();
+    const FirstThrown thrown = Run("undo", std::views::reverse(redo_.back().records),
+                                   [](RestoreObj& record) { record.Restore(1); });
     FlushIfAsked();
+    thrown.Rethrow();
     return true;
 }
 
 bool UndoStream::Redo() {
     if (redo_.empty() || holding_ || running_) return false;
-    Run([this] {
-        Step step = std::move(redo_.back());
-        redo_.pop_back();
-        for (const auto& record : step.records)
-            record->Redo();
-        undo_.push_back(std::move(step));
-    });
+    undo_.push_back({});
+    undo_.back() = std::move(redo_.back());
+    redo_.pop_back();
+    const FirstThrown thrown =
+        Run("redo", undo_.back().records, [](RestoreObj& record) { record.Redo(); });
     FlushIfAsked();
+    thrown.Rethrow();
     return true;
 }
 

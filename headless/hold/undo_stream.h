@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "hold/first_thrown.h"
 #include "host/hold.h"
 
 namespace headless {
@@ -13,12 +14,14 @@ namespace headless {
 // Records are destroyed newest first. Whatever they do when they are restored, redone or destroyed,
 // they may call back anything here: while a step is being restored or redone, Begin, Accept,
 // Cancel, Undo and Redo have no effect, a record that is put is destroyed at once, and a Flush
-// waits for the end of the step.
+// waits for the end of the step. When a record throws, the others have their turn all the same, the
+// step is then where it would be without, and the first exception comes out.
 class UndoStream {
   public:
     static UndoStream& Get();
 
-    // A second Begin has no effect; nor has an Accept or a Cancel without a Begin.
+    // A second Begin has no effect; nor has an Accept or a Cancel without a Begin. All are
+    // breaches.
     void Begin();
     void Accept(const char* label);  // the steps to be redone go; a hold without records is no step
     void Cancel();
@@ -47,8 +50,9 @@ class UndoStream {
         Records records;  // in the order in which they were put
     };
 
-    template <class Act>
-    void Run(Act act);
+    template <class Range, class Act>
+    FirstThrown Run(const char* what, Range&& records, Act act);
+    bool Takes(const char* call) const;  // a hold is open for this call
     void FlushIfAsked();
     void Drop(Records records);
     void Drop(std::vector<Step> steps);  // the last one first

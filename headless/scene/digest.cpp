@@ -20,7 +20,7 @@ class ObjectWalk {
     void AddReference(Hash& hash, RefTargetHandle target) {
         if (auto* node = dynamic_cast<SceneNode*>(target)) {
             hash.Add(kToNode);
-            hash.Add(node->GetHandle());
+            hash.Add(node->Handle());
         } else {
             hash.Add(target ? kToObject : kToNothing);
             if (target) hash.Add(NumberOf(target));
@@ -58,8 +58,8 @@ class ObjectWalk {
 };
 
 void AddNode(Hash& hash, ObjectWalk& walk, SceneNode& node) {
-    hash.Add(node.GetHandle());
-    hash.Add(node.Parent()->GetHandle());
+    hash.Add(node.Handle());
+    hash.Add(node.Parent()->Handle());
     hash.Add(node.Name());
     hash.Add(node.IsHidden(0, false) ? 1U : 0U);
     hash.Add(node.Selected() ? 1U : 0U);

@@ -3,6 +3,7 @@
 #include <optional>
 #include <utility>
 
+#include "breaches/breach_book.h"
 #include "objects/undoable.h"
 #include "scene/edit_watch.h"
 #include "scene/scene.h"
@@ -25,7 +26,13 @@ void SceneNode::DeleteThis() {
     if (ownerless_) delete this;
 }
 
+const SceneNode& SceneNode::Met(const char* operation) const {
+    if (left_) Book(kGone, operation);
+    return *this;
+}
+
 void SceneNode::SetName(const char* name) {
+    Met("SetName");
     std::string next = name ? name : "";
     if (next == look_.name) return;
     Undoably([self = shared_from_this(), other = std::move(next)]() mutable {
@@ -35,20 +42,24 @@ void SceneNode::SetName(const char* name) {
 }
 
 void SceneNode::Hide(bool hide) {
+    Met("Hide");
     if (hide == look_.isHidden) return;
     Undoably([self = shared_from_this()] { self->look_.isHidden = !self->look_.isHidden; });
 }
 
 bool SceneNode::IsHidden(std::uint32_t, bool) {
+    Met("IsHidden");
     return look_.isHidden;
 }
 
 const ObjectState& SceneNode::EvalWorldState(TimeValue t, bool) {
+    Met("EvalWorldState");
     evaluated_ = object_ ? object_->Eval(t) : ObjectState{};
     return evaluated_;
 }
 
 bool SceneNode::SetTMController(Control* controller) {
+    Met("SetTMController");
     if (!controller || controller->SuperClassID() != CTRL_MATRIX3_CLASS_ID || IsRootNode())
         return false;
     ReplaceReference(kTransform, controller);
@@ -60,16 +71,19 @@ void SceneNode::SetObject(Object* object) {
 }
 
 void SceneNode::SetWireColor(std::uint32_t colour) {
+    Met("SetWireColor");
     Undoably([self = shared_from_this(), other = colour]() mutable {
         std::swap(self->look_.wireColour, other);
     });
 }
 
 bool SceneNode::UserPropExists(const HostString& key) {
+    Met("UserPropExists");
     return look_.userProps.contains(key);
 }
 
 bool SceneNode::GetUserPropString(const HostString& key, HostString& value) {
+    Met("GetUserPropString");
     const auto found = look_.userProps.find(key);
     if (found == look_.userProps.end()) return false;
     value = found->second;
@@ -77,6 +91,7 @@ bool SceneNode::GetUserPropString(const HostString& key, HostString& value) {
 }
 
 void SceneNode::SetUserPropString(const HostString& key, const HostString& value) {
+    Met("SetUserPropString");
     Undoably([self = shared_from_this(), key, other = std::optional(value)]() mutable {
         std::optional<HostString> now;
         if (const auto entry = self->look_.userProps.extract(key)) now = std::move(entry.mapped());

@@ -32,26 +32,28 @@ class SceneNode final : public INode, public std::enable_shared_from_this<SceneN
     // Neither object nor controller yet. The root has handle 0.
     static NodePtr New(std::uint32_t handle);
 
-    const char* GetName() override { return look_.name.c_str(); }
+    const char* GetName() override { return Met("GetName").look_.name.c_str(); }
     void SetName(const char* name) override;
 
-    INode* GetParentNode() override { return parent_; }
+    INode* GetParentNode() override { return Met("GetParentNode").parent_; }
     bool IsRootNode() override { return handle_ == 0; }
-    int NumberOfChildren() override { return static_cast<int>(children_.size()); }
+    int NumberOfChildren() override {
+        return static_cast<int>(Met("NumberOfChildren").children_.size());
+    }
     INode* GetChildNode(int index) override;
     void AttachChild(INode* child, int keepTM) override;
     void Detach(TimeValue t, int keepTM) override;
 
     void Hide(bool hide) override;
     bool IsHidden(std::uint32_t flags, bool forRenderer) override;
-    bool Selected() override { return selected_; }
+    bool Selected() override { return Met("Selected").selected_; }
 
-    std::uint32_t GetHandle() override { return handle_; }
+    std::uint32_t GetHandle() override { return Met("GetHandle").handle_; }
 
-    Object* GetObjectRef() override { return object_; }
+    Object* GetObjectRef() override { return Met("GetObjectRef").object_; }
     const ObjectState& EvalWorldState(TimeValue t, bool evalHidden) override;
 
-    Control* GetTMController() override { return transform_; }
+    Control* GetTMController() override { return Met("GetTMController").transform_; }
     bool SetTMController(Control* controller) override;
 
     Matrix3 GetNodeTM(TimeValue t, Interval* valid) override;
@@ -62,7 +64,7 @@ class SceneNode final : public INode, public std::enable_shared_from_this<SceneN
     int NumMtls() override { return 1; }
 
     void SetWireColor(std::uint32_t colour) override;
-    std::uint32_t GetWireColor() override { return look_.wireColour; }
+    std::uint32_t GetWireColor() override { return Met("GetWireColor").look_.wireColour; }
 
     bool UserPropExists(const HostString& key) override;
     bool GetUserPropString(const HostString& key, HostString& value) override;
@@ -101,6 +103,9 @@ class SceneNode final : public INode, public std::enable_shared_from_this<SceneN
     void Unhang();
     void Abandon();  // forgets parent and children
     void MarkSelected(bool selected) { selected_ = selected; }
+    bool IsSelected() const { return selected_; }
+    std::uint32_t Handle() const { return handle_; }
+    void MarkLeft(bool left) { left_ = left; }
 
   private:
     static constexpr SClass_ID kNodeSuperClass = 1;
@@ -109,6 +114,9 @@ class SceneNode final : public INode, public std::enable_shared_from_this<SceneN
     explicit SceneNode(std::uint32_t handle) : handle_(handle) {}
     ~SceneNode() override = default;
     static void Free(SceneNode* node);
+
+    // Where a guest comes in, who should know whether the node is there.
+    const SceneNode& Met(const char* operation) const;
 
     void MoveTo(SceneNode& parent, TimeValue t, int keepTM);
     bool HangsBelow(const SceneNode& node) const;
@@ -122,6 +130,7 @@ class SceneNode final : public INode, public std::enable_shared_from_this<SceneN
     ObjectState evaluated_;
     Material material_;
     bool selected_ = false;
+    bool left_ = false;       // was in the scene, and is not now
     bool ownerless_ = false;  // on its way to be freed
 };
 

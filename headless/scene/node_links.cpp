@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "breaches/breach_book.h"
 #include "host/animate.h"
 #include "host/hold.h"
 #include "objects/undoable.h"
@@ -11,6 +12,7 @@
 namespace headless {
 
 INode* SceneNode::GetChildNode(int index) {
+    Met("GetChildNode");
     if (index < 0 || index >= NumberOfChildren()) return nullptr;
     return children_[static_cast<std::size_t>(index)];
 }
@@ -41,12 +43,17 @@ void SceneNode::Abandon() {
 }
 
 void SceneNode::AttachChild(INode* child, int keepTM) {
-    const Scene& scene = TheScene();
-    if (!scene.Contains(child) || !scene.IsThere(*this)) return;
-    static_cast<SceneNode*>(child)->MoveTo(*this, CurrentTime(), keepTM);
+    constexpr const char* kCall = "AttachChild";
+    Met(kCall);
+    if (child && !TheScene().Contains(child)) Book(kGone, kCall);
+    if (!TheScene().Contains(child) || !TheScene().IsThere(*this)) return;
+    auto* const moved = static_cast<SceneNode*>(child);
+    if (HangsBelow(*moved)) Book("the node would hang below itself", kCall);
+    moved->MoveTo(*this, CurrentTime(), keepTM);
 }
 
 void SceneNode::Detach(TimeValue t, int keepTM) {
+    Met("Detach");
     if (TheScene().Contains(this)) MoveTo(*TheScene().Root(), t, keepTM);
 }
 

@@ -13,6 +13,7 @@ std::vector<SceneNode*> path;
 }  // namespace
 
 Matrix3 SceneNode::GetNodeTM(TimeValue t, Interval* valid) {
+    Met("GetNodeTM");
     const std::size_t base = path.size();
     for (SceneNode* node = this; node && !node->IsRootNode(); node = node->parent_)
         path.push_back(node);
@@ -28,6 +29,7 @@ Matrix3 SceneNode::GetNodeTM(TimeValue t, Interval* valid) {
 }
 
 void SceneNode::SetNodeTM(TimeValue t, const Matrix3& world) {
+    Met("SetNodeTM");
     if (!transform_) return;
     SetXFormPacket packet;
     packet.command = XFORM_SET;

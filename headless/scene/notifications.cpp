@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <exception>
 #include <vector>
 
+#include "breaches/breach_book.h"
+#include "hold/first_thrown.h"
 #include "host/notify.h"
 
 namespace headless {
@@ -30,22 +31,19 @@ void DropGone() {
 }  // namespace
 
 void Broadcast(int code, void* callParam) {
-    std::exception_ptr thrown;
+    const HostEvent event("notification", code);
+    FirstThrown thrown;
     ++broadcasting;
     const std::size_t present = listeners.size();
     for (std::size_t i = 0; i < present; ++i) {
         const Listener listener = listeners[i];
         if (!listener.proc || listener.code != code) continue;
         NotifyInfo info{code, callParam};
-        try {
-            listener.proc(listener.param, &info);
-        } catch (...) {
-            if (!thrown) thrown = std::current_exception();
-        }
+        thrown.Try([&] { listener.proc(listener.param, &info); });
     }
     --broadcasting;
     DropGone();
-    if (thrown) std::rethrow_exception(thrown);
+    thrown.Rethrow();
 }
 
 void ForgetNotifications() {
@@ -58,6 +56,7 @@ void ForgetNotifications() {
 
 int RegisterNotification(NOTIFYPROC proc, void* param, int code) {
     using namespace headless;
+    ExpectHost("RegisterNotification");
     if (!proc) return 0;
     const Listener listener{proc, param, code};
     if (std::find(listeners.begin(), listeners.end(), listener) == listeners.end())
@@ -67,6 +66,7 @@ int RegisterNotification(NOTIFYPROC proc, void* param, int code) {
 
 int UnRegisterNotification(NOTIFYPROC proc, void* param, int code) {
     using namespace headless;
+    ExpectHost("UnRegisterNotification");
     const auto found = std::find(listeners.begin(), listeners.end(), Listener{proc, param, code});
     if (!proc || found == listeners.end()) return 0;
     found->proc = nullptr;

@@ -19,8 +19,10 @@ void Scene::Open() {
 
 void Scene::Clear() {
     ForgetSelection();
-    for (const auto& [handle, node] : nodes_)
+    for (const auto& [handle, node] : nodes_) {
         node->Abandon();
+        node->MarkLeft(true);
+    }
     if (root_) root_->Abandon();
     names_ = NameBook();
     addresses_.clear();
@@ -86,8 +88,9 @@ void Scene::FlipPresence(const NodePtr& node, const NodePtr& parent, std::size_t
 // after them can find its nodes elsewhere: what has left stays away, what is there stays.
 void Scene::Enter(const NodePtr& node, SceneNode& parent, std::size_t index) {
     if (Contains(node.get())) return;
-    nodes_.emplace(node->GetHandle(), node);
+    nodes_.emplace(node->Handle(), node);
     addresses_.insert(node.get());
+    node->MarkLeft(false);
     names_.Add(node->Name());
     node->Hang(IsThere(parent) ? parent : *root_, index);
 }
@@ -104,7 +107,8 @@ void Scene::Leave(SceneNode& node) {
     node.Unhang();
     names_.Remove(node.Name());
     addresses_.erase(&node);
-    nodes_.erase(node.GetHandle());
+    node.MarkLeft(true);
+    nodes_.erase(node.Handle());
 }
 
 std::vector<SceneNode*> Scene::InOrder() const {

@@ -14,18 +14,18 @@ std::vector<SceneNode*> selection;
 
 auto PlaceOf(SceneNode& node) {
     return std::lower_bound(
-        selection.begin(), selection.end(), node.GetHandle(),
-        [](SceneNode* other, std::uint32_t handle) { return other->GetHandle() < handle; });
+        selection.begin(), selection.end(), node.Handle(),
+        [](SceneNode* other, std::uint32_t handle) { return other->Handle() < handle; });
 }
 
 void Toggle(SceneNode& node) {
-    if (node.Selected())
+    if (node.IsSelected())
         selection.erase(PlaceOf(node));
     else if (TheScene().Contains(&node))
         selection.insert(PlaceOf(node), &node);
     else
         return;
-    node.MarkSelected(!node.Selected());
+    node.MarkSelected(!node.IsSelected());
 }
 
 void ToggleAll(const std::vector<SceneNode*>& nodes) {
@@ -45,7 +45,7 @@ void ToggleAll(const std::vector<SceneNode*>& nodes) {
 std::vector<SceneNode*> Those(const std::vector<SceneNode*>& nodes, bool selected) {
     std::vector<SceneNode*> found;
     for (SceneNode* node : nodes) {
-        if (TheScene().Contains(node) && node->Selected() == selected) found.push_back(node);
+        if (TheScene().Contains(node) && node->IsSelected() == selected) found.push_back(node);
     }
     std::sort(found.begin(), found.end());
     found.erase(std::unique(found.begin(), found.end()), found.end());

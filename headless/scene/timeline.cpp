@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "breaches/breach_book.h"
 #include "objects/undoable.h"
 
 namespace headless {
@@ -30,6 +31,7 @@ void DropGone() {
 }  // namespace
 
 void TellTime() {
+    const HostEvent event("a change of time");
     ++timeline.telling;
     const std::size_t present = timeline.callbacks.size();
     for (std::size_t i = 0; i < present; ++i) {

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "breaches/breach_book.h"
 #include "scene_file/scene_file.h"
 #include "scene_file/thrown_words.h"
 
@@ -43,6 +44,7 @@ KeptChunks SceneFileReader::LoadUtility(const StoredUtility& stored, GUP& utilit
                              stored.type.name + " " + what);
     };
     NotingReader reader(*source_, stored.chunks);
+    const HostEvent event("the loading", stored.type.name.c_str());
     const std::string failure = LoadFailure(utility, reader);
     reader.End(failure.empty());
     const std::vector<std::byte> unread = BytesOf(reader.Unread());

@@ -4,6 +4,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "breaches/breach_book.h"
 #include "classes/class_registry.h"
 #include "host/time.h"
 #include "host/units.h"
@@ -71,6 +72,7 @@ UtilityChunks SaveUtilities(const std::string& path, std::span<const RunningUtil
         const char* name = descriptor.ClassName();
         StoredClass type{descriptor.SuperClassID(), descriptor.ClassID(), name ? name : ""};
         MemorySink sink;
+        const HostEvent event("the saving", type.name.c_str());
         SaveInto(sink, path, type.name, [&](ISave* save) { return utility.utility->Save(save); });
         if (sink.Size() > 0) chunks.insert({KeyOf(type), {type, sink.Take()}});
     }

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "breaches/breach_book.h"
 #include "classes/class_registry.h"
 #include "hold/undo_stream.h"
 #include "host/custom_controls.h"
@@ -20,6 +21,7 @@ IObjParam::~IObjParam() = default;
 
 Interface* GetCOREInterface() {
     static headless::HostInterface host;
+    headless::ExpectHost("GetCOREInterface");
     return &host;
 }
 
@@ -29,11 +31,18 @@ void InitCustomControls(HINSTANCE) {}
 namespace headless {
 namespace {
 
+// A module's pointer as a node of the scene; null if it is none.
+SceneNode* NodeOf(INode* node, const char* call) {
+    if (TheScene().Contains(node)) return static_cast<SceneNode*>(node);
+    if (node) Book(kGone, call);
+    return nullptr;
+}
+
 // Those of a module's table that are nodes of the scene.
-std::vector<SceneNode*> NodesOf(INodeTab& table) {
+std::vector<SceneNode*> NodesOf(INodeTab& table, const char* call) {
     std::vector<SceneNode*> nodes;
     for (int i = 0; i < table.Count(); ++i) {
-        if (TheScene().Contains(table[i])) nodes.push_back(static_cast<SceneNode*>(table[i]));
+        if (SceneNode* const node = NodeOf(table[i], call)) nodes.push_back(node);
     }
     return nodes;
 }
@@ -122,8 +131,8 @@ INode* HostInterface::GetSelNode(int index) {
 }
 
 void HostInterface::SelectNode(INode* node, int clearSelection) {
-    if (TheScene().Contains(node))
-        SelectNodes({static_cast<SceneNode*>(node)}, clearSelection != 0);
+    if (SceneNode* const known = NodeOf(node, "SelectNode"))
+        SelectNodes({known}, clearSelection != 0);
 }
 
 void HostInterface::ClearNodeSelection(int) {
@@ -131,10 +140,11 @@ void HostInterface::ClearNodeSelection(int) {
 }
 
 void HostInterface::SelectNodeTab(INodeTab& nodes, int select, int) {
+    const std::vector<SceneNode*> known = NodesOf(nodes, "SelectNodeTab");
     if (select != 0)
-        SelectNodes(NodesOf(nodes), false);
+        SelectNodes(known, false);
     else
-        DeselectNodes(NodesOf(nodes));
+        DeselectNodes(known);
 }
 
 void* HostInterface::CreateInstance(SClass_ID superClass, Class_ID classId) {
@@ -151,12 +161,13 @@ INode* HostInterface::CreateObjectNode(Object* object) {
 }
 
 void HostInterface::DeleteNode(INode* node, int, int) {
-    if (TheScene().Contains(node)) TheScene().Delete(*static_cast<SceneNode*>(node));
+    if (SceneNode* const known = NodeOf(node, "DeleteNode")) TheScene().Delete(*known);
 }
 
 bool HostInterface::CloneNodes(INodeTab& nodes, const Point3& offset, bool expandHierarchies,
                                CloneType, INodeTab* resultSource, INodeTab* resultTarget) {
-    const std::vector<NodeCopy> copies = CopyNodes(NodesOf(nodes), offset, expandHierarchies);
+    const std::vector<SceneNode*> known = NodesOf(nodes, "CloneNodes");
+    const std::vector<NodeCopy> copies = CopyNodes(known, offset, expandHierarchies);
     if (resultSource) resultSource->ZeroCount();
     if (resultTarget) resultTarget->ZeroCount();
     for (const NodeCopy& copy : copies) {

@@ -57,8 +57,8 @@ std::string ClassNameOf(Animatable& object) {
 NodeView ViewOf(SceneNode& node) {
     NodeView view;
     view.name = node.Name();
-    view.handle = node.GetHandle();
-    view.parent = node.Parent()->GetHandle();
+    view.handle = node.Handle();
+    view.parent = node.Parent()->Handle();
     if (Object* object = node.GetObjectRef()) {
         view.objectSuperClass = object->SuperClassID();
         view.objectClass = object->ClassID();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "breaches/breach_book.h"
 #include "classes/class_registry.h"
 #include "classes/plugin_library.h"
 #include "headless/scene_view.h"
@@ -54,6 +55,7 @@ void Session::State::ApplySettings() const {
 }
 
 Session::Session(const SessionSettings& settings) : state_(std::make_unique<State>()) {
+    HostIsUp();
     state_->settings = settings;
     state_->ApplySettings();
     ResetFrame();
@@ -97,6 +99,7 @@ void Session::Start() {
         auto* utility = static_cast<GUP*>(descriptor->Create());
         if (!utility) continue;
         RememberForever(utility);
+        const HostEvent event("the start", descriptor->ClassName());
         if (utility->Start() == GUPRESULT_KEEP)
             state_->kept.push_back({descriptor, utility});
         else
@@ -111,8 +114,10 @@ std::size_t Session::KeptUtilities() const {
 void Session::ShutDown() {
     if (std::exchange(state_->isShutDown, true)) return;
     Broadcast(NOTIFY_SYSTEM_SHUTDOWN);
-    for (const RunningUtility& running : state_->kept)
+    for (const RunningUtility& running : state_->kept) {
+        const HostEvent event("the stop", running.descriptor->ClassName());
         running.utility->Stop();
+    }
     for (const RunningUtility& running : std::exchange(state_->kept, {}))
         running.utility->DeleteThis();
     ThePanel().Close();
@@ -123,6 +128,7 @@ void Session::ShutDown() {
     ForgetNotifications();
     ForgetMapDirectories();
     TheClasses().Clear();
+    HostIsDown();
     state_->libraries.clear();
     OnMessageBox({});
 }
@@ -160,6 +166,7 @@ void Session::SetTaskMode(int mode) {
 }
 
 bool Session::PressButton(int controlId) {
+    const HostEvent event("button", controlId);
     return PressPageButton(controlId);
 }
 
@@ -175,11 +182,16 @@ std::size_t Session::Select(const std::vector<std::string>& names) {
 
 namespace {
 
-// The nodes that are still announced when everybody has been told, and still there.
+// The nodes that are still announced when everybody has been told, and still there. All stay alive
+// meanwhile, whatever becomes of them, so that no other node comes to their addresses.
 std::vector<NodePtr> AnnounceDeletion(const std::vector<SceneNode*>& nodes) {
     INodeTab table;
-    for (INode* node : nodes)
-        table.Append(1, &node);
+    std::vector<NodePtr> announced;
+    for (SceneNode* node : nodes) {
+        INode* const entry = node;
+        table.Append(1, &entry);
+        announced.push_back(node->shared_from_this());
+    }
     Broadcast(NOTIFY_SEL_NODES_PRE_DELETE, &table);
     std::vector<NodePtr> remaining;
     for (int i = 0; i < table.Count(); ++i) {
@@ -189,16 +201,36 @@ std::vector<NodePtr> AnnounceDeletion(const std::vector<SceneNode*>& nodes) {
     return remaining;
 }
 
+// The hold of a deletion, unless it becomes part of one that is open. Whoever hears of the deletion
+// can end that, which must not cost the user the nodes.
+class DeletionStep {
+  public:
+    DeletionStep() { Renew(); }
+    ~DeletionStep() {
+        if (begun_ && theHold.Holding()) theHold.Accept("Delete");
+    }
+    DeletionStep(const DeletionStep&) = delete;
+    DeletionStep& operator=(const DeletionStep&) = delete;
+
+    void Renew() {
+        if (theHold.Holding() || theHold.RestoreOrRedoing()) return;
+        theHold.Begin();
+        begun_ = true;
+    }
+
+  private:
+    bool begun_ = false;
+};
+
 }  // namespace
 
 std::size_t Session::DeleteSelected() {
     if (SelectedNodes().empty()) return 0;
-    const bool begun = !theHold.Holding();
-    if (begun) theHold.Begin();
+    DeletionStep step;
     const std::vector<NodePtr> nodes = AnnounceDeletion(SelectedNodes());
+    if (!nodes.empty()) step.Renew();
     for (const NodePtr& node : nodes)
         TheScene().Delete(*node);
-    if (begun) theHold.Accept("Delete");
     return nodes.size();
 }
 

@@ -14,7 +14,7 @@ std::vector<std::uint32_t> HandlesOf(const std::vector<SceneNode*>& nodes) {
     std::vector<std::uint32_t> handles;
     handles.reserve(nodes.size());
     for (SceneNode* node : nodes)
-        handles.push_back(node->GetHandle());
+        handles.push_back(node->Handle());
     return handles;
 }
 

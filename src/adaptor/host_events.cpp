@@ -5,16 +5,18 @@
 #include "persistence/scene/gather_state.h"
 #include "persistence/scene/node_tags.h"
 #include "persistence/scene/state_chunk.h"
+#include "undo/undo_groups.h"
 
 namespace {
 
-// A mesh from the scene that goes is good for no node of the next, whose handle and address can be
-// the same.
+// The host ends a hold with the scene. A mesh from the scene that goes is good for no node of the
+// next, whose handle and address can be the same.
 void LeaveScene() {
     LeaveStoredState();
     CoreInterface* const core = AttachedCore();
     if (!core) return;
     core->ResetCore();
+    MarkHold();
     ConvertedMeshes().Empty();
 }
 

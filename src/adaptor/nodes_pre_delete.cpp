@@ -27,8 +27,8 @@ class Announcement {
     DeletionState outer_;
 };
 
-void TellOwner(INode* host) {
-    const CMAXNode* const node = FindRealNode(host);
+void TellOwner(const INode* host) {
+    const CMAXNode* const node = FindAnnouncedNode(host);
     TVL::CoreElement* const owner = node ? node->Owner() : nullptr;
     if (!owner) return;
     std::vector<TVL::CoreElement*>& told = DeletionInProgress().notifiedOwners;
@@ -41,7 +41,8 @@ void TellOwner(INode* host) {
 
 }  // namespace
 
-// An owner's answer can take nodes out of the host's table.
+// An owner's answer can take nodes out of the host's table, and like `StopCore` it can end nodes
+// that stand there.
 void OnNodesPreDelete(void*, NotifyInfo* info) {
     if (!AttachedCore()) return;
     if (IsCoreRunning()) AttachedCore()->StopCore();

@@ -23,6 +23,9 @@ class HostNodeLink {
     // Whether a node was linked at all, present in the scene or not.
     bool IsSet() const { return node_ != nullptr; }
 
+    // To be compared, not followed: the node may be gone, and another have come to its address.
+    const INode* Pointer() const { return node_; }
+
     friend bool operator==(const HostNodeLink&, const HostNodeLink&) = default;
 
     struct Hash {

@@ -4,7 +4,6 @@
 #include <unordered_set>
 #include <utility>
 
-#include "host/hold.h"
 #include "host/interface.h"
 #include "host/path_config.h"
 #include "nodes/host_node_link.h"
@@ -21,23 +20,6 @@ constexpr const char* kNotMerged = "Merge failed. The scene could not be merged 
 constexpr const char* kDamagedFile = "Merge failed, possible corrupt scene file: ";
 
 constexpr DWORD kDirectoryCapacity = 1024;  // bytes
-
-// Closes the hold of the undo groups, and opens another one in its place if the groups are still
-// open at the end and nobody else has.
-class OutsideHold {
-  public:
-    OutsideHold() : closed_(IsHoldingUndo() && theHold.Holding()) {
-        if (closed_) theHold.Accept(kHoldLabel);
-    }
-    ~OutsideHold() {
-        if (closed_ && IsHoldingUndo() && !theHold.Holding()) theHold.Begin();
-    }
-    OutsideHold(const OutsideHold&) = delete;
-    OutsideHold& operator=(const OutsideHold&) = delete;
-
-  private:
-    bool closed_;
-};
 
 // The merge calls back, and nodes can go meanwhile, so that they are held by links.
 std::vector<HostNodeLink> GatherSelection(Interface& host, TVL::Log& log) {
@@ -122,7 +104,7 @@ void SelectAgain(Interface& host, const std::vector<HostNodeLink>& selected, TVL
 std::vector<TVL::CNode*> MergeModels(const std::string& path) {
     TVL::Log log("Merging models from file", TVL::Log::kNotice);
     log.WriteValue("Merge file", path);
-    const OutsideHold outsideHold;
+    const OutsideHold outsideHold(kHoldLabel);
     Interface& host = *GetCOREInterface();
     const std::vector<HostNodeLink> selected = GatherSelection(host, log);
     log.Write("Clearing node selection");

@@ -24,6 +24,17 @@ void CMAXNode::ReleaseNode(TVL::CNode* node) {
     if (node) static_cast<CMAXNode*>(node)->Destroy();
 }
 
+namespace {
+
+bool HangsBelow(INode* node, const INode* above) {
+    while (node && node != above)
+        node = node->GetParentNode();
+    return node != nullptr;
+}
+
+}  // namespace
+
+// A node that would come to hang below itself stays where it is.
 void CMAXNode::SetParent(TVL::CoreNode* parent) {
     INode* const host = HostNode();
     if (!parent) {
@@ -39,7 +50,7 @@ void CMAXNode::SetParent(TVL::CoreNode* parent) {
     }
     log.WriteValue("setting parent...", host);
     if (!host) return;
-    parentHost->AttachChild(host, 1);
+    if (!HangsBelow(parentHost, host)) parentHost->AttachChild(host, 1);
     log.Write("parent set");
 }
 

@@ -6,7 +6,7 @@
 
 bool IsListed(const CMAXNode* node) {
     const auto& byHost = AdaptorNodes().byHost;
-    const auto sameHost = byHost.find(node->HostLink());
+    const auto sameHost = byHost.find(node->HostLink().Pointer());
     return sameHost != byHost.end() &&
            std::ranges::find(sameHost->second, node) != sameHost->second.end();
 }
@@ -14,13 +14,13 @@ bool IsListed(const CMAXNode* node) {
 void ListNode(CMAXNode* node) {
     if (IsListed(node)) return;
     AdaptorNodes().nodes.push_back(node);
-    AdaptorNodes().byHost[node->HostLink()].push_back(node);
+    AdaptorNodes().byHost[node->HostLink().Pointer()].push_back(node);
 }
 
 void UnlistNode(CMAXNode* node) {
     if (!IsListed(node)) return;
     std::erase(AdaptorNodes().nodes, node);
-    const auto sameHost = AdaptorNodes().byHost.find(node->HostLink());
+    const auto sameHost = AdaptorNodes().byHost.find(node->HostLink().Pointer());
     std::erase(sameHost->second, node);
     if (sameHost->second.empty()) AdaptorNodes().byHost.erase(sameHost);
 }

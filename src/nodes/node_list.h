@@ -13,9 +13,9 @@ class CMAXNode;
 struct NodeList {
     std::vector<CMAXNode*> nodes;
 
-    // The same nodes by what they stand for, in the same order, so that a Core can claim the nodes
-    // of a large scene one by one.
-    std::unordered_map<HostNodeLink, std::vector<CMAXNode*>, HostNodeLink::Hash> byHost;
+    // The same nodes by the pointers to what they stand for, in the same order, so that a Core can
+    // claim the nodes of a large scene one by one. The pointers are compared and never followed.
+    std::unordered_map<const INode*, std::vector<CMAXNode*>> byHost;
 };
 
 // The adaptor's list.

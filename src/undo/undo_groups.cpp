@@ -6,6 +6,7 @@
 #include "host/hold.h"
 #include "tvl/error_code.h"
 #include "tvl/log.h"
+#include "undo/own_step.h"
 #include "undo/undo_wrapper.h"
 
 namespace {
@@ -19,6 +20,19 @@ constexpr TVL::Failure kNotHolding{"UNDO_NOTHOLDING",
 // What a sound Core stays below.
 constexpr std::size_t kUsualDepth = 100;
 constexpr std::ptrdiff_t kUsualNamesakes = 3;
+
+// The first record of ours on the hold that the groups own; null: none yet, or they own none.
+constinit const RestoreObj* holdMark = nullptr;
+
+void DisownHold(UndoGroups& groups) {
+    groups.ownsHold = false;
+    holdMark = nullptr;
+}
+
+struct ReleaseChunk {
+    void operator()(TVL::CUndo* chunk) const { chunk->Release(); }
+};
+using OwnedChunk = std::unique_ptr<TVL::CUndo, ReleaseChunk>;
 
 void WarnOfUnusualNest(const std::vector<std::string>& open, const std::string& name) {
     if (!TVL::Log::GetInstance()->IsLevelActive(TVL::Log::kNotice)) return;
@@ -35,12 +49,12 @@ void WarnOfUnusualNest(const std::vector<std::string>& open, const std::string& 
 
 std::int32_t BeginUndoGroup(std::string name) {
     UndoGroups& groups = OpenUndoGroups();
-    if (groups.undoGroups.empty()) {
-        groups.ownsHold = !theHold.Holding();
-        if (groups.ownsHold) theHold.Begin();
-    }
     WarnOfUnusualNest(groups.undoGroups, name);
     groups.undoGroups.push_back(std::move(name));
+    if (groups.undoGroups.size() > 1) return 0;
+    ++groups.nest;
+    groups.ownsHold = CanBeginHold();
+    if (groups.ownsHold) theHold.Begin();
     return 0;
 }
 
@@ -56,7 +70,8 @@ std::int32_t EndUndoGroup() {
     if (!groups.undoGroups.empty()) return 0;
 
     // The nest is over before the hold ends: what a cancel calls may open groups of its own.
-    const bool ownedHold = std::exchange(groups.ownsHold, false);
+    const bool ownedHold = GroupsOwnHold();
+    DisownHold(groups);
     const bool cancelled = std::exchange(groups.cancelRequested, false);
     if (!ownedHold) return 0;
     if (cancelled) {
@@ -77,19 +92,63 @@ bool IsHoldingUndo() {
     return !OpenUndoGroups().undoGroups.empty() && !theHold.RestoreOrRedoing();
 }
 
-std::int32_t AddCoreUndoChunk(TVL::CUndo* chunk) {
-    if (IsHoldingUndo()) {
-        theHold.Put(new CoreUndoWrapper(chunk));
-        return 0;
+bool GroupsOwnHold() {
+    return OpenUndoGroups().ownsHold && theHold.Holding() && !theHold.RestoreOrRedoing();
+}
+
+namespace {
+
+template <class Wrapper>
+void PutOnHold(OwnedChunk chunk) {
+    auto record = std::make_unique<Wrapper>(chunk.get());
+    static_cast<void>(chunk.release());
+    if (!holdMark && GroupsOwnHold()) holdMark = record.get();
+    theHold.Put(record.release());
+}
+
+template <class Wrapper>
+std::int32_t AddChunk(OwnedChunk chunk) {
+    if (!IsHoldingUndo()) {
+        chunk.reset();
+        return TVL::Report(kNotHolding);
     }
-    if (chunk) chunk->Release();
-    return TVL::Report(kNotHolding);
+    if (theHold.Holding()) PutOnHold<Wrapper>(std::move(chunk));
+    return 0;
+}
+
+}  // namespace
+
+std::int32_t AddCoreUndoChunk(TVL::CUndo* chunk) {
+    return AddChunk<CoreUndoWrapper>(OwnedChunk(chunk));
 }
 
 std::int32_t AddUndoChunk(std::unique_ptr<TVL::CUndo> chunk) {
-    if (!IsHoldingUndo()) return TVL::Report(kNotHolding);
-    theHold.Put(new CUndoWrapper(chunk.release()));
-    return 0;
+    return AddChunk<CUndoWrapper>(OwnedChunk(chunk.release()));
+}
+
+void MarkHold() {
+    if (!holdMark && GroupsOwnHold()) PutOnHold<CUndoWrapper>(nullptr);
+}
+
+// The adaptor may be gone when the host drops its last records, so it is not asked for unless the
+// record was put for groups that are open.
+void NoteEndOfHold(const RestoreObj& record) {
+    if (&record == holdMark) DisownHold(OpenUndoGroups());
+}
+
+OutsideHold::OutsideHold(const char* label) : nest(OpenUndoGroups().nest) {
+    if (!IsHoldingUndo() || !theHold.Holding()) return;
+    closed = true;
+    owned = GroupsOwnHold();
+    DisownHold(OpenUndoGroups());
+    theHold.Accept(label);
+}
+
+OutsideHold::~OutsideHold() {
+    UndoGroups& groups = OpenUndoGroups();
+    if (!closed || groups.nest != nest || groups.undoGroups.empty() || !CanBeginHold()) return;
+    theHold.Begin();
+    groups.ownsHold = owned;
 }
 
 int CloseLeftUndoGroups() {

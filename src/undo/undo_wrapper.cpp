@@ -2,11 +2,14 @@
 
 #include <utility>
 
+#include "undo/undo_groups.h"
+
 namespace {
 constinit CoreUndoWrapper* newestWithChunk = nullptr;
 }
 
 CUndoWrapper::~CUndoWrapper() {
+    NoteEndOfHold(*this);
     if (chunk) chunk->Release();
 }
 
@@ -16,6 +19,10 @@ void CUndoWrapper::Restore(int isUndo) {
 
 void CUndoWrapper::Redo() {
     if (chunk) chunk->Redo();
+}
+
+void CUndoWrapper::EndHold() {
+    NoteEndOfHold(*this);
 }
 
 CoreUndoWrapper::CoreUndoWrapper(TVL::CUndo* carried) : CUndoWrapper(carried) {

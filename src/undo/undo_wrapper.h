@@ -3,7 +3,8 @@
 #include "host/hold.h"
 #include "tvl/undo.h"
 
-// Carries an undo chunk in the host's undo stream, and ends it when the host drops the record.
+// Carries an undo chunk in the host's undo stream, and ends it when the host drops the record. The
+// undo groups learn from it that the hold it was put on is over.
 class CUndoWrapper : public RestoreObj {
   public:
     // The chunk, which may be null, is the wrapper's from here on.
@@ -14,6 +15,7 @@ class CUndoWrapper : public RestoreObj {
 
     void Restore(int isUndo) override;
     void Redo() override;
+    void EndHold() override;
 
   protected:
     TVL::CUndo* chunk;

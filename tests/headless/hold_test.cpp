@@ -1,7 +1,9 @@
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "headless/breaches.h"
 #include "headless/host_world.h"
 
 namespace {
@@ -42,6 +44,13 @@ class HoldTest : public HostWorld {
         theHold.Put(new Chronicle(told, name, std::move(onRestore), std::move(onEnd)));
     }
     Texts Told() { return std::exchange(told, {}); }
+
+    static Texts Breaches() {
+        Texts calls;
+        for (const headless::Breach& breach : headless::TakeBreaches())
+            calls.push_back(breach.call + ": " + breach.what);
+        return calls;
+    }
 
     ~HoldTest() override { session.ShutDown(); }
 
@@ -109,6 +118,9 @@ TEST_F(HoldTest, WhatIsPutWhileNothingIsHeldEndsAtOnce) {
     theHold.Accept("nothing was begun");
     theHold.Cancel();
     EXPECT_FALSE(session.Undo());
+    EXPECT_EQ(Breaches(),
+              (Texts{"Hold::Put: no hold is open", "Hold::Put: no hold is open",
+                     "Hold::Accept: no hold is open", "Hold::Cancel: no hold is open"}));
 }
 
 TEST_F(HoldTest, NeitherUndoNorFlushNorASecondBeginTouchesAnOpenHold) {
@@ -122,6 +134,8 @@ TEST_F(HoldTest, NeitherUndoNorFlushNorASecondBeginTouchesAnOpenHold) {
     EXPECT_EQ(Told(), Texts{"free old"});
     theHold.Accept("open");
     theHold.Accept("again");
+    EXPECT_EQ(Breaches(),
+              (Texts{"Hold::Begin: a hold is open already", "Hold::Accept: no hold is open"}));
     EXPECT_EQ(session.UndoLabels(), Texts{"open"});
     EXPECT_TRUE(session.Undo());
     EXPECT_EQ(Told(), (Texts{"held open", "undo open"}));
@@ -142,6 +156,27 @@ TEST_F(HoldTest, ARecordMayCallBackAnythingWhileItIsRestored) {
     EXPECT_EQ(Told(), (Texts{"held a", "undo a", "free refused"}));
     EXPECT_FALSE(theHold.RestoreOrRedoing());
     EXPECT_EQ(session.RedoLabels().size(), 1U);
+    const std::string running = ": a step is being undone, redone or cancelled";
+    EXPECT_EQ(Breaches(),
+              (Texts{"Hold::Begin" + running, "Hold::Put" + running, "Hold::Accept" + running}));
+}
+
+// The rest of the step is met, and what comes after it finds the host as always.
+TEST_F(HoldTest, ARecordThatThrowsHindersNoOther) {
+    const auto fail = [] { throw std::runtime_error("by a plug-in"); };
+    Step([&] {
+        Put("a");
+        Put("b", fail);
+    });
+    Told();
+    EXPECT_THROW(session.Undo(), std::runtime_error);
+    EXPECT_EQ(Told(), (Texts{"undo b", "undo a"}));
+    EXPECT_TRUE(session.Redo());
+    theHold.Begin();
+    Put("c", fail);
+    EXPECT_THROW(theHold.Cancel(), std::runtime_error);
+    EXPECT_FALSE(theHold.RestoreOrRedoing());
+    EXPECT_EQ(Told(), (Texts{"redo a", "redo b", "cancel c", "free c"}));
 }
 
 TEST_F(HoldTest, AFlushAskedForInTheMiddleOfAnUndoWaitsForItsEnd) {

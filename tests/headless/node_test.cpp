@@ -1,3 +1,4 @@
+#include "headless/breaches.h"
 #include "headless/host_world.h"
 
 namespace {
@@ -48,7 +49,10 @@ TEST_F(NodeTest, ANodeNeverComesToHangBelowItself) {
     INode* below = Add("below", top);
     below->AttachChild(top);
     top->AttachChild(top);
+    const std::string breach = "AttachChild: the node would hang below itself";
+    EXPECT_EQ(headless::TakeBreachLines(), (std::vector{breach, breach}));
     below->AttachChild(host.GetRootNode());
+    EXPECT_EQ(headless::TakeBreaches().size(), 1U);
     EXPECT_TRUE(top->GetParentNode()->IsRootNode());
     EXPECT_EQ(below->GetParentNode(), top);
     EXPECT_EQ(host.GetRootNode()->GetParentNode(), nullptr);

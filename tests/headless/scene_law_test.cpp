@@ -2,6 +2,7 @@
 #include <random>
 #include <vector>
 
+#include "headless/breaches.h"
 #include "headless/host_world.h"
 #include "host/animate.h"
 
@@ -22,7 +23,8 @@ class Changes {
                 return host_.DeleteNode(AnyNode());
             case 3:
             case 4:
-                return AnyParent()->AttachChild(AnyNode(), Below(2));
+                AnyParent()->AttachChild(AnyNode(), Below(2));
+                return static_cast<void>(headless::TakeBreaches());  // some below themselves
             case 5:
                 return OnNode([this](INode& node) { node.Detach(Time(), 1); });
             case 6:

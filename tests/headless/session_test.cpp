@@ -1,7 +1,9 @@
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "headless/breaches.h"
 #include "headless/host_world.h"
 #include "host/gup.h"
 #include "support/on_notification.h"
@@ -61,6 +63,25 @@ TEST(SessionTest, AModuleThatIsNoPluginIsRefusedWithAReason) {
     EXPECT_NE(noPlugin.find("does not export LibDescription"), std::string::npos) << noPlugin;
 }
 
+TEST(SessionTest, ABreachIsToldWithWhatTheHostWasAboutAndAlsoAfterTheShutdown) {
+    headless::Session session;
+    session.Start();
+    {
+        const OnNotification stray(NOTIFY_FILE_POST_OPEN, [](NotifyInfo&) { theHold.Cancel(); });
+        const OnNotification outer(NOTIFY_SYSTEM_PRE_NEW,
+                                   [&](NotifyInfo&) { session.Announce(NOTIFY_FILE_POST_OPEN); });
+        session.NewScene();
+    }
+    session.ShutDown();
+    GetCOREInterface();
+    UnRegisterNotification(nullptr, nullptr, 0);
+    EXPECT_EQ(
+        headless::TakeBreachLines(),
+        (std::vector<std::string>{"Hold::Cancel: no hold is open (notification 10, notification 7)",
+                                  "GetCOREInterface: the host has shut down",
+                                  "UnRegisterNotification: the host has shut down"}));
+}
+
 using DeleteKeyTest = HostWorld;
 
 // Hears of a deletion, and answers it.
@@ -117,17 +138,76 @@ TEST_F(DeleteKeyTest, WhoIsToldMayTakeNodesOutOfTheTableOrDeleteThem) {
     EXPECT_EQ(headless::SceneDigest(), before);
 }
 
+// Whoever hears of it may end the hold that it is to be part of, and may free what is announced.
+TEST_F(DeleteKeyTest, TheUsersDeletionCanBeUndoneWhateverBecomesOfTheHoldMeanwhile) {
+    struct Row {
+        bool isHeld;  // by a guest who has just made a node, which is selected, too
+        std::function<void()> answer;
+        std::size_t undone;  // nodes that come back
+    };
+    const auto accept = [] { theHold.Accept("guest"); };
+    const auto cancel = [] { theHold.Cancel(); };
+    const auto replace = [] {
+        theHold.Accept("guest");
+        theHold.Begin();
+    };
+    const auto renew = [this] { session.NewScene(); };
+    const Row rows[] = {{false, accept, 1}, {false, cancel, 1}, {false, replace, 1},
+                        {true, accept, 2},  {true, cancel, 1},  {true, replace, 2},
+                        {true, renew, 0}};
+    for (const Row& row : rows) {
+        session.Reset();
+        Add("kept");
+        if (row.isHeld) {
+            theHold.Begin();
+            Add("new");
+        }
+        session.Select({"kept", "new"});
+        Deletions deletions;
+        deletions.answer = [&](INodeTab& table) {
+            row.answer();
+            INode* const other = Add("other");
+            for (int i = 0; i < table.Count(); ++i)
+                EXPECT_NE(table[i], other);
+        };
+        session.DeleteSelected();
+        if (theHold.Holding()) theHold.Accept("guest");
+        ASSERT_EQ(headless::Nodes().size(), 1U);
+        session.Undo();
+        std::size_t present = 0;
+        for (const headless::NodeView& node : headless::Nodes())
+            if (node.name != "other") ++present;
+        EXPECT_EQ(present, row.undone) << &row - rows;
+    }
+}
+
 TEST_F(DeleteKeyTest, HostCallsWithNodesThatAreGoneDoNothing) {
     INode* gone = nullptr;
     Step([&] { gone = Add("gone"); });
     session.Undo();
     INode* here = Add("here");
-    host.DeleteNode(gone);
+    INodeTab table;
+    table.Append(1, &gone);
     host.DeleteNode(nullptr);
-    host.DeleteNode(host.GetRootNode());
-    host.SelectNode(gone);
-    here->AttachChild(gone);
-    gone->AttachChild(here);
+    const std::pair<const char*, std::function<void()>> breaches[] = {
+        {"DeleteNode: the node is not in the scene", [&] { host.DeleteNode(gone); }},
+        {"DeleteNode: the node is not in the scene", [&] { host.DeleteNode(host.GetRootNode()); }},
+        {"SelectNode: the node is not in the scene", [&] { host.SelectNode(gone); }},
+        {"SelectNodeTab: the node is not in the scene", [&] { host.SelectNodeTab(table, 1); }},
+        {"CloneNodes: the node is not in the scene",
+         [&] { host.CloneNodes(table, {}, false, NODE_COPY, nullptr, nullptr); }},
+        {"AttachChild: the node is not in the scene", [&] { here->AttachChild(gone); }},
+        {"AttachChild: the node is not in the scene", [&] { gone->AttachChild(here); }},
+        {"GetName: the node is not in the scene", [&] { gone->GetName(); }},
+        {"SetName: the node is not in the scene", [&] { gone->SetName("a"); }},
+        {"GetHandle: the node is not in the scene", [&] { gone->GetHandle(); }},
+        {"GetNodeTM: the node is not in the scene", [&] { gone->GetNodeTM(0); }},
+        {"Tab::operator[]: the table has no such entry", [&] { EXPECT_FALSE(table[1]); }},
+    };
+    for (const auto& [line, breach] : breaches) {
+        breach();
+        EXPECT_EQ(headless::TakeBreachLines(), std::vector<std::string>{line});
+    }
     EXPECT_EQ(host.GetSelNodeCount(), 0);
     EXPECT_EQ(host.GetSelNode(0), nullptr);
     EXPECT_EQ(headless::Nodes().size(), 1U);

@@ -153,10 +153,41 @@ TEST_F(MergingTest, OnlyTheHoldThatWasClosedIsReopened) {
         Merge(path);
         EXPECT_FALSE(theHold.Holding());
     }
+    {
+        // One that takes the place of the closed one and loses its own hold is not given another.
+        const OnMerged replace([this] {
+            adaptor.EndUndoGroup();
+            adaptor.BeginUndoGroup("another");
+            theHold.Accept("host");
+        });
+        adaptor.BeginUndoGroup("one");
+        Merge(path);
+        EXPECT_FALSE(theHold.Holding());
+        adaptor.EndUndoGroup();
+    }
     const OnMerged begin([this] { adaptor.BeginUndoGroup("begins meanwhile"); });
     Merge(path);
     EXPECT_TRUE(theHold.Holding());
     adaptor.EndUndoGroup();
+}
+
+// The group has no hold then, so that nothing can be recorded.
+TEST_F(MergingTest, WhatTheCoreDoesWhenItHearsOfTheMergeInsideAGroupIsDone) {
+    const std::string path = SavedRig();
+    const OnMerged work([&] {
+        Find("Hip")->Delete(true);
+        Helper("New");
+        Find("Knee")->Select();
+        adaptor.BeginUndoGroup("inner");
+        adaptor.EndUndoGroup();
+    });
+    listener.heard.clear();
+    InGroup("group", [&] { Merge(path); });
+    EXPECT_EQ(Listed(), (Lines{"Knee", "Cam", "New"}));
+    EXPECT_EQ(listener.heard, (Heard{"-Hip", "+New"}));
+    while (world.Session().Undo()) {
+    }
+    EXPECT_EQ(Listed(), (Lines{"Knee", "Cam", "New"}));
 }
 
 TEST_F(MergingTest, AMergeInSomebodyElsesHoldGoesAndComesWithIt) {

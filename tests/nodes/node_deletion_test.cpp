@@ -1,6 +1,7 @@
 #include <cmath>
 
 #include "controllers/transform_control.h"
+#include "host/hold.h"
 #include "host/interface.h"
 #include "nodes/node_test.h"
 
@@ -96,6 +97,31 @@ TEST_F(NodeDeletion, SurvivesAListenerThatEndsTheNode) {
     }
     while (world.Session().Redo()) {
     }
+}
+
+// No hold can be had meanwhile, so that nothing of it is recorded.
+TEST_F(NodeDeletion, IsHeardOfByAListenerThatDoesAllSortsOfThingsWhileTheHostUndoes) {
+    Camera("Cam");
+    Helper("Knee");
+    Helper("Foot");
+    InGroup("Make", [&] { Helper("Hip"); });
+    listener.onRemoved = [&](TVL::CNode*) {
+        listener.onRemoved = nullptr;
+        Find("Knee")->Select();
+        InGroup("inside", [&] {
+            Find("Foot")->Delete(true);
+            Find("Cam")->Delete(false);
+            Helper("New");
+        });
+        adaptor.CancelUndoGroup();
+    };
+    ASSERT_TRUE(world.Session().Undo());
+    EXPECT_EQ(Listed(), (Names{"Knee", "New"}));
+    EXPECT_EQ(Selected(), (Names{"Rig_Knee"}));
+    EXPECT_EQ(Host("Rig_Cam")->GetTMController()->ClassID(), kPositionRotationScaleClassId);
+    EXPECT_FALSE(theHold.Holding());
+    ASSERT_TRUE(world.Session().Redo());
+    EXPECT_EQ(Listed(), (Names{"Knee", "New", "Hip"}));
 }
 
 TEST_F(NodeDeletion, LeavesTheHostNodeWithDefaultControllersIfAskedTo) {

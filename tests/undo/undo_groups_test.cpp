@@ -134,19 +134,72 @@ TEST_F(UndoGroupsTest, AChunkAddedWhileTheHostUndoesIsRefused) {
             test_.adaptor.BeginUndoGroup("inside");
             EXPECT_FALSE(test_.adaptor.IsHoldingUndo());
             EXPECT_NE(test_.Add(), 0);
+            if (leavesOpen) return;
             test_.adaptor.EndUndoGroup();
         }
-        void Redo() override {}
+        void Redo() override { Undo(true); }
+
+        bool leavesOpen = false;
 
       private:
         UndoGroupsTest& test_;
     };
+    auto* const chunk = new Adding(*this);
     adaptor.BeginUndoGroup("step");
-    adaptor.AddUndoChunk(new Adding(*this));
+    adaptor.AddUndoChunk(chunk);
     adaptor.EndUndoGroup();
     EXPECT_TRUE(world.Session().Undo());
     EXPECT_EQ(TakeHeard(), (Names{"end"}));
+
+    // A group that stays open has no hold to the end.
+    chunk->leavesOpen = true;
+    EXPECT_TRUE(world.Session().Redo());
+    TakeHeard();
     EXPECT_FALSE(theHold.Holding());
+    EXPECT_TRUE(adaptor.IsHoldingUndo());
+    EXPECT_EQ(Add(), 0);
+    EXPECT_EQ(TakeHeard(), (Names{"end"}));
+    theHold.Begin();
+    EXPECT_EQ(Add(), 0);
+    EXPECT_EQ(adaptor.EndUndoGroup(), 0);
+    EXPECT_TRUE(TakeHeard().empty());
+    theHold.Accept("host");
+    EXPECT_EQ(world.Session().UndoLabels().front(), "host");
+}
+
+// The groups' hold ends by other hands: their own ends touch no other hold from then on.
+TEST_F(UndoGroupsTest, OwnershipGoesWithTheHold) {
+    const std::string file = (world.Folder() / "a.scene").string();
+    ASSERT_EQ(world.Session().SaveScene(file).error, "");
+    const std::pair<bool, std::function<void()>> ends[] = {
+        {false, [&] { world.Session().NewScene(); }},
+        {false, [&] { world.Session().Reset(); }},
+        {false, [&] { EXPECT_EQ(world.Session().OpenScene(file).error, ""); }},
+        {true, [] { theHold.Accept("host"); }},
+        {true, [] { theHold.Cancel(); }}};
+    for (const auto& [isToldByRecordsAlone, end] : ends) {
+        for (const bool hasChunk : {isToldByRecordsAlone, true}) {
+            for (const bool isCancelled : {false, true}) {
+                adaptor.BeginUndoGroup("outer");
+                adaptor.BeginUndoGroup("inner");
+                if (hasChunk) Add();
+                end();
+                EXPECT_FALSE(theHold.Holding());
+                TakeHeard();
+                EXPECT_EQ(Add(), 0);
+                EXPECT_EQ(TakeHeard(), (Names{"end"}));
+                theHold.Begin();
+                EXPECT_EQ(Add(), 0);
+                EXPECT_EQ(adaptor.EndUndoGroup(), 0);
+                EXPECT_EQ(isCancelled ? adaptor.CancelUndoGroup() : adaptor.EndUndoGroup(), 0);
+                EXPECT_NE(adaptor.EndUndoGroup(), 0);
+                EXPECT_TRUE(theHold.Holding());
+                EXPECT_TRUE(TakeHeard().empty());
+                theHold.Accept("other");
+                EXPECT_EQ(world.Session().UndoLabels().front(), "other");
+            }
+        }
+    }
 }
 
 TEST_F(UndoGroupsTest, AnUnusualNestWarnsAndWorks) {
