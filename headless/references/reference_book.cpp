@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "breaches/breach_book.h"
 #include "references/dependents_walk.h"
 #include "references/graveyard.h"
 #include "references/reference_record.h"
@@ -65,6 +66,8 @@ void ReferenceBook::Forget(ReferenceTarget& target) {
         if (maker == nullptr) continue;
         std::erase(maker->references_, std::pair(index, &target));
         maker->SetReference(index, nullptr);
+        if (maker->GetReference(index) == &target)
+            headless::Book("it still points at what is freed", "SetReference");
     }
 }
 

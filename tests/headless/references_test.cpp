@@ -2,6 +2,7 @@
 #include <utility>
 #include <vector>
 
+#include "headless/breaches.h"
 #include "headless/copies.h"
 #include "headless/host_world.h"
 
@@ -23,7 +24,7 @@ class Link final : public ReferenceTarget {
     int NumRefs() override { return static_cast<int>(targets_.size()); }
     RefTargetHandle GetReference(int index) override { return targets_.at(Place(index)); }
     void SetReference(int index, RefTargetHandle target) override {
-        targets_.at(Place(index)) = target;
+        if (target || !keepsPointers) targets_.at(Place(index)) = target;
     }
     RefResult NotifyRefChanged(Interval, RefTargetHandle, PartID&, RefMessage) override {
         if (told) told->push_back(name_);
@@ -40,6 +41,7 @@ class Link final : public ReferenceTarget {
 
     std::function<void()> onHeard;  // once
     RefResult answer = REF_SUCCEED;
+    bool keepsPointers = false;  // also to what is freed
 
   private:
     static std::size_t Place(int index) { return static_cast<std::size_t>(index); }
@@ -58,6 +60,19 @@ class ReferencesTest : public HostWorld {
 
     std::vector<std::string> heard;
 };
+
+TEST_F(ReferencesTest, WhoStillPointsAtWhatIsFreedIsTold) {
+    auto* const maker = new Link("maker");
+    auto* const target = new Link("target");
+    maker->ReplaceReference(0, target);
+    maker->keepsPointers = true;
+    target->DeleteThis();
+    EXPECT_EQ(headless::TakeBreachLines(),
+              std::vector<std::string>{"SetReference: it still points at what is freed"});
+    maker->keepsPointers = false;
+    maker->SetReference(0, nullptr);
+    maker->DeleteMe();
+}
 
 TEST_F(ReferencesTest, AVeryLongChainEndsWithoutRecursion) {
     auto* top = new Link("top");

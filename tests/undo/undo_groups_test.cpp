@@ -82,6 +82,14 @@ TEST_F(UndoGroupsTest, AHoldOfSomebodyElsesIsLeftToItsOwner) {
     theHold.Accept("host");
     EXPECT_EQ(world.Session().UndoLabels(), (Names{"host"}));
 
+    // Nor does it come back when a hold of its owner's ends under the group.
+    theHold.Begin();
+    adaptor.BeginUndoGroup("guest");
+    theHold.Cancel();
+    EXPECT_EQ(Add(), 0);
+    EXPECT_EQ(TakeHeard(), (Names{"end"}));
+    EXPECT_EQ(adaptor.EndUndoGroup(), 0);
+
     // The cancel of the guest does not linger.
     adaptor.BeginUndoGroup("own");
     Add();
