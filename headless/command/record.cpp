@@ -122,7 +122,7 @@ void WritePoses(CoreStage& stage, const RecordOptions& options, ScratchFile& pos
 }
 
 // What a scene that was opened had to be told of counts here too.
-void TakeComplaints(const CoreStage& stage, RecordResult& result) {
+void TakeComplaints(CoreStage& stage, RecordResult& result) {
     std::ranges::copy(stage.Complaints(), std::back_inserter(result.complaints));
     for (const std::string& text : stage.BoxTexts())
         result.complaints.push_back("message box: " + text);
