@@ -1,6 +1,6 @@
 // Many keys deleted, inserted or brought back at once: the first time, by undo and by redo, and
-// with somebody who reads the controller at each of its notifications. Beside the first of them
-// stands what it costs to copy the keys once, from one place in memory to another.
+// with somebody who reads the controller at each of its notifications. Then what goes over a whole
+// table; the least that can cost is a copy of its keys from one place in memory to another.
 
 #include <benchmark/benchmark.h>
 
@@ -173,7 +173,7 @@ void Redo(benchmark::State& state) {
 }
 
 template <class Edit>
-void ReadBackAndForth(benchmark::State& state) {
+void Watched(benchmark::State& state) {
     Edited edited;
     MakeStep<Edit>(edited, state.range(0));
     edited.ReadAtEachChange();
@@ -247,7 +247,7 @@ void RegisterEdit(const std::string& edit) {
     add(edit + ", held", Held<Edit>);
     add("undo " + edit, Undo<Edit>);
     add("redo " + edit, Redo<Edit>);
-    add("both, read: " + edit, ReadBackAndForth<Edit>);
+    add("watched " + edit, Watched<Edit>);
 }
 
 BENCHMARK(CopyInMemory)->Name("copy keys in memory/plain")->Apply(KeyCounts);
