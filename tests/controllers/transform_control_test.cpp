@@ -6,6 +6,7 @@
 
 #include "controllers/control_world.h"
 #include "host/animate.h"
+#include "host/hold.h"
 
 namespace {
 
@@ -154,6 +155,33 @@ TEST_F(Transform, AChangeOfParentsKeepsTheWorldPathAtEveryKey) {
     control_->ChangeParents(0, newParent, oldParent, Matrix3());
     for (std::size_t i = 0; i < 3; ++i)
         ExpectNear(control_->table.keys[i].value, values[i], 1e-5f);
+}
+
+// The host's record of a new parent.
+struct NewParent : RestoreObj {
+    explicit NewParent(Control& child) : control(child) { Redo(); }
+    void Restore(int) override { control.ChangeParents(0, Matrix3(), MovedBy(4), Matrix3()); }
+    void Redo() override { control.ChangeParents(0, MovedBy(4), Matrix3(), Matrix3()); }
+
+    Control& control;
+};
+
+TEST_F(Transform, AChangeOfParentsThatIsRecordedLeavesEarlierRecordsGood) {
+    theHold.Begin();
+    Key(10, MovedBy(1));
+    theHold.Accept("key");
+    theHold.Begin();
+    theHold.Put(new NewParent(*control_));
+    theHold.Accept("parent");
+    EXPECT_EQ(control_->table.keys[0].value, MovedBy(5));
+    ASSERT_TRUE(world_.Host().Undo());
+    ASSERT_TRUE(world_.Host().Undo());
+    EXPECT_EQ(control_->NumKeys(), 0);
+    ASSERT_TRUE(world_.Host().Redo());
+    ASSERT_EQ(control_->NumKeys(), 1);
+    EXPECT_EQ(control_->table.keys[0].value, MovedBy(1));
+    ASSERT_TRUE(world_.Host().Redo());
+    EXPECT_EQ(control_->table.keys[0].value, MovedBy(5));
 }
 
 }  // namespace
