@@ -37,6 +37,7 @@ XMLNode ReplayCore::GetCoreState() {
 }
 
 void ReplayCore::SetCoreState(XMLNode state) {
+    ++statesHeard_;
     XMLNode& kept = untaken_.emplace_back();
     kept.kind = state.kind;
     kept.name.swap(state.name);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <span>
 #include <vector>
 
@@ -63,6 +64,7 @@ class ReplayCore final : public CoreInterface {
     // again, and no scene is saved without it.
     static constexpr std::size_t kMostUntaken = 8;  // for which nothing has to be allocated
     std::vector<XMLNode> untaken_;
+    std::size_t statesHeard_ = 0;  // calls with state so far
 
     RecordingState recording_;
     double currentSeconds_;                 // the host's time

@@ -165,18 +165,22 @@ void ReplayCore::PressButton(int id, Report& report) {
 }
 
 // While a scene comes in, its state is handed to SetCoreState, which takes its nodes up: what
-// MergeModels gives has told its number when it goes back.
+// MergeModels gives has told its number when it goes back. Every merge brings state, if only to say
+// that there is none.
 void ReplayCore::Merge(const Request& request, Report& report) {
     for (const std::string& path : request.mergedScenes) {
         Report::Merge& merge = report.merges.emplace_back(Report::Merge{.path = path});
+        const std::size_t before = statesHeard_;
         for (TVL::CNode* node : adaptor_.MergeModels(path)) {
             if (!node) continue;
             ++merge.nodes;
             AsCoreNode(node)->Destroy();
         }
-        if (merge.nodes > 0) continue;
-        report.error = path + ": the host brought in nothing";
-        return;
+        if (merge.nodes == 0)
+            report.error = path + ": the host brought in nothing";
+        else if (statesHeard_ == before || !untaken_.empty())
+            report.error = path + ": its takes could not be taken up";
+        if (!report.error.empty()) return;
     }
 }
 
