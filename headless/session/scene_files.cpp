@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <new>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -47,9 +48,12 @@ std::string Attempt(const std::string& path, const char* during, Work work) {
     return {};
 }
 
+std::string FailedAt(int code) {
+    return "a plug-in failed at notification " + std::to_string(code);
+}
+
 std::string Announce(const std::string& path, int code, void* parameter = nullptr) {
-    const std::string during = "a plug-in failed at notification " + std::to_string(code);
-    return Attempt(path, during.c_str(), [&] { Broadcast(code, parameter); });
+    return Attempt(path, FailedAt(code).c_str(), [&] { Broadcast(code, parameter); });
 }
 
 void AddTo(std::vector<std::string>& complaints, std::string line) {
@@ -129,7 +133,7 @@ void SceneFiles::ForgetChunks() {
 
 namespace {
 
-// A plug-in that fails when it hears of the merge takes nothing of it back.
+// Everybody is still to hear of it. A plug-in that fails then takes nothing of the merge back.
 FileOutcome Merge(const std::string& path, bool selectMerged) {
     FileOutcome outcome;
     outcome.error = Hindrance(path);
@@ -137,13 +141,10 @@ FileOutcome Merge(const std::string& path, bool selectMerged) {
     std::error_code unknown;
     if (!std::filesystem::exists(platform::FromNarrow(path), unknown))
         return {At(path, "there is no such file"), {}};
-    {
-        const FileWork work;
-        SceneFileReader file(path);
-        const std::vector<SceneNode*> merged = file.MergeIntoScene(outcome.complaints);
-        if (selectMerged) SelectNodes(merged, true);
-    }
-    AddTo(outcome.complaints, Announce(path, NOTIFY_FILE_POST_MERGE));
+    const FileWork work;
+    SceneFileReader file(path);
+    const std::vector<SceneNode*> merged = file.MergeIntoScene(outcome.complaints);
+    if (selectMerged) SelectNodes(merged, true);
     return outcome;
 }
 
@@ -153,14 +154,30 @@ FileOutcome MergeAndSelect(const std::string& path) {
     FileOutcome outcome;
     const std::string error = Attempt(path, kNotMerged, [&] { outcome = Merge(path, true); });
     if (!error.empty()) outcome.error = error;
+    if (outcome.error.empty()) AddTo(outcome.complaints, Announce(path, NOTIFY_FILE_POST_MERGE));
     return outcome;
 }
 
-bool MergeOrThrow(const std::string& path, bool selectMerged) {
-    const FileOutcome outcome = Merge(path, selectMerged);
+// Whoever asked takes what is selected for what was merged, and a plug-in that had no memory to
+// take it in has lost it.
+bool MergeOrThrow(const std::string& path, bool selectMerged) try {
+    FileOutcome outcome = Merge(path, selectMerged);
+    if (outcome.error.empty()) {
+        try {
+            Broadcast(NOTIFY_FILE_POST_MERGE);
+        } catch (const std::bad_alloc&) {
+            throw;
+        } catch (...) {
+            const std::string failed = FailedAt(NOTIFY_FILE_POST_MERGE);
+            outcome.complaints.push_back(At(path, failed + ": " + ThrownWords()));
+        }
+    }
     for (const std::string& complaint : outcome.complaints)
         std::cerr << complaint << '\n';
     return outcome.error.empty();
+} catch (...) {
+    ClearSelection();
+    throw;
 }
 
 }  // namespace headless

@@ -31,9 +31,10 @@ class SceneFiles {
 // Merges with an outcome for everything that can happen.
 FileOutcome MergeAndSelect(const std::string& path);
 
-// As the host does it for a plug-in: throws SceneFileError if the file is damaged, or cannot be
-// merged into this scene. False if there is no such file, or this is no moment for it. Complaints
-// have nobody to be returned to, and stand on standard error.
+// As the host does it for a plug-in: throws SceneFileError if the file is damaged, cannot be merged
+// into this scene, or leaves a plug-in without memory; nothing is selected then. False
+// if there is no such file, or this is no moment for it. Complaints have nobody to be returned to,
+// and stand on standard error.
 bool MergeOrThrow(const std::string& path, bool selectMerged);
 
 }  // namespace headless

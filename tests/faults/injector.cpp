@@ -76,9 +76,6 @@ void Note(const char* what, const char* file) {
     std::snprintf(book->what, sizeof book->what, "%s %.480s", what, file);
 }
 
-// Files
-// ---------------------------------------------------------------------------------------------
-
 constexpr int kMostFiles = 256;
 
 // The path behind a file descriptor, or the absolute one of a name.
@@ -121,7 +118,10 @@ int atticCount = 0;
 
 void NoteWritten(const char* path) {
     for (int i = 0; i < contentCount; ++i)
-        if (std::strcmp(contents[i].path, path) == 0) return;
+        if (std::strcmp(contents[i].path, path) == 0) {
+            contents[i].synced = 0;
+            return;
+        }
     if (contentCount == kMostFiles) std::abort();
     std::strcpy(contents[contentCount].path, path);
     contents[contentCount++].synced = 0;
@@ -195,7 +195,7 @@ enum class Answer { kDo, kFail, kPart, kPretend };
 Answer Ask(const char* what, const Path& path, bool canBePart = false) {
     if (!isCounted || path.IsSystems()) return Answer::kDo;
     if (Is("liar") && std::strncmp(what, "fsync", 5) == 0 && nth > 0) return Answer::kPretend;
-    if (++book->operations != nth || Is("alloc") || Is("none")) return Answer::kDo;
+    if (++book->operations != nth || Is("alloc")) return Answer::kDo;
     Note(what, path.text);
     if (Is("kill") || Is("cut") || Is("lost") || Is("liar")) Die();
     if (Is("lie")) return Contains(what, {"open", "read", "stat"}) ? Answer::kDo : Answer::kPretend;
@@ -211,14 +211,12 @@ void NoteOpened(const char* name, bool makes) {
     if (makes) NoteName("", path.text, "");
 }
 
-// Allocations
-// ---------------------------------------------------------------------------------------
-
 enum class Module { kOurs, kLibrary, kSystems };
 
 Module ModuleOf(const char* name) {
+    if (Contains(name, {"/fault_injector.", "/libc.", "/libstdc++.", "/libgcc_s.", "/libm."}))
+        return Module::kLibrary;
     if (name[0] == '\0' || Contains(name, {ourFolder, "/libpng", "/libz."})) return Module::kOurs;
-    if (Contains(name, {"/libc.", "/libstdc++.", "/libgcc_s.", "/libm."})) return Module::kLibrary;
     return Module::kSystems;
 }
 
@@ -273,12 +271,6 @@ EXPORTED void* aligned_alloc(size_t alignment, size_t size) noexcept {
     return Fails() ? nullptr : __libc_memalign(alignment, size);
 }
 
-EXPORTED int posix_memalign(void** block, size_t alignment, size_t size) noexcept {
-    if (Fails()) return ENOMEM;
-    *block = __libc_memalign(alignment, size);
-    return *block == nullptr ? ENOMEM : 0;
-}
-
 namespace {
 
 template <class Open>
@@ -316,13 +308,15 @@ ssize_t Moved(const char* what, int file, size_t size, Work work) {
     return work(answer == Answer::kPart ? size / 2 : size);
 }
 
-int Synced(int file, int (*sync)(int)) {
-    const Answer answer = Ask("fsync", Path(file), true);
-    if (answer == Answer::kFail) return -1;
-    if (answer == Answer::kPretend) return 0;
-    const int result = sync(file);
-    if (result == 0 && isCounted) NoteSync(file);
-    return result;
+// A file that could not be closed well is closed.
+template <class Close>
+int Closed(int file, Close close) {
+    const Answer answer = Ask("close", Path(file));
+    const int reason = errno;
+    const int result = close();
+    if (answer != Answer::kFail) return result;
+    errno = reason;
+    return EOF;
 }
 
 template <class Work>
@@ -394,11 +388,12 @@ EXPORTED ssize_t writev(int file, const iovec* blocks, int count) {
 }
 
 EXPORTED int fsync(int file) {
-    return Synced(file, REAL(fsync));
-}
-
-EXPORTED int fdatasync(int file) {
-    return Synced(file, REAL(fdatasync));
+    const Answer answer = Ask("fsync", Path(file), true);
+    if (answer == Answer::kFail) return -1;
+    if (answer == Answer::kPretend) return 0;
+    const int result = REAL(fsync)(file);
+    if (result == 0 && isCounted) NoteSync(file);
+    return result;
 }
 
 EXPORTED int rename(const char* from, const char* to) noexcept {
@@ -410,10 +405,6 @@ EXPORTED int rename(const char* from, const char* to) noexcept {
         if (result == 0 && isCounted) NoteRename(fromPath.text, toPath.text);
         return result;
     });
-}
-
-EXPORTED int unlink(const char* name) noexcept {
-    return Removed(name, [&] { return REAL(unlink)(name); });
 }
 
 EXPORTED int unlinkat(int folder, const char* name, int flags) noexcept {
@@ -441,25 +432,12 @@ EXPORTED int mkdir(const char* name, mode_t mode) noexcept {
     return Done("mkdir", Path(name), [&] { return REAL(mkdir)(name, mode); });
 }
 
-EXPORTED int ftruncate(int file, off_t size) noexcept {
-    return Done("truncate", Path(file), [&] { return REAL(ftruncate)(file, size); });
-}
-
-// A file that could not be closed well is closed.
 EXPORTED int close(int file) {
-    const Answer answer = Ask("close", Path(file));
-    const int reason = errno;
-    const int result = REAL(close)(file);
-    errno = answer == Answer::kFail ? reason : errno;
-    return answer == Answer::kFail ? -1 : result;
+    return Closed(file, [&] { return REAL(close)(file); });
 }
 
 EXPORTED int fclose(FILE* file) {
-    const Answer answer = Ask("close", Path(fileno(file)));
-    const int reason = errno;
-    const int result = REAL(fclose)(file);
-    errno = answer == Answer::kFail ? reason : errno;
-    return answer == Answer::kFail ? EOF : result;
+    return Closed(fileno(file), [&] { return REAL(fclose)(file); });
 }
 
 // A clock that moves by one step each time it is looked at, so that two runs are alike.

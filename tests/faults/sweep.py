@@ -188,7 +188,7 @@ class Verb:
 
 def has_complaint(ending):
     """What was asked for is done, and what else did not go well is told."""
-    return ending.status == 0 and "\nComplaint: " in ending.out
+    return ending.status == 0 and "\nComplaint: " in "\n" + ending.out
 
 
 def fault_in_next_save(place):
