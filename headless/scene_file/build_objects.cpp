@@ -1,5 +1,7 @@
 #include "scene_file/build_objects.h"
 
+#include <new>
+
 #include "classes/class_registry.h"
 #include "host/control.h"
 #include "host/object.h"
@@ -126,6 +128,9 @@ ReferenceTarget* BuiltObjects::MakeLoaded(std::size_t index, std::string& failur
             failure = "could not read its bytes";
         else if (reader.HasMisfit() && MustBeWhole(*object))
             failure = kTorn;
+    } catch (const std::bad_alloc&) {
+        object->DeleteThis();  // what it lacks says nothing of the file, whose work ends here
+        throw;
     } catch (...) {
         failure = "could not read its bytes (" + ThrownWords() + ")";
     }

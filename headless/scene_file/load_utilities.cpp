@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <new>
 
 #include "breaches/breach_book.h"
 #include "scene_file/scene_file.h"
@@ -15,10 +16,13 @@ GUP* Find(std::span<const RunningUtility> running, const StoredClass& type) {
     return found != running.end() ? found->utility : nullptr;
 }
 
-// What the utility's loading came to; in words if it failed.
+// What the utility's loading came to; in words if it failed. A lack of memory says nothing of the
+// file, and ends the work on it.
 std::string LoadFailure(GUP& utility, NotingReader& reader) {
     try {
         if (utility.Load(&reader) == IO_OK) return {};
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (...) {
         return "could not read its chunks (" + ThrownWords() +
                "); they are kept as they are stored";
