@@ -276,7 +276,7 @@ def main():
     parser.add_argument("n", nargs="?", type=int, help="this run alone, and all that it says")
     parser.add_argument("--sample", action="store_true", help="some of all, with fixed strides")
     parser.add_argument("--lies", action="store_true", help="of a lying disk, which must be seen")
-    given = parser.parse_args()
+    given = parser.parse_intermixed_args()
     binaries = given.binaries.resolve()
     places = [Place(binaries, given.folder.resolve() / str(i)) for i in range(os.cpu_count())]
     inputs = make_inputs(places[0])
