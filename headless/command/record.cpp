@@ -121,7 +121,7 @@ void WritePoses(CoreStage& stage, const RecordOptions& options, ScratchFile& pos
         AskForFile(stage, {{kSampleVariable, FrameTimes(result)}}, options.poses, poses);
 }
 
-// What a scene that was opened had to be told of counts here too.
+// At the end, since undo, redo and the shutdown can add to what the opening had to be told of.
 void TakeComplaints(CoreStage& stage, RecordResult& result) {
     std::ranges::copy(stage.Complaints(), std::back_inserter(result.complaints));
     for (const std::string& text : stage.BoxTexts())
@@ -163,11 +163,11 @@ RecordResult Record(const RecordOptions& options) {
     RecordResult result;
     TakeReport(AskForFile(stage, request, options.csv, csv), options, result);
     Save(stage, options, result);
-    TakeComplaints(stage, result);
     WritePoses(stage, options, poses, result);
     CountNodesAndKeys(result);
     UndoAndRedo(stage.Host(), before, result);
     result.hostObjectsAlive = stage.ShutDown();
+    TakeComplaints(stage, result);
     if (!options.csv.empty()) csv.Keep();
     if (!options.poses.empty() && !result.isFaulty) poses.Keep();
     return result;
