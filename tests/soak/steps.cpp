@@ -62,7 +62,7 @@ void Turn(Soak& soak) {
 void HangBelow(Soak& soak) {
     INode* const node = AnySceneNode(soak);
     INode* const parent = soak.play.choices.Chance() ? AnySceneNode(soak) : nullptr;
-    if (!node) return;
+    if (!node || (parent && play::IsBelow(parent, node))) return;
     AsUser([&] { (parent ? parent : GetCOREInterface()->GetRootNode())->AttachChild(node, 1); });
 }
 

@@ -8,6 +8,7 @@
 
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
+#include "headless/breaches.h"
 #include "host/animate.h"
 #include "host/hold.h"
 #include "host/interface.h"
@@ -32,6 +33,12 @@ std::vector<INode*> SceneNodes() {
     std::vector<INode*> nodes;
     Collect(*GetCOREInterface()->GetRootNode(), nodes);
     return nodes;
+}
+
+bool IsBelow(INode* node, const INode* other) {
+    while (node && node != other)
+        node = node->GetParentNode();
+    return node != nullptr;
 }
 
 Play::Play() : rigs{{{"Left", world}, {"Right", world}}} {
@@ -218,6 +225,8 @@ void Play::FindWrongSnapshots(Faults& faults) {
 
 Faults Play::Broken() {
     Faults faults = std::exchange(noted_, {});
+    for (const std::string& breach : headless::TakeBreachLines())
+        faults.push_back(breach);
     FindUnsortedKeys(faults);
     FindWrongNodes(faults);
     FindFalseWords(faults);

@@ -120,4 +120,7 @@ class Play {
 // All nodes of the scene, parents before their children.
 std::vector<INode*> SceneNodes();
 
+// Whether a node hangs below another, or is that one.
+bool IsBelow(INode* node, const INode* other);
+
 }  // namespace play
