@@ -85,7 +85,10 @@ class ErrorCode : public Util::Singleton<ErrorCode> {
 };
 
 // Declares the failure in the registry in use and gives its value, as the failing operation's
-// result.
+// result. -1 if a registry of the other side throws instead, or answers with null.
 std::int32_t Report(const Failure& failure);
+
+// The value of a code that the registry in use may know, with the same care.
+std::int32_t ValueOf(const char* identifier);
 
 }  // namespace TVL

@@ -54,7 +54,7 @@ class MessageNode {
 
     virtual std::int32_t Send(MessageNode* target, Message* message);
 
-    // The newest listener hears first.
+    // The newest listener hears first. What one of them throws comes out when all have heard.
     virtual void Broadcast(Message* message);
 
     // Sends kListening to `node` once the link stands. Nothing happens for null and for a node that

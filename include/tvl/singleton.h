@@ -92,7 +92,10 @@ template <class T>
 Singleton<T>::~Singleton() {
     // The collector's list is gone before this base, and its own entry with it.
     if constexpr (!std::is_same_v<T, SingletonCollector>) {
-        SingletonCollector::GetInstance()->Remove(this);
+        try {
+            SingletonCollector::GetInstance()->Remove(this);
+        } catch (...) {  // no memory for the list, which there was none of
+        }
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "foundation/thrown.h"
 #include "tvl/log.h"
 
 namespace TVL {
@@ -22,6 +23,17 @@ constexpr std::int32_t kFirstValue = 1024;
 
 ErrorCode* DeclareIn(ErrorCode& registry, const Failure& failure) {
     return registry.Declare(failure.identifier, failure.message, failure.type);
+}
+
+// The registry can be one of the other side's, whose every operation runs code from there.
+template <class Ask>
+std::int32_t ValueFrom(const char* call, Ask ask) {
+    std::int32_t value = kNotFoundValue;
+    const auto thrown = ThrownBy([&] {
+        if (const ErrorCode* const code = ask()) value = *code;
+    });
+    if (thrown) TraceThrown(call, *thrown);
+    return value;
 }
 
 }  // namespace
@@ -146,7 +158,12 @@ ErrorCode* ErrorCode::Registry() {
 }
 
 std::int32_t Report(const Failure& failure) {
-    return *DeclareIn(*ErrorCode::GetInstance(), failure);
+    return ValueFrom("Declare", [&] { return DeclareIn(*ErrorCode::GetInstance(), failure); });
+}
+
+std::int32_t ValueOf(const char* identifier) {
+    return ValueFrom("GetByIdentifier",
+                     [&] { return ErrorCode::GetInstance()->GetByIdentifier(identifier); });
 }
 
 }  // namespace TVL

@@ -5,14 +5,25 @@
 #include <locale>
 
 #include "foundation/log_line.h"
+#include "foundation/thrown.h"
 
 namespace TVL {
 namespace {
 
 constexpr std::int32_t kOutermost = -1;
 
+// Nothing that is logged may fail for its sake, in a destructor least of all: what memory does not
+// suffice for is missing from the trace.
+template <class Act>
+void IfItCan(Act act) {
+    static_cast<void>(ThrownBy(act));
+}
+
+// A stream that could not take a text is asked again for the next. One of the other side's may be
+// set to throw.
 void Append(std::ostream& stream, std::string_view text) {
-    stream.write(text.data(), static_cast<std::streamsize>(text.size()));
+    IfItCan([&] { stream.write(text.data(), static_cast<std::streamsize>(text.size())); });
+    IfItCan([&] { stream.clear(); });
 }
 
 std::string AddressText(const void* address) {
@@ -22,23 +33,35 @@ std::string AddressText(const void* address) {
     return text.str();
 }
 
+// The singleton; null if it had to be made and there is no memory for it.
+Log* Trace() noexcept {
+    Log* trace = nullptr;
+    IfItCan([&] { trace = Log::GetInstance(); });
+    return trace;
+}
+
+// The depth that comes of going deeper, or, below 0, back. The log in which a scope was opened may
+// have been replaced by one that never went down.
+std::int32_t Deepen(std::int32_t by) noexcept {
+    Log* const trace = Trace();
+    if (!trace) return kOutermost;
+    if (by != 0) trace->indent = std::max(trace->indent + by, kOutermost);
+    return trace->indent;
+}
+
 }  // namespace
 
 Log::Log() = default;
 
-Log::Log(std::int32_t objectLevel) : indent(GetInstance()->indent), level(objectLevel) {}
+Log::Log(std::int32_t objectLevel) : indent(Deepen(0)), level(objectLevel) {}
 
 Log::Log(std::string_view message, std::int32_t objectLevel)
-    : depthHeld(1), indent(++GetInstance()->indent), level(objectLevel) {
+    : depthHeld(1), indent(Deepen(1)), level(objectLevel) {
     Log::Write(message, objectLevel);
 }
 
 Log::~Log() {
-    if (depthHeld != 0) {
-        // The log in which the scope was opened may have been replaced by one that never went down.
-        std::int32_t& depth = GetInstance()->indent;
-        depth = std::max(depth - depthHeld, kOutermost);
-    }
+    if (depthHeld != 0) Deepen(-depthHeld);
     if (file.is_open()) {
         Append(file, "[EOF]\n");
         file.close();
@@ -53,24 +76,23 @@ std::int32_t Log::Write(std::string_view message, std::int32_t messageLevel) {
     const std::int32_t lineLevel = messageLevel < 0 ? level : messageLevel;
     if (!IsLevelActive(lineLevel)) return 0;
     const auto now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
-    WriteRaw(FormatLogLine(now, lineLevel, indent, message));
+    IfItCan([&] { WriteRaw(FormatLogLine(now, lineLevel, indent, message)); });
     return 0;
 }
 
 void Log::WriteRaw(std::string_view text) {
-    Log& trace = *GetInstance();
-    Append(trace.buffer, text);
-    if (trace.file.is_open()) Append(trace.file, text);
+    Log* const trace = Trace();
+    if (!trace) return;
+    Append(trace->buffer, text);
+    if (trace->file.is_open()) Append(trace->file, text);
 }
 
 std::int32_t Log::WriteValue(std::string_view name, std::string_view value,
                              std::int32_t messageLevel) {
     const std::int32_t lineLevel = messageLevel < 0 ? level : messageLevel;
     if (!IsLevelActive(lineLevel)) return 0;
-    std::string line(name);
-    line += ": ";
-    line += value;
-    return Write(line, lineLevel);
+    IfItCan([&] { Write(std::string(name).append(": ").append(value), lineLevel); });
+    return 0;
 }
 
 std::int32_t Log::WriteValue(std::string_view name, const char* value, std::int32_t messageLevel) {
@@ -79,16 +101,19 @@ std::int32_t Log::WriteValue(std::string_view name, const char* value, std::int3
 
 std::int32_t Log::WriteValue(std::string_view name, std::int32_t value, std::int32_t messageLevel) {
     if (!IsLevelActive(messageLevel < 0 ? level : messageLevel)) return 0;
-    return WriteValue(name, std::to_string(value), messageLevel);
+    IfItCan([&] { WriteValue(name, std::to_string(value), messageLevel); });
+    return 0;
 }
 
 std::int32_t Log::WriteValue(std::string_view name, const void* value, std::int32_t messageLevel) {
     if (!IsLevelActive(messageLevel < 0 ? level : messageLevel)) return 0;
-    return WriteValue(name, AddressText(value), messageLevel);
+    IfItCan([&] { WriteValue(name, AddressText(value), messageLevel); });
+    return 0;
 }
 
 bool Log::IsLevelActive(std::int32_t messageLevel) const {
-    return messageLevel <= GetInstance()->level;
+    const Log* const trace = Trace();
+    return trace && messageLevel <= trace->level;
 }
 
 std::string Log::GetBufferedText() const {

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <exception>
 #include <locale>
 #include <sstream>
 #include <utility>
 
+#include "foundation/thrown.h"
 #include "tvl/error_code.h"
 #include "tvl/log.h"
 
@@ -22,8 +24,10 @@ constexpr Failure kNotListening = {"MESSAGE_NOT_LISTENING",
 // Nobody here declares it, so the answer is "not found" unless a placed registry knows the code.
 constexpr const char* kNullNode = "NULL";
 
-std::int32_t ValueOf(const char* identifier) {
-    return *ErrorCode::GetInstance()->GetByIdentifier(identifier);
+// A node that dies lets nothing out of those that it takes its leave of.
+template <class Call>
+void LetNothingOut(const char* name, Call call) {
+    if (const auto thrown = ThrownBy(call)) TraceThrown(name, *thrown);
 }
 
 bool IsTrafficLogged() {
@@ -78,9 +82,16 @@ void MessageNode::Broadcast(Message* message) {
     if (message == nullptr) return;
     message->sender = this;
     if (IsTrafficLogged()) LogTraffic(GetName() + " is broadcasting message: ", *message);
+    std::exception_ptr thrown;
     for (std::size_t index = listeners.size(); index-- > 0;) {
-        if (index < listeners.size()) listeners[index]->Receive(message, true);
+        if (index >= listeners.size()) continue;
+        try {
+            listeners[index]->Receive(message, true);
+        } catch (...) {
+            if (!thrown) thrown = std::current_exception();
+        }
     }
+    if (thrown) std::rethrow_exception(thrown);
 }
 
 std::int32_t MessageNode::Listen(MessageNode* node) {
@@ -131,18 +142,20 @@ bool MessageNode::IsListeningTo(const MessageNode* node) const {
 }
 
 MessageNode::~MessageNode() {
-    Message farewell(Message::kStopBroadcasting, "Stop broadcasting", 0, this);
-    MessageNode::Broadcast(&farewell);
+    LetNothingOut("Receive", [this] {
+        Message farewell(Message::kStopBroadcasting, "Stop broadcasting", 0, this);
+        MessageNode::Broadcast(&farewell);
+    });
     // A link whose other side refuses to end it is cut, and so is one that a receiver makes anew:
     // a node takes its leave of each link once.
     for (std::size_t links = listeningTo.size(); links > 0 && !listeningTo.empty(); --links) {
         MessageNode* const source = listeningTo.back();
-        MessageNode::StopListening(source);
+        LetNothingOut("Receive", [&] { MessageNode::StopListening(source); });
         if (Contains(listeningTo, source)) Unlink(this, source);
     }
     for (std::size_t links = listeners.size(); links > 0 && !listeners.empty(); --links) {
         MessageNode* const listener = listeners.back();
-        listener->StopListening(this);
+        LetNothingOut("StopListening", [&] { listener->StopListening(this); });
         if (Contains(listeners, listener)) Unlink(listener, this);
     }
     while (!listeningTo.empty())

@@ -110,6 +110,23 @@ TEST_F(LogTest, AScopeThatOutlivesItsLogLeavesTheNextOneOutermost) {
     EXPECT_EQ(Lines(), "(NOTICE): \tin the second\n(NOTICE): \tas ever\n");
 }
 
+// As one does for want of memory, or of a disk.
+TEST_F(LogTest, AStreamThatFailsOrThrowsCostsItsLineAlone) {
+    Log outside;
+    Place(outside);
+    for (const auto mask : {std::ios::goodbit, std::ios::badbit | std::ios::failbit}) {
+        outside.buffer.exceptions(mask);
+        try {
+            outside.buffer.setstate(std::ios::badbit);
+        } catch (const std::ios::failure&) {
+        }
+        Log(Log::kError).Write("lost");
+        Log(Log::kError).Write("next");
+    }
+    EXPECT_EQ(Lines(), "(ERROR): next\n(ERROR): next\n");
+    TakeBack<Log>();
+}
+
 TEST_F(LogTest, ThePlacedLogFillsItsFileAndEndsIt) {
     const TemporaryFolder folder;
     const std::string path = folder.File("log.txt");

@@ -1,5 +1,6 @@
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -42,6 +43,26 @@ class MessageNetwork : public FreshSingletons {
     Listener a{"a"}, b{"b"}, c{"c"};
     MessageNode source{"source"};
 };
+
+TEST_F(MessageNetwork, AListenerThatThrowsKeepsNothingFromTheOthers) {
+    for (Listener* listener : {&a, &b})
+        listener->Listen(&source);
+    b.onReceive = [](Message& message) {
+        if (message.id != Message::kStoppedListening) throw std::runtime_error("no mood");
+    };
+    Message message(7, "");
+    EXPECT_THROW(source.Broadcast(&message), std::runtime_error);
+    {
+        Listener dying("dying");
+        for (Listener* listener : {&a, &b})
+            listener->Listen(&dying);
+        EXPECT_THROW(dying.Listen(&b), std::runtime_error);
+        heard.clear();
+    }
+    EXPECT_EQ(heard, (std::vector<std::string>{"b*-3", "a*-3", "b-2"}));
+    EXPECT_EQ(b.GetListenerCount(), 0);
+    EXPECT_EQ(TimesTraced("Exception out of Receive: no mood\n"), 1U);
+}
 
 TEST_F(MessageNetwork, ListeningTwiceIsOneLinkAndOneMessage) {
     Listener target("target");
