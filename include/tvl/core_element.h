@@ -22,7 +22,8 @@ struct PluginRecord {
 //   56   argument an XMLNode of kind 1 named "masternodes": the scene is being saved. The element
 //        adds a child "masternode" for each stored part of its state. Asked of every element with
 //        nodes in the scene, also if it lists nothing. The parts travel on its first node, and
-//        without any none of its nodes is marked as the Core's.
+//        without any none of its nodes is marked as the Core's. An element that cannot give its
+//        state throws, and the save is refused.
 //
 // A stored part, of which the Core is given the TVL_Plugin when the scene has been opened or
 // merged. The adaptor reads what is named here; whatever else stands in it comes back as it was:

@@ -11,14 +11,16 @@
 // The order of the virtual operations is part of the contract.
 class CoreInterface {
   public:
-    // The Core's whole state, as one element. Without children nothing is stored.
+    // The Core's whole state, as one element. Without children nothing is stored. A Core that
+    // cannot give its state throws, and the save is refused; without children it would say that it
+    // has none.
     virtual XMLNode GetCoreState() = 0;
 
     // State from a scene file, in which the Core finds its nodes by AdaptorInterface::ClaimNodes.
     // Several calls can come for one file: while it is read what GetCoreState gave, then the
     // plug-ins of earlier versions in an element "TVL"; and when it has been opened or merged, in
     // such an element too, what its nodes bear (see CoreElement). A "TVL" without children says
-    // that there is nothing to load.
+    // that there is nothing to load. What a Core throws at stays where it was stored.
     virtual void SetCoreState(XMLNode state) = 0;
 
     // The scene is about to be replaced: let go of every node.
@@ -60,7 +62,12 @@ namespace TVL {
 //
 // Before `detach` returns the Core has given back what it placed (ClearErrorCode, ClearLog), has
 // destroyed its message nodes, and has ended all use of nodes, snapshots and the adaptor itself.
-// No exception may leave a routine or an operation of the Core's.
+// What the Core throws ends at the call that the adaptor made, whichever it is: one of these, or of
+// an owner, a listener, an undo chunk or a message node. The trace names the call and what was
+// thrown, and the host goes on. A question counts as not asked, a start as refused, a save in which
+// the state was asked for as failed. A recording or the keyboard that was taken inside the call,
+// and not given back there, is given back; the hold that an undo group began there is cancelled,
+// and EndUndoGroup, which the Core still owes, ends nothing more.
 //
 // Texts, lists, meshes and trees cross by value in both directions: one side makes what the other
 // frees, with classes that each compiles for itself. Both therefore use the system's C heap, which

@@ -4,6 +4,7 @@
 #include "adaptor/panel.h"
 #include "adaptor/trace_file.h"
 #include "adaptor/utility_manager.h"
+#include "core_link/core_call.h"
 #include "platform/routine.h"
 #include "resources/resource_ids.h"
 #include "tvl/error_code.h"
@@ -59,14 +60,7 @@ std::int32_t UtilityManager::AttachCore() {
         WriteTrace();
         return status;
     }
-    if (KeepMatchingCore()) {
-        const Passage passage(coreComesOrGoes);
-        const auto attach =
-            platform::Routine<TVL::AttachRoutine>(link.coreModule, TVL::kAttachRoutine);
-        link.core = attach(MaxAdaptorInterface::GetInstance());
-        ShowAttachState(panelWindow, link.core ? kDetachText : kAttachText);
-        if (link.core) LinkOptions();
-    }
+    if (KeepMatchingCore()) BringCoreUp();
     WriteTrace();
     return 0;
 }
@@ -80,7 +74,11 @@ bool UtilityManager::KeepMatchingCore() {
     }
     const auto getVersion =
         platform::Routine<TVL::GetVersionRoutine>(link.coreModule, TVL::kGetVersionRoutine);
-    const std::uint32_t coreVersion = getVersion();
+    std::uint32_t coreVersion = 0;
+    if (!CallCore(TVL::kGetVersionRoutine, [&] { coreVersion = getVersion(); })) {
+        DetachCore();
+        return false;
+    }
     const auto adaptorVersion = static_cast<std::uint32_t>(adaptor.GetVersion());
     if (coreVersion == adaptorVersion) return true;
     TVL::Log scope("version mismatch trying to attach to CORE", TVL::Log::kError);
@@ -90,10 +88,28 @@ bool UtilityManager::KeepMatchingCore() {
     return false;
 }
 
+// A Core that refuses has gone as far as the adaptor is concerned, and one that throws has refused.
+// The log that it placed may have gone with it, so nothing is written before that is out.
+void UtilityManager::BringCoreUp() {
+    const Passage passage(coreComesOrGoes);
+    MaxAdaptorInterface* const adaptor = MaxAdaptorInterface::GetInstance();
+    const std::uint32_t nests = BracketsSoFar().nests;
+    const auto attach = platform::Routine<TVL::AttachRoutine>(link.coreModule, TVL::kAttachRoutine);
+    const auto thrown = TVL::ThrownBy([&] { link.core = attach(adaptor); });
+    ShowAttachState(panelWindow, link.core ? kDetachText : kAttachText);
+    if (link.core) {
+        LinkOptions();
+        return;
+    }
+    SweepCore(0, thrown ? nests : kNoNests);
+    if (thrown) TVL::TraceThrown(TVL::kAttachRoutine, *thrown);
+}
+
 void UtilityManager::LinkOptions() {
-    link.core->BindOption(OptimizedTransformOption, 0);
-    link.core->BindOption(DynamicMeshesOption, 0);
-    TVL::Util::MessageNode* const convertAll = link.core->GetOptionNode(ConvertAllOption, 0);
+    for (const int option : {OptimizedTransformOption, DynamicMeshesOption})
+        CallCore("BindOption", [&] { link.core->BindOption(option, 0); });
+    TVL::Util::MessageNode* convertAll = nullptr;
+    CallCore("GetOptionNode", [&] { convertAll = link.core->GetOptionNode(ConvertAllOption, 0); });
     MaxAdaptorInterface::GetInstance()->Listen(convertAll);
 }
 
@@ -103,20 +119,24 @@ std::int32_t UtilityManager::DetachCore() {
     return 0;
 }
 
-// A Core that refused may have left things behind as well.
+// One that was refused has been swept already.
 void UtilityManager::LetCoreGo() {
     if (coreComesOrGoes || !link.coreModule) return;
     const Passage passage(coreComesOrGoes);
     WriteTrace();
-    const int chunks = ReleaseCoreChunks();
-    if (link.core) {
-        TVL::Log(TVL::Log::kNotice).Write("Adaptor is detaching core");
-        const auto detach =
-            platform::Routine<TVL::DetachRoutine>(link.coreModule, TVL::kDetachRoutine);
-        detach(link.core);
-        link.core = nullptr;
-    }
-    SweepCore(chunks);
+    if (link.core) TakeCoreDown();
     FreeLibrary(link.coreModule);
     link.coreModule = nullptr;
+}
+
+void UtilityManager::TakeCoreDown() {
+    const Passage leaving(coreLeaves);
+    const int chunks = ReleaseCoreChunks();
+    const std::uint32_t nests = BracketsSoFar().nests;
+    TVL::Log(TVL::Log::kNotice).Write("Adaptor is detaching core");
+    const auto detach = platform::Routine<TVL::DetachRoutine>(link.coreModule, TVL::kDetachRoutine);
+    const auto thrown = TVL::ThrownBy([&] { detach(link.core); });
+    link.core = nullptr;
+    SweepCore(chunks, thrown ? nests : kNoNests);
+    if (thrown) TVL::TraceThrown(TVL::kDetachRoutine, *thrown);
 }

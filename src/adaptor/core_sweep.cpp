@@ -4,6 +4,7 @@
 
 #include "adaptor/max_adaptor_interface.h"
 #include "adaptor/trace_file.h"
+#include "core_link/core_call.h"
 #include "nodes/node_sweep.h"
 #include "persistence/scene/tagged_nodes.h"
 #include "tvl/error_code.h"
@@ -49,35 +50,39 @@ int CutMessageLinks(TVL::Util::MessageNode& node) {
     for (std::int32_t index = node.GetListenerCount(); index-- > 0;) {
         TVL::Util::MessageNode* const listener = node.GetListener(index);
         if (!listener) continue;  // went while another one took its leave
-        listener->MessageNode::StopListening(&node);
+        CallCore("StopListening", [&] { listener->MessageNode::StopListening(&node); });
         ++cut;
     }
     return cut;
 }
 
-bool EndLeftRecording() {
-    if (!RecordingInProgress().open) return false;
-    EndRecording();
-    return true;
+int EndLeftRecordings() {
+    int left = 0;
+    for (; RecordingInProgress().depth > 0; ++left)
+        EndRecording();
+    return left;
 }
 
 }  // namespace
 
-void SweepCore(int releasedChunks) {
+void SweepCore(int releasedChunks, std::uint32_t nests) {
     MaxAdaptorInterface& adaptor = *MaxAdaptorInterface::GetInstance();
 
     // First of all, since everything below may write or declare.
     const bool hadLog = TakeLogOut(adaptor);
     const bool hadErrorCodes = TakeErrorCodesOut(adaptor);
 
+    // Whoever is told of it can still open and make what is taken down below.
+    const int links = CutMessageLinks(adaptor);
     AbandonGatherings();
+    RecordOfState() = {};
 
     // Listeners go before the hold ends: what is cancelled would tell them.
     const int chunks = releasedChunks + ReleaseCoreChunks();
     const SweptNodes nodes = SweepNodes();
-    const bool wasRecording = EndLeftRecording();
+    const int recordings = EndLeftRecordings();
+    CancelHoldBegunSince(nests);
     const int groups = CloseLeftUndoGroups();
-    const int links = CutMessageLinks(adaptor);
     const bool hadFocus = TakeFocusBack(adaptor.focus);
 
     LeftBehind left;
@@ -88,7 +93,7 @@ void SweepCore(int releasedChunks) {
     left.Tell("nodes in undo records", nodes.recordedNodes);
     left.Tell("snapshot nodes", nodes.snapshotNodes);
     left.Tell("snapshots", nodes.snapshots);
-    left.Tell("recording", wasRecording);
+    left.Tell("recording", recordings);
     left.Tell("undo groups", groups);
     left.Tell("message links", links);
     left.Tell("keyboard focus", hadFocus);

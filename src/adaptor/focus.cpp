@@ -18,7 +18,7 @@ void RestoreFocus(FocusState& focus) {
 }
 
 bool TakeFocusBack(FocusState& focus) {
-    const bool isOut = std::exchange(focus.focusCount, 0) != 0;
+    const bool isOut = std::exchange(focus.focusCount, 0) > 0;
     if (isOut) GetCOREInterface()->EnableAccelerators();
     return isOut;
 }

@@ -1,6 +1,11 @@
 #include "adaptor/host_events.h"
 
+#include <bitset>
+#include <cstddef>
+#include <iterator>
+
 #include "adaptor/utility_manager.h"
+#include "core_link/core_call.h"
 #include "nodes/mesh_cache.h"
 #include "persistence/scene/gather_state.h"
 #include "persistence/scene/node_tags.h"
@@ -15,9 +20,10 @@ void LeaveScene() {
     LeaveStoredState();
     CoreInterface* const core = AttachedCore();
     if (!core) return;
-    core->ResetCore();
+    CallCore("ResetCore", [&] { core->ResetCore(); });
     MarkHold();
     ConvertedMeshes().Empty();
+    RecordOfState() = {};
 }
 
 void OnSceneReset(void*, NotifyInfo*) {
@@ -34,12 +40,21 @@ void OnFileLoaded(void*, NotifyInfo*) {
     if (AttachedCore()) GatherSceneState();
 }
 
+// A notification has no answer. Whatever fails here, the save that follows is refused for it.
 void OnFilePreSave(void*, NotifyInfo*) {
-    if (AttachedCore()) StoreSceneState();
+    if (!AttachedCore()) return;
+    RecordOfState().isTagLost = false;
+    const auto thrown = TVL::ThrownBy(&StoreSceneState);
+    if (!thrown) return;
+    TVL::TraceThrown("the storing of tags", *thrown);
+    RecordOfState().isTagLost = true;
 }
 
+// In a Core that is leaving the tags stay for the next one.
 void OnFilePostSave(void*, NotifyInfo*) {
-    if (AttachedCore()) ClearNodeTags();
+    if (!AttachedCore()) return;
+    RecordOfState().isTagLost = false;
+    if (!IsCoreLeaving()) ClearNodeTags();
 }
 
 void OnHostShutdown(void* manager, NotifyInfo*) {
@@ -61,16 +76,22 @@ constexpr HostEvent kHostEvents[] = {
     {NOTIFY_SYSTEM_SHUTDOWN, OnHostShutdown},
 };
 
+// Those that the host has taken.
+constinit std::bitset<std::size(kHostEvents)> registered;
+
 }  // namespace
 
 void RegisterHostEvents(UtilityManager& manager) {
-    for (const HostEvent& event : kHostEvents) {
-        RegisterNotification(event.handler, &manager, event.code);
+    for (std::size_t index = 0; index < std::size(kHostEvents); ++index) {
+        const HostEvent& event = kHostEvents[index];
+        registered[index] = RegisterNotification(event.handler, &manager, event.code) != 0;
     }
 }
 
 void UnregisterHostEvents(UtilityManager& manager) {
-    for (const HostEvent& event : kHostEvents) {
-        UnRegisterNotification(event.handler, &manager, event.code);
+    for (std::size_t index = 0; index < std::size(kHostEvents); ++index) {
+        const HostEvent& event = kHostEvents[index];
+        if (registered[index]) UnRegisterNotification(event.handler, &manager, event.code);
     }
+    registered.reset();
 }

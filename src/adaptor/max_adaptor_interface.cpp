@@ -4,6 +4,7 @@
 #include "adaptor/utility_manager.h"
 #include "adaptor/xml_resource.h"
 #include "controllers/conversion.h"
+#include "core_link/core_call.h"
 #include "host/interface.h"
 #include "measures/host_clock.h"
 #include "nodes/merging.h"
@@ -44,6 +45,26 @@ MeshCache& ConvertedMeshes() {
 }
 TaggedNodeLists& NodesWithTags() {
     return Adaptor().taggedNodes;
+}
+StateRecord& RecordOfState() {
+    return Adaptor().stateRecord;
+}
+
+// A Core that is called need not have met the adaptor, and one that is called may destroy it.
+CoreBrackets BracketsSoFar() {
+    const MaxAdaptorInterface* const adaptor = MaxAdaptorInterface::instance;
+    if (!adaptor) return {};
+    return {adaptor->recording.depth, adaptor->focus.focusCount, adaptor->undo.nest};
+}
+
+void EndBracketsSince(const CoreBrackets& before) {
+    if (!MaxAdaptorInterface::instance) return;
+    while (RecordingInProgress().depth > before.recordings)
+        EndRecording();
+    CancelHoldBegunSince(before.nests);
+    FocusState& focus = Adaptor().focus;
+    while (focus.focusCount > before.focus)
+        RestoreFocus(focus);
 }
 
 MaxAdaptorInterface::MaxAdaptorInterface() : MessageNode("MaxAdaptorInterface") {
@@ -197,4 +218,15 @@ std::int32_t MaxAdaptorInterface::EndRecording() {
 
 void MaxAdaptorInterface::Receive(TVL::Util::Message* message, bool) {
     if (message && message->id == kConvertAllMessage) ConvertAllControllers();
+}
+
+std::int32_t MaxAdaptorInterface::Send(TVL::Util::MessageNode* target,
+                                       TVL::Util::Message* message) {
+    std::int32_t status = 0;
+    CallCore("Receive", [&] { status = MessageNode::Send(target, message); });
+    return status;
+}
+
+void MaxAdaptorInterface::Broadcast(TVL::Util::Message* message) {
+    CallCore("Receive", [&] { MessageNode::Broadcast(message); });
 }

@@ -5,6 +5,7 @@
 #include "nodes/node_deletion.h"
 #include "nodes/node_list.h"
 #include "nodes/recording.h"
+#include "persistence/scene/state_chunk.h"
 #include "persistence/scene/state_format.h"
 #include "persistence/scene/tagged_nodes.h"
 #include "tvl/adaptor_interface.h"
@@ -72,7 +73,10 @@ class MaxAdaptorInterface final : public TVL::AdaptorInterface,
     std::int32_t FlushUndoBuffer() override;
     XMLNode GetOptionsPanel() override;
 
+    // What goes to nodes of the Core's is a call into it.
     void Receive(TVL::Util::Message* message, bool isBroadcast) override;
+    std::int32_t Send(TVL::Util::MessageNode* target, TVL::Util::Message* message) override;
+    void Broadcast(TVL::Util::Message* message) override;
 
     RecordingState recording;
     UndoGroups undo;
@@ -81,4 +85,5 @@ class MaxAdaptorInterface final : public TVL::AdaptorInterface,
     FocusState focus;
     MeshCache meshCache;
     TaggedNodeLists taggedNodes;
+    StateRecord stateRecord;
 };

@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "adaptor/host_events.h"
+#include "core_link/core_call.h"
 #include "core_link/core_link.h"
 #include "host/node.h"
 #include "nodes/max_node.h"
@@ -34,9 +35,11 @@ void TellOwner(const INode* host) {
     std::vector<TVL::CoreElement*>& told = DeletionInProgress().notifiedOwners;
     if (std::ranges::find(told, owner) != told.end()) return;
     told.push_back(owner);
-    if (owner->HasExtension(kNodesPreDeleteExtension)) {
-        owner->HandleExtension(kNodesPreDeleteExtension, nullptr);
-    }
+    const bool isListed = CallCore("HasExtension of an owner", false,
+                                   [&] { return owner->HasExtension(kNodesPreDeleteExtension); });
+    if (!isListed) return;
+    CallCore("extension 43 of an owner",
+             [&] { owner->HandleExtension(kNodesPreDeleteExtension, nullptr); });
 }
 
 }  // namespace
@@ -45,7 +48,10 @@ void TellOwner(const INode* host) {
 // that stand there.
 void OnNodesPreDelete(void*, NotifyInfo* info) {
     if (!AttachedCore()) return;
-    if (IsCoreRunning()) AttachedCore()->StopCore();
+    if (IsCoreRunning()) {
+        if (CoreInterface* const core = AttachedCore())
+            CallCore("StopCore", [&] { core->StopCore(); });
+    }
     auto* const table = info ? static_cast<INodeTab*>(info->callParam) : nullptr;
     if (!table) return;
     const Announcement announcement(*table);

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "adaptor/utility_manager.h"
+#include "core_link/core_call.h"
 #include "host/interface.h"
 #include "persistence/scene/gather_state.h"
 #include "persistence/scene/node_tags.h"
@@ -20,7 +21,8 @@ constexpr int kTextCapacity = 1024;  // bytes
 
 void OpenCore() {
     if (CoreInterface* const core = AttachedCore()) {
-        core->ShowCore(GetCOREInterface()->GetMAXHWnd());
+        const HWND mainWindow = GetCOREInterface()->GetMAXHWnd();
+        CallCore("ShowCore", [&] { core->ShowCore(mainWindow); });
     } else {
         MessageBoxA(nullptr, kNoCore, kCaption, MB_OK | MB_ICONERROR);
     }
@@ -34,7 +36,7 @@ bool SaysDetach(HWND panel) {
 
 // The state stays in the tags, for the next attach.
 void Detach(UtilityManager& manager) {
-    StoreSceneState();
+    StoreStateForNextCore();
     manager.DetachCore();
     GetCOREInterface()->FlushUndoBuffer();
 }
@@ -51,7 +53,7 @@ void Attach(UtilityManager& manager) {
 void OnCommand(UtilityManager& manager, HWND panel, int control) {
     if (control == StartButton) {
         OpenCore();
-    } else if (control == AttachControl) {
+    } else if (control == AttachControl && !manager.IsCoreInPassage()) {
         SaysDetach(panel) ? Detach(manager) : Attach(manager);
     }
 }

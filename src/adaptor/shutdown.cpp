@@ -9,10 +9,12 @@
 namespace {
 
 // The folder in which this adaptor keeps its data. The documents path ends in a backslash of its
-// own, and the doubled one does no harm.
-std::string DataFolder() {
+// own, and the doubled one does no harm. Without documents it would be one on the current drive.
+void MakeDataFolder() {
+    const std::string documents = FindDocumentsPath();
+    if (documents.empty()) return;
     const std::string adaptor = MaxAdaptorInterface::GetInstance()->GetShortName();
-    return FindDocumentsPath() + "\\data\\" + adaptor + "\\";
+    CreateDirectoryA((documents + "\\data\\" + adaptor + "\\").c_str(), nullptr);
 }
 
 }  // namespace
@@ -21,7 +23,7 @@ std::string DataFolder() {
 void UtilityManager::ShutDownAdaptor() {
     const TVL::Log scope("Shutting down adaptor", TVL::Log::kNotice);
     DetachCore();
-    CreateDirectoryA(DataFolder().c_str(), nullptr);
+    MakeDataFolder();
     WriteTrace();
     TVL::Util::SingletonCollector::GetInstance()->DestroyAll();
     RestartTrace();

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "foundation/thrown.h"
 #include "platform/environment.h"
 
 namespace {
@@ -31,17 +32,22 @@ void AppendToFile(std::string_view text) {
     if (!file) Complain(path);
 }
 
-std::string TextInUse() {
-    return TVL::Log::instance ? TVL::Log::instance->GetBufferedText() : std::string();
+std::string_view TextInUse() {
+    return TVL::Log::instance ? TVL::Log::instance->buffer.view() : std::string_view();
 }
 
 }  // namespace
 
-void WriteTrace() {
-    const std::string text = TextInUse();
+// What memory does not suffice for now waits for the next time.
+void WriteTrace() noexcept {
+    const std::string_view text = TextInUse();
     const bool wasEmptied = text.size() < written;  // by a Core whose log it is
-    AppendToFile(std::string_view(text).substr(wasEmptied ? 0 : written));
-    written = text.size();
+    if (!TVL::ThrownBy([&] { AppendToFile(text.substr(wasEmptied ? 0 : written)); }))
+        written = text.size();
+}
+
+void EndTrace() noexcept {
+    if (!TVL::Log::external) WriteTrace();
 }
 
 void RestartTrace() {
@@ -50,7 +56,7 @@ void RestartTrace() {
 
 TraceHandover::TraceHandover(const TVL::Log* placed) {
     WriteTrace();
-    if (placed && placed != TVL::Log::instance) AppendToFile(placed->buffer.str());
+    if (placed && placed != TVL::Log::instance) AppendToFile(placed->buffer.view());
 }
 
 TraceHandover::~TraceHandover() {

@@ -11,7 +11,10 @@
 // what it had taken in before it was placed. Parts are appended; whoever names the file empties it.
 
 // Appends what the log in use has taken in since the last time.
-void WriteTrace();
+void WriteTrace() noexcept;
+
+// The module goes. A log that the other side placed can be gone by now, and is not read any more.
+void EndTrace() noexcept;
 
 // To be called when the log in use has been destroyed, once its text was written.
 void RestartTrace();

@@ -2,6 +2,7 @@
 
 #include "adaptor/host_events.h"
 #include "adaptor/trace_file.h"
+#include "core_link/core_call.h"
 #include "host/interface.h"
 #include "measures/host_clock.h"
 #include "persistence/scene/state_chunk.h"
@@ -31,6 +32,10 @@ CoreLink& TheCoreLink() {
     return UtilityManager::Get().link;
 }
 
+bool IsCoreLeaving() {
+    return UtilityManager::Get().IsCoreLeaving();
+}
+
 UtilityManager& UtilityManager::Get() {
     static UtilityManager* const manager = [] {
         auto* const made = new UtilityManager;
@@ -55,7 +60,10 @@ void UtilityManager::Stop() {
 }
 
 IOResult UtilityManager::Save(ISave* save) {
-    return SaveState(*save);
+    IOResult result = IO_ERROR;
+    const auto thrown = TVL::ThrownBy([&] { result = SaveState(*save); });
+    if (thrown) TVL::TraceThrown("the saving of the state", *thrown);
+    return result;
 }
 
 IOResult UtilityManager::Load(ILoad* load) {
@@ -70,5 +78,8 @@ void UtilityManager::HearHost() {
 }
 
 void UtilityManager::CTimeChangeCallback::TimeChanged(TimeValue t) {
-    if (CoreInterface* const core = AttachedCore()) core->NotifyTimeChanged(SecondsOf(t));
+    CoreInterface* const core = AttachedCore();
+    if (!core) return;
+    const double seconds = SecondsOf(t);
+    CallCore("NotifyTimeChanged", [&] { core->NotifyTimeChanged(seconds); });
 }

@@ -38,6 +38,10 @@ class UtilityManager final : public GUP {
     // The host is going down: detaches the Core and destroys the singletons.
     void ShutDownAdaptor();
 
+    // Inside a routine of the Core's, which neither attaches nor detaches.
+    bool IsCoreInPassage() const { return coreComesOrGoes; }
+    bool IsCoreLeaving() const { return coreLeaves; }
+
     // From here on the host tells of its events, until Stop. Once for each Start.
     void HearHost();
 
@@ -55,10 +59,13 @@ class UtilityManager final : public GUP {
     ~UtilityManager() override = default;
 
     bool KeepMatchingCore();
+    void BringCoreUp();
     void LinkOptions();
     void LetCoreGo();
+    void TakeCoreDown();
 
     bool coreComesOrGoes = false;  // a routine of the Core's is running that must not run twice
+    bool coreLeaves = false;       // that routine is `detach`
     bool isKept = false;           // by the host, which calls Stop then
     bool hearsHost = false;        // or did, since the host started
 };

@@ -1,12 +1,30 @@
 #include "core_link/core_link.h"
 
+#include "core_link/core_call.h"
+
+void AfterThrow(const char* name, std::string_view words, const CoreBrackets& before) noexcept {
+    TVL::TraceThrown(name, words);
+    const auto failed = TVL::ThrownBy([&] { EndBracketsSince(before); });
+    if (failed) TVL::TraceThrown("the end of what it left open", *failed);
+}
+
 bool IsCoreRunning() {
     CoreInterface* const core = AttachedCore();
-    return core && core->IsCoreRunning();
+    return core && CallCore("IsCoreRunning", false, [&] { return core->IsCoreRunning(); });
 }
 
 bool CoreOption(int option, bool preset) {
     bool value = preset;
-    if (CoreInterface* const core = AttachedCore()) core->GetOptionValue(option, &value);
-    return value;
+    CoreInterface* const core = AttachedCore();
+    if (!core) return value;
+    const bool isAnswered =
+        CallCore("GetOptionValue", [&] { core->GetOptionValue(option, &value); });
+    return isAnswered ? value : preset;
+}
+
+std::string PluginNameOf(const TVL::CoreElement* owner) {
+    std::string name;
+    if (!owner || !owner->plugin) return name;
+    CallCore("the plug-in record", [&] { name = owner->plugin->name; });
+    return name;
 }

@@ -9,7 +9,8 @@ class CustomHelperObject;
 // keeps its mesh. It does nothing once the host node is gone or shows another object than at
 // acquisition.
 // The order of the fields is part of the contract.
-class CMAXNode::CMAXSnapshot_Helper final : public TVL::CoreNode::Snapshot_Helper {
+class CMAXNode::CMAXSnapshot_Helper final : public TVL::CoreNode::Snapshot_Helper,
+                                            public OrphanedSnapshot {
   public:
     explicit CMAXSnapshot_Helper(CMAXNode& lender);
 

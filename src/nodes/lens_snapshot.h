@@ -8,7 +8,8 @@
 // write becomes a key of the parameter's controller. Once the node is gone or shows another object,
 // numbers read as 0 and writes do nothing.
 // The order of the fields is part of the contract.
-class CMAXNode::CMAXSnapshot_Lens final : public TVL::CoreNode::Snapshot_Lens {
+class CMAXNode::CMAXSnapshot_Lens final : public TVL::CoreNode::Snapshot_Lens,
+                                          public OrphanedSnapshot {
   public:
     explicit CMAXSnapshot_Lens(CMAXNode& lender);
 

@@ -15,28 +15,28 @@
 
 CMAXNode* CMAXNode::newestAlive = nullptr;
 
-CMAXNode::CMAXNode(TVL::CoreElement* nodeOwner, std::string nodeName, const CMAXNode* parent,
+// Joining those that are alive comes last: a constructor that fails is followed by no destructor.
+CMAXNode::CMAXNode(TVL::CoreElement* nodeOwner, std::string nodeName, INode* parentHost,
                    INode* host)
     : isSnapshot(false), hostNode(host) {
     name = std::move(nodeName);
     owner = nodeOwner;
-    JoinAlive();
-    INode* const parentHost = parent ? parent->HostNode() : nullptr;
     if (parentHost && host) parentHost->AttachChild(host, 1);
     ListNode(this);
+    JoinAlive();
 }
 
 CMAXNode::CMAXNode(CMAXNode* reachedFrom, INode* host) : isSnapshot(true), hostNode(host) {
-    source = reachedFrom;
-    if (reachedFrom) {
-        sourceOwner = reachedFrom->owner;
-        reachedFrom->reached.push_back(this);
-    }
     if (const CMAXNode* real = FindRealNode(host)) {
         name = real->name;
         owner = real->owner;
     } else {
         name = GetName();
+    }
+    source = reachedFrom;
+    if (reachedFrom) {
+        sourceOwner = reachedFrom->owner;
+        reachedFrom->reached.push_back(this);
     }
     JoinAlive();
 }

@@ -24,10 +24,8 @@ class CMAXNode final : public TVL::CoreNode {
     class CMAXSnapshot_Mesh;
     class CMAXSnapshot_Shape;
 
-    // A real node. It is listed, and its host node hung below that of the parent, if both are
-    // given.
-    CMAXNode(TVL::CoreElement* nodeOwner, std::string nodeName, const CMAXNode* parent,
-             INode* host);
+    // A real node. It is listed, and its host node hung below the parent's, if both are given.
+    CMAXNode(TVL::CoreElement* nodeOwner, std::string nodeName, INode* parentHost, INode* host);
 
     // A snapshot node, reached through another node or through none. It takes name and owner of the
     // real node on the same scene node, if there is one, else the host's name.

@@ -11,7 +11,8 @@
 // A node's geometry at the time of acquisition, in object space and host units. It has no mesh if
 // the object cannot become triangles, once the host node is gone, and once whoever owned the mesh
 // has ended it: an empty mesh is read, a write does nothing, no ray hits.
-class CMAXNode::CMAXSnapshot_Mesh final : public TVL::CoreNode::Snapshot_Mesh {
+class CMAXNode::CMAXSnapshot_Mesh final : public TVL::CoreNode::Snapshot_Mesh,
+                                          public OrphanedSnapshot {
   public:
     explicit CMAXSnapshot_Mesh(CMAXNode& lender);
 

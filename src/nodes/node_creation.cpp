@@ -46,15 +46,22 @@ void PutScalarControls(CameraObject& camera) {
 }
 
 std::string HostNameOf(const TVL::CoreElement* owner, const std::string& name) {
-    const std::string plugin = owner && owner->plugin ? owner->plugin->name : "";
-    return CutHostName(plugin + "_" + name);
+    return CutHostName(PluginNameOf(owner) + "_" + name);
 }
 
+// The record stands in the hold before the listener hears of the node, so that whatever the
+// listener does to it, even ending it, comes behind its creation.
 void RecordCreation(CMAXNode* node) {
     if (!IsHoldingUndo()) return;
-    auto record = std::make_unique<NodeInstanceRestoreObj>(node, false);
-    record->ToggleNode();
-    AddUndoChunk(std::move(record));
+    const NodeWatch watch(node);
+    AddUndoChunk(std::make_unique<NodeInstanceRestoreObj>(node, true));
+    if (watch.Get()) TellRestored(*node);
+}
+
+// What a node is to hang below, held by a link, since the Core may end it while it is asked for its
+// option.
+HostNodeLink LinkTo(TVL::CNode* parent) {
+    return parent ? static_cast<CMAXNode*>(parent)->HostLink() : HostNodeLink();
 }
 
 // The host node of a new object, which the scene owns from here on; null if there is none, and the
@@ -72,6 +79,7 @@ INode* NewHostNode(Object* object) {
 
 TVL::CNode* CreateLensNode(TVL::CoreElement* owner, const std::string& name, TVL::CNode* parent,
                            TVL::NodeListener* listener) {
+    const HostNodeLink parentLink = LinkTo(parent);
     const bool ownControllers = WantsOwnControllers();
     CameraObject* const camera = GetCOREInterface()->CreateCameraObject(0);
     if (!camera) return nullptr;
@@ -80,7 +88,7 @@ TVL::CNode* CreateLensNode(TVL::CoreElement* owner, const std::string& name, TVL
     camera->Enable(1);
     INode* const host = NewHostNode(camera);
     if (!host) return nullptr;
-    const NodeWatch node(new CMAXNode(owner, name, static_cast<CMAXNode*>(parent), host));
+    const NodeWatch node(new CMAXNode(owner, name, parentLink.Get(), host));
     node.Get()->SetListener(listener);
     if (ownControllers) {
         PutTransformControl(*host);
@@ -96,6 +104,7 @@ TVL::CNode* CreateHelperNode(TVL::CoreElement* owner, const std::string& name, T
     TVL::Log log("creating helper", TVL::Log::kNotice);
     log.WriteValue("meshname", name);
     log.WriteValue("parent", parent ? parent->GetNodeName() : std::string("(NULL)"));
+    const HostNodeLink parentLink = LinkTo(parent);
     const bool ownControllers = WantsOwnControllers();
     TriObject* const object = CreateNewTriObject();
     if (!object) {
@@ -103,7 +112,7 @@ TVL::CNode* CreateHelperNode(TVL::CoreElement* owner, const std::string& name, T
         return nullptr;
     }
     INode* const host = NewHostNode(object);
-    const NodeWatch node(new CMAXNode(owner, name, static_cast<CMAXNode*>(parent), host));
+    const NodeWatch node(new CMAXNode(owner, name, parentLink.Get(), host));
     if (!host) {
         log.Write("Error creating node reference", TVL::Log::kError);
         node.Get()->Destroy();

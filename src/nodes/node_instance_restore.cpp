@@ -1,5 +1,6 @@
 #include "nodes/node_instance_restore.h"
 
+#include "core_link/core_call.h"
 #include "nodes/max_node.h"
 #include "nodes/node_list.h"
 
@@ -18,15 +19,20 @@ void NodeInstanceRestoreObj::Redo() {
     Undo(true);
 }
 
+void TellRestored(CMAXNode& node) {
+    TVL::NodeListener* const listener = node.Listener();
+    if (listener) CallCore("OnNodeRestored", [&] { listener->OnNodeRestored(&node); });
+}
+
 void NodeInstanceRestoreObj::ToggleNode() {
     if (!Node()) return;
     TVL::NodeListener* const listener = Node()->Listener();
     present = !present;
     if (present) {
         ListNode(Node());
-        if (listener) listener->OnNodeRestored(Node());
+        TellRestored(*Node());
     } else {
-        if (listener) listener->OnNodeRemoved(Node());
+        if (listener) CallCore("OnNodeRemoved", [&] { listener->OnNodeRemoved(Node()); });
         if (Node()) UnlistNode(Node());
     }
 }

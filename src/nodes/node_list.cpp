@@ -13,8 +13,13 @@ bool IsListed(const CMAXNode* node) {
 
 void ListNode(CMAXNode* node) {
     if (IsListed(node)) return;
-    AdaptorNodes().nodes.push_back(node);
     AdaptorNodes().byHost[node->HostLink().Pointer()].push_back(node);
+    try {
+        AdaptorNodes().nodes.push_back(node);
+    } catch (...) {
+        UnlistNode(node);
+        throw;
+    }
 }
 
 void UnlistNode(CMAXNode* node) {

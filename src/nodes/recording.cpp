@@ -17,7 +17,8 @@ namespace {
 
 void OpenRecording() {
     GetCOREInterface()->EnableAnimateButton(0);
-    RecordingInProgress() = {.wasAnimating = Animating(), .open = true};
+    RecordingState& recording = RecordingInProgress();
+    if (recording.depth++ == 0) recording.wasAnimating = Animating();
     AnimateOn();
     AddUndoChunk(std::make_unique<CSetTimeRestoreObj>(CurrentSeconds()));
     ConvertedMeshes().Empty();
@@ -50,8 +51,9 @@ std::int32_t BeginRecordingUnkeyed() {
 }
 
 std::int32_t EndRecording() {
-    RecordingInProgress().open = false;
-    if (!RecordingInProgress().wasAnimating) AnimateOff();
+    RecordingState& recording = RecordingInProgress();
+    if (recording.depth > 0) --recording.depth;
+    if (recording.depth == 0 && !recording.wasAnimating) AnimateOff();
     GetCOREInterface()->EnableAnimateButton(1);
     ConvertedMeshes().Empty();
     return 0;

@@ -6,10 +6,11 @@
 #include "tvl/core_element.h"
 
 // A recording puts the host into animate mode, so that what the Core writes through snapshots
-// becomes keys.
+// becomes keys. One that begins inside another belongs to it: the mode goes back with the last to
+// end.
 struct RecordingState {
     bool wasAnimating = false;  // the host's animate mode when the recording began
-    bool open = false;          // begun and not ended yet
+    int depth = 0;              // begun and not ended yet
 };
 
 // The adaptor's recording.
@@ -22,5 +23,6 @@ std::int32_t BeginRecording(const std::vector<TVL::CoreElement*>& owners);
 // Opens a recording without keys to start from.
 std::int32_t BeginRecordingUnkeyed();
 
-// Puts animate mode back as it was and frees the meshes that were converted meanwhile.
+// Puts animate mode back as it was, once none is open, and frees the meshes that were converted
+// meanwhile.
 std::int32_t EndRecording();

@@ -10,7 +10,8 @@
 // another object, there are no curves; a curve that is not there has length 0 and lies at the
 // origin.
 // The order of the fields is part of the contract.
-class CMAXNode::CMAXSnapshot_Shape final : public TVL::CoreNode::Snapshot_Shape {
+class CMAXNode::CMAXSnapshot_Shape final : public TVL::CoreNode::Snapshot_Shape,
+                                           public OrphanedSnapshot {
   public:
     explicit CMAXSnapshot_Shape(CMAXNode& lender);
 

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-// A snapshot that was still out when its node died: it stays valid memory, and does nothing, until
-// the Core has left.
+// Base of the snapshots that nodes lend. One that was still out when its node died stays valid
+// memory, and does nothing, until the Core has left.
 class OrphanedSnapshot {
   public:
     virtual ~OrphanedSnapshot() = default;
@@ -51,15 +51,11 @@ class SnapshotPool {
     }
 
   private:
-    struct Orphan final : OrphanedSnapshot {
-        explicit Orphan(std::unique_ptr<Snapshot> left) : snapshot(std::move(left)) {}
-        std::unique_ptr<Snapshot> snapshot;
-    };
-
+    // Asks for no memory: it runs where a node is destroyed.
     static void Abandon(std::unique_ptr<Snapshot> snapshot, const char* report) {
         ReportStillAcquired(report);
         snapshot->LoseNode();
-        KeepOrphan(std::make_unique<Orphan>(std::move(snapshot)));
+        KeepOrphan(std::move(snapshot));
     }
 
     std::vector<std::unique_ptr<Snapshot>> snapshots_;

@@ -6,7 +6,7 @@
 // Where a node is at one tick, read from and written to the host at each call. Once the host node
 // is gone, transforms read as the identity and writes do nothing.
 // The order of the fields is part of the contract.
-class CMAXNode::CMAXSnapshot final : public TVL::CoreNode::Snapshot {
+class CMAXNode::CMAXSnapshot final : public TVL::CoreNode::Snapshot, public OrphanedSnapshot {
   public:
     explicit CMAXSnapshot(CMAXNode& lender);
 

@@ -30,9 +30,22 @@ void DisownHold(UndoGroups& groups) {
 }
 
 struct ReleaseChunk {
-    void operator()(TVL::CUndo* chunk) const { chunk->Release(); }
+    void operator()(TVL::CUndo* chunk) const { EndChunk(chunk); }
 };
 using OwnedChunk = std::unique_ptr<TVL::CUndo, ReleaseChunk>;
+
+// The nest is done with the hold before that ends: what a cancel calls may open groups of its own.
+void EndHold(UndoGroups& groups, const std::string& name) {
+    const bool ownedHold = GroupsOwnHold();
+    DisownHold(groups);
+    const bool cancelled = std::exchange(groups.cancelRequested, false);
+    if (!ownedHold) return;
+    if (cancelled) {
+        theHold.Cancel();
+    } else {
+        theHold.Accept(name.c_str());
+    }
+}
 
 void WarnOfUnusualNest(const std::vector<std::string>& open, const std::string& name) {
     if (!TVL::Log::GetInstance()->IsLevelActive(TVL::Log::kNotice)) return;
@@ -69,16 +82,7 @@ std::int32_t EndUndoGroup() {
     groups.undoGroups.pop_back();
     if (!groups.undoGroups.empty()) return 0;
 
-    // The nest is over before the hold ends: what a cancel calls may open groups of its own.
-    const bool ownedHold = GroupsOwnHold();
-    DisownHold(groups);
-    const bool cancelled = std::exchange(groups.cancelRequested, false);
-    if (!ownedHold) return 0;
-    if (cancelled) {
-        theHold.Cancel();
-    } else {
-        theHold.Accept(name.c_str());
-    }
+    EndHold(groups, name);
     return 0;
 }
 
@@ -149,6 +153,18 @@ OutsideHold::~OutsideHold() {
     if (!closed || groups.nest != nest || groups.undoGroups.empty() || !CanBeginHold()) return;
     theHold.Begin();
     groups.ownsHold = owned;
+}
+
+void EndHoldOfGroups() {
+    UndoGroups& groups = OpenUndoGroups();
+    if (!groups.undoGroups.empty()) EndHold(groups, std::string(groups.undoGroups.front()));
+}
+
+void CancelHoldBegunSince(std::uint32_t nests) {
+    UndoGroups& groups = OpenUndoGroups();
+    if (groups.undoGroups.empty() || groups.nest <= nests) return;
+    groups.cancelRequested = true;
+    EndHoldOfGroups();
 }
 
 int CloseLeftUndoGroups() {

@@ -61,5 +61,11 @@ class OutsideHold {
     std::uint32_t nest;
 };
 
+// End the hold that the open groups began, if it is still theirs: as the last EndUndoGroup would,
+// or by a cancel if the nest is younger than the first `nests`. The names stay for their own
+// endings, which end nothing else.
+void EndHoldOfGroups();
+void CancelHoldBegunSince(std::uint32_t nests);
+
 // Ends a nest that a Core left open, keeping what was done in it; the number of its groups.
 int CloseLeftUndoGroups();

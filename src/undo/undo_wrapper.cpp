@@ -2,23 +2,28 @@
 
 #include <utility>
 
+#include "core_link/core_call.h"
 #include "undo/undo_groups.h"
 
 namespace {
 constinit CoreUndoWrapper* newestWithChunk = nullptr;
 }
 
+void EndChunk(TVL::CUndo* chunk) {
+    if (chunk) CallCore("Release of an undo chunk", [&] { chunk->Release(); });
+}
+
 CUndoWrapper::~CUndoWrapper() {
     NoteEndOfHold(*this);
-    if (chunk) chunk->Release();
+    EndChunk(chunk);
 }
 
 void CUndoWrapper::Restore(int isUndo) {
-    if (chunk) chunk->Undo(isUndo != 0);
+    if (chunk) CallCore("Undo of an undo chunk", [&] { chunk->Undo(isUndo != 0); });
 }
 
 void CUndoWrapper::Redo() {
-    if (chunk) chunk->Redo();
+    if (chunk) CallCore("Redo of an undo chunk", [&] { chunk->Redo(); });
 }
 
 void CUndoWrapper::EndHold() {
@@ -46,7 +51,7 @@ int ReleaseCoreChunks() {
     int released = 0;
     while (CoreUndoWrapper* const wrapper = newestWithChunk) {
         wrapper->LeaveList();
-        std::exchange(wrapper->chunk, nullptr)->Release();
+        EndChunk(std::exchange(wrapper->chunk, nullptr));
         ++released;
     }
     return released;

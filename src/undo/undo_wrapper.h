@@ -3,6 +3,9 @@
 #include "host/hold.h"
 #include "tvl/undo.h"
 
+// Releases a chunk; null is ignored.
+void EndChunk(TVL::CUndo* chunk);
+
 // Carries an undo chunk in the host's undo stream, and ends it when the host drops the record. The
 // undo groups learn from it that the hold it was put on is over.
 class CUndoWrapper : public RestoreObj {

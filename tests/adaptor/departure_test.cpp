@@ -2,7 +2,9 @@
 
 #include "adaptor/utility_manager.h"
 #include "headless/scene_view.h"
+#include "host/animate.h"
 #include "host/hold.h"
+#include "nodes/node_list.h"
 #include "support/world.h"
 
 namespace {
@@ -28,8 +30,12 @@ class Departure : public testing::TestWithParam<bool> {
 
 TEST_P(Departure, LeavesNothingThatCanCallIntoTheFreedLibrary) {
     AttachLitter();
-    EXPECT_TRUE(theHold.Holding());
-    EXPECT_FALSE(world.Session().AnimateButtonEnabled());
+    const bool isAttached = !GetParam();
+    EXPECT_EQ(theHold.Holding(), isAttached);
+    EXPECT_NE(world.Session().AnimateButtonEnabled(), isAttached);
+    EXPECT_EQ(TVL::Log::external, isAttached);
+    EXPECT_EQ(AdaptorNodes().nodes.size(), isAttached ? 1U : 0U);
+    EXPECT_TRUE(puppet::TheStage().isLoaded);
 
     UtilityManager::Get().DetachCore();
     EXPECT_FALSE(puppet::TheStage().isLoaded);
@@ -76,6 +82,25 @@ TEST_P(Departure, IsToldInTheTraceAndNotHeldAgainstTheNextCore) {
     }
     constexpr const char* kWarning = "left something behind";
     EXPECT_EQ(trace.find(kWarning), trace.rfind(kWarning)) << trace;
+}
+
+// What a Core has counted on once too often is not held against it, nor against the user.
+TEST(LeftCounts, GiveBackWhatWasTakenAndNoMore) {
+    World world;
+    world.Adaptor().RestoreFocus();
+    for (const bool once : {true, false}) {
+        world.Adaptor().BeginRecording({});
+        world.Adaptor().BeginRecordingUnkeyed({});
+        world.Adaptor().EndRecording();
+        EXPECT_TRUE(Animating());
+        if (!once) world.Adaptor().EndRecording();
+        UtilityManager::Get().DetachCore();
+        EXPECT_FALSE(Animating());
+        UtilityManager::Get().AttachCore();
+    }
+    world.ShutDown();
+    EXPECT_NE(world.Trace().find("\trecording: 1\n"), std::string::npos);
+    EXPECT_EQ(world.Trace().find("\tkeyboard focus"), std::string::npos);
 }
 
 INSTANTIATE_TEST_SUITE_P(AttachedAndRefused, Departure, testing::Bool());

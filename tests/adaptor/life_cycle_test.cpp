@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "adaptor/trace_file.h"
 #include "adaptor/utility_manager.h"
 #include "host/interface.h"
 #include "resources/resource_ids.h"
@@ -139,13 +140,28 @@ TEST(LifeCycle, ShuttingDownDestroysTheSingletonsTheAdaptorFirst) {
     EXPECT_TRUE(IsUnloaded());
     EXPECT_TRUE(
         std::filesystem::is_directory(world.Folder() / "Tarvo Works/Lumiset/data/adaptor_3dsmax9"));
-    EXPECT_FALSE(Holds(world.Trace(), "left something behind"));
+    const std::string trace = world.Trace();
+    EXPECT_FALSE(Holds(trace.substr(trace.rfind("Register Code")), "left something behind"));
 }
 
 TEST(LifeCycle, WithoutADocumentsFolderShutdownSaysSo) {
     World world({.hasDocuments = false});
     world.ShutDown();
     EXPECT_TRUE(Holds(world.Trace(), "(ERROR): \tUnable to find my documents path\n"));
+}
+
+// Its library can be gone by then.
+TEST(LifeCycle, TheEndOfTheModuleReadsNoLogOfTheCores) {
+    World world;
+    TVL::Log placed;
+    world.Adaptor().SetLog(&placed);
+    TVL::Log(TVL::Log::kError).Write("in the log of the Core");
+    EndTrace();
+    EXPECT_FALSE(Holds(world.Trace(), "in the log of the Core"));
+    world.Adaptor().ClearLog();
+    TVL::Log(TVL::Log::kError).Write("in our own");
+    EndTrace();
+    EXPECT_TRUE(Holds(world.Trace(), "in our own"));
 }
 
 }  // namespace

@@ -163,6 +163,107 @@ TEST_F(SceneEvents, TheStateSurvivesDetachSaveOpenAndAttach) {
     EXPECT_EQ(Taken().back(), kTags);
 }
 
+// Whatever becomes of the hold around it.
+TEST_F(SceneEvents, TheStateOutlivesEveryHoldThatADetachOrAnAttachIsIn) {
+    const AttachPanel panel;
+    ClaimWhenLoading();
+    struct Row {
+        const char* around;
+        std::function<void(const std::function<void()>& press)> act;
+    };
+    const Row rows[] = {
+        {"a nest of its own that is cancelled",
+         [&](const auto& press) {
+             adaptor.BeginUndoGroup("outer");
+             adaptor.BeginUndoGroup("inner");
+             adaptor.CancelUndoGroup();
+             press();
+         }},
+        {"a hold of the host's that is cancelled",
+         [](const auto& press) {
+             theHold.Begin();
+             press();
+             theHold.Cancel();
+         }},
+        {"a step that is undone and done again",
+         [&](const auto& press) {
+             theHold.Begin();
+             press();
+             theHold.Accept("step");
+             EXPECT_TRUE(world.Session().Undo());
+             EXPECT_TRUE(world.Session().Redo());
+         }},
+        {"a deletion that is undone",
+         [&](const auto& press) {
+             rig.onDeletion = press;
+             world.Session().Select({"Rig_Hip"});
+             world.Session().DeleteSelected();
+             rig.onDeletion = nullptr;
+             EXPECT_TRUE(world.Session().Undo());
+         }},
+    };
+    const auto press = [&] { panel.Press(); };
+    Helper(rig, "Hip");
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.around);
+        row.act(press);
+        EXPECT_FALSE(AttachedCore());
+        EXPECT_EQ(HipTag(), kHipTag);
+        Taken();
+        panel.Press();
+        EXPECT_EQ(Taken().back(), kTags);
+        EXPECT_EQ(adaptor.GetNodes(&rig).size(), 1U);
+    }
+
+    // And a tag that was taken up stays empty.
+    panel.Press();
+    rows[1].act(press);
+    EXPECT_TRUE(AttachedCore());
+    EXPECT_EQ(HipTag(), "");
+
+    // The node that is deleted takes nothing of the others with it.
+    Helper(rig, "Knee");
+    rig.onDeletion = press;
+    world.Session().Select({"Rig_Hip"});
+    world.Session().DeleteSelected();
+    rig.onDeletion = nullptr;
+    EXPECT_EQ(headless::FindNode("Rig_Hip"), nullptr);
+    Taken();
+    panel.Press();
+    EXPECT_EQ(Taken().back(), kTags);
+}
+
+TEST_F(SceneEvents, NothingIsTakenUpByACoreThatIsLeaving) {
+    const AttachPanel panel;
+    Helper(rig, "Hip");
+    Taken();
+    world.Core().onLeave = [&] {
+        panel.Press();
+        Saved();
+        world.Session().Announce(NOTIFY_FILE_POST_MERGE);
+    };
+    panel.Press();
+    world.Core().onLeave = nullptr;
+    EXPECT_FALSE(AttachedCore());
+    EXPECT_EQ(puppet::TheStage().attachCount, 1);
+    EXPECT_EQ(HipTag(), kHipTag);
+    EXPECT_EQ(Taken(), Calls{"get state"});
+}
+
+TEST_F(SceneEvents, ACopyMadeDuringASaveKeepsNoTag) {
+    TVL::CoreNode* const hip = Helper(rig, "Hip");
+    SceneNode("Merged", Tag("Rig", "Pending"));
+    TVL::CoreNode* copy = nullptr;
+    world.Core().onCall = [&](const std::string& call) {
+        if (call == "get state") copy = hip->Clone(false);
+    };
+    Saved();
+    ASSERT_NE(copy, nullptr);
+    EXPECT_EQ(TagOf(headless::FindNode(copy->GetName())), "");
+    EXPECT_EQ(TagOf(headless::FindNode("Merged")), Tag("Rig", "Pending"));
+    copy->Destroy();
+}
+
 TEST_F(SceneEvents, AFileOpenedInTheMiddleOfARecordingEndsItSafely) {
     TVL::CoreNode* hip = Helper(rig, "Hip");
     const std::string path = Saved();

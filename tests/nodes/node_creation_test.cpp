@@ -87,6 +87,37 @@ TEST_F(NodeCreation, TellsTheListenerInsideAGroupAlone) {
     EXPECT_EQ(listener.heard, (Heard{"+Knee", "+Cam"}));
 }
 
+// While the Core is asked for its option.
+TEST_F(NodeCreation, OutlivesItsParent) {
+    for (const bool withHostNode : {true, false}) {
+        Node* parent = Helper("Parent");
+        world.Core().onOptionAsked = [&](int) {
+            if (!parent) return;
+            withHostNode ? parent->Delete(true) : parent->Destroy();
+            parent = nullptr;
+        };
+        Node* const child = withHostNode ? Helper("Child", parent) : Camera("Child", parent);
+        world.Core().onOptionAsked = nullptr;
+        INode* const above = Host("Rig_Child")->GetParentNode();
+        EXPECT_EQ(above, withHostNode ? GetCOREInterface()->GetRootNode() : Host("Rig_Parent"));
+        child->Delete(true);
+    }
+}
+
+TEST_F(NodeCreation, IsTakenBackAsAWholeIfTheListenerEndsTheNodeAtOnce) {
+    listener.onRestored = [&](TVL::CNode* node) {
+        if (listener.heard.size() == 1) Core(node)->Delete(true);
+    };
+    InGroup("Make", [&] { EXPECT_NE(Helper("Hip"), nullptr); });
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_TRUE(Listed().empty());
+        EXPECT_EQ(Host("Rig_Hip"), nullptr);
+        ASSERT_TRUE(world.Session().Undo());
+        EXPECT_TRUE(Listed().empty());
+        ASSERT_TRUE(world.Session().Redo());
+    }
+}
+
 TEST_F(NodeCreation, TakesAnOwnerWithoutAPluginRecord) {
     Plugin nameless("");
     nameless.plugin = nullptr;

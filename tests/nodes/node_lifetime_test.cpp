@@ -2,6 +2,7 @@
 #include "nodes/node_list.h"
 #include "nodes/node_sweep.h"
 #include "nodes/node_test.h"
+#include "support/allocations.h"
 
 namespace {
 
@@ -31,6 +32,19 @@ TEST_F(NodeLifetime, LeavesASnapshotThatIsOutWithoutANode) {
     knee->ReleaseSnapshot(out);
     knee->ReleaseHelperSnapshot(look);
     EXPECT_EQ(SweepNodes().snapshots, 2);
+}
+
+TEST_F(NodeLifetime, EndsWithoutMemory) {
+    bool hasFailed = true;
+    for (std::size_t nth = 1; hasFailed; ++nth) {
+        Node* const hip = Helper("Hip");
+        TVL::CSnapshot* const out = hip->AcquireSnapshot(2);
+        const FailingAllocation failing(nth);
+        hip->Destroy();
+        hasFailed = failing.HasFailed();
+        EXPECT_TRUE(Listed().empty());
+        EXPECT_EQ(out->GetTime(), 2);
+    }
 }
 
 TEST_F(NodeLifetime, LosesTheHostNodeUnderASnapshotThatIsOut) {

@@ -42,6 +42,11 @@ void PuppetCore::NotifyTimeChanged(double seconds) {
     Note(text.str());
 }
 
+bool PuppetCore::IsCoreRunning() {
+    if (onRunningAsked) onRunningAsked();
+    return isRunning;
+}
+
 void PuppetCore::StopCore() {
     isRunning = false;
     Note("stop");

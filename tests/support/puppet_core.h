@@ -18,7 +18,7 @@ class PuppetCore final : public CoreInterface {
     void ResetCore() override;
     void ShowCore(TVL::WindowHandle mainWindow) override;
     void NotifyTimeChanged(double seconds) override;
-    bool IsCoreRunning() override { return isRunning; }
+    bool IsCoreRunning() override;
     void StopCore() override;
     TVL::Util::MessageNode* GetOptionNode(int option, int unused) override;
     void BindOption(int option, int unused) override;
@@ -40,6 +40,7 @@ class PuppetCore final : public CoreInterface {
     TVL::WindowHandle shownIn = nullptr;
     std::function<void(const std::string&)> onCall;  // in the middle of a call
     std::function<void(int)> onOptionAsked;
+    std::function<void()> onRunningAsked;
     std::function<void()> onLeave;
 
   private:

@@ -6,7 +6,9 @@
 #include <string>
 #include <unordered_set>
 #include <utility>
+#include <vector>
 
+#include "core_link/core_call.h"
 #include "core_link/core_link.h"
 #include "nodes/max_node.h"
 #include "nodes/node_list.h"
@@ -84,12 +86,26 @@ Handles ClaimedHandles() {
     return handles;
 }
 
-std::string UnclaimedNames(const TaggedNodeList& taggedNodes) {
+std::vector<INode*> UnclaimedNodes(const TaggedNodeList& taggedNodes) {
     const Handles claimed = ClaimedHandles();
-    std::string names;
+    std::vector<INode*> unclaimed;
     for (const auto& node : taggedNodes.Nodes()) {
         INode* const host = node->hostNode.Get();
-        if (!host || claimed.contains(host->GetHandle())) continue;
+        if (host && !claimed.contains(host->GetHandle())) unclaimed.push_back(host);
+    }
+    return unclaimed;
+}
+
+Handles UnclaimedHandles(const TaggedNodeList& taggedNodes) {
+    Handles handles;
+    for (INode* host : UnclaimedNodes(taggedNodes))
+        handles.insert(host->GetHandle());
+    return handles;
+}
+
+std::string UnclaimedNames(const TaggedNodeList& taggedNodes) {
+    std::string names;
+    for (INode* host : UnclaimedNodes(taggedNodes)) {
         const char* const name = host->GetName();
         names.append(name ? name : "").append("\n");
     }
@@ -103,19 +119,23 @@ void ReportUnclaimed(const TaggedNodeList& taggedNodes) {
     MessageBoxA(nullptr, (kNeverClaimed + names).c_str(), kCaption, MB_OK | MB_ICONERROR);
 }
 
-void ClearTags(const TaggedNodeList& taggedNodes) {
+void ClearTags(const TaggedNodeList& taggedNodes, const Handles& kept) {
     for (const auto& node : taggedNodes.Nodes()) {
-        if (INode* const host = node->hostNode.Get()) ClearNodeTag(*host);
+        INode* const host = node->hostNode.Get();
+        if (host && !kept.contains(host->GetHandle())) ClearNodeTag(*host);
     }
 }
 
 }  // namespace
 
+// A Core that could not load has not taken what it left unclaimed: the tags stay, for the next
+// gathering or in the next file.
 void GatherSceneState() {
     CoreInterface* const core = AttachedCore();
-    if (!core) return;
+    if (!core || IsCoreLeaving()) return;
     RunningGathering gathering;
-    core->SetCoreState(StateTree(CollectNodeTags(gathering.List())));
+    const XMLNode state = StateTree(CollectNodeTags(gathering.List()));
+    const bool isTaken = CallCore("SetCoreState", [&] { core->SetCoreState(state); });
     ReportUnclaimed(gathering.List());
-    ClearTags(gathering.List());
+    ClearTags(gathering.List(), isTaken ? Handles() : UnclaimedHandles(gathering.List()));
 }

@@ -1,11 +1,25 @@
 #include "persistence/scene/node_tags.h"
 
 #include <cstddef>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
+#include "core_link/core_call.h"
+#include "core_link/core_link.h"
+#include "host/hold.h"
+#include "nodes/host_node_link.h"
 #include "nodes/max_node.h"
 #include "nodes/node_list.h"
+#include "persistence/scene/scene_walk.h"
+#include "persistence/scene/state_chunk.h"
 #include "persistence/scene/state_format.h"
+#include "persistence/scene/tagged_nodes.h"
+#include "undo/undo_groups.h"
 
 namespace {
 
@@ -35,7 +49,9 @@ bool AskNewOwners(OwnerStates& states) {
         if (!isNew) continue;
         isAnyNew = true;
         XMLNode parts = Element("masternodes");
-        owner->HandleExtension(kSavingExtension, &parts);
+        if (!CallCore("extension 56 of an owner",
+                      [&] { owner->HandleExtension(kSavingExtension, &parts); }))
+            RecordOfState().isTagLost = true;
         entry->second.parts.Swap(parts);
     }
     return isAnyNew;
@@ -50,38 +66,111 @@ OwnerStates AskOwners() {
     return states;
 }
 
-XMLNode TagOf(const CMAXNode& node, OwnerState& state) {
-    const TVL::PluginRecord* const plugin = node.Owner()->plugin;
+enum class Carrier { kFirstNode, kEachNode };
+
+XMLNode TagOf(const CMAXNode& node, OwnerState& state, Carrier carrier) {
     XMLNode tag = Element(kNodeTag);
-    tag.AddChild(XMLNode(kNameElement, plugin ? plugin->name : std::string()));
+    tag.AddChild(XMLNode(kNameElement, PluginNameOf(node.Owner())));
     tag.AddChild(XMLNode(kObjectNameElement, node.NodeName()));
-    if (state.isWritten) return tag;
-    state.isWritten = true;
+    const bool wasWritten = std::exchange(state.isWritten, true);
+    if (wasWritten && carrier == Carrier::kFirstNode) return tag;
     for (const auto& part : state.parts.children)
         tag.AddChild(*part);
     return tag;
 }
 
-}  // namespace
+// The tag that a node bears, across an undo, redo or cancel of the step in which it was written.
+class TagAcrossUndo {
+  public:
+    explicit TagAcrossUndo(INode& host) : host_(&host) {}
+
+    // Runs before the host's own record of the property, and after it.
+    void Pass() {
+        INode* const host = host_.Get();
+        const std::optional<std::string> before = std::exchange(text_, std::nullopt);
+        if (std::exchange(isHeld_, !isHeld_)) {
+            if (host && before) host->SetUserPropString(kNodeTag, *before);
+        } else if (host) {
+            text_ = TagTextOn(*host);
+        }
+    }
+
+  private:
+    HostNodeLink host_;
+    bool isHeld_ = false;
+    std::optional<std::string> text_;
+};
+
+// One stands on each side of the host's record.
+class TagRestore final : public RestoreObj {
+  public:
+    explicit TagRestore(std::shared_ptr<TagAcrossUndo> tag) : tag_(std::move(tag)) {}
+    void Restore(int) override { tag_->Pass(); }
+    void Redo() override { tag_->Pass(); }
+
+  private:
+    std::shared_ptr<TagAcrossUndo> tag_;
+};
+
+void SetNodeTag(INode& host, const std::string& text) {
+    if (!theHold.Holding() || theHold.RestoreOrRedoing()) {
+        host.SetUserPropString(kNodeTag, text);
+        return;
+    }
+    const auto tag = std::make_shared<TagAcrossUndo>(host);
+    theHold.Put(new TagRestore(tag));
+    host.SetUserPropString(kNodeTag, text);
+    theHold.Put(new TagRestore(tag));
+}
 
 // All owners answer before the first tag is written, so that whatever they do meanwhile meets no
 // scene with half of its tags.
-void StoreSceneState() {
+void Store(Carrier carrier) {
     OwnerStates states = AskOwners();
     for (CMAXNode* node : AdaptorNodes().nodes) {
         if (!CarriesTag(*node)) continue;
         const auto state = states.find(node->Owner());
         if (state == states.end() || state->second.parts.children.empty()) continue;
-        node->HostNode()->SetUserPropString(kNodeTag, TagOf(*node, state->second).Write());
+        SetNodeTag(*node->HostNode(), TagOf(*node, state->second, carrier).Write());
     }
+}
+
+// A copy that was made of a tagged node is none of the Core's, and its tag is a double. To be
+// called when the real nodes have no tags any more.
+void ClearCopiedTags() {
+    std::vector<INode*> tagged;
+    WalkScene([&](INode& node) {
+        if (!TagTextOn(node).value_or("").empty()) tagged.push_back(&node);
+    });
+    if (tagged.empty()) return;
+    std::set<std::pair<std::string, std::string>> written;
+    for (const CMAXNode* node : AdaptorNodes().nodes)
+        written.emplace(PluginNameOf(node->Owner()), node->NodeName());
+    for (INode* node : tagged) {
+        const XMLNode tag(*TagTextOn(*node));
+        const std::pair names{tag.Child(kNameElement).Text(), tag.Child(kObjectNameElement).Text()};
+        if (written.contains(names)) ClearNodeTag(*node);
+    }
+}
+
+}  // namespace
+
+void StoreSceneState() {
+    Store(Carrier::kFirstNode);
+}
+
+void StoreStateForNextCore() {
+    EndHoldOfGroups();
+    Store(theHold.Holding() ? Carrier::kEachNode : Carrier::kFirstNode);
 }
 
 void ClearNodeTags() {
     for (const CMAXNode* node : AdaptorNodes().nodes) {
         if (INode* const host = node->HostNode()) ClearNodeTag(*host);
     }
+    ClearCopiedTags();
 }
 
 void ClearNodeTag(INode& hostNode) {
-    hostNode.SetUserPropString(kNodeTag, "");
+    SetNodeTag(hostNode, "");
 }

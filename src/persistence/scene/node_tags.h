@@ -3,14 +3,21 @@
 #include "host/node.h"
 
 // The Core's state beside the scene, on the nodes themselves, so that it travels with them into
-// other scenes. Both are for the moment at which a Core is attached.
+// other scenes. Tags are no part of what the user does: undo, redo and the cancel of a hold leave
+// them as they find them. All of this is for the moment at which a Core is attached.
 
 // Writes a tag on the host node of each real node whose owner has state to store: names of plug-in
 // and node and, on the first node of each owner, the owner's state. The other nodes keep the
 // property that they had.
 void StoreSceneState();
 
-// Empties the tag of each real node; the live scene keeps none.
+// The same for a Core that leaves, whose state has nowhere else to be. The hold that its groups
+// began ends first. Under a hold of somebody else's, who may cancel it, every node of an owner
+// bears the owner's state: which of them will be there then nobody knows.
+void StoreStateForNextCore();
+
+// Empties the tag of each real node, and of what was copied from one since; the live scene keeps
+// none.
 void ClearNodeTags();
 
 void ClearNodeTag(INode& hostNode);

@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <string>
 
+#include "core_link/core_call.h"
 #include "core_link/core_link.h"
+#include "nodes/node_list.h"
 #include "persistence/scene/older_state.h"
 #include "persistence/scene/state_format.h"
 #include "tvl/log.h"
@@ -16,17 +18,32 @@ bool isStateUnread = false;
 constexpr const char* kUnread =
     "Saving while state stored in the scene has never been read: it was opened without a CORE";
 
-// The Core may detach in the middle of the loading.
-void HandToCore(const XMLNode& state) {
-    if (CoreInterface* const core = AttachedCore()) core->SetCoreState(state);
+// False if the Core could not take it. It may detach in the middle of the loading.
+bool HandToCore(const XMLNode& state) {
+    CoreInterface* const core = AttachedCore();
+    return !core || CallCore("SetCoreState", [&] { core->SetCoreState(state); });
 }
 
-IOResult LoadStateChunk(ILoad& load) {
+IOResult LoadStateChunk(ILoad& load, bool& isTaken) {
     char* text = nullptr;
     const IOResult result = load.ReadCStringChunk(&text);
     if (result != IO_OK) return result;
-    HandToCore(XMLNode(text ? text : ""));
+    const XMLNode state(text ? text : "");
+    if (!state.children.empty()) RecordOfState().hadState = true;
+    if (!HandToCore(state)) isTaken = false;
     return IO_OK;
+}
+
+void Refuse(const char* reason) {
+    TVL::Log("The scene is not saved", TVL::Log::kError).Write(reason);
+}
+
+// A Core may store all that it has on its nodes, but it does not change to that in a scene.
+void NoteState(bool isThere) {
+    StateRecord& record = RecordOfState();
+    if (!isThere && record.hadState && !AdaptorNodes().nodes.empty())
+        TVL::Log(TVL::Log::kWarning).Write("CORE has nodes, and its state is suddenly empty");
+    record.hadState = isThere;
 }
 
 }  // namespace
@@ -34,8 +51,17 @@ IOResult LoadStateChunk(ILoad& load) {
 IOResult SaveState(ISave& save) {
     CoreInterface* const core = AttachedCore();
     if (!core) return IO_OK;
-    const XMLNode state = core->GetCoreState();
     if (isStateUnread) TVL::Log(TVL::Log::kWarning).Write(kUnread);
+    if (RecordOfState().isTagLost) {
+        Refuse("an owner of nodes could not give its state");
+        return IO_ERROR;
+    }
+    XMLNode state;
+    if (!CallCore("GetCoreState", [&] { state = core->GetCoreState(); })) {
+        Refuse("the CORE could not give its state");
+        return IO_ERROR;
+    }
+    NoteState(!state.children.empty());
     if (state.children.empty()) return IO_OK;
     save.BeginChunk(kStateChunk);
     save.WriteCString(state.Write("\n", "\t").c_str());
@@ -46,19 +72,20 @@ IOResult SaveState(ISave& save) {
 IOResult LoadState(ILoad& load) {
     isStateUnread = !AttachedCore();
     if (isStateUnread) return IO_OK;
+    bool isTaken = true;
     XMLNode olderPlugins = Element(kStateElement);
     while (load.OpenChunk() == IO_OK) {
         const std::uint16_t id = load.CurChunkID();
         if (id == kOlderStateChunk) {
             olderPlugins.AddChild(ReadOlderState(load));
         } else if (id == kStateChunk) {
-            const IOResult result = LoadStateChunk(load);
+            const IOResult result = LoadStateChunk(load, isTaken);
             if (result != IO_OK) return result;
         }
         load.CloseChunk();
     }
-    HandToCore(olderPlugins);
-    return IO_OK;
+    if (!HandToCore(olderPlugins)) isTaken = false;
+    return isTaken ? IO_OK : IO_ERROR;
 }
 
 void LeaveStoredState() {

@@ -5,11 +5,23 @@
 // The Core's state as a whole, in a chunk of the global utility. Without a Core, or where the Core
 // has nothing to store, nothing is written; without a Core nothing is read.
 
+// What is known of the state of the Core and the scene that are there now.
+struct StateRecord {
+    bool isTagLost = false;  // an owner could not give its state when the save was announced
+    bool hadState = false;   // the Core gave a whole state, or was given one
+};
+
+// The adaptor's.
+StateRecord& RecordOfState();
+
+// Fails where the Core could not give its state, here or for the tags: a scene file without it
+// would take the place of one that has it.
 IOResult SaveState(ISave& save);
 
 // Each state chunk goes to the Core as it comes, and the plug-ins of older chunks at the end, in
-// one element, also if there are none. A state chunk that cannot be read ends the loading at once,
-// with the reader inside it.
+// one element, also if there are none. What the Core could not take makes the loading fail, when
+// all has been handed over, so that the host keeps it. A state chunk that cannot be read ends the
+// loading at once, with the reader inside it.
 IOResult LoadState(ILoad& load);
 
 // The scene is left. Until then a save by a Core that came too late for the state stored in it says

@@ -18,6 +18,6 @@ void InitControlsOnce(HINSTANCE module) {
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
     SetModuleInstance(module);
     InitControlsOnce(module);
-    if (reason == DLL_PROCESS_DETACH) WriteTrace();
+    if (reason == DLL_PROCESS_DETACH) EndTrace();
     return TRUE;
 }

@@ -4,5 +4,6 @@
 MODULE_ROUTINE std::uint32_t getVersion();
 
 std::uint32_t getVersion() {
+    if (puppet::TheStage().onVersion) puppet::TheStage().onVersion();
     return puppet::TheStage().version;
 }
