@@ -78,6 +78,7 @@ TEST_F(NodesPreDelete, IsOneStepOfTheUsersWhateverTheCoreDoesToItsGroup) {
             world.Session().DeleteSelected();
             EXPECT_FALSE(theHold.Holding());
             EXPECT_EQ(headless::Nodes().size(), 2U);
+            ASSERT_FALSE(world.Session().UndoLabels().empty());
             EXPECT_EQ(world.Session().UndoLabels().front(), "Delete");
             ASSERT_TRUE(world.Session().Undo());
             EXPECT_EQ(headless::Nodes().size(), isCancelled ? 4U : 5U);

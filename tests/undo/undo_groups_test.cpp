@@ -201,7 +201,7 @@ TEST_F(UndoGroupsTest, OwnershipGoesWithTheHold) {
                 EXPECT_EQ(adaptor.EndUndoGroup(), 0);
                 EXPECT_EQ(isCancelled ? adaptor.CancelUndoGroup() : adaptor.EndUndoGroup(), 0);
                 EXPECT_NE(adaptor.EndUndoGroup(), 0);
-                EXPECT_TRUE(theHold.Holding());
+                ASSERT_TRUE(theHold.Holding());
                 EXPECT_TRUE(TakeHeard().empty());
                 theHold.Accept("other");
                 EXPECT_EQ(world.Session().UndoLabels().front(), "other");
