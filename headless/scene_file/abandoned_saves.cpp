@@ -45,11 +45,19 @@ bool HasHeader(ByteSource& source) {
            FromLittleEndian(&header[magic.size()], sizeof kSceneVersion) == kSceneVersion;
 }
 
-// What cannot be read, or is of another version, is not for this program to judge.
+bool IsPicture(ByteSource& source) {
+    constexpr std::string_view kPng = "\x89PNG";
+    std::array<std::byte, kPng.size()> head;
+    const auto png = std::as_bytes(std::span(kPng));
+    return source.ReadAt(0, head) == head.size() && std::ranges::equal(head, png);
+}
+
+// Or a picture, which can be drawn again. What cannot be read, or is of another version, is not for
+// this program to judge.
 bool IsCut(const std::string& path) {
     FileSource source(path);
     if (!source.IsOpen()) return false;
-    if (source.Size() == 0) return true;
+    if (source.Size() == 0 || IsPicture(source)) return true;
     if (!HasHeader(source)) return false;
     if (source.Size() < kSceneHeaderBytes + kEndChunkBytes) return true;
     std::array<std::byte, kChunkHeaderBytes> head;
