@@ -3,6 +3,7 @@
 #include "adaptor/panel.h"
 #include "adaptor/trace_file.h"
 #include "adaptor/utility_manager.h"
+#include "foundation/thrown.h"
 #include "tvl/log.h"
 #include "tvl/singleton.h"
 
@@ -23,7 +24,9 @@ void MakeDataFolder() {
 void UtilityManager::ShutDownAdaptor() {
     const TVL::Log scope("Shutting down adaptor", TVL::Log::kNotice);
     DetachCore();
-    MakeDataFolder();
+    // The shutdown goes on without the folder.
+    if (const auto thrown = TVL::ThrownBy(&MakeDataFolder))
+        TVL::TraceThrown("MakeDataFolder", *thrown);
     WriteTrace();
     TVL::Util::SingletonCollector::GetInstance()->DestroyAll();
     RestartTrace();
