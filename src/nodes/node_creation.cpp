@@ -1,6 +1,7 @@
 #include "nodes/node_creation.h"
 
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "controllers/scalar_control.h"
@@ -22,8 +23,12 @@ namespace {
 
 constexpr std::uint32_t kRed = 255;
 
-bool WantsOwnControllers() {
-    return CoreOption(OptimizedTransformOption, true);
+// Nothing: the Core that asks for a node has left while it was asked for its option, and with it
+// the node's owner.
+std::optional<bool> WantsOwnControllers() {
+    const CoreInterface* const asking = AttachedCore();
+    const bool wants = CoreOption(OptimizedTransformOption, true);
+    return AttachedCore() == asking ? std::optional(wants) : std::nullopt;
 }
 
 Control* NewControl(SClass_ID superClass, Class_ID classId) {
@@ -80,7 +85,8 @@ INode* NewHostNode(Object* object) {
 TVL::CNode* CreateLensNode(TVL::CoreElement* owner, const std::string& name, TVL::CNode* parent,
                            TVL::NodeListener* listener) {
     const HostNodeLink parentLink = LinkTo(parent);
-    const bool ownControllers = WantsOwnControllers();
+    const std::optional<bool> ownControllers = WantsOwnControllers();
+    if (!ownControllers) return nullptr;
     CameraObject* const camera = GetCOREInterface()->CreateCameraObject(0);
     if (!camera) return nullptr;
     camera->SetConeState(1);
@@ -90,7 +96,7 @@ TVL::CNode* CreateLensNode(TVL::CoreElement* owner, const std::string& name, TVL
     if (!host) return nullptr;
     const NodeWatch node(new CMAXNode(owner, name, parentLink.Get(), host));
     node.Get()->SetListener(listener);
-    if (ownControllers) {
+    if (*ownControllers) {
         PutTransformControl(*host);
         PutScalarControls(*camera);
     }
@@ -105,7 +111,8 @@ TVL::CNode* CreateHelperNode(TVL::CoreElement* owner, const std::string& name, T
     log.WriteValue("meshname", name);
     log.WriteValue("parent", parent ? parent->GetNodeName() : std::string("(NULL)"));
     const HostNodeLink parentLink = LinkTo(parent);
-    const bool ownControllers = WantsOwnControllers();
+    const std::optional<bool> ownControllers = WantsOwnControllers();
+    if (!ownControllers) return nullptr;
     TriObject* const object = CreateNewTriObject();
     if (!object) {
         log.Write("Unable to create 3ds max mesh object", TVL::Log::kError);
@@ -121,7 +128,7 @@ TVL::CNode* CreateHelperNode(TVL::CoreElement* owner, const std::string& name, T
     host->SetWireColor(kRed);
     CMAXNode::CMAXSnapshot_Helper(object).SetMesh(mesh);
     node.Get()->SetListener(listener);
-    if (ownControllers) PutTransformControl(*host);
+    if (*ownControllers) PutTransformControl(*host);
     RecordCreation(node.Get());
     if (node.Get()) node.Get()->SetName(HostNameOf(owner, name));
     return node.Get();

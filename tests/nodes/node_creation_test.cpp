@@ -1,3 +1,4 @@
+#include "adaptor/utility_manager.h"
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
 #include "host/interface.h"
@@ -101,6 +102,16 @@ TEST_F(NodeCreation, OutlivesItsParent) {
         INode* const above = Host("Rig_Child")->GetParentNode();
         EXPECT_EQ(above, withHostNode ? GetCOREInterface()->GetRootNode() : Host("Rig_Parent"));
         child->Delete(true);
+    }
+}
+
+TEST_F(NodeCreation, MakesNothingForACoreThatLeavesMeanwhile) {
+    for (const bool isCamera : {true, false}) {
+        world.Core().onOptionAsked = [](int) { UtilityManager::Get().DetachCore(); };
+        EXPECT_EQ(isCamera ? Camera("Late") : Helper("Late"), nullptr);
+        EXPECT_EQ(Host("Rig_Late"), nullptr);
+        EXPECT_TRUE(Listed().empty());
+        UtilityManager::Get().AttachCore();
     }
 }
 
