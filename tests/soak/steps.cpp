@@ -143,7 +143,8 @@ void SaveAndOpen(Soak& soak) {
     if (theHold.Holding() || HasDoubles(soak)) return;
     const bool isPlain = !soak.armed;
     const std::string file = (soak.play.world.Folder() / "a.scene").string();
-    if (!soak.play.Session().SaveScene(file).error.empty()) return soak.Fail("a save was refused");
+    if (!soak.play.Session().SaveScene(file).error.empty())
+        return soak.Fail(isPlain ? "a save was refused" : "");
     const Look saved = soak.Present();
     if (!soak.play.Session().OpenScene(file).error.empty()) return soak.Fail("no scene opened");
     const Look opened = soak.Present();

@@ -76,7 +76,10 @@ void Play::Hear(const std::string& moment) {
 }
 
 void Play::Meet(const std::string& moment) {
-    if (onMoment && !isGone_) onMoment(moment);
+    if (!onMoment || isGone_) return;
+    if (moment == "released") sceneGoes_ = true;  // it may be why
+    onMoment(moment);
+    if (moment == "released") sceneGoes_ = false;
 }
 
 // The puppet's words are its calls, some with what was given behind them.
