@@ -60,7 +60,7 @@ Play::Play() : rigs{{{"Left", world}, {"Right", world}}} {
 
 Play::~Play() {
     onMoment = nullptr;
-    Settle();
+    if (world.IsUp()) Settle();
     world.ShutDown();
     EXPECT_EQ(chunksAlive, 0);
     for (const std::string& fault : noted_)
@@ -104,6 +104,7 @@ void Play::Answer(const std::string& call) {
 // A name that is taken, as when a scene is merged into itself, gives way to a new one. Claims leave
 // no record.
 void Play::Load(const XMLNode& state) {
+    if (state.name == "play") value = std::stoi(state.Child("value").Text());
     for (Rig& rig : rigs) {
         const auto nameFor = [&](const std::string& stored) {
             const std::string name = Adaptor().FindNode(&rig, stored) ? NewName() : stored;
