@@ -50,8 +50,10 @@ std::uint64_t MakeScene(Play& play) {
     play.Session().SaveScene(File(play, "a.scene"));
     play.Session().SaveScene(File(play, "b.scene"));
     play.Session().Select({headless::Nodes().front().name});
-    Do(play,
-       {"flush", "begin group", "create helper", "write", "add chunk", "delete", "end group"});
+    Do(play, {"flush"});
+    const std::uint64_t digest = headless::SceneDigest();
+    Do(play, {"begin group", "create helper", "write", "add chunk", "delete", "end group"});
+    return digest;
 }
 
 // What is open when the event comes.
