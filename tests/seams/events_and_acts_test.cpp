@@ -10,6 +10,7 @@
 
 #include "adaptor/attach_panel.h"
 #include "headless/scene_view.h"
+#include "host/hold.h"
 #include "host/notify.h"
 #include "support/play/play.h"
 
@@ -153,12 +154,17 @@ struct Plan {
     const Act* second;
 };
 
+// What is done in no hold, or loses the steps before, undo cannot take back.
+void DoInside(Play& play, const Act& act) {
+    if (!theHold.Holding() || &act == &Named("flush")) play.leftNoRecord = true;
+    play.Do(act);
+}
+
 void Follow(Play& play, const Plan& plan) {
     play.onMoment = [&play, plan = Plan(plan), met = std::size_t{0}](const std::string&) mutable {
         if (met++ < plan.moment) return;
-        const Act* const act = std::exchange(plan.first, nullptr);
-        if (act) play.Do(*act);
-        if (const Act* const next = std::exchange(plan.second, nullptr)) play.Do(*next);
+        if (const Act* const act = std::exchange(plan.first, nullptr)) DoInside(play, *act);
+        if (const Act* const next = std::exchange(plan.second, nullptr)) DoInside(play, *next);
     };
 }
 
