@@ -51,7 +51,10 @@ std::uint64_t MakeScene(Play& play) {
     Do(play, {"create helper", "end group"});
     play.Session().SaveScene(File(play, "a.scene"));
     std::filesystem::copy_file(File(play, "a.scene"), File(play, "b.scene"));
-    play.Session().Select({headless::Nodes().front().name});
+    std::vector<std::string> names;
+    for (const headless::NodeView& node : headless::Nodes())
+        names.push_back(node.name);
+    play.Session().Select(names);
     Do(play, {"flush"});
     const std::uint64_t digest = headless::SceneDigest();
     Do(play, {"begin group", "create helper", "write", "add chunk", "delete", "end group"});
@@ -74,14 +77,6 @@ constexpr Situation kSituations[] = {
 
 // Events ---------------------------------------------------------------------------------------
 
-void DeleteByUser(Play& play) {
-    std::vector<std::string> names;
-    for (const headless::NodeView& node : headless::Nodes())
-        names.push_back(node.name);
-    play.Session().Select(names);
-    play.Session().DeleteSelected();
-}
-
 void AnnounceOtherFile(Play& play) {
     int adding = 1;
     play.Session().Announce(NOTIFY_FILE_PRE_OPEN, &adding);
@@ -102,7 +97,7 @@ constexpr Event kEvents[] = {
     {"TimeMoves", [](Play& play) { play.Session().SetTime(480); }},
     {"StartPressed", [](Play& play) { play.Session().PressButton(StartButton); }},
     {"ConvertAllPressed", PressConvertAll},
-    {"UserDeletes", DeleteByUser},
+    {"UserDeletes", [](Play& play) { play.Session().DeleteSelected(); }},
     {"Undo", [](Play& play) { play.Session().Undo(); }},
     {"UndoAndRedo",
      [](Play& play) {
