@@ -24,6 +24,8 @@ void ListNode(CMAXNode* node) {
 
 void UnlistNode(CMAXNode* node) {
     if (!IsListed(node)) return;
+    const auto clear = AdaptorNodes().clearHostNode;
+    if (INode* const host = clear ? node->HostNode() : nullptr) clear(*host);
     std::erase(AdaptorNodes().nodes, node);
     const auto sameHost = AdaptorNodes().byHost.find(node->HostLink().Pointer());
     std::erase(sameHost->second, node);

@@ -16,6 +16,10 @@ struct NodeList {
     // The same nodes by the pointers to what they stand for, in the same order, so that a Core can
     // claim the nodes of a large scene one by one. The pointers are compared and never followed.
     std::unordered_map<const INode*, std::vector<CMAXNode*>> byHost;
+
+    // What the scene node bears of a node that leaves the list is to go; null while it bears
+    // nothing.
+    void (*clearHostNode)(INode& host) = nullptr;
 };
 
 // The adaptor's list.

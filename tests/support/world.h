@@ -49,7 +49,6 @@ class World {
 
     // The host's way down, now; nothing else may be asked of the host after it.
     void ShutDown();
-    bool IsUp() const { return session_ != nullptr; }
 
     // Installs another Core, to be found by the next attach.
     void Install(const std::string& core) const;

@@ -155,16 +155,21 @@ void ClearCopiedTags() {
 
 }  // namespace
 
+// A node that goes while the scene is being saved, or comes back by an undo later, is to bear no
+// tag.
 void StoreSceneState() {
     Store(Carrier::kFirstNode);
+    AdaptorNodes().clearHostNode = ClearNodeTag;
 }
 
 void StoreStateForNextCore() {
+    AdaptorNodes().clearHostNode = nullptr;
     EndHoldOfGroups();
     Store(theHold.Holding() ? Carrier::kEachNode : Carrier::kFirstNode);
 }
 
 void ClearNodeTags() {
+    AdaptorNodes().clearHostNode = nullptr;
     for (const CMAXNode* node : AdaptorNodes().nodes) {
         if (INode* const host = node->HostNode()) ClearNodeTag(*host);
     }

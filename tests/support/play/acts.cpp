@@ -9,6 +9,8 @@
 #include "host/hold.h"
 #include "measures/host_clock.h"
 #include "nodes/max_node.h"
+#include "nodes/node_deletion.h"
+#include "nodes/node_list.h"
 #include "support/play/play.h"
 
 namespace play {
@@ -25,7 +27,6 @@ class Chunk final : public TVL::CUndo {
     void Redo() override { Swap("redone"); }
     void Release() override {
         Play& play = play_;
-        play.Hear("released");
         delete this;
         play.Meet("released");
     }
@@ -72,6 +73,14 @@ TVL::CMatrix4 AnyPose(Play& play) {
 
 void BeginGroup(Play& play) {
     play.Adaptor().BeginUndoGroup("group");
+}
+
+// What a cancel brings back of a deletion by the user the host deletes all the same.
+void CancelGroup(Play& play) {
+    if (DeletionInProgress().deletingNodes)
+        for (const CMAXNode* node : AdaptorNodes().nodes)
+            play.loose.insert(node->NodeName());
+    play.Adaptor().CancelUndoGroup();
 }
 
 void AddChunk(Play& play) {
@@ -278,7 +287,7 @@ void PressAttach(Play& play, bool toAttach) {
 constexpr Act kActs[] = {
     {"begin group", BeginGroup},
     {"end group", [](Play& play) { play.Adaptor().EndUndoGroup(); }},
-    {"cancel group", [](Play& play) { play.Adaptor().CancelUndoGroup(); }},
+    {"cancel group", CancelGroup},
     {"add chunk", AddChunk},
     {"begin recording", BeginRecording},
     {"begin recording unkeyed", BeginUnkeyed},

@@ -4,10 +4,12 @@
 
 #include <algorithm>
 #include <map>
+#include <stdexcept>
 #include <utility>
 
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
+#include "foundation/thrown.h"
 #include "headless/breaches.h"
 #include "host/animate.h"
 #include "host/hold.h"
@@ -60,7 +62,7 @@ Play::Play() : rigs{{{"Left", world}, {"Right", world}}} {
 
 Play::~Play() {
     onMoment = nullptr;
-    if (world.IsUp()) Settle();
+    if (!isGone_) Settle();
     world.ShutDown();
     EXPECT_EQ(chunksAlive, 0);
     for (const std::string& fault : noted_)
@@ -116,13 +118,15 @@ void Play::Load(const XMLNode& state) {
     }
 }
 
+// The Core is gone whatever it did last.
 void Play::Leave() {
-    Meet("detach");
+    const auto thrown = TVL::ThrownBy([this] { Meet("detach"); });
     for (Rig& rig : rigs)
         rig.heard.clear();
     lent.clear();
     recordings = focuses = value = 0;
     isGone_ = true;
+    if (thrown) throw std::runtime_error(*thrown);
 }
 
 void Play::Settle() {
