@@ -233,8 +233,9 @@ void SaveAndOpen(Play& play, bool hasThrown) {
     EXPECT_EQ(play.BrokenAtRest(), Faults()) << "opened again";
 }
 
-// What is made in a scene that is just being left, or comes back by a cancel while the user deletes
-// it, goes without another word.
+// Of some nodes the scene node goes without a word: made in a scene that is just being left,
+// brought back by a cancel while the user deletes it, or by one behind a merge, which ends the step
+// before.
 void ExcuseNodesOutOfTheScene(Play& play) {
     for (play::Rig& rig : play.rigs)
         for (TVL::CoreNode* node : rig.Nodes())
@@ -250,8 +251,9 @@ void TryPlan(const Event& event, const Situation& situation, const Plan& plan) {
     event.happen(play);
     play.onMoment = nullptr;
     if (std::string_view(event.name) == kShutdown) return;
-    if (event.record == Record::kNone ||
-        (std::string_view(event.name) == kUserDeletes && plan.Has("cancel group")))
+    const bool isUserDeletion = std::string_view(event.name) == kUserDeletes;
+    if (event.record == Record::kNone || plan.Has("merge") ||
+        (isUserDeletion && plan.Has("cancel group")))
         ExcuseNodesOutOfTheScene(play);
     play.world.Core().isRunning = false;
     play.Settle();
