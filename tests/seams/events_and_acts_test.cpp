@@ -164,10 +164,10 @@ struct Plan {
 };
 
 // What is done in no hold, or loses the steps before, undo cannot take back.
-void DoInside(Play& play, const Event& event, const Act& act) {
+void DoInside(Play& play, const Event& event, const Act& act, bool isInsideAnother) {
     const bool endsGroup = &act == &Named("end group") || &act == &Named("cancel group");
-    if (!theHold.Holding() || &act == &Named("flush") ||
-        (endsGroup && event.record == Record::kInGroup))
+    const bool endsGroupOfOthers = endsGroup && (isInsideAnother || event.record != Record::kWhole);
+    if (!theHold.Holding() || endsGroupOfOthers || &act == &Named("flush"))
         play.leftNoRecord = true;
     play.Do(act);
 }
@@ -176,9 +176,10 @@ void Follow(Play& play, const Event& event, const Plan& plan) {
     play.onMoment = [&play, &event, plan = Plan(plan),
                      met = std::size_t{0}](const std::string&) mutable {
         if (met++ < plan.moment) return;
-        if (const Act* const act = std::exchange(plan.first, nullptr)) DoInside(play, event, *act);
+        if (const Act* const act = std::exchange(plan.first, nullptr))
+            DoInside(play, event, *act, false);
         if (const Act* const next = std::exchange(plan.second, nullptr))
-            DoInside(play, event, *next);
+            DoInside(play, event, *next, true);
     };
 }
 
