@@ -252,12 +252,12 @@ void TryPlan(const Event& event, const Situation& situation, const Plan& plan) {
     event.happen(play);
     play.onMoment = nullptr;
     if (std::string_view(event.name) == kShutdown) return;
+    play.world.Core().isRunning = false;
+    play.Settle();
     const bool isUserDeletion = std::string_view(event.name) == kUserDeletes;
     if (event.record == Record::kNone || plan.Has("merge") ||
         (isUserDeletion && plan.Has("cancel group")))
         ExcuseNodesOutOfTheScene(play);
-    play.world.Core().isRunning = false;
-    play.Settle();
     EXPECT_EQ(play.BrokenAtRest(), Faults());
     UndoAndRedoEverything(play, made);
     SaveAndOpen(play, plan.Has("throw"));
