@@ -5,6 +5,7 @@
 #include "adaptor/max_adaptor_interface.h"
 #include "adaptor/trace_file.h"
 #include "core_link/core_call.h"
+#include "nodes/node_list.h"
 #include "nodes/node_sweep.h"
 #include "persistence/scene/tagged_nodes.h"
 #include "tvl/error_code.h"
@@ -76,6 +77,7 @@ void SweepCore(int releasedChunks, std::uint32_t nests) {
     const int links = CutMessageLinks(adaptor);
     AbandonGatherings();
     RecordOfState() = {};
+    AdaptorNodes().clearHostNode = nullptr;
 
     // Listeners go before the hold ends: what is cancelled would tell them.
     const int chunks = releasedChunks + ReleaseCoreChunks();

@@ -7,6 +7,7 @@
 #include "adaptor/utility_manager.h"
 #include "core_link/core_call.h"
 #include "nodes/mesh_cache.h"
+#include "nodes/node_list.h"
 #include "persistence/scene/gather_state.h"
 #include "persistence/scene/node_tags.h"
 #include "persistence/scene/state_chunk.h"
@@ -40,11 +41,14 @@ void OnFileLoaded(void*, NotifyInfo*) {
     if (AttachedCore()) GatherSceneState();
 }
 
-// A notification has no answer. Whatever fails here, the save that follows is refused for it.
+// A notification has no answer. Whatever fails here, the save that follows is refused for it. A
+// node that goes while the scene is being saved, or comes back by an undo later, is to bear no tag;
+// those of a Core that is leaving keep theirs for the next one.
 void OnFilePreSave(void*, NotifyInfo*) {
     if (!AttachedCore()) return;
     RecordOfState().isTagLost = false;
     const auto thrown = TVL::ThrownBy(&StoreSceneState);
+    AdaptorNodes().clearHostNode = IsCoreLeaving() ? nullptr : ClearNodeTag;
     if (!thrown) return;
     TVL::TraceThrown("the storing of tags", *thrown);
     RecordOfState().isTagLost = true;

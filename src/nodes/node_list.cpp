@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "foundation/thrown.h"
 #include "nodes/max_node.h"
 
 bool IsListed(const CMAXNode* node) {
@@ -22,10 +23,15 @@ void ListNode(CMAXNode* node) {
     }
 }
 
+// A node that dies cannot fail to go for want of memory.
 void UnlistNode(CMAXNode* node) {
     if (!IsListed(node)) return;
     const auto clear = AdaptorNodes().clearHostNode;
-    if (INode* const host = clear ? node->HostNode() : nullptr) clear(*host);
+    INode* const host = clear ? node->HostNode() : nullptr;
+    const auto thrown = TVL::ThrownBy([&] {
+        if (host) clear(*host);
+    });
+    if (thrown) TVL::TraceThrown("the clearing of a tag", *thrown);
     std::erase(AdaptorNodes().nodes, node);
     const auto sameHost = AdaptorNodes().byHost.find(node->HostLink().Pointer());
     std::erase(sameHost->second, node);

@@ -155,11 +155,8 @@ void ClearCopiedTags() {
 
 }  // namespace
 
-// A node that goes while the scene is being saved, or comes back by an undo later, is to bear no
-// tag.
 void StoreSceneState() {
     Store(Carrier::kFirstNode);
-    AdaptorNodes().clearHostNode = ClearNodeTag;
 }
 
 void StoreStateForNextCore() {
