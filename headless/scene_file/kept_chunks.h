@@ -16,14 +16,14 @@ namespace headless {
 // Chunks that a utility has not taken from the scene that was opened.
 struct KeptChunks {
     StoredClass type;
-    std::vector<std::byte> chunks;  // all of them, if it failed
-    bool hasFailed = false;
-    std::vector<std::byte> unread{};  // if it failed: those that it has not read whole
+    std::vector<std::byte> chunks;    // all of them, if it failed
+    bool hasFailed = false;           // inside one of them, and the others are taken or not read
+    std::vector<std::byte> unread{};  // if it failed so: those that it has not read whole
 };
 
 // What a save writes of a utility: `own`, which it has written itself, and what is kept beside it,
 // but for chunks that stand in `own` to the byte. Kept chunks are the older and stand ahead, so
-// that whoever takes both has the newer one last; those at which its loading failed stand behind,
+// that whoever takes both has the newer one last; those at which its reading failed stand behind,
 // where they keep it from nothing. Where `own` is empty, everything is written that is kept.
 std::vector<std::byte> WithKept(const KeptChunks& kept, std::vector<std::byte> own);
 
@@ -41,6 +41,9 @@ class NotingReader final : public ILoad {
 
     // The utility is done. The chunk in which it has left the reader is read if it succeeded.
     void End(bool hasSucceeded);
+
+    // A chunk is open.
+    bool IsInside() const { return inside_.has_value(); }
 
     // What has not been read: chunks that were not opened or were skipped, and those that do not
     // fit what was read of them, of which `Misfit` is the first.

@@ -54,7 +54,8 @@ KeptChunks SceneFileReader::LoadUtility(const StoredUtility& stored, GUP& utilit
     const std::vector<std::byte> unread = BytesOf(reader.Unread());
     if (!failure.empty()) {
         complain(stored.chunks.begin, failure);
-        return {stored.type, BytesOf(stored.chunks), true, unread};
+        // Behind them all it says only that it has not taken everything that it has read.
+        return {stored.type, BytesOf(stored.chunks), reader.IsInside(), unread};
     }
     if (const std::optional<StoredRange> misfit = reader.Misfit()) {
         complain(misfit->begin,

@@ -253,6 +253,17 @@ TEST_F(Thrown, RefusesTheSave) {
     HostString tag;
     EXPECT_TRUE(Host("Rig_Hip")->GetUserPropString("TVL_tag", tag));
     EXPECT_NE(tag, "");
+
+    // The next save writes it ahead of what the Core has by then, in which order both are given.
+    world.Core().onCall = nullptr;
+    world.Core().state = XMLNode("<state><take/><take/></state>");
+    ASSERT_EQ(world.Session().SaveScene(path).error, "");
+    world.Core().TakeCalls();
+    EXPECT_TRUE(world.Session().OpenScene(path).complaints.empty());
+    const PuppetCore::Calls calls = world.Core().TakeCalls();
+    ASSERT_GE(calls.size(), 3U);
+    EXPECT_EQ(calls[1], "set state <state><take/></state>");
+    EXPECT_EQ(calls[2], "set state <state><take/><take/></state>");
 }
 
 }  // namespace

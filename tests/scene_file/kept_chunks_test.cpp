@@ -35,6 +35,7 @@ class Reader final : public GUP {
 
     IOResult Load(ILoad* load) override {
         for (const char manner : reading) {
+            if (manner == 'x') return IO_ERROR;  // before the next one, or behind the last
             if (load->OpenChunk() != IO_OK) break;
             char* text = nullptr;
             char some[100];
@@ -80,9 +81,10 @@ TEST_F(KeptChunks, StandBesideWhatTheUtilityWritesItself) {
         const char* alone;   // ids where the utility writes nothing at its next save
         const char* beside;  // ids where it writes the chunk 9
     } cases[] = {
-        {"", 0, "123", "1239"}, {"rrr", 0, "", "9"},      {"rro", 0, "", "9"},
-        {"rsr", 0, "2", "29"},  {"r", 0, "23", "239"},    {"rpr", 1, "2", "29"},
-        {"brr", 1, "1", "19"},  {"rfr", 1, "123", "923"}, {"pfr", 1, "123", "9123"},
+        {"", 0, "123", "1239"},    {"rrr", 0, "", "9"},      {"rro", 0, "", "9"},
+        {"rsr", 0, "2", "29"},     {"r", 0, "23", "239"},    {"rpr", 1, "2", "29"},
+        {"brr", 1, "1", "19"},     {"rfr", 1, "123", "923"}, {"rrrx", 1, "123", "1239"},
+        {"pfr", 1, "123", "9123"},
     };
     for (const auto& each : cases) {
         SCOPED_TRACE(each.reading);
