@@ -42,7 +42,8 @@ void PutTransformControl(INode& host) {
 }
 
 void PutScalarControls(CameraObject& camera) {
-    ForEachParameter(&camera, [](Animatable& parameters, int index) {
+    const auto findCamera = [&camera] { return &camera; };
+    ForEachParameter(findCamera, [](Animatable& parameters, int index) {
         const HostString name = parameters.SubAnimName(index);
         if (name != "FOV" && name != "Target Distance") return;
         Control* const control = NewControl(ScalarControl::kSuperClassID, ScalarControl::kClassID);

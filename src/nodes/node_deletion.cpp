@@ -25,9 +25,16 @@ void ConvertTransformController(INode* hostNode) {
         ConvertToPRSController(own);
 }
 
+// Each conversion can be a step of its own, which drops undo chunks of the Core's, so that the node
+// can be gone behind it.
 void RevertControllers(INode* hostNode) {
+    const HostNodeLink link(hostNode);
     ConvertTransformController(hostNode);
-    ForEachParameter(hostNode->GetObjectRef(), [](Animatable& parameters, int index) {
+    const auto findObject = [&link] {
+        INode* const present = link.Get();
+        return present ? present->GetObjectRef() : nullptr;
+    };
+    ForEachParameter(findObject, [](Animatable& parameters, int index) {
         if (auto* const own = ScalarControl::liveInstances.Find(parameters.SubAnim(index)))
             ConvertToScalarController(own);
     });

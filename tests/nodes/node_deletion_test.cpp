@@ -1,5 +1,7 @@
 #include <cmath>
+#include <functional>
 
+#include "adaptor/utility_manager.h"
 #include "controllers/transform_control.h"
 #include "host/hold.h"
 #include "host/interface.h"
@@ -134,6 +136,36 @@ TEST_F(NodeDeletion, LeavesTheHostNodeWithDefaultControllersIfAskedTo) {
     ASSERT_NE(parameters, nullptr);
     for (int index = 0; index < parameters->NumSubs(); ++index)
         EXPECT_EQ(parameters->SubAnim(index)->ClassID(), kLinearFloatClassId);
+}
+
+// Each conversion is a step of its own, and the first of them drops what can be redone.
+TEST_F(NodeDeletion, SurvivesWhatTheCoreDoesAsTheConversionsDropItsChunk) {
+    class Ending final : public TVL::CUndo {
+      public:
+        explicit Ending(std::function<void()> act) : act_(std::move(act)) {}
+        ~Ending() override { act_(); }
+        void Undo(bool) override {}
+        void Redo() override {}
+
+      private:
+        std::function<void()> act_;
+    };
+    const std::string file = (world.Folder() / "a.scene").string();
+    ASSERT_EQ(world.Session().SaveScene(file).error, "");
+    Node* camera = nullptr;
+    const std::function<void()> acts[] = {
+        [&] { EXPECT_EQ(world.Session().OpenScene(file).error, ""); },
+        [&] { world.Session().NewScene(); },
+        [&] { GetCOREInterface()->DeleteNode(Host("Rig_Cam"), 1, 0); }, [&] { camera->Destroy(); },
+        [] { UtilityManager::Get().DetachCore(); }};
+    for (const auto& act : acts) {
+        camera = Camera("Cam");
+        InGroup("Chunk", [&] { adaptor.AddUndoChunk(new Ending(act)); });
+        ASSERT_TRUE(world.Session().Undo());
+        camera->Delete(false);
+        EXPECT_TRUE(Listed().empty());
+        world.Session().NewScene();
+    }
 }
 
 TEST_F(NodeDeletion, ByTheUserIsLeftToTheHost) {
