@@ -207,7 +207,10 @@ class DeletionStep {
   public:
     DeletionStep() { Renew(); }
     ~DeletionStep() {
-        if (begun_ && theHold.Holding()) theHold.Accept("Delete");
+        try {
+            End();
+        } catch (...) {  // behind the exception that is on its way
+        }
     }
     DeletionStep(const DeletionStep&) = delete;
     DeletionStep& operator=(const DeletionStep&) = delete;
@@ -216,6 +219,10 @@ class DeletionStep {
         if (theHold.Holding() || theHold.RestoreOrRedoing()) return;
         theHold.Begin();
         begun_ = true;
+    }
+
+    void End() {
+        if (std::exchange(begun_, false) && theHold.Holding()) theHold.Accept("Delete");
     }
 
   private:
@@ -231,6 +238,7 @@ std::size_t Session::DeleteSelected() {
     if (!nodes.empty()) step.Renew();
     for (const NodePtr& node : nodes)
         TheScene().Delete(*node);
+    step.End();
     return nodes.size();
 }
 

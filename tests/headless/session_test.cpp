@@ -1,4 +1,5 @@
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -136,6 +137,20 @@ TEST_F(DeleteKeyTest, WhoIsToldMayTakeNodesOutOfTheTableOrDeleteThem) {
     EXPECT_EQ(headless::Nodes().front().name, "knee");
     session.Undo();
     EXPECT_EQ(headless::SceneDigest(), before);
+}
+
+TEST_F(DeleteKeyTest, ARecordThatThrowsAtItsEndIsHeardOfBehindTheStep) {
+    struct Failing final : RestoreObj {
+        void Restore(int) override {}
+        void Redo() override {}
+        void EndHold() override { throw std::runtime_error("by a plug-in"); }
+    };
+    Deletions deletions;
+    deletions.answer = [](INodeTab&) { theHold.Put(new Failing); };
+    Add("hip");
+    session.Select({"hip"});
+    EXPECT_THROW(session.DeleteSelected(), std::runtime_error);
+    EXPECT_EQ(session.UndoLabels(), std::vector<std::string>{"Delete"});
 }
 
 // Whoever hears of it may end the hold that it is to be part of, and may free what is announced.
