@@ -1,6 +1,7 @@
 #include "references/graveyard.h"
 
 #include <algorithm>
+#include <utility>
 
 // Never destroyed: objects of other modules may let go of each other while the process ends.
 Graveyard& Graveyard::Get() {
@@ -17,24 +18,26 @@ bool Graveyard::IsReferredTo(const ReferenceTarget& target) {
 void Graveyard::Release(ReferenceTarget& target) {
     if (target.parked_ || IsReferredTo(target)) return;
     target.parked_ = true;
-    parked_.push_back(&target);
+    target.olderParked_ = newest_;
+    if (newest_ != nullptr) newest_->newerParked_ = &target;
+    newest_ = &target;
     Sweep();
 }
 
-// An undo meets the objects in the reverse of the order in which they were parked, hence from the
-// back.
 void Graveyard::Revive(ReferenceTarget& target) {
     if (!target.parked_) return;
     target.parked_ = false;
-    const auto found = std::find(parked_.rbegin(), parked_.rend(), &target);
-    parked_.erase(std::prev(found.base()));
+    ReferenceTarget* const older = std::exchange(target.olderParked_, nullptr);
+    ReferenceTarget* const newer = std::exchange(target.newerParked_, nullptr);
+    if (older != nullptr) older->newerParked_ = newer;
+    (newer != nullptr ? newer->olderParked_ : newest_) = older;
 }
 
 void Graveyard::Sweep() {
-    if (pauses_ > 0 || parked_.empty()) return;
+    if (pauses_ > 0 || newest_ == nullptr) return;
     ++pauses_;
-    while (!parked_.empty() && !UndoStreamCanMeetObjects()) {
-        ReferenceTarget* const target = parked_.back();
+    while (newest_ != nullptr && !UndoStreamCanMeetObjects()) {
+        ReferenceTarget* const target = newest_;
         Revive(*target);
         target->DeleteThis();
     }

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <vector>
-
 #include "host/reference.h"
 
 // Whether a record of the undo stream can still meet a host object: there are records, or a hold is
@@ -10,7 +8,8 @@ bool UndoStreamCanMeetObjects();
 
 // The end of objects that nothing refers to any more. They are deleted at once if no record of the
 // undo stream can meet them; otherwise they are parked here, whole and at their address, so that an
-// undo or redo can bring them back, until the stream is empty.
+// undo or redo can bring them back, until the stream is empty. Objects end here while others are
+// being destroyed, so nothing is allocated: the parked ones are a list that runs through them.
 class Graveyard {
   public:
     static Graveyard& Get();
@@ -37,6 +36,6 @@ class Graveyard {
   private:
     static bool IsReferredTo(const ReferenceTarget& target);
 
-    std::vector<ReferenceTarget*> parked_;
+    ReferenceTarget* newest_ = nullptr;
     int pauses_ = 0;
 };

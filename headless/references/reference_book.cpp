@@ -5,14 +5,29 @@
 #include "breaches/breach_book.h"
 #include "references/dependents_walk.h"
 #include "references/graveyard.h"
-#include "references/reference_record.h"
+#include "references/object_watch.h"
+
+namespace {
+
+// So that the next one to be appended cannot fail.
+template <class T>
+void MakeRoom(std::vector<T>& list) {
+    if (list.size() == list.capacity()) list.reserve(2 * list.size() + 1);
+}
+
+}  // namespace
 
 void ReferenceBook::Point(ReferenceMaker& maker, int index, ReferenceTarget* target) {
     ReferenceTarget* const old = Move(maker, index, target);
     if (old != nullptr) Graveyard::Get().Release(*old);
 }
 
+// Both ends change or neither does.
 ReferenceTarget* ReferenceBook::Move(ReferenceMaker& maker, int index, ReferenceTarget* target) {
+    if (target != nullptr) {
+        MakeRoom(target->dependents_);
+        MakeRoom(maker.references_);
+    }
     ReferenceTarget* const old = Unlink(maker, index);
     maker.SetReference(index, target);
     if (target != nullptr) {
@@ -49,7 +64,7 @@ bool ReferenceBook::RefersTo(ReferenceTarget& target, ReferenceMaker& maker) {
 }
 
 void ReferenceBook::Forget(ReferenceMaker& maker) {
-    if (maker.recorded_) ReferenceRecord::EmptyThoseThatName(maker);
+    ObjectWatch::TellGone(maker);
     const Graveyard::Pause pause;
     while (!maker.references_.empty()) {
         const auto [index, target] = maker.references_.back();

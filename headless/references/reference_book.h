@@ -1,5 +1,8 @@
 #pragma once
 
+#include <utility>
+#include <vector>
+
 #include "host/reference.h"
 
 // Keeps both ends of every reference in step: the maker's index and the target's list of
@@ -23,8 +26,11 @@ class ReferenceBook {
     static void Forget(ReferenceMaker& maker);
     static void Forget(ReferenceTarget& target);
 
-    // Set once a record names the object, so that its destructor looks for such records.
-    static void MarkRecorded(ReferenceMaker& maker) { maker.recorded_ = true; }
+    // Who refers to `target`, by which index. A place of one who left during a walk is null.
+    using Dependents = std::vector<std::pair<ReferenceMaker*, int>>;
+    static const Dependents& DependentsOf(const ReferenceTarget& target) {
+        return target.dependents_;
+    }
 
   private:
     static ReferenceTarget* Unlink(ReferenceMaker& maker, int index);

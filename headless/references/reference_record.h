@@ -2,29 +2,24 @@
 
 #include "host/hold.h"
 #include "host/reference.h"
+#include "references/object_watch.h"
 
-// The record of one reference that was pointed elsewhere. A record is emptied, and does nothing any
-// more, when one of the objects that it names is destroyed by its creator.
+// The record of one reference that was pointed elsewhere. It does nothing any more once one of the
+// objects that it names has been destroyed by its creator.
 class ReferenceRecord final : public RestoreObj {
   public:
     ReferenceRecord(ReferenceMaker& maker, int index, ReferenceTarget* before,
-                    ReferenceTarget* after);
-    ~ReferenceRecord() override;
-    ReferenceRecord(const ReferenceRecord&) = delete;
-    ReferenceRecord& operator=(const ReferenceRecord&) = delete;
+                    ReferenceTarget* after)
+        : maker_(&maker), before_(before), after_(after), index_(index) {}
 
-    void Restore(int isUndo) override;
-    void Redo() override;
-
-    static void EmptyThoseThatName(const ReferenceMaker& object);
+    void Restore(int) override { PointAt(before_); }
+    void Redo() override { PointAt(after_); }
 
   private:
-    static ReferenceRecord* newest;  // heads the list of all such records
+    void PointAt(const ObjectWatch& target);
 
-    ReferenceMaker* maker_;
-    ReferenceTarget* before_;
-    ReferenceTarget* after_;
-    ReferenceRecord* older_;
-    ReferenceRecord* newer_ = nullptr;
+    ObjectWatch maker_;
+    ObjectWatch before_;
+    ObjectWatch after_;
     int index_;
 };

@@ -85,7 +85,10 @@ void ReferenceTarget::TransferReferences(ReferenceTarget* from, bool deleteFrom)
 
 void ReferenceTarget::LoseDependents() {
     const Graveyard::Pause pause;
-    const auto dependents = dependents_;
-    for (const auto& [maker, index] : dependents)
+    const DependentsWalk walk(*this);
+    for (std::size_t i = 0, present = dependents_.size(); i < present; ++i) {
+        const auto [maker, index] = dependents_[i];
         if (maker != nullptr) maker->ReplaceReference(index, nullptr);
+        if (walk.TargetIsGone()) return;
+    }
 }

@@ -5,10 +5,12 @@
 #include <cctype>
 #include <chrono>
 #include <filesystem>
+#include <new>
 #include <span>
 #include <string_view>
 #include <system_error>
 
+#include "platform/folder_names.h"
 #include "platform/narrow_path.h"
 #include "scene_file/atomic_file.h"
 #include "scene_file/scene_chunks.h"
@@ -29,11 +31,11 @@ bool IsNameWhileSaving(std::string_view name) {
            std::ranges::all_of(digits, [](unsigned char c) { return std::isxdigit(c) != 0; });
 }
 
-bool IsForgotten(const fs::directory_entry& entry) {
+bool IsForgotten(const fs::path& path) {
     std::error_code error;
-    const bool isFile = fs::is_regular_file(entry.symlink_status(error));
+    const bool isFile = fs::is_regular_file(fs::symlink_status(path, error));
     if (error || !isFile) return false;
-    const fs::file_time_type written = entry.last_write_time(error);
+    const fs::file_time_type written = fs::last_write_time(path, error);
     return !error && fs::file_time_type::clock::now() - written > kLongestSave;
 }
 
@@ -69,17 +71,17 @@ bool IsCut(const std::string& path) {
 
 }  // namespace
 
-void SweepAbandonedSaves(const std::string& place) {
-    std::error_code error;
-    const fs::path folder = platform::FromNarrow(place).parent_path();
-    fs::directory_iterator entry(folder.empty() ? "." : folder, error);
-    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-        const fs::path& path = entry->path();
-        const bool isLeft =
-            IsNameWhileSaving(platform::ToNarrow(path.filename())) && IsForgotten(*entry);
+// The scene stands in its place by now, which no lack of memory here makes undone.
+void SweepAbandonedSaves(const std::string& place) noexcept try {
+    fs::path folder = platform::FromNarrow(place).parent_path();
+    if (folder.empty()) folder = ".";
+    for (const std::string& name : platform::NamesInFolder(platform::ToNarrow(folder))) {
+        if (!IsNameWhileSaving(name)) continue;
+        const fs::path path = folder / name;
         std::error_code ignored;
-        if (isLeft && IsCut(platform::ToNarrow(path))) fs::remove(path, ignored);
+        if (IsForgotten(path) && IsCut(platform::ToNarrow(path))) fs::remove(path, ignored);
     }
+} catch (const std::bad_alloc&) {
 }
 
 }  // namespace headless

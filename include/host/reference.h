@@ -8,6 +8,7 @@
 #include "host/storage.h"
 
 class DependentsWalk;
+class ObjectWatch;
 class ReferenceTarget;
 using RefTargetHandle = ReferenceTarget*;
 using PartID = std::uint32_t;
@@ -44,8 +45,9 @@ class HOST_API ReferenceMaker : public Animatable {
 
   private:
     friend class ReferenceBook;
+    friend class ObjectWatch;
     std::vector<std::pair<int, ReferenceTarget*>> references_;  // by index, those that point
-    bool recorded_ = false;  // a record of the undo stream may name this object
+    ObjectWatch* watches_ = nullptr;  // who wants to know when this object is destroyed
 };
 
 // What a copy has made of what.
@@ -90,4 +92,6 @@ class HOST_API ReferenceTarget : public ReferenceMaker {
     DependentsWalk* walk_ = nullptr;  // the innermost walk over them that is going on
     std::uint32_t seenBySearch_ = 0;
     bool parked_ = false;  // referred to by nobody, kept for the undo stream
+    ReferenceTarget* olderParked_ = nullptr;
+    ReferenceTarget* newerParked_ = nullptr;
 };

@@ -5,6 +5,7 @@
 #include "headless/breaches.h"
 #include "headless/copies.h"
 #include "headless/host_world.h"
+#include "support/allocations.h"
 
 namespace {
 
@@ -110,6 +111,23 @@ TEST_F(ReferencesTest, AnObjectThatAnUndoCanMeetComesBackAtItsAddress) {
     EXPECT_EQ(top->GetReference(0), second);
     EXPECT_EQ(Links(), 2U);
     top->DeleteMe();
+    EXPECT_EQ(Links(), 0U);
+}
+
+TEST_F(ReferencesTest, ObjectsEndWithoutAskingForMemory) {
+    auto* top = new Link("top", 3);
+    for (int i = 0; i < 3; ++i) {
+        auto* middle = new Link("middle");
+        middle->ReplaceReference(0, new Link("bottom"));
+        top->ReplaceReference(i, middle);
+    }
+    Step([&] { top->ReplaceReference(0, nullptr); });
+    Step([&] { host.CreateObjectNode(CreateNewTriObject()); });
+    session.Undo();
+    const std::size_t before = Allocations();
+    host.FlushUndoBuffer();
+    top->DeleteMe();
+    EXPECT_EQ(Allocations(), before);
     EXPECT_EQ(Links(), 0U);
 }
 
