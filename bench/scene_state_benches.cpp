@@ -71,7 +71,7 @@ Plugins MakePlugins(int nodes) {
 // The scene nodes stay, with whatever tags they bear.
 void LetNodesGo() {
     while (!AdaptorNodes().nodes.empty())
-        AdaptorNodes().nodes.back()->Destroy();
+        AdaptorNodes().nodes.rbegin()->second->Destroy();
 }
 
 void StoreState(benchmark::State& state, int nodes) {

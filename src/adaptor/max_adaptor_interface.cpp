@@ -124,7 +124,9 @@ std::vector<TVL::CNode*> MaxAdaptorInterface::ClaimNodes(std::string pluginName,
 }
 
 std::vector<TVL::CNode*> MaxAdaptorInterface::MergeModels(std::string path) {
-    return ::MergeModels(path);
+    std::vector<TVL::CNode*> merged = ::MergeModels(path);
+    ++AdaptorNodes().arrivals;
+    return merged;
 }
 
 // Undo -------------------------------------------------------------------------------------------
@@ -138,7 +140,10 @@ std::int32_t MaxAdaptorInterface::AddUndoChunk(TVL::CUndo* chunk) {
 }
 
 std::int32_t MaxAdaptorInterface::EndUndoGroup() {
-    return ::EndUndoGroup();
+    const bool mayCancel = OpenUndoGroups().cancelRequested;
+    const std::int32_t status = ::EndUndoGroup();
+    if (mayCancel) ++AdaptorNodes().arrivals;
+    return status;
 }
 
 std::int32_t MaxAdaptorInterface::CancelUndoGroup() {
@@ -151,6 +156,7 @@ bool MaxAdaptorInterface::IsHoldingUndo() {
 
 bool MaxAdaptorInterface::PerformUndo() {
     UtilityManager::Get().ExecuteStringScript(kUndoScript);
+    ++AdaptorNodes().arrivals;
     return true;
 }
 

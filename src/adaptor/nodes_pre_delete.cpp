@@ -19,7 +19,7 @@ constexpr int kNodesPreDeleteExtension = 43;
 class Announcement {
   public:
     explicit Announcement(INodeTab& table)
-        : outer_(std::exchange(DeletionInProgress(), DeletionState{&table, {}})) {}
+        : outer_(std::exchange(DeletionInProgress(), DeletionState(table))) {}
     ~Announcement() { DeletionInProgress() = std::move(outer_); }
     Announcement(const Announcement&) = delete;
     Announcement& operator=(const Announcement&) = delete;
@@ -32,9 +32,7 @@ void TellOwner(const INode* host) {
     const CMAXNode* const node = FindAnnouncedNode(host);
     TVL::CoreElement* const owner = node ? node->Owner() : nullptr;
     if (!owner) return;
-    std::vector<TVL::CoreElement*>& told = DeletionInProgress().notifiedOwners;
-    if (std::ranges::find(told, owner) != told.end()) return;
-    told.push_back(owner);
+    if (!DeletionInProgress().notifiedOwners.insert(owner).second) return;
     const bool isListed = CallCore("HasExtension of an owner", false,
                                    [&] { return owner->HasExtension(kNodesPreDeleteExtension); });
     if (!isListed) return;

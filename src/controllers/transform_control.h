@@ -26,9 +26,9 @@ class TransformControl : public BaseControl<Matrix3> {
     void EndEditParams(IObjParam* ip, std::uint32_t flags, Animatable* next) override;
 
     // Every key becomes value × oldParent × inverse(newParent), at all times; no record is put,
-    // since the host undoes a change of parents by the opposite change. With no hold, nothing will
-    // take it back: what earlier records hold would then be relative to another parent, and they do
-    // nothing from here on.
+    // since the host's own brings back the controller as it was. With no hold, nothing will take it
+    // back: what earlier records hold would then be relative to another parent, and they do nothing
+    // from here on.
     int ChangeParents(TimeValue t, const Matrix3& oldParent, const Matrix3& newParent,
                       const Matrix3& world) override;
 

@@ -15,30 +15,29 @@
 
 CMAXNode* CMAXNode::newestAlive = nullptr;
 
-// Joining those that are alive comes last: a constructor that fails is followed by no destructor.
+CMAXNode::CMAXNode(bool snapshot, INode* host) : isSnapshot(snapshot), hostNode(host) {
+    JoinAlive();
+}
+
+// What fails below leaves a whole node, which its destructor takes out of every list.
+
 CMAXNode::CMAXNode(TVL::CoreElement* nodeOwner, std::string nodeName, INode* parentHost,
                    INode* host)
-    : isSnapshot(false), hostNode(host) {
+    : CMAXNode(false, host) {
     name = std::move(nodeName);
     owner = nodeOwner;
     if (parentHost && host) parentHost->AttachChild(host, 1);
     ListNode(this);
-    JoinAlive();
 }
 
-CMAXNode::CMAXNode(CMAXNode* reachedFrom, INode* host) : isSnapshot(true), hostNode(host) {
+CMAXNode::CMAXNode(CMAXNode* reachedFrom, INode* host) : CMAXNode(true, host) {
+    if (reachedFrom) JoinSource(*reachedFrom);
     if (const CMAXNode* real = FindRealNode(host)) {
         name = real->name;
         owner = real->owner;
     } else {
         name = GetName();
     }
-    source = reachedFrom;
-    if (reachedFrom) {
-        sourceOwner = reachedFrom->owner;
-        reachedFrom->reached.push_back(this);
-    }
-    JoinAlive();
 }
 
 CMAXNode::~CMAXNode() {
@@ -50,8 +49,7 @@ CMAXNode::~CMAXNode() {
         UnlistNode(this);
     EmptyWatches();
     LoseSource();
-    for (CMAXNode* node : reached)
-        node->source = nullptr;
+    LoseReached();
     LeaveAlive();
     transformPool.Empty("Encountered still acquired snapshot");
     helperPool.Empty("Encountered still acquired helper snapshot");
@@ -123,10 +121,32 @@ void CMAXNode::EmptyWatches() {
     watches.clear();
 }
 
+void CMAXNode::JoinSource(CMAXNode& reachedFrom) {
+    source = &reachedFrom;
+    sourceOwner = reachedFrom.owner;
+    olderOfSource = reachedFrom.newestReached;
+    if (olderOfSource) olderOfSource->newerOfSource = this;
+    reachedFrom.newestReached = this;
+}
+
 void CMAXNode::LoseSource() {
-    if (source) std::erase(static_cast<CMAXNode*>(source)->reached, this);
+    if (source) {
+        CMAXNode*& newest = static_cast<CMAXNode*>(source)->newestReached;
+        if (olderOfSource) olderOfSource->newerOfSource = newerOfSource;
+        (newerOfSource ? newerOfSource->olderOfSource : newest) = olderOfSource;
+        newerOfSource = olderOfSource = nullptr;
+    }
     source = nullptr;
     sourceOwner = nullptr;
+}
+
+// They go on counting with the owner that this node had when they were made.
+void CMAXNode::LoseReached() {
+    for (CMAXNode* node = std::exchange(newestReached, nullptr); node;) {
+        node->source = nullptr;
+        node->newerOfSource = nullptr;
+        node = std::exchange(node->olderOfSource, nullptr);
+    }
 }
 
 void CMAXNode::JoinAlive() {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "nodes/host_node_link.h"
+#include "nodes/node_list.h"
 #include "nodes/snapshot_pool.h"
 #include "tvl/node.h"
 
@@ -79,6 +80,8 @@ class CMAXNode final : public TVL::CoreNode {
     const std::string& NodeName() const { return name; }
     TVL::NodeListener* Listener() const { return listener; }
     bool IsRecordable() const { return recordable; }
+    NodeListing& Listing() { return listing; }
+    const NodeListing& Listing() const { return listing; }
 
     // From here on the node knows neither owner nor listener, nor who was the owner of its source.
     // False if an earlier call has left nothing to forget.
@@ -91,6 +94,7 @@ class CMAXNode final : public TVL::CoreNode {
   private:
     friend class NodeWatch;
 
+    CMAXNode(bool snapshot, INode* host);
     CMAXNode* CloneHostNode(bool withHierarchy);
     std::intptr_t CloneBelow(TVL::CoreNode* parent);
     std::intptr_t ConvertToHostController();
@@ -101,7 +105,9 @@ class CMAXNode final : public TVL::CoreNode {
     void EmptyWatches();
     void JoinAlive();
     void LeaveAlive();
+    void JoinSource(CMAXNode& reachedFrom);
     void LoseSource();
+    void LoseReached();
 
     bool isSnapshot;
     HostNodeLink hostNode;
@@ -113,8 +119,13 @@ class CMAXNode final : public TVL::CoreNode {
 
     bool isForgotten = false;                 // by the Core that it was made for
     TVL::CoreElement* sourceOwner = nullptr;  // owner of `source` when this node was made
-    std::vector<CMAXNode*> reached;           // nodes whose `source` is this one
-    std::vector<NodeWatch*> watches;          // who wants to know when this node dies
+    NodeListing listing;
+    std::vector<NodeWatch*> watches;  // who wants to know when this node dies
+
+    // The nodes whose `source` is this one, and this one among those of its own.
+    CMAXNode* newestReached = nullptr;
+    CMAXNode* newerOfSource = nullptr;
+    CMAXNode* olderOfSource = nullptr;
 
     CMAXNode* newerAlive = nullptr;
     CMAXNode* olderAlive = nullptr;

@@ -136,14 +136,19 @@ TVL::CNode* CreateHelperNode(TVL::CoreElement* owner, const std::string& name, T
 }
 
 TVL::CNode* FindNode(const TVL::CoreElement* owner, std::string_view name) {
-    for (CMAXNode* node : AdaptorNodes().nodes)
-        if (node->Owner() == owner && node->NodeName() == name) return node;
-    return nullptr;
+    const auto& byOwner = AdaptorNodes().byOwner;
+    const auto ofOwner = byOwner.find(owner);
+    if (ofOwner == byOwner.end()) return nullptr;
+    const auto found = ofOwner->second.byName.find(std::string(name));
+    return found == ofOwner->second.byName.end() ? nullptr : found->second.begin()->second;
 }
 
 std::vector<TVL::CNode*> GetNodes(const TVL::CoreElement* owner) {
     std::vector<TVL::CNode*> found;
-    for (CMAXNode* node : AdaptorNodes().nodes)
-        if (node->Owner() == owner) found.push_back(node);
+    const auto& byOwner = AdaptorNodes().byOwner;
+    const auto ofOwner = byOwner.find(owner);
+    if (ofOwner == byOwner.end()) return found;
+    for (const auto& [number, node] : ofOwner->second.nodes)
+        found.push_back(node);
     return found;
 }

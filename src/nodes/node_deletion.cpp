@@ -12,12 +12,32 @@
 #include "nodes/object_parameters.h"
 #include "undo/undo_groups.h"
 
+namespace {
+
+void NotePlaces(DeletionState& deletion) {
+    const INodeTab& table = *deletion.deletingNodes;
+    deletion.places.clear();
+    for (int index = 0; index < table.Count(); ++index)
+        deletion.places.emplace(table[index], index);
+    deletion.placesOf = table.Count();
+}
+
+}  // namespace
+
+// An owner asks for each of its nodes; the table can become shorter meanwhile.
 bool IsBeingDeletedByHost(INode* hostNode) {
-    const INodeTab* const table = DeletionInProgress().deletingNodes;
+    DeletionState& deletion = DeletionInProgress();
+    const INodeTab* const table = deletion.deletingNodes;
     if (!table) return false;
-    for (int index = 0; index < table->Count(); ++index)
-        if ((*table)[index] == hostNode) return true;
-    return false;
+    if (deletion.placesOf != table->Count()) NotePlaces(deletion);
+    const auto isAtItsPlace = [&] {
+        const auto place = deletion.places.find(hostNode);
+        return place != deletion.places.end() && (*table)[place->second] == hostNode;
+    };
+    if (isAtItsPlace()) return true;
+    if (!deletion.places.contains(hostNode)) return false;
+    NotePlaces(deletion);
+    return isAtItsPlace();
 }
 
 void ConvertTransformController(INode* hostNode) {

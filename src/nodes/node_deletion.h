@@ -1,6 +1,7 @@
 #pragma once
 
-#include <vector>
+#include <unordered_map>
+#include <unordered_set>
 
 #include "host/node.h"
 #include "tvl/core_element.h"
@@ -8,8 +9,15 @@
 // The host's announcement that selected nodes are about to be deleted. While it runs, a Delete of
 // the Core's leaves the host nodes of the table to the host.
 struct DeletionState {
-    INodeTab* deletingNodes = nullptr;              // the host's; null outside the announcement
-    std::vector<TVL::CoreElement*> notifiedOwners;  // told already in this announcement
+    DeletionState() = default;
+    explicit DeletionState(INodeTab& table) : deletingNodes(&table) {}
+
+    INodeTab* deletingNodes = nullptr;  // the host's; null outside the announcement
+    std::unordered_set<const TVL::CoreElement*> notifiedOwners;  // told in this announcement
+
+    // Where each node stands in the table, as it was when it had `placesOf` entries.
+    std::unordered_map<const INode*, int> places;
+    int placesOf = -1;
 };
 
 // The adaptor's announcement.

@@ -1,4 +1,5 @@
 #include "nodes/max_node.h"
+#include "nodes/node_list.h"
 #include "tvl/log.h"
 
 TVL::CNode* CMAXNode::GetParent() {
@@ -64,6 +65,7 @@ CMAXNode* CMAXNode::CloneHostNode(bool withHierarchy) {
     INodeTab originals;
     originals.Append(1, &host);
     INodeTab copies;
+    ++AdaptorNodes().arrivals;
     GetCOREInterface()->CloneNodes(originals, Point3(0, 0, 0), withHierarchy, NODE_COPY, nullptr,
                                    &copies);
     if (copies.Count() == 0 || !copies[0]) return nullptr;

@@ -1,22 +1,25 @@
 #include "nodes/node_list.h"
 
-#include <algorithm>
+#include <utility>
 
 #include "foundation/thrown.h"
 #include "nodes/max_node.h"
 
 bool IsListed(const CMAXNode* node) {
-    const auto& byHost = AdaptorNodes().byHost;
-    const auto sameHost = byHost.find(node->HostLink().Pointer());
-    return sameHost != byHost.end() &&
-           std::ranges::find(sameHost->second, node) != sameHost->second.end();
+    return node->Listing().number != 0;
 }
 
 void ListNode(CMAXNode* node) {
     if (IsListed(node)) return;
-    AdaptorNodes().byHost[node->HostLink().Pointer()].push_back(node);
+    NodeList& list = AdaptorNodes();
+    const NodeListing listing{++list.lastNumber, node->Owner()};
+    node->Listing() = listing;
     try {
-        AdaptorNodes().nodes.push_back(node);
+        list.nodes.emplace(listing.number, node);
+        list.byHost[node->HostLink().Pointer()].push_back(node);
+        NodeList::OfOwner& ofOwner = list.byOwner[listing.owner];
+        ofOwner.nodes.emplace(listing.number, node);
+        ofOwner.byName[node->NodeName()].emplace(listing.number, node);
     } catch (...) {
         UnlistNode(node);
         throw;
@@ -32,8 +35,21 @@ void UnlistNode(CMAXNode* node) {
         if (host) clear(*host);
     });
     if (thrown) TVL::TraceThrown("the clearing of a tag", *thrown);
-    std::erase(AdaptorNodes().nodes, node);
-    const auto sameHost = AdaptorNodes().byHost.find(node->HostLink().Pointer());
-    std::erase(sameHost->second, node);
-    if (sameHost->second.empty()) AdaptorNodes().byHost.erase(sameHost);
+    NodeList& list = AdaptorNodes();
+    const NodeListing listing = std::exchange(node->Listing(), {});
+    list.nodes.erase(listing.number);
+    if (const auto sameHost = list.byHost.find(node->HostLink().Pointer());
+        sameHost != list.byHost.end()) {
+        std::erase(sameHost->second, node);
+        if (sameHost->second.empty()) list.byHost.erase(sameHost);
+    }
+    const auto sameOwner = list.byOwner.find(listing.owner);
+    if (sameOwner == list.byOwner.end()) return;
+    auto& [ofOwner, byName] = sameOwner->second;
+    ofOwner.erase(listing.number);
+    if (const auto sameName = byName.find(node->NodeName()); sameName != byName.end()) {
+        sameName->second.erase(listing.number);
+        if (sameName->second.empty()) byName.erase(sameName);
+    }
+    if (ofOwner.empty()) list.byOwner.erase(sameOwner);
 }

@@ -1,25 +1,46 @@
 #pragma once
 
+#include <cstdint>
+#include <map>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
 #include "nodes/host_node_link.h"
+#include "tvl/core_element.h"
 
 class CMAXNode;
 
 // The real nodes of the adaptor, in order of creation, each at most once. The list does not own
 // them: a node ends by Delete, by the undo record that holds it, or by the Core's Destroy, and
-// takes itself out.
+// takes itself out. They are found by what they stand for, by owner, and by owner and name, so that
+// a Core can make, claim and delete the nodes of a large scene one by one.
 struct NodeList {
-    std::vector<CMAXNode*> nodes;
+    using InOrder = std::map<std::uint64_t, CMAXNode*>;  // by the number of their listing
 
-    // The same nodes by the pointers to what they stand for, in the same order, so that a Core can
-    // claim the nodes of a large scene one by one. The pointers are compared and never followed.
-    std::unordered_map<const INode*, std::vector<CMAXNode*>> byHost;
+    struct OfOwner {
+        InOrder nodes;
+        std::unordered_map<std::string, InOrder> byName;
+    };
+
+    InOrder nodes;
+    std::unordered_map<const INode*, std::vector<CMAXNode*>> byHost;  // compared, never followed
+    std::unordered_map<const TVL::CoreElement*, OfOwner> byOwner;
+    std::uint64_t lastNumber = 0;
 
     // What the scene node bears of a node that leaves the list is to go; null while it bears
     // nothing.
     void (*clearHostNode)(INode& host) = nullptr;
+
+    // Counts what can have brought nodes with properties on them into the scene, or back into it:
+    // copies, merging, undo.
+    std::uint64_t arrivals = 0;
+};
+
+// A node's place in the list, kept in the node.
+struct NodeListing {
+    std::uint64_t number = 0;                 // 0: not listed
+    const TVL::CoreElement* owner = nullptr;  // whose node it was when it was listed
 };
 
 // The adaptor's list.
@@ -32,3 +53,14 @@ void ListNode(CMAXNode* node);
 
 // Takes a node out, the order of the rest staying; one that is not listed is ignored.
 void UnlistNode(CMAXNode* node);
+
+// Visits the nodes in order. They may come and go meanwhile; who comes is visited too.
+template <class Visit>
+void ForEachListedNode(Visit visit) {
+    NodeList::InOrder& nodes = AdaptorNodes().nodes;
+    for (auto at = nodes.begin(); at != nodes.end();) {
+        const std::uint64_t number = at->first;
+        visit(*at->second);
+        at = nodes.upper_bound(number);
+    }
+}

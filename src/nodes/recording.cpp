@@ -1,7 +1,7 @@
 #include "nodes/recording.h"
 
-#include <algorithm>
 #include <memory>
+#include <unordered_set>
 
 #include "host/animate.h"
 #include "host/interface.h"
@@ -36,12 +36,10 @@ void KeyPresentPose(CMAXNode& node) {
 
 std::int32_t BeginRecording(const std::vector<TVL::CoreElement*>& owners) {
     OpenRecording();
-    const std::vector<CMAXNode*>& nodes = AdaptorNodes().nodes;
-    for (std::size_t index = 0; index < nodes.size(); ++index) {
-        CMAXNode& node = *nodes[index];
-        const bool isMeant = std::ranges::find(owners, node.Owner()) != owners.end();
-        if (isMeant && node.IsRecordable()) KeyPresentPose(node);
-    }
+    const std::unordered_set<const TVL::CoreElement*> meant(owners.begin(), owners.end());
+    ForEachListedNode([&](CMAXNode& node) {
+        if (meant.contains(node.Owner()) && node.IsRecordable()) KeyPresentPose(node);
+    });
     return 0;
 }
 

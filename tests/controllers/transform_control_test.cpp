@@ -151,7 +151,7 @@ TEST_F(Transform, AChangeOfParentsKeepsTheWorldPathAtEveryKey) {
     EXPECT_EQ(control_->ChangeParents(0, oldParent, newParent, Matrix3()), 1);
     for (std::size_t i = 0; i < 3; ++i)
         ExpectNear(control_->table.keys[i].value * newParent, values[i] * oldParent, 1e-5f);
-    // The host takes it back by the opposite change.
+    // The opposite change takes it back as far as rounding goes.
     control_->ChangeParents(0, newParent, oldParent, Matrix3());
     for (std::size_t i = 0; i < 3; ++i)
         ExpectNear(control_->table.keys[i].value, values[i], 1e-5f);

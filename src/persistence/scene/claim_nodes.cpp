@@ -7,7 +7,6 @@
 
 #include "nodes/max_node.h"
 #include "nodes/node_reference.h"
-#include "persistence/scene/scene_walk.h"
 #include "persistence/scene/state_format.h"
 #include "persistence/scene/tagged_nodes.h"
 
@@ -48,14 +47,14 @@ void FindTaggedNodes(const std::string& pluginName, const NodeEntries& entries, 
     for (std::size_t index = 0; index < entries.size(); ++index)
         byName[NameOf(*entries[index])] = index;
 
-    TagsInScene& tags = NodesWithTags().inScene;
-    WalkScene([&](INode& node) {
-        const TagsInScene::Names* const tag = tags.NamesOn(node);
-        if (!tag || tag->plugin != pluginName) return;
-        const auto entry = byName.find(tag->object);
-        if (entry == byName.end() || claims[entry->second]) return;
-        claims[entry->second] = new CMAXNode(nullptr, &node);
-    });
+    TagsInScene readNow;
+    const auto& loads = NodesWithTags().loads;
+    TagsInScene& tags = loads.empty() ? readNow : *loads.back();
+    for (const auto& [name, index] : byName) {
+        if (claims[index]) continue;
+        INode* const host = tags.Find(pluginName, std::string(name));
+        if (host) claims[index] = new CMAXNode(nullptr, host);
+    }
 }
 
 void FindNodesByHandle(const NodeEntries& entries, Claims& claims) {

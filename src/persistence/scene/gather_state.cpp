@@ -33,10 +33,7 @@ class RunningGathering {
   public:
     RunningGathering() { NodesWithTags().running.push_back(list_); }
     ~RunningGathering() {
-        if (list_->IsAbandoned()) return;
-        TaggedNodeLists& lists = NodesWithTags();
-        lists.running.pop_back();
-        if (lists.running.empty()) lists.inScene.Forget();
+        if (!list_->IsAbandoned()) NodesWithTags().running.pop_back();
     }
     RunningGathering(const RunningGathering&) = delete;
     RunningGathering& operator=(const RunningGathering&) = delete;
@@ -80,9 +77,9 @@ StoredPlugins CollectNodeTags(TaggedNodeList& taggedNodes) {
 
 Handles ClaimedHandles() {
     Handles handles;
-    for (const CMAXNode* node : AdaptorNodes().nodes) {
-        if (INode* const host = node->HostNode()) handles.insert(host->GetHandle());
-    }
+    ForEachListedNode([&](const CMAXNode& node) {
+        if (INode* const host = node.HostNode()) handles.insert(host->GetHandle());
+    });
     return handles;
 }
 
@@ -135,7 +132,10 @@ void GatherSceneState() {
     if (!core || IsCoreLeaving()) return;
     RunningGathering gathering;
     const XMLNode state = StateTree(CollectNodeTags(gathering.List()));
-    const bool isTaken = CallCore("SetCoreState", [&] { core->SetCoreState(state); });
+    const bool isTaken = CallCore("SetCoreState", [&] {
+        const CoreLoads loading;
+        core->SetCoreState(state);
+    });
     ReportUnclaimed(gathering.List());
     ClearTags(gathering.List(), isTaken ? Handles() : UnclaimedHandles(gathering.List()));
 }

@@ -1,6 +1,5 @@
 #include "persistence/scene/node_tags.h"
 
-#include <cstddef>
 #include <memory>
 #include <optional>
 #include <set>
@@ -40,20 +39,18 @@ bool CarriesTag(CMAXNode& node) {
 // False if there is no owner in the list that has not been asked yet.
 bool AskNewOwners(OwnerStates& states) {
     bool isAnyNew = false;
-    const std::vector<CMAXNode*>& nodes = AdaptorNodes().nodes;
-    for (std::size_t index = 0; index < nodes.size(); ++index) {
-        CMAXNode& node = *nodes[index];
-        if (!CarriesTag(node)) continue;
+    ForEachListedNode([&](CMAXNode& node) {
+        if (!CarriesTag(node)) return;
         TVL::CoreElement* const owner = node.Owner();
         const auto [entry, isNew] = states.try_emplace(owner);
-        if (!isNew) continue;
+        if (!isNew) return;
         isAnyNew = true;
         XMLNode parts = Element("masternodes");
         if (!CallCore("extension 56 of an owner",
                       [&] { owner->HandleExtension(kSavingExtension, &parts); }))
             RecordOfState().isTagLost = true;
         entry->second.parts.Swap(parts);
-    }
+    });
     return isAnyNew;
 }
 
@@ -113,6 +110,7 @@ class TagRestore final : public RestoreObj {
 };
 
 void SetNodeTag(INode& host, const std::string& text) {
+    TagsHaveChanged();
     if (!theHold.Holding() || theHold.RestoreOrRedoing()) {
         host.SetUserPropString(kNodeTag, text);
         return;
@@ -127,12 +125,12 @@ void SetNodeTag(INode& host, const std::string& text) {
 // scene with half of its tags.
 void Store(Carrier carrier) {
     OwnerStates states = AskOwners();
-    for (CMAXNode* node : AdaptorNodes().nodes) {
-        if (!CarriesTag(*node)) continue;
-        const auto state = states.find(node->Owner());
-        if (state == states.end() || state->second.parts.children.empty()) continue;
-        SetNodeTag(*node->HostNode(), TagOf(*node, state->second, carrier).Write());
-    }
+    ForEachListedNode([&](CMAXNode& node) {
+        if (!CarriesTag(node)) return;
+        const auto state = states.find(node.Owner());
+        if (state == states.end() || state->second.parts.children.empty()) return;
+        SetNodeTag(*node.HostNode(), TagOf(node, state->second, carrier).Write());
+    });
 }
 
 // A copy that was made of a tagged node is none of the Core's, and its tag is a double. To be
@@ -144,8 +142,9 @@ void ClearCopiedTags() {
     });
     if (tagged.empty()) return;
     std::set<std::pair<std::string, std::string>> written;
-    for (const CMAXNode* node : AdaptorNodes().nodes)
-        written.emplace(PluginNameOf(node->Owner()), node->NodeName());
+    ForEachListedNode([&written](const CMAXNode& node) {
+        written.emplace(PluginNameOf(node.Owner()), node.NodeName());
+    });
     for (INode* node : tagged) {
         const XMLNode tag(*TagTextOn(*node));
         const std::pair names{tag.Child(kNameElement).Text(), tag.Child(kObjectNameElement).Text()};
@@ -167,9 +166,9 @@ void StoreStateForNextCore() {
 
 void ClearNodeTags() {
     AdaptorNodes().clearHostNode = nullptr;
-    for (const CMAXNode* node : AdaptorNodes().nodes) {
-        if (INode* const host = node->HostNode()) ClearNodeTag(*host);
-    }
+    ForEachListedNode([](const CMAXNode& node) {
+        if (INode* const host = node.HostNode()) ClearNodeTag(*host);
+    });
     ClearCopiedTags();
 }
 

@@ -8,6 +8,7 @@
 #include "nodes/node_list.h"
 #include "persistence/scene/older_state.h"
 #include "persistence/scene/state_format.h"
+#include "persistence/scene/tagged_nodes.h"
 #include "tvl/log.h"
 
 namespace {
@@ -20,6 +21,7 @@ constexpr const char* kUnread =
 
 // False if the Core could not take it. It may detach in the middle of the loading.
 bool HandToCore(const XMLNode& state) {
+    const CoreLoads loading;
     CoreInterface* const core = AttachedCore();
     return !core || CallCore("SetCoreState", [&] { core->SetCoreState(state); });
 }

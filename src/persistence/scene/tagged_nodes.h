@@ -42,38 +42,69 @@ class TaggedNodeList {
 // The text of the tag in the node's property; an emptied tag has an empty one.
 std::optional<std::string> TagTextOn(INode& node);
 
-// What the tags that the scene bears now say whose they are. A Core that loads asks once for each
-// of its plug-ins, so that a text is parsed again only if it is another one.
+// Who bears which tag in the scene, for a Core that asks for each of its plug-ins while it loads:
+// the scene is gone through once, and again only when tags can have come.
 class TagsInScene {
   public:
+    // The first node, in the order of the scene, whose tag bears these names now; null if there is
+    // none.
+    INode* Find(const std::string& pluginName, const std::string& objectName);
+
+    void MarkStale() { isRead_ = false; }
+
+    // The Core left.
+    void Abandon() { isAbandoned_ = true; }
+    bool IsAbandoned() const { return isAbandoned_; }
+
+  private:
     struct Names {
         std::string plugin;
         std::string object;
     };
-
-    // Null if the node bears no tag. Good until the next call.
-    const Names* NamesOn(INode& node);
-
-    void Forget() { read_.clear(); }
-
-  private:
     struct ReadTag {
         std::string text;
         Names names;
     };
-    std::unordered_map<std::uint32_t, ReadTag> read_;  // by the node's handle
+    using ByObjectName = std::unordered_map<std::string, std::vector<HostNodeLink>>;
+
+    const Names* NamesOn(INode& node);
+    void Read();
+    const std::vector<HostNodeLink>* Bearers(const std::string& pluginName,
+                                             const std::string& objectName) const;
+
+    std::unordered_map<std::uint32_t, ReadTag>
+        tags_;  // by handle; parsed again if the text changed
+    std::unordered_map<std::string, ByObjectName> byPluginName_;  // in the order of the scene
+    std::uint64_t arrivals_ = 0;                                  // when it was read
+    bool isRead_ = false;
+    bool isAbandoned_ = false;
 };
 
 // The lists of the gatherings that are running, the innermost last: while a Core loads or a box
 // shows, another merge can bring tags of its own. Each is shared with its gathering, which outlives
-// the adaptor if the host goes down meanwhile.
+// the adaptor if the host goes down meanwhile. The same for the calls in which a Core loads.
 struct TaggedNodeLists {
     std::vector<std::shared_ptr<TaggedNodeList>> running;
-    TagsInScene inScene;  // forgotten when the last of them ends
+    std::vector<std::shared_ptr<TagsInScene>> loads;
 };
 
 // The adaptor's lists.
 TaggedNodeLists& NodesWithTags();
+
+// Stands around a call in which the Core loads.
+class CoreLoads {
+  public:
+    CoreLoads();
+    ~CoreLoads();
+    CoreLoads(const CoreLoads&) = delete;
+    CoreLoads& operator=(const CoreLoads&) = delete;
+
+  private:
+    std::shared_ptr<TagsInScene> tags_ = std::make_shared<TagsInScene>();
+};
+
+// A tag in the scene has been written.
+void TagsHaveChanged();
 
 // No gathering clears another tag: what it has not done is left to the next Core.
 void AbandonGatherings();

@@ -201,7 +201,7 @@ void Play::FindUnsortedKeys(Faults& faults) const {
 void Play::FindWrongNodes(Faults& faults) {
     std::map<const CMAXNode*, int> listed;
     std::map<const INode*, std::vector<std::string>> on;
-    for (const CMAXNode* node : AdaptorNodes().nodes) {
+    for (const auto& [number, node] : AdaptorNodes().nodes) {
         if (listed[node]++ == 1) faults.push_back("a node is listed twice");
         on[node->HostNode()].push_back(node->NodeName());
     }
