@@ -25,7 +25,7 @@ class PositionRotationScale final : public Control {
     IOResult Load(ILoad* load) override;
     RefTargetHandle Clone(RemapDir& remap) override;
 
-    // Puts no record: the host calls it the other way round when the change is undone.
+    // Puts no record: the host's own brings back the controller as it was.
     int ChangeParents(TimeValue t, const Matrix3& oldParent, const Matrix3& newParent,
                       const Matrix3& world) override;
 

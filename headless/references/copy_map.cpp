@@ -1,6 +1,10 @@
 #include "references/copy_map.h"
 
+#include <algorithm>
+
 #include "headless/copies.h"
+#include "references/graveyard.h"
+#include "references/reference_book.h"
 
 namespace headless {
 
@@ -20,6 +24,30 @@ RefTargetHandle CopyMap::CloneRef(RefTargetHandle from) {
     RefTargetHandle const to = from->Clone(*this);
     copies_[from] = to;
     return to;
+}
+
+bool CopyMap::IsWhole() const {
+    return std::ranges::all_of(copies_, [](const auto& pair) { return pair.second != nullptr; });
+}
+
+std::vector<std::unique_ptr<ReferenceRecord>> CopyMap::Replacements() const {
+    std::vector<std::unique_ptr<ReferenceRecord>> records;
+    for (const auto& [from, to] : copies_) {
+        if (from == to) continue;
+        for (const auto& [maker, index] : ReferenceBook::DependentsOf(*from)) {
+            const bool isCopied =
+                std::ranges::any_of(copies_, [&](const auto& pair) { return pair.first == maker; });
+            if (maker == nullptr || isCopied) continue;
+            records.push_back(std::make_unique<ReferenceRecord>(*maker, index, from, to));
+        }
+    }
+    return records;
+}
+
+void CopyMap::Discard() {
+    for (const auto& [from, to] : copies_)
+        if (to != nullptr && from != to) Graveyard::Get().Release(*to);
+    copies_.clear();
 }
 
 RefTargetHandle CopyOf(ReferenceTarget& from) {

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <memory>
 #include <unordered_map>
+#include <vector>
 
 #include "host/reference.h"
+#include "references/reference_record.h"
 
 namespace headless {
 
@@ -13,6 +16,15 @@ class CopyMap final : public RemapDir {
     RefTargetHandle FindMapping(RefTargetHandle from) override;
     void AddEntry(RefTargetHandle from, RefTargetHandle to) override;
     RefTargetHandle CloneRef(RefTargetHandle from) override;
+
+    bool IsWhole() const;  // everything that was asked for could be copied
+
+    // The records that put each copy in the place of its original, for all who refer to that and
+    // have not been copied themselves. They have not been done yet.
+    std::vector<std::unique_ptr<ReferenceRecord>> Replacements() const;
+
+    // Ends the copies, of which nobody has made use.
+    void Discard();
 
   private:
     std::unordered_map<RefTargetHandle, RefTargetHandle> copies_;

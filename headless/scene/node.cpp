@@ -13,17 +13,7 @@ INode::~INode() = default;
 namespace headless {
 
 NodePtr SceneNode::New(std::uint32_t handle) {
-    return NodePtr(new SceneNode(handle), &SceneNode::Free);
-}
-
-void SceneNode::Free(SceneNode* node) {
-    node->ownerless_ = true;
-    node->DeleteMe();
-}
-
-// Who drops the last reference to a node does not free it: it is its owners'.
-void SceneNode::DeleteThis() {
-    if (ownerless_) delete this;
+    return NodePtr(new SceneNode(handle), [](SceneNode* node) { delete node; });
 }
 
 const SceneNode& SceneNode::Met(const char* operation) const {

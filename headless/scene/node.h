@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/node.h"
+#include "scene/child_list.h"
 
 namespace headless {
 
@@ -38,7 +39,7 @@ class SceneNode final : public INode, public std::enable_shared_from_this<SceneN
     INode* GetParentNode() override { return Met("GetParentNode").parent_; }
     bool IsRootNode() override { return handle_ == 0; }
     int NumberOfChildren() override {
-        return static_cast<int>(Met("NumberOfChildren").children_.size());
+        return static_cast<int>(Met("NumberOfChildren").children_.Size());
     }
     INode* GetChildNode(int index) override;
     void AttachChild(INode* child, int keepTM) override;
@@ -73,7 +74,7 @@ class SceneNode final : public INode, public std::enable_shared_from_this<SceneN
     void GetClassName(HostString& name) override { name = "Node"; }
     SClass_ID SuperClassID() override { return kNodeSuperClass; }
     Class_ID ClassID() override { return {kNodeSuperClass, 0}; }
-    void DeleteThis() override;
+    void DeleteThis() override {}  // who drops a node does not free it: it is its owners'
 
     // "Transform" alone.
     int NumSubs() override { return 1; }
@@ -95,13 +96,18 @@ class SceneNode final : public INode, public std::enable_shared_from_this<SceneN
 
     // For those who keep the scene's books; none of these is undoable.
     SceneNode* Parent() const { return parent_; }
-    const std::vector<SceneNode*>& Children() const { return children_; }
+    const ChildList& Children() const { return children_; }
     const std::string& Name() const { return look_.name; }
     const auto& UserProps() const { return look_.userProps; }
-    std::size_t IndexInParent() const;
+    std::size_t IndexInParent() const { return ChildList::IndexOf(link_); }
     void Hang(SceneNode& parent, std::size_t index);  // from nowhere
     void Unhang();
     void Abandon();  // forgets parent and children
+
+    // Moves the node to another place, which becomes the one that it had. False, and nothing done:
+    // one of them is not in the scene any more, or the node would hang below itself.
+    bool Rehang(NodePtr& parent, std::size_t& index);
+
     void MarkSelected(bool selected) { selected_ = selected; }
     bool IsSelected() const { return selected_; }
     std::uint32_t Handle() const { return handle_; }
@@ -113,7 +119,6 @@ class SceneNode final : public INode, public std::enable_shared_from_this<SceneN
 
     explicit SceneNode(std::uint32_t handle) : handle_(handle) {}
     ~SceneNode() override = default;
-    static void Free(SceneNode* node);
 
     // Where a guest comes in, who should know whether the node is there.
     const SceneNode& Met(const char* operation) const;
@@ -124,14 +129,14 @@ class SceneNode final : public INode, public std::enable_shared_from_this<SceneN
     std::uint32_t handle_;
     NodeLook look_;
     SceneNode* parent_ = nullptr;
-    std::vector<SceneNode*> children_;
+    ChildList children_;
+    ChildLink link_{*this};  // in the parent's children
     Control* transform_ = nullptr;
     Object* object_ = nullptr;
     ObjectState evaluated_;
     Material material_;
     bool selected_ = false;
-    bool left_ = false;       // was in the scene, and is not now
-    bool ownerless_ = false;  // on its way to be freed
+    bool left_ = false;  // was in the scene, and is not now
 };
 
 }  // namespace headless

@@ -1,11 +1,6 @@
-#include <algorithm>
-#include <utility>
-
 #include "breaches/breach_book.h"
-#include "host/animate.h"
-#include "host/hold.h"
-#include "objects/undoable.h"
 #include "scene/node.h"
+#include "scene/parent_change.h"
 #include "scene/scene.h"
 #include "scene/timeline.h"
 
@@ -14,32 +9,23 @@ namespace headless {
 INode* SceneNode::GetChildNode(int index) {
     Met("GetChildNode");
     if (index < 0 || index >= NumberOfChildren()) return nullptr;
-    return children_[static_cast<std::size_t>(index)];
-}
-
-std::size_t SceneNode::IndexInParent() const {
-    const auto& siblings = parent_->children_;
-    return static_cast<std::size_t>(std::find(siblings.begin(), siblings.end(), this) -
-                                    siblings.begin());
+    return children_.At(static_cast<std::size_t>(index));
 }
 
 void SceneNode::Hang(SceneNode& parent, std::size_t index) {
-    auto& siblings = parent.children_;
-    const auto place = static_cast<std::ptrdiff_t>(std::min(index, siblings.size()));
-    siblings.insert(siblings.begin() + place, this);
+    parent.children_.Insert(index, link_);
     parent_ = &parent;
 }
 
 void SceneNode::Unhang() {
     if (!parent_) return;
-    parent_->children_.erase(parent_->children_.begin() +
-                             static_cast<std::ptrdiff_t>(IndexInParent()));
+    parent_->children_.Remove(link_);
     parent_ = nullptr;
 }
 
 void SceneNode::Abandon() {
     parent_ = nullptr;
-    children_.clear();
+    children_.Forget();
 }
 
 void SceneNode::AttachChild(INode* child, int keepTM) {
@@ -64,49 +50,23 @@ bool SceneNode::HangsBelow(const SceneNode& node) const {
     return false;
 }
 
-namespace {
-
-// The parents' matrices of a move that keeps the world transform; swapped at every flip.
-struct KeptTransform {
-    TimeValue t;
-    Matrix3 from;
-    Matrix3 to;
-    Matrix3 world;
-};
-
-void Keep(SceneNode& node, KeptTransform& kept) {
-    Control* controller = node.GetTMController();
-    const bool adapted =
-        controller && controller->ChangeParents(kept.t, kept.from, kept.to, kept.world) != 0;
-    std::swap(kept.from, kept.to);
-    // What a controller cannot adapt is set anew, which is a record of its own.
-    if (adapted || theHold.RestoreOrRedoing()) return;
-    SuspendAnimate();
-    node.SetNodeTM(kept.t, kept.world);
-    ResumeAnimate();
+bool SceneNode::Rehang(NodePtr& parent, std::size_t& index) {
+    if (!parent_ || !TheScene().IsThere(*parent) || parent->HangsBelow(*this)) return false;
+    const NodePtr here = parent_->shared_from_this();
+    const std::size_t indexHere = IndexInParent();
+    Unhang();
+    Hang(*parent, index);
+    parent = here;
+    index = indexHere;
+    return true;
 }
-
-}  // namespace
 
 void SceneNode::MoveTo(SceneNode& parent, TimeValue t, int keepTM) {
     if (&parent == parent_ || parent.HangsBelow(*this)) return;
-    KeptTransform kept{t, {}, {}, {}};
-    if (keepTM != 0) {
-        kept.from = parent_->GetNodeTM(t, nullptr);
-        kept.to = parent.GetNodeTM(t, nullptr);
-        kept.world = GetNodeTM(t, nullptr);
-    }
-    Undoably([self = shared_from_this(), other = parent.shared_from_this(),
-              index = parent.children_.size(), keepTM, kept]() mutable {
-        if (!self->parent_ || !TheScene().IsThere(*other) || other->HangsBelow(*self)) return;
-        const NodePtr here = self->parent_->shared_from_this();
-        const std::size_t indexHere = self->IndexInParent();
-        self->Unhang();
-        self->Hang(*other, index);
-        other = here;
-        index = indexHere;
-        if (keepTM != 0) Keep(*self, kept);
-    });
+    if (keepTM != 0)
+        MoveAndKeepWorld(*this, parent, t);
+    else
+        MoveWithParent(*this, parent);
 }
 
 }  // namespace headless

@@ -61,13 +61,13 @@ SceneNode* Scene::CreateObjectNode(Object* object) {
 }
 
 void Scene::Add(const NodePtr& node, SceneNode& parent) {
-    FlipPresence(node, parent.shared_from_this(), parent.Children().size(), false);
+    FlipPresence(node, parent.shared_from_this(), parent.Children().Size(), false);
 }
 
 void Scene::Delete(SceneNode& node) {
     if (!Contains(&node)) return;
     SceneNode& parent = *node.Parent();
-    for (SceneNode* child : std::vector(node.Children()))
+    for (SceneNode* child : node.Children().InOrder())
         parent.AttachChild(child, 1);
     Deselect(node);
     FlipPresence(node.shared_from_this(), parent.shared_from_this(), node.IndexInParent(), true);
@@ -99,10 +99,10 @@ void Scene::Leave(SceneNode& node) {
     if (!Contains(&node)) return;
     Deselect(node);
     SceneNode& parent = *node.Parent();
-    while (!node.Children().empty()) {
-        SceneNode& child = *node.Children().front();
+    while (node.Children().Size() > 0) {
+        SceneNode& child = *node.Children().At(0);
         child.Unhang();
-        child.Hang(parent, parent.Children().size());
+        child.Hang(parent, parent.Children().Size());
     }
     node.Unhang();
     names_.Remove(node.Name());
@@ -114,12 +114,17 @@ void Scene::Leave(SceneNode& node) {
 std::vector<SceneNode*> Scene::InOrder() const {
     std::vector<SceneNode*> order;
     if (!root_) return order;
-    std::vector<SceneNode*> ahead(root_->Children().rbegin(), root_->Children().rend());
+    std::vector<SceneNode*> ahead;
+    const auto putChildrenAhead = [&ahead](const SceneNode& node) {
+        const std::vector<SceneNode*> children = node.Children().InOrder();
+        ahead.insert(ahead.end(), children.rbegin(), children.rend());
+    };
+    putChildrenAhead(*root_);
     while (!ahead.empty()) {
         SceneNode* node = ahead.back();
         ahead.pop_back();
         order.push_back(node);
-        ahead.insert(ahead.end(), node->Children().rbegin(), node->Children().rend());
+        putChildrenAhead(*node);
     }
     return order;
 }

@@ -1,6 +1,9 @@
 #include "scene/selection.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <map>
+#include <unordered_set>
 #include <utility>
 
 #include "objects/undoable.h"
@@ -10,22 +13,19 @@
 namespace headless {
 namespace {
 
-std::vector<SceneNode*> selection;
-
-auto PlaceOf(SceneNode& node) {
-    return std::lower_bound(
-        selection.begin(), selection.end(), node.Handle(),
-        [](SceneNode* other, std::uint32_t handle) { return other->Handle() < handle; });
-}
+std::map<std::uint32_t, SceneNode*> selection;  // by handle
+std::vector<SceneNode*> inOrder;                // the same, where somebody has asked since
+bool isInOrder = true;
 
 void Toggle(SceneNode& node) {
     if (node.IsSelected())
-        selection.erase(PlaceOf(node));
+        selection.erase(node.Handle());
     else if (TheScene().Contains(&node))
-        selection.insert(PlaceOf(node), &node);
+        selection.emplace(node.Handle(), &node);
     else
         return;
     node.MarkSelected(!node.IsSelected());
+    isInOrder = false;
 }
 
 void ToggleAll(const std::vector<SceneNode*>& nodes) {
@@ -55,14 +55,24 @@ std::vector<SceneNode*> Those(const std::vector<SceneNode*>& nodes, bool selecte
 }  // namespace
 
 const std::vector<SceneNode*>& SelectedNodes() {
-    return selection;
+    if (isInOrder) return inOrder;
+    inOrder.clear();
+    for (const auto& [handle, node] : selection)
+        inOrder.push_back(node);
+    isInOrder = true;
+    return inOrder;
+}
+
+SceneNode* SoleSelectedNode() {
+    return selection.size() == 1 ? selection.begin()->second : nullptr;
 }
 
 void SelectNodes(const std::vector<SceneNode*>& nodes, bool clearFirst) {
     std::vector<SceneNode*> toggled = Those(nodes, false);
     if (clearFirst) {
-        for (SceneNode* node : selection) {
-            if (std::find(nodes.begin(), nodes.end(), node) == nodes.end()) toggled.push_back(node);
+        const std::unordered_set<const SceneNode*> staying(nodes.begin(), nodes.end());
+        for (const auto& [handle, node] : selection) {
+            if (!staying.contains(node)) toggled.push_back(node);
         }
     }
     ToggleAll(toggled);
@@ -77,13 +87,15 @@ void Deselect(SceneNode& node) {
 }
 
 void ClearSelection() {
-    ToggleAll(std::vector(selection));
+    ToggleAll(SelectedNodes());
 }
 
 void ForgetSelection() {
-    for (SceneNode* node : selection)
+    for (const auto& [handle, node] : selection)
         node->MarkSelected(false);
     selection.clear();
+    inOrder.clear();
+    isInOrder = true;
 }
 
 }  // namespace headless

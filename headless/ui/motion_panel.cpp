@@ -8,8 +8,9 @@
 namespace headless {
 
 void MotionPanel::Open() {
-    if (edited_ || SelectedNodes().size() != 1) return;
-    edited_ = SelectedNodes().front()->GetTMController();
+    SceneNode* const node = edited_ ? nullptr : SoleSelectedNode();
+    if (!node) return;
+    edited_ = node->GetTMController();
     if (edited_) edited_->BeginEditParams(GetCOREInterface(), 0, nullptr);
 }
 

@@ -27,7 +27,7 @@ class HOST_API Control : public ReferenceTarget {
     virtual void Copy(Control* from);
 
     // The world transform of the node stays while its parent changes from `oldParent` to
-    // `newParent`; called the other way round when that is undone. Non-zero: the keys were adapted.
+    // `newParent`; no record is put, the host's own brings all back. Non-zero: keys were adapted.
     virtual int ChangeParents(TimeValue t, const Matrix3& oldParent, const Matrix3& newParent,
                               const Matrix3& world);
 

@@ -78,7 +78,7 @@ void BeginGroup(Play& play) {
 // What a cancel brings back of a deletion by the user the host deletes all the same.
 void CancelGroup(Play& play) {
     if (DeletionInProgress().deletingNodes)
-        for (const CMAXNode* node : AdaptorNodes().nodes)
+        for (const auto& [number, node] : AdaptorNodes().nodes)
             play.loose.insert(node->NodeName());
     play.Adaptor().CancelUndoGroup();
 }
