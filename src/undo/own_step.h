@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/thrown.h"
 #include "host/hold.h"
 
 // Whether a hold can be begun: none is open, and the host is not undoing, redoing or cancelling.
@@ -17,8 +18,11 @@ class OwnStep {
     explicit OwnStep(const char* stepLabel) : label(stepLabel), begun(CanBeginHold()) {
         if (begun) theHold.Begin();
     }
+    // Records of others can be in the hold, and throw when it ends.
     ~OwnStep() {
-        if (begun && theHold.Holding()) theHold.Accept(label);
+        if (!begun || !theHold.Holding()) return;
+        const auto thrown = TVL::ThrownBy([this] { theHold.Accept(label); });
+        if (thrown) TVL::TraceThrown(label, *thrown);
     }
     OwnStep(const OwnStep&) = delete;
     OwnStep& operator=(const OwnStep&) = delete;

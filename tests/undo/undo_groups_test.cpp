@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 #include "host/hold.h"
 #include "host/interface.h"
 #include "support/trace.h"
 #include "support/world.h"
 #include "tvl/error_code.h"
+#include "undo/own_step.h"
 
 namespace {
 
@@ -208,6 +211,20 @@ TEST_F(UndoGroupsTest, OwnershipGoesWithTheHold) {
             }
         }
     }
+}
+
+TEST_F(UndoGroupsTest, ARecordThatThrowsWhenAStepOfOurOwnEndsIsTraced) {
+    struct Failing final : RestoreObj {
+        void Restore(int) override {}
+        void Redo() override {}
+        void EndHold() override { throw std::runtime_error("no mood"); }
+    };
+    {
+        const OwnStep step("own");
+        theHold.Put(new Failing);
+    }
+    EXPECT_EQ(world.Session().UndoLabels(), Names{"own"});
+    EXPECT_EQ(TimesTraced("Exception out of own: no mood\n"), 1U);
 }
 
 TEST_F(UndoGroupsTest, AnUnusualNestWarnsAndWorks) {
