@@ -61,6 +61,7 @@ class MessageNode {
     // is listened to already.
     virtual std::int32_t Listen(MessageNode* node);
 
+    // Sends kStoppedListening to `node`, then ends the link, also if that throws.
     virtual std::int32_t StopListening(MessageNode* node);
 
     virtual std::string GetName() const;

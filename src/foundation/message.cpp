@@ -107,9 +107,17 @@ std::int32_t MessageNode::StopListening(MessageNode* node) {
     if (node == nullptr) return ValueOf(kNullNode);
     if (!Contains(listeningTo, node)) return Report(kNotListening);
     if (!Contains(node->listeners, this)) return ValueOf(kLinkMismatch.identifier);
-    Tell(node, Message::kStoppedListening, " has stopped listening to ");
     // The receiver may have ended the link itself, even by its own end.
-    if (Contains(listeningTo, node)) Unlink(this, node);
+    const auto endLink = [&] {
+        if (Contains(listeningTo, node)) Unlink(this, node);
+    };
+    try {
+        Tell(node, Message::kStoppedListening, " has stopped listening to ");
+    } catch (...) {
+        endLink();
+        throw;
+    }
+    endLink();
     return 0;
 }
 

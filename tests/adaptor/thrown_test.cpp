@@ -1,6 +1,7 @@
 #include <stdexcept>
 
 #include "adaptor/attach_panel.h"
+#include "adaptor/max_adaptor_interface.h"
 #include "host/animate.h"
 #include "host/hold.h"
 #include "nodes/node_test.h"
@@ -65,6 +66,10 @@ class Button final : public TVL::Util::MessageNode {
   public:
     explicit Button(std::function<void()> act) : MessageNode("button"), act_(std::move(act)) {}
     void Receive(TVL::Util::Message*, bool) override { act_(); }
+    std::int32_t Send(TVL::Util::MessageNode*, TVL::Util::Message*) override {
+        act_();
+        return 0;
+    }
 
   private:
     std::function<void()> act_;
@@ -152,8 +157,10 @@ TEST_F(Thrown, CountsAsNoAnswerOfRegistriesAndMessageNodes) {
     UtilityManager::Get().AttachCore();
     EXPECT_EQ(AttachedCore(), &world.Core());
     ExpectNothingOpen("Receive");
+    EXPECT_THROW(button.Listen(MaxAdaptorInterface::GetInstance()), std::runtime_error);
     UtilityManager::Get().DetachCore();
     EXPECT_EQ(button.GetListenerCount(), 0);
+    EXPECT_EQ(MaxAdaptorInterface::GetInstance()->GetListenerCount(), 0);
     EXPECT_EQ(TimesTraced("Exception out of Receive: no mood\n"), 2U) << Trace();
 
     Registry registry;

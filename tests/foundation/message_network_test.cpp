@@ -47,6 +47,10 @@ class MessageNetwork : public FreshSingletons {
 TEST_F(MessageNetwork, AListenerThatThrowsKeepsNothingFromTheOthers) {
     for (Listener* listener : {&a, &b})
         listener->Listen(&source);
+    a.Listen(&b);
+    b.onReceive = [](Message&) { throw std::runtime_error("no mood"); };
+    EXPECT_THROW(a.StopListening(&b), std::runtime_error);
+    EXPECT_FALSE(a.IsListeningTo(&b) || b.IsListener(&a));
     b.onReceive = [](Message& message) {
         if (message.id != Message::kStoppedListening) throw std::runtime_error("no mood");
     };
