@@ -48,7 +48,8 @@ void OnFilePreSave(void*, NotifyInfo*) {
     if (!AttachedCore()) return;
     RecordOfState().isTagLost = false;
     const auto thrown = TVL::ThrownBy(&StoreSceneState);
-    AdaptorNodes().clearHostNode = IsCoreLeaving() ? nullptr : ClearNodeTag;
+    const bool tagsStay = IsCoreLeaving() || !AttachedCore();
+    AdaptorNodes().clearHostNode = tagsStay ? nullptr : ClearNodeTag;
     if (!thrown) return;
     TVL::TraceThrown("the storing of tags", *thrown);
     RecordOfState().isTagLost = true;

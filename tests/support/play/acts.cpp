@@ -89,6 +89,7 @@ void AddChunk(Play& play) {
 }
 
 void BeginRecording(Play& play) {
+    NoteWhatIsUnrecorded(play);
     ++play.recordings;
     play.Adaptor().BeginRecording({&play.choices.OneOf(play.rigs)});
 }
@@ -259,6 +260,7 @@ void Flush(Play& play) {
 void Merge(Play& play) {
     if (SceneNodes().size() > kLargestScene / 2) return;
     play.leftNoRecord = true;
+    play.ExcuseGoneNodes();
     for (TVL::CNode* node : play.Adaptor().MergeModels(play.AnyFile()))
         if (node) static_cast<TVL::CoreNode*>(node)->Destroy();
 }

@@ -29,6 +29,19 @@ void Collect(INode& parent, std::vector<INode*>& nodes) {
     }
 }
 
+// A mark that is afterwards what it was, also if something is thrown.
+class Kept {
+  public:
+    explicit Kept(bool& mark) : mark_(mark), was_(mark) {}
+    ~Kept() { mark_ = was_; }
+    Kept(const Kept&) = delete;
+    Kept& operator=(const Kept&) = delete;
+
+  private:
+    bool& mark_;
+    bool was_;
+};
+
 }  // namespace
 
 std::vector<INode*> SceneNodes() {
@@ -79,13 +92,14 @@ void Play::Hear(const std::string& moment) {
 
 void Play::Meet(const std::string& moment) {
     if (!onMoment || isGone_) return;
+    const Kept kept(sceneGoes_);
     if (moment == "released") sceneGoes_ = true;  // it may be why
     onMoment(moment);
-    if (moment == "released") sceneGoes_ = false;
 }
 
 // The puppet's words are its calls, some with what was given behind them.
 void Play::Answer(const std::string& call) {
+    const Kept kept(sceneGoes_);
     world.Core().TakeCalls();
     Hear(call);
     if (call == "get state")
@@ -100,7 +114,6 @@ void Play::Answer(const std::string& call) {
          {"get state", "set state", "reset", "show", "time", "stop", "bind", "option node"}) {
         if (call.starts_with(moment)) Meet(moment);
     }
-    sceneGoes_ = false;
 }
 
 // A name that is taken, as when a scene is merged into itself, gives way to a new one. Claims leave
@@ -166,6 +179,13 @@ TVL::CoreNode* Play::AnyNode() {
         for (TVL::CoreNode* node : rig.Nodes())
             nodes.push_back(node);
     return nodes.empty() ? nullptr : choices.OneOf(nodes);
+}
+
+void Play::ExcuseGoneNodes() {
+    for (const Rig& rig : rigs)
+        for (const auto& [node, restored] : rig.heard)
+            if (!restored && IsAlive(static_cast<TVL::CoreNode*>(node)))
+                loose.insert(node->GetNodeName());
 }
 
 Rig& Play::OwnerOf(TVL::CoreNode* node) {

@@ -90,6 +90,9 @@ class Play {
     // go on holding them.
     std::set<std::string> loose;
 
+    // A step that ends in the middle of a deletion parts the adaptor's record from the host's.
+    void ExcuseGoneNodes();
+
     void Fail(std::string fault) { noted_.push_back(std::move(fault)); }
     void Hear(const std::string& moment);  // at the beginning of the call
     void Meet(const std::string& moment);  // and in its midst, unless the Core has left in it
