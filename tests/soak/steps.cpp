@@ -1,8 +1,10 @@
+#include <algorithm>
 #include <set>
 #include <string_view>
 
 #include "core_link/core_link.h"
 #include "headless/primitives.h"
+#include "headless/scene_view.h"
 #include "host/animate.h"
 #include "host/hold.h"
 #include "host/interface.h"
@@ -137,11 +139,19 @@ bool HasDoubles(Soak& soak) {
     return names.size() < count || handles.size() < count;
 }
 
+// What a Core that threw while it loaded has not taken waits for the next opening.
+bool HasUnclaimedTags() {
+    return std::ranges::any_of(headless::Nodes(), [](const headless::NodeView& node) {
+        const auto tag = node.userProperties.find("TVL_tag");
+        return tag != node.userProperties.end() && !tag->second.empty();
+    });
+}
+
 void SaveAndOpen(Soak& soak) {
     soak.play.Settle();
     soak.play.leftNoRecord = true;
     if (theHold.Holding() || HasDoubles(soak)) return;
-    const bool isPlain = !soak.armed;
+    const bool isPlain = !soak.armed && !HasUnclaimedTags();
     const std::string file = (soak.play.world.Folder() / "a.scene").string();
     if (!soak.play.Session().SaveScene(file).error.empty())
         return soak.Fail(isPlain ? "a save was refused" : "");
