@@ -48,19 +48,25 @@ class LiveInstances {
     // made is not visited, what is gone is left out.
     template <class Visit>
     void ForEachFromLast(Visit visit) {
-        Walk walk{last_, walks_};
-        walks_ = &walk;
+        Walk walk(*this);
         while (C* object = walk.upcoming) {
             walk.upcoming = object->liveLink.previous;
             visit(*object);
         }
-        walks_ = walk.outer;
     }
 
   private:
+    // Ends with its visit, also when that throws.
     struct Walk {
+        explicit Walk(LiveInstances& all)
+            : upcoming(all.last_), outer(std::exchange(all.walks_, this)), walked(all) {}
+        ~Walk() { walked.walks_ = outer; }
+        Walk(const Walk&) = delete;
+        Walk& operator=(const Walk&) = delete;
+
         C* upcoming;
         Walk* outer;
+        LiveInstances& walked;
     };
 
     using Places = std::unordered_set<const void*>;  // bases lie where their object does
