@@ -75,8 +75,8 @@ std::vector<std::byte> SceneFileReader::BytesOf(const StoredRange& range) {
 std::vector<std::string> SceneFileReader::OpenIntoScene() {
     const TimeValue before = CurrentTime();
     RestoreSettings(document_.settings);
+    std::vector<NodePtr> nodes;  // beyond the objects, which nodes that fail would end
     BuiltObjects objects(*this);
-    std::vector<NodePtr> nodes;
     for (const StoredNode& stored : document_.nodes)
         nodes.push_back(SceneNode::New(stored.handle));
     PutIntoScene(document_, objects, nodes);
@@ -91,8 +91,8 @@ std::vector<SceneNode*> SceneFileReader::MergeIntoScene(std::vector<std::string>
         throw SceneFileError(path_ + ": the file's unit has another size than the scene's");
     if (settings.frameRate * settings.ticksPerFrame != GetFrameRate() * GetTicksPerFrame())
         throw SceneFileError(path_ + ": a second of the file has another number of ticks");
+    std::vector<NodePtr> nodes;  // as above
     BuiltObjects objects(*this);
-    std::vector<NodePtr> nodes;
     std::vector<SceneNode*> merged;
     for (std::size_t i = 0; i < document_.nodes.size(); ++i) {
         nodes.push_back(TheScene().NewNode());
