@@ -135,24 +135,25 @@ class Verb:
         self.after = folder_files(place.scenes)
         self.sound, self.guard = set(), threading.Lock()
 
-    def is_as_good(self, place, name, content):
-        """Whether another process finds in a scene what it finds in the one of the clean run."""
+    def is_as_good(self, place, name, content, keeps_old):
+        """Whether another process finds in a scene what it finds in the one of the clean run; or opens
+        it to the same words, if the run has told that it keeps what could not be read beside that."""
         if content == self.after[name]:
             return True
         with self.guard:
-            if not name.endswith(".scene") or (name, content) in self.sound:
+            if not name.endswith(".scene") or (name, content, keeps_old) in self.sound:
                 return name.endswith(".scene")
             found = place.run(f"open {name}")
             (place.scenes / "compared").write_bytes(self.after[name])
             differs = place.run(f"diff compared {name}").status != 0
             (place.scenes / "compared").rename(place.scenes / name)
-            is_sound = not differs and found.out == place.must(f"open {name}").out
+            is_sound = (keeps_old or not differs) and found.out == place.must(f"open {name}").out
             (place.scenes / name).write_bytes(content)
             if is_sound:
-                self.sound.add((name, content))
+                self.sound.add((name, content, keeps_old))
             return is_sound
 
-    def fault_in_folder(self, place, is_done, may_leave):
+    def fault_in_folder(self, place, is_done, keeps_old, may_leave):
         now = folder_files(place.scenes)
         for name, content in self.after.items():
             before = self.before.get(name)
@@ -163,7 +164,7 @@ class Verb:
                 if now[name] != before:
                     return f"{name} has changed"
             elif not (now[name] == before and not is_done) and \
-                    not self.is_as_good(place, name, now[name]):
+                    not self.is_as_good(place, name, now[name], keeps_old):
                 return f"{name} is not what was to be saved" if is_done else \
                     f"{name} is neither old nor new"
         for name in now.keys() - self.after.keys():
@@ -215,7 +216,8 @@ def attempt(place, verb, kind, n):
         fault = verb.fault_in_words(kind, ending)
     if not fault and not may_leave and any((place.home / "tmp").iterdir()):
         fault = "a scratch file is left"
-    fault = fault or verb.fault_in_folder(place, ending.status == 0, may_leave)
+    keeps_old = has_complaint(ending) and "kept as they are stored" in ending.out
+    fault = fault or verb.fault_in_folder(place, ending.status == 0, keeps_old, may_leave)
     if not fault and is_killed:
         fault = fault_in_next_save(place)
     return ending, fault
