@@ -171,6 +171,7 @@ void Delete(Play& play, bool withHostNode) {
     TVL::CoreNode* const node = play.AnyNode();
     if (!node) return;
     NoteWhatIsUnrecorded(play);
+    if (!play.Adaptor().IsHoldingUndo()) play.ExcuseGoneNodes();
     play.OwnerOf(node).Delete(node, withHostNode);
 }
 
@@ -257,6 +258,11 @@ void Flush(Play& play) {
     play.Adaptor().FlushUndoBuffer();
 }
 
+void PerformUndo(Play& play) {
+    if (play.IsSceneUnsure()) play.ExcuseGoneNodes();
+    play.Adaptor().PerformUndo();
+}
+
 void Merge(Play& play) {
     if (SceneNodes().size() > kLargestScene / 2) return;
     play.leftNoRecord = true;
@@ -313,7 +319,7 @@ constexpr Act kActs[] = {
     {"convert all", ConvertAll},
     {"run or stop", RunOrStop},
     {"set time", [](Play& play) { play.Adaptor().SetCurrentTime(AnyTime(play)); }},
-    {"undo", [](Play& play) { play.Adaptor().PerformUndo(); }},
+    {"undo", PerformUndo},
     {"flush", Flush},
     {"merge", Merge},
     {"throw", [](Play&) { throw std::runtime_error("thrown by the Core"); }},

@@ -161,7 +161,6 @@ void Play::ReleaseLast() {
     if (IsAlive(out.node)) out.node->ReleaseSnapshot(out.snapshot);
 }
 
-// What is made now may be gone in a moment without a word.
 bool Play::IsSceneUnsure() const {
     return theHold.RestoreOrRedoing() || sceneGoes_;
 }
@@ -184,8 +183,7 @@ TVL::CoreNode* Play::AnyNode() {
 void Play::ExcuseGoneNodes() {
     for (const Rig& rig : rigs)
         for (const auto& [node, restored] : rig.heard)
-            if (!restored && IsAlive(static_cast<TVL::CoreNode*>(node)))
-                loose.insert(node->GetNodeName());
+            if (!restored && IsAlive(node)) loose.insert(node->GetNodeName());
 }
 
 Rig& Play::OwnerOf(TVL::CoreNode* node) {
@@ -197,7 +195,7 @@ std::string Play::AnyFile() {
     return (world.Folder() / (choices.Chance() ? "b.scene" : "a.scene")).string();
 }
 
-bool Play::IsAlive(const TVL::CoreNode* node) const {
+bool Play::IsAlive(const TVL::CNode* node) const {
     const CMAXNode* alive = CMAXNode::NewestAlive();
     while (alive && alive != node)
         alive = alive->OlderAlive();

@@ -90,8 +90,11 @@ class Play {
     // go on holding them.
     std::set<std::string> loose;
 
-    // A step that ends in the middle of a deletion parts the adaptor's record from the host's.
+    // For what ends a scene node that a record of the adaptor's may still bring a node back for: a
+    // deletion outside every group, a step that ends in the middle of a deletion, and an undo in a
+    // scene that goes.
     void ExcuseGoneNodes();
+    bool IsSceneUnsure() const;  // what is made now may be gone in a moment without a word
 
     void Fail(std::string fault) { noted_.push_back(std::move(fault)); }
     void Hear(const std::string& moment);  // at the beginning of the call
@@ -107,8 +110,7 @@ class Play {
     void Answer(const std::string& call);
     void Load(const XMLNode& state);
     void Leave();
-    bool IsSceneUnsure() const;
-    bool IsAlive(const TVL::CoreNode* node) const;
+    bool IsAlive(const TVL::CNode* node) const;
     void FindUnsortedKeys(Faults& faults) const;
     void FindWrongNodes(Faults& faults);
     void FindFalseWords(Faults& faults);
