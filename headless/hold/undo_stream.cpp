@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <ranges>
 #include <utility>
 
 #include "breaches/breach_book.h"
@@ -35,13 +34,13 @@ UndoStream& UndoStream::Get() {
 }
 
 // Every record is met, also when one of them throws.
-template <class Range, class Act>
-FirstThrown UndoStream::Run(const char* what, Range&& records, Act act) {
+template <class Place, class Act>
+FirstThrown UndoStream::Run(const char* what, Place first, Place last, Act act) {
     const HostEvent event(what);
     FirstThrown thrown;
     running_ = true;
-    for (const auto& record : records)
-        thrown.Try([&] { act(*record); });
+    for (; first != last; ++first)
+        thrown.Try([&] { act(**first); });
     running_ = false;
     return thrown;
 }
@@ -82,7 +81,7 @@ void UndoStream::Cancel() {
     if (!Takes("Hold::Cancel")) return;
     holding_ = false;
     Records records = std::exchange(open_, {});
-    const FirstThrown thrown = Run("a cancel", std::views::reverse(records),
+    const FirstThrown thrown = Run("a cancel", records.rbegin(), records.rend(),
                                    [](RestoreObj& record) { record.Restore(0); });
     Drop(std::move(records));
     FlushIfAsked();
@@ -99,7 +98,8 @@ bool UndoStream::Undo() {
     redo_.push_back({});
     redo_.back() = std::move(undo_.back());
     undo_.pop_back();
-    const FirstThrown thrown = Run("undo", std::views::reverse(redo_.back().records),
+    const Records& records = redo_.back().records;
+    const FirstThrown thrown = Run("undo", records.rbegin(), records.rend(),
                                    [](RestoreObj& record) { record.Restore(1); });
     FlushIfAsked();
     thrown.Rethrow();
@@ -111,8 +111,9 @@ bool UndoStream::Redo() {
     undo_.push_back({});
     undo_.back() = std::move(redo_.back());
     redo_.pop_back();
+    const Records& records = undo_.back().records;
     const FirstThrown thrown =
-        Run("redo", undo_.back().records, [](RestoreObj& record) { record.Redo(); });
+        Run("redo", records.begin(), records.end(), [](RestoreObj& record) { record.Redo(); });
     FlushIfAsked();
     thrown.Rethrow();
     return true;

@@ -50,8 +50,8 @@ class UndoStream {
         Records records;  // in the order in which they were put
     };
 
-    template <class Range, class Act>
-    FirstThrown Run(const char* what, Range&& records, Act act);
+    template <class Place, class Act>
+    FirstThrown Run(const char* what, Place first, Place last, Act act);
     bool Takes(const char* call) const;  // a hold is open for this call
     void FlushIfAsked();
     void Drop(Records records);

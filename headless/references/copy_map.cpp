@@ -35,8 +35,8 @@ std::vector<std::unique_ptr<ReferenceRecord>> CopyMap::Replacements() const {
     for (const auto& [from, to] : copies_) {
         if (from == to) continue;
         for (const auto& [maker, index] : ReferenceBook::DependentsOf(*from)) {
-            const bool isCopied =
-                std::ranges::any_of(copies_, [&](const auto& pair) { return pair.first == maker; });
+            const bool isCopied = std::ranges::any_of(
+                copies_, [made = maker](const auto& pair) { return pair.first == made; });
             if (maker == nullptr || isCopied) continue;
             records.push_back(std::make_unique<ReferenceRecord>(*maker, index, from, to));
         }

@@ -77,7 +77,8 @@ UtilityChunks SaveUtilities(const std::string& path, std::span<const RunningUtil
         if (sink.Size() > 0) chunks.insert({KeyOf(type), {type, sink.Take()}});
     }
     for (const KeptChunks& left : kept) {
-        UtilityBytes& bytes = chunks.try_emplace(KeyOf(left.type), left.type).first->second;
+        UtilityBytes& bytes =
+            chunks.try_emplace(KeyOf(left.type), UtilityBytes{left.type, {}}).first->second;
         bytes.chunks = WithKept(left, std::move(bytes.chunks));
     }
     return chunks;
