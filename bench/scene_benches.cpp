@@ -38,6 +38,7 @@ class Rig final : public TVL::CoreElement {
 
     std::vector<TVL::CNode*> MakeNodes(int count, TVL::CNode* parent = nullptr) {
         std::vector<TVL::CNode*> nodes;
+        nodes.reserve(static_cast<std::size_t>(count));
         for (int index = 0; index < count; ++index)
             nodes.push_back(
                 Adaptor().CreateHelperNode(this, std::to_string(index), parent, {}, nullptr));
