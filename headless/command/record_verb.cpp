@@ -50,6 +50,30 @@ void Run(const Words& words) {
     if (result.isFaulty) throw Ended{kFailed};
 }
 
+void AddTakeOptions(CLI::App& verb, RecordOptions& options) {
+    verb.add_option("--take", options.take,
+                    "Record into the take of this name (else that of the capture's file)")
+        ->check([](const std::string& name) { return name.empty() ? "the name is empty" : ""; },
+                "NAME");
+    verb.add_flag("--replace", options.replaces,
+                  "Leave nothing of a take that is in the scene already");
+    verb.add_flag("--partial", options.takesCutCaptures,
+                  "Record a capture that holds fewer frames than it announces");
+    verb.add_flag("--ground", options.holdsToGround,
+                  "Keep feet from sinking into the node \"Ground\", which is drawn if there is "
+                  "none");
+    verb.add_flag("--follow-camera", options.followsWithCamera,
+                  "Let the camera follow the take, with keys of its lens");
+}
+
+void AddWrittenFiles(CLI::App& verb, RecordOptions& options) {
+    AddFile(verb, "--scene", options.scene, "Save the scene");
+    AddFile(verb, "--poses", options.poses, "Write what `sample` says of each frame");
+    AddFile(verb, "--csv", options.csv,
+            "Write where each joint was in each frame (of one capture)");
+    AddFile(verb, "--trace", options.trace, "Write the plug-in's trace");
+}
+
 }  // namespace
 
 void AddRecordVerb(CLI::App& app) {
@@ -66,24 +90,8 @@ void AddRecordVerb(CLI::App& app) {
     AddFile(*verb, "--into", options.into,
             "Record into this scene, in its own units; a guide object goes along its first shape")
         ->excludes(units);
-    verb->add_option("--take", options.take,
-                     "Record into the take of this name (else that of the capture's file)")
-        ->check([](const std::string& name) { return name.empty() ? "the name is empty" : ""; },
-                "NAME");
-    verb->add_flag("--replace", options.replaces,
-                   "Leave nothing of a take that is in the scene already");
-    verb->add_flag("--partial", options.takesCutCaptures,
-                   "Record a capture that holds fewer frames than it announces");
-    verb->add_flag("--ground", options.holdsToGround,
-                   "Keep feet from sinking into the node \"Ground\", which is drawn if there is "
-                   "none");
-    verb->add_flag("--follow-camera", options.followsWithCamera,
-                   "Let the camera follow the take, with keys of its lens");
-    AddFile(*verb, "--scene", options.scene, "Save the scene");
-    AddFile(*verb, "--poses", options.poses, "Write what `sample` says of each frame");
-    AddFile(*verb, "--csv", options.csv,
-            "Write where each joint was in each frame (of one capture)");
-    AddFile(*verb, "--trace", options.trace, "Write the plug-in's trace");
+    AddTakeOptions(*verb, options);
+    AddWrittenFiles(*verb, options);
     verb->add_flag("--no-optimised-controller", words->plainController,
                    "Record into the host's own controllers");
     verb->add_flag("--json", words->json, "Print the result as one JSON object");

@@ -23,6 +23,13 @@ class LeftBehind {
         scope_->WriteValue(what, count);
     }
 
+    void Tell(const SweptNodes& nodes) {
+        Tell("nodes", nodes.realNodes);
+        Tell("nodes in undo records", nodes.recordedNodes);
+        Tell("snapshot nodes", nodes.snapshotNodes);
+        Tell("snapshots", nodes.snapshots);
+    }
+
   private:
     static constexpr std::int32_t kLevel = TVL::Log::kWarning;
     std::optional<TVL::Log> scope_;
@@ -91,10 +98,7 @@ void SweepCore(int releasedChunks, std::uint32_t nests) {
     left.Tell("log", hadLog);
     left.Tell("error registry", hadErrorCodes);
     left.Tell("undo chunks", chunks);
-    left.Tell("nodes", nodes.realNodes);
-    left.Tell("nodes in undo records", nodes.recordedNodes);
-    left.Tell("snapshot nodes", nodes.snapshotNodes);
-    left.Tell("snapshots", nodes.snapshots);
+    left.Tell(nodes);
     left.Tell("recording", recordings);
     left.Tell("undo groups", groups);
     left.Tell("message links", links);
