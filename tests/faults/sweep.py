@@ -269,16 +269,33 @@ def show(place, verb, kind, n):
     return 1 if fault else 0
 
 
-def main():
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("binaries", type=pathlib.Path)
-    parser.add_argument("folder", type=pathlib.Path)
+def count(text):
+    if int(text) < 1:
+        raise ValueError
+    return int(text)
+
+
+def read_words():
+    """Of words that it does not know it makes nothing, and ends with status 2."""
+    parser = argparse.ArgumentParser(description=__doc__, add_help=False, allow_abbrev=False)
+    parser.add_argument("binaries", type=pathlib.Path, help="where command and injector are")
+    parser.add_argument("folder", type=pathlib.Path, help="for all that the runs make")
     parser.add_argument("verb", nargs="?", choices=VERBS)
     parser.add_argument("kind", nargs="?", choices=REFUSALS + SURVIVED + DEATHS + LIES)
-    parser.add_argument("n", nargs="?", type=int, help="this run alone, and all that it says")
+    parser.add_argument("n", nargs="?", type=count, help="this run alone, and all that it says")
     parser.add_argument("--sample", action="store_true", help="some of all, with fixed strides")
     parser.add_argument("--lies", action="store_true", help="of a lying disk, which must be seen")
-    given = parser.parse_intermixed_args()
+    parser.add_argument("--check", action="store_true", help="look at these words alone")
+    if not {"-h", "--help"}.isdisjoint(sys.argv):
+        parser.print_help()
+        sys.exit(2)
+    return parser.parse_intermixed_args()
+
+
+def main():
+    given = read_words()
+    if given.check:
+        return 0
     binaries = given.binaries.resolve()
     places = [Place(binaries, given.folder.resolve() / str(i)) for i in range(os.cpu_count())]
     inputs = make_inputs(places[0])
