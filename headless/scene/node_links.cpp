@@ -31,8 +31,9 @@ void SceneNode::Abandon() {
 void SceneNode::AttachChild(INode* child, int keepTM) {
     constexpr const char* kCall = "AttachChild";
     Met(kCall);
-    if (child && !TheScene().Contains(child)) Book(kGone, kCall);
-    if (!TheScene().Contains(child) || !TheScene().IsThere(*this)) return;
+    if (!child) return;
+    if (!TheScene().Contains(child)) return Book(kGone, kCall);
+    if (!TheScene().IsThere(*this)) return;
     auto* const moved = static_cast<SceneNode*>(child);
     if (HangsBelow(*moved)) Book("the node would hang below itself", kCall);
     moved->MoveTo(*this, CurrentTime(), keepTM);
