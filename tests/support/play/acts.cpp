@@ -258,11 +258,6 @@ void Flush(Play& play) {
     play.Adaptor().FlushUndoBuffer();
 }
 
-void PerformUndo(Play& play) {
-    if (play.IsSceneUnsure()) play.ExcuseGoneNodes();
-    play.Adaptor().PerformUndo();
-}
-
 void Merge(Play& play) {
     if (SceneNodes().size() > kLargestScene / 2) return;
     play.leftNoRecord = true;
@@ -319,7 +314,7 @@ constexpr Act kActs[] = {
     {"convert all", ConvertAll},
     {"run or stop", RunOrStop},
     {"set time", [](Play& play) { play.Adaptor().SetCurrentTime(AnyTime(play)); }},
-    {"undo", PerformUndo},
+    {"undo", [](Play& play) { play.Adaptor().PerformUndo(); }},
     {"flush", Flush},
     {"merge", Merge},
     {"throw", [](Play&) { throw std::runtime_error("thrown by the Core"); }},

@@ -58,6 +58,9 @@ bool IsBelow(INode* node, const INode* other) {
 
 Play::Play() : rigs{{{"Left", world}, {"Right", world}}} {
     for (Rig& rig : rigs) {
+        rig.onRestored = [this](TVL::CNode& node) {
+            if (sceneGoes_) loose.insert(static_cast<TVL::CoreNode&>(node).GetNodeName());
+        };
         rig.onCall = [this](const char* moment) { Hear(moment); };
         rig.onMoment = [this](const char* moment) { Meet(moment); };
     }

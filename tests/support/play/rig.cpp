@@ -21,6 +21,7 @@ void Rig::Hear(TVL::CNode* node, bool restored) {
     const char* const moment = restored ? "restored" : "removed";
     onCall(moment);
     heard[node] = restored;
+    if (restored) onRestored(*node);
     onMoment(moment);
 }
 

@@ -43,6 +43,8 @@ class Rig final : public TVL::CoreElement, public TVL::NodeListener {
 
     std::map<TVL::CNode*, bool> heard;  // the last word on a node: restored, or removed
 
+    std::function<void(TVL::CNode& node)> onRestored;
+
     // Inside each call: at its beginning, and when its work is done.
     std::function<void(const char* moment)> onCall;
     std::function<void(const char* moment)> onMoment;
