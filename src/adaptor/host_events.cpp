@@ -6,6 +6,7 @@
 
 #include "adaptor/utility_manager.h"
 #include "core_link/core_call.h"
+#include "nodes/host_node_link.h"
 #include "nodes/mesh_cache.h"
 #include "nodes/node_list.h"
 #include "persistence/scene/gather_state.h"
@@ -15,14 +16,15 @@
 
 namespace {
 
-// The host ends a hold with the scene. A mesh from the scene that goes is good for no node of the
-// next, whose handle and address can be the same.
+// The host ends a hold with the scene. The Core works in the scene that goes to the end of its
+// call.
 void LeaveScene() {
     LeaveStoredState();
     CoreInterface* const core = AttachedCore();
     if (!core) return;
     CallCore("ResetCore", [&] { core->ResetCore(); });
     MarkHold();
+    HostNodeLink::LeaveScene();
     ConvertedMeshes().Empty();
     RecordOfState() = {};
 }

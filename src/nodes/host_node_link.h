@@ -8,7 +8,8 @@
 
 // A scene node of the host, held without a reference to it. The host may delete the node at any
 // moment and bring it back by undo, so pointer and handle are kept together and looked up at each
-// use: a node that is gone reads as null.
+// use: a node that is gone reads as null. A node of the next scene can have both from one of this,
+// so that a link is good for the scene alone in which it was made.
 class HostNodeLink {
   public:
     HostNodeLink() = default;
@@ -16,9 +17,12 @@ class HostNodeLink {
 
     // The node, if it is in the scene now.
     INode* Get() const {
-        const bool there = node_ && GetCOREInterface()->GetINodeByHandle(handle_) == node_;
-        return there ? node_ : nullptr;
+        if (!node_ || scene_ != scenesLeft_) return nullptr;
+        return GetCOREInterface()->GetINodeByHandle(handle_) == node_ ? node_ : nullptr;
     }
+
+    // The scene goes. Links made so far read as null from here on.
+    static void LeaveScene() { ++scenesLeft_; }
 
     // Whether a node was linked at all, present in the scene or not.
     bool IsSet() const { return node_ != nullptr; }
@@ -37,4 +41,7 @@ class HostNodeLink {
   private:
     INode* node_ = nullptr;
     std::uint32_t handle_ = 0;
+    std::uint32_t scene_ = scenesLeft_;
+
+    static constinit inline std::uint32_t scenesLeft_ = 0;
 };

@@ -26,8 +26,7 @@ CMAXNode::CMAXNode(TVL::CoreElement* nodeOwner, std::string nodeName, INode* par
     : CMAXNode(false, host) {
     name = std::move(nodeName);
     owner = nodeOwner;
-    // A parent of an earlier scene can answer with the new node, which has come to its address.
-    if (parentHost && host && parentHost != host) parentHost->AttachChild(host, 1);
+    if (parentHost && host) parentHost->AttachChild(host, 1);
     ListNode(this);
 }
 

@@ -79,6 +79,28 @@ TEST_F(SceneEvents, EveryWorkOnAFileReachesTheCoreInItsOrder) {
     EXPECT_EQ(Taken(), (Calls{"reset", "reset"}));
 }
 
+// To the adaptor the scene that stays behind the announcement is the next one, in which each node
+// has the handle and the address that one of the last had.
+TEST_F(SceneEvents, ANodeOfTheLastSceneStandsForNoneOfTheNext) {
+    TVL::CoreNode* const kept = Helper(rig, "Hip");
+    TVL::CoreNode* late = nullptr;
+    world.Core().onCall = [&](const std::string& call) {
+        if (call != "reset") return;
+        late = Helper(rig, "Late");
+        EXPECT_EQ(kept->GetName(), "Rig_Hip");
+    };
+    world.Session().Announce(NOTIFY_FILE_PRE_OPEN);
+    headless::FindNode("Rig_Hip")->SetUserPropString("TVL_tag", kHipTag);
+    for (TVL::CoreNode* node : {kept, late}) {
+        EXPECT_EQ(node->GetName(), "");
+        EXPECT_EQ(node->AcquireSnapshot(0), nullptr);
+        node->Delete(true);
+    }
+    EXPECT_EQ(headless::Nodes().size(), 2U);
+    world.Core().onCall = nullptr;
+    EXPECT_EQ(Claimed("Rig", {"Hip"}), Texts{"Rig_Hip"});
+}
+
 TEST_F(SceneEvents, WithoutACoreASceneKeepsTheStateThatIsInIt) {
     Helper(rig, "Hip");
     world.Core().state = XMLNode(kState);

@@ -65,8 +65,11 @@ Play::Play() : rigs{{{"Left", world}, {"Right", world}}} {
         rig.onMoment = [this](const char* moment) { Meet(moment); };
     }
     puppet::TheStage().onAttach = [this] {
-        isGone_ = false;
-        Meet("attach");
+        isGone_ = false;  // unless it refuses
+        const auto thrown = TVL::ThrownBy([this] { Meet("attach"); });
+        if (!thrown) return;
+        Vanish();
+        throw std::runtime_error(*thrown);
     };
     world.Core().onCall = [this](const std::string& call) { Answer(call); };
     world.Core().onOptionAsked = [this](int) {
@@ -137,12 +140,16 @@ void Play::Load(const XMLNode& state) {
 // The Core is gone whatever it did last.
 void Play::Leave() {
     const auto thrown = TVL::ThrownBy([this] { Meet("detach"); });
+    Vanish();
+    if (thrown) throw std::runtime_error(*thrown);
+}
+
+void Play::Vanish() {
     for (Rig& rig : rigs)
         rig.heard.clear();
     lent.clear();
     recordings = focuses = value = 0;
     isGone_ = true;
-    if (thrown) throw std::runtime_error(*thrown);
 }
 
 void Play::Settle() {

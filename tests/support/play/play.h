@@ -110,6 +110,7 @@ class Play {
     void Answer(const std::string& call);
     void Load(const XMLNode& state);
     void Leave();
+    void Vanish();
     bool IsAlive(const TVL::CNode* node) const;
     void FindUnsortedKeys(Faults& faults) const;
     void FindWrongNodes(Faults& faults);
