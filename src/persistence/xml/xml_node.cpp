@@ -2,28 +2,35 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <memory>
 #include <utility>
 
 #include "persistence/xml/xml_child.h"
 
 namespace {
 
-// Destroys what stands below the root one node at a time, in no memory of its own: while a node is
-// being emptied, the place of its last child holds the node's parent.
-void DestroyBelow(XMLNode& root) noexcept {
-    XMLNode* parent = nullptr;
-    XMLNode* node = &root;
-    while (parent || !node->children.empty()) {
+// Destroys a tree one node at a time, in no memory of its own: while a node is being emptied, the
+// place of its last child holds the node's parent.
+void DestroyTree(std::unique_ptr<XMLNode> node) noexcept {
+    std::unique_ptr<XMLNode> parent;
+    while (node) {
         if (!node->children.empty()) {
-            XMLNode* const child = node->children.back().release();
-            node->children.back().reset(parent);
-            parent = std::exchange(node, child);
+            std::unique_ptr<XMLNode> child =
+                std::exchange(node->children.back(), std::move(parent));
+            parent = std::exchange(node, std::move(child));
             continue;
         }
-        delete node;
-        node = parent;
-        parent = node->children.back().release();
+        node = std::move(parent);
+        if (!node) return;
+        parent = std::move(node->children.back());
         node->children.pop_back();
+    }
+}
+
+void DestroyBelow(XMLNode& root) noexcept {
+    while (!root.children.empty()) {
+        DestroyTree(std::move(root.children.back()));
+        root.children.pop_back();
     }
 }
 
