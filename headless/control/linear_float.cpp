@@ -1,6 +1,7 @@
 #include "control/linear_float.h"
 
 #include "control/track_storage.h"
+#include "references/fresh.h"
 #include "storage/plain_chunks.h"
 
 namespace headless {
@@ -23,10 +24,10 @@ IOResult LinearFloat::Load(ILoad* load) {
 }
 
 RefTargetHandle LinearFloat::Clone(RemapDir& remap) {
-    auto* copy = new LinearFloat;
+    Fresh<LinearFloat> copy(new LinearFloat);
     copy->Track().UnrecordedKeys() = Track().Keys();
-    BaseClone(this, copy, remap);
-    return copy;
+    BaseClone(this, copy.get(), remap);
+    return copy.release();
 }
 
 void LinearFloat::GetValue(TimeValue t, void* value, Interval& valid, GetSetMethod method) {

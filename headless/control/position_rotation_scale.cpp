@@ -2,6 +2,7 @@
 
 #include "control/track_storage.h"
 #include "control/transform_packet.h"
+#include "references/fresh.h"
 #include "storage/plain_chunks.h"
 
 namespace headless {
@@ -71,12 +72,12 @@ IOResult PositionRotationScale::Load(ILoad* load) {
 }
 
 RefTargetHandle PositionRotationScale::Clone(RemapDir& remap) {
-    auto* copy = new PositionRotationScale;
+    Fresh<PositionRotationScale> copy(new PositionRotationScale);
     copy->position_.Track().UnrecordedKeys() = position_.Track().Keys();
     copy->rotation_.Track().UnrecordedKeys() = rotation_.Track().Keys();
     copy->scale_.Track().UnrecordedKeys() = scale_.Track().Keys();
-    BaseClone(this, copy, remap);
-    return copy;
+    BaseClone(this, copy.get(), remap);
+    return copy.release();
 }
 
 // A position needs itself alone; what becomes of a rotation depends on the scale at its time, and

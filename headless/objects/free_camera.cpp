@@ -4,10 +4,11 @@
 #include <utility>
 
 #include "control/factory.h"
-#include "host/animate.h"
 #include "objects/camera_lines.h"
 #include "objects/own_classes.h"
 #include "objects/undoable.h"
+#include "references/fresh.h"
+#include "scene/animate_mode.h"
 #include "storage/plain_chunks.h"
 
 namespace headless {
@@ -64,11 +65,11 @@ class CameraParameters final : public ReferenceTarget {
     }
 
     RefTargetHandle Clone(RemapDir& remap) override {
-        auto* copy = new CameraParameters;
+        Fresh<CameraParameters> copy(new CameraParameters);
         for (int i = 0; i < kCount; ++i)
             copy->ReplaceReference(i, remap.CloneRef(controllers_[i]));
-        BaseClone(this, copy, remap);
-        return copy;
+        BaseClone(this, copy.get(), remap);
+        return copy.release();
     }
 
   private:
@@ -143,11 +144,11 @@ class FreeCamera final : public CameraObject {
     }
 
     RefTargetHandle Clone(RemapDir& remap) override {
-        auto* copy = new FreeCamera;
+        Fresh<FreeCamera> copy(new FreeCamera);
         *copy->switches_ = *switches_;
         copy->ReplaceReference(0, remap.CloneRef(parameters_));
-        BaseClone(this, copy, remap);
-        return copy;
+        BaseClone(this, copy.get(), remap);
+        return copy.release();
     }
 
     IOResult Save(ISave* save) override {
@@ -202,21 +203,23 @@ class FreeCamera final : public CameraObject {
 }  // namespace
 
 ReferenceTarget* NewCameraParameters() {
-    auto* parameters = new CameraParameters;
-    for (int i = 0; i < CameraParameters::kCount; ++i)
-        parameters->ReplaceReference(i, NewControl(CTRL_FLOAT_CLASS_ID, kLinearFloatClassId));
+    Fresh<CameraParameters> parameters(new CameraParameters);
+    for (int i = 0; i < CameraParameters::kCount; ++i) {
+        const Fresh<Control> number(NewControl(CTRL_FLOAT_CLASS_ID, kLinearFloatClassId));
+        parameters->ReplaceReference(i, number.get());
+    }
     // What a camera starts with is no key, also in animate mode.
-    SuspendAnimate();
+    const WithoutKeys withoutKeys;
     parameters->SetValue(CameraParameters::kFov, 0, kFieldOfView);
     parameters->SetValue(CameraParameters::kTDist, 0, kTargetDistance);
-    ResumeAnimate();
-    return parameters;
+    return parameters.release();
 }
 
 CameraObject* NewFreeCamera() {
-    auto* camera = new FreeCamera;
-    camera->ReplaceReference(0, NewCameraParameters());
-    return camera;
+    Fresh<FreeCamera> camera(new FreeCamera);
+    const Fresh<ReferenceTarget> parameters(NewCameraParameters());
+    camera->ReplaceReference(0, parameters.get());
+    return camera.release();
 }
 
 }  // namespace headless

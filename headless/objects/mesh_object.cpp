@@ -5,6 +5,7 @@
 #include "host/object.h"
 #include "objects/node_drawing.h"
 #include "objects/own_classes.h"
+#include "references/fresh.h"
 #include "storage/plain_chunks.h"
 
 namespace headless {
@@ -52,10 +53,10 @@ class MeshObject final : public TriObject {
     }
 
     RefTargetHandle Clone(RemapDir& remap) override {
-        auto* copy = new MeshObject(kind_);
+        Fresh<MeshObject> copy(new MeshObject(kind_));
         copy->mesh_ = mesh_;
-        BaseClone(this, copy, remap);
-        return copy;
+        BaseClone(this, copy.get(), remap);
+        return copy.release();
     }
 
     IOResult Save(ISave* save) override {

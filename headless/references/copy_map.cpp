@@ -21,9 +21,8 @@ void CopyMap::AddEntry(RefTargetHandle from, RefTargetHandle to) {
 RefTargetHandle CopyMap::CloneRef(RefTargetHandle from) {
     if (from == nullptr) return nullptr;
     if (const auto found = copies_.find(from); found != copies_.end()) return found->second;
-    RefTargetHandle const to = from->Clone(*this);
-    copies_[from] = to;
-    return to;
+    RefTargetHandle& to = copies_[from];
+    return to = from->Clone(*this);
 }
 
 bool CopyMap::IsWhole() const {

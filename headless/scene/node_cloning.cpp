@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <string>
 #include <unordered_set>
+#include <utility>
 
-#include "host/animate.h"
 #include "references/copy_map.h"
+#include "references/fresh.h"
+#include "scene/animate_mode.h"
 #include "scene/scene.h"
 #include "scene/timeline.h"
 
@@ -39,8 +41,10 @@ SceneNode* CopyOne(SceneNode& source, RemapDir& remap) {
     const NodePtr copy = TheScene().NewNode();
     copy->SetLook(source.Look());
     copy->SetName(TheScene().Names().MakeUnique(Stem(source.Name())).c_str());
-    copy->SetObject(CopyOfObject(source.GetObjectRef(), remap));
-    copy->SetTMController(static_cast<Control*>(remap.CloneRef(source.GetTMController())));
+    const Fresh<Object> object(CopyOfObject(source.GetObjectRef(), remap));
+    copy->SetObject(object.get());
+    const Fresh<Control> control(static_cast<Control*>(remap.CloneRef(source.GetTMController())));
+    copy->SetTMController(control.get());
     source.BaseClone(&source, copy.get(), remap);
     auto* parent = static_cast<SceneNode*>(remap.FindMapping(source.Parent()));
     TheScene().Add(copy, parent ? *parent : *source.Parent());
@@ -52,22 +56,33 @@ void MoveInWorld(SceneNode& node, const Point3& offset) {
     Matrix3 world = node.GetNodeTM(t, nullptr);
     world.SetRow(3, world.GetTrans() + offset);
     world.ValidateFlags();
-    SuspendAnimate();
+    const WithoutKeys withoutKeys;
     node.SetNodeTM(t, world);
-    ResumeAnimate();
 }
 
 }  // namespace
+
+void DeleteCopies(std::vector<NodeCopy> copies) {
+    for (; !copies.empty(); copies.pop_back())
+        TheScene().Delete(*copies.back().target);
+}
 
 std::vector<NodeCopy> CopyNodes(const std::vector<SceneNode*>& nodes, const Point3& offset,
                                 bool withBranches) {
     CopyMap remap;
     std::vector<NodeCopy> copies;
-    for (SceneNode* source : withBranches ? WithBranches(nodes) : nodes) {
-        if (remap.FindMapping(source)) continue;
-        const bool isTop = !remap.FindMapping(source->Parent());
-        copies.push_back({source, CopyOne(*source, remap)});
-        if (isTop && offset != Point3()) MoveInWorld(*copies.back().target, offset);
+    const std::vector<SceneNode*> sources = withBranches ? WithBranches(nodes) : nodes;
+    copies.reserve(sources.size());
+    try {
+        for (SceneNode* source : sources) {
+            if (remap.FindMapping(source)) continue;
+            const bool isTop = !remap.FindMapping(source->Parent());
+            copies.push_back({source, CopyOne(*source, remap)});
+            if (isTop && offset != Point3()) MoveInWorld(*copies.back().target, offset);
+        }
+    } catch (...) {
+        DeleteCopies(std::move(copies));
+        throw;
     }
     return copies;
 }

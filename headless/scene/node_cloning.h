@@ -19,4 +19,7 @@ struct NodeCopy {
 std::vector<NodeCopy> CopyNodes(const std::vector<SceneNode*>& nodes, const Point3& offset,
                                 bool withBranches);
 
+// Copies that are not to stay after all, the last first.
+void DeleteCopies(std::vector<NodeCopy> copies);
+
 }  // namespace headless

@@ -5,10 +5,11 @@
 #include <utility>
 #include <vector>
 
-#include "host/animate.h"
 #include "host/hold.h"
 #include "references/copy_map.h"
+#include "references/graveyard.h"
 #include "references/reference_record.h"
+#include "scene/animate_mode.h"
 #include "scene/scene.h"
 
 namespace headless {
@@ -79,9 +80,8 @@ bool Adapt(Control& controller, const Parents& parents) {
 
 // The records that put an adapted copy in the controller's place; none if it, or something that it
 // refers to, cannot be copied, or if it cannot be adapted.
-Replacements Adapted(Control* controller, const Parents& parents) {
+Replacements Adapted(Control* controller, const Parents& parents, CopyMap& copies) {
     if (!controller) return {};
-    CopyMap copies;
     auto* const copy = static_cast<Control*>(copies.CloneRef(controller));
     const bool isCopied = copy != controller && copies.IsWhole();
     if (isCopied && Adapt(*copy, parents)) return copies.Replacements();
@@ -101,14 +101,21 @@ void MoveAndKeepWorld(SceneNode& node, SceneNode& parent, TimeValue t) {
                           node.GetNodeTM(t, nullptr)};
     Control* const controller = node.GetTMController();
     const bool isRecorded = theHold.Holding();
-    Replacements replaced = isRecorded ? Adapted(controller, parents) : Replacements();
-    bool isAdapted = !replaced.empty();
-    Move(node, parent, std::move(replaced));
+    bool isAdapted = false;
+    const Graveyard::Pause pause;
+    CopyMap copies;
+    try {
+        Replacements replaced = isRecorded ? Adapted(controller, parents, copies) : Replacements();
+        isAdapted = !replaced.empty();
+        Move(node, parent, std::move(replaced));
+    } catch (...) {
+        copies.Discard();
+        throw;
+    }
     if (!isRecorded) isAdapted = controller && Adapt(*controller, parents);
     if (isAdapted) return;
-    SuspendAnimate();
+    const WithoutKeys withoutKeys;
     node.SetNodeTM(t, parents.world);
-    ResumeAnimate();
 }
 
 }  // namespace headless

@@ -4,6 +4,7 @@
 
 #include "control/factory.h"
 #include "objects/undoable.h"
+#include "references/fresh.h"
 #include "scene/selection.h"
 
 namespace headless {
@@ -50,9 +51,12 @@ NodePtr Scene::NewNode() {
 
 SceneNode* Scene::CreateObjectNode(Object* object) {
     if (!object || !root_) return nullptr;
+    Fresh<Object> given(object);
     const NodePtr node = NewNode();
     node->SetObject(object);
-    node->SetTMController(NewControl(CTRL_MATRIX3_CLASS_ID, kPositionRotationScaleClassId));
+    static_cast<void>(given.release());
+    const Fresh<Control> control(NewControl(CTRL_MATRIX3_CLASS_ID, kPositionRotationScaleClassId));
+    node->SetTMController(control.get());
     HostString stem;
     object->InitNodeName(stem);
     node->SetName(names_.MakeUnique(stem).c_str());

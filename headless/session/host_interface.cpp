@@ -1,6 +1,7 @@
 #include "session/host_interface.h"
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 #include "breaches/breach_book.h"
@@ -167,14 +168,19 @@ void HostInterface::DeleteNode(INode* node, int, int) {
 bool HostInterface::CloneNodes(INodeTab& nodes, const Point3& offset, bool expandHierarchies,
                                CloneType, INodeTab* resultSource, INodeTab* resultTarget) {
     const std::vector<SceneNode*> known = NodesOf(nodes, "CloneNodes");
-    const std::vector<NodeCopy> copies = CopyNodes(known, offset, expandHierarchies);
     if (resultSource) resultSource->ZeroCount();
     if (resultTarget) resultTarget->ZeroCount();
-    for (const NodeCopy& copy : copies) {
-        INode* const source = copy.source;
-        INode* const target = copy.target;
-        if (resultSource) resultSource->Append(1, &source);
-        if (resultTarget) resultTarget->Append(1, &target);
+    std::vector<NodeCopy> copies = CopyNodes(known, offset, expandHierarchies);
+    try {
+        for (const NodeCopy& copy : copies) {
+            INode* const source = copy.source;
+            INode* const target = copy.target;
+            if (resultSource) resultSource->Append(1, &source);
+            if (resultTarget) resultTarget->Append(1, &target);
+        }
+    } catch (...) {
+        DeleteCopies(std::move(copies));
+        throw;
     }
     return !copies.empty();
 }
