@@ -26,12 +26,24 @@ std::string NotAttached(const std::string& why) {
     return "the Core could not be attached (" + why + ")";
 }
 
+// Where a variable stands by its whole name, which can be the beginning of another's.
+std::size_t FindWord(const std::string& text, std::string_view variable) {
+    constexpr std::string_view kNameBytes = "ABCDEFGHIJKLMNOPQRSTUVWXYZ_";
+    std::size_t place = text.find(variable);
+    while (place != std::string::npos) {
+        const std::size_t behind = place + variable.size();
+        if (behind == text.size() || kNameBytes.find(text[behind]) == std::string_view::npos) break;
+        place = text.find(variable, behind);
+    }
+    return place;
+}
+
 // The Core names variables, which a person knows as options. A line that begins with one says that
 // the Core could make no sense of it.
 [[noreturn]] void Refuse(std::string error) {
     int status = kFailed;
     for (const auto& [variable, option] : kOptions) {
-        const std::size_t place = error.find(variable);
+        const std::size_t place = FindWord(error, variable);
         if (place == std::string::npos) continue;
         error.replace(place, std::string_view(variable).size(), option);
         if (error.starts_with(option + std::string(": "))) status = kWrongUsage;
