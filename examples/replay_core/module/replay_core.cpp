@@ -22,7 +22,7 @@ ReplayCore::ReplayCore(TVL::AdaptorInterface& adaptor)
 
 ReplayCore::~ReplayCore() {
     takes_.Drop();
-    adaptor_.FlushUndoBuffer();
+    Guarded([this] { adaptor_.FlushUndoBuffer(); });
 }
 
 // Scene state ------------------------------------------------------------------------------------

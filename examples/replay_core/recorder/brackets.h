@@ -4,13 +4,15 @@
 #include <string>
 #include <utility>
 
+#include "replay_core/state/guarded.h"
 #include "replay_core/state/take.h"
 #include "tvl/adaptor_interface.h"
 
 namespace replay {
 
 // What is begun at the adaptor has to be ended, also on the way out of a failure. What the adaptor
-// refused, with a status other than 0, has not begun.
+// refused, with a status other than 0, has not begun. An end that throws all the same, since a
+// record of the host's own may, has ended what it can.
 
 // An undo group. What was done in it is taken back unless it is kept.
 class UndoGroup {
@@ -20,7 +22,9 @@ class UndoGroup {
           status_(adaptor.BeginUndoGroup(std::move(name))),
           isOpen_(status_ == 0) {}
     ~UndoGroup() {
-        if (isOpen_) adaptor_.CancelUndoGroup();
+        Guarded([this] {
+            if (isOpen_) adaptor_.CancelUndoGroup();
+        });
     }
     UndoGroup(const UndoGroup&) = delete;
     UndoGroup& operator=(const UndoGroup&) = delete;
@@ -43,7 +47,9 @@ class RecordingBracket {
     RecordingBracket(TVL::AdaptorInterface& adaptor, Take& take)
         : adaptor_(adaptor), status_(adaptor.BeginRecording({&take})) {}
     ~RecordingBracket() {
-        if (status_ == 0) adaptor_.EndRecording();
+        Guarded([this] {
+            if (status_ == 0) adaptor_.EndRecording();
+        });
     }
     RecordingBracket(const RecordingBracket&) = delete;
     RecordingBracket& operator=(const RecordingBracket&) = delete;
@@ -61,7 +67,9 @@ class KeyboardFocus {
     explicit KeyboardFocus(TVL::AdaptorInterface& adaptor) : adaptor_(adaptor) {
         adaptor_.RequestFocus();
     }
-    ~KeyboardFocus() { adaptor_.RestoreFocus(); }
+    ~KeyboardFocus() {
+        Guarded([this] { adaptor_.RestoreFocus(); });
+    }
     KeyboardFocus(const KeyboardFocus&) = delete;
     KeyboardFocus& operator=(const KeyboardFocus&) = delete;
 
