@@ -69,6 +69,13 @@ void OnHostShutdown(void* manager, NotifyInfo*) {
     static_cast<UtilityManager*>(manager)->ShutDownAdaptor();
 }
 
+// A notification has no answer, and the host goes on whatever comes of it.
+template <NOTIFYPROC kHandler>
+void LetNothingOut(void* manager, NotifyInfo* info) {
+    const auto thrown = TVL::ThrownBy([&] { kHandler(manager, info); });
+    if (thrown) TVL::TraceThrown("a notification", *thrown);
+}
+
 struct HostEvent {
     int code;
     NOTIFYPROC handler;
@@ -76,11 +83,15 @@ struct HostEvent {
 
 // In the order of registration.
 constexpr HostEvent kHostEvents[] = {
-    {NOTIFY_SEL_NODES_PRE_DELETE, OnNodesPreDelete}, {NOTIFY_FILE_PRE_OPEN, OnFilePreOpen},
-    {NOTIFY_FILE_POST_OPEN, OnFileLoaded},           {NOTIFY_SYSTEM_PRE_RESET, OnSceneReset},
-    {NOTIFY_SYSTEM_PRE_NEW, OnSceneReset},           {NOTIFY_FILE_PRE_SAVE, OnFilePreSave},
-    {NOTIFY_FILE_POST_SAVE, OnFilePostSave},         {NOTIFY_FILE_POST_MERGE, OnFileLoaded},
-    {NOTIFY_SYSTEM_SHUTDOWN, OnHostShutdown},
+    {NOTIFY_SEL_NODES_PRE_DELETE, LetNothingOut<OnNodesPreDelete>},
+    {NOTIFY_FILE_PRE_OPEN, LetNothingOut<OnFilePreOpen>},
+    {NOTIFY_FILE_POST_OPEN, LetNothingOut<OnFileLoaded>},
+    {NOTIFY_SYSTEM_PRE_RESET, LetNothingOut<OnSceneReset>},
+    {NOTIFY_SYSTEM_PRE_NEW, LetNothingOut<OnSceneReset>},
+    {NOTIFY_FILE_PRE_SAVE, LetNothingOut<OnFilePreSave>},
+    {NOTIFY_FILE_POST_SAVE, LetNothingOut<OnFilePostSave>},
+    {NOTIFY_FILE_POST_MERGE, LetNothingOut<OnFileLoaded>},
+    {NOTIFY_SYSTEM_SHUTDOWN, LetNothingOut<OnHostShutdown>},
 };
 
 // Those that the host has taken.

@@ -1,9 +1,12 @@
 #include "adaptor/max_adaptor_interface.h"
 
+#include <optional>
+
 #include "adaptor/trace_file.h"
 #include "adaptor/utility_manager.h"
 #include "adaptor/xml_resource.h"
 #include "controllers/conversion.h"
+#include "core_link/core_answer.h"
 #include "core_link/core_call.h"
 #include "host/interface.h"
 #include "measures/host_clock.h"
@@ -19,12 +22,23 @@ constexpr std::int32_t kConvertAllMessage = 324;
 
 constexpr const char* kUndoScript = "max undo";
 
+// Frames in a second, where the host does not tell: a Core may divide by it.
+constexpr double kUsualFrameRate = 30;
+
 constexpr const char* kNotImplementedCode = "NOTIMPLEMENTED";
 constexpr const char* kNotImplementedText = "The function is not yet implemented";
 
 MaxAdaptorInterface& Adaptor() {
     return *MaxAdaptorInterface::GetInstance();
 }
+
+// Stands around what can bring nodes into the scene, also where it ends by an exception.
+struct Arriving {
+    Arriving() = default;
+    ~Arriving() { ++AdaptorNodes().arrivals; }
+    Arriving(const Arriving&) = delete;
+    Arriving& operator=(const Arriving&) = delete;
+};
 
 }  // namespace
 
@@ -75,155 +89,189 @@ MaxAdaptorInterface::MaxAdaptorInterface() : MessageNode("MaxAdaptorInterface") 
 
 // Identity ---------------------------------------------------------------------------------------
 
+std::string MaxAdaptorInterface::GetName() {
+    return AnswerCore("GetName", [] { return std::string("3ds max 9 Adaptor"); });
+}
+
 TVL::WindowHandle MaxAdaptorInterface::GetPlatformWindow() {
-    return GetCOREInterface()->GetMAXHWnd();
+    return AnswerCore("GetPlatformWindow", [&] { return GetCOREInterface()->GetMAXHWnd(); });
 }
 
 XMLNode MaxAdaptorInterface::GetOptionsPanel() {
-    return LoadXMLResource(OptionPanel);
+    return AnswerCore("GetOptionsPanel", [&] { return LoadXMLResource(OptionPanel); });
 }
 
 std::int32_t MaxAdaptorInterface::SetLog(TVL::Log* log) {
-    const TraceHandover handover(log);
-    return AdaptorInterface::SetLog(log);
+    return AnswerStatus("SetLog", [&] {
+        const TraceHandover handover(log);
+        return AdaptorInterface::SetLog(log);
+    });
 }
 
 std::int32_t MaxAdaptorInterface::ClearLog() {
-    const TraceHandover handover;
-    return AdaptorInterface::ClearLog();
+    return AnswerStatus("ClearLog", [&] {
+        const TraceHandover handover;
+        return AdaptorInterface::ClearLog();
+    });
 }
 
 // Nodes ------------------------------------------------------------------------------------------
 
 TVL::CNode* MaxAdaptorInterface::CreateLensNode(TVL::CoreElement* owner, std::string nodeName,
                                                 TVL::CNode* parent, TVL::NodeListener* listener) {
-    return ::CreateLensNode(owner, nodeName, parent, listener);
+    return AnswerCore("CreateLensNode",
+                      [&] { return ::CreateLensNode(owner, nodeName, parent, listener); });
 }
 
 TVL::CNode* MaxAdaptorInterface::CreateHelperNode(TVL::CoreElement* owner, std::string nodeName,
                                                   TVL::CNode* parent, TVL::CMesh mesh,
                                                   TVL::NodeListener* listener) {
-    return ::CreateHelperNode(owner, nodeName, parent, mesh, listener);
+    return AnswerCore("CreateHelperNode",
+                      [&] { return ::CreateHelperNode(owner, nodeName, parent, mesh, listener); });
 }
 
 TVL::CNode* MaxAdaptorInterface::createMesh(void*, std::string) {
-    const TVL::Log scope("(NOT IMPLEMENTED)createMesh " + GetName(), TVL::Log::kError);
-    return nullptr;
+    return AnswerCore("createMesh", [&]() -> TVL::CNode* {
+        const TVL::Log scope("(NOT IMPLEMENTED)createMesh " + GetName(), TVL::Log::kError);
+        return nullptr;
+    });
 }
 
 TVL::CNode* MaxAdaptorInterface::FindNode(TVL::CoreElement* owner, std::string nodeName) {
-    return ::FindNode(owner, nodeName);
+    return AnswerCore("FindNode", [&] { return ::FindNode(owner, nodeName); });
 }
 
 std::vector<TVL::CNode*> MaxAdaptorInterface::GetNodes(TVL::CoreElement* owner) {
-    return ::GetNodes(owner);
+    return AnswerCore("GetNodes", [&] { return ::GetNodes(owner); });
 }
 
 std::vector<TVL::CNode*> MaxAdaptorInterface::ClaimNodes(std::string pluginName, XMLNode nodeInfo) {
-    return ::ClaimNodes(pluginName, nodeInfo);
+    return AnswerCore("ClaimNodes", [&] { return ::ClaimNodes(pluginName, nodeInfo); });
 }
 
 std::vector<TVL::CNode*> MaxAdaptorInterface::MergeModels(std::string path) {
-    std::vector<TVL::CNode*> merged = ::MergeModels(path);
-    ++AdaptorNodes().arrivals;
-    return merged;
+    return AnswerCore("MergeModels", [&] {
+        const Arriving arriving;
+        return ::MergeModels(path);
+    });
 }
 
 // Undo -------------------------------------------------------------------------------------------
 
 std::int32_t MaxAdaptorInterface::BeginUndoGroup(std::string groupName) {
-    return ::BeginUndoGroup(std::move(groupName));
+    return AnswerStatus("BeginUndoGroup", [&] { return ::BeginUndoGroup(std::move(groupName)); });
 }
 
 std::int32_t MaxAdaptorInterface::AddUndoChunk(TVL::CUndo* chunk) {
-    return AddCoreUndoChunk(chunk);
+    return AnswerStatus("AddUndoChunk", [&] { return AddCoreUndoChunk(chunk); });
 }
 
 std::int32_t MaxAdaptorInterface::EndUndoGroup() {
-    const bool mayCancel = OpenUndoGroups().cancelRequested;
-    const std::int32_t status = ::EndUndoGroup();
-    if (mayCancel) ++AdaptorNodes().arrivals;
-    return status;
+    return AnswerStatus("EndUndoGroup", [&] {
+        std::optional<Arriving> arriving;
+        if (OpenUndoGroups().cancelRequested) arriving.emplace();
+        return ::EndUndoGroup();
+    });
 }
 
 std::int32_t MaxAdaptorInterface::CancelUndoGroup() {
-    return ::CancelUndoGroup();
+    return AnswerStatus("CancelUndoGroup", [&] { return ::CancelUndoGroup(); });
 }
 
 bool MaxAdaptorInterface::IsHoldingUndo() {
-    return ::IsHoldingUndo();
+    return AnswerCore("IsHoldingUndo", [&] { return ::IsHoldingUndo(); });
 }
 
 bool MaxAdaptorInterface::PerformUndo() {
-    UtilityManager::Get().ExecuteStringScript(kUndoScript);
-    ++AdaptorNodes().arrivals;
-    return true;
+    return AnswerCore("PerformUndo", [&] {
+        const Arriving arriving;
+        UtilityManager::Get().ExecuteStringScript(kUndoScript);
+        return true;
+    });
 }
 
 std::int32_t MaxAdaptorInterface::FlushUndoBuffer() {
-    const TVL::Log scope("Flushing 3ds max undo buffer", TVL::Log::kNotice);
-    GetCOREInterface()->FlushUndoBuffer();
-    return 0;
+    return AnswerStatus("FlushUndoBuffer", [&] {
+        const TVL::Log scope("Flushing 3ds max undo buffer", TVL::Log::kNotice);
+        GetCOREInterface()->FlushUndoBuffer();
+        return 0;
+    });
 }
 
 // Time -------------------------------------------------------------------------------------------
 
 double MaxAdaptorInterface::GetCurrentTime() {
-    return CurrentSeconds();
+    return AnswerCore("GetCurrentTime", [&] { return CurrentSeconds(); });
 }
 
 void MaxAdaptorInterface::SetCurrentTime(double seconds) {
-    SetCurrentSeconds(seconds);
+    AnswerCore("SetCurrentTime", [&] { SetCurrentSeconds(seconds); });
 }
 
 std::pair<double, double> MaxAdaptorInterface::GetAnimationRange() {
-    return AnimationRangeSeconds();
+    return AnswerCore("GetAnimationRange", [&] { return AnimationRangeSeconds(); });
 }
 
 void MaxAdaptorInterface::SetAnimationRange(std::pair<double, double> startEnd) {
-    SetAnimationRangeSeconds(startEnd.first, startEnd.second);
+    AnswerCore("SetAnimationRange",
+               [&] { SetAnimationRangeSeconds(startEnd.first, startEnd.second); });
 }
 
 double MaxAdaptorInterface::GetFrameRate() {
-    return ::GetFrameRate();
+    return AnswerCore("GetFrameRate", kUsualFrameRate, [&] { return ::GetFrameRate(); });
 }
 
 double MaxAdaptorInterface::GetFrameDuration() {
-    return 1.0 / ::GetFrameRate();
+    return AnswerCore("GetFrameDuration", 1.0 / kUsualFrameRate,
+                      [&] { return 1.0 / ::GetFrameRate(); });
 }
 
 // The user's eyes and hands ----------------------------------------------------------------------
 
 void MaxAdaptorInterface::ForceRedraw() {
-    GetCOREInterface()->ForceCompleteRedraw(false);
+    AnswerCore("ForceRedraw", [&] { GetCOREInterface()->ForceCompleteRedraw(false); });
 }
 
 void MaxAdaptorInterface::RequestFocus() {
-    ::RequestFocus(focus);
+    AnswerCore("RequestFocus", [&] { ::RequestFocus(focus); });
 }
 
 void MaxAdaptorInterface::RestoreFocus() {
-    ::RestoreFocus(focus);
+    AnswerCore("RestoreFocus", [&] { ::RestoreFocus(focus); });
 }
 
 // Recording --------------------------------------------------------------------------------------
 
 std::int32_t MaxAdaptorInterface::BeginRecording(std::vector<TVL::CoreElement*> owners) {
-    return ::BeginRecording(owners);
+    return AnswerStatus("BeginRecording", [&] { return ::BeginRecording(owners); });
 }
 
 std::int32_t MaxAdaptorInterface::BeginRecordingUnkeyed(std::vector<TVL::CoreElement*>) {
-    return ::BeginRecordingUnkeyed();
+    return AnswerStatus("BeginRecordingUnkeyed", [&] { return ::BeginRecordingUnkeyed(); });
 }
 
 std::int32_t MaxAdaptorInterface::EndRecording() {
-    return ::EndRecording();
+    return AnswerStatus("EndRecording", [&] { return ::EndRecording(); });
 }
 
 // Messages ---------------------------------------------------------------------------------------
 
+std::string MaxAdaptorInterface::GetName() const {
+    return AnswerCore("GetName", [&] { return MessageNode::GetName(); });
+}
+
+std::int32_t MaxAdaptorInterface::Listen(TVL::Util::MessageNode* node) {
+    return AnswerStatus("Listen", [&] { return MessageNode::Listen(node); });
+}
+
+std::int32_t MaxAdaptorInterface::StopListening(TVL::Util::MessageNode* node) {
+    return AnswerStatus("StopListening", [&] { return MessageNode::StopListening(node); });
+}
+
 void MaxAdaptorInterface::Receive(TVL::Util::Message* message, bool) {
-    if (message && message->id == kConvertAllMessage) ConvertAllControllers();
+    AnswerCore("Receive", [&] {
+        if (message && message->id == kConvertAllMessage) ConvertAllControllers();
+    });
 }
 
 std::int32_t MaxAdaptorInterface::Send(TVL::Util::MessageNode* target,

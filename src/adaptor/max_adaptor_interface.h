@@ -31,8 +31,8 @@ class MaxAdaptorInterface final : public TVL::AdaptorInterface,
     std::int32_t ClearLog() override;
 
     // As a message node its name is "MaxAdaptorInterface".
-    using MessageNode::GetName;
-    std::string GetName() override { return "3ds max 9 Adaptor"; }
+    std::string GetName() const override;
+    std::string GetName() override;
     std::string GetShortName() override { return kPlatform; }
     std::string GetPlatformName() override { return "3ds max"; }
     std::string GetPlatformVersion() override { return "9"; }
@@ -74,6 +74,8 @@ class MaxAdaptorInterface final : public TVL::AdaptorInterface,
     XMLNode GetOptionsPanel() override;
 
     // What goes to nodes of the Core's is a call into it.
+    std::int32_t Listen(TVL::Util::MessageNode* node) override;
+    std::int32_t StopListening(TVL::Util::MessageNode* node) override;
     void Receive(TVL::Util::Message* message, bool isBroadcast) override;
     std::int32_t Send(TVL::Util::MessageNode* target, TVL::Util::Message* message) override;
     void Broadcast(TVL::Util::Message* message) override;

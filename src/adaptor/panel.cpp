@@ -72,9 +72,11 @@ INT_PTR CALLBACK PanelDlgProc(HWND window, UINT message, WPARAM wParam, LPARAM) 
             ShowAttachState(window, manager.link.core ? kDetachText : kAttachText);
             ShowWindow(window, SW_SHOW);
             return TRUE;
-        case WM_COMMAND:
-            OnCommand(manager, window, LOWORD(wParam));
+        case WM_COMMAND: {
+            const auto thrown = TVL::ThrownBy([&] { OnCommand(manager, window, LOWORD(wParam)); });
+            if (thrown) TVL::TraceThrown("a press of the panel", *thrown);
             return FALSE;
+        }
         default:
             return FALSE;
     }

@@ -47,11 +47,15 @@ UtilityManager& UtilityManager::Get() {
 
 std::uint32_t UtilityManager::Start() {
     hearsHost = false;
-    isKept = AttachCore() == 0;
-    if (!isKept) return GUPRESULT_NOKEEP;
-    HearHost();
-    ExecuteStringScript(kOpenUtilityScript);
-    return GUPRESULT_KEEP;
+    isKept = false;
+    const auto thrown = TVL::ThrownBy([this] {
+        isKept = AttachCore() == 0;
+        if (!isKept) return;
+        HearHost();
+        ExecuteStringScript(kOpenUtilityScript);
+    });
+    if (thrown) TVL::TraceThrown("the start", *thrown);
+    return isKept ? GUPRESULT_KEEP : GUPRESULT_NOKEEP;
 }
 
 // The time callback stays. It is harmless, and an attach after this adds nothing to it.
@@ -67,7 +71,10 @@ IOResult UtilityManager::Save(ISave* save) {
 }
 
 IOResult UtilityManager::Load(ILoad* load) {
-    return LoadState(*load);
+    IOResult result = IO_ERROR;
+    const auto thrown = TVL::ThrownBy([&] { result = LoadState(*load); });
+    if (thrown) TVL::TraceThrown("the loading of the state", *thrown);
+    return result;
 }
 
 void UtilityManager::HearHost() {
@@ -80,6 +87,5 @@ void UtilityManager::HearHost() {
 void UtilityManager::CTimeChangeCallback::TimeChanged(TimeValue t) {
     CoreInterface* const core = AttachedCore();
     if (!core) return;
-    const double seconds = SecondsOf(t);
-    CallCore("NotifyTimeChanged", [&] { core->NotifyTimeChanged(seconds); });
+    CallCore("NotifyTimeChanged", [&] { core->NotifyTimeChanged(SecondsOf(t)); });
 }

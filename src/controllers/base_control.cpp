@@ -5,6 +5,7 @@
 #include "controllers/key_restore.h"
 #include "controllers/key_sampling.h"
 #include "controllers/key_storage.h"
+#include "controllers/new_control.h"
 #include "core_link/core_link.h"
 #include "host/interface.h"
 #include "platform/win32.h"
@@ -179,14 +180,13 @@ RefResult BaseControl<T>::NotifyRefChanged(Interval, RefTargetHandle, PartID&, R
 
 template <class T>
 RefTargetHandle BaseControl<T>::Clone(RemapDir& remap) {
-    auto* const made =
-        static_cast<Control*>(GetCOREInterface()->CreateInstance(superClassID, classID));
+    NewControl made = MakeControl(superClassID, classID);
     if (!made) return nullptr;
-    auto* const copy = static_cast<BaseControl*>(made);
+    auto* const copy = static_cast<BaseControl*>(made.get());
     copy->table.keys.Whole() = table.keys.Whole();
     copy->table.currentKey = table.currentKey;
     this->BaseClone(this, copy, remap);
-    return copy;
+    return made.release();
 }
 
 template <class T>

@@ -1,9 +1,9 @@
 #include "controllers/conversion.h"
 
+#include "controllers/new_control.h"
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
 #include "host/animate.h"
-#include "host/interface.h"
 #include "undo/own_step.h"
 
 namespace {
@@ -22,10 +22,6 @@ class KeyedWrites {
     KeyedWrites(const KeyedWrites&) = delete;
     KeyedWrites& operator=(const KeyedWrites&) = delete;
 };
-
-Control* NewController(SClass_ID superClass, Class_ID id) {
-    return static_cast<Control*>(GetCOREInterface()->CreateInstance(superClass, id));
-}
 
 void Write(Control& target, TimeValue t, float value, int commit) {
     target.SetValue(t, &value, commit, CTRL_ABSOLUTE);
@@ -60,7 +56,7 @@ void RebuildMotionPanel(IObjParam* panel) {
 void ConvertToScalarController(ScalarControl* source) {
     if (!source->HasDependents()) return;
     const OwnStep step("Convert to Scalar controller");
-    Control* const target = NewController(CTRL_FLOAT_CLASS_ID, kLinearFloatClassId);
+    const NewControl target = MakeControl(CTRL_FLOAT_CLASS_ID, kLinearFloatClassId);
     if (!target) return;
     // The present value, before animate mode goes on: a key only if it is on already.
     Write(*target, 0, source->GetCurrentKey().value, 0);
@@ -78,7 +74,7 @@ void ConvertToPRSController(TransformControl* source) {
     IObjParam* const panel = source->EditInterface();
     {
         const OwnStep step("Convert to PRS controller");
-        Control* const target = NewController(CTRL_MATRIX3_CLASS_ID, kPositionRotationScaleClassId);
+        const NewControl target = MakeControl(CTRL_MATRIX3_CLASS_ID, kPositionRotationScaleClassId);
         if (!target) return;
         Write(*target, 0, source->GetCurrentKey().value, 0);
         {

@@ -2,6 +2,7 @@
 
 #include "controllers/conversion.h"
 #include "controllers/transform_control.h"
+#include "foundation/thrown.h"
 #include "host/interface.h"
 #include "resources/module_instance.h"
 #include "resources/resource_ids.h"
@@ -37,7 +38,8 @@ INT_PTR CALLBACK ConvertPanelDlgProc(HWND window, UINT message, WPARAM wParam, L
     if (message != WM_COMMAND) return 0;
     TransformControl* const controller = StoredController(window);
     if (LOWORD(wParam) == ConvertButton && controller) {
-        ConvertToPRSController(controller);
+        const auto thrown = TVL::ThrownBy([&] { ConvertToPRSController(controller); });
+        if (thrown) TVL::TraceThrown("a press of the page", *thrown);
         // The window can be gone by now, which makes this do nothing.
         StoreController(window, nullptr);
     }

@@ -6,6 +6,7 @@
 
 #include "controllers/base_control.h"
 #include "controllers/change_notification.h"
+#include "foundation/thrown.h"
 #include "host/hold.h"
 
 // The records of changes to a key table, one class per kind of change. Each is put on the hold
@@ -18,8 +19,20 @@
 // What they have in common: the controller, which the host keeps alive as long as its records.
 template <class C, class K>
 class KeyRestore : public RestoreObj {
+  public:
+    // The host hears of no exception. A step that finds no memory is not made, nor taken back.
+    void Restore(int isUndo) final {
+        Make("undo of a key", [&] { TakeBack(isUndo); });
+    }
+    void Redo() final {
+        Make("redo of a key", [&] { DoAgain(); });
+    }
+
   protected:
     explicit KeyRestore(C& changed) : controller(&changed) {}
+
+    virtual void TakeBack(int isUndo) = 0;
+    virtual void DoAgain() = 0;
 
     auto& Table() const { return controller->table; }
     void Announce() const { AnnounceChange(*controller); }
@@ -43,6 +56,13 @@ class KeyRestore : public RestoreObj {
     }
 
     C* controller;
+
+  private:
+    template <class Step>
+    static void Make(const char* name, Step step) {
+        const auto thrown = TVL::ThrownBy(step);
+        if (thrown) TVL::TraceThrown(name, *thrown);
+    }
 };
 
 // A key pushed at the end.
@@ -52,12 +72,12 @@ class ControlKeyAppendRestore : public KeyRestore<C, K> {
     ControlKeyAppendRestore(C& changed, TimeValue at, KeyName comes)
         : KeyRestore<C, K>(changed), time(at), name(comes) {}
 
-    void Restore(int) override {
+    void TakeBack(int) override {
         if (undone || !this->TakeOut(this->Table().Count() - 1, time, name, key)) return;
         undone = true;
         this->Announce();
     }
-    void Redo() override {
+    void DoAgain() override {
         if (!undone || !this->PutBack(this->Table().Count(), key, name)) return;
         undone = false;
         this->Announce();
@@ -77,12 +97,12 @@ class ControlKeyInsertRestore : public KeyRestore<C, K> {
     ControlKeyInsertRestore(C& changed, std::int32_t place, TimeValue at, KeyName comes)
         : KeyRestore<C, K>(changed), index(place), time(at), name(comes) {}
 
-    void Restore(int) override {
+    void TakeBack(int) override {
         if (undone || !this->TakeOut(index, time, name, key)) return;
         undone = true;
         this->Announce();
     }
-    void Redo() override {
+    void DoAgain() override {
         if (!undone || !this->PutBack(index, key, name)) return;
         undone = false;
         this->Announce();
@@ -106,12 +126,12 @@ class ControlKeyDeleteRestore : public KeyRestore<C, K> {
           index(at),
           name(this->Table().names.Give(at)) {}
 
-    void Restore(int) override {
+    void TakeBack(int) override {
         if (undone || !this->PutBack(index, key, name)) return;
         undone = true;
         this->Announce();
     }
-    void Redo() override {
+    void DoAgain() override {
         K removed;
         if (!undone || !this->TakeOut(index, key.time, name, removed)) return;
         undone = false;
@@ -146,12 +166,12 @@ class ControlKeyModRestore : public KeyRestore<C, K> {
           target(comes) {}
 
     // A cancelled hold sees no Redo, so the record keeps what it writes back.
-    void Restore(int isUndo) override {
+    void TakeBack(int isUndo) override {
         const K kept = key;
         Swap();
         if (!isUndo) key = kept;
     }
-    void Redo() override { Swap(); }
+    void DoAgain() override { Swap(); }
 
   private:
     static constexpr std::int32_t kCurrentKey = -1;  // in the place of an index
@@ -194,7 +214,7 @@ class ControlCompleteKeyRestore : public KeyRestore<C, K> {
     }
 
     // A cancelled hold sees no Redo, so the record keeps what it writes back.
-    void Restore(int isUndo) override {
+    void TakeBack(int isUndo) override {
         if (isUndo) return Trade();
         const std::vector<K> keptKeys = keys;
         const K keptCurrent = currentKey;
@@ -202,7 +222,7 @@ class ControlCompleteKeyRestore : public KeyRestore<C, K> {
         keys = keptKeys;
         currentKey = keptCurrent;
     }
-    void Redo() override { Trade(); }
+    void DoAgain() override { Trade(); }
 
   private:
     // A trade that was passed over is not caught up by the one that would take it back.

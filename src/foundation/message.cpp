@@ -98,7 +98,12 @@ std::int32_t MessageNode::Listen(MessageNode* node) {
     if (node == nullptr || Contains(listeningTo, node)) return 0;
     if (Contains(node->listeners, this)) return Report(kLinkMismatch);
     listeningTo.push_back(node);
-    node->listeners.push_back(this);
+    try {
+        node->listeners.push_back(this);
+    } catch (...) {
+        listeningTo.pop_back();
+        throw;
+    }
     Tell(node, Message::kListening, " is now listening to ");
     return 0;
 }

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <memory>
 
+#include "core_link/core_answer.h"
 #include "measures/saturation.h"
 #include "objects/custom_helper_object.h"
 #include "objects/mesh_exchange.h"
@@ -41,21 +42,31 @@ void CMAXNode::CMAXSnapshot_Helper::LoseNode() {
     hostNode = {};
 }
 
-void CMAXNode::CMAXSnapshot_Helper::SetMesh(TVL::CMesh mesh) {
+void CMAXNode::CMAXSnapshot_Helper::Write(const TVL::CMesh& mesh) {
     if (TriObject* object = AsTriangleMesh(LiveObject())) WriteMesh(mesh, object->GetMesh());
 }
 
+void CMAXNode::CMAXSnapshot_Helper::SetMesh(TVL::CMesh mesh) {
+    AnswerCore("SetMesh", [&] { Write(mesh); });
+}
+
 void CMAXNode::CMAXSnapshot_Helper::SetColor(float red, float green, float blue) {
-    if (CustomHelperObject* helper = LiveHelper()) helper->colour = {red, green, blue};
-    if (INode* host = LiveNode()) host->SetWireColor(WireColour(red, green, blue));
+    AnswerCore("SetColor", [&] {
+        if (CustomHelperObject* helper = LiveHelper()) helper->colour = {red, green, blue};
+        if (INode* host = LiveNode()) host->SetWireColor(WireColour(red, green, blue));
+    });
 }
 
 void CMAXNode::CMAXSnapshot_Helper::SetWireframe(bool wireframe) {
-    if (CustomHelperObject* helper = LiveHelper()) helper->wireframe = wireframe;
+    AnswerCore("SetWireframe", [&] {
+        if (CustomHelperObject* helper = LiveHelper()) helper->wireframe = wireframe;
+    });
 }
 
 void CMAXNode::CMAXSnapshot_Helper::SetBackfaceCull(bool backfaceCull) {
-    if (CustomHelperObject* helper = LiveHelper()) helper->backfaceCull = backfaceCull;
+    AnswerCore("SetBackfaceCull", [&] {
+        if (CustomHelperObject* helper = LiveHelper()) helper->backfaceCull = backfaceCull;
+    });
 }
 
 Object* CMAXNode::CMAXSnapshot_Helper::LiveObject() const {
@@ -72,13 +83,15 @@ CustomHelperObject* CMAXNode::CMAXSnapshot_Helper::LiveHelper() const {
 }
 
 TVL::CSnapshot_Helper* CMAXNode::AcquireHelperSnapshot() {
-    INode* const host = HostNode();
-    Object* const object = host ? host->GetObjectRef() : nullptr;
-    if (!host || (object && object->SuperClassID() == CAMERA_CLASS_ID)) return nullptr;
-    CMAXSnapshot_Helper& snapshot =
-        helperPool.FindFree([this] { return std::make_unique<CMAXSnapshot_Helper>(*this); });
-    snapshot.Acquire(*this, object);
-    return &snapshot;
+    return AnswerCore("AcquireHelperSnapshot", [&]() -> TVL::CSnapshot_Helper* {
+        INode* const host = HostNode();
+        Object* const object = host ? host->GetObjectRef() : nullptr;
+        if (!host || (object && object->SuperClassID() == CAMERA_CLASS_ID)) return nullptr;
+        CMAXSnapshot_Helper& snapshot =
+            helperPool.FindFree([this] { return std::make_unique<CMAXSnapshot_Helper>(*this); });
+        snapshot.Acquire(*this, object);
+        return &snapshot;
+    });
 }
 
 void CMAXNode::ReleaseHelperSnapshot(TVL::CSnapshot_Helper* snapshot) {

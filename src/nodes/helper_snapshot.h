@@ -24,6 +24,9 @@ class CMAXNode::CMAXSnapshot_Helper final : public TVL::CoreNode::Snapshot_Helpe
     // The node has died.
     void LoseNode();
 
+    // SetMesh, where an exception is heard of.
+    void Write(const TVL::CMesh& mesh);
+
     void SetMesh(TVL::CMesh mesh) override;
     void SetColor(float red, float green, float blue) override;
     void SetWireframe(bool wireframe) override;

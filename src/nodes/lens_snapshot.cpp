@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "core_link/core_answer.h"
 #include "measures/host_clock.h"
 #include "objects/object_kinds.h"
 
@@ -33,46 +34,60 @@ void CMAXNode::CMAXSnapshot_Lens::LoseNode() {
 }
 
 void CMAXNode::CMAXSnapshot_Lens::SetFieldOfView(double degrees) {
-    if (CameraObject* camera = AsCamera(hostObject.Get()))
-        camera->SetFOV(ticks, static_cast<float>(degrees * kRadiansPerDegree));
+    AnswerCore("SetFieldOfView", [&] {
+        if (CameraObject* camera = AsCamera(hostObject.Get()))
+            camera->SetFOV(ticks, static_cast<float>(degrees * kRadiansPerDegree));
+    });
 }
 
 double CMAXNode::CMAXSnapshot_Lens::GetFieldOfView() {
-    CameraObject* const camera = AsCamera(hostObject.Get());
-    if (!camera) return 0;
-    Interval valid(0, 0);
-    return static_cast<double>(camera->GetFOV(ticks, valid)) * kDegreesPerRadian;
+    return AnswerCore("GetFieldOfView", [&]() -> double {
+        CameraObject* const camera = AsCamera(hostObject.Get());
+        if (!camera) return 0;
+        Interval valid(0, 0);
+        return static_cast<double>(camera->GetFOV(ticks, valid)) * kDegreesPerRadian;
+    });
 }
 
 int CMAXNode::CMAXSnapshot_Lens::GetFieldOfViewType() {
-    CameraObject* const camera = AsCamera(hostObject.Get());
-    return camera ? camera->GetFOVType() : kAcrossWidth;
+    return AnswerCore("GetFieldOfViewType", [&] {
+        CameraObject* const camera = AsCamera(hostObject.Get());
+        return camera ? camera->GetFOVType() : kAcrossWidth;
+    });
 }
 
 void CMAXNode::CMAXSnapshot_Lens::SetFieldOfViewType(int type) {
-    if (type < kAcrossWidth || type > kAcrossDiagonal) return;
-    if (CameraObject* camera = AsCamera(hostObject.Get())) camera->SetFOVType(type);
+    AnswerCore("SetFieldOfViewType", [&] {
+        if (type < kAcrossWidth || type > kAcrossDiagonal) return;
+        if (CameraObject* camera = AsCamera(hostObject.Get())) camera->SetFOVType(type);
+    });
 }
 
 void CMAXNode::CMAXSnapshot_Lens::SetTargetDistance(double hostUnits) {
-    if (CameraObject* camera = AsCamera(hostObject.Get()))
-        camera->SetTDist(ticks, static_cast<float>(hostUnits));
+    AnswerCore("SetTargetDistance", [&] {
+        if (CameraObject* camera = AsCamera(hostObject.Get()))
+            camera->SetTDist(ticks, static_cast<float>(hostUnits));
+    });
 }
 
 double CMAXNode::CMAXSnapshot_Lens::GetTargetDistance() {
-    CameraObject* const camera = AsCamera(hostObject.Get());
-    if (!camera) return 0;
-    Interval valid(0, 0);
-    return static_cast<double>(camera->GetTDist(ticks, valid));
+    return AnswerCore("GetTargetDistance", [&]() -> double {
+        CameraObject* const camera = AsCamera(hostObject.Get());
+        if (!camera) return 0;
+        Interval valid(0, 0);
+        return static_cast<double>(camera->GetTDist(ticks, valid));
+    });
 }
 
 TVL::CSnapshot_Lens* CMAXNode::AcquireLensSnapshot(double time) {
-    const ShownObject object(hostNode);
-    if (!AsCamera(object.Get())) return nullptr;
-    CMAXSnapshot_Lens& snapshot =
-        lensPool.FindFree([this] { return std::make_unique<CMAXSnapshot_Lens>(*this); });
-    snapshot.Acquire(object, time);
-    return &snapshot;
+    return AnswerCore("AcquireLensSnapshot", [&]() -> TVL::CSnapshot_Lens* {
+        const ShownObject object(hostNode);
+        if (!AsCamera(object.Get())) return nullptr;
+        CMAXSnapshot_Lens& snapshot =
+            lensPool.FindFree([this] { return std::make_unique<CMAXSnapshot_Lens>(*this); });
+        snapshot.Acquire(object, time);
+        return &snapshot;
+    });
 }
 
 void CMAXNode::ReleaseLensSnapshot(TVL::CSnapshot_Lens* snapshot) {

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "core_link/core_answer.h"
 #include "nodes/helper_snapshot.h"
 #include "nodes/host_name.h"
 #include "nodes/lens_snapshot.h"
@@ -14,6 +15,15 @@
 #include "tvl/log.h"
 
 CMAXNode* CMAXNode::newestAlive = nullptr;
+
+namespace {
+
+std::string NameInScene(INode* host) {
+    const char* const hostName = host ? host->GetName() : nullptr;
+    return hostName ? hostName : "";
+}
+
+}  // namespace
 
 CMAXNode::CMAXNode(bool snapshot, INode* host) : isSnapshot(snapshot), hostNode(host) {
     JoinAlive();
@@ -36,7 +46,7 @@ CMAXNode::CMAXNode(CMAXNode* reachedFrom, INode* host) : CMAXNode(true, host) {
         name = real->name;
         owner = real->owner;
     } else {
-        name = GetName();
+        name = NameInScene(HostNode());
     }
 }
 
@@ -63,38 +73,48 @@ void CMAXNode::Destroy() {
 }
 
 void CMAXNode::Show() {
-    if (INode* host = HostNode()) host->Hide(false);
+    AnswerCore("Show", [&] {
+        if (INode* host = HostNode()) host->Hide(false);
+    });
 }
 
 void CMAXNode::Hide() {
-    if (INode* host = HostNode()) host->Hide(true);
+    AnswerCore("Hide", [&] {
+        if (INode* host = HostNode()) host->Hide(true);
+    });
 }
 
 bool CMAXNode::IsVisible() {
-    INode* const host = HostNode();
-    return host && !host->IsHidden(0, false);
+    return AnswerCore("IsVisible", [&] {
+        INode* const host = HostNode();
+        return host && !host->IsHidden(0, false);
+    });
 }
 
 void CMAXNode::SetName(std::string hostName) {
-    if (INode* host = HostNode()) host->SetName(CutHostName(std::move(hostName)).c_str());
+    AnswerCore("SetName", [&] {
+        if (INode* host = HostNode()) host->SetName(CutHostName(std::move(hostName)).c_str());
+    });
 }
 
 std::string CMAXNode::GetName() {
-    INode* const host = HostNode();
-    const char* const hostName = host ? host->GetName() : nullptr;
-    return hostName ? hostName : "";
+    return AnswerCore("GetName", [&]() -> std::string { return NameInScene(HostNode()); });
 }
 
 bool CMAXNode::IsSameNode(TVL::CoreNode* other) {
-    INode* const mine = HostNode();
-    INode* const theirs = other ? static_cast<CMAXNode*>(other)->HostNode() : nullptr;
-    return mine && theirs && mine->GetHandle() == theirs->GetHandle();
+    return AnswerCore("IsSameNode", [&]() -> bool {
+        INode* const mine = HostNode();
+        INode* const theirs = other ? static_cast<CMAXNode*>(other)->HostNode() : nullptr;
+        return mine && theirs && mine->GetHandle() == theirs->GetHandle();
+    });
 }
 
 TVL::CoreNode* CMAXNode::Claim(TVL::CoreElement* newOwner, std::string newName) {
-    INode* const host = HostNode();
-    if (!isSnapshot || !host || FindRealNode(host)) return nullptr;
-    return new CMAXNode(newOwner, std::move(newName), nullptr, host);
+    return AnswerCore("Claim", [&]() -> TVL::CoreNode* {
+        INode* const host = HostNode();
+        if (!isSnapshot || !host || FindRealNode(host)) return nullptr;
+        return new CMAXNode(newOwner, std::move(newName), nullptr, host);
+    });
 }
 
 // The node is the caller's from here on, so no undo record may list, hold or end it any more.
@@ -113,6 +133,14 @@ bool CMAXNode::ForgetCore() {
     sourceOwner = nullptr;
     listener = nullptr;
     return knowsCore;
+}
+
+std::vector<TVL::CNode*> GiveAway(NewNodes nodes) {
+    std::vector<TVL::CNode*> given;
+    given.reserve(nodes.size());
+    for (std::unique_ptr<CMAXNode>& node : nodes)
+        given.push_back(node.release());
+    return given;
 }
 
 void CMAXNode::EmptyWatches() {

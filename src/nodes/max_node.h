@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -74,6 +75,9 @@ class CMAXNode final : public TVL::CoreNode {
 
     // For the adaptor's own rooms.
 
+    // AcquireSnapshot, where an exception is heard of.
+    CMAXSnapshot* LendSnapshot(double seconds);
+
     INode* HostNode() const { return hostNode.Get(); }  // null while it is not in the scene
     const HostNodeLink& HostLink() const { return hostNode; }
     TVL::CoreElement* Owner() const { return owner; }
@@ -95,8 +99,7 @@ class CMAXNode final : public TVL::CoreNode {
     friend class NodeWatch;
 
     CMAXNode(bool snapshot, INode* host);
-    CMAXNode* CloneHostNode(bool withHierarchy);
-    std::intptr_t CloneBelow(TVL::CoreNode* parent);
+    CMAXNode* CloneHostNode(bool withHierarchy, const CMAXNode* parent = nullptr);
     std::intptr_t ConvertToHostController();
     void DeleteReal(bool deleteHostNode);
     void DeleteSnapshotNode(bool deleteHostNode);
@@ -131,3 +134,9 @@ class CMAXNode final : public TVL::CoreNode {
     CMAXNode* olderAlive = nullptr;
     static CMAXNode* newestAlive;
 };
+
+// Snapshot nodes on their way to the Core, with null for each that there is not.
+using NewNodes = std::vector<std::unique_ptr<CMAXNode>>;
+
+// They are the Core's from here on.
+std::vector<TVL::CNode*> GiveAway(NewNodes nodes);

@@ -67,20 +67,19 @@ class MergedNodes {
         for (; node && !node->IsRootNode(); node = node->GetParentNode()) {
             if (wrapped_.contains(node)) continue;
             log.WriteValue("Adding node to list", node->GetName());
-            CMAXNode* const entry = NodeFor(NodeReference(*node));
-            nodes_.push_back(entry);
-            if (entry) wrapped_.insert(node);
+            nodes_.push_back(NodeFor(NodeReference(*node)));
+            if (nodes_.back()) wrapped_.insert(node);
         }
     }
 
-    std::vector<TVL::CNode*> Take() { return std::move(nodes_); }
+    NewNodes Take() { return std::move(nodes_); }
 
   private:
-    std::vector<TVL::CNode*> nodes_;
+    NewNodes nodes_;
     std::unordered_set<const INode*> wrapped_;
 };
 
-std::vector<TVL::CNode*> GatherMerged(Interface& host, TVL::Log& log) {
+NewNodes GatherMerged(Interface& host, TVL::Log& log) {
     log.Write("Gathering merged nodes");
     MergedNodes merged;
     for (int index = 0; index < host.GetSelNodeCount(); ++index) {
@@ -109,9 +108,15 @@ std::vector<TVL::CNode*> MergeModels(const std::string& path) {
     const std::vector<HostNodeLink> selected = GatherSelection(host, log);
     log.Write("Clearing node selection");
     host.ClearNodeSelection(0);
-    AddCurrentDirectory(log);
-    MergeFile(host, path, log);
-    std::vector<TVL::CNode*> merged = GatherMerged(host, log);
+    NewNodes merged;
+    try {
+        AddCurrentDirectory(log);
+        MergeFile(host, path, log);
+        merged = GatherMerged(host, log);
+    } catch (...) {
+        SelectAgain(host, selected, log);
+        throw;
+    }
     SelectAgain(host, selected, log);
-    return merged;
+    return GiveAway(std::move(merged));
 }

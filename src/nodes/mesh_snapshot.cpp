@@ -3,6 +3,7 @@
 #include <memory>
 #include <utility>
 
+#include "core_link/core_answer.h"
 #include "core_link/core_link.h"
 #include "measures/host_clock.h"
 #include "nodes/node_watch.h"
@@ -32,9 +33,9 @@ CMAXNode::CMAXSnapshot_Mesh::CMAXSnapshot_Mesh(CMAXNode& lender) {
 }
 
 void CMAXNode::CMAXSnapshot_Mesh::Acquire(CMAXNode& lender, TimeValue ticks, MeshCache* cache) {
-    acquired = true;
     hostNode = lender.hostNode;
     Refresh(ticks, cache);
+    acquired = true;
 }
 
 void CMAXNode::CMAXSnapshot_Mesh::LoseNode() {
@@ -79,40 +80,48 @@ TriObject* CMAXNode::CMAXSnapshot_Mesh::LiveMesh() const {
 }
 
 void CMAXNode::CMAXSnapshot_Mesh::SetMesh(TVL::CMesh mesh) {
-    if (TriObject* object = LiveMesh()) WriteMesh(mesh, object->GetMesh());
+    AnswerCore("SetMesh", [&] {
+        if (TriObject* object = LiveMesh()) WriteMesh(mesh, object->GetMesh());
+    });
 }
 
 TVL::CMesh CMAXNode::CMAXSnapshot_Mesh::GetMesh() {
-    TriObject* const object = LiveMesh();
-    return object ? ReadMesh(object->GetMesh()) : TVL::CMesh();
+    return AnswerCore("GetMesh", [&] {
+        TriObject* const object = LiveMesh();
+        return object ? ReadMesh(object->GetMesh()) : TVL::CMesh();
+    });
 }
 
 bool CMAXNode::CMAXSnapshot_Mesh::IntersectRay(const std::array<double, 3>& origin,
                                                const std::array<double, 3>& direction,
                                                double* distance, std::array<double, 3>* normal) {
-    TriObject* const object = LiveMesh();
-    if (!object) return false;
-    float at = 0;
-    Point3 norm;
-    const Ray ray{Narrowed(origin), Narrowed(direction)};
-    const bool hits = object->GetMesh().IntersectRay(ray, at, norm) != 0;
-    if (distance) *distance = static_cast<double>(at);
-    if (normal) *normal = Widened(norm);
-    return hits;
+    return AnswerCore("IntersectRay", [&]() -> bool {
+        TriObject* const object = LiveMesh();
+        if (!object) return false;
+        float at = 0;
+        Point3 norm;
+        const Ray ray{Narrowed(origin), Narrowed(direction)};
+        const bool hits = object->GetMesh().IntersectRay(ray, at, norm) != 0;
+        if (distance) *distance = static_cast<double>(at);
+        if (normal) *normal = Widened(norm);
+        return hits;
+    });
 }
 
 TVL::CSnapshot_Mesh* CMAXNode::AcquireMeshSnapshot(double seconds) {
-    if (!LendsMesh(HostNode())) return nullptr;
+    return AnswerCore("AcquireMeshSnapshot", [&]() -> TVL::CSnapshot_Mesh* {
+        if (!LendsMesh(HostNode())) return nullptr;
 
-    // The Core can end the node, or its host node, while it is asked.
-    const NodeWatch self(this);
-    const bool isDynamic = CoreOption(DynamicMeshesOption, false);
-    if (!self.Get() || !LendsMesh(HostNode())) return nullptr;
+        // The Core can end the node, or its host node, while it is asked.
+        const NodeWatch self(this);
+        const bool isDynamic = CoreOption(DynamicMeshesOption, false);
+        if (!self.Get() || !LendsMesh(HostNode())) return nullptr;
 
-    CMAXSnapshot_Mesh& snapshot =
-        meshPool.FindFree([this] { return std::make_unique<CMAXSnapshot_Mesh>(*this); });
-    snapshot.Acquire(*this, SnapshotTicks(seconds), isDynamic ? nullptr : &ConvertedMeshes());
-    return &snapshot;
+        CMAXSnapshot_Mesh& snapshot =
+            meshPool.FindFree([this] { return std::make_unique<CMAXSnapshot_Mesh>(*this); });
+        snapshot.Acquire(*this, SnapshotTicks(seconds), isDynamic ? nullptr : &ConvertedMeshes());
+        return &snapshot;
+    });
 }
 
 void CMAXNode::ReleaseMeshSnapshot(TVL::CSnapshot_Mesh* snapshot) {

@@ -1,6 +1,7 @@
 #include <cmath>
 #include <limits>
 
+#include "core_link/core_answer.h"
 #include "measures/host_clock.h"
 #include "nodes/max_node.h"
 
@@ -21,10 +22,12 @@ void DeleteTimeOfAll(Animatable* top, Interval range, std::uint32_t flags) {
 }  // namespace
 
 void CMAXNode::DeleteAnimationFrom(double seconds) {
-    INode* const host = HostNode();
-    if (!recordable || !host || std::isnan(seconds)) return;
-    // The left end is out, so that a key exactly there stays.
-    const Interval later(SnapshotTicks(seconds), std::numeric_limits<TimeValue>::max());
-    DeleteTimeOfAll(host, later, TIME_INCRIGHT);
-    if (Object* object = host->GetObjectRef()) DeleteTimeOfAll(object, later, TIME_INCRIGHT);
+    AnswerCore("DeleteAnimationFrom", [&] {
+        INode* const host = HostNode();
+        if (!recordable || !host || std::isnan(seconds)) return;
+        // The left end is out, so that a key exactly there stays.
+        const Interval later(SnapshotTicks(seconds), std::numeric_limits<TimeValue>::max());
+        DeleteTimeOfAll(host, later, TIME_INCRIGHT);
+        if (Object* object = host->GetObjectRef()) DeleteTimeOfAll(object, later, TIME_INCRIGHT);
+    });
 }

@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "controllers/new_control.h"
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
 #include "core_link/core_link.h"
@@ -11,6 +12,7 @@
 #include "nodes/helper_snapshot.h"
 #include "nodes/host_name.h"
 #include "nodes/max_node.h"
+#include "nodes/node_deletion.h"
 #include "nodes/node_instance_restore.h"
 #include "nodes/node_list.h"
 #include "nodes/node_watch.h"
@@ -31,14 +33,10 @@ std::optional<bool> WantsOwnControllers() {
     return AttachedCore() == asking ? std::optional(wants) : std::nullopt;
 }
 
-Control* NewControl(SClass_ID superClass, Class_ID classId) {
-    return static_cast<Control*>(GetCOREInterface()->CreateInstance(superClass, classId));
-}
-
 void PutTransformControl(INode& host) {
-    Control* const control =
-        NewControl(TransformControl::kSuperClassID, TransformControl::kClassID);
-    if (control && !host.SetTMController(control)) control->DeleteThis();
+    const NewControl control =
+        MakeControl(TransformControl::kSuperClassID, TransformControl::kClassID);
+    if (control) host.SetTMController(control.get());
 }
 
 void PutScalarControls(CameraObject& camera) {
@@ -46,8 +44,9 @@ void PutScalarControls(CameraObject& camera) {
     ForEachParameter(findCamera, [](Animatable& parameters, int index) {
         const HostString name = parameters.SubAnimName(index);
         if (name != "FOV" && name != "Target Distance") return;
-        Control* const control = NewControl(ScalarControl::kSuperClassID, ScalarControl::kClassID);
-        if (control && !parameters.AssignController(control, index)) control->DeleteThis();
+        const NewControl control =
+            MakeControl(ScalarControl::kSuperClassID, ScalarControl::kClassID);
+        if (control) parameters.AssignController(control.get(), index);
     });
 }
 
@@ -57,11 +56,10 @@ std::string HostNameOf(const TVL::CoreElement* owner, const std::string& name) {
 
 // The record stands in the hold before the listener hears of the node, so that whatever the
 // listener does to it, even ending it, comes behind its creation.
-void RecordCreation(CMAXNode* node) {
+void RecordCreation(const NodeWatch& node) {
     if (!IsHoldingUndo()) return;
-    const NodeWatch watch(node);
-    AddUndoChunk(std::make_unique<NodeInstanceRestoreObj>(node, true));
-    if (watch.Get()) TellRestored(*node);
+    AddUndoChunk(std::make_unique<NodeInstanceRestoreObj>(node.Get(), true));
+    if (node.Get()) TellRestored(*node.Get());
 }
 
 // What a node is to hang below, held by a link, since the Core may end it while it is asked for its
@@ -70,12 +68,38 @@ HostNodeLink LinkTo(TVL::CNode* parent) {
     return parent ? static_cast<CMAXNode*>(parent)->HostLink() : HostNodeLink();
 }
 
+struct FreeObject {
+    void operator()(Object* object) const { object->DeleteThis(); }
+};
+template <class T>
+using NewObject = std::unique_ptr<T, FreeObject>;
+
 // The host node of a new object, which the scene owns from here on; null if there is none, and the
-// object is freed.
-INode* NewHostNode(Object* object) {
-    INode* const host = GetCOREInterface()->CreateObjectNode(object);
-    if (!host) object->DeleteThis();
+// object is freed. A host that throws has it all the same: nobody can tell how far it came.
+INode* NewHostNode(NewObject<Object> object) {
+    Object* const given = object.release();
+    INode* const host = GetCOREInterface()->CreateObjectNode(given);
+    if (!host) given->DeleteThis();
     return host;
+}
+
+// The real node of a new scene node, made and finished. If that fails both go again.
+template <class Finish>
+TVL::CNode* NewRealNode(TVL::CoreElement* owner, const std::string& name,
+                        const HostNodeLink& parent, INode& host, Finish finish) {
+    const HostNodeLink link(&host);
+    std::optional<NodeWatch> node;
+    try {
+        auto made = std::make_unique<CMAXNode>(owner, name, parent.Get(), &host);
+        node.emplace(made.get());
+        static_cast<void>(made.release());
+        finish(*node);
+        return node->Get();
+    } catch (...) {
+        if (node && node->Get()) node->Get()->Destroy();
+        TakeBackHostNode(link.Get());
+        throw;
+    }
 }
 
 }  // namespace
@@ -88,22 +112,23 @@ TVL::CNode* CreateLensNode(TVL::CoreElement* owner, const std::string& name, TVL
     const HostNodeLink parentLink = LinkTo(parent);
     const std::optional<bool> ownControllers = WantsOwnControllers();
     if (!ownControllers) return nullptr;
-    CameraObject* const camera = GetCOREInterface()->CreateCameraObject(0);
-    if (!camera) return nullptr;
-    camera->SetConeState(1);
-    camera->SetHorzLineState(1);
-    camera->Enable(1);
-    INode* const host = NewHostNode(camera);
+    NewObject<CameraObject> object(GetCOREInterface()->CreateCameraObject(0));
+    if (!object) return nullptr;
+    CameraObject& camera = *object;
+    camera.SetConeState(1);
+    camera.SetHorzLineState(1);
+    camera.Enable(1);
+    INode* const host = NewHostNode(std::move(object));
     if (!host) return nullptr;
-    const NodeWatch node(new CMAXNode(owner, name, parentLink.Get(), host));
-    node.Get()->SetListener(listener);
-    if (*ownControllers) {
-        PutTransformControl(*host);
-        PutScalarControls(*camera);
-    }
-    host->SetName(HostNameOf(owner, name).c_str());
-    RecordCreation(node.Get());
-    return node.Get();
+    return NewRealNode(owner, name, parentLink, *host, [&](const NodeWatch& node) {
+        node.Get()->SetListener(listener);
+        if (*ownControllers) {
+            PutTransformControl(*host);
+            PutScalarControls(camera);
+        }
+        host->SetName(HostNameOf(owner, name).c_str());
+        RecordCreation(node);
+    });
 }
 
 TVL::CNode* CreateHelperNode(TVL::CoreElement* owner, const std::string& name, TVL::CNode* parent,
@@ -119,20 +144,21 @@ TVL::CNode* CreateHelperNode(TVL::CoreElement* owner, const std::string& name, T
         log.Write("Unable to create 3ds max mesh object", TVL::Log::kError);
         return nullptr;
     }
-    INode* const host = NewHostNode(object);
-    const NodeWatch node(new CMAXNode(owner, name, parentLink.Get(), host));
+    INode* const host = NewHostNode(NewObject<Object>(object));
     if (!host) {
+        const CMAXNode without(owner, name, parentLink.Get(), nullptr);
         log.Write("Error creating node reference", TVL::Log::kError);
-        node.Get()->Destroy();
         return nullptr;
     }
-    host->SetWireColor(kRed);
-    CMAXNode::CMAXSnapshot_Helper(object).SetMesh(mesh);
-    node.Get()->SetListener(listener);
-    if (*ownControllers) PutTransformControl(*host);
-    RecordCreation(node.Get());
-    if (node.Get()) node.Get()->SetName(HostNameOf(owner, name));
-    return node.Get();
+    return NewRealNode(owner, name, parentLink, *host, [&](const NodeWatch& node) {
+        host->SetWireColor(kRed);
+        CMAXNode::CMAXSnapshot_Helper(object).Write(mesh);
+        node.Get()->SetListener(listener);
+        if (*ownControllers) PutTransformControl(*host);
+        RecordCreation(node);
+        INode* const named = node.Get() ? node.Get()->HostNode() : nullptr;
+        if (named) named->SetName(HostNameOf(owner, name).c_str());
+    });
 }
 
 TVL::CNode* FindNode(const TVL::CoreElement* owner, std::string_view name) {

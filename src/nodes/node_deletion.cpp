@@ -6,6 +6,7 @@
 #include "controllers/conversion.h"
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
+#include "core_link/core_answer.h"
 #include "nodes/max_node.h"
 #include "nodes/node_instance_restore.h"
 #include "nodes/node_list.h"
@@ -40,6 +41,13 @@ bool IsBeingDeletedByHost(INode* hostNode) {
     return isAtItsPlace();
 }
 
+void TakeBackHostNode(INode* hostNode) noexcept {
+    const auto thrown = TVL::ThrownBy([&] {
+        if (hostNode) GetCOREInterface()->DeleteNode(hostNode, 1, 0);
+    });
+    if (thrown) TVL::TraceThrown("DeleteNode", *thrown);
+}
+
 void ConvertTransformController(INode* hostNode) {
     if (auto* const own = TransformControl::liveInstances.Find(hostNode->GetTMController()))
         ConvertToPRSController(own);
@@ -61,18 +69,20 @@ void RevertControllers(INode* hostNode) {
 }
 
 void CMAXNode::Delete(bool deleteHostNode) {
-    if (isSnapshot)
-        DeleteSnapshotNode(deleteHostNode);
-    else
-        DeleteReal(deleteHostNode);
+    AnswerCore("Delete", [&] {
+        if (isSnapshot)
+            DeleteSnapshotNode(deleteHostNode);
+        else
+            DeleteReal(deleteHostNode);
+    });
 }
 
 // Calls out to the host and to the Core can end this node; the record, which has not been given
 // away yet, tells.
 void CMAXNode::DeleteReal(bool deleteHostNode) {
     if (!IsListed(this)) return;
-    UnlistNode(this);
     auto record = std::make_unique<NodeInstanceRestoreObj>(this, true);
+    UnlistNode(this);
     SettleHostSide(deleteHostNode);
     if (!record->Node()) return;
     if (!IsHoldingUndo()) {
@@ -98,11 +108,15 @@ bool CMAXNode::MayDeleteThroughSource() const {
     return !owner || owner == reachedBy;
 }
 
+// The Core has done with the node, which ends also where the host fails at its side of it.
 void CMAXNode::SettleHostSide(bool deleteHostNode) {
-    INode* const host = HostNode();
-    if (!host) return;
-    if (!deleteHostNode)
-        RevertControllers(host);
-    else if (!IsBeingDeletedByHost(host))
-        GetCOREInterface()->DeleteNode(host, 1, 0);
+    const auto thrown = TVL::ThrownBy([&] {
+        INode* const host = HostNode();
+        if (!host) return;
+        if (!deleteHostNode)
+            RevertControllers(host);
+        else if (!IsBeingDeletedByHost(host))
+            GetCOREInterface()->DeleteNode(host, 1, 0);
+    });
+    if (thrown) TVL::TraceThrown("Delete", *thrown);
 }

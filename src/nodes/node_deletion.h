@@ -26,6 +26,10 @@ DeletionState& DeletionInProgress();
 // Whether the host is about to delete this node by itself.
 bool IsBeingDeletedByHost(INode* hostNode);
 
+// Takes a scene node out again that was made for the Core and does not get there. What the host
+// throws at that is left to the trace.
+void TakeBackHostNode(INode* hostNode) noexcept;
+
 // Puts the host's default transform controller on a node that has a TransformControl.
 void ConvertTransformController(INode* hostNode);
 

@@ -29,9 +29,9 @@ void ListNode(CMAXNode* node) {
 // A node that dies cannot fail to go for want of memory.
 void UnlistNode(CMAXNode* node) {
     if (!IsListed(node)) return;
-    const auto clear = AdaptorNodes().clearHostNode;
-    INode* const host = clear ? node->HostNode() : nullptr;
-    const auto thrown = TVL::ThrownBy([&] {
+    const auto thrown = TVL::ThrownBy([node] {
+        const auto clear = AdaptorNodes().clearHostNode;
+        INode* const host = clear ? node->HostNode() : nullptr;
         if (host) clear(*host);
     });
     if (thrown) TVL::TraceThrown("the clearing of a tag", *thrown);

@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "host/interface.h"
-#include "nodes/max_node.h"
 
 namespace {
 
@@ -34,8 +33,8 @@ XMLNode NodeReference(INode& hostNode) {
     return XMLNode(kReferenceElement, hostNode.GetHandle());
 }
 
-CMAXNode* NodeFor(const XMLNode& reference) {
+std::unique_ptr<CMAXNode> NodeFor(const XMLNode& reference) {
     const std::optional<std::uint32_t> handle = HandleIn(reference.Child(0).name);
     INode* const hostNode = handle ? GetCOREInterface()->GetINodeByHandle(*handle) : nullptr;
-    return hostNode ? new CMAXNode(nullptr, hostNode) : nullptr;
+    return hostNode ? std::make_unique<CMAXNode>(nullptr, hostNode) : nullptr;
 }

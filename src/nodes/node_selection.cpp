@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "core_link/core_answer.h"
 #include "nodes/max_node.h"
 #include "undo/own_step.h"
 
@@ -22,12 +23,14 @@ bool EndSelectionBatch() {
 }
 
 void CMAXNode::Select() {
-    INode* const host = HostNode();
-    if (!host) return;
-    if (selectionBatch) {
-        GetCOREInterface()->SelectNode(host, 0);
-        return;
-    }
-    const OwnStep step("Select");
-    GetCOREInterface()->SelectNode(host, 1);
+    AnswerCore("Select", [&] {
+        INode* const host = HostNode();
+        if (!host) return;
+        if (selectionBatch) {
+            GetCOREInterface()->SelectNode(host, 0);
+            return;
+        }
+        const OwnStep step("Select");
+        GetCOREInterface()->SelectNode(host, 1);
+    });
 }

@@ -9,7 +9,7 @@
 #include "nodes/max_node.h"
 #include "nodes/mesh_cache.h"
 #include "nodes/node_list.h"
-#include "tvl/snapshot.h"
+#include "nodes/transform_snapshot.h"
 #include "undo/set_time_restore.h"
 #include "undo/undo_groups.h"
 
@@ -26,26 +26,40 @@ void OpenRecording() {
 
 // What is written in animate mode becomes a key, even if it is what was there.
 void KeyPresentPose(CMAXNode& node) {
-    TVL::CSnapshot* const snapshot = node.AcquireSnapshot(CurrentSeconds());
-    if (!snapshot) return;
-    snapshot->SetWorldTransform(snapshot->GetWorldTransform());
-    node.ReleaseSnapshot(snapshot);
+    const auto release = [](CMAXNode::CMAXSnapshot* lent) { lent->Release(); };
+    const std::unique_ptr<CMAXNode::CMAXSnapshot, decltype(release)> snapshot(
+        node.LendSnapshot(CurrentSeconds()));
+    if (snapshot) snapshot->PutWorld(snapshot->World());
+}
+
+// A recording that does not come up whole is ended again; inside another one it leaves that alone.
+template <class Begin>
+std::int32_t BeginWhole(Begin begin) {
+    const int before = RecordingInProgress().depth;
+    try {
+        begin();
+    } catch (...) {
+        RecordingState& recording = RecordingInProgress();
+        if (recording.depth > before) before > 0 ? recording.depth = before : EndRecording();
+        throw;
+    }
+    return 0;
 }
 
 }  // namespace
 
 std::int32_t BeginRecording(const std::vector<TVL::CoreElement*>& owners) {
-    OpenRecording();
     const std::unordered_set<const TVL::CoreElement*> meant(owners.begin(), owners.end());
-    ForEachListedNode([&](CMAXNode& node) {
-        if (meant.contains(node.Owner()) && node.IsRecordable()) KeyPresentPose(node);
+    return BeginWhole([&] {
+        OpenRecording();
+        ForEachListedNode([&](CMAXNode& node) {
+            if (meant.contains(node.Owner()) && node.IsRecordable()) KeyPresentPose(node);
+        });
     });
-    return 0;
 }
 
 std::int32_t BeginRecordingUnkeyed() {
-    OpenRecording();
-    return 0;
+    return BeginWhole(&OpenRecording);
 }
 
 std::int32_t EndRecording() {

@@ -1,8 +1,10 @@
 #include "nodes/shape_snapshot.h"
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
+#include "core_link/core_answer.h"
 #include "measures/host_clock.h"
 #include "objects/object_kinds.h"
 
@@ -12,6 +14,9 @@ namespace {
 constexpr double kTangentStretch = 0.00001;
 constexpr double kHalfStretch = 0.000005;
 constexpr double kLastStretchStart = 0.99999;
+
+// Of a curve that leads nowhere.
+constexpr std::array<double, 3> kNoDirection{0, 1, 0};
 
 // Centred on the parameter, pushed inward at both ends.
 double StretchStart(double parameter) {
@@ -39,23 +44,12 @@ void CMAXNode::CMAXSnapshot_Shape::LoseNode() {
     hostObject = {};
 }
 
-int CMAXNode::CMAXSnapshot_Shape::GetCurveCount() {
+int CMAXNode::CMAXSnapshot_Shape::Count() const {
     ShapeObject* const shape = AsShape(hostObject.Get());
     return shape ? shape->NumberOfCurves() : 0;
 }
 
-void CMAXNode::CMAXSnapshot_Shape::SetCurve(int index) {
-    const int count = GetCurveCount();
-    if (index >= count) index = count - 1;
-    curve = index < 0 ? 0 : index;
-}
-
-double CMAXNode::CMAXSnapshot_Shape::GetCurveLength() {
-    ShapeObject* const shape = ShapeWithCurve();
-    return shape ? static_cast<double>(shape->LengthOfCurve(ticks, curve)) : 0;
-}
-
-std::array<double, 3> CMAXNode::CMAXSnapshot_Shape::GetCurvePoint(double parameter) {
+std::array<double, 3> CMAXNode::CMAXSnapshot_Shape::Point(double parameter) const {
     ShapeObject* const shape = ShapeWithCurve();
     if (!shape) return {};
     const Point3 point =
@@ -63,15 +57,36 @@ std::array<double, 3> CMAXNode::CMAXSnapshot_Shape::GetCurvePoint(double paramet
     return {point.x, point.y, point.z};
 }
 
+int CMAXNode::CMAXSnapshot_Shape::GetCurveCount() {
+    return AnswerCore("GetCurveCount", [&] { return Count(); });
+}
+
+void CMAXNode::CMAXSnapshot_Shape::SetCurve(int index) {
+    AnswerCore("SetCurve", [&] { curve = std::max(std::min(index, Count() - 1), 0); });
+}
+
+double CMAXNode::CMAXSnapshot_Shape::GetCurveLength() {
+    return AnswerCore("GetCurveLength", [&] {
+        ShapeObject* const shape = ShapeWithCurve();
+        return shape ? static_cast<double>(shape->LengthOfCurve(ticks, curve)) : 0;
+    });
+}
+
+std::array<double, 3> CMAXNode::CMAXSnapshot_Shape::GetCurvePoint(double parameter) {
+    return AnswerCore("GetCurvePoint", [&] { return Point(parameter); });
+}
+
 std::array<double, 3> CMAXNode::CMAXSnapshot_Shape::GetCurveTangent(double parameter) {
-    const double start = StretchStart(parameter);
-    const std::array<double, 3> from = GetCurvePoint(start);
-    const std::array<double, 3> to = GetCurvePoint(start + kTangentStretch);
-    const std::array<double, 3> way{to[0] - from[0], to[1] - from[1], to[2] - from[2]};
-    const double length = std::sqrt(way[0] * way[0] + way[1] * way[1] + way[2] * way[2]);
-    if (length == 0.0) return {0, 1, 0};
-    const double scale = 1 / length;
-    return {way[0] * scale, way[1] * scale, way[2] * scale};
+    return AnswerCore("GetCurveTangent", kNoDirection, [&] {
+        const double start = StretchStart(parameter);
+        const std::array<double, 3> from = Point(start);
+        const std::array<double, 3> to = Point(start + kTangentStretch);
+        const std::array<double, 3> way{to[0] - from[0], to[1] - from[1], to[2] - from[2]};
+        const double length = std::sqrt(way[0] * way[0] + way[1] * way[1] + way[2] * way[2]);
+        if (length == 0.0) return kNoDirection;
+        const double scale = 1 / length;
+        return std::array<double, 3>{way[0] * scale, way[1] * scale, way[2] * scale};
+    });
 }
 
 // A reused snapshot can have a curve from a time at which its node had more of them.
@@ -81,12 +96,14 @@ ShapeObject* CMAXNode::CMAXSnapshot_Shape::ShapeWithCurve() const {
 }
 
 TVL::CSnapshot_Shape* CMAXNode::AcquireShapeSnapshot(double time) {
-    const ShownObject object(hostNode);
-    if (!AsShape(object.Get())) return nullptr;
-    CMAXSnapshot_Shape& snapshot =
-        shapePool.FindFree([this] { return std::make_unique<CMAXSnapshot_Shape>(*this); });
-    snapshot.Acquire(object, time);
-    return &snapshot;
+    return AnswerCore("AcquireShapeSnapshot", [&]() -> TVL::CSnapshot_Shape* {
+        const ShownObject object(hostNode);
+        if (!AsShape(object.Get())) return nullptr;
+        CMAXSnapshot_Shape& snapshot =
+            shapePool.FindFree([this] { return std::make_unique<CMAXSnapshot_Shape>(*this); });
+        snapshot.Acquire(object, time);
+        return &snapshot;
+    });
 }
 
 void CMAXNode::ReleaseShapeSnapshot(TVL::CSnapshot_Shape* snapshot) {

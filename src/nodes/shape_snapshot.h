@@ -31,6 +31,8 @@ class CMAXNode::CMAXSnapshot_Shape final : public TVL::CoreNode::Snapshot_Shape,
     std::array<double, 3> GetCurveTangent(double parameter) override;
 
   private:
+    int Count() const;
+    std::array<double, 3> Point(double parameter) const;
     ShapeObject* ShapeWithCurve() const;  // null: the current curve is not there
 
     ShownObject hostObject;

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "controllers/change_notification.h"
+#include "core_link/core_answer.h"
 #include "measures/core_space.h"
 #include "measures/host_clock.h"
 
@@ -25,24 +26,36 @@ void CMAXNode::CMAXSnapshot::LoseNode() {
     hostNode = {};
 }
 
-TVL::CMatrix4 CMAXNode::CMAXSnapshot::GetWorldTransform() {
+TVL::CMatrix4 CMAXNode::CMAXSnapshot::World() const {
     INode* const host = hostNode.Get();
     if (!host) return TVL::CMatrix4::Identity();
     return HostTransform(*host) * Inverse(CoreToHostBase());
 }
 
-void CMAXNode::CMAXSnapshot::SetWorldTransform(const TVL::CMatrix4& transform) {
+void CMAXNode::CMAXSnapshot::PutWorld(const TVL::CMatrix4& transform) {
     if (INode* host = hostNode.Get()) SetHostTransform(*host, transform * CoreToHostBase());
 }
 
+TVL::CMatrix4 CMAXNode::CMAXSnapshot::GetWorldTransform() {
+    return AnswerCore("GetWorldTransform", TVL::CMatrix4::Identity(), [&] { return World(); });
+}
+
+void CMAXNode::CMAXSnapshot::SetWorldTransform(const TVL::CMatrix4& transform) {
+    AnswerCore("SetWorldTransform", [&] { PutWorld(transform); });
+}
+
 TVL::CMatrix4 CMAXNode::CMAXSnapshot::GetLocalTransform() {
-    INode* const host = hostNode.Get();
-    if (!host) return TVL::CMatrix4::Identity();
-    return HostTransform(*host) * Inverse(LocalBase(*host));
+    return AnswerCore("GetLocalTransform", TVL::CMatrix4::Identity(), [&]() -> TVL::CMatrix4 {
+        INode* const host = hostNode.Get();
+        if (!host) return TVL::CMatrix4::Identity();
+        return HostTransform(*host) * Inverse(LocalBase(*host));
+    });
 }
 
 void CMAXNode::CMAXSnapshot::SetLocalTransform(const TVL::CMatrix4& transform) {
-    if (INode* host = hostNode.Get()) SetHostTransform(*host, transform * LocalBase(*host));
+    AnswerCore("SetLocalTransform", [&] {
+        if (INode* host = hostNode.Get()) SetHostTransform(*host, transform * LocalBase(*host));
+    });
 }
 
 // What a local transform is relative to: the parent, or Core world space below the root.
@@ -60,12 +73,16 @@ void CMAXNode::CMAXSnapshot::SetHostTransform(INode& host, const TVL::CMatrix4& 
     AnnounceChange(host);
 }
 
-TVL::CSnapshot* CMAXNode::AcquireSnapshot(double seconds) {
+CMAXNode::CMAXSnapshot* CMAXNode::LendSnapshot(double seconds) {
     if (!HostNode()) return nullptr;
     CMAXSnapshot& snapshot =
         transformPool.FindFree([this] { return std::make_unique<CMAXSnapshot>(*this); });
     snapshot.Acquire(*this, seconds);
     return &snapshot;
+}
+
+TVL::CSnapshot* CMAXNode::AcquireSnapshot(double seconds) {
+    return AnswerCore("AcquireSnapshot", [&] { return LendSnapshot(seconds); });
 }
 
 void CMAXNode::ReleaseSnapshot(TVL::CSnapshot* snapshot) {

@@ -17,6 +17,10 @@ class CMAXNode::CMAXSnapshot final : public TVL::CoreNode::Snapshot, public Orph
     // The node has died.
     void LoseNode();
 
+    // The world transform, for the adaptor's own rooms, which hear what the host throws.
+    TVL::CMatrix4 World() const;
+    void PutWorld(const TVL::CMatrix4& transform);
+
     void SetLocalTransform(const TVL::CMatrix4& transform) override;
     TVL::CMatrix4 GetLocalTransform() override;
     TVL::CMatrix4 GetWorldTransform() override;

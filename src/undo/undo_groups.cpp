@@ -47,6 +47,17 @@ void EndHold(UndoGroups& groups, const std::string& name) {
     }
 }
 
+// A nest for which the host's hold fails has not begun.
+void BeginHold(UndoGroups& groups) {
+    try {
+        theHold.Begin();
+    } catch (...) {
+        DisownHold(groups);
+        groups.undoGroups.clear();
+        throw;
+    }
+}
+
 void WarnOfUnusualNest(const std::vector<std::string>& open, const std::string& name) {
     if (!TVL::Log::GetInstance()->IsLevelActive(TVL::Log::kNotice)) return;
     TVL::Log log(TVL::Log::kWarning);
@@ -67,7 +78,7 @@ std::int32_t BeginUndoGroup(std::string name) {
     if (groups.undoGroups.size() > 1) return 0;
     ++groups.nest;
     groups.ownsHold = CanBeginHold();
-    if (groups.ownsHold) theHold.Begin();
+    if (groups.ownsHold) BeginHold(groups);
     return 0;
 }
 
@@ -102,12 +113,14 @@ bool GroupsOwnHold() {
 
 namespace {
 
+// A record that the host has no place for is no mark: its end says nothing of the hold.
 template <class Wrapper>
 void PutOnHold(OwnedChunk chunk) {
     auto record = std::make_unique<Wrapper>(chunk.get());
     static_cast<void>(chunk.release());
-    if (!holdMark && GroupsOwnHold()) holdMark = record.get();
+    const RestoreObj* const put = record.get();
     theHold.Put(record.release());
+    if (!holdMark && GroupsOwnHold()) holdMark = put;
 }
 
 template <class Wrapper>
@@ -130,8 +143,11 @@ std::int32_t AddUndoChunk(std::unique_ptr<TVL::CUndo> chunk) {
     return AddChunk<CUndoWrapper>(OwnedChunk(chunk.release()));
 }
 
+// A hold that cannot be watched is given up at once.
 void MarkHold() {
-    if (!holdMark && GroupsOwnHold()) PutOnHold<CUndoWrapper>(nullptr);
+    if (holdMark || !GroupsOwnHold()) return;
+    const auto thrown = TVL::ThrownBy([] { PutOnHold<CUndoWrapper>(nullptr); });
+    if (thrown) DisownHold(OpenUndoGroups());
 }
 
 // The adaptor may be gone when the host drops its last records, so it is not asked for unless the
@@ -145,14 +161,16 @@ OutsideHold::OutsideHold(const char* label) : nest(OpenUndoGroups().nest) {
     closed = true;
     owned = GroupsOwnHold();
     DisownHold(OpenUndoGroups());
-    theHold.Accept(label);
+    const auto thrown = TVL::ThrownBy([label] { theHold.Accept(label); });
+    if (thrown) TVL::TraceThrown(label, *thrown);
 }
 
 OutsideHold::~OutsideHold() {
     UndoGroups& groups = OpenUndoGroups();
     if (!closed || groups.nest != nest || groups.undoGroups.empty() || !CanBeginHold()) return;
-    theHold.Begin();
-    groups.ownsHold = owned;
+    const auto thrown = TVL::ThrownBy([] { theHold.Begin(); });
+    if (thrown) TVL::TraceThrown("the hold of undo groups", *thrown);
+    groups.ownsHold = owned && !thrown;
 }
 
 void EndHoldOfGroups() {

@@ -8,12 +8,12 @@
 #include <utility>
 #include <vector>
 
-#include "core_link/core_call.h"
 #include "core_link/core_link.h"
 #include "nodes/max_node.h"
 #include "nodes/node_list.h"
 #include "persistence/scene/node_tags.h"
 #include "persistence/scene/scene_walk.h"
+#include "persistence/scene/state_chunk.h"
 #include "persistence/scene/state_format.h"
 #include "persistence/scene/stored_plugins.h"
 #include "persistence/scene/tagged_nodes.h"
@@ -125,17 +125,13 @@ void ClearTags(const TaggedNodeList& taggedNodes, const Handles& kept) {
 
 }  // namespace
 
-// A Core that could not load has not taken what it left unclaimed: the tags stay, for the next
-// gathering or in the next file.
+// A Core that could not load, or find its nodes, has not taken what it left unclaimed: the tags
+// stay, for the next gathering or in the next file.
 void GatherSceneState() {
-    CoreInterface* const core = AttachedCore();
-    if (!core || IsCoreLeaving()) return;
+    if (!AttachedCore() || IsCoreLeaving()) return;
     RunningGathering gathering;
     const XMLNode state = StateTree(CollectNodeTags(gathering.List()));
-    const bool isTaken = CallCore("SetCoreState", [&] {
-        const CoreLoads loading;
-        core->SetCoreState(state);
-    });
+    const bool isTaken = HandToCore(state);
     ReportUnclaimed(gathering.List());
     ClearTags(gathering.List(), isTaken ? Handles() : UnclaimedHandles(gathering.List()));
 }

@@ -2,9 +2,9 @@
 
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -102,10 +102,15 @@ class TagAcrossUndo {
 class TagRestore final : public RestoreObj {
   public:
     explicit TagRestore(std::shared_ptr<TagAcrossUndo> tag) : tag_(std::move(tag)) {}
-    void Restore(int) override { tag_->Pass(); }
-    void Redo() override { tag_->Pass(); }
+    void Restore(int) override { Pass(); }
+    void Redo() override { Pass(); }
 
   private:
+    void Pass() {
+        const auto thrown = TVL::ThrownBy([this] { tag_->Pass(); });
+        if (thrown) TVL::TraceThrown("the keeping of a tag", *thrown);
+    }
+
     std::shared_ptr<TagAcrossUndo> tag_;
 };
 
@@ -133,23 +138,11 @@ void Store(Carrier carrier) {
     });
 }
 
-// A copy that was made of a tagged node is none of the Core's, and its tag is a double. To be
-// called when the real nodes have no tags any more.
-void ClearCopiedTags() {
-    std::vector<INode*> tagged;
-    WalkScene([&](INode& node) {
-        if (!TagTextOn(node).value_or("").empty()) tagged.push_back(&node);
-    });
-    if (tagged.empty()) return;
-    std::set<std::pair<std::string, std::string>> written;
-    ForEachListedNode([&written](const CMAXNode& node) {
-        written.emplace(PluginNameOf(node.Owner()), node.NodeName());
-    });
-    for (INode* node : tagged) {
-        const XMLNode tag(*TagTextOn(*node));
-        const std::pair names{tag.Child(kNameElement).Text(), tag.Child(kObjectNameElement).Text()};
-        if (written.contains(names)) ClearNodeTag(*node);
-    }
+// One that fails keeps no other from being cleared.
+void ClearEach(const std::vector<INode*>& nodes) {
+    for (INode* node : nodes)
+        if (const auto thrown = TVL::ThrownBy([node] { ClearNodeTag(*node); }))
+            TVL::TraceThrown("the clearing of a tag", *thrown);
 }
 
 }  // namespace
@@ -164,12 +157,26 @@ void StoreStateForNextCore() {
     Store(theHold.Holding() ? Carrier::kEachNode : Carrier::kFirstNode);
 }
 
+// A copy that was made of a tagged node is none of the Core's, and its tag is a double to the byte.
+// Any other tag waits for a Core that takes it, whatever names it bears.
 void ClearNodeTags() {
     AdaptorNodes().clearHostNode = nullptr;
-    ForEachListedNode([](const CMAXNode& node) {
-        if (INode* const host = node.HostNode()) ClearNodeTag(*host);
+    std::vector<INode*> tagged;
+    std::unordered_set<std::string> written;
+    ForEachListedNode([&](const CMAXNode& node) {
+        INode* const host = node.HostNode();
+        if (!host) return;
+        tagged.push_back(host);
+        written.insert(TagTextOn(*host).value_or(""));
     });
-    ClearCopiedTags();
+    ClearEach(tagged);
+    written.erase("");
+    if (written.empty()) return;
+    std::vector<INode*> copies;
+    WalkScene([&](INode& node) {
+        if (written.contains(TagTextOn(node).value_or(""))) copies.push_back(&node);
+    });
+    ClearEach(copies);
 }
 
 void ClearNodeTag(INode& hostNode) {

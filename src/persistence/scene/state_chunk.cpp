@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "core_link/core_call.h"
 #include "core_link/core_link.h"
@@ -16,24 +18,32 @@ namespace {
 // The scene's state was offered while there was no Core.
 bool isStateUnread = false;
 
+// What the Core has not got of a state whose loading ended inside a chunk. The host counts the
+// chunks ahead of that one as read, so each save writes these ahead of the Core's own state.
+std::vector<std::string> notHandedOver;
+
 constexpr const char* kUnread =
     "Saving while state stored in the scene has never been read: it was opened without a CORE";
 
-// False if the Core could not take it. It may detach in the middle of the loading.
-bool HandToCore(const XMLNode& state) {
-    const CoreLoads loading;
-    CoreInterface* const core = AttachedCore();
-    return !core || CallCore("SetCoreState", [&] { core->SetCoreState(state); });
+std::string TextOf(const XMLNode& state) {
+    return state.Write("\n", "\t");
 }
 
-IOResult LoadStateChunk(ILoad& load, bool& isTaken) {
+IOResult LoadStateChunk(ILoad& load, std::vector<std::string>& untaken) {
     char* text = nullptr;
     const IOResult result = load.ReadCStringChunk(&text);
     if (result != IO_OK) return result;
-    const XMLNode state(text ? text : "");
+    const std::string whole(text ? text : "");
+    const XMLNode state(whole);
     if (!state.children.empty()) RecordOfState().hadState = true;
-    if (!HandToCore(state)) isTaken = false;
+    if (!HandToCore(state)) untaken.push_back(whole);
     return IO_OK;
+}
+
+void WriteStateChunk(ISave& save, const std::string& text) {
+    save.BeginChunk(kStateChunk);
+    save.WriteCString(text.c_str());
+    save.EndChunk();
 }
 
 void Refuse(const char* reason) {
@@ -65,31 +75,43 @@ IOResult SaveState(ISave& save) {
     }
     NoteState(!state.children.empty());
     if (state.children.empty()) return IO_OK;
-    save.BeginChunk(kStateChunk);
-    save.WriteCString(state.Write("\n", "\t").c_str());
-    save.EndChunk();
+    for (const std::string& text : notHandedOver)
+        WriteStateChunk(save, text);
+    WriteStateChunk(save, TextOf(state));
     return IO_OK;
+}
+
+// The Core may detach in the middle of the loading.
+bool HandToCore(const XMLNode& state) {
+    const CoreLoads loading;
+    CoreInterface* const core = AttachedCore();
+    if (!core) return true;
+    return CallCore("SetCoreState", [&] { core->SetCoreState(state); }) && loading.IsAnswered();
 }
 
 IOResult LoadState(ILoad& load) {
     isStateUnread = !AttachedCore();
     if (isStateUnread) return IO_OK;
-    bool isTaken = true;
+    std::vector<std::string> untaken;
     XMLNode olderPlugins = Element(kStateElement);
     while (load.OpenChunk() == IO_OK) {
         const std::uint16_t id = load.CurChunkID();
         if (id == kOlderStateChunk) {
             olderPlugins.AddChild(ReadOlderState(load));
         } else if (id == kStateChunk) {
-            const IOResult result = LoadStateChunk(load, isTaken);
-            if (result != IO_OK) return result;
+            const IOResult result = LoadStateChunk(load, untaken);
+            if (result != IO_OK) {
+                if (!olderPlugins.children.empty()) untaken.push_back(TextOf(olderPlugins));
+                notHandedOver = std::move(untaken);
+                return result;
+            }
         }
         load.CloseChunk();
     }
-    if (!HandToCore(olderPlugins)) isTaken = false;
-    return isTaken ? IO_OK : IO_ERROR;
+    return HandToCore(olderPlugins) && untaken.empty() ? IO_OK : IO_ERROR;
 }
 
 void LeaveStoredState() {
     isStateUnread = false;
+    notHandedOver.clear();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/storage.h"
+#include "tvl/xml_node.h"
 
 // The Core's state as a whole, in a chunk of the global utility. Without a Core, or where the Core
 // has nothing to store, nothing is written; without a Core nothing is read.
@@ -18,10 +19,15 @@ StateRecord& RecordOfState();
 // would take the place of one that has it.
 IOResult SaveState(ISave& save);
 
+// False if the Core could not take the state: it threw, or could not be answered when it asked for
+// its nodes. Without a Core nobody is to take it.
+bool HandToCore(const XMLNode& state);
+
 // Each state chunk goes to the Core as it comes, and the plug-ins of older chunks at the end, in
 // one element, also if there are none. What the Core could not take makes the loading fail, when
 // all has been handed over, so that the host keeps it. A state chunk that cannot be read ends the
-// loading at once, with the reader inside it.
+// loading at once, with the reader inside it; what the Core has not got of those ahead of it, each
+// save writes ahead of the Core's own state until the scene is left.
 IOResult LoadState(ILoad& load);
 
 // The scene is left. Until then a save by a Core that came too late for the state stored in it says

@@ -52,6 +52,10 @@ class TagsInScene {
 
     void MarkStale() { isRead_ = false; }
 
+    // The Core asked for nodes and could not be answered.
+    void MarkUnanswered() { isAnswered_ = false; }
+    bool IsAnswered() const { return isAnswered_; }
+
     // The Core left.
     void Abandon() { isAbandoned_ = true; }
     bool IsAbandoned() const { return isAbandoned_; }
@@ -77,6 +81,7 @@ class TagsInScene {
     std::unordered_map<std::string, ByObjectName> byPluginName_;  // in the order of the scene
     std::uint64_t arrivals_ = 0;                                  // when it was read
     bool isRead_ = false;
+    bool isAnswered_ = true;
     bool isAbandoned_ = false;
 };
 
@@ -98,6 +103,9 @@ class CoreLoads {
     ~CoreLoads();
     CoreLoads(const CoreLoads&) = delete;
     CoreLoads& operator=(const CoreLoads&) = delete;
+
+    // Whatever the Core has asked for so far.
+    bool IsAnswered() const { return tags_->IsAnswered(); }
 
   private:
     std::shared_ptr<TagsInScene> tags_ = std::make_shared<TagsInScene>();

@@ -1,0 +1,251 @@
+#include <set>
+
+#include "adaptor/max_adaptor_interface.h"
+#include "headless/primitives.h"
+#include "host/animate.h"
+#include "host/hold.h"
+#include "nodes/max_node.h"
+#include "nodes/node_test.h"
+#include "support/allocations.h"
+
+// Each operation that a Core calls, with each of its allocations failing in turn. It is done whole
+// or not at all, and what the Core gets is an answer.
+
+namespace {
+
+TVL::CMesh Corner() {
+    TVL::CMesh mesh;
+    mesh.vertices = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
+    mesh.faces = {0, 1, 2};
+    return mesh;
+}
+
+constexpr const char* kSought =
+    "<nodes><node name='Hip'/><node name='Knee'><UID><max>2</max></UID></node></nodes>";
+
+class Chunk final : public TVL::CUndo {
+    void Undo(bool) override {}
+    void Redo() override {}
+};
+
+class Exceptions : public NodeTest {
+  protected:
+    // Whether there is an answer.
+    struct Operation {
+        const char* name;
+        std::function<bool()> call;
+        bool hasHostSide = false;  // which the host can leave undone
+        std::size_t before = 0;    // what the caller allocates for the arguments
+    };
+
+    static Node* Found(INode* host) { return new CMAXNode(nullptr, host); }
+    static INode* Shown(Object* object) { return GetCOREInterface()->CreateObjectNode(object); }
+    static MaxAdaptorInterface& Own() { return *MaxAdaptorInterface::GetInstance(); }
+
+    void Prepare(bool isRecording) {
+        TVL::Log::GetInstance()->buffer.str("");
+        hip = Helper("Hip", nullptr, Corner());
+        knee = Helper("Knee", hip);
+        eye = Camera("Eye");
+        ball = Found(Shown(headless::NewSphere(2, 8)));
+        path =
+            Found(Shown(headless::NewSplines({headless::StraightLines({{0, 0, 0}, {0, 0, 9}})})));
+        mesh = Corner();
+        owners = {&rig};
+        chunk = std::make_unique<Chunk>();
+        info = XMLNode(kSought);
+        file = (world.Folder() / "model.scene").string();
+        given.clear();
+        if (isRecording) {
+            adaptor.BeginUndoGroup("take");
+            adaptor.BeginRecording({&rig});
+        }
+        place = hip->AcquireSnapshot(1);
+        look = hip->AcquireHelperSnapshot();
+        lens = eye->AcquireLensSnapshot(1);
+        faces = ball->AcquireMeshSnapshot(0);
+        curves = path->AcquireShapeSnapshot(0);
+    }
+
+    void Leave() {
+        while (RecordingInProgress().depth > 0)
+            adaptor.EndRecording();
+        while (adaptor.IsHoldingUndo())
+            adaptor.CancelUndoGroup();
+        while (Own().focus.focusCount > 0)
+            adaptor.RestoreFocus();
+        while (CMAXNode* node = CMAXNode::NewestAlive())
+            node->Destroy();
+        world.Session().NewScene();
+    }
+
+    bool Got(TVL::CNode* node) {
+        given.push_back(node);
+        return node != nullptr;
+    }
+
+    // What user and Core see.
+    std::string Standing() {
+        std::ostringstream text;
+        for (const headless::NodeView& node : headless::Nodes()) {
+            INode* const host = GetCOREInterface()->GetINodeByHandle(node.parent);
+            text << node.name << '<' << (host ? host->GetName() : "") << node.controllerClassName
+                 << node.keys.count << node.keys.last << node.hidden << node.selected
+                 << node.wireColour << node.objectClassName << '\n';
+        }
+        for (const std::string& name : Listed())
+            text << name << ' ';
+        text << theHold.Holding() << Own().undo.undoGroups.size() << Animating()
+             << world.Session().AnimateButtonEnabled() << world.Session().AcceleratorsEnabled()
+             << RecordingInProgress().depth << adaptor.GetCurrentTime();
+        return text.str();
+    }
+
+    void ExpectListInOrder() {
+        std::set<INode*> hosts;
+        for (TVL::CNode* node : adaptor.GetNodes(&rig)) {
+            INode* const host = static_cast<CMAXNode*>(node)->HostNode();
+            EXPECT_TRUE(host && hosts.insert(host).second) << node->GetNodeName();
+        }
+    }
+
+    void Sweep(const Operation& operation, bool isRecording) {
+        SCOPED_TRACE(operation.name);
+        Prepare(isRecording);
+        const std::string before = Standing();
+        const bool answer = operation.call();
+        const std::string whole = Standing();
+        Leave();
+        for (std::size_t nth = operation.before + 1;; ++nth) {
+            SCOPED_TRACE(nth);
+            Prepare(isRecording);
+            bool isAnswered = false;
+            bool hasFailed = false;
+            {
+                const FailingAllocation fault(nth);
+                EXPECT_NO_THROW(isAnswered = operation.call());
+                hasFailed = fault.HasFailed();
+            }
+            const std::string after = Standing();
+            EXPECT_TRUE(operation.hasHostSide || after == before || after == whole)
+                << after << before << whole;
+            const auto told = TimesTraced(std::string("Exception out of ") + operation.name);
+            EXPECT_TRUE(operation.hasHostSide || told > 0 || isAnswered == answer) << Trace();
+            ExpectListInOrder();
+            Leave();
+            if (!hasFailed) break;
+        }
+    }
+
+    Node* hip = nullptr;
+    Node* knee = nullptr;
+    Node* eye = nullptr;
+    Node* ball = nullptr;
+    Node* path = nullptr;
+    TVL::CSnapshot* place = nullptr;
+    TVL::CSnapshot_Helper* look = nullptr;
+    TVL::CSnapshot_Lens* lens = nullptr;
+    TVL::CSnapshot_Mesh* faces = nullptr;
+    TVL::CSnapshot_Shape* curves = nullptr;
+
+    // Arguments and results that are not to be allocated while the operation runs.
+    TVL::CMesh mesh;
+    std::vector<TVL::CoreElement*> owners;
+    XMLNode info;
+    std::string file;
+    std::unique_ptr<TVL::CUndo> chunk;
+    std::vector<TVL::CNode*> given;
+};
+
+TEST_F(Exceptions, DoNotReachTheCore) {
+    given.reserve(8);
+    Shown(headless::NewSphere(1, 8))->SetName("Model");
+    ASSERT_EQ(world.Session().SaveScene((world.Folder() / "model.scene").string()).error, "");
+    world.Session().NewScene();
+    const XMLNode sought(kSought);
+    const std::size_t allocations = Allocations();
+    const XMLNode copy(sought);
+    const std::size_t ofInfo = Allocations() - allocations;
+    const Operation operations[] = {
+        {"GetName", [&] { return !adaptor.GetName().empty(); }},
+        {"GetName", [&] { return !static_cast<TVL::Util::MessageNode&>(Own()).GetName().empty(); }},
+        {"CreateLensNode",
+         [&] { return Got(adaptor.CreateLensNode(&rig, "New", hip, &listener)); }},
+        {"CreateHelperNode",
+         [&] {
+             return Got(adaptor.CreateHelperNode(&rig, "New", hip, std::move(mesh), &listener));
+         }},
+        {"createMesh", [&] { return Got(adaptor.createMesh(nullptr, "New")); }},
+        {"FindNode", [&] { return Got(adaptor.FindNode(&rig, "Knee")); }},
+        {"GetNodes", [&] { return given = adaptor.GetNodes(&rig), !given.empty(); }},
+        {"ClaimNodes",
+         [&] {
+             given = adaptor.ClaimNodes("Rig", info);
+             return given.size() == 2 && given[1];
+         },
+         false, ofInfo},
+        {"MergeModels",
+         [&] { return given = adaptor.MergeModels(std::move(file)), !given.empty(); }, true},
+        {"BeginUndoGroup", [&] { return adaptor.BeginUndoGroup("more") == 0; }},
+        {"AddUndoChunk", [&] { return adaptor.AddUndoChunk(chunk.release()) == 0; }},
+        {"EndUndoGroup", [&] { return adaptor.EndUndoGroup() == 0; }},
+        {"CancelUndoGroup", [&] { return adaptor.CancelUndoGroup() == 0; }},
+        {"PerformUndo", [&] { return adaptor.PerformUndo(); }},
+        {"FlushUndoBuffer", [&] { return adaptor.FlushUndoBuffer() == 0; }},
+        {"SetCurrentTime", [&] { return adaptor.SetCurrentTime(2), true; }},
+        {"SetAnimationRange",
+         [&] {
+             return adaptor.SetAnimationRange({0, 9}), true;
+         }},
+        {"GetFrameRate", [&] { return adaptor.GetFrameRate() > 0; }},
+        {"RequestFocus", [&] { return adaptor.RequestFocus(), true; }},
+        {"BeginRecording", [&] { return adaptor.BeginRecording(std::move(owners)) == 0; }, true},
+        {"BeginRecordingUnkeyed", [&] { return adaptor.BeginRecordingUnkeyed({}) == 0; }},
+        {"EndRecording", [&] { return adaptor.EndRecording() == 0; }},
+        {"GetOptionsPanel", [&] { return !adaptor.GetOptionsPanel().children.empty(); }},
+        {"Hide", [&] { return hip->Hide(), true; }},
+        {"Select", [&] { return hip->Select(), true; }},
+        {"GetParent", [&] { return Got(knee->GetParent()); }},
+        {"GetChild", [&] { return Got(hip->GetChild(0)); }},
+        {"Claim", [&] { return Got(ball->Claim(&rig, "Ball")); }},
+        {"Unclaim", [&] { return hip->Unclaim(), true; }},
+        {"AcquireSnapshot", [&] { return knee->AcquireSnapshot(0) != nullptr; }},
+        {"AcquireHelperSnapshot", [&] { return knee->AcquireHelperSnapshot() != nullptr; }},
+        {"AcquireLensSnapshot", [&] { return eye->AcquireLensSnapshot(0) != nullptr; }},
+        {"AcquireMeshSnapshot", [&] { return knee->AcquireMeshSnapshot(0) != nullptr; }},
+        {"AcquireMeshSnapshot", [&] { return ball->AcquireMeshSnapshot(0) != nullptr; }},
+        {"AcquireShapeSnapshot", [&] { return path->AcquireShapeSnapshot(0) != nullptr; }},
+        {"SetParent", [&] { return knee->SetParent(eye), true; }},
+        {"DeleteAnimationFrom", [&] { return hip->DeleteAnimationFrom(-1), true; }, true},
+        {"SetName", [&] { return hip->SetName("Pelvis"), true; }},
+        {"GetName", [&] { return !hip->GetName().empty(); }},
+        {"Delete", [&] { return hip->Delete(true), true; }, true},
+        {"Delete", [&] { return knee->Delete(false), true; }, true},
+        {"Delete", [&] { return ball->Delete(true), true; }, true},
+        {"Clone", [&] { return Got(hip->Clone(true)); }},
+        {"HandleExtension", [&] { return hip->HandleExtension(37, eye) != 0; }},
+        {"HandleExtension", [&] { return hip->HandleExtension(17, nullptr) == 0; }, true},
+        {"ListExtensions", [&] { return hip->HasExtension(37); }},
+        {"SetWorldTransform",
+         [&] { return place->SetWorldTransform(TVL::CMatrix4::Identity()), true; }},
+        {"SetLocalTransform",
+         [&] { return place->SetLocalTransform(TVL::CMatrix4::Identity()), true; }},
+        {"GetWorldTransform", [&] { return place->GetWorldTransform()[3][3] == 1; }},
+        {"SetMesh", [&] { return look->SetMesh(std::move(mesh)), true; }},
+        {"SetColor", [&] { return look->SetColor(0, 1, 0), true; }},
+        {"SetFieldOfView", [&] { return lens->SetFieldOfView(50), true; }},
+        {"SetTargetDistance", [&] { return lens->SetTargetDistance(50), true; }},
+        {"SetMesh", [&] { return faces->SetMesh(std::move(mesh)), true; }},
+        {"GetMesh", [&] { return !faces->GetMesh().faces.empty(); }},
+        {"IntersectRay",
+         [&] {
+             return faces->IntersectRay({0, 0, 9}, {0, 0, -1}, nullptr, nullptr);
+         }},
+        {"GetCurveTangent", [&] { return curves->GetCurveTangent(0.5)[2] == 1; }},
+    };
+    for (const bool isRecording : {false, true})
+        for (const Operation& operation : operations)
+            Sweep(operation, isRecording);
+}
+
+}  // namespace
