@@ -92,11 +92,18 @@ void Scene::FlipPresence(const NodePtr& node, const NodePtr& parent, std::size_t
 // after them can find its nodes elsewhere: what has left stays away, what is there stays.
 void Scene::Enter(const NodePtr& node, SceneNode& parent, std::size_t index) {
     if (Contains(node.get())) return;
-    nodes_.emplace(node->Handle(), node);
-    addresses_.insert(node.get());
-    node->MarkLeft(false);
-    names_.Add(node->Name());
-    node->Hang(IsThere(parent) ? parent : *root_, index);
+    try {
+        nodes_.emplace(node->Handle(), node);
+        addresses_.insert(node.get());
+        node->MarkLeft(false);
+        names_.Add(node->Name());
+        node->Hang(IsThere(parent) ? parent : *root_, index);
+    } catch (...) {
+        addresses_.erase(node.get());
+        nodes_.erase(node->Handle());
+        node->MarkLeft(true);
+        throw;
+    }
 }
 
 void Scene::Leave(SceneNode& node) {
