@@ -6,10 +6,11 @@
 #include "host/interface.h"
 #include "plugin/descriptors.h"
 #include "resources/resource_ids.h"
+#include "tvl/ids.h"
 #include "tvl/singleton.h"
 
 void IdleCore::GetOptionValue(int option, bool* value) {
-    if (option == OptimizedTransformOption) *value = wantsOwnControllers;
+    if (option == TVL::kOptimisedControllers) *value = wantsOwnControllers;
 }
 
 // The global utility is left out: it would look for an installed Core and load that.

@@ -19,7 +19,7 @@ namespace {
 
 using Key = TarvoKey<Matrix3>;
 
-void KeyCounts(benchmark::internal::Benchmark* bench) {
+void EditedKeyCounts(benchmark::internal::Benchmark* bench) {
     bench->Arg(1'000)->Arg(10'000)->Arg(100'000)->Apply(Brief);
 }
 
@@ -241,7 +241,7 @@ void ChangeParents(benchmark::State& state) {
 template <class Edit>
 void RegisterEdit(const std::string& edit) {
     const auto add = [&](const std::string& name, void (*function)(benchmark::State&)) {
-        benchmark::RegisterBenchmark((name + "/ours").c_str(), function)->Apply(KeyCounts);
+        benchmark::RegisterBenchmark((name + "/ours").c_str(), function)->Apply(EditedKeyCounts);
     };
     add(edit, Unheld<Edit>);
     add(edit + ", held", Held<Edit>);
@@ -250,11 +250,11 @@ void RegisterEdit(const std::string& edit) {
     add("watched " + edit, Watched<Edit>);
 }
 
-BENCHMARK(CopyInMemory)->Name("copy keys in memory/plain")->Apply(KeyCounts);
-BENCHMARK(Load)->Name("load keys/ours")->Apply(KeyCounts);
-BENCHMARK(Sample)->Name("sample a controller/ours")->Apply(KeyCounts);
-BENCHMARK(Select)->Name("select keys/ours")->Apply(KeyCounts);
-BENCHMARK(ChangeParents)->Name("change parents/ours")->Apply(KeyCounts);
+BENCHMARK(CopyInMemory)->Name("copy keys in memory/plain")->Apply(EditedKeyCounts);
+BENCHMARK(Load)->Name("load keys/ours")->Apply(EditedKeyCounts);
+BENCHMARK(Sample)->Name("sample a controller/ours")->Apply(EditedKeyCounts);
+BENCHMARK(Select)->Name("select keys/ours")->Apply(EditedKeyCounts);
+BENCHMARK(ChangeParents)->Name("change parents/ours")->Apply(EditedKeyCounts);
 
 [[maybe_unused]] const bool editsAreRegistered = [] {
     RegisterEdit<DeleteEverySecond>("delete keys");

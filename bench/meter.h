@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "support/allocations.h"
+#include "tests/support/allocations.h"
 
 // The names of the counters that a benchmark shows; both are for one operation.
 inline constexpr const char* kAllocationsCounter = "allocations";

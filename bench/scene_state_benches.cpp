@@ -12,8 +12,8 @@
 #include "bench/meter.h"
 #include "nodes/max_node.h"
 #include "nodes/node_list.h"
-#include "persistence/scene/gather_state.h"
-#include "persistence/scene/node_tags.h"
+#include "scene_state/gather_state.h"
+#include "scene_state/node_tags.h"
 
 namespace {
 

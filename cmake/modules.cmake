@@ -58,7 +58,6 @@ function(lumiset_test room)
   endif()
   string(REPLACE "/" "_" name ${room})
   add_executable(test_${name} ${sources})
-  target_include_directories(test_${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(test_${name} PRIVATE ${ARG_LINK} GTest::gtest_main)
   if("${ARG_LINK}" MATCHES "headless_host|test_support")
     target_sources(test_${name} PRIVATE

@@ -20,6 +20,7 @@ function(lumiset_resources target script)
     DEPFILE ${source}.d
     COMMENT "Compiling the resources of ${name}"
     VERBATIM)
+  set_source_files_properties(${source} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
   target_sources(${target} PRIVATE ${source})
   target_link_libraries(${target} PRIVATE platform)
 endfunction()

@@ -1,6 +1,6 @@
 #include <string>
 
-#include "fuzzed.h"
+#include "fuzz/fuzzed.h"
 #include "tvl/base64_buffer.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -2,7 +2,7 @@
 #include <string>
 #include <variant>
 
-#include "fuzzed.h"
+#include "fuzz/fuzzed.h"
 #include "replay_core/motion/read_motion.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

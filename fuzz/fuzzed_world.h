@@ -1,10 +1,10 @@
 #pragma once
 
-#include "fuzzed.h"
+#include "fuzz/fuzzed.h"
 #include "headless/breaches.h"
 #include "headless/memory_chunks.h"
 #include "host/interface.h"
-#include "support/world.h"
+#include "tests/support/world.h"
 
 // The running host with the plug-in and a Core, which nobody watches. It lives as long as the
 // process, and each input leaves an empty scene behind.

@@ -1,4 +1,4 @@
-#include "fuzzed_world.h"
+#include "fuzz/fuzzed_world.h"
 #include "headless/viewport.h"
 #include "objects/custom_helper_object.h"
 

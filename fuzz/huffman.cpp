@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "fuzzed.h"
+#include "fuzz/fuzzed.h"
 #include "tvl/huffman_buffer.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

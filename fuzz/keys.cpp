@@ -2,7 +2,7 @@
 
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
-#include "fuzzed_world.h"
+#include "fuzz/fuzzed_world.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 #include <string>
 #include <string_view>
 
-#include "fuzzed_world.h"
-#include "persistence/scene/gather_state.h"
+#include "fuzz/fuzzed_world.h"
+#include "scene_state/gather_state.h"
 #include "tvl/node.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "fuzzed.h"
+#include "fuzz/fuzzed.h"
 #include "platform/registry_text/reg_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

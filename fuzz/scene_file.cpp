@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "fuzzed_world.h"
+#include "fuzz/fuzzed_world.h"
 #include "headless/scene_file_view.h"
 
 namespace {

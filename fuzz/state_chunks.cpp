@@ -1,5 +1,5 @@
 #include "adaptor/utility_manager.h"
-#include "fuzzed_world.h"
+#include "fuzz/fuzzed_world.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     FuzzedWorld& world = FuzzedWorld::Get();

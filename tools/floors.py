@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Checks the floors of the house: a file includes only what stands on its own floor or above it in
-these lists, and no part of the house knows a part that it must not."""
+these lists, and no part of the house knows a part that it must not. Then lists what includes do not
+show: functions that a room declares for itself and that a room below defines."""
 
 import pathlib
 import re
@@ -8,25 +9,29 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)
+# Of functions that are no members: layout puts them at the beginning of a line.
+DECLARED = re.compile(r"^[A-Za-z][\w:<>,*& ]*[ *&](\w+)\([^;{}]*\)[^;{}()]*;", re.M)
+DEFINED = re.compile(r"^[A-Za-z][\w:<>,*& ]*[ *&](\w+)\([^;{}]*\)[^;{}()]*\{", re.M)
 
 # Floors of the plug-in and of the stand-in host, in order; folders on one line share a floor.
-PLUGIN = [["foundation"], ["persistence/xml"], ["persistence/codecs"], ["persistence/chunks"],
+PLUGIN = [["foundation"], ["xml"], ["codecs"], ["chunks"],
           ["resources"], ["core_link"], ["measures"], ["undo"], ["controllers"], ["objects"],
-          ["nodes"], ["persistence/scene"], ["adaptor"], ["plugin"]]
+          ["nodes"], ["scene_state"], ["adaptor"], ["plugin"]]
 HOST = [["breaches"], ["values"], ["storage"], ["references"], ["hold"], ["drawing"],
-        ["control", "objects"], ["scene"], ["classes"], ["scene_file"], ["ui"], ["viewport"],
-        ["viewport_module"], ["session"], ["command"]]
+        ["control", "objects"], ["scene"], ["classes"], ["scene_file"], ["comparison"], ["ui"],
+        ["viewport"], ["viewport_module"], ["session"]]
 
-# Part of the house: its folder, its floors, and the contracts, or single headers, that it may
-# include.
+# Part of the house: its folder, its floors, how includes of its own begin, and the contracts, or
+# single headers, that it may include.
 PARTS = [
-    ("include/tvl", None, ["tvl"]),
-    ("include/host", None, ["host", "platform"]),
-    ("include/headless", None, ["headless", "host"]),
-    ("platform", None, ["platform"]),
-    ("src", PLUGIN, ["tvl", "host", "platform"]),
-    ("headless", HOST, ["headless", "host", "platform"]),
-    ("examples/replay_core", None, ["tvl", "replay_core", "platform/narrow_path.h"]),
+    ("include/tvl", None, "", ["tvl"]),
+    ("include/host", None, "", ["host", "platform"]),
+    ("include/headless", None, "", ["headless", "host"]),
+    ("platform", None, "", ["platform"]),
+    ("src", PLUGIN, "", ["tvl", "host", "platform"]),
+    ("headless", HOST, "headless/", ["include/headless", "host", "platform"]),
+    ("command", None, "", ["command", "headless", "host", "platform"]),
+    ("examples/replay_core", None, "", ["tvl", "replay_core", "platform/narrow_path.h"]),
 ]
 
 
@@ -37,15 +42,27 @@ def floor_of(path, floors):
     return None
 
 
-def complaints(folder, floors, contracts):
+def sources(folder):
     top = ROOT / folder
-    for file in sorted(top.rglob("*.h")) + sorted(top.rglob("*.cpp")):
-        here = str(file.relative_to(top))
-        for included in INCLUDE.findall(file.read_text()):
-            if "/" not in included or {included, included.split("/")[0]} & set(contracts):
+    return [(str(file.relative_to(top)), file.read_text())
+            for pattern in ("*.h", "*.cpp") for file in sorted(top.rglob(pattern))]
+
+
+def is_of(included, contracts):
+    """Contracts are folders of includes, or single headers; those of the host's own are told apart
+    from its rooms by where they lie."""
+    return any(included == contract or included.startswith(contract + "/") or
+               contract.startswith("include/") and (ROOT / "include" / included).exists()
+               for contract in contracts)
+
+
+def complaints(folder, floors, prefix, contracts):
+    for here, text in sources(folder):
+        for included in INCLUDE.findall(text):
+            if "/" not in included or is_of(included, contracts):
                 continue
-            there, own = floor_of(included, floors), floor_of(here, floors)
-            if there is None:
+            there, own = floor_of(included.removeprefix(prefix), floors), floor_of(here, floors)
+            if there is None or not included.startswith(prefix):
                 yield f"{folder}/{here}: includes {included}, which is none of its contracts"
             elif own is None:
                 yield f"{folder}/{here}: stands on no floor"
@@ -53,6 +70,17 @@ def complaints(folder, floors, contracts):
                 yield f"{folder}/{here}: includes {included} from a floor below"
 
 
+def accessors(folder, floors, *_):
+    declared = {name: here for here, text in sources(folder) if here.endswith(".h")
+                for name in DECLARED.findall(text)}
+    for here, text in sources(folder):
+        for name in DEFINED.findall(text) if here.endswith(".cpp") else []:
+            if name in declared and floor_of(here, floors) > floor_of(declared[name], floors):
+                yield f"  {name}: declared in {declared[name]}, defined in {here}"
+
+
 found = [line for part in PARTS for line in complaints(*part)]
 print("\n".join(found) if found else "floors: every include points upward")
+print("declared above, defined below:")
+print("\n".join(line for part in PARTS if part[1] for line in accessors(*part)))
 sys.exit(1 if found else 0)

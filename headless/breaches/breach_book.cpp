@@ -1,4 +1,4 @@
-#include "breaches/breach_book.h"
+#include "headless/breaches/breach_book.h"
 
 #include <utility>
 

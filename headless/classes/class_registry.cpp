@@ -1,6 +1,6 @@
-#include "classes/class_registry.h"
+#include "headless/classes/class_registry.h"
 
-#include "classes/own_descriptors.h"
+#include "headless/classes/own_descriptors.h"
 
 namespace headless {
 namespace {

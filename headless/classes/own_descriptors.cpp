@@ -1,8 +1,8 @@
-#include "classes/own_descriptors.h"
+#include "headless/classes/own_descriptors.h"
 
-#include "control/factory.h"
+#include "headless/control/factory.h"
+#include "headless/objects/own_classes.h"
 #include "headless/primitives.h"
-#include "objects/own_classes.h"
 
 namespace headless {
 namespace {

@@ -1,4 +1,4 @@
-#include "classes/plugin_library.h"
+#include "headless/classes/plugin_library.h"
 
 #include <cstdio>
 

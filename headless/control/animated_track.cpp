@@ -1,6 +1,6 @@
-#include "control/animated_track.h"
+#include "headless/control/animated_track.h"
 
-#include "control/track_records.h"
+#include "headless/control/track_records.h"
 #include "host/animate.h"
 #include "host/hold.h"
 

@@ -1,7 +1,7 @@
-#include "control/factory.h"
+#include "headless/control/factory.h"
 
-#include "control/linear_float.h"
-#include "control/position_rotation_scale.h"
+#include "headless/control/linear_float.h"
+#include "headless/control/position_rotation_scale.h"
 
 namespace headless {
 

@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <vector>
 
+#include "headless/values/rotation.h"
 #include "host/point3.h"
 #include "host/types.h"
-#include "values/rotation.h"
 
 namespace headless {
 

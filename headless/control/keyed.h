@@ -1,6 +1,6 @@
 #pragma once
 
-#include "control/animated_track.h"
+#include "headless/control/animated_track.h"
 #include "host/animatable.h"
 
 namespace headless {

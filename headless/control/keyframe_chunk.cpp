@@ -1,8 +1,8 @@
-#include "control/keyframe_chunk.h"
+#include "headless/control/keyframe_chunk.h"
 
 #include <cstring>
 
-#include "storage/chunk_format.h"
+#include "headless/storage/chunk_format.h"
 
 namespace headless {
 namespace {

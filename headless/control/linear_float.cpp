@@ -1,8 +1,8 @@
-#include "control/linear_float.h"
+#include "headless/control/linear_float.h"
 
-#include "control/track_storage.h"
-#include "references/fresh.h"
-#include "storage/plain_chunks.h"
+#include "headless/control/track_storage.h"
+#include "headless/references/fresh.h"
+#include "headless/storage/plain_chunks.h"
 
 namespace headless {
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "control/keyed.h"
+#include "headless/control/keyed.h"
 #include "host/control.h"
 
 namespace headless {

@@ -1,9 +1,9 @@
-#include "control/position_rotation_scale.h"
+#include "headless/control/position_rotation_scale.h"
 
-#include "control/track_storage.h"
-#include "control/transform_packet.h"
-#include "references/fresh.h"
-#include "storage/plain_chunks.h"
+#include "headless/control/track_storage.h"
+#include "headless/control/transform_packet.h"
+#include "headless/references/fresh.h"
+#include "headless/storage/plain_chunks.h"
 
 namespace headless {
 namespace {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "control/keyed.h"
+#include "headless/control/keyed.h"
+#include "headless/values/transform_parts.h"
 #include "host/control.h"
-#include "values/transform_parts.h"
 
 namespace headless {
 

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "control/animated_track.h"
+#include "headless/control/animated_track.h"
 #include "host/hold.h"
 
 namespace headless {

@@ -1,10 +1,10 @@
-#include "control/track_storage.h"
+#include "headless/control/track_storage.h"
 
 #include <algorithm>
 #include <iterator>
 
+#include "headless/storage/plain_chunks.h"
 #include "host/quat.h"
-#include "storage/plain_chunks.h"
 
 namespace headless {
 namespace {

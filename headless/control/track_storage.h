@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "control/key_track.h"
+#include "headless/control/key_track.h"
 #include "host/storage.h"
 
 namespace headless {

@@ -1,4 +1,4 @@
-#include "control/transform_packet.h"
+#include "headless/control/transform_packet.h"
 
 namespace headless {
 namespace {

@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "drawing/drawn_mesh.h"
-#include "values/vector.h"
+#include "headless/drawing/drawn_mesh.h"
+#include "headless/values/vector.h"
 
 namespace headless {
 namespace {

@@ -1,13 +1,13 @@
-#include "drawing/draw_window.h"
+#include "headless/drawing/draw_window.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <utility>
 
-#include "drawing/drawn_mesh.h"
-#include "drawing/hit_tests.h"
-#include "values/vector.h"
+#include "headless/drawing/drawn_mesh.h"
+#include "headless/drawing/hit_tests.h"
+#include "headless/values/vector.h"
 
 namespace headless {
 namespace {

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "drawing/view.h"
 #include "headless/draw_list.h"
+#include "headless/drawing/view.h"
 #include "host/graphics_window.h"
 #include "host/mesh.h"
 

@@ -1,9 +1,9 @@
-#include "drawing/drawn_mesh.h"
+#include "headless/drawing/drawn_mesh.h"
 
 #include <algorithm>
 
-#include "drawing/hit_tests.h"
-#include "values/vector.h"
+#include "headless/drawing/hit_tests.h"
+#include "headless/values/vector.h"
 
 namespace headless {
 namespace {

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "drawing/view.h"
+#include "headless/drawing/view.h"
 #include "host/matrix3.h"
 #include "host/mesh.h"
 

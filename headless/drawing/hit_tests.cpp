@@ -1,4 +1,4 @@
-#include "drawing/hit_tests.h"
+#include "headless/drawing/hit_tests.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "drawing/view.h"
+#include "headless/drawing/view.h"
 #include "host/graphics_window.h"
 #include "host/point3.h"
 

@@ -1,7 +1,7 @@
 #include "host/hold.h"
 
-#include "breaches/breach_book.h"
-#include "hold/undo_stream.h"
+#include "headless/breaches/breach_book.h"
+#include "headless/hold/undo_stream.h"
 
 using headless::UndoStream;
 

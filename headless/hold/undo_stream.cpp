@@ -1,11 +1,11 @@
-#include "hold/undo_stream.h"
+#include "headless/hold/undo_stream.h"
 
 #include <algorithm>
 #include <iterator>
 #include <utility>
 
-#include "breaches/breach_book.h"
-#include "references/graveyard.h"
+#include "headless/breaches/breach_book.h"
+#include "headless/references/graveyard.h"
 
 bool UndoStreamCanMeetObjects() {
     return headless::UndoStream::Get().IsOccupied();

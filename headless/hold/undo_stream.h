@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "hold/first_thrown.h"
+#include "headless/hold/first_thrown.h"
 #include "host/hold.h"
 
 namespace headless {

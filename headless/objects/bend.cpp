@@ -1,12 +1,12 @@
 #include <cmath>
 #include <optional>
 
+#include "headless/objects/mesh_of.h"
+#include "headless/objects/node_drawing.h"
+#include "headless/objects/own_classes.h"
 #include "headless/primitives.h"
+#include "headless/storage/plain_chunks.h"
 #include "host/time.h"
-#include "objects/mesh_of.h"
-#include "objects/node_drawing.h"
-#include "objects/own_classes.h"
-#include "storage/plain_chunks.h"
 
 namespace headless {
 namespace {

@@ -1,4 +1,4 @@
-#include "objects/bezier_segment.h"
+#include "headless/objects/bezier_segment.h"
 
 #include <cmath>
 

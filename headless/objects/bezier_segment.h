@@ -4,7 +4,7 @@
 #include <cstddef>
 
 #include "headless/primitives.h"
-#include "values/vector.h"
+#include "headless/values/vector.h"
 
 namespace headless {
 

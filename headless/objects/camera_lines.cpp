@@ -1,4 +1,4 @@
-#include "objects/camera_lines.h"
+#include "headless/objects/camera_lines.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "objects/camera_opening.h"
-#include "objects/node_drawing.h"
+#include "headless/objects/camera_opening.h"
+#include "headless/objects/node_drawing.h"
 
 namespace headless {
 

@@ -1,4 +1,4 @@
-#include "objects/camera_opening.h"
+#include "headless/objects/camera_opening.h"
 
 #include <algorithm>
 #include <cmath>

@@ -3,13 +3,14 @@
 #include <numbers>
 #include <utility>
 
-#include "control/factory.h"
-#include "objects/camera_lines.h"
-#include "objects/own_classes.h"
-#include "objects/undoable.h"
-#include "references/fresh.h"
-#include "scene/animate_mode.h"
-#include "storage/plain_chunks.h"
+#include "headless/control/animate_mode.h"
+#include "headless/control/factory.h"
+#include "headless/objects/camera_lines.h"
+#include "headless/objects/own_classes.h"
+#include "headless/objects/undoable.h"
+#include "headless/references/fresh.h"
+#include "headless/storage/plain_chunks.h"
+#include "host/animate.h"
 
 namespace headless {
 namespace {

@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "headless/objects/own_classes.h"
 #include "headless/primitives.h"
-#include "objects/own_classes.h"
 
 namespace headless {
 namespace {

@@ -4,18 +4,18 @@
 #include <vector>
 
 #include "headless/memory_chunks.h"
+#include "headless/objects/mesh_of.h"
 #include "headless/primitives.h"
+#include "headless/storage/plain_chunks.h"
 #include "host/interface.h"
-#include "objects/mesh_of.h"
-#include "storage/plain_chunks.h"
 
 namespace headless {
 namespace {
 
 // The plug-in's guide object, and the chunks in which it is stored.
 constexpr Class_ID kGuideClassId{0x22E322A5, 0x3010606F};
-constexpr std::uint16_t kVerticesChunk = 1;
-constexpr std::uint16_t kFacesChunk = 2;
+constexpr std::uint16_t kPlacesChunk = 1;
+constexpr std::uint16_t kCornersChunk = 2;
 constexpr std::uint16_t kLookChunk = 3;
 
 struct StoredLook {
@@ -44,8 +44,8 @@ std::vector<std::array<std::uint32_t, 3>> CornersOf(const Mesh& mesh) {
 
 std::vector<std::byte> StoredForm(const Mesh& mesh, const GuideLook& look) {
     return SavedBytes([&](ISave* save) {
-        SaveTable(*save, kVerticesChunk, PlacesOf(mesh));
-        SaveTable(*save, kFacesChunk, CornersOf(mesh));
+        SaveTable(*save, kPlacesChunk, PlacesOf(mesh));
+        SaveTable(*save, kCornersChunk, CornersOf(mesh));
         SaveChunk(*save, kLookChunk,
                   StoredLook{look.colour, static_cast<std::uint8_t>(look.isWireframe), 0, {}});
         return IO_OK;

@@ -1,4 +1,4 @@
-#include "drawing/draw_window.h"
+#include "headless/drawing/draw_window.h"
 #include "host/mesh.h"
 
 using headless::DrawWindow;

@@ -2,11 +2,11 @@
 #include <span>
 #include <utility>
 
+#include "headless/objects/node_drawing.h"
+#include "headless/objects/own_classes.h"
+#include "headless/references/fresh.h"
+#include "headless/storage/plain_chunks.h"
 #include "host/object.h"
-#include "objects/node_drawing.h"
-#include "objects/own_classes.h"
-#include "references/fresh.h"
-#include "storage/plain_chunks.h"
 
 namespace headless {
 namespace {

@@ -1,4 +1,4 @@
-#include "objects/mesh_of.h"
+#include "headless/objects/mesh_of.h"
 
 namespace headless {
 

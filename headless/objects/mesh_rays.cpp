@@ -1,8 +1,8 @@
 #include <cmath>
 #include <limits>
 
+#include "headless/values/vector.h"
 #include "host/mesh.h"
-#include "values/vector.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "objects/node_drawing.h"
+#include "headless/objects/node_drawing.h"
 
 namespace headless {
 namespace {

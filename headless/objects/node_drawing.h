@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "drawing/draw_window.h"
+#include "headless/drawing/draw_window.h"
 #include "host/graphics_window.h"
 #include "host/mesh.h"
 #include "host/node.h"

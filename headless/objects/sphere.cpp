@@ -2,10 +2,10 @@
 #include <cmath>
 #include <numbers>
 
+#include "headless/objects/node_drawing.h"
+#include "headless/objects/own_classes.h"
 #include "headless/primitives.h"
-#include "objects/node_drawing.h"
-#include "objects/own_classes.h"
-#include "storage/plain_chunks.h"
+#include "headless/storage/plain_chunks.h"
 
 namespace headless {
 namespace {

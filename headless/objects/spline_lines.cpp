@@ -1,10 +1,10 @@
-#include "objects/spline_lines.h"
+#include "headless/objects/spline_lines.h"
 
 #include <cmath>
 #include <numbers>
 
-#include "objects/bezier_segment.h"
-#include "values/vector.h"
+#include "headless/objects/bezier_segment.h"
+#include "headless/values/vector.h"
 
 namespace headless {
 namespace {

@@ -1,4 +1,4 @@
-#include "objects/spline_measure.h"
+#include "headless/objects/spline_measure.h"
 
 #include <algorithm>
 #include <cmath>

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "objects/bezier_segment.h"
+#include "headless/objects/bezier_segment.h"
 
 namespace headless {
 

@@ -4,12 +4,12 @@
 #include <optional>
 #include <utility>
 
+#include "headless/objects/node_drawing.h"
+#include "headless/objects/own_classes.h"
+#include "headless/objects/spline_lines.h"
+#include "headless/objects/spline_measure.h"
 #include "headless/primitives.h"
-#include "objects/node_drawing.h"
-#include "objects/own_classes.h"
-#include "objects/spline_lines.h"
-#include "objects/spline_measure.h"
-#include "storage/plain_chunks.h"
+#include "headless/storage/plain_chunks.h"
 
 namespace headless {
 namespace {

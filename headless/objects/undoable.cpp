@@ -1,4 +1,4 @@
-#include "objects/undoable.h"
+#include "headless/objects/undoable.h"
 
 #include <utility>
 

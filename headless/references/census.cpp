@@ -1,4 +1,4 @@
-#include "references/census.h"
+#include "headless/references/census.h"
 
 #include <cxxabi.h>
 

@@ -1,10 +1,10 @@
-#include "references/copy_map.h"
+#include "headless/references/copy_map.h"
 
 #include <algorithm>
 
 #include "headless/copies.h"
-#include "references/graveyard.h"
-#include "references/reference_book.h"
+#include "headless/references/graveyard.h"
+#include "headless/references/reference_book.h"
 
 namespace headless {
 

@@ -4,8 +4,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "headless/references/reference_record.h"
 #include "host/reference.h"
-#include "references/reference_record.h"
 
 namespace headless {
 

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "references/graveyard.h"
+#include "headless/references/graveyard.h"
 
 // An object on its way to whoever is to refer to it. If nobody does in the end, because something
 // failed, it goes like any other that nothing refers to.

@@ -1,4 +1,4 @@
-#include "references/graveyard.h"
+#include "headless/references/graveyard.h"
 
 #include <algorithm>
 #include <utility>

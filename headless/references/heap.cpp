@@ -1,4 +1,4 @@
-#include "references/heap.h"
+#include "headless/references/heap.h"
 
 #include <new>
 

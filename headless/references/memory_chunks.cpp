@@ -1,9 +1,9 @@
 #include "headless/memory_chunks.h"
 
-#include "storage/byte_sink.h"
-#include "storage/byte_source.h"
-#include "storage/chunk_reader.h"
-#include "storage/chunk_writer.h"
+#include "headless/storage/byte_sink.h"
+#include "headless/storage/byte_source.h"
+#include "headless/storage/chunk_reader.h"
+#include "headless/storage/chunk_writer.h"
 
 namespace headless {
 

@@ -1,11 +1,11 @@
-#include "references/reference_book.h"
+#include "headless/references/reference_book.h"
 
 #include <algorithm>
 
-#include "breaches/breach_book.h"
-#include "references/dependents_walk.h"
-#include "references/graveyard.h"
-#include "references/object_watch.h"
+#include "headless/breaches/breach_book.h"
+#include "headless/references/dependents_walk.h"
+#include "headless/references/graveyard.h"
+#include "headless/references/object_watch.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
+#include "headless/references/graveyard.h"
+#include "headless/references/reference_book.h"
+#include "headless/references/reference_record.h"
 #include "host/hold.h"
 #include "host/reference.h"
-#include "references/graveyard.h"
-#include "references/reference_book.h"
-#include "references/reference_record.h"
 
 ReferenceMaker::~ReferenceMaker() {
     ReferenceBook::Forget(*this);

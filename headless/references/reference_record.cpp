@@ -1,6 +1,6 @@
-#include "references/reference_record.h"
+#include "headless/references/reference_record.h"
 
-#include "references/reference_book.h"
+#include "headless/references/reference_book.h"
 
 void ReferenceRecord::PointAt(const ObjectWatch& target) {
     if (maker_.IsGone() || before_.IsGone() || after_.IsGone()) return;

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "headless/references/object_watch.h"
 #include "host/hold.h"
 #include "host/reference.h"
-#include "references/object_watch.h"
 
 // The record of one reference that was pointed elsewhere. It does nothing any more once one of the
 // objects that it names has been destroyed by its creator.

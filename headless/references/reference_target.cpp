@@ -1,11 +1,11 @@
 #include <algorithm>
 
+#include "headless/references/dependents_walk.h"
+#include "headless/references/graveyard.h"
+#include "headless/references/reference_book.h"
+#include "headless/references/reference_record.h"
 #include "host/hold.h"
 #include "host/reference.h"
-#include "references/dependents_walk.h"
-#include "references/graveyard.h"
-#include "references/reference_book.h"
-#include "references/reference_record.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "scene/child_list.h"
+#include "headless/scene/child_list.h"
 
 #include <algorithm>
 

@@ -1,15 +1,15 @@
-#include "scene/digest.h"
+#include "headless/scene/digest.h"
 
 #include <cstddef>
 #include <span>
 #include <unordered_map>
 #include <vector>
 
-#include "control/keyframe_chunk.h"
+#include "headless/control/keyframe_chunk.h"
 #include "headless/memory_chunks.h"
-#include "scene/hash.h"
-#include "scene/scene.h"
-#include "scene/timeline.h"
+#include "headless/scene/hash.h"
+#include "headless/scene/scene.h"
+#include "headless/scene/timeline.h"
 
 namespace headless {
 namespace {

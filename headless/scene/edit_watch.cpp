@@ -1,4 +1,4 @@
-#include "scene/edit_watch.h"
+#include "headless/scene/edit_watch.h"
 
 namespace headless {
 namespace {

@@ -1,4 +1,4 @@
-#include "scene/hash.h"
+#include "headless/scene/hash.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "scene/names.h"
+#include "headless/scene/names.h"
 
 namespace headless {
 

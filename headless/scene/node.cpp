@@ -1,12 +1,12 @@
-#include "scene/node.h"
+#include "headless/scene/node.h"
 
 #include <optional>
 #include <utility>
 
-#include "breaches/breach_book.h"
-#include "objects/undoable.h"
-#include "scene/edit_watch.h"
-#include "scene/scene.h"
+#include "headless/breaches/breach_book.h"
+#include "headless/objects/undoable.h"
+#include "headless/scene/edit_watch.h"
+#include "headless/scene/scene.h"
 
 INode::~INode() = default;
 

@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "headless/scene/child_list.h"
 #include "host/node.h"
-#include "scene/child_list.h"
 
 namespace headless {
 

@@ -1,15 +1,16 @@
-#include "scene/node_cloning.h"
+#include "headless/scene/node_cloning.h"
 
 #include <algorithm>
 #include <string>
 #include <unordered_set>
 #include <utility>
 
-#include "references/copy_map.h"
-#include "references/fresh.h"
-#include "scene/animate_mode.h"
-#include "scene/scene.h"
-#include "scene/timeline.h"
+#include "headless/control/animate_mode.h"
+#include "headless/references/copy_map.h"
+#include "headless/references/fresh.h"
+#include "headless/scene/scene.h"
+#include "headless/scene/timeline.h"
+#include "host/animate.h"
 
 namespace headless {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <vector>
 
+#include "headless/scene/node.h"
 #include "host/point3.h"
-#include "scene/node.h"
 
 namespace headless {
 

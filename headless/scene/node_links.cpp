@@ -1,8 +1,8 @@
-#include "breaches/breach_book.h"
-#include "scene/node.h"
-#include "scene/parent_change.h"
-#include "scene/scene.h"
-#include "scene/timeline.h"
+#include "headless/breaches/breach_book.h"
+#include "headless/scene/node.h"
+#include "headless/scene/parent_change.h"
+#include "headless/scene/scene.h"
+#include "headless/scene/timeline.h"
 
 namespace headless {
 

@@ -1,7 +1,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "scene/node.h"
+#include "headless/scene/node.h"
 
 namespace headless {
 namespace {

@@ -1,11 +1,11 @@
-#include "scene/notifications.h"
+#include "headless/scene/notifications.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <vector>
 
-#include "breaches/breach_book.h"
-#include "hold/first_thrown.h"
+#include "headless/breaches/breach_book.h"
+#include "headless/hold/first_thrown.h"
 #include "host/notify.h"
 
 namespace headless {

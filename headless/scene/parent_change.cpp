@@ -1,16 +1,16 @@
-#include "scene/parent_change.h"
+#include "headless/scene/parent_change.h"
 
 #include <algorithm>
 #include <memory>
 #include <utility>
 #include <vector>
 
+#include "headless/control/animate_mode.h"
+#include "headless/references/copy_map.h"
+#include "headless/references/graveyard.h"
+#include "headless/references/reference_record.h"
+#include "headless/scene/scene.h"
 #include "host/hold.h"
-#include "references/copy_map.h"
-#include "references/graveyard.h"
-#include "references/reference_record.h"
-#include "scene/animate_mode.h"
-#include "scene/scene.h"
 
 namespace headless {
 namespace {

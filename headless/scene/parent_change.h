@@ -1,7 +1,7 @@
 #pragma once
 
+#include "headless/scene/node.h"
 #include "host/types.h"
-#include "scene/node.h"
 
 namespace headless {
 

@@ -1,11 +1,11 @@
-#include "scene/scene.h"
+#include "headless/scene/scene.h"
 
 #include <utility>
 
-#include "control/factory.h"
-#include "objects/undoable.h"
-#include "references/fresh.h"
-#include "scene/selection.h"
+#include "headless/control/factory.h"
+#include "headless/objects/undoable.h"
+#include "headless/references/fresh.h"
+#include "headless/scene/selection.h"
 
 namespace headless {
 

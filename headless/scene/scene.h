@@ -6,8 +6,8 @@
 #include <unordered_set>
 #include <vector>
 
-#include "scene/names.h"
-#include "scene/node.h"
+#include "headless/scene/names.h"
+#include "headless/scene/node.h"
 
 // The nodes that are in the scene, and what happens to all of them together.
 namespace headless {

@@ -1,4 +1,4 @@
-#include "scene/selection.h"
+#include "headless/scene/selection.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -6,9 +6,9 @@
 #include <unordered_set>
 #include <utility>
 
-#include "objects/undoable.h"
-#include "scene/edit_watch.h"
-#include "scene/scene.h"
+#include "headless/objects/undoable.h"
+#include "headless/scene/edit_watch.h"
+#include "headless/scene/scene.h"
 
 namespace headless {
 namespace {

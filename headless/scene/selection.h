@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "scene/node.h"
+#include "headless/scene/node.h"
 
 // Which nodes are selected. Changes are undoable, and are told to the panel and to the utility.
 namespace headless {

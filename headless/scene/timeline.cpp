@@ -1,4 +1,4 @@
-#include "scene/timeline.h"
+#include "headless/scene/timeline.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "breaches/breach_book.h"
-#include "objects/undoable.h"
+#include "headless/breaches/breach_book.h"
+#include "headless/objects/undoable.h"
 
 namespace headless {
 namespace {
@@ -24,7 +24,7 @@ struct Timeline {
 };
 Timeline timeline;
 
-void DropGone() {
+void DropGoneListeners() {
     if (timeline.telling == 0) std::erase(timeline.callbacks, nullptr);
 }
 
@@ -39,7 +39,7 @@ void TellTime() {
             callback->TimeChanged(timeline.now);
     }
     --timeline.telling;
-    DropGone();
+    DropGoneListeners();
 }
 
 void StartTimeline(int frameRate, int ticksPerFrame) {
@@ -88,12 +88,12 @@ void AddTimeCallback(TimeChangeCallback* callback) {
 void RemoveTimeCallback(TimeChangeCallback* callback) {
     std::replace(timeline.callbacks.begin(), timeline.callbacks.end(), callback,
                  static_cast<TimeChangeCallback*>(nullptr));
-    DropGone();
+    DropGoneListeners();
 }
 
 void ForgetTimeCallbacks() {
     std::fill(timeline.callbacks.begin(), timeline.callbacks.end(), nullptr);
-    DropGone();
+    DropGoneListeners();
 }
 
 }  // namespace headless

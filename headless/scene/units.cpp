@@ -1,4 +1,4 @@
-#include "scene/units.h"
+#include "headless/scene/units.h"
 
 #include <array>
 #include <cstddef>

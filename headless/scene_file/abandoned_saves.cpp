@@ -1,4 +1,4 @@
-#include "scene_file/abandoned_saves.h"
+#include "headless/scene_file/abandoned_saves.h"
 
 #include <algorithm>
 #include <array>
@@ -10,12 +10,12 @@
 #include <string_view>
 #include <system_error>
 
+#include "headless/scene_file/atomic_file.h"
+#include "headless/scene_file/scene_chunks.h"
+#include "headless/storage/byte_source.h"
+#include "headless/storage/chunk_format.h"
 #include "platform/folder_names.h"
 #include "platform/narrow_path.h"
-#include "scene_file/atomic_file.h"
-#include "scene_file/scene_chunks.h"
-#include "storage/byte_source.h"
-#include "storage/chunk_format.h"
 
 namespace headless {
 namespace {

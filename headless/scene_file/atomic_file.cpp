@@ -1,13 +1,13 @@
-#include "scene_file/atomic_file.h"
+#include "headless/scene_file/atomic_file.h"
 
 #include <filesystem>
 #include <random>
 #include <system_error>
 
+#include "headless/scene_file/scene_file.h"
 #include "platform/narrow_path.h"
 #include "platform/new_file.h"
 #include "platform/replace_file.h"
-#include "scene_file/scene_file.h"
 
 namespace headless {
 namespace {

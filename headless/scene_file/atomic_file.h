@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "storage/byte_sink.h"
+#include "headless/storage/byte_sink.h"
 
 namespace headless {
 

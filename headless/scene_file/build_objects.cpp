@@ -1,18 +1,17 @@
-#include "scene_file/build_objects.h"
+#include "headless/scene_file/build_objects.h"
 
 #include <new>
 
-#include "classes/class_registry.h"
+#include "headless/classes/class_registry.h"
+#include "headless/objects/own_classes.h"
+#include "headless/references/graveyard.h"
+#include "headless/scene_file/check_document.h"
+#include "headless/scene_file/scene_chunks.h"
+#include "headless/scene_file/stand_ins.h"
+#include "headless/scene_file/words.h"
+#include "headless/storage/chunk_reader.h"
 #include "host/control.h"
 #include "host/object.h"
-#include "objects/own_classes.h"
-#include "references/graveyard.h"
-#include "scene_file/check_document.h"
-#include "scene_file/difference_words.h"
-#include "scene_file/scene_chunks.h"
-#include "scene_file/stand_ins.h"
-#include "scene_file/thrown_words.h"
-#include "storage/chunk_reader.h"
 
 namespace headless {
 namespace {

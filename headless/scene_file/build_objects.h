@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "headless/scene/node.h"
+#include "headless/scene_file/scene_document.h"
+#include "headless/scene_file/scene_file.h"
 #include "host/reference.h"
-#include "scene/node.h"
-#include "scene_file/scene_document.h"
-#include "scene_file/scene_file.h"
 
 namespace headless {
 

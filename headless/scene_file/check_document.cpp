@@ -1,12 +1,12 @@
-#include "scene_file/check_document.h"
+#include "headless/scene_file/check_document.h"
 
 #include <algorithm>
 #include <tuple>
 #include <unordered_set>
 
+#include "headless/scene_file/field_reader.h"
+#include "headless/scene_file/scene_chunks.h"
 #include "host/types.h"
-#include "scene_file/field_reader.h"
-#include "scene_file/scene_chunks.h"
 
 namespace headless {
 namespace {

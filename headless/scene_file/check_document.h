@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "scene_file/scene_document.h"
+#include "headless/scene_file/scene_document.h"
 
 namespace headless {
 

@@ -1,10 +1,10 @@
-#include "scene_file/field_reader.h"
+#include "headless/scene_file/field_reader.h"
 
 #include <array>
 #include <bit>
 
-#include "scene_file/scene_file.h"
-#include "storage/chunk_format.h"
+#include "headless/scene_file/scene_file.h"
+#include "headless/storage/chunk_format.h"
 
 namespace headless {
 

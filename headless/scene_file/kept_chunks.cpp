@@ -1,9 +1,9 @@
-#include "scene_file/kept_chunks.h"
+#include "headless/scene_file/kept_chunks.h"
 
 #include <algorithm>
 #include <span>
 
-#include "storage/chunk_format.h"
+#include "headless/storage/chunk_format.h"
 
 namespace headless {
 namespace {

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "headless/scene_file/scene_document.h"
+#include "headless/storage/chunk_reader.h"
 #include "host/storage.h"
-#include "scene_file/scene_document.h"
-#include "storage/chunk_reader.h"
 
 // What becomes of a utility's chunks that it does not take: none is lost for want of somebody who
 // can read it.

@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <new>
 
-#include "breaches/breach_book.h"
-#include "scene_file/scene_file.h"
-#include "scene_file/thrown_words.h"
+#include "headless/breaches/breach_book.h"
+#include "headless/scene_file/scene_file.h"
+#include "headless/scene_file/words.h"
 
 namespace headless {
 namespace {

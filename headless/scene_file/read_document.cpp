@@ -1,4 +1,4 @@
-#include "scene_file/read_document.h"
+#include "headless/scene_file/read_document.h"
 
 #include <algorithm>
 #include <array>
@@ -6,12 +6,12 @@
 #include <limits>
 #include <utility>
 
-#include "scene/timeline.h"
-#include "scene/units.h"
-#include "scene_file/field_reader.h"
-#include "scene_file/scene_chunks.h"
-#include "storage/checksum.h"
-#include "storage/chunk_format.h"
+#include "headless/scene/timeline.h"
+#include "headless/scene/units.h"
+#include "headless/scene_file/field_reader.h"
+#include "headless/scene_file/scene_chunks.h"
+#include "headless/storage/checksum.h"
+#include "headless/storage/chunk_format.h"
 
 namespace headless {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "scene_file/scene_document.h"
-#include "storage/byte_source.h"
+#include "headless/scene_file/scene_document.h"
+#include "headless/storage/byte_source.h"
 
 namespace headless {
 

@@ -1,16 +1,16 @@
 #include <cmath>
 
+#include "headless/scene/scene.h"
+#include "headless/scene/selection.h"
+#include "headless/scene/timeline.h"
+#include "headless/scene/units.h"
+#include "headless/scene_file/build_objects.h"
+#include "headless/scene_file/check_document.h"
+#include "headless/scene_file/field_reader.h"
+#include "headless/scene_file/read_document.h"
+#include "headless/scene_file/scene_file.h"
 #include "host/time.h"
 #include "host/units.h"
-#include "scene/scene.h"
-#include "scene/selection.h"
-#include "scene/timeline.h"
-#include "scene/units.h"
-#include "scene_file/build_objects.h"
-#include "scene_file/check_document.h"
-#include "scene_file/field_reader.h"
-#include "scene_file/read_document.h"
-#include "scene_file/scene_file.h"
 
 namespace headless {
 namespace {

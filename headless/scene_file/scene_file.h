@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
+#include "headless/scene/node.h"
+#include "headless/scene_file/kept_chunks.h"
+#include "headless/scene_file/scene_document.h"
+#include "headless/storage/byte_source.h"
 #include "host/class_desc.h"
 #include "host/gup.h"
-#include "scene/node.h"
-#include "scene_file/kept_chunks.h"
-#include "scene_file/scene_document.h"
-#include "storage/byte_source.h"
 
 // Scene files on disk: checked before they are believed, streamed both ways, complete or untouched.
 namespace headless {

@@ -1,11 +1,11 @@
-#include "scene_file/stand_ins.h"
+#include "headless/scene_file/stand_ins.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <utility>
 
-#include "control/keyframe_chunk.h"
+#include "headless/control/keyframe_chunk.h"
 #include "host/control.h"
 #include "host/object.h"
 

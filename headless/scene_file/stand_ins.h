@@ -4,8 +4,8 @@
 #include <memory>
 #include <vector>
 
+#include "headless/scene_file/scene_document.h"
 #include "host/reference.h"
-#include "scene_file/scene_document.h"
 
 // Objects in the place of those whose class is not loaded, or which could not read their own bytes.
 // They say their class, keep bytes and references as the file has them, write them back, can be

@@ -1,13 +1,13 @@
-#include "scene_file/stored_keys.h"
+#include "headless/scene_file/stored_keys.h"
 
 #include <cstring>
 #include <memory>
 #include <set>
 
-#include "control/factory.h"
-#include "control/keyframe_chunk.h"
+#include "headless/control/factory.h"
+#include "headless/control/keyframe_chunk.h"
 #include "headless/memory_chunks.h"
-#include "scene/hash.h"
+#include "headless/scene/hash.h"
 
 namespace headless {
 namespace {

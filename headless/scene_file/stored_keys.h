@@ -5,8 +5,8 @@
 #include <span>
 #include <vector>
 
+#include "headless/scene_file/scene_document.h"
 #include "host/point3.h"
-#include "scene_file/scene_document.h"
 
 // The keys of a stored controller, without its plug-in.
 namespace headless {

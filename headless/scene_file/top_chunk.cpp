@@ -1,11 +1,11 @@
-#include "scene_file/top_chunk.h"
+#include "headless/scene_file/top_chunk.h"
 
 #include <algorithm>
 #include <array>
 #include <bit>
 
-#include "scene_file/scene_chunks.h"
-#include "storage/checksum.h"
+#include "headless/scene_file/scene_chunks.h"
+#include "headless/storage/checksum.h"
 
 namespace headless {
 

@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <string_view>
 
-#include "scene_file/scene_document.h"
-#include "storage/byte_sink.h"
-#include "storage/chunk_format.h"
-#include "storage/chunk_writer.h"
+#include "headless/scene_file/scene_document.h"
+#include "headless/storage/byte_sink.h"
+#include "headless/storage/chunk_format.h"
+#include "headless/storage/chunk_writer.h"
 
 namespace headless {
 

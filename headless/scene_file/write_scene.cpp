@@ -4,20 +4,20 @@
 #include <unordered_map>
 #include <utility>
 
-#include "breaches/breach_book.h"
-#include "classes/class_registry.h"
+#include "headless/breaches/breach_book.h"
+#include "headless/classes/class_registry.h"
+#include "headless/scene/scene.h"
+#include "headless/scene/timeline.h"
+#include "headless/scene_file/abandoned_saves.h"
+#include "headless/scene_file/atomic_file.h"
+#include "headless/scene_file/check_document.h"
+#include "headless/scene_file/read_document.h"
+#include "headless/scene_file/scene_chunks.h"
+#include "headless/scene_file/scene_file.h"
+#include "headless/scene_file/top_chunk.h"
+#include "headless/scene_file/words.h"
 #include "host/time.h"
 #include "host/units.h"
-#include "scene/scene.h"
-#include "scene/timeline.h"
-#include "scene_file/abandoned_saves.h"
-#include "scene_file/atomic_file.h"
-#include "scene_file/check_document.h"
-#include "scene_file/read_document.h"
-#include "scene_file/scene_chunks.h"
-#include "scene_file/scene_file.h"
-#include "scene_file/thrown_words.h"
-#include "scene_file/top_chunk.h"
 
 namespace headless {
 namespace {

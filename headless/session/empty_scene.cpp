@@ -1,8 +1,8 @@
-#include "session/empty_scene.h"
+#include "headless/session/empty_scene.h"
 
-#include "hold/undo_stream.h"
+#include "headless/hold/undo_stream.h"
+#include "headless/scene/scene.h"
 #include "host/hold.h"
-#include "scene/scene.h"
 
 namespace headless {
 namespace {

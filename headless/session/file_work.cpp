@@ -1,4 +1,4 @@
-#include "session/file_work.h"
+#include "headless/session/file_work.h"
 
 #include "host/hold.h"
 

@@ -1,22 +1,22 @@
-#include "session/host_interface.h"
+#include "headless/session/host_interface.h"
 
 #include <cstddef>
 #include <utility>
 #include <vector>
 
-#include "breaches/breach_book.h"
-#include "classes/class_registry.h"
-#include "hold/undo_stream.h"
+#include "headless/breaches/breach_book.h"
+#include "headless/classes/class_registry.h"
+#include "headless/hold/undo_stream.h"
+#include "headless/objects/own_classes.h"
+#include "headless/scene/node_cloning.h"
+#include "headless/scene/scene.h"
+#include "headless/scene/selection.h"
+#include "headless/scene/timeline.h"
+#include "headless/session/scene_files.h"
+#include "headless/ui/command_panel.h"
+#include "headless/ui/main_window.h"
+#include "headless/ui/rollup_pages.h"
 #include "host/custom_controls.h"
-#include "objects/own_classes.h"
-#include "scene/node_cloning.h"
-#include "scene/scene.h"
-#include "scene/selection.h"
-#include "scene/timeline.h"
-#include "session/scene_files.h"
-#include "ui/command_panel.h"
-#include "ui/main_window.h"
-#include "ui/rollup_pages.h"
 
 IObjParam::~IObjParam() = default;
 

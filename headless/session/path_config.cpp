@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "session/path_config.h"
+#include "headless/session/path_config.h"
 
 IPathConfigMgr::~IPathConfigMgr() = default;
 

@@ -1,7 +1,7 @@
+#include "headless/ui/script.h"
 #include "host/class_desc.h"
 #include "host/gup.h"
 #include "host/utility_obj.h"
-#include "ui/script.h"
 
 ClassDesc::~ClassDesc() = default;
 

@@ -1,4 +1,4 @@
-#include "session/scene_files.h"
+#include "headless/session/scene_files.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -8,13 +8,13 @@
 #include <system_error>
 #include <utility>
 
+#include "headless/scene/notifications.h"
+#include "headless/scene/selection.h"
+#include "headless/scene_file/words.h"
+#include "headless/session/empty_scene.h"
+#include "headless/session/file_work.h"
 #include "host/notify.h"
 #include "platform/narrow_path.h"
-#include "scene/notifications.h"
-#include "scene/selection.h"
-#include "scene_file/thrown_words.h"
-#include "session/empty_scene.h"
-#include "session/file_work.h"
 
 namespace headless {
 namespace {

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "headless/scene_file/scene_file.h"
 #include "headless/session.h"
-#include "scene_file/scene_file.h"
 
 // What a session does with scene files, in the host's order of events.
 namespace headless {

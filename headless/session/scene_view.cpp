@@ -2,13 +2,13 @@
 
 #include <set>
 
-#include "classes/class_registry.h"
+#include "headless/classes/class_registry.h"
 #include "headless/memory_chunks.h"
-#include "references/census.h"
-#include "references/heap.h"
-#include "scene/digest.h"
-#include "scene/scene.h"
-#include "session/path_config.h"
+#include "headless/references/census.h"
+#include "headless/references/heap.h"
+#include "headless/scene/digest.h"
+#include "headless/scene/scene.h"
+#include "headless/session/path_config.h"
 
 namespace headless {
 namespace {

@@ -1,4 +1,4 @@
-#include "storage/byte_sink.h"
+#include "headless/storage/byte_sink.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -7,7 +7,7 @@
 namespace headless {
 namespace {
 
-constexpr std::size_t kBlockBytes = std::size_t{256} * 1024;
+constexpr std::size_t kSinkBytes = std::size_t{256} * 1024;
 
 void Put(std::fstream& file, std::span<const std::byte> bytes) {
     file.write(reinterpret_cast<const char*>(bytes.data()),
@@ -34,14 +34,14 @@ bool MemorySink::Overwrite(std::uint64_t position, std::span<const std::byte> by
 FileSink::FileSink(const std::string& path) {
     file_.rdbuf()->pubsetbuf(nullptr, 0);
     file_.open(path, std::ios::in | std::ios::out | std::ios::binary | std::ios::trunc);
-    block_.reserve(kBlockBytes);
+    block_.reserve(kSinkBytes);
     if (!file_.is_open()) NoteFailure();
 }
 
 bool FileSink::Append(std::span<const std::byte> bytes) {
-    if (block_.size() + bytes.size() > kBlockBytes && !Flush()) return false;
+    if (block_.size() + bytes.size() > kSinkBytes && !Flush()) return false;
     size_ += bytes.size();
-    if (bytes.size() <= kBlockBytes) {
+    if (bytes.size() <= kSinkBytes) {
         block_.insert(block_.end(), bytes.begin(), bytes.end());
         return failure_.empty();
     }

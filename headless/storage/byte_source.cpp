@@ -1,4 +1,4 @@
-#include "storage/byte_source.h"
+#include "headless/storage/byte_source.h"
 
 #include <algorithm>
 #include <cstring>
@@ -6,7 +6,7 @@
 namespace headless {
 namespace {
 
-constexpr std::size_t kBlockBytes = std::size_t{64} * 1024;
+constexpr std::size_t kSourceBytes = std::size_t{64} * 1024;
 
 }  // namespace
 
@@ -32,8 +32,8 @@ std::size_t FileSource::ReadAt(std::uint64_t position, std::span<std::byte> byte
     if (known == bytes.size()) return known;
     const auto rest = bytes.subspan(known);
     position += known;
-    if (rest.size() >= kBlockBytes) return known + FromFile(position, rest);
-    block_.resize(kBlockBytes);
+    if (rest.size() >= kSourceBytes) return known + FromFile(position, rest);
+    block_.resize(kSourceBytes);
     blockBegin_ = position;
     block_.resize(FromFile(position, block_));
     return known + FromBlock(position, rest);

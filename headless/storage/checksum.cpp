@@ -1,4 +1,4 @@
-#include "storage/checksum.h"
+#include "headless/storage/checksum.h"
 
 #include <zlib.h>
 

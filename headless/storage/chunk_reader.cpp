@@ -1,9 +1,9 @@
-#include "storage/chunk_reader.h"
+#include "headless/storage/chunk_reader.h"
 
 #include <algorithm>
 #include <array>
 
-#include "storage/chunk_format.h"
+#include "headless/storage/chunk_format.h"
 
 namespace headless {
 

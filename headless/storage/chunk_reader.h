@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "headless/storage/byte_source.h"
 #include "host/storage.h"
-#include "storage/byte_source.h"
 
 namespace headless {
 

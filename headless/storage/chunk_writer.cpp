@@ -1,9 +1,9 @@
-#include "storage/chunk_writer.h"
+#include "headless/storage/chunk_writer.h"
 
 #include <cstring>
 #include <string_view>
 
-#include "storage/chunk_format.h"
+#include "headless/storage/chunk_format.h"
 
 namespace headless {
 

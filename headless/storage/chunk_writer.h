@@ -4,8 +4,8 @@
 #include <span>
 #include <vector>
 
+#include "headless/storage/byte_sink.h"
 #include "host/storage.h"
-#include "storage/byte_sink.h"
 
 namespace headless {
 

@@ -1,8 +1,8 @@
-#include "ui/command_panel.h"
+#include "headless/ui/command_panel.h"
 
+#include "headless/ui/main_window.h"
+#include "headless/ui/rollup_pages.h"
 #include "host/interface.h"
-#include "ui/main_window.h"
-#include "ui/rollup_pages.h"
 
 namespace headless {
 

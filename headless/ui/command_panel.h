@@ -1,8 +1,8 @@
 #pragma once
 
-#include "scene/edit_watch.h"
-#include "ui/motion_panel.h"
-#include "ui/utility_panel.h"
+#include "headless/scene/edit_watch.h"
+#include "headless/ui/motion_panel.h"
+#include "headless/ui/utility_panel.h"
 
 namespace headless {
 

@@ -1,4 +1,4 @@
-#include "ui/main_window.h"
+#include "headless/ui/main_window.h"
 
 namespace headless {
 namespace {

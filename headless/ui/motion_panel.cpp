@@ -1,9 +1,9 @@
-#include "ui/motion_panel.h"
+#include "headless/ui/motion_panel.h"
 
 #include <utility>
 
+#include "headless/scene/selection.h"
 #include "host/interface.h"
-#include "scene/selection.h"
 
 namespace headless {
 

@@ -1,9 +1,9 @@
-#include "ui/rollup_pages.h"
+#include "headless/ui/rollup_pages.h"
 
 #include <algorithm>
 #include <vector>
 
-#include "ui/main_window.h"
+#include "headless/ui/main_window.h"
 
 namespace headless {
 namespace {

@@ -1,4 +1,4 @@
-#include "ui/script.h"
+#include "headless/ui/script.h"
 
 #include <algorithm>
 #include <cctype>
@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-#include "hold/undo_stream.h"
-#include "ui/command_panel.h"
+#include "headless/hold/undo_stream.h"
+#include "headless/ui/command_panel.h"
 
 namespace headless {
 namespace {

@@ -1,8 +1,8 @@
-#include "ui/utility_panel.h"
+#include "headless/ui/utility_panel.h"
 
 #include <utility>
 
-#include "classes/class_registry.h"
+#include "headless/classes/class_registry.h"
 #include "host/utility_obj.h"
 
 namespace headless {

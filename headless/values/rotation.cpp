@@ -1,4 +1,4 @@
-#include "values/rotation.h"
+#include "headless/values/rotation.h"
 
 #include <cmath>
 

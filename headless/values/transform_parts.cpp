@@ -1,4 +1,4 @@
-#include "values/transform_parts.h"
+#include "headless/values/transform_parts.h"
 
 #include <algorithm>
 #include <array>

@@ -1,11 +1,11 @@
 #include <utility>
 
-#include "drawing/draw_window.h"
+#include "headless/drawing/draw_window.h"
+#include "headless/scene/scene.h"
 #include "headless/viewport.h"
-#include "scene/scene.h"
-#include "viewport/render_limits.h"
-#include "viewport/seen_scene.h"
-#include "viewport/shown_nodes.h"
+#include "headless/viewport/render_limits.h"
+#include "headless/viewport/seen_scene.h"
+#include "headless/viewport/shown_nodes.h"
 
 namespace headless {
 namespace {

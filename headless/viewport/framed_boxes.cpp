@@ -1,8 +1,8 @@
-#include "viewport/framed_boxes.h"
+#include "headless/viewport/framed_boxes.h"
 
 #include <algorithm>
 
-#include "viewport/shown_nodes.h"
+#include "headless/viewport/shown_nodes.h"
 
 namespace headless {
 namespace {

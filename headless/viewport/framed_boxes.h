@@ -3,9 +3,9 @@
 #include <array>
 #include <vector>
 
+#include "headless/values/vector.h"
 #include "headless/viewport.h"
 #include "host/box3.h"
-#include "values/vector.h"
 
 namespace headless {
 

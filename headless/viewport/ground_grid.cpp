@@ -1,9 +1,9 @@
-#include "viewport/ground_grid.h"
+#include "headless/viewport/ground_grid.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "viewport/units_per_metre.h"
+#include "headless/viewport/units_per_metre.h"
 
 namespace headless {
 namespace {

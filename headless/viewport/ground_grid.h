@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "drawing/draw_window.h"
+#include "headless/drawing/draw_window.h"
 #include "host/box3.h"
 
 namespace headless {

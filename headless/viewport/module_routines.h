@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "drawing/view.h"
 #include "headless/draw_list.h"
+#include "headless/drawing/view.h"
 #include "headless/viewport.h"
 
 // What the module headless_viewport exports. Host and module are built together and share one C++

@@ -2,11 +2,11 @@
 #include <cstddef>
 #include <span>
 
+#include "headless/scene_file/atomic_file.h"
+#include "headless/scene_file/scene_file.h"
 #include "headless/viewport.h"
-#include "scene_file/atomic_file.h"
-#include "scene_file/scene_file.h"
-#include "viewport/pixel_module.h"
-#include "viewport/seen_scene.h"
+#include "headless/viewport/pixel_module.h"
+#include "headless/viewport/seen_scene.h"
 
 namespace headless {
 namespace {

@@ -1,4 +1,4 @@
-#include "viewport/pixel_module.h"
+#include "headless/viewport/pixel_module.h"
 
 #include "platform/beside_program.h"
 #include "platform/load_failure.h"

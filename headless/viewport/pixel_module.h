@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "viewport/module_routines.h"
+#include "headless/viewport/module_routines.h"
 
 namespace headless {
 

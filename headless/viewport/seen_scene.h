@@ -1,6 +1,6 @@
 #pragma once
 
-#include "viewport/view_camera.h"
+#include "headless/viewport/view_camera.h"
 
 namespace headless {
 

@@ -1,9 +1,9 @@
-#include "viewport/shown_nodes.h"
+#include "headless/viewport/shown_nodes.h"
 
 #include <cmath>
 
-#include "drawing/draw_window.h"
-#include "scene/scene.h"
+#include "headless/drawing/draw_window.h"
+#include "headless/scene/scene.h"
 
 namespace headless {
 namespace {

@@ -1,4 +1,4 @@
-#include "viewport/view_camera.h"
+#include "headless/viewport/view_camera.h"
 
 #include <algorithm>
 #include <array>
@@ -9,13 +9,13 @@
 #include <utility>
 #include <vector>
 
+#include "headless/objects/camera_opening.h"
+#include "headless/scene/scene.h"
 #include "headless/scene_view.h"
-#include "objects/camera_opening.h"
-#include "scene/scene.h"
-#include "values/vector.h"
-#include "viewport/framed_boxes.h"
-#include "viewport/shown_nodes.h"
-#include "viewport/units_per_metre.h"
+#include "headless/values/vector.h"
+#include "headless/viewport/framed_boxes.h"
+#include "headless/viewport/shown_nodes.h"
+#include "headless/viewport/units_per_metre.h"
 
 namespace headless {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "drawing/view.h"
+#include "headless/drawing/view.h"
 #include "headless/viewport.h"
-#include "viewport/ground_grid.h"
+#include "headless/viewport/ground_grid.h"
 
 class INode;
 

@@ -1,4 +1,4 @@
-#include "viewport_module/canvas.h"
+#include "headless/viewport_module/canvas.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -12,7 +12,7 @@ constexpr std::size_t kChannels = 3;
 // What lies behind the scene.
 constexpr Colour kBackground{0.19F, 0.21F, 0.24F};
 
-enum Image { kColour, kDepth, kResolved };
+enum Image { kColourImage, kDepthImage, kResolvedImage };
 enum Buffer { kSampled, kPlain };
 
 bool IsComplete() {
@@ -58,15 +58,15 @@ std::string Canvas::Start() {
         glBindRenderbuffer(GL_RENDERBUFFER, images_[image]);
         glRenderbufferStorageMultisample(GL_RENDERBUFFER, samples, format, width_, height_);
     };
-    store(kColour, kSamples, GL_RGBA8);
-    store(kDepth, kSamples, GL_DEPTH_COMPONENT32F);
-    store(kResolved, 0, GL_RGBA8);
+    store(kColourImage, kSamples, GL_RGBA8);
+    store(kDepthImage, kSamples, GL_DEPTH_COMPONENT32F);
+    store(kResolvedImage, 0, GL_RGBA8);
     glBindFramebuffer(GL_FRAMEBUFFER, buffers_[kPlain]);
-    Attach(GL_COLOR_ATTACHMENT0, images_[kResolved]);
+    Attach(GL_COLOR_ATTACHMENT0, images_[kResolvedImage]);
     const bool isPlainComplete = IsComplete();
     glBindFramebuffer(GL_FRAMEBUFFER, buffers_[kSampled]);
-    Attach(GL_COLOR_ATTACHMENT0, images_[kColour]);
-    Attach(GL_DEPTH_ATTACHMENT, images_[kDepth]);
+    Attach(GL_COLOR_ATTACHMENT0, images_[kColourImage]);
+    Attach(GL_DEPTH_ATTACHMENT, images_[kDepthImage]);
     if (glGetError() != GL_NO_ERROR || !isPlainComplete || !IsComplete())
         return "the renderer has no room for " + size + " pixels";
     return "";

@@ -1,4 +1,4 @@
-#include "viewport_module/letters.h"
+#include "headless/viewport_module/letters.h"
 
 #include <array>
 #include <cstddef>

@@ -1,13 +1,13 @@
 #include <exception>
 #include <new>
 
+#include "headless/viewport/module_routines.h"
+#include "headless/viewport_module/canvas.h"
+#include "headless/viewport_module/offscreen_context.h"
+#include "headless/viewport_module/painter.h"
+#include "headless/viewport_module/png_bytes.h"
+#include "headless/viewport_module/words.h"
 #include "platform/routine.h"
-#include "viewport/module_routines.h"
-#include "viewport_module/canvas.h"
-#include "viewport_module/offscreen_context.h"
-#include "viewport_module/painter.h"
-#include "viewport_module/png_bytes.h"
-#include "viewport_module/words.h"
 
 namespace headless {
 namespace {

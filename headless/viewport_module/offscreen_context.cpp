@@ -1,4 +1,4 @@
-#include "viewport_module/offscreen_context.h"
+#include "headless/viewport_module/offscreen_context.h"
 
 #include <EGL/eglext.h>
 

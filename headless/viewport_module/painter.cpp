@@ -1,4 +1,4 @@
-#include "viewport_module/painter.h"
+#include "headless/viewport_module/painter.h"
 
 #include <array>
 #include <cstddef>

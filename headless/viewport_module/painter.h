@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "drawing/view.h"
 #include "headless/draw_list.h"
+#include "headless/drawing/view.h"
 
 namespace headless {
 

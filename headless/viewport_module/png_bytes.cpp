@@ -1,4 +1,4 @@
-#include "viewport_module/png_bytes.h"
+#include "headless/viewport_module/png_bytes.h"
 
 #include <png.h>
 

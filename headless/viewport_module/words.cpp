@@ -1,4 +1,4 @@
-#include "viewport_module/words.h"
+#include "headless/viewport_module/words.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "headless/viewport_module/letters.h"
 #include "host/graphics_window.h"
-#include "viewport_module/letters.h"
 
 namespace headless {
 namespace {

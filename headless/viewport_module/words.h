@@ -1,7 +1,7 @@
 #pragma once
 
-#include "drawing/view.h"
 #include "headless/draw_list.h"
+#include "headless/drawing/view.h"
 #include "headless/viewport.h"
 
 namespace headless {

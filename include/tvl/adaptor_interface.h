@@ -7,6 +7,7 @@
 
 #include "tvl/core_element.h"
 #include "tvl/error_code.h"
+#include "tvl/ids.h"
 #include "tvl/log.h"
 #include "tvl/mesh.h"
 #include "tvl/node.h"
@@ -101,7 +102,8 @@ class AdaptorInterface {
 
     virtual std::int32_t FlushUndoBuffer() = 0;
 
-    // The adaptor's option panel, for the Core to show; the Core keeps the values.
+    // The panel of the adaptor's options (AdaptorOption), for the Core to show; the Core keeps the
+    // values.
     virtual XMLNode GetOptionsPanel() = 0;
 
   protected:

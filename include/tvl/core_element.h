@@ -15,15 +15,15 @@ struct PluginRecord {
 };
 
 // An element of the Core that owns nodes. The adaptor keeps the pointer with each node, compares
-// it, reads `plugin->name`, and asks two extensions:
+// it, reads `plugin->name`, and asks the two of ElementExtension (tvl/ids.h):
 //
-//   43   argument null: nodes of this element are about to be deleted by the user. Told once for
+//   kNodesBeingDeleted   Nodes of this element are about to be deleted by the user. Told once for
 //        each deletion, if the element lists it; it may answer with CoreNode::Delete on its nodes.
-//   56   argument an XMLNode of kind 1 named "masternodes": the scene is being saved. The element
-//        adds a child "masternode" for each stored part of its state. Asked of every element with
-//        nodes in the scene, also if it lists nothing. The parts travel on its first node, and
-//        without any none of its nodes is marked as the Core's. An element that cannot give its
-//        state throws, and the save is refused.
+//   kSceneBeingSaved   The scene is being saved; the argument is an XMLNode of kind 1 named
+//        "masternodes". The element adds a child "masternode" for each stored part of its state.
+//        Asked of every element with nodes in the scene, also if it lists nothing. The parts travel
+//        on its first node, and without any none of its nodes is marked as the Core's. An element
+//        that cannot give its state throws, and the save is refused.
 //
 // A stored part, of which the Core is given the TVL_Plugin when the scene has been opened or
 // merged. The adaptor reads what is named here; whatever else stands in it comes back as it was:

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "tvl/adaptor_interface.h"
+#include "tvl/ids.h"
 #include "tvl/message.h"
 #include "tvl/xml_node.h"
 
@@ -38,10 +39,9 @@ class CoreInterface {
     // Asked for before nodes are deleted while the Core is running.
     virtual void StopCore() = 0;
 
-    // Options are those of AdaptorInterface::GetOptionsPanel: 1027 (optimised controllers), 1028
-    // (the button that converts all controllers) and 1030 (dynamic meshes). The second argument is
-    // 0. GetOptionNode gives the message node of the option, which the adaptor listens to (1028: a
-    // press is a message with id 324 from that node), or null.
+    // Options are those of AdaptorOption (tvl/ids.h). The second argument is 0. GetOptionNode gives
+    // the message node of a button, which the adaptor listens to (a press is a message from that
+    // node with the id kButtonPressed), or null.
     virtual TVL::Util::MessageNode* GetOptionNode(int option, int unused) = 0;
     virtual void BindOption(int option, int unused) = 0;
 

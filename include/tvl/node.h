@@ -14,18 +14,15 @@ namespace TVL {
 // receives one, and given back with ReleaseNode or Destroy. Every node that an adaptor gives out is
 // a CoreNode, so a Core may cast down statically.
 //
-// Extensions of a node: 10 begins and 11 ends a batch of selections (result 1 if it did), 17 takes
-// the node out of recording for good, 31 asks whether the CoreNode in the argument is the same
-// scene node, 37 clones the node below the CoreNode in the argument (or nowhere, null) and gives
-// the new snapshot node, 57 (not listed) puts the host's default transform controller on it. The
-// order of the virtual operations is part of the contract.
+// Its extensions are those of NodeExtension (tvl/ids.h). The order of the virtual operations is
+// part of the contract.
 class CNode : public CExtendable {
   public:
     virtual void Show() = 0;
     virtual void Hide() = 0;
     virtual bool IsVisible() = 0;
 
-    // Replaces the host's selection by this node; between extensions 10 and 11 adds it.
+    // Replaces the host's selection by this node; in a batch (NodeExtension) adds it.
     virtual void Select() = 0;
 
     virtual bool IsSnapshot() = 0;

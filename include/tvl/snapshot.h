@@ -76,7 +76,7 @@ class CSnapshot_Lens : public CExtendable {
 };
 
 // A node's geometry at the time of acquisition, in object space and host units. But where the host
-// has to convert a node to triangles and meshes are not dynamic (option 1030), it does so once, at
+// has to convert a node to triangles and the option kDynamicMeshes is off, it does so once, at
 // the time that is asked for first, and all snapshots of the node share that mesh until a recording
 // begins or ends or the scene is replaced. An empty mesh is read, writes do nothing and no ray hits
 // if the object cannot become triangles, and once the node, its object or the shared mesh is gone.

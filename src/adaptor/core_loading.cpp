@@ -8,6 +8,7 @@
 #include "platform/routine.h"
 #include "resources/resource_ids.h"
 #include "tvl/error_code.h"
+#include "tvl/ids.h"
 #include "tvl/log.h"
 #include "undo/undo_wrapper.h"
 
@@ -106,10 +107,11 @@ void UtilityManager::BringCoreUp() {
 }
 
 void UtilityManager::LinkOptions() {
-    for (const int option : {OptimizedTransformOption, DynamicMeshesOption})
+    for (const int option : {TVL::kOptimisedControllers, TVL::kDynamicMeshes})
         CallCore("BindOption", [&] { link.core->BindOption(option, 0); });
     TVL::Util::MessageNode* convertAll = nullptr;
-    CallCore("GetOptionNode", [&] { convertAll = link.core->GetOptionNode(ConvertAllOption, 0); });
+    CallCore("GetOptionNode",
+             [&] { convertAll = link.core->GetOptionNode(TVL::kConvertAllControllers, 0); });
     MaxAdaptorInterface::GetInstance()->Listen(convertAll);
 }
 

@@ -7,7 +7,7 @@
 #include "core_link/core_call.h"
 #include "nodes/node_list.h"
 #include "nodes/node_sweep.h"
-#include "persistence/scene/tagged_nodes.h"
+#include "scene_state/tagged_nodes.h"
 #include "tvl/error_code.h"
 #include "tvl/log.h"
 #include "undo/undo_wrapper.h"

@@ -9,9 +9,9 @@
 #include "nodes/host_node_link.h"
 #include "nodes/mesh_cache.h"
 #include "nodes/node_list.h"
-#include "persistence/scene/gather_state.h"
-#include "persistence/scene/node_tags.h"
-#include "persistence/scene/state_chunk.h"
+#include "scene_state/gather_state.h"
+#include "scene_state/node_tags.h"
+#include "scene_state/state_chunk.h"
 #include "undo/undo_groups.h"
 
 namespace {

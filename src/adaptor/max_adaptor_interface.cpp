@@ -12,13 +12,11 @@
 #include "measures/host_clock.h"
 #include "nodes/merging.h"
 #include "nodes/node_creation.h"
-#include "persistence/scene/claim_nodes.h"
 #include "resources/resource_ids.h"
+#include "scene_state/claim_nodes.h"
+#include "tvl/ids.h"
 
 namespace {
-
-// What the Core sends when its option button to convert all controllers is pressed.
-constexpr std::int32_t kConvertAllMessage = 324;
 
 constexpr const char* kUndoScript = "max undo";
 
@@ -270,7 +268,7 @@ std::int32_t MaxAdaptorInterface::StopListening(TVL::Util::MessageNode* node) {
 
 void MaxAdaptorInterface::Receive(TVL::Util::Message* message, bool) {
     AnswerCore("Receive", [&] {
-        if (message && message->id == kConvertAllMessage) ConvertAllControllers();
+        if (message && message->id == TVL::kButtonPressed) ConvertAllControllers();
     });
 }
 

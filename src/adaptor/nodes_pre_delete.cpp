@@ -8,11 +8,11 @@
 #include "nodes/max_node.h"
 #include "nodes/node_deletion.h"
 #include "nodes/node_lookup.h"
+#include "tvl/ids.h"
 
 namespace {
 
 // Extension of an owner: its nodes are about to be deleted by the user.
-constexpr int kNodesPreDeleteExtension = 43;
 
 // The announcement in progress. The Core can cause another one from inside it, after which the
 // outer one goes on as it was.
@@ -34,10 +34,10 @@ void TellOwner(const INode* host) {
     if (!owner) return;
     if (!DeletionInProgress().notifiedOwners.insert(owner).second) return;
     const bool isListed = CallCore("HasExtension of an owner", false,
-                                   [&] { return owner->HasExtension(kNodesPreDeleteExtension); });
+                                   [&] { return owner->HasExtension(TVL::kNodesBeingDeleted); });
     if (!isListed) return;
     CallCore("extension 43 of an owner",
-             [&] { owner->HandleExtension(kNodesPreDeleteExtension, nullptr); });
+             [&] { owner->HandleExtension(TVL::kNodesBeingDeleted, nullptr); });
 }
 
 }  // namespace

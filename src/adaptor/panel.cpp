@@ -6,9 +6,9 @@
 #include "adaptor/utility_manager.h"
 #include "core_link/core_call.h"
 #include "host/interface.h"
-#include "persistence/scene/gather_state.h"
-#include "persistence/scene/node_tags.h"
 #include "resources/resource_ids.h"
+#include "scene_state/gather_state.h"
+#include "scene_state/node_tags.h"
 
 namespace {
 

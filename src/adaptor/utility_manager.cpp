@@ -5,7 +5,7 @@
 #include "core_link/core_call.h"
 #include "host/interface.h"
 #include "measures/host_clock.h"
-#include "persistence/scene/state_chunk.h"
+#include "scene_state/state_chunk.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/lsan_interface.h>

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "persistence/chunks/whole_value.h"
+#include "chunks/whole_value.h"
 
 namespace {
 

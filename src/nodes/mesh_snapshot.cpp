@@ -10,6 +10,7 @@
 #include "objects/mesh_exchange.h"
 #include "objects/object_kinds.h"
 #include "resources/resource_ids.h"
+#include "tvl/ids.h"
 
 namespace {
 
@@ -114,7 +115,7 @@ TVL::CSnapshot_Mesh* CMAXNode::AcquireMeshSnapshot(double seconds) {
 
         // The Core can end the node, or its host node, while it is asked.
         const NodeWatch self(this);
-        const bool isDynamic = CoreOption(DynamicMeshesOption, false);
+        const bool isDynamic = CoreOption(TVL::kDynamicMeshes, false);
         if (!self.Get() || !LendsMesh(HostNode())) return nullptr;
 
         CMAXSnapshot_Mesh& snapshot =

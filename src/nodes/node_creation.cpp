@@ -18,6 +18,7 @@
 #include "nodes/node_watch.h"
 #include "nodes/object_parameters.h"
 #include "resources/resource_ids.h"
+#include "tvl/ids.h"
 #include "tvl/log.h"
 #include "undo/undo_groups.h"
 
@@ -29,7 +30,7 @@ constexpr std::uint32_t kRed = 255;
 // the node's owner.
 std::optional<bool> WantsOwnControllers() {
     const CoreInterface* const asking = AttachedCore();
-    const bool wants = CoreOption(OptimizedTransformOption, true);
+    const bool wants = CoreOption(TVL::kOptimisedControllers, true);
     return AttachedCore() == asking ? std::optional(wants) : std::nullopt;
 }
 

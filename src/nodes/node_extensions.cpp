@@ -2,45 +2,36 @@
 #include "nodes/max_node.h"
 #include "nodes/node_deletion.h"
 #include "nodes/node_selection.h"
+#include "tvl/ids.h"
 #include "tvl/log.h"
-
-namespace {
-
-constexpr int kBeginSelection = 10;
-constexpr int kEndSelection = 11;
-constexpr int kStopRecording = 17;
-constexpr int kIsSameNode = 31;
-constexpr int kCloneBelow = 37;
-constexpr int kConvertController = 57;
-
-}  // namespace
 
 std::vector<int> CMAXNode::ListExtensions() {
     return AnswerCore("ListExtensions", [&]() -> std::vector<int> {
-        return {kBeginSelection, kEndSelection, kStopRecording, kCloneBelow, kIsSameNode};
+        return {TVL::kBeginSelection, TVL::kEndSelection, TVL::kStopRecording, TVL::kCloneBelow,
+                TVL::kIsSameNode};
     });
 }
 
 std::intptr_t CMAXNode::HandleExtension(int id, void* argument) {
     return AnswerCore("HandleExtension", [&]() -> std::intptr_t {
         switch (id) {
-            case kBeginSelection:
+            case TVL::kBeginSelection:
                 return BeginSelectionBatch();
-            case kEndSelection:
+            case TVL::kEndSelection:
                 return EndSelectionBatch();
-            case kStopRecording:
+            case TVL::kStopRecording:
                 recordable = false;
                 return ConvertToHostController();
-            case kIsSameNode: {
+            case TVL::kIsSameNode: {
                 auto* const other = static_cast<TVL::CoreNode*>(argument);
                 return other && other->IsSameNode(this);
             }
-            case kCloneBelow: {
+            case TVL::kCloneBelow: {
                 auto* const parent = static_cast<CMAXNode*>(static_cast<TVL::CoreNode*>(argument));
                 TVL::CoreNode* const copy = CloneHostNode(true, parent);
                 return reinterpret_cast<std::intptr_t>(copy);
             }
-            case kConvertController:
+            case TVL::kUseHostController:
                 return ConvertToHostController();
             default:
                 TVL::Log(TVL::Log::kWarning)

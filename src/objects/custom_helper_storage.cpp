@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <vector>
 
+#include "chunks/whole_value.h"
 #include "host/storage.h"
 #include "objects/custom_helper_object.h"
-#include "persistence/chunks/whole_value.h"
 
 // Chunks of a helper in the scene file, always all three:
 //   1  int32 vertex count, then x, y, z of each vertex as doubles

@@ -24,9 +24,4 @@ inline constexpr int AttachControl = IDC_ATTACH;  // in no template so far
 // Where the host places this library's pages among others.
 inline constexpr int PageCategory = 4000;
 
-// Options of the panel that OptionPanel describes; the Core draws and keeps them.
-inline constexpr int OptimizedTransformOption = 1027;
-inline constexpr int ConvertAllOption = 1028;
-inline constexpr int DynamicMeshesOption = 1030;
-
 #endif

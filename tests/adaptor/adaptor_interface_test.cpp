@@ -3,8 +3,9 @@
 #include "controllers/transform_control.h"
 #include "headless/primitives.h"
 #include "host/interface.h"
-#include "support/trace.h"
-#include "support/world.h"
+#include "tests/support/trace.h"
+#include "tests/support/world.h"
+#include "tvl/ids.h"
 
 namespace {
 
@@ -138,7 +139,7 @@ TEST_F(AdaptorInterfaceTest, TheConvertButtonConvertsEveryController) {
     TVL::Util::Message other(323, "other");
     world.Core().convertButton->Broadcast(&other);
     EXPECT_EQ(node->GetTMController()->ClassID(), TransformControl::kClassID);
-    TVL::Util::Message convert(324, "convert");
+    TVL::Util::Message convert(TVL::kButtonPressed, "convert");
     world.Core().convertButton->Broadcast(&convert);
     EXPECT_NE(node->GetTMController()->ClassID(), TransformControl::kClassID);
 }

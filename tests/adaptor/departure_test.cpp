@@ -5,7 +5,7 @@
 #include "host/animate.h"
 #include "host/hold.h"
 #include "nodes/node_list.h"
-#include "support/world.h"
+#include "tests/support/world.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include "host/animate.h"
 #include "host/hold.h"
 #include "nodes/max_node.h"
-#include "nodes/node_test.h"
-#include "support/allocations.h"
+#include "tests/nodes/node_test.h"
+#include "tests/support/allocations.h"
 
 // Each operation that a Core calls, with each of its allocations failing in turn. It is done whole
 // or not at all, and what the Core gets is an answer.

@@ -4,7 +4,7 @@
 #include "adaptor/utility_manager.h"
 #include "host/interface.h"
 #include "resources/resource_ids.h"
-#include "support/world.h"
+#include "tests/support/world.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include "headless/scene_view.h"
 #include "host/hold.h"
 #include "nodes/node_deletion.h"
-#include "support/plugin.h"
-#include "support/world.h"
+#include "tests/support/plugin.h"
+#include "tests/support/world.h"
 
 namespace {
 

@@ -2,14 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include "adaptor/attach_panel.h"
 #include "headless/primitives.h"
 #include "headless/scene_view.h"
 #include "host/hold.h"
 #include "platform/testing.h"
 #include "plugin/utility_obj.h"
 #include "resources/resource_ids.h"
-#include "support/world.h"
+#include "tests/adaptor/attach_panel.h"
+#include "tests/support/world.h"
 
 namespace {
 

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <string>
 
-#include "adaptor/attach_panel.h"
 #include "host/animate.h"
 #include "host/hold.h"
 #include "host/notify.h"
-#include "scene_state/state_test.h"
-#include "support/trace.h"
+#include "tests/adaptor/attach_panel.h"
+#include "tests/scene_state/state_test.h"
+#include "tests/support/trace.h"
 
 namespace {
 

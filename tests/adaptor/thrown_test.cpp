@@ -1,11 +1,11 @@
 #include <stdexcept>
 
-#include "adaptor/attach_panel.h"
 #include "adaptor/max_adaptor_interface.h"
 #include "host/animate.h"
 #include "host/hold.h"
-#include "nodes/node_test.h"
-#include "persistence/scene/gather_state.h"
+#include "scene_state/gather_state.h"
+#include "tests/adaptor/attach_panel.h"
+#include "tests/nodes/node_test.h"
 
 namespace {
 
@@ -46,10 +46,10 @@ class Thrown : public NodeTest {
     }
 };
 
-class Chunk final : public TVL::CUndo {
+class ThrowingChunk final : public TVL::CUndo {
   public:
     using Act = std::function<void(const std::string&)>;
-    explicit Chunk(Act act) : act_(std::move(act)) {}
+    explicit ThrowingChunk(Act act) : act_(std::move(act)) {}
     void Undo(bool) override { act_("Undo"); }
     void Redo() override { act_("Redo"); }
     void Release() override {
@@ -90,7 +90,7 @@ TEST_F(Thrown, GetsNoFurtherThanTheCallAndLeavesNothingOpen) {
     };
     const auto withChunk = [this](const std::string& at, const std::function<void()>& act) {
         InGroup("chunk", [&] {
-            adaptor.AddUndoChunk(new Chunk([this, at](const std::string& call) {
+            adaptor.AddUndoChunk(new ThrowingChunk([this, at](const std::string& call) {
                 if (call == at) Fail();
             }));
         });

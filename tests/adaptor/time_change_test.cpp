@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "support/allocations.h"
-#include "support/world.h"
+#include "tests/support/allocations.h"
+#include "tests/support/world.h"
 
 namespace {
 

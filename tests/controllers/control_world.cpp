@@ -1,4 +1,4 @@
-#include "controllers/control_world.h"
+#include "tests/controllers/control_world.h"
 
 #include "host/interface.h"
 

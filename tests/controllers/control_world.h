@@ -5,8 +5,8 @@
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
 #include "headless/session.h"
-#include "support/matrices.h"
-#include "support/test_class.h"
+#include "tests/support/matrices.h"
+#include "tests/support/test_class.h"
 
 // Controllers whose table a test looks into, and that it can fill directly.
 struct OpenScalar : ScalarControl {

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "controllers/control_world.h"
 #include "controllers/convert_panel.h"
 #include "headless/primitives.h"
 #include "headless/scene_view.h"
@@ -11,6 +10,7 @@
 #include "host/interface.h"
 #include "platform/testing.h"
 #include "resources/resource_ids.h"
+#include "tests/controllers/control_world.h"
 
 namespace {
 

@@ -3,13 +3,13 @@
 #include <limits>
 #include <map>
 
-#include "controllers/control_world.h"
 #include "core_link/core_link.h"
 #include "host/animate.h"
 #include "host/hold.h"
 #include "host/interface.h"
 #include "platform/testing.h"
-#include "support/puppet_core.h"
+#include "tests/controllers/control_world.h"
+#include "tests/support/puppet_core.h"
 
 namespace {
 

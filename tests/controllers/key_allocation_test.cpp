@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "controllers/control_world.h"
 #include "host/animate.h"
-#include "support/allocations.h"
+#include "tests/controllers/control_world.h"
+#include "tests/support/allocations.h"
 
 namespace {
 

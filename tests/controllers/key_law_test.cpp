@@ -8,9 +8,9 @@
 #include <optional>
 #include <random>
 
-#include "controllers/control_world.h"
 #include "host/animate.h"
 #include "host/hold.h"
+#include "tests/controllers/control_world.h"
 
 namespace {
 

@@ -2,9 +2,9 @@
 
 #include <climits>
 
-#include "controllers/control_world.h"
 #include "host/animate.h"
 #include "host/hold.h"
+#include "tests/controllers/control_world.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 
 #include <cstring>
 
-#include "controllers/control_world.h"
 #include "headless/memory_chunks.h"
 #include "platform/testing.h"
+#include "tests/controllers/control_world.h"
 
 namespace {
 

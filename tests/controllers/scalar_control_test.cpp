@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "controllers/control_world.h"
 #include "host/animate.h"
+#include "tests/controllers/control_world.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 
 #include <cmath>
 
-#include "controllers/control_world.h"
 #include "host/animate.h"
 #include "host/hold.h"
+#include "tests/controllers/control_world.h"
 
 namespace {
 

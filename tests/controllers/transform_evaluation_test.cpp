@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "controllers/control_world.h"
+#include "tests/controllers/control_world.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "end_to_end/command.h"
+#include "tests/end_to_end/command.h"
 
 #include <algorithm>
 #include <fstream>
@@ -6,7 +6,7 @@
 
 #include "platform/narrow_path.h"
 #include "platform/testing.h"
-#include "support/folder/surroundings.h"
+#include "tests/support/folder/surroundings.h"
 
 namespace {
 

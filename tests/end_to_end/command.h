@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "support/folder/temporary_folder.h"
+#include "tests/support/folder/temporary_folder.h"
 
 // The command as a person calls it, in a folder of its own.
 struct Ending {

@@ -1,4 +1,4 @@
-#include "end_to_end/command.h"
+#include "tests/end_to_end/command.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "end_to_end/stage.h"
+#include "tests/end_to_end/stage.h"
 
 // The command as a person calls it: what it prints, and how it ends.
 

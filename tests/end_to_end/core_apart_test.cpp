@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "end_to_end/command.h"
-#include "end_to_end/stage.h"
+#include "tests/end_to_end/command.h"
+#include "tests/end_to_end/stage.h"
 
 // Two Cores of the same sources, the second one built apart, with other flags for optimising and
 // debugging than the plug-in has. What crosses by value is made on one side and freed on the other:
@@ -18,7 +18,6 @@
 
 namespace {
 
-constexpr char kRealCapture[] = "/usr/share/assimp/models/BVH/01_01.bvh";
 constexpr char kItsFrames[] = "0:22.9249083:0.0083333";
 constexpr const char* kCores[] = {CORE_FOLDER, CORE_APART_FOLDER};
 

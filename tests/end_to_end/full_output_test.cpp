@@ -1,5 +1,5 @@
-#include "end_to_end/command.h"
 #include "platform/testing.h"
+#include "tests/end_to_end/command.h"
 
 namespace {
 

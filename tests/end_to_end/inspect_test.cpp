@@ -6,16 +6,14 @@
 #include <string>
 #include <vector>
 
-#include "end_to_end/command.h"
-#include "end_to_end/stage.h"
+#include "tests/end_to_end/command.h"
+#include "tests/end_to_end/stage.h"
 
 // What the Core tells of nodes, its own and those that a person drew.
 
 namespace {
 
 using Json = nlohmann::json;
-
-constexpr double kUnitsPerMetre = 39.37;
 
 class Inspect : public Command {
   protected:

@@ -1,5 +1,5 @@
-#include "end_to_end/command.h"
-#include "end_to_end/stage.h"
+#include "tests/end_to_end/command.h"
+#include "tests/end_to_end/stage.h"
 #include "tvl/adaptor_interface.h"
 
 // A Core that was written for another version of the contract, in a process of its own.

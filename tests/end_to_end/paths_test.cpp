@@ -7,9 +7,9 @@
 #include <set>
 #include <string>
 
-#include "end_to_end/command.h"
-#include "end_to_end/stage.h"
 #include "platform/beside_program.h"
+#include "tests/end_to_end/command.h"
+#include "tests/end_to_end/stage.h"
 
 // Paths on their way through registry, command, host, plug-in, Core and files: each is taken as it
 // stands, or refused in one line that tells it, and what is refused leaves nothing behind.

@@ -10,17 +10,14 @@
 #include <utility>
 #include <vector>
 
-#include "end_to_end/stage.h"
 #include "headless/scene_view.h"
 #include "host/interface.h"
 #include "host/time.h"
+#include "tests/end_to_end/stage.h"
 
 namespace {
 
-constexpr char kRealCapture[] = "/usr/share/assimp/models/BVH/01_01.bvh";
-constexpr double kUnitsPerMetre = 39.37;
 constexpr double kHalfAMicron = 5e-7;
-constexpr int kTicksPerFrame = 240;  // of the walk, at the host's 4800 ticks in a second
 
 void ExpectWalkingAt(const std::string& take, int frame) {
     const Place hip = PlaceOf(take + "_Hip", frame * kTicksPerFrame, kUnitsPerMetre);

@@ -2,10 +2,10 @@
 #include <cstddef>
 #include <filesystem>
 
-#include "end_to_end/command.h"
-#include "end_to_end/stage.h"
 #include "headless/viewport.h"
 #include "host/node.h"
+#include "tests/end_to_end/command.h"
+#include "tests/end_to_end/stage.h"
 
 // Pictures of scenes, from the command line to the pixels.
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "end_to_end/command.h"
-#include "end_to_end/stage.h"
+#include "tests/end_to_end/command.h"
+#include "tests/end_to_end/stage.h"
 
 // A capture that is recorded where a take of its name is, or that is not as it should be: nothing
 // of either is lost without a word.

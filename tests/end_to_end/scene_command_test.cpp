@@ -8,15 +8,13 @@
 #include <string>
 #include <vector>
 
-#include "end_to_end/command.h"
-#include "end_to_end/stage.h"
 #include "headless/scene_file_view.h"
+#include "tests/end_to_end/command.h"
+#include "tests/end_to_end/stage.h"
 
 // Takes on their way through files and processes.
 
 namespace {
-
-constexpr char kRealCapture[] = "/usr/share/assimp/models/BVH/01_01.bvh";
 
 // A host whose plug-in gets no Core: the library is not one of its version.
 const std::string kForeignCore = std::string(PUPPET_CORES) + "/other_version";

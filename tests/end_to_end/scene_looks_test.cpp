@@ -1,8 +1,8 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
-#include "end_to_end/command.h"
-#include "end_to_end/stage.h"
+#include "tests/end_to_end/command.h"
+#include "tests/end_to_end/stage.h"
 
 // Looking at scene files and telling them apart, from the command line.
 

@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "end_to_end/stage.h"
 #include "headless/scene_file_view.h"
 #include "headless/scene_view.h"
+#include "tests/end_to_end/stage.h"
 
 // Undo, redo, save and open in one running host.
 

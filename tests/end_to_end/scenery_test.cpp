@@ -9,17 +9,14 @@
 #include <utility>
 #include <vector>
 
-#include "end_to_end/stage.h"
 #include "headless/primitives.h"
 #include "headless/scene_view.h"
 #include "host/interface.h"
+#include "tests/end_to_end/stage.h"
 
 // Takes that heed what else is in the scene: a ground, a shape, a camera that follows.
 
 namespace {
-
-constexpr double kUnitsPerMetre = 39.37;
-constexpr int kTicksPerFrame = 240;
 
 INode* Put(Object* object, const char* name, const Matrix3& world) {
     INode* const node = GetCOREInterface()->CreateObjectNode(object);

@@ -1,4 +1,4 @@
-#include "end_to_end/stage.h"
+#include "tests/end_to_end/stage.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <fstream>
 
 #include "platform/environment.h"
-#include "support/folder/surroundings.h"
+#include "tests/support/folder/surroundings.h"
 
 namespace {
 

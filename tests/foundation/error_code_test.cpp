@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "foundation/fresh_singletons.h"
+#include "tests/foundation/fresh_singletons.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "support/trace.h"
+#include "tests/support/trace.h"
 #include "tvl/error_code.h"
 
 // A world in which no log, registry or collector exists yet.

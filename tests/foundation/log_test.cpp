@@ -5,9 +5,9 @@
 #include <memory>
 #include <regex>
 
-#include "foundation/fresh_singletons.h"
 #include "foundation/log_line.h"
-#include "support/folder/temporary_folder.h"
+#include "tests/foundation/fresh_singletons.h"
+#include "tests/support/folder/temporary_folder.h"
 
 namespace {
 

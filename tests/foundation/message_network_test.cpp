@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/fresh_singletons.h"
+#include "tests/foundation/fresh_singletons.h"
 #include "tvl/message.h"
 
 namespace {

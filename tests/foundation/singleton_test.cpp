@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "foundation/fresh_singletons.h"
+#include "tests/foundation/fresh_singletons.h"
 
 namespace {
 

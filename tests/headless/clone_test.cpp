@@ -1,4 +1,4 @@
-#include "headless/host_world.h"
+#include "tests/headless/host_world.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include <limits>
 #include <vector>
 
-#include "headless/host_world.h"
 #include "host/animate.h"
+#include "tests/headless/host_world.h"
 
 namespace {
 

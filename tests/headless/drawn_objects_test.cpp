@@ -3,8 +3,8 @@
 #include <numbers>
 #include <vector>
 
-#include "headless/viewport_world.h"
 #include "host/node.h"
+#include "tests/headless/viewport_world.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 #include <vector>
 
-#include "headless/host_world.h"
 #include "host/animate.h"
 #include "host/notify.h"
 #include "host/time.h"
 #include "host/units.h"
+#include "tests/headless/host_world.h"
 
 namespace {
 

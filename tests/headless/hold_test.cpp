@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "headless/breaches.h"
-#include "headless/host_world.h"
+#include "tests/headless/host_world.h"
 
 namespace {
 

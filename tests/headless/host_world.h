@@ -10,7 +10,7 @@
 #include "headless/session.h"
 #include "host/hold.h"
 #include "host/interface.h"
-#include "support/matrices.h"
+#include "tests/support/matrices.h"
 
 // A running host without plug-ins. Its end checks that nothing stays alive.
 class HostWorld : public testing::Test {

@@ -3,7 +3,7 @@
 #include <numbers>
 #include <random>
 
-#include "headless/host_world.h"
+#include "tests/headless/host_world.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 #include "headless/breaches.h"
-#include "headless/host_world.h"
+#include "tests/headless/host_world.h"
 
 namespace {
 

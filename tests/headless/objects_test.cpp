@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "headless/copies.h"
-#include "headless/host_world.h"
 #include "host/animate.h"
 #include "host/node.h"
 #include "host/time.h"
+#include "tests/headless/host_world.h"
 
 namespace {
 

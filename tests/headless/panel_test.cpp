@@ -1,11 +1,11 @@
 #include <string>
 #include <vector>
 
-#include "headless/host_world.h"
 #include "host/gup.h"
 #include "host/utility_obj.h"
 #include "platform/win32.h"
-#include "support/test_class.h"
+#include "tests/headless/host_world.h"
+#include "tests/support/test_class.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 
 #include "headless/breaches.h"
 #include "headless/copies.h"
-#include "headless/host_world.h"
-#include "support/allocations.h"
+#include "tests/headless/host_world.h"
+#include "tests/support/allocations.h"
 
 namespace {
 

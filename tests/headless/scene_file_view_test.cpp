@@ -3,9 +3,9 @@
 #include <filesystem>
 #include <regex>
 
-#include "headless/host_world.h"
 #include "host/animate.h"
-#include "support/folder/temporary_folder.h"
+#include "tests/headless/host_world.h"
+#include "tests/support/folder/temporary_folder.h"
 
 namespace {
 

@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "headless/host_world.h"
 #include "host/gup.h"
 #include "host/units.h"
-#include "support/folder/temporary_folder.h"
-#include "support/on_notification.h"
-#include "support/test_class.h"
+#include "tests/headless/host_world.h"
+#include "tests/support/folder/temporary_folder.h"
+#include "tests/support/on_notification.h"
+#include "tests/support/test_class.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <vector>
 
 #include "headless/breaches.h"
-#include "headless/host_world.h"
 #include "host/animate.h"
+#include "tests/headless/host_world.h"
 
 namespace {
 

@@ -5,15 +5,15 @@
 #include <vector>
 
 #include "headless/breaches.h"
-#include "headless/host_world.h"
 #include "host/gup.h"
-#include "support/on_notification.h"
-#include "support/test_class.h"
+#include "tests/headless/host_world.h"
+#include "tests/support/on_notification.h"
+#include "tests/support/test_class.h"
 
 namespace {
 
 using Diary = std::vector<std::string>;
-Diary diary;
+Diary sessionDiary;
 
 // A global utility that tells what becomes of it.
 class Told final : public GUP {
@@ -21,18 +21,18 @@ class Told final : public GUP {
     explicit Told(std::uint32_t result) : result_(result) {}
 
     std::uint32_t Start() override {
-        diary.push_back("start");
+        sessionDiary.push_back("start");
         if (result_ == GUPRESULT_KEEP)
             onShutdown_.emplace(NOTIFY_SYSTEM_SHUTDOWN,
-                                [](NotifyInfo&) { diary.push_back("shutdown"); });
+                                [](NotifyInfo&) { sessionDiary.push_back("shutdown"); });
         return result_;
     }
     void Stop() override {
-        diary.push_back("stop");
+        sessionDiary.push_back("stop");
         onShutdown_.reset();
     }
     void DeleteThis() override {
-        diary.push_back("gone");
+        sessionDiary.push_back("gone");
         delete this;
     }
 
@@ -42,7 +42,7 @@ class Told final : public GUP {
 };
 
 TEST(SessionTest, AGlobalUtilityRunsUntilTheShutdownUnlessItDoesNotWantToBeKept) {
-    diary.clear();
+    sessionDiary.clear();
     TestClass kept("Kept", GUP_CLASS_ID, {1, 1}, [] { return new Told(GUPRESULT_KEEP); });
     TestClass refusing("Refusing", GUP_CLASS_ID, {1, 2}, [] { return new Told(GUPRESULT_NOKEEP); });
     headless::Session session;
@@ -50,10 +50,10 @@ TEST(SessionTest, AGlobalUtilityRunsUntilTheShutdownUnlessItDoesNotWantToBeKept)
     session.RegisterClass(&refusing);
     session.Start();
     EXPECT_EQ(session.KeptUtilities(), 1U);
-    EXPECT_EQ(diary, Diary({"start", "start", "gone"}));
+    EXPECT_EQ(sessionDiary, Diary({"start", "start", "gone"}));
     session.ShutDown();
     session.ShutDown();
-    EXPECT_EQ(diary, Diary({"start", "start", "gone", "shutdown", "stop", "gone"}));
+    EXPECT_EQ(sessionDiary, Diary({"start", "start", "gone", "shutdown", "stop", "gone"}));
 }
 
 TEST(SessionTest, AModuleThatIsNoPluginIsRefusedWithAReason) {
@@ -88,13 +88,13 @@ using DeleteKeyTest = HostWorld;
 // Hears of a deletion, and answers it.
 struct Deletions : OnNotification {
     std::function<void(INodeTab&)> answer;
-    int told = 0;
+    int sessionDiary = 0;
     int announced = 0;
 
     Deletions()
         : OnNotification(NOTIFY_SEL_NODES_PRE_DELETE, [this](NotifyInfo& info) {
               auto& table = *static_cast<INodeTab*>(info.callParam);
-              ++told;
+              ++sessionDiary;
               announced = table.Count();
               EXPECT_TRUE(theHold.Holding());
               if (answer) answer(table);
@@ -104,7 +104,7 @@ struct Deletions : OnNotification {
 TEST_F(DeleteKeyTest, TheSelectionIsAnnouncedAndGoesInOneStep) {
     Deletions deletions;
     EXPECT_EQ(session.DeleteSelected(), 0U);
-    EXPECT_EQ(deletions.told, 0);
+    EXPECT_EQ(deletions.sessionDiary, 0);
     Add("hip");
     Add("knee");
     Add("foot");

@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "headless/copies.h"
-#include "headless/host_world.h"
 #include "headless/memory_chunks.h"
 #include "host/animate.h"
+#include "tests/headless/host_world.h"
 
 namespace {
 

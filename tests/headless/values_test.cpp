@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "host/box3.h"
-#include "support/matrices.h"
+#include "tests/support/matrices.h"
 
 namespace {
 

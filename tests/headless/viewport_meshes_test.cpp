@@ -3,8 +3,8 @@
 #include <limits>
 #include <numbers>
 
-#include "headless/viewport_world.h"
 #include "host/node.h"
+#include "tests/headless/viewport_world.h"
 
 namespace {
 

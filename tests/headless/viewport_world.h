@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "headless/host_world.h"
 #include "headless/viewport.h"
+#include "tests/headless/host_world.h"
 
 // A host with a viewport in which nothing but the nodes shows.
 class ViewportWorld : public HostWorld {

@@ -3,7 +3,8 @@
 
 #include "headless/primitives.h"
 #include "nodes/max_node.h"
-#include "nodes/node_test.h"
+#include "tests/nodes/node_test.h"
+#include "tvl/ids.h"
 
 namespace {
 
@@ -54,9 +55,9 @@ TEST_F(LensSnapshot, ConvertsAnglesAndTakesTheThreeTypesAlone) {
 // Read from the last frame, since the adaptor's controller answers with the value that was set last
 // at tick 0 until it has evaluated another tick.
 TEST_F(LensSnapshot, GivesBackWhatWasRecordedInManyFrames) {
-    world.SetOption(1027, true);
+    world.SetOption(TVL::kOptimisedControllers, true);
     Camera("Ours");
-    world.SetOption(1027, false);
+    world.SetOption(TVL::kOptimisedControllers, false);
     Camera("Hosts");
     adaptor.BeginRecording({&rig});
     for (const char* name : {"Ours", "Hosts"}) {

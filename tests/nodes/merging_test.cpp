@@ -5,8 +5,8 @@
 
 #include "host/hold.h"
 #include "host/interface.h"
-#include "nodes/node_test.h"
-#include "support/on_notification.h"
+#include "tests/nodes/node_test.h"
+#include "tests/support/on_notification.h"
 
 namespace {
 

@@ -5,9 +5,10 @@
 #include "headless/primitives.h"
 #include "nodes/max_node.h"
 #include "nodes/node_sweep.h"
-#include "nodes/node_test.h"
 #include "objects/custom_helper_object.h"
 #include "objects/mesh_exchange.h"
+#include "tests/nodes/node_test.h"
+#include "tvl/ids.h"
 
 namespace {
 
@@ -41,8 +42,6 @@ Object* Line() {
 
 class MeshSnapshot : public NodeTest {
   protected:
-    static constexpr int kDynamicMeshes = 1030;
-
     // Goes back to its node at its end.
     using Lent = std::unique_ptr<TVL::CSnapshot_Mesh, std::function<void(TVL::CSnapshot_Mesh*)>>;
     static Lent Lend(Node& node, double seconds = 0) {
@@ -127,7 +126,7 @@ TEST_F(MeshSnapshot, ConvertsANodeOnceForAllTimesOfARecording) {
 }
 
 TEST_F(MeshSnapshot, ConvertsAnewAtEachTimeWhereMeshesAreDynamic) {
-    world.SetOption(kDynamicMeshes, true);
+    world.SetOption(TVL::kDynamicMeshes, true);
     const auto ball = BendingBall();
     TVL::CSnapshot_Mesh* const first = ball->AcquireMeshSnapshot(1);
     TVL::CSnapshot_Mesh* const second = ball->AcquireMeshSnapshot(2);
@@ -141,7 +140,7 @@ TEST_F(MeshSnapshot, ConvertsAnewAtEachTimeWhereMeshesAreDynamic) {
     // The option is asked each time, and a recording's end takes no owned mesh away.
     adaptor.EndRecording();
     EXPECT_TRUE(HasMesh(*second));
-    world.SetOption(kDynamicMeshes, false);
+    world.SetOption(TVL::kDynamicMeshes, false);
     ball->ReleaseMeshSnapshot(first);
     ball->ReleaseMeshSnapshot(second);
     const Lent shared[] = {Lend(*ball, 1), Lend(*ball, 2)};
@@ -238,7 +237,7 @@ TEST_F(MeshSnapshot, LosesItsMeshWithTheNodeOrTheObject) {
     std::vector<Lent> all;
     all.push_back(Lend(*hip));
     all.push_back(Lend(*ball));
-    world.SetOption(kDynamicMeshes, true);
+    world.SetOption(TVL::kDynamicMeshes, true);
     all.push_back(Lend(*ball));
 
     InGroup("Remove", [&] {
@@ -258,7 +257,7 @@ TEST_F(MeshSnapshot, LosesItsMeshWithTheNodeOrTheObject) {
 }
 
 TEST_F(MeshSnapshot, IsLeftWithoutANodeInTheOrderOfThePools) {
-    world.SetOption(kDynamicMeshes, true);
+    world.SetOption(TVL::kDynamicMeshes, true);
     TVL::CSnapshot_Mesh* mesh = nullptr;
     TVL::CSnapshot_Shape* shape = nullptr;
     {

@@ -2,8 +2,9 @@
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
 #include "host/interface.h"
-#include "nodes/node_test.h"
 #include "objects/custom_helper_object.h"
+#include "tests/nodes/node_test.h"
+#include "tvl/ids.h"
 
 namespace {
 
@@ -44,7 +45,7 @@ TEST_F(NodeCreation, PutsTheAdaptorsControllersOnACamera) {
 }
 
 TEST_F(NodeCreation, LeavesTheHostsControllersIfTheOptionSaysSo) {
-    world.SetOption(1027, false);
+    world.SetOption(TVL::kOptimisedControllers, false);
     Camera("Cam1");
     Helper("Hip");
     EXPECT_EQ(TransformClass("Rig_Cam1"), kPositionRotationScaleClassId);

@@ -5,7 +5,8 @@
 #include "controllers/transform_control.h"
 #include "host/hold.h"
 #include "host/interface.h"
-#include "nodes/node_test.h"
+#include "tests/nodes/node_test.h"
+#include "tvl/ids.h"
 
 namespace {
 
@@ -240,7 +241,7 @@ TEST_F(NodeDeletion, OfASnapshotNodeWithoutOwnerAlwaysGoesAhead) {
 TEST_F(NodeDeletion, OfTheTailOfAnAnimationKeepsTheKeyAtItsTime) {
     Node* const hip = Helper("Hip");
     Node* const knee = Helper("Knee");
-    knee->HandleExtension(17, nullptr);
+    knee->HandleExtension(TVL::kStopRecording, nullptr);
     adaptor.BeginRecordingUnkeyed({});
     for (const double seconds : {0.0, 0.5, 1.0, 1.5}) {
         TVL::CSnapshot* const snapshot = hip->AcquireSnapshot(seconds);

@@ -1,5 +1,6 @@
 #include "host/interface.h"
-#include "nodes/node_test.h"
+#include "tests/nodes/node_test.h"
+#include "tvl/ids.h"
 
 namespace {
 
@@ -26,9 +27,9 @@ TEST_F(NodeHierarchy, IsWalkedThroughSnapshotNodes) {
     EXPECT_FALSE(knee->IsSnapshot());
     EXPECT_EQ(child->GetNodeName(), "Knee");  // the real node's
     EXPECT_TRUE(Core(child)->IsSameNode(knee));
-    EXPECT_EQ(knee->HandleExtension(31, child), 1);
-    EXPECT_EQ(hip->HandleExtension(31, child), 0);
-    EXPECT_EQ(hip->HandleExtension(31, nullptr), 0);
+    EXPECT_EQ(knee->HandleExtension(TVL::kIsSameNode, child), 1);
+    EXPECT_EQ(hip->HandleExtension(TVL::kIsSameNode, child), 0);
+    EXPECT_EQ(hip->HandleExtension(TVL::kIsSameNode, nullptr), 0);
     EXPECT_EQ(NameAndRelease(child->GetParent()), "Rig_Hip");
     hip->ReleaseNode(child);
     hip->ReleaseNode(nullptr);
@@ -84,11 +85,11 @@ TEST_F(NodeHierarchy, IsCopiedWithOrWithoutWhatStandsBelow) {
     EXPECT_EQ(copied(true), 1);
 
     Node* const anchor = Helper("Anchor");
-    auto* const below = reinterpret_cast<Node*>(hip->HandleExtension(37, anchor));
+    auto* const below = reinterpret_cast<Node*>(hip->HandleExtension(TVL::kCloneBelow, anchor));
     ASSERT_NE(below, nullptr);
     EXPECT_EQ(NameAndRelease(below->GetParent()), "Rig_Anchor");
     below->Destroy();
-    auto* const nowhere = reinterpret_cast<Node*>(hip->HandleExtension(37, nullptr));
+    auto* const nowhere = reinterpret_cast<Node*>(hip->HandleExtension(TVL::kCloneBelow, nullptr));
     EXPECT_EQ(nowhere->GetParent(), nullptr);
     nowhere->Destroy();
 }
@@ -142,7 +143,7 @@ TEST_F(NodeHierarchy, AnswersNothingOnceTheHostNodeIsGone) {
     EXPECT_EQ(hip->AcquireSnapshot(0), nullptr);
     EXPECT_EQ(hip->AcquireHelperSnapshot(), nullptr);
     EXPECT_EQ(hip->Clone(true), nullptr);
-    EXPECT_EQ(hip->HandleExtension(37, nullptr), 0);
+    EXPECT_EQ(hip->HandleExtension(TVL::kCloneBelow, nullptr), 0);
     EXPECT_FALSE(hip->IsSameNode(same));
     hip->Select();
     hip->SetParent(nullptr);

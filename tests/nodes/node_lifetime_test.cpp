@@ -1,8 +1,9 @@
 #include "nodes/max_node.h"
 #include "nodes/node_list.h"
 #include "nodes/node_sweep.h"
-#include "nodes/node_test.h"
-#include "support/allocations.h"
+#include "tests/nodes/node_test.h"
+#include "tests/support/allocations.h"
+#include "tvl/ids.h"
 
 namespace {
 
@@ -99,7 +100,7 @@ TEST_F(NodeLifetime, SweepsWhatACoreLeavesBehind) {
     TVL::CNode* const kept = hip->GetChild(0);
     InGroup("Make", [&] { Helper("Gone"); });
     InGroup("Remove", [&] { Find("Gone")->Delete(true); });
-    hip->HandleExtension(10, nullptr);
+    hip->HandleExtension(TVL::kBeginSelection, nullptr);
     listener.heard.clear();
 
     const SweptNodes swept = SweepNodes();
@@ -116,8 +117,8 @@ TEST_F(NodeLifetime, SweepsWhatACoreLeavesBehind) {
     EXPECT_TRUE(listener.heard.empty());
 
     // The scene's nodes are free for a Core that comes later, and no batch is open.
-    EXPECT_EQ(kept->HandleExtension(10, nullptr), 1);
-    EXPECT_EQ(kept->HandleExtension(11, nullptr), 1);
+    EXPECT_EQ(kept->HandleExtension(TVL::kBeginSelection, nullptr), 1);
+    EXPECT_EQ(kept->HandleExtension(TVL::kEndSelection, nullptr), 1);
     Node* const claimed = Core(kept)->Claim(&rig, "Knee");
     ASSERT_NE(claimed, nullptr);
     Core(kept)->Destroy();

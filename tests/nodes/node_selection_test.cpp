@@ -1,4 +1,5 @@
-#include "nodes/node_test.h"
+#include "tests/nodes/node_test.h"
+#include "tvl/ids.h"
 
 namespace {
 
@@ -23,14 +24,14 @@ TEST_F(NodeSelection, ReplacesTheOldOneInAStepOfItsOwnOrOfTheGroup) {
 TEST_F(NodeSelection, AddsUpInABatchWithoutUndoSteps) {
     hip->Select();
     const auto labels = world.Session().UndoLabels();
-    EXPECT_EQ(knee->HandleExtension(11, nullptr), 0);
-    EXPECT_EQ(knee->HandleExtension(10, nullptr), 1);
+    EXPECT_EQ(knee->HandleExtension(TVL::kEndSelection, nullptr), 0);
+    EXPECT_EQ(knee->HandleExtension(TVL::kBeginSelection, nullptr), 1);
     EXPECT_TRUE(Selected().empty());
     hip->Select();
-    EXPECT_EQ(knee->HandleExtension(10, nullptr), 0);
+    EXPECT_EQ(knee->HandleExtension(TVL::kBeginSelection, nullptr), 0);
     knee->Select();
     EXPECT_EQ(Selected(), (Names{"Rig_Hip", "Rig_Knee"}));
-    EXPECT_EQ(hip->HandleExtension(11, nullptr), 1);
+    EXPECT_EQ(hip->HandleExtension(TVL::kEndSelection, nullptr), 1);
     EXPECT_EQ(world.Session().UndoLabels(), labels);
 }
 

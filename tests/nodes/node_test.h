@@ -8,10 +8,10 @@
 
 #include "headless/scene_view.h"
 #include "host/node.h"
-#include "support/matrices.h"
-#include "support/plugin.h"
-#include "support/trace.h"
-#include "support/world.h"
+#include "tests/support/matrices.h"
+#include "tests/support/plugin.h"
+#include "tests/support/trace.h"
+#include "tests/support/world.h"
 #include "tvl/adaptor_interface.h"
 
 // Notes what a node's listener hears, as "-Hip" and "+Hip".

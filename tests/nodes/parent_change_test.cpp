@@ -7,7 +7,7 @@
 #include "host/animate.h"
 #include "host/hold.h"
 #include "host/interface.h"
-#include "nodes/node_test.h"
+#include "tests/nodes/node_test.h"
 
 namespace {
 

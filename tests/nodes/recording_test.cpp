@@ -1,6 +1,7 @@
 #include "host/animate.h"
 #include "host/control.h"
-#include "nodes/node_test.h"
+#include "tests/nodes/node_test.h"
+#include "tvl/ids.h"
 
 namespace {
 
@@ -15,7 +16,7 @@ TEST_F(Recording, StartsWithAKeyOfThePresentPoseOnTheOwnersNodes) {
     Node* const hip = Helper("Hip");
     Helper("Knee");
     adaptor.CreateHelperNode(&other, "Stranger", nullptr, {}, nullptr);
-    Find("Knee")->HandleExtension(17, nullptr);  // no more recording
+    Find("Knee")->HandleExtension(TVL::kStopRecording, nullptr);  // no more recording
     Host("Rig_Hip")->SetNodeTM(0, MovedBy(Point3(3, 4, 5)));
     adaptor.SetCurrentTime(0.5);
 

@@ -3,7 +3,7 @@
 
 #include "headless/primitives.h"
 #include "nodes/max_node.h"
-#include "nodes/node_test.h"
+#include "tests/nodes/node_test.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "host/control.h"
 #include "measures/core_space.h"
-#include "nodes/node_test.h"
-#include "support/allocations.h"
+#include "tests/nodes/node_test.h"
+#include "tests/support/allocations.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "nodes/untyped_objects.h"
+#include "tests/nodes/untyped_objects.h"
 
 #include "controllers/scalar_control.h"
 

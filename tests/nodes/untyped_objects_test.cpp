@@ -1,9 +1,10 @@
-#include "nodes/untyped_objects.h"
+#include "tests/nodes/untyped_objects.h"
 
 #include "controllers/transform_control.h"
 #include "nodes/max_node.h"
-#include "nodes/node_test.h"
 #include "objects/custom_helper_object.h"
+#include "tests/nodes/node_test.h"
+#include "tvl/ids.h"
 
 namespace {
 
@@ -69,7 +70,7 @@ TEST_F(UntypedObjects, AreNotOursForBearingTheIdsOfOurs) {
         Control* const control = untyped::NewTransform(TransformControl::kClassID);
         INode* const host = node.HostNode();
         host->SetTMController(control);
-        node.HandleExtension(57, nullptr);
+        node.HandleExtension(TVL::kUseHostController, nullptr);
         node.Delete(false);
         EXPECT_EQ(host->GetTMController(), control);
     });

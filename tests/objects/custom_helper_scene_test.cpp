@@ -5,8 +5,8 @@
 #include "host/interface.h"
 #include "host/node.h"
 #include "objects/custom_helper_object.h"
-#include "support/matrices.h"
-#include "support/world.h"
+#include "tests/support/matrices.h"
+#include "tests/support/world.h"
 
 // The helper object in a scene: drawn, hit, stored.
 namespace {

@@ -6,9 +6,9 @@
 #include <string>
 
 #include "platform/load_failure.h"
-#include "platform/message_recorder.h"
 #include "platform/testing.h"
 #include "platform/win32.h"
+#include "tests/platform/message_recorder.h"
 
 namespace {
 

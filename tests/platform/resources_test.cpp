@@ -5,6 +5,7 @@
 
 #include "platform/win32.h"
 #include "resources/resource_ids.h"
+#include "tvl/ids.h"
 
 namespace {
 
@@ -56,7 +57,8 @@ TEST(TheResourcesOfTheLibrary, HoldTheOptionPanelWithoutAnythingBeforeItsRoot) {
     const std::string panel = ReadResource(OptionPanel, "XMLFile");
     EXPECT_TRUE(panel.starts_with("<group>"));
     std::size_t at = 0;
-    for (const int option : {DynamicMeshesOption, OptimizedTransformOption, ConvertAllOption}) {
+    for (const int option :
+         {TVL::kDynamicMeshes, TVL::kOptimisedControllers, TVL::kConvertAllControllers}) {
         at = panel.find("<id>" + std::to_string(option) + "</id>", at);
         EXPECT_NE(at, std::string::npos) << option;
     }

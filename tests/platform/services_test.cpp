@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <string>
 
-#include "platform/message_recorder.h"
 #include "platform/testing.h"
 #include "platform/win32.h"
+#include "tests/platform/message_recorder.h"
 
 namespace {
 

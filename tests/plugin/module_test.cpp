@@ -18,9 +18,9 @@
 #include "platform/routine.h"
 #include "platform/testing.h"
 #include "platform/win32.h"
-#include "support/folder/surroundings.h"
-#include "support/puppet/stage.h"
-#include "support/puppet_core.h"
+#include "tests/support/folder/surroundings.h"
+#include "tests/support/puppet/stage.h"
+#include "tests/support/puppet_core.h"
 
 namespace {
 

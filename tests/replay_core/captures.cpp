@@ -1,4 +1,4 @@
-#include "replay_core/captures.h"
+#include "tests/replay_core/captures.h"
 
 #include <gtest/gtest.h>
 

@@ -7,10 +7,10 @@
 #include <variant>
 #include <vector>
 
-#include "replay_core/captures.h"
 #include "replay_core/motion/pose.h"
 #include "replay_core/motion/read_motion.h"
-#include "support/allocations.h"
+#include "tests/replay_core/captures.h"
+#include "tests/support/allocations.h"
 
 namespace {
 

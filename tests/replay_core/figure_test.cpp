@@ -5,12 +5,12 @@
 #include <numbers>
 #include <vector>
 
-#include "replay_core/captures.h"
 #include "replay_core/motion/pose.h"
 #include "replay_core/recorder/bones.h"
 #include "replay_core/recorder/camera_placement.h"
 #include "replay_core/recorder/follow_camera.h"
 #include "replay_core/recorder/geometry.h"
+#include "tests/replay_core/captures.h"
 
 // How a take looks, and how its camera sees it.
 

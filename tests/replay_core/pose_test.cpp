@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "replay_core/captures.h"
-#include "support/allocations.h"
+#include "tests/replay_core/captures.h"
+#include "tests/support/allocations.h"
 
 namespace {
 

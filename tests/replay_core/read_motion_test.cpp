@@ -7,8 +7,8 @@
 #include <regex>
 #include <utility>
 
-#include "replay_core/captures.h"
 #include "replay_core/motion/joint_names.h"
+#include "tests/replay_core/captures.h"
 
 namespace {
 

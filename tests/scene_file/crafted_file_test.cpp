@@ -1,6 +1,6 @@
 #include <cstring>
 
-#include "scene_file/file_world.h"
+#include "tests/scene_file/file_world.h"
 
 // Files whose checksums are right, so that what they say has to be checked itself.
 namespace {

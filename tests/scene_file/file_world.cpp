@@ -1,4 +1,4 @@
-#include "scene_file/file_world.h"
+#include "tests/scene_file/file_world.h"
 
 namespace fs = std::filesystem;
 

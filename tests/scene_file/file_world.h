@@ -10,8 +10,8 @@
 #include "headless/scene_view.h"
 #include "headless/session.h"
 #include "host/interface.h"
-#include "scene_file/odd_classes.h"
-#include "support/folder/temporary_folder.h"
+#include "tests/scene_file/odd_classes.h"
+#include "tests/support/folder/temporary_folder.h"
 
 // A folder, and a host in it that comes and goes.
 class FileWorld : public testing::Test {

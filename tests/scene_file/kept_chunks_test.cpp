@@ -7,8 +7,8 @@
 #include "headless/scene_file_view.h"
 #include "headless/session.h"
 #include "host/gup.h"
-#include "support/folder/temporary_folder.h"
-#include "support/test_class.h"
+#include "tests/support/folder/temporary_folder.h"
+#include "tests/support/test_class.h"
 
 namespace {
 

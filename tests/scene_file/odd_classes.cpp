@@ -1,8 +1,8 @@
-#include "scene_file/odd_classes.h"
+#include "tests/scene_file/odd_classes.h"
 
 #include <stdexcept>
 
-#include "support/test_class.h"
+#include "tests/support/test_class.h"
 
 namespace odd {
 IOResult SaveText(ISave& save, const std::string& text) {

@@ -2,7 +2,7 @@
 
 #include "headless/copies.h"
 #include "headless/scene_file_view.h"
-#include "scene_file/file_world.h"
+#include "tests/scene_file/file_world.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <csignal>
 #include <random>
 
-#include "scene_file/file_world.h"
+#include "tests/scene_file/file_world.h"
 
 // Saves that do not come to their end, brought about by the means of POSIX.
 

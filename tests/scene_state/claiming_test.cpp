@@ -1,7 +1,7 @@
 #include <string>
 
 #include "nodes/max_node.h"
-#include "scene_state/state_test.h"
+#include "tests/scene_state/state_test.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 #include <string>
 
 #include "adaptor/utility_manager.h"
-#include "scene_state/state_test.h"
-#include "support/allocations.h"
+#include "tests/scene_state/state_test.h"
+#include "tests/support/allocations.h"
 #include "tvl/base64_buffer.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include "adaptor/utility_manager.h"
 #include "headless/memory_chunks.h"
-#include "scene_state/state_test.h"
+#include "tests/scene_state/state_test.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <random>
 #include <string>
 
-#include "scene_state/state_test.h"
+#include "tests/scene_state/state_test.h"
 
 namespace {
 

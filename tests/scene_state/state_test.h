@@ -8,10 +8,10 @@
 
 #include "headless/scene_view.h"
 #include "host/interface.h"
-#include "persistence/scene/gather_state.h"
-#include "persistence/scene/node_tags.h"
-#include "support/plugin.h"
-#include "support/world.h"
+#include "scene_state/gather_state.h"
+#include "scene_state/node_tags.h"
+#include "tests/support/plugin.h"
+#include "tests/support/world.h"
 
 using Texts = std::vector<std::string>;
 

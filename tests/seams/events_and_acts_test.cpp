@@ -9,11 +9,12 @@
 #include <utility>
 #include <vector>
 
-#include "adaptor/attach_panel.h"
 #include "headless/scene_view.h"
 #include "host/hold.h"
 #include "host/notify.h"
-#include "support/play/play.h"
+#include "tests/adaptor/attach_panel.h"
+#include "tests/support/play/play.h"
+#include "tvl/ids.h"
 
 // Every event that host, user or Core can cause, met at every call that it makes to the Core by
 // everything that a Core, or the user through it, can do there: one thing, and another one in the
@@ -83,7 +84,7 @@ void AnnounceOtherFile(Play& play) {
 }
 
 void PressConvertAll(Play& play) {
-    TVL::Util::Message press(324, "convert");
+    TVL::Util::Message press(TVL::kButtonPressed, "convert");
     if (TVL::Util::MessageNode* const button = play.world.Core().convertButton.get())
         button->Broadcast(&press);
 }

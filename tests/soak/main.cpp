@@ -8,9 +8,9 @@
 #include <exception>
 #include <random>
 
-#include "soak/shrink.h"
-#include "soak/soak.h"
-#include "support/folder/temporary_folder.h"
+#include "tests/soak/shrink.h"
+#include "tests/soak/soak.h"
+#include "tests/support/folder/temporary_folder.h"
 
 namespace {
 

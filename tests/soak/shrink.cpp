@@ -1,4 +1,4 @@
-#include "soak/shrink.h"
+#include "tests/soak/shrink.h"
 
 #include <algorithm>
 #include <cctype>
@@ -8,7 +8,7 @@
 #include <stdexcept>
 
 #include "platform/environment.h"
-#include "support/folder/temporary_folder.h"
+#include "tests/support/folder/temporary_folder.h"
 
 namespace soak {
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "soak/soak.h"
+#include "tests/soak/soak.h"
 
 // Lives played in a process of their own, so that whatever ends one ends that process alone, and
 // shrunk to the fewest steps that end in the same way.

@@ -1,4 +1,4 @@
-#include "soak/soak.h"
+#include "tests/soak/soak.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -7,7 +7,7 @@
 #include <tuple>
 #include <vector>
 
-#include "support/play/play.h"
+#include "tests/support/play/play.h"
 
 // A long life of host, user and Core, step by step, beside a model that says after each what must
 // be there. What a step works on is read off the bytes behind its number, so that a life is a row

@@ -10,8 +10,8 @@
 #include "host/interface.h"
 #include "nodes/max_node.h"
 #include "resources/resource_ids.h"
-#include "soak/soak.h"
-#include "support/matrices.h"
+#include "tests/soak/soak.h"
+#include "tests/support/matrices.h"
 
 namespace soak {
 namespace {

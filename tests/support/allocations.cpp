@@ -1,4 +1,4 @@
-#include "support/allocations.h"
+#include "tests/support/allocations.h"
 
 #include <algorithm>
 #include <cstdlib>

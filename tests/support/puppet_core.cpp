@@ -1,4 +1,4 @@
-#include "support/puppet_core.h"
+#include "tests/support/puppet_core.h"
 
 #include <sstream>
 #include <utility>

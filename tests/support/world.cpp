@@ -1,4 +1,4 @@
-#include "support/world.h"
+#include "tests/support/world.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include "host/hold.h"
 #include "platform/environment.h"
 #include "plugin/descriptors.h"
-#include "support/folder/surroundings.h"
+#include "tests/support/folder/surroundings.h"
 
 namespace {
 

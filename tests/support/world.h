@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "headless/session.h"
-#include "support/folder/temporary_folder.h"
-#include "support/puppet/stage.h"
-#include "support/puppet_core.h"
+#include "tests/support/folder/temporary_folder.h"
+#include "tests/support/puppet/stage.h"
+#include "tests/support/puppet_core.h"
 #include "tvl/adaptor_interface.h"
 
 // Names of the puppet Cores that can be installed, each a library of its own.

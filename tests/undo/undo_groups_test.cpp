@@ -4,8 +4,8 @@
 
 #include "host/hold.h"
 #include "host/interface.h"
-#include "support/trace.h"
-#include "support/world.h"
+#include "tests/support/trace.h"
+#include "tests/support/world.h"
 #include "tvl/error_code.h"
 #include "undo/own_step.h"
 

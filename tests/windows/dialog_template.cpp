@@ -1,4 +1,4 @@
-#include "windows/dialog_template.h"
+#include "tests/windows/dialog_template.h"
 
 #include <cstring>
 #include <ostream>

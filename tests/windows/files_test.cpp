@@ -9,8 +9,8 @@
 #include "platform/same_file.h"
 #include "platform/testing.h"
 #include "platform/win32.h"
-#include "support/folder/surroundings.h"
-#include "support/folder/temporary_folder.h"
+#include "tests/support/folder/surroundings.h"
+#include "tests/support/folder/temporary_folder.h"
 
 // What the system does with files and their names as no other does.
 namespace {

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "resources/resource_ids.h"
-#include "windows/dialog_template.h"
-#include "windows/mapped_library.h"
+#include "tests/windows/dialog_template.h"
+#include "tests/windows/mapped_library.h"
 
 // The libraries as the system's loader and its resource calls see them.
 namespace {

@@ -6,7 +6,7 @@
 #include "platform/environment.h"
 #include "platform/narrow_path.h"
 #include "platform/testing.h"
-#include "support/folder/surroundings.h"
+#include "tests/support/folder/surroundings.h"
 
 // Names with letters that the code page lacks. The system turns such a letter to "?" or to one that
 // looks like it, and then names another file, or none.

@@ -1,4 +1,4 @@
-#include "windows/mapped_library.h"
+#include "tests/windows/mapped_library.h"
 
 #include <algorithm>
 #include <cctype>

@@ -8,8 +8,8 @@
 #include "platform/narrow_path.h"
 #include "platform/stand_in_registry.h"
 #include "platform/win32.h"
-#include "support/folder/temporary_folder.h"
-#include "support/world.h"
+#include "tests/support/folder/temporary_folder.h"
+#include "tests/support/world.h"
 
 // The system's own registry. What a test writes there is taken back.
 namespace {

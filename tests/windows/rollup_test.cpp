@@ -9,10 +9,11 @@
 #include "host/node.h"
 #include "platform/testing.h"
 #include "resources/resource_ids.h"
-#include "support/folder/surroundings.h"
-#include "support/puppet/stage.h"
-#include "support/puppet_core.h"
+#include "tests/support/folder/surroundings.h"
+#include "tests/support/puppet/stage.h"
+#include "tests/support/puppet_core.h"
 #include "tvl/adaptor_interface.h"
+#include "tvl/ids.h"
 
 // The rollups of the library that a host loads, as real windows with real buttons.
 namespace {
@@ -166,7 +167,7 @@ TEST_F(Rollups, OfTheUtilityTellsThatThereIsNoCore) {
 TEST_F(Rollups, OfATransformControlConvertsItOnceAtAClick) {
     Start("whole");
     Rig rig;
-    core_.options[OptimizedTransformOption] = true;
+    core_.options[TVL::kOptimisedControllers] = true;
     stage_.adaptor->CreateHelperNode(&rig, "Hip", nullptr, {}, nullptr);
     INode* const node = headless::FindNode("Rig_Hip");
     ASSERT_NE(node, nullptr);

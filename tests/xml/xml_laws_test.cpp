@@ -8,7 +8,7 @@
 #include <string_view>
 #include <utility>
 
-#include "xml/xml_support.h"
+#include "tests/xml/xml_support.h"
 
 namespace {
 

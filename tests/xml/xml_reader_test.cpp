@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "xml/xml_support.h"
+#include "tests/xml/xml_support.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "xml/xml_support.h"
+#include "tests/xml/xml_support.h"
 
 namespace {
 

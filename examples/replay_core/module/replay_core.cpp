@@ -6,6 +6,7 @@
 #include "replay_core/state/guarded.h"
 #include "replay_core/state/load_state.h"
 #include "replay_core/state/stored_state.h"
+#include "tvl/ids.h"
 #include "tvl/log.h"
 
 namespace replay {
@@ -75,7 +76,7 @@ void ReplayCore::StopCore() {
 // Options ----------------------------------------------------------------------------------------
 
 TVL::Util::MessageNode* ReplayCore::GetOptionNode(int option, int) {
-    return option == kConvertAllControllers ? &convertButton_ : nullptr;
+    return option == TVL::kConvertAllControllers ? &convertButton_ : nullptr;
 }
 
 void ReplayCore::BindOption(int option, int) {
@@ -111,7 +112,7 @@ void ReplayCore::Show(const Request& request, Report& report) {
     if (!report.error.empty()) return;
     TakeUpState();
     if (request.optimisedControllers) {
-        options_.Set(kOptimisedControllers, *request.optimisedControllers);
+        options_.Set(TVL::kOptimisedControllers, *request.optimisedControllers);
     }
     ShowPanel();
     if (request.pressedButton)

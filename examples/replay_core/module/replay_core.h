@@ -68,7 +68,7 @@ class ReplayCore final : public CoreInterface {
 
     RecordingState recording_;
     double currentSeconds_;                 // the host's time
-    TVL::Util::MessageNode convertButton_;  // option 1028; its links end with it
+    TVL::Util::MessageNode convertButton_;  // its links end with it
 };
 
 }  // namespace replay

@@ -16,15 +16,13 @@
 #include "replay_core/recorder/sample_poses.h"
 #include "replay_core/recorder/scenery.h"
 #include "replay_core/state/core_node.h"
+#include "tvl/ids.h"
 #include "tvl/log.h"
 
 // What this Core is asked for around the host, a request each.
 
 namespace replay {
 namespace {
-
-// What the button of option 1028 sends to those who listen to its node.
-constexpr std::int32_t kConvertAllMessage = 324;
 
 std::string CaptureName(const std::string& path) {
     return platform::ToNarrow(platform::FromNarrow(path).stem());
@@ -156,11 +154,11 @@ void AddOnce(std::vector<std::string>& texts, const std::string& text) {
 
 void ReplayCore::PressButton(int id, Report& report) {
     const PanelOption* const option = options_.Find(id);
-    if (!option || id != kConvertAllControllers) {
+    if (!option || id != TVL::kConvertAllControllers) {
         report.error = "option " + std::to_string(id) + " is no button that can be pressed";
         return;
     }
-    TVL::Util::Message message(kConvertAllMessage, option->name);
+    TVL::Util::Message message(TVL::kButtonPressed, option->name);
     convertButton_.Broadcast(&message);
 }
 
@@ -196,7 +194,7 @@ void ReplayCore::Sample(const Request& request, Report& report) {
 
 void ReplayCore::Inspect(const Request& request, Report& report) {
     // A mesh is of the time that is asked for then, and the adaptor keeps none.
-    const OptionTurnedOn dynamic(options_, kDynamicMeshes);
+    const OptionTurnedOn dynamic(options_, TVL::kDynamicMeshes);
     report.looks = LookAtNodes(adaptor_, request.inspectedNodes, request.inspectionSeconds);
 }
 

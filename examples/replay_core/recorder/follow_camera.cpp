@@ -16,7 +16,7 @@ namespace {
 
 constexpr double kEvenedOutSeconds = 0.5;  // to either side
 constexpr Vector3 kFromSubject = {0.6, 0.3, 1};
-constexpr double kMargin = 1.25;
+constexpr double kViewMargin = 1.25;
 constexpr double kNarrowestDegrees = 5;
 constexpr double kWidestDegrees = 150;
 
@@ -127,7 +127,7 @@ std::vector<CameraMoment> FollowTake(const Motion& motion, FrameRange frames, Me
         moment.pose = LookingFrom(Sum(way[i], fromSubject), fromSubject);
         moment.targetDistance = Ahead(moment.pose, middles[i]) * hostUnitsPerMetre;
         fieldsOfView.push_back(
-            std::clamp(2 * kMargin * WidestAngle(moment.pose, poses.At(frames.first + i)),
+            std::clamp(2 * kViewMargin * WidestAngle(moment.pose, poses.At(frames.first + i)),
                        kNarrowestDegrees, kWidestDegrees));
     }
     const std::vector<double> even = EvenedOutAbove(fieldsOfView, reach);

@@ -7,12 +7,7 @@
 
 namespace replay {
 
-// The options of the adaptor that its panel describes, with their values. The numbers are part of
-// the contract with the adaptor.
-inline constexpr int kOptimisedControllers = 1027;
-inline constexpr int kConvertAllControllers = 1028;
-inline constexpr int kDynamicMeshes = 1030;
-
+// An option of the adaptor's, as its panel describes it.
 struct PanelOption {
     int id = 0;
     std::string name;

@@ -8,6 +8,7 @@
 
 #include "replay_core/state/stored_state.h"
 #include "replay_core/state/takes.h"
+#include "tvl/ids.h"
 #include "tvl/undo.h"
 
 namespace replay {
@@ -34,9 +35,6 @@ void Undoably(TVL::AdaptorInterface& adaptor, Known& known, Known after) {
     change->Redo();
     adaptor.AddUndoChunk(change.release());
 }
-
-constexpr int kNodesAboutToBeDeleted = 43;
-constexpr int kSceneIsBeingSaved = 56;
 
 }  // namespace
 
@@ -73,15 +71,15 @@ void Take::SetRecordings(std::vector<Recording> recordings) {
 }
 
 std::vector<int> Take::ListExtensions() {
-    return {kNodesAboutToBeDeleted, kSceneIsBeingSaved};
+    return {TVL::kNodesBeingDeleted, TVL::kSceneBeingSaved};
 }
 
 std::intptr_t Take::HandleExtension(int id, void* argument) {
     switch (id) {
-        case kNodesAboutToBeDeleted:
+        case TVL::kNodesBeingDeleted:
             DeleteNodes();
             return 0;
-        case kSceneIsBeingSaved:
+        case TVL::kSceneBeingSaved:
             if (argument) static_cast<XMLNode*>(argument)->AddChild(MasterNode(*this, all_));
             return 0;
         default:

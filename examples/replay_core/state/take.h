@@ -62,8 +62,8 @@ class Take final : public TVL::CoreElement {
     StoredRest& Rest() { return rest_; }
     const StoredRest& Rest() const { return rest_; }
 
-    // The user deletes some of the nodes (extension 43): the others go with them, in the same undo
-    // step, because a take with missing joints is no take. The scene is being saved (extension 56):
+    // The user deletes some of the nodes : the others go with them, in the same undo
+    // step, because a take with missing joints is no take. The scene is being saved :
     // the take's state goes with its nodes, see stored_state.h. What keeps it from that is thrown,
     // so that no scene is saved without it.
     std::intptr_t HandleExtension(int id, void* argument) override;

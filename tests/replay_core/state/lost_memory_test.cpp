@@ -3,9 +3,10 @@
 #include <optional>
 
 #include "replay_core/module/replay_core.h"
-#include "replay_core/state/state_test.h"
 #include "replay_core/state/stored_form.h"
-#include "support/allocations.h"
+#include "tests/replay_core/state/state_test.h"
+#include "tests/support/allocations.h"
+#include "tvl/ids.h"
 
 // Memory runs out in the Core, one allocation after the other. Whatever it is in the middle of, it
 // says so by what it throws, or has lost nothing.
@@ -45,11 +46,12 @@ class LostMemory : public StateTest {
 TEST_F(LostMemory, StateIsGivenWholeOrNotAtAll) {
     replay::Take& run = *takes->Find("run");
     XMLNode given(replay::form::kRoot, "");
-    run.HandleExtension(56, &given);
+    run.HandleExtension(TVL::kSceneBeingSaved, &given);
     const std::string masterNode = Text(given);
     for (std::size_t nth = 1;; ++nth) {
         XMLNode state(replay::form::kRoot, "");
-        const auto ended = Failing(nth, [&] { run.HandleExtension(56, &state); });
+        const auto ended =
+            Failing(nth, [&] { run.HandleExtension(TVL::kSceneBeingSaved, &state); });
         if (!ended) break;
         EXPECT_TRUE(*ended == Ended::kThrown || Text(state) == masterNode) << nth;
     }

@@ -8,13 +8,13 @@
 
 #include "headless/scene_view.h"
 #include "host/interface.h"
-#include "persistence/scene/gather_state.h"
-#include "persistence/scene/node_tags.h"
 #include "replay_core/state/load_state.h"
 #include "replay_core/state/read_state.h"
 #include "replay_core/state/stored_state.h"
 #include "replay_core/state/takes.h"
-#include "support/world.h"
+#include "scene_state/gather_state.h"
+#include "scene_state/node_tags.h"
+#include "tests/support/world.h"
 
 // Takes of the example Core in a scene of the real adaptor's, saved and opened in memory.
 class StateTest : public testing::Test {

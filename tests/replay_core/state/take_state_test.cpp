@@ -1,7 +1,8 @@
-#include "replay_core/state/state_test.h"
 #include "replay_core/state/stored_form.h"
-#include "support/trace.h"
+#include "tests/replay_core/state/state_test.h"
+#include "tests/support/trace.h"
 #include "tvl/base64_buffer.h"
+#include "tvl/ids.h"
 
 namespace {
 
@@ -92,7 +93,7 @@ TEST_F(StateTest, AClaimedTakeFollowsUndo) {
     Take& walk = takes->Named("walk");
     const std::string whole = WholeText();
 
-    walk.HandleExtension(43, nullptr);
+    walk.HandleExtension(TVL::kNodesBeingDeleted, nullptr);
     EXPECT_FALSE(walk.IsThere());
     EXPECT_TRUE(replay::WholeState(*takes).children.empty());
     ASSERT_TRUE(world.Session().Undo());

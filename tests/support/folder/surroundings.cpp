@@ -1,4 +1,4 @@
-#include "support/folder/surroundings.h"
+#include "tests/support/folder/surroundings.h"
 
 #include "platform/narrow_path.h"
 #include "platform/stand_in_registry.h"

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "support/folder/temporary_folder.h"
+#include "tests/support/folder/temporary_folder.h"
 
 // What the registry says; what is empty it does not know.
 struct RegistryEntries {

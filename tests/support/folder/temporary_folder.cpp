@@ -1,4 +1,4 @@
-#include "support/folder/temporary_folder.h"
+#include "tests/support/folder/temporary_folder.h"
 
 #include <fstream>
 #include <iterator>

@@ -1,7 +1,6 @@
 #include <cmath>
 #include <stdexcept>
 
-#include "adaptor/attach_panel.h"
 #include "controllers/conversion.h"
 #include "controllers/transform_control.h"
 #include "core_link/core_link.h"
@@ -11,7 +10,8 @@
 #include "nodes/max_node.h"
 #include "nodes/node_deletion.h"
 #include "nodes/node_list.h"
-#include "support/play/play.h"
+#include "tests/adaptor/attach_panel.h"
+#include "tests/support/play/play.h"
 
 namespace play {
 namespace {

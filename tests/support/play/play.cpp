@@ -1,4 +1,4 @@
-#include "support/play/play.h"
+#include "tests/support/play/play.h"
 
 #include <gtest/gtest.h>
 

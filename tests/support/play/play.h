@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "host/node.h"
-#include "support/play/choices.h"
-#include "support/play/rig.h"
-#include "support/world.h"
+#include "tests/support/play/choices.h"
+#include "tests/support/play/rig.h"
+#include "tests/support/world.h"
 
 // A Core that can do all that a Core may do, at any moment, also in the middle of any call that the
 // adaptor makes to it:

@@ -1,4 +1,4 @@
-#include "support/play/rig.h"
+#include "tests/support/play/rig.h"
 
 #include <utility>
 

@@ -4,7 +4,7 @@
 #include <map>
 #include <string>
 
-#include "support/world.h"
+#include "tests/support/world.h"
 #include "tvl/core_interface.h"
 
 namespace play {

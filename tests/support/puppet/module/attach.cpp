@@ -1,6 +1,6 @@
 #include "platform/routine.h"
-#include "support/puppet/module/litter.h"
-#include "support/puppet/stage.h"
+#include "tests/support/puppet/module/litter.h"
+#include "tests/support/puppet/stage.h"
 
 MODULE_ROUTINE CoreInterface* attach(TVL::AdaptorInterface* adaptor);
 

@@ -1,5 +1,5 @@
 #include "platform/routine.h"
-#include "support/puppet/stage.h"
+#include "tests/support/puppet/stage.h"
 
 MODULE_ROUTINE void detach(CoreInterface* core);
 

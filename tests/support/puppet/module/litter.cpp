@@ -1,4 +1,4 @@
-#include "support/puppet/module/litter.h"
+#include "tests/support/puppet/module/litter.h"
 
 #include "tvl/message.h"
 

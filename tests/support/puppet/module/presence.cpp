@@ -1,4 +1,4 @@
-#include "support/puppet/stage.h"
+#include "tests/support/puppet/stage.h"
 
 namespace {
 

@@ -1,0 +1,73 @@
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "command/exit_status.h"
+#include "command/print_json.h"
+#include "command/verb_options.h"
+#include "command/verbs.h"
+#include "headless/scene_file_view.h"
+
+namespace headless {
+namespace {
+
+struct DiffArguments {
+    std::string first;
+    std::string second;
+    bool cachedKeys = false;
+    bool json = false;
+};
+
+using Differences = std::vector<SceneDifference>;
+
+void PrintForPerson(const Differences& differences) {
+    for (const SceneDifference& difference : differences)
+        std::cout << difference.place << ": " << difference.what << '\n';
+}
+
+void PrintForProgram(const Differences& differences) {
+    auto list = nlohmann::ordered_json::array();
+    for (const SceneDifference& difference : differences)
+        list.push_back({{"place", difference.place}, {"difference", difference.what}});
+    PrintJson(std::cout, {{"equal", differences.empty()}, {"differences", list}});
+}
+
+Differences Compare(const DiffArguments& arguments) {
+    const auto cachedKeys = arguments.cachedKeys ? CachedKeys::kCompared : CachedKeys::kLeftOut;
+    try {
+        return CompareSceneFiles(arguments.first, arguments.second, cachedKeys);
+    } catch (const std::runtime_error& error) {
+        throw Failure(error.what(), kNotCompared);
+    }
+}
+
+void RunDiff(const DiffArguments& arguments) {
+    const Differences differences = Compare(arguments);
+    if (arguments.json)
+        PrintForProgram(differences);
+    else
+        PrintForPerson(differences);
+    if (!std::cout.flush()) throw Failure(kOutputLost, kNotCompared);
+    if (!differences.empty()) throw Ended{kDifferent};
+}
+
+}  // namespace
+
+void AddDiffVerb(CLI::App& app) {
+    const auto arguments = std::make_shared<DiffArguments>();
+    CLI::App* verb =
+        app.add_subcommand("diff",
+                           "Tell two scene files apart in arguments. The exit status is 0 "
+                           "if they hold the same, 1 if they differ, 2 if they cannot "
+                           "be compared.");
+    AddFile(*verb, "FIRST", arguments->first, "Scene file")->required();
+    AddFile(*verb, "SECOND", arguments->second, "Scene file")->required();
+    verb->add_flag("--cached-keys", arguments->cachedKeys,
+                   "Compare also the keys that controllers cache, which evaluation moves");
+    verb->add_flag("--json", arguments->json, "Print the result as one JSON object");
+    AddExample(*verb, "diff build/demo/take.scene build/demo/again.scene");
+    verb->callback([arguments] { RunDiff(*arguments); });
+}
+
+}  // namespace headless

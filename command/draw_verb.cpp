@@ -1,0 +1,189 @@
+#include <CLI/CLI.hpp>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <iostream>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <sstream>
+
+#include "command/counted.h"
+#include "command/drawing.h"
+#include "command/exit_status.h"
+#include "command/in_table.h"
+#include "command/verb_options.h"
+#include "command/verbs.h"
+
+namespace headless {
+namespace {
+
+// What the tools of headless/primitives.h take.
+constexpr Range kSphereSegments{3, 1024};
+constexpr Range kGroundDivisions{1, 1000};
+constexpr int kUsualSegments = 32;
+constexpr int kUsualDivisions = 10;
+
+struct DrawArguments {
+    DrawOptions options;
+    double side = 0;
+    double radius = 0;
+    std::optional<int> segments;
+    PathSketch path{};
+    double bend = 0;
+    bool isGuide = false;
+    bool isSolid = false;
+    GuideLook look;
+};
+
+[[noreturn]] void Refuse(const std::string& option, const std::string& why) {
+    throw CLI::ValidationError(option, why);
+}
+
+// Three numbers with commas between, which stay finite in single precision. `wrong` is said of
+// arguments that are something else.
+std::array<float, 3> ReadThree(const std::string& option, const std::string& text,
+                               const std::string& wrong) {
+    const auto refuse = [&](const std::string& why) {
+        std::string line = '"' + text;
+        Refuse(option, line.append("\" is ").append(why));
+    };
+    std::array<float, 3> three{};
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    for (float& number : three) {
+        const bool isFirst = &number == &three.front();
+        if (!isFirst && (at == end || *at++ != ',')) at = end;
+        double read = 0;
+        const auto [rest, status] = std::from_chars(at, end, read);
+        if (status == std::errc::invalid_argument || std::isnan(read)) refuse(wrong);
+        if (status != std::errc() || std::abs(read) > std::numeric_limits<float>::max())
+            refuse("out of range");
+        number = static_cast<float>(read);
+        at = rest;
+    }
+    if (at != end) refuse(wrong);
+    return three;
+}
+
+Point3 ReadPlace(const std::string& option, const std::string& text) {
+    const auto [x, y, z] = ReadThree(option, text, "not a place x,y,z");
+    return {x, y, z};
+}
+
+std::array<float, 3> ReadColour(const std::string& option, const std::string& text) {
+    const std::array<float, 3> colour = ReadThree(option, text, "not a colour R,G,B");
+    for (const float channel : colour)
+        if (channel < 0 || channel > 1)
+            Refuse(option, '"' + text + "\" is not a colour of three numbers from 0 to 1");
+    return colour;
+}
+
+std::vector<Point3> ReadPlaces(const std::string& option, const std::string& text) {
+    std::vector<Point3> places;
+    std::istringstream arguments(text);
+    for (std::string word; arguments >> word;)
+        places.push_back(ReadPlace(option, word));
+    if (places.size() < 2) Refuse(option, "a path leads through two places or more");
+    return places;
+}
+
+int Segments(const DrawArguments& arguments, Range range, int usual) {
+    const int segments = arguments.segments.value_or(usual);
+    CheckRange("--segments", segments, range);
+    return segments;
+}
+
+void Choose(DrawArguments& arguments) {
+    const bool isPath = !arguments.path.places.empty();
+    if ((arguments.side > 0) + (arguments.radius > 0) + isPath != 1)
+        throw CLI::RequiredError("exactly one of --ground, --sphere and --path");
+    if (arguments.segments && isPath) Refuse("--segments", "a path has none");
+    if (arguments.side > 0)
+        arguments.options.sketch =
+            GroundSketch{static_cast<float>(arguments.side),
+                         Segments(arguments, kGroundDivisions, kUsualDivisions)};
+    else if (arguments.radius > 0)
+        arguments.options.sketch =
+            SphereSketch{static_cast<float>(arguments.radius),
+                         Segments(arguments, kSphereSegments, kUsualSegments)};
+    else
+        arguments.options.sketch = arguments.path;
+    arguments.options.bendDegreesPerSecond = static_cast<float>(arguments.bend);
+    arguments.look.isWireframe = !arguments.isSolid;
+    if (arguments.isGuide) arguments.options.guide = arguments.look;
+}
+
+void RunDraw(DrawArguments& arguments) {
+    Choose(arguments);
+    const DrawResult result = Draw(arguments.options);
+    for (const std::string& complaint : result.complaints)
+        std::cout << "Complaint: " << complaint << '\n';
+    std::cout << "Drew " << InTable(result.name) << " (" << result.handle << ") into "
+              << arguments.options.target << ": " << Counted(result.nodes, "node") << '\n';
+}
+
+void AddObjects(CLI::App& verb, const std::shared_ptr<DrawArguments>& arguments) {
+    AddSize(verb, "--ground", arguments->side,
+            "A flat square with sides of this length, looking up");
+    AddSize(verb, "--sphere", arguments->radius, "A sphere of this radius");
+    AddWholeNumber(verb, "--segments", arguments->segments,
+                   "Faces around the sphere's equator, or along a side of the ground");
+    CLI::Option* const path = verb.add_option_function<std::string>(
+        "--path",
+        [arguments](const std::string& text) {
+            arguments->path.places = ReadPlaces("--path", text);
+        },
+        "A curve through places \"x,y,z x,y,z ...\"");
+    path->type_name("PLACES");
+    verb.add_flag("--closed", arguments->path.isClosed, "The curve leads back to its start")
+        ->needs(path);
+    verb.add_flag("--smooth", arguments->path.isSmooth, "The curve has no corners")->needs(path);
+}
+
+void AddGuide(CLI::App& verb, const std::shared_ptr<DrawArguments>& arguments, CLI::Option* bend) {
+    CLI::Option* const guide =
+        verb.add_flag("--guide", arguments->isGuide,
+                      "Put it in as a guide object of the plug-in, which shows in viewports alone")
+            ->excludes(bend);
+    verb.add_option_function<std::string>(
+            "--color",
+            [arguments](const std::string& text) {
+                arguments->look.colour = ReadColour("--color", text);
+            },
+            "Colour of the guide object, R,G,B from 0 to 1 [1,0,0]")
+        ->type_name("COLOUR")
+        ->needs(guide);
+    verb.add_flag("--solid", arguments->isSolid, "Faces of the guide object instead of edges")
+        ->needs(guide);
+}
+
+}  // namespace
+
+void AddDrawVerb(CLI::App& app) {
+    const auto arguments = std::make_shared<DrawArguments>();
+    DrawOptions& options = arguments->options;
+    CLI::App* verb = app.add_subcommand(
+        "draw",
+        "Draw an object with the host's own tools, in host units with Z up: one of --ground, "
+        "--sphere and --path. What the scene holds of a Core is kept.");
+    AddFile(*verb, "SCENE", options.scene, "Scene file to draw into; a new scene if not named");
+    AddObjects(*verb, arguments);
+    CLI::Option* const bend =
+        AddNumber(*verb, "--bend", arguments->bend,
+                  "Bend it over its x axis by so many degrees in each second");
+    AddGuide(*verb, arguments, bend);
+    verb->add_option_function<std::string>(
+            "--at",
+            [arguments](const std::string& text) {
+                arguments->options.at = ReadPlace("--at", text);
+            },
+            "Where to put it, x,y,z")
+        ->type_name("PLACE");
+    verb->add_option("--name", options.name, "Its name; the host chooses if not named");
+    AddFile(*verb, "-o", options.target, "Where to save the scene")->required();
+    AddExample(*verb, "draw --sphere 20 --bend 45 --name Ball -o build/demo/ball.scene");
+    verb->callback([arguments] { RunDraw(*arguments); });
+}
+
+}  // namespace headless

@@ -1,0 +1,143 @@
+#include <CLI/CLI.hpp>
+#include <array>
+#include <charconv>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include "command/apart.h"
+#include "command/exit_status.h"
+#include "command/render.h"
+#include "command/verb_options.h"
+#include "command/verbs.h"
+#include "platform/terminal.h"
+
+namespace headless {
+namespace {
+
+struct RenderArguments {
+    RenderOptions options;
+    GuestFlags guests;
+    std::optional<int> sheetColumns;
+};
+
+constexpr Range kSheetColumns{1, 512};
+
+[[noreturn]] void Refuse(const std::string& why) {
+    throw Failure(why, kWrongUsage);
+}
+
+// Whole numbers with `mark` between them, and nothing else.
+template <std::size_t Count>
+std::optional<std::array<int, Count>> WholeNumbers(std::string_view text, char mark) {
+    std::array<int, Count> numbers{};
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    for (std::size_t i = 0; i < Count; ++i) {
+        if (i > 0 && (at == end || *at++ != mark)) return std::nullopt;
+        const auto [behind, error] = std::from_chars(at, end, numbers[i]);
+        if (error != std::errc()) return std::nullopt;
+        at = behind;
+    }
+    if (at != end) return std::nullopt;
+    return numbers;
+}
+
+FrameRange ReadFrames(const std::string& text) {
+    const auto numbers = WholeNumbers<3>(text, ':');
+    if (!numbers) Refuse("--frames: " + text + " is not FIRST:LAST:STEP in whole frames");
+    const FrameRange frames{(*numbers)[0], (*numbers)[1], (*numbers)[2]};
+    if (frames.last < frames.first)
+        Refuse("--frames: " + text + " has its last frame before the first");
+    if (frames.step < 1) Refuse("--frames: " + text + " has no step above 0");
+    return frames;
+}
+
+void ReadSize(const std::string& text, ViewportSettings& view) {
+    constexpr int kSmallest = 16;
+    constexpr int kLargest = 8192;
+    const auto size = WholeNumbers<2>(text, 'x');
+    if (!size) Refuse("--size: " + text + " is not WIDTHxHEIGHT in pixels");
+    for (const int pixels : *size)
+        if (pixels < kSmallest || pixels > kLargest)
+            Refuse("--size: a picture is 16 to 8,192 pixels wide and high, not " + text);
+    view.width = (*size)[0];
+    view.height = (*size)[1];
+}
+
+void CheckFile(const RenderOptions& options) {
+    KeepApart({{"SCENE", options.scene}}, {{"-o", options.file}});
+    if (options.frames.empty() || options.sheetColumns > 0) return;
+    const std::size_t places = FramePlaces(options.file);
+    if (places == 1 || (places == 0 && options.frames.front().Count() == 1)) return;
+    Refuse("-o: " + options.file + " has " + (places == 0 ? "no place" : "several places") +
+           " for the number of a frame, where it needs one %04d (or --sheet)");
+}
+
+void RunRender(RenderArguments& arguments) {
+    if (arguments.sheetColumns) {
+        CheckRange("--sheet", *arguments.sheetColumns, kSheetColumns);
+        arguments.options.sheetColumns = *arguments.sheetColumns;
+    }
+    CheckFile(arguments.options);
+    arguments.options.guests = arguments.guests.Chosen();
+    arguments.options.progress = platform::IsErrorStreamATerminal();
+    const RenderResult result = Render(arguments.options);
+    for (const std::string& complaint : result.complaints)
+        std::cout << "Complaint: " << complaint << '\n';
+    std::cout << result.files.front();
+    if (result.files.size() > 1)
+        std::cout << " to " << result.files.back() << ": " << result.files.size()
+                  << " pictures of ";
+    else
+        std::cout << ": a picture of ";
+    std::cout << result.width << 'x' << result.height << " pixels\n";
+}
+
+void AddTimes(CLI::App& verb, const std::shared_ptr<RenderArguments>& arguments) {
+    CLI::Option_group* const times = verb.add_option_group("Times");
+    AddNumber(*times, "--time", arguments->options.seconds, "The moment to draw, in seconds");
+    times->add_option_function<std::string>(
+        "--frames",
+        [arguments](const std::string& text) { arguments->options.frames = {ReadFrames(text)}; },
+        "FIRST:LAST:STEP in frames of the scene, LAST included");
+    times->require_option(1);
+}
+
+void AddLooks(CLI::App& verb, const std::shared_ptr<RenderArguments>& arguments) {
+    ViewportSettings& view = arguments->options.view;
+    verb.add_option(
+            "--camera", view.camera,
+            "Look through this camera; else from the front and above at all that shows, for "
+            "which neither cameras nor a flat ground count")
+        ->check([](const std::string& name) { return name.empty() ? "the name is empty" : ""; },
+                "NAME");
+    verb.add_option_function<std::string>(
+        "--size", [arguments](const std::string& text) { ReadSize(text, arguments->options.view); },
+        "WIDTHxHEIGHT of each picture in pixels, 16 to 8,192 [960x540]");
+    verb.add_flag("--wire", view.isWireframe, "Edges instead of faces");
+    verb.add_flag("--names", view.showsNames,
+                  "Write its name beside each node, where there is room");
+}
+
+}  // namespace
+
+void AddRenderVerb(CLI::App& app) {
+    const auto arguments = std::make_shared<RenderArguments>();
+    CLI::App* verb = app.add_subcommand("render", "Draw a scene as the host's viewport shows it.");
+    AddFile(*verb, "SCENE", arguments->options.scene, "Scene file")->required();
+    AddTimes(*verb, arguments);
+    AddLooks(*verb, arguments);
+    AddWholeNumber(*verb, "--sheet", arguments->sheetColumns,
+                   "The frames side by side in one picture, so many in a row")
+        ->needs("--frames");
+    AddFile(*verb, "-o", arguments->options.file,
+            "PNG file; of several, with %04d for the number of the frame")
+        ->required();
+    AddGuestOptions(*verb, arguments->guests);
+    AddExample(*verb, "render build/demo/take.scene --time 2.5 -o build/demo/view.png");
+    verb->callback([arguments] { RunRender(*arguments); });
+}
+
+}  // namespace headless

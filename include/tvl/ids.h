@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+
+// Every number that adaptor and Core say to each other. kInterfaceVersion fixes their values.
+namespace TVL {
+
+// What CNode::HandleExtension does for a Core. The result is 0 where nothing is said of it.
+enum NodeExtension : int {
+    kBeginSelection = 10,  // a batch, in which CNode::Select adds; 1 unless one was open
+    kEndSelection = 11,    // 1 if one was open
+    kStopRecording = 17,   // takes the node out of recording for good, then kUseHostController
+    kIsSameNode = 31,      // of the CoreNode in the argument: 1 if it is the same scene node
+    kCloneBelow = 37,      // below the CoreNode in the argument, or nowhere if that is null; gives
+                           // the clone as a snapshot CoreNode, the caller's to release
+    kUseHostController = 57  // puts the host's default transform controller on it; not listed
+};
+
+// What the adaptor asks of a CoreElement; how it answers stands there.
+enum ElementExtension : int {
+    kNodesBeingDeleted = 43,  // argument null
+    kSceneBeingSaved = 56     // argument XMLNode*
+};
+
+// The adaptor's options, which AdaptorInterface::GetOptionsPanel describes and the Core keeps.
+enum AdaptorOption : int {
+    kOptimisedControllers = 1027,   // created nodes get the adaptor's own controllers
+    kConvertAllControllers = 1028,  // a button, which sends kButtonPressed
+    kDynamicMeshes = 1030           // mesh snapshots take the mesh of each time they are read at
+};
+
+// Messages between the two.
+enum AdaptorMessage : std::int32_t {
+    kButtonPressed = 324  // from the node that CoreInterface::GetOptionNode gave for a button
+};
+
+}  // namespace TVL

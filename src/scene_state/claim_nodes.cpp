@@ -1,0 +1,91 @@
+#include "scene_state/claim_nodes.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+#include "core_link/core_answer.h"
+#include "nodes/max_node.h"
+#include "nodes/node_reference.h"
+#include "scene_state/state_format.h"
+#include "scene_state/tagged_nodes.h"
+
+namespace {
+
+using NodeEntries = std::vector<const XMLNode*>;
+
+NodeEntries EntriesOf(const XMLNode& nodeInfo) {
+    NodeEntries entries;
+    for (const auto& child : nodeInfo.children) {
+        if (child->name == kNodeElement) entries.push_back(child.get());
+    }
+    return entries;
+}
+
+std::string_view NameOf(const XMLNode& entry) {
+    const auto name = entry.attributes.find(kNodeNameAttribute);
+    return name == entry.attributes.end() ? std::string_view() : std::string_view(name->second);
+}
+
+bool IsComplete(const NewNodes& claims) {
+    return std::ranges::all_of(claims, [](const auto& claim) { return claim != nullptr; });
+}
+
+void FindGatheredNodes(const std::string& pluginName, const NodeEntries& entries,
+                       NewNodes& claims) {
+    const auto& gatherings = NodesWithTags().running;
+    if (gatherings.empty()) return;
+    for (std::size_t index = 0; index < entries.size(); ++index) {
+        INode* const host = gatherings.back()->Find(pluginName, NameOf(*entries[index]));
+        if (host) claims[index] = std::make_unique<CMAXNode>(nullptr, host);
+    }
+}
+
+// Of entries with one name only the last is looked for, and gets the first node in the scene.
+void FindTaggedNodes(const std::string& pluginName, const NodeEntries& entries, NewNodes& claims) {
+    std::unordered_map<std::string_view, std::size_t> byName;
+    for (std::size_t index = 0; index < entries.size(); ++index)
+        byName[NameOf(*entries[index])] = index;
+
+    TagsInScene readNow;
+    const auto& loads = NodesWithTags().loads;
+    TagsInScene& tags = loads.empty() ? readNow : *loads.back();
+    for (const auto& [name, index] : byName) {
+        if (claims[index]) continue;
+        INode* const host = tags.Find(pluginName, std::string(name));
+        if (host) claims[index] = std::make_unique<CMAXNode>(nullptr, host);
+    }
+}
+
+void FindNodesByHandle(const NodeEntries& entries, NewNodes& claims) {
+    for (std::size_t index = 0; index < entries.size(); ++index) {
+        if (!claims[index]) claims[index] = NodeFor(entries[index]->Child(kHandleElement));
+    }
+}
+
+std::vector<TVL::CNode*> FindNodes(const std::string& pluginName, const NodeEntries& entries) {
+    NewNodes claims(entries.size());
+    FindGatheredNodes(pluginName, entries, claims);
+    if (!IsComplete(claims)) FindTaggedNodes(pluginName, entries, claims);
+    FindNodesByHandle(entries, claims);
+    return GiveAway(std::move(claims));
+}
+
+}  // namespace
+
+// Where nothing can be found out nobody is found, and the Core has not taken what it loads.
+std::vector<TVL::CNode*> ClaimNodes(const std::string& pluginName, const XMLNode& nodeInfo) {
+    const NodeEntries entries = EntriesOf(nodeInfo);
+    std::vector<TVL::CNode*> nobody(entries.size());
+    return AnswerCore("ClaimNodes", std::move(nobody), [&] {
+        try {
+            return FindNodes(pluginName, entries);
+        } catch (...) {
+            for (const auto& load : NodesWithTags().loads)
+                load->MarkUnanswered();
+            throw;
+        }
+    });
+}

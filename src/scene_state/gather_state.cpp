@@ -1,0 +1,137 @@
+#include "scene_state/gather_state.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "core_link/core_link.h"
+#include "nodes/max_node.h"
+#include "nodes/node_list.h"
+#include "platform/win32.h"
+#include "scene_state/node_tags.h"
+#include "scene_state/scene_walk.h"
+#include "scene_state/state_chunk.h"
+#include "scene_state/state_format.h"
+#include "scene_state/stored_plugins.h"
+#include "scene_state/tagged_nodes.h"
+
+namespace {
+
+constexpr const char* kCaption = "Gather error";
+constexpr const char* kNeverClaimed =
+    "Some nodes were found beloning to Tarvo Lumiset, but they were never claimed. \n"
+    " The following nodes were left out:\n\n";
+
+using Handles = std::unordered_set<std::uint32_t>;
+
+// The list of one gathering, known to the adaptor while it runs.
+class RunningGathering {
+  public:
+    RunningGathering() { NodesWithTags().running.push_back(list_); }
+    ~RunningGathering() {
+        if (!list_->IsAbandoned()) NodesWithTags().running.pop_back();
+    }
+    RunningGathering(const RunningGathering&) = delete;
+    RunningGathering& operator=(const RunningGathering&) = delete;
+
+    TaggedNodeList& List() { return *list_; }
+
+  private:
+    std::shared_ptr<TaggedNodeList> list_ = std::make_shared<TaggedNodeList>();
+};
+
+// Nodes that the gatherings around this one have collected, and will report and clear themselves.
+Handles AlreadyCollected() {
+    Handles handles;
+    for (const auto& list : NodesWithTags().running) {
+        for (const auto& node : list->Nodes()) {
+            if (INode* const host = node->hostNode.Get()) handles.insert(host->GetHandle());
+        }
+    }
+    return handles;
+}
+
+// The root bears no tag.
+StoredPlugins CollectNodeTags(TaggedNodeList& taggedNodes) {
+    const Handles collected = AlreadyCollected();
+    StoredPlugins masters;
+    WalkScene([&](INode& node) {
+        if (node.IsRootNode() || collected.contains(node.GetHandle())) return;
+        const std::optional<std::string> text = TagTextOn(node);
+        if (!text) return;
+        auto entry = std::make_unique<TaggedNode>();
+        entry->hostNode = HostNodeLink(&node);
+        entry->tag.Parse(*text);
+        for (const auto& child : entry->tag.children) {
+            if (child->name == kMasterElement) masters.push_back(std::make_unique<XMLNode>(*child));
+        }
+        if (entry->tag.name.empty() && entry->tag.children.empty()) return;
+        taggedNodes.Add(std::move(entry));
+    });
+    return masters;
+}
+
+Handles ClaimedHandles() {
+    Handles handles;
+    ForEachListedNode([&](const CMAXNode& node) {
+        if (INode* const host = node.HostNode()) handles.insert(host->GetHandle());
+    });
+    return handles;
+}
+
+std::vector<INode*> UnclaimedNodes(const TaggedNodeList& taggedNodes) {
+    const Handles claimed = ClaimedHandles();
+    std::vector<INode*> unclaimed;
+    for (const auto& node : taggedNodes.Nodes()) {
+        INode* const host = node->hostNode.Get();
+        if (host && !claimed.contains(host->GetHandle())) unclaimed.push_back(host);
+    }
+    return unclaimed;
+}
+
+Handles UnclaimedHandles(const TaggedNodeList& taggedNodes) {
+    Handles handles;
+    for (INode* host : UnclaimedNodes(taggedNodes))
+        handles.insert(host->GetHandle());
+    return handles;
+}
+
+std::string UnclaimedNames(const TaggedNodeList& taggedNodes) {
+    std::string names;
+    for (INode* host : UnclaimedNodes(taggedNodes)) {
+        const char* const name = host->GetName();
+        names.append(name ? name : "").append("\n");
+    }
+    return names;
+}
+
+void ReportUnclaimed(const TaggedNodeList& taggedNodes) {
+    if (taggedNodes.Nodes().empty()) return;
+    const std::string names = UnclaimedNames(taggedNodes);
+    if (names.empty()) return;
+    MessageBoxA(nullptr, (kNeverClaimed + names).c_str(), kCaption, MB_OK | MB_ICONERROR);
+}
+
+void ClearTags(const TaggedNodeList& taggedNodes, const Handles& kept) {
+    for (const auto& node : taggedNodes.Nodes()) {
+        INode* const host = node->hostNode.Get();
+        if (host && !kept.contains(host->GetHandle())) ClearNodeTag(*host);
+    }
+}
+
+}  // namespace
+
+// A Core that could not load, or find its nodes, has not taken what it left unclaimed: the tags
+// stay, for the next gathering or in the next file.
+void GatherSceneState() {
+    if (!AttachedCore() || IsCoreLeaving()) return;
+    RunningGathering gathering;
+    const XMLNode state = StateTree(CollectNodeTags(gathering.List()));
+    const bool isTaken = HandToCore(state);
+    ReportUnclaimed(gathering.List());
+    ClearTags(gathering.List(), isTaken ? Handles() : UnclaimedHandles(gathering.List()));
+}

@@ -1,0 +1,184 @@
+#include "scene_state/node_tags.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "core_link/core_call.h"
+#include "core_link/core_link.h"
+#include "host/hold.h"
+#include "nodes/host_node_link.h"
+#include "nodes/max_node.h"
+#include "nodes/node_list.h"
+#include "scene_state/scene_walk.h"
+#include "scene_state/state_chunk.h"
+#include "scene_state/state_format.h"
+#include "scene_state/tagged_nodes.h"
+#include "tvl/ids.h"
+#include "undo/undo_groups.h"
+
+namespace {
+
+// Extension of an owner: the scene is being saved.
+
+struct OwnerState {
+    XMLNode parts;           // one child for each stored part of the owner
+    bool isWritten = false;  // on the owner's first node
+};
+using OwnerStates = std::unordered_map<TVL::CoreElement*, OwnerState>;
+
+// A node whose host node is gone cannot carry its owner's state, and leaves that to the next one.
+bool CarriesTag(CMAXNode& node) {
+    return node.Owner() && node.HostNode() && !node.IsSnapshot();
+}
+
+// False if there is no owner in the list that has not been asked yet.
+bool AskNewOwners(OwnerStates& states) {
+    bool isAnyNew = false;
+    ForEachListedNode([&](CMAXNode& node) {
+        if (!CarriesTag(node)) return;
+        TVL::CoreElement* const owner = node.Owner();
+        const auto [entry, isNew] = states.try_emplace(owner);
+        if (!isNew) return;
+        isAnyNew = true;
+        XMLNode parts = Element("masternodes");
+        if (!CallCore("extension 56 of an owner",
+                      [&] { owner->HandleExtension(TVL::kSceneBeingSaved, &parts); }))
+            RecordOfState().isTagLost = true;
+        entry->second.parts.Swap(parts);
+    });
+    return isAnyNew;
+}
+
+// An owner may create, delete or merge nodes while it answers. What moves in the list then can slip
+// past one walk, so they go on until one meets nobody new.
+OwnerStates AskOwners() {
+    OwnerStates states;
+    while (AskNewOwners(states)) {
+    }
+    return states;
+}
+
+enum class Carrier { kFirstNode, kEachNode };
+
+XMLNode TagOf(const CMAXNode& node, OwnerState& state, Carrier carrier) {
+    XMLNode tag = Element(kNodeTag);
+    tag.AddChild(XMLNode(kNameElement, PluginNameOf(node.Owner())));
+    tag.AddChild(XMLNode(kObjectNameElement, node.NodeName()));
+    const bool wasWritten = std::exchange(state.isWritten, true);
+    if (wasWritten && carrier == Carrier::kFirstNode) return tag;
+    for (const auto& part : state.parts.children)
+        tag.AddChild(*part);
+    return tag;
+}
+
+// The tag that a node bears, across an undo, redo or cancel of the step in which it was written.
+class TagAcrossUndo {
+  public:
+    explicit TagAcrossUndo(INode& host) : host_(&host) {}
+
+    // Runs before the host's own record of the property, and after it.
+    void Pass() {
+        INode* const host = host_.Get();
+        const std::optional<std::string> before = std::exchange(text_, std::nullopt);
+        if (std::exchange(isHeld_, !isHeld_)) {
+            if (host && before) host->SetUserPropString(kNodeTag, *before);
+        } else if (host) {
+            text_ = TagTextOn(*host);
+        }
+    }
+
+  private:
+    HostNodeLink host_;
+    bool isHeld_ = false;
+    std::optional<std::string> text_;
+};
+
+// One stands on each side of the host's record.
+class TagRestore final : public RestoreObj {
+  public:
+    explicit TagRestore(std::shared_ptr<TagAcrossUndo> tag) : tag_(std::move(tag)) {}
+    void Restore(int) override { Pass(); }
+    void Redo() override { Pass(); }
+
+  private:
+    void Pass() {
+        const auto thrown = TVL::ThrownBy([this] { tag_->Pass(); });
+        if (thrown) TVL::TraceThrown("the keeping of a tag", *thrown);
+    }
+
+    std::shared_ptr<TagAcrossUndo> tag_;
+};
+
+void SetNodeTag(INode& host, const std::string& text) {
+    TagsHaveChanged();
+    if (!theHold.Holding() || theHold.RestoreOrRedoing()) {
+        host.SetUserPropString(kNodeTag, text);
+        return;
+    }
+    const auto tag = std::make_shared<TagAcrossUndo>(host);
+    theHold.Put(new TagRestore(tag));
+    host.SetUserPropString(kNodeTag, text);
+    theHold.Put(new TagRestore(tag));
+}
+
+// All owners answer before the first tag is written, so that whatever they do meanwhile meets no
+// scene with half of its tags.
+void Store(Carrier carrier) {
+    OwnerStates states = AskOwners();
+    ForEachListedNode([&](CMAXNode& node) {
+        if (!CarriesTag(node)) return;
+        const auto state = states.find(node.Owner());
+        if (state == states.end() || state->second.parts.children.empty()) return;
+        SetNodeTag(*node.HostNode(), TagOf(node, state->second, carrier).Write());
+    });
+}
+
+// One that fails keeps no other from being cleared.
+void ClearEach(const std::vector<INode*>& nodes) {
+    for (INode* node : nodes)
+        if (const auto thrown = TVL::ThrownBy([node] { ClearNodeTag(*node); }))
+            TVL::TraceThrown("the clearing of a tag", *thrown);
+}
+
+}  // namespace
+
+void StoreSceneState() {
+    Store(Carrier::kFirstNode);
+}
+
+void StoreStateForNextCore() {
+    AdaptorNodes().clearHostNode = nullptr;
+    EndHoldOfGroups();
+    Store(theHold.Holding() ? Carrier::kEachNode : Carrier::kFirstNode);
+}
+
+// A copy that was made of a tagged node is none of the Core's, and its tag is a double to the byte.
+// Any other tag waits for a Core that takes it, whatever names it bears.
+void ClearNodeTags() {
+    AdaptorNodes().clearHostNode = nullptr;
+    std::vector<INode*> tagged;
+    std::unordered_set<std::string> written;
+    ForEachListedNode([&](const CMAXNode& node) {
+        INode* const host = node.HostNode();
+        if (!host) return;
+        tagged.push_back(host);
+        written.insert(TagTextOn(*host).value_or(""));
+    });
+    ClearEach(tagged);
+    written.erase("");
+    if (written.empty()) return;
+    std::vector<INode*> copies;
+    WalkScene([&](INode& node) {
+        if (written.contains(TagTextOn(node).value_or(""))) copies.push_back(&node);
+    });
+    ClearEach(copies);
+}
+
+void ClearNodeTag(INode& hostNode) {
+    SetNodeTag(hostNode, "");
+}

@@ -1,0 +1,139 @@
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tvl/xml_node.h"
+#include "xml/xml_escape.h"
+
+namespace {
+
+// Writes one node and its subtree. The elements whose children are being written stand on a stack
+// of the writer's.
+class XMLWriter {
+  public:
+    XMLWriter(std::string lineEnd, std::string indentStep, std::string firstIndent)
+        : newLine(std::move(lineEnd)),
+          step(std::move(indentStep)),
+          indent(std::move(firstIndent)) {}
+
+    std::string Write(const XMLNode& root) {
+        Begin(root);
+        while (!open.empty()) {
+            Element& element = open.back();
+            EndPreviousChild(element);
+            if (element.nextChild == element.node->children.size()) {
+                EndElement();
+            } else {
+                Begin(*element.node->children[element.nextChild++]);
+            }
+        }
+        return std::move(out);
+    }
+
+  private:
+    struct Element {
+        const XMLNode* node;
+        std::size_t nextChild;
+
+        // An element that starts with a text is written without line ends, so that they do not
+        // become part of it.
+        bool IsText(std::size_t child) const {
+            return child < node->children.size() && node->children[child]->kind == XMLNode::kText;
+        }
+        bool IsInTextMode() const { return IsText(0); }
+    };
+
+    void Begin(const XMLNode& node) {
+        switch (node.kind) {
+            case XMLNode::kElement:
+                BeginElement(node);
+                break;
+            case XMLNode::kText:
+                EscapeXML(node.name, out);
+                break;
+            case XMLNode::kComment:
+                out += indent;
+                out += "<!-- ";
+                EscapeXML(node.name, out);
+                out += "-- >";
+                break;
+            default:
+                break;
+        }
+    }
+
+    void BeginElement(const XMLNode& node) {
+        out += indent;
+        out += '<';
+        EscapeXML(node.name, out);
+        for (const auto& [name, value] : node.attributes)
+            WriteAttribute(name, value);
+        if (node.children.empty()) {
+            out += "/>";
+            return;
+        }
+        out += '>';
+        open.push_back({&node, 0});
+        if (!open.back().IsInTextMode()) out += newLine;
+        indent += step;
+    }
+
+    void WriteAttribute(const std::string& name, const std::string& value) {
+        const bool hasDouble = value.find('"') != std::string::npos;
+        const bool hasSingle = value.find('\'') != std::string::npos;
+        const char quote = hasDouble && !hasSingle ? '\'' : '"';
+        out += ' ';
+        out += name;
+        out += '=';
+        out += quote;
+        if (hasDouble && hasSingle) {
+            WriteWithoutDoubleQuotes(value);
+        } else {
+            EscapeXML(value, out);
+        }
+        out += quote;
+    }
+
+    void WriteWithoutDoubleQuotes(std::string_view value) {
+        while (true) {
+            const std::size_t quote = value.find('"');
+            EscapeXML(value.substr(0, quote), out);
+            if (quote == std::string_view::npos) return;
+            out += "&#34;";
+            value.remove_prefix(quote + 1);
+        }
+    }
+
+    void EndPreviousChild(const Element& element) {
+        if (element.nextChild == 0) return;
+        if (!element.IsInTextMode()) {
+            out += newLine;
+        } else if (element.IsText(element.nextChild - 1) && element.IsText(element.nextChild)) {
+            out += ' ';
+        }
+    }
+
+    void EndElement() {
+        const Element element = open.back();
+        open.pop_back();
+        indent.resize(indent.size() - step.size());
+        if (!element.IsInTextMode()) out += indent;
+        out += "</";
+        EscapeXML(element.node->name, out);
+        out += '>';
+    }
+
+    const std::string newLine;
+    const std::string step;
+    std::string indent;  // of what is written next
+    std::vector<Element> open;
+    std::string out;
+};
+
+}  // namespace
+
+std::string XMLNode::Write(std::string lineEnd, std::string indentStep, std::string indent) const {
+    return XMLWriter(std::move(lineEnd), std::move(indentStep), std::move(indent)).Write(*this);
+}
