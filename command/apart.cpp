@@ -1,7 +1,7 @@
 #include "command/apart.h"
 
 #include "command/exit_status.h"
-#include "platform/same_file.h"
+#include "platform/files.h"
 
 namespace headless {
 namespace {

@@ -10,10 +10,10 @@
 #include "command/missing_core.h"
 #include "headless/breaches.h"
 #include "headless/scene_view.h"
-#include "platform/beside_program.h"
-#include "platform/environment.h"
+#include "platform/modules.h"
 #include "platform/narrow_path.h"
-#include "platform/stand_in_registry.h"
+#include "platform/process.h"
+#include "platform/registry.h"
 
 namespace headless {
 namespace {

@@ -8,7 +8,7 @@
 #include "command/exit_status.h"
 #include "command/verbs.h"
 #include "headless/breaches.h"
-#include "platform/arguments.h"
+#include "platform/process.h"
 
 namespace {
 

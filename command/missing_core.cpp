@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "command/core_environment.h"
-#include "platform/load_failure.h"
+#include "platform/modules.h"
 #include "platform/win32.h"
 
 namespace headless {

@@ -11,8 +11,8 @@
 #include "command/scenery.h"
 #include "command/scratch_file.h"
 #include "headless/scene_view.h"
-#include "platform/environment.h"
-#include "platform/same_file.h"
+#include "platform/files.h"
+#include "platform/process.h"
 
 namespace headless {
 namespace {

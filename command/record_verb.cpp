@@ -9,7 +9,7 @@
 #include "command/record.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
-#include "platform/terminal.h"
+#include "platform/process.h"
 
 namespace headless {
 namespace {

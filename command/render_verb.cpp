@@ -11,7 +11,7 @@
 #include "command/render.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
-#include "platform/terminal.h"
+#include "platform/process.h"
 
 namespace headless {
 namespace {

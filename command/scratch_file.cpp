@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "command/exit_status.h"
+#include "platform/files.h"
 #include "platform/narrow_path.h"
-#include "platform/replace_file.h"
 
 namespace headless {
 namespace {

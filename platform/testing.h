@@ -15,7 +15,7 @@ PLATFORM_API void SetTickCount(DWORD milliseconds);
 PLATFORM_API void ClearTickCount();
 
 PLATFORM_API std::size_t CountLoadedModules();  // by LoadLibraryA; a module counts once
-PLATFORM_API std::size_t CountOpenKeys();       // of a registry that stands in for the real one
+PLATFORM_API std::size_t CountOpenKeys();       // of the substitute for the real registry
 PLATFORM_API std::size_t CountWindows();        // controls included
 
 // How much room a block of the C heap has; 0 for none.

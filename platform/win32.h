@@ -68,7 +68,7 @@ using HRSRC = struct HRSRC__*;
 using HGLOBAL = struct HGLOBAL__*;
 using HKEY = struct HKEY__*;
 
-// A routine of a module; "platform/routine.h" gives it its real type.
+// A routine of a module; "platform/modules.h" gives it its real type.
 using FARPROC = void (*)();
 
 // Returns non-zero for a message that it handled.

@@ -2,8 +2,7 @@
 
 #include <cstdio>
 
-#include "platform/load_failure.h"
-#include "platform/routine.h"
+#include "platform/modules.h"
 
 namespace headless {
 namespace {

@@ -14,7 +14,7 @@
 #include "headless/scene_file/scene_chunks.h"
 #include "headless/storage/byte_source.h"
 #include "headless/storage/chunk_format.h"
-#include "platform/folder_names.h"
+#include "platform/files.h"
 #include "platform/narrow_path.h"
 
 namespace headless {

@@ -5,9 +5,8 @@
 #include <system_error>
 
 #include "headless/scene_file/scene_file.h"
+#include "platform/files.h"
 #include "platform/narrow_path.h"
-#include "platform/new_file.h"
-#include "platform/replace_file.h"
 
 namespace headless {
 namespace {

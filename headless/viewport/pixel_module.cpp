@@ -1,8 +1,7 @@
 #include "headless/viewport/pixel_module.h"
 
-#include "platform/beside_program.h"
-#include "platform/load_failure.h"
-#include "platform/routine.h"
+#include "platform/modules.h"
+#include "platform/process.h"
 
 namespace headless {
 namespace {

@@ -7,7 +7,7 @@
 #include "headless/viewport_module/painter.h"
 #include "headless/viewport_module/png_bytes.h"
 #include "headless/viewport_module/words.h"
-#include "platform/routine.h"
+#include "platform/modules.h"
 
 namespace headless {
 namespace {

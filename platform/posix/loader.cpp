@@ -5,13 +5,13 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/beside_program.h"
-#include "platform/load_failure.h"
+#include "platform/formats/text.h"
+#include "platform/modules.h"
 #include "platform/posix/guarded.h"
 #include "platform/posix/modules.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/window_table.h"
-#include "platform/registry_text/text.h"
+#include "platform/process.h"
 #include "platform/testing.h"
 #include "platform/win32.h"
 

@@ -1,10 +1,6 @@
 #include "platform/posix/native_path.h"
 
-#include <filesystem>
-#include <system_error>
-
-#include "platform/beside_program.h"
-#include "platform/registry_text/text.h"
+#include "platform/formats/text.h"
 
 namespace platform {
 
@@ -28,11 +24,6 @@ std::string NativeModulePath(std::string_view path) {
         native.replace(stem, foreign.size(), ".so");
     }
     return native;
-}
-
-std::filesystem::path ProgramFile() {
-    std::error_code error;
-    return std::filesystem::read_symlink("/proc/self/exe", error);
 }
 
 }  // namespace platform

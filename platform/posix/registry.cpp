@@ -1,3 +1,5 @@
+#include "platform/registry.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -9,14 +11,12 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/beside_program.h"
-#include "platform/environment.h"
+#include "platform/formats/reg_file.h"
+#include "platform/formats/text.h"
 #include "platform/posix/guarded.h"
 #include "platform/posix/handle_table.h"
 #include "platform/posix/native_path.h"
-#include "platform/registry_text/reg_file.h"
-#include "platform/registry_text/text.h"
-#include "platform/stand_in_registry.h"
+#include "platform/process.h"
 #include "platform/testing.h"
 #include "platform/win32.h"
 

@@ -4,9 +4,9 @@
 #include <optional>
 #include <string_view>
 
+#include "platform/formats/text.h"
 #include "platform/posix/guarded.h"
 #include "platform/posix/modules.h"
-#include "platform/registry_text/text.h"
 
 namespace platform {
 namespace {

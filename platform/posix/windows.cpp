@@ -3,9 +3,9 @@
 #include <limits>
 #include <utility>
 
+#include "platform/formats/text.h"
 #include "platform/posix/guarded.h"
 #include "platform/posix/window_table.h"
-#include "platform/registry_text/text.h"
 #include "platform/win32.h"
 
 namespace platform {

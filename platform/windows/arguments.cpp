@@ -1,6 +1,5 @@
-#include "platform/arguments.h"
-
 #include "platform/narrow_path.h"
+#include "platform/process.h"
 #include "platform/win32.h"
 // Comes after <windows.h>, whose types it needs.
 #include <shellapi.h>

@@ -1,5 +1,7 @@
-#include "platform/new_file.h"
-#include "platform/replace_file.h"
+#include "platform/files.h"
+
+#include <memory>
+
 #include "platform/win32.h"
 #include "platform/windows/last_error.h"
 
@@ -15,6 +17,14 @@ bool Flush(const std::string& path) {
     CloseHandle(file);
     SetLastError(reason);
     return isFlushed;
+}
+
+// The system's own full form, in which dots and blanks at the end are gone; empty if it has none.
+std::wstring FullName(const std::filesystem::path& path) {
+    const DWORD room = GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
+    std::wstring name(room, L'\0');
+    name.resize(GetFullPathNameW(path.c_str(), room, name.data(), nullptr));
+    return name;
 }
 
 }  // namespace
@@ -36,6 +46,34 @@ NewFile MakeNewFile(const std::string& path, std::string& reason) {
     if (GetLastError() == ERROR_FILE_EXISTS) return NewFile::kNameTaken;
     reason = WordsForLastError();
     return NewFile::kRefused;
+}
+
+bool AreSameFile(const std::string& first, const std::string& second) {
+    const std::filesystem::path one = FromNarrow(first);
+    const std::filesystem::path other = FromNarrow(second);
+    std::error_code error;
+    if (std::filesystem::equivalent(one, other, error)) return true;
+    const std::wstring name = FullName(one);
+    constexpr int kWhole = -1;  // up to the NUL
+    return !name.empty() && CompareStringOrdinal(name.c_str(), kWhole, FullName(other).c_str(),
+                                                 kWhole, TRUE) == CSTR_EQUAL;
+}
+
+std::vector<std::string> NamesInFolder(const std::string& folder) {
+    struct Close {
+        void operator()(void* search) const { FindClose(search); }
+    };
+    std::vector<std::string> names;
+    WIN32_FIND_DATAW entry;
+    const std::wstring all = (FromNarrow(folder) / L"*").wstring();
+    HANDLE const found = FindFirstFileW(all.c_str(), &entry);
+    if (found == INVALID_HANDLE_VALUE) return names;
+    const std::unique_ptr<void, Close> search(found);
+    do {
+        std::string name = ToNarrow(std::filesystem::path(entry.cFileName));
+        if (!name.empty()) names.push_back(std::move(name));
+    } while (FindNextFileW(found, &entry));
+    return names;
 }
 
 }  // namespace platform

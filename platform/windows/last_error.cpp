@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "platform/win32.h"
+#include "platform/modules.h"
 
 namespace platform {
 
@@ -22,6 +22,10 @@ std::string WordsFor(unsigned long error) {
 
 std::string WordsForLastError() {
     return WordsFor(GetLastError());
+}
+
+std::string LastLoadFailure() {
+    return WordsForLastError();
 }
 
 }  // namespace platform

@@ -1,11 +1,10 @@
+#include "platform/process.h"
+
 #include <io.h>
 
 #include <cstdio>
 #include <cstdlib>
 
-#include "platform/beside_program.h"
-#include "platform/environment.h"
-#include "platform/terminal.h"
 #include "platform/win32.h"
 
 namespace platform {

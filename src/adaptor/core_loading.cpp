@@ -5,7 +5,7 @@
 #include "adaptor/trace_file.h"
 #include "adaptor/utility_manager.h"
 #include "core_link/core_call.h"
-#include "platform/routine.h"
+#include "platform/modules.h"
 #include "resources/resource_ids.h"
 #include "tvl/error_code.h"
 #include "tvl/ids.h"

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "foundation/thrown.h"
-#include "platform/environment.h"
+#include "platform/process.h"
 
 namespace {
 

@@ -7,7 +7,8 @@
 #include <set>
 #include <string>
 
-#include "platform/beside_program.h"
+#include "platform/modules.h"
+#include "platform/process.h"
 #include "tests/end_to_end/command.h"
 #include "tests/end_to_end/stage.h"
 

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "platform/environment.h"
+#include "platform/process.h"
 #include "tests/support/folder/surroundings.h"
 
 namespace {

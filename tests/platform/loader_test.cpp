@@ -5,7 +5,7 @@
 #include <fstream>
 #include <string>
 
-#include "platform/load_failure.h"
+#include "platform/modules.h"
 #include "platform/testing.h"
 #include "platform/win32.h"
 #include "tests/platform/message_recorder.h"

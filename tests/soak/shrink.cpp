@@ -7,7 +7,7 @@
 #include <iterator>
 #include <stdexcept>
 
-#include "platform/environment.h"
+#include "platform/process.h"
 #include "tests/support/folder/temporary_folder.h"
 
 namespace soak {

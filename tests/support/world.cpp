@@ -5,7 +5,7 @@
 #include "adaptor/max_adaptor_interface.h"
 #include "headless/scene_view.h"
 #include "host/hold.h"
-#include "platform/environment.h"
+#include "platform/process.h"
 #include "plugin/descriptors.h"
 #include "tests/support/folder/surroundings.h"
 

@@ -1,12 +1,13 @@
+#include "platform/files.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <string>
 
 #include "headless/session.h"
-#include "platform/beside_program.h"
 #include "platform/narrow_path.h"
-#include "platform/same_file.h"
+#include "platform/process.h"
 #include "platform/testing.h"
 #include "platform/win32.h"
 #include "tests/support/folder/surroundings.h"

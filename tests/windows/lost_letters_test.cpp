@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <string>
 
-#include "platform/environment.h"
 #include "platform/narrow_path.h"
+#include "platform/process.h"
 #include "platform/testing.h"
 #include "tests/support/folder/surroundings.h"
 

@@ -1,3 +1,5 @@
+#include "platform/registry.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -6,7 +8,6 @@
 
 #include "adaptor/install_paths.h"
 #include "platform/narrow_path.h"
-#include "platform/stand_in_registry.h"
 #include "platform/win32.h"
 #include "tests/support/folder/temporary_folder.h"
 #include "tests/support/world.h"
@@ -95,7 +96,7 @@ TEST_F(RealRegistry, KnowsTheDocumentsFolderOfTheUser) {
 }
 
 // Such a file is what the system's own editor exports.
-TEST(AStandInForTheRegistry, TakesAFileOfUtf16) {
+TEST(ASubstituteRegistry, TakesAFileOfUtf16) {
     const TemporaryFolder folder;
     const std::wstring text =
         L"\xFEFFWindows Registry Editor Version 5.00\r\n"

@@ -1,3 +1,5 @@
+#include <malloc.h>
+
 #include <array>
 #include <cstring>
 #include <string>
@@ -72,16 +74,20 @@ std::wstring Describe(HANDLE handle, OBJECT_INFORMATION_CLASS what) {
 constexpr auto kNameOfObject = static_cast<OBJECT_INFORMATION_CLASS>(1);
 constexpr auto kTypeOfObject = static_cast<OBJECT_INFORMATION_CLASS>(2);
 
-// A key below one of the roots that stand in for the real ones.
-bool IsStandInKey(HANDLE handle) {
+// A key below one of the roots that are there instead of the real ones.
+bool IsSubstituteKey(HANDLE handle) {
     if (Describe(handle, kTypeOfObject) != L"Key") return false;
     const std::wstring name = Describe(handle, kNameOfObject);
-    const std::size_t place = name.find(L"\\Stand-ins\\");
+    const std::size_t place = name.find(L"\\Substitutes\\");
     const std::size_t root = place == std::wstring::npos ? place : name.find(L"\\hkey_", place);
     return root != std::wstring::npos && name.find(L'\\', root + 1) != std::wstring::npos;
 }
 
 }  // namespace
+
+std::size_t RoomOfBlock(void* block) {
+    return block ? _msize(block) : 0;
+}
 
 std::size_t CountLoadedModules() {
     return CountOwnModules() - modulesAtStart;
@@ -98,7 +104,7 @@ std::size_t CountOpenKeys() {
     constexpr std::uintptr_t kFarthest = 0x4000;
     std::size_t count = 0;
     for (std::uintptr_t value = kStep; value < kFarthest; value += kStep)
-        if (IsStandInKey(reinterpret_cast<HANDLE>(value))) ++count;
+        if (IsSubstituteKey(reinterpret_cast<HANDLE>(value))) ++count;
     return count;
 }
 

@@ -1,7 +1,7 @@
 #include <cstdint>
 
 #include "host/class_desc.h"
-#include "platform/routine.h"
+#include "platform/modules.h"
 #include "plugin/descriptors.h"
 
 // The routines by which the host knows a plug-in library. Their ordinals on Windows stand in

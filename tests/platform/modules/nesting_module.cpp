@@ -1,7 +1,7 @@
 // Loads the telling module while it is entered itself, and has a dialog of its own.
 #include <string>
 
-#include "platform/routine.h"
+#include "platform/modules.h"
 #include "platform/win32.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // A module without entry point or resources, as a Core can be.
-#include "platform/routine.h"
+#include "platform/modules.h"
 #include "platform/win32.h"
 
 MODULE_ROUTINE int answer() {

@@ -1,5 +1,5 @@
 // Tells by message boxes when it is entered and left.
-#include "platform/routine.h"
+#include "platform/modules.h"
 #include "platform/win32.h"
 
 namespace {

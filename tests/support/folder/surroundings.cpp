@@ -1,7 +1,7 @@
 #include "tests/support/folder/surroundings.h"
 
 #include "platform/narrow_path.h"
-#include "platform/stand_in_registry.h"
+#include "platform/registry.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "platform/routine.h"
+#include "platform/modules.h"
 #include "tests/support/puppet/module/litter.h"
 #include "tests/support/puppet/stage.h"
 

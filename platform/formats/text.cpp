@@ -1,4 +1,4 @@
-#include "platform/registry_text/text.h"
+#include "platform/formats/text.h"
 
 #include <algorithm>
 #include <cstdint>

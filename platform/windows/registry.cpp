@@ -1,4 +1,4 @@
-#include "platform/stand_in_registry.h"
+#include "platform/registry.h"
 
 #include <array>
 #include <cstdio>
@@ -7,14 +7,14 @@
 #include <optional>
 #include <string>
 
-#include "platform/environment.h"
-#include "platform/registry_text/reg_file.h"
+#include "platform/formats/reg_file.h"
+#include "platform/process.h"
 #include "platform/win32.h"
 
 namespace platform {
 namespace {
 
-constexpr char kStandIns[] = "Software\\Tarvo Works\\Stand-ins";
+constexpr char kSubstitutes[] = "Software\\Tarvo Works\\Substitutes";
 
 struct Root {
     HKEY key;
@@ -54,12 +54,12 @@ void SetValue(HKEY key, const std::wstring& name, const RegValue& value) {
 }
 
 // Both roots of this process, turned to keys below one that bears the process's number.
-class StandIn {
+class SubstituteRegistry {
   public:
-    StandIn() = default;
-    StandIn(const StandIn&) = delete;
-    StandIn& operator=(const StandIn&) = delete;
-    ~StandIn() { TakeAway(); }
+    SubstituteRegistry() = default;
+    SubstituteRegistry(const SubstituteRegistry&) = delete;
+    SubstituteRegistry& operator=(const SubstituteRegistry&) = delete;
+    ~SubstituteRegistry() { TakeAway(); }
 
     void Place(const RegFile& file) {
         TakeAway();
@@ -77,7 +77,7 @@ class StandIn {
 
   private:
     static std::string Path() {
-        return std::string(kStandIns) + '\\' + std::to_string(GetCurrentProcessId());
+        return std::string(kSubstitutes) + '\\' + std::to_string(GetCurrentProcessId());
     }
 
     static void Fill(HKEY top, const std::string& root, const RegFile& file) {
@@ -102,9 +102,9 @@ class StandIn {
     bool isPlaced_ = false;
 };
 
-StandIn& TheStandIn() {
-    static StandIn standIn;
-    return standIn;
+SubstituteRegistry& TheSubstitute() {
+    static SubstituteRegistry substitute;
+    return substitute;
 }
 
 std::optional<std::string> ReadFile(const std::string& path) {
@@ -116,7 +116,7 @@ std::optional<std::string> ReadFile(const std::string& path) {
 }  // namespace
 
 void HideRegistry() {
-    TheStandIn().Place({});
+    TheSubstitute().Place({});
 }
 
 void UseRegistryFile(const std::string& path) {
@@ -125,7 +125,7 @@ void UseRegistryFile(const std::string& path) {
     if (!bytes) ReportUnreadable(path);
     const RegFile file = ParseRegFile(bytes.value_or(""));
     ReportDamage(path, file);
-    TheStandIn().Place(file);
+    TheSubstitute().Place(file);
 }
 
 void UseNamedRegistry() {

@@ -7,16 +7,24 @@
 #include "platform/narrow_path.h"
 #include "platform/platform_api.h"
 
+// The running process: its variables, its command line, its program and who reads it.
 namespace platform {
 
-// The name of a module's file.
-inline std::string ModuleFile(const std::string& module) {
-#if defined(_WIN32)
-    return module + ".dll";
-#else
-    return module + ".so";
-#endif
-}
+// Empty if it is not set. Letters that the code page lacks are '?', so that a path which has them
+// names nothing rather than another file.
+PLATFORM_API std::string Variable(const char* name);
+
+// Sets a variable of this process and of those that it starts. An empty value takes it away. False
+// if the system has no room for the value; the variable is as it was then.
+PLATFORM_API bool SetVariable(const char* name, const std::string& value);
+
+// A word of this process's command line that did not reach `main` as it was typed, since the code
+// page lacks a letter of it; as a message can tell it. Empty if there is none. Whoever went by such
+// a word would meet another file.
+PLATFORM_API std::string LostArgument();
+
+// Whether a person reads the standard error stream as it comes.
+PLATFORM_API bool IsErrorStreamATerminal();
 
 // The file of the running program; empty if the system does not tell.
 PLATFORM_API std::filesystem::path ProgramFile();

@@ -1,4 +1,4 @@
-#include "platform/registry_text/reg_file.h"
+#include "platform/formats/reg_file.h"
 
 #include <algorithm>
 #include <charconv>
@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <optional>
 
-#include "platform/registry_text/text.h"
+#include "platform/formats/text.h"
 
 namespace platform {
 namespace {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+
+#include "platform/platform_api.h"
 #include "platform/win32.h"
 
 // Marks a routine that a module exports by its name.
@@ -11,11 +14,23 @@
 
 namespace platform {
 
+// The name of a module's file.
+inline std::string ModuleFile(const std::string& module) {
+#if defined(_WIN32)
+    return module + ".dll";
+#else
+    return module + ".so";
+#endif
+}
+
 // A module's routine as the type that it really has; null if the module exports none of that name.
 template <class Type>
 Type* Routine(HMODULE module, const char* name) {
     // By way of the one type that every routine may be cast to and from.
     return reinterpret_cast<Type*>(reinterpret_cast<void (*)()>(GetProcAddress(module, name)));
 }
+
+// Why the last LoadLibraryA that failed did so, in the loader's own words; to be asked at once.
+PLATFORM_API std::string LastLoadFailure();
 
 }  // namespace platform

@@ -1,9 +1,11 @@
+#include "platform/testing.h"
+
+#include <malloc.h>
 #include <sys/wait.h>
 
 #include <cstdlib>
 #include <string>
-
-#include "platform/testing.h"
+#include <system_error>
 
 namespace platform {
 namespace {
@@ -13,6 +15,15 @@ std::string Quoted(const std::filesystem::path& path) {
 }
 
 }  // namespace
+
+std::size_t RoomOfBlock(void* block) {
+    return malloc_usable_size(block);
+}
+
+void RemoveFolder(const std::filesystem::path& folder) {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder, ignored);
+}
 
 int RunProgram(const ProgramRun& run) {
     const std::string line = "cd " + Quoted(run.folder) + " && " + Quoted(run.program) + ' ' +
