@@ -57,7 +57,7 @@ class SceneCommand : public Command {
 TEST_F(SceneCommand, TakesComeBackWhoeverOpenedAndSavedTheirSceneInBetween) {
     if (!std::filesystem::exists(kRealCapture)) GTEST_SKIP() << "assimp-testmodels is missing";
     const std::string recorded = File("recorded");
-    Do("record " + std::string(kRealCapture) + " --scene " + recorded + " --poses " +
+    Do("record " + kRealCapture + " --scene " + recorded + " --poses " +
        File("recorded.csv"));
     ExpectTakes(Open(recorded, File("core")), {"01_01"}, 32);
     EXPECT_EQ(Differences(recorded, File("core")), "");

@@ -7,6 +7,7 @@
 
 #include "headless/scene_view.h"
 #include "headless/session.h"
+#include "tests/support/captures.h"
 #include "tests/support/folder/temporary_folder.h"
 
 // The whole system as a person meets it: a running host with the real plug-in and the example Core,
@@ -52,9 +53,6 @@ struct Place {
     double x, y, z;
 };
 Place PlaceOf(std::string_view hostName, int ticks, double hostUnitsPerMetre);
-
-// A capture of a person who turns round, from Debian's assimp-testmodels.
-inline constexpr char kRealCapture[] = "/usr/share/assimp/models/BVH/01_01.bvh";
 
 inline constexpr double kUnitsPerMetre = 39.37;  // of the host's, at its start
 inline constexpr int kTicksPerFrame = 240;  // of the walk, at the host's 4800 ticks in a second

@@ -302,17 +302,20 @@ def main():
     verbs = [given.verb] if given.verb else VERBS
     if not (binaries / "headless_viewport.so").exists():
         verbs = [name for name in verbs if name != "render"]
-    kinds = [given.kind] if given.kind else LIES if given.lies else REFUSALS + SURVIVED + DEATHS
-    everything = collections.Counter()
+    honest = DEATHS if given.lies else REFUSALS + SURVIVED + DEATHS
+    kinds = [given.kind] if given.kind else honest + LIES * given.lies
+    everything, is_seen = collections.Counter(), True
     for name in verbs:
         verb = Verb(places[0], name, inputs)
         if given.n:
             return show(places[0], verb, given.kind, given.n)
         for kind in kinds:
             stride = STRIDES.get(kind, STRIDE) * SLOWER.get(name, 1) if given.sample else 1
-            everything += sweep(places, verb, kind, itertools.count(1 + stride // 2, stride))
+            figures = sweep(places, verb, kind, itertools.count(1 + stride // 2, stride))
+            everything += figures
+            is_seen &= (figures["faults"] > 0) == (kind in LIES)
     tell("all", everything)
-    return 0 if (everything["faults"] > 0) == given.lies else 1
+    return 0 if is_seen else 1
 
 
 sys.exit(main())

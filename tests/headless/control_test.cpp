@@ -10,10 +10,6 @@ Matrix3 Turned(double degrees, const Point3& at = {}) {
     return TurnedAboutZ(degrees) * MovedBy(at);
 }
 
-void ExpectNear(const Matrix3& actual, const Matrix3& expected) {
-    ExpectNear(actual, expected, 1e-5f);
-}
-
 class ControlTest : public HostWorld {
   protected:
     ~ControlTest() override {

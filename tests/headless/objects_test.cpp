@@ -270,9 +270,6 @@ class BendTest : public HostWorld {
     static const Mesh& Shown(INode* node, TimeValue t) {
         return static_cast<TriObject*>(node->EvalWorldState(t).obj)->GetMesh();
     }
-    static void ExpectNear(const Point3& p, const Point3& expected) {
-        EXPECT_NEAR(Length(p - expected), 0, 1e-5) << p.x << ' ' << p.y << ' ' << p.z;
-    }
 };
 
 TEST_F(BendTest, ALineBecomesAnArcThatGrowsWithTime) {

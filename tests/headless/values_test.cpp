@@ -10,12 +10,6 @@ namespace {
 constexpr std::uint32_t kAllIdentity =
     Matrix3::kPositionIdentity | Matrix3::kRotationIdentity | Matrix3::kScaleIdentity;
 
-void ExpectNear(const Point3& a, const Point3& b) {
-    EXPECT_NEAR(a.x, b.x, 1e-5f);
-    EXPECT_NEAR(a.y, b.y, 1e-5f);
-    EXPECT_NEAR(a.z, b.z, 1e-5f);
-}
-
 TEST(Values, ProductsAndInversesAddFromLeftToRightInSinglePrecision) {
     // 1e8 swallows the 1 only if it is added first; the sum of three terms tells the order.
     const Matrix3 left({1, 1, 1}, {0, 1, 0}, {0, 0, 1}, {});

@@ -6,16 +6,11 @@
 #include <numbers>
 #include <random>
 
+#include "tests/support/matrices.h"
+
 namespace {
 
 constexpr double kRightAngle = std::numbers::pi / 2;
-
-void ExpectNear(const Quaternion& a, const Quaternion& b) {
-    EXPECT_NEAR(a.x, b.x, 1e-12);
-    EXPECT_NEAR(a.y, b.y, 1e-12);
-    EXPECT_NEAR(a.z, b.z, 1e-12);
-    EXPECT_NEAR(a.w, b.w, 1e-12);
-}
 
 TEST(Quaternion, EveryBranchOfTheDiagonalGivesTheRotationBack) {
     std::mt19937 random(7);
@@ -23,11 +18,11 @@ TEST(Quaternion, EveryBranchOfTheDiagonalGivesTheRotationBack) {
     for (int i = 0; i < 2000; ++i) {
         const RotationVector r{number(random) * 3, number(random) * 3, number(random) * 3};
         const Quaternion q = WithPositiveW(QuatExp(r));
-        ExpectNear(QuatFromMatrix(QuatToMatrix(q)), q);
+        ExpectNear(QuatFromMatrix(QuatToMatrix(q)), q, 1e-12);
     }
     // Half turns about the axes, one for each of the other three sums.
     for (const Quaternion& q : {Quaternion{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}})
-        ExpectNear(QuatFromMatrix(QuatToMatrix(q)), q);
+        ExpectNear(QuatFromMatrix(QuatToMatrix(q)), q, 1e-12);
 }
 
 TEST(Quaternion, AQuarterTurnAboutZTurnsXIntoYForRowVectors) {
@@ -39,9 +34,9 @@ TEST(Quaternion, AQuarterTurnAboutZTurnsXIntoYForRowVectors) {
 
 TEST(Quaternion, RowsOfAnyLengthAreNormalisedAndOneOfLengthZeroIsTheYAxis) {
     const TVL::CMatrix4 scaled{{{0, 4, 0, 0}, {-0.5, 0, 0, 0}, {0, 0, 9, 0}, {1, 2, 3, 1}}};
-    ExpectNear(QuatFromMatrix(scaled), QuatExp({0, 0, kRightAngle}));
+    ExpectNear(QuatFromMatrix(scaled), QuatExp({0, 0, kRightAngle}), 1e-12);
     const TVL::CMatrix4 flat{{{1, 0, 0, 0}, {0, 0, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}};
-    ExpectNear(QuatFromMatrix(flat), Quaternion{});
+    ExpectNear(QuatFromMatrix(flat), Quaternion{}, 1e-12);
 }
 
 TEST(Quaternion, TheLogarithmGoesTheShorterWayAndBearsRoundingBeyondOne) {
@@ -62,7 +57,7 @@ TEST(Quaternion, AProductTurnsFirstByTheRightFactorsMatrix) {
         for (int column = 0; column < 3; ++column)
             EXPECT_NEAR(together[row][column], apart[row][column], 1e-12);
     }
-    ExpectNear(p * Conjugate(p), Quaternion{});
+    ExpectNear(p * Conjugate(p), Quaternion{}, 1e-12);
 }
 
 }  // namespace

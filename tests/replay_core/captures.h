@@ -6,6 +6,7 @@
 #include "replay_core/motion/motion.h"
 #include "replay_core/motion/read_error.h"
 #include "replay_core/motion/read_frames.h"
+#include "tests/support/captures.h"
 
 // A capture of two joints, an end site, nine channels and two frames on 20 lines.
 inline constexpr std::string_view kStep =
@@ -29,9 +30,6 @@ inline constexpr std::string_view kStep =
     "Frame Time: 0.25\n"
     "0 10 0 0 0 0 90 0 0\n"
     "1 10 2 0 45 0 0 30 -60\n";
-
-// The folder of the real captures that Debian's package assimp-testmodels brings.
-inline constexpr std::string_view kRealCaptures = "/usr/share/assimp/models/BVH/";
 
 // Reads a capture called "step.bvh" that must be whole; otherwise the test fails with the error and
 // the motion is empty.

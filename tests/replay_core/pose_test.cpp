@@ -130,7 +130,7 @@ struct RealCapture {
 };
 
 std::string TextOf(const char* name) {
-    std::ifstream file(std::string(kRealCaptures) + name, std::ios::binary);
+    std::ifstream file(kRealCaptures + name, std::ios::binary);
     EXPECT_TRUE(file.is_open()) << name << " of the package assimp-testmodels";
     return {std::istreambuf_iterator<char>(file), {}};
 }

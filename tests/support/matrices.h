@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <string>
 
 #include "host/matrix3.h"
 
@@ -30,9 +31,24 @@ inline Matrix3 TurnedAboutZ(double degrees) {
     return matrix;
 }
 
-inline void ExpectNear(const Matrix3& actual, const Matrix3& expected, float tolerance) {
-    for (int row = 0; row < 4; ++row)
-        for (int column = 0; column < 3; ++column)
-            EXPECT_NEAR(actual.m[row][column], expected.m[row][column], tolerance)
-                << "row " << row << ", column " << column;
+// Both hold to 1e-5 unless a test says otherwise. A value is a point or a quaternion.
+
+template <class Value>
+requires requires(const Value& value) {
+    value.z;
+}
+void ExpectNear(const Value& actual, const Value& expected, double tolerance = 1e-5) {
+    EXPECT_NEAR(actual.x, expected.x, tolerance);
+    EXPECT_NEAR(actual.y, expected.y, tolerance);
+    EXPECT_NEAR(actual.z, expected.z, tolerance);
+    if constexpr (requires { actual.w; }) {
+        EXPECT_NEAR(actual.w, expected.w, tolerance);
+    }
+}
+
+inline void ExpectNear(const Matrix3& actual, const Matrix3& expected, double tolerance = 1e-5) {
+    for (int row = 0; row < 4; ++row) {
+        SCOPED_TRACE("row " + std::to_string(row));
+        ExpectNear(actual.GetRow(row), expected.GetRow(row), tolerance);
+    }
 }
