@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -11,14 +12,18 @@ namespace TVL {
 // The order of the virtual operations is part of the contract.
 class CExtendable {
   public:
-    // Runs extension `id`. An id that the object does not know gives 0 and has no effect.
-    virtual std::intptr_t HandleExtension(int id, void* argument);
+    // Runs an extension, by its id and with its argument. An id that the object does not know gives
+    // 0 and has no effect.
+    virtual std::intptr_t HandleExtension(int, void*) { return 0; }
 
     // The ids that the object announces, in an order of its own.
-    virtual std::vector<int> ListExtensions();
+    virtual std::vector<int> ListExtensions() { return {}; }
 
     // Whether `id` stands in ListExtensions().
-    virtual bool HasExtension(int id);
+    virtual bool HasExtension(int id) {
+        const std::vector<int> ids = ListExtensions();
+        return std::find(ids.begin(), ids.end(), id) != ids.end();
+    }
 
   protected:
     CExtendable() = default;

@@ -78,6 +78,9 @@ class XMLNode {
     // and the result is this node.
     XMLNode& AddChild(const XMLNode& node);
 
+    // The same without a copy. The node is not null.
+    XMLNode& AddChild(std::unique_ptr<XMLNode> node);
+
     // Deletes the first child of the same kind, name and attributes, whatever its children.
     bool RemoveChild(const XMLNode& node);
 

@@ -4,7 +4,7 @@
 #include "adaptor/panel.h"
 #include "adaptor/trace_file.h"
 #include "adaptor/utility_manager.h"
-#include "core_link/core_call.h"
+#include "core_link/core_link.h"
 #include "platform/modules.h"
 #include "resources/resource_ids.h"
 #include "tvl/error_code.h"

@@ -4,7 +4,7 @@
 
 #include "adaptor/max_adaptor_interface.h"
 #include "adaptor/trace_file.h"
-#include "core_link/core_call.h"
+#include "core_link/core_link.h"
 #include "nodes/node_list.h"
 #include "nodes/node_sweep.h"
 #include "scene_state/tagged_nodes.h"

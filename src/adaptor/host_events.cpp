@@ -5,7 +5,7 @@
 #include <iterator>
 
 #include "adaptor/utility_manager.h"
-#include "core_link/core_call.h"
+#include "core_link/core_link.h"
 #include "nodes/host_node_link.h"
 #include "nodes/mesh_cache.h"
 #include "nodes/node_list.h"

@@ -7,7 +7,7 @@
 #include "adaptor/xml_resource.h"
 #include "controllers/conversion.h"
 #include "core_link/core_answer.h"
-#include "core_link/core_call.h"
+#include "core_link/core_link.h"
 #include "host/interface.h"
 #include "measures/host_clock.h"
 #include "nodes/merging.h"

@@ -2,7 +2,6 @@
 #include <utility>
 
 #include "adaptor/host_events.h"
-#include "core_link/core_call.h"
 #include "core_link/core_link.h"
 #include "host/node.h"
 #include "nodes/max_node.h"

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "adaptor/utility_manager.h"
-#include "core_link/core_call.h"
+#include "core_link/core_link.h"
 #include "host/interface.h"
 #include "resources/resource_ids.h"
 #include "scene_state/gather_state.h"

@@ -2,7 +2,7 @@
 
 #include "adaptor/host_events.h"
 #include "adaptor/trace_file.h"
-#include "core_link/core_call.h"
+#include "core_link/core_link.h"
 #include "host/interface.h"
 #include "measures/host_clock.h"
 #include "scene_state/state_chunk.h"

@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "platform/win32.h"
-#include "resources/module_instance.h"
+#include "resources/resource_ids.h"
 
 namespace {
 
@@ -11,7 +11,7 @@ constexpr const char* kXmlType = "XMLFile";
 
 // All bytes of the resource, which stay the module's.
 std::string_view ResourceText(int id) {
-    const HMODULE module = ModuleInstance();
+    const HMODULE module = theModule;
     const HRSRC resource = FindResourceA(module, MAKEINTRESOURCEA(id), kXmlType);
     if (!resource) return {};
     const DWORD size = SizeofResource(module, resource);

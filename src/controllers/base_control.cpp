@@ -2,10 +2,8 @@
 
 #include <utility>
 
+#include "controllers/host_controls.h"
 #include "controllers/key_restore.h"
-#include "controllers/key_sampling.h"
-#include "controllers/key_storage.h"
-#include "controllers/new_control.h"
 #include "core_link/core_link.h"
 #include "host/interface.h"
 #include "platform/win32.h"
@@ -29,6 +27,12 @@ BaseControl<T>::BaseControl(SClass_ID superClass, Class_ID id, std::string name)
 
 template <class T>
 BaseControl<T>::~BaseControl() = default;
+
+template <class T>
+template <template <class, class> class Record, class... Given>
+void BaseControl<T>::PutRecord(Given... given) {
+    if (theHold.Holding()) theHold.Put(new Record<BaseControl, Key>(*this, given...));
+}
 
 template <class T>
 void BaseControl<T>::GetClassName(HostString& name) {
@@ -101,9 +105,7 @@ void BaseControl<T>::DeleteTime(Interval range, std::uint32_t flags) {
     std::int32_t behindLast = table.FirstAfter(range.End());
     if (table.At(behindLast - 1).time == range.End() && !(flags & TIME_INCRIGHT)) --behindLast;
 
-    if (theHold.Holding()) {
-        theHold.Put(new ControlCompleteKeyRestore<BaseControl, Key>(*this, first, behindLast));
-    }
+    PutRecord<ControlCompleteKeyRestore>(first, behindLast);
     while (behindLast > first)
         table.Remove(--behindLast);
 }
@@ -125,9 +127,7 @@ void BaseControl<T>::DeleteKeys(std::uint32_t flags) {
 template <class T>
 void BaseControl<T>::DeleteKeyByIndex(int index) {
     if (!table.Contains(index)) return;
-    if (theHold.Holding()) {
-        theHold.Put(new ControlKeyDeleteRestore<BaseControl, Key>(*this, index));
-    }
+    PutRecord<ControlKeyDeleteRestore>(index);
     table.Remove(index);
 }
 
@@ -220,28 +220,23 @@ TarvoKey<T> BaseControl<T>::GetKeyAtTime(TimeValue t) {
 
 template <class T>
 void BaseControl<T>::AddKey(const Key& key) {
-    const bool isHeld = theHold.Holding();
-    const KeyName name = isHeld ? table.names.New() : kNoName;
-    if (table.EndsBefore(key.time)) {
-        if (isHeld) {
-            theHold.Put(new ControlKeyAppendRestore<BaseControl, Key>(*this, key.time, name));
-        }
-        return table.Insert(table.Count(), key, name);
-    }
-    const std::int32_t index = table.FirstNotBefore(key.time);
-    if (table.At(index).time == key.time) {
-        if (isHeld) theHold.Put(new ControlKeyModRestore<BaseControl, Key>(*this, index, name));
+    const KeyName name = theHold.Holding() ? table.names.New() : kNoName;
+    const bool isLast = table.EndsBefore(key.time);
+    const std::int32_t index = isLast ? table.Count() : table.FirstNotBefore(key.time);
+    if (isLast) {
+        PutRecord<ControlKeyAppendRestore>(index, key.time, name);
+    } else if (table.At(index).time == key.time) {
+        PutRecord<ControlKeyModRestore>(index, name);
         return table.Overwrite(index, key, name);
-    }
-    if (isHeld) {
-        theHold.Put(new ControlKeyInsertRestore<BaseControl, Key>(*this, index, key.time, name));
+    } else {
+        PutRecord<ControlKeyInsertRestore>(index, key.time, name);
     }
     table.Insert(index, key, name);
 }
 
 template <class T>
 void BaseControl<T>::HoldCurrentKey() {
-    if (theHold.Holding()) theHold.Put(new ControlKeyModRestore<BaseControl, Key>(*this));
+    PutRecord<ControlKeyModRestore>();
 }
 
 template <class T>

@@ -8,6 +8,11 @@
 template <class C, class K>
 class KeyRestore;
 
+// Tells whatever depends on `changed` that it has changed, for all time and in every part.
+inline void AnnounceChange(ReferenceTarget& changed) {
+    changed.NotifyDependents(FOREVER, PART_ALL, REFMSG_CHANGE, NOTIFY_ALL, true, nullptr);
+}
+
 // A keyframe controller over one table of whole values, float or Matrix3. It answers the host's key
 // operations from that table; the concrete classes add evaluation, SetValue and their identity.
 //
@@ -59,7 +64,7 @@ class BaseControl : public Control {
     void MouseCycleCompleted(TimeValue t) override;
     void MouseCycleStarted(TimeValue t) override;
 
-    // One chunk; see key_storage.h. What is damaged is left out, what is whole is kept.
+    // One chunk; see SaveKeys. What is damaged is left out, what is whole is kept.
     IOResult Save(ISave* save) override;
     IOResult Load(ILoad* load) override;
     RefResult NotifyRefChanged(Interval changed, RefTargetHandle target, PartID& part,
@@ -94,6 +99,10 @@ class BaseControl : public Control {
 
   private:
     friend class KeyRestore<BaseControl, Key>;
+
+    // Puts a record of what is about to change on the hold, if one is open.
+    template <template <class, class> class Record, class... Given>
+    void PutRecord(Given... given);
 
     SClass_ID superClassID;
     Class_ID classID;

@@ -1,6 +1,6 @@
 #include "controllers/conversion.h"
 
-#include "controllers/new_control.h"
+#include "controllers/host_controls.h"
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
 #include "host/animate.h"

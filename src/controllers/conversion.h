@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/win32.h"
+
 class ScalarControl;
 class TransformControl;
 
@@ -20,3 +22,7 @@ void ConvertToScalarController(ScalarControl* source);
 // All of them, transforms before scalars, from the newest to the oldest. Controllers that nothing
 // in the scene refers to, such as those converted before, are left alone.
 void ConvertAllControllers();
+
+// The procedure of the page with the button that converts a TransformControl, which is the page's
+// parameter.
+INT_PTR CALLBACK ConvertPanelDlgProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

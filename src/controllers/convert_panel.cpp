@@ -1,11 +1,11 @@
-#include "controllers/convert_panel.h"
-
 #include "controllers/conversion.h"
 #include "controllers/transform_control.h"
 #include "foundation/thrown.h"
 #include "host/interface.h"
-#include "resources/module_instance.h"
 #include "resources/resource_ids.h"
+
+// The page of a TransformControl in the motion panel: one button, which converts the controller.
+// The window's user data is the controller until it has been converted.
 
 namespace {
 
@@ -21,13 +21,21 @@ void StoreController(HWND page, const TransformControl* controller) {
 
 }  // namespace
 
-HWND AddConvertPage(IObjParam& ip, TransformControl& controller) {
-    return ip.AddRollupPage(ModuleInstance(), MAKEINTRESOURCEA(ConvertDialog), ConvertPanelDlgProc,
-                            kPageTitle, reinterpret_cast<LPARAM>(&controller), 0, PageCategory);
+void TransformControl::BeginEditParams(IObjParam* ip, std::uint32_t, Animatable*) {
+    LeavePage();
+    editInterface = ip;
+    rollupWindow =
+        ip->AddRollupPage(theModule, MAKEINTRESOURCEA(ConvertDialog), ConvertPanelDlgProc,
+                          kPageTitle, reinterpret_cast<LPARAM>(this), 0, PageCategory);
 }
 
-void ForgetController(HWND page, const TransformControl& controller) {
-    if (StoredController(page) == &controller) StoreController(page, nullptr);
+void TransformControl::EndEditParams(IObjParam* ip, std::uint32_t, Animatable*) {
+    ip->DeleteRollupPage(rollupWindow);
+    rollupWindow = nullptr;
+}
+
+void TransformControl::LeavePage() {
+    if (StoredController(rollupWindow) == this) StoreController(rollupWindow, nullptr);
 }
 
 INT_PTR CALLBACK ConvertPanelDlgProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {

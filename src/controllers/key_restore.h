@@ -1,11 +1,9 @@
 #pragma once
 
-#include <algorithm>
 #include <utility>
 #include <vector>
 
 #include "controllers/base_control.h"
-#include "controllers/change_notification.h"
 #include "foundation/thrown.h"
 #include "host/hold.h"
 
@@ -22,132 +20,113 @@ class KeyRestore : public RestoreObj {
   public:
     // The host hears of no exception. A step that finds no memory is not made, nor taken back.
     void Restore(int isUndo) final {
-        Make("undo of a key", [&] { TakeBack(isUndo); });
+        Make("undo of a key", [&] { return TakeBack(isUndo != 0); });
     }
     void Redo() final {
-        Make("redo of a key", [&] { DoAgain(); });
+        Make("redo of a key", [&] { return DoAgain(); });
     }
 
   protected:
     explicit KeyRestore(C& changed) : controller(&changed) {}
 
-    virtual void TakeBack(int isUndo) = 0;
-    virtual void DoAgain() = 0;
+    // False if they have done nothing. A hold that is cancelled is taken back with `isUndo` false,
+    // and nothing will be done again.
+    virtual bool TakeBack(bool isUndo) = 0;
+    virtual bool DoAgain() = 0;
 
     auto& Table() const { return controller->table; }
-    void Announce() const { AnnounceChange(*controller); }
-
-    // Puts `key` back, at `index` if that is still its place; false if its time has a key by now,
-    // or the value has lost its meaning.
-    bool PutBack(std::int32_t index, const K& key, KeyName name) const {
-        const std::int32_t place = Table().PlaceFor(key.time, index);
-        if (place < 0 || !Table().names.IsValid(name)) return false;
-        Table().Insert(place, key, name);
-        return true;
-    }
-
-    // Moves the key of that name out of the table; false if it is not there.
-    bool TakeOut(std::int32_t index, TimeValue time, KeyName name, K& key) const {
-        const std::int32_t place = Table().IndexOf(time, name, index);
-        if (place < 0) return false;
-        key = Table().At(place);
-        Table().Remove(place);
-        return true;
-    }
 
     C* controller;
 
   private:
     template <class Step>
-    static void Make(const char* name, Step step) {
-        const auto thrown = TVL::ThrownBy(step);
+    void Make(const char* name, Step step) const {
+        const auto thrown = TVL::ThrownBy([&] {
+            if (step()) AnnounceChange(*controller);
+        });
         if (thrown) TVL::TraceThrown(name, *thrown);
     }
 };
 
-// A key pushed at the end.
+// A key that comes or goes: on one side of its step it is in the table, on the other here.
 template <class C, class K>
-class ControlKeyAppendRestore : public KeyRestore<C, K> {
-  public:
-    ControlKeyAppendRestore(C& changed, TimeValue at, KeyName comes)
-        : KeyRestore<C, K>(changed), time(at), name(comes) {}
+class KeyPresenceRestore : public KeyRestore<C, K> {
+  protected:
+    // Comes to `place`.
+    KeyPresenceRestore(C& changed, std::int32_t place, TimeValue at, KeyName comes)
+        : KeyRestore<C, K>(changed), index(place), time(at), name(comes), isAddition(true) {}
 
-    void TakeBack(int) override {
-        if (undone || !this->TakeOut(this->Table().Count() - 1, time, name, key)) return;
-        undone = true;
-        this->Announce();
-    }
-    void DoAgain() override {
-        if (!undone || !this->PutBack(this->Table().Count(), key, name)) return;
-        undone = false;
-        this->Announce();
-    }
-
-  private:
-    K key;
-    bool undone = false;
-    TimeValue time;
-    KeyName name;
-};
-
-// A key inserted so that it has `index`.
-template <class C, class K>
-class ControlKeyInsertRestore : public KeyRestore<C, K> {
-  public:
-    ControlKeyInsertRestore(C& changed, std::int32_t place, TimeValue at, KeyName comes)
-        : KeyRestore<C, K>(changed), index(place), time(at), name(comes) {}
-
-    void TakeBack(int) override {
-        if (undone || !this->TakeOut(index, time, name, key)) return;
-        undone = true;
-        this->Announce();
-    }
-    void DoAgain() override {
-        if (!undone || !this->PutBack(index, key, name)) return;
-        undone = false;
-        this->Announce();
-    }
-
-  private:
-    K key;
-    bool undone = false;
-    std::int32_t index;
-    TimeValue time;
-    KeyName name;
-};
-
-// The key at `index`, removed.
-template <class C, class K>
-class ControlKeyDeleteRestore : public KeyRestore<C, K> {
-  public:
-    ControlKeyDeleteRestore(C& changed, std::int32_t at)
+    // Goes from `place`.
+    KeyPresenceRestore(C& changed, std::int32_t place)
         : KeyRestore<C, K>(changed),
-          key(this->Table().At(at)),
-          index(at),
-          name(this->Table().names.Give(at)) {}
-
-    void TakeBack(int) override {
-        if (undone || !this->PutBack(index, key, name)) return;
-        undone = true;
-        this->Announce();
-    }
-    void DoAgain() override {
-        K removed;
-        if (!undone || !this->TakeOut(index, key.time, name, removed)) return;
-        undone = false;
-        this->Announce();
-    }
+          key(this->Table().At(place)),
+          index(place),
+          time(key.time),
+          name(this->Table().names.Give(place)),
+          isAddition(false) {}
 
   private:
+    bool TakeBack(bool) final { return Turn(true); }
+    bool DoAgain() final { return Turn(false); }
+
+    bool Turn(bool toUndone) {
+        if (undone == toUndone || !(toUndone == isAddition ? TakeOut() : PutBack())) return false;
+        undone = toUndone;
+        return true;
+    }
+
+    // An added key comes back as it was when it was undone, a deleted one as it was deleted.
+    bool TakeOut() {
+        auto& table = this->Table();
+        const std::int32_t place = table.IndexOf(time, name, index);
+        if (place < 0) return false;
+        if (isAddition) key = table.At(place);
+        table.Remove(place);
+        return true;
+    }
+
+    // To `index` if that is still its place, and not at all if its time has a key by now or the
+    // value has lost its meaning.
+    bool PutBack() {
+        auto& table = this->Table();
+        const std::int32_t place = table.PlaceFor(time, index);
+        if (place < 0 || !table.names.IsValid(name)) return false;
+        table.Insert(place, key, name);
+        return true;
+    }
+
     K key;
     bool undone = false;
     std::int32_t index;
+    TimeValue time;
     KeyName name;
+    bool isAddition;
+};
+
+// A key pushed at the end, whose position is `place`.
+template <class C, class K>
+struct ControlKeyAppendRestore final : KeyPresenceRestore<C, K> {
+    ControlKeyAppendRestore(C& changed, std::int32_t place, TimeValue at, KeyName comes)
+        : KeyPresenceRestore<C, K>(changed, place, at, comes) {}
+};
+
+// A key inserted so that it has the position `place`.
+template <class C, class K>
+struct ControlKeyInsertRestore final : KeyPresenceRestore<C, K> {
+    ControlKeyInsertRestore(C& changed, std::int32_t place, TimeValue at, KeyName comes)
+        : KeyPresenceRestore<C, K>(changed, place, at, comes) {}
+};
+
+// The key at `place`, removed.
+template <class C, class K>
+struct ControlKeyDeleteRestore final : KeyPresenceRestore<C, K> {
+    ControlKeyDeleteRestore(C& changed, std::int32_t place)
+        : KeyPresenceRestore<C, K>(changed, place) {}
 };
 
 // A key overwritten by another of the same time, or the cached key changed.
 template <class C, class K>
-class ControlKeyModRestore : public KeyRestore<C, K> {
+class ControlKeyModRestore final : public KeyRestore<C, K> {
   public:
     // The cached key. It is always there; the name tells only whether the value still has its
     // meaning.
@@ -158,37 +137,35 @@ class ControlKeyModRestore : public KeyRestore<C, K> {
           name(this->Table().names.Newest()),
           target(name) {}
 
-    ControlKeyModRestore(C& changed, std::int32_t at, KeyName comes)
+    ControlKeyModRestore(C& changed, std::int32_t place, KeyName comes)
         : KeyRestore<C, K>(changed),
-          index(at),
-          key(this->Table().At(at)),
-          name(this->Table().names.Give(at)),
+          index(place),
+          key(this->Table().At(place)),
+          name(this->Table().names.Give(place)),
           target(comes) {}
-
-    // A cancelled hold sees no Redo, so the record keeps what it writes back.
-    void TakeBack(int isUndo) override {
-        const K kept = key;
-        Swap();
-        if (!isUndo) key = kept;
-    }
-    void DoAgain() override { Swap(); }
 
   private:
     static constexpr std::int32_t kCurrentKey = -1;  // in the place of an index
 
-    void Swap() {
+    bool TakeBack(bool isUndo) override {
+        const K kept = key;
+        const bool done = DoAgain();
+        if (!isUndo) key = kept;
+        return done;
+    }
+    bool DoAgain() override {
         auto& table = this->Table();
         if (index == kCurrentKey) {
-            if (!table.names.IsValid(target)) return;
+            if (!table.names.IsValid(target)) return false;
             std::swap(table.currentKey, key);
-        } else {
-            const std::int32_t place = table.IndexOf(key.time, target, index);
-            if (place < 0) return;
-            std::swap(table.At(place), key);
-            table.names.Set(place, name);
-            std::swap(name, target);
+            return true;
         }
-        this->Announce();
+        const std::int32_t place = table.IndexOf(key.time, target, index);
+        if (place < 0) return false;
+        std::swap(table.At(place), key);
+        table.names.Set(place, name);
+        std::swap(name, target);
+        return true;
     }
 
     std::int32_t index;
@@ -200,7 +177,7 @@ class ControlKeyModRestore : public KeyRestore<C, K> {
 // The whole table and the cached key. It trades places only with the very keys that it left or took
 // there, whatever their values are by then; with any others it would lose those.
 template <class C, class K>
-class ControlCompleteKeyRestore : public KeyRestore<C, K> {
+class ControlCompleteKeyRestore final : public KeyRestore<C, K> {
   public:
     // The keys from `first` up to `behindLast` are about to go.
     ControlCompleteKeyRestore(C& changed, std::int32_t first, std::int32_t behindLast)
@@ -213,29 +190,28 @@ class ControlCompleteKeyRestore : public KeyRestore<C, K> {
         target.erase(target.begin() + first, target.begin() + behindLast);
     }
 
-    // A cancelled hold sees no Redo, so the record keeps what it writes back.
-    void TakeBack(int isUndo) override {
-        if (isUndo) return Trade();
+  private:
+    bool TakeBack(bool isUndo) override {
+        if (isUndo) return DoAgain();
         const std::vector<K> keptKeys = keys;
         const K keptCurrent = currentKey;
-        Trade();
+        const bool done = DoAgain();
         keys = keptKeys;
         currentKey = keptCurrent;
+        return done;
     }
-    void DoAgain() override { Trade(); }
 
-  private:
     // A trade that was passed over is not caught up by the one that would take it back.
-    void Trade() {
-        if (std::exchange(passedOver, false)) return;
+    bool DoAgain() override {
+        if (std::exchange(passedOver, false)) return false;
         auto& table = this->Table();
         passedOver = !table.names.IsValid(newest) || !table.AreNamed(target);
-        if (passedOver) return;
+        if (passedOver) return false;
         table.names.Assign(names);
         table.keys.Whole().swap(keys);
         std::swap(table.currentKey, currentKey);
         names.swap(target);
-        this->Announce();
+        return true;
     }
 
     std::vector<K> keys;

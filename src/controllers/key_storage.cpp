@@ -1,9 +1,8 @@
-#include "controllers/key_storage.h"
-
 #include <algorithm>
 #include <vector>
 
 #include "chunks/whole_value.h"
+#include "controllers/key_table.h"
 
 namespace {
 

@@ -8,6 +8,7 @@
 #include "controllers/key_names.h"
 #include "controllers/parted_array.h"
 #include "host/matrix3.h"
+#include "host/storage.h"
 #include "host/types.h"
 
 // One key of a controller. Scene files hold its memory image; the order of the fields is part of
@@ -95,6 +96,19 @@ struct KeyTable {
   private:
     std::int32_t IndexAtOrBefore(TimeValue t) const;
 };
+
+// How a key table stands in a scene file: one chunk with id 1 of little-endian bytes, holding the
+// format version 100, the size of a key record (12 for float, 60 for Matrix3) and the number of
+// keys, 32 bits signed each, then a record for each key and one for the cached key.
+template <class T>
+void SaveKeys(ISave& save, const KeyTable<T>& table);
+
+// Adds the chunk's keys to the table. A chunk of another id, version or record size is skipped. The
+// announced number is believed only as far as records are there: reading stops at the first that is
+// not whole, and keeps those before it. Keys out of order are sorted; of equal times the last
+// stands.
+template <class T>
+void LoadKeys(ILoad& load, KeyTable<T>& table);
 
 extern template struct KeyBracket<float>;
 extern template struct KeyBracket<Matrix3>;

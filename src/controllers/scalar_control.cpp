@@ -1,6 +1,5 @@
 #include "controllers/scalar_control.h"
 
-#include "controllers/change_notification.h"
 #include "host/animate.h"
 
 constinit LiveInstances<ScalarControl> ScalarControl::liveInstances;

@@ -1,10 +1,7 @@
 #include "controllers/transform_control.h"
 
-#include "controllers/change_notification.h"
-#include "controllers/convert_panel.h"
 #include "host/animate.h"
 #include "host/hold.h"
-#include "host/interface.h"
 
 namespace {
 
@@ -43,18 +40,7 @@ TransformControl::TransformControl()
 
 TransformControl::~TransformControl() {
     liveInstances.Remove(*this);
-    ForgetController(rollupWindow, *this);
-}
-
-void TransformControl::BeginEditParams(IObjParam* ip, std::uint32_t, Animatable*) {
-    ForgetController(rollupWindow, *this);
-    editInterface = ip;
-    rollupWindow = AddConvertPage(*ip, *this);
-}
-
-void TransformControl::EndEditParams(IObjParam* ip, std::uint32_t, Animatable*) {
-    ip->DeleteRollupPage(rollupWindow);
-    rollupWindow = nullptr;
+    LeavePage();
 }
 
 int TransformControl::ChangeParents(TimeValue, const Matrix3& oldParent, const Matrix3& newParent,

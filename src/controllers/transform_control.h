@@ -53,6 +53,9 @@ class TransformControl : public BaseControl<Matrix3> {
     // The key at `t`, interpolated in the space of `parent` and given relative to it.
     Key EvaluateInParent(TimeValue t, const Matrix3& parent);
 
+    // Makes a page that is still open forget this controller.
+    void LeavePage();
+
     // The key at `t` where `key` is the only one that counts.
     Key KeyAlone(TimeValue t, const Key& key) const;
 

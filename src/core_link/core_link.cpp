@@ -1,7 +1,5 @@
 #include "core_link/core_link.h"
 
-#include "core_link/core_call.h"
-
 void AfterThrow(const char* name, std::string_view words, const CoreBrackets& before) noexcept {
     TVL::TraceThrown(name, words);
     const auto failed = TVL::ThrownBy([&] { EndBracketsSince(before); });

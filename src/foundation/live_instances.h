@@ -35,6 +35,9 @@ class LiveInstances {
         if (places_->empty()) delete std::exchange(places_, nullptr);
     }
 
+    // Null if there is none.
+    C* Newest() const { return last_; }
+
     // The object as what it is, if it is one of these; null otherwise. What it says of itself does
     // not count, since what stands in for one that could not be read says the same, and neither
     // does the language's type information, which objects of the host's need not have.

@@ -1,16 +1,18 @@
 #include "tvl/log.h"
 
 #include <algorithm>
-#include <chrono>
+#include <array>
+#include <ctime>
 #include <locale>
 
-#include "foundation/log_line.h"
 #include "foundation/thrown.h"
 
 namespace TVL {
 namespace {
 
 constexpr std::int32_t kOutermost = -1;
+constexpr std::array<std::string_view, 4> kLevelWords = {
+    "CRITICAL): ", "ERROR): ", "WARNING): ", "NOTICE): "};
 
 // Nothing that is logged may fail for its sake, in a destructor least of all: what memory does not
 // suffice for is missing from the trace.
@@ -24,6 +26,14 @@ void IfItCan(Act act) {
 void Append(std::ostream& stream, std::string_view text) {
     IfItCan([&] { stream.write(text.data(), static_cast<std::streamsize>(text.size())); });
     IfItCan([&] { stream.clear(); });
+}
+
+// Date and time of this moment in UTC, and what follows them.
+std::string LineStart() {
+    const std::time_t now = std::time(nullptr);
+    std::array<char, sizeof "20061204 09:05:00 ("> text{};
+    return {text.data(),
+            std::strftime(text.data(), text.size(), "%Y%m%d %H:%M:%S (", std::gmtime(&now))};
 }
 
 std::string AddressText(const void* address) {
@@ -75,8 +85,13 @@ std::int32_t Log::Print(std::string_view message, std::int32_t messageLevel) {
 std::int32_t Log::Write(std::string_view message, std::int32_t messageLevel) {
     const std::int32_t lineLevel = messageLevel < 0 ? level : messageLevel;
     if (!IsLevelActive(lineLevel)) return 0;
-    const auto now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
-    IfItCan([&] { WriteRaw(FormatLogLine(now, lineLevel, indent, message)); });
+    IfItCan([&] {
+        std::string line = LineStart();
+        const auto word = static_cast<std::size_t>(lineLevel);
+        if (word < kLevelWords.size()) line += kLevelWords[word];
+        if (indent >= 0) line.append(static_cast<std::size_t>(indent) + 1, '\t');
+        WriteRaw(line.append(message) += '\n');
+    });
     return 0;
 }
 

@@ -1,11 +1,14 @@
 #pragma once
 
+#include <cstdint>
 #include <utility>
 
 #include "host/types.h"
 
 // The host counts time in ticks, 32 bits signed; the Core counts seconds in doubles. Seconds become
 // ticks by truncation toward zero; beyond the range of ticks they saturate, and a NaN is tick 0.
+
+std::int32_t TruncatedToInt32(double value);
 
 // The product of the host's two numbers, at this moment.
 int TicksPerSecond();

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "core_link/core_answer.h"
-#include "measures/saturation.h"
+#include "measures/host_clock.h"
 #include "objects/custom_helper_object.h"
 #include "objects/mesh_exchange.h"
 #include "objects/object_kinds.h"

@@ -4,7 +4,7 @@
 #include <optional>
 #include <utility>
 
-#include "controllers/new_control.h"
+#include "controllers/host_controls.h"
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
 #include "core_link/core_link.h"

@@ -1,6 +1,6 @@
 #include "nodes/node_instance_restore.h"
 
-#include "core_link/core_call.h"
+#include "core_link/core_link.h"
 #include "nodes/max_node.h"
 #include "nodes/node_list.h"
 

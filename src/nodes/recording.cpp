@@ -10,8 +10,8 @@
 #include "nodes/mesh_cache.h"
 #include "nodes/node_list.h"
 #include "nodes/transform_snapshot.h"
-#include "undo/set_time_restore.h"
 #include "undo/undo_groups.h"
+#include "undo/undo_wrapper.h"
 
 namespace {
 

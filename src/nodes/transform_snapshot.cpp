@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "controllers/change_notification.h"
+#include "controllers/base_control.h"
 #include "core_link/core_answer.h"
 #include "measures/core_space.h"
 #include "measures/host_clock.h"

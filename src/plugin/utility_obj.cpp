@@ -2,12 +2,11 @@
 
 #include "adaptor/panel.h"
 #include "adaptor/utility_manager.h"
-#include "resources/module_instance.h"
 #include "resources/resource_ids.h"
 
 void TarvoUtilityObj::BeginEditParams(Interface* ip, IUtil*) {
     if (panel) return;
-    panel = ip->AddRollupPage(ModuleInstance(), MAKEINTRESOURCEA(PanelDialog), PanelDlgProc,
+    panel = ip->AddRollupPage(theModule, MAKEINTRESOURCEA(PanelDialog), PanelDlgProc,
                               "Tarvo Lumiset", 0, 0, PageCategory);
     UtilityManager::Get().panelWindow = panel;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-// Numbers of the library's resources and controls. The resource script sees the definitions, C++
-// the typed names.
+// The library's resources and controls by their numbers. The resource script sees the definitions,
+// C++ the typed names.
 
 #define IDD_CONVERT 145
 #define IDD_PANEL 147
@@ -12,6 +12,11 @@
 #define IDC_ATTACH 1074
 
 #ifndef RC_INVOKED
+
+#include "platform/win32.h"
+
+// The module whose resources they are, as its entry point was told; null before that.
+inline HINSTANCE theModule = nullptr;
 
 inline constexpr int ConvertDialog = IDD_CONVERT;
 inline constexpr int PanelDialog = IDD_PANEL;

@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "core_link/core_call.h"
 #include "core_link/core_link.h"
 #include "host/hold.h"
 #include "nodes/host_node_link.h"

@@ -4,8 +4,6 @@
 #include <memory>
 #include <vector>
 
-#include "xml/xml_child.h"
-
 namespace {
 
 struct Step {
@@ -30,8 +28,7 @@ XMLNode StateBuilder::Build() const {
         const Step step = pending.back();
         pending.pop_back();
         for (const StateBuilder* child : InOrder(step.builder->children)) {
-            XMLNode& target =
-                AppendXMLChild(*step.target, std::make_unique<XMLNode>(child->element));
+            XMLNode& target = step.target->AddChild(std::make_unique<XMLNode>(child->element));
             pending.push_back({child, &target});
         }
     }

@@ -5,7 +5,6 @@
 #include <utility>
 #include <vector>
 
-#include "core_link/core_call.h"
 #include "core_link/core_link.h"
 #include "nodes/node_list.h"
 #include "scene_state/older_state.h"

@@ -15,7 +15,6 @@
 #include "scene_state/state_format.h"
 #include "tvl/base64_buffer.h"
 #include "tvl/huffman_buffer.h"
-#include "xml/xml_child.h"
 
 namespace {
 
@@ -44,7 +43,7 @@ bool Unpack(XMLNode& master) {
     if (stream.empty()) return false;
     master.RemoveChild(plugin);
     const HuffmanBuffer unpacked(stream.data(), static_cast<std::int32_t>(stream.size()));
-    AppendXMLChild(master, std::make_unique<XMLNode>(unpacked.Text()));
+    master.AddChild(std::make_unique<XMLNode>(unpacked.Text()));
     return true;
 }
 
@@ -129,7 +128,7 @@ XMLNode StateTree(StoredPlugins masters) {
     XMLNode state = Element(kStateElement);
     for (const auto& builder : builders) {
         if (builder->parent) continue;
-        AppendXMLChild(state, std::unique_ptr<XMLNode>(new XMLNode(builder->Build())));
+        state.AddChild(std::unique_ptr<XMLNode>(new XMLNode(builder->Build())));
     }
     return state;
 }

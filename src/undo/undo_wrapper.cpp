@@ -2,12 +2,11 @@
 
 #include <utility>
 
-#include "core_link/core_call.h"
+#include "core_link/core_link.h"
+#include "measures/host_clock.h"
 #include "undo/undo_groups.h"
 
-namespace {
-constinit CoreUndoWrapper* newestWithChunk = nullptr;
-}
+constinit LiveInstances<CoreUndoWrapper> CoreUndoWrapper::withChunk;
 
 void EndChunk(TVL::CUndo* chunk) {
     if (chunk) CallCore("Release of an undo chunk", [&] { chunk->Release(); });
@@ -30,29 +29,29 @@ void CUndoWrapper::EndHold() {
     NoteEndOfHold(*this);
 }
 
-CoreUndoWrapper::CoreUndoWrapper(TVL::CUndo* carried) : CUndoWrapper(carried) {
-    if (!chunk) return;
-    older = newestWithChunk;
-    if (older) older->newer = this;
-    newestWithChunk = this;
+// The chunk is the wrapper's when nothing can fail any more.
+CoreUndoWrapper::CoreUndoWrapper(TVL::CUndo* carried) : CUndoWrapper(nullptr) {
+    if (carried) withChunk.Append(*this);
+    chunk = carried;
 }
 
 CoreUndoWrapper::~CoreUndoWrapper() {
-    if (chunk) LeaveList();
-}
-
-void CoreUndoWrapper::LeaveList() {
-    (newer ? newer->older : newestWithChunk) = older;
-    if (older) older->newer = newer;
+    if (chunk) withChunk.Remove(*this);
 }
 
 // The end of a chunk may do anything, also make the host drop other records.
 int ReleaseCoreChunks() {
     int released = 0;
-    while (CoreUndoWrapper* const wrapper = newestWithChunk) {
-        wrapper->LeaveList();
+    while (CoreUndoWrapper* const wrapper = CoreUndoWrapper::withChunk.Newest()) {
+        CoreUndoWrapper::withChunk.Remove(*wrapper);
         EndChunk(std::exchange(wrapper->chunk, nullptr));
         ++released;
     }
     return released;
+}
+
+void CSetTimeRestoreObj::Undo(bool isUndo) {
+    const double here = CurrentSeconds();
+    SetCurrentSeconds(time);
+    if (isUndo) time = here;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/live_instances.h"
 #include "host/hold.h"
 #include "tvl/undo.h"
 
@@ -31,15 +32,26 @@ class CoreUndoWrapper final : public CUndoWrapper {
     ~CoreUndoWrapper() override;
 
   private:
+    friend class LiveInstances<CoreUndoWrapper>;
     friend int ReleaseCoreChunks();
 
-    void LeaveList();
-
-    // The list of those that still have their chunk.
-    CoreUndoWrapper* newer = nullptr;
-    CoreUndoWrapper* older = nullptr;
+    static LiveInstances<CoreUndoWrapper> withChunk;  // those that still have theirs
+    LiveLink<CoreUndoWrapper> liveLink;
 };
 
 // Ends every chunk of the Core's, the newest first; the records stay in the undo stream and do
 // nothing from here on. The number of the chunks.
 int ReleaseCoreChunks();
+
+// The chunk of a recording: puts the host's time back to a remembered one; undo and redo flip
+// between the two.
+class CSetTimeRestoreObj final : public TVL::CUndo {
+  public:
+    explicit CSetTimeRestoreObj(double seconds) : time(seconds) {}
+
+    void Undo(bool isUndo) override;
+    void Redo() override { Undo(true); }
+
+  private:
+    double time;  // seconds
+};

@@ -5,8 +5,6 @@
 #include <memory>
 #include <utility>
 
-#include "xml/xml_child.h"
-
 namespace {
 
 // Destroys a tree one node at a time, in no memory of its own: while a node is being emptied, the
@@ -97,12 +95,6 @@ XMLNode& NoChildOfName() {
 
 }  // namespace
 
-XMLNode& AppendXMLChild(XMLNode& parent, std::unique_ptr<XMLNode> child) {
-    if (child->name.empty() && child->children.empty()) return parent;
-    parent.children.push_back(std::move(child));
-    return *parent.children.back();
-}
-
 XMLNode::XMLNode(std::string_view text) {
     Parse(text);
 }
@@ -112,7 +104,7 @@ XMLNode::XMLNode(std::string_view elementName, std::string_view value)
     auto text = std::make_unique<XMLNode>();
     text->kind = kText;
     text->name = value;
-    AppendXMLChild(*this, std::move(text));
+    AddChild(std::move(text));
 }
 
 XMLNode::XMLNode(std::string_view elementName, std::uint32_t value)
@@ -139,7 +131,13 @@ void XMLNode::Clear() {
 }
 
 XMLNode& XMLNode::AddChild(const XMLNode& node) {
-    return AppendXMLChild(*this, std::make_unique<XMLNode>(node));
+    return AddChild(std::make_unique<XMLNode>(node));
+}
+
+XMLNode& XMLNode::AddChild(std::unique_ptr<XMLNode> node) {
+    if (node->name.empty() && node->children.empty()) return *this;
+    children.push_back(std::move(node));
+    return *children.back();
 }
 
 bool XMLNode::RemoveChild(const XMLNode& node) {

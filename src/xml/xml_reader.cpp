@@ -8,9 +8,7 @@
 #include <vector>
 
 #include "tvl/xml_node.h"
-#include "xml/xml_child.h"
-#include "xml/xml_escape.h"
-#include "xml/xml_tokens.h"
+#include "xml/xml_text.h"
 
 namespace {
 
@@ -98,7 +96,7 @@ XMLNode::ParseResult ParseXMLChildren(XMLNode& root, XMLTokenizer& tokens) {
             if (open.empty()) return XMLNode::kParsed;
             std::unique_ptr<XMLNode> complete = std::move(open.back());
             open.pop_back();
-            AppendXMLChild(innermost(), std::move(complete));
+            innermost().AddChild(std::move(complete));
             continue;
         }
         auto node = std::make_unique<XMLNode>();
@@ -107,7 +105,7 @@ XMLNode::ParseResult ParseXMLChildren(XMLNode& root, XMLTokenizer& tokens) {
         if (token.kind == XMLToken::kOpening) {
             open.push_back(std::move(node));
         } else {
-            AppendXMLChild(innermost(), std::move(node));
+            innermost().AddChild(std::move(node));
         }
     }
     return XMLNode::kUnclosed;

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "tvl/xml_node.h"
-#include "xml/xml_escape.h"
+#include "xml/xml_text.h"
 
 namespace {
 

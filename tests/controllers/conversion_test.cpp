@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "controllers/convert_panel.h"
 #include "headless/primitives.h"
 #include "headless/scene_view.h"
 #include "host/animate.h"

@@ -1,9 +1,8 @@
-#include "controllers/key_storage.h"
-
 #include <gtest/gtest.h>
 
 #include <cstring>
 
+#include "controllers/scalar_control.h"
 #include "headless/memory_chunks.h"
 #include "platform/testing.h"
 #include "tests/controllers/control_world.h"

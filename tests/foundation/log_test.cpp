@@ -1,83 +1,48 @@
 #include "tvl/log.h"
 
-#include <chrono>
 #include <locale>
 #include <memory>
 #include <regex>
 
-#include "foundation/log_line.h"
 #include "tests/foundation/fresh_singletons.h"
 #include "tests/support/folder/temporary_folder.h"
 
 namespace {
 
-using TVL::FormatLogLine;
 using TVL::Log;
 
 class LogTest : public FreshSingletons {};
+
+TEST_F(LogTest, ALineHasTheMomentTheWordOfItsLevelAndTheDepthOfItsObject) {
+    Log::GetInstance()->level = Log::kTraffic;
+    {
+        Log outer("outer", Log::kNotice);
+        Log local(Log::kWarning);
+        {
+            Log silent("unseen", Log::kTraffic + 1);
+            Log inner("inner", Log::kCritical);
+            Log(Log::kError).Print("deep");
+            local.Write("kept");
+            EXPECT_EQ(Log::GetInstance()->indent, 2);
+        }
+        outer.Write("back", Log::kTraffic);
+    }
+    Log::GetInstance()->Write("outside", Log::kNotice);
+    EXPECT_EQ(Log::GetInstance()->indent, -1);
+    EXPECT_EQ(Lines(),
+              "(NOTICE): \touter\n(CRITICAL): \t\t\tinner\n(ERROR): \t\t\tdeep\n"
+              "(WARNING): \tkept\n(\tback\n(NOTICE): outside\n");
+    EXPECT_TRUE(std::regex_search(
+        Trace(),
+        std::regex(R"(^20\d\d[01]\d[0-3]\d [0-2]\d:[0-5]\d:[0-6]\d \(NOTICE\): \touter\n)")));
+}
 
 struct GroupedDigits : std::numpunct<char> {
     char do_thousands_sep() const override { return '.'; }
     std::string do_grouping() const override { return "\3"; }
 };
 
-TEST(LogLine, HasDateTimeLevelDepthAndMessage) {
-    using namespace std::chrono;
-    const sys_seconds early = sys_days{2006y / January / 2} + 3h + 4min + 5s;
-    const sys_seconds late = sys_days{2026y / December / 31} + 23h + 59min + 58s;
-    const sys_seconds leap = sys_days{2000y / February / 29};
-    EXPECT_EQ(FormatLogLine(early, 0, -1, "m"), "20060102 03:04:05 (CRITICAL): m\n");
-    EXPECT_EQ(FormatLogLine(late, 1, 0, "m"), "20261231 23:59:58 (ERROR): \tm\n");
-    EXPECT_EQ(FormatLogLine(leap, 2, 1, "m"), "20000229 00:00:00 (WARNING): \t\tm\n");
-    EXPECT_EQ(FormatLogLine(early, 3, -2, ""), "20060102 03:04:05 (NOTICE): \n");
-    EXPECT_EQ(FormatLogLine(early, 4, 0, "m"), "20060102 03:04:05 (\tm\n");
-    EXPECT_EQ(FormatLogLine(early, -5, -1, "m"), "20060102 03:04:05 (m\n");
-}
-
-TEST_F(LogTest, WritesWithTheMomentInFront) {
-    Log(Log::kError).Print("lost");
-    EXPECT_TRUE(std::regex_match(Trace(), std::regex(R"(\d{8} \d\d:\d\d:\d\d \(ERROR\): lost\n)")));
-}
-
-TEST_F(LogTest, LetsThroughWhatIsWithinTheLimit) {
-    Log log(Log::kNotice);
-    log.Write("own level");
-    log.Write("traffic", Log::kTraffic);
-    log.WriteValue("traffic", 1, Log::kTraffic);
-    EXPECT_TRUE(log.IsLevelActive(Log::kNotice));
-    EXPECT_FALSE(log.IsLevelActive(Log::kTraffic));
-    EXPECT_EQ(Lines(), "(NOTICE): own level\n");
-
-    Log::GetInstance()->level = Log::kTraffic;
-    log.Write("traffic", Log::kTraffic);
-    EXPECT_EQ(Lines(), "(NOTICE): own level\n(traffic\n");
-}
-
-TEST_F(LogTest, IndentsByTheScopesThatWereOpenWhenTheObjectWasMade) {
-    {
-        Log outer("outer", Log::kNotice);
-        Log local(Log::kWarning);
-        {
-            Log silent("never seen", Log::kTraffic);
-            Log inner("inner", Log::kNotice);
-            Log(Log::kError).Write("deep");
-            local.Write("kept");
-            EXPECT_EQ(Log::GetInstance()->indent, 2);
-        }
-        outer.Write("back");
-    }
-    Log::GetInstance()->Write("outside");
-    EXPECT_EQ(Log::GetInstance()->indent, -1);
-    EXPECT_EQ(Lines(),
-              "(NOTICE): \touter\n"
-              "(NOTICE): \t\t\tinner\n"
-              "(ERROR): \t\t\tdeep\n"
-              "(WARNING): \tkept\n"
-              "(NOTICE): \tback\n"
-              "(NOTICE): outside\n");
-}
-
-TEST_F(LogTest, WritesNamesWithValuesInPlainForm) {
+TEST_F(LogTest, WritesNamesWithValuesInPlainFormWithinTheLimit) {
     std::locale::global(std::locale(std::locale::classic(), new GroupedDigits));
     Log log(Log::kNotice);
     log.WriteValue("text", std::string("two words"));
@@ -85,6 +50,8 @@ TEST_F(LogTest, WritesNamesWithValuesInPlainForm) {
     log.WriteValue("nothing", static_cast<const char*>(nullptr));
     log.WriteValue("number", -1234567);
     log.WriteValue("address", reinterpret_cast<const void*>(0x12345678));
+    log.Write("traffic", Log::kTraffic);
+    log.WriteValue("traffic", 1, Log::kTraffic);
     std::locale::global(std::locale::classic());
     EXPECT_EQ(Lines(),
               "(NOTICE): text: two words\n(NOTICE): literal: one\n(NOTICE): nothing: \n"
@@ -105,7 +72,6 @@ TEST_F(LogTest, AScopeThatOutlivesItsLogLeavesTheNextOneOutermost) {
     Place(outside);
     { Log nested("in the second", Log::kNotice); }
     scope.reset();
-    EXPECT_EQ(outside.indent, -1);
     { Log next("as ever", Log::kNotice); }
     EXPECT_EQ(Lines(), "(NOTICE): \tin the second\n(NOTICE): \tas ever\n");
 }

@@ -1,7 +1,7 @@
 #include "adaptor/trace_file.h"
 #include "host/custom_controls.h"
 #include "platform/win32.h"
-#include "resources/module_instance.h"
+#include "resources/resource_ids.h"
 
 namespace {
 
@@ -16,7 +16,7 @@ void InitControlsOnce(HINSTANCE module) {
 }  // namespace
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
-    SetModuleInstance(module);
+    theModule = module;
     InitControlsOnce(module);
     if (reason == DLL_PROCESS_DETACH) EndTrace();
     return TRUE;

@@ -1,9 +1,10 @@
-#include "controllers/key_sampling.h"
+#include "controllers/host_controls.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <limits>
 
+#include "host/interface.h"
 #include "host/time.h"
 
 namespace {
@@ -44,6 +45,15 @@ std::vector<TimeValue> KeyTimes(const std::vector<Animatable*>& keyed) {
 }
 
 }  // namespace
+
+void EndUnlessReferredTo::operator()(Control* control) const {
+    if (!control->HasDependents()) control->DeleteMe();
+}
+
+NewControl MakeControl(SClass_ID superClass, Class_ID classId) {
+    return NewControl(
+        static_cast<Control*>(GetCOREInterface()->CreateInstance(superClass, classId)));
+}
 
 std::vector<TimeValue> SamplingTimes(Control& source) {
     const std::vector<Animatable*> keyed = Keyed(source);
