@@ -39,6 +39,19 @@ IOResult LoadStateChunk(ILoad& load, std::vector<std::string>& untaken) {
     return IO_OK;
 }
 
+// One that finds no memory cannot be read either.
+IOResult LoadChunk(ILoad& load, std::vector<std::string>& untaken, XMLNode& olderPlugins) {
+    IOResult result = IO_OK;
+    const auto thrown = TVL::ThrownBy([&] {
+        const std::uint16_t id = load.CurChunkID();
+        if (id == kOlderStateChunk) olderPlugins.AddChild(ReadOlderState(load));
+        if (id == kStateChunk) result = LoadStateChunk(load, untaken);
+    });
+    if (!thrown) return result;
+    TVL::TraceThrown("the loading of a chunk", *thrown);
+    return IO_ERROR;
+}
+
 void WriteStateChunk(ISave& save, const std::string& text) {
     save.BeginChunk(kStateChunk);
     save.WriteCString(text.c_str());
@@ -94,16 +107,11 @@ IOResult LoadState(ILoad& load) {
     std::vector<std::string> untaken;
     XMLNode olderPlugins = Element(kStateElement);
     while (load.OpenChunk() == IO_OK) {
-        const std::uint16_t id = load.CurChunkID();
-        if (id == kOlderStateChunk) {
-            olderPlugins.AddChild(ReadOlderState(load));
-        } else if (id == kStateChunk) {
-            const IOResult result = LoadStateChunk(load, untaken);
-            if (result != IO_OK) {
-                if (!olderPlugins.children.empty()) untaken.push_back(TextOf(olderPlugins));
-                notHandedOver = std::move(untaken);
-                return result;
-            }
+        const IOResult result = LoadChunk(load, untaken, olderPlugins);
+        if (result != IO_OK) {
+            notHandedOver = std::move(untaken);
+            if (!olderPlugins.children.empty()) notHandedOver.push_back(TextOf(olderPlugins));
+            return result;
         }
         load.CloseChunk();
     }

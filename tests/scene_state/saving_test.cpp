@@ -1,8 +1,11 @@
+#include <algorithm>
+#include <optional>
 #include <string>
 
 #include "adaptor/utility_manager.h"
 #include "headless/memory_chunks.h"
 #include "tests/scene_state/state_test.h"
+#include "tests/support/allocations.h"
 
 namespace {
 
@@ -143,6 +146,44 @@ TEST_F(Saving, GivesTheCoreEachStoredStateAndThenTheOlderOnes) {
     EXPECT_EQ(Load(saved), IO_OK);
     EXPECT_EQ(States(), (Texts{"<TVL><a/></TVL>", "<TVL><b/></TVL>", "<TVL/>"}));
     EXPECT_LT(SavedChunks().size(), saved.size());
+}
+
+// The Core refuses the first of two states, and there is no memory for what comes then.
+TEST_F(Saving, LosesNoStateForWantOfMemory) {
+    const std::string file = (world.Folder() / "a.scene").string();
+    const std::string again = (world.Folder() / "again.scene").string();
+    const auto save = [&](const char* state, const std::string& path) {
+        world.Core().state = XMLNode(state);
+        EXPECT_EQ(world.Session().SaveScene(path).error, "");
+    };
+    std::size_t nth = 0;
+    bool hasFailed = true;
+    std::optional<FailingAllocation> fault;
+    const auto openRefusing = [&] {
+        world.Core().onCall = [&](const std::string& call) {
+            if (fault) hasFailed = fault->HasFailed();
+            fault.reset();
+            if (call != "set state <TVL><a/></TVL>") return;
+            if (nth > 0) fault.emplace(nth);
+            throw 1;
+        };
+        EXPECT_EQ(world.Session().OpenScene(file).error, "");
+        world.Core().onCall = nullptr;
+    };
+    save("<TVL><a/></TVL>", file);
+    openRefusing();
+    save("<TVL><b/></TVL>", file);
+    while (hasFailed) {
+        ++nth;
+        openRefusing();
+        save("<TVL><c/></TVL>", again);
+        States();
+        EXPECT_EQ(world.Session().OpenScene(again).error, "");
+        const Texts states = States();
+        for (const char* state : {"<TVL><a/></TVL>", "<TVL><b/></TVL>", "<TVL><c/></TVL>"})
+            EXPECT_EQ(std::ranges::count(states, state), 1) << nth << state;
+    }
+    EXPECT_GT(nth, 10U);
 }
 
 }  // namespace
