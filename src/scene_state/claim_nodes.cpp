@@ -6,7 +6,7 @@
 #include <unordered_map>
 #include <utility>
 
-#include "core_link/core_answer.h"
+#include "foundation/thrown.h"
 #include "nodes/max_node.h"
 #include "nodes/node_reference.h"
 #include "scene_state/state_format.h"
@@ -77,15 +77,15 @@ std::vector<TVL::CNode*> FindNodes(const std::string& pluginName, const NodeEntr
 
 // Where nothing can be found out nobody is found, and the Core has not taken what it loads.
 std::vector<TVL::CNode*> ClaimNodes(const std::string& pluginName, const XMLNode& nodeInfo) {
-    const NodeEntries entries = EntriesOf(nodeInfo);
-    std::vector<TVL::CNode*> nobody(entries.size());
-    return AnswerCore("ClaimNodes", std::move(nobody), [&] {
-        try {
-            return FindNodes(pluginName, entries);
-        } catch (...) {
-            for (const auto& load : NodesWithTags().loads)
-                load->MarkUnanswered();
-            throw;
-        }
+    std::vector<TVL::CNode*> claimed;
+    const auto thrown = TVL::ThrownBy([&] {
+        const NodeEntries entries = EntriesOf(nodeInfo);
+        claimed.resize(entries.size());
+        claimed = FindNodes(pluginName, entries);
     });
+    if (!thrown) return claimed;
+    TVL::TraceThrown("ClaimNodes", *thrown);
+    for (const auto& load : NodesWithTags().loads)
+        load->MarkUnanswered();
+    return claimed;
 }

@@ -2,6 +2,7 @@
 
 #include "nodes/max_node.h"
 #include "tests/scene_state/state_test.h"
+#include "tests/support/allocations.h"
 
 namespace {
 
@@ -73,6 +74,28 @@ TEST_F(Claiming, FallsBackOnTheStoredNumber) {
     EXPECT_EQ(Released(adaptor.ClaimNodes("Rig", info)), expected);
     EXPECT_TRUE(adaptor.ClaimNodes("Rig", NodeInfo({})).empty());
     EXPECT_TRUE(adaptor.ClaimNodes("Rig", XMLNode()).empty());
+}
+
+TEST_F(Claiming, LeavesTheTagsIfItFindsNoMemory) {
+    bool hasFailed = true;
+    bool isFound = false;
+    for (std::size_t nth = 1; hasFailed; ++nth) {
+        INode* const hip = SceneNode("Hip", Tag("Rig", "Hip"));
+        world.Core().onCall = [&](const std::string&) {
+            std::vector<TVL::CNode*> nodes(1);
+            XMLNode info = NodeInfo({"Hip"});
+            {
+                const FailingAllocation fault(nth);
+                nodes = adaptor.ClaimNodes("Rig", std::move(info));
+                hasFailed = fault.HasFailed();
+            }
+            isFound = Released(nodes) == Texts{"Hip"};
+        };
+        GatherSceneState();
+        EXPECT_NE(TagOf(hip).empty(), hasFailed && !isFound) << nth;
+        GetCOREInterface()->DeleteNode(hip, 1, 0);
+    }
+    EXPECT_TRUE(isFound);
 }
 
 }  // namespace
