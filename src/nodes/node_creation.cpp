@@ -56,11 +56,12 @@ std::string HostNameOf(const TVL::CoreElement* owner, const std::string& name) {
 }
 
 // The record stands in the hold before the listener hears of the node, so that whatever the
-// listener does to it, even ending it, comes behind its creation.
-void RecordCreation(const NodeWatch& node) {
-    if (!IsHoldingUndo()) return;
+// listener does to it, even ending it, comes behind its creation. Whether the listener has heard.
+bool RecordCreation(const NodeWatch& node) {
+    if (!IsHoldingUndo()) return false;
     AddUndoChunk(std::make_unique<NodeInstanceRestoreObj>(node.Get(), true));
     if (node.Get()) TellRestored(*node.Get());
+    return true;
 }
 
 // What a node is to hang below, held by a link, since the Core may end it while it is asked for its
@@ -156,9 +157,14 @@ TVL::CNode* CreateHelperNode(TVL::CoreElement* owner, const std::string& name, T
         CMAXNode::CMAXSnapshot_Helper(object).Write(mesh);
         node.Get()->SetListener(listener);
         if (*ownControllers) PutTransformControl(*host);
-        RecordCreation(node);
-        INode* const named = node.Get() ? node.Get()->HostNode() : nullptr;
-        if (named) named->SetName(HostNameOf(owner, name).c_str());
+        const bool isHeardOf = RecordCreation(node);
+        try {
+            INode* const named = node.Get() ? node.Get()->HostNode() : nullptr;
+            if (named) named->SetName(HostNameOf(owner, name).c_str());
+        } catch (...) {
+            if (isHeardOf && node.Get()) TellRemoved(*node.Get());
+            throw;
+        }
     });
 }
 

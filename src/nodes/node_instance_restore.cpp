@@ -24,15 +24,19 @@ void TellRestored(CMAXNode& node) {
     if (listener) CallCore("OnNodeRestored", [&] { listener->OnNodeRestored(&node); });
 }
 
+void TellRemoved(CMAXNode& node) {
+    TVL::NodeListener* const listener = node.Listener();
+    if (listener) CallCore("OnNodeRemoved", [&] { listener->OnNodeRemoved(&node); });
+}
+
 void NodeInstanceRestoreObj::ToggleNode() {
     if (!Node()) return;
-    TVL::NodeListener* const listener = Node()->Listener();
     present = !present;
     if (present) {
         ListNode(Node());
         TellRestored(*Node());
     } else {
-        if (listener) CallCore("OnNodeRemoved", [&] { listener->OnNodeRemoved(Node()); });
+        TellRemoved(*Node());
         if (Node()) UnlistNode(Node());
     }
 }

@@ -3,8 +3,9 @@
 #include "nodes/node_watch.h"
 #include "tvl/undo.h"
 
-// Tells the listener, which may end the node, that it has come.
+// Tells the listener, which may end the node, that it has come, or that it goes.
 void TellRestored(CMAXNode& node);
+void TellRemoved(CMAXNode& node);
 
 // The undo record that takes a real node out of the adaptor's list and puts it back, telling the
 // node's listener. While the node is out it belongs to the record. A record whose node has died, or

@@ -56,6 +56,7 @@ class Exceptions : public NodeTest {
         info = XMLNode(kSought);
         file = (world.Folder() / "model.scene").string();
         given.clear();
+        listener.heard.clear();
         if (isRecording) {
             adaptor.BeginUndoGroup("take");
             adaptor.BeginRecording({&rig});
@@ -102,6 +103,8 @@ class Exceptions : public NodeTest {
     }
 
     void ExpectListInOrder() {
+        const bool isHeardOf = !listener.heard.empty() && listener.heard.back() == "+New";
+        EXPECT_TRUE(!isHeardOf || Find("New"));
         std::set<INode*> hosts;
         for (TVL::CNode* node : adaptor.GetNodes(&rig)) {
             INode* const host = static_cast<CMAXNode*>(node)->HostNode();
