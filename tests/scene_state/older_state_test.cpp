@@ -85,6 +85,14 @@ TEST_F(OlderState, ComesInTheFormOfToday) {
               Texts{std::string("<TVL>") + kConverted +
                     "<TVL_Plugin version=\"2.5\"><type>Actor</type><name>Rig</name><nodeinfo/>"
                     "<inputprofile/></TVL_Plugin></TVL>"});
+
+    // Behind it the loading ends early, and the next save has it in its place.
+    EXPECT_TRUE(Loaded(Saved({Older(), {1032, "", {}}})).empty());
+    world.Core().state = XMLNode("<TVL><a/></TVL>");
+    const std::vector<std::byte> saved =
+        headless::SavedBytes([](ISave* save) { return UtilityManager::Get().Save(save); });
+    EXPECT_EQ(Loaded(saved),
+              (Texts{std::string("<TVL>") + kConverted + "</TVL>", "<TVL><a/></TVL>", "<TVL/>"}));
 }
 
 TEST_F(OlderState, IsLeftOutWhereAnythingIsWrongAndTheNextOneIsRead) {
