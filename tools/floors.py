@@ -17,7 +17,7 @@ DEFINED = re.compile(r"^[A-Za-z][\w:<>,*& ]*[ *&](\w+)\([^;{}]*\)[^;{}()]*\{", r
 PLUGIN = [["foundation"], ["xml"], ["codecs"], ["chunks"],
           ["resources"], ["core_link"], ["measures"], ["undo"], ["controllers"], ["objects"],
           ["nodes"], ["scene_state"], ["adaptor"], ["plugin"]]
-HOST = [["breaches"], ["values"], ["storage"], ["references"], ["hold"], ["drawing"],
+HOST = [["breaches"], ["values"], ["storage"], ["hold"], ["references"], ["drawing"],
         ["control", "objects"], ["scene"], ["classes"], ["scene_file"], ["comparison"], ["ui"],
         ["viewport"], ["viewport_module"], ["session"]]
 

@@ -5,10 +5,10 @@
 
 #include "host/class_desc.h"
 
-// The classes that are known to the running host: its own, those linked by the program, and those
-// of the loaded plug-ins.
 namespace headless {
 
+// The classes that are known to the running host: its own, those linked by the program, and those
+// of the loaded plug-ins.
 class ClassRegistry {
   public:
     // The descriptor is not owned. One that describes a known class again is passed over.

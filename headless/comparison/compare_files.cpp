@@ -11,7 +11,7 @@
 #include "headless/scene_file/scene_chunks.h"
 #include "headless/scene_file/scene_file.h"
 #include "headless/scene_file_view.h"
-#include "headless/storage/chunk_reader.h"
+#include "headless/storage/chunks.h"
 
 namespace headless {
 namespace {
@@ -28,14 +28,14 @@ std::string NameOf(const StoredClass& type) {
 }
 
 bool IsSame(const StoredClass& a, const StoredClass& b) {
-    return a.superClass == b.superClass && a.id == b.id && a.name == b.name;
+    return a.Key() == b.Key() && a.name == b.name;
 }
 
-std::string Words(const std::string& first, const std::string& second) {
+std::string Both(const std::string& first, const std::string& second) {
     return first + " and " + second;
 }
-std::string Words(const std::string& what, std::int64_t first, std::int64_t second) {
-    return what + " " + Words(std::to_string(first), std::to_string(second));
+std::string Both(const std::string& what, std::int64_t first, std::int64_t second) {
+    return what + " " + Both(std::to_string(first), std::to_string(second));
 }
 
 class Comparison {
@@ -62,13 +62,13 @@ class Comparison {
         std::string place;
     };
 
-    void Tell(const std::string& place, const std::string& what) {
+    void Differ(const std::string& place, const std::string& what) {
         found_.push_back({place, what});
     }
 
     void CompareNumber(const std::string& place, const std::string& what, std::int64_t first,
                        std::int64_t second) {
-        if (first != second) Tell(place, Words(what, first, second));
+        if (first != second) Differ(place, Both(what, first, second));
     }
 
     void CompareSettings() {
@@ -77,8 +77,8 @@ class Comparison {
         const std::string place = "settings";
         CompareNumber(place, "type of unit", a.unitType, b.unitType);
         if (a.unitScale != b.unitScale)
-            Tell(place, "scale of the unit " +
-                            Words(std::to_string(a.unitScale), std::to_string(b.unitScale)));
+            Differ(place, "scale of the unit " +
+                              Both(std::to_string(a.unitScale), std::to_string(b.unitScale)));
         CompareNumber(place, "frame rate", a.frameRate, b.frameRate);
         CompareNumber(place, "ticks per frame", a.ticksPerFrame, b.ticksPerFrame);
         CompareNumber(place, "current tick", a.time, b.time);
@@ -92,22 +92,22 @@ class Comparison {
             const StoredNode& node = first_.nodes[i];
             const std::uint32_t match = match_.inSecond[i];
             if (match == kNoMatch) {
-                Tell(NameOf(node), "only in the first file");
+                Differ(NameOf(node), "only in the first file");
                 continue;
             }
-            if (match < last) Tell(NameOf(node), "stands at another place among the nodes");
+            if (match < last) Differ(NameOf(node), "stands at another place among the nodes");
             last = std::max(last, match);
             CompareNode(node, second_.nodes[match]);
         }
         for (std::uint32_t i = 0; i < second_.nodes.size(); ++i)
             if (match_.inFirst[i] == kNoMatch)
-                Tell(NameOf(second_.nodes[i]), "only in the second file");
+                Differ(NameOf(second_.nodes[i]), "only in the second file");
     }
 
     void CompareNode(const StoredNode& a, const StoredNode& b) {
         const std::string place = NameOf(a);
         CompareNumber(place, "handle", a.handle, b.handle);
-        if (a.name != b.name) Tell(place, "name " + TextDifference(a.name, b.name));
+        if (a.name != b.name) Differ(place, "name " + TextDifference(a.name, b.name));
         CompareParents(place, a, b);
         CompareNumber(place, "hidden", a.isHidden, b.isHidden);
         CompareNumber(place, "selected", a.isSelected, b.isSelected);
@@ -123,7 +123,7 @@ class Comparison {
         const bool isTop = a.parent == kNoStoredParent;
         const std::uint32_t expected = isTop ? kNoStoredParent : match_.inSecond[a.parent];
         if (b.parent != expected || (!isTop && expected == kNoMatch))
-            Tell(place, "parent " + Words(ParentOf(first_, a), ParentOf(second_, b)));
+            Differ(place, "parent " + Both(ParentOf(first_, a), ParentOf(second_, b)));
     }
 
     static std::string ParentOf(const SceneDocument& document, const StoredNode& node) {
@@ -141,10 +141,10 @@ class Comparison {
             const auto& [key, value] = onlyRight ? *right : *left;
             const std::string what = "property " + Quoted(key) + " ";
             if (onlyLeft || onlyRight)
-                Tell(place, what + Quoted(value) + " only in the " +
-                                (onlyLeft ? "first" : "second") + " file");
+                Differ(place, what + Quoted(value) + " only in the " +
+                                  (onlyLeft ? "first" : "second") + " file");
             else if (value != right->second)
-                Tell(place, what + TextDifference(value, right->second));
+                Differ(place, what + TextDifference(value, right->second));
             if (!onlyRight) ++left;
             if (!onlyLeft) ++right;
         }
@@ -158,7 +158,7 @@ class Comparison {
         }
         const bool isSame = a.kind == b.kind && (a.kind == StoredTarget::kNothing ||
                                                  match_.inSecond[a.index] == b.index);
-        if (!isSame) Tell(place, Words(TargetOf(first_, a), TargetOf(second_, b)));
+        if (!isSame) Differ(place, Both(TargetOf(first_, a), TargetOf(second_, b)));
     }
 
     static std::string TargetOf(const SceneDocument& document, const StoredReference& reference) {
@@ -179,7 +179,7 @@ class Comparison {
         if (isNew && isNewInSecond)
             toCompare_.push_back({first, second, place});
         else if (known->second != second || isNew)
-            Tell(place, "shared with others in one file that it is not shared with in the other");
+            Differ(place, "shared with others in one file that it is not shared with in the other");
     }
 
     void CompareObjects() {
@@ -196,7 +196,7 @@ class Comparison {
 
     void CompareObject(const std::string& place, const StoredObject& a, const StoredObject& b) {
         if (!IsSame(a.type, b.type)) {
-            Tell(place, Words(NameOf(a.type), NameOf(b.type)));
+            Differ(place, Both(NameOf(a.type), NameOf(b.type)));
             return;
         }
         CompareSaved(place, a, b);
@@ -219,7 +219,7 @@ class Comparison {
         if (std::equal(left.begin(), left.end(), right.begin(), right.end())) return;
         std::string what = KeyDifference(KeysOf(a.type, first), KeysOf(b.type, second));
         if (what.empty()) what = ContentDifference(left, right);
-        Tell(place, what);
+        Differ(place, what);
     }
 
     std::span<const std::byte> Compared(const StoredClass& type,
@@ -233,7 +233,7 @@ class Comparison {
         for (const StoredUtility& utility : first_.utilities) {
             const StoredUtility* other = Counterpart(utility, met);
             if (!other) {
-                Tell("utility " + NameOf(utility.type), "only in the first file");
+                Differ("utility " + NameOf(utility.type), "only in the first file");
                 continue;
             }
             met.insert(other);
@@ -241,7 +241,7 @@ class Comparison {
         }
         for (const StoredUtility& utility : second_.utilities)
             if (!met.contains(&utility))
-                Tell("utility " + NameOf(utility.type), "only in the second file");
+                Differ("utility " + NameOf(utility.type), "only in the second file");
     }
 
     const StoredUtility* Counterpart(const StoredUtility& utility,
@@ -262,7 +262,7 @@ class Comparison {
         ChunkReader right(secondSource);
         while (CompareNextChunk(place, left, right)) {
         }
-        if (found_.size() == before) Tell(place, ContentDifference(first, second));
+        if (found_.size() == before) Differ(place, ContentDifference(first, second));
     }
 
     // False: there is no further chunk to compare.
@@ -271,16 +271,16 @@ class Comparison {
         const bool inSecond = right.OpenChunk() == IO_OK;
         if (!inFirst && !inSecond) return false;
         if (inFirst != inSecond || left.CurChunkID() != right.CurChunkID()) {
-            Tell(place,
-                 Words(inFirst ? "chunk " + std::to_string(left.CurChunkID()) : "no chunk",
-                       inSecond ? "chunk " + std::to_string(right.CurChunkID()) : "no chunk"));
+            Differ(place,
+                   Both(inFirst ? "chunk " + std::to_string(left.CurChunkID()) : "no chunk",
+                        inSecond ? "chunk " + std::to_string(right.CurChunkID()) : "no chunk"));
             return false;
         }
         const auto first = Contents(left);
         const auto second = Contents(right);
         if (first != second)
-            Tell(place + ", chunk " + std::to_string(left.CurChunkID()),
-                 ContentDifference(first, second));
+            Differ(place + ", chunk " + std::to_string(left.CurChunkID()),
+                   ContentDifference(first, second));
         left.CloseChunk();
         right.CloseChunk();
         return true;

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <optional>
 
-#include "headless/scene_file/words.h"
+#include "headless/scene_file/file_errors.h"
 
 namespace headless {
 namespace {

@@ -5,7 +5,7 @@
 #include "headless/scene_file/scene_file.h"
 #include "headless/scene_file/stored_keys.h"
 #include "headless/scene_file_view.h"
-#include "headless/storage/chunk_reader.h"
+#include "headless/storage/chunks.h"
 
 namespace headless {
 namespace {
@@ -92,7 +92,7 @@ class FileViewer {
 
     static void AddClass(std::vector<ClassInFile>& classes, const StoredClass& type) {
         const bool isKnown = std::any_of(classes.begin(), classes.end(), [&](const auto& known) {
-            return known.superClass == type.superClass && known.id == type.id;
+            return KeyOf(known.superClass, known.id) == type.Key();
         });
         if (!isKnown) classes.push_back(ViewOf(type));
     }

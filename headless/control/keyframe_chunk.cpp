@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "headless/storage/chunk_format.h"
+#include "headless/storage/chunks.h"
 
 namespace headless {
 namespace {

@@ -8,6 +8,32 @@
 #include "headless/drawing/drawn_mesh.h"
 #include "headless/drawing/hit_tests.h"
 #include "headless/values/vector.h"
+#include "host/graphics_window.h"
+#include "host/mesh.h"
+
+GraphicsWindow::~GraphicsWindow() = default;
+ViewExp::~ViewExp() = default;
+
+// Without places nothing is in the region.
+void MakeHitRegion(HitRegion& region, int type, int crossing, int epsilon, const IPoint2* points) {
+    region = {.type = points ? type : 0, .crossing = crossing, .epsilon = epsilon, .corners = {}};
+    if (!points) return;
+    region.corners[0] = points[0];
+    region.corners[1] = type == HITTYPE_RECT ? points[1] : points[0];
+}
+
+// A window that is not the host's own has nothing drawn into it and shows nothing to hit.
+using headless::DrawWindow;
+
+int Mesh::render(GraphicsWindow* window, Material*, RECT*, int, int) {
+    if (auto* const own = dynamic_cast<DrawWindow*>(window)) own->DrawMesh(*this);
+    return 0;
+}
+
+int Mesh::select(GraphicsWindow* window, Material*, HitRegion* region, int, int) {
+    const auto* const own = dynamic_cast<const DrawWindow*>(window);
+    return own && region && own->Hits(*this, *region) ? 1 : 0;
+}
 
 namespace headless {
 namespace {

@@ -1,6 +1,7 @@
 #include "headless/drawing/drawn_mesh.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "headless/drawing/hit_tests.h"
 #include "headless/values/vector.h"
@@ -19,6 +20,45 @@ DrawnFace AsDrawn(const Face& face, bool isMirrored) {
         return {
             {a, c, b}, face.smGroup, {face.getEdgeVis(2), face.getEdgeVis(1), face.getEdgeVis(0)}};
     return {{a, b, c}, face.smGroup, {face.getEdgeVis(0), face.getEdgeVis(1), face.getEdgeVis(2)}};
+}
+
+// As long as twice the face's area.
+std::vector<Vector> AreaNormals(const DrawnMesh& mesh) {
+    std::vector<Vector> normals;
+    normals.reserve(mesh.faces.size());
+    for (const DrawnFace& face : mesh.faces) {
+        const Vector a(mesh.places[face.v[0]]);
+        normals.push_back(
+            Cross(Vector(mesh.places[face.v[1]]) - a, Vector(mesh.places[face.v[2]]) - a));
+    }
+    return normals;
+}
+
+std::uint32_t GroupsInUse(const std::vector<DrawnFace>& faces) {
+    std::uint32_t groups = 0;
+    for (const DrawnFace& face : faces)
+        groups |= face.groups;
+    return groups;
+}
+
+using Corners = std::array<Vector, 3>;
+
+// Adds to each corner of the group's faces what the group's faces around its place give. `sums`
+// has an entry for each place.
+void AddGroup(std::uint32_t group, const std::vector<DrawnFace>& faces,
+              const std::vector<Vector>& areaNormals, std::vector<Vector>& sums,
+              std::vector<Corners>& corners) {
+    std::fill(sums.begin(), sums.end(), Vector());
+    for (std::size_t f = 0; f < faces.size(); ++f) {
+        if ((faces[f].groups & group) == 0) continue;
+        for (const std::uint32_t place : faces[f].v)
+            sums[place] = sums[place] + areaNormals[f];
+    }
+    for (std::size_t f = 0; f < faces.size(); ++f) {
+        if ((faces[f].groups & group) == 0) continue;
+        for (std::size_t corner = 0; corner < 3; ++corner)
+            corners[f][corner] = corners[f][corner] + sums[faces[f].v[corner]];
+    }
 }
 
 }  // namespace
@@ -56,6 +96,31 @@ std::vector<std::pair<std::uint32_t, std::uint32_t>> VisibleEdges(const DrawnMes
     std::sort(edges.begin(), edges.end());
     edges.erase(std::unique(edges.begin(), edges.end()), edges.end());
     return edges;
+}
+
+CornerNormals SmoothNormals(const DrawnMesh& mesh) {
+    const std::vector<Vector> areaNormals = AreaNormals(mesh);
+    std::vector<Corners> corners(mesh.faces.size());
+    std::vector<Vector> sums(mesh.places.size());
+    for (std::uint32_t left = GroupsInUse(mesh.faces); left != 0; left &= left - 1)
+        AddGroup(left & (~left + 1), mesh.faces, areaNormals, sums, corners);
+
+    CornerNormals normals(mesh.faces.size());
+    for (std::size_t f = 0; f < mesh.faces.size(); ++f)
+        for (std::size_t corner = 0; corner < 3; ++corner)
+            normals[f][corner] =
+                UnitOf(mesh.faces[f].groups == 0 ? areaNormals[f] : corners[f][corner]);
+    return normals;
+}
+
+CornerNormals FlatNormals(const DrawnMesh& mesh) {
+    CornerNormals normals;
+    normals.reserve(mesh.faces.size());
+    for (const Vector& areaNormal : AreaNormals(mesh)) {
+        const Point3 normal = UnitOf(areaNormal);
+        normals.push_back({normal, normal, normal});
+    }
+    return normals;
 }
 
 }  // namespace headless

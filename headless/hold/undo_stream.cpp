@@ -5,10 +5,43 @@
 #include <utility>
 
 #include "headless/breaches/breach_book.h"
-#include "headless/references/graveyard.h"
+#include "headless/hold/graveyard.h"
+#include "host/hold.h"
 
-bool UndoStreamCanMeetObjects() {
-    return headless::UndoStream::Get().IsOccupied();
+using headless::UndoStream;
+
+Hold theHold;
+
+RestoreObj::~RestoreObj() = default;
+int RestoreObj::Size() {
+    return 1;
+}
+void RestoreObj::EndHold() {}
+HostString RestoreObj::Description() {
+    return "---";
+}
+
+void Hold::Begin() {
+    headless::ExpectHost("Hold::Begin");
+    UndoStream::Get().Begin();
+}
+void Hold::Accept(const char* label) {
+    headless::ExpectHost("Hold::Accept");
+    UndoStream::Get().Accept(label);
+}
+void Hold::Cancel() {
+    headless::ExpectHost("Hold::Cancel");
+    UndoStream::Get().Cancel();
+}
+void Hold::Put(RestoreObj* record) {
+    headless::ExpectHost("Hold::Put");
+    UndoStream::Get().Put(record);
+}
+bool Hold::Holding() const {
+    return UndoStream::Get().Holding();
+}
+bool Hold::RestoreOrRedoing() const {
+    return UndoStream::Get().RestoreOrRedoing();
 }
 
 namespace headless {
@@ -24,6 +57,17 @@ std::string LabelOf(const char* label) noexcept {
         return {};
     }
 }
+
+class FlipRecord final : public RestoreObj {
+  public:
+    explicit FlipRecord(std::function<void()> flip) : flip_(std::move(flip)) {}
+
+    void Restore(int) override { flip_(); }
+    void Redo() override { flip_(); }
+
+  private:
+    std::function<void()> flip_;
+};
 
 }  // namespace
 
@@ -93,30 +137,31 @@ void UndoStream::Put(RestoreObj* record) {
     if (Takes("Hold::Put") && owned) open_.push_back(std::move(owned));
 }
 
-bool UndoStream::Undo() {
-    if (undo_.empty() || holding_ || running_) return false;
-    redo_.push_back({});
-    redo_.back() = std::move(undo_.back());
-    undo_.pop_back();
-    const Records& records = redo_.back().records;
-    const FirstThrown thrown = Run("undo", records.rbegin(), records.rend(),
-                                   [](RestoreObj& record) { record.Restore(1); });
+// Moves the last step of one stack to the other and has its records run there.
+template <class RunAll>
+bool UndoStream::Turn(std::vector<Step>& from, std::vector<Step>& to, RunAll runAll) {
+    if (from.empty() || holding_ || running_) return false;
+    to.push_back({});
+    to.back() = std::move(from.back());
+    from.pop_back();
+    const FirstThrown thrown = runAll(to.back().records);
     FlushIfAsked();
     thrown.Rethrow();
     return true;
 }
 
+bool UndoStream::Undo() {
+    return Turn(undo_, redo_, [this](const Records& records) {
+        return Run("undo", records.rbegin(), records.rend(),
+                   [](RestoreObj& record) { record.Restore(1); });
+    });
+}
+
 bool UndoStream::Redo() {
-    if (redo_.empty() || holding_ || running_) return false;
-    undo_.push_back({});
-    undo_.back() = std::move(redo_.back());
-    redo_.pop_back();
-    const Records& records = undo_.back().records;
-    const FirstThrown thrown =
-        Run("redo", records.begin(), records.end(), [](RestoreObj& record) { record.Redo(); });
-    FlushIfAsked();
-    thrown.Rethrow();
-    return true;
+    return Turn(redo_, undo_, [this](const Records& records) {
+        return Run("redo", records.begin(), records.end(),
+                   [](RestoreObj& record) { record.Redo(); });
+    });
 }
 
 void UndoStream::Flush() {
@@ -130,16 +175,9 @@ void UndoStream::Flush() {
     Drop(std::move(steps));
 }
 
-std::vector<std::string> UndoStream::UndoLabels() const {
+std::vector<std::string> UndoStream::LabelsOf(const std::vector<Step>& steps) {
     std::vector<std::string> labels;
-    for (auto step = undo_.rbegin(); step != undo_.rend(); ++step)
-        labels.push_back(step->label);
-    return labels;
-}
-
-std::vector<std::string> UndoStream::RedoLabels() const {
-    std::vector<std::string> labels;
-    for (auto step = redo_.rbegin(); step != redo_.rend(); ++step)
+    for (auto step = steps.rbegin(); step != steps.rend(); ++step)
         labels.push_back(step->label);
     return labels;
 }
@@ -166,6 +204,16 @@ void UndoStream::Drop(std::vector<Step> steps) {
         Drop(std::move(steps.back().records));
     --dropping_;
     Graveyard::Get().Sweep();
+}
+
+void Undoably(std::function<void()> flip) {
+    if (!theHold.Holding()) {
+        flip();
+        return;
+    }
+    auto* record = new FlipRecord(std::move(flip));
+    theHold.Put(record);
+    record->Redo();
 }
 
 }  // namespace headless

@@ -1,13 +1,35 @@
 #pragma once
 
+#include <exception>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "headless/hold/first_thrown.h"
 #include "host/hold.h"
 
 namespace headless {
+
+// For work of several parts, each of them some guest's, that must all be done: an exception waits
+// until the others have had their turn. Only the first is kept.
+class FirstThrown {
+  public:
+    template <class Part>
+    void Try(Part part) noexcept {
+        try {
+            part();
+        } catch (...) {
+            if (!thrown_) thrown_ = std::current_exception();
+        }
+    }
+
+    void Rethrow() const {
+        if (thrown_) std::rethrow_exception(thrown_);
+    }
+
+  private:
+    std::exception_ptr thrown_;
+};
 
 // The steps that can be undone and redone, and the one hold that is to become the next of them.
 //
@@ -37,8 +59,9 @@ class UndoStream {
     // Empties both stacks. A hold that is open stays, with its records.
     void Flush();
 
-    std::vector<std::string> UndoLabels() const;  // the next one to be undone first
-    std::vector<std::string> RedoLabels() const;  // the next one to be redone first
+    // The step that is next comes first.
+    std::vector<std::string> UndoLabels() const { return LabelsOf(undo_); }
+    std::vector<std::string> RedoLabels() const { return LabelsOf(redo_); }
 
     // A record is there or can still come.
     bool IsOccupied() const;
@@ -49,6 +72,10 @@ class UndoStream {
         std::string label;
         Records records;  // in the order in which they were put
     };
+
+    template <class RunAll>
+    bool Turn(std::vector<Step>& from, std::vector<Step>& to, RunAll runAll);
+    static std::vector<std::string> LabelsOf(const std::vector<Step>& steps);
 
     template <class Place, class Act>
     FirstThrown Run(const char* what, Place first, Place last, Act act);
@@ -65,5 +92,11 @@ class UndoStream {
     bool flushWaits_ = false;
     int dropping_ = 0;  // runs of records that are being destroyed
 };
+
+// How the host changes a scene: a change is written as a flip, of which making, taking back and
+// making again are one and the same act, such as swapping a value with a kept one. Makes the
+// change, as a record of the hold if one is open. What the flip refers to must live as
+// long as the record, so it holds nodes by NodePtr.
+void Undoably(std::function<void()> flip);
 
 }  // namespace headless

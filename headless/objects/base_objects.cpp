@@ -1,3 +1,4 @@
+#include "headless/objects/own_classes.h"
 #include "host/node.h"
 #include "host/object.h"
 
@@ -46,3 +47,16 @@ HelperObject::~HelperObject() = default;
 TriObject::~TriObject() = default;
 CameraObject::~CameraObject() = default;
 ShapeObject::~ShapeObject() = default;
+
+namespace headless {
+
+// Frees what a conversion has given, unless that is the object itself.
+Mesh MeshOf(Object& object, TimeValue t) {
+    Mesh mesh;
+    Object* const converted = object.ConvertToType(t, kTriObjectClassId);
+    if (auto* const triangles = dynamic_cast<TriObject*>(converted)) mesh = triangles->GetMesh();
+    if (converted && converted != &object) converted->DeleteThis();
+    return mesh;
+}
+
+}  // namespace headless

@@ -1,7 +1,6 @@
 #include <cmath>
 #include <optional>
 
-#include "headless/objects/mesh_of.h"
 #include "headless/objects/node_drawing.h"
 #include "headless/objects/own_classes.h"
 #include "headless/primitives.h"
@@ -39,7 +38,7 @@ void BendMesh(Mesh& mesh, double angle) {
         p = Bent(p, box.pmin.z, height, angle);
 }
 
-class Bend final : public Object {
+class Bend final : public Visible<Object, Mesh> {
   public:
     explicit Bend(float degreesPerSecond)
         : degreesPerSecond_(std::isfinite(degreesPerSecond) ? degreesPerSecond : 0) {}
@@ -54,7 +53,7 @@ class Bend final : public Object {
         if (!bent_) bent_ = CreateNewTriObject();
         const Moment moment{t, RadiansAt(t, degreesPerSecond_)};
         if (shown_ != moment) {
-            bent_->GetMesh() = MeshAt(t);
+            bent_->GetMesh() = SeenAt(t, nullptr);
             shown_ = moment;
         }
         return {bent_};
@@ -69,7 +68,7 @@ class Bend final : public Object {
         if (type != kTriObjectClassId) return Object::ConvertToType(t, type);
         if (CanConvertToType(type) == 0) return nullptr;
         TriObject* const object = CreateNewTriObject();
-        object->GetMesh() = MeshAt(t);
+        object->GetMesh() = SeenAt(t, nullptr);
         return object;
     }
 
@@ -81,19 +80,6 @@ class Bend final : public Object {
         base_ ? base_->InitNodeName(name) : Object::InitNodeName(name);
     }
     void DeleteThis() override { delete this; }
-
-    int Display(TimeValue t, INode* node, ViewExp* view, int) override {
-        Mesh mesh = MeshAt(t);
-        return DisplayMesh(mesh, t, node, view);
-    }
-    int HitTest(TimeValue t, INode* node, int type, int crossing, int flags, IPoint2* point,
-                ViewExp* view) override {
-        Mesh mesh = MeshAt(t);
-        return HitTestMesh(mesh, {t, node, type, crossing, flags, point, view});
-    }
-    void GetLocalBoundBox(TimeValue t, INode*, ViewExp*, Box3& box) override {
-        box = MeshAt(t).getBoundingBox();
-    }
 
     int NumRefs() override { return 1; }
     RefTargetHandle GetReference(int index) override { return index == 0 ? base_ : nullptr; }
@@ -133,7 +119,7 @@ class Bend final : public Object {
 
   private:
     // Empty without a base, or with one that is no triangles.
-    Mesh MeshAt(TimeValue t) {
+    Mesh SeenAt(TimeValue t, INode*) override {
         Object* const base = base_ ? base_->Eval(t).obj : nullptr;
         Mesh mesh = base ? MeshOf(*base, t) : Mesh();
         BendMesh(mesh, RadiansAt(t, degreesPerSecond_));

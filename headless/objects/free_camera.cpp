@@ -4,11 +4,11 @@
 #include <utility>
 
 #include "headless/control/animate_mode.h"
-#include "headless/control/factory.h"
-#include "headless/objects/camera_lines.h"
+#include "headless/control/own_controllers.h"
+#include "headless/hold/graveyard.h"
+#include "headless/hold/undo_stream.h"
+#include "headless/objects/camera_frame.h"
 #include "headless/objects/own_classes.h"
-#include "headless/objects/undoable.h"
-#include "headless/references/fresh.h"
 #include "headless/storage/plain_chunks.h"
 #include "host/animate.h"
 
@@ -96,7 +96,7 @@ struct Switches {
     bool HasKnownType() const { return fovType >= 0 && fovType <= 2; }
 };
 
-class FreeCamera final : public CameraObject {
+class FreeCamera final : public Visible<CameraObject, std::vector<Line>> {
   public:
     void SetFOV(TimeValue t, float radians) override { Set(CameraParameters::kFov, t, radians); }
     float GetFOV(TimeValue t, Interval& valid) override {
@@ -122,17 +122,6 @@ class FreeCamera final : public CameraObject {
     Class_ID ClassID() override { return kFreeCameraClassId; }
     HostString GetObjectName() override { return "Camera"; }
     void DeleteThis() override { delete this; }
-
-    int Display(TimeValue t, INode* node, ViewExp* view, int) override {
-        return DisplayLines(Lines(t, node), t, node, view);
-    }
-    int HitTest(TimeValue t, INode* node, int type, int crossing, int flags, IPoint2* point,
-                ViewExp* view) override {
-        return HitTestLines(Lines(t, node), {t, node, type, crossing, flags, point, view});
-    }
-    void GetLocalBoundBox(TimeValue t, INode* node, ViewExp*, Box3& box) override {
-        box = BoundsOf(Lines(t, node));
-    }
 
     int NumSubs() override { return 1; }
     Animatable* SubAnim(int index) override { return index == 0 ? parameters_ : nullptr; }
@@ -178,7 +167,7 @@ class FreeCamera final : public CameraObject {
     }
 
     // A camera whose cone does not show keeps a short one, to be seen and taken by.
-    std::vector<Line> Lines(TimeValue t, INode* node) {
+    std::vector<Line> SeenAt(TimeValue t, INode* node) override {
         std::vector<Line> lines;
         Interval valid = FOREVER;
         const float distance = GetTDist(t, valid);
@@ -206,7 +195,7 @@ class FreeCamera final : public CameraObject {
 ReferenceTarget* NewCameraParameters() {
     Fresh<CameraParameters> parameters(new CameraParameters);
     for (int i = 0; i < CameraParameters::kCount; ++i) {
-        const Fresh<Control> number(NewControl(CTRL_FLOAT_CLASS_ID, kLinearFloatClassId));
+        const Fresh<Control> number(NewLinearFloat());
         parameters->ReplaceReference(i, number.get());
     }
     // What a camera starts with is no key, also in animate mode.

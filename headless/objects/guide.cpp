@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "headless/memory_chunks.h"
-#include "headless/objects/mesh_of.h"
+#include "headless/objects/own_classes.h"
 #include "headless/primitives.h"
 #include "headless/storage/plain_chunks.h"
 #include "host/interface.h"

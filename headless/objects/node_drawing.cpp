@@ -40,7 +40,7 @@ void AddLines(const std::vector<Point3>& places, std::vector<Line>& lines) {
 }
 
 // Of a selected node the edges show on top of its faces.
-int DisplayMesh(Mesh& mesh, TimeValue t, INode* node, ViewExp* view) {
+int DisplaySeen(Mesh& mesh, TimeValue t, INode* node, ViewExp* view) {
     DrawWindow* const window = WindowFor(t, node, view);
     if (!window) return 0;
     SetColours(*window, *node);
@@ -51,7 +51,7 @@ int DisplayMesh(Mesh& mesh, TimeValue t, INode* node, ViewExp* view) {
     return 0;
 }
 
-int DisplayLines(const std::vector<Line>& lines, TimeValue t, INode* node, ViewExp* view) {
+int DisplaySeen(const std::vector<Line>& lines, TimeValue t, INode* node, ViewExp* view) {
     DrawWindow* const window = WindowFor(t, node, view);
     if (!window) return 0;
     SetColours(*window, *node);
@@ -60,7 +60,7 @@ int DisplayLines(const std::vector<Line>& lines, TimeValue t, INode* node, ViewE
     return 0;
 }
 
-int HitTestMesh(Mesh& mesh, const HitQuery& query) {
+int HitTestSeen(Mesh& mesh, const HitQuery& query) {
     DrawWindow* const window = WindowFor(query.t, query.node, query.view);
     if (!window) return 0;
     HitRegion region = RegionOf(query);
@@ -68,9 +68,13 @@ int HitTestMesh(Mesh& mesh, const HitQuery& query) {
                        query.node->NumMtls());
 }
 
-int HitTestLines(const std::vector<Line>& lines, const HitQuery& query) {
+int HitTestSeen(const std::vector<Line>& lines, const HitQuery& query) {
     const DrawWindow* const window = WindowFor(query.t, query.node, query.view);
     return window && window->Hits(lines, RegionOf(query)) ? 1 : 0;
+}
+
+Box3 BoundsOf(const Mesh& mesh) {
+    return mesh.getBoundingBox();
 }
 
 Box3 BoundsOf(const std::vector<Line>& lines) {

@@ -3,9 +3,9 @@
 #include "host/object.h"
 #include "host/types.h"
 
-// Class ids of the host's own objects, and how an empty one of each is made.
 namespace headless {
 
+// Class ids of the host's own objects, and how an empty one of each is made.
 inline constexpr Class_ID kFreeCameraClassId{0x1001, 0};
 inline constexpr Class_ID kSplinesClassId{0x1002, 0};
 inline constexpr Class_ID kSphereClassId{0x1003, 0};
@@ -16,9 +16,9 @@ inline constexpr SClass_ID kCameraParametersSuperClass = 8;
 
 CameraObject* NewFreeCamera();
 
-// A mesh without faces, whose node is called by its kind.
-TriObject* NewMeshObject(const char* kind);
-
 ReferenceTarget* NewCameraParameters();
+
+// What an object is as triangles; empty if it cannot be any.
+Mesh MeshOf(Object& object, TimeValue t);
 
 }  // namespace headless

@@ -103,7 +103,7 @@ class SphereMesh {
     int segments_;
 };
 
-class Sphere final : public Object {
+class Sphere final : public Visible<Object, Mesh&> {
   public:
     Sphere(float radius, int segments)
         : shape_{std::isfinite(radius) ? std::abs(radius) : 0,
@@ -116,7 +116,7 @@ class Sphere final : public Object {
     Object* ConvertToType(TimeValue t, Class_ID type) override {
         if (type != kTriObjectClassId) return Object::ConvertToType(t, type);
         TriObject* object = CreateNewTriObject();
-        object->GetMesh() = Shown();
+        object->GetMesh() = SeenAt(t, nullptr);
         return object;
     }
 
@@ -127,13 +127,6 @@ class Sphere final : public Object {
     void DeleteThis() override { delete this; }
     void FreeCaches() override { shown_.FreeAll(); }
 
-    int Display(TimeValue t, INode* node, ViewExp* view, int) override {
-        return DisplayMesh(Shown(), t, node, view);
-    }
-    int HitTest(TimeValue t, INode* node, int type, int crossing, int flags, IPoint2* point,
-                ViewExp* view) override {
-        return HitTestMesh(Shown(), {t, node, type, crossing, flags, point, view});
-    }
     void GetLocalBoundBox(TimeValue, INode*, ViewExp*, Box3& box) override {
         const float r = shape_.radius;
         box = Box3({-r, -r, -r}, {r, r, r});
@@ -174,7 +167,7 @@ class Sphere final : public Object {
     };
 
     // Built when it is first asked for.
-    Mesh& Shown() {
+    Mesh& SeenAt(TimeValue, INode*) override {
         if (shown_.faces.empty()) SphereMesh(shape_.radius, shape_.segments).BuildInto(shown_);
         return shown_;
     }

@@ -6,6 +6,10 @@
 namespace headless {
 namespace {
 
+double LengthOf(const Vector& v) {
+    return std::sqrt(Dot(v, v));
+}
+
 // Abscissas and weights of order 8, each for both signs (Abramowitz and Stegun, "Handbook of
 // Mathematical Functions", table 25.4).
 struct GaussPoint {
@@ -51,7 +55,54 @@ double ParameterAt(const BezierSegment& curve, double from, double to, double pa
     return u;
 }
 
+constexpr int kStepsPerCurve = 16;
+
+void AddPlace(std::vector<Point3>& line, const Point3& p) {
+    if (IsFinite(p) && (line.empty() || !(line.back() == p))) line.push_back(p);
+}
+
 }  // namespace
+
+BezierSegment::BezierSegment(const Knot& from, const Knot& to)
+    : hull_{Vector(from.place), Vector(from.out), Vector(to.in), Vector(to.place)},
+      isStraight_(from.out == from.place && to.in == to.place) {}
+
+Point3 BezierSegment::At(double u) const {
+    const double v = 1 - u;
+    const std::array<double, 4> weights =
+        isStraight_ ? std::array<double, 4>{v, 0, 0, u}
+                    : std::array<double, 4>{v * v * v, 3 * v * v * u, 3 * v * u * u, u * u * u};
+    Vector sum;
+    for (std::size_t i = 0; i < 4; ++i)
+        sum = sum + hull_[i] * weights[i];
+    return Narrow(sum);
+}
+
+double BezierSegment::SpeedAt(double u) const {
+    if (isStraight_) return LengthOfHull();
+    const double v = 1 - u;
+    const std::array<double, 3> weights{3 * v * v, 6 * v * u, 3 * u * u};
+    Vector sum;
+    for (std::size_t i = 0; i < 3; ++i)
+        sum = sum + (hull_[i + 1] - hull_[i]) * weights[i];
+    return LengthOf(sum);
+}
+
+double BezierSegment::LengthOfHull() const {
+    double length = 0;
+    for (std::size_t i = 0; i < 3; ++i)
+        length += LengthOf(hull_[i + 1] - hull_[i]);
+    return length;
+}
+
+std::size_t SegmentCount(const Spline& spline) {
+    const std::size_t knots = spline.knots.size();
+    return spline.isClosed || knots == 0 ? knots : knots - 1;
+}
+
+BezierSegment SegmentOf(const Spline& spline, std::size_t index) {
+    return {spline.knots[index], spline.knots[(index + 1) % spline.knots.size()]};
+}
 
 SplineMeasure::SplineMeasure(const Spline& spline) {
     for (std::size_t i = 0; i < SegmentCount(spline); ++i) {
@@ -98,6 +149,19 @@ SplinePlace SplineMeasure::PlaceAt(const Spline& spline, double length) const {
     const BezierSegment curve = SegmentOf(spline, found->segment);
     if (curve.IsStraight()) return {found->segment, part};
     return {found->segment, ParameterAt(curve, found->from, found->to, part, found->length)};
+}
+
+std::vector<Point3> LinesAlong(const Spline& spline) {
+    std::vector<Point3> line;
+    if (spline.knots.empty()) return line;
+    AddPlace(line, spline.knots.front().place);
+    for (std::size_t i = 0; i < SegmentCount(spline); ++i) {
+        const BezierSegment curve = SegmentOf(spline, i);
+        const int steps = curve.IsStraight() ? 1 : kStepsPerCurve;
+        for (int step = 1; step <= steps; ++step)
+            AddPlace(line, curve.At(static_cast<double>(step) / steps));
+    }
+    return line;
 }
 
 }  // namespace headless

@@ -1,11 +1,35 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <vector>
 
-#include "headless/objects/bezier_segment.h"
+#include "headless/primitives.h"
+#include "headless/values/vector.h"
 
 namespace headless {
+
+// One segment of a spline: a cubic Bézier curve from u = 0 to u = 1, worked out in double. On a
+// straight line u is the part of the line that lies behind, whatever the cubic says.
+class BezierSegment {
+  public:
+    BezierSegment(const Knot& from, const Knot& to);
+
+    bool IsStraight() const { return isStraight_; }
+    Point3 At(double u) const;
+    double SpeedAt(double u) const;  // how much length passes as u does
+
+    // Not shorter than the segment.
+    double LengthOfHull() const;
+
+  private:
+    std::array<Vector, 4> hull_;  // its two ends, and between them the handles
+    bool isStraight_;
+};
+
+// A closed spline has a segment for each knot, an open one a segment less.
+std::size_t SegmentCount(const Spline& spline);
+BezierSegment SegmentOf(const Spline& spline, std::size_t index);
 
 // A place on a spline: a segment, and how far along it by its own parameter.
 struct SplinePlace {
@@ -41,5 +65,10 @@ class SplineMeasure {
 
     std::vector<Piece> pieces_;
 };
+
+// Places along a spline whose straight connections show it: the knots, and between them further
+// places where it is curved. A closed one comes back to its first. Places that are no numbers are
+// left out.
+std::vector<Point3> LinesAlong(const Spline& spline);
 
 }  // namespace headless

@@ -1,12 +1,12 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numbers>
 #include <optional>
 #include <utility>
 
 #include "headless/objects/node_drawing.h"
 #include "headless/objects/own_classes.h"
-#include "headless/objects/spline_lines.h"
 #include "headless/objects/spline_measure.h"
 #include "headless/primitives.h"
 #include "headless/storage/plain_chunks.h"
@@ -20,11 +20,85 @@ constexpr std::uint16_t kSplineChunk = 2;
 
 constexpr float kTubeRadius = 0.005F;  // of the shape's diagonal
 
+constexpr int kTubeSides = 6;
+
 bool IsCorner(const Knot& knot) {
     return knot.in == knot.place && knot.out == knot.place;
 }
 
-class Splines final : public ShapeObject {
+// Some direction across another; both have length 1.
+Point3 Across(const Point3& direction) {
+    const Point3 aside = std::abs(direction.z) < 0.9F ? Point3(0, 0, 1) : Point3(1, 0, 0);
+    return Normalize(CrossProd(aside, direction));
+}
+
+// Along the line at one of its places: the middle of what comes and what goes on.
+Point3 DirectionAt(const std::vector<Point3>& line, std::size_t i) {
+    const Point3 in = i == 0 ? Point3() : Normalize(line[i] - line[i - 1]);
+    const Point3 out = i + 1 == line.size() ? Point3() : Normalize(line[i + 1] - line[i]);
+    const Point3 sum = in + out;
+    return sum.Length() > 0 ? Normalize(sum) : Across(in);  // where the line turns back
+}
+
+// Flat, and without edges that show.
+Face& AddFace(Mesh& mesh, int a, int b, int c) {
+    Face& face = mesh.faces.emplace_back();
+    face.setVerts(a, b, c);
+    return face;
+}
+
+void AddSide(Mesh& mesh, int a, int b, int c) {
+    Face& face = AddFace(mesh, a, b, c);
+    face.setEdgeVisFlags(1, 1, 0);
+    face.setSmGroup(1);
+}
+
+void AddRing(Mesh& mesh, const Point3& centre, const Point3& direction, const Point3& first,
+             float radius) {
+    const Point3 second = CrossProd(direction, first);
+    for (int side = 0; side < kTubeSides; ++side) {
+        const float angle = 2 * std::numbers::pi_v<float> * static_cast<float>(side) /
+                            static_cast<float>(kTubeSides);
+        mesh.verts.push_back(centre + first * (radius * std::cos(angle)) +
+                             second * (radius * std::sin(angle)));
+    }
+}
+
+// Two faces for each side of the stretch from the ring that starts at vertex `ring` to the next,
+// smooth around the tube; the diagonal between them, the last edge of both, does not show.
+void AddStretch(Mesh& mesh, int ring) {
+    for (int side = 0; side < kTubeSides; ++side) {
+        const int a = ring + side;
+        const int b = ring + (side + 1) % kTubeSides;
+        AddSide(mesh, a + kTubeSides, a, b);
+        AddSide(mesh, b, b + kTubeSides, a + kTubeSides);
+    }
+}
+
+void AddCaps(Mesh& mesh, int firstRing, int lastRing) {
+    for (int side = 1; side + 1 < kTubeSides; ++side) {
+        AddFace(mesh, firstRing, firstRing + side + 1, firstRing + side);
+        AddFace(mesh, lastRing, lastRing + side, lastRing + side + 1);
+    }
+}
+
+// Adds a thin tube along the line, closed at its ends. From ring to ring the direction of the first
+// side turns no more than the line does.
+void AddTube(const std::vector<Point3>& line, float radius, Mesh& mesh) {
+    if (line.size() < 2) return;
+    const int firstRing = mesh.getNumVerts();
+    Point3 first = Across(DirectionAt(line, 0));
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        const Point3 direction = DirectionAt(line, i);
+        const Point3 carried = first - direction * DotProd(first, direction);
+        first = carried.Length() > 0 ? Normalize(carried) : Across(direction);
+        AddRing(mesh, line[i], direction, first, radius);
+        if (i > 0) AddStretch(mesh, mesh.getNumVerts() - 2 * kTubeSides);
+    }
+    AddCaps(mesh, firstRing, mesh.getNumVerts() - kTubeSides);
+}
+
+class Splines final : public Visible<ShapeObject, std::vector<Line>> {
   public:
     explicit Splines(std::vector<Spline> splines) : splines_(std::move(splines)) { FreeCaches(); }
 
@@ -55,7 +129,7 @@ class Splines final : public ShapeObject {
     Object* ConvertToType(TimeValue t, Class_ID type) override {
         if (type != kTriObjectClassId) return ShapeObject::ConvertToType(t, type);
         TriObject* object = CreateNewTriObject();
-        const Box3 box = BoundsOf(Lines());
+        const Box3 box = BoundsOf(SeenAt(t, nullptr));
         const float radius = box.IsEmpty() ? 0 : Length(box.pmax - box.pmin) * kTubeRadius;
         for (const Spline& spline : splines_)
             AddTube(LinesAlong(spline), radius, object->GetMesh());
@@ -69,17 +143,6 @@ class Splines final : public ShapeObject {
 
     // What is measured is measured again when it is asked for.
     void FreeCaches() override { measures_.assign(splines_.size(), std::nullopt); }
-
-    int Display(TimeValue t, INode* node, ViewExp* view, int) override {
-        return DisplayLines(Lines(), t, node, view);
-    }
-    int HitTest(TimeValue t, INode* node, int type, int crossing, int flags, IPoint2* point,
-                ViewExp* view) override {
-        return HitTestLines(Lines(), {t, node, type, crossing, flags, point, view});
-    }
-    void GetLocalBoundBox(TimeValue, INode*, ViewExp*, Box3& box) override {
-        box = BoundsOf(Lines());
-    }
 
     RefTargetHandle Clone(RemapDir& remap) override {
         auto* copy = new Splines(splines_);
@@ -121,7 +184,7 @@ class Splines final : public ShapeObject {
         return {segment, place - static_cast<double>(segment)};
     }
 
-    std::vector<Line> Lines() const {
+    std::vector<Line> SeenAt(TimeValue, INode*) override {
         std::vector<Line> lines;
         for (const Spline& spline : splines_)
             AddLines(LinesAlong(spline), lines);

@@ -4,11 +4,16 @@
 
 #include <cstdlib>
 #include <memory>
+#include <new>
 #include <typeinfo>
 
 #include "host/animatable.h"
+#include "host/heap.h"
 
+namespace headless {
 namespace {
+
+std::size_t heapBlocks = 0;
 
 // A plain pointer: it outlives every object, whenever the last of them goes.
 InterfaceServer* newest = nullptr;
@@ -49,10 +54,28 @@ void LiveObjects::Remove(InterfaceServer& object) {
         newest = object.previousAlive_;
 }
 
+std::size_t HeapBlocks() {
+    return heapBlocks;
+}
+
+}  // namespace headless
+
 InterfaceServer::InterfaceServer() {
-    LiveObjects::Add(*this);
+    headless::LiveObjects::Add(*this);
 }
 
 InterfaceServer::~InterfaceServer() {
-    LiveObjects::Remove(*this);
+    headless::LiveObjects::Remove(*this);
+}
+
+void* MaxHeapOperators::operator new(std::size_t size) {
+    void* block = ::operator new(size);
+    ++headless::heapBlocks;
+    return block;
+}
+
+void MaxHeapOperators::operator delete(void* block, std::size_t) noexcept {
+    if (block == nullptr) return;
+    --headless::heapBlocks;
+    ::operator delete(block);
 }

@@ -6,6 +6,8 @@
 
 class InterfaceServer;
 
+namespace headless {
+
 // Every host object alive, as a list that runs through the objects themselves.
 class LiveObjects {
   public:
@@ -16,3 +18,8 @@ class LiveObjects {
     static void Add(InterfaceServer& object);
     static void Remove(InterfaceServer& object);
 };
+
+// How many blocks are allocated on the host's heap, objects among them.
+std::size_t HeapBlocks();
+
+}  // namespace headless

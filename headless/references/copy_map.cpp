@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "headless/copies.h"
-#include "headless/references/graveyard.h"
+#include "headless/hold/graveyard.h"
 #include "headless/references/reference_book.h"
 
 namespace headless {

@@ -3,10 +3,10 @@
 #include <algorithm>
 
 #include "headless/breaches/breach_book.h"
-#include "headless/references/dependents_walk.h"
-#include "headless/references/graveyard.h"
-#include "headless/references/object_watch.h"
+#include "headless/hold/graveyard.h"
+#include "headless/references/reference_record.h"
 
+namespace headless {
 namespace {
 
 // So that the next one to be appended cannot fail.
@@ -82,7 +82,7 @@ void ReferenceBook::Forget(ReferenceTarget& target) {
         std::erase(maker->references_, std::pair(index, &target));
         maker->SetReference(index, nullptr);
         if (maker->GetReference(index) == &target)
-            headless::Book("it still points at what is freed", "SetReference");
+            Book("it still points at what is freed", "SetReference");
     }
 }
 
@@ -112,3 +112,5 @@ void ReferenceBook::RemoveDependent(ReferenceTarget& target, const ReferenceMake
     else
         dependents.erase(std::prev(found.base()));
 }
+
+}  // namespace headless

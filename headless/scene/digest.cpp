@@ -1,6 +1,6 @@
-#include "headless/scene/digest.h"
-
+#include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <span>
 #include <unordered_map>
 #include <vector>
@@ -9,7 +9,8 @@
 #include "headless/memory_chunks.h"
 #include "headless/scene/hash.h"
 #include "headless/scene/scene.h"
-#include "headless/scene/timeline.h"
+#include "headless/scene/time_and_units.h"
+#include "headless/scene_view.h"
 
 namespace headless {
 namespace {
@@ -75,7 +76,28 @@ void AddNode(Hash& hash, ObjectWalk& walk, SceneNode& node) {
 
 }  // namespace
 
-std::uint64_t DigestScene() {
+void Hash::Add(std::uint64_t number) {
+    state_ ^= number;
+    state_ *= 0xFF51AFD7ED558CCD;
+    state_ ^= state_ >> 32;
+}
+
+void Hash::Add(std::span<const std::byte> bytes) {
+    Add(static_cast<std::uint64_t>(bytes.size()));
+    while (!bytes.empty()) {
+        std::uint64_t word = 0;
+        const std::size_t count = std::min(sizeof word, bytes.size());
+        std::memcpy(&word, bytes.data(), count);
+        Add(word);
+        bytes = bytes.subspan(count);
+    }
+}
+
+void Hash::Add(std::string_view text) {
+    Add(std::as_bytes(std::span(text)));
+}
+
+std::uint64_t SceneDigest() {
     Hash hash;
     ObjectWalk walk;
     hash.Add(static_cast<std::uint32_t>(AnimationRange().Start()));

@@ -1,16 +1,25 @@
 #include "headless/scene/node.h"
 
+#include <cstddef>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "headless/breaches/breach_book.h"
-#include "headless/objects/undoable.h"
-#include "headless/scene/edit_watch.h"
+#include "headless/hold/undo_stream.h"
 #include "headless/scene/scene.h"
+#include "headless/scene/selection.h"
 
 INode::~INode() = default;
 
 namespace headless {
+namespace {
+
+// Nodes between a node and the root, used as a stack, since a controller that is asked for its
+// value can ask for another node's transform. Kept, so that evaluation allocates nothing.
+std::vector<SceneNode*> path;
+
+}  // namespace
 
 NodePtr SceneNode::New(std::uint32_t handle) {
     return NodePtr(new SceneNode(handle), [](SceneNode* node) { delete node; });
@@ -114,6 +123,32 @@ void SceneNode::SetReference(int index, RefTargetHandle target) {
     std::optional<EditChange> change;
     if (selected_) change.emplace();
     transform_ = static_cast<Control*>(target);
+}
+
+Matrix3 SceneNode::GetNodeTM(TimeValue t, Interval* valid) {
+    Met("GetNodeTM");
+    const std::size_t base = path.size();
+    for (SceneNode* node = this; node && !node->IsRootNode(); node = node->parent_)
+        path.push_back(node);
+    Interval holds = FOREVER;
+    Matrix3 world;
+    while (path.size() > base) {
+        Control* controller = path.back()->transform_;
+        path.pop_back();
+        if (controller) controller->GetValue(t, &world, holds, CTRL_RELATIVE);
+    }
+    if (valid) *valid = holds;
+    return world;
+}
+
+void SceneNode::SetNodeTM(TimeValue t, const Matrix3& world) {
+    Met("SetNodeTM");
+    if (!transform_) return;
+    SetXFormPacket packet;
+    packet.command = XFORM_SET;
+    if (parent_) packet.tmParent = parent_->GetNodeTM(t, nullptr);
+    packet.tmAxis = world;
+    transform_->SetValue(t, &packet, 1, CTRL_ABSOLUTE);
 }
 
 }  // namespace headless

@@ -6,10 +6,10 @@
 #include <utility>
 
 #include "headless/control/animate_mode.h"
+#include "headless/hold/graveyard.h"
 #include "headless/references/copy_map.h"
-#include "headless/references/fresh.h"
 #include "headless/scene/scene.h"
-#include "headless/scene/timeline.h"
+#include "headless/scene/time_and_units.h"
 #include "host/animate.h"
 
 namespace headless {

@@ -2,12 +2,35 @@
 
 #include <utility>
 
-#include "headless/control/factory.h"
-#include "headless/objects/undoable.h"
-#include "headless/references/fresh.h"
+#include "headless/control/own_controllers.h"
+#include "headless/hold/graveyard.h"
+#include "headless/hold/undo_stream.h"
 #include "headless/scene/selection.h"
 
 namespace headless {
+
+void NameBook::Add(const std::string& name) {
+    ++uses_[name];
+}
+
+void NameBook::Remove(const std::string& name) {
+    const auto found = uses_.find(name);
+    if (found != uses_.end() && --found->second == 0) uses_.erase(found);
+}
+
+void NameBook::Replace(const std::string& before, const std::string& after) {
+    Remove(before);
+    Add(after);
+}
+
+std::string NameBook::MakeUnique(const std::string& stem) {
+    unsigned& last = lastNumber_[stem];
+    for (;;) {
+        ++last;
+        std::string name = stem + (last < 10 ? "0" : "") + std::to_string(last);
+        if (!uses_.contains(name)) return name;
+    }
+}
 
 Scene& TheScene() {
     static Scene scene;
@@ -55,7 +78,7 @@ SceneNode* Scene::CreateObjectNode(Object* object) {
     const NodePtr node = NewNode();
     node->SetObject(object);
     static_cast<void>(given.release());
-    const Fresh<Control> control(NewControl(CTRL_MATRIX3_CLASS_ID, kPositionRotationScaleClassId));
+    const Fresh<Control> control(NewPositionRotationScale());
     node->SetTMController(control.get());
     HostString stem;
     object->InitNodeName(stem);

@@ -6,12 +6,14 @@
 #include <unordered_set>
 #include <utility>
 
-#include "headless/objects/undoable.h"
-#include "headless/scene/edit_watch.h"
+#include "headless/hold/undo_stream.h"
 #include "headless/scene/scene.h"
 
 namespace headless {
 namespace {
+
+EditWatcher* watcher = nullptr;
+int changes = 0;  // that are under way
 
 std::map<std::uint32_t, SceneNode*> selection;  // by handle
 std::vector<SceneNode*> inOrder;                // the same, where somebody has asked since
@@ -53,6 +55,18 @@ std::vector<SceneNode*> Those(const std::vector<SceneNode*>& nodes, bool selecte
 }
 
 }  // namespace
+
+void WatchEdits(EditWatcher* next) {
+    watcher = next;
+}
+
+EditChange::EditChange() {
+    if (changes++ == 0 && watcher) watcher->BeforeEditChange();
+}
+
+EditChange::~EditChange() {
+    if (--changes == 0 && watcher) watcher->AfterEditChange();
+}
 
 const std::vector<SceneNode*>& SelectedNodes() {
     if (isInOrder) return inOrder;

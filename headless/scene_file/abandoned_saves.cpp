@@ -13,7 +13,7 @@
 #include "headless/scene_file/atomic_file.h"
 #include "headless/scene_file/scene_chunks.h"
 #include "headless/storage/byte_source.h"
-#include "headless/storage/chunk_format.h"
+#include "headless/storage/chunks.h"
 #include "platform/files.h"
 #include "platform/narrow_path.h"
 

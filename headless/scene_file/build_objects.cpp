@@ -3,49 +3,34 @@
 #include <new>
 
 #include "headless/classes/class_registry.h"
+#include "headless/hold/graveyard.h"
 #include "headless/objects/own_classes.h"
-#include "headless/references/graveyard.h"
-#include "headless/scene_file/check_document.h"
+#include "headless/scene_file/file_errors.h"
 #include "headless/scene_file/scene_chunks.h"
-#include "headless/scene_file/stand_ins.h"
-#include "headless/scene_file/words.h"
-#include "headless/storage/chunk_reader.h"
+#include "headless/scene_file/scene_document.h"
+#include "headless/storage/chunks.h"
 #include "host/control.h"
 #include "host/object.h"
 
 namespace headless {
 namespace {
 
-// What a descriptor has created, by what its super class promises.
-ReferenceTarget* AsTarget(void* created, SClass_ID superClass) {
-    switch (superClass) {
+// What a descriptor creates, by what its super class promises. What a file names beyond targets of
+// references, such as a utility, is never created.
+ReferenceTarget* Created(ClassDesc& descriptor) {
+    switch (descriptor.SuperClassID()) {
         case CTRL_MATRIX3_CLASS_ID:
         case CTRL_FLOAT_CLASS_ID:
-            return static_cast<Control*>(created);
+            return static_cast<Control*>(descriptor.Create(true));
         case CAMERA_CLASS_ID:
         case SHAPE_CLASS_ID:
         case HELPER_CLASS_ID:
         case GEOMOBJECT_CLASS_ID:
-            return static_cast<Object*>(created);
-        default:
-            return static_cast<ReferenceTarget*>(created);
-    }
-}
-
-// Whether objects of the super class are targets of references at all. What a file names beyond
-// these, such as a utility, is never created.
-bool IsTargetClass(SClass_ID superClass) {
-    switch (superClass) {
-        case CTRL_MATRIX3_CLASS_ID:
-        case CTRL_FLOAT_CLASS_ID:
-        case CAMERA_CLASS_ID:
-        case SHAPE_CLASS_ID:
-        case HELPER_CLASS_ID:
-        case GEOMOBJECT_CLASS_ID:
+            return static_cast<Object*>(descriptor.Create(true));
         case kCameraParametersSuperClass:
-            return true;
+            return static_cast<ReferenceTarget*>(descriptor.Create(true));
         default:
-            return false;
+            return nullptr;
     }
 }
 
@@ -65,7 +50,8 @@ constexpr char kCutAtNextSave[] = "; the next save keeps what it could read";
 constexpr char kTorn[] = "could not read all of its bytes as they are";
 
 // What a node shows is whole or is kept as it is stored, whatever it says itself. A controller goes
-// on with what is whole of its keys, since a stand-in would neither move the node nor be recorded.
+// on with what is whole of its keys, since one kept as stored would neither move the node nor be
+// recorded.
 bool MustBeWhole(const ReferenceTarget& object) {
     return dynamic_cast<const BaseObject*>(&object) != nullptr;
 }
@@ -109,18 +95,15 @@ ReferenceTarget* BuiltObjects::Make(std::size_t index) {
         ++unmade_[stored.type.name];
     else
         Complain(index, failure + kKeptAsStored);
-    return MakeStandIn(index);
+    return KeepStored(index);
 }
 
 // Null if the class is not loaded, or with a `failure` if the object cannot be what is stored.
 ReferenceTarget* BuiltObjects::MakeLoaded(std::size_t index, std::string& failure) {
     const StoredObject& stored = document_.objects[index];
-    const StoredClass& type = stored.type;
-    ClassDesc* const descriptor =
-        IsTargetClass(type.superClass) ? TheClasses().Find(type.superClass, type.id) : nullptr;
-    void* const created = descriptor ? descriptor->Create(true) : nullptr;
-    if (!created) return nullptr;
-    ReferenceTarget* const object = AsTarget(created, type.superClass);
+    ClassDesc* const descriptor = TheClasses().Find(stored.type.superClass, stored.type.id);
+    ReferenceTarget* const object = descriptor ? Created(*descriptor) : nullptr;
+    if (!object) return nullptr;
     ChunkReader reader(file_.Source(), stored.bytes.begin, stored.bytes.end);
     try {
         if (object->Load(&reader) != IO_OK)
@@ -143,10 +126,10 @@ ReferenceTarget* BuiltObjects::MakeLoaded(std::size_t index, std::string& failur
     return nullptr;
 }
 
-ReferenceTarget* BuiltObjects::MakeStandIn(std::size_t index) {
+ReferenceTarget* BuiltObjects::KeepStored(std::size_t index) {
     const StoredObject& stored = document_.objects[index];
-    return NewStandIn(stored.type, file_.BytesOf(stored.bytes), stored.references.size(),
-                      shownBy_[index] != nullptr);
+    return NewKeptObject(stored.type, file_.BytesOf(stored.bytes), stored.references.size(),
+                         shownBy_[index] != nullptr);
 }
 
 void BuiltObjects::Complain(std::size_t index, const std::string& what) {
@@ -184,7 +167,7 @@ void BuiltObjects::PointObject(std::size_t index, const std::vector<NodePtr>& no
     if (Point(*objects_[index], stored.references, nodes)) return;
     Complain(index, std::string("does not take what it refers to") + kKeptAsStored);
     refused_.push_back(objects_[index]);
-    objects_[index] = MakeStandIn(index);
+    objects_[index] = KeepStored(index);
     Point(*objects_[index], stored.references, nodes);
 }
 

@@ -37,7 +37,7 @@ class BuiltObjects {
 
     ReferenceTarget* Make(std::size_t index);
     ReferenceTarget* MakeLoaded(std::size_t index, std::string& failure);
-    ReferenceTarget* MakeStandIn(std::size_t index);
+    ReferenceTarget* KeepStored(std::size_t index);
     void Complain(std::size_t index, const std::string& what);
     void ComplainOfMissingClasses();
     void PointObject(std::size_t index, const std::vector<NodePtr>& nodes);
@@ -52,8 +52,16 @@ class BuiltObjects {
     std::vector<const StoredNode*> movedBy_;     // the first that it moves
     std::vector<ReferenceTarget*> objects_;      // by index, like these
     std::map<std::string, std::size_t> unmade_;  // by class: objects of none that is loaded
-    std::vector<ReferenceTarget*> refused_;      // a stand-in has the place of each
+    std::vector<ReferenceTarget*> refused_;      // kept as stored in the place of each
     std::vector<std::string> complaints_;
 };
+
+// An object in the place of one whose class is not loaded, or which could not read its own bytes.
+// It says its class, keeps bytes and references as the file has them, writes them back, can be
+// copied, and does nothing else: a transform controller leaves its node where the parent is, an
+// object shows nothing. Its base is that of its super class, so that whoever goes by that gets what
+// is promised. `isNodeObject`: a node has it as its object.
+ReferenceTarget* NewKeptObject(const StoredClass& type, std::vector<std::byte> bytes,
+                               std::size_t references, bool isNodeObject);
 
 }  // namespace headless

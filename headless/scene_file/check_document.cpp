@@ -1,11 +1,9 @@
-#include "headless/scene_file/check_document.h"
-
 #include <algorithm>
-#include <tuple>
 #include <unordered_set>
 
-#include "headless/scene_file/field_reader.h"
+#include "headless/scene_file/chunk_fields.h"
 #include "headless/scene_file/scene_chunks.h"
+#include "headless/scene_file/scene_document.h"
 #include "host/types.h"
 
 namespace headless {
@@ -55,7 +53,7 @@ class Checker {
     void CheckUtilities() const {
         const auto& utilities = document_.utilities;
         for (std::size_t i = 1; i < utilities.size(); ++i) {
-            if (!IsAhead(utilities[i - 1].type, utilities[i].type))
+            if (utilities[i - 1].type.Key() >= utilities[i].type.Key())
                 FailAt(path_, utilities[i].chunks.begin,
                        "the utilities are not in the order of their classes");
         }
@@ -118,11 +116,6 @@ class Checker {
         if (length > kLongestReferenceChain)
             FailAt(path_, PositionOf(item), "too many references behind one another");
         return length;
-    }
-
-    static bool IsAhead(const StoredClass& a, const StoredClass& b) {
-        return std::tie(a.superClass, a.id.partA, a.id.partB) <
-               std::tie(b.superClass, b.id.partA, b.id.partB);
     }
 
     template <class Item>

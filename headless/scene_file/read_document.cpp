@@ -1,17 +1,15 @@
-#include "headless/scene_file/read_document.h"
-
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
 #include <utility>
 
-#include "headless/scene/timeline.h"
-#include "headless/scene/units.h"
-#include "headless/scene_file/field_reader.h"
+#include "headless/scene/time_and_units.h"
+#include "headless/scene_file/chunk_fields.h"
 #include "headless/scene_file/scene_chunks.h"
+#include "headless/scene_file/scene_document.h"
 #include "headless/storage/checksum.h"
-#include "headless/storage/chunk_format.h"
+#include "headless/storage/chunks.h"
 
 namespace headless {
 namespace {
@@ -172,20 +170,13 @@ class DocumentReader {
 
     // From the head of the chunk up to its checksum, which stands at `end`.
     void CheckBytes(std::uint64_t end) {
-        constexpr std::size_t kBlockBytes = std::size_t{32} * 1024;
-        std::array<std::byte, kBlockBytes> block;
-        Checksum checksum;
-        for (std::uint64_t at = position_; at < end;) {
-            const auto count =
-                static_cast<std::size_t>(std::min<std::uint64_t>(end - at, kBlockBytes));
-            const auto bytes = std::span(block).first(count);
-            if (source_.ReadAt(at, bytes) != count) Fail("the file cannot be read");
-            checksum.Add(bytes);
-            at += count;
-        }
-        const auto stored = std::span(block).first(kChecksumBytes);
-        if (source_.ReadAt(end, stored) != stored.size()) Fail("the file cannot be read");
-        if (FromLittleEndian(stored.data(), stored.size()) != checksum.Value())
+        const auto checksum = ChecksumOf(position_, end, [this](auto at, auto bytes) {
+            return source_.ReadAt(at, bytes) == bytes.size();
+        });
+        std::array<std::byte, kChecksumBytes> stored;
+        if (!checksum || source_.ReadAt(end, stored) != stored.size())
+            Fail("the file cannot be read");
+        if (FromLittleEndian(stored.data(), stored.size()) != *checksum)
             Fail("the bytes of a chunk do not have its checksum");
     }
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "headless/storage/chunk_format.h"
+#include "headless/storage/chunks.h"
 
 // What stands in a scene file where; docs/scene-file.md has it byte by byte. The header is the
 // magic and the version. Then come the chunks below, in the order of their ids, each with the

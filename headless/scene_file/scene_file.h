@@ -3,12 +3,11 @@
 #include <cstddef>
 #include <memory>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "headless/scene/node.h"
-#include "headless/scene_file/kept_chunks.h"
+#include "headless/scene_file/file_errors.h"
 #include "headless/scene_file/scene_document.h"
 #include "headless/storage/byte_source.h"
 #include "host/class_desc.h"
@@ -17,17 +16,30 @@
 // Scene files on disk: checked before they are believed, streamed both ways, complete or untouched.
 namespace headless {
 
-// What is wrong with a scene file, in one line: "FILE: at byte N: ...".
-class SceneFileError : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
-
 // A global utility that runs, with the descriptor of its class.
 struct RunningUtility {
     ClassDesc* descriptor = nullptr;
     GUP* utility = nullptr;
 };
+
+inline ClassKey ClassOf(const RunningUtility& running) {
+    return KeyOf(running.descriptor->SuperClassID(), running.descriptor->ClassID());
+}
+
+// Chunks that a utility has not taken from the scene that was opened, so that none is lost for want
+// of somebody who can read it.
+struct KeptChunks {
+    StoredClass type;
+    std::vector<std::byte> chunks;    // all of them, if it failed
+    bool hasFailed = false;           // inside one of them, and the others are taken or not read
+    std::vector<std::byte> unread{};  // if it failed so: those that it has not read whole
+};
+
+// What a save writes of a utility: `own`, which it has written itself, and what is kept beside it,
+// but for chunks that stand in `own` to the byte. Kept chunks are the older and stand ahead, so
+// that whoever takes both has the newer one last; those at which its reading failed stand behind,
+// where they keep it from nothing. Where `own` is empty, everything is written that is kept.
+std::vector<std::byte> WithKept(const KeptChunks& kept, std::vector<std::byte> own);
 
 // A scene file that has been checked from end to end: every checksum, length, index and handle.
 class SceneFileReader {

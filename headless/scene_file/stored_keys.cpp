@@ -4,8 +4,8 @@
 #include <memory>
 #include <set>
 
-#include "headless/control/factory.h"
 #include "headless/control/keyframe_chunk.h"
+#include "headless/control/own_controllers.h"
 #include "headless/memory_chunks.h"
 #include "headless/scene/hash.h"
 

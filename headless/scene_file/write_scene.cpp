@@ -1,32 +1,24 @@
 #include <algorithm>
 #include <map>
-#include <tuple>
 #include <unordered_map>
 #include <utility>
 
 #include "headless/breaches/breach_book.h"
 #include "headless/classes/class_registry.h"
 #include "headless/scene/scene.h"
-#include "headless/scene/timeline.h"
+#include "headless/scene/time_and_units.h"
 #include "headless/scene_file/abandoned_saves.h"
 #include "headless/scene_file/atomic_file.h"
-#include "headless/scene_file/check_document.h"
-#include "headless/scene_file/read_document.h"
+#include "headless/scene_file/chunk_fields.h"
+#include "headless/scene_file/file_errors.h"
 #include "headless/scene_file/scene_chunks.h"
+#include "headless/scene_file/scene_document.h"
 #include "headless/scene_file/scene_file.h"
-#include "headless/scene_file/top_chunk.h"
-#include "headless/scene_file/words.h"
 #include "host/time.h"
 #include "host/units.h"
 
 namespace headless {
 namespace {
-
-using ClassKey = std::tuple<SClass_ID, std::uint32_t, std::uint32_t>;
-
-ClassKey KeyOf(const StoredClass& type) {
-    return {type.superClass, type.id.partA, type.id.partB};
-}
 
 // The name is the class's own, or else the one under which it was made known.
 StoredClass ClassOf(ReferenceTarget& object) {
@@ -74,11 +66,11 @@ UtilityChunks SaveUtilities(const std::string& path, std::span<const RunningUtil
         MemorySink sink;
         const HostEvent event("the saving", type.name.c_str());
         SaveInto(sink, path, type.name, [&](ISave* save) { return utility.utility->Save(save); });
-        if (sink.Size() > 0) chunks.insert({KeyOf(type), {type, sink.Take()}});
+        if (sink.Size() > 0) chunks.insert({type.Key(), {type, sink.Take()}});
     }
     for (const KeptChunks& left : kept) {
         UtilityBytes& bytes =
-            chunks.try_emplace(KeyOf(left.type), UtilityBytes{left.type, {}}).first->second;
+            chunks.try_emplace(left.type.Key(), UtilityBytes{left.type, {}}).first->second;
         bytes.chunks = WithKept(left, std::move(bytes.chunks));
     }
     return chunks;

@@ -1,5 +1,3 @@
-#include "headless/session/host_interface.h"
-
 #include <cstddef>
 #include <utility>
 #include <vector>
@@ -11,20 +9,14 @@
 #include "headless/scene/node_cloning.h"
 #include "headless/scene/scene.h"
 #include "headless/scene/selection.h"
-#include "headless/scene/timeline.h"
+#include "headless/scene/time_and_units.h"
 #include "headless/session/scene_files.h"
 #include "headless/ui/command_panel.h"
 #include "headless/ui/main_window.h"
-#include "headless/ui/rollup_pages.h"
 #include "host/custom_controls.h"
+#include "host/interface.h"
 
 IObjParam::~IObjParam() = default;
-
-Interface* GetCOREInterface() {
-    static headless::HostInterface host;
-    headless::ExpectHost("GetCOREInterface");
-    return &host;
-}
 
 // The system's buttons are all that this host's dialogs are made of.
 void InitCustomControls(HINSTANCE) {}
@@ -48,146 +40,100 @@ std::vector<SceneNode*> NodesOf(INodeTab& table, const char* call) {
     return nodes;
 }
 
-}  // namespace
-
-HWND HostInterface::AddRollupPage(HINSTANCE instance, const char* dialogTemplate, DLGPROC procedure,
-                                  const char* title, LPARAM parameter, std::uint32_t, int) {
-    return AddPage(instance, dialogTemplate, procedure, title, parameter);
-}
-
-void HostInterface::DeleteRollupPage(HWND page) {
-    DeletePage(page);
-}
-
-void HostInterface::SetCommandPanelTaskMode(int mode) {
-    ThePanel().SetTaskMode(mode);
-}
-
-int HostInterface::GetCommandPanelTaskMode() {
-    return ThePanel().TaskMode();
-}
-
-HWND HostInterface::GetMAXHWnd() {
-    return MainWindow();
-}
-
-TimeValue HostInterface::GetTime() {
-    return CurrentTime();
-}
-
-void HostInterface::SetTime(TimeValue t, bool) {
-    MoveTime(t);
-}
-
-Interval HostInterface::GetAnimRange() {
-    return AnimationRange();
-}
-
-void HostInterface::SetAnimRange(Interval range) {
-    SetAnimationRange(range);
-}
-
-void HostInterface::RegisterTimeChangeCallback(TimeChangeCallback* callback) {
-    AddTimeCallback(callback);
-}
-
-void HostInterface::UnRegisterTimeChangeCallback(TimeChangeCallback* callback) {
-    RemoveTimeCallback(callback);
-}
-
-void HostInterface::FlushUndoBuffer() {
-    UndoStream::Get().Flush();
-}
-
-// Nothing is drawn, so there is nothing to draw again.
-void HostInterface::ForceCompleteRedraw(bool) {}
-
-void HostInterface::EnableAccelerators() {
-    EnableHostAccelerators();
-}
-
-void HostInterface::DisableAccelerators() {
-    DisableHostAccelerators();
-}
-
-void HostInterface::EnableAnimateButton(int enable) {
-    EnableHostAnimateButton(enable != 0);
-}
-
-INode* HostInterface::GetRootNode() {
-    return TheScene().Root();
-}
-
-INode* HostInterface::GetINodeByHandle(std::uint32_t handle) {
-    return TheScene().Find(handle);
-}
-
-int HostInterface::GetSelNodeCount() {
-    return static_cast<int>(SelectedNodes().size());
-}
-
-INode* HostInterface::GetSelNode(int index) {
-    if (index < 0 || index >= GetSelNodeCount()) return nullptr;
-    return SelectedNodes()[static_cast<std::size_t>(index)];
-}
-
-void HostInterface::SelectNode(INode* node, int clearSelection) {
-    if (SceneNode* const known = NodeOf(node, "SelectNode"))
-        SelectNodes({known}, clearSelection != 0);
-}
-
-void HostInterface::ClearNodeSelection(int) {
-    ClearSelection();
-}
-
-void HostInterface::SelectNodeTab(INodeTab& nodes, int select, int) {
-    const std::vector<SceneNode*> known = NodesOf(nodes, "SelectNodeTab");
-    if (select != 0)
-        SelectNodes(known, false);
-    else
-        DeselectNodes(known);
-}
-
-void* HostInterface::CreateInstance(SClass_ID superClass, Class_ID classId) {
-    ClassDesc* descriptor = TheClasses().Find(superClass, classId);
-    return descriptor ? descriptor->Create() : nullptr;
-}
-
-CameraObject* HostInterface::CreateCameraObject(int type) {
-    return type == 0 ? NewFreeCamera() : nullptr;
-}
-
-INode* HostInterface::CreateObjectNode(Object* object) {
-    return TheScene().CreateObjectNode(object);
-}
-
-void HostInterface::DeleteNode(INode* node, int, int) {
-    if (SceneNode* const known = NodeOf(node, "DeleteNode")) TheScene().Delete(*known);
-}
-
-bool HostInterface::CloneNodes(INodeTab& nodes, const Point3& offset, bool expandHierarchies,
-                               CloneType, INodeTab* resultSource, INodeTab* resultTarget) {
-    const std::vector<SceneNode*> known = NodesOf(nodes, "CloneNodes");
-    if (resultSource) resultSource->ZeroCount();
-    if (resultTarget) resultTarget->ZeroCount();
-    std::vector<NodeCopy> copies = CopyNodes(known, offset, expandHierarchies);
-    try {
-        for (const NodeCopy& copy : copies) {
-            INode* const source = copy.source;
-            INode* const target = copy.target;
-            if (resultSource) resultSource->Append(1, &source);
-            if (resultTarget) resultTarget->Append(1, &target);
-        }
-    } catch (...) {
-        DeleteCopies(std::move(copies));
-        throw;
+// The host as its plug-ins see it: forwards to the rooms that do the work.
+class HostInterface final : public Interface {
+  public:
+    HWND AddRollupPage(HINSTANCE instance, const char* dialogTemplate, DLGPROC procedure,
+                       const char* title, LPARAM parameter, std::uint32_t, int) override {
+        return AddPage(instance, dialogTemplate, procedure, title, parameter);
     }
-    return !copies.empty();
-}
+    void DeleteRollupPage(HWND page) override { DeletePage(page); }
+    void SetCommandPanelTaskMode(int mode) override { ThePanel().SetTaskMode(mode); }
+    int GetCommandPanelTaskMode() override { return ThePanel().TaskMode(); }
 
-int HostInterface::MergeFromFile(const char* path, int, int selectMerged, int, int, NameTab*, int,
-                                 int) {
-    return path && MergeOrThrow(path, selectMerged != 0) ? 1 : 0;
-}
+    HWND GetMAXHWnd() override { return MainWindow(); }
 
+    TimeValue GetTime() override { return CurrentTime(); }
+    void SetTime(TimeValue t, bool) override { MoveTime(t); }
+    Interval GetAnimRange() override { return AnimationRange(); }
+    void SetAnimRange(Interval range) override { SetAnimationRange(range); }
+    void RegisterTimeChangeCallback(TimeChangeCallback* callback) override {
+        AddTimeCallback(callback);
+    }
+    void UnRegisterTimeChangeCallback(TimeChangeCallback* callback) override {
+        RemoveTimeCallback(callback);
+    }
+
+    void FlushUndoBuffer() override { UndoStream::Get().Flush(); }
+    void ForceCompleteRedraw(bool) override {}  // nothing is drawn that could be drawn again
+    void EnableAccelerators() override { EnableHostAccelerators(); }
+    void DisableAccelerators() override { DisableHostAccelerators(); }
+    void EnableAnimateButton(int enable) override { EnableHostAnimateButton(enable != 0); }
+
+    INode* GetRootNode() override { return TheScene().Root(); }
+    INode* GetINodeByHandle(std::uint32_t handle) override { return TheScene().Find(handle); }
+
+    int GetSelNodeCount() override { return static_cast<int>(SelectedNodes().size()); }
+    INode* GetSelNode(int index) override {
+        if (index < 0 || index >= GetSelNodeCount()) return nullptr;
+        return SelectedNodes()[static_cast<std::size_t>(index)];
+    }
+    void SelectNode(INode* node, int clearSelection) override {
+        if (SceneNode* const known = NodeOf(node, "SelectNode"))
+            SelectNodes({known}, clearSelection != 0);
+    }
+    void ClearNodeSelection(int) override { ClearSelection(); }
+    void SelectNodeTab(INodeTab& nodes, int select, int) override {
+        const std::vector<SceneNode*> known = NodesOf(nodes, "SelectNodeTab");
+        if (select != 0)
+            SelectNodes(known, false);
+        else
+            DeselectNodes(known);
+    }
+
+    void* CreateInstance(SClass_ID superClass, Class_ID classId) override {
+        ClassDesc* descriptor = TheClasses().Find(superClass, classId);
+        return descriptor ? descriptor->Create() : nullptr;
+    }
+    CameraObject* CreateCameraObject(int type) override {
+        return type == 0 ? NewFreeCamera() : nullptr;
+    }
+    INode* CreateObjectNode(Object* object) override { return TheScene().CreateObjectNode(object); }
+    void DeleteNode(INode* node, int, int) override {
+        if (SceneNode* const known = NodeOf(node, "DeleteNode")) TheScene().Delete(*known);
+    }
+
+    bool CloneNodes(INodeTab& nodes, const Point3& offset, bool expandHierarchies, CloneType,
+                    INodeTab* resultSource, INodeTab* resultTarget) override {
+        const std::vector<SceneNode*> known = NodesOf(nodes, "CloneNodes");
+        if (resultSource) resultSource->ZeroCount();
+        if (resultTarget) resultTarget->ZeroCount();
+        std::vector<NodeCopy> copies = CopyNodes(known, offset, expandHierarchies);
+        try {
+            for (const NodeCopy& copy : copies) {
+                INode* const source = copy.source;
+                INode* const target = copy.target;
+                if (resultSource) resultSource->Append(1, &source);
+                if (resultTarget) resultTarget->Append(1, &target);
+            }
+        } catch (...) {
+            DeleteCopies(std::move(copies));
+            throw;
+        }
+        return !copies.empty();
+    }
+
+    int MergeFromFile(const char* path, int, int selectMerged, int, int, NameTab*, int,
+                      int) override {
+        return path && MergeOrThrow(path, selectMerged != 0) ? 1 : 0;
+    }
+};
+
+}  // namespace
 }  // namespace headless
+
+Interface* GetCOREInterface() {
+    static headless::HostInterface host;
+    headless::ExpectHost("GetCOREInterface");
+    return &host;
+}

@@ -8,16 +8,35 @@
 #include <system_error>
 #include <utility>
 
+#include "headless/hold/undo_stream.h"
 #include "headless/scene/notifications.h"
+#include "headless/scene/scene.h"
 #include "headless/scene/selection.h"
-#include "headless/scene_file/words.h"
-#include "headless/session/empty_scene.h"
-#include "headless/session/file_work.h"
+#include "headless/scene_file/file_errors.h"
+#include "headless/scene_view.h"
+#include "host/hold.h"
 #include "host/notify.h"
+#include "host/path_config.h"
 #include "platform/narrow_path.h"
+
+IPathConfigMgr::~IPathConfigMgr() = default;
 
 namespace headless {
 namespace {
+
+std::vector<std::string> directories;
+
+class SearchPath final : public IPathConfigMgr {
+  public:
+    bool AddSessionMapDir(const HostString& directory, bool) override {
+        const bool isKnown = std::ranges::find(directories, directory) != directories.end();
+        if (directory.empty() || isKnown) return false;
+        directories.push_back(directory);
+        return true;
+    }
+};
+
+bool isUnderWay = false;
 
 constexpr const char* kNotOpened = "it could not be opened";
 constexpr const char* kNotSaved = "it could not be saved";
@@ -60,23 +79,38 @@ void AddTo(std::vector<std::string>& complaints, std::string line) {
     if (!line.empty()) complaints.push_back(std::move(line));
 }
 
-bool SameClass(const StoredClass& stored, SClass_ID superClass, Class_ID id) {
-    return stored.superClass == superClass && stored.id == id;
-}
-
 UtilityChunksView ViewOf(const StoredUtility& stored, std::span<const RunningUtility> running,
                          std::span<const KeptChunks> kept) {
     const StoredClass& type = stored.type;
-    const bool isRunning = std::ranges::any_of(running, [&](const RunningUtility& utility) {
-        return SameClass(type, utility.descriptor->SuperClassID(), utility.descriptor->ClassID());
-    });
-    const bool isKept = std::ranges::any_of(kept, [&](const KeptChunks& chunks) {
-        return SameClass(type, chunks.type.superClass, chunks.type.id);
-    });
+    const bool isRunning = std::ranges::any_of(
+        running, [&](const RunningUtility& one) { return ClassOf(one) == type.Key(); });
+    const bool isKept = std::ranges::any_of(
+        kept, [&](const KeptChunks& one) { return one.type.Key() == type.Key(); });
     return {type.name, type.id, stored.chunks.Size(), isRunning, !isKept};
 }
 
 }  // namespace
+
+FileWork::FileWork() {
+    isUnderWay = true;
+}
+
+FileWork::~FileWork() {
+    isUnderWay = false;
+}
+
+std::string FileWork::Hindrance() {
+    if (isUnderWay) return "another scene file is being opened, saved or merged";
+    if (theHold.RestoreOrRedoing()) return "a step is being undone or redone";
+    return {};
+}
+
+// A forgotten hold would keep the undo stream from being emptied.
+void EmptyScene() {
+    if (theHold.Holding()) theHold.Accept("");
+    UndoStream::Get().Flush();
+    TheScene().Clear();
+}
 
 FileOutcome SceneFiles::Open(const std::string& path, std::span<const RunningUtility> running) {
     FileOutcome outcome;
@@ -180,4 +214,17 @@ bool MergeOrThrow(const std::string& path, bool selectMerged) try {
     throw;
 }
 
+std::vector<std::string> MapDirectories() {
+    return directories;
+}
+
+void ForgetMapDirectories() {
+    directories.clear();
+}
+
 }  // namespace headless
+
+IPathConfigMgr* IPathConfigMgr::GetPathConfigMgr() {
+    static headless::SearchPath searchPath;
+    return &searchPath;
+}

@@ -7,8 +7,26 @@
 #include "headless/scene_file/scene_file.h"
 #include "headless/session.h"
 
-// What a session does with scene files, in the host's order of events.
 namespace headless {
+
+// The time in which the scene is replaced, written or added to. It lasts to the announcement that
+// the work is done; who calls back before that cannot begin another such work.
+class FileWork {
+  public:
+    FileWork();
+    ~FileWork();
+    FileWork(const FileWork&) = delete;
+    FileWork& operator=(const FileWork&) = delete;
+
+    // Why such work cannot begin now; empty if it can.
+    static std::string Hindrance();
+};
+
+// Ends a hold that somebody left open, empties the undo buffer, and frees every node. Not while a
+// step is undone or redone, whose records still need theirs.
+void EmptyScene();
+
+// What a session does with scene files, in the host's order of events.
 
 class SceneFiles {
   public:
@@ -36,5 +54,9 @@ FileOutcome MergeAndSelect(const std::string& path);
 // if there is no such file, or this is no moment for it. Complaints have nobody to be returned to,
 // and stand on standard error.
 bool MergeOrThrow(const std::string& path, bool selectMerged);
+
+// Empties the bitmap search path, which plug-ins add to by host/path_config.h. This host shows no
+// bitmaps, so nothing is ever looked for there.
+void ForgetMapDirectories();
 
 }  // namespace headless

@@ -5,10 +5,7 @@
 #include "headless/classes/class_registry.h"
 #include "headless/memory_chunks.h"
 #include "headless/references/census.h"
-#include "headless/references/heap.h"
-#include "headless/scene/digest.h"
 #include "headless/scene/scene.h"
-#include "headless/session/path_config.h"
 
 namespace headless {
 namespace {
@@ -100,20 +97,12 @@ bool NodePosition(std::uint32_t handle, TimeValue t, PositionView& position) {
     return true;
 }
 
-std::vector<std::string> MapDirectories() {
-    return SessionMapDirectories();
-}
-
-std::uint64_t SceneDigest() {
-    return DigestScene();
-}
-
 Census TakeCensus() {
     Census census;
     census.objects = LiveObjects::CountByClass();
     for (const auto& [name, count] : census.objects)
         census.objectCount += count;
-    census.heapBlocks = CurrentHeapUse().blocks;
+    census.heapBlocks = HeapBlocks();
     return census;
 }
 

@@ -1,10 +1,41 @@
 #pragma once
 
-#include "headless/scene/edit_watch.h"
-#include "headless/ui/motion_panel.h"
-#include "headless/ui/utility_panel.h"
+#include <string_view>
+
+#include "headless/scene/selection.h"
+#include "host/class_desc.h"
+
+class Control;
+class UtilityObj;
 
 namespace headless {
+
+// Shows the transform controller of the selected node, if exactly one is selected, while the
+// command panel is at its motion task.
+class MotionPanel {
+  public:
+    void Open();
+    void Close();
+
+  private:
+    Control* edited_ = nullptr;
+};
+
+// Holds the one utility that is open, which stays open when another task of the command panel is
+// chosen.
+class UtilityPanel {
+  public:
+    // False if there is no utility class of that name. One that is open already stays.
+    bool Open(std::string_view className);
+    bool Close();  // false: none was open
+    bool IsOpen(std::string_view className) const;
+
+    void TellSelectionChanged();
+
+  private:
+    ClassDesc* descriptor_ = nullptr;
+    UtilityObj* utility_ = nullptr;
+};
 
 // The command panel: the task that is chosen, and what is open in it.
 class CommandPanel final : public EditWatcher {

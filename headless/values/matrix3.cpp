@@ -8,7 +8,7 @@
 namespace {
 
 // How far the square of a row's length may lie from 1 for the row to count as unscaled.
-constexpr float kUnitRowTolerance = 1e-6f;
+constexpr float kUnitRowTolerance = 1e-6F;
 
 bool IsUnitRow(const float* row) {
     const float square = row[0] * row[0] + row[1] * row[1] + row[2] * row[2];
@@ -48,7 +48,7 @@ Matrix3::Matrix3(const Point3& row0, const Point3& row1, const Point3& row2, con
 void Matrix3::IdentityMatrix() {
     for (int row = 0; row < 4; ++row)
         for (int column = 0; column < 3; ++column)
-            m[row][column] = row == column ? 1.0f : 0.0f;
+            m[row][column] = row == column ? 1.0F : 0.0F;
     flags = kPositionIdentity | kRotationIdentity | kScaleIdentity;
 }
 

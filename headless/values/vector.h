@@ -39,12 +39,15 @@ inline bool IsFinite(const Point3& p) {
     return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
 }
 
+inline Point3 Narrow(const Vector& v) {
+    return {static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z)};
+}
+
 // At length 1, in single precision; nothing of length 0 stays so.
 inline Point3 UnitOf(const Vector& v) {
     const double length = std::sqrt(Dot(v, v));
     if (!(length > 0)) return {};
-    return {static_cast<float>(v.x / length), static_cast<float>(v.y / length),
-            static_cast<float>(v.z / length)};
+    return Narrow({v.x / length, v.y / length, v.z / length});
 }
 
 }  // namespace headless

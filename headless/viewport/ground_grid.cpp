@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "headless/viewport/units_per_metre.h"
-
 namespace headless {
 namespace {
 

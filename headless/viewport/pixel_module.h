@@ -1,18 +1,28 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
-#include "headless/viewport/module_routines.h"
+#include "headless/draw_list.h"
+#include "headless/drawing/view.h"
+#include "headless/viewport.h"
 
+// What the module headless_viewport exports. Host and module are built together and share one C++
+// library; nothing is thrown across.
 namespace headless {
 
-// The module that makes pixels and PNG files, with its routines. It is loaded when it is first
-// asked for and stays for the rest of the process: what draws is costly to start.
-struct PixelModule {
-    std::string error;  // why it is not there, in one line; empty if it is
-    DrawPixelsRoutine* drawPixels = nullptr;
-    EncodePngRoutine* encodePng = nullptr;
-};
-const PixelModule& ThePixelModule();
+inline constexpr char kViewportModule[] = "headless_viewport";
+
+// Draws the list as the view shows it. False, and one line in `error`, if there is no picture.
+inline constexpr char kDrawPixels[] = "DrawPixels";
+using DrawPixelsRoutine = bool(const DrawList& list, const View& view, Picture& into,
+                               std::string& error);
+
+// The bytes of a PNG file, the same ones for the same picture. False, and one line in `error`, if
+// there are none.
+inline constexpr char kEncodePng[] = "EncodePng";
+using EncodePngRoutine = bool(const Picture& picture, std::vector<std::uint8_t>& into,
+                              std::string& error);
 
 }  // namespace headless

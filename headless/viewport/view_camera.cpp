@@ -9,32 +9,33 @@
 #include <utility>
 #include <vector>
 
-#include "headless/objects/camera_opening.h"
+#include "headless/objects/camera_frame.h"
 #include "headless/scene/scene.h"
 #include "headless/scene_view.h"
 #include "headless/values/vector.h"
-#include "headless/viewport/framed_boxes.h"
+#include "headless/viewport/ground_grid.h"
 #include "headless/viewport/shown_nodes.h"
-#include "headless/viewport/units_per_metre.h"
 
 namespace headless {
 namespace {
 
 constexpr double kRadians = std::numbers::pi / 180;
 
-// The viewport's own camera.
+// The viewport's own camera. It looks a little from aside and from above, so that a walk towards it
+// has a length and feet are told from the ground behind them, and leaves a rim free for what sticks
+// out of the framed boxes, such as names.
 constexpr double kOwnFieldOfView = 35 * kRadians;  // of the height
 constexpr double kTurn = 28 * kRadians;            // from straight ahead, towards its right
 constexpr double kTilt = 14 * kRadians;            // down
 constexpr double kFilled = 0.88;                   // how much of the picture the framed points fill
-constexpr double kNearestInMetres = 1;
+constexpr double kNearestInMetres = 1;             // to what it looks at, also if that is a dot
 
-// Of a picture, in pixels each way.
+// Of a picture, in pixels each way: room for something to show, and no more than renderers have.
 constexpr int kSmallest = 16;
 constexpr int kLargest = 8192;
 
-// Of the depths. The nearest is at most so many times nearer than the farthest, for the sake of the
-// depth buffer's precision.
+// The nearest that shows is at most so many times nearer than the farthest, for the sake of the
+// depth buffer's precision; the margin keeps what lies at either end from being cut by rounding.
 constexpr double kDepthRatio = 4000;
 constexpr double kDepthMargin = 1.05;
 

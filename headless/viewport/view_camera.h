@@ -21,4 +21,11 @@ struct AimedView {
 };
 AimedView AimView(const ViewportSettings& settings, TimeValue t);
 
+// What the viewport draws, and how it looks at it.
+struct SeenScene {
+    AimedView aimed;  // with the error, if there is one
+    DrawList list;
+};
+SeenScene SeeScene(const ViewportSettings& settings, TimeValue t);
+
 }  // namespace headless

@@ -1,16 +1,20 @@
+#include <png.h>
+
 #include <exception>
 #include <new>
 
-#include "headless/viewport/module_routines.h"
+#include "headless/viewport/pixel_module.h"
 #include "headless/viewport_module/canvas.h"
+#include "headless/viewport_module/names.h"
 #include "headless/viewport_module/offscreen_context.h"
 #include "headless/viewport_module/painter.h"
-#include "headless/viewport_module/png_bytes.h"
-#include "headless/viewport_module/words.h"
 #include "platform/modules.h"
 
 namespace headless {
 namespace {
+
+constexpr int kAsBytes = 0;            // not from 16 bits down to 8
+constexpr png_int_32 kPackedRows = 0;  // no bytes between them
 
 // Context and painter start with the first picture and end with the process.
 std::string DrawnPixels(const DrawList& list, const View& view, Picture& into) {
@@ -23,7 +27,23 @@ std::string DrawnPixels(const DrawList& list, const View& view, Picture& into) {
     canvas.Begin();
     painter.Draw(list, view);
     if (!canvas.Read(into)) return "the renderer has run out of memory";
-    DrawWords(list, view, into);
+    DrawNames(list, view, into);
+    return "";
+}
+
+// A PNG file without a time, so that one picture always gives the same bytes.
+std::string PngBytes(const Picture& picture, std::vector<std::uint8_t>& into) {
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    image.width = static_cast<png_uint_32>(picture.width);
+    image.height = static_cast<png_uint_32>(picture.height);
+    image.format = PNG_FORMAT_RGB;
+    png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(image);
+    into.resize(size);
+    if (!png_image_write_to_memory(&image, into.data(), &size, kAsBytes, picture.rgb.data(),
+                                   kPackedRows, nullptr))
+        return std::string("the picture cannot be encoded: ") + image.message;
+    into.resize(size);
     return "";
 }
 

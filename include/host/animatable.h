@@ -10,6 +10,10 @@
 
 class IObjParam;
 
+namespace headless {
+class LiveObjects;
+}
+
 // Root of the host's objects. The host keeps a census of those alive, by class.
 class HOST_API InterfaceServer : public MaxHeapOperators {
   public:
@@ -21,7 +25,7 @@ class HOST_API InterfaceServer : public MaxHeapOperators {
     InterfaceServer();
 
   private:
-    friend class LiveObjects;
+    friend class headless::LiveObjects;
     InterfaceServer* previousAlive_ = nullptr;
     InterfaceServer* nextAlive_ = nullptr;
 };

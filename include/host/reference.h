@@ -7,12 +7,17 @@
 #include "host/animatable.h"
 #include "host/storage.h"
 
-class DependentsWalk;
-class ObjectWatch;
 class ReferenceTarget;
 using RefTargetHandle = ReferenceTarget*;
 using PartID = std::uint32_t;
 using RefMessage = std::uint32_t;
+
+namespace headless {
+class DependentsWalk;
+class Graveyard;
+class ObjectWatch;
+class ReferenceBook;
+}  // namespace headless
 
 enum RefResult { REF_SUCCEED = 1, REF_DONTCARE = 2, REF_STOP = 3 };
 
@@ -44,10 +49,10 @@ class HOST_API ReferenceMaker : public Animatable {
     ~ReferenceMaker() override;
 
   private:
-    friend class ReferenceBook;
-    friend class ObjectWatch;
+    friend class headless::ReferenceBook;
+    friend class headless::ObjectWatch;
     std::vector<std::pair<int, ReferenceTarget*>> references_;  // by index, those that point
-    ObjectWatch* watches_ = nullptr;  // who wants to know when this object is destroyed
+    headless::ObjectWatch* watches_ = nullptr;  // who wants to know when this object is destroyed
 };
 
 // What a copy has made of what.
@@ -83,13 +88,13 @@ class HOST_API ReferenceTarget : public ReferenceMaker {
 
   private:
     friend class ReferenceMaker;
-    friend class ReferenceBook;
-    friend class DependentsWalk;
-    friend class Graveyard;
+    friend class headless::ReferenceBook;
+    friend class headless::DependentsWalk;
+    friend class headless::Graveyard;
     void LoseDependents();
 
     std::vector<std::pair<ReferenceMaker*, int>> dependents_;  // who refers to this, by which index
-    DependentsWalk* walk_ = nullptr;  // the innermost walk over them that is going on
+    headless::DependentsWalk* walk_ = nullptr;  // the innermost walk over them that is going on
     std::uint32_t seenBySearch_ = 0;
     bool parked_ = false;  // referred to by nobody, kept for the undo stream
     ReferenceTarget* olderParked_ = nullptr;

@@ -1,4 +1,0 @@
-#include "host/storage.h"
-
-ISave::~ISave() = default;
-ILoad::~ILoad() = default;
