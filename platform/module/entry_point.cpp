@@ -1,4 +1,4 @@
-#include "platform/module.h"
+#include "platform/module/registration.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved);
 

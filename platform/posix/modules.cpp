@@ -71,12 +71,15 @@ void UnregisterEntryPoint(EntryPoint entryPoint) noexcept {
                  [](ModuleRecord& record) { record.entryPoint = nullptr; });
 }
 
-void RegisterResources(const ResourceTable& table) noexcept {
-    ChangeModule(&table, [&](ModuleRecord& record) { record.resources.push_back(&table); });
+void RegisterResources(ResourceFile file) noexcept {
+    ChangeModule(file.data(), [&](ModuleRecord& record) { record.resources.push_back(file); });
 }
 
-void UnregisterResources(const ResourceTable& table) noexcept {
-    ChangeModule(&table, [&](ModuleRecord& record) { std::erase(record.resources, &table); });
+void UnregisterResources(ResourceFile file) noexcept {
+    ChangeModule(file.data(), [&](ModuleRecord& record) {
+        std::erase_if(record.resources,
+                      [&](ResourceFile its) { return its.data() == file.data(); });
+    });
 }
 
 }  // namespace platform

@@ -3,7 +3,7 @@
 #include <map>
 #include <vector>
 
-#include "platform/module.h"
+#include "platform/module/registration.h"
 
 namespace platform {
 
@@ -11,7 +11,7 @@ namespace platform {
 // gave it out. A record ends when neither is left.
 struct ModuleRecord {
     EntryPoint entryPoint = nullptr;
-    std::vector<const ResourceTable*> resources;
+    std::vector<ResourceFile> resources;
     void* handle = nullptr;  // the dynamic loader's; owned `loads` times
     unsigned loads = 0;
 };

@@ -1,98 +1,76 @@
-#include "platform/posix/resources.h"
+#include "platform/formats/resources.h"
 
-#include <charconv>
-#include <optional>
-#include <string_view>
+#include <algorithm>
+#include <string>
+#include <vector>
 
 #include "platform/formats/text.h"
 #include "platform/posix/guarded.h"
 #include "platform/posix/modules.h"
+#include "platform/win32.h"
 
 namespace platform {
 namespace {
 
-std::span<const ResourceTable* const> TablesOf(HMODULE module) {
+std::vector<Resource> ResourcesOf(HMODULE module) {
+    std::vector<Resource> all;
     const ModuleRecord* const record = FindModule(module == nullptr ? ProgramModule() : module);
-    if (record == nullptr) return {};
-    return record->resources;
+    if (record == nullptr) return all;
+    for (const ResourceFile file : record->resources)
+        std::ranges::move(ReadResources(file), std::back_inserter(all));
+    return all;
 }
 
 // A resource's number stands in the pointer itself, or in the text after a '#'.
-std::optional<int> ResourceNumber(LPCSTR name) {
+std::string NameOrNumber(LPCSTR name) {
     constexpr std::uintptr_t largestNumber = 0xFFFF;
     const auto value = reinterpret_cast<std::uintptr_t>(name);
-    if (value <= largestNumber) return static_cast<int>(value);
-    const std::string_view text = name;
-    if (!text.starts_with('#')) return std::nullopt;
-    int number = 0;
-    const auto [end, error] = std::from_chars(text.data() + 1, text.data() + text.size(), number);
-    if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
-    return number;
+    return value <= largestNumber ? '#' + std::to_string(value) : name;
 }
 
-const DataResource* FindData(HMODULE module, LPCSTR name, LPCSTR type) {
-    const std::optional<int> id = ResourceNumber(name);
-    // Types that have a number are the system's own, and none of those is kept as data.
-    if (!id || ResourceNumber(type)) return nullptr;
-    for (const ResourceTable* table : TablesOf(module)) {
-        for (const DataResource& resource : table->data) {
-            if (resource.id == *id && EqualWithoutCase(resource.type, type)) return &resource;
-        }
+// A resource is known by the address of its bytes, also once it is loaded.
+template <class Handle>
+Handle HandleOf(const Resource& resource) {
+    return reinterpret_cast<Handle>(reinterpret_cast<std::uintptr_t>(resource.data.data()));
+}
+
+HRSRC FindResourceOf(HMODULE module, LPCSTR name, LPCSTR type) {
+    for (const Resource& resource : ResourcesOf(module)) {
+        if (EqualWithoutCase(resource.name, NameOrNumber(name)) &&
+            EqualWithoutCase(resource.type, NameOrNumber(type)))
+            return HandleOf<HRSRC>(resource);
     }
     return nullptr;
 }
 
-// The record behind the handle, if it is one of this module's.
-const DataResource* ResourceOf(HMODULE module, HRSRC handle) {
-    for (const ResourceTable* table : TablesOf(module)) {
-        for (const DataResource& resource : table->data) {
-            if (reinterpret_cast<std::uintptr_t>(&resource) ==
-                reinterpret_cast<std::uintptr_t>(handle)) {
-                return &resource;
-            }
-        }
-    }
-    return nullptr;
+// Runs `body` on what is behind the handle, if it is one of this module's.
+template <class Result, class Body>
+Result WithResource(HMODULE module, HRSRC handle, Result failure, Body&& body) {
+    return Guarded(failure, [&] {
+        for (const Resource& resource : ResourcesOf(module))
+            if (HandleOf<HRSRC>(resource) == handle) return body(resource);
+        return failure;
+    });
 }
 
 }  // namespace
-
-const DialogTemplate* FindDialog(HMODULE module, LPCSTR name) {
-    const std::optional<int> id = ResourceNumber(name);
-    if (!id) return nullptr;
-    for (const ResourceTable* table : TablesOf(module)) {
-        for (const DialogTemplate& dialog : table->dialogs) {
-            if (dialog.id == *id) return &dialog;
-        }
-    }
-    return nullptr;
-}
-
 }  // namespace platform
 
 extern "C" {
 
 HRSRC FindResourceA(HMODULE module, LPCSTR name, LPCSTR type) {
-    return platform::Guarded<HRSRC>(nullptr, [&] {
-        const auto* const resource = platform::FindData(module, name, type);
-        return reinterpret_cast<HRSRC>(reinterpret_cast<std::uintptr_t>(resource));
-    });
+    return platform::Guarded<HRSRC>(nullptr,
+                                    [&] { return platform::FindResourceOf(module, name, type); });
 }
 
 DWORD SizeofResource(HMODULE module, HRSRC handle) {
-    return platform::Guarded<DWORD>(0, [&] {
-        const auto* const resource = platform::ResourceOf(module, handle);
-        return resource == nullptr ? DWORD{0} : static_cast<DWORD>(resource->bytes.size());
+    return platform::WithResource(module, handle, DWORD{0}, [](const platform::Resource& found) {
+        return static_cast<DWORD>(found.data.size());
     });
 }
 
-// What is loaded is known by its address, as it is for the system.
 HGLOBAL LoadResource(HMODULE module, HRSRC handle) {
-    return platform::Guarded<HGLOBAL>(nullptr, [&] {
-        const auto* const resource = platform::ResourceOf(module, handle);
-        if (resource == nullptr) return HGLOBAL{};
-        return reinterpret_cast<HGLOBAL>(reinterpret_cast<std::uintptr_t>(resource->bytes.data()));
-    });
+    return platform::WithResource(module, handle, HGLOBAL{}, &platform::HandleOf<HGLOBAL>);
 }
 
 LPVOID LockResource(HGLOBAL data) {

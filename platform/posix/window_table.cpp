@@ -13,12 +13,12 @@ HandleTable<HWND, Window>& Windows() {
     return *windows;
 }
 
-HWND AddWindow(Window window, DWORD style) {
+HWND AddWindow(Window window) {
     const HWND parentHandle = window.parent;
     Window* const parent = Windows().Find(parentHandle);
-    const bool needsParent = (style & WS_CHILD) != 0 || parentHandle != nullptr;
+    const bool needsParent = (window.style & WS_CHILD) != 0 || parentHandle != nullptr;
     if (needsParent && parent == nullptr) return nullptr;
-    window.visible = (style & WS_VISIBLE) != 0;
+    window.visible = (window.style & WS_VISIBLE) != 0;
     const HWND handle = Windows().Add(std::move(window));
     if (parent != nullptr) parent->children.push_back(handle);
     return handle;

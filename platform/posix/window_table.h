@@ -1,27 +1,20 @@
 #pragma once
 
-#include <string>
 #include <vector>
 
+#include "platform/formats/resources.h"
 #include "platform/posix/handle_table.h"
 #include "platform/win32.h"
 
 namespace platform {
 
-// A window or a control. Position in dialog units, within the parent.
-struct Window {
-    std::string windowClass;
-    std::string text;
+// A window or a control.
+struct Window : WindowTemplate {
     HINSTANCE instance = nullptr;
     HWND parent = nullptr;
-    std::vector<HWND> children;
     DLGPROC procedure = nullptr;
+    std::vector<HWND> children = {};
     LONG_PTR userData = 0;
-    int id = 0;
-    int x = 0;
-    int y = 0;
-    int width = 0;
-    int height = 0;
     bool visible = false;
     bool leaving = false;  // from WM_DESTROY on
 };
@@ -30,7 +23,7 @@ struct Window {
 HandleTable<HWND, Window>& Windows();
 
 // The new window joins its parent's children. Null if the parent is gone, or if a child has none.
-HWND AddWindow(Window window, DWORD style);
+HWND AddWindow(Window window);
 
 // What the window's procedure returned; 0 if there is no window or procedure, or if it threw.
 INT_PTR CallProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

@@ -66,17 +66,10 @@ HWND CreateWindowExA(DWORD, LPCSTR className, LPCSTR windowName, DWORD style, in
                      LPVOID) {
     if (className == nullptr) return nullptr;
     return Guarded<HWND>(nullptr, [&] {
-        Window window;
-        window.windowClass = className;
-        window.text = windowName == nullptr ? "" : windowName;
-        window.instance = instance;
-        window.parent = parent;
-        window.id = static_cast<int>(reinterpret_cast<std::uintptr_t>(menuOrId) & 0x7FFFFFFF);
-        window.x = x;
-        window.y = y;
-        window.width = width;
-        window.height = height;
-        return platform::AddWindow(std::move(window), style);
+        const int id = static_cast<int>(reinterpret_cast<std::uintptr_t>(menuOrId) & 0x7FFFFFFF);
+        const char* const text = windowName == nullptr ? "" : windowName;
+        return platform::AddWindow(
+            {{className, text, style, id, x, y, width, height}, instance, parent});
     });
 }
 

@@ -2,13 +2,13 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <fstream>
 #include <string>
 
 #include "platform/modules.h"
 #include "platform/testing.h"
 #include "platform/win32.h"
 #include "tests/platform/message_recorder.h"
+#include "tests/support/folder/temporary_folder.h"
 
 namespace {
 
@@ -23,8 +23,8 @@ HMODULE Load(const std::string& name) {
 }
 
 int CallAnswer(HMODULE module) {
-    const FARPROC routine = GetProcAddress(module, "answer");
-    return routine == nullptr ? -1 : reinterpret_cast<int (*)()>(routine)();
+    int (*const routine)() = platform::Routine<int()>(module, "answer");
+    return routine == nullptr ? -1 : routine();
 }
 
 bool IsMapped(const std::string& name) {
@@ -44,7 +44,7 @@ class Loader : public testing::Test {
     MessageRecorder told;
 };
 
-TEST_F(Loader, EntersAModuleOnceAndLeavesItAtTheLastFree) {
+TEST_F(Loader, EntersAModuleOnceAndForgetsItAtTheLastFree) {
     const HMODULE module = Load("telling_module");
     ASSERT_NE(module, nullptr) << platform::LastLoadFailure();
     EXPECT_EQ(Load("telling_module"), module);
@@ -55,12 +55,6 @@ TEST_F(Loader, EntersAModuleOnceAndLeavesItAtTheLastFree) {
     EXPECT_EQ(told.texts, (Texts{"constructed", "attach"}));
     EXPECT_TRUE(FreeLibrary(module));
     EXPECT_EQ(told.texts, (Texts{"constructed", "attach", "detach", "destroyed"}));
-}
-
-TEST_F(Loader, ForgetsAFreedModuleAndItsState) {
-    const HMODULE module = Load("telling_module");
-    EXPECT_EQ(CallAnswer(module), 1);
-    FreeLibrary(module);
     EXPECT_FALSE(IsMapped("telling_module"));
     EXPECT_FALSE(FreeLibrary(module));
     EXPECT_EQ(GetProcAddress(module, "answer"), nullptr);
@@ -85,42 +79,13 @@ TEST_F(Loader, LoadsAModuleThatLoadsAnotherWhileItIsEntered) {
     EXPECT_FALSE(IsMapped("nesting_module"));
 }
 
-TEST_F(Loader, TakesAModuleWithoutEntryPointAndFindsItsOwnRoutinesOnly) {
+TEST_F(Loader, TellsTheFileOfAModuleAndItsOwnRoutinesOnly) {
     const HMODULE module = Load("plain_module");
     ASSERT_NE(module, nullptr);
     EXPECT_EQ(CallAnswer(module), 42);
-    EXPECT_EQ(GetProcAddress(module, "openDialog"), nullptr);
-    // Its library's library exports this one.
-    EXPECT_EQ(GetProcAddress(module, "MessageBoxA"), nullptr);
-    EXPECT_EQ(GetProcAddress(module, nullptr), nullptr);
-    FreeLibrary(module);
-}
-
-TEST_F(Loader, SaysWhyAFileCannotBeLoaded) {
-    const std::string notAModule = testing::TempDir() + "not_a_module.so";
-    std::ofstream(notAModule) << "text";
-    for (const std::string& path : {std::string("\\Core\\Core64.dll"), notAModule}) {
-        EXPECT_EQ(LoadLibraryA(path.c_str()), nullptr);
-        const std::string file = path == notAModule ? notAModule : "/Core/Core64.so";
-        EXPECT_NE(platform::LastLoadFailure().find(file), std::string::npos);
-    }
-    EXPECT_EQ(LoadLibraryA(""), nullptr);
-    EXPECT_EQ(LoadLibraryA(nullptr), nullptr);
-}
-
-TEST_F(Loader, RejectsHandlesOfNoModule) {
-    int local = 0;
-    for (void* const made : {static_cast<void*>(nullptr), static_cast<void*>(&local)}) {
-        const auto module = static_cast<HMODULE>(made);
-        EXPECT_FALSE(FreeLibrary(module));
-        EXPECT_EQ(GetProcAddress(module, "answer"), nullptr);
-    }
-    // The program has a record, for its resources, but was never loaded.
-    EXPECT_EQ(GetProcAddress(nullptr, "main"), nullptr);
-}
-
-TEST_F(Loader, TellsTheFileOfAModuleWithinTheBuffer) {
-    const HMODULE module = Load("plain_module");
+    // Its library's library exports the second.
+    for (const char* const none : {"openDialog", "MessageBoxA", static_cast<const char*>(nullptr)})
+        EXPECT_EQ(GetProcAddress(module, none), nullptr);
     const std::string path = std::string(TEST_MODULES) + "/plain_module.so";
     std::array<char, 1024> buffer{};
     EXPECT_EQ(GetModuleFileNameA(module, buffer.data(), 1024), path.size());
@@ -133,9 +98,28 @@ TEST_F(Loader, TellsTheFileOfAModuleWithinTheBuffer) {
     EXPECT_EQ(GetModuleFileNameA(module, buffer.data(), 1024), 0U);
 }
 
+TEST_F(Loader, SaysWhyAFileCannotBeLoadedAndRejectsHandlesOfNoModule) {
+    const TemporaryFolder folder;
+    const std::string notAModule = folder.Write("not_a_module.so", "text");
+    for (const std::string& path : {std::string("\\Core\\Core64.dll"), notAModule}) {
+        EXPECT_EQ(LoadLibraryA(path.c_str()), nullptr);
+        const std::string file = path == notAModule ? notAModule : "/Core/Core64.so";
+        EXPECT_NE(platform::LastLoadFailure().find(file), std::string::npos);
+    }
+    EXPECT_EQ(LoadLibraryA(""), nullptr);
+    EXPECT_EQ(LoadLibraryA(nullptr), nullptr);
+    int local = 0;
+    for (void* const made : {static_cast<void*>(nullptr), static_cast<void*>(&local)}) {
+        const auto module = static_cast<HMODULE>(made);
+        EXPECT_FALSE(FreeLibrary(module));
+        // The program has a record, for its resources, but was never loaded.
+        EXPECT_EQ(GetProcAddress(module, "main"), nullptr);
+    }
+}
+
 TEST_F(Loader, LeavesWindowsOfAFreedModuleWithoutAProcedure) {
     const HMODULE module = Load("nesting_module");
-    const auto open = reinterpret_cast<HWND (*)()>(GetProcAddress(module, "openDialog"));
+    HWND (*const open)() = platform::Routine<HWND()>(module, "openDialog");
     ASSERT_NE(open, nullptr);
     DestroyWindow(open());
     EXPECT_EQ(told.texts.back(), "dialog destroyed");

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -14,13 +15,16 @@
 #include "headless/session.h"
 #include "host/class_desc.h"
 #include "host/interface.h"
+#include "platform/formats/resources.h"
 #include "platform/modules.h"
 #include "platform/process.h"
 #include "platform/testing.h"
 #include "platform/win32.h"
+#include "resources/resource_ids.h"
 #include "tests/support/folder/surroundings.h"
 #include "tests/support/puppet/stage.h"
 #include "tests/support/puppet_core.h"
+#include "tvl/ids.h"
 
 namespace {
 
@@ -33,6 +37,13 @@ class Module : public testing::Test {
     template <class Routine>
     Routine* Find(const char* name) {
         return platform::Routine<Routine>(library_, name);
+    }
+
+    // What a resource of the library holds.
+    std::string Resource(int id, LPCSTR type) const {
+        const HRSRC found = FindResourceA(library_, MAKEINTRESOURCEA(id), type);
+        const void* const bytes = LockResource(LoadResource(library_, found));
+        return {static_cast<const char*>(bytes), SizeofResource(library_, found)};
     }
 
   private:
@@ -76,6 +87,34 @@ TEST_F(Module, DescribesItsClasses) {
     EXPECT_EQ(classDesc(5), nullptr);
     EXPECT_EQ(classDesc(-1), nullptr);
     EXPECT_EQ(classDesc(0)->Create(), classDesc(0)->Create());
+}
+
+TEST_F(Module, HoldsTwoDialogsOfOneButtonEachAndTheOptionPanel) {
+    constexpr DWORD kButton = 0x50010000;  // of the system's pushbuttons: a visible child, tab stop
+    const std::pair<int, platform::DialogTemplate> expected[] = {
+        {PanelDialog,
+         {{"#32770", "", 0x40000040, 0, 0, 0, 108, 30},
+          "MS Shell Dlg",
+          8,
+          {{"Button", "Start Lumiset", kButton, StartButton, 7, 7, 94, 16}}}},
+        {ConvertDialog,
+         {{"#32770", "", 0x50000040, 0, 0, 0, 108, 41},
+          "MS Sans Serif",
+          8,
+          {{"Button", "Convert to PRS controller", kButton, ConvertButton, 14, 7, 82, 14}}}},
+    };
+    for (const auto& [id, dialog] : expected) {
+        const std::string bytes = Resource(id, MAKEINTRESOURCEA(5));
+        EXPECT_EQ(platform::ReadDialog(std::as_bytes(std::span(bytes))), dialog) << id;
+    }
+    const std::string panel = Resource(OptionPanel, "XMLFile");
+    EXPECT_TRUE(panel.starts_with("<group>")) << panel;
+    std::size_t at = 0;
+    for (const int option :
+         {TVL::kDynamicMeshes, TVL::kOptimisedControllers, TVL::kConvertAllControllers}) {
+        at = panel.find("<id>" + std::to_string(option) + "</id>", at);
+        EXPECT_NE(at, std::string::npos) << option;
+    }
 }
 
 // A host with the plug-in and a Core, each a library that was loaded. All of it comes through the

@@ -6,22 +6,52 @@
 #include <string>
 
 #include "headless/session.h"
-#include "platform/narrow_path.h"
 #include "platform/process.h"
 #include "platform/testing.h"
 #include "platform/win32.h"
 #include "tests/support/folder/surroundings.h"
-#include "tests/support/folder/temporary_folder.h"
 
-// What the system does with files and their names as no other does.
+// What the system does with files and their names as no other does. A letter that the code page
+// lacks it turns to "?" or to one that looks like it, and then names another file, or none.
 namespace {
 
-// Neither a question mark nor the nearest letter: either could name another file.
-TEST(ANameWithALetterThatTheCodePageLacks, IsNotTold) {
+namespace fs = std::filesystem;
+
+constexpr wchar_t kLetters[] = L"\u0101\u4E2D";
+
+// The command, run in a folder.
+int RunIn(const fs::path& folder, const std::wstring& words) {
+    return platform::RunProgram({.program = fs::absolute(COMMAND),
+                                 .arguments = words,
+                                 .out = folder / "out",
+                                 .error = folder / "error",
+                                 .folder = folder});
+}
+
+TEST(LettersThatTheCodePageLacks, NameNoOtherFile) {
     EXPECT_EQ(platform::ToNarrow(L"C:\\takes\\walk.scene"), "C:\\takes\\walk.scene");
-    if (GetACP() == CP_UTF8) GTEST_SKIP() << "it lacks none";
-    EXPECT_EQ(platform::ToNarrow(L"C:\\\x0100\x4E2D.scene"), "");
+    if (!platform::ToNarrow(kLetters).empty()) GTEST_SKIP() << "the code page has every letter";
     EXPECT_EQ(platform::ToNarrow(L"C:\\\x0100.scene"), "");
+    SetEnvironmentVariableW(L"LUMISET_LOST", kLetters);
+    EXPECT_EQ(platform::Variable("LUMISET_LOST"), "??");
+    SetEnvironmentVariableW(L"LUMISET_LOST", nullptr);
+    EXPECT_EQ(platform::Variable("LUMISET_LOST"), "");
+
+    const TemporaryFolder outer;
+    PlaceRegistry(outer, {});
+    const std::wstring target = std::wstring(kLetters) + L".scene";
+    EXPECT_EQ(RunIn(outer.Path(), L"draw --sphere 1 -o " + target), 2);
+    EXPECT_EQ(ReadFile(outer.Path() / "error"),
+              "lumiset-headless: ??.scene: the code page lacks a letter of this\r\n");
+    EXPECT_FALSE(fs::exists(outer.Path() / target));
+    EXPECT_FALSE(fs::exists(outer.Path() / "a?.scene"));
+
+    // Of the folder that one is in they do not matter.
+    const fs::path inner = outer.Path() / kLetters;
+    fs::create_directory(inner);
+    ASSERT_EQ(RunIn(inner, L"draw --sphere 1 -o a.scene"), 0);
+    EXPECT_EQ(RunIn(inner, L"open --no-plugin a.scene --save a.scene"), 0)
+        << ReadFile(inner / "error");
 }
 
 TEST(TwoNamesOfOneFile, AreKnownAsSuchBeforeItIsThere) {
@@ -35,25 +65,19 @@ TEST(TwoNamesOfOneFile, AreKnownAsSuchBeforeItIsThere) {
 // As that of everybody whose own name has one.
 TEST(AFolderForTemporaryFilesWithALetterBeyondAscii, ServesTheCommandAndTheCore) {
     const TemporaryFolder folder;
-    const std::filesystem::path before = std::filesystem::temp_directory_path();
-    const std::filesystem::path temporary = folder.Path() / L"J\x00F6rg";
+    const fs::path before = fs::temp_directory_path();
+    const fs::path temporary = folder.Path() / L"J\x00F6rg";
     if (platform::ToNarrow(temporary).empty()) GTEST_SKIP() << "the code page lacks it";
-    std::filesystem::create_directory(temporary);
+    fs::create_directory(temporary);
     PlaceRegistry(folder, {platform::BesideProgram("."), ""});
-    const std::string scene = folder.File("empty.scene");
     headless::Session session;
     session.Start();
-    ASSERT_EQ(session.SaveScene(scene).error, "");
+    ASSERT_EQ(session.SaveScene(folder.File("empty.scene")).error, "");
     SetEnvironmentVariableW(L"TMP", temporary.c_str());
-    EXPECT_EQ(platform::RunProgram({.program = COMMAND,
-                                    .arguments = L"sample \"" + folder.Path().native() +
-                                                 L"\\empty.scene\" --times 0:0:1",
-                                    .out = folder.Path() / "out",
-                                    .error = folder.Path() / "error"}),
-              0)
+    EXPECT_EQ(RunIn(folder.Path(), L"sample empty.scene --times 0:0:1"), 0)
         << ReadFile(folder.File("error"));
     SetEnvironmentVariableW(L"TMP", before.c_str());
-    EXPECT_TRUE(std::filesystem::is_empty(temporary));
+    EXPECT_TRUE(fs::is_empty(temporary));
 }
 
 }  // namespace

@@ -1,91 +1,80 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
+#include <memory>
+#include <set>
 #include <string>
-#include <vector>
 
-#include "resources/resource_ids.h"
-#include "tests/windows/dialog_template.h"
-#include "tests/windows/mapped_library.h"
+#include "platform/win32.h"
 
-// The libraries as the system's loader and its resource calls see them.
+// The libraries as the system's loader sees them: mapped, and without their code being run.
 namespace {
 
-using Names = std::map<int, std::string>;
+class MappedLibrary {
+  public:
+    explicit MappedLibrary(const char* path)
+        : module_(LoadLibraryExA(path, nullptr, DONT_RESOLVE_DLL_REFERENCES), FreeLibrary) {}
 
-std::vector<std::string> NamesOf(const MappedLibrary& library) {
-    std::vector<std::string> names;
-    for (const auto& [ordinal, name] : library.Exports())
-        names.push_back(name);
-    std::ranges::sort(names);
-    return names;
-}
+    // These and no others, by ordinal from 1 on.
+    void ExpectExports(const std::vector<const char*>& names) const {
+        ASSERT_NE(module_, nullptr);
+        for (WORD i = 0; i < names.size(); ++i)
+            EXPECT_EQ(Routine(MAKEINTRESOURCEA(i + 1)), Routine(names[i])) << names[i];
+        EXPECT_NE(Routine(names[0]), nullptr);
+        EXPECT_EQ(At<IMAGE_EXPORT_DIRECTORY>(IMAGE_DIRECTORY_ENTRY_EXPORT)->NumberOfFunctions,
+                  names.size());
+    }
 
-// Each must be there on every Windows, without anything having been installed. One of them has the
-// C heap, on which either side frees what the other has made. Wine passes over in silence what is
-// freed on another heap, so that nothing else would show it.
-void ExpectOfTheSystemAlone(std::set<std::string> imports) {
-    EXPECT_EQ(imports.erase("msvcrt.dll"), 1U);
-    for (const char* system : {"kernel32.dll", "user32.dll", "advapi32.dll", "comctl32.dll"})
-        imports.erase(system);
-    EXPECT_EQ(imports, std::set<std::string>());
-}
+    // The libraries that must be there for it to be loaded, in lower case. But for `others` each
+    // must be there on every Windows, without anything having been installed. One of them has the C
+    // heap, on which either side frees what the other has made. Wine passes over in silence what is
+    // freed on another heap, so that nothing else would show it.
+    void ExpectImportsOfTheSystemAnd(const std::set<std::string>& others) const {
+        std::set<std::string> found;
+        const auto* entry = At<IMAGE_IMPORT_DESCRIPTOR>(IMAGE_DIRECTORY_ENTRY_IMPORT);
+        for (; entry && entry->Name != 0; ++entry) {
+            std::string name = Bytes(entry->Name);
+            std::ranges::transform(name, name.begin(), [](unsigned char letter) {
+                return static_cast<char>(std::tolower(letter));
+            });
+            found.insert(name);
+        }
+        EXPECT_EQ(found.erase("msvcrt.dll"), 1U);
+        for (const char* system : {"kernel32.dll", "user32.dll", "advapi32.dll", "comctl32.dll"})
+            found.erase(system);
+        EXPECT_EQ(found, others);
+    }
 
-TEST(TheLibrary, ExportsItsFourRoutinesByOrdinalAndName) {
+  private:
+    FARPROC Routine(const char* name) const { return GetProcAddress(module_.get(), name); }
+
+    const char* Bytes(DWORD offset) const {
+        return reinterpret_cast<const char*>(module_.get()) + offset;
+    }
+
+    // A table that the image's header tells of; null if it has none.
+    template <class Table>
+    const Table* At(int index) const {
+        const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(Bytes(0));
+        const auto* const headers =
+            reinterpret_cast<const IMAGE_NT_HEADERS64*>(Bytes(static_cast<DWORD>(dos->e_lfanew)));
+        const DWORD offset = headers->OptionalHeader.DataDirectory[index].VirtualAddress;
+        return offset == 0 ? nullptr : reinterpret_cast<const Table*>(Bytes(offset));
+    }
+
+    const std::unique_ptr<HINSTANCE__, decltype(&FreeLibrary)> module_;
+};
+
+TEST(TheLibraries, ExportTheirRoutinesAndNeedTheSystemAndTheHostAlone) {
     const MappedLibrary plugin(PLUGIN_MODULE);
-    ASSERT_NE(plugin.Module(), nullptr);
-    EXPECT_EQ(plugin.Exports(), (Names{{1, "LibDescription"},
-                                       {2, "LibNumberClasses"},
-                                       {3, "LibClassDesc"},
-                                       {4, "LibVersion"}}));
-}
-
-TEST(TheLibrary, NeedsTheSystemAndTheHostAlone) {
-    std::set<std::string> imports = MappedLibrary(PLUGIN_MODULE).Imports();
-    EXPECT_EQ(imports.erase("headless_host.dll"), 1U);
-    ExpectOfTheSystemAlone(imports);
-}
-
-TEST(TheOtherLibraries, NeedTheSystemAlone) {
+    plugin.ExpectExports({"LibDescription", "LibNumberClasses", "LibClassDesc", "LibVersion"});
+    plugin.ExpectImportsOfTheSystemAnd({"headless_host.dll"});
     const MappedLibrary core(CORE_MODULE);
-    EXPECT_EQ(NamesOf(core), (std::vector<std::string>{"attach", "detach", "getVersion"}));
-    ExpectOfTheSystemAlone(core.Imports());
-    ExpectOfTheSystemAlone(MappedLibrary(CORE_APART_MODULE).Imports());
-    ExpectOfTheSystemAlone(MappedLibrary(HOST_MODULE).Imports());
-}
-
-TEST(TheResources, HoldTwoDialogsOfOneButtonEach) {
-    const DialogTemplate expected[] = {
-        {.id = PanelDialog,
-         .style = DS_SETFONT | WS_CHILD,
-         .width = 108,
-         .height = 30,
-         .font = L"MS Shell Dlg",
-         .points = 8,
-         .controls = {{StartButton, L"Start Lumiset", 7, 7, 94, 16}}},
-        {.id = ConvertDialog,
-         .style = DS_SETFONT | WS_CHILD | WS_VISIBLE,
-         .width = 108,
-         .height = 41,
-         .font = L"MS Sans Serif",
-         .points = 8,
-         .controls = {{ConvertButton, L"Convert to PRS controller", 14, 7, 82, 14}}},
-    };
-    const MappedLibrary plugin(PLUGIN_MODULE);
-    for (const DialogTemplate& dialog : expected)
-        EXPECT_EQ(ReadDialog(plugin.Module(), dialog.id), dialog);
-}
-
-TEST(TheResources, HoldTheOptionPanelAsPlainText) {
-    const MappedLibrary plugin(PLUGIN_MODULE);
-    const HRSRC found = FindResourceA(plugin.Module(), MAKEINTRESOURCEA(OptionPanel), "XMLFile");
-    ASSERT_NE(found, nullptr);
-    const std::string text(
-        static_cast<const char*>(LockResource(LoadResource(plugin.Module(), found))),
-        SizeofResource(plugin.Module(), found));
-    EXPECT_TRUE(text.starts_with("<group>"));
-    EXPECT_NE(text.find("<id>1028</id>"), std::string::npos);
-    EXPECT_EQ(FindResourceA(plugin.Module(), MAKEINTRESOURCEA(146), MAKEINTRESOURCEA(9)), nullptr);
+    core.ExpectExports({"attach", "detach", "getVersion"});
+    core.ExpectImportsOfTheSystemAnd({});
+    MappedLibrary(CORE_APART_MODULE).ExpectImportsOfTheSystemAnd({});
+    MappedLibrary(HOST_MODULE).ExpectImportsOfTheSystemAnd({});
 }
 
 }  // namespace

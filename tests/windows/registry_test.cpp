@@ -15,8 +15,6 @@
 // The system's own registry. What a test writes there is taken back.
 namespace {
 
-static_assert(KEY_READ == 131097);
-
 struct Place {
     HKEY root;
     const char* key;
@@ -68,29 +66,15 @@ class Placed {
     std::optional<std::string> before_;
 };
 
-class RealRegistry : public testing::Test {
-  protected:
-    // Whatever stood in for it in an earlier test.
-    RealRegistry() {
-        for (const HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER})
-            RegOverridePredefKey(root, nullptr);
-    }
-};
-
-TEST_F(RealRegistry, HoldsTheInstallKeyWhereA32BitInstallerWritesIt) {
-    const Placed installed(kInstallPath, "C:\\Program Files (x86)\\Tarvo");
-    EXPECT_EQ(ReadInstallValue(kDataPath), "C:\\Program Files (x86)\\Tarvo");
-    EXPECT_EQ(ReadInstallValue("no such value"), "");
-}
-
-TEST_F(RealRegistry, GivesTheWholeInstallPathOrNone) {
+TEST(TheRegistry, HoldsWhatA32BitInstallerAndTheUserWrote) {
+    // Whatever took its place in an earlier test.
+    for (const HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER})
+        RegOverridePredefKey(root, nullptr);
     const Placed installed(kInstallPath, std::string(1023, 'x'));
     EXPECT_EQ(ReadInstallValue(kDataPath), std::string(1023, 'x'));
     installed.Set(std::string(1024, 'x'));
-    EXPECT_EQ(ReadInstallValue(kDataPath), "");
-}
-
-TEST_F(RealRegistry, KnowsTheDocumentsFolderOfTheUser) {
+    EXPECT_EQ(ReadInstallValue(kDataPath), "") << "the whole path or none";
+    EXPECT_EQ(ReadInstallValue("no such value"), "");
     const Placed documents(kDocuments, "D:\\Somebody's letters");
     EXPECT_EQ(FindDocumentsPath(), "D:\\Somebody's letters\\Tarvo Works\\Lumiset\\");
 }
