@@ -116,8 +116,10 @@ class Exceptions : public NodeTest {
         SCOPED_TRACE(operation.name);
         Prepare(isRecording);
         const std::string before = Standing();
+        const std::size_t nodes = headless::Nodes().size();
         const bool answer = operation.call();
         const std::string whole = Standing();
+        const int depth = RecordingInProgress().depth;
         Leave();
         for (std::size_t nth = operation.before + 1;; ++nth) {
             SCOPED_TRACE(nth);
@@ -135,6 +137,8 @@ class Exceptions : public NodeTest {
             const auto told = TimesTraced(std::string("Exception out of ") + operation.name);
             EXPECT_TRUE(operation.hasHostSide || told > 0 || isAnswered == answer) << Trace();
             EXPECT_TRUE(told == 0 || !isAnswered) << Trace();
+            EXPECT_TRUE(operation.hasHostSide || told == 0 || headless::Nodes().size() == nodes);
+            EXPECT_TRUE(RecordingInProgress().depth == (told ? isRecording : depth)) << Trace();
             ExpectListInOrder();
             Leave();
             if (!hasFailed) break;
