@@ -1,7 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
-#include <string_view>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -9,147 +10,114 @@
 
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
 using Table = std::vector<std::pair<std::uint8_t, std::uint32_t>>;  // symbol and frequency
 
-Bytes Text(std::string_view text) {
-    return {text.begin(), text.end()};
-}
-
-void AppendNumber(Bytes& bytes, std::uint32_t number) {
+void AppendNumber(std::string& bytes, std::uint32_t number) {
     for (int shift = 0; shift < 32; shift += 8)
-        bytes.push_back(static_cast<std::uint8_t>(number >> shift));
+        bytes.push_back(static_cast<char>(number >> shift));
 }
 
-Bytes Stream(std::int32_t size, const Table& table, const Bytes& coded = {}) {
-    Bytes stream;
-    AppendNumber(stream, 0x5331CA);
-    AppendNumber(stream, 100);
-    AppendNumber(stream, static_cast<std::uint32_t>(table.size()));
+std::string Stream(std::int32_t size, const Table& table, const std::string& coded = {}) {
+    std::string stream;
+    for (const std::size_t number : {std::size_t{0x5331CA}, std::size_t{100}, table.size()})
+        AppendNumber(stream, static_cast<std::uint32_t>(number));
     AppendNumber(stream, static_cast<std::uint32_t>(size));
     for (const auto& [symbol, frequency] : table) {
-        stream.push_back(symbol);
+        stream.push_back(static_cast<char>(symbol));
         AppendNumber(stream, frequency);
     }
-    stream.insert(stream.end(), coded.begin(), coded.end());
-    return stream;
+    return stream + coded;
 }
 
-Bytes Decompressed(const Bytes& bytes) {
-    return HuffmanBuffer(bytes.data(), static_cast<std::int32_t>(bytes.size())).Decompress();
+HuffmanBuffer Held(const std::string& bytes) {
+    return {bytes.data(), static_cast<std::int32_t>(bytes.size())};
 }
 
-Bytes With(Bytes bytes, std::size_t at, std::uint8_t value) {
-    bytes[at] = value;
+std::string Decompressed(const std::string& bytes) {
+    const std::vector<std::uint8_t> data = Held(bytes).Decompress();
+    return {data.begin(), data.end()};
+}
+
+std::string With(std::string bytes, std::size_t at, int value) {
+    bytes[at] = static_cast<char>(value);
     return bytes;
 }
 
-// A deep tree: each leaf is as frequent as all before it together.
-Table Doubling(std::uint8_t symbols) {
-    Table table = {{0, 1}};
-    for (std::uint8_t i = 1; i < symbols; ++i)
-        table.push_back({i, 1U << (i - 1)});
-    return table;
-}
+const Table kTwo = {{'b', 1}, {'a', 2}};
+const std::string kAbc = Stream(3, {{'a', 1}, {'b', 1}, {'c', 1}}, "\x0D");
 
-TEST(Huffman, DecodesTheWorkedExamples) {
-    const Bytes abc = {0xCA, 0x31, 0x53, 0, 0x64, 0,    0, 0, 3, 0, 0,    0, 3, 0, 0, 0,
-                       0x61, 1,    0,    0, 0,    0x62, 1, 0, 0, 0, 0x63, 1, 0, 0, 0, 0x0D};
-    const Bytes aab = {0xCA, 0x31, 0x53, 0, 0x64, 0, 0, 0,    2, 0, 0, 0, 3,   0,
-                       0,    0,    0x62, 1, 0,    0, 0, 0x61, 2, 0, 0, 0, 0x03};
-    EXPECT_EQ(Decompressed(abc), Text("abc"));
-    EXPECT_EQ(Decompressed(aab), Text("aab"));
+// The first listed is bit 0, whatever the frequencies; a symbol's way goes from the lowest bit up.
+TEST(Huffman, DecodesAsFarAsThereAreBitsByTheTableAsItStands) {
+    EXPECT_EQ(kAbc, std::string("\xCA\x31\x53\0\x64\0\0\0\3\0\0\0\3\0\0\0"
+                                "a\1\0\0\0b\1\0\0\0c\1\0\0\0\x0D",
+                                32));
+    const std::pair<std::string, std::string> cases[] = {
+        {kAbc, "abc"},
+        {Stream(3, kTwo, "\3"), "aab"},
+        {Stream(9, kTwo, "\3"), "aabbbbbb"},
+        {Stream(INT32_MAX, kTwo, "\3"), "aabbbbbb"},
+        {Stream(9, kTwo), ""},
+        {Stream(0, kTwo, "\3"), ""},
+        {Stream(0, {}), ""},
+        {Stream(3, {{'a', 9}, {'b', 1}}, "\4"), "aab"},
+        {Stream(3, {{'a', 0}, {'b', 0xFFFFFFFF}}, "\4"), "aab"},
+        {Stream(5, {{'x', 5}}), "xxxxx"},
+        {Stream(64 << 20, {{'x', 5}}, "rest"), std::string(64 << 20, 'x')}};
+    for (const auto& [stream, text] : cases)
+        EXPECT_TRUE(Decompressed(stream) == text) << stream;
+    Table all;
+    for (int symbol = 0; symbol < 256; ++symbol)
+        all.push_back({static_cast<std::uint8_t>(symbol), 0xFFFFFFFF});
+    EXPECT_EQ(Decompressed(Stream(2, all, "zz")).size(), 2U);
+    // A deep tree, where each leaf is as frequent as all before it together: the rarest two take 30
+    // bits, which differ in the last one.
+    Table deep = {{'a', 1}};
+    for (std::uint8_t i = 1; i < 31; ++i)
+        deep.push_back({static_cast<std::uint8_t>('a' + i), 1U << (i - 1)});
+    EXPECT_EQ(Decompressed(Stream(1, deep, "\xFF\xFF\xFF\x1F")), "a");
+    EXPECT_EQ(Decompressed(Stream(1, deep, "\xFF\xFF\xFF\x3F")), "b");
+    EXPECT_EQ(Decompressed(Stream(1, deep, "\xFF\xFF\xFF")), "");
 }
 
 TEST(Huffman, SettlesTiesByTheOrderOfTheTable) {
     std::vector<HuffmanRecord> records(4);
-    for (std::int32_t i = 0; i < 4; ++i) {
+    for (std::int32_t i = 0; i < 4; ++i)
         records[static_cast<std::size_t>(i)].frequency = i < 2 ? 1 : 2;
-        records[static_cast<std::size_t>(i)].symbol = i;
-    }
     BuildHuffmanTree(records);
-    // left, right, parent, frequency, symbol
-    const std::int32_t tree[][5] = {{-1, -1, 4, 1, 0}, {-1, -1, 4, 1, 1}, {-1, -1, 5, 2, 2},
-                                    {-1, -1, 5, 2, 3}, {0, 1, 6, 2, -1},  {2, 3, 6, 4, -1},
-                                    {4, 5, -1, 6, -1}};
+    const std::int32_t tree[][4] = {{-1, -1, 4, 1}, {-1, -1, 4, 1}, {-1, -1, 5, 2}, {-1, -1, 5, 2},
+                                    {0, 1, 6, 2},   {2, 3, 6, 4},   {4, 5, -1, 6}};
     ASSERT_EQ(records.size(), std::size(tree));
     for (std::size_t i = 0; i < records.size(); ++i) {
-        EXPECT_EQ(records[i].left, tree[i][0]) << i;
-        EXPECT_EQ(records[i].right, tree[i][1]) << i;
-        EXPECT_EQ(records[i].parent, tree[i][2]) << i;
-        EXPECT_EQ(records[i].frequency, tree[i][3]) << i;
-        EXPECT_EQ(records[i].symbol, tree[i][4]) << i;
+        const HuffmanRecord& record = records[i];
+        const std::int32_t seen[] = {record.left, record.right, record.parent, record.frequency};
+        EXPECT_TRUE(std::ranges::equal(seen, tree[i])) << i;
     }
 }
 
 TEST(Huffman, GivesBackWhatIsNoStream) {
-    const Bytes abc = Stream(3, {{'a', 1}, {'b', 1}, {'c', 1}}, {0x0D});
-    const Bytes foreign[] = {
-        {},
-        Text("<TVL_Plugin/>"),
-        Bytes(abc.begin(), abc.begin() + 15),  // cut in the header
-        Bytes(abc.begin(), abc.begin() + 30),  // cut in the table
-        With(abc, 0, 0xCB),
-        With(abc, 4, 101),
-        With(With(abc, 8, 1), 9, 1),  // 257 symbols
-        With(abc, 11, 0x80),
-        With(abc, 15, 0x80),  // a negative size
-        Stream(5, {}),
-        Stream((64 << 20) + 1, {{'a', 5}}),
-    };
-    for (const Bytes& bytes : foreign)
+    const std::string foreign[] = {"",
+                                   "<TVL_Plugin/>",
+                                   kAbc.substr(0, 15),  // cut in the header
+                                   kAbc.substr(0, 30),  // cut in the table
+                                   With(kAbc, 0, 0xCB),
+                                   With(kAbc, 4, 101),
+                                   With(With(kAbc, 8, 1), 9, 1),  // 257 symbols
+                                   With(kAbc, 11, 0x80),
+                                   With(kAbc, 15, 0x80),  // a negative size
+                                   Stream(5, {}),
+                                   Stream((64 << 20) + 1, {{'a', 5}})};
+    for (const std::string& bytes : foreign)
         EXPECT_EQ(Decompressed(bytes), bytes);
 }
 
-TEST(Huffman, DecodesAsFarAsThereAreBits) {
-    const Table two = {{'b', 1}, {'a', 2}};
-    EXPECT_EQ(Decompressed(Stream(8, two, {0x03})), Text("aabbbbbb"));
-    EXPECT_EQ(Decompressed(Stream(9, two, {0x03})), Text("aabbbbbb"));
-    EXPECT_EQ(Decompressed(Stream(INT32_MAX, two, {0x03})), Text("aabbbbbb"));
-    EXPECT_EQ(Decompressed(Stream(9, two)), Bytes());
-    EXPECT_EQ(Decompressed(Stream(0, two, {0x03})), Bytes());
-    EXPECT_EQ(Decompressed(Stream(0, {})), Bytes());
-}
-
-TEST(Huffman, RepeatsALoneSymbolWithoutBits) {
-    EXPECT_EQ(Decompressed(Stream(5, {{'x', 5}})), Text("xxxxx"));
-    EXPECT_EQ(Decompressed(Stream(5, {{0, 1}}, {1, 2, 3})), Bytes(5));
-    EXPECT_EQ(Decompressed(Stream(64 << 20, {{'x', 5}})).size(), std::size_t{64} << 20);
-}
-
 TEST(Huffman, GivesATextThatIsNoLongerThanEightBytesForEachByteHeld) {
-    const auto textOf = [](const Bytes& bytes) {
-        return HuffmanBuffer(bytes.data(), static_cast<std::int32_t>(bytes.size())).Text();
-    };
-    EXPECT_EQ(textOf(Text("<plain/>")), "<plain/>");
-    EXPECT_EQ(textOf(Text({"<plain/>\0rest", 13})), "<plain/>");
-    EXPECT_EQ(textOf(Stream(3, {{0, 1}, {'a', 2}}, {0x05})), "a");
-    for (const char lone : {'x', '<', '\0'})
-        EXPECT_EQ(textOf(Stream(64 << 20, {{static_cast<std::uint8_t>(lone), 5}})), "");
-
+    EXPECT_EQ(Held({"<plain/>\0rest", 13}).Text(), "<plain/>");
+    EXPECT_EQ(Held(Stream(3, {{0, 1}, {'a', 2}}, "\5")).Text(), "a");
+    EXPECT_EQ(Held(Stream(64 << 20, {{'<', 5}})).Text(), "");
     // As near to eight as a writer comes: all ones, then the NUL's zero and what fills the byte.
-    Bytes ones(100'001, 0xFF);
-    ones.back() = 0;
-    EXPECT_EQ(textOf(Stream(800'001, {{0, 1}, {'x', 800'000}}, ones)), std::string(800'000, 'x'));
-}
-
-TEST(Huffman, TakesTheTableAsItStands) {
-    // The first listed is bit 0, whatever the frequencies.
-    EXPECT_EQ(Decompressed(Stream(3, {{'a', 9}, {'b', 1}}, {0x04})), Text("aab"));
-    EXPECT_EQ(Decompressed(Stream(3, {{'a', 0}, {'b', 0xFFFFFFFF}}, {0x04})), Text("aab"));
-
-    Table all;
-    for (int symbol = 0; symbol < 256; ++symbol)
-        all.push_back({static_cast<std::uint8_t>(symbol), 0xFFFFFFFF});
-    const Bytes ends = Decompressed(Stream(2, all, {0x00, 0xFF}));
-    EXPECT_EQ(ends.size(), 2U);
-}
-
-TEST(Huffman, FollowsTheLongestCodes) {
-    // 31 symbols: the rarest two take 30 bits, which differ in the last one.
-    EXPECT_EQ(Decompressed(Stream(1, Doubling(31), {0xFF, 0xFF, 0xFF, 0x1F})), Bytes{0});
-    EXPECT_EQ(Decompressed(Stream(1, Doubling(31), {0xFF, 0xFF, 0xFF, 0x3F})), Bytes{1});
-    EXPECT_EQ(Decompressed(Stream(1, Doubling(31), {0xFF, 0xFF, 0xFF})), Bytes());
+    const std::string ones = With(std::string(100'001, '\xFF'), 100'000, 0);
+    EXPECT_EQ(Held(Stream(800'001, {{0, 1}, {'x', 800'000}}, ones)).Text(),
+              std::string(800'000, 'x'));
 }
 
 }  // namespace

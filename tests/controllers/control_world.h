@@ -1,6 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <utility>
+#include <vector>
 
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
@@ -54,6 +57,35 @@ template <class C>
 Alone<C>::~Alone() {
     FlushUndo();
     control_->DeleteThis();
+}
+
+// Refers to a controller, and acts when that tells of a change.
+class Dependent : public ReferenceMaker {
+  public:
+    explicit Dependent(std::function<void()> act) : act_(std::move(act)) {}
+
+    SClass_ID SuperClassID() override { return 0; }
+    Class_ID ClassID() override { return {}; }
+    void DeleteThis() override {}
+    int NumRefs() override { return 1; }
+    RefTargetHandle GetReference(int) override { return target_; }
+    void SetReference(int, RefTargetHandle target) override { target_ = target; }
+    RefResult NotifyRefChanged(Interval, RefTargetHandle, PartID&, RefMessage) override {
+        act_();
+        return REF_SUCCEED;
+    }
+
+  private:
+    std::function<void()> act_;
+    RefTargetHandle target_ = nullptr;
+};
+
+template <class T>
+std::vector<TimeValue> TimesOf(const KeyTable<T>& table) {
+    std::vector<TimeValue> times;
+    for (const TarvoKey<T>& key : table.keys)
+        times.push_back(key.time);
+    return times;
 }
 
 // A write as the host makes it: a world matrix under a parent at the origin.

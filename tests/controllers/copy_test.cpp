@@ -1,12 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <map>
 
 #include "core_link/core_link.h"
-#include "host/animate.h"
-#include "host/hold.h"
-#include "host/interface.h"
 #include "platform/testing.h"
 #include "tests/controllers/control_world.h"
 #include "tests/support/puppet_core.h"
@@ -14,11 +10,12 @@
 namespace {
 
 constexpr TimeValue kFrame = 160;
+using List = std::vector<TimeValue>;
 
 // A float controller of somebody else: its value is the time, its keys stand on it or on its part.
 class Foreign : public Control {
   public:
-    std::vector<TimeValue> times;
+    List times;
     Animatable* part = nullptr;
 
     SClass_ID SuperClassID() override { return CTRL_FLOAT_CLASS_ID; }
@@ -37,100 +34,70 @@ class Foreign : public Control {
 
 class CopyKeys : public testing::Test {
   protected:
-    std::vector<TimeValue> Times() const {
-        std::vector<TimeValue> times;
-        for (const auto& key : control_->table.keys)
-            times.push_back(key.time);
-        return times;
-    }
-
     ControlWorld world_;
     Alone<OpenScalar> control_;
     Alone<Foreign> source_;
 };
 
-TEST_F(CopyKeys, EveryFrameOfTheSourcesRangeIsSampledTheEndOnlyIfItFallsOnTheStep) {
-    source_->times = {100, 100 + 2 * kFrame + 7};
-    control_->AddKey({3, 9, 9.0f});
-    control_->Copy(&*source_);
-    EXPECT_EQ(Times(), (std::vector<TimeValue>{100, 100 + kFrame, 100 + 2 * kFrame}));
-    for (const auto& key : control_->table.keys) {
-        EXPECT_EQ(key.value, static_cast<float>(key.time));
-        EXPECT_EQ(key.flags, 0u);
-    }
-}
-
-TEST_F(CopyKeys, KeysOfPartsWidenTheRange) {
+// The end of the range is sampled only if it falls on the step; far too many frames are not.
+TEST_F(CopyKeys, EveryFrameBetweenTheKeysOfTheSourceAndItsPartsIsSampled) {
+    constexpr TimeValue kFirst = std::numeric_limits<TimeValue>::min();
+    constexpr TimeValue kLast = std::numeric_limits<TimeValue>::max();
+    const List cases[][3] = {// keys of the source, of its part, and what is sampled
+                             {{100, 107 + kFrame}, {}, {100, 100 + kFrame}},
+                             {{}, {-kFrame, kFrame}, {-kFrame, 0, kFrame}},
+                             {{5}, {}, {5}},
+                             {{0, kFrame}, {-kFrame}, {-kFrame, 0, kFrame}},
+                             {{kLast - kFrame, kLast}, {}, {kLast - kFrame, kLast}},
+                             {{kFirst, 5, kLast}, {}, {kFirst, 5, kLast}},
+                             {{}, {}, {}}};
     Alone<Foreign> part;
-    part->times = {-kFrame, kFrame};
     source_->part = &*part;
-    control_->Copy(&*source_);
-    EXPECT_EQ(Times(), (std::vector<TimeValue>{-kFrame, 0, kFrame}));
-    source_->times = {0, 2 * kFrame};
-    control_->Copy(&*source_);
-    EXPECT_EQ(Times(), (std::vector<TimeValue>{-kFrame, 0, kFrame, 2 * kFrame}));
+    for (const auto& [keys, partKeys, expected] : cases) {
+        control_->AddKey({3, 9, 9.0F});
+        control_->table.currentKey.value = 5;
+        source_->times = keys;
+        part->times = partKeys;
+        platform::SetTickCount(80);
+        control_->Copy(&*source_);
+        platform::ClearTickCount();
+        EXPECT_EQ(TimesOf(control_->table), expected);
+        for (const TarvoKey<float>& key : control_->table.keys)
+            EXPECT_TRUE(key.value == static_cast<float>(key.time) && key.flags == 0);
+        EXPECT_EQ(control_->table.currentKey.time, 80);
+        EXPECT_EQ(control_->table.currentKey.value, FloatAt(*control_, 80));
+    }
+    EXPECT_EQ(control_->table.currentKey.value, 0.0F);
     source_->part = nullptr;
 }
 
-TEST_F(CopyKeys, ASourceWithoutKeysLeavesAnEmptyTableAndTheDefaultValue) {
-    control_->AddKey({0, 0, 5.0f});
-    control_->table.currentKey.value = 5;
-    control_->Copy(&*source_);
-    EXPECT_TRUE(Times().empty());
-    EXPECT_EQ(control_->table.currentKey.value, 0.0f);
-}
-
-TEST_F(CopyKeys, AKeyAtTheLastTickOrFarAwayEndsTheLoop) {
-    constexpr TimeValue kFirst = std::numeric_limits<TimeValue>::min();
-    constexpr TimeValue kLast = std::numeric_limits<TimeValue>::max();
-    source_->times = {kLast - kFrame, kLast};
-    control_->Copy(&*source_);
-    EXPECT_EQ(Times(), (std::vector<TimeValue>{kLast - kFrame, kLast}));
-    source_->times = {kFirst, 5, kLast};
-    control_->Copy(&*source_);
-    EXPECT_EQ(Times(), source_->times);
-}
-
-TEST_F(CopyKeys, TheCachedKeyIsTheTableAtTheMillisecondCounter) {
-    platform::SetTickCount(static_cast<DWORD>(kFrame / 2));
-    source_->times = {0, kFrame};
-    control_->Copy(&*source_);
-    platform::ClearTickCount();
-    constexpr TimeValue kHalf = kFrame / 2;
-    EXPECT_EQ(control_->table.currentKey.time, kHalf);
-    EXPECT_EQ(control_->table.currentKey.value, static_cast<float>(kHalf));
-}
-
 TEST_F(CopyKeys, ItselfNothingOrAControllerOfOtherValuesChangesNothing) {
-    control_->AddKey({0, 10, 1.0f});
-    control_->AddKey({0, 20, 2.0f});
+    control_->AddKey({0, 10, 1.0F});
     Alone<OpenTransform> other;
-    other->AddKey({0, 0, MovedBy(1)});
     for (Control* source : {static_cast<Control*>(&*control_), static_cast<Control*>(&*other),
                             static_cast<Control*>(nullptr)}) {
         control_->Copy(source);
-        EXPECT_EQ(Times(), (std::vector<TimeValue>{10, 20}));
+        EXPECT_EQ(TimesOf(control_->table), List{10});
     }
 }
 
-// What a tree of objects has been copied to.
-struct Copies : RemapDir {
-    RefTargetHandle FindMapping(RefTargetHandle from) override { return copies[from]; }
-    void AddEntry(RefTargetHandle from, RefTargetHandle to) override { copies[from] = to; }
+// Notes the first object that is copied.
+struct FirstCopy : RemapDir {
+    RefTargetHandle FindMapping(RefTargetHandle) override { return nullptr; }
+    void AddEntry(RefTargetHandle from, RefTargetHandle) override { first = first ? first : from; }
     RefTargetHandle CloneRef(RefTargetHandle from) override { return from->Clone(*this); }
 
-    std::map<RefTargetHandle, RefTargetHandle> copies;
+    RefTargetHandle first = nullptr;
 };
 
 TEST_F(CopyKeys, ACloneHasTheKeysAndTheCachedKeyButItsOwnPlaceOfSearch) {
     for (int i = 0; i < 4; ++i)
         control_->AddKey({1, i * 10, static_cast<float>(i)});
     FloatAt(*control_, 25);
-    Copies copies;
+    FirstCopy copies;
     auto* const clone = static_cast<OpenScalar*>(control_->Clone(copies));
-    ASSERT_NE(clone, nullptr);
-    EXPECT_EQ(copies.FindMapping(&*control_), clone);
-    EXPECT_EQ(clone->table.keys.size(), 4u);
+    EXPECT_EQ(copies.first, &*control_);
+    EXPECT_EQ(TimesOf(clone->table), (List{0, 10, 20, 30}));
     EXPECT_EQ(clone->table.keys[2].flags, 1u);
     EXPECT_EQ(clone->table.currentKey.time, 25);
     EXPECT_EQ(clone->table.lookupIndex, 0);
@@ -138,22 +105,20 @@ TEST_F(CopyKeys, ACloneHasTheKeysAndTheCachedKeyButItsOwnPlaceOfSearch) {
 }
 
 TEST_F(CopyKeys, WhileTheCoreRunsATableIsFullButLooksEmpty) {
-    control_->AddKey({0, 0, 1.0f});
-    control_->AddKey({0, 100, 3.0f});
+    control_->AddKey({0, 0, 1.0F});
+    control_->AddKey({0, 100, 3.0F});
     Alone<OpenScalar> copy;
-    {
-        PuppetCore core;
-        core.isRunning = true;
-        TheCoreLink().core = &core;
-        TimeValue next = 0;
-        EXPECT_EQ(control_->NumKeys(), 0);
-        EXPECT_FALSE(control_->GetNextKeyTime(0, NEXTKEY_RIGHT, next));
-        EXPECT_EQ(control_->GetKeyIndex(100), 1);
-        EXPECT_EQ(FloatAt(*control_, 50), 2.0f);
-        copy->Copy(&*control_);
-        EXPECT_TRUE(copy->table.keys.empty());
-        TheCoreLink().core = nullptr;
-    }
+    PuppetCore core;
+    core.isRunning = true;
+    TheCoreLink().core = &core;
+    TimeValue next = 0;
+    EXPECT_EQ(control_->NumKeys(), 0);
+    EXPECT_FALSE(control_->GetNextKeyTime(0, NEXTKEY_RIGHT, next));
+    EXPECT_EQ(control_->GetKeyIndex(100), 1);
+    EXPECT_EQ(FloatAt(*control_, 50), 2.0F);
+    copy->Copy(&*control_);
+    EXPECT_TRUE(copy->table.keys.empty());
+    TheCoreLink().core = nullptr;
     EXPECT_EQ(control_->NumKeys(), 2);
 }
 

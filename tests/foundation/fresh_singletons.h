@@ -2,10 +2,26 @@
 
 #include <gtest/gtest.h>
 
+#include <locale>
 #include <string>
 
 #include "tests/support/trace.h"
 #include "tvl/error_code.h"
+
+// A program that has set a person's locale, such as a host.
+class WithGroupedDigits {
+  public:
+    WithGroupedDigits() { std::locale::global(std::locale(std::locale::classic(), new Digits)); }
+    ~WithGroupedDigits() { std::locale::global(std::locale::classic()); }
+    WithGroupedDigits(const WithGroupedDigits&) = delete;
+    WithGroupedDigits& operator=(const WithGroupedDigits&) = delete;
+
+  private:
+    struct Digits : std::numpunct<char> {
+        char do_thousands_sep() const override { return '.'; }
+        std::string do_grouping() const override { return "\3"; }
+    };
+};
 
 // A world in which no log, registry or collector exists yet.
 class FreshSingletons : public testing::Test {

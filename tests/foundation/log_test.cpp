@@ -1,6 +1,5 @@
 #include "tvl/log.h"
 
-#include <locale>
 #include <memory>
 #include <regex>
 
@@ -37,13 +36,8 @@ TEST_F(LogTest, ALineHasTheMomentTheWordOfItsLevelAndTheDepthOfItsObject) {
         std::regex(R"(^20\d\d[01]\d[0-3]\d [0-2]\d:[0-5]\d:[0-6]\d \(NOTICE\): \touter\n)")));
 }
 
-struct GroupedDigits : std::numpunct<char> {
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\3"; }
-};
-
 TEST_F(LogTest, WritesNamesWithValuesInPlainFormWithinTheLimit) {
-    std::locale::global(std::locale(std::locale::classic(), new GroupedDigits));
+    const WithGroupedDigits locale;
     Log log(Log::kNotice);
     log.WriteValue("text", std::string("two words"));
     log.WriteValue("literal", "one");
@@ -52,7 +46,6 @@ TEST_F(LogTest, WritesNamesWithValuesInPlainFormWithinTheLimit) {
     log.WriteValue("address", reinterpret_cast<const void*>(0x12345678));
     log.Write("traffic", Log::kTraffic);
     log.WriteValue("traffic", 1, Log::kTraffic);
-    std::locale::global(std::locale::classic());
     EXPECT_EQ(Lines(),
               "(NOTICE): text: two words\n(NOTICE): literal: one\n(NOTICE): nothing: \n"
               "(NOTICE): number: -1234567\n(NOTICE): address: 0x12345678\n");

@@ -16,9 +16,7 @@ using TVL::ErrorCode;
 using TVL::Log;
 using TVL::Util::Singleton;
 using TVL::Util::SingletonCollector;
-using TVL::Util::SingletonReference;
-
-using Entries = std::vector<SingletonReference*>;
+using Entries = std::vector<TVL::Util::SingletonReference*>;
 
 std::vector<std::string> destroyed;
 
@@ -34,65 +32,60 @@ struct OtherBase {
 };
 struct Newer : OtherBase, Singleton<Newer> {
     Newer() { Older::GetInstance(); }
-    ~Newer() override { destroyed.push_back("newer"); }
-};
-
-struct Talkative : Singleton<Talkative> {
-    ~Talkative() override { Log("dying", Log::kNotice); }
+    ~Newer() override {
+        destroyed.push_back("newer");
+        Log("dying", Log::kNotice);
+    }
 };
 
 class Singletons : public FreshSingletons {
   protected:
     Singletons() { destroyed.clear(); }
 
-    static const Entries& List() { return SingletonCollector::GetInstance()->GetEntries(); }
+    static SingletonCollector& Collector() { return *SingletonCollector::GetInstance(); }
+    static const Entries& List() { return Collector().GetEntries(); }
 };
 
+// A log that comes up meanwhile stays, on nobody's list.
 TEST_F(Singletons, ComeUpOnceAndAreDestroyedTheNewestFirst) {
     Newer* const newer = Newer::GetInstance();
     EXPECT_EQ(Newer::GetInstance(), newer);
     EXPECT_EQ(List(), (Entries{SingletonCollector::instance, Older::instance,
                                static_cast<Singleton<Newer>*>(newer)}));
-
-    SingletonCollector::GetInstance()->DestroyAll();
+    Collector().DestroyAll();
     EXPECT_EQ(destroyed, (std::vector<std::string>{"newer", "older"}));
-    EXPECT_EQ(Newer::instance, nullptr);
-    EXPECT_EQ(Older::instance, nullptr);
-    EXPECT_EQ(SingletonCollector::instance, nullptr);
-}
-
-TEST_F(Singletons, StartWithCollectorRegistryAndLogInThisOrder) {
+    EXPECT_FALSE(Newer::instance || Older::instance);
+    EXPECT_EQ(Lines(), "(NOTICE): \tdying\n");
+    Log::GetInstance()->Destroy();
+    Collector().DestroyAll();
+    EXPECT_FALSE(SingletonCollector::instance || Log::instance);
     TVL::Report({"FIRST", "first", ErrorCode::kError});
     EXPECT_EQ(List(), (Entries{SingletonCollector::instance, ErrorCode::instance, Log::instance}));
 }
 
-TEST_F(Singletons, RemoveErasesEveryEqualEntryAndNothingElse) {
-    SingletonCollector& collector = *SingletonCollector::GetInstance();
+TEST_F(Singletons, TheListHoldsOwnedInstancesAloneEachUntilItGoes) {
     Log stray(Log::kNotice);
     const Entries before = List();
-    collector.Remove(&stray);
+    Collector().Remove(&stray);
     EXPECT_EQ(List(), before);
-    collector.Add(&stray);
-    collector.Add(&stray);
-    collector.Remove(&stray);
+    Collector().Add(&stray);
+    Collector().Add(&stray);
+    Collector().Remove(&stray);
     EXPECT_EQ(List(), before);
-}
 
-TEST_F(Singletons, DestroyTwiceDestroysOnce) {
     Older::GetInstance()->Destroy();
-    std::optional<Older> stray;
-    stray.emplace().Destroy();
+    std::optional<Older> other;
+    other.emplace().Destroy();
     EXPECT_EQ(destroyed.size(), 1u);
-    EXPECT_EQ(List(), Entries{SingletonCollector::instance});
+    EXPECT_EQ(List(), before);
 }
 
 TEST_F(Singletons, AnOutsideInstanceIsUsedAndNeverDestroyed) {
     Log outside;
-    Log::GetInstance();
     Place(outside);
     Older::GetInstance();
     outside.Destroy();
-    SingletonCollector::GetInstance()->DestroyAll();
+    Collector().DestroyAll();
     EXPECT_EQ(destroyed.size(), 1u);
     EXPECT_EQ(Log::GetInstance(), &outside);
     EXPECT_TRUE(Log::external);
@@ -100,23 +93,11 @@ TEST_F(Singletons, AnOutsideInstanceIsUsedAndNeverDestroyed) {
 
 TEST_F(Singletons, AScopeThatOutlivesEverythingBringsUpACollectorAndALog) {
     auto scope = std::make_unique<Log>("Shutting down adaptor", Log::kNotice);
-    SingletonCollector::GetInstance()->DestroyAll();
-    EXPECT_EQ(SingletonCollector::instance, nullptr);
-    EXPECT_EQ(Log::instance, nullptr);
+    Collector().DestroyAll();
     scope.reset();
     ASSERT_NE(Log::instance, nullptr);
     EXPECT_EQ(List(), (Entries{SingletonCollector::instance, Log::instance}));
     EXPECT_EQ(Log::instance->indent, -1);
-}
-
-// Left for the end of the program, where a leak checker sees whether it is freed.
-TEST_F(Singletons, ALogThatComesUpWhileEverythingGoesDownStaysToTheEnd) {
-    Talkative::GetInstance();
-    SingletonCollector::GetInstance()->DestroyAll();
-    ASSERT_NE(Log::instance, nullptr);
-    EXPECT_EQ(Lines(), "(NOTICE): \tdying\n");
-    SingletonCollector::GetInstance()->DestroyAll();
-    Log::GetInstance()->Destroy();
 }
 
 TEST_F(Singletons, AnOutsideInstanceThatIsGoneIsNotTouchedWhenTheProgramEnds) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <memory>
 #include <string>
 #include <utility>
 
@@ -13,11 +12,8 @@ inline std::string Shape(const XMLNode& node) {
     for (const auto& [name, value] : node.attributes)
         shape += " " + name + "=" + value;
     if (node.children.empty()) return shape;
-    shape += "[";
-    for (const auto& child : node.children) {
-        if (child != node.children.front()) shape += " ";
-        shape += Shape(*child);
-    }
+    for (const auto& child : node.children)
+        shape += (child == node.children.front() ? "[" : " ") + Shape(*child);
     return shape + "]";
 }
 
