@@ -9,7 +9,7 @@
 #include "bench/bench_world.h"
 #include "bench/meter.h"
 #include "host/interface.h"
-#include "nodes/transform_snapshot.h"
+#include "nodes/snapshots.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include "headless/scene_view.h"
 #include "host/hold.h"
 #include "host/interface.h"
-#include "scene_state/gather_state.h"
+#include "scene_state/node_tags.h"
 
 namespace {
 

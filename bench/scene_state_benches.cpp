@@ -12,7 +12,6 @@
 #include "bench/meter.h"
 #include "nodes/max_node.h"
 #include "nodes/node_list.h"
-#include "scene_state/gather_state.h"
 #include "scene_state/node_tags.h"
 
 namespace {

@@ -1,9 +1,10 @@
+#include "scene_state/node_tags.h"
+
 #include <algorithm>
 #include <string>
 #include <string_view>
 
 #include "fuzz/fuzzed_world.h"
-#include "scene_state/gather_state.h"
 #include "tvl/node.h"
 
 namespace {

@@ -1,4 +1,3 @@
-#include "adaptor/core_sweep.h"
 #include "adaptor/install_paths.h"
 #include "adaptor/max_adaptor_interface.h"
 #include "adaptor/panel.h"

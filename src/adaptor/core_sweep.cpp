@@ -1,12 +1,13 @@
-#include "adaptor/core_sweep.h"
-
 #include <optional>
+#include <utility>
 
 #include "adaptor/max_adaptor_interface.h"
 #include "adaptor/trace_file.h"
+#include "adaptor/utility_manager.h"
 #include "core_link/core_link.h"
+#include "host/interface.h"
+#include "nodes/node_lifetime.h"
 #include "nodes/node_list.h"
-#include "nodes/node_sweep.h"
 #include "scene_state/tagged_nodes.h"
 #include "tvl/error_code.h"
 #include "tvl/log.h"
@@ -71,9 +72,32 @@ int EndLeftRecordings() {
     return left;
 }
 
+bool TakeFocusBack(FocusState& focus) {
+    const bool isOut = std::exchange(focus.focusCount, 0) > 0;
+    if (isOut) GetCOREInterface()->EnableAccelerators();
+    return isOut;
+}
+
 }  // namespace
 
-void SweepCore(int releasedChunks, std::uint32_t nests) {
+// A Core that is called need not have met the adaptor, and one that is called may destroy it.
+CoreBrackets BracketsSoFar() {
+    const MaxAdaptorInterface* const adaptor = MaxAdaptorInterface::instance;
+    if (!adaptor) return {};
+    return {adaptor->recording.depth, adaptor->focus.focusCount, adaptor->undo.nest};
+}
+
+void EndBracketsSince(const CoreBrackets& before) {
+    if (!MaxAdaptorInterface::instance) return;
+    while (RecordingInProgress().depth > before.recordings)
+        EndRecording();
+    CancelHoldBegunSince(before.nests);
+    MaxAdaptorInterface& adaptor = *MaxAdaptorInterface::GetInstance();
+    for (int left = adaptor.focus.focusCount - before.focus; left > 0; --left)
+        adaptor.RestoreFocus();
+}
+
+void UtilityManager::SweepCore(int releasedChunks, std::uint32_t nests) {
     MaxAdaptorInterface& adaptor = *MaxAdaptorInterface::GetInstance();
 
     // First of all, since everything below may write or declare.

@@ -1,17 +1,21 @@
-#include "adaptor/host_events.h"
-
+#include <algorithm>
 #include <bitset>
 #include <cstddef>
 #include <iterator>
+#include <utility>
 
 #include "adaptor/utility_manager.h"
 #include "core_link/core_link.h"
+#include "host/node.h"
+#include "host/notify.h"
 #include "nodes/host_node_link.h"
+#include "nodes/max_node.h"
 #include "nodes/mesh_cache.h"
+#include "nodes/node_deletion.h"
 #include "nodes/node_list.h"
-#include "scene_state/gather_state.h"
 #include "scene_state/node_tags.h"
 #include "scene_state/state_chunk.h"
+#include "tvl/ids.h"
 #include "undo/undo_groups.h"
 
 namespace {
@@ -31,6 +35,48 @@ void LeaveScene() {
 
 void OnSceneReset(void*, NotifyInfo*) {
     LeaveScene();
+}
+
+// The announcement in progress. The Core can cause another one from inside it, after which the
+// outer one goes on as it was.
+class Announcement {
+  public:
+    explicit Announcement(INodeTab& table)
+        : outer_(std::exchange(DeletionInProgress(), DeletionState(table))) {}
+    ~Announcement() { DeletionInProgress() = std::move(outer_); }
+    Announcement(const Announcement&) = delete;
+    Announcement& operator=(const Announcement&) = delete;
+
+  private:
+    DeletionState outer_;
+};
+
+void TellOwner(const INode* host) {
+    const CMAXNode* const node = FindAnnouncedNode(host);
+    TVL::CoreElement* const owner = node ? node->Owner() : nullptr;
+    if (!owner) return;
+    if (!DeletionInProgress().notifiedOwners.insert(owner).second) return;
+    const bool isListed = CallCore("HasExtension of an owner", false,
+                                   [&] { return owner->HasExtension(TVL::kNodesBeingDeleted); });
+    if (!isListed) return;
+    CallCore("extension 43 of an owner",
+             [&] { owner->HandleExtension(TVL::kNodesBeingDeleted, nullptr); });
+}
+
+// An owner's answer can take nodes out of the host's table, and like `StopCore` it can end nodes
+// that stand there.
+void OnNodesPreDelete(void*, NotifyInfo* info) {
+    if (!AttachedCore()) return;
+    if (IsCoreRunning()) {
+        if (CoreInterface* const core = AttachedCore())
+            CallCore("StopCore", [&] { core->StopCore(); });
+    }
+    auto* const table = info ? static_cast<INodeTab*>(info->callParam) : nullptr;
+    if (!table) return;
+    const Announcement announcement(*table);
+    for (int left = table->Count(); left > 0; left = std::min(left - 1, table->Count())) {
+        TellOwner((*table)[left - 1]);
+    }
 }
 
 // A kind other than 0 is a file that does not replace the scene.
@@ -99,17 +145,19 @@ constinit std::bitset<std::size(kHostEvents)> registered;
 
 }  // namespace
 
-void RegisterHostEvents(UtilityManager& manager) {
+// What the host tells of its scene. While no Core is attached, every event but the host's shutdown
+// passes without effect.
+void UtilityManager::RegisterHostEvents() {
     for (std::size_t index = 0; index < std::size(kHostEvents); ++index) {
         const HostEvent& event = kHostEvents[index];
-        registered[index] = RegisterNotification(event.handler, &manager, event.code) != 0;
+        registered[index] = RegisterNotification(event.handler, this, event.code) != 0;
     }
 }
 
-void UnregisterHostEvents(UtilityManager& manager) {
+void UtilityManager::UnregisterHostEvents() {
     for (std::size_t index = 0; index < std::size(kHostEvents); ++index) {
         const HostEvent& event = kHostEvents[index];
-        if (registered[index]) UnRegisterNotification(event.handler, &manager, event.code);
+        if (registered[index]) UnRegisterNotification(event.handler, this, event.code);
     }
     registered.reset();
 }

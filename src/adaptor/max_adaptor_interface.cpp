@@ -2,18 +2,16 @@
 
 #include <optional>
 
+#include "adaptor/panel.h"
 #include "adaptor/trace_file.h"
 #include "adaptor/utility_manager.h"
-#include "adaptor/xml_resource.h"
 #include "controllers/conversion.h"
 #include "core_link/core_answer.h"
 #include "core_link/core_link.h"
 #include "host/interface.h"
 #include "measures/host_clock.h"
-#include "nodes/merging.h"
 #include "nodes/node_creation.h"
-#include "resources/resource_ids.h"
-#include "scene_state/claim_nodes.h"
+#include "scene_state/node_tags.h"
 #include "tvl/ids.h"
 
 namespace {
@@ -62,23 +60,6 @@ StateRecord& RecordOfState() {
     return Adaptor().stateRecord;
 }
 
-// A Core that is called need not have met the adaptor, and one that is called may destroy it.
-CoreBrackets BracketsSoFar() {
-    const MaxAdaptorInterface* const adaptor = MaxAdaptorInterface::instance;
-    if (!adaptor) return {};
-    return {adaptor->recording.depth, adaptor->focus.focusCount, adaptor->undo.nest};
-}
-
-void EndBracketsSince(const CoreBrackets& before) {
-    if (!MaxAdaptorInterface::instance) return;
-    while (RecordingInProgress().depth > before.recordings)
-        EndRecording();
-    CancelHoldBegunSince(before.nests);
-    FocusState& focus = Adaptor().focus;
-    while (focus.focusCount > before.focus)
-        RestoreFocus(focus);
-}
-
 MaxAdaptorInterface::MaxAdaptorInterface() : MessageNode("MaxAdaptorInterface") {
     TVL::ErrorCode notImplemented(kNotImplementedCode, kNotImplementedText,
                                   TVL::ErrorCode::kCritical);
@@ -96,7 +77,7 @@ TVL::WindowHandle MaxAdaptorInterface::GetPlatformWindow() {
 }
 
 XMLNode MaxAdaptorInterface::GetOptionsPanel() {
-    return AnswerCore("GetOptionsPanel", [&] { return LoadXMLResource(OptionPanel); });
+    return AnswerCore("GetOptionsPanel", [&] { return OptionsPanel(); });
 }
 
 std::int32_t MaxAdaptorInterface::SetLog(TVL::Log* log) {
@@ -231,11 +212,19 @@ void MaxAdaptorInterface::ForceRedraw() {
 }
 
 void MaxAdaptorInterface::RequestFocus() {
-    AnswerCore("RequestFocus", [&] { ::RequestFocus(focus); });
+    AnswerCore("RequestFocus", [&] {
+        TVL::Log(TVL::Log::kNotice).Write("Requesting focus");
+        if (focus.focusCount == 0) GetCOREInterface()->DisableAccelerators();
+        ++focus.focusCount;
+    });
 }
 
 void MaxAdaptorInterface::RestoreFocus() {
-    AnswerCore("RestoreFocus", [&] { ::RestoreFocus(focus); });
+    AnswerCore("RestoreFocus", [&] {
+        TVL::Log(TVL::Log::kNotice).Write("Restoring focus");
+        --focus.focusCount;
+        if (focus.focusCount == 0) GetCOREInterface()->EnableAccelerators();
+    });
 }
 
 // Recording --------------------------------------------------------------------------------------

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "adaptor/focus.h"
 #include "nodes/mesh_cache.h"
 #include "nodes/node_deletion.h"
 #include "nodes/node_list.h"
@@ -12,6 +11,12 @@
 #include "tvl/message.h"
 #include "tvl/singleton.h"
 #include "undo/undo_groups.h"
+
+// The keyboard, which the Core asks for and gives back. While it has it, the host's accelerators
+// are off. Calls nest; one RestoreFocus too many has to be made up for by a RequestFocus.
+struct FocusState {
+    std::int32_t focusCount = 0;  // depth of RequestFocus calls
+};
 
 // The host as the Core sees it: the table of contents of this system, whose every operation stands
 // in the room that does the work. It also holds the state of the adaptor, in runs; each room

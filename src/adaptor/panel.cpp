@@ -7,12 +7,11 @@
 #include "core_link/core_link.h"
 #include "host/interface.h"
 #include "resources/resource_ids.h"
-#include "scene_state/gather_state.h"
 #include "scene_state/node_tags.h"
 
 namespace {
 
-constexpr const char* kCaption = "Tarvo Lumiset";
+constexpr const char* kPanelCaption = "Tarvo Lumiset";
 constexpr const char* kNoCore =
     "Unable to bind Core routines. Tarvo Lumiset is unable to start.\n"
     "Please re-install the software and contact Tarvo Works in case the problem persists.";
@@ -24,7 +23,7 @@ void OpenCore() {
         const HWND mainWindow = GetCOREInterface()->GetMAXHWnd();
         CallCore("ShowCore", [&] { core->ShowCore(mainWindow); });
     } else {
-        MessageBoxA(nullptr, kNoCore, kCaption, MB_OK | MB_ICONERROR);
+        MessageBoxA(nullptr, kNoCore, kPanelCaption, MB_OK | MB_ICONERROR);
     }
 }
 
@@ -58,6 +57,20 @@ void OnCommand(UtilityManager& manager, HWND panel, int control) {
     }
 }
 
+constexpr const char* kXmlType = "XMLFile";
+
+// All bytes of the resource, which stay the module's.
+std::string_view OptionsText() {
+    const HMODULE module = theModule;
+    const HRSRC resource = FindResourceA(module, MAKEINTRESOURCEA(OptionPanel), kXmlType);
+    if (!resource) return {};
+    const DWORD size = SizeofResource(module, resource);
+    const HGLOBAL loaded = LoadResource(module, resource);
+    const void* const bytes = loaded ? LockResource(loaded) : nullptr;
+    if (!bytes) return {};
+    return {static_cast<const char*>(bytes), size};
+}
+
 }  // namespace
 
 void ShowAttachState(HWND panel, const char* text) {
@@ -80,4 +93,21 @@ INT_PTR CALLBACK PanelDlgProc(HWND window, UINT message, WPARAM wParam, LPARAM) 
         default:
             return FALSE;
     }
+}
+
+void TarvoUtilityObj::BeginEditParams(Interface* ip, IUtil*) {
+    if (panel) return;
+    panel = ip->AddRollupPage(theModule, MAKEINTRESOURCEA(PanelDialog), PanelDlgProc,
+                              "Tarvo Lumiset", 0, 0, PageCategory);
+    UtilityManager::Get().panelWindow = panel;
+}
+
+void TarvoUtilityObj::EndEditParams(Interface* ip, IUtil*) {
+    if (panel) ip->DeleteRollupPage(panel);
+    panel = nullptr;
+    UtilityManager::Get().panelWindow = nullptr;
+}
+
+XMLNode OptionsPanel() {
+    return XMLNode(OptionsText());
 }

@@ -1,6 +1,7 @@
 #include "adaptor/utility_manager.h"
 
-#include "adaptor/host_events.h"
+#include "adaptor/install_paths.h"
+#include "adaptor/max_adaptor_interface.h"
 #include "adaptor/trace_file.h"
 #include "core_link/core_link.h"
 #include "host/interface.h"
@@ -24,6 +25,15 @@ void TellLeakChecker([[maybe_unused]] const void* object) {
 #if defined(__SANITIZE_ADDRESS__)
     __lsan_ignore_object(object);
 #endif
+}
+
+// The folder in which this adaptor keeps its data. The documents path ends in a backslash of its
+// own, and the doubled one does no harm. Without documents it would be one on the current drive.
+void MakeDataFolder() {
+    const std::string documents = FindDocumentsPath();
+    if (documents.empty()) return;
+    const std::string adaptor = MaxAdaptorInterface::GetInstance()->GetShortName();
+    CreateDirectoryA((documents + "\\data\\" + adaptor + "\\").c_str(), nullptr);
 }
 
 }  // namespace
@@ -60,7 +70,20 @@ std::uint32_t UtilityManager::Start() {
 
 // The time callback stays. It is harmless, and an attach after this adds nothing to it.
 void UtilityManager::Stop() {
-    UnregisterHostEvents(*this);
+    UnregisterHostEvents();
+}
+
+// The scope outlives the log that it was opened in.
+void UtilityManager::ShutDownAdaptor() {
+    const TVL::Log scope("Shutting down adaptor", TVL::Log::kNotice);
+    DetachCore();
+    // The shutdown goes on without the folder.
+    if (const auto thrown = TVL::ThrownBy(&MakeDataFolder))
+        TVL::TraceThrown("MakeDataFolder", *thrown);
+    WriteTrace();
+    TVL::Util::SingletonCollector::GetInstance()->DestroyAll();
+    RestartTrace();
+    if (!isKept) Stop();
 }
 
 IOResult UtilityManager::Save(ISave* save) {
@@ -81,7 +104,7 @@ void UtilityManager::HearHost() {
     if (hearsHost) return;
     hearsHost = true;
     GetCOREInterface()->RegisterTimeChangeCallback(&timeCallback);
-    RegisterHostEvents(*this);
+    RegisterHostEvents();
 }
 
 void UtilityManager::CTimeChangeCallback::TimeChanged(TimeValue t) {

@@ -1,13 +1,11 @@
-#include "nodes/helper_snapshot.h"
-
 #include <cmath>
-#include <memory>
 
 #include "core_link/core_answer.h"
 #include "measures/host_clock.h"
+#include "nodes/snapshots.h"
 #include "objects/custom_helper_object.h"
+#include "objects/host_objects.h"
 #include "objects/mesh_exchange.h"
-#include "objects/object_kinds.h"
 
 namespace {
 
@@ -26,18 +24,12 @@ std::uint32_t WireColour(float red, float green, float blue) {
 
 }  // namespace
 
-CMAXNode::CMAXSnapshot_Helper::CMAXSnapshot_Helper(CMAXNode& lender) {
-    node = &lender;
-}
-
 void CMAXNode::CMAXSnapshot_Helper::Acquire(CMAXNode& lender, Object* object) {
-    acquired = true;
     hostObject = object;
     hostNode = lender.hostNode;
 }
 
-void CMAXNode::CMAXSnapshot_Helper::LoseNode() {
-    node = nullptr;
+void CMAXNode::CMAXSnapshot_Helper::LoseHost() {
     hostObject = nullptr;
     hostNode = {};
 }
@@ -87,13 +79,10 @@ TVL::CSnapshot_Helper* CMAXNode::AcquireHelperSnapshot() {
         INode* const host = HostNode();
         Object* const object = host ? host->GetObjectRef() : nullptr;
         if (!host || (object && object->SuperClassID() == CAMERA_CLASS_ID)) return nullptr;
-        CMAXSnapshot_Helper& snapshot =
-            helperPool.FindFree([this] { return std::make_unique<CMAXSnapshot_Helper>(*this); });
-        snapshot.Acquire(*this, object);
-        return &snapshot;
+        return helperPool.Lend(*this, object);
     });
 }
 
 void CMAXNode::ReleaseHelperSnapshot(TVL::CSnapshot_Helper* snapshot) {
-    if (snapshot) static_cast<CMAXSnapshot_Helper*>(snapshot)->Release();
+    helperPool.TakeBack(snapshot);
 }

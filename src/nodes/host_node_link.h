@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "host/interface.h"
+#include "host/object.h"
 
 // A scene node of the host, held without a reference to it. The host may delete the node at any
 // moment and bring it back by undo, so pointer and handle are kept together and looked up at each
@@ -44,4 +45,23 @@ class HostNodeLink {
     std::uint32_t scene_ = scenesLeft_;
 
     static constinit inline std::uint32_t scenesLeft_ = 0;
+};
+
+// The object that a scene node shows, held without a reference to it: once the node is gone or
+// shows another object, it reads as null.
+class ShownObject {
+  public:
+    ShownObject() = default;
+    explicit ShownObject(const HostNodeLink& node) : node_(node) {
+        if (INode* host = node_.Get()) object_ = host->GetObjectRef();
+    }
+
+    Object* Get() const {
+        INode* const host = node_.Get();
+        return host && host->GetObjectRef() == object_ ? object_ : nullptr;
+    }
+
+  private:
+    HostNodeLink node_;
+    Object* object_ = nullptr;
 };

@@ -1,10 +1,7 @@
-#include "nodes/lens_snapshot.h"
-
-#include <memory>
-
 #include "core_link/core_answer.h"
 #include "measures/host_clock.h"
-#include "objects/object_kinds.h"
+#include "nodes/snapshots.h"
+#include "objects/host_objects.h"
 
 namespace {
 
@@ -17,20 +14,10 @@ constexpr int kAcrossDiagonal = 2;
 
 }  // namespace
 
-CMAXNode::CMAXSnapshot_Lens::CMAXSnapshot_Lens(CMAXNode& lender) {
-    node = &lender;
-}
-
-void CMAXNode::CMAXSnapshot_Lens::Acquire(const ShownObject& camera, double time) {
-    acquired = true;
+void CMAXNode::CMAXSnapshot_Lens::Acquire(CMAXNode&, const ShownObject& camera, double time) {
     hostObject = camera;
     ticks = SnapshotTicks(time);
     seconds = time;
-}
-
-void CMAXNode::CMAXSnapshot_Lens::LoseNode() {
-    node = nullptr;
-    hostObject = {};
 }
 
 void CMAXNode::CMAXSnapshot_Lens::SetFieldOfView(double degrees) {
@@ -82,14 +69,10 @@ double CMAXNode::CMAXSnapshot_Lens::GetTargetDistance() {
 TVL::CSnapshot_Lens* CMAXNode::AcquireLensSnapshot(double time) {
     return AnswerCore("AcquireLensSnapshot", [&]() -> TVL::CSnapshot_Lens* {
         const ShownObject object(hostNode);
-        if (!AsCamera(object.Get())) return nullptr;
-        CMAXSnapshot_Lens& snapshot =
-            lensPool.FindFree([this] { return std::make_unique<CMAXSnapshot_Lens>(*this); });
-        snapshot.Acquire(object, time);
-        return &snapshot;
+        return AsCamera(object.Get()) ? lensPool.Lend(*this, object, time) : nullptr;
     });
 }
 
 void CMAXNode::ReleaseLensSnapshot(TVL::CSnapshot_Lens* snapshot) {
-    if (snapshot) static_cast<CMAXSnapshot_Lens*>(snapshot)->Release();
+    lensPool.TakeBack(snapshot);
 }

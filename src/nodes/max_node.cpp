@@ -3,30 +3,15 @@
 #include <utility>
 
 #include "core_link/core_answer.h"
-#include "nodes/helper_snapshot.h"
-#include "nodes/host_name.h"
-#include "nodes/lens_snapshot.h"
-#include "nodes/mesh_snapshot.h"
-#include "nodes/node_list.h"
-#include "nodes/node_lookup.h"
-#include "nodes/node_watch.h"
-#include "nodes/shape_snapshot.h"
-#include "nodes/transform_snapshot.h"
+#include "nodes/node_lifetime.h"
+#include "nodes/node_names.h"
+#include "nodes/snapshots.h"
 #include "tvl/log.h"
 
-CMAXNode* CMAXNode::newestAlive = nullptr;
-
-namespace {
-
-std::string NameInScene(INode* host) {
-    const char* const hostName = host ? host->GetName() : nullptr;
-    return hostName ? hostName : "";
-}
-
-}  // namespace
+constinit LiveInstances<CMAXNode> CMAXNode::liveInstances;
 
 CMAXNode::CMAXNode(bool snapshot, INode* host) : isSnapshot(snapshot), hostNode(host) {
-    JoinAlive();
+    liveInstances.Append(*this);
 }
 
 // What fails below leaves a whole node, which its destructor takes out of every list.
@@ -60,7 +45,7 @@ CMAXNode::~CMAXNode() {
     EmptyWatches();
     LoseSource();
     LoseReached();
-    LeaveAlive();
+    liveInstances.Remove(*this);
     transformPool.Empty("Encountered still acquired snapshot");
     helperPool.Empty("Encountered still acquired helper snapshot");
     meshPool.Empty("Encountered still acquired mesh snapshot");
@@ -175,15 +160,4 @@ void CMAXNode::LoseReached() {
         node->newerOfSource = nullptr;
         node = std::exchange(node->olderOfSource, nullptr);
     }
-}
-
-void CMAXNode::JoinAlive() {
-    olderAlive = newestAlive;
-    if (olderAlive) olderAlive->newerAlive = this;
-    newestAlive = this;
-}
-
-void CMAXNode::LeaveAlive() {
-    if (olderAlive) olderAlive->newerAlive = newerAlive;
-    (newerAlive ? newerAlive->olderAlive : newestAlive) = olderAlive;
 }

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "foundation/live_instances.h"
 #include "nodes/host_node_link.h"
 #include "nodes/node_list.h"
 #include "nodes/snapshot_pool.h"
@@ -91,12 +92,15 @@ class CMAXNode final : public TVL::CoreNode {
     // False if an earlier call has left nothing to forget.
     bool ForgetCore();
 
-    // The nodes alive, real and snapshot nodes, from the newest to the oldest.
-    static CMAXNode* NewestAlive() { return newestAlive; }
-    CMAXNode* OlderAlive() const { return olderAlive; }
+    // False: no batch was open.
+    static bool EndSelectionBatch();
+
+    // Real nodes and snapshot nodes.
+    static LiveInstances<CMAXNode> liveInstances;
 
   private:
     friend class NodeWatch;
+    friend class LiveInstances<CMAXNode>;
 
     CMAXNode(bool snapshot, INode* host);
     CMAXNode* CloneHostNode(bool withHierarchy, const CMAXNode* parent = nullptr);
@@ -106,8 +110,6 @@ class CMAXNode final : public TVL::CoreNode {
     bool MayDeleteThroughSource() const;
     void SettleHostSide(bool deleteHostNode);
     void EmptyWatches();
-    void JoinAlive();
-    void LeaveAlive();
     void JoinSource(CMAXNode& reachedFrom);
     void LoseSource();
     void LoseReached();
@@ -130,9 +132,7 @@ class CMAXNode final : public TVL::CoreNode {
     CMAXNode* newerOfSource = nullptr;
     CMAXNode* olderOfSource = nullptr;
 
-    CMAXNode* newerAlive = nullptr;
-    CMAXNode* olderAlive = nullptr;
-    static CMAXNode* newestAlive;
+    LiveLink<CMAXNode> liveLink;
 };
 
 // Snapshot nodes on their way to the Core, with null for each that there is not.

@@ -1,5 +1,3 @@
-#include "nodes/merging.h"
-
 #include <array>
 #include <unordered_set>
 #include <utility>
@@ -8,7 +6,8 @@
 #include "host/path_config.h"
 #include "nodes/host_node_link.h"
 #include "nodes/max_node.h"
-#include "nodes/node_reference.h"
+#include "nodes/node_creation.h"
+#include "nodes/node_names.h"
 #include "tvl/log.h"
 #include "undo/undo_groups.h"
 

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <unordered_map>
+#include <utility>
 
 #include "host/object.h"
 #include "nodes/host_node_link.h"
@@ -19,9 +20,17 @@ using CachedMesh = std::weak_ptr<TriObject>;
 // runs once in a recording. Each is the geometry at the time of its conversion.
 class MeshCache {
   public:
-    CachedMesh Find(const HostNodeLink& node) const;
-    CachedMesh Keep(const HostNodeLink& node, ConvertedMesh mesh);
-    void Empty();
+    CachedMesh Find(const HostNodeLink& node) const {
+        const auto found = meshes_.find(node);
+        return found == meshes_.end() ? CachedMesh() : found->second;
+    }
+    CachedMesh Keep(const HostNodeLink& node, ConvertedMesh mesh) {
+        const auto end = [](TriObject* object) { object->DeleteMe(); };
+        return meshes_[node] = std::shared_ptr<TriObject>(mesh.release(), end);
+    }
+
+    // The end of a mesh finds the cache empty.
+    void Empty() { std::exchange(meshes_, {}); }
 
   private:
     std::unordered_map<HostNodeLink, std::shared_ptr<TriObject>, HostNodeLink::Hash> meshes_;

@@ -1,14 +1,12 @@
-#include "nodes/mesh_snapshot.h"
-
-#include <memory>
 #include <utility>
 
 #include "core_link/core_answer.h"
 #include "core_link/core_link.h"
 #include "measures/host_clock.h"
-#include "nodes/node_watch.h"
+#include "nodes/node_lifetime.h"
+#include "nodes/snapshots.h"
+#include "objects/host_objects.h"
 #include "objects/mesh_exchange.h"
-#include "objects/object_kinds.h"
 #include "resources/resource_ids.h"
 #include "tvl/ids.h"
 
@@ -29,23 +27,8 @@ bool LendsMesh(INode* host) {
 
 }  // namespace
 
-CMAXNode::CMAXSnapshot_Mesh::CMAXSnapshot_Mesh(CMAXNode& lender) {
-    node = &lender;
-}
-
 void CMAXNode::CMAXSnapshot_Mesh::Acquire(CMAXNode& lender, TimeValue ticks, MeshCache* cache) {
     hostNode = lender.hostNode;
-    Refresh(ticks, cache);
-    acquired = true;
-}
-
-void CMAXNode::CMAXSnapshot_Mesh::LoseNode() {
-    node = nullptr;
-    meshObject = {};
-    hostNode = {};
-}
-
-void CMAXNode::CMAXSnapshot_Mesh::Refresh(TimeValue ticks, MeshCache* cache) {
     CachedMesh cached = cache ? cache->Find(hostNode) : CachedMesh();
     if (!cached.expired()) {
         meshObject = std::move(cached);
@@ -66,6 +49,11 @@ void CMAXNode::CMAXSnapshot_Mesh::Refresh(TimeValue ticks, MeshCache* cache) {
         meshObject = cache->Keep(hostNode, std::move(converted));
     else
         meshObject = std::move(converted);
+}
+
+void CMAXNode::CMAXSnapshot_Mesh::LoseHost() {
+    meshObject = {};
+    hostNode = {};
 }
 
 TriObject* CMAXNode::CMAXSnapshot_Mesh::LiveMesh() const {
@@ -118,13 +106,11 @@ TVL::CSnapshot_Mesh* CMAXNode::AcquireMeshSnapshot(double seconds) {
         const bool isDynamic = CoreOption(TVL::kDynamicMeshes, false);
         if (!self.Get() || !LendsMesh(HostNode())) return nullptr;
 
-        CMAXSnapshot_Mesh& snapshot =
-            meshPool.FindFree([this] { return std::make_unique<CMAXSnapshot_Mesh>(*this); });
-        snapshot.Acquire(*this, SnapshotTicks(seconds), isDynamic ? nullptr : &ConvertedMeshes());
-        return &snapshot;
+        MeshCache* const cache = isDynamic ? nullptr : &ConvertedMeshes();
+        return meshPool.Lend(*this, SnapshotTicks(seconds), cache);
     });
 }
 
 void CMAXNode::ReleaseMeshSnapshot(TVL::CSnapshot_Mesh* snapshot) {
-    if (snapshot) static_cast<CMAXSnapshot_Mesh*>(snapshot)->Release();
+    meshPool.TakeBack(snapshot);
 }

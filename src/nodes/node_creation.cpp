@@ -9,14 +9,12 @@
 #include "controllers/transform_control.h"
 #include "core_link/core_link.h"
 #include "host/interface.h"
-#include "nodes/helper_snapshot.h"
-#include "nodes/host_name.h"
 #include "nodes/max_node.h"
 #include "nodes/node_deletion.h"
-#include "nodes/node_instance_restore.h"
-#include "nodes/node_list.h"
-#include "nodes/node_watch.h"
-#include "nodes/object_parameters.h"
+#include "nodes/node_lifetime.h"
+#include "nodes/node_names.h"
+#include "nodes/snapshots.h"
+#include "objects/host_objects.h"
 #include "resources/resource_ids.h"
 #include "tvl/ids.h"
 #include "tvl/log.h"
@@ -166,22 +164,4 @@ TVL::CNode* CreateHelperNode(TVL::CoreElement* owner, const std::string& name, T
             throw;
         }
     });
-}
-
-TVL::CNode* FindNode(const TVL::CoreElement* owner, std::string_view name) {
-    const auto& byOwner = AdaptorNodes().byOwner;
-    const auto ofOwner = byOwner.find(owner);
-    if (ofOwner == byOwner.end()) return nullptr;
-    const auto found = ofOwner->second.byName.find(std::string(name));
-    return found == ofOwner->second.byName.end() ? nullptr : found->second.begin()->second;
-}
-
-std::vector<TVL::CNode*> GetNodes(const TVL::CoreElement* owner) {
-    std::vector<TVL::CNode*> found;
-    const auto& byOwner = AdaptorNodes().byOwner;
-    const auto ofOwner = byOwner.find(owner);
-    if (ofOwner == byOwner.end()) return found;
-    for (const auto& [number, node] : ofOwner->second.nodes)
-        found.push_back(node);
-    return found;
 }

@@ -1,14 +1,13 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "tvl/core_element.h"
 #include "tvl/mesh.h"
 #include "tvl/node.h"
 
-// New scene nodes for the Core, and the way back to them. A created node is real, hangs below
+// New scene nodes for the Core. A created node is real, hangs below
 // `parent` if there is one, shows as "<plug-in name>_<name>" in the host, and gets the adaptor's
 // controllers where kOptimisedControllers says so. Inside an undo group its creation becomes an
 // undo record, and the listener hears of it. `parent` and `listener` may be null; an owner that is
@@ -22,8 +21,12 @@ TVL::CNode* CreateLensNode(TVL::CoreElement* owner, const std::string& name, TVL
 TVL::CNode* CreateHelperNode(TVL::CoreElement* owner, const std::string& name, TVL::CNode* parent,
                              const TVL::CMesh& mesh, TVL::NodeListener* listener);
 
-// The first real node of this owner and this name (the Core's name, not the host's), or null.
-TVL::CNode* FindNode(const TVL::CoreElement* owner, std::string_view name);
-
-// All real nodes of this owner, in order of creation.
-std::vector<TVL::CNode*> GetNodes(const TVL::CoreElement* owner);
+// Brings the objects of another scene file into the host's scene. The result is a snapshot node for
+// each merged node and for its ancestors, the caller's to give back: in the order of the selection
+// that the host's merge makes, each node with its parents behind it, none twice. An entry is null
+// if the host does not know its node any more. The user's selection is as before.
+//
+// The merge is no part of an undo group: the hold that is open is closed with what it has so far,
+// and a new one takes its place. A file that is missing or damaged is told in the trace alone, and
+// the result is what the host could bring in, as a rule nothing.
+std::vector<TVL::CNode*> MergeModels(const std::string& path);

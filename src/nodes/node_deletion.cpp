@@ -8,9 +8,9 @@
 #include "controllers/transform_control.h"
 #include "core_link/core_answer.h"
 #include "nodes/max_node.h"
-#include "nodes/node_instance_restore.h"
+#include "nodes/node_lifetime.h"
 #include "nodes/node_list.h"
-#include "nodes/object_parameters.h"
+#include "objects/host_objects.h"
 #include "undo/undo_groups.h"
 
 namespace {

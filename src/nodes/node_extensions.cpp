@@ -1,9 +1,43 @@
+#include <utility>
+
 #include "core_link/core_answer.h"
 #include "nodes/max_node.h"
 #include "nodes/node_deletion.h"
-#include "nodes/node_selection.h"
 #include "tvl/ids.h"
 #include "tvl/log.h"
+#include "undo/own_step.h"
+
+namespace {
+
+// Between its begin and its end a batch gathers selected nodes into one selection, without undo
+// steps. There is one for the whole process.
+constinit bool selectionBatch = false;
+
+// False: the batch was open already.
+bool BeginSelectionBatch() {
+    if (std::exchange(selectionBatch, true)) return false;
+    GetCOREInterface()->ClearNodeSelection(0);
+    return true;
+}
+
+}  // namespace
+
+bool CMAXNode::EndSelectionBatch() {
+    return std::exchange(selectionBatch, false);
+}
+
+void CMAXNode::Select() {
+    AnswerCore("Select", [&] {
+        INode* const host = HostNode();
+        if (!host) return;
+        if (selectionBatch) {
+            GetCOREInterface()->SelectNode(host, 0);
+            return;
+        }
+        const OwnStep step("Select");
+        GetCOREInterface()->SelectNode(host, 1);
+    });
+}
 
 std::vector<int> CMAXNode::ListExtensions() {
     return AnswerCore("ListExtensions", [&]() -> std::vector<int> {

@@ -1,9 +1,32 @@
 #include "nodes/node_list.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "foundation/thrown.h"
 #include "nodes/max_node.h"
+
+namespace {
+
+CMAXNode* FindAt(const INode* hostNode, bool mayBeGone) {
+    const auto found = AdaptorNodes().byHost.find(hostNode);
+    if (!hostNode || found == AdaptorNodes().byHost.end()) return nullptr;
+    const std::vector<CMAXNode*>& nodes = found->second;
+    const auto present = std::ranges::find_if(nodes, &CMAXNode::HostNode);
+    if (present != nodes.end()) return *present;
+    return mayBeGone ? nodes.front() : nullptr;
+}
+
+// Takes something out of an entry, which goes when it holds nothing any more.
+template <class Map, class Key, class Take>
+void TakeOut(Map& map, const Key& key, Take take) {
+    const auto entry = map.find(key);
+    if (entry == map.end()) return;
+    take(entry->second);
+    if (entry->second.empty()) map.erase(entry);
+}
+
+}  // namespace
 
 bool IsListed(const CMAXNode* node) {
     return node->Listing().number != 0;
@@ -38,18 +61,35 @@ void UnlistNode(CMAXNode* node) {
     NodeList& list = AdaptorNodes();
     const NodeListing listing = std::exchange(node->Listing(), {});
     list.nodes.erase(listing.number);
-    if (const auto sameHost = list.byHost.find(node->HostLink().Pointer());
-        sameHost != list.byHost.end()) {
-        std::erase(sameHost->second, node);
-        if (sameHost->second.empty()) list.byHost.erase(sameHost);
-    }
-    const auto sameOwner = list.byOwner.find(listing.owner);
-    if (sameOwner == list.byOwner.end()) return;
-    auto& [ofOwner, byName] = sameOwner->second;
-    ofOwner.erase(listing.number);
-    if (const auto sameName = byName.find(node->NodeName()); sameName != byName.end()) {
-        sameName->second.erase(listing.number);
-        if (sameName->second.empty()) byName.erase(sameName);
-    }
-    if (ofOwner.empty()) list.byOwner.erase(sameOwner);
+    TakeOut(list.byHost, node->HostLink().Pointer(), [&](auto& same) { std::erase(same, node); });
+    TakeOut(list.byOwner, listing.owner, [&](NodeList::OfOwner& owned) {
+        owned.nodes.erase(listing.number);
+        TakeOut(owned.byName, node->NodeName(), [&](auto& same) { same.erase(listing.number); });
+    });
+}
+
+CMAXNode* FindRealNode(const INode* hostNode) {
+    return FindAt(hostNode, false);
+}
+
+CMAXNode* FindAnnouncedNode(const INode* hostNode) {
+    return FindAt(hostNode, true);
+}
+
+TVL::CNode* FindNode(const TVL::CoreElement* owner, std::string_view name) {
+    const auto& byOwner = AdaptorNodes().byOwner;
+    const auto ofOwner = byOwner.find(owner);
+    if (ofOwner == byOwner.end()) return nullptr;
+    const auto found = ofOwner->second.byName.find(std::string(name));
+    return found == ofOwner->second.byName.end() ? nullptr : found->second.begin()->second;
+}
+
+std::vector<TVL::CNode*> GetNodes(const TVL::CoreElement* owner) {
+    std::vector<TVL::CNode*> found;
+    const auto& byOwner = AdaptorNodes().byOwner;
+    const auto ofOwner = byOwner.find(owner);
+    if (ofOwner == byOwner.end()) return found;
+    for (const auto& [number, node] : ofOwner->second.nodes)
+        found.push_back(node);
+    return found;
 }

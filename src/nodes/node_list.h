@@ -3,11 +3,12 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include "nodes/host_node_link.h"
-#include "tvl/core_element.h"
+#include "tvl/node.h"
 
 class CMAXNode;
 
@@ -21,6 +22,7 @@ struct NodeList {
     struct OfOwner {
         InOrder nodes;
         std::unordered_map<std::string, InOrder> byName;
+        bool empty() const { return nodes.empty(); }
     };
 
     InOrder nodes;
@@ -53,6 +55,18 @@ void ListNode(CMAXNode* node);
 
 // Takes a node out, the order of the rest staying; one that is not listed is ignored.
 void UnlistNode(CMAXNode* node);
+
+// The first real node that stands for a scene node of the host; null if there is none. The pointer
+// is compared and never followed: the node is in the scene, or, where it may be gone, was there
+// when the host announced it.
+CMAXNode* FindRealNode(const INode* hostNode);
+CMAXNode* FindAnnouncedNode(const INode* hostNode);
+
+// The first real node of this owner and this name (the Core's name, not the host's), or null.
+TVL::CNode* FindNode(const TVL::CoreElement* owner, std::string_view name);
+
+// All real nodes of this owner, in order of creation.
+std::vector<TVL::CNode*> GetNodes(const TVL::CoreElement* owner);
 
 // Visits the nodes in order. They may come and go meanwhile; who comes is visited too.
 template <class Visit>

@@ -1,15 +1,18 @@
 #include "nodes/recording.h"
 
+#include <cmath>
+#include <limits>
 #include <memory>
 #include <unordered_set>
 
+#include "core_link/core_answer.h"
 #include "host/animate.h"
 #include "host/interface.h"
 #include "measures/host_clock.h"
 #include "nodes/max_node.h"
 #include "nodes/mesh_cache.h"
 #include "nodes/node_list.h"
-#include "nodes/transform_snapshot.h"
+#include "nodes/snapshots.h"
 #include "undo/undo_groups.h"
 #include "undo/undo_wrapper.h"
 
@@ -26,9 +29,9 @@ void OpenRecording() {
 
 // What is written in animate mode becomes a key, even if it is what was there.
 void KeyPresentPose(CMAXNode& node) {
-    const auto release = [](CMAXNode::CMAXSnapshot* lent) { lent->Release(); };
+    const auto release = [&](CMAXNode::CMAXSnapshot* lent) { node.ReleaseSnapshot(lent); };
     const std::unique_ptr<CMAXNode::CMAXSnapshot, decltype(release)> snapshot(
-        node.LendSnapshot(CurrentSeconds()));
+        node.LendSnapshot(CurrentSeconds()), release);
     if (snapshot) snapshot->PutWorld(snapshot->World());
 }
 
@@ -44,6 +47,18 @@ std::int32_t BeginWhole(Begin begin) {
         throw;
     }
     return 0;
+}
+
+// A part before its own parts.
+void DeleteTimeOfAll(Animatable* top, Interval range, std::uint32_t flags) {
+    std::vector<Animatable*> pending{top};
+    while (!pending.empty()) {
+        Animatable* const part = pending.back();
+        pending.pop_back();
+        part->DeleteTime(range, flags);
+        for (int index = part->NumSubs(); index-- > 0;)
+            if (Animatable* sub = part->SubAnim(index)) pending.push_back(sub);
+    }
 }
 
 }  // namespace
@@ -69,4 +84,15 @@ std::int32_t EndRecording() {
     GetCOREInterface()->EnableAnimateButton(1);
     ConvertedMeshes().Empty();
     return 0;
+}
+
+void CMAXNode::DeleteAnimationFrom(double seconds) {
+    AnswerCore("DeleteAnimationFrom", [&] {
+        INode* const host = HostNode();
+        if (!recordable || !host || std::isnan(seconds)) return;
+        // The left end is out, so that a key exactly there stays.
+        const Interval later(SnapshotTicks(seconds), std::numeric_limits<TimeValue>::max());
+        DeleteTimeOfAll(host, later, TIME_INCRIGHT);
+        if (Object* object = host->GetObjectRef()) DeleteTimeOfAll(object, later, TIME_INCRIGHT);
+    });
 }

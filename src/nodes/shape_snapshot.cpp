@@ -1,12 +1,10 @@
-#include "nodes/shape_snapshot.h"
-
 #include <algorithm>
 #include <cmath>
-#include <memory>
 
 #include "core_link/core_answer.h"
 #include "measures/host_clock.h"
-#include "objects/object_kinds.h"
+#include "nodes/snapshots.h"
+#include "objects/host_objects.h"
 
 namespace {
 
@@ -28,20 +26,10 @@ double StretchStart(double parameter) {
 
 }  // namespace
 
-CMAXNode::CMAXSnapshot_Shape::CMAXSnapshot_Shape(CMAXNode& lender) {
-    node = &lender;
-}
-
-void CMAXNode::CMAXSnapshot_Shape::Acquire(const ShownObject& shape, double time) {
-    acquired = true;
+void CMAXNode::CMAXSnapshot_Shape::Acquire(CMAXNode&, const ShownObject& shape, double time) {
     hostObject = shape;
     ticks = SnapshotTicks(time);
     seconds = time;
-}
-
-void CMAXNode::CMAXSnapshot_Shape::LoseNode() {
-    node = nullptr;
-    hostObject = {};
 }
 
 int CMAXNode::CMAXSnapshot_Shape::Count() const {
@@ -98,14 +86,10 @@ ShapeObject* CMAXNode::CMAXSnapshot_Shape::ShapeWithCurve() const {
 TVL::CSnapshot_Shape* CMAXNode::AcquireShapeSnapshot(double time) {
     return AnswerCore("AcquireShapeSnapshot", [&]() -> TVL::CSnapshot_Shape* {
         const ShownObject object(hostNode);
-        if (!AsShape(object.Get())) return nullptr;
-        CMAXSnapshot_Shape& snapshot =
-            shapePool.FindFree([this] { return std::make_unique<CMAXSnapshot_Shape>(*this); });
-        snapshot.Acquire(object, time);
-        return &snapshot;
+        return AsShape(object.Get()) ? shapePool.Lend(*this, object, time) : nullptr;
     });
 }
 
 void CMAXNode::ReleaseShapeSnapshot(TVL::CSnapshot_Shape* snapshot) {
-    if (snapshot) static_cast<CMAXSnapshot_Shape*>(snapshot)->Release();
+    shapePool.TakeBack(snapshot);
 }

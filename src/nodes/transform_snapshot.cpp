@@ -1,27 +1,17 @@
-#include "nodes/transform_snapshot.h"
-
-#include <memory>
-
 #include "controllers/base_control.h"
 #include "core_link/core_answer.h"
 #include "measures/core_space.h"
 #include "measures/host_clock.h"
-
-CMAXNode::CMAXSnapshot::CMAXSnapshot(CMAXNode& lender) {
-    node = &lender;
-    owner = lender.owner;
-}
+#include "nodes/snapshots.h"
 
 void CMAXNode::CMAXSnapshot::Acquire(CMAXNode& lender, double time) {
     coreNode = &lender;
-    acquired = true;
     ticks = SnapshotTicks(time);
     seconds = time;
     hostNode = lender.hostNode;
 }
 
-void CMAXNode::CMAXSnapshot::LoseNode() {
-    node = nullptr;
+void CMAXNode::CMAXSnapshot::LoseHost() {
     coreNode = nullptr;
     hostNode = {};
 }
@@ -74,11 +64,7 @@ void CMAXNode::CMAXSnapshot::SetHostTransform(INode& host, const TVL::CMatrix4& 
 }
 
 CMAXNode::CMAXSnapshot* CMAXNode::LendSnapshot(double seconds) {
-    if (!HostNode()) return nullptr;
-    CMAXSnapshot& snapshot =
-        transformPool.FindFree([this] { return std::make_unique<CMAXSnapshot>(*this); });
-    snapshot.Acquire(*this, seconds);
-    return &snapshot;
+    return HostNode() ? transformPool.Lend(*this, seconds) : nullptr;
 }
 
 TVL::CSnapshot* CMAXNode::AcquireSnapshot(double seconds) {
@@ -86,5 +72,5 @@ TVL::CSnapshot* CMAXNode::AcquireSnapshot(double seconds) {
 }
 
 void CMAXNode::ReleaseSnapshot(TVL::CSnapshot* snapshot) {
-    if (snapshot) static_cast<CMAXSnapshot*>(snapshot)->Release();
+    transformPool.TakeBack(snapshot);
 }

@@ -2,11 +2,11 @@
 
 #include <array>
 
+#include "adaptor/panel.h"
 #include "adaptor/utility_manager.h"
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
 #include "objects/custom_helper_object.h"
-#include "plugin/utility_obj.h"
 
 namespace {
 

@@ -1,5 +1,3 @@
-#include "scene_state/claim_nodes.h"
-
 #include <algorithm>
 #include <cstddef>
 #include <string_view>
@@ -8,7 +6,8 @@
 
 #include "foundation/thrown.h"
 #include "nodes/max_node.h"
-#include "nodes/node_reference.h"
+#include "nodes/node_names.h"
+#include "scene_state/node_tags.h"
 #include "scene_state/state_format.h"
 #include "scene_state/tagged_nodes.h"
 
@@ -24,7 +23,7 @@ NodeEntries EntriesOf(const XMLNode& nodeInfo) {
     return entries;
 }
 
-std::string_view NameOf(const XMLNode& entry) {
+std::string_view EntryName(const XMLNode& entry) {
     const auto name = entry.attributes.find(kNodeNameAttribute);
     return name == entry.attributes.end() ? std::string_view() : std::string_view(name->second);
 }
@@ -38,7 +37,7 @@ void FindGatheredNodes(const std::string& pluginName, const NodeEntries& entries
     const auto& gatherings = NodesWithTags().running;
     if (gatherings.empty()) return;
     for (std::size_t index = 0; index < entries.size(); ++index) {
-        INode* const host = gatherings.back()->Find(pluginName, NameOf(*entries[index]));
+        INode* const host = gatherings.back()->Find(pluginName, EntryName(*entries[index]));
         if (host) claims[index] = std::make_unique<CMAXNode>(nullptr, host);
     }
 }
@@ -47,7 +46,7 @@ void FindGatheredNodes(const std::string& pluginName, const NodeEntries& entries
 void FindTaggedNodes(const std::string& pluginName, const NodeEntries& entries, NewNodes& claims) {
     std::unordered_map<std::string_view, std::size_t> byName;
     for (std::size_t index = 0; index < entries.size(); ++index)
-        byName[NameOf(*entries[index])] = index;
+        byName[EntryName(*entries[index])] = index;
 
     TagsInScene readNow;
     const auto& loads = NodesWithTags().loads;

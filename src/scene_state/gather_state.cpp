@@ -1,5 +1,3 @@
-#include "scene_state/gather_state.h"
-
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -9,11 +7,10 @@
 #include <vector>
 
 #include "core_link/core_link.h"
-#include "nodes/max_node.h"
 #include "nodes/node_list.h"
+#include "nodes/node_names.h"
 #include "platform/win32.h"
 #include "scene_state/node_tags.h"
-#include "scene_state/scene_walk.h"
 #include "scene_state/state_chunk.h"
 #include "scene_state/state_format.h"
 #include "scene_state/stored_plugins.h"
@@ -21,7 +18,7 @@
 
 namespace {
 
-constexpr const char* kCaption = "Gather error";
+constexpr const char* kGatherCaption = "Gather error";
 constexpr const char* kNeverClaimed =
     "Some nodes were found beloning to Tarvo Lumiset, but they were never claimed. \n"
     " The following nodes were left out:\n\n";
@@ -102,10 +99,8 @@ Handles UnclaimedHandles(const TaggedNodeList& taggedNodes) {
 
 std::string UnclaimedNames(const TaggedNodeList& taggedNodes) {
     std::string names;
-    for (INode* host : UnclaimedNodes(taggedNodes)) {
-        const char* const name = host->GetName();
-        names.append(name ? name : "").append("\n");
-    }
+    for (INode* host : UnclaimedNodes(taggedNodes))
+        names += NameInScene(host) + "\n";
     return names;
 }
 
@@ -113,7 +108,7 @@ void ReportUnclaimed(const TaggedNodeList& taggedNodes) {
     if (taggedNodes.Nodes().empty()) return;
     const std::string names = UnclaimedNames(taggedNodes);
     if (names.empty()) return;
-    MessageBoxA(nullptr, (kNeverClaimed + names).c_str(), kCaption, MB_OK | MB_ICONERROR);
+    MessageBoxA(nullptr, (kNeverClaimed + names).c_str(), kGatherCaption, MB_OK | MB_ICONERROR);
 }
 
 void ClearTags(const TaggedNodeList& taggedNodes, const Handles& kept) {

@@ -13,7 +13,6 @@
 #include "nodes/host_node_link.h"
 #include "nodes/max_node.h"
 #include "nodes/node_list.h"
-#include "scene_state/scene_walk.h"
 #include "scene_state/state_chunk.h"
 #include "scene_state/state_format.h"
 #include "scene_state/tagged_nodes.h"
@@ -21,8 +20,6 @@
 #include "undo/undo_groups.h"
 
 namespace {
-
-// Extension of an owner: the scene is being saved.
 
 struct OwnerState {
     XMLNode parts;           // one child for each stored part of the owner

@@ -1,6 +1,11 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "host/node.h"
+#include "tvl/node.h"
+#include "tvl/xml_node.h"
 
 // The Core's state beside the scene, on the nodes themselves, so that it travels with them into
 // other scenes. Tags are no part of what the user does: undo, redo and the cancel of a hold leave
@@ -21,3 +26,14 @@ void StoreStateForNextCore();
 void ClearNodeTags();
 
 void ClearNodeTag(INode& hostNode);
+
+// After a scene has been opened or merged, or a Core attached: takes the tags off the host nodes,
+// hands the Core the state in them as one tree, and reports the nodes that it did not claim. While
+// the Core loads, ClaimNodes finds the tagged nodes. Without a Core the tags stay.
+void GatherSceneState();
+
+// For each `node` child of the node info, in order, a snapshot node on the scene node that bears
+// the tag of this plug-in and this name, the caller's to release, or null. The tags being gathered
+// come first, then those that the scene bears now, and last the handle that the `node` itself
+// stores.
+std::vector<TVL::CNode*> ClaimNodes(const std::string& pluginName, const XMLNode& nodeInfo);

@@ -1,5 +1,3 @@
-#include "scene_state/older_state.h"
-
 #include <algorithm>
 #include <cstdint>
 #include <limits>
@@ -7,9 +5,23 @@
 #include <string>
 #include <vector>
 
-#include "scene_state/opened_chunk.h"
+#include "chunks/whole_value.h"
+#include "scene_state/state_chunk.h"
 #include "scene_state/state_format.h"
 #include "tvl/base64_buffer.h"
+
+// The older form of a plug-in's state, inside the chunk in which it stands:
+//
+//   any id                 container: first any chunk with the type, then any with the name
+//   556                    container
+//     557                  container, in any order; chunks of other ids are skipped
+//       11   text          not used
+//       12   text          the input profile, as XML
+//       22   i32 and bytes a block of data, after its length
+//     558                  container of entries, nothing else
+//       23                 one scene node; chunks of other ids are skipped
+//         40 u32           its handle
+//         41 text          its name
 
 namespace {
 
@@ -25,17 +37,42 @@ constexpr std::uint16_t kNodeName = 41;
 
 constexpr const char* kVersion = "2.5";
 
+// The next chunk of the present level, open for as long as this lives; so whoever gives up leaves
+// the reader on the level on which it was.
+class OpenedChunk {
+  public:
+    explicit OpenedChunk(ILoad& load) : load_(load), isOpen_(load.OpenChunk() == IO_OK) {}
+    ~OpenedChunk() { Close(); }
+    OpenedChunk(const OpenedChunk&) = delete;
+    OpenedChunk& operator=(const OpenedChunk&) = delete;
+
+    bool IsOpen() const { return isOpen_; }
+    bool Is(std::uint16_t id) const { return isOpen_ && Id() == id; }
+    std::uint16_t Id() const { return id_; }
+
+    // Goes on with the next chunk of the level.
+    void Next() {
+        Close();
+        isOpen_ = load_.OpenChunk() == IO_OK;
+        id_ = isOpen_ ? load_.CurChunkID() : id_;
+    }
+
+  private:
+    void Close() {
+        if (isOpen_) load_.CloseChunk();
+        isOpen_ = false;
+    }
+
+    ILoad& load_;
+    bool isOpen_;
+    std::uint16_t id_ = isOpen_ ? load_.CurChunkID() : std::uint16_t{0};
+};
+
 bool ReadText(ILoad& load, std::string& text) {
     char* read = nullptr;
     if (load.ReadCStringChunk(&read) != IO_OK || !read) return false;
     text = read;
     return true;
-}
-
-template <class Number>
-bool ReadNumber(ILoad& load, Number& number) {
-    std::uint32_t read = 0;
-    return load.Read(&number, sizeof number, &read) == IO_OK && read == sizeof number;
 }
 
 // Memory grows with what is there, not with the length that is announced.
@@ -55,7 +92,7 @@ bool ReadBytes(ILoad& load, std::uint32_t count, std::vector<std::uint8_t>& byte
 bool ReadDataBlock(ILoad& load, XMLNode& plugin) {
     std::int32_t length = 0;
     std::vector<std::uint8_t> bytes;
-    if (!ReadNumber(load, length) || length < 0) return false;
+    if (!ReadWhole(load, length) || length < 0) return false;
     if (!ReadBytes(load, static_cast<std::uint32_t>(length), bytes)) return false;
     if (!bytes.empty())
         plugin.AddChild(XMLNode("savedata", Base64Buffer(bytes.data(), length).ToText()));
@@ -98,7 +135,7 @@ struct OlderNode {
 bool ReadNode(ILoad& load, OlderNode& node) {
     node.isNamed = false;
     for (OpenedChunk chunk(load); chunk.IsOpen(); chunk.Next()) {
-        if (chunk.Id() == kHandle && !ReadNumber(load, node.handle.emplace())) return false;
+        if (chunk.Id() == kHandle && !ReadWhole(load, node.handle.emplace())) return false;
         if (chunk.Id() != kNodeName) continue;
         if (!ReadText(load, node.name)) return false;
         node.isNamed = true;

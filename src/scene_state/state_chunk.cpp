@@ -7,7 +7,6 @@
 
 #include "core_link/core_link.h"
 #include "nodes/node_list.h"
-#include "scene_state/older_state.h"
 #include "scene_state/state_format.h"
 #include "scene_state/tagged_nodes.h"
 #include "tvl/log.h"

@@ -30,6 +30,12 @@ bool HandToCore(const XMLNode& state);
 // save writes ahead of the Core's own state until the scene is left.
 IOResult LoadState(ILoad& load);
 
+// A plug-in's state as an earlier version stored it, in a tree of chunks; older_state.cpp has its
+// form. The reader stands inside the outermost one, and does so again afterwards. An element
+// "TVL_Plugin" as it is stored today. If anything is missing, of another id or cut off, an empty
+// node.
+XMLNode ReadOlderState(ILoad& load);
+
 // The scene is left. Until then a save by a Core that came too late for the state stored in it says
 // so in the trace, since the host may have nothing but what is saved now.
 void LeaveStoredState();

@@ -11,7 +11,6 @@
 #include <unordered_set>
 #include <utility>
 
-#include "scene_state/state_builder.h"
 #include "scene_state/state_format.h"
 #include "tvl/base64_buffer.h"
 #include "tvl/huffman_buffer.h"
@@ -24,7 +23,7 @@ const XMLNode& PluginOf(const XMLNode& master) {
     return master.Child(kPluginElement);
 }
 
-const std::string& NameOf(const XMLNode& master) {
+const std::string& MasterName(const XMLNode& master) {
     return PluginOf(master).Child(kNameElement).Text();
 }
 
@@ -51,7 +50,7 @@ bool Unpack(XMLNode& master) {
 void DropDuplicates(StoredPlugins& masters) {
     std::unordered_set<std::string_view> names;
     std::erase_if(masters,
-                  [&](const auto& master) { return !names.insert(NameOf(*master)).second; });
+                  [&](const auto& master) { return !names.insert(MasterName(*master)).second; });
 }
 
 // The number at the start of the text, within 32 bits; 0 if there is none.
@@ -86,6 +85,17 @@ class Tops {
     std::vector<std::size_t> above_;
 };
 
+struct Step {
+    const StateBuilder* builder;
+    XMLNode* target;  // a copy of the builder's element
+};
+
+std::vector<const StateBuilder*> InOrder(const std::vector<StateBuilder*>& children) {
+    std::vector<const StateBuilder*> ordered(children.rbegin(), children.rend());
+    std::ranges::stable_sort(ordered, {}, &StateBuilder::childIndex);
+    return ordered;
+}
+
 using StateBuilders = std::vector<std::unique_ptr<StateBuilder>>;
 
 StateBuilders MakeBuilders(const StoredPlugins& masters) {
@@ -102,7 +112,7 @@ StateBuilders MakeBuilders(const StoredPlugins& masters) {
 void Link(const StateBuilders& builders, const StoredPlugins& masters) {
     std::unordered_map<std::string_view, std::size_t> byName;
     for (std::size_t index = 0; index < masters.size(); ++index)
-        byName.emplace(NameOf(*masters[index]), index);
+        byName.emplace(MasterName(*masters[index]), index);
 
     Tops tops(masters.size());
     for (std::size_t index = masters.size(); index-- > 0;) {
@@ -118,6 +128,22 @@ void Link(const StateBuilders& builders, const StoredPlugins& masters) {
 }
 
 }  // namespace
+
+// Plug-ins can be nested deep, so nothing recurses. One without an element leaves its place to what
+// is below it.
+XMLNode StateBuilder::Build() const {
+    XMLNode built = element;
+    std::vector<Step> pending = {{this, &built}};
+    while (!pending.empty()) {
+        const Step step = pending.back();
+        pending.pop_back();
+        for (const StateBuilder* child : InOrder(step.builder->children)) {
+            XMLNode& target = step.target->AddChild(std::make_unique<XMLNode>(child->element));
+            pending.push_back({child, &target});
+        }
+    }
+    return built;
+}
 
 XMLNode StateTree(StoredPlugins masters) {
     std::erase_if(masters, [](const auto& master) { return !Unpack(*master); });

@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "nodes/node_list.h"
-#include "scene_state/scene_walk.h"
 #include "scene_state/state_format.h"
 
 void TaggedNodeList::Add(std::unique_ptr<TaggedNode> node) {

@@ -8,8 +8,23 @@
 #include <unordered_map>
 #include <vector>
 
+#include "host/interface.h"
 #include "nodes/host_node_link.h"
 #include "tvl/xml_node.h"
+
+// Visits the root of the scene and every node in it, a parent before its children, children in
+// their order. Scenes can be deep, so nothing recurses.
+template <class Visit>
+void WalkScene(Visit visit) {
+    std::vector<INode*> pending = {GetCOREInterface()->GetRootNode()};
+    while (!pending.empty()) {
+        INode& node = *pending.back();
+        pending.pop_back();
+        visit(node);
+        for (int index = node.NumberOfChildren(); index-- > 0;)
+            pending.push_back(node.GetChildNode(index));
+    }
+}
 
 // A host node that bears a tag, and what the tag says.
 struct TaggedNode {

@@ -75,8 +75,7 @@ class Exceptions : public NodeTest {
             adaptor.CancelUndoGroup();
         while (Own().focus.focusCount > 0)
             adaptor.RestoreFocus();
-        while (CMAXNode* node = CMAXNode::NewestAlive())
-            node->Destroy();
+        CMAXNode::liveInstances.ForEachFromLast([](CMAXNode& node) { node.Destroy(); });
         world.Session().NewScene();
     }
 

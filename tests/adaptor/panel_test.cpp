@@ -6,7 +6,6 @@
 #include "headless/scene_view.h"
 #include "host/hold.h"
 #include "platform/testing.h"
-#include "plugin/utility_obj.h"
 #include "resources/resource_ids.h"
 #include "tests/adaptor/attach_panel.h"
 #include "tests/support/world.h"

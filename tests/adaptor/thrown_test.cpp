@@ -3,7 +3,7 @@
 #include "adaptor/max_adaptor_interface.h"
 #include "host/animate.h"
 #include "host/hold.h"
-#include "scene_state/gather_state.h"
+#include "scene_state/node_tags.h"
 #include "tests/adaptor/attach_panel.h"
 #include "tests/nodes/node_test.h"
 

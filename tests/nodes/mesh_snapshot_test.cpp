@@ -4,7 +4,7 @@
 
 #include "headless/primitives.h"
 #include "nodes/max_node.h"
-#include "nodes/node_sweep.h"
+#include "nodes/node_lifetime.h"
 #include "objects/custom_helper_object.h"
 #include "objects/mesh_exchange.h"
 #include "tests/nodes/node_test.h"

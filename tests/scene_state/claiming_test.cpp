@@ -10,8 +10,7 @@ using Claiming = StateTest;
 
 std::size_t NodesAlive() {
     std::size_t count = 0;
-    for (const CMAXNode* node = CMAXNode::NewestAlive(); node; node = node->OlderAlive())
-        ++count;
+    CMAXNode::liveInstances.ForEachFromLast([&](const CMAXNode&) { ++count; });
     return count;
 }
 

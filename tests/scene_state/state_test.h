@@ -8,7 +8,6 @@
 
 #include "headless/scene_view.h"
 #include "host/interface.h"
-#include "scene_state/gather_state.h"
 #include "scene_state/node_tags.h"
 #include "tests/support/plugin.h"
 #include "tests/support/world.h"

@@ -12,7 +12,6 @@
 #include "replay_core/state/read_state.h"
 #include "replay_core/state/stored_state.h"
 #include "replay_core/state/takes.h"
-#include "scene_state/gather_state.h"
 #include "scene_state/node_tags.h"
 #include "tests/support/world.h"
 

@@ -206,10 +206,7 @@ std::string Play::AnyFile() {
 }
 
 bool Play::IsAlive(const TVL::CNode* node) const {
-    const CMAXNode* alive = CMAXNode::NewestAlive();
-    while (alive && alive != node)
-        alive = alive->OlderAlive();
-    return alive != nullptr;
+    return CMAXNode::liveInstances.Find(const_cast<TVL::CNode*>(node)) != nullptr;
 }
 
 // Invariants -------------------------------------------------------------------------------------

@@ -1,4 +1,4 @@
-#include "nodes/node_reference.h"
+#include "nodes/node_names.h"
 
 #include <charconv>
 #include <cstdint>
@@ -8,6 +8,20 @@
 #include "host/interface.h"
 
 namespace {
+
+constexpr std::string::size_type kLongestHostName = 1023;  // bytes
+
+bool ContinuesCharacter(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+// Where the character at `end` begins. Bytes that are no UTF-8 are characters of their own.
+std::string::size_type CharacterStart(const std::string& text, std::string::size_type end) {
+    constexpr std::string::size_type kLongestCharacter = 4;
+    for (std::string::size_type back = 0; back < kLongestCharacter; ++back)
+        if (!ContinuesCharacter(text[end - back])) return end - back;
+    return end;
+}
 
 constexpr const char* kReferenceElement = "max";
 constexpr std::string_view kSpace = " \t\n\v\f\r";
@@ -28,6 +42,16 @@ std::optional<std::uint32_t> HandleIn(std::string_view text) {
 }
 
 }  // namespace
+
+std::string NameInScene(INode* hostNode) {
+    const char* const name = hostNode ? hostNode->GetName() : nullptr;
+    return name ? name : "";
+}
+
+std::string CutHostName(std::string name) {
+    if (name.size() > kLongestHostName) name.resize(CharacterStart(name, kLongestHostName));
+    return name;
+}
 
 XMLNode NodeReference(INode& hostNode) {
     return XMLNode(kReferenceElement, hostNode.GetHandle());
