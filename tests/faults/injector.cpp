@@ -1,6 +1,5 @@
 // Loaded into the command ahead of all else, it counts what the command asks of the system from
-// the first line of `main` to the end of the process, and lets the nth fail. It takes no memory and
-// throws nothing, since it stands below what does.
+// the first line of `main` to the end of the process, and lets the nth fail.
 //
 // An allocation counts if it is made on the main thread and the nearest caller outside the C and
 // C++ libraries lies in the program, in a module beside it, or in libpng or zlib, which work for
@@ -26,8 +25,11 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <initializer_list>
+#include <map>
+#include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 extern "C" {
 void* __libc_malloc(size_t);
@@ -57,166 +59,227 @@ struct Book {
 
 Book unread;
 Book* book = &unread;
-char kind[16] = "none";
+std::string_view kind = "none";
 long nth = 0;
 char ourFolder[PATH_MAX] = "";
 thread_local bool isCounted = false;  // on the main thread, once `main` has begun
 
-bool Is(std::string_view name) {
-    return name == kind;
+// What is asked of the system here is nothing that the command asks.
+class Aside {
+  public:
+    Aside() : was_(std::exchange(isCounted, false)) {}
+    ~Aside() { isCounted = was_; }
+    Aside(const Aside&) = delete;
+    Aside& operator=(const Aside&) = delete;
+
+  private:
+    bool was_;
+};
+
+using Parts = std::initializer_list<std::string_view>;
+
+bool Contains(std::string_view text, Parts parts) {
+    return std::ranges::any_of(parts, [&](auto part) { return text.find(part) != text.npos; });
 }
 
-bool Contains(const char* text, std::initializer_list<const char*> parts) {
-    return std::any_of(parts.begin(), parts.end(),
-                       [&](const char* part) { return std::strstr(text, part) != nullptr; });
+bool IsKind(Parts kinds) {
+    return std::ranges::count(kinds, kind) > 0;
 }
 
-void Note(const char* what, const char* file) {
+void Note(const char* what, const char* where) {
     book->struck = true;
-    std::snprintf(book->what, sizeof book->what, "%s %.480s", what, file);
+    std::snprintf(book->what, sizeof book->what, "%s %.480s", what, where);
 }
 
-constexpr int kMostFiles = 256;
-
-// The path behind a file descriptor, or the absolute one of a name.
-struct Path {
+std::string PathOf(int file) {
     char text[PATH_MAX] = "";
+    const std::string link = "/proc/self/fd/" + std::to_string(file);
+    const ssize_t length = readlink(link.c_str(), text, sizeof text);
+    return {text, static_cast<std::size_t>(std::max<ssize_t>(length, 0))};
+}
 
-    explicit Path(int file) {
-        char link[32];
-        std::snprintf(link, sizeof link, "/proc/self/fd/%d", file);
-        const ssize_t length = readlink(link, text, sizeof text - 1);
-        text[std::max<ssize_t>(length, 0)] = '\0';
-    }
-    explicit Path(const char* name) {
-        if (name[0] != '/' && getcwd(text, sizeof text) != nullptr) std::strcat(text, "/");
-        std::strncat(text, name, sizeof text - std::strlen(text) - 1);
-    }
-    bool IsSystems() const {
-        for (const char* folder : {"/usr/", "/etc/", "/lib", "/proc/", "/sys/", "/dev/", "pipe:"})
-            if (std::strncmp(text, folder, std::strlen(folder)) == 0) return true;
-        return text[0] == '\0';
-    }
-};
+std::string PathOf(const char* name) {
+    char folder[PATH_MAX] = "";
+    if (name[0] == '/' || getcwd(folder, sizeof folder) == nullptr) return name;
+    return std::string(folder) + '/' + name;
+}
 
-// What the disk does not have yet. The contents of a file are there as far as its last sync, names
-// once their folder has been synced.
-struct Unsynced {
-    char path[PATH_MAX];
-    off_t synced;
-};
+bool IsSystems(std::string_view path) {
+    for (const char* folder : {"/usr/", "/etc/", "/lib", "/proc/", "/sys/", "/dev/", "pipe:"})
+        if (path.starts_with(folder)) return true;
+    return path.empty();
+}
+
+// The disk ---------------------------------------------------------------------------------------
+
+// A name that the disk does not know yet is there once its folder has been synced.
 struct NameChange {
-    char from[PATH_MAX];  // empty if the name was made
-    char to[PATH_MAX];    // empty if the name was removed
-    char old[PATH_MAX];   // what stood under the lost name
+    std::string from;  // empty if the name was made
+    std::string to;    // empty if the name was removed
+    std::string old;   // what stood under the lost name; empty if nothing did
 };
-Unsynced contents[kMostFiles];
-NameChange names[kMostFiles];
-int contentCount = 0;
-int nameCount = 0;
-int atticCount = 0;
 
-void NoteWritten(const char* path) {
-    for (int i = 0; i < contentCount; ++i)
-        if (std::strcmp(contents[i].path, path) == 0) {
-            contents[i].synced = 0;
-            return;
-        }
-    if (contentCount == kMostFiles) std::abort();
-    std::strcpy(contents[contentCount].path, path);
-    contents[contentCount++].synced = 0;
-}
+// What the disk does not have yet.
+struct Disk {
+    std::map<std::string, off_t> synced;  // of what was written: so many bytes
+    std::vector<NameChange> names;
+    int attic = 0;  // links that keep what stood under lost names
+};
+Disk& disk = *new Disk;  // files are closed after the last destructor
 
-void NoteName(const char* from, const char* to, const char* lost) {
-    if (nameCount == kMostFiles) std::abort();
-    NameChange& change = names[nameCount++];
-    std::strcpy(change.from, from);
-    std::strcpy(change.to, to);
-    change.old[0] = '\0';
+void NoteName(const std::string& from, const std::string& to, const std::string& lost) {
+    NameChange& change = disk.names.emplace_back(NameChange{from, to, ""});
     const char* const attic = std::getenv("LUMISET_FAULT_ATTIC");
-    if (attic == nullptr || access(lost, F_OK) != 0) return;
-    std::snprintf(change.old, sizeof change.old, "%s/%d", attic, atticCount++);
-    if (link(lost, change.old) != 0) change.old[0] = '\0';
+    if (attic == nullptr || access(lost.c_str(), F_OK) != 0) return;
+    const std::string kept = std::string(attic) + '/' + std::to_string(disk.attic++);
+    if (link(lost.c_str(), kept.c_str()) == 0) change.old = kept;
 }
 
-bool IsIn(const char* path, const char* folder) {
-    const std::size_t length = std::strlen(folder);
-    return std::strncmp(path, folder, length) == 0 && path[length] == '/' &&
-           std::strchr(path + length + 1, '/') == nullptr;
+void NoteOpened(const char* name, bool makes) {
+    if (!isCounted) return;
+    const Aside aside;
+    const std::string path = PathOf(name);
+    if (IsSystems(path)) return;
+    disk.synced[path] = 0;
+    if (makes) NoteName("", path, "");
 }
 
 void NoteSync(int file) {
-    const Path path(file);
+    const Aside aside;
+    const std::string path = PathOf(file);
     struct stat status {};
     if (fstat(file, &status) != 0) return;
-    for (int i = 0; i < contentCount; ++i)
-        if (std::strcmp(contents[i].path, path.text) == 0) contents[i].synced = status.st_size;
-    const auto isSynced = [&](const NameChange& change) {
-        return IsIn(change.from[0] != '\0' ? change.from : change.to, path.text);
-    };
-    if (S_ISDIR(status.st_mode))
-        nameCount = static_cast<int>(std::remove_if(names, names + nameCount, isSynced) - names);
+    if (disk.synced.contains(path)) disk.synced[path] = status.st_size;
+    if (!S_ISDIR(status.st_mode)) return;
+    std::erase_if(disk.names, [&](const NameChange& change) {
+        const std::string& name = change.from.empty() ? change.to : change.from;
+        return name.substr(0, name.rfind('/')) == path;
+    });
 }
 
-void NoteRename(const char* from, const char* to) {
-    for (int i = 0; i < contentCount; ++i)
-        if (std::strcmp(contents[i].path, from) == 0) std::strcpy(contents[i].path, to);
-}
-
-void DropContents() {
-    for (int i = 0; i < contentCount; ++i)
-        if (truncate(contents[i].path, contents[i].synced) != 0) continue;
+void NoteRename(const std::string& from, const std::string& to) {
+    if (auto written = disk.synced.extract(from)) {
+        disk.synced.erase(to);
+        written.key() = to;
+        disk.synced.insert(std::move(written));
+    }
 }
 
 void TakeNamesBack() {
-    while (nameCount > 0) {
-        const NameChange& change = names[--nameCount];
-        if (change.from[0] == '\0')
-            unlinkat(AT_FDCWD, change.to, 0);
-        else if (change.to[0] != '\0')
-            REAL(rename)(change.to, change.from);
-        if (change.old[0] != '\0')
-            REAL(rename)(change.old, change.to[0] != '\0' ? change.to : change.from);
+    for (; !disk.names.empty(); disk.names.pop_back()) {
+        const auto& [from, to, old] = disk.names.back();
+        if (from.empty())
+            unlinkat(AT_FDCWD, to.c_str(), 0);
+        else if (!to.empty())
+            REAL(rename)(to.c_str(), from.c_str());
+        if (!old.empty()) REAL(rename)(old.c_str(), (to.empty() ? from : to).c_str());
     }
 }
 
 // Ends the process as power does. `kill` leaves what the system has been told, `cut` loses
 // contents that were not synced, and `lost` names as well.
 [[noreturn]] void Die() {
-    if (Is("cut") || Is("lost") || Is("liar")) DropContents();
-    if (Is("lost")) TakeNamesBack();
+    if (kind != "kill")
+        for (const auto& [path, size] : disk.synced)
+            if (truncate(path.c_str(), size) != 0) continue;
+    if (kind == "lost") TakeNamesBack();
     raise(SIGKILL);
     std::abort();
 }
 
+// Operations -------------------------------------------------------------------------------------
+
 enum class Answer { kDo, kFail, kPart, kPretend };
 
-// What becomes of an operation that is about to begin.
-Answer Ask(const char* what, const Path& path, bool canBePart = false) {
-    if (!isCounted || path.IsSystems()) return Answer::kDo;
-    if (Is("liar") && std::strncmp(what, "fsync", 5) == 0 && nth > 0) return Answer::kPretend;
-    if (++book->operations != nth || Is("alloc")) return Answer::kDo;
-    Note(what, path.text);
-    if (Is("kill") || Is("cut") || Is("lost") || Is("liar")) Die();
-    if (Is("lie")) return Contains(what, {"open", "read", "stat"}) ? Answer::kDo : Answer::kPretend;
-    if (Is("part")) return canBePart ? Answer::kPart : Answer::kDo;
-    errno = Is("eio") ? EIO : Is("enospc") ? ENOSPC : Is("eacces") ? EACCES : EINTR;
-    return Is("eintr") && !canBePart ? Answer::kDo : Answer::kFail;
+// What becomes of an operation on a file that is about to begin.
+template <class File>
+Answer Ask(const char* what, File file, bool canBePart = false) {
+    if (!isCounted) return Answer::kDo;
+    const Aside aside;
+    const std::string path = PathOf(file);
+    if (IsSystems(path)) return Answer::kDo;
+    if (kind == "liar" && std::strcmp(what, "fsync") == 0 && nth > 0) return Answer::kPretend;
+    if (++book->operations != nth || kind == "alloc") return Answer::kDo;
+    Note(what, path.c_str());
+    if (IsKind({"kill", "cut", "lost", "liar"})) Die();
+    if (kind == "lie")
+        return Contains(what, {"open", "read", "stat"}) ? Answer::kDo : Answer::kPretend;
+    if (kind == "part") return canBePart ? Answer::kPart : Answer::kDo;
+    errno = kind == "eio" ? EIO : kind == "enospc" ? ENOSPC : kind == "eacces" ? EACCES : EINTR;
+    return kind == "eintr" && !canBePart ? Answer::kDo : Answer::kFail;
 }
 
-void NoteOpened(const char* name, bool makes) {
-    const Path path(name);
-    if (!isCounted || path.IsSystems()) return;
-    NoteWritten(path.text);
-    if (makes) NoteName("", path.text, "");
+template <class File, class Work>
+int Done(const char* what, File file, Work work, bool canBePart = false) {
+    const Answer answer = Ask(what, file, canBePart);
+    if (answer == Answer::kFail) return -1;
+    return answer == Answer::kPretend ? 0 : work();
 }
+
+template <class Open>
+int Opened(const char* name, int flags, Open open) {
+    const Answer answer = Ask("open", name);
+    if (answer == Answer::kFail || answer == Answer::kPretend) return -1;
+    const bool makes = (flags & O_CREAT) != 0 && access(name, F_OK) != 0;
+    const int file = open();
+    if (file >= 0 && (flags & O_ACCMODE) != O_RDONLY) NoteOpened(name, makes);
+    return file;
+}
+
+FILE* Opened(const char* name, std::string_view mode, FILE* (*open)(const char*, const char*)) {
+    FILE* file = nullptr;
+    const bool writes = mode[0] != 'r' || Contains(mode, {"+"});
+    Opened(name, (writes ? O_RDWR : O_RDONLY) | (mode[0] != 'r' ? O_CREAT : 0), [&] {
+        file = open(name, mode.data());
+        return file == nullptr ? -1 : 0;
+    });
+    return file;
+}
+
+mode_t ModeOf(int flags, va_list arguments) {
+    return (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
+}
+
+// A write, or a read, that may come to its half.
+template <class Work>
+ssize_t Moved(const char* what, int file, size_t size, Work work) {
+    const Answer answer = Ask(what, file, size > 1 || kind == "eintr");
+    if (answer == Answer::kFail) return -1;
+    if (answer == Answer::kPretend) return static_cast<ssize_t>(size);
+    return work(answer == Answer::kPart ? size / 2 : size);
+}
+
+// A file that could not be closed well is closed.
+template <class Close>
+int Closed(int file, Close close) {
+    const Answer answer = Ask("close", file);
+    const int reason = errno;
+    const int result = close();
+    if (answer != Answer::kFail) return result;
+    errno = reason;
+    return EOF;
+}
+
+template <class Work>
+int Removed(const char* name, Work work) {
+    return Done("unlink", name, [&] {
+        if (isCounted && access(name, F_OK) == 0) {
+            const Aside aside;
+            const std::string path = PathOf(name);
+            if (!IsSystems(path)) NoteName(path, "", path);
+        }
+        return work();
+    });
+}
+
+// Allocations ------------------------------------------------------------------------------------
 
 enum class Module { kOurs, kLibrary, kSystems };
 
-Module ModuleOf(const char* name) {
+Module ModuleOf(std::string_view name) {
     if (Contains(name, {"/fault_injector.", "/libc.", "/libstdc++.", "/libgcc_s.", "/libm."}))
         return Module::kLibrary;
-    if (name[0] == '\0' || Contains(name, {ourFolder, "/libpng", "/libz."})) return Module::kOurs;
+    if (name.empty() || Contains(name, {ourFolder, "/libpng", "/libz."})) return Module::kOurs;
     return Module::kSystems;
 }
 
@@ -242,12 +305,11 @@ _Unwind_Reason_Code Look(_Unwind_Context* context, void* data) {
 
 __attribute__((noinline)) bool Fails() {
     if (!isCounted) return false;
-    isCounted = false;
+    const Aside aside;
     Caller caller;
     _Unwind_Backtrace(&Look, &caller);
-    isCounted = true;
     if (caller.module == Module::kSystems) return false;
-    if (++book->allocations != nth || !Is("alloc")) return false;
+    if (++book->allocations != nth || kind != "alloc") return false;
     Note("allocation", caller.place);
     errno = ENOMEM;
     return true;
@@ -270,74 +332,6 @@ EXPORTED void* realloc(void* block, size_t size) noexcept {
 EXPORTED void* aligned_alloc(size_t alignment, size_t size) noexcept {
     return Fails() ? nullptr : __libc_memalign(alignment, size);
 }
-
-namespace {
-
-template <class Open>
-int Opened(const char* name, int flags, Open open) {
-    const Answer answer = Ask("open", Path(name));
-    if (answer == Answer::kFail || answer == Answer::kPretend) return -1;
-    const bool makes = (flags & O_CREAT) != 0 && access(name, F_OK) != 0;
-    const int file = open();
-    if (file >= 0 && (flags & O_ACCMODE) != O_RDONLY) NoteOpened(name, makes);
-    return file;
-}
-
-FILE* Opened(const char* name, const char* mode, FILE* (*open)(const char*, const char*)) {
-    FILE* file = nullptr;
-    const int flags = mode[0] == 'r' && std::strchr(mode, '+') == nullptr ? O_RDONLY
-                      : mode[0] == 'r'                                    ? O_RDWR
-                                                                          : O_RDWR | O_CREAT;
-    Opened(name, flags, [&] {
-        file = open(name, mode);
-        return file == nullptr ? -1 : 0;
-    });
-    return file;
-}
-
-mode_t ModeOf(int flags, va_list arguments) {
-    return (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
-}
-
-// A write, or a read, that may come to its half.
-template <class Work>
-ssize_t Moved(const char* what, int file, size_t size, Work work) {
-    const Answer answer = Ask(what, Path(file), size > 1 || Is("eintr"));
-    if (answer == Answer::kFail) return -1;
-    if (answer == Answer::kPretend) return static_cast<ssize_t>(size);
-    return work(answer == Answer::kPart ? size / 2 : size);
-}
-
-// A file that could not be closed well is closed.
-template <class Close>
-int Closed(int file, Close close) {
-    const Answer answer = Ask("close", Path(file));
-    const int reason = errno;
-    const int result = close();
-    if (answer != Answer::kFail) return result;
-    errno = reason;
-    return EOF;
-}
-
-template <class Work>
-int Removed(const char* name, Work work) {
-    const Path path(name);
-    const Answer answer = Ask("unlink", path);
-    if (answer == Answer::kFail) return -1;
-    if (answer == Answer::kPretend) return 0;
-    if (isCounted && !path.IsSystems() && access(name, F_OK) == 0)
-        NoteName(path.text, "", path.text);
-    return work();
-}
-
-template <class Work>
-int Done(const char* what, const Path& path, Work work) {
-    const Answer answer = Ask(what, path);
-    if (answer == Answer::kFail) return -1;
-    return answer == Answer::kPretend ? 0 : work();
-}
-
-}  // namespace
 
 EXPORTED int open(const char* name, int flags, ...) {
     va_list arguments;
@@ -364,7 +358,7 @@ EXPORTED FILE* fopen64(const char* name, const char* mode) {
 }
 
 EXPORTED DIR* opendir(const char* name) {
-    return Ask("open", Path(name)) == Answer::kDo ? REAL(opendir)(name) : nullptr;
+    return Ask("open", name) == Answer::kDo ? REAL(opendir)(name) : nullptr;
 }
 
 EXPORTED ssize_t read(int file, void* bytes, size_t size) {
@@ -381,28 +375,28 @@ EXPORTED ssize_t writev(int file, const iovec* blocks, int count) {
         size += blocks[i].iov_len;
     return Moved("write", file, size, [&](size_t part) {
         if (part == size) return REAL(writev)(file, blocks, count);
-        const iovec& first = *std::find_if(blocks, blocks + count,
-                                           [](const iovec& block) { return block.iov_len > 0; });
-        return REAL(write)(file, first.iov_base, std::min(part, first.iov_len));
+        while (blocks->iov_len == 0)
+            ++blocks;
+        return REAL(write)(file, blocks->iov_base, std::min(part, blocks->iov_len));
     });
 }
 
 EXPORTED int fsync(int file) {
-    const Answer answer = Ask("fsync", Path(file), true);
-    if (answer == Answer::kFail) return -1;
-    if (answer == Answer::kPretend) return 0;
-    const int result = REAL(fsync)(file);
-    if (result == 0 && isCounted) NoteSync(file);
-    return result;
+    const auto sync = [&] {
+        const int result = REAL(fsync)(file);
+        if (result == 0 && isCounted) NoteSync(file);
+        return result;
+    };
+    return Done("fsync", file, sync, true);
 }
 
 EXPORTED int rename(const char* from, const char* to) noexcept {
-    const Path fromPath(from);
-    const Path toPath(to);
-    return Done("rename", toPath, [&] {
-        if (isCounted && access(from, F_OK) == 0) NoteName(fromPath.text, toPath.text, to);
+    return Done("rename", to, [&] {
+        if (!isCounted) return REAL(rename)(from, to);
+        const Aside aside;
+        if (access(from, F_OK) == 0) NoteName(PathOf(from), PathOf(to), to);
         const int result = REAL(rename)(from, to);
-        if (result == 0 && isCounted) NoteRename(fromPath.text, toPath.text);
+        if (result == 0) NoteRename(PathOf(from), PathOf(to));
         return result;
     });
 }
@@ -417,19 +411,19 @@ EXPORTED int remove(const char* name) noexcept {
 }
 
 EXPORTED int fchmodat(int folder, const char* name, mode_t mode, int flags) noexcept {
-    return Done("chmod", Path(name), [&] { return REAL(fchmodat)(folder, name, mode, flags); });
+    return Done("chmod", name, [&] { return REAL(fchmodat)(folder, name, mode, flags); });
 }
 
 EXPORTED int stat(const char* name, struct stat* status) noexcept {
-    return Done("stat", Path(name), [&] { return REAL(stat)(name, status); });
+    return Done("stat", name, [&] { return REAL(stat)(name, status); });
 }
 
 EXPORTED int lstat(const char* name, struct stat* status) noexcept {
-    return Done("stat", Path(name), [&] { return REAL(lstat)(name, status); });
+    return Done("stat", name, [&] { return REAL(lstat)(name, status); });
 }
 
 EXPORTED int mkdir(const char* name, mode_t mode) noexcept {
-    return Done("mkdir", Path(name), [&] { return REAL(mkdir)(name, mode); });
+    return Done("mkdir", name, [&] { return REAL(mkdir)(name, mode); });
 }
 
 EXPORTED int close(int file) {
@@ -444,8 +438,7 @@ EXPORTED int fclose(FILE* file) {
 EXPORTED int clock_gettime(clockid_t clock, timespec* time) noexcept {
     static long steps = 0;
     if (!isCounted || clock != CLOCK_MONOTONIC) return REAL(clock_gettime)(clock, time);
-    time->tv_sec = 1;
-    time->tv_nsec = ++steps * 1000;
+    *time = {1, ++steps * 1000};
     return 0;
 }
 
@@ -466,9 +459,8 @@ void OpenBook(const char* path) {
 int Main(int argc, char** argv, char** environment) {
     if (const char* const path = std::getenv("LUMISET_FAULT_BOOK")) OpenBook(path);
     if (const char* const fault = std::getenv("LUMISET_FAULT")) {
-        const char* const colon = std::strchr(fault, ':');
-        std::snprintf(kind, sizeof kind, "%.*s", static_cast<int>(colon - fault), fault);
-        nth = std::atol(colon + 1);
+        kind = std::string_view(fault).substr(0, std::strcspn(fault, ":"));
+        nth = std::atol(fault + kind.size() + 1);
     }
     const ssize_t length = readlink("/proc/self/exe", ourFolder, sizeof ourFolder - 1);
     ourFolder[std::max<ssize_t>(length, 0)] = '\0';

@@ -14,7 +14,6 @@ import signal
 import struct
 import subprocess
 import sys
-import threading
 import time
 
 # Over an old scene, into a new place, over another scene, over the one that is read, and a picture.
@@ -37,20 +36,9 @@ STRIDE = 7
 SLOWER = {"render": 6}
 
 CAPTURE = b"""HIERARCHY
-ROOT Hip
-{
- OFFSET 0 0 0
- CHANNELS 6 Xposition Yposition Zposition Zrotation Xrotation Yrotation
- JOINT Knee
- {
-  OFFSET 0 -40 0
-  CHANNELS 3 Zrotation Xrotation Yrotation
-  End Site
-  {
-   OFFSET 0 -40 0
-  }
- }
-}
+ROOT Hip { OFFSET 0 0 0 CHANNELS 6 Xposition Yposition Zposition Zrotation Xrotation Yrotation
+JOINT Knee { OFFSET 0 -40 0 CHANNELS 3 Zrotation Xrotation Yrotation
+End Site { OFFSET 0 -40 0 } } }
 MOTION
 Frames: 3
 Frame Time: 0.0333333
@@ -133,25 +121,24 @@ class Verb:
         place.lay(before)
         self.ending = place.must(self.words)
         self.after = folder_files(place.scenes)
-        self.sound, self.guard = set(), threading.Lock()
+        self.sound = set()
 
     def is_as_good(self, place, name, content, keeps_old):
         """Whether another process finds in a scene what it finds in the one of the clean run; or opens
-        it to the same words, if the run has told that it keeps what could not be read beside that."""
-        if content == self.after[name]:
+        it to the same words, if the run has told that it keeps what could not be read beside it."""
+        if content == self.after[name] or (name, content, keeps_old) in self.sound:
             return True
-        with self.guard:
-            if not name.endswith(".scene") or (name, content, keeps_old) in self.sound:
-                return name.endswith(".scene")
-            found = place.run(f"open {name}")
-            (place.scenes / "compared").write_bytes(self.after[name])
-            differs = place.run(f"diff compared {name}").status != 0
-            (place.scenes / "compared").rename(place.scenes / name)
-            is_sound = (keeps_old or not differs) and found.out == place.must(f"open {name}").out
-            (place.scenes / name).write_bytes(content)
-            if is_sound:
-                self.sound.add((name, content, keeps_old))
-            return is_sound
+        if not name.endswith(".scene"):
+            return False
+        found = place.run(f"open {name}")
+        (place.scenes / "compared").write_bytes(self.after[name])
+        differs = place.run(f"diff compared {name}").status != 0
+        (place.scenes / "compared").rename(place.scenes / name)
+        is_sound = (keeps_old or not differs) and found.out == place.must(f"open {name}").out
+        (place.scenes / name).write_bytes(content)
+        if is_sound:
+            self.sound.add((name, content, keeps_old))
+        return is_sound
 
     def fault_in_folder(self, place, is_done, keeps_old, may_leave):
         now = folder_files(place.scenes)
@@ -232,26 +219,18 @@ def outcome(ending, fault):
 
 
 def sweep(places, verb, kind, numbers):
-    """Every n until one has nothing left to fail."""
-    figures, over, guard = collections.Counter(), threading.Event(), threading.Lock()
-
-    def work(place):
-        while not over.is_set():
-            with guard:
-                n = next(numbers, None)
-            if n is None:
-                return
-            ending, fault = attempt(place, verb, kind, n)
-            if not ending.struck:
-                over.set()
-            if ending.struck or fault:
-                with guard:
+    """Every n until one has nothing left to fail; one run in each place at a time."""
+    figures, is_over = collections.Counter(), False
+    with concurrent.futures.ThreadPoolExecutor(len(places)) as pool:
+        while not is_over:
+            row = list(itertools.islice(numbers, len(places)))
+            runs = pool.map(lambda place, n: attempt(place, verb, kind, n), places, row)
+            for n, (ending, fault) in zip(row, runs):
+                is_over |= not ending.struck
+                if ending.struck or fault:
                     figures[outcome(ending, fault)] += 1
-            if fault and kind not in LIES:
-                print(f"FAULT: ./dev faults {verb.name} {kind} {n}: {ending.what}: {fault}")
-
-    with concurrent.futures.ThreadPoolExecutor() as pool:
-        list(pool.map(work, places))
+                if fault and kind not in LIES:
+                    print(f"FAULT: ./dev faults {verb.name} {kind} {n}: {ending.what}: {fault}")
     tell(f"{verb.name} {kind}", figures)
     return figures
 
@@ -269,12 +248,6 @@ def show(place, verb, kind, n):
     return 1 if fault else 0
 
 
-def count(text):
-    if int(text) < 1:
-        raise ValueError
-    return int(text)
-
-
 def read_words():
     """Of words that it does not know it makes nothing, and ends with status 2."""
     parser = argparse.ArgumentParser(description=__doc__, add_help=False, allow_abbrev=False)
@@ -282,14 +255,17 @@ def read_words():
     parser.add_argument("folder", type=pathlib.Path, help="for all that the runs make")
     parser.add_argument("verb", nargs="?", choices=VERBS)
     parser.add_argument("kind", nargs="?", choices=REFUSALS + SURVIVED + DEATHS + LIES)
-    parser.add_argument("n", nargs="?", type=count, help="this run alone, and all that it says")
+    parser.add_argument("n", nargs="?", type=int, help="this run alone, and all that it says")
     parser.add_argument("--sample", action="store_true", help="some of all, with fixed strides")
     parser.add_argument("--lies", action="store_true", help="of a lying disk, which must be seen")
     parser.add_argument("--check", action="store_true", help="look at these words alone")
     if not {"-h", "--help"}.isdisjoint(sys.argv):
         parser.print_help()
         sys.exit(2)
-    return parser.parse_intermixed_args()
+    given = parser.parse_intermixed_args()
+    if given.n is not None and given.n < 1:
+        parser.error("runs are counted from 1")
+    return given
 
 
 def main():

@@ -1,18 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cctype>
 #include <filesystem>
-#include <span>
 #include <stdexcept>
-#include <string>
 #include <tuple>
-#include <utility>
-#include <vector>
 
 #include "headless/scene_view.h"
 #include "host/hold.h"
 #include "host/notify.h"
-#include "tests/adaptor/attach_panel.h"
+#include "resources/resource_ids.h"
 #include "tests/support/play/play.h"
 #include "tvl/ids.h"
 
@@ -24,34 +21,25 @@ namespace {
 using play::Act;
 using play::Faults;
 using play::Play;
+using Names = std::vector<std::string_view>;
 
-const Act& Named(std::string_view name) {
-    for (const Act& act : play::Acts())
-        if (act.name == name) return act;
-    throw std::invalid_argument(std::string(name));
+void Do(Play& play, const Names& names) {
+    for (const std::string_view name : names) {
+        const auto act = std::ranges::find(play::Acts(), name, &Act::name);
+        if (act == play::Acts().end()) throw std::invalid_argument(std::string(name));
+        play.Do(*act);
+    }
 }
-
-void Do(Play& play, std::initializer_list<const char*> names) {
-    for (const char* name : names)
-        play.Do(Named(name));
-}
-
-std::string File(const Play& play, const char* name) {
-    return (play.world.Folder() / name).string();
-}
-
-// The scene ------------------------------------------------------------------------------------
 
 // Two plug-ins with nodes, keys and stored state; all of it older than what can be undone. Upon it
 // one step of the Core's that can be. The digest of the scene without that step.
 std::uint64_t MakeScene(Play& play) {
     Do(play, {"begin group", "create helper", "create lens", "begin recording", "write",
               "write lens", "end recording"});
-    const std::uint8_t ofTheOtherRig[] = {1};
-    play.choices = play::Choices(ofTheOtherRig);
+    play.choices = play::Choices("\1");  // the other plug-in
     Do(play, {"create helper", "end group"});
-    play.Session().SaveScene(File(play, "a.scene"));
-    std::filesystem::copy_file(File(play, "a.scene"), File(play, "b.scene"));
+    play.Session().SaveScene(play.File("a.scene"));
+    std::filesystem::copy_file(play.File("a.scene"), play.File("b.scene"));
     std::vector<std::string> names;
     for (const headless::NodeView& node : headless::Nodes())
         names.push_back(node.name);
@@ -63,20 +51,28 @@ std::uint64_t MakeScene(Play& play) {
 }
 
 // What is open when the event comes.
-struct Situation {
-    const char* name;
-    void (*arrange)(Play&);
-};
-constexpr Situation kSituations[] = {
-    {"AtRest", [](Play&) {}},
+const std::pair<const char*, Names> kSituations[] = {
+    {"AtRest", {}},
     {"InATake",
-     [](Play& play) {
-         Do(play, {"begin group", "begin recording", "write", "acquire", "request focus",
-                   "run or stop", "add chunk"});
-     }},
+     {"begin group", "begin recording", "write", "acquire", "request focus", "run or stop",
+      "add chunk"}},
 };
 
 // Events ---------------------------------------------------------------------------------------
+
+enum class Record {
+    kWhole,
+    kInGroup,  // if nobody ends the group that it opens
+    kNone,     // of what it changes in the scene
+};
+struct Event {
+    std::string_view name;
+    Record record;
+    Names acts;
+    void (*happen)(Play&) = [](Play&) {};  // ahead of the acts
+};
+constexpr std::string_view kUserDeletes = "UserDeletes";
+constexpr std::string_view kShutdown = "Shutdown";
 
 void AnnounceOtherFile(Play& play) {
     int adding = 1;
@@ -89,67 +85,49 @@ void PressConvertAll(Play& play) {
         button->Broadcast(&press);
 }
 
-enum class Record {
-    kWhole,
-    kInGroup,  // if nobody ends the group that it opens
-    kNone,     // of what it changes in the scene
-};
-struct Event {
-    const char* name;
-    void (*happen)(Play&);
-    Record record = Record::kWhole;
-};
-constexpr const char* kUserDeletes = "UserDeletes";
-constexpr const char* kShutdown = "Shutdown";
-constexpr Event kEvents[] = {
-    {"TimeMoves", [](Play& play) { play.Session().SetTime(480); }},
-    {"StartPressed", [](Play& play) { play.Session().PressButton(StartButton); }},
-    {"ConvertAllPressed", PressConvertAll},
-    {kUserDeletes, [](Play& play) { play.Session().DeleteSelected(); }},
-    {"Undo", [](Play& play) { play.Session().Undo(); }},
-    {"UndoAndRedo",
-     [](Play& play) {
-         play.Session().Undo();
-         play.Session().Redo();
-     }},
+void UndoAndRedo(Play& play) {
+    play.Session().Undo();
+    play.Session().Redo();
+}
+
+const Event kEvents[] = {
+    {"TimeMoves", Record::kWhole, {}, [](Play& play) { play.Session().SetTime(480); }},
+    {"StartPressed",
+     Record::kWhole,
+     {},
+     [](Play& play) { play.Session().PressButton(StartButton); }},
+    {"ConvertAllPressed", Record::kWhole, {}, PressConvertAll},
+    {kUserDeletes, Record::kWhole, {}, [](Play& play) { play.Session().DeleteSelected(); }},
+    {"Undo", Record::kWhole, {}, [](Play& play) { play.Session().Undo(); }},
+    {"UndoAndRedo", Record::kWhole, {}, UndoAndRedo},
     {"Cancel",
-     [](Play& play) {
-         Do(play, {"begin group", "create lens", "add chunk", "delete", "cancel group"});
-     },
-     Record::kInGroup},
-    {"Creation",
-     [](Play& play) {
-         Do(play, {"begin group", "create lens", "end group"});
-     },
-     Record::kInGroup},
-    {"CreationWithoutGroup", [](Play& play) { Do(play, {"create helper"}); }, Record::kNone},
-    {"Deletion",
-     [](Play& play) {
-         Do(play, {"begin group", "delete", "end group"});
-     },
-     Record::kInGroup},
-    {"Recording",
-     [](Play& play) {
-         Do(play, {"begin recording", "write", "set time", "end recording"});
-     },
-     Record::kNone},
-    {"Save", [](Play& play) { play.Session().SaveScene(File(play, "a.scene")); }},
-    {"FailingSave", [](Play& play) { play.Session().SaveScene(File(play, "no/where.scene")); }},
-    {"Open", [](Play& play) { play.Session().OpenScene(File(play, "b.scene")); }, Record::kNone},
-    {"HostMerges", [](Play& play) { play.Session().MergeScene(File(play, "b.scene")); },
-     Record::kNone},
-    {"CoreMerges", [](Play& play) { Do(play, {"merge"}); }, Record::kNone},
-    {"NewScene", [](Play& play) { play.Session().NewScene(); }, Record::kNone},
-    {"Reset", [](Play& play) { play.Session().Reset(); }, Record::kNone},
-    {"OtherFileOpens", AnnounceOtherFile},
-    {"Detach", [](Play& play) { Do(play, {"detach"}); }, Record::kNone},
-    {"DetachAndAttach",
-     [](Play& play) {
-         Do(play, {"detach", "attach"});
-     },
-     Record::kNone},
-    {"Flush", [](Play& play) { Do(play, {"flush"}); }, Record::kNone},
-    {kShutdown, [](Play& play) { play.Session().ShutDown(); }},
+     Record::kInGroup,
+     {"begin group", "create lens", "add chunk", "delete", "cancel group"}},
+    {"Creation", Record::kInGroup, {"begin group", "create lens", "end group"}},
+    {"CreationWithoutGroup", Record::kNone, {"create helper"}},
+    {"Deletion", Record::kInGroup, {"begin group", "delete", "end group"}},
+    {"Recording", Record::kNone, {"begin recording", "write", "set time", "end recording"}},
+    {"Save",
+     Record::kWhole,
+     {},
+     [](Play& play) { play.Session().SaveScene(play.File("a.scene")); }},
+    {"FailingSave",
+     Record::kWhole,
+     {},
+     [](Play& play) { play.Session().SaveScene(play.File("no/where")); }},
+    {"Open", Record::kNone, {}, [](Play& play) { play.Session().OpenScene(play.File("b.scene")); }},
+    {"HostMerges",
+     Record::kNone,
+     {},
+     [](Play& play) { play.Session().MergeScene(play.File("b.scene")); }},
+    {"CoreMerges", Record::kNone, {"merge"}},
+    {"NewScene", Record::kNone, {}, [](Play& play) { play.Session().NewScene(); }},
+    {"Reset", Record::kNone, {}, [](Play& play) { play.Session().Reset(); }},
+    {"OtherFileOpens", Record::kWhole, {}, AnnounceOtherFile},
+    {"Detach", Record::kNone, {"detach"}},
+    {"DetachAndAttach", Record::kNone, {"detach", "attach"}},
+    {"Flush", Record::kNone, {"flush"}},
+    {kShutdown, Record::kWhole, {}, [](Play& play) { play.Session().ShutDown(); }},
 };
 
 // Laws -----------------------------------------------------------------------------------------
@@ -161,36 +139,34 @@ struct Plan {
     const Act* first;
     const Act* second;
 
-    bool Has(const char* name) const { return first == &Named(name) || second == &Named(name); }
+    bool Has(std::string_view name) const {
+        return first->name == name || (second && second->name == name);
+    }
 };
 
 // What is done in no hold, or loses the steps before, undo cannot take back.
 void DoInside(Play& play, const Event& event, const Act& act, bool isInsideAnother) {
-    const bool endsGroup = &act == &Named("end group") || &act == &Named("cancel group");
+    const std::string_view name = act.name;
+    const bool endsGroup = name == "end group" || name == "cancel group";
     const bool endsGroupOfOthers = endsGroup && (isInsideAnother || event.record != Record::kWhole);
-    if (!theHold.Holding() || endsGroupOfOthers || &act == &Named("flush"))
-        play.leftNoRecord = true;
+    if (!theHold.Holding() || endsGroupOfOthers || name == "flush") play.leftNoRecord = true;
     play.Do(act);
 }
 
-void Follow(Play& play, const Event& event, const Plan& plan) {
-    play.onMoment = [&play, &event, plan = Plan(plan),
-                     met = std::size_t{0}](const std::string&) mutable {
+// How many calls into the Core the event makes; at one of them the plan is followed.
+std::size_t Happen(Play& play, const Event& event, const Plan& plan) {
+    std::size_t met = 0;
+    Plan left = plan;
+    play.onMoment = [&](const std::string&) {
         if (met++ < plan.moment) return;
-        if (const Act* const act = std::exchange(plan.first, nullptr))
+        if (const Act* const act = std::exchange(left.first, nullptr))
             DoInside(play, event, *act, false);
-        if (const Act* const next = std::exchange(plan.second, nullptr))
+        if (const Act* const next = std::exchange(left.second, nullptr))
             DoInside(play, event, *next, true);
     };
-}
-
-std::size_t MomentsOf(const Event& event, const Situation& situation) {
-    Play play;
-    MakeScene(play);
-    situation.arrange(play);
-    std::size_t met = 0;
-    play.onMoment = [&met](const std::string&) { ++met; };
     event.happen(play);
+    Do(play, event.acts);
+    play.onMoment = nullptr;
     return met;
 }
 
@@ -210,26 +186,22 @@ void UndoAndRedoEverything(Play& play, std::uint64_t undone) {
     ExpectWhole(play, done, "all redone");
 }
 
-// Those that are in the scene.
-std::size_t OwnedNodes(Play& play) {
-    std::size_t count = 0;
-    for (play::Rig& rig : play.rigs)
-        for (TVL::CoreNode* node : rig.Nodes())
-            if (!node->GetName().empty()) ++count;
-    return count;
+std::ptrdiff_t NodesInScene(Play& play) {
+    return std::ranges::count_if(play.AllNodes(),
+                                 [](TVL::CoreNode* node) { return !node->GetName().empty(); });
 }
 
 // A Core that has thrown may have left nodes unclaimed.
 void SaveAndOpen(Play& play, bool hasThrown) {
     Do(play, {"attach"});
     const std::size_t nodes = headless::Nodes().size();
-    const std::size_t owned = OwnedNodes(play);
+    const std::ptrdiff_t owned = NodesInScene(play);
     const int value = play.value;
-    ASSERT_EQ(play.Session().SaveScene(File(play, "c.scene")).error, "");
+    ASSERT_EQ(play.Session().SaveScene(play.File("c.scene")).error, "");
     play.value = -1;
-    ASSERT_EQ(play.Session().OpenScene(File(play, "c.scene")).error, "");
+    ASSERT_EQ(play.Session().OpenScene(play.File("c.scene")).error, "");
     EXPECT_EQ(headless::Nodes().size(), nodes);
-    const std::size_t found = OwnedNodes(play);
+    const std::ptrdiff_t found = NodesInScene(play);
     EXPECT_TRUE(hasThrown ? found >= owned : found == owned) << found << " of " << owned;
     EXPECT_EQ(play.value, value);
     EXPECT_EQ(play.BrokenAtRest(), Faults()) << "opened again";
@@ -238,30 +210,28 @@ void SaveAndOpen(Play& play, bool hasThrown) {
 // Of some nodes the scene node goes without a word: made in a scene that is just being left,
 // brought back by a cancel while the user deletes it, or by one behind a merge, which ends the step
 // before.
-void ExcuseNodesOutOfTheScene(Play& play) {
-    for (play::Rig& rig : play.rigs)
-        for (TVL::CoreNode* node : rig.Nodes())
-            if (node->GetName().empty()) play.loose.insert(node->GetNodeName());
+void ExcuseNodesOutOfTheScene(Play& play, const Event& event, const Plan& plan) {
+    const bool isCancelInDeletion = event.name == kUserDeletes && plan.Has("cancel group");
+    if (event.record != Record::kNone && !plan.Has("merge") && !isCancelInDeletion) return;
+    for (TVL::CoreNode* node : play.AllNodes())
+        if (node->GetName().empty()) play.loose.insert(node->GetNodeName());
 }
 
-void TryPlan(const Event& event, const Situation& situation, const Plan& plan) {
+// How many calls the event makes.
+std::size_t TryPlan(const Event& event, const Names& situation, const Plan& plan) {
     Play play;
     const std::uint64_t made = MakeScene(play);
     play.leftNoRecord = event.record == Record::kNone;
-    situation.arrange(play);
-    Follow(play, event, plan);
-    event.happen(play);
-    play.onMoment = nullptr;
-    if (std::string_view(event.name) == kShutdown) return;
+    Do(play, situation);
+    const std::size_t met = Happen(play, event, plan);
+    if (event.name == kShutdown || !plan.first) return met;
     play.world.Core().isRunning = false;
     play.Settle();
-    const bool isUserDeletion = std::string_view(event.name) == kUserDeletes;
-    if (event.record == Record::kNone || plan.Has("merge") ||
-        (isUserDeletion && plan.Has("cancel group")))
-        ExcuseNodesOutOfTheScene(play);
+    ExcuseNodesOutOfTheScene(play, event, plan);
     EXPECT_EQ(play.BrokenAtRest(), Faults());
     UndoAndRedoEverything(play, made);
     SaveAndOpen(play, plan.Has("throw"));
+    return met;
 }
 
 // The places of an event, a situation and an act in their tables.
@@ -270,26 +240,28 @@ class EventsAndActs : public testing::TestWithParam<Case> {};
 
 // The second acts take turns, so that each meets each first act somewhere.
 TEST_P(EventsAndActs, LeaveNothingBrokenAndLoseNothing) {
-    const auto [eventPlace, situationPlace, actPlace] = GetParam();
-    const Event& event = kEvents[eventPlace];
-    const Situation& situation = kSituations[situationPlace];
+    const auto [event, situation, act] = GetParam();
+    const auto tryPlan = [&, event = event, situation = situation](const Plan& plan) {
+        return TryPlan(kEvents[event], kSituations[situation].second, plan);
+    };
     const std::span<const Act> acts = play::Acts();
-    const std::size_t moments = MomentsOf(event, situation);
+    const std::size_t moments = tryPlan({0, nullptr, nullptr});
     for (std::size_t moment = 0; moment < moments; ++moment) {
-        const std::size_t turn = eventPlace * std::size(kSituations) + situationPlace + 5 * moment;
-        const Act& second = acts[(actPlace + turn) % acts.size()];
+        const std::size_t turn = event * std::size(kSituations) + situation + 5 * moment;
+        const Act& second = acts[(act + turn) % acts.size()];
         SCOPED_TRACE("moment " + std::to_string(moment));
-        TryPlan(event, situation, {moment, &acts[actPlace], nullptr});
+        tryPlan({moment, &acts[act], nullptr});
         SCOPED_TRACE(std::string("and then ") + second.name);
-        TryPlan(event, situation, {moment, &acts[actPlace], &second});
+        tryPlan({moment, &acts[act], &second});
     }
 }
 
 std::string Title(const testing::TestParamInfo<Case>& info) {
     const auto [event, situation, act] = info.param;
-    std::string title = std::string(kEvents[event].name) + kSituations[situation].name + "_";
-    for (const char letter : std::string_view(play::Acts()[act].name))
-        title += std::isalnum(static_cast<unsigned char>(letter)) ? letter : '_';
+    std::string title(kEvents[event].name);
+    title.append(kSituations[situation].first).append("_").append(play::Acts()[act].name);
+    std::ranges::replace_if(
+        title, [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
     return title;
 }
 

@@ -1,85 +1,159 @@
-// Plays lives of host, user and Core, one for each seed, and shrinks those that end badly.
+// Plays lives of host, user and Core, one for each seed, each in a process of its own, so that
+// whatever ends one ends that process alone. A life that ends badly is shrunk.
 
 #include <gtest/gtest.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
 #include <chrono>
 #include <cstdio>
 #include <exception>
 #include <random>
+#include <sstream>
 
-#include "tests/soak/shrink.h"
+#include "platform/testing.h"
 #include "tests/soak/soak.h"
 #include "tests/support/folder/temporary_folder.h"
 
 namespace {
 
-soak::Life LifeOf(std::uint32_t seed, std::size_t steps) {
+using soak::kStepBytes;
+
+// Steps of kStepBytes.
+using Life = std::string;
+
+Life LifeOf(std::uint32_t seed, std::size_t steps) {
     std::mt19937 random(seed);
-    soak::Life life(steps);
-    for (soak::StepChoices& step : life)
-        for (std::uint8_t& byte : step)
-            byte = static_cast<std::uint8_t>(random());
+    Life life(steps * kStepBytes, '\0');
+    for (char& byte : life)
+        byte = static_cast<char>(random());
     return life;
 }
 
-int Fail(const std::string& fault) {
-    std::printf("FAILED: %s\n", fault.c_str());
-    return 1;
+bool Holds(const std::string& fault) {
+    if (!fault.empty()) std::printf("FAILED: %s\n", fault.c_str());
+    return fault.empty();
 }
 
 // Each step is told before it is played, so that whatever ends the process ends behind its name.
-int Play(const soak::Life& life) {
-    std::setvbuf(stdout, nullptr, _IOLBF, 1 << 12);
-    {
-        soak::Soak soak;
-        for (std::size_t index = 0; index < life.size(); ++index) {
-            std::printf("%zu %s\n", index + 1, soak::StepOf(life[index]).name);
-            const std::string fault = soak.Play(life[index]);
-            if (!fault.empty()) return Fail(fault);
-        }
-        std::printf("rest\n");
-        const std::string fault = soak.Rest();
-        if (!fault.empty()) return Fail(fault);
-        std::printf("end\n");
+bool PlayThrough(const Life& life) {
+    soak::Soak soak;
+    for (std::size_t at = 0; at + kStepBytes <= life.size(); at += kStepBytes) {
+        const std::string_view step = std::string_view(life).substr(at, kStepBytes);
+        std::printf("%zu %s\n", at / kStepBytes + 1, soak::StepOf(step).name);
+        if (!Holds(soak.Step(step))) return false;
     }
-    const bool failed = testing::UnitTest::GetInstance()->ad_hoc_test_result().Failed();
-    return failed ? Fail("something is left at the end") : 0;
+    std::printf("rest\n");
+    const bool holds = Holds(soak.Rest());
+    std::printf("end\n");
+    return holds;
 }
+
+int PlayHere(const Life& life) {
+    std::setvbuf(stdout, nullptr, _IOLBF, 1 << 12);
+    if (!PlayThrough(life)) return 1;
+    const bool isLeft = testing::UnitTest::GetInstance()->ad_hoc_test_result().Failed();
+    return Holds(isLeft ? "something is left at the end" : "") ? 0 : 1;
+}
+
+struct Ending {
+    bool isGood = false;
+    std::size_t step = 0;            // the last that was begun
+    std::string fault;               // what tells one bad ending from another
+    std::vector<std::string> lines;  // all that was written
+};
+
+// Without what is another at each run or step.
+std::string Plain(std::string line) {
+    std::erase_if(line, [](unsigned char letter) { return std::isdigit(letter) != 0; });
+    return line.starts_with("FAILED") ? line : line.substr(0, line.find(" in "));
+}
+
+// What the plays said first of a fault, be it their own words, a test's or a sanitizer's.
+std::string FirstFault(const std::vector<std::string>& lines) {
+    for (const char* mark : {"FAILED: ", "SUMMARY: ", "runtime error: "})
+        for (const std::string& line : lines)
+            if (const auto at = line.find(mark); at != std::string::npos)
+                return Plain(line.substr(at));
+    return "the process is gone";
+}
+
+// Plays lives in processes of the same program.
+struct Theatre {
+    std::filesystem::path program;
+    TemporaryFolder folder;
+
+    Ending Play(const Life& life) const {
+        const auto quoted = '"' + folder.Write("life", life) + '"';
+        Ending ending;
+        ending.isGood =
+            platform::RunProgram({.program = program,
+                                  .arguments = std::filesystem::path("--play " + quoted).native(),
+                                  .out = folder.Path() / "out",
+                                  .error = folder.Path() / "error"}) == 0;
+        std::istringstream said(ReadFile(folder.File("out")) + ReadFile(folder.File("error")));
+        for (std::string line; std::getline(said, line); ending.lines.push_back(line))
+            if (!line.empty() && std::isdigit(static_cast<unsigned char>(line[0])))
+                ending.step = std::stoul(line);
+        ending.fault = FirstFault(ending.lines);
+        return ending;
+    }
+
+    // Leaves out runs of steps, long ones first, as long as the life ends in the same way without.
+    Life Shrunk(Life life, const Ending& ending) const {
+        if (ending.step > 0) life.resize(std::min(life.size(), ending.step * kStepBytes));
+        for (std::size_t run = life.size() / kStepBytes / 2; run > 0; run /= 2)
+            for (std::size_t from = 0; from < life.size();) {
+                Life shorter = life;
+                shorter.erase(from, run * kStepBytes);
+                const bool isTried = !shorter.empty();
+                const Ending other = isTried ? Play(shorter) : Ending();
+                if (isTried && !other.isGood && other.fault == ending.fault)
+                    life = std::move(shorter);
+                else
+                    from += run * kStepBytes;
+            }
+        return life;
+    }
+};
 
 struct Settings {
     double seconds = 0;
-    std::uint32_t seed = 0;
+    std::uint32_t seed = std::random_device()();
     std::uint32_t seeds = 1;
     std::size_t steps = 10000;
     bool survey = false;
     std::string file;  // of a life to play in this process
 };
 
-void TellFewest(const soak::Stage& stage, const soak::Life& life, const soak::Ending& ending) {
-    const soak::Life shrunk = Shrink(stage, life, ending);
-    std::printf("%s\nThe same in %zu steps:\n%s", ending.lastWords.c_str(), shrunk.size(),
-                stage.Play(shrunk).said.c_str());
+void TellFewest(const Theatre& theatre, const Life& life, const Ending& ending) {
+    constexpr std::size_t kLastLines = 6;
+    const std::vector<std::string>& lines = ending.lines;
+    for (std::size_t at = lines.size() - std::min(lines.size(), kLastLines); at < lines.size();
+         ++at)
+        std::printf("%s\n", lines[at].c_str());
+    const Life shrunk = theatre.Shrunk(life, ending);
+    std::printf("\nThe same in %zu steps:\n", shrunk.size() / kStepBytes);
+    for (const std::string& line : theatre.Play(shrunk).lines)
+        std::printf("%s\n", line.c_str());
 }
 
-int PlaySeeds(const Settings& settings, const std::string& program) {
-    const TemporaryFolder folder;
-    const soak::Stage stage{program, folder.File("life")};
-    const auto end =
-        std::chrono::steady_clock::now() + std::chrono::duration<double>(settings.seconds);
+int PlaySeeds(const Settings& settings, const Theatre& theatre) {
+    using Clock = std::chrono::steady_clock;
+    const auto end = Clock::now() + std::chrono::duration<double>(settings.seconds);
     std::uint32_t played = 0;
     std::uint32_t failed = 0;
-    while (played < settings.seeds ||
-           (settings.seconds > 0 && std::chrono::steady_clock::now() < end)) {
+    while (played < settings.seeds || (settings.seconds > 0 && Clock::now() < end)) {
         const std::uint32_t seed = settings.seed + played++;
-        const soak::Life life = LifeOf(seed, settings.steps);
-        const soak::Ending ending = stage.Play(life);
+        const Life life = LifeOf(seed, settings.steps);
+        const Ending ending = theatre.Play(life);
         if (ending.isGood) continue;
         ++failed;
         std::printf("Seed %u fails at step %zu: %s\n", seed, ending.step, ending.fault.c_str());
         std::fflush(stdout);
         if (settings.survey) continue;
-        TellFewest(stage, life, ending);
+        TellFewest(theatre, life, ending);
         break;
     }
     std::printf("%u seeds of %zu steps, from seed %u: %u failed\n", played, settings.steps,
@@ -87,12 +161,17 @@ int PlaySeeds(const Settings& settings, const std::string& program) {
     return failed == 0 ? 0 : 1;
 }
 
+Life ReadLife(const std::string& file) {
+    Life life = ReadFile(file);
+    if (life.empty()) throw std::runtime_error(file + " cannot be read, or is empty");
+    return life;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) try {
     testing::InitGoogleTest(&argc, argv);
     Settings settings;
-    settings.seed = std::random_device()();
     CLI::App app("Plays random lives of host, user and Core");
     app.add_option("seconds", settings.seconds, "Go on with further seeds for so long");
     app.add_option("--seed", settings.seed, "The first seed; else one that nobody chose");
@@ -101,8 +180,8 @@ int main(int argc, char** argv) try {
     app.add_flag("--survey", settings.survey, "Go on after a seed that fails, and shrink none");
     app.add_option("--play", settings.file, "Play the life in this file here and now");
     CLI11_PARSE(app, argc, argv);
-    if (!settings.file.empty()) return Play(soak::ReadLife(settings.file));
-    return PlaySeeds(settings, argv[0]);
+    if (!settings.file.empty()) return PlayHere(ReadLife(settings.file));
+    return PlaySeeds(settings, {argv[0], {}});
 } catch (const std::exception& error) {
     std::fprintf(stderr, "soak: %s\n", error.what());
     return 1;

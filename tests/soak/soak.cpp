@@ -9,6 +9,13 @@
 #include "nodes/max_node.h"
 
 namespace soak {
+namespace {
+
+std::string FirstOf(const play::Faults& faults) {
+    return faults.empty() ? "" : faults.front();
+}
+
+}  // namespace
 
 // The model of undo ------------------------------------------------------------------------------
 
@@ -55,60 +62,50 @@ std::string History::Follow(const Look& now, std::size_t depth, const Since& sin
 // A life -----------------------------------------------------------------------------------------
 
 Soak::Soak() {
-    play.onMoment = [this](const std::string& moment) { Meet(moment); };
-    history_.Follow(Present(), play.Session().UndoLabels().size(), {.leftNoRecord = true});
+    onMoment = [this](const std::string& moment) { Strike(moment); };
+    history_.Follow(Present(), Session().UndoLabels().size(), {.leftNoRecord = true});
 }
 
-void Soak::Meet(const std::string& moment) {
+void Soak::Strike(const std::string& moment) {
     if (!armed || wait-- > 0) return;
-    play.leftNoRecord = true;
+    leftNoRecord = true;
     const play::Act& act = *std::exchange(armed, nullptr);
     std::printf("  in \"%s\": %s\n", moment.c_str(), act.name);
-    play.Do(act);
-}
-
-void Soak::Fail(const std::string& fault) {
-    faults_.push_back(fault);
+    Do(act);
 }
 
 Look Soak::Present() {
-    Look look{headless::SceneDigest(), {}, play.value};
-    for (int index = 0; auto& rig : play.rigs) {
-        for (const TVL::CoreNode* node : rig.Nodes())
-            if (const INode* host = static_cast<const CMAXNode*>(node)->HostNode())
-                look.nodes.emplace_back(index, const_cast<INode*>(host)->GetHandle());
+    Look look{headless::SceneDigest(), {}, value};
+    for (int index = 0; auto& rig : rigs) {
+        for (TVL::CoreNode* node : rig.Nodes())
+            if (INode* const host = static_cast<CMAXNode*>(node)->HostNode())
+                look.nodes.emplace_back(index, host->GetHandle());
         ++index;
     }
     std::ranges::sort(look.nodes);
     return look;
 }
 
-std::string Soak::Play(std::span<const std::uint8_t> bytes) {
-    play.choices = play::Choices(bytes.subspan(1));
-    StepOf(bytes).run(*this);
+std::string Soak::Step(std::string_view bytes) {
+    choices = play::Choices(bytes.substr(1));
+    Do(StepOf(bytes));
     Follow();
-    return Checked(play.Broken());
+    return FirstOf(Broken());
 }
 
 void Soak::Follow() {
     since.inHold |= theHold.Holding();
-    since.leftNoRecord |= std::exchange(play.leftNoRecord, false);
+    since.leftNoRecord |= std::exchange(leftNoRecord, false);
     if (theHold.Holding()) return;
-    const std::size_t depth = play.Session().UndoLabels().size();
-    Fail(history_.Follow(Present(), depth, std::exchange(since, {})));
+    const std::string fault =
+        history_.Follow(Present(), Session().UndoLabels().size(), std::exchange(since, {}));
+    if (!fault.empty()) Fail(fault);
 }
 
 std::string Soak::Rest() {
     armed = nullptr;
-    play.Settle();
-    return Checked(play.BrokenAtRest());
-}
-
-std::string Soak::Checked(play::Faults faults) {
-    for (play::Faults* each : {&faults_, &faults})
-        for (const std::string& fault : *each)
-            if (!fault.empty()) return fault;
-    return {};
+    Settle();
+    return FirstOf(BrokenAtRest());
 }
 
 }  // namespace soak

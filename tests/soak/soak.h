@@ -1,29 +1,23 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
-#include <span>
 #include <string>
+#include <string_view>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "tests/support/play/play.h"
 
 // A long life of host, user and Core, step by step, beside a model that says after each what must
-// be there. What a step works on is read off the bytes behind its number, so that a life is a row
-// of bytes: the same bytes, the same life, and any of its steps can be left out.
+// be there. A life is a row of bytes, so many for each step: the first choose the step, the others
+// what it works on. The same bytes are the same life, and any of its steps can be left out.
 namespace soak {
 
 constexpr std::size_t kStepBytes = 12;
 
-class Soak;
-
-// What the user does, or an act of the Core's.
-struct Step {
-    const char* name;
-    std::function<void(Soak&)> run;
-};
-const Step& StepOf(std::span<const std::uint8_t> bytes);
+// What the user does, on a Soak, or an act of the Core's.
+const play::Act& StepOf(std::string_view bytes);
 
 // All that undo brings back. The order of the adaptor's list and the cached keys are no part of it.
 struct Look {
@@ -60,32 +54,28 @@ class History {
     Look present_;
 };
 
-class Soak {
+class Soak final : public play::Play {
   public:
     Soak();
 
     // Plays one step of kStepBytes; the result is empty, or says what does not hold after it.
-    std::string Play(std::span<const std::uint8_t> bytes);
+    std::string Step(std::string_view bytes);
 
     // Gives everything back; what does not hold then.
     std::string Rest();
 
     // For the steps.
 
-    play::Play play;
     Look Present();
-    void Fail(const std::string& fault);  // nothing if it is empty
     void Follow();                     // compares with the model what has become of undo up to here
     const play::Act* armed = nullptr;  // done at the Core's next moment
     int wait = 0;                      // moments that pass before that
     History::Since since;
 
   private:
-    void Meet(const std::string& moment);
-    std::string Checked(play::Faults faults);
+    void Strike(const std::string& moment);
 
     History history_;
-    play::Faults faults_;
 };
 
 }  // namespace soak

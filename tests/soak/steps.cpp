@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <set>
-#include <string_view>
 
 #include "core_link/core_link.h"
 #include "headless/primitives.h"
@@ -16,13 +15,16 @@
 namespace soak {
 namespace {
 
-INode* AnySceneNode(Soak& soak) {
-    const std::vector<INode*> nodes = play::SceneNodes();
-    return nodes.empty() ? nullptr : soak.play.choices.OneOf(nodes);
+using play::Act;
+using play::By;
+using play::Play;
+
+Soak& SoakOf(Play& play) {
+    return static_cast<Soak&>(play);
 }
 
-TimeValue AnyTick(Soak& soak) {
-    return 80 * (soak.play.choices.Below(24) - 4);
+TimeValue AnyTick(Play& play) {
+    return 80 * (play.choices.Below(24) - 4);
 }
 
 // One undo step of the user's, who cannot work while a Core holds undo.
@@ -34,109 +36,103 @@ void AsUser(Change change) {
     theHold.Accept("user");
 }
 
-void Move(Soak& soak, const Matrix3& local) {
-    INode* const node = AnySceneNode(soak);
+void Move(Play& play, const Matrix3& local) {
+    INode* const node = play.AnySceneNode();
     if (!node) return;
-    const TimeValue t = AnyTick(soak);
+    const TimeValue t = AnyTick(play);
     AsUser([&] {
-        if (soak.play.choices.Chance()) AnimateOn();
+        if (play.choices.Chance()) AnimateOn();
         node->SetNodeTM(t, local * node->GetNodeTM(t));
         AnimateOff();
     });
 }
 
-void Shift(Soak& soak) {
-    Move(soak, MovedBy({static_cast<float>(soak.play.choices.Below(9)), 0, 1}));
+void Shift(Play& play) {
+    Move(play, MovedBy({static_cast<float>(play.choices.Below(9)), 0, 1}));
 }
 
 // Flat and mirrored ones among them, which a parent's change has no inverse for.
-void Scale(Soak& soak) {
+void Scale(Play& play) {
     constexpr float kScales[] = {1, -1, 2, 0.5F, 0, 1e-6F};
+    const Point3 factors{play.choices.OneOf(kScales), play.choices.OneOf(kScales), 1};
     Matrix3 scale;
-    scale.Scale({soak.play.choices.OneOf(kScales), soak.play.choices.OneOf(kScales), 1}, true);
-    Move(soak, scale);
+    scale.Scale(factors, true);
+    Move(play, scale);
 }
 
-void Turn(Soak& soak) {
-    Move(soak, TurnedAboutZ(soak.play.choices.Below(12) * 30));
+bool IsBelow(INode* node, const INode* other) {
+    while (node && node != other)
+        node = node->GetParentNode();
+    return node != nullptr;
 }
 
-void HangBelow(Soak& soak) {
-    INode* const node = AnySceneNode(soak);
-    INode* const parent = soak.play.choices.Chance() ? AnySceneNode(soak) : nullptr;
-    if (!node || (parent && play::IsBelow(parent, node))) return;
+void HangBelow(Play& play) {
+    INode* const node = play.AnySceneNode();
+    INode* const parent = play.choices.Chance() ? play.AnySceneNode() : nullptr;
+    if (!node || (parent && IsBelow(parent, node))) return;
     AsUser([&] { (parent ? parent : GetCOREInterface()->GetRootNode())->AttachChild(node, 1); });
 }
 
-void AddNode(Soak& soak) {
-    if (play::SceneNodes().size() >= 24) return;
+void AddNode(Play& play) {
+    if (play::SceneNodes().size() >= play::kLargestScene) return;
     AsUser([&] {
-        Object* const object = soak.play.choices.Chance()
-                                   ? GetCOREInterface()->CreateCameraObject(0)
-                                   : headless::NewSphere(1, 8);
+        Object* const object = play.choices.Chance() ? GetCOREInterface()->CreateCameraObject(0)
+                                                     : headless::NewSphere(1, 8);
         GetCOREInterface()->CreateObjectNode(object)->SetName("user");
     });
 }
 
-void PickNode(Soak& soak) {
-    INode* const node = AnySceneNode(soak);
-    if (!node) return;
-    AsUser([&] { GetCOREInterface()->SelectNode(node, soak.play.choices.Below(2)); });
+void PickNode(Play& play) {
+    if (INode* const node = play.AnySceneNode())
+        AsUser([&] { GetCOREInterface()->SelectNode(node, play.choices.Below(2)); });
 }
 
-void Hide(Soak& soak) {
-    INode* const node = AnySceneNode(soak);
-    if (!node) return;
-    AsUser([&] { node->Hide(soak.play.choices.Chance()); });
+void Hide(Play& play) {
+    if (INode* const node = play.AnySceneNode()) AsUser([&] { node->Hide(play.choices.Chance()); });
 }
 
 // At least one key stays, since a table without any tells by its cached key what it is.
-void DeleteKeys(Soak& soak) {
-    INode* const node = AnySceneNode(soak);
+void DeleteKeys(Play& play) {
+    INode* const node = play.AnySceneNode();
     Control* const control = node ? node->GetTMController() : nullptr;
     if (!control || control->NumKeys() < 2) return;
     AsUser([&] {
-        if (soak.play.choices.Chance()) {
-            control->DeleteKeyByIndex(soak.play.choices.Below(control->NumKeys()));
-        } else {
-            control->DeleteTime(Interval(control->GetKeyTime(0), AnyTick(soak)), TIME_INCRIGHT);
-        }
+        if (play.choices.Chance())
+            control->DeleteKeyByIndex(play.choices.Below(control->NumKeys()));
+        else
+            control->DeleteTime(Interval(control->GetKeyTime(0), AnyTick(play)), TIME_INCRIGHT);
     });
 }
 
 // The user has the Core's routines and the undo stream for himself only while no hold is open.
-void DeleteSelected(Soak& soak) {
-    if (!theHold.Holding()) soak.play.Session().DeleteSelected();
+void DeleteSelected(Play& play) {
+    if (!theHold.Holding()) play.Session().DeleteSelected();
 }
 
-void Redo(Soak& soak) {
-    soak.since.redone = soak.play.Session().Redo();
-    soak.Follow();
+void Redo(Play& play) {
+    SoakOf(play).since.redone = play.Session().Redo();
+    SoakOf(play).Follow();
 }
 
-void UndoAndRedo(Soak& soak) {
+void UndoAndRedo(Play& play) {
     int undone = 0;
-    for (int most = soak.play.choices.Below(6); undone < most && soak.play.Session().Undo();
-         ++undone)
-        soak.Follow();
+    for (int most = play.choices.Below(6); undone < most && play.Session().Undo(); ++undone)
+        SoakOf(play).Follow();
     for (; undone > 0; --undone)
-        Redo(soak);
+        Redo(play);
 }
 
 // Of two nodes of one plug-in's that bear one name, and of two on one scene node, a file keeps one.
-bool HasDoubles(Soak& soak) {
+bool HasDoubles(Play& play) {
     std::set<std::string> names;
     std::set<std::uint32_t> handles;
-    std::size_t count = 0;
-    for (play::Rig& rig : soak.play.rigs) {
-        for (TVL::CoreNode* node : rig.Nodes()) {
-            INode* const host = static_cast<CMAXNode*>(node)->HostNode();
-            names.insert(rig.Name() + node->GetNodeName());
-            handles.insert(host ? host->GetHandle() : 0);
-            ++count;
-        }
+    const std::vector<TVL::CoreNode*> nodes = play.AllNodes();
+    for (TVL::CoreNode* node : nodes) {
+        INode* const host = static_cast<CMAXNode*>(node)->HostNode();
+        names.insert(play.OwnerOf(node).Name() + node->GetNodeName());
+        handles.insert(host ? host->GetHandle() : 0);
     }
-    return names.size() < count || handles.size() < count;
+    return names.size() < nodes.size() || handles.size() < nodes.size();
 }
 
 // What a Core that threw while it loaded has not taken waits for the next opening.
@@ -147,113 +143,86 @@ bool HasUnclaimedTags() {
     });
 }
 
-void SaveAndOpen(Soak& soak) {
-    soak.play.Settle();
-    soak.play.leftNoRecord = true;
-    if (theHold.Holding() || HasDoubles(soak)) return;
-    const bool isPlain = !soak.armed && !HasUnclaimedTags();
-    const std::string file = (soak.play.world.Folder() / "a.scene").string();
-    if (!soak.play.Session().SaveScene(file).error.empty())
-        return soak.Fail(isPlain ? "a save was refused" : "");
-    const Look saved = soak.Present();
-    if (!soak.play.Session().OpenScene(file).error.empty()) return soak.Fail("no scene opened");
-    const Look opened = soak.Present();
+void SaveAndOpen(Play& play) {
+    play.Settle();
+    play.leftNoRecord = true;
+    if (theHold.Holding() || HasDoubles(play)) return;
+    const bool isPlain = !SoakOf(play).armed && !HasUnclaimedTags();
+    const std::string file = play.File("a.scene");
+    if (!play.Session().SaveScene(file).error.empty()) {
+        if (isPlain) play.Fail("a save was refused");
+        return;
+    }
+    const Look saved = SoakOf(play).Present();
+    if (!play.Session().OpenScene(file).error.empty()) return play.Fail("no scene opened");
+    const Look opened = SoakOf(play).Present();
     if (!isPlain || !AttachedCore()) return;
-    if (opened.scene != saved.scene) soak.Fail("a scene that was saved is another when opened");
-    if (opened.nodes != saved.nodes) soak.Fail("a scene that was saved has lost nodes of the Core");
+    if (opened.scene != saved.scene) play.Fail("a scene that was saved is another when opened");
+    if (opened.nodes != saved.nodes) play.Fail("a scene that was saved has lost nodes of the Core");
 }
 
-void Arm(Soak& soak) {
-    const std::span<const play::Act> acts = play::Acts();
-    soak.armed = &soak.play.choices.OneOf(acts);
-    soak.wait = soak.play.choices.Below(6);
+void Arm(Play& play) {
+    const std::span<const Act> acts = play::Acts();
+    SoakOf(play).armed = &play.choices.OneOf(acts);
+    SoakOf(play).wait = play.choices.Below(6);
 }
 
-void Reset(Soak& soak) {
-    soak.play.leftNoRecord = true;
-    soak.play.Session().Reset();
+void Reset(Play& play) {
+    play.leftNoRecord = true;
+    play.Session().Reset();
 }
 
-void Settle(Soak& soak) {
-    soak.play.Settle();
-    soak.play.world.Core().isRunning = false;
+void Settle(Play& play) {
+    play.Settle();
+    play.world.Core().isRunning = false;
 }
 
-struct UserStep {
-    const char* name;
-    int often;  // 0: rarely, since it ends the undo stack or all that went before
-    void (*run)(Soak&);
+constexpr Act kUserSteps[] = {
+    {"undo", [](Play& play) { play.Session().Undo(); }, 4, By::kUser},
+    {"redo", Redo, 4, By::kUser},
+    {"undo and redo several", UndoAndRedo, 1, By::kUser},
+    {"user shifts a node", Shift, 1, By::kUser},
+    {"user scales a node", Scale, 1, By::kUser},
+    {"user turns a node", [](Play& play) { Move(play, TurnedAboutZ(play.choices.Below(12) * 30)); },
+     1, By::kUser},
+    {"user hangs a node below another", HangBelow, 2, By::kUser},
+    {"user adds a node", AddNode, 1, By::kUser},
+    {"user picks a node", PickNode, 2, By::kUser},
+    {"user hides a node", Hide, 1, By::kUser},
+    {"user deletes keys", DeleteKeys, 2, By::kUser},
+    {"user deletes what is picked", DeleteSelected, 1, By::kUser},
+    {"user sets the time", [](Play& play) { play.Session().SetTime(AnyTick(play)); }, 1, By::kUser},
+    {"user opens the Core", [](Play& play) { play.Session().PressButton(StartButton); }, 1,
+     By::kUser},
+    {"at the next moment", Arm, 2, By::kUser},
+    {"settle", Settle, 4, By::kUser},
+    {"save and open", SaveAndOpen, 0, By::kUser},
+    {"reset", Reset, 0, By::kUser},
 };
-
-constexpr UserStep kUserSteps[] = {
-    {"undo", 4, [](Soak& soak) { soak.play.Session().Undo(); }},
-    {"redo", 4, Redo},
-    {"undo and redo several", 1, UndoAndRedo},
-    {"user shifts a node", 1, Shift},
-    {"user scales a node", 1, Scale},
-    {"user turns a node", 1, Turn},
-    {"user hangs a node below another", 2, HangBelow},
-    {"user adds a node", 1, AddNode},
-    {"user picks a node", 2, PickNode},
-    {"user hides a node", 1, Hide},
-    {"user deletes keys", 2, DeleteKeys},
-    {"user deletes what is picked", 1, DeleteSelected},
-    {"user sets the time", 1, [](Soak& soak) { soak.play.Session().SetTime(AnyTick(soak)); }},
-    {"user opens the Core", 1, [](Soak& soak) { soak.play.Session().PressButton(StartButton); }},
-    {"at the next moment", 2, Arm},
-    {"settle", 4, Settle},
-    {"save and open", 0, SaveAndOpen},
-    {"reset", 0, Reset},
-};
-
-// How often a Core does what it does more, or less, than once in a while.
-int Often(const play::Act& act) {
-    struct {
-        const char* name;
-        int often;
-    } constexpr kOften[] = {
-        {"begin group", 5},   {"end group", 5},   {"create helper", 4},
-        {"create lens", 2},   {"write", 10},      {"begin recording", 2},
-        {"throw", -1},        {"merge", 0},       {"save", 0},
-        {"open", 0},          {"new scene", 0},   {"flush", 0},
-        {"detach", 0},        {"convert all", 0}, {"run or stop", 0},
-        {"change parent", 3}, {"attach", 2},
-    };
-    for (const auto& [name, often] : kOften)
-        if (std::string_view(act.name) == name) return often;
-    return 1;
-}
 
 struct Repertoire {
-    std::vector<Step> usual;
-    std::vector<Step> rare;
+    std::vector<const Act*> usual;  // each as often as it is to come
+    std::vector<const Act*> rare;
 
-    void Add(int often, const Step& step) {
-        if (often == 0) rare.push_back(step);
-        for (; often > 0; --often)
-            usual.push_back(step);
+    Repertoire() {
+        for (const std::span<const Act> acts : {std::span<const Act>(kUserSteps), play::Acts()})
+            for (const Act& act : acts) {
+                if (act.often == 0) rare.push_back(&act);
+                for (int count = act.often; count > 0; --count)
+                    usual.push_back(&act);
+            }
     }
 };
 
-const Repertoire& All() {
-    static const Repertoire all = [] {
-        Repertoire made;
-        for (const UserStep& step : kUserSteps)
-            made.Add(step.often, {step.name, step.run});
-        for (const play::Act& act : play::Acts())
-            made.Add(Often(act), {act.name, [&act](Soak& soak) { soak.play.Do(act); }});
-        return made;
-    }();
-    return all;
-}
-
 }  // namespace
 
-// The first byte chooses; a step beyond the usual ones is a rare one, which the second chooses.
-const Step& StepOf(std::span<const std::uint8_t> bytes) {
-    const auto& [usual, rare] = All();
-    const std::size_t choice = bytes[0] % (usual.size() + 1);
-    return choice < usual.size() ? usual[choice] : rare[bytes[1] % rare.size()];
+// A step beyond the usual ones is a rare one, which the second byte chooses.
+const Act& StepOf(std::string_view bytes) {
+    static const Repertoire all;
+    play::Choices choices(bytes);
+    const auto choice =
+        static_cast<std::size_t>(choices.Below(static_cast<int>(all.usual.size()) + 1));
+    return choice < all.usual.size() ? *all.usual[choice] : *choices.OneOf(all.rare);
 }
 
 }  // namespace soak

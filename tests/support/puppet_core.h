@@ -3,7 +3,9 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tvl/core_interface.h"
@@ -13,24 +15,7 @@
 // answers from its plain fields.
 class PuppetCore final : public CoreInterface {
   public:
-    XMLNode GetCoreState() override;
-    void SetCoreState(XMLNode given) override;
-    void ResetCore() override;
-    void ShowCore(TVL::WindowHandle mainWindow) override;
-    void NotifyTimeChanged(double seconds) override;
-    bool IsCoreRunning() override;
-    void StopCore() override;
-    TVL::Util::MessageNode* GetOptionNode(int option, int unused) override;
-    void BindOption(int option, int unused) override;
-    void GetOptionValue(int option, bool* value) override;
-
     using Calls = std::vector<std::string>;
-
-    // Takes part in `detach`: gives back what a tidy Core gives back.
-    void Leave();
-
-    // What was noted since the last time.
-    Calls TakeCalls();
 
     XMLNode state;
     bool isRunning = false;
@@ -43,8 +28,57 @@ class PuppetCore final : public CoreInterface {
     std::function<void()> onRunningAsked;
     std::function<void()> onLeave;
 
+    // What was noted since the last time.
+    Calls TakeCalls() { return std::exchange(calls_, {}); }
+
+    // Takes part in `detach`: gives back what a tidy Core gives back.
+    void Leave() {
+        if (onLeave) onLeave();
+        convertButton.reset();
+    }
+
+    XMLNode GetCoreState() override {
+        Note("get state");
+        return state;
+    }
+    void SetCoreState(XMLNode given) override {
+        Note("set state " + given.Write());
+        state = given;
+    }
+    void ResetCore() override { Note("reset"); }
+    void ShowCore(TVL::WindowHandle mainWindow) override {
+        shownIn = mainWindow;
+        Note("show");
+    }
+    void NotifyTimeChanged(double seconds) override {
+        Note((std::ostringstream() << "time " << seconds).str());
+    }
+    bool IsCoreRunning() override {
+        if (onRunningAsked) onRunningAsked();
+        return isRunning;
+    }
+    void StopCore() override {
+        isRunning = false;
+        Note("stop");
+    }
+    TVL::Util::MessageNode* GetOptionNode(int option, int) override {
+        Note("option node " + std::to_string(option));
+        if (otherButton) return otherButton;
+        convertButton = std::make_unique<TVL::Util::MessageNode>("convert all");
+        return convertButton.get();
+    }
+    void BindOption(int option, int) override { Note("bind " + std::to_string(option)); }
+    void GetOptionValue(int option, bool* value) override {
+        if (onOptionAsked) onOptionAsked(option);
+        const auto known = options.find(option);
+        if (known != options.end()) *value = known->second;
+    }
+
   private:
-    void Note(std::string call);
+    void Note(const std::string& call) {
+        calls_.push_back(call);
+        if (onCall) onCall(call);
+    }
 
     Calls calls_;
 };

@@ -21,7 +21,7 @@ inline constexpr const char* kNoPuppet = "none";
 // What a Core is to find, or not to find, when the world comes up.
 struct WorldSettings {
     std::string core = kWholePuppet;  // none leaves the install key out
-    std::uint32_t version = 8108;
+    std::uint32_t version = TVL::kInterfaceVersion;
     bool refuses = false;
     bool hasDocuments = true;
     headless::SessionSettings host{};

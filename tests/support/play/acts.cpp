@@ -16,8 +16,6 @@
 namespace play {
 namespace {
 
-constexpr std::size_t kLargestScene = 24;  // nodes; acts that add some do nothing beyond it
-
 // The Core's own undo: it moves one number of the Core's.
 class Chunk final : public TVL::CUndo {
   public:
@@ -33,9 +31,7 @@ class Chunk final : public TVL::CUndo {
 
   private:
     void Swap(const char* moment) {
-        play_.Hear(moment);
-        std::swap(play_.value, other_);
-        play_.Meet(moment);
+        play_.During(moment, [this] { std::swap(play_.value, other_); });
     }
 
     Play& play_;
@@ -44,6 +40,18 @@ class Chunk final : public TVL::CUndo {
 
 bool HasRoom() {
     return SceneNodes().size() < kLargestScene;
+}
+
+// Does something with one of the Core's nodes, if there is any.
+template <void (*kWork)(Play&, TVL::CoreNode&)>
+void OnNode(Play& play) {
+    if (TVL::CoreNode* const node = play.AnyNode()) kWork(play, *node);
+}
+
+// For what undo cannot know.
+Play& Unrecorded(Play& play) {
+    play.leftNoRecord = true;
+    return play;
 }
 
 // The adaptor records what becomes of its nodes in a group, if that has a hold.
@@ -70,10 +78,6 @@ TVL::CMatrix4 AnyPose(Play& play) {
 }
 
 // Groups, recordings, keyboard -------------------------------------------------------------------
-
-void BeginGroup(Play& play) {
-    play.Adaptor().BeginUndoGroup("group");
-}
 
 // What a cancel brings back of a deletion by the user the host deletes all the same.
 void CancelGroup(Play& play) {
@@ -117,91 +121,66 @@ void RestoreFocus(Play& play) {
 
 // Nodes ------------------------------------------------------------------------------------------
 
-TVL::CMesh Triangle() {
-    TVL::CMesh mesh;
-    mesh.vertices = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
-    mesh.faces = {{0, 1, 2}};
-    return mesh;
-}
-
-template <class Make>
-void Create(Play& play, Make make) {
+template <bool kIsLens>
+void Create(Play& play) {
     if (!HasRoom()) return;
     NoteWhatIsUnrecorded(play);
     Rig& rig = play.choices.OneOf(play.rigs);
     TVL::CoreNode* const parent = play.choices.Chance() ? play.AnyNode() : nullptr;
     const std::string name = play.NewName();
     const bool isTold = play.Adaptor().IsHoldingUndo();
-    TVL::CNode* const node = make(rig, name, parent);
+    TVL::CMesh triangle;
+    triangle.vertices = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
+    triangle.faces = {{0, 1, 2}};
+    TVL::CNode* const node =
+        kIsLens ? play.Adaptor().CreateLensNode(&rig, name, parent, &rig)
+                : play.Adaptor().CreateHelperNode(&rig, name, parent, triangle, &rig);
     const bool isStillTold = play.Adaptor().IsHoldingUndo();
     if (!isTold || !isStillTold) rig.Forget(node);
     if (isTold && !isStillTold) play.loose.insert(name);
 }
 
-void CreateHelper(Play& play) {
-    Create(play, [&play](Rig& rig, const std::string& name, TVL::CNode* parent) {
-        return play.Adaptor().CreateHelperNode(&rig, name, parent, Triangle(), &rig);
-    });
-}
-
-void CreateLens(Play& play) {
-    Create(play, [&play](Rig& rig, const std::string& name, TVL::CNode* parent) {
-        return play.Adaptor().CreateLensNode(&rig, name, parent, &rig);
-    });
-}
-
-void Claim(Play& play) {
-    TVL::CoreNode* const node = play.AnyNode();
-    if (!node) return;
-    auto* const found =
-        static_cast<TVL::CoreNode*>(play.choices.Chance() ? node->GetParent() : node->GetChild(0));
+void Claim(Play& play, TVL::CoreNode& node) {
+    TVL::CNode* const found = play.choices.Chance() ? node.GetParent() : node.GetChild(0);
     if (!found) return;
     play.leftNoRecord = true;
     Rig& rig = play.choices.OneOf(play.rigs);
     const std::string name = play.NewName();
     play.loose.insert(name);
-    if (TVL::CoreNode* const own = found->Claim(&rig, name)) {
-        own->SetListener(&rig);
-        rig.Forget(own);
-    }
-    found->Destroy();
+    rig.Claim(static_cast<TVL::CoreNode*>(found), name);
 }
 
-void Delete(Play& play, bool withHostNode) {
-    TVL::CoreNode* const node = play.AnyNode();
-    if (!node) return;
+template <bool kWithHostNode>
+void Delete(Play& play, TVL::CoreNode& node) {
     NoteWhatIsUnrecorded(play);
     if (!play.Adaptor().IsHoldingUndo()) play.ExcuseGoneNodes();
-    play.OwnerOf(node).Delete(node, withHostNode);
+    play.OwnerOf(&node).Delete(&node, kWithHostNode);
 }
 
-void ChangeParent(Play& play) {
-    TVL::CoreNode* const node = play.AnyNode();
-    if (node) node->SetParent(play.choices.Below(4) == 3 ? nullptr : play.AnyNode());
+void ChangeParent(Play& play, TVL::CoreNode& node) {
+    node.SetParent(play.choices.Below(4) == 3 ? nullptr : play.AnyNode());
 }
 
-void Rename(Play& play) {
-    if (TVL::CoreNode* const node = play.AnyNode()) node->SetName(play.NewName());
+void Rename(Play& play, TVL::CoreNode& node) {
+    node.SetName(play.NewName());
 }
 
-void Clone(Play& play) {
-    TVL::CoreNode* const node = HasRoom() ? play.AnyNode() : nullptr;
-    if (!node) return;
-    if (TVL::CoreNode* const copy = node->Clone(false)) copy->Destroy();
+void Clone(Play&, TVL::CoreNode& node) {
+    if (!HasRoom()) return;
+    if (TVL::CoreNode* const copy = node.Clone(false)) copy->Destroy();
 }
 
-void Select(Play& play) {
-    if (TVL::CoreNode* const node = play.AnyNode()) node->Select();
+void Select(Play&, TVL::CoreNode& node) {
+    node.Select();
 }
 
 // Keys -------------------------------------------------------------------------------------------
 
-void Acquire(Play& play) {
-    TVL::CoreNode* const node = play.lent.size() < 8 ? play.AnyNode() : nullptr;
-    if (!node) return;
+void Acquire(Play& play, TVL::CoreNode& node) {
+    if (play.lent.size() >= 8) return;
     const double seconds = AnyTime(play);
-    if (TVL::CSnapshot* const snapshot = node->AcquireSnapshot(seconds))
-        play.lent.push_back({node, snapshot, seconds});
+    if (TVL::CSnapshot* const snapshot = node.AcquireSnapshot(seconds))
+        play.lent.push_back({&node, snapshot, seconds});
 }
 
 // What was written with a controller of the adaptor's is there, in animate mode as a key. Below a
@@ -218,45 +197,30 @@ void CheckWritten(Play& play, TVL::CSnapshot& snapshot, INode& host, const TVL::
             return play.Fail("a pose is not read back");
 }
 
-void Write(Play& play) {
-    TVL::CoreNode* const node = play.AnyNode();
-    TVL::CSnapshot* const snapshot = node ? node->AcquireSnapshot(AnyTime(play)) : nullptr;
+void Write(Play& play, TVL::CoreNode& node) {
+    TVL::CSnapshot* const snapshot = node.AcquireSnapshot(AnyTime(play));
     if (!snapshot) return;
     const TVL::CMatrix4 pose = AnyPose(play);
     if (play.choices.Chance())
         snapshot->SetWorldTransform(pose);
     else
         snapshot->SetLocalTransform(pose);
-    CheckWritten(play, *snapshot, *static_cast<CMAXNode*>(node)->HostNode(), pose);
-    node->ReleaseSnapshot(snapshot);
+    CheckWritten(play, *snapshot, *static_cast<CMAXNode&>(node).HostNode(), pose);
+    node.ReleaseSnapshot(snapshot);
 }
 
-void WriteLens(Play& play) {
-    TVL::CoreNode* const node = play.AnyNode();
-    TVL::CSnapshot_Lens* const lens = node ? node->AcquireLensSnapshot(AnyTime(play)) : nullptr;
+void WriteLens(Play& play, TVL::CoreNode& node) {
+    TVL::CSnapshot_Lens* const lens = node.AcquireLensSnapshot(AnyTime(play));
     if (!lens) return;
     lens->SetFieldOfView(20 + play.choices.Below(60));
-    node->ReleaseLensSnapshot(lens);
+    node.ReleaseLensSnapshot(lens);
 }
 
-void DeleteAnimation(Play& play) {
-    if (TVL::CoreNode* const node = play.AnyNode()) node->DeleteAnimationFrom(AnyTime(play));
-}
-
-void ConvertAll(Play&) {
-    ConvertAllControllers();
-}
-
-void RunOrStop(Play& play) {
-    play.world.Core().isRunning = !play.world.Core().isRunning;
+void DeleteAnimation(Play& play, TVL::CoreNode& node) {
+    node.DeleteAnimationFrom(AnyTime(play));
 }
 
 // The scene --------------------------------------------------------------------------------------
-
-void Flush(Play& play) {
-    play.leftNoRecord = true;
-    play.Adaptor().FlushUndoBuffer();
-}
 
 void Merge(Play& play) {
     if (SceneNodes().size() > kLargestScene / 2) return;
@@ -266,63 +230,51 @@ void Merge(Play& play) {
         if (node) static_cast<TVL::CoreNode*>(node)->Destroy();
 }
 
-void Save(Play& play) {
-    play.leftNoRecord = true;
-    play.Session().SaveScene(play.AnyFile());
-}
-
-void Open(Play& play) {
-    play.leftNoRecord = true;
-    play.Session().OpenScene(play.AnyFile());
-}
-
-void NewScene(Play& play) {
-    play.leftNoRecord = true;
-    play.Session().NewScene();
-}
-
-void PressAttach(Play& play, bool toAttach) {
-    if ((AttachedCore() != nullptr) == toAttach) return;
+template <bool kAttaches>
+void PressAttach(Play& play) {
+    if ((AttachedCore() != nullptr) == kAttaches) return;
     play.leftNoRecord = true;
     AttachPanel().Press();
 }
 
 constexpr Act kActs[] = {
-    {"begin group", BeginGroup},
-    {"end group", [](Play& play) { play.Adaptor().EndUndoGroup(); }},
+    {"begin group", [](Play& play) { play.Adaptor().BeginUndoGroup("group"); }, 5},
+    {"end group", [](Play& play) { play.Adaptor().EndUndoGroup(); }, 5},
     {"cancel group", CancelGroup},
     {"add chunk", AddChunk},
-    {"begin recording", BeginRecording},
+    {"begin recording", BeginRecording, 2},
     {"begin recording unkeyed", BeginUnkeyed},
     {"end recording", EndRecording},
     {"request focus", RequestFocus},
     {"restore focus", RestoreFocus},
-    {"create helper", CreateHelper},
-    {"create lens", CreateLens},
-    {"claim", Claim},
-    {"delete", [](Play& play) { Delete(play, true); }},
-    {"delete, scene node stays", [](Play& play) { Delete(play, false); }},
-    {"change parent", ChangeParent},
-    {"rename", Rename},
-    {"clone", Clone},
-    {"select", Select},
-    {"acquire", Acquire},
-    {"write", Write},
-    {"write lens", WriteLens},
+    {"create helper", Create<false>, 4},
+    {"create lens", Create<true>, 2},
+    {"claim", OnNode<Claim>},
+    {"delete", OnNode<Delete<true>>},
+    {"delete, scene node stays", OnNode<Delete<false>>},
+    {"change parent", OnNode<ChangeParent>, 3},
+    {"rename", OnNode<Rename>},
+    {"clone", OnNode<Clone>},
+    {"select", OnNode<Select>},
+    {"acquire", OnNode<Acquire>},
+    {"write", OnNode<Write>, 10},
+    {"write lens", OnNode<WriteLens>},
     {"release", [](Play& play) { play.ReleaseLast(); }},
-    {"delete animation", DeleteAnimation},
-    {"convert all", ConvertAll},
-    {"run or stop", RunOrStop},
+    {"delete animation", OnNode<DeleteAnimation>},
+    {"convert all", [](Play&) { ConvertAllControllers(); }, 0},
+    {"run or stop", [](Play& play) { play.world.Core().isRunning ^= true; }, 0},
     {"set time", [](Play& play) { play.Adaptor().SetCurrentTime(AnyTime(play)); }},
     {"undo", [](Play& play) { play.Adaptor().PerformUndo(); }},
-    {"flush", Flush},
-    {"merge", Merge},
-    {"throw", [](Play&) { throw std::runtime_error("thrown by the Core"); }},
-    {"save", Save, By::kUser},
-    {"open", Open, By::kUser},
-    {"new scene", NewScene, By::kUser},
-    {"detach", [](Play& play) { PressAttach(play, false); }, By::kUser},
-    {"attach", [](Play& play) { PressAttach(play, true); }, By::kUser},
+    {"flush", [](Play& play) { Unrecorded(play).Adaptor().FlushUndoBuffer(); }, 0},
+    {"merge", Merge, 0},
+    {"throw", [](Play&) { throw std::runtime_error("thrown by the Core"); }, -1},
+    {"save", [](Play& play) { Unrecorded(play).Session().SaveScene(play.AnyFile()); }, 0,
+     By::kUser},
+    {"open", [](Play& play) { Unrecorded(play).Session().OpenScene(play.AnyFile()); }, 0,
+     By::kUser},
+    {"new scene", [](Play& play) { Unrecorded(play).Session().NewScene(); }, 0, By::kUser},
+    {"detach", PressAttach<false>, 0, By::kUser},
+    {"attach", PressAttach<true>, 2, By::kUser},
 };
 
 }  // namespace

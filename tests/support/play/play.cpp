@@ -50,20 +50,7 @@ std::vector<INode*> SceneNodes() {
     return nodes;
 }
 
-bool IsBelow(INode* node, const INode* other) {
-    while (node && node != other)
-        node = node->GetParentNode();
-    return node != nullptr;
-}
-
-Play::Play() : rigs{{{"Left", world}, {"Right", world}}} {
-    for (Rig& rig : rigs) {
-        rig.onRestored = [this](TVL::CNode& node) {
-            if (sceneGoes_) loose.insert(static_cast<TVL::CoreNode&>(node).GetNodeName());
-        };
-        rig.onCall = [this](const char* moment) { Hear(moment); };
-        rig.onMoment = [this](const char* moment) { Meet(moment); };
-    }
+Play::Play() : rigs{{{"Left", *this}, {"Right", *this}}} {
     puppet::TheStage().onAttach = [this] {
         isGone_ = false;  // unless it refuses
         const auto thrown = TVL::ThrownBy([this] { Meet("attach"); });
@@ -72,10 +59,7 @@ Play::Play() : rigs{{{"Left", world}, {"Right", world}}} {
         throw std::runtime_error(*thrown);
     };
     world.Core().onCall = [this](const std::string& call) { Answer(call); };
-    world.Core().onOptionAsked = [this](int) {
-        Hear("option");
-        Meet("option");
-    };
+    world.Core().onOptionAsked = [this](int) { During("option", [] {}); };
     world.Core().onLeave = [this] { Leave(); };
 }
 
@@ -98,14 +82,14 @@ void Play::Hear(const std::string& moment) {
 
 void Play::Meet(const std::string& moment) {
     if (!onMoment || isGone_) return;
-    const Kept kept(sceneGoes_);
-    if (moment == "released") sceneGoes_ = true;  // it may be why
+    const Kept kept(sceneGoes);
+    if (moment == "released") sceneGoes = true;  // it may be why
     onMoment(moment);
 }
 
 // The puppet's words are its calls, some with what was given behind them.
 void Play::Answer(const std::string& call) {
-    const Kept kept(sceneGoes_);
+    const Kept kept(sceneGoes);
     world.Core().TakeCalls();
     Hear(call);
     if (call == "get state")
@@ -114,7 +98,7 @@ void Play::Answer(const std::string& call) {
     if (call == "reset") {
         for (Rig& rig : rigs)
             rig.Drop();
-        sceneGoes_ = true;
+        sceneGoes = true;
     }
     for (const char* moment :
          {"get state", "set state", "reset", "show", "time", "stop", "bind", "option node"}) {
@@ -122,19 +106,11 @@ void Play::Answer(const std::string& call) {
     }
 }
 
-// A name that is taken, as when a scene is merged into itself, gives way to a new one. Claims leave
-// no record.
 void Play::Load(const XMLNode& state) {
     if (state.name == "play") value = std::stoi(state.Child("value").Text());
-    for (Rig& rig : rigs) {
-        const auto nameFor = [&](const std::string& stored) {
-            const std::string name = Adaptor().FindNode(&rig, stored) ? NewName() : stored;
-            if (theHold.Holding() || IsSceneUnsure()) loose.insert(name);
-            return name;
-        };
+    for (Rig& rig : rigs)
         for (const auto& plugin : state.children)
-            if (plugin->Child("name").Text() == rig.Name()) rig.Load(*plugin, nameFor);
-    }
+            if (plugin->Child("name").Text() == rig.Name()) rig.Load(*plugin);
 }
 
 // The Core is gone whatever it did last.
@@ -172,7 +148,7 @@ void Play::ReleaseLast() {
 }
 
 bool Play::IsSceneUnsure() const {
-    return theHold.RestoreOrRedoing() || sceneGoes_;
+    return theHold.RestoreOrRedoing() || sceneGoes;
 }
 
 std::string Play::NewName() {
@@ -182,11 +158,20 @@ std::string Play::NewName() {
     return name;
 }
 
+std::vector<TVL::CoreNode*> Play::AllNodes() {
+    std::vector<TVL::CoreNode*> nodes = rigs[0].Nodes();
+    for (TVL::CoreNode* node : rigs[1].Nodes())
+        nodes.push_back(node);
+    return nodes;
+}
+
 TVL::CoreNode* Play::AnyNode() {
-    std::vector<TVL::CoreNode*> nodes;
-    for (Rig& rig : rigs)
-        for (TVL::CoreNode* node : rig.Nodes())
-            nodes.push_back(node);
+    const std::vector<TVL::CoreNode*> nodes = AllNodes();
+    return nodes.empty() ? nullptr : choices.OneOf(nodes);
+}
+
+INode* Play::AnySceneNode() {
+    const std::vector<INode*> nodes = SceneNodes();
     return nodes.empty() ? nullptr : choices.OneOf(nodes);
 }
 
@@ -199,10 +184,6 @@ void Play::ExcuseGoneNodes() {
 Rig& Play::OwnerOf(TVL::CoreNode* node) {
     const std::vector<TVL::CoreNode*> right = rigs[1].Nodes();
     return rigs[std::ranges::count(right, node) > 0 ? 1 : 0];
-}
-
-std::string Play::AnyFile() {
-    return (world.Folder() / (choices.Chance() ? "b.scene" : "a.scene")).string();
 }
 
 bool Play::IsAlive(const TVL::CNode* node) const {

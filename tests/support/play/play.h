@@ -1,17 +1,19 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <functional>
+#include <map>
 #include <set>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "host/node.h"
-#include "tests/support/play/choices.h"
-#include "tests/support/play/rig.h"
 #include "tests/support/world.h"
+#include "tvl/core_interface.h"
 
 // A Core that can do all that a Core may do, at any moment, also in the middle of any call that the
 // adaptor makes to it:
@@ -33,9 +35,78 @@ enum class By { kCore, kUser };
 struct Act {
     const char* name;
     void (*run)(Play&);
+    int often = 1;  // in a long life; 0: rarely, since it ends much, -1: never of itself
     By by = By::kCore;
 };
 std::span<const Act> Acts();
+
+// Choices, read off a row of bytes: the same bytes, the same choices. Past the end of the row each
+// choice is the first one. The bytes stay the caller's.
+class Choices {
+  public:
+    explicit Choices(std::string_view bytes = {}) : bytes_(bytes) {}
+
+    // From 0 to below `bound`, which is 1 to 256.
+    int Below(int bound) {
+        if (bytes_.empty()) return 0;
+        const auto byte = static_cast<unsigned char>(bytes_.front());
+        bytes_.remove_prefix(1);
+        return byte % bound;
+    }
+    bool Chance() { return Below(2) == 1; }
+
+    // One of a list that has at least one entry.
+    template <class List>
+    auto& OneOf(List& list) {
+        return list[static_cast<std::size_t>(Below(static_cast<int>(std::size(list))))];
+    }
+
+  private:
+    std::string_view bytes_;
+};
+
+// A plug-in of the Core's that owns nodes and listens to them, and does what a tidy one does: it
+// stores and finds its nodes again, and lets all of them go when the user deletes any.
+class Rig final : public TVL::CoreElement, public TVL::NodeListener {
+  public:
+    Rig(std::string name, Play& play);
+    Rig(const Rig&) = delete;
+    Rig& operator=(const Rig&) = delete;
+
+    std::vector<int> ListExtensions() override;
+    std::intptr_t HandleExtension(int id, void* argument) override;
+    void OnNodeRemoved(TVL::CNode* node) override;
+    void OnNodeRestored(TVL::CNode* node) override;
+
+    const std::string& Name() const { return record_.name; }
+
+    // Its nodes in the adaptor's list.
+    std::vector<TVL::CoreNode*> Nodes();
+
+    // Makes the nodes of a stored state of this plug-in its own again.
+    void Load(const XMLNode& pluginState);
+
+    // Ends a node, of which a group's record tells later and nobody otherwise.
+    void Delete(TVL::CoreNode* node, bool withHostNode);
+
+    // Makes of a snapshot node one of its own, if that can be, and ends the snapshot node.
+    void Claim(TVL::CoreNode* found, const std::string& name);
+
+    // Ends its nodes without a word, as when the scene goes.
+    void Drop();
+
+    // What is heard of a node from here on is heard afresh.
+    void Forget(TVL::CNode* node) { heard.erase(node); }
+
+    std::map<TVL::CNode*, bool> heard;  // the last word on a node: restored, or removed
+
+  private:
+    void Store(XMLNode& masters);
+    void LetGo();
+
+    TVL::PluginRecord record_;
+    Play& play_;
+};
 
 using Faults = std::vector<std::string>;
 
@@ -85,6 +156,7 @@ class Play {
     int value = 0;              // the Core's own, which its undo chunks move
     int chunksAlive = 0;        // of these
     bool leftNoRecord = false;  // done what undo cannot know; whoever cares clears it
+    bool sceneGoes = false;     // the Core has just let go of it
 
     // Names of nodes whose scene node undo may take without a word, so that the adaptor's list may
     // go on holding them.
@@ -99,12 +171,21 @@ class Play {
     void Fail(std::string fault) { noted_.push_back(std::move(fault)); }
     void Hear(const std::string& moment);  // at the beginning of the call
     void Meet(const std::string& moment);  // and in its midst, unless the Core has left in it
-    void ReleaseLast();                    // of what is lent, if anything is
+    template <class Work>
+    void During(const char* moment, Work work) {
+        Hear(moment);
+        work();
+        Meet(moment);
+    }
+    void ReleaseLast();  // of what is lent, if anything is
 
-    std::string NewName();     // for a node that is made or claimed now
-    TVL::CoreNode* AnyNode();  // of the Core's; null if there is none
+    std::string NewName();                   // for a node that is made or claimed now
+    std::vector<TVL::CoreNode*> AllNodes();  // of the Core's
+    TVL::CoreNode* AnyNode();                // of these; null if there is none
+    INode* AnySceneNode();                   // the same of the scene's
     Rig& OwnerOf(TVL::CoreNode* node);
-    std::string AnyFile();  // of two scene files, of which none may exist
+    std::string File(const char* name) const { return (world.Folder() / name).string(); }
+    std::string AnyFile() { return File(choices.Chance() ? "b.scene" : "a.scene"); }
 
   private:
     void Answer(const std::string& call);
@@ -119,14 +200,12 @@ class Play {
 
     Faults noted_;  // on the way
     int names_ = 0;
-    bool isGone_ = false;     // from the end of `detach` to the next attach
-    bool sceneGoes_ = false;  // the Core has just let go of it
+    bool isGone_ = false;  // from the end of `detach` to the next attach
 };
 
 // All nodes of the scene, parents before their children.
 std::vector<INode*> SceneNodes();
 
-// Whether a node hangs below another, or is that one.
-bool IsBelow(INode* node, const INode* other);
+constexpr std::size_t kLargestScene = 24;  // nodes; whatever adds some does nothing beyond it
 
 }  // namespace play

@@ -1,48 +1,61 @@
-#include "tests/support/play/rig.h"
-
-#include <utility>
+#include "host/hold.h"
+#include "tests/support/play/play.h"
+#include "tvl/ids.h"
 
 namespace play {
 
-Rig::Rig(std::string name, World& world) : record_{std::move(name)}, world_(world) {
+Rig::Rig(std::string name, Play& play) : record_{std::move(name)}, play_(play) {
     plugin = &record_;
 }
 
+std::vector<int> Rig::ListExtensions() {
+    return {TVL::kNodesBeingDeleted, TVL::kSceneBeingSaved};
+}
+
 std::intptr_t Rig::HandleExtension(int id, void* argument) {
-    const char* const moment = id == 43 ? "deletion" : "saving";
-    onCall(moment);
-    if (id == 43) LetGo();
-    if (id == 56) Store(*static_cast<XMLNode*>(argument));
-    onMoment(moment);
+    if (id == TVL::kNodesBeingDeleted) play_.During("deletion", [this] { LetGo(); });
+    if (id == TVL::kSceneBeingSaved)
+        play_.During("saving", [&] { Store(*static_cast<XMLNode*>(argument)); });
     return 0;
 }
 
-void Rig::Hear(TVL::CNode* node, bool restored) {
-    const char* const moment = restored ? "restored" : "removed";
-    onCall(moment);
-    heard[node] = restored;
-    if (restored) onRestored(*node);
-    onMoment(moment);
+void Rig::OnNodeRemoved(TVL::CNode* node) {
+    play_.During("removed", [&] { heard[node] = false; });
+}
+
+void Rig::OnNodeRestored(TVL::CNode* node) {
+    play_.During("restored", [&] {
+        heard[node] = true;
+        if (play_.sceneGoes) play_.loose.insert(node->GetNodeName());
+    });
 }
 
 std::vector<TVL::CoreNode*> Rig::Nodes() {
     std::vector<TVL::CoreNode*> nodes;
-    for (TVL::CNode* node : world_.Adaptor().GetNodes(this))
+    for (TVL::CNode* node : play_.Adaptor().GetNodes(this))
         nodes.push_back(static_cast<TVL::CoreNode*>(node));
     return nodes;
 }
 
 void Rig::Delete(TVL::CoreNode* node, bool withHostNode) {
-    if (!world_.Adaptor().IsHoldingUndo()) Forget(node);
+    if (!play_.Adaptor().IsHoldingUndo()) Forget(node);
     node->Delete(withHostNode);
+}
+
+void Rig::Claim(TVL::CoreNode* found, const std::string& name) {
+    if (TVL::CoreNode* const own = found->Claim(this, name)) {
+        own->SetListener(this);
+        Forget(own);
+    }
+    found->Destroy();
 }
 
 // Nodes may come, at the end, and go meanwhile.
 void Rig::LetGo() {
-    world_.Adaptor().BeginUndoGroup("let go");
+    play_.Adaptor().BeginUndoGroup("let go");
     for (std::size_t left = Nodes().size(); left > 0 && !Nodes().empty(); --left)
         Delete(Nodes().front(), true);
-    world_.Adaptor().EndUndoGroup();
+    play_.Adaptor().EndUndoGroup();
 }
 
 void Rig::Drop() {
@@ -63,18 +76,17 @@ void Rig::Store(XMLNode& masters) {
     masters.AddChild(master);
 }
 
-void Rig::Load(const XMLNode& pluginState, const NameFor& nameFor) {
+// A name that is taken, as when a scene is merged into itself, gives way to a new one. Claims leave
+// no record.
+void Rig::Load(const XMLNode& pluginState) {
     const XMLNode& info = pluginState.Child("nodeinfo");
-    const std::vector<TVL::CNode*> found = world_.Adaptor().ClaimNodes(Name(), info);
+    const std::vector<TVL::CNode*> found = play_.Adaptor().ClaimNodes(Name(), info);
     for (std::size_t index = 0; index < found.size(); ++index) {
-        auto* const node = static_cast<TVL::CoreNode*>(found[index]);
-        if (!node) continue;
-        const std::string name = nameFor(info.children[index]->attributes.at("name"));
-        if (TVL::CoreNode* own = node->Claim(this, name)) {
-            own->SetListener(this);
-            Forget(own);
-        }
-        node->Destroy();
+        if (!found[index]) continue;
+        const std::string& stored = info.children[index]->attributes.at("name");
+        const std::string name = play_.Adaptor().FindNode(this, stored) ? play_.NewName() : stored;
+        if (theHold.Holding() || play_.IsSceneUnsure()) play_.loose.insert(name);
+        Claim(static_cast<TVL::CoreNode*>(found[index]), name);
     }
 }
 

@@ -13,11 +13,11 @@ namespace puppet {
 
 struct Stage {
     // Set by the test.
-    std::uint32_t version = 8108;     // of the Core
-    CoreInterface* core = nullptr;    // what `attach` gives; null refuses
-    std::function<void()> onVersion;  // inside the routine
-    std::function<void()> onAttach;   // inside the routine, the adaptor being there
-    std::function<void()> onDetach;   // inside the routine
+    std::uint32_t version = TVL::kInterfaceVersion;  // of the Core
+    CoreInterface* core = nullptr;                   // what `attach` gives; null refuses
+    std::function<void()> onVersion;                 // inside the routine
+    std::function<void()> onAttach;                  // inside the routine, the adaptor being there
+    std::function<void()> onDetach;                  // inside the routine
 
     // Set by the puppet.
     TVL::AdaptorInterface* adaptor = nullptr;  // from `attach` to `detach`
