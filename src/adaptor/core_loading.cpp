@@ -8,13 +8,11 @@
 #include "resources/resource_ids.h"
 #include "tvl/error_code.h"
 #include "tvl/ids.h"
+#include "tvl/installation.h"
 #include "tvl/log.h"
 #include "undo/undo_wrapper.h"
 
 namespace {
-
-constexpr const char* kInstallPathValue = "datapath";
-constexpr const char* kCoreLibrary = "\\Core\\Core64.dll";  // below the install path
 
 constexpr TVL::Failure kCouldNotLoad{"CORE_COULDNOTLOAD", "Unable to load CORE",
                                      TVL::ErrorCode::kError};
@@ -50,13 +48,13 @@ std::int32_t UtilityManager::AttachCore() {
         return 0;
     }
     LetCoreGo();
-    const std::string path = ReadInstallValue(kInstallPathValue) + kCoreLibrary;
+    const std::string path = ReadInstallValue(TVL::kInstallValue) + TVL::kCoreLibrary;
     link.coreModule = LoadLibraryA(path.c_str());
     if (!link.coreModule) {
         const std::int32_t status = TVL::Report(kCouldNotLoad);
         TVL::Log(TVL::Log::kError).WriteValue("CORE library", path);
-        if (IsInstallValueTooLong(kInstallPathValue))
-            TVL::Log(TVL::Log::kError).WriteValue(kInstallPathValue, "longer than 1,023 bytes");
+        if (IsInstallValueTooLong(TVL::kInstallValue))
+            TVL::Log(TVL::Log::kError).WriteValue(TVL::kInstallValue, "longer than 1,023 bytes");
         WriteTrace();
         return status;
     }

@@ -5,17 +5,17 @@
 #include <optional>
 
 #include "platform/win32.h"
+#include "tvl/installation.h"
 #include "tvl/log.h"
 
 namespace {
 
-constexpr const char* kInstallKey = "SOFTWARE\\Wow6432Node\\Tarvo Works\\Ostrel tools";
 constexpr const char* kDocumentsKey =
     "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
 constexpr const char* kDocumentsValue = "Personal";
 constexpr const char* kProductFolder = "\\Tarvo Works\\Lumiset\\";
 
-constexpr DWORD kValueCapacity = 1024;  // bytes
+constexpr DWORD kValueCapacity = TVL::kLongestInstallPath + 1;  // bytes, with the NUL
 
 // Open for reading as long as it lives.
 class RegistryKey {
@@ -61,12 +61,12 @@ std::string NotFound(const char* report) {
 }  // namespace
 
 std::string ReadInstallValue(const char* name) {
-    const RegistryKey key(HKEY_LOCAL_MACHINE, kInstallKey);
+    const RegistryKey key(HKEY_LOCAL_MACHINE, TVL::kInstallKey);
     return key.IsOpen() ? key.Read(name).value_or("") : "";
 }
 
 bool IsInstallValueTooLong(const char* name) {
-    const RegistryKey key(HKEY_LOCAL_MACHINE, kInstallKey);
+    const RegistryKey key(HKEY_LOCAL_MACHINE, TVL::kInstallKey);
     return key.IsOpen() && key.IsTooLong(name);
 }
 

@@ -8,10 +8,9 @@
 
 #include "foundation/thrown.h"
 #include "platform/process.h"
+#include "tvl/installation.h"
 
 namespace {
-
-constexpr const char* kTraceVariable = "LUMISET_TRACE";
 
 // Bytes of the log in use that are in the file already.
 constinit std::size_t written = 0;
@@ -20,11 +19,12 @@ constinit std::size_t written = 0;
 void Complain(const std::string& path) {
     constinit static bool hasComplained = false;
     if (std::exchange(hasComplained, true)) return;
-    std::fprintf(stderr, "%s: %s: the trace cannot be written\n", kTraceVariable, path.c_str());
+    std::fprintf(stderr, "%s: %s: the trace cannot be written\n", TVL::kTraceVariable,
+                 path.c_str());
 }
 
 void AppendToFile(std::string_view text) {
-    const std::string path = platform::Variable(kTraceVariable);
+    const std::string path = platform::Variable(TVL::kTraceVariable);
     if (path.empty() || text.empty()) return;
     std::ofstream file(path, std::ios::binary | std::ios::app);
     file.write(text.data(), static_cast<std::streamsize>(text.size()));

@@ -9,7 +9,7 @@ namespace {
 constexpr std::uint16_t kKeysChunk = 1;
 constexpr std::int32_t kFormatVersion = 100;
 
-bool ReadNumber(ILoad& load, std::int32_t expected) {
+bool IsNext(ILoad& load, std::int32_t expected) {
     std::int32_t number = 0;
     return ReadWhole(load, number) && number == expected;
 }
@@ -42,7 +42,7 @@ void MakeRoom(std::vector<TarvoKey<T>>& keys, std::size_t announced) {
 template <class T>
 void ReadRecords(ILoad& load, KeyTable<T>& table) {
     std::int32_t count = 0;
-    if (!ReadNumber(load, kFormatVersion) || !ReadNumber(load, sizeof(TarvoKey<T>)) ||
+    if (!IsNext(load, kFormatVersion) || !IsNext(load, sizeof(TarvoKey<T>)) ||
         !ReadWhole(load, count))
         return;
     std::vector<TarvoKey<T>>& keys = table.keys.Whole();
