@@ -3,61 +3,104 @@
 #include <algorithm>
 #include <charconv>
 #include <fstream>
+#include <map>
+#include <span>
+#include <string_view>
+#include <type_traits>
 
 #include "command/exit_status.h"
 
 namespace headless {
+namespace {
 
-CoreReport CoreReport::Read(const std::string& path) {
-    CoreReport report;
+// The fields of a report out of the lines of its file, by their keys.
+class FieldReader {
+  public:
+    using Lines = std::map<std::string, std::string>;
+
+    explicit FieldReader(const Lines& lines) : lines_(lines) {}
+
+    void operator()(std::string_view key, std::string& text) const { text = Text(key); }
+    void operator()(std::string_view key, std::size_t& count) const {
+        const std::string text = Text(key);
+        std::from_chars(text.data(), text.data() + text.size(), count);
+    }
+    void operator()(std::string_view key, bool& truth) const {
+        std::size_t number = 0;
+        (*this)(key, number);
+        truth = number == 1;
+    }
+    void operator()(std::string_view key, double& number) const {
+        (*this)(key, std::span(&number, 1));
+    }
+    void operator()(std::string_view key, std::span<double> numbers) const {
+        const std::string text = Text(key);
+        const char* const end = text.data() + text.size();
+        const char* at = text.data();
+        for (double& number : numbers) {
+            at = std::from_chars(at, end, number).ptr;
+            if (at < end) ++at;
+        }
+    }
+
+    // No more entries than there are lines.
+    template <class Entry>
+    void List(std::string_view plural, std::string_view singular, std::vector<Entry>& entries) {
+        std::size_t count = 0;
+        (*this)(plural, count);
+        entries.resize(std::min(count, lines_.size()));
+        const std::string outer = prefix_;
+        prefix_.append(singular).append(".");
+        const std::string entry = prefix_;
+        for (std::size_t i = 0; i < entries.size(); ++i) {
+            const std::string number = std::to_string(i + 1);
+            prefix_ = entry;
+            if constexpr (std::is_invocable_v<FieldReader&, std::string_view, Entry&>) {
+                (*this)(number, entries[i]);
+            } else {
+                prefix_.append(number).append(".");
+                Describe(*this, entries[i]);
+            }
+        }
+        prefix_ = outer;
+    }
+
+    template <class Lent>
+    void Kind(std::string_view key, std::optional<Lent>& lent) {
+        bool isLent = false;
+        (*this)(key, isLent);
+        if (isLent) Describe(*this, lent.emplace());
+    }
+    template <class Fields>
+    void Rest(std::string_view key, std::optional<Fields>& rest) {
+        if (!Text(key).empty()) Describe(*this, rest.emplace());
+    }
+
+  private:
+    std::string Text(std::string_view key) const {
+        const auto found = lines_.find(prefix_ + std::string(key));
+        return found == lines_.end() ? std::string() : found->second;
+    }
+
+    const Lines& lines_;
+    std::string prefix_;
+};
+
+}  // namespace
+
+std::optional<replay::Report> ReadReport(const std::string& path) {
+    FieldReader::Lines lines;
     std::ifstream file(path, std::ios::binary);
     for (std::string line; std::getline(file, line);) {
         const std::size_t equals = line.find('=');
-        if (equals != std::string::npos)
-            report.values_[line.substr(0, equals)] = line.substr(equals + 1);
+        if (equals != std::string::npos) lines[line.substr(0, equals)] = line.substr(equals + 1);
     }
     if (file.bad()) throw Failure(path + ": the Core's report cannot be read");
+    if (lines.empty()) return std::nullopt;
+    replay::Report report;
+    FieldReader fields(lines);
+    Describe(fields, report);
     return report;
-}
-
-std::string CoreReport::Text(const std::string& key) const {
-    const auto found = values_.find(key);
-    return found == values_.end() ? std::string() : found->second;
-}
-
-double CoreReport::Number(const std::string& key) const {
-    return Numbers(key, 1).front();
-}
-
-std::vector<double> CoreReport::Numbers(const std::string& key, std::size_t count) const {
-    const std::string text = Text(key);
-    const char* const end = text.data() + text.size();
-    std::vector<double> numbers(count);
-    const char* at = text.data();
-    for (double& number : numbers) {
-        at = std::from_chars(at, end, number).ptr;
-        if (at < end) ++at;
-    }
-    return numbers;
-}
-
-std::size_t CoreReport::Count(const std::string& key) const {
-    const std::string text = Text(key);
-    std::size_t count = 0;
-    std::from_chars(text.data(), text.data() + text.size(), count);
-    return count;
-}
-
-std::size_t CoreReport::Entries(const std::string& key) const {
-    return std::min(Count(key), values_.size());
-}
-
-std::vector<std::string> CoreReport::Texts(const std::string& plural,
-                                           const std::string& singular) const {
-    std::vector<std::string> texts;
-    for (std::size_t i = 1; i <= Entries(plural); ++i)
-        texts.push_back(Text(singular + '.' + std::to_string(i)));
-    return texts;
 }
 
 }  // namespace headless

@@ -1,19 +1,23 @@
 #include "command/core_stage.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <iterator>
+#include <optional>
 #include <string_view>
 
-#include "command/core_environment.h"
+#include "command/core_report.h"
 #include "command/exit_status.h"
-#include "command/missing_core.h"
 #include "headless/breaches.h"
 #include "headless/scene_view.h"
 #include "platform/modules.h"
 #include "platform/narrow_path.h"
 #include "platform/process.h"
 #include "platform/registry.h"
+#include "platform/win32.h"
+#include "replay/request.h"
+#include "tvl/installation.h"
 
 namespace headless {
 namespace {
@@ -22,18 +26,80 @@ constexpr char kPlugin[] = "TarvoOstrelUtil";
 constexpr char kUtilityName[] = "Tarvo Lumiset Util";
 constexpr int kStartButton = 1046;
 
+namespace variable = replay::variable;
+
+// All that make up a request.
+constexpr std::array kRequestVariables = {
+    variable::kCaptures,    variable::kScale,  variable::kOptimised,   variable::kProgress,
+    variable::kMerge,       variable::kSample, variable::kSampleNodes, variable::kInspect,
+    variable::kInspectTime, variable::kPress,  variable::kCsv,         variable::kFollowCamera,
+    variable::kGround,      variable::kGuide,  variable::kTake,        variable::kReplace,
+    variable::kPartial};
+
+// What a person typed to have the variable set.
+struct OptionOfVariable {
+    const char* variable;
+    const char* option;
+};
+constexpr std::array kOptions = {OptionOfVariable{variable::kScale, "--scale"},
+                                 OptionOfVariable{variable::kSample, "--times"},
+                                 OptionOfVariable{variable::kInspectTime, "--time"},
+                                 OptionOfVariable{variable::kTake, "--take"},
+                                 OptionOfVariable{variable::kReplace, "--replace"},
+                                 OptionOfVariable{variable::kPartial, "--partial"}};
+
+// Of any length.
+std::optional<std::string> Read(HKEY key, const char* name) {
+    DWORD size = 0;
+    if (RegQueryValueExA(key, name, nullptr, nullptr, nullptr, &size) != ERROR_SUCCESS)
+        return std::nullopt;
+    std::string text(size, '\0');
+    if (RegQueryValueExA(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(text.data()),
+                         &size) != ERROR_SUCCESS)
+        return std::nullopt;
+    return text.substr(0, text.find('\0'));
+}
+
+std::optional<std::string> InstallPath() {
+    HKEY key = nullptr;
+    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, TVL::kInstallKey, 0, KEY_READ, &key) != ERROR_SUCCESS)
+        return std::nullopt;
+    std::optional<std::string> path = Read(key, TVL::kInstallValue);
+    RegCloseKey(key);
+    return path;
+}
+
+// The system's word for a failure lasts no longer than to its next call, so that it is asked anew.
+std::string WhyNotLoaded(const std::string& library) {
+    const HMODULE module = LoadLibraryA(library.c_str());
+    if (!module) return library + " cannot be loaded: " + platform::LastLoadFailure();
+    FreeLibrary(module);
+    return library + " could not be loaded at first";
+}
+
+// Why the plug-in could not load a Core, in one line that names where it looked for one.
+std::string WhyNoCore() {
+    const std::optional<std::string> folder = InstallPath();
+    const std::string value = std::string("\"") + TVL::kInstallValue + '"';
+    if (!folder) return "no " + value + " in HKEY_LOCAL_MACHINE\\" + TVL::kInstallKey;
+    if (folder->size() > TVL::kLongestInstallPath)
+        return value + " of the install key is longer than " +
+               std::to_string(TVL::kLongestInstallPath) + " bytes: " + *folder;
+    return WhyNotLoaded(*folder + TVL::kCoreLibrary);
+}
+
 std::string NotAttached(const std::string& why) {
     return "the Core could not be attached (" + why + ")";
 }
 
 // Where a variable stands by its whole name, which can be the beginning of another's.
-std::size_t FindWord(const std::string& text, std::string_view variable) {
+std::size_t FindWord(const std::string& text, std::string_view word) {
     constexpr std::string_view kNameBytes = "ABCDEFGHIJKLMNOPQRSTUVWXYZ_";
-    std::size_t place = text.find(variable);
+    std::size_t place = text.find(word);
     while (place != std::string::npos) {
-        const std::size_t behind = place + variable.size();
+        const std::size_t behind = place + word.size();
         if (behind == text.size() || kNameBytes.find(text[behind]) == std::string_view::npos) break;
-        place = text.find(variable, behind);
+        place = text.find(word, behind);
     }
     return place;
 }
@@ -42,10 +108,10 @@ std::size_t FindWord(const std::string& text, std::string_view variable) {
 // the Core could make no sense of it.
 [[noreturn]] void Refuse(std::string error) {
     int status = kFailed;
-    for (const auto& [variable, option] : kOptions) {
-        const std::size_t place = FindWord(error, variable);
+    for (const auto& [name, option] : kOptions) {
+        const std::size_t place = FindWord(error, name);
         if (place == std::string::npos) continue;
-        error.replace(place, std::string_view(variable).size(), option);
+        error.replace(place, std::string_view(name).size(), option);
         if (error.starts_with(option + std::string(": "))) status = kWrongUsage;
     }
     throw Failure(error, status);
@@ -75,14 +141,14 @@ CoreStage::CoreStage(Guests guests, const SessionSettings& settings)
     session_.Start();
 }
 
-CoreReport CoreStage::AskCore(const CoreRequest& request) {
-    for (const char* variable : kRequestVariables) {
-        const auto value = request.find(variable);
-        if (!platform::SetVariable(variable, value == request.end() ? "" : value->second))
-            throw Failure(std::string("what the Core is asked for is too long for ") + variable +
+replay::Report CoreStage::AskCore(const CoreRequest& request) {
+    for (const char* name : kRequestVariables) {
+        const auto value = request.find(name);
+        if (!platform::SetVariable(name, value == request.end() ? "" : value->second))
+            throw Failure(std::string("what the Core is asked for is too long for ") + name +
                           ", a variable of the environment");
     }
-    platform::SetVariable(kReportVariable, report_.Path());
+    platform::SetVariable(variable::kReport, report_.Path());
     std::filesystem::remove(platform::FromNarrow(report_.Path()));
     if (session_.KeptUtilities() == 0) throw Failure(NotAttached(WhyNoCore()));
     if (!session_.IsUtilityOpen(kUtilityName)) session_.OpenUtility(kUtilityName);
@@ -90,14 +156,14 @@ CoreReport CoreStage::AskCore(const CoreRequest& request) {
     if (!session_.PressButton(kStartButton))
         throw Failure(platform::ModuleFile(kPlugin) + ": its panel \"" + kUtilityName +
                       "\" has no button " + std::to_string(kStartButton));
-    CoreReport report = CoreReport::Read(report_.Path());
-    if (report.IsEmpty() && boxTexts_.size() > boxes) {
+    std::optional<replay::Report> report = ReadReport(report_.Path());
+    if (!report && boxTexts_.size() > boxes) {
         boxTexts_.resize(boxes);
         throw Failure(NotAttached("it is of another version, or refused to start"));
     }
-    if (report.IsEmpty()) throw Failure("the Core reported nothing of its work");
-    if (report.Text("status") != "ok") Refuse(report.Text("error"));
-    return report;
+    if (!report) throw Failure("the Core reported nothing of its work");
+    if (!report->error.empty()) Refuse(report->error);
+    return *std::move(report);
 }
 
 void CoreStage::Open(const std::string& scene) {

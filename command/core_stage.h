@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "command/core_report.h"
-#include "command/scratch_file.h"
+#include "command/written_files.h"
 #include "headless/session.h"
+#include "replay/report.h"
 
 namespace headless {
 
@@ -18,7 +18,7 @@ enum class Guests {
     kNobody,
 };
 
-// The variables of a request with their values; see core_environment.h.
+// The variables of replay/request.h that make up a request, with their values.
 using CoreRequest = std::map<std::string, std::string>;
 
 // Each value on a line of its own, as the Core reads lists. A value that holds a line end cannot be
@@ -35,9 +35,9 @@ class CoreStage {
 
     bool WantsCore() const { return guests_ == Guests::kPluginAndCore; }
 
-    // Presses the button that has the Core do its work. Variables of core_environment.h that the
-    // request does not hold are taken away.
-    CoreReport AskCore(const CoreRequest& request);
+    // Presses the button that has the Core do its work. Variables that the request does not hold
+    // are taken away, but for that of the frames, for which the command has no option.
+    replay::Report AskCore(const CoreRequest& request);
 
     // What the host does with scene files.
     void Open(const std::string& scene);
@@ -57,7 +57,7 @@ class CoreStage {
     void Take(FileOutcome outcome);
 
     Guests guests_;
-    ScratchFile report_{""};
+    CoreFile report_{""};
     std::vector<std::string> complaints_;
     std::vector<std::string> boxTexts_;
     Session session_;

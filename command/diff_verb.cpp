@@ -4,7 +4,6 @@
 #include <nlohmann/json.hpp>
 
 #include "command/exit_status.h"
-#include "command/print_json.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
 #include "headless/scene_file_view.h"
@@ -16,27 +15,28 @@ struct DiffArguments {
     std::string first;
     std::string second;
     bool cachedKeys = false;
-    bool json = false;
+    Audience audience = Audience::kPerson;
 };
 
-using Differences = std::vector<SceneDifference>;
+// A type of this file, so that its printing is found.
+struct Differences : std::vector<SceneDifference> {};
 
-void PrintForPerson(const Differences& differences) {
+void PrintForPerson(std::ostream& out, const Differences& differences) {
     for (const SceneDifference& difference : differences)
-        std::cout << difference.place << ": " << difference.what << '\n';
+        out << difference.place << ": " << difference.what << '\n';
 }
 
-void PrintForProgram(const Differences& differences) {
+void PrintForProgram(std::ostream& out, const Differences& differences) {
     auto list = nlohmann::ordered_json::array();
     for (const SceneDifference& difference : differences)
         list.push_back({{"place", difference.place}, {"difference", difference.what}});
-    PrintJson(std::cout, {{"equal", differences.empty()}, {"differences", list}});
+    PrintJson(out, {{"equal", differences.empty()}, {"differences", list}});
 }
 
 Differences Compare(const DiffArguments& arguments) {
     const auto cachedKeys = arguments.cachedKeys ? CachedKeys::kCompared : CachedKeys::kLeftOut;
     try {
-        return CompareSceneFiles(arguments.first, arguments.second, cachedKeys);
+        return {CompareSceneFiles(arguments.first, arguments.second, cachedKeys)};
     } catch (const std::runtime_error& error) {
         throw Failure(error.what(), kNotCompared);
     }
@@ -44,10 +44,7 @@ Differences Compare(const DiffArguments& arguments) {
 
 void RunDiff(const DiffArguments& arguments) {
     const Differences differences = Compare(arguments);
-    if (arguments.json)
-        PrintForProgram(differences);
-    else
-        PrintForPerson(differences);
+    Print(std::cout, differences, arguments.audience);
     if (!std::cout.flush()) throw Failure(kOutputLost, kNotCompared);
     if (!differences.empty()) throw Ended{kDifferent};
 }
@@ -65,7 +62,7 @@ void AddDiffVerb(CLI::App& app) {
     AddFile(*verb, "SECOND", arguments->second, "Scene file")->required();
     verb->add_flag("--cached-keys", arguments->cachedKeys,
                    "Compare also the keys that controllers cache, which evaluation moves");
-    verb->add_flag("--json", arguments->json, "Print the result as one JSON object");
+    AddAudience(*verb, arguments->audience);
     AddExample(*verb, "diff build/demo/take.scene build/demo/again.scene");
     verb->callback([arguments] { RunDiff(*arguments); });
 }

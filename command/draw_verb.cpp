@@ -8,10 +8,8 @@
 #include <optional>
 #include <sstream>
 
-#include "command/counted.h"
 #include "command/drawing.h"
 #include "command/exit_status.h"
-#include "command/in_table.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
 

@@ -2,6 +2,7 @@
 #include <iostream>
 #include <memory>
 
+#include "command/exit_status.h"
 #include "command/info.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
@@ -10,19 +11,41 @@ namespace headless {
 namespace {
 
 struct InfoArguments {
-    InfoOptions options;
+    std::string scene;
     GuestFlags guests;
-    bool json = false;
+    Audience audience = Audience::kPerson;
 };
 
+void OpenInHost(Guests guests, InfoResult& result) {
+    CoreStage stage(guests);
+    const FileOutcome outcome = stage.Host().OpenScene(result.scene);
+    if (!outcome.error.empty()) throw Failure(outcome.error);
+    for (const ClassInFile& type : result.file.classes)
+        if (!IsClassLoaded(type)) result.keptClasses.push_back(type);
+    result.utilityChunks = stage.Host().UtilityChunks();
+    stage.ShutDown();
+}
+
+// Looks at the file alone, and then opens it with the guests that are wanted. The file can be told
+// of also where there is nobody to open it.
+InfoResult Info(const std::string& scene, Guests guests) {
+    InfoResult result;
+    result.scene = scene;
+    result.file = ViewSceneFile(scene);
+    if (guests == Guests::kNobody) {
+        result.whyNotOpened = "the file alone was looked at";
+        return result;
+    }
+    try {
+        OpenInHost(guests, result);
+    } catch (const Failure& failure) {
+        result.whyNotOpened = failure.what();
+    }
+    return result;
+}
+
 void RunInfo(const InfoArguments& arguments) {
-    InfoOptions options = arguments.options;
-    options.guests = arguments.guests.Chosen();
-    const InfoResult result = Info(options);
-    if (arguments.json)
-        PrintForProgram(std::cout, result);
-    else
-        PrintForPerson(std::cout, result);
+    Print(std::cout, Info(arguments.scene, arguments.guests.Chosen()), arguments.audience);
 }
 
 }  // namespace
@@ -30,9 +53,9 @@ void RunInfo(const InfoArguments& arguments) {
 void AddInfoVerb(CLI::App& app) {
     const auto arguments = std::make_shared<InfoArguments>();
     CLI::App* verb = app.add_subcommand("info", "Tell what a scene file holds.");
-    AddFile(*verb, "SCENE", arguments->options.scene, "Scene file")->required();
+    AddFile(*verb, "SCENE", arguments->scene, "Scene file")->required();
     AddGuestOptions(*verb, arguments->guests);
-    verb->add_flag("--json", arguments->json, "Print the result as one JSON object");
+    AddAudience(*verb, arguments->audience);
     AddExample(*verb, "info build/demo/take.scene");
     verb->callback([arguments] { RunInfo(*arguments); });
 }

@@ -47,6 +47,7 @@ int Run(int argc, char** argv) {
     const std::terminate_handler usual = std::set_terminate(&EndBeforeWork);
     CLI::App app("The animation host without a screen, with the plug-in and its Core.");
     app.require_subcommand(0, 1);
+    app.set_version_flag("--version", LUMISET_VERSION, "Print the version and end");
     app.parse_complete_callback([usual] { std::set_terminate(usual); });  // ahead of the verb's
     app.allow_windows_style_options(false);  // a path may begin with a slash
     headless::AddRecordVerb(app);

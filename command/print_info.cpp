@@ -5,10 +5,8 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
-#include "command/counted.h"
-#include "command/in_table.h"
 #include "command/info.h"
-#include "command/print_json.h"
+#include "command/output.h"
 
 namespace headless {
 namespace {
@@ -81,20 +79,20 @@ void PrintHost(std::ostream& out, const InfoResult& result) {
             << (chunks.isTaken ? "taken" : "kept as stored") << '\n';
 }
 
-nlohmann::ordered_json Object(const ClassInFile& type) {
+nlohmann::ordered_json JsonOf(const ClassInFile& type) {
     if (type.name.empty() && type.superClass == 0) return nullptr;
     return {{"name", type.name}, {"id", Ids(type)}};
 }
 
-nlohmann::ordered_json Object(const SceneFileView& file, const NodeInFile& node) {
+nlohmann::ordered_json JsonOf(const SceneFileView& file, const NodeInFile& node) {
     nlohmann::ordered_json range = nullptr;
     if (node.keys.count > 0)
         range = {Seconds(file, node.keys.first), Seconds(file, node.keys.last)};
     return {{"handle", node.handle},
             {"parent", node.parent},
             {"name", node.name},
-            {"objectClass", Object(node.object)},
-            {"controllerClass", Object(node.controller)},
+            {"objectClass", JsonOf(node.object)},
+            {"controllerClass", JsonOf(node.controller)},
             {"keys", node.keys.count},
             {"rangeSeconds", range},
             {"tagBytes", node.tagBytes},
@@ -102,18 +100,18 @@ nlohmann::ordered_json Object(const SceneFileView& file, const NodeInFile& node)
             {"selected", node.selected}};
 }
 
-nlohmann::ordered_json Object(const UtilityInFile& utility) {
+nlohmann::ordered_json JsonOf(const UtilityInFile& utility) {
     auto chunks = nlohmann::ordered_json::array();
     for (const ChunkInFile& chunk : utility.chunks)
         chunks.push_back({{"id", chunk.id}, {"bytes", chunk.bytes}});
-    return {{"class", Object(utility.type)}, {"chunks", chunks}};
+    return {{"class", JsonOf(utility.type)}, {"chunks", chunks}};
 }
 
-nlohmann::ordered_json HostObject(const InfoResult& result) {
+nlohmann::ordered_json JsonOfHost(const InfoResult& result) {
     if (!result.whyNotOpened.empty()) return {{"whyNotOpened", result.whyNotOpened}};
     auto kept = nlohmann::ordered_json::array();
     for (const ClassInFile& type : result.keptClasses)
-        kept.push_back(Object(type));
+        kept.push_back(JsonOf(type));
     auto chunks = nlohmann::ordered_json::array();
     for (const UtilityChunksView& view : result.utilityChunks)
         chunks.push_back({{"utility", view.className}, {"taken", view.isTaken}});
@@ -148,11 +146,11 @@ void PrintForProgram(std::ostream& out, const InfoResult& result) {
         {"rangeSeconds", {Seconds(file, file.range.Start()), Seconds(file, file.range.End())}}};
     object["nodes"] = nlohmann::ordered_json::array();
     for (const NodeInFile& node : file.nodes)
-        object["nodes"].push_back(Object(file, node));
+        object["nodes"].push_back(JsonOf(file, node));
     object["utilities"] = nlohmann::ordered_json::array();
     for (const UtilityInFile& utility : file.utilities)
-        object["utilities"].push_back(Object(utility));
-    object["host"] = HostObject(result);
+        object["utilities"].push_back(JsonOf(utility));
+    object["host"] = JsonOfHost(result);
     PrintJson(out, object);
 }
 

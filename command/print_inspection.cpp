@@ -4,10 +4,8 @@
 #include <span>
 #include <string_view>
 
-#include "command/counted.h"
-#include "command/in_table.h"
 #include "command/inspection.h"
-#include "command/print_json.h"
+#include "command/output.h"
 
 namespace headless {
 namespace {
@@ -32,14 +30,26 @@ std::string Listed(std::span<const std::string> words) {
     return text.empty() ? "nothing" : text;
 }
 
-void PrintMatrix(std::ostream& out, std::string_view title, const InspectedNode::Matrix& matrix) {
+// The names of the kinds that the node lends.
+std::vector<std::string> Lent(const replay::NodeReport& node) {
+    std::vector<std::string> kinds;
+    if (node.transform) kinds.push_back("transform");
+    if (node.lendsHelper) kinds.push_back("helper");
+    if (node.mesh) kinds.push_back("mesh");
+    if (node.lens) kinds.push_back("lens");
+    if (node.shape) kinds.push_back("shape");
+    return kinds;
+}
+
+void PrintMatrix(std::ostream& out, std::string_view title,
+                 const replay::NodeReport::Matrix& matrix) {
     out << "  " << title;
     for (std::size_t row = 0; row < 4; ++row)
         out << " (" << Listed(std::span(matrix).subspan(row * 4, 3)) << ')';
     out << '\n';
 }
 
-void Print(std::ostream& out, const InspectedNode::Mesh& mesh) {
+void Print(std::ostream& out, const replay::NodeReport::Mesh& mesh) {
     out << "  mesh: " << Counted(mesh.vertices, "vertex", "vertices") << ", "
         << Counted(mesh.faces, "face") << ", "
         << Counted(mesh.textureVertices, "texture vertex", "texture vertices");
@@ -49,37 +59,38 @@ void Print(std::ostream& out, const InspectedNode::Mesh& mesh) {
     out << '\n';
 }
 
-void Print(std::ostream& out, const InspectedNode::Lens& lens) {
+void Print(std::ostream& out, const replay::NodeReport::Lens& lens) {
     constexpr std::array kSides = {"width", "height", "diagonal"};
     out << "  lens: " << Short(lens.fieldOfViewDegrees) << " degrees";
     if (lens.fieldOfViewType < kSides.size()) out << " across the " << kSides[lens.fieldOfViewType];
     out << ", target at " << Short(lens.targetDistance) << '\n';
 }
 
-void Print(std::ostream& out, const InspectedNode& node) {
+void Print(std::ostream& out, const replay::NodeReport& node) {
     out << InTable(node.name) << " (" << node.handle << ')';
     if (!node.parent.empty()) out << " below " << InTable(node.parent);
     if (node.children > 0) out << ", " << node.children << " below it";
     if (!node.isVisible) out << ", hidden";
-    out << ": lends " << Listed(node.Lent()) << '\n';
+    out << ": lends " << Listed(Lent(node)) << '\n';
     if (node.transform) {
         PrintMatrix(out, "world", node.transform->world);
         PrintMatrix(out, "local", node.transform->local);
     }
     if (node.mesh) Print(out, *node.mesh);
     if (node.lens) Print(out, *node.lens);
-    if (node.curveLengths && node.curveLengths->empty()) out << "  no curves\n";
-    if (node.curveLengths && !node.curveLengths->empty())
-        out << "  " << Counted(node.curveLengths->size(), "curve") << " of length "
-            << Listed(*node.curveLengths) << '\n';
+    if (!node.shape) return;
+    const std::vector<double>& lengths = node.shape->curveLengths;
+    if (lengths.empty()) out << "  no curves\n";
+    if (!lengths.empty())
+        out << "  " << Counted(lengths.size(), "curve") << " of length " << Listed(lengths) << '\n';
 }
 
-nlohmann::ordered_json Object(const std::optional<InspectedNode::Transform>& transform) {
+nlohmann::ordered_json JsonOf(const std::optional<replay::NodeReport::Transform>& transform) {
     if (!transform) return nullptr;
     return {{"world", transform->world}, {"local", transform->local}};
 }
 
-nlohmann::ordered_json Object(const std::optional<InspectedNode::Mesh>& mesh) {
+nlohmann::ordered_json JsonOf(const std::optional<replay::NodeReport::Mesh>& mesh) {
     if (!mesh) return nullptr;
     nlohmann::ordered_json bounds = nullptr;
     if (mesh->bounds) bounds = {{"least", mesh->bounds->least}, {"most", mesh->bounds->most}};
@@ -89,29 +100,29 @@ nlohmann::ordered_json Object(const std::optional<InspectedNode::Mesh>& mesh) {
             {"bounds", bounds}};
 }
 
-nlohmann::ordered_json Object(const std::optional<InspectedNode::Lens>& lens) {
+nlohmann::ordered_json JsonOf(const std::optional<replay::NodeReport::Lens>& lens) {
     if (!lens) return nullptr;
     return {{"fieldOfViewDegrees", lens->fieldOfViewDegrees},
             {"fieldOfViewType", lens->fieldOfViewType},
             {"targetDistance", lens->targetDistance}};
 }
 
-nlohmann::ordered_json Object(const std::optional<std::vector<double>>& curveLengths) {
-    if (!curveLengths) return nullptr;
-    return {{"curveLengths", *curveLengths}};
+nlohmann::ordered_json JsonOf(const std::optional<replay::NodeReport::Shape>& shape) {
+    if (!shape) return nullptr;
+    return {{"curveLengths", shape->curveLengths}};
 }
 
-nlohmann::ordered_json Object(const InspectedNode& node) {
+nlohmann::ordered_json JsonOf(const replay::NodeReport& node) {
     return {{"handle", node.handle},
             {"name", node.name},
             {"parent", node.parent},
             {"children", node.children},
             {"visible", node.isVisible},
-            {"lends", node.Lent()},
-            {"transform", Object(node.transform)},
-            {"mesh", Object(node.mesh)},
-            {"lens", Object(node.lens)},
-            {"shape", Object(node.curveLengths)}};
+            {"lends", Lent(node)},
+            {"transform", JsonOf(node.transform)},
+            {"mesh", JsonOf(node.mesh)},
+            {"lens", JsonOf(node.lens)},
+            {"shape", JsonOf(node.shape)}};
 }
 
 }  // namespace
@@ -121,7 +132,7 @@ void PrintForPerson(std::ostream& out, const Inspection& inspection) {
         << " s: " << Counted(inspection.nodes.size(), "node") << '\n';
     for (const std::string& complaint : inspection.complaints)
         out << "Complaint: " << complaint << '\n';
-    for (const InspectedNode& node : inspection.nodes)
+    for (const replay::NodeReport& node : inspection.nodes)
         Print(out, node);
 }
 
@@ -130,8 +141,8 @@ void PrintForProgram(std::ostream& out, const Inspection& inspection) {
                                      {"seconds", inspection.seconds},
                                      {"complaints", inspection.complaints},
                                      {"nodes", nlohmann::ordered_json::array()}};
-    for (const InspectedNode& node : inspection.nodes)
-        object["nodes"].push_back(Object(node));
+    for (const replay::NodeReport& node : inspection.nodes)
+        object["nodes"].push_back(JsonOf(node));
     PrintJson(out, object);
 }
 

@@ -4,30 +4,51 @@
 #include <fstream>
 #include <iterator>
 
-#include "command/core_environment.h"
 #include "command/core_stage.h"
 #include "command/exit_status.h"
-#include "command/plain_number.h"
-#include "command/scenery.h"
-#include "command/scratch_file.h"
+#include "command/output.h"
+#include "headless/primitives.h"
 #include "headless/scene_view.h"
+#include "host/interface.h"
+#include "host/units.h"
 #include "platform/files.h"
 #include "platform/process.h"
+#include "replay/request.h"
+#include "tvl/installation.h"
 
 namespace headless {
 namespace {
 
+namespace variable = replay::variable;
+
+constexpr char kGround[] = "Ground";
+constexpr double kGroundSideMetres = 20;
+constexpr int kGroundDivisions = 10;
+
+// The handle of the node "Ground". If there is none, one is drawn: a flat square around the origin,
+// which is no undo step.
+std::uint32_t FindOrDrawGround() {
+    if (INode* const ground = FindNode(kGround)) return ground->GetHandle();
+    const double side = kGroundSideMetres / GetMasterScale(UNITS_METERS);
+    INode* const ground =
+        GetCOREInterface()->CreateObjectNode(NewGround(static_cast<float>(side), kGroundDivisions));
+    ground->SetName(kGround);
+    return ground->GetHandle();
+}
+
 CoreRequest RequestFor(const RecordOptions& options) {
-    CoreRequest request{{kCaptureVariable, Lines(options.captures)},
-                        {kCaptureScaleVariable, Plain(options.metresPerUnit)},
-                        {kOptimisedVariable, options.optimisedController ? "1" : "0"},
-                        {kFollowCameraVariable, options.followsWithCamera ? "1" : "0"},
-                        {kTakeVariable, Lines({options.take})},
-                        {kReplaceVariable, options.replaces ? "1" : ""},
-                        {kPartialVariable, options.takesCutCaptures ? "1" : ""},
-                        {kProgressVariable, options.progress ? "1" : ""}};
-    if (options.holdsToGround) request[kGroundVariable] = std::to_string(FindOrDrawGround());
-    if (const auto shape = FirstShape()) request[kGuideVariable] = std::to_string(*shape);
+    CoreRequest request{{variable::kCaptures, Lines(options.captures)},
+                        {variable::kScale, Plain(options.metresPerUnit)},
+                        {variable::kOptimised, options.optimisedController ? "1" : "0"},
+                        {variable::kFollowCamera, options.followsWithCamera ? "1" : "0"},
+                        {variable::kTake, Lines({options.take})},
+                        {variable::kReplace, options.replaces ? "1" : ""},
+                        {variable::kPartial, options.takesCutCaptures ? "1" : ""},
+                        {variable::kProgress, options.progress ? "1" : ""}};
+    if (options.holdsToGround) request[variable::kGround] = std::to_string(FindOrDrawGround());
+    const std::vector<NodeView> nodes = Nodes();
+    const auto shape = std::ranges::find(nodes, SHAPE_CLASS_ID, &NodeView::objectSuperClass);
+    if (shape != nodes.end()) request[variable::kGuide] = std::to_string(shape->handle);
     return request;
 }
 
@@ -37,7 +58,7 @@ void StartTrace(const std::string& path) {
     if (path.empty()) return;
     if (!std::ofstream(path, std::ios::trunc))
         throw Failure(path + ": the trace cannot be written");
-    platform::SetVariable(kTraceVariable, path);
+    platform::SetVariable(TVL::kTraceVariable, path);
 }
 
 SessionSettings SettingsFor(const RecordOptions& options) {
@@ -45,38 +66,15 @@ SessionSettings SettingsFor(const RecordOptions& options) {
     return WithUnitsPerMetre(options.hostUnitsPerMetre);
 }
 
-RecordedCapture TakeCapture(const CoreReport& report, const std::string& entry,
-                            const RecordOptions& options) {
-    RecordedCapture capture{
-        .capture = report.Text(entry + "path"),
-        .joints = report.Count(entry + "joints"),
-        .frames = report.Count(entry + "frames"),
-        .frameSeconds = report.Number(entry + "frameSeconds"),
-        .maxPositionErrorMetres = report.Number(entry + "maxPositionErrorMetres"),
-        .lift = {},
-        .lens = {},
-        .kept = {}};
-    if (options.holdsToGround)
-        capture.lift = {report.Count(entry + "liftedFrames"),
-                        report.Number(entry + "maxLiftMetres")};
-    if (options.followsWithCamera)
-        capture.lens = {report.Number(entry + "maxFieldOfViewErrorDegrees"),
-                        report.Number(entry + "maxTargetDistanceErrorMetres")};
-    if (const std::string until = "keptUntilSeconds"; !report.Text(entry + until).empty())
-        capture.kept = {report.Number(entry + "keptFromSeconds"), report.Number(entry + until)};
-    return capture;
-}
-
-void ReportTake(const CoreReport& report, const RecordOptions& options, RecordResult& result) {
-    for (std::size_t i = 1; i <= report.Entries("captures"); ++i)
-        result.captures.push_back(
-            TakeCapture(report, "capture." + std::to_string(i) + '.', options));
-    if (result.captures.empty()) throw Failure("the Core reported no capture");
-    result.recordSeconds = report.Number("recordSeconds");
-    result.complaints = report.Texts("warnings", "warning");
-    const std::vector<std::string> faults = report.Texts("faults", "fault");
-    result.isFaulty = !faults.empty();
-    std::ranges::copy(faults, std::back_inserter(result.complaints));
+void ReportTake(replay::Report report, const RecordOptions& options, RecordResult& result) {
+    if (report.captures.empty()) throw Failure("the Core reported no capture");
+    result.captures = std::move(report.captures);
+    result.holdsToGround = options.holdsToGround;
+    result.followsWithCamera = options.followsWithCamera;
+    result.recordSeconds = report.recordSeconds;
+    result.complaints = std::move(report.warnings);
+    result.isFaulty = !report.faults.empty();
+    std::ranges::move(report.faults, std::back_inserter(result.complaints));
 }
 
 // A scene with takes in it is not replaced by one in which they are damaged.
@@ -93,17 +91,17 @@ void Save(CoreStage& stage, const RecordOptions& options, RecordResult& result) 
 
 // The times of the frames of the longest capture.
 std::string FrameTimes(const RecordResult& result) {
-    const auto length = [](const RecordedCapture& capture) {
+    const auto length = [](const replay::CaptureReport& capture) {
         return static_cast<double>(capture.frames - 1) * capture.frameSeconds;
     };
-    const RecordedCapture& longest = *std::ranges::max_element(result.captures, {}, length);
+    const replay::CaptureReport& longest = *std::ranges::max_element(result.captures, {}, length);
     return "0:" + Plain(length(longest)) + ':' + Plain(longest.frameSeconds);
 }
 
 // Where a file is wanted the Core writes it under the scratch file's name.
-CoreReport AskForFile(CoreStage& stage, CoreRequest request, const std::string& target,
-                      ScratchFile& file) {
-    if (!target.empty()) request[kCsvVariable] = file.Path();
+replay::Report AskForFile(CoreStage& stage, CoreRequest request, const std::string& target,
+                          CoreFile& file) {
+    if (!target.empty()) request[variable::kCsv] = file.Path();
     try {
         return stage.AskCore(request);
     } catch (const Failure& failure) {
@@ -112,13 +110,13 @@ CoreReport AskForFile(CoreStage& stage, CoreRequest request, const std::string& 
 }
 
 // The frames of a faulty take can be at times of which no table is made.
-void WritePoses(CoreStage& stage, const RecordOptions& options, ScratchFile& poses,
+void WritePoses(CoreStage& stage, const RecordOptions& options, CoreFile& poses,
                 RecordResult& result) {
     if (options.poses.empty()) return;
     if (result.isFaulty)
         result.complaints.push_back(options.poses + ": not written");
     else
-        AskForFile(stage, {{kSampleVariable, FrameTimes(result)}}, options.poses, poses);
+        AskForFile(stage, {{variable::kSample, FrameTimes(result)}}, options.poses, poses);
 }
 
 // At the end, since undo, redo and the shutdown can add to what the opening had to be told of.
@@ -154,8 +152,8 @@ void UndoAndRedo(Session& session, std::uint64_t before, RecordResult& result) {
 
 RecordResult Record(const RecordOptions& options) {
     StartTrace(options.trace);
-    ScratchFile csv(options.csv);
-    ScratchFile poses(options.poses);
+    CoreFile csv(options.csv);
+    CoreFile poses(options.poses);
     CoreStage stage(Guests::kPluginAndCore, SettingsFor(options));
     if (!options.into.empty()) stage.Open(options.into);
     const CoreRequest request = RequestFor(options);

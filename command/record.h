@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
+#include <iosfwd>
 #include <string>
 #include <vector>
+
+#include "replay/report.h"
 
 namespace headless {
 
@@ -25,34 +27,10 @@ struct RecordOptions {
     bool progress = false;
 };
 
-struct RecordedCapture {
-    std::string capture;
-    std::size_t joints = 0;
-    std::size_t frames = 0;
-    double frameSeconds = 0;
-    double maxPositionErrorMetres = 0;
-
-    struct Lift {
-        std::size_t frames = 0;
-        double mostMetres = 0;
-    };
-    std::optional<Lift> lift;  // if feet were held to the ground
-
-    struct Lens {  // how far what is read back is from what was written
-        double maxFieldOfViewErrorDegrees = 0;
-        double maxTargetDistanceErrorMetres = 0;
-    };
-    std::optional<Lens> lens;  // if the camera followed
-
-    struct Kept {  // of what the take held before, behind the last frame
-        double fromSeconds = 0;
-        double untilSeconds = 0;
-    };
-    std::optional<Kept> kept;
-};
-
 struct RecordResult {
-    std::vector<RecordedCapture> captures;
+    std::vector<replay::CaptureReport> captures;
+    bool holdsToGround = false;      // the lifts tell something
+    bool followsWithCamera = false;  // the errors of the lens tell something
     double recordSeconds = 0;
     std::vector<std::string> complaints;  // about captures, scene files and what came of them
     std::string saved;                    // the scene file that was written; empty for none
@@ -70,5 +48,8 @@ struct RecordResult {
 // its Core record captures, with a guide object along the first shape that is there, saves the
 // scene, undoes and redoes the recording, and shuts the host down.
 RecordResult Record(const RecordOptions& options);
+
+void PrintForPerson(std::ostream& out, const RecordResult& result);
+void PrintForProgram(std::ostream& out, const RecordResult& result);
 
 }  // namespace headless

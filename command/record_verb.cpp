@@ -3,12 +3,11 @@
 #include <memory>
 #include <vector>
 
-#include "command/apart.h"
 #include "command/exit_status.h"
-#include "command/print_result.h"
 #include "command/record.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
+#include "command/written_files.h"
 #include "platform/process.h"
 
 namespace headless {
@@ -17,7 +16,7 @@ namespace {
 struct RecordArguments {
     RecordOptions options;
     bool plainController = false;
-    bool json = false;
+    Audience audience = Audience::kPerson;
 };
 
 // A scene may be saved in the place of the one that is recorded into.
@@ -43,18 +42,13 @@ void RunRecord(const RecordArguments& arguments) {
     options.optimisedController = !arguments.plainController;
     options.progress = platform::IsErrorStreamATerminal();
     const RecordResult result = Record(options);
-    if (arguments.json)
-        PrintForProgram(std::cout, result);
-    else
-        PrintForPerson(std::cout, result);
+    Print(std::cout, result, arguments.audience);
     if (result.isFaulty) throw Ended{kFailed};
 }
 
 void AddTakeOptions(CLI::App& verb, RecordOptions& options) {
-    verb.add_option("--take", options.take,
-                    "Record into the take of this name (else that of the capture's file)")
-        ->check([](const std::string& name) { return name.empty() ? "the name is empty" : ""; },
-                "NAME");
+    AddName(verb, "--take", options.take,
+            "Record into the take of this name (else that of the capture's file)");
     verb.add_flag("--replace", options.replaces,
                   "Leave nothing of a take that is in the scene already");
     verb.add_flag("--partial", options.takesCutCaptures,
@@ -94,7 +88,7 @@ void AddRecordVerb(CLI::App& app) {
     AddWrittenFiles(*verb, options);
     verb->add_flag("--no-optimised-controller", arguments->plainController,
                    "Record into the host's own controllers");
-    verb->add_flag("--json", arguments->json, "Print the result as one JSON object");
+    AddAudience(*verb, arguments->audience);
     AddExample(*verb,
                "record /usr/share/assimp/models/BVH/01_01.bvh --scene build/demo/mine.scene");
     verb->callback([arguments] { RunRecord(*arguments); });

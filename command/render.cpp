@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "command/exit_status.h"
-#include "command/progress_line.h"
 #include "host/time.h"
+#include "platform/progress_line.h"
 
 namespace headless {
 namespace {
@@ -79,7 +79,8 @@ void CheckSheet(const RenderOptions& options, std::size_t count) {
 // Each moment fills its own picture.
 void RenderSheet(const RenderOptions& options, const FrameRange& frames, RenderResult& result) {
     CheckSheet(options, frames.Count());
-    ProgressLine progress(options.progress, "Drawing", frames.Count());
+    platform::ProgressLine progress(options.progress, "Drawing", platform::ProgressIn::kSteps,
+                                    frames.Count());
     std::vector<Picture> pictures;
     for (std::size_t i = 0; i < frames.Count(); ++i) {
         pictures.push_back(PictureAt(options.view, AtFrame(frames.At(i)), options.scene));
@@ -91,7 +92,8 @@ void RenderSheet(const RenderOptions& options, const FrameRange& frames, RenderR
 void RenderSequence(const RenderOptions& options, const FrameRange& frames, RenderResult& result) {
     ViewportSettings view = options.view;
     view.framedTimes = FramedTimes(frames);
-    ProgressLine progress(options.progress, "Drawing", frames.Count());
+    platform::ProgressLine progress(options.progress, "Drawing", platform::ProgressIn::kSteps,
+                                    frames.Count());
     for (std::size_t i = 0; i < frames.Count(); ++i) {
         const int frame = frames.At(i);
         const std::string file = WithFrame(options.file, frame);

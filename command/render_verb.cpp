@@ -6,7 +6,6 @@
 #include <optional>
 #include <string_view>
 
-#include "command/apart.h"
 #include "command/exit_status.h"
 #include "command/render.h"
 #include "command/verb_options.h"
@@ -107,12 +106,9 @@ void AddTimes(CLI::App& verb, const std::shared_ptr<RenderArguments>& arguments)
 
 void AddLooks(CLI::App& verb, const std::shared_ptr<RenderArguments>& arguments) {
     ViewportSettings& view = arguments->options.view;
-    verb.add_option(
-            "--camera", view.camera,
+    AddName(verb, "--camera", view.camera,
             "Look through this camera; else from the front and above at all that shows, for "
-            "which neither cameras nor a flat ground count")
-        ->check([](const std::string& name) { return name.empty() ? "the name is empty" : ""; },
-                "NAME");
+            "which neither cameras nor a flat ground count");
     verb.add_option_function<std::string>(
         "--size", [arguments](const std::string& text) { ReadSize(text, arguments->options.view); },
         "WIDTHxHEIGHT of each picture in pixels, 16 to 8,192 [960x540]");

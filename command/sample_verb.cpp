@@ -4,12 +4,11 @@
 #include <memory>
 #include <vector>
 
-#include "command/apart.h"
-#include "command/core_environment.h"
 #include "command/core_stage.h"
 #include "command/exit_status.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
+#include "replay/request.h"
 
 namespace headless {
 namespace {
@@ -25,11 +24,11 @@ void RunSample(const SampleArguments& arguments) {
     KeepApart({{"SCENE", arguments.scene}}, {{"--csv", arguments.csv}});
     CoreStage stage(Guests::kPluginAndCore);
     stage.Open(arguments.scene);
-    ScratchFile csv(arguments.csv);
+    CoreFile csv(arguments.csv);
     try {
-        stage.AskCore({{kSampleVariable, arguments.times},
-                       {kSampleNodesVariable, Lines(arguments.nodes)},
-                       {kCsvVariable, csv.Path()}});
+        stage.AskCore({{replay::variable::kSample, arguments.times},
+                       {replay::variable::kSampleNodes, Lines(arguments.nodes)},
+                       {replay::variable::kCsv, csv.Path()}});
     } catch (const Failure& failure) {
         throw Failure(csv.Named(failure.what()), failure.Status());
     }

@@ -4,35 +4,39 @@
 #include <ostream>
 #include <string_view>
 
-#include "command/counted.h"
 #include "command/exit_status.h"
-#include "command/print_json.h"
+#include "command/output.h"
 #include "headless/scene_view.h"
 
 namespace headless {
 namespace {
-
-std::vector<TakeReport> TakesIn(const CoreReport& report) {
-    std::vector<TakeReport> takes;
-    for (std::size_t i = 1; i <= report.Entries("takes"); ++i) {
-        const std::string entry = "take." + std::to_string(i) + '.';
-        takes.push_back({.name = report.Text(entry + "name"),
-                         .parent = report.Text(entry + "parent"),
-                         .captures = report.Texts(entry + "captures", entry + "capture"),
-                         .nodes = report.Count(entry + "nodes"),
-                         .missing = report.Texts(entry + "missing", entry + "missing")});
-    }
-    return takes;
-}
 
 void PrintList(std::ostream& out, std::string_view title, const std::vector<std::string>& texts) {
     for (const std::string& text : texts)
         out << (&text == &texts.front() ? title : ", ") << text;
 }
 
+}  // namespace
+
+SceneReport SaveAndReport(CoreStage& stage, const std::string& scene, const std::string& target) {
+    if (!target.empty()) stage.Save(target);
+    SceneReport report;
+    report.scene = scene;
+    report.saved = target;
+    report.nodes = Nodes().size();
+    report.complaints = stage.Complaints();
+    try {
+        if (stage.WantsCore()) report.takes = stage.AskCore({}).takes;
+    } catch (const Failure& failure) {
+        report.complaints.push_back(failure.what());
+    }
+    report.boxes = stage.BoxTexts();
+    return report;
+}
+
 void PrintForPerson(std::ostream& out, const SceneReport& report) {
     out << report.scene << ": " << Counted(report.nodes, "node") << '\n';
-    for (const TakeReport& take : report.takes) {
+    for (const replay::TakeReport& take : report.takes) {
         out << "Take " << take.name << ": " << Counted(take.nodes, "node");
         if (!take.parent.empty()) out << ", below " << take.parent;
         PrintList(out, ", from ", take.captures);
@@ -53,38 +57,13 @@ void PrintForProgram(std::ostream& out, const SceneReport& report) {
                                      {"boxes", report.boxes},
                                      {"complaints", report.complaints},
                                      {"saved", report.saved}};
-    for (const TakeReport& take : report.takes)
+    for (const replay::TakeReport& take : report.takes)
         object["takes"].push_back({{"name", take.name},
                                    {"parent", take.parent},
                                    {"captures", take.captures},
                                    {"nodes", take.nodes},
                                    {"missing", take.missing}});
     PrintJson(out, object);
-}
-
-}  // namespace
-
-SceneReport SaveAndReport(CoreStage& stage, const std::string& scene, const std::string& target) {
-    if (!target.empty()) stage.Save(target);
-    SceneReport report;
-    report.scene = scene;
-    report.saved = target;
-    report.nodes = Nodes().size();
-    report.complaints = stage.Complaints();
-    try {
-        if (stage.WantsCore()) report.takes = TakesIn(stage.AskCore({}));
-    } catch (const Failure& failure) {
-        report.complaints.push_back(failure.what());
-    }
-    report.boxes = stage.BoxTexts();
-    return report;
-}
-
-void Print(std::ostream& out, const SceneReport& report, Audience audience) {
-    if (audience == Audience::kPerson)
-        PrintForPerson(out, report);
-    else
-        PrintForProgram(out, report);
 }
 
 }  // namespace headless

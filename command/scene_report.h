@@ -9,21 +9,12 @@
 
 namespace headless {
 
-// A take of the Core's, as its report tells of it.
-struct TakeReport {
-    std::string name;
-    std::string parent;                 // the take that it belongs to; empty for none
-    std::vector<std::string> captures;  // paths
-    std::size_t nodes = 0;              // that the Core has taken up
-    std::vector<std::string> missing;   // names of nodes that it did not find
-};
-
 // What stands after a verb has done its work on a scene.
 struct SceneReport {
     std::string scene;  // the file that was opened
     std::string saved;  // the file that was written; empty for none
     std::size_t nodes = 0;
-    std::vector<TakeReport> takes;
+    std::vector<replay::TakeReport> takes;
     std::vector<std::string> boxes;       // the texts of message boxes
     std::vector<std::string> complaints;  // about files and the Core, a line each
 };
@@ -32,9 +23,7 @@ struct SceneReport {
 // takes. Where a Core is wanted and none is there, that is a complaint.
 SceneReport SaveAndReport(CoreStage& stage, const std::string& scene, const std::string& target);
 
-// For a person, or as one JSON object.
-enum class Audience { kPerson, kProgram };
-
-void Print(std::ostream& out, const SceneReport& report, Audience audience);
+void PrintForPerson(std::ostream& out, const SceneReport& report);
+void PrintForProgram(std::ostream& out, const SceneReport& report);
 
 }  // namespace headless

@@ -91,4 +91,17 @@ void AddGuestOptions(CLI::App& verb, GuestFlags& words) {
     verb.add_flag("--no-plugin", words.noPlugin, "The host is alone");
 }
 
+void AddAudience(CLI::App& verb, Audience& audience) {
+    verb.add_flag_callback(
+        "--json", [&audience] { audience = Audience::kProgram; },
+        "Print the result as one JSON object");
+}
+
+CLI::Option* AddName(CLI::App& verb, const std::string& words, std::string& name,
+                     const std::string& help) {
+    return verb.add_option(words, name, help)
+        ->check([](const std::string& text) { return text.empty() ? "the name is empty" : ""; },
+                "NAME");
+}
+
 }  // namespace headless

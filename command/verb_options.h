@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "command/core_stage.h"
+#include "command/output.h"
 
 namespace CLI {
 class App;
@@ -53,5 +54,12 @@ struct GuestFlags {
 };
 
 void AddGuestOptions(CLI::App& verb, GuestFlags& words);
+
+// --json: whom to print for.
+void AddAudience(CLI::App& verb, Audience& audience);
+
+// An option whose text is not empty.
+CLI::Option* AddName(CLI::App& verb, const std::string& words, std::string& name,
+                     const std::string& help);
 
 }  // namespace headless

@@ -27,11 +27,14 @@ PARTS = [
     ("include/tvl", None, "", ["tvl"]),
     ("include/host", None, "", ["host", "platform"]),
     ("include/headless", None, "", ["headless", "host"]),
+    ("include/replay", None, "", ["replay"]),
     ("platform", None, "", ["platform"]),
     ("src", PLUGIN, "", ["tvl", "host", "platform"]),
     ("headless", HOST, "headless/", ["include/headless", "host", "platform"]),
-    ("command", None, "", ["command", "headless", "host", "platform"]),
-    ("examples/replay_core", None, "", ["tvl", "replay_core", "platform/narrow_path.h"]),
+    ("command", None, "", ["command", "headless", "host", "platform", "replay", "tvl/ids.h",
+                             "tvl/installation.h"]),
+    ("examples/replay_core", None, "", ["tvl", "replay", "replay_core", "platform/narrow_path.h",
+                                          "platform/progress_line.h", "platform/whole_file.h"]),
 ]
 
 

@@ -10,12 +10,12 @@
 #include <string_view>
 #include <system_error>
 
-#include "headless/scene_file/atomic_file.h"
 #include "headless/scene_file/scene_chunks.h"
 #include "headless/storage/byte_source.h"
 #include "headless/storage/chunks.h"
 #include "platform/files.h"
 #include "platform/narrow_path.h"
+#include "platform/whole_file.h"
 
 namespace headless {
 namespace {
@@ -25,6 +25,7 @@ namespace fs = std::filesystem;
 constexpr std::chrono::hours kLongestSave{24};
 
 bool IsNameWhileSaving(std::string_view name) {
+    using platform::kSavingDigits, platform::kSavingPrefix, platform::kSavingSuffix;
     if (name.size() != kSavingPrefix.size() + kSavingDigits + kSavingSuffix.size()) return false;
     const std::string_view digits = name.substr(kSavingPrefix.size(), kSavingDigits);
     return name.starts_with(kSavingPrefix) && name.ends_with(kSavingSuffix) &&

@@ -1,12 +1,9 @@
 #include "platform/files.h"
 
 #include <dirent.h>
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <cstdio>
 #include <memory>
 
 #include "platform/formats/text.h"
@@ -15,46 +12,6 @@
 #include "platform/win32.h"
 
 namespace platform {
-namespace {
-
-bool Flush(const std::string& path, int flags) {
-    const int file = open(path.c_str(), flags | O_CLOEXEC);
-    if (file < 0) return false;
-    bool flushed = fsync(file) == 0;
-    while (!flushed && errno == EINTR)
-        flushed = fsync(file) == 0;
-    const int reason = errno;
-    close(file);
-    errno = reason;
-    return flushed;
-}
-
-std::string LastError() {
-    return std::generic_category().message(errno);
-}
-
-}  // namespace
-
-NewFile MakeNewFile(const std::string& path, std::string& reason) {
-    if (std::FILE* const file = std::fopen(path.c_str(), "wbx")) {
-        std::fclose(file);
-        return NewFile::kMade;
-    }
-    if (errno == EEXIST) return NewFile::kNameTaken;
-    reason = LastError();
-    return NewFile::kRefused;
-}
-
-// Once the name has moved, the folder is flushed as well as its file system can: the old file is
-// gone by then, so that a refusal would help nobody.
-std::string ReplaceFile(const std::string& finished, const std::string& place) {
-    std::string folder = std::filesystem::path(place).parent_path();
-    if (folder.empty()) folder = ".";
-    if (!Flush(finished, O_RDONLY)) return LastError();
-    if (std::rename(finished.c_str(), place.c_str()) != 0) return LastError();
-    Flush(folder, O_RDONLY | O_DIRECTORY);
-    return {};
-}
 
 bool AreSameFile(const std::string& first, const std::string& second) {
     namespace fs = std::filesystem;

@@ -1,8 +1,10 @@
 #include "tests/end_to_end/command.h"
 
 #include <algorithm>
+#include <cmath>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 
 #include "platform/narrow_path.h"
 #include "platform/testing.h"
@@ -38,4 +40,18 @@ void Command::ExpectFailure(const Ending& ending, const std::string& what, int s
     EXPECT_EQ(ending.out, "");
     EXPECT_EQ(std::count(ending.error.begin(), ending.error.end(), '\n'), 1) << ending.error;
     EXPECT_EQ(ending.error.rfind("lumiset-headless: " + what, 0), 0U) << ending.error;
+}
+
+double Command::FurthestApart(std::string first, std::string second) {
+    for (std::string* table : {&first, &second})
+        std::ranges::replace(*table, '\n', ',');
+    EXPECT_EQ(std::ranges::count(first, ','), std::ranges::count(second, ','));
+    double furthest = 0;
+    std::istringstream ones(first);
+    std::istringstream others(second);
+    std::string other;
+    for (std::string one; std::getline(ones, one, ',') && std::getline(others, other, ',');)
+        if (one != other)
+            furthest = std::max(furthest, std::abs(std::stod(one) - std::stod(other)));
+    return furthest;
 }

@@ -30,6 +30,9 @@ class Command : public testing::Test {
     // Fails with one line, which begins with `what`.
     static void ExpectFailure(const Ending& ending, const std::string& what, int status = 1);
 
+    // The greatest difference of two numbers in one place of two tables that agree in all else.
+    static double FurthestApart(std::string first, std::string second);
+
     TemporaryFolder folder_;
     std::string documents_;  // the user's folder of documents; none if empty
 };

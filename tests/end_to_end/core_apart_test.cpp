@@ -1,11 +1,6 @@
-#include <algorithm>
-#include <cmath>
-#include <cstddef>
 #include <filesystem>
 #include <nlohmann/json.hpp>
-#include <sstream>
 #include <string>
-#include <vector>
 
 #include "tests/end_to_end/command.h"
 #include "tests/end_to_end/stage.h"
@@ -23,27 +18,6 @@ constexpr const char* kCores[] = {CORE_FOLDER, CORE_APART_FOLDER};
 
 // Beyond the last digit that a compiler's choice of a square root can change.
 constexpr double kLastDigit = 1e-15;
-
-std::vector<std::string> Fields(std::string table) {
-    std::ranges::replace(table, '\n', ',');
-    std::istringstream text(table);
-    std::vector<std::string> fields;
-    for (std::string field; std::getline(text, field, ',');)
-        fields.push_back(field);
-    return fields;
-}
-
-// The greatest difference of two numbers in one place of two tables that agree in all else.
-double FurthestApart(const std::string& firstTable, const std::string& secondTable) {
-    const std::vector<std::string> first = Fields(firstTable);
-    const std::vector<std::string> second = Fields(secondTable);
-    EXPECT_EQ(first.size(), second.size());
-    double furthest = 0;
-    for (std::size_t i = 0; i < std::min(first.size(), second.size()); ++i)
-        if (first[i] != second[i])
-            furthest = std::max(furthest, std::abs(std::stod(first[i]) - std::stod(second[i])));
-    return furthest;
-}
 
 TEST_F(Command, CoresBuiltApartRecordTheSameAndTakeUpWhatTheOtherRecorded) {
     if (!std::filesystem::exists(kRealCapture)) GTEST_SKIP() << "assimp-testmodels is missing";

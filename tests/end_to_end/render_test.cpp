@@ -104,32 +104,35 @@ TEST_F(Command, DrawsAGuideObjectAndKeepsItWhereThePlugInIsMissing) {
 
 TEST_F(Command, RefusesPicturesThatCannotBeAndLeavesNoFile) {
     const std::string scene = File("take.scene");
+    const std::string twice = File("twice.scene");
     const std::string file = File("a.png");
     Do("record " + Write("walk.bvh", Walk(2)) + " --scene " + scene);
-    const auto refuses = [&](const std::string& words, const std::string& error, int status) {
-        ExpectFailure(Run("render " + scene + " -o " + file + " " + words), error, status);
-    };
-    refuses("", "", 2);
-    refuses("--time 1 --frames 0:1:1", "", 2);
-    refuses("--time soon", "--time: ", 2);
-    refuses("--time 1 --size 320", "--size: 320 is not", 2);
-    refuses("--time 1 --size 15x9000", "--size: a picture is 16 to 8,192 pixels", 2);
-    refuses("--time 1 --sheet 2", "", 2);
-    refuses("--frames 0:4:0", "--frames: 0:4:0 has no step above 0", 2);
-    refuses("--frames 10:0:1", "--frames: 10:0:1 has its last frame before the first", 2);
-    refuses("--frames 0:4:1 --sheet x", "--sheet: x is not a whole number", 2);
-    refuses("--frames 0:4:1 --sheet 513", "--sheet: 513 is not from 1 to 512", 2);
-    refuses("--frames 0:4", "--frames: 0:4 is not", 2);
-    refuses("--frames 0:4:1", "-o: " + file + " has no place for the number of a frame", 2);
-    refuses("--frames 0:9999:1 --sheet 2", "--sheet: 10000 pictures make a sheet of ", 2);
-    refuses("--time 1 --camera Nobody", scene + ": no picture: no node is called \"Nobody\"", 1);
-    refuses("--time 1 --camera ''", "--camera: ", 2);
-    refuses("--time 1 --camera walk_Hip",
-            scene + ": no picture: the node \"walk_Hip\" is no camera", 1);
-    const std::string twice = File("twice.scene");
     Do("merge " + scene + ' ' + scene + " --by-host --save " + twice);
-    ExpectFailure(Run("render " + twice + " -o " + file + " --time 1 --camera walk_Camera"),
-                  twice + ": no picture: 2 cameras are called \"walk_Camera\"");
+    struct Wrong {
+        std::string words;
+        std::string error;
+    };
+    for (const Wrong& wrong :
+         {Wrong{"", ""}, Wrong{"--time 1 --frames 0:1:1", ""}, Wrong{"--time soon", "--time: "},
+          Wrong{"--time 1 --size 320", "--size: 320 is not"},
+          Wrong{"--time 1 --size 15x9000", "--size: a picture is 16 to 8,192 pixels"},
+          Wrong{"--time 1 --sheet 2", ""}, Wrong{"--time 1 --camera ''", "--camera: "},
+          Wrong{"--frames 0:4:0", "--frames: 0:4:0 has no step above 0"},
+          Wrong{"--frames 10:0:1", "--frames: 10:0:1 has its last frame before the first"},
+          Wrong{"--frames 0:4:1 --sheet x", "--sheet: x is not a whole number"},
+          Wrong{"--frames 0:4:1 --sheet 513", "--sheet: 513 is not from 1 to 512"},
+          Wrong{"--frames 0:4", "--frames: 0:4 is not"},
+          Wrong{"--frames 0:4:1", "-o: " + file + " has no place for the number of a frame"},
+          Wrong{"--frames 0:9999:1 --sheet 2", "--sheet: 10000 pictures make a sheet of "}})
+        ExpectFailure(Run("render " + scene + " -o " + file + " " + wrong.words), wrong.error, 2);
+    const auto fails = [&](const std::string& drawn, const std::string& camera,
+                           const std::string& why) {
+        ExpectFailure(Run("render " + drawn + " -o " + file + " --time 1 --camera " + camera),
+                      drawn + ": no picture: " + why);
+    };
+    fails(scene, "Nobody", "no node is called \"Nobody\"");
+    fails(scene, "walk_Hip", "the node \"walk_Hip\" is no camera");
+    fails(twice, "walk_Camera", "2 cameras are called \"walk_Camera\"");
     EXPECT_FALSE(std::filesystem::exists(file));
     ExpectFailure(Run("render " + scene + " --time 1 -o " + File("no/a.png")),
                   File("no/a.png") + ": the file cannot be written");

@@ -19,126 +19,90 @@ std::string With(std::string text, const std::string& from, const std::string& t
     return text.replace(text.find(from), from.size(), to);
 }
 
+struct Outcome {
+    int status = 0;
+    std::size_t nodes = 3;  // in the scene then
+    std::size_t keys = 40;
+    double keptUntil = 0;  // behind the last frame; 0 for nothing
+};
+
 struct Retake {
-    const char* what;
     std::string capture;
     std::string options;
-    int status;
-    std::size_t nodes;  // in the scene then
-    std::size_t keys;
-    double keptUntil;                     // behind the last frame; 0 for nothing
+    Outcome outcome;
     std::vector<std::string> complaints;  // or the line of a refusal, by their parts
 };
 
-const std::string kKnee = "JOINT Knee\n{\nOFFSET 0 -0.5 0\nCHANNELS 3 ";
-
 std::vector<Retake> Retakes() {
-    const std::string longer = "JOINT Knee\n{\nOFFSET 0 -1 0\nCHANNELS 0\n}\n" + kKnee;
+    const std::string walk = Walk(20);
+    const std::string knee = "JOINT Knee\n{\nOFFSET 0 -0.5 0\nCHANNELS 3 ";
+    const std::string twoKnees = "JOINT Knee\n{\nOFFSET 0 -1 0\nCHANNELS 0\n}\n" + knee;
     const std::string root = With(With(Walk(5), "JOINT Knee", "}\nROOT Knee"), "}\n}\n}", "}\n}");
     const std::string shin = With(Walk(5), "Knee", "Shin");
-    const std::string notSaved = "take.scene: kept as it was before";
+    const std::string cut = With(walk, "Frames: 20", "Frames: 21");
+    const std::string kept = "take.scene: kept as it was before";
     const std::string over = "again/walk.bvh: written over what the take \"walk\" held of ";
     const std::string other = "the take \"walk\" in the scene is another skeleton (it ";
     const std::string way = "--take names a take of its own, --replace puts the capture in its";
+    const std::string lost = " of 20 frames are at the time of another one";
+    const Outcome refused{.status = 1};
     return {
-        {"the same again", Walk(20), "", 0, 3, 40, 0, {over}},
-        {"shorter", Walk(10), "", 0, 3, 40, 0.95, {over}},
-        {"shorter, nothing left", Walk(10), "--replace", 0, 3, 20, 0, {}},
-        {"another name", shin, "", 1, 3, 40, 0, {other + "has \"Knee\" as well); ", way}},
-        {"another parent", root, "", 1, 3, 40, 0, {other + "has \"Knee\" below another node); "}},
-        {"a joint more",
-         With(Walk(5), kKnee, longer),
+        {walk, "", {}, {over}},
+        {Walk(10), "", {.keptUntil = 0.95}, {over}},
+        {Walk(10), "--replace", {.keys = 20}, {}},
+        {shin, "", refused, {other + "has \"Knee\" as well); ", way}},
+        {root, "", refused, {other + "has \"Knee\" below another node); "}},
+        {With(Walk(5), knee, twoKnees), "", refused, {other + "has no \"Knee_2\"); "}},
+        {With(Walk(5), "Knee", "Camera"), "", refused, {other}},
+        {With(Walk(40), "0.05", "0.025"),
          "",
-         1,
-         3,
-         40,
-         0,
-         {other + "has no \"Knee_2\"); "}},
-        {"the other's camera", With(Walk(5), "Knee", "Camera"), "", 1, 3, 40, 0, {other}},
-        {"another frame time",
-         With(Walk(40), "0.05", "0.025"),
-         "",
-         1,
-         3,
-         40,
-         0,
+         refused,
          {"in the scene has a frame each 0.05 s (the capture each 0.025 s); ", way}},
-        {"another skeleton, replaced", shin, "--replace", 0, 3, 10, 0, {}},
-        {"another skeleton, beside", shin, "--take other", 0, 6, 50, 0, {}},
-        {"one frame more",
-         With(Walk(20), "Frames: 20", "Frames: 19"),
+        {shin, "--replace", {.keys = 10}, {}},
+        {shin, "--take other", {.nodes = 6, .keys = 50}, {}},
+        {With(walk, "Frames: 20", "Frames: 19"),
          "",
-         0,
-         3,
-         40,
-         0,
+         {},
          {over, "again/walk.bvh: announced frames: 19, there are 20"}},
-        {"cut",
-         With(Walk(20), "Frames: 20", "Frames: 21"),
-         "",
-         1,
-         3,
-         40,
-         0,
-         {"the file ends after 20 of 21 frames; --partial "}},
-        {"cut, and taken",
-         With(Walk(20), "Frames: 20", "Frames: 21"),
-         "--partial",
-         0,
-         3,
-         40,
-         0,
-         {over, "announced frames: 21, there are 20"}},
-        {"frames on one tick",
-         With(Walk(20), "0.05", "0.0001"),
+        {cut, "", refused, {"the file ends after 20 of 21 frames; --partial "}},
+        {cut, "--partial", {}, {over, "announced frames: 21, there are 20"}},
+        {With(walk, "0.05", "0.0001"),
          "--replace",
-         1,
-         3,
-         20,
-         0,
-         {"10 of 20 frames are at the time of another one", "a joint is 20", notSaved}},
-        {"frames beyond all time",
-         With(Walk(20), "0.05", "1e30"),
+         {.status = 1, .keys = 20},
+         {"10" + lost, "a joint is 20", kept}},
+        {With(walk, "0.05", "1e30"),
          "--replace",
-         1,
-         3,
-         4,
-         0,
-         {"18 of 20 frames are at the time of another one", "1 mm tolerated", notSaved}},
+         {.status = 1, .keys = 4},
+         {"18" + lost, "1 mm tolerated", kept}},
     };
 }
 
-class RetakeTest : public Command {};
-
-TEST_F(RetakeTest, LosesNothingOfATakeThatIsThereWithoutAWord) {
+TEST_F(Command, LosesNothingOfATakeThatIsThereWithoutAWord) {
     const std::string scene = File("take.scene");
     Do("record " + Write("walk.bvh", Walk(20)) + " --scale 1 --scene " + scene);
     const std::string before = Read(scene);
     std::filesystem::create_directory(File("again"));
-    for (const Retake& retake : Retakes()) {
-        SCOPED_TRACE(retake.what);
+    for (const auto& [capture, options, outcome, complaints] : Retakes()) {
+        SCOPED_TRACE(capture + options);
         Write("take.scene", before);
         const Ending ending =
-            Run("record " + Write("again/walk.bvh", retake.capture) + " --scale 1 --json --into " +
-                scene + " --scene " + scene + ' ' + retake.options);
-        EXPECT_EQ(ending.status, retake.status) << ending.error;
-        EXPECT_TRUE(retake.status == 0 || Read(scene) == before);
-        if (ending.out.empty()) {
-            for (const std::string& part : retake.complaints)
-                EXPECT_NE(ending.error.find(part), std::string::npos) << ending.error;
-            continue;
+            Run("record " + Write("again/walk.bvh", capture) + " --scale 1 --json --into " + scene +
+                " --scene " + scene + ' ' + options);
+        EXPECT_EQ(ending.status, outcome.status) << ending.error;
+        EXPECT_TRUE(outcome.status == 0 || Read(scene) == before);
+        std::string said = ending.error;
+        if (!ending.out.empty()) {
+            const auto told = nlohmann::json::parse(ending.out);
+            EXPECT_TRUE(told["undoSteps"] == 1 && told["undoIdentical"] && told["redoIdentical"]);
+            EXPECT_EQ(told["nodes"], outcome.nodes);
+            EXPECT_EQ(told["keys"], outcome.keys);
+            EXPECT_DOUBLE_EQ(told.value("keptUntilSeconds", 0.0), outcome.keptUntil);
+            EXPECT_EQ(told["complaints"].size(), complaints.size()) << told["complaints"];
+            for (const nlohmann::json& complaint : told["complaints"])
+                said += complaint.get<std::string>() + '\n';
         }
-        const auto told = nlohmann::json::parse(ending.out);
-        EXPECT_EQ(told["undoSteps"], 1);
-        EXPECT_TRUE(told["undoIdentical"] && told["redoIdentical"]);
-        EXPECT_EQ(told["nodes"], retake.nodes);
-        EXPECT_EQ(told["keys"], retake.keys);
-        EXPECT_DOUBLE_EQ(told.value("keptUntilSeconds", 0.0), retake.keptUntil);
-        ASSERT_EQ(told["complaints"].size(), retake.complaints.size()) << told["complaints"];
-        for (std::size_t i = 0; i < retake.complaints.size(); ++i)
-            EXPECT_NE(told["complaints"][i].get<std::string>().find(retake.complaints[i]),
-                      std::string::npos)
-                << told["complaints"][i];
+        for (const std::string& part : complaints)
+            EXPECT_NE(said.find(part), std::string::npos) << said;
     }
 }
 

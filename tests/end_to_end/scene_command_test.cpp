@@ -1,10 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <nlohmann/json.hpp>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -57,34 +55,30 @@ class SceneCommand : public Command {
 TEST_F(SceneCommand, TakesComeBackWhoeverOpenedAndSavedTheirSceneInBetween) {
     if (!std::filesystem::exists(kRealCapture)) GTEST_SKIP() << "assimp-testmodels is missing";
     const std::string recorded = File("recorded");
-    Do("record " + kRealCapture + " --scene " + recorded + " --poses " +
+    Do("record " + std::string(kRealCapture) + " --scene " + recorded + " --poses " +
        File("recorded.csv"));
-    ExpectTakes(Open(recorded, File("core")), {"01_01"}, 32);
-    EXPECT_EQ(Differences(recorded, File("core")), "");
-    EXPECT_TRUE(Open(File("core"), File("host"), " --no-plugin")["takes"].empty());
-    EXPECT_TRUE(Read(File("core")) == Read(File("host"))) << "bytes differ";
+    EXPECT_TRUE(Open(recorded, File("host"), " --no-plugin")["takes"].empty());
+    EXPECT_TRUE(Read(recorded) == Read(File("host"))) << "bytes differ";
     EXPECT_TRUE(Open(File("host"), File("plugin"), " --no-core")["takes"].empty());
-    EXPECT_EQ(Differences(recorded, File("plugin")), "");
     EXPECT_FALSE(Open(File("plugin"), File("foreign"), "", kForeignCore)["complaints"].empty());
-    EXPECT_EQ(Differences(recorded, File("foreign")), "");
     ExpectTakes(Open(File("foreign"), File("last")), {"01_01"}, 32);
-    EXPECT_EQ(Differences(recorded, File("last")), "");
+    for (const char* scene : {"plugin", "foreign", "last"})
+        EXPECT_EQ(Differences(recorded, File(scene)), "") << scene;
     Do("sample " + File("last") + " --times 0:22.9249083:0.0083333 --csv " + File("last.csv"));
     EXPECT_TRUE(Read(File("recorded.csv")) == Read(File("last.csv"))) << "poses differ";
 }
 
-TEST_F(SceneCommand, SeveralCapturesBecomeTakesWithinTakesInOneUndoStep) {
+TEST_F(SceneCommand, SeveralCapturesBecomeTakesWithinTakesInOneUndoStepAndMergeAnew) {
     std::string captures;
     for (const char* name : {"a.bvh", "b.bvh", "c.bvh", "d.bvh"})
         captures += Write(name, Walk(4)) + ' ';
-    const auto told = nlohmann::json::parse(
-        Do("record " + captures + " --scale 1 --json --scene " + File("scene")));
+    const std::string scene = File("scene");
+    const auto told =
+        nlohmann::json::parse(Do("record " + captures + " --scale 1 --json --scene " + scene));
     EXPECT_EQ(told["captures"].size(), 4u);
     EXPECT_EQ(told["nodes"], 12);
-    EXPECT_EQ(told["undoSteps"], 1);
-    EXPECT_EQ(told["undoIdentical"], true);
-    EXPECT_EQ(told["redoIdentical"], true);
-    const nlohmann::json opened = Open(File("scene"), File("again"));
+    EXPECT_TRUE(told["undoSteps"] == 1 && told["undoIdentical"] && told["redoIdentical"]);
+    const nlohmann::json opened = Open(scene, File("again"));
     ExpectTakes(opened, {"a", "b", "c", "d"}, 3);
     std::vector<std::string> parents;
     for (const nlohmann::json& take : opened["takes"])
@@ -93,23 +87,14 @@ TEST_F(SceneCommand, SeveralCapturesBecomeTakesWithinTakesInOneUndoStep) {
     ExpectFailure(Run("record " + captures + File("absent.bvh") + " --scene " + File("none")),
                   File("absent.bvh"));
     EXPECT_FALSE(std::filesystem::exists(File("none")));
-}
 
-TEST_F(SceneCommand, ASceneMergedIntoItselfKeepsEveryTakeWithItsNodes) {
-    const std::string scene = File("scene");
-    Do("record " + Write("walk.bvh", Walk(4)) + " --scene " + scene);
-    const std::string thrice = scene + ' ' + scene + ' ' + scene;
-    const std::vector<std::string> names = {"walk", "walk 2", "walk 3", "walk 4"};
-    const auto merged = nlohmann::json::parse(
-        Do("merge " + scene + ' ' + thrice + " --json --save " + File("merged")));
-    ExpectTakes(merged, names, 3);
+    const std::vector<std::string> names = {"a", "a 2", "b", "b 2", "c", "c 2", "d", "d 2"};
+    const std::string merge = "merge " + scene + ' ' + scene + " --json --save ";
+    ExpectTakes(nlohmann::json::parse(Do(merge + File("merged"))), names, 3);
     ExpectTakes(Open(File("merged"), File("again")), names, 3);
     EXPECT_EQ(Differences(File("merged"), File("again")), "");
-    for (const char* options : {" --by-host", " --no-core", " --no-plugin"}) {
-        const auto byHost = nlohmann::json::parse(
-            Do("merge " + scene + ' ' + scene + " --json --save " + File("hosted") + options));
-        EXPECT_EQ(byHost["nodes"], 6) << options;
-    }
+    for (const char* options : {" --by-host", " --no-core", " --no-plugin"})
+        EXPECT_EQ(nlohmann::json::parse(Do(merge + File("hosted") + options))["nodes"], 24);
 }
 
 TEST_F(SceneCommand, BrokenScenesAreRefusedInOneLineThatNamesThem) {
@@ -120,40 +105,19 @@ TEST_F(SceneCommand, BrokenScenesAreRefusedInOneLineThatNamesThem) {
     changed[changed.size() / 2] ^= 1;
     const std::string save = " --save " + File("none");
     for (const std::string& broken :
-         {Write("cut", whole.substr(0, whole.size() / 2)), Write("changed", changed),
-          Write("empty", ""), Write("foreign", "no scene at all"), File("absent")}) {
+         {Write("changed", changed), Write("foreign", "no scene at all"), File("absent")}) {
         SCOPED_TRACE(broken);
-        ExpectFailure(Run("open " + broken + save), broken + ": ");
-        ExpectFailure(Run("open " + broken + " --no-plugin" + save), broken + ": ");
-        ExpectFailure(Run("merge " + broken + ' ' + scene + save), broken + ": ");
-        ExpectFailure(Run("merge " + scene + ' ' + broken + save), broken + ": ");
-        ExpectFailure(Run("merge " + scene + ' ' + broken + " --by-host" + save), broken + ": ");
-        ExpectFailure(Run("convert " + broken + save), broken + ": ");
-        ExpectFailure(Run("sample " + broken + " --times 0:1:1 --csv " + File("none")),
-                      broken + ": ");
-        EXPECT_FALSE(std::filesystem::exists(File("none")));
+        for (const std::string& words :
+             {"open " + broken + save, "open " + broken + " --no-plugin" + save,
+              "merge " + broken + ' ' + scene + save, "merge " + scene + ' ' + broken + save,
+              "merge " + scene + ' ' + broken + " --by-host" + save, "convert " + broken + save,
+              "sample " + broken + " --times 0:1:1 --csv " + File("none")})
+            ExpectFailure(Run(words), broken + ": ");
     }
+    EXPECT_FALSE(std::filesystem::exists(File("none")));
     const std::string nowhere = File("nowhere/scene");
     ExpectFailure(Run("open " + scene + " --save " + nowhere), nowhere + ": ");
     EXPECT_EQ(Read(scene), whole);
-}
-
-// The host's own controllers keep a pose in parts, each rounded for itself.
-void ExpectCloseRows(std::string rows, std::string expected) {
-    constexpr double kRounding = 1e-6;
-    std::ranges::replace(rows, '\n', ',');
-    std::ranges::replace(expected, '\n', ',');
-    std::istringstream found(rows);
-    std::istringstream wanted(expected);
-    std::string a;
-    std::string b;
-    while (std::getline(found, a, ',') && std::getline(wanted, b, ',')) {
-        if (a == b) continue;
-
-        EXPECT_NEAR(std::strtod(a.c_str(), nullptr), std::strtod(b.c_str(), nullptr), kRounding);
-    }
-    EXPECT_EQ(std::count(rows.begin(), rows.end(), ','),
-              std::count(expected.begin(), expected.end(), ','));
 }
 
 TEST_F(SceneCommand, SamplesAreThePosesInCoreSpaceAlsoAfterConversion) {
@@ -161,8 +125,8 @@ TEST_F(SceneCommand, SamplesAreThePosesInCoreSpaceAlsoAfterConversion) {
     std::string walk = Walk(11);
     walk.replace(walk.find("Hip"), 3, "\"Hip\"");
     Do("record " + Write("a,b.bvh", walk) + " --scale 1 --scene " + scene);
-    const std::string hip = " --node \"a,b_\\\"Hip\\\"\"";
-    const std::string rows = Do("sample " + scene + hip + " --times 0:0.5:0.25");
+    const std::string hip = " --node \"a,b_\\\"Hip\\\"\" --times 0:0.5:0.25";
+    const std::string rows = Do("sample " + scene + hip);
     EXPECT_EQ(std::count(rows.begin(), rows.end(), '\n'), 4);
     EXPECT_EQ(rows.rfind("seconds,node,x,y,z,qx,qy,qz,qw,sx,sy,sz\n0,\"a,b_\"\"Hip\"\"\",0,", 0),
               0u)
@@ -171,11 +135,12 @@ TEST_F(SceneCommand, SamplesAreThePosesInCoreSpaceAlsoAfterConversion) {
     Do("convert " + scene + " --save " + File("plain"));
     for (const headless::NodeInFile& node : headless::ViewSceneFile(File("plain")).nodes)
         EXPECT_EQ(node.controller.id, (Class_ID{0x2005, 0})) << node.name;
-    ExpectCloseRows(Do("sample " + File("plain") + hip + " --times 0:0.5:0.25"), rows);
+    // The host's own controllers keep a pose in parts, each rounded for itself.
+    EXPECT_LT(FurthestApart(Do("sample " + File("plain") + hip), rows), 1e-6);
+    EXPECT_EQ(Run("diff " + scene + " " + File("plain")).status, 1);
     ExpectFailure(Run("sample " + scene + " --node absent --times 0:1:1"),
                   "no node of the Core's is called \"absent\"");
     ExpectFailure(Run("sample " + scene + " --times 0:1e9:1"), "--times: expected", 2);
-    EXPECT_EQ(Run("diff " + scene + " " + File("plain")).status, 1);
     ExpectFailure(Run("sample " + scene + " --times 0:1:1 --csv " + File("nowhere/csv")),
                   File("nowhere/csv") + ": ");
     ExpectFailure(Run("sample " + scene + " --times 0:1:1", folder_.Path().string()),

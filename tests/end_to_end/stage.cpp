@@ -71,10 +71,28 @@ headless::NodeView View(std::string_view hostName) {
     return {};
 }
 
-Place PlaceOf(std::string_view hostName, int ticks, double hostUnitsPerMetre) {
+Place PlaceOf(std::string_view hostName, int frame) {
     headless::PositionView host;
-    EXPECT_TRUE(headless::NodePosition(View(hostName).handle, ticks, host));
-    return {host.x / hostUnitsPerMetre, host.z / hostUnitsPerMetre, -host.y / hostUnitsPerMetre};
+    EXPECT_TRUE(headless::NodePosition(View(hostName).handle, frame * kTicksPerFrame, host));
+    return {host.x / kUnitsPerMetre, host.z / kUnitsPerMetre, -host.y / kUnitsPerMetre};
+}
+
+void ExpectPlace(std::string_view hostName, int frame, const Place& expected, double tolerance) {
+    const Place place = PlaceOf(hostName, frame);
+    for (std::size_t axis = 0; axis < 3; ++axis)
+        EXPECT_NEAR(place[axis], expected[axis], tolerance)
+            << hostName << ", frame " << frame << ", axis " << axis;
+}
+
+INode* Put(Object* object, const char* name, const Matrix3& world) {
+    INode* const node = GetCOREInterface()->CreateObjectNode(object);
+    node->SetName(name);
+    node->SetNodeTM(0, world);
+    return node;
+}
+
+std::string HandleOf(INode* node) {
+    return std::to_string(node->GetHandle());
 }
 
 std::string Walk(std::size_t frames) {

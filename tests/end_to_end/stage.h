@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <map>
 #include <string>
@@ -7,6 +8,7 @@
 
 #include "headless/scene_view.h"
 #include "headless/session.h"
+#include "host/interface.h"
 #include "tests/support/captures.h"
 #include "tests/support/folder/temporary_folder.h"
 
@@ -48,11 +50,14 @@ class Stage {
 // The node of that host name; the test fails if there is none.
 headless::NodeView View(std::string_view hostName);
 
-// Where the host has it, in Core space, metres. `hostUnitsPerMetre` is the host's.
-struct Place {
-    double x, y, z;
-};
-Place PlaceOf(std::string_view hostName, int ticks, double hostUnitsPerMetre);
+// Where the host has it at a frame of the walk, in Core space, metres.
+using Place = std::array<double, 3>;
+Place PlaceOf(std::string_view hostName, int frame);
+void ExpectPlace(std::string_view hostName, int frame, const Place& expected, double tolerance);
+
+// What a person draws into the scene.
+INode* Put(Object* object, const char* name, const Matrix3& world = Matrix3());
+std::string HandleOf(INode* node);
 
 inline constexpr double kUnitsPerMetre = 39.37;  // of the host's, at its start
 inline constexpr int kTicksPerFrame = 240;  // of the walk, at the host's 4800 ticks in a second

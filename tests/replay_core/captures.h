@@ -3,9 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "replay_core/motion/capture_halves.h"
 #include "replay_core/motion/motion.h"
-#include "replay_core/motion/read_error.h"
-#include "replay_core/motion/read_frames.h"
 #include "tests/support/captures.h"
 
 // A capture of two joints, an end site, nine channels and two frames on 20 lines.
@@ -43,3 +42,6 @@ std::string ReadRefused(std::string_view text,
 
 // The text with the only place of `from` replaced.
 std::string Replaced(std::string_view text, std::string_view from, std::string_view to);
+
+// All of a motion in one line.
+std::string Told(const replay::Motion& motion);

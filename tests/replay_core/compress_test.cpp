@@ -4,10 +4,8 @@
 
 #include <cstdint>
 #include <random>
-#include <string>
 #include <vector>
 
-#include "tvl/base64_buffer.h"
 #include "tvl/huffman_buffer.h"
 
 namespace {
@@ -35,15 +33,6 @@ TEST(Compress, ComesBackWhateverTheDataIs) {
         ASSERT_EQ(Decompressed(replay::Compress(data).value()), data) << "round " << round;
     }
     EXPECT_EQ(Decompressed(replay::Compress(Bytes(100'000, 'x')).value()), Bytes(100'000, 'x'));
-}
-
-TEST(Compress, PacksATextWithTheByteThatEndsIt) {
-    const std::string text = std::string(5000, 'a') + "b";
-    const std::string packed = replay::PackedText(text).value();
-    EXPECT_LT(packed.size(), 1500U);
-    Bytes expected(text.begin(), text.end());
-    expected.push_back(0);
-    EXPECT_EQ(Decompressed(Base64Buffer(packed).Bytes()), expected);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #include <cstdint>
 
 #include "replay_core/module/replay_core.h"
-#include "replay_core/state/guarded.h"
+#include "replay_core/recorder/brackets.h"
 #include "tvl/core_interface.h"
 
 // The three routines by which an adaptor finds the Core. CORE_ROUTINE is what marks an export on

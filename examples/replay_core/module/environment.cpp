@@ -6,31 +6,12 @@
 #include <string_view>
 #include <utility>
 
+#include "replay/request.h"
 #include "replay_core/motion/capture_text.h"
 #include "replay_core/motion/numbers.h"
 
 namespace replay {
 namespace {
-
-constexpr char kCaptures[] = "LUMISET_CAPTURE";
-constexpr char kScale[] = "LUMISET_CAPTURE_SCALE";
-constexpr char kFrames[] = "LUMISET_CAPTURE_FRAMES";
-constexpr char kTake[] = "LUMISET_TAKE";
-constexpr char kReplace[] = "LUMISET_REPLACE";
-constexpr char kPartial[] = "LUMISET_PARTIAL";
-constexpr char kMerge[] = "LUMISET_MERGE";
-constexpr char kSample[] = "LUMISET_SAMPLE";
-constexpr char kSampleNodes[] = "LUMISET_SAMPLE_NODES";
-constexpr char kInspect[] = "LUMISET_INSPECT";
-constexpr char kInspectTime[] = "LUMISET_INSPECT_TIME";
-constexpr char kCsv[] = "LUMISET_CSV";
-constexpr char kReport[] = "LUMISET_REPORT";
-constexpr char kOptimised[] = "LUMISET_OPTIMISED";
-constexpr char kFollowCamera[] = "LUMISET_FOLLOW_CAMERA";
-constexpr char kGround[] = "LUMISET_GROUND";
-constexpr char kGuide[] = "LUMISET_GUIDE";
-constexpr char kProgress[] = "LUMISET_PROGRESS";
-constexpr char kPress[] = "LUMISET_PRESS";
 
 // Whatever a capture holds then still fits into the host's single precision.
 constexpr double kMostMetresPerUnit = 1e6;
@@ -56,22 +37,22 @@ std::optional<std::uint32_t> ParseHandle(std::string_view text) {
 }
 
 // Reads the variables one by one and keeps the first thing that is wrong with them.
-class Reader {
+class VariableReader {
   public:
-    explicit Reader(Request& request) : request_(request) {}
+    explicit VariableReader(Request& request) : request_(request) {}
 
     void ReadScale() {
-        const std::string text = Variable(kScale);
+        const std::string text = Variable(variable::kScale);
         if (text.empty()) return;
         const std::optional<double> scale = ParseNumber(text);
         if (scale && *scale > 0 && *scale <= kMostMetresPerUnit)
             request_.metresPerUnit = *scale;
         else
-            Refuse(kScale, "a number of metres above 0", text);
+            Refuse(variable::kScale, "a number of metres above 0", text);
     }
 
     void ReadFrames() {
-        const std::string text = Variable(kFrames);
+        const std::string text = Variable(variable::kFrames);
         if (text.empty()) return;
         const std::size_t colon = text.find(':');
         const std::string_view whole = text;
@@ -81,74 +62,73 @@ class Reader {
         if (first && end && *first < *end)
             request_.frames = FrameRange{*first, *end};
         else
-            Refuse(kFrames, "two frame numbers A:B with A below B", text);
+            Refuse(variable::kFrames, "two frame numbers A:B with A below B", text);
     }
 
-    // Nothing if it is not set.
-    std::optional<bool> ReadTruth(const char* variable) {
-        const std::string text = Variable(variable);
+    // Nothing if the variable is not set, as for a handle.
+    std::optional<bool> ReadTruth(const char* name) {
+        const std::string text = Variable(name);
         if (text == "0" || text == "1") return text == "1";
-        if (!text.empty()) Refuse(variable, "0 or 1", text);
+        if (!text.empty()) Refuse(name, "0 or 1", text);
         return std::nullopt;
     }
 
-    // The same.
-    std::optional<std::uint32_t> ReadHandle(const char* variable) {
-        const std::string text = Variable(variable);
+    std::optional<std::uint32_t> ReadHandle(const char* name) {
+        const std::string text = Variable(name);
         if (text.empty()) return std::nullopt;
         const std::optional<std::uint32_t> handle = ParseHandle(text);
-        if (!handle) Refuse(variable, "the number of a node", text);
+        if (!handle) Refuse(name, "the number of a node", text);
         return handle;
     }
 
     void ReadPress() {
-        const std::string text = Variable(kPress);
+        const std::string text = Variable(variable::kPress);
         if (text.empty()) return;
         const std::optional<std::size_t> id = ParseCount(text);
         if (id && *id <= static_cast<std::size_t>(std::numeric_limits<int>::max()))
             request_.pressedButton = static_cast<int>(*id);
         else
-            Refuse(kPress, "the number of an option", text);
+            Refuse(variable::kPress, "the number of an option", text);
     }
 
     void ReadSample() {
-        const std::string text = Variable(kSample);
+        const std::string text = Variable(variable::kSample);
         if (text.empty()) return;
         request_.sampleTimes = ParseSampleTimes(text);
         if (!request_.sampleTimes)
-            Refuse(kSample,
+            Refuse(variable::kSample,
                    "START:END:STEP in seconds, END not before START, STEP above 0, at most " +
                        std::to_string(kMostSampleTimes) + " times",
                    text);
-        else if (Variable(kCsv).empty())
-            Refuse(kCsv, "the path of a file", "");
+        else if (Variable(variable::kCsv).empty())
+            Refuse(variable::kCsv, "the path of a file", "");
     }
 
     void ReadInspect() {
-        for (const std::string& line : Lines(kInspect)) {
+        for (const std::string& line : Lines(variable::kInspect)) {
             const std::optional<std::uint32_t> handle = ParseHandle(line);
-            if (!handle) return Refuse(kInspect, "numbers of nodes, one a line", line);
+            if (!handle) return Refuse(variable::kInspect, "numbers of nodes, one a line", line);
             request_.inspectedNodes.push_back(*handle);
         }
-        const std::string time = Variable(kInspectTime);
+        const std::string time = Variable(variable::kInspectTime);
         if (time.empty()) return;
         const std::optional<double> seconds = ParseNumber(time);
-        if (!seconds) return Refuse(kInspectTime, "a time in seconds", time);
+        if (!seconds) return Refuse(variable::kInspectTime, "a time in seconds", time);
         request_.inspectionSeconds = *seconds;
     }
 
     // The places of several captures in one file could not be told apart, and each is a take.
     void ReadCaptures() {
-        request_.captures = Lines(kCaptures);
+        request_.captures = Lines(variable::kCaptures);
         if (request_.captures.size() < 2 || request_.sampleTimes) return;
-        for (const char* variable : {kCsv, kTake})
-            if (const std::string text = Variable(variable); !text.empty())
-                Refuse(variable, "nothing when there are several captures", text);
+        for (const char* name : {variable::kCsv, variable::kTake})
+            if (const std::string text = Variable(name); !text.empty())
+                Refuse(name, "nothing when there are several captures", text);
     }
 
-    void Refuse(const char* variable, const std::string& expected, const std::string& found) {
+    void Refuse(const char* name, const std::string& expected, const std::string& found) {
         if (!request_.error.empty()) return;
-        request_.error = std::string(variable) + ": expected " + expected + ", found ";
+        request_.error = std::string(name) + ": expected " + expected + ", found ";
         request_.error += found.empty() ? "nothing" : Quoted(found);
     }
 
@@ -160,25 +140,25 @@ class Reader {
 
 Request ReadEnvironment() {
     Request request;
-    request.csv = Variable(kCsv);
-    request.report = Variable(kReport);
-    request.showsProgress = Variable(kProgress) == "1";
-    Reader reader(request);
+    request.csv = Variable(variable::kCsv);
+    request.report = Variable(variable::kReport);
+    request.showsProgress = Variable(variable::kProgress) == "1";
+    VariableReader reader(request);
     reader.ReadPress();
-    request.mergedScenes = Lines(kMerge);
+    request.mergedScenes = Lines(variable::kMerge);
     reader.ReadSample();
-    request.sampledNodes = Lines(kSampleNodes);
+    request.sampledNodes = Lines(variable::kSampleNodes);
     reader.ReadInspect();
     reader.ReadCaptures();
     reader.ReadScale();
     reader.ReadFrames();
-    request.take = Variable(kTake);
-    request.replaces = reader.ReadTruth(kReplace).value_or(false);
-    request.takesCutCaptures = reader.ReadTruth(kPartial).value_or(false);
-    request.optimisedControllers = reader.ReadTruth(kOptimised);
-    request.followsWithCamera = reader.ReadTruth(kFollowCamera).value_or(false);
-    request.ground = reader.ReadHandle(kGround);
-    request.guide = reader.ReadHandle(kGuide);
+    request.take = Variable(variable::kTake);
+    request.replaces = reader.ReadTruth(variable::kReplace).value_or(false);
+    request.takesCutCaptures = reader.ReadTruth(variable::kPartial).value_or(false);
+    request.optimisedControllers = reader.ReadTruth(variable::kOptimised);
+    request.followsWithCamera = reader.ReadTruth(variable::kFollowCamera).value_or(false);
+    request.ground = reader.ReadHandle(variable::kGround);
+    request.guide = reader.ReadHandle(variable::kGuide);
     return request;
 }
 

@@ -5,16 +5,17 @@
 #include <string>
 #include <vector>
 
+#include "replay/report.h"
+#include "replay_core/motion/motion.h"
 #include "replay_core/motion/pose.h"
-#include "replay_core/recorder/frame_range.h"
-#include "replay_core/recorder/sample_times.h"
+#include "replay_core/recorder/look.h"
 
 namespace replay {
 
 // What this Core is asked to do when its window is called for. A Core with a window of its own
 // would have the user choose; this one reads its process's environment, so that nothing of it
-// passes through the host. The variables are listed in README.md. One thing is done: the first of
-// the five that is asked for; the report tells of the scene in any case.
+// passes through the host. One thing is done: the first of the five that is asked for; the report
+// tells of the scene in any case.
 struct Request {
     std::string error;  // one line; empty if the environment makes sense
 
@@ -40,6 +41,11 @@ struct Request {
     bool showsProgress = false;
 };
 
+// From the variables of replay/request.h, which README.md explains.
 Request ReadEnvironment();
+
+// Writes the report as replay/report.h says. The file is complete or untouched. The result is
+// empty, or says in one line what went wrong.
+std::string WriteReport(const std::string& path, Report& report);
 
 }  // namespace replay

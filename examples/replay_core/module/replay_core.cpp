@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "replay_core/state/guarded.h"
+#include "replay_core/recorder/brackets.h"
 #include "replay_core/state/load_state.h"
 #include "replay_core/state/stored_state.h"
 #include "tvl/ids.h"

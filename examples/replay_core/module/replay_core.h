@@ -5,16 +5,38 @@
 #include <vector>
 
 #include "replay_core/module/environment.h"
-#include "replay_core/module/placed_services.h"
-#include "replay_core/module/report.h"
 #include "replay_core/recorder/record_take.h"
-#include "replay_core/recorder/whole_file.h"
+#include "replay_core/recorder/text_file.h"
 #include "replay_core/state/panel_options.h"
 #include "replay_core/state/takes.h"
+#include "tvl/adaptor_interface.h"
 #include "tvl/core_interface.h"
 #include "tvl/message.h"
 
 namespace replay {
+
+// While it lives, the adaptor writes into this library's own log and error registry, so that both
+// sides fill one trace and draw their codes from one table. They are taken back before the library
+// goes.
+class PlacedServices {
+  public:
+    explicit PlacedServices(TVL::AdaptorInterface& adaptor) : adaptor_(adaptor) {
+        // Both are made, which can fail, before either is placed.
+        TVL::ErrorCode* const codes = TVL::ErrorCode::GetInstance();
+        TVL::Log* const log = TVL::Log::GetInstance();
+        adaptor_.SetErrorCode(codes);
+        adaptor_.SetLog(log);
+    }
+    ~PlacedServices() {
+        adaptor_.ClearErrorCode();
+        adaptor_.ClearLog();
+    }
+    PlacedServices(const PlacedServices&) = delete;
+    PlacedServices& operator=(const PlacedServices&) = delete;
+
+  private:
+    TVL::AdaptorInterface& adaptor_;
+};
 
 // The Core as the adaptor sees it: asked for its window, it records the capture that the
 // environment names (see environment.h). It stores its takes in scene files. It lives from `attach`
@@ -50,8 +72,8 @@ class ReplayCore final : public CoreInterface {
     void Inspect(const Request& request, Report& report);
     void Record(const Request& request, Report& report);
     void RecordPlan(std::span<const PlannedTake> plan, const RecordSettings& settings,
-                    WholeFile* csv, Report& report);
-    std::vector<Report::Take> TellTakes() const;
+                    TextFile* csv, Report& report);
+    std::vector<TakeReport> TellTakes() const;
 
     void TakeUpState();
 

@@ -7,15 +7,15 @@
 #include <variant>
 
 #include "platform/narrow_path.h"
-#include "replay_core/look/node_look.h"
+#include "replay/request.h"
 #include "replay_core/module/replay_core.h"
 #include "replay_core/motion/numbers.h"
 #include "replay_core/motion/read_motion.h"
 #include "replay_core/recorder/into_take.h"
+#include "replay_core/recorder/look.h"
 #include "replay_core/recorder/read_back.h"
-#include "replay_core/recorder/sample_poses.h"
 #include "replay_core/recorder/scenery.h"
-#include "replay_core/state/core_node.h"
+#include "replay_core/state/node_book.h"
 #include "tvl/ids.h"
 #include "tvl/log.h"
 
@@ -35,8 +35,9 @@ double SecondsSince(std::chrono::steady_clock::time_point start) {
 // For a capture that cannot be read: what helps if it was only cut short.
 std::string CutHint(const std::string& path) {
     const auto cut = ReadMotion(path, CutCapture::kTaken);
-    return std::holds_alternative<Motion>(cut) ? "; LUMISET_PARTIAL has the frames before recorded"
-                                               : "";
+    return std::holds_alternative<Motion>(cut)
+               ? "; " + std::string(variable::kPartial) + " has the frames before recorded"
+               : "";
 }
 
 // The result is empty, or says in one line why the capture cannot be recorded.
@@ -61,7 +62,8 @@ std::string Misfit(const PlannedTake& planned) {
     const std::string why = WhyNotInto(*planned.take, planned.motion, planned.frames);
     if (why.empty()) return {};
     return planned.capture + ": the take \"" + planned.take->Name() + "\" in the scene " + why +
-           "; LUMISET_TAKE names a take of its own, LUMISET_REPLACE puts the capture in its place";
+           "; " + std::string(variable::kTake) + " names a take of its own, " + variable::kReplace +
+           " puts the capture in its place";
 }
 
 // What is lost of the take as it was; empty for nothing, or where it was asked for.
@@ -100,14 +102,14 @@ void Judge(const PlannedTake& planned, const RecordedTake& recorded, const ReadB
 }
 
 // Null if no file is wanted.
-std::unique_ptr<WholeFile> OpenCsv(const Request& request, std::string& error) {
+std::unique_ptr<TextFile> OpenCsv(const Request& request, std::string& error) {
     if (request.csv.empty()) return nullptr;
-    auto file = std::make_unique<WholeFile>(request.csv);
+    auto file = std::make_unique<TextFile>(request.csv);
     if (!file->IsOpen()) error = file->CannotBeWritten();
     return file;
 }
 
-std::vector<TVL::CoreNode*> NodesOf(const Takes& takes) {
+std::vector<TVL::CoreNode*> AllNodesOf(const Takes& takes) {
     std::vector<TVL::CoreNode*> nodes;
     for (const std::unique_ptr<Take>& take : takes.All())
         std::ranges::copy(take->Book().Nodes(), std::back_inserter(nodes));
@@ -167,7 +169,7 @@ void ReplayCore::PressButton(int id, Report& report) {
 // that there is none.
 void ReplayCore::Merge(const Request& request, Report& report) {
     for (const std::string& path : request.mergedScenes) {
-        Report::Merge& merge = report.merges.emplace_back(Report::Merge{.path = path});
+        MergeReport& merge = report.merges.emplace_back(MergeReport{.path = path});
         const std::size_t before = statesHeard_;
         for (TVL::CNode* node : adaptor_.MergeModels(path)) {
             if (!node) continue;
@@ -183,10 +185,10 @@ void ReplayCore::Merge(const Request& request, Report& report) {
 }
 
 void ReplayCore::Sample(const Request& request, Report& report) {
-    std::vector<TVL::CoreNode*> nodes = NodesOf(takes_);
+    std::vector<TVL::CoreNode*> nodes = AllNodesOf(takes_);
     if (!request.sampledNodes.empty()) nodes = Named(nodes, request.sampledNodes, report.error);
     if (!report.error.empty()) return;
-    const std::unique_ptr<WholeFile> csv = OpenCsv(request, report.error);
+    const std::unique_ptr<TextFile> csv = OpenCsv(request, report.error);
     if (!report.error.empty()) return;
     report.error = SamplePoses(nodes, *request.sampleTimes, *csv);
     if (report.error.empty()) report.error = csv->Finish();
@@ -211,7 +213,7 @@ void ReplayCore::Record(const Request& request, Report& report) {
     const Scenery scenery(adaptor_, request.ground, request.guide);
     report.error = scenery.Error();
     if (!report.error.empty()) return;
-    const std::unique_ptr<WholeFile> csv = OpenCsv(request, report.error);
+    const std::unique_ptr<TextFile> csv = OpenCsv(request, report.error);
     if (!report.error.empty()) return;
     const std::vector<Take*> takes = takes_.ForRecording(names);
     for (std::size_t i = 0; i < plan.size() && report.error.empty(); ++i) {
@@ -231,7 +233,7 @@ void ReplayCore::Record(const Request& request, Report& report) {
 }
 
 void ReplayCore::RecordPlan(std::span<const PlannedTake> plan, const RecordSettings& settings,
-                            WholeFile* csv, Report& report) {
+                            TextFile* csv, Report& report) {
     TVL::Log log("Recording", TVL::Log::kNotice);
     const double before = currentSeconds_;
     const auto start = std::chrono::steady_clock::now();
@@ -258,7 +260,7 @@ void ReplayCore::RecordPlan(std::span<const PlannedTake> plan, const RecordSetti
     for (std::size_t i = 0; i < plan.size() && report.error.empty(); ++i) {
         const ReadBack readBack =
             ReadTake(plan[i].motion, settings.metresPerUnit, recorded.takes[i], csv);
-        Report::Capture& capture = report.captures[i];
+        CaptureReport& capture = report.captures[i];
         capture.maxPositionErrorMetres = readBack.maxPositionErrorMetres;
         capture.maxFieldOfViewErrorDegrees = readBack.maxFieldOfViewErrorDegrees;
         capture.maxTargetDistanceErrorMetres = readBack.maxTargetDistanceErrorMetres;
@@ -270,11 +272,11 @@ void ReplayCore::RecordPlan(std::span<const PlannedTake> plan, const RecordSetti
     if (report.error.empty() && csv) report.error = csv->Finish();
 }
 
-std::vector<Report::Take> ReplayCore::TellTakes() const {
-    std::vector<Report::Take> told;
+std::vector<TakeReport> ReplayCore::TellTakes() const {
+    std::vector<TakeReport> told;
     for (const std::unique_ptr<Take>& take : takes_.All()) {
         if (!take->IsThere()) continue;
-        Report::Take& entry = told.emplace_back();
+        TakeReport& entry = told.emplace_back();
         entry.name = take->Name();
         if (const Take* const parent = StoredParent(*take)) entry.parent = parent->Name();
         for (const Recording& recording : take->Recordings())

@@ -6,6 +6,7 @@
 #include "replay_core/motion/numbers.h"
 
 namespace replay {
+
 namespace {
 
 constexpr std::string_view kBlanks = " \t\v\f\r";
@@ -141,6 +142,11 @@ std::string Quoted(std::string_view text) {
     std::string quotation(text.substr(0, length));
     std::ranges::replace_if(quotation, IsControl, '?');
     return "'" + quotation + (length < text.size() ? "...'" : "'");
+}
+
+std::string Describe(const ReadError& error) {
+    if (error.line == 0) return error.file + ": " + error.what;
+    return error.file + ":" + std::to_string(error.line) + ": " + error.what;
 }
 
 }  // namespace replay

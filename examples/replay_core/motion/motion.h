@@ -59,4 +59,16 @@ inline double FrameTime(const Motion& motion, std::size_t frame) {
     return static_cast<double>(frame) * motion.frameSeconds;
 }
 
+// Frames of a capture from `first` up to, but not including, `end`.
+struct FrameRange {
+    std::size_t Count() const { return end - first; }
+
+    std::size_t first = 0;
+    std::size_t end = 0;  // more than `first`
+};
+
+// A name for each joint that no other joint has. The first joint of a name keeps it; further ones
+// are numbered from 2, as in "Hand", "Hand_2", past every name that the capture has itself.
+std::vector<std::string> UniqueJointNames(const Motion& motion);
+
 }  // namespace replay

@@ -1,9 +1,8 @@
-#include "replay_core/motion/read_frames.h"
-
 #include <algorithm>
 #include <string>
 #include <string_view>
 
+#include "replay_core/motion/capture_halves.h"
 #include "replay_core/motion/numbers.h"
 
 namespace replay {

@@ -1,11 +1,11 @@
-#include "replay_core/motion/read_hierarchy.h"
-
 #include <algorithm>
 #include <array>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include "replay_core/motion/capture_halves.h"
 
 namespace replay {
 namespace {

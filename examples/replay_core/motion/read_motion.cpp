@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "platform/narrow_path.h"
+#include "replay_core/motion/capture_halves.h"
 #include "replay_core/motion/capture_text.h"
-#include "replay_core/motion/read_hierarchy.h"
 
 namespace replay {
 namespace {

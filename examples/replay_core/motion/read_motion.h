@@ -4,9 +4,9 @@
 #include <string>
 #include <variant>
 
+#include "replay_core/motion/capture_halves.h"
+#include "replay_core/motion/capture_text.h"
 #include "replay_core/motion/motion.h"
-#include "replay_core/motion/read_error.h"
-#include "replay_core/motion/read_frames.h"
 
 namespace replay {
 

@@ -1,14 +1,28 @@
 #pragma once
 
 #include <cstdint>
+#include <new>
 #include <string>
 #include <utility>
 
-#include "replay_core/state/guarded.h"
 #include "replay_core/state/take.h"
 #include "tvl/adaptor_interface.h"
 
 namespace replay {
+
+// Runs work whose failure is somebody's to tell. The result is null, or says in a few words what
+// was thrown.
+template <class Work>
+const char* Guarded(const Work& work) noexcept {
+    try {
+        work();
+        return nullptr;
+    } catch (const std::bad_alloc&) {
+        return "memory ran out";
+    } catch (...) {
+        return "the work broke off for a reason that is not known";
+    }
+}
 
 // What is begun at the adaptor has to be ended, also on the way out of a failure. What the adaptor
 // refused, with a status other than 0, has not begun. An end that throws all the same, since a

@@ -1,5 +1,3 @@
-#include "replay_core/recorder/ground.h"
-
 #include <algorithm>
 #include <cstddef>
 #include <optional>
@@ -8,8 +6,8 @@
 
 #include "replay_core/motion/body_part.h"
 #include "replay_core/recorder/geometry.h"
-#include "replay_core/recorder/snapshot_loan.h"
-#include "replay_core/recorder/transform_loan.h"
+#include "replay_core/recorder/loans.h"
+#include "replay_core/recorder/scenery.h"
 #include "tvl/snapshot.h"
 
 namespace replay {
@@ -87,7 +85,7 @@ double LiftFor(std::span<const TVL::CMatrix4> pose, std::span<const Sole> soles,
 }  // namespace
 
 Lifts LiftsOnto(TVL::CoreNode& ground, const Motion& motion, FrameRange frames,
-                double metresPerUnit, ProgressBar& progress) {
+                double metresPerUnit, platform::ProgressLine& progress) {
     const std::vector<Sole> soles = SolesOf(motion, metresPerUnit);
     MeantPoses poses(motion, metresPerUnit, {});
     Lifts lifts{.firstFrame = frames.first, .metres = {}};

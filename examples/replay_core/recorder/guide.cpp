@@ -1,13 +1,10 @@
-#include "replay_core/recorder/guide.h"
-
 #include <algorithm>
 
 #include "replay_core/recorder/geometry.h"
 #include "replay_core/recorder/helper_look.h"
-#include "replay_core/recorder/snapshot_loan.h"
-#include "replay_core/recorder/spike.h"
-#include "replay_core/recorder/transform_loan.h"
-#include "replay_core/state/core_node.h"
+#include "replay_core/recorder/loans.h"
+#include "replay_core/recorder/scenery.h"
+#include "replay_core/state/node_book.h"
 #include "tvl/mesh.h"
 #include "tvl/snapshot.h"
 
@@ -18,14 +15,14 @@ constexpr double kSpacingMetres = 0.25;
 constexpr int kMostArrows = 400;  // along one curve
 
 // Of the way from one arrow to the next. An arrow is flat and lies on its broad side.
-constexpr double kLength = 0.8;
-constexpr double kWaist = 0.3;
-constexpr double kHalfWidth = 0.3;
-constexpr double kHalfThickness = 0.08;
+constexpr double kArrowLength = 0.8;
+constexpr double kArrowWaist = 0.3;
+constexpr double kArrowHalfWidth = 0.3;
+constexpr double kArrowHalfThickness = 0.08;
 
 constexpr Vector3 kHostUp = {0, 0, 1};
 
-constexpr Colour kColour = {0.35F, 0.8F, 0.45F};
+constexpr Colour kArrowColour = {0.35F, 0.8F, 0.45F};
 
 // Flat on the ground as far as it can be: one that points straight up lies any way.
 Vector3 SideOf(const Vector3& along) {
@@ -37,10 +34,10 @@ Vector3 SideOf(const Vector3& along) {
 void AddArrow(TVL::CMesh& mesh, const Vector3& place, const Vector3& along, double spacing) {
     const Vector3 side = SideOf(along);
     AddSpike(mesh, {.start = place,
-                    .waist = Sum(place, Scaled(along, kWaist * spacing)),
-                    .side = Scaled(side, kHalfWidth * spacing),
-                    .front = Scaled(Cross(along, side), kHalfThickness * spacing),
-                    .tip = Sum(place, Scaled(along, kLength * spacing))});
+                    .waist = Sum(place, Scaled(along, kArrowWaist * spacing)),
+                    .side = Scaled(side, kArrowHalfWidth * spacing),
+                    .front = Scaled(Cross(along, side), kArrowHalfThickness * spacing),
+                    .tip = Sum(place, Scaled(along, kArrowLength * spacing))});
 }
 
 // Along the present curve. One without length gets no arrow.
@@ -82,7 +79,7 @@ std::string MakeGuide(TVL::AdaptorInterface& adaptor, Take& take, const std::str
     TVL::CoreNode* const guide =
         AsCoreNode(adaptor.CreateHelperNode(&take, name, nullptr, {}, &take.Book()));
     if (!guide) return "the host made no node for \"" + name + "\"";
-    DressNode(*guide, ArrowsAlong(*curves, hostUnitsPerMetre), kColour);
+    DressNode(*guide, ArrowsAlong(*curves, hostUnitsPerMetre), kArrowColour);
     const TransformLoan snapshot(*guide, seconds);
     if (snapshot) snapshot->SetWorldTransform(place->GetWorldTransform());
     return {};

@@ -9,11 +9,11 @@
 #include <utility>
 #include <vector>
 
-#include "replay_core/motion/joint_names.h"
+#include "replay_core/motion/motion.h"
 #include "replay_core/motion/numbers.h"
-#include "replay_core/recorder/lens_loan.h"
+#include "replay_core/recorder/loans.h"
 #include "replay_core/recorder/take_nodes.h"
-#include "replay_core/state/core_node.h"
+#include "replay_core/state/node_book.h"
 
 namespace replay {
 namespace {
@@ -122,13 +122,14 @@ std::string CaptureWrittenOver(const Take& take, const std::string& path, const 
     return found == take.Recordings().end() ? "" : found->capture;
 }
 
-std::optional<KeptTail> TailBehind(std::span<const Recording> recordings, double lastSeconds) {
+std::optional<CaptureReport::Kept> TailBehind(std::span<const Recording> recordings,
+                                              double lastSeconds) {
     double until = lastSeconds;
     for (const Recording& recording : recordings)
         if (recording.endFrame > recording.firstFrame)
             until = std::max(until, LastSeconds(recording));
     if (until == lastSeconds) return std::nullopt;
-    return KeptTail{lastSeconds, until};
+    return CaptureReport::Kept{lastSeconds, until};
 }
 
 }  // namespace replay

@@ -4,9 +4,9 @@
 #include <span>
 #include <string>
 
+#include "replay/report.h"
 #include "replay_core/motion/motion.h"
-#include "replay_core/recorder/frame_range.h"
-#include "replay_core/state/recording.h"
+#include "replay_core/state/read_state.h"
 #include "replay_core/state/take.h"
 
 namespace replay {
@@ -25,13 +25,9 @@ std::string WhyNotInto(const Take& take, const Motion& motion, const FrameRange&
 std::string CaptureWrittenOver(const Take& take, const std::string& path, const Motion& motion,
                                const FrameRange& frames);
 
-// The time behind the last frame through which a take keeps what was recorded before.
-struct KeptTail {
-    double fromSeconds = 0;
-    double untilSeconds = 0;
-};
-
-// Nothing if nothing is kept there.
-std::optional<KeptTail> TailBehind(std::span<const Recording> recordings, double lastSeconds);
+// What a take keeps, behind the last frame, of what was recorded before; nothing if that is
+// nothing.
+std::optional<CaptureReport::Kept> TailBehind(std::span<const Recording> recordings,
+                                              double lastSeconds);
 
 }  // namespace replay

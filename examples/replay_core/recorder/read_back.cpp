@@ -7,11 +7,10 @@
 #include <vector>
 
 #include "replay_core/motion/numbers.h"
-#include "replay_core/recorder/csv.h"
 #include "replay_core/recorder/geometry.h"
-#include "replay_core/recorder/lens_loan.h"
+#include "replay_core/recorder/loans.h"
 #include "replay_core/recorder/meant_poses.h"
-#include "replay_core/recorder/transform_loan.h"
+#include "replay_core/recorder/text_file.h"
 
 namespace replay {
 namespace {
@@ -23,9 +22,10 @@ void Raise(double& largest, double error) {
     if (!(error <= largest)) largest = std::isnan(error) ? kInfinitelyFar : error;
 }
 
-class Reader {
+class PoseReader {
   public:
-    Reader(const Motion& motion, double metresPerUnit, const RecordedTake& recorded, WholeFile* csv)
+    PoseReader(const Motion& motion, double metresPerUnit, const RecordedTake& recorded,
+               TextFile* csv)
         : motion_(motion),
           recorded_(recorded),
           nodes_(recorded.nodes),
@@ -79,7 +79,7 @@ class Reader {
     const Motion& motion_;
     const RecordedTake& recorded_;
     const TakeNodes& nodes_;
-    WholeFile* csv_;
+    TextFile* csv_;
     MeantPoses poses_;
     std::vector<std::string> names_;  // as fields of a row
 };
@@ -87,9 +87,9 @@ class Reader {
 }  // namespace
 
 ReadBack ReadTake(const Motion& motion, double metresPerUnit, const RecordedTake& recorded,
-                  WholeFile* csv) {
+                  TextFile* csv) {
     ReadBack result;
-    Reader reader(motion, metresPerUnit, recorded, csv);
+    PoseReader reader(motion, metresPerUnit, recorded, csv);
     for (std::size_t frame = recorded.frames.first; frame < recorded.frames.end; ++frame) {
         reader.Read(frame, result);
         if (!result.error.empty()) break;

@@ -4,7 +4,7 @@
 
 #include "replay_core/motion/motion.h"
 #include "replay_core/recorder/record_take.h"
-#include "replay_core/recorder/whole_file.h"
+#include "replay_core/recorder/text_file.h"
 
 namespace replay {
 
@@ -26,6 +26,6 @@ struct ReadBack {
 // frame and joint, the time as frame × frame time, the place in Core space, metres. The file is the
 // caller's to finish; null for none.
 ReadBack ReadTake(const Motion& motion, double metresPerUnit, const RecordedTake& recorded,
-                  WholeFile* csv);
+                  TextFile* csv);
 
 }  // namespace replay

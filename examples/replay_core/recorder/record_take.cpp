@@ -4,17 +4,16 @@
 #include <utility>
 #include <vector>
 
+#include "platform/progress_line.h"
 #include "replay_core/recorder/brackets.h"
-#include "replay_core/recorder/camera_placement.h"
-#include "replay_core/recorder/ground.h"
-#include "replay_core/recorder/guide.h"
-#include "replay_core/recorder/key_times.h"
-#include "replay_core/recorder/object_scale.h"
-#include "replay_core/recorder/progress_bar.h"
-#include "replay_core/recorder/transform_loan.h"
+#include "replay_core/recorder/loans.h"
+#include "replay_core/recorder/scenery.h"
+#include "replay_core/recorder/take_camera.h"
+#include "replay_core/recorder/transform_parts.h"
 #include "tvl/error_code.h"
 
 namespace replay {
+
 namespace {
 
 // The adaptor declares its codes in the registry that this Core has placed.
@@ -96,8 +95,8 @@ class FrameWriter {
 std::string WriteFrames(const PlannedTake& planned, const RecordSettings& settings,
                         const RecordingState& state, RecordedTake& recorded) {
     FrameWriter writer(planned, settings.metresPerUnit, recorded, state);
-    ProgressBar progress(settings.showsProgress, "Recording " + planned.take->Name(),
-                         planned.frames.Count());
+    platform::ProgressLine progress(settings.showsProgress, "Recording " + planned.take->Name(),
+                                    platform::ProgressIn::kPercent, planned.frames.Count());
     for (std::size_t frame = planned.frames.first; frame < planned.frames.end; ++frame) {
         std::string error = writer.Write(frame);
         if (!error.empty()) return error;
@@ -123,7 +122,8 @@ void PlanFrames(const PlannedTake& planned, const RecordSettings& settings,
                 RecordedTake& recorded) {
     const Motion& motion = planned.motion;
     if (settings.ground) {
-        ProgressBar progress(settings.showsProgress, "Finding the ground", planned.frames.Count());
+        platform::ProgressLine progress(settings.showsProgress, "Finding the ground",
+                                        platform::ProgressIn::kPercent, planned.frames.Count());
         recorded.lifts =
             LiftsOnto(*settings.ground, motion, planned.frames, settings.metresPerUnit, progress);
     }
@@ -138,6 +138,33 @@ std::string MakeGuideOf(TVL::AdaptorInterface& adaptor, const PlannedTake& plann
     if (!planned.guide || state.stopRequested) return {};
     return MakeGuide(adaptor, *planned.take, GuideName(planned.motion), *planned.guide,
                      nodes.hostUnitsPerMetre);
+}
+
+// What every host keeps apart, and for how long: milliseconds, for a day.
+constexpr double kShortest = 0.001;
+constexpr double kLongest = 24 * 60 * 60;
+
+double HostTime(TVL::AdaptorInterface& adaptor, double seconds) {
+    adaptor.SetCurrentTime(seconds);
+    return adaptor.GetCurrentTime();
+}
+
+// How many of the frames the host has at the very time of the frame before, since it works in whole
+// ticks and its time has an end: of such frames only the last one keeps a key. Where that can be,
+// the host's time goes through the frames.
+std::size_t FramesWithoutKey(TVL::AdaptorInterface& adaptor, const Motion& motion,
+                             const FrameRange& frames) {
+    const bool areApart =
+        motion.frameSeconds >= kShortest && FrameTime(motion, frames.end) <= kLongest;
+    if (areApart) return 0;
+    std::size_t without = 0;
+    double before = HostTime(adaptor, FrameTime(motion, frames.first));
+    for (std::size_t frame = frames.first + 1; frame < frames.end; ++frame) {
+        const double time = HostTime(adaptor, FrameTime(motion, frame));
+        if (time == before) ++without;
+        before = time;
+    }
+    return without;
 }
 
 // The work for one take inside the undo group. The result is empty, or says why it broke off.

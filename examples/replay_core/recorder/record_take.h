@@ -6,9 +6,8 @@
 #include <vector>
 
 #include "replay_core/motion/motion.h"
-#include "replay_core/recorder/follow_camera.h"
-#include "replay_core/recorder/frame_range.h"
 #include "replay_core/recorder/meant_poses.h"
+#include "replay_core/recorder/take_camera.h"
 #include "replay_core/recorder/take_nodes.h"
 #include "replay_core/state/take.h"
 #include "tvl/adaptor_interface.h"
@@ -44,7 +43,7 @@ struct RecordedTake {
     FrameRange frames;
     TakeNodes nodes;
 
-    std::size_t framesWithoutKey = 0;  // see key_times.h
+    std::size_t framesWithoutKey = 0;  // keys that the host has at the time of another
 
     // What was meant beyond the capture itself, for each frame that was planned.
     Lifts lifts;

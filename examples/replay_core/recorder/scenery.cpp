@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "replay_core/recorder/snapshot_loan.h"
+#include "replay_core/recorder/loans.h"
 
 namespace replay {
 namespace {

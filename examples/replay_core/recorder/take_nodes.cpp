@@ -5,11 +5,10 @@
 #include <string_view>
 
 #include "replay_core/motion/body_part.h"
-#include "replay_core/motion/joint_names.h"
-#include "replay_core/recorder/bones.h"
+#include "replay_core/motion/motion.h"
 #include "replay_core/recorder/helper_look.h"
-#include "replay_core/recorder/object_scale.h"
-#include "replay_core/state/core_node.h"
+#include "replay_core/recorder/transform_parts.h"
+#include "replay_core/state/node_book.h"
 #include "tvl/mesh.h"
 
 namespace replay {

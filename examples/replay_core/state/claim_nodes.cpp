@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <memory>
 
-#include "replay_core/state/core_node.h"
+#include "replay_core/state/node_book.h"
 #include "replay_core/state/stored_form.h"
 #include "tvl/xml_node.h"
 
@@ -16,7 +16,7 @@ constexpr std::string_view kNobody("\0", 1);
 
 // What the adaptor matches by is the attribute, and here it may hold anything, because this element
 // does not become text.
-XMLNode NodeInfo(std::span<const StoredNode> nodes, bool withNumbers) {
+XMLNode SoughtNodes(std::span<const StoredNode> nodes, bool withNumbers) {
     XMLNode info(form::kNodeInfo, "");
     for (const StoredNode& stored : nodes) {
         auto& node = info.children.emplace_back(std::make_unique<XMLNode>(form::kNode, ""));
@@ -30,12 +30,12 @@ XMLNode NodeInfo(std::span<const StoredNode> nodes, bool withNumbers) {
 
 FoundNodes FoundNodes::ByTag(TVL::AdaptorInterface& adaptor, const std::string& pluginName,
                              std::span<const StoredNode> nodes) {
-    return FoundNodes(adaptor.ClaimNodes(pluginName, NodeInfo(nodes, false)));
+    return FoundNodes(adaptor.ClaimNodes(pluginName, SoughtNodes(nodes, false)));
 }
 
 FoundNodes FoundNodes::ByNumber(TVL::AdaptorInterface& adaptor, const std::string& pluginName,
                                 std::span<const StoredNode> nodes) {
-    return FoundNodes(adaptor.ClaimNodes(pluginName, NodeInfo(nodes, true)));
+    return FoundNodes(adaptor.ClaimNodes(pluginName, SoughtNodes(nodes, true)));
 }
 
 FoundNodes FoundNodes::ByHandle(TVL::AdaptorInterface& adaptor,

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "replay_core/state/core_node.h"
-
 namespace replay {
 
 bool NodeBook::Has(const TVL::CNode* node) const {

@@ -8,6 +8,11 @@
 
 namespace replay {
 
+// Every node that an adaptor gives out is one; null stays null.
+inline TVL::CoreNode* AsCoreNode(TVL::CNode* node) {
+    return static_cast<TVL::CoreNode*>(node);
+}
+
 // The nodes of one owner that are in the scene, in the order in which they came. As the listener of
 // these nodes it stays right through undo and redo, whatever they bring back or take away. It must
 // outlive the nodes and every undo record that names one. Whoever makes or claims nodes makes room

@@ -9,7 +9,6 @@
 
 #include "replay_core/motion/numbers.h"
 #include "replay_core/state/stored_form.h"
-#include "replay_core/state/stored_text.h"
 #include "tvl/base64_buffer.h"
 #include "tvl/huffman_buffer.h"
 
@@ -46,7 +45,7 @@ XMLNode Unpacked(const XMLNode& plugin) {
     return XMLNode(packed.Text());
 }
 
-class Reader {
+class StateReader {
   public:
     // Without recursion: how deep the plug-ins stand is the file's to say.
     void ReadFrom(const XMLNode& topmost) {
@@ -129,7 +128,7 @@ class Reader {
 }  // namespace
 
 StoredState ReadState(const XMLNode& state) {
-    Reader reader;
+    StateReader reader;
     if (state.name == form::kPlugin) {
         reader.ReadFrom(state);
     } else if (state.name == form::kRoot) {

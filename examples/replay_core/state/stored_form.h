@@ -1,8 +1,16 @@
 #pragma once
 
-namespace replay::form {
+#include <string>
+#include <string_view>
 
-// Names in stored state. The adaptor relies on those of the first group.
+#include "tvl/xml_node.h"
+
+// How stored state is spelled.
+namespace replay {
+
+// Names in it. The adaptor relies on those of the first group.
+namespace form {
+
 inline constexpr const char* kMasterNode = "masternode";
 inline constexpr const char* kParent = "parent";
 inline constexpr const char* kChildIndex = "childindex";
@@ -26,4 +34,15 @@ inline constexpr const char* kFrameSeconds = "frameSeconds";
 inline constexpr const char* kFirstFrame = "firstFrame";
 inline constexpr const char* kEndFrame = "endFrame";
 
-}  // namespace replay::form
+}  // namespace form
+
+// Texts of our own that can hold anything, such as paths, in an element that becomes text and comes
+// back. An attribute loses the '>', and a text child is lost if it is nothing but blanks. So a text
+// with a '>' becomes a child element of the name `key`, and any other one an attribute. The element
+// has no text children beside.
+void SetStoredText(XMLNode& element, std::string_view key, std::string_view text);
+
+// The empty text if there is none.
+std::string StoredText(const XMLNode& element, std::string_view key);
+
+}  // namespace replay

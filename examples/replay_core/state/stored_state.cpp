@@ -12,7 +12,6 @@
 #include "replay_core/motion/numbers.h"
 #include "replay_core/state/compress.h"
 #include "replay_core/state/stored_form.h"
-#include "replay_core/state/stored_text.h"
 
 namespace replay {
 namespace {

@@ -6,7 +6,6 @@
 
 #include "replay_core/state/node_book.h"
 #include "replay_core/state/read_state.h"
-#include "replay_core/state/recording.h"
 #include "tvl/adaptor_interface.h"
 #include "tvl/xml_node.h"
 

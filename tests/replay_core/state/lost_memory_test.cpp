@@ -1,6 +1,5 @@
 #include <cstddef>
 #include <exception>
-#include <optional>
 
 #include "replay_core/module/replay_core.h"
 #include "replay_core/state/stored_form.h"
@@ -13,11 +12,15 @@
 
 namespace {
 
-enum class Ended { kWell, kThrown };
+std::string Text(const XMLNode& state) {
+    return state.Write("\n", "\t", "");
+}
 
-// How the work ends while its nth allocation fails. Nothing if it does not make that many.
+enum class Ended { kWell, kThrown, kWithoutFault };
+
+// How the work ends while its nth allocation fails, if it makes that many.
 template <class Work>
-std::optional<Ended> Failing(std::size_t nth, const Work& work) {
+Ended Failing(std::size_t nth, const Work& work) {
     const FailingAllocation fault(nth);
     Ended ended = Ended::kWell;
     try {
@@ -25,60 +28,36 @@ std::optional<Ended> Failing(std::size_t nth, const Work& work) {
     } catch (const std::exception&) {
         ended = Ended::kThrown;
     }
-    if (!fault.HasFailed()) return std::nullopt;
-    return ended;
+    return fault.HasFailed() ? ended : Ended::kWithoutFault;
 }
 
-class LostMemory : public StateTest {
-  protected:
-    LostMemory() {
-        const Names names = {"walk", "run"};
-        for (replay::Take* take : takes->ForRecording(names))
-            Record(*take, {"Hips", "Knee", "Foot"});
-        whole = WholeText();
-    }
-
-    static std::string Text(const XMLNode& state) { return state.Write("\n", "\t", ""); }
-
-    std::string whole;
-};
-
-TEST_F(LostMemory, StateIsGivenWholeOrNotAtAll) {
+TEST_F(StateTest, IsGivenAndTakenUpWholeOrNotAtAllWhereMemoryRunsOut) {
+    const Names names = {"walk", "run"};
+    for (replay::Take* take : takes->ForRecording(names))
+        Record(*take, {"Hips", "Knee", "Foot"});
+    const std::string whole = WholeText();
     replay::Take& run = *takes->Find("run");
+    const auto give = [&](XMLNode& to) { run.HandleExtension(TVL::kSceneBeingSaved, &to); };
     XMLNode given(replay::form::kRoot, "");
-    run.HandleExtension(TVL::kSceneBeingSaved, &given);
-    const std::string masterNode = Text(given);
-    for (std::size_t nth = 1;; ++nth) {
+    give(given);
+    Ended ended = Ended::kWell;
+    for (std::size_t nth = 1; ended != Ended::kWithoutFault; ++nth) {
         XMLNode state(replay::form::kRoot, "");
-        const auto ended =
-            Failing(nth, [&] { run.HandleExtension(TVL::kSceneBeingSaved, &state); });
-        if (!ended) break;
-        EXPECT_TRUE(*ended == Ended::kThrown || Text(state) == masterNode) << nth;
+        ended = Failing(nth, [&] { give(state); });
+        EXPECT_TRUE(ended == Ended::kThrown || Text(state) == Text(given)) << nth;
     }
-    StoreSceneState();
-    takes->Drop();
-    replay::ReplayCore core(adaptor);
-    core.SetCoreState(XMLNode(whole));
-    for (std::size_t nth = 1;; ++nth) {
-        XMLNode state;
-        const auto ended = Failing(nth, [&] { state = core.GetCoreState(); });
-        if (!ended) break;
-        EXPECT_TRUE(*ended == Ended::kThrown || Text(state) == whole) << nth;
-    }
-}
 
-TEST_F(LostMemory, StateThatWasNotTakenUpKeepsASceneFromBeingSavedWithoutIt) {
     takes->Drop();
     replay::ReplayCore core(adaptor);
     const XMLNode state(whole);
     const std::size_t before = Allocations();
     const XMLNode copy(state);
+    ended = Ended::kWell;
     // Whoever calls makes a copy first.
-    for (std::size_t nth = Allocations() - before + 1;; ++nth) {
+    for (std::size_t nth = Allocations() - before + 1; ended != Ended::kWithoutFault; ++nth) {
         SCOPED_TRACE(nth);
-        const auto ended = Failing(nth, [&] { core.SetCoreState(state); });
-        if (!ended) break;
-        if (*ended == Ended::kThrown) {
+        ended = Failing(nth, [&] { core.SetCoreState(state); });
+        if (ended == Ended::kThrown) {
             EXPECT_THROW(core.GetCoreState(), std::exception);
         }
         EXPECT_EQ(Text(core.GetCoreState()), whole);

@@ -1,0 +1,49 @@
+#include "command/output.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <nlohmann/json.hpp>
+#include <ostream>
+
+#include "platform/narrow_path.h"
+
+namespace headless {
+namespace {
+
+// Names and paths are texts of the code page, and JSON is UTF-8.
+void TurnToUtf8(nlohmann::ordered_json& value) {
+    if (value.is_string()) {
+        const std::u8string text = platform::FromNarrow(value.get<std::string>()).u8string();
+        value = std::string(text.begin(), text.end());
+    } else if (value.is_structured()) {
+        for (nlohmann::ordered_json& part : value)
+            TurnToUtf8(part);
+    }
+}
+
+}  // namespace
+
+void PrintJson(std::ostream& out, nlohmann::ordered_json object) {
+    TurnToUtf8(object);
+    out << object.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+}
+
+std::string Counted(std::size_t count, const std::string& noun, const std::string& several) {
+    const std::string number = std::to_string(count) + ' ';
+    if (count == 1) return number + noun;
+    return number + (several.empty() ? noun + 's' : several);
+}
+
+std::string InTable(std::string text) {
+    const auto breaks = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; };
+    std::replace_if(text.begin(), text.end(), breaks, '?');
+    return text;
+}
+
+std::string Plain(double number) {
+    std::array<char, 32> text;
+    return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
+}
+
+}  // namespace headless

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <iosfwd>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+
+// What is printed, and for whom.
+namespace headless {
+
+// A person reads lines, and a program one JSON object. Each result of a verb says of itself how it
+// is printed for either.
+enum class Audience { kPerson, kProgram };
+
+template <class Result>
+void Print(std::ostream& out, const Result& result, Audience audience) {
+    if (audience == Audience::kPerson)
+        PrintForPerson(out, result);
+    else
+        PrintForProgram(out, result);
+}
+
+// In UTF-8. Texts of the code page are turned to it; where they need not be texts, what is none is
+// replaced.
+void PrintJson(std::ostream& out, nlohmann::ordered_json object);
+
+// A count and its noun: "1 node", "2 nodes". `several` is for nouns that take more than an s.
+std::string Counted(std::size_t count, const std::string& noun, const std::string& several = "");
+
+// A name may hold anything; what would break a line for a person shows as a question mark.
+std::string InTable(std::string text);
+
+// Without regard to the locale, and read back to the last bit.
+std::string Plain(double number);
+
+}  // namespace headless

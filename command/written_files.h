@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/whole_file.h"
+
+// The files that the command writes.
+namespace headless {
+
+// A file as a person named it; the path is empty where none was named.
+struct NamedFile {
+    std::string option;
+    std::string path;
+};
+
+// Refuses, before anything is done, to write two files in one place, or one in the place of a file
+// that is to be kept.
+void KeepApart(const std::vector<NamedFile>& kept, const std::vector<NamedFile>& written);
+
+// A file that the Core writes for the command: it is there only if the work on it came to its end,
+// and takes the place of `target` at Keep. Without a target it lies in the system's folder for such
+// files, and goes.
+class CoreFile {
+  public:
+    // Throws a Failure if nothing can be written there.
+    explicit CoreFile(const std::string& target);
+
+    const std::string& Path() const { return file_.Path(); }
+
+    // Throws a Failure if it cannot take its place.
+    void Keep();
+
+    // The text with the target's name in place of the file's own, which no person knows.
+    std::string Named(std::string text) const;
+
+  private:
+    std::string target_;
+    platform::WholeFile file_;
+};
+
+}  // namespace headless
