@@ -3,6 +3,10 @@
 #include <dlfcn.h>
 #include <link.h>
 
+#include <algorithm>
+#include <functional>
+#include <iterator>
+
 #include "platform/posix/guarded.h"
 
 namespace platform {
@@ -71,14 +75,20 @@ void UnregisterEntryPoint(EntryPoint entryPoint) noexcept {
                  [](ModuleRecord& record) { record.entryPoint = nullptr; });
 }
 
+// They are read here, so that finding one later takes no memory.
 void RegisterResources(ResourceFile file) noexcept {
-    ChangeModule(file.data(), [&](ModuleRecord& record) { record.resources.push_back(file); });
+    ChangeModule(file.data(), [&](ModuleRecord& record) {
+        std::ranges::move(ReadResources(file), std::back_inserter(record.resources));
+    });
 }
 
 void UnregisterResources(ResourceFile file) noexcept {
+    const std::less_equal<> isUpTo;
     ChangeModule(file.data(), [&](ModuleRecord& record) {
-        std::erase_if(record.resources,
-                      [&](ResourceFile its) { return its.data() == file.data(); });
+        std::erase_if(record.resources, [&](const Resource& resource) {
+            const std::byte* const at = resource.data.data();
+            return isUpTo(file.data(), at) && isUpTo(at, file.data() + file.size());
+        });
     });
 }
 

@@ -3,6 +3,7 @@
 #include <map>
 #include <vector>
 
+#include "platform/formats/resources.h"
 #include "platform/module/registration.h"
 
 namespace platform {
@@ -11,7 +12,7 @@ namespace platform {
 // gave it out. A record ends when neither is left.
 struct ModuleRecord {
     EntryPoint entryPoint = nullptr;
-    std::vector<ResourceFile> resources;
+    std::vector<Resource> resources;
     void* handle = nullptr;  // the dynamic loader's; owned `loads` times
     unsigned loads = 0;
 };

@@ -1,8 +1,7 @@
 #include "platform/formats/resources.h"
 
-#include <algorithm>
+#include <span>
 #include <string>
-#include <vector>
 
 #include "platform/formats/text.h"
 #include "platform/posix/guarded.h"
@@ -12,13 +11,10 @@
 namespace platform {
 namespace {
 
-std::vector<Resource> ResourcesOf(HMODULE module) {
-    std::vector<Resource> all;
+std::span<const Resource> ResourcesOf(HMODULE module) {
     const ModuleRecord* const record = FindModule(module == nullptr ? ProgramModule() : module);
-    if (record == nullptr) return all;
-    for (const ResourceFile file : record->resources)
-        std::ranges::move(ReadResources(file), std::back_inserter(all));
-    return all;
+    if (record == nullptr) return {};
+    return record->resources;
 }
 
 // A resource's number stands in the pointer itself, or in the text after a '#'.
