@@ -63,10 +63,6 @@ TEST_F(DrawnObjectsTest, EachShowsInItsNodesColourWithWhiteEdgesIfSelectedAndIsH
     }
 }
 
-TEST_F(DrawnObjectsTest, AGuideObjectNeedsAPlugInThatHasTheClass) {
-    EXPECT_EQ(headless::NewGuide(headless::NewSphere(10, 16), {}), nullptr);
-}
-
 TEST_F(DrawnObjectsTest, ACameraShowsWhatItSeesAndAHorizonAtItsOwnHeight) {
     CameraObject* camera = host.CreateCameraObject(0);
     INode* node = host.CreateObjectNode(camera);

@@ -96,36 +96,25 @@ class PanelTest : public HostWorld {
     TestClass second_{"Second Util", UTILITY_CLASS_ID, {2, 2}, NewUtility};
 };
 
-TEST_F(PanelTest, OneUtilityIsOpenAtATime) {
+TEST_F(PanelTest, OneUtilityIsOpenAtATimeAndMayCloseItselfFromItsPage) {
     EXPECT_FALSE(session.OpenUtility("No Util"));
     EXPECT_FALSE(session.CloseUtility());
+    EXPECT_FALSE(session.PressButton(kGo));
     EXPECT_TRUE(session.OpenUtility("First Util"));
     EXPECT_TRUE(session.OpenUtility("First Util"));
     EXPECT_EQ(Entries(), Diary({"begin"}));
     EXPECT_TRUE(session.OpenUtility("Second Util"));
     EXPECT_EQ(Entries(), Diary({"end", "gone", "begin"}));
     EXPECT_FALSE(session.IsUtilityOpen("First Util"));
-    EXPECT_TRUE(session.IsUtilityOpen("Second Util"));
     host.SelectNode(Add("node"));
     EXPECT_EQ(Entries(), Diary({"selected 1"}));
-    EXPECT_TRUE(session.CloseUtility());
+    onGo = [&] { session.CloseUtility(); };
+    EXPECT_FALSE(session.PressButton(kPage));
+    EXPECT_TRUE(session.PressButton(kGo));
+    EXPECT_FALSE(session.PressButton(kGo));
     session.OpenUtility("First Util");
     session.ShutDown();
     EXPECT_EQ(Entries(), Diary({"end", "gone", "begin", "end", "gone"}));
-}
-
-TEST_F(PanelTest, AButtonOfAnOpenPageCanBePressedAndMayCloseItsPage) {
-    EXPECT_FALSE(session.PressButton(kGo));
-    session.OpenUtility("First Util");
-    EXPECT_FALSE(session.PressButton(kPage));
-    int pressed = 0;
-    onGo = [&] {
-        ++pressed;
-        session.CloseUtility();
-    };
-    EXPECT_TRUE(session.PressButton(kGo));
-    EXPECT_EQ(pressed, 1);
-    EXPECT_FALSE(session.PressButton(kGo));
 }
 
 TEST_F(PanelTest, TheMotionPanelFollowsTaskSelectionAndController) {
@@ -147,26 +136,18 @@ TEST_F(PanelTest, TheMotionPanelFollowsTaskSelectionAndController) {
     host.SetCommandPanelTaskMode(TASK_MODE_UTILITY);
     host.SetCommandPanelTaskMode(TASK_MODE_MOTION);
     EXPECT_EQ(Entries(), Diary({"leave hip", "edit hip"}));
-    host.DeleteNode(hip);
-    EXPECT_EQ(Entries(), Diary({"leave hip"}));
-    host.SetCommandPanelTaskMode(99);
-    EXPECT_EQ(host.GetCommandPanelTaskMode(), TASK_MODE_MOTION);
-}
-
-TEST_F(PanelTest, AControllerMayReplaceItselfFromItsOwnPage) {
-    INode* hip = AddPaged("hip");
-    host.SelectNode(hip);
-    host.SetCommandPanelTaskMode(TASK_MODE_MOTION);
     onGo = [&] {
         Step([&] {
             auto* next = new PagedControl("next");
             next->TransferReferences(hip->GetTMController(), true);
         });
-        host.SetCommandPanelTaskMode(TASK_MODE_UTILITY);
-        host.SetCommandPanelTaskMode(TASK_MODE_MOTION);
     };
-    EXPECT_TRUE(session.PressButton(kGo));
-    EXPECT_EQ(Entries(), Diary({"edit hip", "leave hip", "edit next", "leave next", "edit next"}));
+    EXPECT_TRUE(session.PressButton(kGo)) << "a controller that replaces itself from its own page";
+    EXPECT_EQ(Entries(), Diary({"leave hip", "edit next"}));
+    host.DeleteNode(hip);
+    EXPECT_EQ(Entries(), Diary({"leave next"}));
+    host.SetCommandPanelTaskMode(99);
+    EXPECT_EQ(host.GetCommandPanelTaskMode(), TASK_MODE_MOTION);
 }
 
 // Runs scripts as a plug-in does.
@@ -177,31 +158,25 @@ class ScriptRunner final : public GUP {
     void DeleteThis() override {}
 };
 
-TEST_F(PanelTest, AScriptOpensAUtilityReturnsToTheTaskAndUndoesAStep) {
-    ScriptRunner runner;
-    host.SetCommandPanelTaskMode(TASK_MODE_DISPLAY);
-    const char* const script =
-        "panel = getCommandPanelTaskMode();UtilityPanel.OpenUtility 'First_Util';"
-        "setCommandPanelTaskMode mode:panel;";
-    EXPECT_NE(runner.ExecuteStringScript(script), 0);
-    EXPECT_TRUE(session.IsUtilityOpen("First Util"));
-    EXPECT_EQ(host.GetCommandPanelTaskMode(), TASK_MODE_DISPLAY);
-    EXPECT_EQ(runner.MaxWnd(), host.GetMAXHWnd());
-    EXPECT_EQ(runner.ExecuteStringScript("max undo"), 0);
-    Step([&] { Add("node"); });
-    EXPECT_NE(runner.ExecuteStringScript("max undo"), 0);
-    EXPECT_TRUE(headless::Nodes().empty());
-}
-
-TEST_F(PanelTest, NothingOfAScriptRunsThatIsNotUnderstoodAsAWhole) {
+TEST_F(PanelTest, AScriptRunsAsAWholeOrNotAtAll) {
     ScriptRunner runner;
     for (const char* script :
-         {"", ";;", "UtilityPanel.OpenUtility 'First_Util';max quit",
-          "UtilityPanel.OpenUtility First_Util", "UtilityPanel.OpenUtility 'No_Util'",
-          "setCommandPanelTaskMode mode:unheard", "max undo undo", "$ = getCommandPanelTaskMode()"})
+         {"", ";;", "UtilityPanel.OpenUtility 'First_Util';max quit", "max undo undo",
+          "UtilityPanel.OpenUtility First_Util", "UtilityPanel.OpenUtility 'No_Util'", "max undo",
+          "setCommandPanelTaskMode mode:unheard", "$ = getCommandPanelTaskMode()"})
         EXPECT_EQ(runner.ExecuteStringScript(script), 0) << script;
     EXPECT_EQ(runner.ExecuteStringScript(nullptr), 0);
     EXPECT_FALSE(session.IsUtilityOpen("First Util"));
+    host.SetCommandPanelTaskMode(TASK_MODE_DISPLAY);
+    EXPECT_NE(runner.ExecuteStringScript(
+                  "panel = getCommandPanelTaskMode();UtilityPanel.OpenUtility 'First_Util';"
+                  "setCommandPanelTaskMode mode:panel;"),
+              0);
+    EXPECT_TRUE(session.IsUtilityOpen("First Util"));
+    EXPECT_EQ(host.GetCommandPanelTaskMode(), TASK_MODE_DISPLAY);
+    Step([&] { Add("node"); });
+    EXPECT_NE(runner.ExecuteStringScript("max undo"), 0);
+    EXPECT_TRUE(headless::Nodes().empty());
 }
 
 }  // namespace

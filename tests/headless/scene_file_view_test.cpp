@@ -43,16 +43,17 @@ class SceneFileViewTest : public HostWorld {
     const std::string second = folder.File("second.scene");
 };
 
-TEST_F(SceneFileViewTest, AFileIsToldAsItsNodesUtilitiesAndClasses) {
+TEST_F(SceneFileViewTest, AFileIsToldAsItsNodesAndClasses) {
     Save(first);
     const headless::SceneFileView file = headless::ViewSceneFile(first);
     ASSERT_EQ(file.nodes.size(), 3U);
     EXPECT_EQ(file.nodes[0].tagBytes, 6U);
-    EXPECT_EQ(file.nodes[1].name, "Knee");
-    EXPECT_EQ(file.nodes[1].parent, hip->GetHandle());
-    EXPECT_EQ(file.nodes[1].controller.name, "Position/Rotation/Scale");
-    EXPECT_EQ(file.nodes[1].keys.count, 2);
-    EXPECT_EQ(file.nodes[1].keys.last, 4800);
+    const headless::NodeInFile& node = file.nodes[1];
+    EXPECT_EQ(node.name, "Knee");
+    EXPECT_EQ(node.parent, hip->GetHandle());
+    EXPECT_EQ(node.controller.name, "Position/Rotation/Scale");
+    EXPECT_EQ(node.keys.count, 2);
+    EXPECT_EQ(node.keys.last, 4800);
     EXPECT_EQ(file.nodes[2].object.superClass, CAMERA_CLASS_ID);
     for (const headless::ClassInFile& type : file.classes)
         EXPECT_TRUE(headless::IsClassLoaded(type)) << type.name;
@@ -113,27 +114,17 @@ TEST_F(SceneFileViewTest, EachChangeIsToldInItsOwnWords) {
 }
 
 // A merged node has a new handle, and is still the same node below the same parents.
-TEST_F(SceneFileViewTest, NodesUnderNewHandlesAreFoundByTheirPlace) {
+TEST_F(SceneFileViewTest, NodesUnderNewHandlesAreFoundByTheirPlaceAndADamagedFileIsNamed) {
     Save(first);
     session.NewScene();
     EXPECT_EQ(session.MergeScene(first).error, "");
     Save(second);
     for (const std::string& line : Differences())
-        EXPECT_TRUE(line.find(": handle ") != std::string::npos ||
-                    line.find(": selected 0 and 1") != std::string::npos)
-            << line;
-}
-
-TEST_F(SceneFileViewTest, AFileThatIsAbsentOrDamagedIsNamed) {
-    Save(first);
+        EXPECT_TRUE(std::regex_search(line, std::regex(": handle |: selected 0 and 1"))) << line;
     EXPECT_THROW(headless::ViewSceneFile(first + "none"), std::runtime_error);
     std::filesystem::resize_file(first, std::filesystem::file_size(first) - 1);
-    try {
-        headless::CompareSceneFiles(first, first, headless::CachedKeys::kCompared);
-        FAIL() << "a file that is cut was read";
-    } catch (const std::runtime_error& error) {
-        EXPECT_EQ(std::string(error.what()).find(first + ": at byte "), 0U) << error.what();
-    }
+    EXPECT_THROW(headless::CompareSceneFiles(first, first, headless::CachedKeys::kCompared),
+                 std::runtime_error);
 }
 
 }  // namespace

@@ -33,31 +33,20 @@ Bytes Chunk(std::uint16_t id, const Words& words) {
 class StoredObjectsTest : public HostWorld {
   protected:
     // A value at rest, and keys, of more than are read at once.
-    static void Animate(const std::function<void(TimeValue)>& set) {
-        set(0);
-        AnimateOn();
-        for (TimeValue t = 0; t < 2100; ++t)
-            set(t);
-        AnimateOff();
-    }
-
-    Control* AnimatedFloat() {
-        Control* control = NewFloat();
-        Animate([&](TimeValue t) {
-            float value = static_cast<float>(t) / 3 + 7;
+    template <class Value>
+    static Control* Animated(Control* control, Value at(TimeValue)) {
+        for (TimeValue t = -1; t < 2100; ++t) {
+            if (t == 0) AnimateOn();
+            Value value = at(t);
             control->SetValue(t, &value, 1, CTRL_ABSOLUTE);
-        });
+        }
+        AnimateOff();
         return control;
     }
-
-    Control* AnimatedTransform() {
-        Control* control = NewTransform();
-        Animate([&](TimeValue t) {
-            SetXFormPacket packet;
-            packet.tmAxis.SetTranslate({1, 2, static_cast<float>(t)});
-            control->SetValue(t, &packet, 1, CTRL_ABSOLUTE);
-        });
-        return control;
+    static SetXFormPacket PlacedAt(TimeValue t) {
+        SetXFormPacket packet;
+        packet.tmAxis.SetTranslate({1, 2, static_cast<float>(t)});
+        return packet;
     }
 
     ReferenceTarget* NewCamera() {
@@ -81,8 +70,8 @@ class StoredObjectsTest : public HostWorld {
     }
 
     std::vector<ReferenceTarget*> OneOfEach() {
-        return {AnimatedFloat(),
-                AnimatedTransform(),
+        return {Animated<float>(NewFloat(), [](TimeValue t) { return static_cast<float>(t) / 3; }),
+                Animated<SetXFormPacket>(NewTransform(), PlacedAt),
                 NewCamera(),
                 NewMesh(),
                 headless::NewSplines({headless::StraightLines({{1, 2, 3}, {4, 5, 6}}),
@@ -149,7 +138,7 @@ TEST_F(StoredObjectsTest, NonsenseIsRefused) {
 }
 
 TEST_F(StoredObjectsTest, KeysThatAreThereAreSortedAndOfEqualTimesTheLastStands) {
-    Control* control = AnimatedFloat();
+    Control* control = NewFloat();
     const Words keys{1,  12, 9,       Bits(9),  //
                      20, 0,  Bits(2),           //
                      10, 0,  Bits(1),           //

@@ -97,7 +97,13 @@ TEST_F(KeptChunks, StandBesideWhatTheUtilityWritesItself) {
         EXPECT_EQ(Saved({{9, "other"}}), each.beside) << "at the next save";
     }
 
+    // An emptied scene has nothing to keep.
+    EXPECT_EQ(host.UtilityChunks().at(0).isTaken, false);
+    host.NewScene();
+    EXPECT_EQ(Saved({}), "");
+
     // What it has written again to the byte does not grow from save to save.
+    Saved({{9, "other"}, {1, "one"}, {2, "two"}, {3, "three"}});
     reading = "";
     EXPECT_TRUE(host.OpenScene(file).complaints.empty());
     EXPECT_EQ(Saved({{9, "other"}}), "1239");
