@@ -54,18 +54,25 @@ double UnitsInAMetre() {
 
 struct Clock final : TimeChangeCallback {
     std::vector<TimeValue> times;
-    void TimeChanged(TimeValue t) override { times.push_back(t); }
+    TimeChangeCallback* unwanted = nullptr;
+    void TimeChanged(TimeValue t) override {
+        times.push_back(t);
+        GetCOREInterface()->UnRegisterTimeChangeCallback(unwanted);
+    }
 };
 
 TEST_F(EventsTest, TheTimeIsToldAndNoPartOfTheSceneAndTheRangeIs) {
-    Clock clock;
+    Clock clock, unwanted;
+    clock.unwanted = &unwanted;
     host.RegisterTimeChangeCallback(&clock);
+    host.RegisterTimeChangeCallback(&unwanted);
     const auto before = headless::SceneDigest();
     host.SetTime(160);
     host.SetTime(160);
     Step([&] { host.SetTime(480); });
     session.Undo();
     EXPECT_EQ(clock.times, (std::vector<TimeValue>{160, 480}));
+    EXPECT_TRUE(unwanted.times.empty());
     host.UnRegisterTimeChangeCallback(&clock);
     host.SetTime(0);
     EXPECT_EQ(clock.times.size(), 2U);

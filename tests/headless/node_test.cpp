@@ -96,6 +96,19 @@ TEST_F(NodeTest, StepsAreUndoneThoughTheSceneChangedWithoutARecordInBetween) {
     ASSERT_TRUE(session.Undo());
     EXPECT_EQ(headless::Nodes().size(), 1U);
     EXPECT_TRUE(session.Redo());
+
+    INode* parent = Add("parent");
+    INode* child = Add("child", parent);
+    Step([&] { host.DeleteNode(child); });
+    host.DeleteNode(parent);
+    ASSERT_TRUE(session.Undo());
+    EXPECT_TRUE(child->GetParentNode()->IsRootNode());
+    INode* other = Add("other");
+    Step([&] { child->AttachChild(other, 0); });
+    session.Undo();
+    other->AttachChild(child, 0);
+    session.Redo();
+    EXPECT_TRUE(other->GetParentNode()->IsRootNode()) << "what would hang below itself";
 }
 
 TEST_F(NodeTest, TheTransformPartIsTheControllerAndTakesMatrixControllersAlone) {
