@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <array>
-#include <cstdio>
-#include <deque>
+#include <map>
 #include <set>
 #include <unordered_map>
 
@@ -15,17 +14,6 @@
 
 namespace headless {
 namespace {
-
-std::string NameOf(const StoredNode& node) {
-    return "node " + Quoted(node.name) + " (" + std::to_string(node.handle) + ")";
-}
-
-std::string NameOf(const StoredClass& type) {
-    std::array<char, 40> ids;
-    std::snprintf(ids.data(), ids.size(), " (%X, %X:%X)", type.superClass, type.id.partA,
-                  type.id.partB);
-    return Quoted(type.name) + ids.data();
-}
 
 bool IsSame(const StoredClass& a, const StoredClass& b) {
     return a.Key() == b.Key() && a.name == b.name;
@@ -131,22 +119,19 @@ class Comparison {
     }
 
     void CompareProperties(const std::string& place, const StoredNode& a, const StoredNode& b) {
-        auto left = a.userProperties.begin();
-        auto right = b.userProperties.begin();
-        while (left != a.userProperties.end() || right != b.userProperties.end()) {
-            const bool onlyLeft = right == b.userProperties.end() ||
-                                  (left != a.userProperties.end() && left->first < right->first);
-            const bool onlyRight =
-                !onlyLeft && (left == a.userProperties.end() || right->first < left->first);
-            const auto& [key, value] = onlyRight ? *right : *left;
+        std::map<std::string, std::array<const std::string*, 2>> values;
+        for (const auto& [key, value] : a.userProperties)
+            values[key][0] = &value;
+        for (const auto& [key, value] : b.userProperties)
+            values[key][1] = &value;
+        for (const auto& [key, sides] : values) {
+            const auto& [left, right] = sides;
             const std::string what = "property " + Quoted(key) + " ";
-            if (onlyLeft || onlyRight)
-                Differ(place, what + Quoted(value) + " only in the " +
-                                  (onlyLeft ? "first" : "second") + " file");
-            else if (value != right->second)
-                Differ(place, what + TextDifference(value, right->second));
-            if (!onlyRight) ++left;
-            if (!onlyLeft) ++right;
+            if (!left || !right)
+                Differ(place, what + Quoted(left ? *left : *right) + " only in the " +
+                                  (left ? "first" : "second") + " file");
+            else if (*left != *right)
+                Differ(place, what + TextDifference(*left, *right));
         }
     }
 
@@ -183,9 +168,8 @@ class Comparison {
     }
 
     void CompareObjects() {
-        while (!toCompare_.empty()) {
-            const ObjectPair pair = std::move(toCompare_.front());
-            toCompare_.pop_front();
+        for (std::size_t i = 0; i < toCompare_.size(); ++i) {
+            const ObjectPair pair = toCompare_[i];
             CompareObject(pair.place, first_.objects[pair.first], second_.objects[pair.second]);
         }
         if (found_.empty())
@@ -228,26 +212,24 @@ class Comparison {
         return cut ? LastingPart(saved) : saved;
     }
 
+    // A file has at most one of each class.
     void CompareUtilities() {
-        std::set<const StoredUtility*> met;
         for (const StoredUtility& utility : first_.utilities) {
-            const StoredUtility* other = Counterpart(utility, met);
-            if (!other) {
-                Differ("utility " + NameOf(utility.type), "only in the first file");
-                continue;
-            }
-            met.insert(other);
-            CompareChunks("utility " + NameOf(utility.type), utility.chunks, other->chunks);
+            const std::string place = "utility " + NameOf(utility.type);
+            if (const StoredUtility* other = Counterpart(utility, second_))
+                CompareChunks(place, utility.chunks, other->chunks);
+            else
+                Differ(place, "only in the first file");
         }
         for (const StoredUtility& utility : second_.utilities)
-            if (!met.contains(&utility))
+            if (!Counterpart(utility, first_))
                 Differ("utility " + NameOf(utility.type), "only in the second file");
     }
 
-    const StoredUtility* Counterpart(const StoredUtility& utility,
-                                     const std::set<const StoredUtility*>& met) const {
-        for (const StoredUtility& other : second_.utilities)
-            if (!met.contains(&other) && IsSame(utility.type, other.type)) return &other;
+    static const StoredUtility* Counterpart(const StoredUtility& utility,
+                                            const SceneDocument& document) {
+        for (const StoredUtility& other : document.utilities)
+            if (IsSame(utility.type, other.type)) return &other;
         return nullptr;
     }
 
@@ -301,7 +283,7 @@ class Comparison {
     NodeMatch match_;
     std::unordered_map<std::uint32_t, std::uint32_t> objectInSecond_;  // by the first's index
     std::set<std::uint32_t> reachedInSecond_;
-    std::deque<ObjectPair> toCompare_;
+    std::vector<ObjectPair> toCompare_;  // grows while it is gone through
     std::vector<SceneDifference> found_;
 };
 

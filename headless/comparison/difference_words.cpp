@@ -89,6 +89,17 @@ std::string Number(double number) {
 
 }  // namespace
 
+std::string NameOf(const StoredNode& node) {
+    return "node " + Quoted(node.name) + " (" + std::to_string(node.handle) + ")";
+}
+
+std::string NameOf(const StoredClass& type) {
+    std::array<char, 40> ids;
+    std::snprintf(ids.data(), ids.size(), " (%X, %X:%X)", type.superClass, type.id.partA,
+                  type.id.partB);
+    return Quoted(type.name) + ids.data();
+}
+
 std::string TextDifference(std::string_view first, std::string_view second) {
     if (std::max(first.size(), second.size()) <= kQuotedBytes)
         return Quoted(first) + " and " + Quoted(second);

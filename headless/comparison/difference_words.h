@@ -11,6 +11,10 @@
 // behind it.
 namespace headless {
 
+// What a difference is about, as it stands in the file.
+std::string NameOf(const StoredNode& node);
+std::string NameOf(const StoredClass& type);
+
 // Of two values that differ; long ones are told around where they begin to.
 std::string TextDifference(std::string_view first, std::string_view second);
 
