@@ -1,51 +1,12 @@
-#include <algorithm>
-#include <cstddef>
 #include <filesystem>
 
 #include "headless/viewport.h"
-#include "host/node.h"
 #include "tests/end_to_end/command.h"
 #include "tests/end_to_end/stage.h"
 
 // Pictures of scenes, from the command line to the pixels.
 
 namespace {
-
-using headless::Picture;
-
-// The part of a picture that is not background, which its corner shows.
-struct Extent {
-    int left, right, top, bottom;
-};
-Extent Drawn(const Picture& picture) {
-    Extent extent{picture.width, -1, picture.height, -1};
-    for (int y = 0; y < picture.height; ++y)
-        for (int x = 0; x < picture.width; ++x) {
-            const auto pixel = picture.rgb.begin() + 3 * (std::ptrdiff_t{y} * picture.width + x);
-            if (std::equal(pixel, pixel + 3, picture.rgb.begin())) continue;
-            extent = {std::min(extent.left, x), std::max(extent.right, x), std::min(extent.top, y),
-                      std::max(extent.bottom, y)};
-        }
-    return extent;
-}
-
-TEST(Render, ShowsWhoWasRecordedUprightAndAsLargeAsThePictureAllows) {
-    Stage stage;
-    stage.Record(stage.WriteFile("walk.bvh", Walk(5)));
-    headless::FindNode("walk_Camera")->Hide(true);
-    headless::ViewportSettings settings;
-    settings.width = 320;
-    settings.height = 240;
-    settings.showsGrid = false;
-    Picture picture;
-    ASSERT_EQ(headless::DrawPicture(settings, 0, picture), "");
-    const Extent seen = Drawn(picture);
-    EXPECT_GT(seen.bottom - seen.top, 240 * 3 / 4);
-    EXPECT_LT(seen.bottom - seen.top, 240);
-    EXPECT_LT(seen.right - seen.left, seen.bottom - seen.top);
-    EXPECT_NEAR(seen.left + seen.right, 320, 40);
-    EXPECT_NEAR(seen.top + seen.bottom, 240, 20);
-}
 
 TEST_F(Command, DrawsAScenesSameBytesAtEachRunAndFromASavedCopy) {
     const std::string scene = File("take.scene");

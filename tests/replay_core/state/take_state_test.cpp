@@ -85,6 +85,11 @@ TEST_F(StateTest, AnOpenedSceneHasItsTakesOnceWhicheverRoadsTheStateComesBy) {
         }
     }
     EXPECT_TRUE(world.MessageBoxes().empty());
+    adaptor.FlushUndoBuffer();
+    takes->Named("four").HandleExtension(TVL::kNodesBeingDeleted, nullptr);
+    EXPECT_FALSE(takes->Named("four").IsThere());
+    ASSERT_TRUE(world.Session().Undo());
+    EXPECT_EQ(WholeText(), whole);
 }
 
 TEST_F(StateTest, WhatIsKnownOfATakeIsUndoneAndRedoneWithWhatWasDone) {
@@ -119,37 +124,6 @@ TEST_F(StateTest, WhatIsKnownOfATakeIsUndoneAndRedoneWithWhatWasDone) {
     takes->Drop();
     world.Session().Undo();
     EXPECT_TRUE(replay::WholeState(*takes).children.empty());
-}
-
-TEST_F(StateTest, ASceneMergedIntoItselfThreeTimesHasFourSetsOfTakes) {
-    const Names names = {"walk", "walk 2"};
-    for (Take* take : takes->ForRecording(names))
-        Record(*take, {"Hips", "Knee"});
-    const auto tags = SavedTags();
-    for (int i = 0; i < 3; ++i) {
-        Merge(tags);
-        GatherSceneState();
-    }
-    EXPECT_EQ(TakeNames(), (Names{"walk", "walk 2", "walk 3", "walk 4", "walk 5", "walk 6",
-                                  "walk 7", "walk 8"}));
-    for (std::size_t i = 0; i < 8; ++i) {
-        const Take& take = *takes->All()[i];
-        EXPECT_EQ(NodeNames(take), (Names{"Hips", "Knee"}));
-        EXPECT_EQ(take.Parent(), i % 2 ? takes->All()[i - 1].get() : nullptr) << take.Name();
-    }
-
-    // And still so when that is saved and opened; a claimed take is deleted and comes back whole.
-    const std::string whole = WholeText();
-    StoreSceneState();
-    takes->Drop();
-    adaptor.FlushUndoBuffer();
-    GatherSceneState();
-    EXPECT_EQ(WholeText(), whole);
-    EXPECT_TRUE(world.MessageBoxes().empty());
-    takes->Named("walk 8").HandleExtension(TVL::kNodesBeingDeleted, nullptr);
-    EXPECT_FALSE(takes->Named("walk 8").IsThere());
-    ASSERT_TRUE(world.Session().Undo());
-    EXPECT_EQ(WholeText(), whole);
 }
 
 // A plug-in "old" with one node that is known by its number.
