@@ -137,6 +137,16 @@ TEST_F(StoredObjectsTest, NonsenseIsRefused) {
         object->DeleteMe();
 }
 
+TEST_F(StoredObjectsTest, ALengthIsBelievedOnlyAsFarAsItsLevelReaches) {
+    Bytes bytes = Chunk(1, {7});
+    bytes.pop_back();
+    headless::LoadBytes(bytes, [](ILoad* load) {
+        EXPECT_EQ(load->OpenChunk(), IO_ERROR);
+        EXPECT_EQ(load->OpenChunk(), IO_END);
+        return load->CloseChunk();
+    });
+}
+
 TEST_F(StoredObjectsTest, KeysThatAreThereAreSortedAndOfEqualTimesTheLastStands) {
     Control* control = NewFloat();
     const Words keys{1,  12, 9,       Bits(9),  //
