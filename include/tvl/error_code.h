@@ -39,10 +39,10 @@ class ErrorCode : public Util::Singleton<ErrorCode> {
     // A code with the same four values; what is registered stays behind.
     ErrorCode(const ErrorCode& other);
 
-    virtual std::int32_t GetType() const;
-    virtual std::int32_t GetValue() const;
-    virtual const std::string& GetIdentifier() const;
-    virtual const std::string& GetMessage() const;
+    virtual std::int32_t GetType() const { return type; }
+    virtual std::int32_t GetValue() const { return value; }
+    virtual const std::string& GetIdentifier() const { return identifier; }
+    virtual const std::string& GetMessage() const { return message; }
 
     // The code of that identifier, registered now if it is new; a known one keeps its message and
     // type. Logs as GetByIdentifier does.
@@ -66,9 +66,9 @@ class ErrorCode : public Util::Singleton<ErrorCode> {
     // Copies value, identifier, message and type, and nothing else.
     virtual ErrorCode& operator=(const ErrorCode& other);
 
-    virtual bool operator==(const std::int32_t& codeValue) const;
+    virtual bool operator==(const std::int32_t& codeValue) const { return GetValue() == codeValue; }
     virtual bool operator==(const ErrorCode& other) const;  // value and identifier
-    virtual operator std::int32_t() const;                  // the value
+    virtual operator std::int32_t() const { return GetValue(); }
 
   private:
     ErrorCode(std::int32_t codeValue, const Failure& text);

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace TVL::Util {
@@ -45,12 +46,12 @@ class Message {
 // part of the contract.
 class MessageNode {
   public:
-    explicit MessageNode(std::string nodeName);
+    explicit MessageNode(std::string nodeName) : name(std::move(nodeName)) {}
 
-    virtual void SetName(std::string newName);
+    virtual void SetName(std::string newName) { name = std::move(newName); }
 
     // What a subclass overrides. Messages with negative ids come here too.
-    virtual void Receive(Message* message, bool isBroadcast);
+    virtual void Receive(Message*, bool /*isBroadcast*/) {}
 
     virtual std::int32_t Send(MessageNode* target, Message* message);
 
@@ -64,12 +65,16 @@ class MessageNode {
     // Sends kStoppedListening to `node`, then ends the link, also if that throws.
     virtual std::int32_t StopListening(MessageNode* node);
 
-    virtual std::string GetName() const;
+    virtual std::string GetName() const { return name; }
 
     // In order of joining; null for an index out of range.
-    virtual std::int32_t GetListeningCount() const;
+    virtual std::int32_t GetListeningCount() const {
+        return static_cast<std::int32_t>(listeningTo.size());
+    }
     virtual MessageNode* GetListeningTo(std::int32_t index) const;
-    virtual std::int32_t GetListenerCount() const;
+    virtual std::int32_t GetListenerCount() const {
+        return static_cast<std::int32_t>(listeners.size());
+    }
     virtual MessageNode* GetListener(std::int32_t index) const;
 
     virtual bool IsListener(const MessageNode* node) const;

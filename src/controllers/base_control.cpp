@@ -35,26 +35,6 @@ void BaseControl<T>::PutRecord(Given... given) {
 }
 
 template <class T>
-void BaseControl<T>::GetClassName(HostString& name) {
-    name = className;
-}
-
-template <class T>
-SClass_ID BaseControl<T>::SuperClassID() {
-    return superClassID;
-}
-
-template <class T>
-Class_ID BaseControl<T>::ClassID() {
-    return classID;
-}
-
-template <class T>
-void BaseControl<T>::DeleteThis() {
-    delete this;
-}
-
-template <class T>
 int BaseControl<T>::NumKeys() {
     return IsCoreRunning() ? 0 : table.Count();
 }
@@ -62,11 +42,6 @@ int BaseControl<T>::NumKeys() {
 template <class T>
 TimeValue BaseControl<T>::GetKeyTime(int index) {
     return (table.Contains(index) ? table.At(index) : KeyTable<T>::InvalidKey()).time;
-}
-
-template <class T>
-int BaseControl<T>::GetKeyIndex(TimeValue t) {
-    return table.IndexOf(t);
 }
 
 template <class T>
@@ -90,11 +65,6 @@ int BaseControl<T>::GetKeyTimes(Tab<TimeValue>& times, Interval range, std::uint
         if (range.InInterval(key.time)) times.Append(1, &key.time);
     }
     return 0;
-}
-
-template <class T>
-void BaseControl<T>::DeleteKeyAtTime(TimeValue t) {
-    DeleteKeyByIndex(table.IndexOf(t));
 }
 
 template <class T>
@@ -151,12 +121,6 @@ void BaseControl<T>::SelectKeyByIndex(int index, std::uint32_t value) {
 }
 
 template <class T>
-void BaseControl<T>::MouseCycleCompleted(TimeValue) {}
-
-template <class T>
-void BaseControl<T>::MouseCycleStarted(TimeValue) {}
-
-template <class T>
 IOResult BaseControl<T>::Save(ISave* save) {
     SaveKeys(*save, table);
     return IO_OK;
@@ -201,21 +165,6 @@ void BaseControl<T>::Copy(Control* from) {
         table.keys.push_back(key);
     }
     table.currentKey = this->GetKeyAtTime(CounterTime());
-}
-
-template <class T>
-int BaseControl<T>::ChangeParents(TimeValue, const Matrix3&, const Matrix3&, const Matrix3&) {
-    return 1;
-}
-
-template <class T>
-TarvoKey<T> BaseControl<T>::GetCurrentKey() {
-    return table.currentKey;
-}
-
-template <class T>
-TarvoKey<T> BaseControl<T>::GetKeyAtTime(TimeValue t) {
-    return table.FindNearestKey(t);
 }
 
 template <class T>

@@ -33,22 +33,22 @@ class BaseControl : public Control {
 
     ~BaseControl() override;
 
-    void GetClassName(HostString& name) override;
-    SClass_ID SuperClassID() override;
-    Class_ID ClassID() override;
-    void DeleteThis() override;
+    void GetClassName(HostString& name) override { name = className; }
+    SClass_ID SuperClassID() override { return superClassID; }
+    Class_ID ClassID() override { return classID; }
+    void DeleteThis() override { delete this; }
     void BeginEditParams(IObjParam* ip, std::uint32_t flags, Animatable* previous) override = 0;
     void EndEditParams(IObjParam* ip, std::uint32_t flags, Animatable* next) override = 0;
 
     // Indexes outside the table are ignored; the time there is the invalid key's, -1.
     int NumKeys() override;
     TimeValue GetKeyTime(int index) override;
-    int GetKeyIndex(TimeValue t) override;
+    int GetKeyIndex(TimeValue t) override { return table.IndexOf(t); }
 
     // The neighbour of the key at exactly `t`. Without such a key NEXTKEY_RIGHT gives the table's
     // first key, wherever `t` is, and NEXTKEY_LEFT nothing.
     bool GetNextKeyTime(TimeValue t, std::uint32_t flags, TimeValue& next) override;
-    void DeleteKeyAtTime(TimeValue t) override;
+    void DeleteKeyAtTime(TimeValue t) override { DeleteKeyByIndex(table.IndexOf(t)); }
     bool IsKeyAtTime(TimeValue t, std::uint32_t flags) override;  // never at negative times
     int GetKeyTimes(Tab<TimeValue>& times, Interval range, std::uint32_t flags) override;  // 0
 
@@ -61,8 +61,8 @@ class BaseControl : public Control {
     void DeleteKeyByIndex(int index) override;
     void SelectKeys(TrackHitTab& hits, std::uint32_t flags) override;
     void SelectKeyByIndex(int index, std::uint32_t value) override;
-    void MouseCycleCompleted(TimeValue t) override;
-    void MouseCycleStarted(TimeValue t) override;
+    void MouseCycleCompleted(TimeValue) override {}
+    void MouseCycleStarted(TimeValue) override {}
 
     // One chunk; see SaveKeys. What is damaged is left out, what is whole is kept.
     IOResult Save(ISave* save) override;
@@ -75,11 +75,13 @@ class BaseControl : public Control {
     // those of its parts; no undo. A source of another super class, or this controller itself,
     // changes nothing.
     void Copy(Control* from) override;
-    int ChangeParents(TimeValue t, const Matrix3& oldParent, const Matrix3& newParent,
-                      const Matrix3& world) override;
+    int ChangeParents(TimeValue, const Matrix3&, const Matrix3&, const Matrix3&) override {
+        return 1;
+    }
 
-    virtual Key GetCurrentKey();
-    virtual Key GetKeyAtTime(TimeValue t);  // evaluated; flags 0 unless a class says otherwise
+    virtual Key GetCurrentKey() { return table.currentKey; }
+    // Evaluated; flags 0 unless a class says otherwise.
+    virtual Key GetKeyAtTime(TimeValue t) { return table.FindNearestKey(t); }
 
   protected:
     BaseControl(SClass_ID superClass, Class_ID id, std::string name);

@@ -12,10 +12,6 @@ ScalarControl::~ScalarControl() {
     liveInstances.Remove(*this);
 }
 
-void ScalarControl::BeginEditParams(IObjParam*, std::uint32_t, Animatable*) {}
-
-void ScalarControl::EndEditParams(IObjParam*, std::uint32_t, Animatable*) {}
-
 void ScalarControl::GetValue(TimeValue t, void* value, Interval& valid, GetSetMethod method) {
     valid.SetInstant(t);
     if (NeedsEvaluation(t)) table.currentKey = GetKeyAtTime(t);

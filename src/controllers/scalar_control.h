@@ -16,8 +16,8 @@ class ScalarControl : public BaseControl<float> {
     ScalarControl();
     ~ScalarControl() override;
 
-    void BeginEditParams(IObjParam* ip, std::uint32_t flags, Animatable* previous) override;
-    void EndEditParams(IObjParam* ip, std::uint32_t flags, Animatable* next) override;
+    void BeginEditParams(IObjParam*, std::uint32_t, Animatable*) override {}
+    void EndEditParams(IObjParam*, std::uint32_t, Animatable*) override {}
 
     // `value` is a float; CTRL_RELATIVE adds.
     void GetValue(TimeValue t, void* value, Interval& valid,

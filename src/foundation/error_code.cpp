@@ -61,19 +61,6 @@ ErrorCode::ErrorCode(const ErrorCode& other)
 ErrorCode::ErrorCode(std::int32_t codeValue, const Failure& text)
     : value(codeValue), identifier(text.identifier), message(text.message), type(text.type) {}
 
-std::int32_t ErrorCode::GetType() const {
-    return type;
-}
-std::int32_t ErrorCode::GetValue() const {
-    return value;
-}
-const std::string& ErrorCode::GetIdentifier() const {
-    return identifier;
-}
-const std::string& ErrorCode::GetMessage() const {
-    return message;
-}
-
 ErrorCode* ErrorCode::Declare(const std::string& codeIdentifier, const std::string& codeMessage,
                               std::int32_t codeType) {
     if (!HasIdentifier(codeIdentifier)) {
@@ -140,16 +127,8 @@ ErrorCode& ErrorCode::operator=(const ErrorCode& other) {
     return *this;
 }
 
-bool ErrorCode::operator==(const std::int32_t& codeValue) const {
-    return GetValue() == codeValue;
-}
-
 bool ErrorCode::operator==(const ErrorCode& other) const {
     return value == other.value && identifier == other.identifier;
-}
-
-ErrorCode::operator std::int32_t() const {
-    return GetValue();
 }
 
 // A plain code that is asked to look something up answers as the registry in use does.

@@ -60,14 +60,6 @@ Message::Message(std::int32_t messageId, std::string messageText, std::int32_t f
       wParam(firstParameter),
       lParam(secondParameter) {}
 
-MessageNode::MessageNode(std::string nodeName) : name(std::move(nodeName)) {}
-
-void MessageNode::SetName(std::string newName) {
-    name = std::move(newName);
-}
-
-void MessageNode::Receive(Message*, bool) {}
-
 std::int32_t MessageNode::Send(MessageNode* target, Message* message) {
     if (target == nullptr || message == nullptr) return ValueOf(kNullNode);
     message->sender = this;
@@ -126,20 +118,8 @@ std::int32_t MessageNode::StopListening(MessageNode* node) {
     return 0;
 }
 
-std::string MessageNode::GetName() const {
-    return name;
-}
-
-std::int32_t MessageNode::GetListeningCount() const {
-    return static_cast<std::int32_t>(listeningTo.size());
-}
-
 MessageNode* MessageNode::GetListeningTo(std::int32_t index) const {
     return At(listeningTo, index);
-}
-
-std::int32_t MessageNode::GetListenerCount() const {
-    return static_cast<std::int32_t>(listeners.size());
 }
 
 MessageNode* MessageNode::GetListener(std::int32_t index) const {

@@ -8,6 +8,7 @@
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
 #include "headless/session.h"
+#include "host/interface.h"
 #include "tests/support/matrices.h"
 #include "tests/support/test_class.h"
 
@@ -24,60 +25,35 @@ struct OpenTransform : TransformControl {
 // A running host that knows both controllers.
 class ControlWorld {
   public:
-    ControlWorld();
-    ~ControlWorld();
-
-    headless::Session& Host() { return *session_; }
+    ControlWorld() {
+        session_.RegisterClass(&scalars_);
+        session_.RegisterClass(&transforms_);
+        session_.Start();
+    }
+    headless::Session& Host() { return session_; }
 
   private:
-    TestClass scalars_;
-    TestClass transforms_;
-    std::unique_ptr<headless::Session> session_;
+    template <class C>
+    static TestClass Class() {
+        return {"controller of a test", C::kSuperClassID, C::kClassID,
+                [] { return static_cast<Animatable*>(new C); }};
+    }
+
+    TestClass scalars_ = Class<OpenScalar>();
+    TestClass transforms_ = Class<OpenTransform>();
+    headless::Session session_;
 };
 
 // A controller that only a test knows; freed with the undo stream that may name it.
-template <class C>
-class Alone {
-  public:
-    Alone() : control_(new C) {}
-    ~Alone();
-    Alone(const Alone&) = delete;
-    Alone& operator=(const Alone&) = delete;
-
-    C& operator*() const { return *control_; }
-    C* operator->() const { return control_; }
-
-  private:
-    C* control_;
-};
-
-void FlushUndo();
-
-template <class C>
-Alone<C>::~Alone() {
-    FlushUndo();
-    control_->DeleteThis();
-}
-
-// Refers to a controller, and acts when that tells of a change.
-class Dependent : public ReferenceMaker {
-  public:
-    explicit Dependent(std::function<void()> act) : act_(std::move(act)) {}
-
-    SClass_ID SuperClassID() override { return 0; }
-    Class_ID ClassID() override { return {}; }
-    void DeleteThis() override {}
-    int NumRefs() override { return 1; }
-    RefTargetHandle GetReference(int) override { return target_; }
-    void SetReference(int, RefTargetHandle target) override { target_ = target; }
-    RefResult NotifyRefChanged(Interval, RefTargetHandle, PartID&, RefMessage) override {
-        act_();
-        return REF_SUCCEED;
+struct FreeWithUndo {
+    void operator()(Control* control) const {
+        GetCOREInterface()->FlushUndoBuffer();
+        control->DeleteThis();
     }
-
-  private:
-    std::function<void()> act_;
-    RefTargetHandle target_ = nullptr;
+};
+template <class C>
+struct Alone : std::unique_ptr<C, FreeWithUndo> {
+    Alone() : std::unique_ptr<C, FreeWithUndo>(new C) {}
 };
 
 template <class T>
@@ -89,7 +65,22 @@ std::vector<TimeValue> TimesOf(const KeyTable<T>& table) {
 }
 
 // A write as the host makes it: a world matrix under a parent at the origin.
-void SetWorld(Control& control, TimeValue t, const Matrix3& world);
+inline void SetWorld(Control& control, TimeValue t, const Matrix3& world) {
+    SetXFormPacket packet;
+    packet.command = XFORM_SET;
+    packet.tmAxis = world;
+    control.SetValue(t, &packet, 1, CTRL_ABSOLUTE);
+}
 
-float FloatAt(Control& control, TimeValue t);
-Matrix3 MatrixAt(Control& control, TimeValue t, const Matrix3& parent = Matrix3());
+template <class Value>
+Value ValueAt(Control& control, TimeValue t, Value value) {
+    Interval valid = FOREVER;
+    control.GetValue(t, &value, valid, CTRL_ABSOLUTE);
+    return value;
+}
+inline float FloatAt(Control& control, TimeValue t) {
+    return ValueAt(control, t, 0.0F);
+}
+inline Matrix3 MatrixAt(Control& control, TimeValue t, const Matrix3& parent = Matrix3()) {
+    return ValueAt(control, t, parent);
+}

@@ -6,7 +6,6 @@
 #include "headless/scene_view.h"
 #include "host/animate.h"
 #include "host/hold.h"
-#include "host/interface.h"
 #include "platform/testing.h"
 #include "resources/resource_ids.h"
 #include "tests/controllers/control_world.h"

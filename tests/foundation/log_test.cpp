@@ -51,14 +51,6 @@ TEST_F(LogTest, WritesNamesWithValuesInPlainFormWithinTheLimit) {
               "(NOTICE): number: -1234567\n(NOTICE): address: 0x12345678\n");
 }
 
-TEST_F(LogTest, RawTextIsNeitherFilteredNorDated) {
-    Log scope("scope", Log::kTraffic);
-    Log::GetInstance()->level = -1;
-    scope.WriteRaw("as\tit is");
-    scope.Write("not", Log::kCritical);
-    EXPECT_EQ(Trace(), "as\tit is");
-}
-
 TEST_F(LogTest, AScopeThatOutlivesItsLogLeavesTheNextOneOutermost) {
     Log outside;
     auto scope = std::make_unique<Log>("in the first log", Log::kNotice);
@@ -86,18 +78,19 @@ TEST_F(LogTest, AStreamThatFailsOrThrowsCostsItsLineAlone) {
     TakeBack<Log>();
 }
 
-TEST_F(LogTest, ThePlacedLogFillsItsFileAndEndsIt) {
+TEST_F(LogTest, ThePlacedLogFillsItsFileAlsoWithRawTextAndEndsIt) {
     const TemporaryFolder folder;
     const std::string path = folder.File("log.txt");
     {
         Log outside;
         outside.file.open(path, std::ios::binary);
         Place(outside);
-        { Log local(Log::kNotice); }
-        outside.WriteRaw("line\n");
+        outside.level = -1;
+        Log(Log::kCritical).Write("filtered");
+        Log(Log::kNotice).WriteRaw("as\tit is\n");
         TakeBack<Log>();
     }
-    EXPECT_EQ(ReadFile(path), "line\n[EOF]\n");
+    EXPECT_EQ(ReadFile(path), "as\tit is\n[EOF]\n");
 }
 
 }  // namespace
