@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <sstream>
 #include <string>
 
 #include "platform/process.h"
@@ -94,42 +95,25 @@ TEST_F(Registry, ReadsEveryFormOfValue) {
 }
 
 TEST_F(Registry, SkipsADamagedLineAndReadsTheNext) {
-    const std::string lines[] = {
-        R"("v"="no end)",
-        R"("v"="C:\)",
-        R"("v"="two" "texts")",
-        R"("v)",
-        R"("v" "no sign")",
-        R"("v"=)",
-        R"("v"=dword:)",
-        R"("v"=dword:123456789)",
-        R"("v"=dword:x)",
-        R"("v"=hex:1,,2)",
-        R"("v"=hex:100)",
-        R"("v"=hex(:00)",
-        R"("v"=hex(2)00)",
-        R"("v"=hex(x):00)",
-        R"(v="bare name")",
-        R"(=)",
-        R"("v"=-1)",
-        R"("v"=qword:1)",
-        R"("v"=hex:01,-1)",
-        "]",
-        "\x01\x02\xFF",
-        "@",
-    };
-    for (const std::string& line : lines)
+    std::istringstream lines(R"("v"="no end|"v"="C:\|"v"="two" "texts"|"v|"v" "no sign"|"v"=|)"
+                             R"("v"=dword:|"v"=dword:123456789|"v"=dword:x|"v"=hex:1,,2|)"
+                             R"("v"=hex:100|"v"=hex(:00|"v"=hex(2)00|"v"=hex(x):00|v="bare name"|)"
+                             R"(=|"v"=-1|"v"=qword:1|"v"=hex:01,-1|]|)"
+                             "\x01\x02\xFF|@");
+    std::ptrdiff_t count = 0;
+    for (std::string line; std::getline(lines, line, '|'); ++count)
         EXPECT_FALSE(ReadLine(line)) << line;
     const std::string told = testing::internal::GetCapturedStderr();
     testing::internal::CaptureStderr();
-    EXPECT_EQ(std::count(told.begin(), told.end(), '\n'), std::size(lines)) << told;
+    EXPECT_EQ(std::count(told.begin(), told.end(), '\n'), count) << told;
     EXPECT_TRUE(told.starts_with(path_ + ":4: ")) << told;
 }
 
 TEST_F(Registry, AppliesItsLinesInOrderAndWithoutCase) {
     Write(kHeader + "\"v\"=\"no key\"\n" + kMachine + "a]\n\"v\"=\"1\"\n" + kMachine +
           "b\n\"v\"=\"behind a damaged key\"\n[]\n\"v\"=\"3\"\n" + kMachine + "Up\\C] ; end\n" +
-          "@=\"default\"\n" + kMachine + "go\\b]\n\"v\"=\"5\"\n" + kMachine +
+          "@=\"default\"\n" + kMachine + "go]\n@=\"8\"\n" + kMachine + "go\\b]\n\"v\"=\"5\"\n" +
+          kMachine +
           "gob]\n\"v\"=\"6\"\n\"w\"=\"7\"\n\"V\"=-\n[-HKEY_LOCAL_MACHINE\\GO]\n\"v\"=\"nowhere\"");
     EXPECT_EQ(Read("a", "v").bytes, "1\0"s);
     EXPECT_EQ(Read("gob", "w").bytes, "7\0"s);

@@ -178,7 +178,9 @@ TEST_F(WindowsOfADialog, NeedATemplateAndAParentThatLives) {
     EXPECT_EQ(CreateDialogParamA(nullptr, MAKEINTRESOURCEA(1), frame, Record, 0), nullptr);
     EXPECT_EQ(CreateDialogParamA(nullptr, "20", frame, Record, 0), nullptr);
     EXPECT_TRUE(IsWindow(CreateDialogParamA(nullptr, "#20", frame, nullptr, 0)));
-    EXPECT_TRUE(DestroyWindow(CreateDialogParamA(nullptr, "#21", nullptr, nullptr, 0)));
+    const HWND popup = CreateDialogParamA(nullptr, "#21", nullptr, nullptr, 0);
+    EXPECT_EQ(TextOf(GetDlgItem(popup, kText)), "no font");
+    EXPECT_TRUE(DestroyWindow(popup));
 }
 
 TEST_F(WindowsOfADialog, AreToldFromStaleNullAndMadeUpHandles) {
