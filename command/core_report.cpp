@@ -69,11 +69,12 @@ class FieldReader {
     void Kind(std::string_view key, std::optional<Lent>& lent) {
         bool isLent = false;
         (*this)(key, isLent);
-        if (isLent) Describe(*this, lent.emplace());
+        // Not emplace() of nothing, which clang denies of a type that lies in what has it.
+        if (isLent) Describe(*this, lent.emplace(Lent{}));
     }
     template <class Fields>
     void Rest(std::string_view key, std::optional<Fields>& rest) {
-        if (!Text(key).empty()) Describe(*this, rest.emplace());
+        if (!Text(key).empty()) Describe(*this, rest.emplace(Fields{}));
     }
 
   private:
