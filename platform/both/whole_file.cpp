@@ -3,8 +3,8 @@
 #include <random>
 #include <system_error>
 
-#include "platform/narrow_path.h"
 #include "platform/files.h"
+#include "platform/narrow_path.h"
 
 namespace platform {
 namespace {
