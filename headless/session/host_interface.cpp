@@ -13,13 +13,9 @@
 #include "headless/session/scene_files.h"
 #include "headless/ui/command_panel.h"
 #include "headless/ui/main_window.h"
-#include "host/custom_controls.h"
 #include "host/interface.h"
 
 IObjParam::~IObjParam() = default;
-
-// The system's buttons are all that this host's dialogs are made of.
-void InitCustomControls(HINSTANCE) {}
 
 namespace headless {
 namespace {

@@ -6,6 +6,16 @@
 #include "headless/memory_chunks.h"
 #include "headless/references/census.h"
 #include "headless/scene/scene.h"
+#include "host/custom_controls.h"
+
+namespace {
+constinit std::size_t controlModules = 0;
+}
+
+// The system's buttons are all that this host's dialogs are made of.
+void InitCustomControls(HINSTANCE) {
+    ++controlModules;
+}
 
 namespace headless {
 namespace {
@@ -99,6 +109,7 @@ bool NodePosition(std::uint32_t handle, TimeValue t, PositionView& position) {
 
 Census TakeCensus() {
     Census census;
+    census.controlModules = controlModules;
     census.objects = LiveObjects::CountByClass();
     for (const auto& [name, count] : census.objects)
         census.objectCount += count;

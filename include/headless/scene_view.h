@@ -69,6 +69,7 @@ struct Census {
     std::map<std::string, std::size_t> objects;  // host objects, by class name
     std::size_t objectCount = 0;                 // their sum
     std::size_t heapBlocks = 0;                  // blocks on the host's heap, objects among them
+    std::size_t controlModules = 0;              // how often a module asked for custom controls
 };
 HEADLESS_API Census TakeCensus();
 

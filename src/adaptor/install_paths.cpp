@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
 
 #include "platform/win32.h"
 #include "tvl/installation.h"
@@ -17,40 +16,24 @@ constexpr const char* kProductFolder = "\\Tarvo Works\\Lumiset\\";
 
 constexpr DWORD kValueCapacity = TVL::kLongestInstallPath + 1;  // bytes, with the NUL
 
-// Open for reading as long as it lives.
-class RegistryKey {
-  public:
-    RegistryKey(HKEY root, const char* path) {
-        if (RegOpenKeyExA(root, path, 0, KEY_READ, &key_) != ERROR_SUCCESS) key_ = nullptr;
-    }
-    ~RegistryKey() {
-        if (key_) RegCloseKey(key_);
-    }
-    RegistryKey(const RegistryKey&) = delete;
-    RegistryKey& operator=(const RegistryKey&) = delete;
-
-    bool IsOpen() const { return key_ != nullptr; }
-
-    // The value up to its NUL, which not every value has; none if it is missing or too long.
-    std::optional<std::string> Read(const char* name) const {
+// What the registry tells of a text. A key that could not be opened is null, with which everything
+// further fails.
+struct RegistryText {
+    RegistryText(HKEY root, const char* path, const char* name) {
         std::array<BYTE, kValueCapacity> buffer{};
         DWORD size = kValueCapacity;
-        if (RegQueryValueExA(key_, name, nullptr, nullptr, buffer.data(), &size) != ERROR_SUCCESS) {
-            return std::nullopt;
-        }
+        HKEY key = nullptr;
+        isKeyThere = RegOpenKeyExA(root, path, 0, KEY_READ, &key) == ERROR_SUCCESS;
+        status = RegQueryValueExA(key, name, nullptr, nullptr, buffer.data(), &size);
+        RegCloseKey(key);
+        if (status != ERROR_SUCCESS) return;
         const auto end = buffer.begin() + std::min(size, kValueCapacity);
-        return std::string(buffer.begin(), std::find(buffer.begin(), end, BYTE{0}));
+        text.assign(buffer.begin(), std::find(buffer.begin(), end, BYTE{0}));
     }
 
-    bool IsTooLong(const char* name) const {
-        std::array<BYTE, kValueCapacity> buffer{};
-        DWORD size = kValueCapacity;
-        return RegQueryValueExA(key_, name, nullptr, nullptr, buffer.data(), &size) ==
-               ERROR_MORE_DATA;
-    }
-
-  private:
-    HKEY key_ = nullptr;
+    bool isKeyThere;
+    LSTATUS status;    // of the value
+    std::string text;  // up to its NUL, which not every value has; empty if there is none to read
 };
 
 std::string NotFound(const char* report) {
@@ -61,19 +44,17 @@ std::string NotFound(const char* report) {
 }  // namespace
 
 std::string ReadInstallValue(const char* name) {
-    const RegistryKey key(HKEY_LOCAL_MACHINE, TVL::kInstallKey);
-    return key.IsOpen() ? key.Read(name).value_or("") : "";
+    return RegistryText(HKEY_LOCAL_MACHINE, TVL::kInstallKey, name).text;
 }
 
 bool IsInstallValueTooLong(const char* name) {
-    const RegistryKey key(HKEY_LOCAL_MACHINE, TVL::kInstallKey);
-    return key.IsOpen() && key.IsTooLong(name);
+    return RegistryText(HKEY_LOCAL_MACHINE, TVL::kInstallKey, name).status == ERROR_MORE_DATA;
 }
 
 std::string FindDocumentsPath() {
-    const RegistryKey key(HKEY_CURRENT_USER, kDocumentsKey);
-    if (!key.IsOpen()) return NotFound("Unable to find my documents path");
-    const std::optional<std::string> documents = key.Read(kDocumentsValue);
-    if (!documents) return NotFound("Unable to find my documents registry key");
-    return *documents + kProductFolder;
+    const RegistryText documents(HKEY_CURRENT_USER, kDocumentsKey, kDocumentsValue);
+    if (!documents.isKeyThere) return NotFound("Unable to find my documents path");
+    if (documents.status != ERROR_SUCCESS)
+        return NotFound("Unable to find my documents registry key");
+    return documents.text + kProductFolder;
 }

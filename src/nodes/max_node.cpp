@@ -43,7 +43,7 @@ CMAXNode::~CMAXNode() {
     else
         UnlistNode(this);
     EmptyWatches();
-    LoseSource();
+    LeaveSource();
     LoseReached();
     liveInstances.Remove(*this);
     transformPool.Empty("Encountered still acquired snapshot");
@@ -102,14 +102,14 @@ TVL::CoreNode* CMAXNode::Claim(TVL::CoreElement* newOwner, std::string newName) 
     });
 }
 
-// The node is the caller's from here on, so no undo record may list, hold or end it any more.
+// The node is the caller's from here on, so no undo record may list, hold or end it any more. A
+// real node has no source.
 void CMAXNode::Unclaim() {
     if (isSnapshot) return;
     isSnapshot = true;
     UnlistNode(this);
     EmptyWatches();
     owner = nullptr;
-    LoseSource();
 }
 
 bool CMAXNode::ForgetCore() {
@@ -142,15 +142,11 @@ void CMAXNode::JoinSource(CMAXNode& reachedFrom) {
     reachedFrom.newestReached = this;
 }
 
-void CMAXNode::LoseSource() {
-    if (source) {
-        CMAXNode*& newest = static_cast<CMAXNode*>(source)->newestReached;
-        if (olderOfSource) olderOfSource->newerOfSource = newerOfSource;
-        (newerOfSource ? newerOfSource->olderOfSource : newest) = olderOfSource;
-        newerOfSource = olderOfSource = nullptr;
-    }
-    source = nullptr;
-    sourceOwner = nullptr;
+void CMAXNode::LeaveSource() {
+    if (!source) return;
+    CMAXNode*& newest = static_cast<CMAXNode*>(source)->newestReached;
+    if (olderOfSource) olderOfSource->newerOfSource = newerOfSource;
+    (newerOfSource ? newerOfSource->olderOfSource : newest) = olderOfSource;
 }
 
 // They go on counting with the owner that this node had when they were made.

@@ -111,7 +111,7 @@ class CMAXNode final : public TVL::CoreNode {
     void SettleHostSide(bool deleteHostNode);
     void EmptyWatches();
     void JoinSource(CMAXNode& reachedFrom);
-    void LoseSource();
+    void LeaveSource();
     void LoseReached();
 
     bool isSnapshot;

@@ -59,41 +59,4 @@ TEST_F(NodesPreDelete, AnOwnerMayTakeNodesOutOfTheHostsTableWhenItHears) {
     EXPECT_NE(headless::FindNode("P_a"), nullptr);
 }
 
-// A group that is cancelled takes back a node that is announced.
-TEST_F(NodesPreDelete, IsOneStepOfTheUsersWhateverTheCoreDoesToItsGroup) {
-    TVL::AdaptorInterface& adaptor = world.Adaptor();
-    for (const bool whenStopped : {true, false}) {
-        for (const bool isCancelled : {false, true}) {
-            const auto end = [&](bool isMoment) {
-                if (isMoment) isCancelled ? adaptor.CancelUndoGroup() : adaptor.EndUndoGroup();
-            };
-            world.Core().isRunning = true;
-            world.Core().onCall = [&](const std::string& call) {
-                end(call == "stop" && whenStopped);
-            };
-            rig.onDeletion = [&] { end(!whenStopped); };
-            adaptor.BeginUndoGroup("take");
-            Add(rig, "new");
-            world.Session().Select({"P_a", "P_d", "P_new"});
-            world.Session().DeleteSelected();
-            EXPECT_FALSE(theHold.Holding());
-            EXPECT_EQ(headless::Nodes().size(), 2U);
-            ASSERT_FALSE(world.Session().UndoLabels().empty());
-            EXPECT_EQ(world.Session().UndoLabels().front(), "Delete");
-            ASSERT_TRUE(world.Session().Undo());
-            EXPECT_EQ(headless::Nodes().size(), isCancelled ? 4U : 5U);
-            while (world.Session().Undo()) {
-            }
-        }
-    }
-}
-
-TEST_F(NodesPreDelete, TheCoreMayLeaveWhenItHears) {
-    rig.onDeletion = [] { UtilityManager::Get().DetachCore(); };
-    DeleteAll();
-    EXPECT_FALSE(AttachedCore());
-    ASSERT_TRUE(world.Session().Undo());
-    EXPECT_NE(headless::FindNode("P_a"), nullptr);
-}
-
 }  // namespace

@@ -286,34 +286,4 @@ TEST_F(SceneEvents, ACopyMadeDuringASaveKeepsNoTag) {
     copy->Destroy();
 }
 
-TEST_F(SceneEvents, AFileOpenedInTheMiddleOfARecordingEndsItSafely) {
-    TVL::CoreNode* hip = Helper(rig, "Hip");
-    const std::string path = Saved();
-    for (const bool coreEndsAtReset : {true, false}) {
-        const auto end = [this] {
-            adaptor.EndRecording();
-            adaptor.EndUndoGroup();
-        };
-        adaptor.BeginUndoGroup("take");
-        adaptor.BeginRecording({&rig});
-        TVL::CSnapshot* const snapshot = hip->AcquireSnapshot(1);
-        ASSERT_NE(snapshot, nullptr);
-        world.Core().onCall = [&](const std::string& call) {
-            if (call == "reset" && coreEndsAtReset) end();
-            if (call == kTags) Claim(rig, "Rig", {"Hip"});
-        };
-        Open(path);
-        snapshot->SetWorldTransform(TVL::CMatrix4());
-        hip->ReleaseSnapshot(snapshot);
-        if (!coreEndsAtReset) end();
-        EXPECT_FALSE(theHold.Holding());
-        EXPECT_FALSE(Animating());
-        EXPECT_TRUE(world.Session().AnimateButtonEnabled());
-        EXPECT_FALSE(world.Session().Undo());
-        EXPECT_EQ(headless::Nodes().size(), 1U);
-        hip = static_cast<TVL::CoreNode*>(adaptor.GetNodes(&rig).back());
-    }
-    UtilityManager::Get().DetachCore();
-}
-
 }  // namespace

@@ -278,16 +278,4 @@ TEST_F(MeshSnapshot, IsLeftWithoutANodeInTheOrderOfThePools) {
     EXPECT_EQ(SweepNodes().snapshots, 3);
 }
 
-TEST_F(MeshSnapshot, IsNotLentByANodeThatTheCoreEndsWhileItIsAsked) {
-    Node* const hip = Helper("Hip", nullptr, Triangle());
-    Helper("Knee", nullptr, Triangle());
-    world.Core().onOptionAsked = [&](int) { hip->Destroy(); };
-    EXPECT_EQ(hip->AcquireMeshSnapshot(0), nullptr);
-    world.Core().onOptionAsked = [&](int) {
-        if (INode* knee = Host("Rig_Knee")) GetCOREInterface()->DeleteNode(knee);
-    };
-    EXPECT_EQ(Find("Knee")->AcquireMeshSnapshot(0), nullptr);
-    world.Core().onOptionAsked = nullptr;
-}
-
 }  // namespace

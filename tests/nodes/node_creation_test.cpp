@@ -89,47 +89,6 @@ TEST_F(NodeCreation, TellsTheListenerInsideAGroupAlone) {
     EXPECT_EQ(listener.heard, (Heard{"+Knee", "+Cam"}));
 }
 
-// While the Core is asked for its option.
-TEST_F(NodeCreation, OutlivesItsParent) {
-    for (const bool withHostNode : {true, false}) {
-        Node* parent = Helper("Parent");
-        world.Core().onOptionAsked = [&](int) {
-            if (!parent) return;
-            withHostNode ? parent->Delete(true) : parent->Destroy();
-            parent = nullptr;
-        };
-        Node* const child = withHostNode ? Helper("Child", parent) : Camera("Child", parent);
-        world.Core().onOptionAsked = nullptr;
-        INode* const above = Host("Rig_Child")->GetParentNode();
-        EXPECT_EQ(above, withHostNode ? GetCOREInterface()->GetRootNode() : Host("Rig_Parent"));
-        child->Delete(true);
-    }
-}
-
-TEST_F(NodeCreation, MakesNothingForACoreThatLeavesMeanwhile) {
-    for (const bool isCamera : {true, false}) {
-        world.Core().onOptionAsked = [](int) { UtilityManager::Get().DetachCore(); };
-        EXPECT_EQ(isCamera ? Camera("Late") : Helper("Late"), nullptr);
-        EXPECT_EQ(Host("Rig_Late"), nullptr);
-        EXPECT_TRUE(Listed().empty());
-        UtilityManager::Get().AttachCore();
-    }
-}
-
-TEST_F(NodeCreation, IsTakenBackAsAWholeIfTheListenerEndsTheNodeAtOnce) {
-    listener.onRestored = [&](TVL::CNode* node) {
-        if (listener.heard.size() == 1) Core(node)->Delete(true);
-    };
-    InGroup("Make", [&] { EXPECT_NE(Helper("Hip"), nullptr); });
-    for (int round = 0; round < 2; ++round) {
-        EXPECT_TRUE(Listed().empty());
-        EXPECT_EQ(Host("Rig_Hip"), nullptr);
-        ASSERT_TRUE(world.Session().Undo());
-        EXPECT_TRUE(Listed().empty());
-        ASSERT_TRUE(world.Session().Redo());
-    }
-}
-
 TEST_F(NodeCreation, TakesAnOwnerWithoutAPluginRecord) {
     Plugin nameless("");
     nameless.plugin = nullptr;

@@ -109,6 +109,19 @@ TEST_F(TransformSnapshot, IsReusedFromTheEndOfThePool) {
     hip->ReleaseSnapshot(second);
 }
 
+// A Core reads the told fields of what it is lent.
+TEST_F(TransformSnapshot, BearsTheOwnerThatItsNodeHadWhenItWasMade) {
+    struct OwnFields : TVL::CoreNode::Snapshot {
+        static TVL::CoreElement* OwnerOf(TVL::CSnapshot* lent) {
+            return static_cast<TVL::CoreNode::Snapshot*>(lent)->*(&OwnFields::owner);
+        }
+    };
+    Node* const hip = Helper("Hip");
+    TVL::CSnapshot* const snapshot = hip->AcquireSnapshot(0);
+    EXPECT_EQ(OwnFields::OwnerOf(snapshot), &rig);
+    hip->ReleaseSnapshot(snapshot);
+}
+
 TEST_F(TransformSnapshot, AllocatesNothingOnceThePoolIsWarm) {
     Node* const hip = Helper("Hip");
     hip->ReleaseSnapshot(hip->AcquireSnapshot(0));

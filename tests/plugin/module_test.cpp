@@ -46,12 +46,15 @@ class Module : public testing::Test {
         return {static_cast<const char*>(bytes), SizeofResource(library_, found)};
     }
 
+    std::size_t controlModulesBefore_ = headless::TakeCensus().controlModules;
+
   private:
     headless::Session session_;  // before the library, whose entry point calls the host
     HMODULE library_;
 };
 
 TEST_F(Module, IntroducesItself) {
+    EXPECT_EQ(headless::TakeCensus().controlModules, controlModulesBefore_ + 1);
     EXPECT_STREQ(Find<LibDescriptionRoutine>("LibDescription")(), "Tarvo Lumiset v2.5");
     EXPECT_EQ(Find<LibNumberClassesRoutine>("LibNumberClasses")(), 5);
     EXPECT_EQ(Find<LibVersionRoutine>("LibVersion")(), 589829376U);

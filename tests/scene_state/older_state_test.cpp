@@ -129,14 +129,4 @@ TEST_F(OlderState, IsLeftOutWhereAnythingIsWrongAndTheNextOneIsRead) {
     }
 }
 
-TEST_F(OlderState, CanBeCutAnywhere) {
-    const std::vector<std::byte> whole = Saved({Older()});
-    const std::size_t header = 10;
-    for (std::size_t length = header; length < whole.size(); ++length) {
-        const std::span<const std::byte> cut(whole.data(), length);
-        const Texts states = Loaded(cut);
-        ASSERT_LE(states.size(), 1U) << length;
-    }
-}
-
 }  // namespace
