@@ -176,15 +176,25 @@ void TakeNamesBack() {
     }
 }
 
-// Ends the process as power does. `kill` leaves what the system has been told, `cut` loses
-// contents that were not synced, and `lost` names as well.
-[[noreturn]] void Die() {
+// What the disk does when the power goes: `cut` loses contents that were not synced, and `lost`
+// names as well.
+void LosePower() {
     if (kind != "kill")
         for (const auto& [path, size] : disk.synced)
             if (truncate(path.c_str(), size) != 0) continue;
     if (kind == "lost") TakeNamesBack();
+}
+
+[[noreturn]] void Die() {
+    LosePower();
     raise(SIGKILL);
     std::abort();
+}
+
+// A run that nothing struck loses its power when it is done.
+__attribute__((destructor)) void End() {
+    isCounted = false;
+    if (!book->struck && (kind == "cut" || kind == "lost")) LosePower();
 }
 
 // Operations -------------------------------------------------------------------------------------

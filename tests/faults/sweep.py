@@ -198,7 +198,7 @@ def attempt(place, verb, kind, n):
     place.lay(verb.before)
     ending = place.run(verb.words, f"{kind}:{n}")
     is_killed = ending.struck and kind in DEATHS + ["liar"]
-    may_leave = is_killed or ending.what.startswith("unlink")
+    may_leave = is_killed or kind == "lost" or ending.what.startswith("unlink")
     if is_killed:
         fault = "" if ending.status == -signal.SIGKILL else "is not killed"
     else:
@@ -259,7 +259,7 @@ def read_words():
     parser.add_argument("kind", nargs="?", choices=REFUSALS + SURVIVED + DEATHS + LIES)
     parser.add_argument("n", nargs="?", type=int, help="this run alone, and all that it says")
     parser.add_argument("--sample", action="store_true", help="some of all, with fixed strides")
-    parser.add_argument("--lies", action="store_true", help="of a lying disk, which must be seen")
+    parser.add_argument("--lies", action="store_true", help="that a lying disk is seen, and an honest one not")
     parser.add_argument("--check", action="store_true", help="look at these words alone")
     if not {"-h", "--help"}.isdisjoint(sys.argv):
         parser.print_help()
@@ -280,7 +280,7 @@ def main():
     verbs = [given.verb] if given.verb else VERBS
     if not (binaries / "headless_viewport.so").exists():
         verbs = [name for name in verbs if name != "render"]
-    honest = DEATHS if given.lies else REFUSALS + SURVIVED + DEATHS
+    honest = ["eio"] + DEATHS if given.lies else REFUSALS + SURVIVED + DEATHS
     kinds = [given.kind] if given.kind else honest + LIES * given.lies
     everything, is_seen = collections.Counter(), True
     for name in verbs:
