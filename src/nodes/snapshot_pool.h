@@ -43,12 +43,18 @@ class OrphanedSnapshot {
 template <class Snapshot>
 class SnapshotPool {
   public:
-    // A snapshot that nobody holds, the last such one, else a new one, filled for this use.
+    // A snapshot that nobody holds, the last such one, else a new one, filled for this use. It is
+    // lent while it is being filled, so that nobody whom the host calls meanwhile is lent it too.
     template <class... Use>
     Snapshot* Lend(CMAXNode& lender, const Use&... use) {
         Snapshot& snapshot = FindFree(lender);
-        snapshot.Acquire(lender, use...);
         snapshot.acquired = true;
+        try {
+            snapshot.Acquire(lender, use...);
+        } catch (...) {
+            snapshot.acquired = false;
+            throw;
+        }
         return &snapshot;
     }
 

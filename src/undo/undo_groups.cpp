@@ -147,7 +147,9 @@ std::int32_t AddUndoChunk(std::unique_ptr<TVL::CUndo> chunk) {
 void MarkHold() {
     if (holdMark || !GroupsOwnHold()) return;
     const auto thrown = TVL::ThrownBy([] { PutOnHold<CUndoWrapper>(nullptr); });
-    if (thrown) DisownHold(OpenUndoGroups());
+    if (!thrown) return;
+    TVL::TraceThrown("Put", *thrown);
+    DisownHold(OpenUndoGroups());
 }
 
 // The adaptor may be gone when the host drops its last records, so it is not asked for unless the
