@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "foundation/thrown.h"
 #include "host/hold.h"
 #include "tvl/error_code.h"
 #include "tvl/log.h"
