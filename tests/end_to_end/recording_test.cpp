@@ -158,7 +158,7 @@ TEST(Recording, EndsWhereItsNodesGoInTheMiddle) {
         stage.Host().SetTime(1000);
         stage.Tell("LUMISET_CAPTURE", stage.WriteFile("walk.bvh", Walk(6)));
         {
-            const AtTheStart deletion([&] { act(stage); });
+            const AtTheStart deletion([&stage, does = act] { does(stage); });
             auto report = stage.Press();
             EXPECT_EQ(report["error"], error);
             EXPECT_EQ(report["capture.1.nodes"], "0");

@@ -115,7 +115,7 @@ class ParentChange : public NodeTest {
             {1, 1, 1},  {0, 0, 0}, {1, 0, 1},        {1e-6F, 1e-6F, 1e-6F},
             {-1, 1, 1}, {3, 1, 7}, {0.1F, -5, 1e-3F}};
         Matrix3 matrix;
-        matrix.SetRotate(Quat(0.1F, 0.7F, -0.1F, 0.7F));
+        matrix.SetRotate(Quat{0.1F, 0.7F, -0.1F, 0.7F});
         matrix.Scale(kScales[kind], false);
         matrix.SetRow(3, {static_cast<float>(Below(9)) / 7, 3.3F, static_cast<float>(Below(9))});
         matrix.ValidateFlags();

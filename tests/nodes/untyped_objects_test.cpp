@@ -47,11 +47,11 @@ TEST_F(UntypedObjects, AreWhatTheirIdsSay) {
                   {GEOMOBJECT_CLASS_ID, {9, 1}, false},
                   {HELPER_CLASS_ID, kTriObjectClassId, false}};
     for (const auto& [superClass, id, isMesh] : meshes) {
-        WithNode(untyped::NewMesh(superClass, id), [&](CMAXNode& node) {
+        WithNode(untyped::NewMesh(superClass, id), [faces = isMesh ? 1 : 0](CMAXNode& node) {
             node.AcquireHelperSnapshot()->SetMesh(Triangle());
             auto& shown = static_cast<TriObject&>(*node.HostNode()->GetObjectRef());
-            EXPECT_EQ(shown.GetMesh().getNumFaces(), isMesh ? 1 : 0);
-            EXPECT_EQ(node.AcquireMeshSnapshot(0)->GetMesh().FaceCount(), isMesh ? 1 : 0);
+            EXPECT_EQ(shown.GetMesh().getNumFaces(), faces);
+            EXPECT_EQ(node.AcquireMeshSnapshot(0)->GetMesh().FaceCount(), faces);
         });
     }
 }
