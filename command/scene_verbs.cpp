@@ -7,7 +7,11 @@
 #include "command/scene_report.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
+#include "headless/control/keyframe_chunk.h"
 #include "headless/scene_file_view.h"
+#include "headless/scene_view.h"
+#include "host/interface.h"
+#include "host/node.h"
 #include "replay/request.h"
 #include "tvl/ids.h"
 
@@ -49,8 +53,22 @@ void Merge(CoreStage& stage, const SceneArguments& arguments) {
         stage.MergeByHost(other);
 }
 
+bool HasKeyframes(Animatable* part) {
+    if (!part) return false;
+    if (IsKeyframes(part->ClassID())) return true;
+    for (int index = 0; index < part->NumSubs(); ++index)
+        if (HasKeyframes(part->SubAnim(index))) return true;
+    return false;
+}
+
+// A button has no answer.
 void Convert(CoreStage& stage) {
     stage.AskCore({{replay::variable::kPress, std::to_string(TVL::kConvertAllControllers)}});
+    for (const NodeView& view : Nodes()) {
+        INode* const node = GetCOREInterface()->GetINodeByHandle(view.handle);
+        if (HasKeyframes(node->GetTMController()) || HasKeyframes(node->GetObjectRef()))
+            throw Failure(view.name + ": not all controllers of this node could be converted");
+    }
 }
 
 }  // namespace

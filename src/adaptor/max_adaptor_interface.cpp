@@ -18,6 +18,8 @@ namespace {
 
 constexpr const char* kUndoScript = "max undo";
 
+std::uint64_t lostBeforeGroup = 0;  // of the answers
+
 // Frames in a second, where the host does not tell: a Core may divide by it.
 constexpr double kUsualFrameRate = 30;
 
@@ -138,6 +140,7 @@ std::vector<TVL::CNode*> MaxAdaptorInterface::MergeModels(std::string path) {
 // Undo -------------------------------------------------------------------------------------------
 
 std::int32_t MaxAdaptorInterface::BeginUndoGroup(std::string groupName) {
+    if (!::IsHoldingUndo()) lostBeforeGroup = lostAnswers;
     return AnswerStatus("BeginUndoGroup", [&] { return ::BeginUndoGroup(std::move(groupName)); });
 }
 
@@ -149,7 +152,9 @@ std::int32_t MaxAdaptorInterface::EndUndoGroup() {
     return AnswerStatus("EndUndoGroup", [&] {
         std::optional<Arriving> arriving;
         if (OpenUndoGroups().cancelRequested) arriving.emplace();
-        return ::EndUndoGroup();
+        const std::int32_t status = ::EndUndoGroup();
+        const bool isWhole = ::IsHoldingUndo() || lostAnswers == lostBeforeGroup;
+        return status != 0 || isWhole ? status : TVL::Report(kThrownOut);
     });
 }
 

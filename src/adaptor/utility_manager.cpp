@@ -64,8 +64,17 @@ std::uint32_t UtilityManager::Start() {
         HearHost();
         ExecuteStringScript(kOpenUtilityScript);
     });
-    if (thrown) TVL::TraceThrown("the start", *thrown);
+    if (thrown) GiveUpStart(*thrown);
     return isKept ? GUPRESULT_KEEP : GUPRESULT_NOKEEP;
+}
+
+// A Core that is attached while the host's events go unheard would lose its state at every save.
+void UtilityManager::GiveUpStart(const std::string& words) {
+    TVL::TraceThrown("the start", words);
+    isKept = hearsHost = false;
+    if (const auto thrown = TVL::ThrownBy([this] { DetachCore(); }))
+        TVL::TraceThrown("DetachCore", *thrown);
+    Stop();
 }
 
 // The time callback stays. It is harmless, and an attach after this adds nothing to it.

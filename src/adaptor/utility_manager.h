@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <string>
 
 #include "core_link/core_link.h"
 #include "host/gup.h"
@@ -59,6 +60,7 @@ class UtilityManager final : public GUP {
     UtilityManager() = default;
     ~UtilityManager() override = default;
 
+    void GiveUpStart(const std::string& words);
     bool KeepMatchingCore();
     void BringCoreUp();
     void LinkOptions();

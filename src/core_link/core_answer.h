@@ -11,12 +11,16 @@
 // trace names the operation and what was thrown, and the Core is answered as one is for whom there
 // is nothing. What was half done is taken back by the operation itself, on the way here.
 
+// How often the Core got such an answer without a word. The end of its undo group tells it.
+inline std::uint64_t lostAnswers = 0;
+
 // What `operate` gives; `fallback` if it threw.
 template <class Result, class Operate>
 Result AnswerCore(const char* operation, Result fallback, Operate&& operate) noexcept {
     try {
         return operate();
     } catch (...) {
+        ++lostAnswers;
         TVL::TraceThrown(operation, TVL::ThrownWords());
         return fallback;
     }
@@ -28,6 +32,7 @@ std::invoke_result_t<Operate> AnswerCore(const char* operation, Operate&& operat
     try {
         return operate();
     } catch (...) {
+        ++lostAnswers;
         TVL::TraceThrown(operation, TVL::ThrownWords());
         return std::invoke_result_t<Operate>();
     }

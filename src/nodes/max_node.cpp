@@ -98,7 +98,10 @@ TVL::CoreNode* CMAXNode::Claim(TVL::CoreElement* newOwner, std::string newName) 
     return AnswerCore("Claim", [&]() -> TVL::CoreNode* {
         INode* const host = HostNode();
         if (!isSnapshot || !host || FindRealNode(host)) return nullptr;
-        return new CMAXNode(newOwner, std::move(newName), nullptr, host);
+        ++AdaptorNodes().lostClaims;  // until it is there
+        CMAXNode* const claimed = new CMAXNode(newOwner, std::move(newName), nullptr, host);
+        --AdaptorNodes().lostClaims;
+        return claimed;
     });
 }
 

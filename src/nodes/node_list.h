@@ -37,6 +37,9 @@ struct NodeList {
     // Counts what can have brought nodes with properties on them into the scene, or back into it:
     // copies, merging, undo.
     std::uint64_t arrivals = 0;
+
+    // Claims of nodes that were there to be claimed, and that came to nothing.
+    std::uint64_t lostClaims = 0;
 };
 
 // A node's place in the list, kept in the node.

@@ -10,6 +10,7 @@
 
 #include "host/interface.h"
 #include "nodes/host_node_link.h"
+#include "nodes/node_list.h"
 #include "tvl/xml_node.h"
 
 // Visits the root of the scene and every node in it, a parent before its children, children in
@@ -120,10 +121,13 @@ class CoreLoads {
     CoreLoads& operator=(const CoreLoads&) = delete;
 
     // Whatever the Core has asked for so far.
-    bool IsAnswered() const { return tags_->IsAnswered(); }
+    bool IsAnswered() const {
+        return tags_->IsAnswered() && lostClaimsBefore_ == AdaptorNodes().lostClaims;
+    }
 
   private:
     std::shared_ptr<TagsInScene> tags_ = std::make_shared<TagsInScene>();
+    std::uint64_t lostClaimsBefore_ = AdaptorNodes().lostClaims;
 };
 
 // A tag in the scene has been written.

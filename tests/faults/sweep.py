@@ -176,7 +176,8 @@ class Verb:
 
 def has_complaint(ending):
     """What was asked for is done, and what else did not go well is told."""
-    return ending.status == 0 and "\nComplaint: " in "\n" + ending.out
+    words = "\n" + ending.out
+    return ending.status == 0 and ("\nComplaint: " in words or "\nMessage box: " in words)
 
 
 def fault_in_next_save(place):
@@ -205,7 +206,8 @@ def attempt(place, verb, kind, n):
         fault = verb.fault_in_words(kind, ending)
     if not fault and not may_leave and any((place.home / "tmp").iterdir()):
         fault = "a scratch file is left"
-    keeps_old = has_complaint(ending) and "kept as they are stored" in ending.out
+    keeps_old = has_complaint(ending) and any(
+        words in ending.out for words in ("kept as they are stored", "they were never claimed"))
     fault = fault or verb.fault_in_folder(place, ending.status == 0, keeps_old, may_leave)
     if not fault and is_killed:
         fault = fault_in_next_save(place)

@@ -174,7 +174,7 @@ TEST_F(SceneLawTest, AnyMixOfRecordedAndUnrecordedChangesEndsClean) {
             [&] { session.DeleteSelected(); }, [&] { Step([&] { changes.MakeOne(); }); }};
         std::mt19937 random(seed);
         for (int i = 0; i < 80; ++i)
-            acts[std::min(random() % 6, 4UL)]();
+            acts[std::min<std::size_t>(random() % 6, 4)]();
         session.NewScene();
         ASSERT_EQ(headless::TakeCensus().objectCount, 1U);
     }
