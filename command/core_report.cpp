@@ -6,7 +6,6 @@
 #include <map>
 #include <span>
 #include <string_view>
-#include <type_traits>
 
 #include "command/exit_status.h"
 
@@ -49,20 +48,7 @@ class FieldReader {
         std::size_t count = 0;
         (*this)(plural, count);
         entries.resize(std::min(count, lines_.size()));
-        const std::string outer = prefix_;
-        prefix_.append(singular).append(".");
-        const std::string entry = prefix_;
-        for (std::size_t i = 0; i < entries.size(); ++i) {
-            const std::string number = std::to_string(i + 1);
-            prefix_ = entry;
-            if constexpr (std::is_invocable_v<FieldReader&, std::string_view, Entry&>) {
-                (*this)(number, entries[i]);
-            } else {
-                prefix_.append(number).append(".");
-                Describe(*this, entries[i]);
-            }
-        }
-        prefix_ = outer;
+        replay::DescribeEntries(*this, prefix_, singular, entries);
     }
 
     template <class Lent>

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <type_traits>
 #include <vector>
 
 // What comes of a request to the replay Core, for the program that waits for it around the host. It
@@ -208,6 +210,26 @@ void Describe(Fields& fields, Report& report) {
     fields.List("merges", "merge", report.merges);
     fields.List("looks", "look", report.looks);
     fields.List("takes", "take", report.takes);
+}
+
+// The entries of a list, each under its number behind `singular`. `prefix` is what `fields` puts
+// ahead of every key; it is as before afterwards.
+template <class Fields, class Entry>
+void DescribeEntries(Fields& fields, std::string& prefix, std::string_view singular,
+                     std::vector<Entry>& entries) {
+    const std::string outer = prefix;
+    const std::string entry = outer + std::string(singular) + '.';
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const std::string number = std::to_string(i + 1);
+        prefix = entry;
+        if constexpr (std::is_invocable_v<Fields&, std::string_view, Entry&>) {
+            fields(number, entries[i]);
+        } else {
+            prefix.append(number).append(".");
+            Describe(fields, entries[i]);
+        }
+    }
+    prefix = outer;
 }
 
 }  // namespace replay

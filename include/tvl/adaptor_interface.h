@@ -71,7 +71,9 @@ class AdaptorInterface {
 
     // Undo groups nest; the outermost one becomes one undo step of the host's under its name. A
     // cancel anywhere inside takes the whole nest back when the outermost group ends. AddUndoChunk
-    // takes the chunk over in every case.
+    // takes the chunk over in every case. The outermost end also tells, with the value of the code
+    // "ADAPTOR_EXCEPTION", that something without a status of its own could not be done inside for
+    // want of memory or because the host threw; the group is ended all the same.
     virtual std::int32_t BeginUndoGroup(std::string name) = 0;
     virtual std::int32_t AddUndoChunk(CUndo* chunk) = 0;
     virtual std::int32_t EndUndoGroup() = 0;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <span>
 #include <string_view>
-#include <type_traits>
 
 #include "replay_core/module/environment.h"
 #include "replay_core/motion/numbers.h"
@@ -40,20 +39,7 @@ class FieldWriter {
     template <class Entry>
     void List(std::string_view plural, std::string_view singular, std::vector<Entry>& entries) {
         (*this)(plural, entries.size());
-        const std::string outer = prefix_;
-        prefix_.append(singular).append(".");
-        const std::string entry = prefix_;
-        for (std::size_t i = 0; i < entries.size(); ++i) {
-            const std::string number = std::to_string(i + 1);
-            prefix_ = entry;
-            if constexpr (std::is_invocable_v<FieldWriter&, std::string_view, Entry&>) {
-                (*this)(number, entries[i]);
-            } else {
-                prefix_.append(number).append(".");
-                Describe(*this, entries[i]);
-            }
-        }
-        prefix_ = outer;
+        DescribeEntries(*this, prefix_, singular, entries);
     }
 
     template <class Lent>
