@@ -114,31 +114,20 @@ struct InsertAtRandom {
     }
 };
 
-template <class Edit>
-void Unheld(benchmark::State& state) {
-    Edited edited;
-    Meter meter(state, state.range(0));
-    for (auto _ : state) {
-        meter.Aside([&] {
-            edited.Empty();
-            Edit::Prepare(edited, state.range(0));
-        });
-        Edit::Act(edited, state.range(0));
-    }
-}
+enum class Hold { kNone, kOpen };
 
-template <class Edit>
-void Held(benchmark::State& state) {
+template <class Edit, Hold kHold>
+void Do(benchmark::State& state) {
     Edited edited;
     Meter meter(state, state.range(0));
     for (auto _ : state) {
         meter.Aside([&] {
             edited.Empty();
             Edit::Prepare(edited, state.range(0));
-            theHold.Begin();
+            if (kHold == Hold::kOpen) theHold.Begin();
         });
         Edit::Act(edited, state.range(0));
-        meter.Aside([] { theHold.Accept("edit"); });
+        if (kHold == Hold::kOpen) meter.Aside([] { theHold.Accept("edit"); });
     }
 }
 
@@ -150,26 +139,11 @@ void MakeStep(Edited& edited, std::int64_t keys) {
     theHold.Accept("edit");
 }
 
-template <class Edit>
-void Undo(benchmark::State& state) {
+template <class Edit, Way kWay>
+void Retrace(benchmark::State& state) {
     Edited edited;
     MakeStep<Edit>(edited, state.range(0));
-    Meter meter(state, state.range(0));
-    for (auto _ : state) {
-        edited.Session().Undo();
-        meter.Aside([&] { edited.Session().Redo(); });
-    }
-}
-
-template <class Edit>
-void Redo(benchmark::State& state) {
-    Edited edited;
-    MakeStep<Edit>(edited, state.range(0));
-    Meter meter(state, state.range(0));
-    for (auto _ : state) {
-        meter.Aside([&] { edited.Session().Undo(); });
-        edited.Session().Redo();
-    }
+    RetraceStep<kWay>(state, state.range(0), edited.Session());
 }
 
 template <class Edit>
@@ -243,10 +217,10 @@ void RegisterEdit(const std::string& edit) {
     const auto add = [&](const std::string& name, void (*function)(benchmark::State&)) {
         benchmark::RegisterBenchmark((name + "/ours").c_str(), function)->Apply(EditedKeyCounts);
     };
-    add(edit, Unheld<Edit>);
-    add(edit + ", held", Held<Edit>);
-    add("undo " + edit, Undo<Edit>);
-    add("redo " + edit, Redo<Edit>);
+    add(edit, Do<Edit, Hold::kNone>);
+    add(edit + ", held", Do<Edit, Hold::kOpen>);
+    add("undo " + edit, Retrace<Edit, Way::kUndo>);
+    add("redo " + edit, Retrace<Edit, Way::kRedo>);
     add("watched " + edit, Watched<Edit>);
 }
 

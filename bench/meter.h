@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "headless/session.h"
 #include "tests/support/allocations.h"
 
 // The names of the counters that a benchmark shows; both are for one operation.
@@ -54,3 +55,18 @@ class Meter {
     std::size_t before_;
     std::size_t aside_ = 0;
 };
+
+enum class Way { kUndo, kRedo };
+
+// Goes back and forth over the newest undo step, on which `operations` were done, and measures one
+// way.
+template <Way kWay>
+void RetraceStep(benchmark::State& state, std::int64_t operations, headless::Session& session) {
+    Meter meter(state, operations);
+    const auto back = [&] { session.Undo(); };
+    const auto again = [&] { session.Redo(); };
+    for (auto _ : state) {
+        kWay == Way::kUndo ? back() : meter.Aside(back);
+        kWay == Way::kRedo ? again() : meter.Aside(again);
+    }
+}

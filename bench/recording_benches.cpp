@@ -99,51 +99,31 @@ void SampleHeld(benchmark::State& state) {
     }
 }
 
-template <Controller kController>
-void Undo(benchmark::State& state) {
+template <Controller kController, Way kWay>
+void Retrace(benchmark::State& state) {
     BenchWorld world;
     TakeNode node(world, kController);
     OpenTake();
     node.Record(state.range(0));
     CloseTake();
-    Meter meter(state, state.range(0));
-    for (auto _ : state) {
-        world.Session().Undo();
-        meter.Aside([&] { world.Session().Redo(); });
-    }
-}
-
-template <Controller kController>
-void Redo(benchmark::State& state) {
-    BenchWorld world;
-    TakeNode node(world, kController);
-    OpenTake();
-    node.Record(state.range(0));
-    CloseTake();
-    Meter meter(state, state.range(0));
-    for (auto _ : state) {
-        meter.Aside([&] { world.Session().Undo(); });
-        world.Session().Redo();
-    }
+    RetraceStep<kWay>(state, state.range(0), world.Session());
 }
 
 void TakeLengths(benchmark::internal::Benchmark* bench) {
-    bench->Arg(100)->Arg(10'000)->Arg(100'000);
+    bench->Arg(100)->Arg(10'000)->Arg(100'000)->Apply(Brief);
 }
 
 BENCHMARK(SampleUnheld<Controller::kOurs>)->Name("a sample's road/ours")->Apply(Brief);
 BENCHMARK(SampleUnheld<Controller::kHosts>)->Name("a sample's road/host's own")->Apply(Brief);
 BENCHMARK(SampleHeld<Controller::kOurs>)->Name("a sample's road, held/ours")->Apply(Brief);
 BENCHMARK(SampleHeld<Controller::kHosts>)->Name("a sample's road, held/host's own")->Apply(Brief);
-BENCHMARK(Undo<Controller::kOurs>)->Name("undo a key/ours")->Apply(TakeLengths)->Apply(Brief);
-BENCHMARK(Undo<Controller::kHosts>)
+BENCHMARK(Retrace<Controller::kOurs, Way::kUndo>)->Name("undo a key/ours")->Apply(TakeLengths);
+BENCHMARK(Retrace<Controller::kHosts, Way::kUndo>)
     ->Name("undo a key/host's own")
-    ->Apply(TakeLengths)
-    ->Apply(Brief);
-BENCHMARK(Redo<Controller::kOurs>)->Name("redo a key/ours")->Apply(TakeLengths)->Apply(Brief);
-BENCHMARK(Redo<Controller::kHosts>)
+    ->Apply(TakeLengths);
+BENCHMARK(Retrace<Controller::kOurs, Way::kRedo>)->Name("redo a key/ours")->Apply(TakeLengths);
+BENCHMARK(Retrace<Controller::kHosts, Way::kRedo>)
     ->Name("redo a key/host's own")
-    ->Apply(TakeLengths)
-    ->Apply(Brief);
+    ->Apply(TakeLengths);
 
 }  // namespace

@@ -1,10 +1,12 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "command/scene_report.h"
+#include "command/exit_status.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
 #include "headless/control/keyframe_chunk.h"
@@ -18,6 +20,71 @@
 // Verbs that open a scene, do something with it, save it, and tell what the Core finds in it then.
 namespace headless {
 namespace {
+
+// What stands after a verb has done its work on a scene.
+struct SceneReport {
+    std::string scene;  // the file that was opened
+    std::string saved;  // the file that was written; empty for none
+    std::size_t nodes = 0;
+    std::vector<replay::TakeReport> takes;
+    std::vector<std::string> boxes;       // the texts of message boxes
+    std::vector<std::string> complaints;  // about files and the Core, a line each
+};
+
+// The end of the work on a scene: saves it unless `target` is empty, and asks the Core for its
+// takes. Where a Core is wanted and none is there, that is a complaint.
+SceneReport SaveAndReport(CoreStage& stage, const std::string& scene, const std::string& target) {
+    if (!target.empty()) stage.Save(target);
+    SceneReport report;
+    report.scene = scene;
+    report.saved = target;
+    report.nodes = Nodes().size();
+    report.complaints = stage.Complaints();
+    try {
+        if (stage.WantsCore()) report.takes = stage.AskCore({}).takes;
+    } catch (const Failure& failure) {
+        report.complaints.push_back(failure.what());
+    }
+    report.boxes = stage.BoxTexts();
+    return report;
+}
+
+void PrintList(std::ostream& out, std::string_view title, const std::vector<std::string>& texts) {
+    for (const std::string& text : texts)
+        out << (&text == &texts.front() ? title : ", ") << text;
+}
+
+void PrintForPerson(std::ostream& out, const SceneReport& report) {
+    out << report.scene << ": " << Counted(report.nodes, "node") << '\n';
+    for (const replay::TakeReport& take : report.takes) {
+        out << "Take " << take.name << ": " << Counted(take.nodes, "node");
+        if (!take.parent.empty()) out << ", below " << take.parent;
+        PrintList(out, ", from ", take.captures);
+        PrintList(out, "; not found: ", take.missing);
+        out << '\n';
+    }
+    for (const std::string& box : report.boxes)
+        out << "Message box: " << box << '\n';
+    for (const std::string& complaint : report.complaints)
+        out << "Complaint: " << complaint << '\n';
+    if (!report.saved.empty()) out << "Saved as " << report.saved << '\n';
+}
+
+void PrintForProgram(std::ostream& out, const SceneReport& report) {
+    nlohmann::ordered_json object = {{"scene", report.scene},
+                                     {"nodes", report.nodes},
+                                     {"takes", nlohmann::ordered_json::array()},
+                                     {"boxes", report.boxes},
+                                     {"complaints", report.complaints},
+                                     {"saved", report.saved}};
+    for (const replay::TakeReport& take : report.takes)
+        object["takes"].push_back({{"name", take.name},
+                                   {"parent", take.parent},
+                                   {"captures", take.captures},
+                                   {"nodes", take.nodes},
+                                   {"missing", take.missing}});
+    PrintJson(out, object);
+}
 
 struct SceneArguments {
     std::string scene;

@@ -1,5 +1,5 @@
 #include "fuzz/fuzzed.h"
-#include "platform/formats/reg_file.h"
+#include "platform/common/reg_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const platform::RegFile file = platform::ParseRegFile(AsText(data, size));

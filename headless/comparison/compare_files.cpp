@@ -4,8 +4,7 @@
 #include <set>
 #include <unordered_map>
 
-#include "headless/comparison/difference_words.h"
-#include "headless/comparison/match_nodes.h"
+#include "headless/comparison/comparison.h"
 #include "headless/control/keyframe_chunk.h"
 #include "headless/scene_file/scene_chunks.h"
 #include "headless/scene_file/scene_file.h"

@@ -1,11 +1,10 @@
-#include "headless/comparison/difference_words.h"
-
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
 #include <optional>
 
+#include "headless/comparison/comparison.h"
 #include "headless/scene_file/file_errors.h"
 
 namespace headless {

@@ -1,10 +1,10 @@
-#include "headless/comparison/match_nodes.h"
-
 #include <deque>
 #include <map>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
+
+#include "headless/comparison/comparison.h"
 
 namespace headless {
 namespace {

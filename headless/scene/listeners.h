@@ -58,4 +58,10 @@ class Listeners {
     int telling_ = 0;                  // rounds under way, each of which goes by index
 };
 
+// Tells everybody who has registered for a code with host/notify.h. Callbacks may register and
+// unregister, and throw, as above.
+void Broadcast(int code, void* callParam = nullptr);
+
+void ForgetNotifications();
+
 }  // namespace headless

@@ -1,5 +1,3 @@
-#include "headless/scene/notifications.h"
-
 #include "headless/breaches/breach_book.h"
 #include "headless/scene/listeners.h"
 #include "host/notify.h"

@@ -5,7 +5,6 @@
 #include <bit>
 
 #include "headless/scene_file/scene_chunks.h"
-#include "headless/storage/checksum.h"
 #include "headless/storage/chunks.h"
 
 namespace headless {

@@ -8,7 +8,6 @@
 #include "headless/scene_file/chunk_fields.h"
 #include "headless/scene_file/scene_chunks.h"
 #include "headless/scene_file/scene_document.h"
-#include "headless/storage/checksum.h"
 #include "headless/storage/chunks.h"
 
 namespace headless {

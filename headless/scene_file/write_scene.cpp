@@ -7,7 +7,6 @@
 #include "headless/classes/class_registry.h"
 #include "headless/scene/scene.h"
 #include "headless/scene/time_and_units.h"
-#include "headless/scene_file/abandoned_saves.h"
 #include "headless/scene_file/atomic_file.h"
 #include "headless/scene_file/chunk_fields.h"
 #include "headless/scene_file/file_errors.h"

@@ -1,6 +1,6 @@
 #include <utility>
 
-#include "headless/scene/notifications.h"
+#include "headless/scene/listeners.h"
 #include "headless/scene/scene.h"
 #include "headless/scene/selection.h"
 #include "headless/session.h"

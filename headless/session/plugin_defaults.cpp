@@ -1,4 +1,3 @@
-#include "headless/ui/script.h"
 #include "host/class_desc.h"
 #include "host/gup.h"
 #include "host/utility_obj.h"
@@ -33,10 +32,6 @@ void* GUP::Bmi() {
 
 int GUP::EnumTree(ITreeEnumProc*) {
     return 0;
-}
-
-int GUP::ExecuteStringScript(const char* text, int*) {
-    return text && headless::RunScript(text) ? 1 : 0;
 }
 
 // There is no file that this host would understand.

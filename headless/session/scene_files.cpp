@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "headless/hold/undo_stream.h"
-#include "headless/scene/notifications.h"
+#include "headless/scene/listeners.h"
 #include "headless/scene/scene.h"
 #include "headless/scene/selection.h"
 #include "headless/scene_file/file_errors.h"

@@ -8,7 +8,7 @@
 #include "headless/classes/plugin_library.h"
 #include "headless/control/animate_mode.h"
 #include "headless/hold/undo_stream.h"
-#include "headless/scene/notifications.h"
+#include "headless/scene/listeners.h"
 #include "headless/scene/scene.h"
 #include "headless/scene/selection.h"
 #include "headless/scene/time_and_units.h"

@@ -1,6 +1,9 @@
 #include "headless/storage/byte_source.h"
 
+#include <zlib.h>
+
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace headless {
@@ -52,6 +55,21 @@ std::size_t FileSource::FromFile(std::uint64_t position, std::span<std::byte> by
     file_.seekg(static_cast<std::streamoff>(position));
     file_.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     return static_cast<std::size_t>(std::max<std::streamsize>(file_.gcount(), 0));
+}
+
+std::optional<std::uint32_t> ChecksumOf(std::uint64_t begin, std::uint64_t end,
+                                        const ReadBytesAt& read) {
+    constexpr std::size_t kSummedBytes = std::size_t{32} * 1024;
+    std::array<std::byte, kSummedBytes> block;
+    uLong checksum = 0;
+    while (begin < end) {
+        const auto count =
+            static_cast<std::size_t>(std::min<std::uint64_t>(end - begin, kSummedBytes));
+        if (!read(begin, std::span(block).first(count))) return std::nullopt;
+        checksum = crc32_z(checksum, reinterpret_cast<const Bytef*>(block.data()), count);
+        begin += count;
+    }
+    return static_cast<std::uint32_t>(checksum);
 }
 
 }  // namespace headless

@@ -1,5 +1,3 @@
-#include "headless/ui/script.h"
-
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
@@ -7,11 +5,13 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "headless/hold/undo_stream.h"
 #include "headless/ui/command_panel.h"
+#include "host/gup.h"
 
 namespace headless {
 namespace {
@@ -49,6 +49,7 @@ bool MaxUndo(const std::string&, Running&) {
 
 constexpr char kArgument[] = "$";
 
+// How a statement of a script looks, and what it does. Blanks of a class name are underscores.
 struct Form {
     Tokens tokens;
     Action action;
@@ -127,8 +128,8 @@ std::vector<Statement> Parse(std::string_view text) {
     return statements;
 }
 
-}  // namespace
-
+// Statements with `;` between them. Nothing runs unless the whole text is understood. True: all ran
+// and had their effect.
 bool RunScript(std::string_view text) {
     const std::vector<Statement> statements = Parse(text);
     Running running;
@@ -138,4 +139,9 @@ bool RunScript(std::string_view text) {
     return !statements.empty();
 }
 
+}  // namespace
 }  // namespace headless
+
+int GUP::ExecuteStringScript(const char* text, int*) {
+    return text && headless::RunScript(text) ? 1 : 0;
+}

@@ -1,4 +1,4 @@
-#include "platform/formats/resources.h"
+#include "platform/common/resources.h"
 #include "platform/posix/guarded.h"
 #include "platform/posix/window_table.h"
 #include "platform/win32.h"

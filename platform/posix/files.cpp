@@ -6,7 +6,7 @@
 
 #include <memory>
 
-#include "platform/formats/text.h"
+#include "platform/common/text.h"
 #include "platform/posix/guarded.h"
 #include "platform/posix/native_path.h"
 #include "platform/win32.h"

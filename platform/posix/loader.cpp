@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/formats/text.h"
+#include "platform/common/text.h"
 #include "platform/modules.h"
 #include "platform/posix/guarded.h"
 #include "platform/posix/modules.h"

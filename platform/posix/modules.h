@@ -3,7 +3,7 @@
 #include <map>
 #include <vector>
 
-#include "platform/formats/resources.h"
+#include "platform/common/resources.h"
 #include "platform/module/registration.h"
 
 namespace platform {

@@ -1,6 +1,6 @@
 #include "platform/posix/native_path.h"
 
-#include "platform/formats/text.h"
+#include "platform/common/text.h"
 
 namespace platform {
 

@@ -11,8 +11,8 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/formats/reg_file.h"
-#include "platform/formats/text.h"
+#include "platform/common/reg_file.h"
+#include "platform/common/text.h"
 #include "platform/posix/guarded.h"
 #include "platform/posix/handle_table.h"
 #include "platform/posix/native_path.h"

@@ -1,9 +1,9 @@
-#include "platform/formats/resources.h"
+#include "platform/common/resources.h"
 
 #include <span>
 #include <string>
 
-#include "platform/formats/text.h"
+#include "platform/common/text.h"
 #include "platform/posix/guarded.h"
 #include "platform/posix/modules.h"
 #include "platform/win32.h"

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "platform/formats/resources.h"
+#include "platform/common/resources.h"
 #include "platform/posix/handle_table.h"
 #include "platform/win32.h"
 

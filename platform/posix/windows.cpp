@@ -3,7 +3,7 @@
 #include <limits>
 #include <utility>
 
-#include "platform/formats/text.h"
+#include "platform/common/text.h"
 #include "platform/posix/guarded.h"
 #include "platform/posix/window_table.h"
 #include "platform/win32.h"

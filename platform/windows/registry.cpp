@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/formats/reg_file.h"
+#include "platform/common/reg_file.h"
 #include "platform/process.h"
 #include "platform/win32.h"
 

@@ -15,7 +15,7 @@
 #include "headless/session.h"
 #include "host/class_desc.h"
 #include "host/interface.h"
-#include "platform/formats/resources.h"
+#include "platform/common/resources.h"
 #include "platform/modules.h"
 #include "platform/process.h"
 #include "platform/testing.h"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <vector>
 
@@ -19,15 +20,22 @@ inline TVL::CoreNode* AsCoreNode(TVL::CNode* node) {
 // for them before, so that hearing of one, or of one that comes back, cannot fail.
 class NodeBook final : public TVL::NodeListener {
   public:
-    void OnNodeRemoved(TVL::CNode* node) override;
-    void OnNodeRestored(TVL::CNode* node) override;
+    void OnNodeRemoved(TVL::CNode* node) override { std::erase(nodes_, node); }
+    void OnNodeRestored(TVL::CNode* node) override {
+        if (!Has(node)) nodes_.push_back(AsCoreNode(node));
+    }
 
-    void MakeRoom(std::size_t newNodes);
+    void MakeRoom(std::size_t newNodes) {
+        const std::size_t all = nodes_.size() + newNodes;
+        if (nodes_.capacity() < all) nodes_.reserve(std::max(all, 2 * nodes_.size()));
+    }
 
     // Still the adaptor's.
     const std::vector<TVL::CoreNode*>& Nodes() const { return nodes_; }
 
-    bool Has(const TVL::CNode* node) const;
+    bool Has(const TVL::CNode* node) const {
+        return std::ranges::find(nodes_, node) != nodes_.end();
+    }
 
   private:
     std::vector<TVL::CoreNode*> nodes_;

@@ -40,9 +40,17 @@ inline constexpr const char* kEndFrame = "endFrame";
 // back. An attribute loses the '>', and a text child is lost if it is nothing but blanks. So a text
 // with a '>' becomes a child element of the name `key`, and any other one an attribute. The element
 // has no text children beside.
-void SetStoredText(XMLNode& element, std::string_view key, std::string_view text);
+inline void SetStoredText(XMLNode& element, std::string_view key, std::string_view text) {
+    if (text.find('>') == std::string_view::npos)
+        element.attributes[std::string(key)] = text;
+    else
+        element.AddChild(XMLNode(key, text));
+}
 
 // The empty text if there is none.
-std::string StoredText(const XMLNode& element, std::string_view key);
+inline std::string StoredText(const XMLNode& element, std::string_view key) {
+    const auto attribute = element.attributes.find(std::string(key));
+    return attribute == element.attributes.end() ? element.Child(key).Text() : attribute->second;
+}
 
 }  // namespace replay

@@ -1,4 +1,4 @@
-#include "platform/formats/text.h"
+#include "platform/common/text.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,11 +1,11 @@
-#include "platform/formats/resources.h"
+#include "platform/common/resources.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string_view>
 
-#include "platform/formats/text.h"
+#include "platform/common/text.h"
 
 // The layouts are those of RESOURCEHEADER, DLGTEMPLATEEX and DLGITEMTEMPLATEEX in the system's
 // documentation: little-endian numbers of 16 and 32 bits, texts of 16-bit letters with a NUL, parts

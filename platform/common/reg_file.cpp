@@ -1,4 +1,4 @@
-#include "platform/formats/reg_file.h"
+#include "platform/common/reg_file.h"
 
 #include <algorithm>
 #include <charconv>
@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <optional>
 
-#include "platform/formats/text.h"
+#include "platform/common/text.h"
 
 namespace platform {
 namespace {
