@@ -3,8 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <sstream>
 
 #include "headless/memory_chunks.h"
+#include "headless/viewport.h"
+#include "host/interface.h"
+#include "host/node.h"
+#include "tests/support/matrices.h"
+#include "tests/support/world.h"
 
 namespace {
 
@@ -12,131 +18,182 @@ using headless::LoadBytes;
 using headless::SavedBytes;
 using Bytes = std::vector<std::byte>;
 
-void FillWithTwoTriangles(CustomHelperObject& helper) {
-    helper.mesh.vertices = {{0, 0, 0}, {1, 0, 0}, {0, 2, 0}, {0, 0, -3.5}};
+template <class... Values>
+void WriteAll(ISave* save, const Values&... values) {
+    (save->Write(&values, sizeof values, nullptr), ...);
+}
+
+// A helper in a scene file as somebody has damaged it: one chunk of zeros, which says how many
+// items it holds.
+class DamagedHelper final : public HelperObject {
+  public:
+    DamagedHelper(std::uint16_t id, std::int32_t count, std::size_t bytes)
+        : id_(id), count_(count), zeros_(bytes) {}
+    Class_ID ClassID() override { return kCustomHelperObjectClassId; }
+    void GetClassName(HostString& name) override { name = kCustomHelperObjectName; }
+    void DeleteThis() override { delete this; }
+    IOResult Save(ISave* save) override {
+        save->BeginChunk(id_);
+        WriteAll(save, count_);
+        save->Write(zeros_.data(), static_cast<std::uint32_t>(zeros_.size()), nullptr);
+        return save->EndChunk();
+    }
+
+  private:
+    std::uint16_t id_;
+    std::int32_t count_;
+    Bytes zeros_;
+};
+
+TEST(CustomHelperObject, IsStoredInThreeChunksAndComesBackButForItsTexture) {
+    CustomHelperObject helper;
+    EXPECT_EQ(SavedBytes(helper).size(), 3 * 10 + 4 + 4 + 16U);  // counts alone, and the look
+    helper.mesh.vertices.assign(10000, {1, 2, -3.5});
     helper.mesh.textureVertices = {{1, 1, 1}};
-    helper.mesh.faces = {0, 1, 2, 3, 1, 0};
+    helper.mesh.faces = {0, 1, 2, 3, 1, 0, 7};  // the last is no whole face
     helper.colour = {0.25F, 0.5F, 1};
-    helper.wireframe = 0;
     helper.backfaceCull = 1;
     helper.reserved = {7, 9};
-}
-
-// A chunk 1 or 2 that holds this count and then as many zero bytes.
-Bytes CountChunk(std::uint16_t id, std::int32_t count, std::size_t zeroBytes) {
-    return headless::SavedBytes([&](ISave* save) {
-        save->BeginChunk(id);
-        save->Write(&count, sizeof count, nullptr);
-        const Bytes zeros(zeroBytes);
-        save->Write(zeros.data(), static_cast<std::uint32_t>(zeroBytes), nullptr);
+    const Bytes known = SavedBytes([](ISave* save) {
+        save->BeginChunk(1);
+        WriteAll(save, std::int32_t{10000});
+        for (int vertex = 0; vertex < 10000; ++vertex)
+            WriteAll(save, 1.0, 2.0, -3.5);
+        save->EndChunk();
+        save->BeginChunk(2);
+        WriteAll(save, std::int32_t{2}, std::array<std::int32_t, 6>{0, 1, 2, 3, 1, 0});
+        save->EndChunk();
+        save->BeginChunk(3);
+        WriteAll(save, std::array{0.25F, 0.5F, 1.0F}, std::array<char, 4>{1, 1, 7, 9});
         return save->EndChunk();
     });
-}
+    EXPECT_TRUE(SavedBytes(helper) == known);
 
-// The display mesh can be drawn: no face names a vertex that is not there.
-void ExpectDrawable(CustomHelperObject& helper) {
-    Box3 box;
-    helper.GetLocalBoundBox(0, nullptr, nullptr, box);
-    for (const Face& face : helper.displayMesh.faces)
-        for (const std::uint32_t vertex : face.v)
-            EXPECT_LT(vertex, helper.displayMesh.verts.size());
-    EXPECT_EQ(helper.mesh.faces.size() % 3, 0U);
-    EXPECT_EQ(helper.mesh.textureFaces.size(), helper.mesh.faces.size());
-}
-
-TEST(CustomHelperObject, IsAnEmptyRedWireframeWhenNew) {
-    CustomHelperObject helper;
-    EXPECT_EQ(helper.colour, (std::array<float, 3>{1, 0, 0}));
-    EXPECT_EQ(helper.wireframe, 1);
-    EXPECT_EQ(helper.backfaceCull, 0);
-    EXPECT_EQ(helper.reserved, (std::array<std::uint8_t, 2>{0, 0}));
-    EXPECT_EQ(helper.SuperClassID(), 0x50U);
-    EXPECT_EQ(helper.ClassID(), (Class_ID{0x22E322A5, 0x3010606F}));
-    HostString name;
-    helper.InitNodeName(name);
-    EXPECT_EQ(name, "Tarvo_Helper");
-    EXPECT_EQ(helper.Eval(0).obj, &helper);
-    Box3 box(Point3(0, 0, 0), Point3(1, 1, 1));
-    helper.GetWorldBoundBox(0, nullptr, nullptr, box);
-    EXPECT_TRUE(box.IsEmpty());
-}
-
-TEST(CustomHelperObject, ComesBackFromStorageButForTextureCoordinates) {
-    CustomHelperObject helper;
-    FillWithTwoTriangles(helper);
-    helper.mesh.vertices.resize(10000, {1, 2, 3});
-    Bytes bytes = CountChunk(77, 5, 100);  // passed over
-    const Bytes known = SavedBytes(helper);
+    DamagedHelper unknown(77, 5, 100);  // a chunk that is passed over
+    Bytes bytes = SavedBytes(unknown);
     bytes.insert(bytes.end(), known.begin(), known.end());
     CustomHelperObject loaded;
     EXPECT_EQ(LoadBytes(bytes, loaded), IO_OK);
-    EXPECT_EQ(loaded.mesh.vertices, helper.mesh.vertices);
-    EXPECT_EQ(loaded.mesh.faces, helper.mesh.faces);
+    EXPECT_TRUE(SavedBytes(loaded) == known);
     EXPECT_TRUE(loaded.mesh.textureVertices.empty());
     EXPECT_EQ(loaded.mesh.textureFaces, std::vector<int>(6, 0));
-    EXPECT_EQ(loaded.colour, helper.colour);
-    EXPECT_EQ(loaded.wireframe, 0);
-    EXPECT_EQ(loaded.backfaceCull, 1);
-    EXPECT_EQ(loaded.reserved, helper.reserved);
-    EXPECT_NE(loaded.meshDirty, 0);
-    EXPECT_EQ(SavedBytes(loaded), known);
 }
 
-TEST(CustomHelperObject, WritesThreeChunksOfAFixedLayout) {
-    CustomHelperObject helper;
-    helper.mesh.vertices = {{1, 2, 3}};
-    helper.mesh.faces = {0, 0, 0, 0};
-    helper.reserved = {7, 9};
-    const Bytes expected = headless::SavedBytes([](ISave* save) {
-        const auto write = [save](auto... values) {
-            (save->Write(&values, sizeof values, nullptr), ...);
-        };
-        save->BeginChunk(1);
-        write(std::int32_t{1}, 1.0, 2.0, 3.0);
-        save->EndChunk();
-        save->BeginChunk(2);
-        write(std::int32_t{1}, std::int32_t{0}, std::int32_t{0}, std::int32_t{0});
-        save->EndChunk();
-        save->BeginChunk(3);
-        write(1.0F, 0.0F, 0.0F);
-        write('\1', '\0', '\7', '\11');
-        return save->EndChunk();
-    });
-    EXPECT_EQ(SavedBytes(helper), expected);
+class HelperInScene : public testing::Test {
+  protected:
+    HelperInScene() {
+        helper->mesh.vertices = {{0, 0, 0}, {40, 0, 0}, {0, 0, 40}, {20, 30, 20}};
+        helper->mesh.faces = {0, 1, 2, 0, 2, 3};  // the first looks to the front, the other away
+        node->SetName("Guide");
+    }
 
-    CustomHelperObject empty;
-    EXPECT_EQ(SavedBytes(empty).size(), 3 * 10 + 4 + 4 + 16U);
-}
+    std::vector<headless::DrawBatch> Drawn() const {
+        headless::ViewportSettings settings;
+        settings.showsGrid = false;
+        return headless::DrawScene(settings, 0).list.batches;
+    }
 
-TEST(CustomHelperObject, BelievesACountOnlyAsFarAsBytesFollow) {
+    World world;
+    CustomHelperObject* const helper = new CustomHelperObject;
+    INode* const node = GetCOREInterface()->CreateObjectNode(helper);
+};
+
+// A count is believed only as far as bytes follow, and the file keeps what cannot be read.
+TEST_F(HelperInScene, LosesNothingOfADamagedChunk) {
     constexpr std::int32_t kMany = std::numeric_limits<std::int32_t>::max();
-    for (const std::int32_t count : {-1, -kMany, kMany}) {
-        const std::size_t whole = count < 0 ? 0 : 2;
-        CustomHelperObject helper;
-        EXPECT_EQ(LoadBytes(CountChunk(1, count, 2 * 24 + 23), helper), IO_OK);
-        EXPECT_EQ(helper.mesh.vertices.size(), whole) << count;
-        EXPECT_EQ(LoadBytes(CountChunk(2, count, 2 * 12 + 11), helper), IO_OK);
-        EXPECT_EQ(helper.mesh.faces.size(), whole * 3) << count;
-        ExpectDrawable(helper);
+    const struct {
+        std::uint16_t chunk;
+        std::int32_t count;
+        std::size_t bytes;
+        bool isWhole;
+        std::size_t vertices, faces;
+    } cases[] = {{1, 2, 48, true, 2, 0},      {9, 2, 48, true, 0, 0},   {1, 1, 48, false, 1, 0},
+                 {1, kMany, 71, false, 2, 0}, {1, -1, 24, false, 0, 0}, {2, kMany, 35, false, 0, 2},
+                 {2, -1, 36, false, 0, 0},    {3, 0, 11, false, 0, 0},  {3, 0, 13, false, 0, 0}};
+    for (const auto& [chunk, count, bytes, isWhole, vertices, faces] : cases) {
+        SCOPED_TRACE(testing::Message() << chunk << ": " << count << ", " << bytes);
+        auto* const damaged = new DamagedHelper(chunk, count, bytes);
+        CustomHelperObject loaded;
+        EXPECT_EQ(LoadBytes(SavedBytes(*damaged), loaded), IO_OK);
+        EXPECT_EQ(loaded.mesh.vertices.size(), vertices);
+        EXPECT_EQ(loaded.mesh.faces.size(), faces * 3);
+
+        const std::string stored = (world.Folder() / "stored").string();
+        const std::string again = (world.Folder() / "again").string();
+        world.Session().NewScene();
+        GetCOREInterface()->CreateObjectNode(damaged);
+        ASSERT_EQ(world.Session().SaveScene(stored).error, "");
+        EXPECT_EQ(world.Session().OpenScene(stored).complaints.size(), isWhole ? 0U : 1U);
+        if (isWhole) continue;
+        ASSERT_EQ(world.Session().SaveScene(again).error, "");
+        EXPECT_TRUE(ReadFile(again) == ReadFile(stored));
     }
 }
 
-TEST(CustomHelperObject, RebuildsItsDisplayMeshForEveryBoundingBox) {
-    CustomHelperObject helper;
-    FillWithTwoTriangles(helper);
+TEST_F(HelperInScene, BuildsItsDisplayMeshForEveryBoxAndIsDrawnAndHitWhereItIs) {
+    HostString name;
+    helper->InitNodeName(name);
+    EXPECT_EQ(name, "Tarvo_Helper");
+    node->SetNodeTM(0, MovedBy(Point3(0, 0, 7)));
     Box3 box;
-    helper.GetLocalBoundBox(0, nullptr, nullptr, box);
-    EXPECT_EQ(box.pmin, Point3(0, 0, -3.5F));
-    EXPECT_EQ(box.pmax, Point3(1, 2, 0));
-    EXPECT_EQ(helper.meshDirty, 0);
-    helper.mesh.vertices.push_back({5, 0, 0});
-    helper.GetLocalBoundBox(0, nullptr, nullptr, box);
-    EXPECT_EQ(box.pmax, Point3(5, 2, 0));
-    helper.FreeCaches();
-    EXPECT_EQ(helper.displayMesh.getNumVerts(), 0);
-    EXPECT_NE(helper.meshDirty, 0);
-    helper.GetLocalBoundBox(0, nullptr, nullptr, box);
-    EXPECT_EQ(helper.displayMesh.getNumFaces(), 2);
+    helper->GetLocalBoundBox(0, nullptr, nullptr, box);
+    EXPECT_EQ(box.pmax, Point3(40, 30, 40));
+    helper->mesh.vertices.push_back({50, 0, 0});
+    helper->GetWorldBoundBox(0, node, nullptr, box);
+    EXPECT_EQ(box.pmax, Point3(50, 30, 47));
+    helper->FreeCaches();
+    EXPECT_EQ(helper->displayMesh.getNumVerts(), 0);
+
+    ASSERT_EQ(Drawn().size(), 1U);
+    EXPECT_EQ(Drawn()[0].vertices.size(), 2 * 5U);  // every edge of both faces
+    const auto hit = [](int type, const IPoint2& to) {
+        return headless::NodesHit({}, 0, {type, 0, 0, {{0, 0}, to}});
+    };
+    EXPECT_EQ(hit(HITTYPE_RECT, {960, 540}), std::vector{node->GetHandle()});
+    EXPECT_TRUE(hit(HITTYPE_POINT, {}).empty());
+}
+
+// A window of somebody else's, which notes what it is told, and lends itself to a view.
+class NotedWindow final : public GraphicsWindow, public ViewExp {
+  public:
+    std::uint32_t getRndLimits() override { return limits; }
+    void setRndLimits(std::uint32_t next) override { told << std::hex << (limits = next) << ' '; }
+    Material* getMaterial() override { return nullptr; }
+    void setTransform(const Matrix3& place) override { told << "at " << place.GetTrans().z << ' '; }
+    void setColor(int type, float red, float green, float blue) override {
+        told << (type == LINE_COLOR ? "line " : "fill ") << red << green << blue << ' ';
+    }
+    GraphicsWindow* getGW() override { return isThere ? this : nullptr; }
+
+    bool isThere = true;
+    std::uint32_t limits = GW_ILLUM | GW_SPECULAR | 0x40;
+    std::ostringstream told;
+};
+
+TEST_F(HelperInScene, TellsTheWindowHowToDrawItAndGivesItsLimitsBack) {
+    node->SetNodeTM(0, MovedBy(Point3(0, 0, 7)));
+    const auto display = [&](INode* shown, bool hasView, bool hasWindow) {
+        NotedWindow window;
+        window.isThere = hasWindow;
+        ViewExp* const view = hasView ? &window : nullptr;
+        EXPECT_EQ(helper->Display(0, shown, view, 0), 0);
+        IPoint2 place;
+        IPoint2* const hit = shown && hasView && hasWindow ? nullptr : &place;
+        EXPECT_EQ(helper->HitTest(0, shown, HITTYPE_POINT, 0, 0, hit, view), 0);
+        return window.told.str();
+    };
+    EXPECT_EQ(display(node, true, true), "65 line 100 fill 100 at 7 4a ");
+    helper->wireframe = 0;
+    helper->backfaceCull = 1;
+    helper->colour = {0, 1, 0};
+    EXPECT_EQ(display(node, true, true), "16a line 010 fill 010 at 7 4a ");
+    world.Session().Select({"Guide"});
+    EXPECT_EQ(display(node, true, true), "16a line 111 at 7 4a ");
+
+    // Where something is missing, nothing is done.
+    EXPECT_EQ(display(nullptr, true, true), "");
+    EXPECT_EQ(display(node, false, true), "");
+    EXPECT_EQ(display(node, true, false), "");
 }
 
 }  // namespace

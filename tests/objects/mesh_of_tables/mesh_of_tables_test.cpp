@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <climits>
+#include <sstream>
+#include <tuple>
+
 #include "objects/mesh_exchange.h"
 
 // The exchange as it is built for a host whose meshes are plain tables.
@@ -7,22 +11,37 @@ namespace {
 
 TVL::CMesh TwoFaces() {
     TVL::CMesh mesh;
-    mesh.vertices = {{0, 0, 0}, {4, 0, 0}, {0, 4, 0}, {0, 0, 4}};
+    mesh.vertices = {{0, 0, 0}, {4, 0, 0}, {0, 4, 0}, {0, 0, 4.1}};
     mesh.faces = {0, 1, 2, 0, 2, 3};
     mesh.textureVertices = {{0.5, 0, 0}, {1, 1, 0}};
     mesh.textureFaces = {0, 1, 0, 1, 0, 1};
     return mesh;
 }
 
-TEST(MeshOfTables, ComesBackAsItWasWritten) {
-    const TVL::CMesh mesh = TwoFaces();
+// The corners of each face, those of its texture, and the bits of the edges that show.
+std::string FacesOf(const Mesh& mesh) {
+    std::ostringstream text;
+    for (std::size_t face = 0; face < static_cast<std::size_t>(mesh.numFaces); ++face) {
+        for (const std::uint32_t corner : mesh.faces[face].v)
+            text << corner;
+        text << ' ';
+        for (const std::uint32_t corner : mesh.tvFace[face].t)
+            text << corner;
+        text << ' ' << mesh.faces[face].flags << "; ";
+    }
+    return text.str();
+}
+
+TEST(MeshOfTables, ComesBackAsItWasWrittenInSinglePrecision) {
+    TVL::CMesh mesh = TwoFaces();
+    mesh.faces.push_back(1);  // no whole face
     Mesh host;
     WriteMesh(mesh, host);
-    EXPECT_TRUE(host.hasEdges);
-    EXPECT_EQ(host.faces[1].flags, 3U);
-    const TVL::CMesh read = ReadMesh(host);
-    EXPECT_EQ(read.vertices, mesh.vertices);
-    EXPECT_EQ(read.faces, mesh.faces);
+    EXPECT_EQ(FacesOf(host), "012 010 3; 023 101 3; ");
+    mesh = TwoFaces();
+    mesh.vertices[3][2] = double{4.1F};
+    TVL::CMesh read = ReadMesh(host);
+    EXPECT_EQ(std::tie(read.vertices, read.faces), std::tie(mesh.vertices, mesh.faces));
     EXPECT_EQ(read.textureVertices, mesh.textureVertices);
     EXPECT_EQ(read.textureFaces, mesh.textureFaces);
 
@@ -34,23 +53,39 @@ TEST(MeshOfTables, ComesBackAsItWasWritten) {
     EXPECT_EQ(ReadMesh(host).textureFaces, std::vector<int>(6, 0));
 }
 
-TEST(MeshOfTables, IsWrittenNoFurtherThanItsTablesGo) {
+TEST(MeshOfTables, NamesNothingOutsideOfThem) {
+    for (const int stray : {-1, 4, INT_MAX, INT_MIN}) {
+        TVL::CMesh mesh = TwoFaces();
+        mesh.faces[4] = mesh.textureFaces[1] = stray;
+        mesh.textureFaces.pop_back();
+        Mesh host;
+        WriteMesh(mesh, host);
+        EXPECT_EQ(FacesOf(host), "012 000 3; 000 000 3; ") << stray;
+        mesh.vertices.clear();
+        for (const auto& write : {WriteMesh, WriteDisplayMesh}) {
+            host.setNumFaces(1);
+            write(mesh, host);
+            EXPECT_EQ(host.numFaces, 0);
+        }
+    }
+}
+
+TEST(MeshOfTables, AreWrittenNoFurtherThanTheyGo) {
     TVL::CMesh large = TwoFaces();
     large.vertices.resize(9);
     large.textureVertices.resize(9);
-    for (int face = 0; face < 9; ++face)
-        large.faces.insert(large.faces.end(), {face, 0, 1});
-    Mesh host;
-    host.most = 6;
+    large.faces.resize(33);
     for (const auto& write : {WriteMesh, WriteDisplayMesh}) {
-        write(large, host);
-        write(TwoFaces(), host);
-        host.most = 1;
-        write(large, host);
+        Mesh host;
+        for (const int most : {6, 1, 0}) {
+            host.most = most;
+            write(TwoFaces(), host);
+            write(large, host);
+        }
         write({}, host);
-        host.most = 6;
+        EXPECT_EQ(host.numVerts, 0);
+        EXPECT_EQ(host.hasEdges, write == WriteMesh);  // also of a mesh without faces
     }
-    EXPECT_EQ(host.numVerts, 0);
 }
 
 }  // namespace

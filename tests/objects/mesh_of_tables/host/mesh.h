@@ -1,7 +1,9 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
+#include <memory>
 
 #include "host/box3.h"
 #include "host/graphics_window.h"
@@ -15,10 +17,7 @@
 
 class Face {
   public:
-    void setVerts(int a, int b, int c) {
-        const int corners[3] = {a, b, c};
-        std::copy_n(corners, 3, v);
-    }
+    void setVerts(int a, int b, int c) { std::ranges::copy(std::array{a, b, c}, v); }
     void setEdgeVisFlags(int ab, int bc, int ca) {
         flags = static_cast<std::uint32_t>(ab | bc << 1 | ca << 2);
     }
@@ -31,26 +30,13 @@ class Face {
 
 class TVFace {
   public:
-    void setTVerts(int a, int b, int c) {
-        const int corners[3] = {a, b, c};
-        std::copy_n(corners, 3, t);
-    }
+    void setTVerts(int a, int b, int c) { std::ranges::copy(std::array{a, b, c}, t); }
 
     std::uint32_t t[3];
 };
 
 class Mesh {
   public:
-    Mesh() = default;
-    ~Mesh() {
-        delete[] verts;
-        delete[] faces;
-        delete[] tVerts;
-        delete[] tvFace;
-    }
-    Mesh(const Mesh&) = delete;
-    Mesh& operator=(const Mesh&) = delete;
-
     bool setNumVerts(int count, int = 0, int = 1) { return Resize(verts, numVerts, count); }
     bool setNumFaces(int count, int = 0, int = 1) { return Resize(faces, numFaces, count); }
     bool setNumTVerts(int count, int = 0) { return Resize(tVerts, numTVerts, count); }
@@ -61,23 +47,21 @@ class Mesh {
     int getNumTVerts() const { return numTVerts; }
     int getNumTVFaces() const { return numTVFaces; }
 
-    void setVert(int index, const Point3& p) { verts[index] = p; }
-    void setTVert(int index, const Point3& uvw) { tVerts[index] = uvw; }
+    void setVert(int index, const Point3& p) { verts[static_cast<std::size_t>(index)] = p; }
+    void setTVert(int index, const Point3& uvw) { tVerts[static_cast<std::size_t>(index)] = uvw; }
 
     void EnableEdgeList(int enable) { hasEdges = enable != 0; }
     void InvalidateGeomCache();
     void FreeAll();
-    Box3 getBoundingBox(const Matrix3* matrix = nullptr) const;
+    Box3 getBoundingBox() const;
     int IntersectRay(const Ray& ray, float& at, Point3& norm) const;
-    int render(GraphicsWindow* window, Material* materials, RECT* clip, int components,
-               int materialCount = 1);
-    int select(GraphicsWindow* window, Material* materials, HitRegion* region, int abortOnHit,
-               int materialCount = 1);
+    int render(GraphicsWindow*, Material*, RECT* clip, int components, int materialCount);
+    int select(GraphicsWindow*, Material*, HitRegion*, int abortOnHit, int materialCount);
 
-    Point3* verts = nullptr;
-    Face* faces = nullptr;
-    Point3* tVerts = nullptr;
-    TVFace* tvFace = nullptr;
+    std::unique_ptr<Point3[]> verts;
+    std::unique_ptr<Face[]> faces;
+    std::unique_ptr<Point3[]> tVerts;
+    std::unique_ptr<TVFace[]> tvFace;
     int numVerts = 0;
     int numFaces = 0;
     int numTVerts = 0;
@@ -87,10 +71,9 @@ class Mesh {
 
   private:
     template <class T>
-    bool Resize(T*& table, int& number, int count) {
+    bool Resize(std::unique_ptr<T[]>& table, int& number, int count) {
         if (count > most) return false;
-        delete[] table;
-        table = new T[static_cast<std::size_t>(count)];
+        table = std::make_unique<T[]>(static_cast<std::size_t>(count));
         number = count;
         return true;
     }
