@@ -1,145 +1,109 @@
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <stdexcept>
 
 #include "host/hold.h"
-#include "host/interface.h"
 #include "tests/nodes/node_test.h"
 #include "tests/support/on_notification.h"
 
 namespace {
 
-struct OnMerged : OnNotification {
-    explicit OnMerged(const std::function<void()>& act)
-        : OnNotification(NOTIFY_FILE_POST_MERGE, [act](NotifyInfo&) { act(); }) {}
-};
-
-using Lines = std::vector<std::string>;
-
-class MergingTest : public NodeTest {
+class Merging : public NodeTest {
   protected:
-    // Two roots "Rig_Hip" and "Rig_Cam", and "Rig_Knee" below the hip.
-    std::string SavedRig() {
-        Node* const hip = Helper("Hip");
-        Helper("Knee", hip);
+    // Holds two roots "Rig_Hip" and "Rig_Cam", and "Rig_Knee" below the hip.
+    const std::string path = (world.Folder() / "rig.scene").string();
+
+    void SetUp() override {
+        Helper("Knee", Helper("Hip"));
         Camera("Cam");
-        const std::string path = (world.Folder() / "rig.scene").string();
         EXPECT_EQ(world.Session().SaveScene(path).error, "");
-        return path;
+        world.Session().NewScene();
+        Helper("Base");
     }
 
-    // The host's names of nodes that came back, which are released.
-    static Lines Released(const std::vector<TVL::CNode*>& nodes) {
-        Lines names;
-        for (TVL::CNode* node : nodes) {
+    // The host's names of the nodes that come back, which are released.
+    Names Merge(const std::string& file) {
+        Names names;
+        for (TVL::CNode* node : adaptor.MergeModels(file)) {
             EXPECT_TRUE(node->IsSnapshot());
             names.push_back(Core(node)->GetName());
             Core(node)->Destroy();
         }
         return names;
     }
-    Lines Merge(const std::string& path) { return Released(adaptor.MergeModels(path)); }
 
-    // What `work` adds to the trace.
-    template <class Work>
-    static Lines Traced(Work work) {
-        const std::size_t before = Trace().size();
-        work();
-        return TracedLines(before);
+    // Merges the file with something happening at its end.
+    Names MergeWith(const std::function<void()>& act) {
+        const OnNotification merged(NOTIFY_FILE_POST_MERGE, [&](NotifyInfo&) { act(); });
+        return Merge(path);
     }
 };
 
-TEST_F(MergingTest, TheCoreGetsEachMergedNodeOnceTheUserKeepsTheSelectionAndTheTraceHasEachStep) {
-    const std::string path = SavedRig();
+TEST_F(Merging, GivesEachNodeOnceKeepsTheUsersSelectionAndTracesEachStep) {
     const std::string here = std::filesystem::current_path().string();
-    for (const bool isSelected : {true, false}) {
-        world.Session().NewScene();
-        Helper("Box");
-        world.Session().Select({isSelected ? "Rig_Box" : "nobody"});
-        const Lines before = Selected();
-        std::vector<TVL::CNode*> merged;
-        const Lines trace = Traced([&] { merged = adaptor.MergeModels(path); });
-        EXPECT_EQ(Released(merged), (Lines{"Rig_Hip", "Rig_Knee", "Rig_Cam"}));
-        EXPECT_EQ(Selected(), before);
-        Lines expected = {"(NOTICE): \tMerging models from file",
-                          "(NOTICE): \tMerge file: " + path,
-                          "(NOTICE): \tGathering currently selected nodes",
-                          "(NOTICE): \tgathered node: Rig_Box",
-                          "(NOTICE): \tClearing node selection",
-                          "(NOTICE): \tAdding map dir: " + here,
-                          "(NOTICE): \tMerging file...",
-                          "(NOTICE): \tGathering merged nodes",
-                          "(NOTICE): \tAdding node to list: Rig_Hip",
-                          "(NOTICE): \tAdding node to list: Rig_Knee",
-                          "(NOTICE): \tAdding node to list: Rig_Cam",
-                          "(NOTICE): \tResetting selection set to previous values"};
-        if (!isSelected) expected.erase(expected.begin() + 3);
+    Names expected = {"(NOTICE): \tMerging models from file",
+                      "(NOTICE): \tMerge file: " + path,
+                      "(NOTICE): \tGathering currently selected nodes",
+                      "(NOTICE): \tClearing node selection",
+                      "(NOTICE): \tAdding map dir: " + here,
+                      "(NOTICE): \tMerging file...",
+                      "(NOTICE): \tGathering merged nodes",
+                      "(NOTICE): \tAdding node to list: Rig_Hip",
+                      "(NOTICE): \tAdding node to list: Rig_Knee",
+                      "(NOTICE): \tAdding node to list: Rig_Cam",
+                      "(NOTICE): \tResetting selection set to previous values"};
+    for (const char* scene :
+         {"Rig_Base Rig_Hip(Rig_Knee) Rig_Cam", "Rig_Base* Rig_Hip(Rig_Knee) Rig_Cam"}) {
+        const std::size_t before = Trace().size();
+        EXPECT_EQ(Merge(path), (Names{"Rig_Hip", "Rig_Knee", "Rig_Cam"}));
+        Names trace = TracedLines(before);
+        trace.resize(expected.size());  // what follows is of the nodes that are released
         EXPECT_EQ(trace, expected);
+        EXPECT_EQ(Scene(), scene);
+        world.Session().NewScene();
+        Helper("Base")->Select();
+        expected.insert(expected.begin() + 3, "(NOTICE): \tgathered node: Rig_Base");
     }
-    EXPECT_EQ(headless::MapDirectories(), Lines{here});
+    EXPECT_EQ(headless::MapDirectories(), Names{here});
     EXPECT_TRUE(world.MessageBoxes().empty());
 }
 
-TEST_F(MergingTest, AFileThatCannotBeMergedIsToldInTheTraceAndNothingElseChanges) {
+TEST_F(Merging, TellsOfAFileThatCannotBeMergedInTheTraceAndChangesNothing) {
     const std::string missing = (world.Folder() / "missing.scene").string();
-    const std::string damaged = SavedRig();
-    std::filesystem::resize_file(damaged, std::filesystem::file_size(damaged) - 1);
+    std::filesystem::resize_file(path, std::filesystem::file_size(path) - 1);
     const std::pair<std::string, std::string> cases[] = {
         {missing, "(WARNING): \t\tMerge failed. The scene could not be merged successfully"},
-        {damaged, "(WARNING): \t\tMerge failed, possible corrupt scene file: " + damaged}};
-    world.Session().Select({"Rig_Knee"});
-    const auto before = headless::SceneDigest();
-    for (const auto& [path, line] : cases) {
-        Lines merged;
-        const Lines trace = Traced([&, &file = path] { merged = Merge(file); });
-        EXPECT_EQ(merged, Lines());
-        EXPECT_EQ(std::ranges::count(trace, line), 1) << path;
+        {path, "(WARNING): \t\tMerge failed, possible corrupt scene file: " + path}};
+    world.Session().Select({"Rig_Base"});
+    const std::uint64_t before = headless::SceneDigest();
+    for (const auto& [file, line] : cases) {
+        const std::size_t length = Trace().size();
+        EXPECT_EQ(Merge(file), Names());
+        EXPECT_EQ(std::ranges::count(TracedLines(length), line), 1) << file;
         EXPECT_EQ(headless::SceneDigest(), before);
     }
 }
 
-TEST_F(MergingTest, APresentNodeThatBecomesAParentComesToo) {
-    const std::string path = SavedRig();
-    world.Session().NewScene();
-    Helper("Base");
-    const OnMerged adopt([] { Host("Rig_Base")->AttachChild(Host("Rig_Hip")); });
-    EXPECT_EQ(Merge(path), (Lines{"Rig_Hip", "Rig_Base", "Rig_Knee", "Rig_Cam"}));
-}
-
-TEST_F(MergingTest, ASelectedNodeThatGoesDuringTheMergeIsPassedOver) {
-    const std::string path = SavedRig();
-    world.Session().NewScene();
-    Helper("Base");
+TEST_F(Merging, TakesNodesThatComeAndGoMeanwhileAsTheyAreInTheEnd) {
     Helper("Box");
     world.Session().Select({"Rig_Base", "Rig_Box"});
-    const OnMerged drop([] { GetCOREInterface()->DeleteNode(Host("Rig_Box")); });
-    EXPECT_EQ(Merge(path).size(), 3U);
-    EXPECT_EQ(Selected(), Lines{"Rig_Base"});
+    const Names merged = MergeWith([] {
+        Host("Rig_Base")->AttachChild(Host("Rig_Hip"));  // a parent comes too
+        DeleteInHost("Rig_Box");
+    });
+    EXPECT_EQ(merged, (Names{"Rig_Hip", "Rig_Base", "Rig_Knee", "Rig_Cam"}));
+    EXPECT_EQ(Scene(), "Rig_Base*(Rig_Hip(Rig_Knee)) Rig_Cam");
 }
 
-TEST_F(MergingTest, TheHoldOfAnOpenGroupIsOpenBeforeAndAfterButNotDuringTheMerge) {
-    const std::string path = SavedRig();
-    world.Session().NewScene();
+TEST_F(Merging, FindsTheHoldOfAnOpenGroupOpenBeforeAndAfterButNotDuringIt) {
     bool held = true;
-    const OnMerged look([&] { held = theHold.Holding(); });
     InGroup("group", [&] {
         Helper("Before");
-        EXPECT_EQ(Merge(path).size(), 3U);
+        EXPECT_EQ(MergeWith([&] { held = theHold.Holding(); }).size(), 3U);
         EXPECT_TRUE(theHold.Holding());
         Helper("After");
     });
     EXPECT_FALSE(held);
-    EXPECT_EQ(world.Session().UndoLabels(), (Lines{"group", "tmp"}));
-
-    // The merge is in neither step, and both go and come around it.
-    const auto after = headless::SceneDigest();
-    while (world.Session().Undo()) {
-    }
-    EXPECT_EQ(headless::Nodes().size(), 3U);
-    while (world.Session().Redo()) {
-    }
-    EXPECT_EQ(headless::SceneDigest(), after);
+    EXPECT_EQ(world.Session().UndoLabels(), (Names{"group", "tmp"}));
 }
 
 }  // namespace

@@ -1,4 +1,3 @@
-#include "host/interface.h"
 #include "tests/nodes/node_test.h"
 #include "tvl/ids.h"
 
@@ -6,125 +5,108 @@ namespace {
 
 class NodeHierarchy : public NodeTest {
   protected:
-    // The host name of the node that `found` is a handle on; the handle is given back.
-    static std::string NameAndRelease(TVL::CNode* found) {
-        if (!found) return "";
-        const std::string name = Core(found)->GetName();
-        Core(found)->Destroy();
-        return name;
-    }
+    Node* const hip = Helper("Hip");
+    Node* const knee = Helper("Knee", hip);
 };
 
 TEST_F(NodeHierarchy, IsWalkedThroughSnapshotNodes) {
-    Node* const hip = Helper("Hip");
-    Node* const knee = Helper("Knee", hip);
-    EXPECT_EQ(hip->GetParent(), nullptr);
-    EXPECT_EQ(hip->GetChildCount(), 1);
-
+    const auto stranger = NodeOn(CreateNewTriObject());
+    stranger->SetName("Box01");
+    stranger->SetParent(hip);
+    EXPECT_EQ(hip->GetChildCount(), 2);
     TVL::CNode* const child = hip->GetChild(0);
-    ASSERT_NE(child, nullptr);
-    EXPECT_TRUE(child->IsSnapshot());
-    EXPECT_FALSE(knee->IsSnapshot());
+    TVL::CNode* const parent = child->GetParent();
+    TVL::CNode* const strange = hip->GetChild(1);
     EXPECT_EQ(child->GetNodeName(), "Knee");  // the real node's
-    EXPECT_TRUE(Core(child)->IsSameNode(knee));
+    EXPECT_EQ(Core(parent)->GetName(), "Rig_Hip");
+    EXPECT_EQ(strange->GetNodeName(), "Box01");  // the host's
+    EXPECT_EQ(parent->GetParent(), nullptr);
+    EXPECT_TRUE(child->IsSnapshot() && !knee->IsSnapshot());
     EXPECT_EQ(knee->HandleExtension(TVL::kIsSameNode, child), 1);
     EXPECT_EQ(hip->HandleExtension(TVL::kIsSameNode, child), 0);
     EXPECT_EQ(hip->HandleExtension(TVL::kIsSameNode, nullptr), 0);
-    EXPECT_EQ(NameAndRelease(child->GetParent()), "Rig_Hip");
-    hip->ReleaseNode(child);
-    hip->ReleaseNode(nullptr);
-
-    for (const int index : {-1, 1, 1000})
+    for (TVL::CNode* handle : {child, parent, strange, static_cast<TVL::CNode*>(nullptr)})
+        hip->ReleaseNode(handle);
+    for (const int index : {-1, 2, 1000})
         EXPECT_EQ(hip->GetChild(index), nullptr);
-
-    INode* const stranger = GetCOREInterface()->CreateObjectNode(CreateNewTriObject());
-    stranger->SetName("Box01");
-    Host("Rig_Hip")->AttachChild(stranger);
-    TVL::CNode* const strange = hip->GetChild(1);
-    EXPECT_EQ(strange->GetNodeName(), "Box01");  // the host's
-    hip->ReleaseNode(strange);
 }
 
 TEST_F(NodeHierarchy, ChangesParentsKeepingTheWorldTransform) {
-    Node* const hip = Helper("Hip");
-    Node* const knee = Helper("Knee");
+    Node* const foot = Helper("Foot");
     Host("Rig_Hip")->SetNodeTM(0, MovedBy(10));
-    Host("Rig_Knee")->SetNodeTM(0, MovedBy(Point3(0, 7, 0)));
-    knee->SetParent(hip);
-    EXPECT_EQ(NameAndRelease(knee->GetParent()), "Rig_Hip");
-    EXPECT_EQ(Host("Rig_Knee")->GetNodeTM(0).GetTrans(), Point3(0, 7, 0));
-    EXPECT_EQ(TimesTraced("Setting parent for Knee"), 1U);
-    EXPECT_EQ(TimesTraced("new parent: Hip"), 1U);
-    EXPECT_EQ(TimesTraced("parent set"), 1U);
-
-    hip->SetParent(knee);  // below itself: stays
-    EXPECT_EQ(hip->GetParent(), nullptr);
-
-    knee->SetParent(nullptr);
-    EXPECT_EQ(knee->GetParent(), nullptr);
-    EXPECT_EQ(Host("Rig_Knee")->GetNodeTM(0).GetTrans(), Point3(0, 7, 0));
-
-    GetCOREInterface()->DeleteNode(Host("Rig_Hip"));
-    knee->SetParent(hip);
+    Host("Rig_Foot")->SetNodeTM(0, MovedBy(Point3(0, 7, 0)));
+    const std::size_t before = Trace().size();
+    foot->SetParent(knee);
+    Names trace = TracedLines(before);
+    ASSERT_EQ(trace.size(), 4U);
+    trace[2].resize(trace[2].find(" 0x"));
+    EXPECT_EQ(trace, (Names{"(NOTICE): \tSetting parent for Foot", "(NOTICE): \tnew parent: Knee",
+                            "(NOTICE): \tsetting parent...:", "(NOTICE): \tparent set"}));
+    EXPECT_EQ(Scene(), "Rig_Hip(Rig_Knee(Rig_Foot))");
+    EXPECT_EQ(Host("Rig_Foot")->GetNodeTM(0).GetTrans(), Point3(0, 7, 0));
+    hip->SetParent(foot);  // below itself: stays
+    EXPECT_EQ(Scene(), "Rig_Hip(Rig_Knee(Rig_Foot))");
+    foot->SetParent(nullptr);
+    EXPECT_EQ(Scene(), "Rig_Hip(Rig_Knee) Rig_Foot");
+    EXPECT_EQ(Host("Rig_Foot")->GetNodeTM(0).GetTrans(), Point3(0, 7, 0));
+    DeleteInHost("Rig_Knee");
+    foot->SetParent(knee);
     EXPECT_EQ(TimesTraced("Invalid parent node"), 1U);
-    EXPECT_EQ(knee->GetParent(), nullptr);
 }
 
 TEST_F(NodeHierarchy, IsCopiedWithOrWithoutWhatStandsBelow) {
-    Node* const hip = Helper("Hip");
-    Helper("Knee", hip);
-    const auto copied = [&](bool withHierarchy) {
-        Node* const copy = hip->Clone(withHierarchy);
-        EXPECT_TRUE(copy->IsSnapshot());
-        EXPECT_FALSE(copy->IsSameNode(hip));
-        const int children = copy->GetChildCount();
-        copy->Destroy();
-        return children;
+    const auto cloned = [&](TVL::CoreNode* parent) {
+        return reinterpret_cast<Node*>(hip->HandleExtension(TVL::kCloneBelow, parent));
     };
-    EXPECT_EQ(copied(false), 0);
-    EXPECT_EQ(copied(true), 1);
-
-    Node* const anchor = Helper("Anchor");
-    auto* const below = reinterpret_cast<Node*>(hip->HandleExtension(TVL::kCloneBelow, anchor));
-    ASSERT_NE(below, nullptr);
-    EXPECT_EQ(NameAndRelease(below->GetParent()), "Rig_Anchor");
-    below->Destroy();
-    auto* const nowhere = reinterpret_cast<Node*>(hip->HandleExtension(TVL::kCloneBelow, nullptr));
-    EXPECT_EQ(nowhere->GetParent(), nullptr);
-    nowhere->Destroy();
-}
-
-TEST_F(NodeHierarchy, ShowsHidesAndNamesTheHostNode) {
-    Node* const hip = Helper("Hip");
-    EXPECT_TRUE(hip->IsVisible());
-    hip->Hide();
-    EXPECT_FALSE(hip->IsVisible());
-    hip->Show();
-    EXPECT_TRUE(hip->IsVisible());
-
-    hip->SetName("Pelvis");
-    EXPECT_EQ(hip->GetName(), "Pelvis");
-    EXPECT_EQ(hip->GetNodeName(), "Hip");
-    EXPECT_EQ(Find("Hip"), hip);
+    const char* name = "Alone";
+    for (Node* copy : {hip->Clone(false), hip->Clone(true), cloned(nullptr), cloned(knee)}) {
+        EXPECT_TRUE(copy->IsSnapshot());
+        copy->SetName(name);
+        copy->Destroy();
+        name = "Copy";
+    }
+    EXPECT_EQ(Scene(),
+              "Rig_Hip(Rig_Knee(Copy(Rig_Knee03))) Alone Copy(Rig_Knee01) Copy(Rig_Knee02)");
 }
 
 TEST_F(NodeHierarchy, CutsHostNamesAt1023BytesBetweenCharacters) {
-    Node* const hip = Helper("Hip");
     const std::string ascii(2000, 'a');
-    hip->SetName(ascii);
-    EXPECT_EQ(hip->GetName(), ascii.substr(0, 1023));
-    hip->SetName(std::string(1022, 'a') + "\xC3\xA9");  // the character would end at byte 1024
-    EXPECT_EQ(hip->GetName(), std::string(1022, 'a'));
-    hip->SetName(std::string(1021, 'a') + "\xC3\xA9");
-    EXPECT_EQ(hip->GetName(), std::string(1021, 'a') + "\xC3\xA9");
-    hip->SetName(std::string(2000, '\x80'));  // no UTF-8 at all
-    EXPECT_EQ(hip->GetName().size(), 1023U);
-    EXPECT_EQ(Core(adaptor.CreateHelperNode(&rig, ascii, nullptr, {}, nullptr))->GetName().size(),
-              1023U);
+    const std::pair<std::string, std::size_t> cases[] = {
+        {"Pelvis", 6},
+        {ascii, 1023},
+        {ascii.substr(0, 1022) + "\xC3\xA9", 1022},  // the character would end at byte 1024
+        {ascii.substr(0, 1021) + "\xC3\xA9", 1023},
+        {std::string(2000, '\x80'), 1023}};  // no UTF-8 at all
+    for (const auto& [name, length] : cases) {
+        hip->SetName(name);
+        EXPECT_EQ(hip->GetName(), name.substr(0, length));
+    }
+    EXPECT_EQ(Find("Hip"), hip);
+    EXPECT_EQ(Helper(ascii)->GetName(), "Rig_" + ascii.substr(0, 1019));
+}
+
+TEST_F(NodeHierarchy, IsSelectedOneByOneInStepsOrTogetherInABatchWithoutAny) {
+    hip->Select();
+    knee->Select();
+    EXPECT_EQ(Scene(), "Rig_Hip(Rig_Knee*)");
+    InGroup("Pick", [&] { hip->Select(); });
+    EXPECT_EQ(Scene(), "Rig_Hip*(Rig_Knee)");
+    const Names labels = world.Session().UndoLabels();
+    EXPECT_EQ(labels, (Names{"Pick", "Select", "Select"}));
+
+    const auto batch = [&](int extension) { return knee->HandleExtension(extension, nullptr); };
+    EXPECT_EQ(batch(TVL::kEndSelection), 0);
+    EXPECT_EQ(batch(TVL::kBeginSelection), 1);
+    EXPECT_EQ(Scene(), "Rig_Hip(Rig_Knee)");
+    hip->Select();
+    EXPECT_EQ(batch(TVL::kBeginSelection), 0);
+    knee->Select();
+    EXPECT_EQ(Scene(), "Rig_Hip*(Rig_Knee*)");
+    EXPECT_EQ(batch(TVL::kEndSelection), 1);
+    EXPECT_EQ(world.Session().UndoLabels(), labels);
 }
 
 TEST_F(NodeHierarchy, AnnouncesItsExtensionsButForOne) {
-    Node* const hip = Helper("Hip");
     EXPECT_EQ(hip->ListExtensions(), (std::vector<int>{10, 11, 17, 37, 31}));
     EXPECT_FALSE(hip->HasExtension(57));
     EXPECT_EQ(hip->HandleExtension(12345, nullptr), 0);
@@ -132,23 +114,20 @@ TEST_F(NodeHierarchy, AnnouncesItsExtensionsButForOne) {
 }
 
 TEST_F(NodeHierarchy, AnswersNothingOnceTheHostNodeIsGone) {
-    Node* const hip = Helper("Hip");
-    Node* const same = Core(Helper("Knee", hip)->GetParent());
-    GetCOREInterface()->DeleteNode(Host("Rig_Hip"));
-    EXPECT_EQ(hip->GetName(), "");
+    Node* const same = Core(knee->GetParent());
+    hip->Hide();
     EXPECT_FALSE(hip->IsVisible());
-    EXPECT_EQ(hip->GetParent(), nullptr);
-    EXPECT_EQ(hip->GetChildCount(), 0);
-    EXPECT_EQ(hip->GetChild(0), nullptr);
-    EXPECT_EQ(hip->AcquireSnapshot(0), nullptr);
-    EXPECT_EQ(hip->AcquireHelperSnapshot(), nullptr);
-    EXPECT_EQ(hip->Clone(true), nullptr);
+    hip->Show();
+    EXPECT_TRUE(hip->IsVisible());
+    DeleteInHost("Rig_Hip");
+    EXPECT_EQ(hip->GetName(), "");
+    EXPECT_FALSE(hip->IsVisible() || hip->IsSameNode(same) || hip->GetChildCount() > 0);
+    const std::initializer_list<const void*> answers = {
+        hip->GetParent(), hip->GetChild(0), hip->AcquireSnapshot(0), hip->AcquireHelperSnapshot(),
+        hip->Clone(true)};
+    for (const void* answer : answers)
+        EXPECT_EQ(answer, nullptr);
     EXPECT_EQ(hip->HandleExtension(TVL::kCloneBelow, nullptr), 0);
-    EXPECT_FALSE(hip->IsSameNode(same));
-    hip->Select();
-    hip->SetParent(nullptr);
-    hip->DeleteAnimationFrom(0);
-    hip->Delete(true);
     same->Destroy();
 }
 

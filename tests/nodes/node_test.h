@@ -2,17 +2,22 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "headless/scene_view.h"
+#include "host/interface.h"
 #include "host/node.h"
+#include "nodes/max_node.h"
 #include "tests/support/matrices.h"
 #include "tests/support/plugin.h"
 #include "tests/support/trace.h"
 #include "tests/support/world.h"
 #include "tvl/adaptor_interface.h"
+
+using Names = std::vector<std::string>;
 
 // Notes what a node's listener hears, as "-Hip" and "+Hip".
 class Listener final : public TVL::NodeListener {
@@ -26,11 +31,17 @@ class Listener final : public TVL::NodeListener {
         if (onRestored) onRestored(node);
     }
 
-    std::vector<std::string> heard;
+    Names heard;
     std::function<void(TVL::CNode*)> onRemoved;
     std::function<void(TVL::CNode*)> onRestored;
 };
-using Heard = std::vector<std::string>;
+
+inline TVL::CMesh Triangle() {
+    TVL::CMesh mesh;
+    mesh.vertices = {{0, 0, 0}, {4, 0, 0}, {0, 4, 0}};
+    mesh.faces = {0, 1, 2};
+    return mesh;
+}
 
 // A host with a Core, whose plug-in "Rig" works on nodes. One metre is 39.37 host units, a second
 // 4800 ticks.
@@ -54,8 +65,8 @@ class NodeTest : public testing::Test {
     Node* Find(const std::string& name) { return Core(adaptor.FindNode(&rig, name)); }
 
     // Names of the rig's nodes, in the adaptor's order.
-    std::vector<std::string> Listed() {
-        std::vector<std::string> names;
+    Names Listed() {
+        Names names;
         for (const TVL::CNode* node : adaptor.GetNodes(&rig))
             names.push_back(node->GetNodeName());
         return names;
@@ -63,13 +74,28 @@ class NodeTest : public testing::Test {
 
     static Node* Core(TVL::CNode* node) { return static_cast<Node*>(node); }
 
+    // A node on an object that a person has made, as a Core reaches it.
+    static std::unique_ptr<CMAXNode> NodeOn(Object* object) {
+        return std::make_unique<CMAXNode>(nullptr, GetCOREInterface()->CreateObjectNode(object));
+    }
+
     static INode* Host(const std::string& hostName) { return headless::FindNode(hostName); }
 
-    static std::vector<std::string> Selected() {
-        std::vector<std::string> names;
-        for (const headless::NodeView& node : headless::Nodes())
-            if (node.selected) names.push_back(node.name);
-        return names;
+    // The user deletes a node, without an announcement.
+    static void DeleteInHost(const std::string& hostName) {
+        GetCOREInterface()->DeleteNode(Host(hostName));
+    }
+
+    // The host's nodes, in brackets those that hang below another, "*" behind what is selected.
+    static std::string Scene(std::uint32_t parent = 0) {
+        std::string text;
+        for (const headless::NodeView& node : headless::Nodes()) {
+            if (node.parent != parent) continue;
+            const std::string below = Scene(node.handle);
+            text += (text.empty() ? "" : " ") + node.name + (node.selected ? "*" : "");
+            if (!below.empty()) text += "(" + below + ")";
+        }
+        return text;
     }
 
     // Runs `work` as one undo group.

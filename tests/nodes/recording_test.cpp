@@ -7,28 +7,31 @@ namespace {
 
 class Recording : public NodeTest {
   protected:
-    static int KeyCount(const std::string& hostName) {
-        return Host(hostName)->GetTMController()->NumKeys();
+    // Times of the keys of a helper of the rig's.
+    static std::vector<TimeValue> Keys(const std::string& name) {
+        std::vector<TimeValue> times;
+        Control* const controller = Host("Rig_" + name)->GetTMController();
+        for (int index = 0; index < controller->NumKeys(); ++index)
+            times.push_back(controller->GetKeyTime(index));
+        return times;
     }
+    using Ticks = std::vector<TimeValue>;
 };
 
 TEST_F(Recording, StartsWithAKeyOfThePresentPoseOnTheOwnersNodes) {
-    Node* const hip = Helper("Hip");
-    Helper("Knee");
+    Helper("Hip");
+    Helper("Knee")->HandleExtension(TVL::kStopRecording, nullptr);  // no more recording
     adaptor.CreateHelperNode(&other, "Stranger", nullptr, {}, nullptr);
-    Find("Knee")->HandleExtension(TVL::kStopRecording, nullptr);  // no more recording
     Host("Rig_Hip")->SetNodeTM(0, MovedBy(Point3(3, 4, 5)));
     adaptor.SetCurrentTime(0.5);
-
     InGroup("Take", [&] {
         EXPECT_EQ(adaptor.BeginRecording({&rig}), 0);
         EXPECT_TRUE(Animating());
         EXPECT_FALSE(world.Session().AnimateButtonEnabled());
-        EXPECT_EQ(KeyCount("Rig_Hip"), 1);
-        EXPECT_EQ(Host("Rig_Hip")->GetTMController()->GetKeyTime(0), 2400);
+        EXPECT_EQ(Keys("Hip"), Ticks{2400});
         EXPECT_EQ(Host("Rig_Hip")->GetNodeTM(0).GetTrans(), Point3(3, 4, 5));
-        EXPECT_EQ(KeyCount("Rig_Knee"), 0);
-        EXPECT_EQ(KeyCount("Other_Stranger"), 0);
+        EXPECT_EQ(Keys("Knee"), Ticks());
+        EXPECT_EQ(Host("Other_Stranger")->GetTMController()->NumKeys(), 0);
         adaptor.SetCurrentTime(2);
         EXPECT_EQ(adaptor.EndRecording(), 0);
     });
@@ -37,22 +40,37 @@ TEST_F(Recording, StartsWithAKeyOfThePresentPoseOnTheOwnersNodes) {
 
     // Undoing the take takes the key and the move of the time back.
     ASSERT_TRUE(world.Session().Undo());
-    EXPECT_EQ(KeyCount("Rig_Hip"), 0);
-    EXPECT_DOUBLE_EQ(adaptor.GetCurrentTime(), 0.5);
+    EXPECT_EQ(Keys("Hip"), Ticks());
+    EXPECT_EQ(adaptor.GetCurrentTime(), 0.5);
     ASSERT_TRUE(world.Session().Redo());
-    EXPECT_EQ(KeyCount("Rig_Hip"), 1);
-    EXPECT_DOUBLE_EQ(adaptor.GetCurrentTime(), 2);
-    EXPECT_EQ(hip->GetNodeName(), "Hip");
+    EXPECT_EQ(Keys("Hip"), Ticks{2400});
+    EXPECT_EQ(adaptor.GetCurrentTime(), 2);
 }
 
-TEST_F(Recording, LeavesTheAnimateModeOfTheUserOn) {
-    Helper("Hip");
-    world.Session().PressAnimateButton(true);
+TEST_F(Recording, GoesFromATimeOnAllButTheKeyThatIsThere) {
+    Node* const hip = Helper("Hip");
+    Node* const camera = Camera("Cam");
+    auto* const lens = static_cast<CameraObject*>(Host("Rig_Cam")->GetObjectRef());
     adaptor.BeginRecordingUnkeyed({&rig});
-    EXPECT_EQ(KeyCount("Rig_Hip"), 0);  // no key to start from
+    EXPECT_EQ(Keys("Hip"), Ticks());
+    for (const double seconds : {0.0, 0.5, 1.0, 1.5}) {
+        TVL::CSnapshot* const snapshot = hip->AcquireSnapshot(seconds);
+        snapshot->SetWorldTransform(snapshot->GetWorldTransform());
+        hip->ReleaseSnapshot(snapshot);
+    }
+    EXPECT_EQ(Keys("Hip"), (Ticks{0, 2400, 4800, 7200}));
+    lens->SetFOV(100, 1);
+    lens->SetFOV(4800, 2);
     adaptor.EndRecording();
-    EXPECT_TRUE(Animating());
-    world.Session().PressAnimateButton(false);
+    hip->DeleteAnimationFrom(std::numeric_limits<double>::quiet_NaN());
+    hip->DeleteAnimationFrom(0.5);
+    EXPECT_EQ(Keys("Hip"), (Ticks{0, 2400}));
+    hip->DeleteAnimationFrom(-1);
+    EXPECT_EQ(Keys("Hip"), Ticks());
+
+    camera->DeleteAnimationFrom(0.5);  // reaches the camera's parameters
+    Interval valid = FOREVER;
+    EXPECT_EQ(lens->GetFOV(4800, valid), 1);
 }
 
 }  // namespace

@@ -15,29 +15,24 @@ CMatrix4 At(double x, double y, double z) {
     return matrix;
 }
 
-Point3 HostPosition(INode* host, TimeValue t = 0) {
-    return host->GetNodeTM(t).GetTrans();
-}
-
 class TransformSnapshot : public NodeTest {
   protected:
-    void Place(Node& node, const CMatrix4& pose, double seconds = 0) {
-        TVL::CSnapshot* const snapshot = node.AcquireSnapshot(seconds);
-        snapshot->SetWorldTransform(pose);
-        node.ReleaseSnapshot(snapshot);
+    static void Put(const std::string& name, const CMatrix4& matrix) {
+        Host(name)->SetNodeTM(0, ToHost(matrix));
     }
+    static Point3 PlaceOf(const std::string& name) { return Host(name)->GetNodeTM(0).GetTrans(); }
+
+    Node* const hip = Helper("Hip");
+    Node* const knee = Helper("Knee", hip);
 };
 
 TEST_F(TransformSnapshot, ReadsAnUnscaledNodeWithTheFactorOfTheUnits) {
-    Node* const hip = Helper("Hip");
     const double s = HostUnitsPerMetre();
     EXPECT_FLOAT_EQ(static_cast<float>(s), 39.37F);
     TVL::CSnapshot* const snapshot = hip->AcquireSnapshot(0);
     const CMatrix4 pose = snapshot->GetWorldTransform();
-    EXPECT_DOUBLE_EQ(pose[0][0], 1 / s);
-    EXPECT_DOUBLE_EQ(pose[1][2], -1 / s);
-    EXPECT_DOUBLE_EQ(pose[2][1], 1 / s);
-    EXPECT_EQ(pose[3][3], 1);
+    const CMatrix4 expected{{{1 / s, 0, 0, 0}, {0, 0, -1 / s, 0}, {0, 1 / s, 0, 0}, {0, 0, 0, 1}}};
+    EXPECT_EQ(pose, expected);
     EXPECT_EQ(snapshot->GetLocalTransform(), pose);
 
     // The row length is what a Core keeps, so that the node does not come out scaled.
@@ -46,89 +41,63 @@ TEST_F(TransformSnapshot, ReadsAnUnscaledNodeWithTheFactorOfTheUnits) {
     moved[0][3] = moved[3][3] = 99;  // the last column is not read
     snapshot->SetWorldTransform(moved);
     EXPECT_FLOAT_EQ(Host("Rig_Hip")->GetNodeTM(0).GetRow(0).x, 1);
-    EXPECT_FLOAT_EQ(HostPosition(Host("Rig_Hip")).z, 78.74F);
+    EXPECT_FLOAT_EQ(PlaceOf("Rig_Hip").z, 78.74F);
     EXPECT_EQ(snapshot->GetWorldTransform()[3][3], 1);
     hip->ReleaseSnapshot(snapshot);
 }
 
-TEST_F(TransformSnapshot, KeepsHostUnitsBelowAParent) {
-    Node* const hip = Helper("Hip");
-    Node* const knee = Helper("Knee", hip);
-    Host("Rig_Hip")->SetNodeTM(0, ToHost(At(10, 0, 0)));
+TEST_F(TransformSnapshot, KeepsHostUnitsBelowWhereTheParentIsNow) {
     TVL::CSnapshot* const snapshot = knee->AcquireSnapshot(0);
-    snapshot->SetLocalTransform(At(0, 0, -4));
-    EXPECT_EQ(HostPosition(Host("Rig_Knee")), Point3(10, 0, -4));
-    EXPECT_EQ(snapshot->GetLocalTransform(), At(0, 0, -4));
-    EXPECT_DOUBLE_EQ(snapshot->GetWorldTransform()[3][1], -4 / HostUnitsPerMetre());
-
-    // Relative to where the parent is now.
-    Host("Rig_Hip")->SetNodeTM(0, ToHost(At(20, 0, 0)));
-    snapshot->SetLocalTransform(At(0, 0, -4));
-    EXPECT_EQ(HostPosition(Host("Rig_Knee")), Point3(20, 0, -4));
-    knee->ReleaseSnapshot(snapshot);
-}
-
-TEST_F(TransformSnapshot, ReadsAllZeroBelowAParentScaledToNothing) {
-    Node* const hip = Helper("Hip");
-    Node* const knee = Helper("Knee", hip);
-    Host("Rig_Hip")->SetNodeTM(0, ToHost(CMatrix4::Diagonal(0, 0, 0, 1)));
-    TVL::CSnapshot* const snapshot = knee->AcquireSnapshot(0);
+    for (const float x : {10.0F, 20.0F}) {
+        Put("Rig_Hip", At(x, 0, 0));
+        snapshot->SetLocalTransform(At(0, 0, -4));
+        EXPECT_EQ(PlaceOf("Rig_Knee"), Point3(x, 0, -4));
+        EXPECT_EQ(snapshot->GetLocalTransform(), At(0, 0, -4));
+        EXPECT_DOUBLE_EQ(snapshot->GetWorldTransform()[3][1], -4 / HostUnitsPerMetre());
+    }
+    Put("Rig_Hip", CMatrix4::Diagonal(0, 0, 0, 1));  // scaled to nothing
     EXPECT_EQ(snapshot->GetLocalTransform(), CMatrix4::Zero());
     knee->ReleaseSnapshot(snapshot);
 }
 
 TEST_F(TransformSnapshot, WritesAtTheTickBelowATimeAndKeepsTheTime) {
-    Node* const hip = Helper("Hip");
     adaptor.BeginRecordingUnkeyed({});
+    Control* const controller = Host("Rig_Hip")->GetTMController();
     const std::pair<double, TimeValue> cases[] = {{0.0004, 1}, {1.00019, 4800}, {2.5, 12000}};
     for (const auto& [seconds, ticks] : cases) {
-        Place(*hip, At(seconds, 0, 0), seconds);
-        Control* const controller = Host("Rig_Hip")->GetTMController();
-        EXPECT_EQ(controller->GetKeyTime(controller->NumKeys() - 1), ticks);
         TVL::CSnapshot* const snapshot = hip->AcquireSnapshot(seconds);
         EXPECT_EQ(snapshot->GetTime(), seconds);
+        snapshot->SetWorldTransform(At(seconds, 0, 0));
+        EXPECT_EQ(controller->GetKeyTime(controller->NumKeys() - 1), ticks);
         hip->ReleaseSnapshot(snapshot);
     }
     adaptor.EndRecording();
 }
 
-TEST_F(TransformSnapshot, IsReusedFromTheEndOfThePool) {
-    Node* const hip = Helper("Hip");
+// A Core reads the told fields of what it is lent.
+struct OwnFields : TVL::CoreNode::Snapshot {
+    static TVL::CoreElement* OwnerOf(TVL::CSnapshot* lent) {
+        return static_cast<TVL::CoreNode::Snapshot*>(lent)->*(&OwnFields::owner);
+    }
+};
+
+TEST_F(TransformSnapshot, IsReusedFromTheEndOfThePoolWithoutAllocating) {
     TVL::CSnapshot* const first = hip->AcquireSnapshot(1);
     TVL::CSnapshot* const second = hip->AcquireSnapshot(2);
     EXPECT_NE(first, second);
     EXPECT_EQ(first->GetTime(), 1);
+    EXPECT_EQ(OwnFields::OwnerOf(first), &rig);
     hip->ReleaseSnapshot(first);
     hip->ReleaseSnapshot(second);
     hip->ReleaseSnapshot(nullptr);
+    const std::size_t before = Allocations();
     EXPECT_EQ(hip->AcquireSnapshot(3), second);
     EXPECT_EQ(hip->AcquireSnapshot(4), first);
     hip->ReleaseSnapshot(second);
     EXPECT_EQ(hip->AcquireSnapshot(5), second);
+    EXPECT_EQ(Allocations(), before);
     hip->ReleaseSnapshot(first);
     hip->ReleaseSnapshot(second);
-}
-
-// A Core reads the told fields of what it is lent.
-TEST_F(TransformSnapshot, BearsTheOwnerThatItsNodeHadWhenItWasMade) {
-    struct OwnFields : TVL::CoreNode::Snapshot {
-        static TVL::CoreElement* OwnerOf(TVL::CSnapshot* lent) {
-            return static_cast<TVL::CoreNode::Snapshot*>(lent)->*(&OwnFields::owner);
-        }
-    };
-    Node* const hip = Helper("Hip");
-    TVL::CSnapshot* const snapshot = hip->AcquireSnapshot(0);
-    EXPECT_EQ(OwnFields::OwnerOf(snapshot), &rig);
-    hip->ReleaseSnapshot(snapshot);
-}
-
-TEST_F(TransformSnapshot, AllocatesNothingOnceThePoolIsWarm) {
-    Node* const hip = Helper("Hip");
-    hip->ReleaseSnapshot(hip->AcquireSnapshot(0));
-    const std::size_t before = Allocations();
-    for (int sample = 0; sample < 100; ++sample)
-        hip->ReleaseSnapshot(hip->AcquireSnapshot(sample / 30.0));
-    EXPECT_EQ(Allocations(), before);
 }
 
 }  // namespace
