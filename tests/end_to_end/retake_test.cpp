@@ -1,9 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <cstddef>
 #include <filesystem>
-#include <nlohmann/json.hpp>
-#include <string>
 #include <vector>
 
 #include "tests/end_to_end/command.h"
@@ -78,28 +73,29 @@ std::vector<Retake> Retakes() {
 }
 
 TEST_F(Command, LosesNothingOfATakeThatIsThereWithoutAWord) {
-    const std::string scene = File("take.scene");
-    Do("record " + Write("walk.bvh", Walk(20)) + " --scale 1 --scene " + scene);
-    const std::string before = Read(scene);
+    Write("walk.bvh", Walk(20));
+    Do("record walk.bvh --scale 1 --scene take.scene");
+    const std::string before = Read("take.scene");
     std::filesystem::create_directory(File("again"));
     for (const auto& [capture, options, outcome, complaints] : Retakes()) {
         SCOPED_TRACE(capture + options);
         Write("take.scene", before);
+        Write("again/walk.bvh", capture);
         const Ending ending =
-            Run("record " + Write("again/walk.bvh", capture) + " --scale 1 --json --into " + scene +
-                " --scene " + scene + ' ' + options);
+            Run("record again/walk.bvh --scale 1 --json --into take.scene --scene take.scene " +
+                options);
         EXPECT_EQ(ending.status, outcome.status) << ending.error;
-        EXPECT_TRUE(outcome.status == 0 || Read(scene) == before);
+        EXPECT_TRUE(outcome.status == 0 || Read("take.scene") == before);
         std::string said = ending.error;
         if (!ending.out.empty()) {
-            const auto told = nlohmann::json::parse(ending.out);
-            EXPECT_TRUE(told["undoSteps"] == 1 && told["undoIdentical"] && told["redoIdentical"]);
+            const Json told = Json::parse(ending.out);
+            EXPECT_EQ(Line(told, {"undoSteps", "undoIdentical", "redoIdentical"}), "1 true true");
             EXPECT_EQ(told["nodes"], outcome.nodes);
             EXPECT_EQ(told["keys"], outcome.keys);
             EXPECT_DOUBLE_EQ(told.value("keptUntilSeconds", 0.0), outcome.keptUntil);
-            EXPECT_EQ(told["complaints"].size(), complaints.size()) << told["complaints"];
-            for (const nlohmann::json& complaint : told["complaints"])
-                said += complaint.get<std::string>() + '\n';
+            EXPECT_EQ(told["complaints"].size(), complaints.size());
+            for (const std::string complaint : told["complaints"])
+                said += complaint + '\n';
         }
         for (const std::string& part : complaints)
             EXPECT_NE(said.find(part), std::string::npos) << said;

@@ -25,7 +25,7 @@ std::map<std::string, std::string> ReadReport(const std::string& path) {
 
 }  // namespace
 
-Stage::Stage(const headless::SessionSettings& settings) : session_(settings) {
+Stage::Stage() {
     PlaceRegistry(folder_, {CORE_FOLDER, folder_.Path().string()});
     Tell("LUMISET_REPORT", File("report.txt"));
     Tell("LUMISET_CAPTURE_SCALE", "1");
@@ -64,6 +64,11 @@ std::map<std::string, std::string> Stage::Record(const std::string& capture) {
     return report;
 }
 
+void Stage::Reopen() {
+    EXPECT_EQ(session_.SaveScene(File("reopened")).error, "");
+    EXPECT_EQ(session_.OpenScene(File("reopened")).error, "");
+}
+
 headless::NodeView View(std::string_view hostName) {
     for (const headless::NodeView& node : headless::Nodes())
         if (node.name == hostName) return node;
@@ -89,10 +94,6 @@ INode* Put(Object* object, const char* name, const Matrix3& world) {
     node->SetName(name);
     node->SetNodeTM(0, world);
     return node;
-}
-
-std::string HandleOf(INode* node) {
-    return std::to_string(node->GetHandle());
 }
 
 std::string Walk(std::size_t frames) {

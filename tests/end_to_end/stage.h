@@ -17,7 +17,7 @@
 // end nothing may be left alive.
 class Stage {
   public:
-    explicit Stage(const headless::SessionSettings& settings = {});
+    Stage();
     ~Stage();
     Stage(const Stage&) = delete;
     Stage& operator=(const Stage&) = delete;
@@ -33,6 +33,9 @@ class Stage {
 
     // The same for one capture; the test fails unless all of it went well.
     std::map<std::string, std::string> Record(const std::string& capture);
+
+    // Saves the scene and opens what was saved.
+    void Reopen();
 
     // A file in a folder that goes with the stage.
     std::string File(std::string_view name) const { return folder_.File(name); }
@@ -57,7 +60,9 @@ void ExpectPlace(std::string_view hostName, int frame, const Place& expected, do
 
 // What a person draws into the scene.
 INode* Put(Object* object, const char* name, const Matrix3& world = Matrix3());
-std::string HandleOf(INode* node);
+inline std::string HandleOf(INode* node) {
+    return std::to_string(node->GetHandle());
+}
 
 inline constexpr double kUnitsPerMetre = 39.37;  // of the host's, at its start
 inline constexpr int kTicksPerFrame = 240;  // of the walk, at the host's 4800 ticks in a second
