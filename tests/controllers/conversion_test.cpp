@@ -136,9 +136,9 @@ TEST_F(Conversion, AllAreConvertedTheNewestFirstButWhatNobodyRefersTo) {
 }
 
 TEST_F(Conversion, AWalkOverTheLiveOnesBearsTheirDestruction) {
-    std::vector<OpenScalar*> controls(5);
-    for (OpenScalar*& control : controls)
-        control = new OpenScalar;
+    std::vector<OpenScalar*> controls;
+    for (int i = 0; i < 5; ++i)
+        controls.push_back(new OpenScalar);
     std::vector<ScalarControl*> visited;
     const auto walk = [&](auto act) {
         visited.clear();
@@ -146,16 +146,17 @@ TEST_F(Conversion, AWalkOverTheLiveOnesBearsTheirDestruction) {
             visited.push_back(&control);
             act(control);
         });
+        return visited;
     };
-    walk([&](ScalarControl& control) {
-        if (&control == controls[4]) controls[3]->DeleteThis();
-        if (&control == controls[2]) controls[2]->DeleteThis();
-    });
-    EXPECT_EQ(visited,
-              (std::vector<ScalarControl*>{controls[4], controls[2], controls[1], controls[0]}));
-    walk([](ScalarControl& control) { control.DeleteThis(); });
-    EXPECT_EQ(visited, (std::vector<ScalarControl*>{controls[4], controls[1], controls[0]}));
-    walk([](ScalarControl&) { ADD_FAILURE(); });
+    using Visited = std::vector<ScalarControl*>;
+    EXPECT_EQ(walk([&](ScalarControl& control) {
+                  if (&control == controls[4]) controls[3]->DeleteThis();
+                  if (&control == controls[2]) controls[2]->DeleteThis();
+              }),
+              (Visited{controls[4], controls[2], controls[1], controls[0]}));
+    EXPECT_EQ(walk([](ScalarControl& control) { control.DeleteThis(); }),
+              (Visited{controls[4], controls[1], controls[0]}));
+    EXPECT_EQ(walk([](ScalarControl&) {}), Visited{});
 }
 
 TEST_F(Conversion, TheButtonInTheMotionPanelConvertsTheSelectedNode) {

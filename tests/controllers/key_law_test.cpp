@@ -11,6 +11,7 @@
 #include "host/animate.h"
 #include "host/hold.h"
 #include "tests/controllers/control_world.h"
+#include "tests/support/watcher.h"
 
 namespace {
 
@@ -31,6 +32,12 @@ struct Table {
         const auto found = keys.find(t);
         return found == keys.end() ? std::nullopt : std::optional(found->second);
     }
+    std::vector<int> Identities() const {
+        std::vector<int> identities;
+        for (const auto& [t, entry] : keys)
+            identities.push_back(entry.identity);
+        return identities;
+    }
 };
 
 // One record: it holds what is to trade places with something that stands in the table.
@@ -40,6 +47,8 @@ struct Meant {
     std::optional<Entry> held{};     // none: the time has no key
     int there = 0;                   // the identity that it trades with; 0: no key
     std::optional<Entry> deleted{};  // of a deletion, what comes back each time
+    std::optional<Table> whole{};    // of a deleted range, what trades with all that is there
+    std::vector<int> left{};         // if these are there
     bool isUndone = false;
 
     void Turn(Table& table, bool toUndone) {
@@ -50,6 +59,12 @@ struct Meant {
 
   private:
     bool Trade(Table& table) {
+        if (whole) {
+            if (table.Identities() != left) return false;
+            std::swap(table, *whole);
+            left = table.Identities();
+            return true;
+        }
         if (isCached) {
             std::swap(table.cached, *held);
             std::swap(table.cachedTime, t);
@@ -79,30 +94,9 @@ Table Seen(const OpenTransform& control) {
     return seen;
 }
 
-// Looks at the controller whenever that tells of a change.
-struct Onlooker : ReferenceMaker {
-    OpenTransform* control = nullptr;
-    RefTargetHandle target = nullptr;
-
-    SClass_ID SuperClassID() override { return 0; }
-    Class_ID ClassID() override { return {}; }
-    void DeleteThis() override {}
-    int NumRefs() override { return 1; }
-    RefTargetHandle GetReference(int) override { return target; }
-    void SetReference(int, RefTargetHandle to) override { target = to; }
-    RefResult NotifyRefChanged(Interval, RefTargetHandle, PartID&, RefMessage) override {
-        seen = Seen(*control);
-        return REF_SUCCEED;
-    }
-    Table seen;
-};
-
 class KeyLaw : public testing::Test {
   protected:
-    KeyLaw() {
-        onlooker_.control = control_.get();
-        onlooker_.ReplaceReference(0, control_.get());
-    }
+    KeyLaw() { watcher_.ReplaceReference(0, control_.get()); }
 
     int Any(int count) { return static_cast<int>(random_() % static_cast<unsigned>(count)); }
 
@@ -145,7 +139,9 @@ class KeyLaw : public testing::Test {
         const TimeValue t = AnyTime();
         const int index = Any(12);
         const bool isThere = index < static_cast<int>(model_.keys.size());
-        switch (Any(3)) {
+        switch (Any(4)) {
+            case 3:
+                return DeleteTime(Any(20) == 0 ? FOREVER : Interval(t, t + Any(9) - 2), Any(4));
             case 0:
                 control_->DeleteKeyAtTime(t);
                 return TakeOut(t);
@@ -158,6 +154,19 @@ class KeyLaw : public testing::Test {
                 for (const auto& [time, entry] : std::map(model_.keys))
                     if (entry.flags != 0) TakeOut(time);
         }
+    }
+    // Keys on the ends stay unless they are included. No key within leaves nothing to take back.
+    void DeleteTime(Interval range, int ends) {
+        const bool isLeft = ends & 1;
+        const bool isRight = ends & 2;
+        control_->DeleteTime(range, (isLeft ? TIME_INCLEFT : 0) | (isRight ? TIME_INCRIGHT : 0));
+        auto& keys = model_.keys;
+        const auto first =
+            isLeft ? keys.lower_bound(range.Start()) : keys.upper_bound(range.Start());
+        if (first == keys.end() || first->first > range.End()) return;
+        const Table before = model_;
+        keys.erase(first, isRight ? keys.upper_bound(range.End()) : keys.lower_bound(range.End()));
+        Record({.whole = before, .left = model_.Identities()});
     }
     void Change() {
         const int which = Any(7);
@@ -219,14 +228,35 @@ class KeyLaw : public testing::Test {
             meant.Turn(model_, false);
     }
 
+    // What lies at a time and beside it. Without a key there the search starts before the first.
+    void ExpectFound(TimeValue t) {
+        const auto found = model_.keys.find(t);
+        const bool isThere = found != model_.keys.end();
+        const int index =
+            isThere ? static_cast<int>(std::distance(model_.keys.begin(), found)) : -1;
+        EXPECT_EQ(control_->GetKeyIndex(t), index);
+        EXPECT_EQ(control_->IsKeyAtTime(t, 0), isThere && t >= 0);
+        const auto sides = static_cast<std::uint32_t>(Any(4));
+        const int beside = index + (sides & NEXTKEY_RIGHT ? 1 : 0) - (sides & NEXTKEY_LEFT ? 1 : 0);
+        const bool isBeside = beside >= 0 && beside < control_->NumKeys();
+        TimeValue next = 12345;
+        EXPECT_EQ(control_->GetNextKeyTime(t, sides, next), isBeside);
+        EXPECT_EQ(next, isBeside ? std::next(model_.keys.begin(), beside)->first : 12345);
+        Tab<TimeValue> times;
+        control_->GetKeyTimes(times, Interval(t, t + 9), 0);
+        EXPECT_EQ(times.Count(),
+                  std::distance(model_.keys.lower_bound(t), model_.keys.upper_bound(t + 9)));
+    }
+
     // Whoever depends on the controller was told of the table as it is now.
     void ExpectTold(const Table& before) {
         const Table now = Seen(*control_);
-        EXPECT_TRUE(now == before || now == onlooker_.seen);
+        EXPECT_TRUE(now == before || now == told_);
     }
 
     ControlWorld world_;
-    Onlooker onlooker_;
+    Table told_;  // when the controller told of a change last
+    Watcher watcher_{[this] { told_ = Seen(*control_); }};
     Alone<OpenTransform> control_;
     Table model_;
     std::vector<Meant> open_;
@@ -255,12 +285,7 @@ TEST_F(KeyLaw, EditsPastTheHoldLeaveEachRecordToItsOwnKeyOrToNothing) {
             Hold(any);
         if (Any(100) == 0) ChangeParents();
         ASSERT_EQ(Seen(*control_), model_) << "after step " << i;
-        const TimeValue t = AnyTime();
-        const auto found = model_.keys.find(t);
-        const auto index = static_cast<int>(std::distance(model_.keys.begin(), found));
-        const bool isThere = found != model_.keys.end();
-        ASSERT_EQ(control_->GetKeyIndex(t), isThere ? index : -1);
-        ASSERT_EQ(control_->IsKeyAtTime(t, 0), isThere && t >= 0);
+        ExpectFound(AnyTime());
     }
 }
 

@@ -1,6 +1,6 @@
-#include "controllers/scalar_control.h"
-
 #include <gtest/gtest.h>
+
+#include <climits>
 
 #include "host/animate.h"
 #include "tests/controllers/control_world.h"
@@ -33,7 +33,8 @@ TEST_F(Scalar, ValuesAreLinearBetweenKeysAndConstantBeyondThem) {
     }
 }
 
-TEST_F(Scalar, WithoutKeysTheValueSetLastHoldsAtEveryTime) {
+// Without keys it holds at every time, beside keys not at all.
+TEST_F(Scalar, AValueBecomesAKeyInAnimateModeOnly) {
     EXPECT_EQ(FloatAt(*control_, 50), 0.0F);
     Set(10, 4);
     EXPECT_EQ(FloatAt(*control_, -900), 4.0F);
@@ -46,19 +47,46 @@ TEST_F(Scalar, WithoutKeysTheValueSetLastHoldsAtEveryTime) {
     EXPECT_EQ(FloatAt(*control_, 0), 6.0F);
     EXPECT_EQ(control_->GetKeyAtTime(50).value, 0.0F);
     EXPECT_EQ(control_->GetKeyAtTime(50).time, 50);
-}
-
-TEST_F(Scalar, AValueBecomesAKeyInAnimateModeAndElseDoesNotStick) {
     AnimateOn();
     Set(0, 1);
     Set(100, 5);
     Set(100, 2, CTRL_RELATIVE);
     AnimateOff();
-    EXPECT_EQ(control_->NumKeys(), 2);
-    EXPECT_EQ(control_->table.keys[1].value, 7.0F);
     Set(50, 99);
-    EXPECT_EQ(control_->NumKeys(), 2);
+    EXPECT_EQ(TimesOf(control_->table), (std::vector<TimeValue>{0, 100}));
+    EXPECT_EQ(control_->table.keys[1].value, 7.0F);
     EXPECT_EQ(FloatAt(*control_, 50), 4.0F);
+}
+
+TEST_F(Scalar, SelectionGoesByHitsOrIsClearedAsAWhole) {
+    TrackHitTab hits;
+    for (const std::uint32_t hit : {0u, 2u, 3u, 0xFFFFFFFFu}) {
+        const TrackHitRecord record{hit, 0};
+        hits.Append(1, &record);
+    }
+    for (const TimeValue t : {0, 10, 20})
+        control_->AddKey({0, t, 0});
+    const auto flagsAfter = [&](std::uint32_t what) {
+        control_->SelectKeys(hits, what);
+        std::vector<std::uint32_t> flags;
+        for (const auto& key : control_->table.keys)
+            flags.push_back(key.flags);
+        return flags;
+    };
+    using Flags = std::vector<std::uint32_t>;
+    EXPECT_EQ(flagsAfter(SELKEYS_SELECT | SELKEYS_DESELECT), (Flags{1, 0, 1}));
+    control_->SelectKeyByIndex(1, 9);
+    EXPECT_EQ(flagsAfter(SELKEYS_DESELECT), (Flags{0, 9, 0}));
+    for (const int index : {-1, 3, INT_MIN, INT_MAX}) {
+        EXPECT_EQ(control_->GetKeyTime(index), -1);
+        control_->SelectKeyByIndex(index, 1);
+        control_->DeleteKeyByIndex(index);
+    }
+    EXPECT_EQ(flagsAfter(SELKEYS_CLEARKEYS | SELKEYS_SELECT), (Flags{0, 0, 0}));
+
+    PartID part = PART_ALL;
+    EXPECT_EQ(control_->NotifyRefChanged(FOREVER, nullptr, part, 354), REF_STOP);
+    EXPECT_EQ(control_->NotifyRefChanged(FOREVER, nullptr, part, REFMSG_CHANGE), REF_SUCCEED);
 }
 
 }  // namespace

@@ -78,22 +78,19 @@ TEST_F(Transform, ATurnGoesTheShorterWayRoundAlsoBetweenKeysThatAreNoTurns) {
     MatrixAt(*control_, 450);
 }
 
-TEST_F(Transform, BeyondTheTableTheEndKeyComesWithItsFlags) {
-    Key(0, MovedBy(1), 4);
+TEST_F(Transform, BeyondTheTableTheEndKeyComesWithItsFlagsAndAValueSetWithoutAKeyHoldsForAWhile) {
+    Key(0, MovedBy(0), 4);
     EXPECT_EQ(control_->GetKeyAtTime(50).flags, 0u) << "the only key";
-    Key(100, MovedBy(2), 8);
+    Key(100, MovedBy(1), 8);
     const std::pair<TimeValue, std::uint32_t> cases[] = {
         {-10, 4}, {0, 0}, {50, 0}, {100, 0}, {110, 8}};
     for (const auto& [t, flags] : cases) {
         EXPECT_EQ(control_->GetKeyAtTime(t).flags, flags) << t;
         EXPECT_EQ(control_->GetKeyAtTime(t).time, t);
     }
-    EXPECT_EQ(control_->GetKeyAtTime(110).value, MovedBy(2));
-}
+    EXPECT_EQ(control_->GetKeyAtTime(110).value, MovedBy(1));
 
-TEST_F(Transform, AValueSetWithoutAKeyHoldsAtItsTimeOrBeyondTheTableUntilAnotherEvaluation) {
-    Key(0, MovedBy(0));
-    Key(100, MovedBy(1));
+    // At its time, or beyond the table until another evaluation.
     SetWorld(*control_, 50, MovedBy(9));
     EXPECT_EQ(MatrixAt(*control_, 50), MovedBy(9));
     EXPECT_EQ(control_->NumKeys(), 2);

@@ -51,11 +51,12 @@ TEST(Scenery, AFollowingCameraIsReadBackAsWrittenAlsoAfterAStop) {
         LensValues(1);
         Put(headless::NewSphere(1, 8), "bystander");
         int changes = 0;
-        Watcher watcher(headless::FindNode("walk_Camera")->GetObjectRef(), [&] {
+        Watcher watcher([&] {
             if (++changes != 41) return;
             stage.Host().Select({"bystander"});
             stage.Host().DeleteSelected();
         });
+        watcher.ReplaceReference(0, headless::FindNode("walk_Camera")->GetObjectRef());
         EXPECT_TRUE(stage.Press()["error"].starts_with("the recording was stopped at frame "));
         watcher.ReplaceReference(0, nullptr);
         const std::vector<float> stopped = LensValues(60);

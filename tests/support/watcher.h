@@ -1,15 +1,14 @@
 #pragma once
 
 #include <functional>
+#include <utility>
 
 #include "host/reference.h"
 
-// Refers to something, and acts at each change of it that it hears of. Whoever makes one destroys
-// it, too.
+// Acts at each change that it hears of what it is made to refer to, which goes with the reference
+// if nobody else refers to it.
 struct Watcher : ReferenceMaker {
-    Watcher(ReferenceTarget* watched, std::function<void()> does) : act(std::move(does)) {
-        ReplaceReference(0, watched);
-    }
+    explicit Watcher(std::function<void()> does) : act(std::move(does)) {}
     SClass_ID SuperClassID() override { return 1; }
     Class_ID ClassID() override { return {1, 1}; }
     void DeleteThis() override {}
