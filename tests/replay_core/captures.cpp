@@ -17,18 +17,20 @@ std::variant<replay::Motion, replay::ReadError> Read(std::string_view text,
 
 }  // namespace
 
-replay::Motion ReadWhole(std::string_view text, replay::CutCapture cut) {
-    auto result = Read(text, cut);
+replay::Motion ReadWhole(std::string_view text) {
+    auto result = Read(text, replay::CutCapture::kRefused);
     const auto* const error = std::get_if<replay::ReadError>(&result);
     EXPECT_FALSE(error) << replay::Describe(*error);
     return error ? replay::Motion() : std::get<replay::Motion>(std::move(result));
 }
 
-std::string ReadRefused(std::string_view text, replay::CutCapture cut) {
+std::string Reading(std::string_view text, replay::CutCapture cut) {
     const auto result = Read(text, cut);
-    const auto* const error = std::get_if<replay::ReadError>(&result);
-    EXPECT_TRUE(error) << "read as whole:\n" << text;
-    return error ? replay::Describe(*error) : "";
+    if (const auto* const error = std::get_if<replay::ReadError>(&result))
+        return replay::Describe(*error);
+    const auto& motion = std::get<replay::Motion>(result);
+    EXPECT_EQ(motion.values.size(), motion.frameCount * motion.channelCount);
+    return std::to_string(motion.frameCount) + " frames; " + motion.oddity;
 }
 
 std::string Replaced(std::string_view text, std::string_view from, std::string_view to) {

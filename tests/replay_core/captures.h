@@ -30,15 +30,13 @@ inline constexpr std::string_view kStep =
     "0 10 0 0 0 0 90 0 0\n"
     "1 10 2 0 45 0 0 30 -60\n";
 
-// Reads a capture called "step.bvh" that must be whole; otherwise the test fails with the error and
-// the motion is empty.
-replay::Motion ReadWhole(std::string_view text,
-                         replay::CutCapture cut = replay::CutCapture::kRefused);
+// Reads a capture that must be whole; otherwise the test fails with the error and the motion is
+// empty.
+replay::Motion ReadWhole(std::string_view text);
 
-// Reads a capture called "step.bvh" that must be refused, and gives the message; otherwise the test
-// fails.
-std::string ReadRefused(std::string_view text,
-                        replay::CutCapture cut = replay::CutCapture::kRefused);
+// Reads a capture called "step.bvh", and tells of the frames that it has and what is odd about it,
+// or why it is refused.
+std::string Reading(std::string_view text, replay::CutCapture cut = replay::CutCapture::kRefused);
 
 // The text with the only place of `from` replaced.
 std::string Replaced(std::string_view text, std::string_view from, std::string_view to);
