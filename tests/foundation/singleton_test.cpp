@@ -80,18 +80,18 @@ TEST_F(Singletons, TheListHoldsOwnedInstancesAloneEachUntilItGoes) {
     EXPECT_EQ(List(), before);
 }
 
-TEST_F(Singletons, AnOutsideInstanceIsUsedAndNeverDestroyed) {
-    Log outside;
-    Place(outside);
-    Older::GetInstance();
-    outside.Destroy();
-    Collector().DestroyAll();
-    EXPECT_EQ(destroyed.size(), 1u);
-    EXPECT_EQ(Log::GetInstance(), &outside);
-    EXPECT_TRUE(Log::external);
-}
-
-TEST_F(Singletons, AScopeThatOutlivesEverythingBringsUpACollectorAndALog) {
+// A scope that outlives everything brings up a collector and a log.
+TEST_F(Singletons, AnOutsideInstanceIsUsedAndNeverDestroyedAndAScopeOutlivesAll) {
+    {
+        Log outside;
+        Place(outside);
+        Older::GetInstance();
+        outside.Destroy();
+        Collector().DestroyAll();
+        EXPECT_EQ(destroyed.size(), 1u);
+        EXPECT_TRUE(Log::external && Log::GetInstance() == &outside);
+        TakeBack<Log>();
+    }
     auto scope = std::make_unique<Log>("Shutting down adaptor", Log::kNotice);
     Collector().DestroyAll();
     scope.reset();
