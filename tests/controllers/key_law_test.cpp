@@ -129,9 +129,8 @@ class KeyLaw : public testing::Test {
         model_.cachedTime = t;
         if (keyed) Put(t, {0, value});
     }
-    void Add() {
+    void Add(TimeValue t) {
         const Entry entry{static_cast<std::uint32_t>(Any(2)), static_cast<float>(Any(1000))};
-        const TimeValue t = AnyTime();
         control_->AddKey({entry.flags, t, MovedBy(entry.value)});
         Put(t, entry);
     }
@@ -170,7 +169,7 @@ class KeyLaw : public testing::Test {
     }
     void Change() {
         const int which = Any(7);
-        which < 2 ? Set(which == 0) : which < 4 ? Add() : Delete();
+        which < 2 ? Set(which == 0) : which < 4 ? Add(AnyTime()) : Delete();
     }
     // What no hold ever records.
     void ChangeUnrecordably() {
@@ -198,7 +197,7 @@ class KeyLaw : public testing::Test {
     void Hold(More more) {
         theHold.Begin();
         open_.clear();
-        Set(Any(2) == 0);
+        Any(2) == 0 ? Set(Any(2) == 0) : Add(AnyTime());
         for (int count = Any(4); count > 0; --count)
             more();
         if (Any(5) == 0) {
@@ -248,6 +247,15 @@ class KeyLaw : public testing::Test {
                   std::distance(model_.keys.lower_bound(t), model_.keys.upper_bound(t + 9)));
     }
 
+    // A key stands in the way of a step, and is gone again before the next one.
+    void DisturbAStep() {
+        const TimeValue t = AnyTime();
+        Add(t);
+        Any(2) == 0 ? Undo() : Redo();
+        control_->DeleteKeyAtTime(t);
+        TakeOut(t);
+    }
+
     // Whoever depends on the controller was told of the table as it is now.
     void ExpectTold(const Table& before) {
         const Table now = Seen(*control_);
@@ -273,14 +281,16 @@ TEST_F(KeyLaw, EditsPastTheHoldLeaveEachRecordToItsOwnKeyOrToNothing) {
         // So many keys that they are held in parts.
         if (i == 20000)
             for (span_ = 6001; model_.keys.size() < 2500;)
-                Add();
-        const int act = Any(12);
+                Add(AnyTime());
+        const int act = Any(13);
         if (act < 4)
             Undo();
         else if (act < 7)
             Redo();
         else if (act < 10)
             any();
+        else if (act == 10)
+            DisturbAStep();
         else
             Hold(any);
         if (Any(100) == 0) ChangeParents();

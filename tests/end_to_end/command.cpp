@@ -1,6 +1,7 @@
 #include "tests/end_to_end/command.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -41,6 +42,16 @@ void Command::ExpectRefusal(const std::string& words, const std::string& what, i
     EXPECT_EQ(ending.out, "") << words;
     EXPECT_EQ(std::count(ending.error.begin(), ending.error.end(), '\n'), 1) << ending.error;
     EXPECT_TRUE(ending.error.starts_with("lumiset-headless: " + what)) << words << ending.error;
+}
+
+std::map<std::string, std::string> Command::Files() const {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder_.Path()))
+        if (entry.is_regular_file())
+            files[platform::ToNarrow(entry.path().filename())] = ReadFile(entry.path());
+    for (const char* own : {"test.reg", "out", "error"})
+        files.erase(own);
+    return files;
 }
 
 std::string Line(const nlohmann::json& told, std::initializer_list<const char*> places) {

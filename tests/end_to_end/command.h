@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -39,6 +40,9 @@ class Command : public testing::Test {
     // Fails with one line, which begins with `what`.
     void ExpectRefusal(const std::string& words, const std::string& what, int status,
                        const std::string& coreFolder = CORE_FOLDER) const;
+
+    // All files in its folder by their names, with their bytes, but for those of the test itself.
+    std::map<std::string, std::string> Files() const;
 
     TemporaryFolder folder_;
     std::string documents_;  // the user's folder of documents; none if empty

@@ -13,7 +13,7 @@ namespace {
 
 TEST_F(Command, RecordsIntoASceneWithItsGroundAndItsPath) {
     EXPECT_EQ(Do("--version"), "1.0.0\n");
-    Do("draw --path \"0,0,0 0,100,0\" --name Path -o path");
+    Do("draw --path \"0,0,0 0,100,0 0,100,50\" --at 10,20,30 --name Path -o path");
     Write("walk.bvh", Walk(5));
     // Once more onto the nodes that are there: path, ground, camera, two joints, guide.
     for (const std::string into : {"path", "take"}) {
@@ -29,6 +29,14 @@ TEST_F(Command, RecordsIntoASceneWithItsGroundAndItsPath) {
         EXPECT_LT(told["maxFieldOfViewErrorDegrees"].get<double>(), 1e-5);
         EXPECT_LT(told["maxTargetDistanceErrorMetres"].get<double>(), 1e-6);
     }
+    // Arrows along the path, one each quarter of a metre of its 150 units: fifteen of eight faces,
+    // the tip of each 0.8 of ten units ahead of its start.
+    const Json guide = Ask("inspect take --node walk_Guide")["nodes"].at(0);
+    EXPECT_EQ(guide["mesh"]["faces"], 15 * 8);
+    EXPECT_NEAR(guide["mesh"]["bounds"]["most"][2].get<double>(), 48, 1e-3);
+    const std::vector<double> world = guide["transform"]["world"];
+    for (const auto& [cell, place] : {std::pair(12U, 10), {13U, 30}, {14U, -20}})
+        EXPECT_NEAR(world[cell] * kUnitsPerMetre, place, 1e-3);
     const std::string places = Read("places");
     EXPECT_TRUE(places.starts_with("frame,seconds,joint,x,y,z\n0,0,Hip,")) << places;
     EXPECT_EQ(std::ranges::count(places, '\n'), 11);

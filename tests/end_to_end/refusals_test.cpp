@@ -1,8 +1,6 @@
 #include <filesystem>
-#include <map>
 #include <vector>
 
-#include "platform/narrow_path.h"
 #include "tests/end_to_end/command.h"
 #include "tests/end_to_end/stage.h"
 
@@ -53,6 +51,8 @@ const std::vector<Refusal> kOfDrawing = {
     {"--path 1,2,3", "--path: "},
     {"--path \"1,2,3 4,5\"", "--path: \"4,5\" "},
     {"--sphere 1 --segments x", "--segments: x is not a whole number"},
+    {"--sphere 1 --at 1,2,nan", "--at: "},
+    {"--sphere 1 --bend inf", "--bend: "},
     {"--sphere 1 --at 1,2,1e39", "--at: \"1,2,1e39\" is out of range"},
     {"--sphere 1 --guide --color 1,0,1.5", "--color: \"1,0,1.5\" is not a colour"},
     {"--sphere 1 --color 1,0,0", "--color requires --guide"},
@@ -92,17 +92,6 @@ const std::vector<Refusal> kOfFiles = {
 
 class Refusals : public Command {
   protected:
-    // All files with their bytes, but for those of the test itself.
-    std::map<std::string, std::string> Files() const {
-        std::map<std::string, std::string> files;
-        for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder_.Path()))
-            files[platform::ToNarrow(entry.path().filename())] =
-                entry.is_regular_file() ? ReadFile(entry.path()) : "";
-        for (const char* own : {"test.reg", "out", "error"})
-            files.erase(own);
-        return files;
-    }
-
     void ExpectAll(const std::vector<Refusal>& refusals, int status, const std::string& before = "",
                    const std::string& behind = "") const {
         for (const auto& [words, what] : refusals)
