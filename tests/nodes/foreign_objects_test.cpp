@@ -32,22 +32,18 @@ class ForeignShape final : public Foreign<ShapeObject> {
     Point3 InterpCurve3D(TimeValue, int, float, int) override { return {}; }
 };
 
-// Triangles, whatever it says it is.
+// Triangles, whatever it says it is; or it only claims to be some, like what stands in for a mesh
+// that could not be read.
 class ForeignMesh final : public Foreign<TriObject> {
   public:
-    using Foreign::Foreign;
-    int CanConvertToType(Class_ID) override { return 1; }
+    ForeignMesh(SClass_ID superClass, Class_ID id, bool isTrue = true)
+        : Foreign(superClass, id), isTrue_(isTrue) {}
+    int CanConvertToType(Class_ID) override { return isTrue_; }
     Mesh& GetMesh() override { return mesh_; }
 
   private:
+    bool isTrue_;
     Mesh mesh_;
-};
-
-// Like what stands in for a mesh that could not be read.
-class ClaimsToBeMesh final : public Foreign<Object> {
-  public:
-    ClaimsToBeMesh() : Foreign(GEOMOBJECT_CLASS_ID, kTriObjectClassId) {}
-    int CanConvertToType(Class_ID) override { return 0; }
 };
 
 class ForeignControl final : public Foreign<Control> {
@@ -103,7 +99,7 @@ TEST_F(ForeignObjects, AreWhatTheirIdsSayButForWhatOnlyOursCanBe) {
         {new ForeignMesh(GEOMOBJECT_CLASS_ID, kTriangles), " look mesh of faces"},
         {new ForeignMesh(GEOMOBJECT_CLASS_ID, {9, 1}), " look mesh"},
         {new ForeignMesh(HELPER_CLASS_ID, kTriangles), " look mesh"},
-        {new ClaimsToBeMesh, " look mesh"},
+        {new ForeignMesh(GEOMOBJECT_CLASS_ID, kTriangles, false), " look mesh"},
         {new Foreign<HelperObject>(HELPER_CLASS_ID, kCustomHelperObjectClassId), " look mesh"},
     };
     for (const auto& [object, lent] : cases)

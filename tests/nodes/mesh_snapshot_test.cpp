@@ -141,7 +141,7 @@ TEST_F(MeshSnapshot, LosesItsMeshWithTheNodeOrTheObject) {
     EXPECT_EQ(count(), 3);
 
     adaptor.FlushUndoBuffer();
-    Host("Rig_Hip")->ReplaceReference(1, headless::NewSphere(1, 8));  // frees the triangle mesh
+    Host("Rig_Hip")->ReplaceReference(1, headless::NewGround(1, 1));  // frees the triangle mesh
     EXPECT_FALSE(HasMesh(all[0]));
     all[0]->SetMesh(Triangle());
 }

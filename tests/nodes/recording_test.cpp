@@ -47,30 +47,37 @@ TEST_F(Recording, StartsWithAKeyOfThePresentPoseOnTheOwnersNodes) {
     EXPECT_EQ(adaptor.GetCurrentTime(), 2);
 }
 
-TEST_F(Recording, GoesFromATimeOnAllButTheKeyThatIsThere) {
+TEST_F(Recording, HasKeysAtTheTicksBelowTimesAndLosesThoseBehindOne) {
     Node* const hip = Helper("Hip");
     Node* const camera = Camera("Cam");
-    auto* const lens = static_cast<CameraObject*>(Host("Rig_Cam")->GetObjectRef());
+    const auto distanceAt = [camera](double seconds, bool writes = false) {
+        TVL::CSnapshot_Lens* const lens = camera->AcquireLensSnapshot(seconds);
+        if (writes) lens->SetTargetDistance(seconds);
+        const double distance = lens->GetTargetDistance();
+        camera->ReleaseLensSnapshot(lens);
+        return distance;
+    };
     adaptor.BeginRecordingUnkeyed({&rig});
     EXPECT_EQ(Keys("Hip"), Ticks());
-    for (const double seconds : {0.0, 0.5, 1.0, 1.5}) {
+    for (const double seconds : {0.0004, 0.5, 1.0, 1.50019}) {
         TVL::CSnapshot* const snapshot = hip->AcquireSnapshot(seconds);
         snapshot->SetWorldTransform(snapshot->GetWorldTransform());
+        EXPECT_EQ(snapshot->GetTime(), seconds);
         hip->ReleaseSnapshot(snapshot);
+        distanceAt(seconds, true);
     }
-    EXPECT_EQ(Keys("Hip"), (Ticks{0, 2400, 4800, 7200}));
-    lens->SetFOV(100, 1);
-    lens->SetFOV(4800, 2);
+    EXPECT_EQ(Keys("Hip"), (Ticks{1, 2400, 4800, 7200}));
     adaptor.EndRecording();
     hip->DeleteAnimationFrom(std::numeric_limits<double>::quiet_NaN());
     hip->DeleteAnimationFrom(0.5);
-    EXPECT_EQ(Keys("Hip"), (Ticks{0, 2400}));
+    EXPECT_EQ(Keys("Hip"), (Ticks{1, 2400}));
     hip->DeleteAnimationFrom(-1);
     EXPECT_EQ(Keys("Hip"), Ticks());
 
+    EXPECT_EQ(distanceAt(1), 1);
     camera->DeleteAnimationFrom(0.5);  // reaches the camera's parameters
-    Interval valid = FOREVER;
-    EXPECT_EQ(lens->GetFOV(4800, valid), 1);
+    EXPECT_EQ(distanceAt(0), double{0.0004F});
+    EXPECT_EQ(distanceAt(1), 0.5);
 }
 
 }  // namespace

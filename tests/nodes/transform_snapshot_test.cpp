@@ -1,4 +1,3 @@
-#include "host/control.h"
 #include "measures/core_space.h"
 #include "tests/nodes/node_test.h"
 #include "tests/support/allocations.h"
@@ -58,20 +57,6 @@ TEST_F(TransformSnapshot, KeepsHostUnitsBelowWhereTheParentIsNow) {
     Put("Rig_Hip", CMatrix4::Diagonal(0, 0, 0, 1));  // scaled to nothing
     EXPECT_EQ(snapshot->GetLocalTransform(), CMatrix4::Zero());
     knee->ReleaseSnapshot(snapshot);
-}
-
-TEST_F(TransformSnapshot, WritesAtTheTickBelowATimeAndKeepsTheTime) {
-    adaptor.BeginRecordingUnkeyed({});
-    Control* const controller = Host("Rig_Hip")->GetTMController();
-    const std::pair<double, TimeValue> cases[] = {{0.0004, 1}, {1.00019, 4800}, {2.5, 12000}};
-    for (const auto& [seconds, ticks] : cases) {
-        TVL::CSnapshot* const snapshot = hip->AcquireSnapshot(seconds);
-        EXPECT_EQ(snapshot->GetTime(), seconds);
-        snapshot->SetWorldTransform(At(seconds, 0, 0));
-        EXPECT_EQ(controller->GetKeyTime(controller->NumKeys() - 1), ticks);
-        hip->ReleaseSnapshot(snapshot);
-    }
-    adaptor.EndRecording();
 }
 
 // A Core reads the told fields of what it is lent.
