@@ -1,5 +1,6 @@
+#include <functional>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "host/gup.h"
 #include "host/utility_obj.h"
@@ -12,53 +13,46 @@ namespace {
 constexpr int kPage = 40;
 constexpr int kGo = 41;
 
-using Diary = std::vector<std::string>;
-Diary diary;
+std::string panelEvents;
 std::function<void()> onGo;
+HWND openPage = nullptr;
 
 INT_PTR CALLBACK PageProcedure(HWND, UINT message, WPARAM wParam, LPARAM) {
     if (message == WM_COMMAND && LOWORD(wParam) == kGo && onGo) onGo();
     return message == WM_INITDIALOG ? 1 : 0;
 }
 
-HWND AddPage(IObjParam& panel) {
-    return panel.AddRollupPage(nullptr, MAKEINTRESOURCEA(kPage), PageProcedure, "Page");
+void OpenPage(IObjParam* panel, const std::string& event) {
+    panelEvents += event;
+    openPage = panel->AddRollupPage(nullptr, MAKEINTRESOURCEA(kPage), PageProcedure, "Page");
 }
 
-class Utility final : public UtilityObj {
-  public:
-    void BeginEditParams(Interface* ip, IUtil*) override {
-        diary.push_back("begin");
-        page_ = AddPage(*ip);
-    }
-    void EndEditParams(Interface* ip, IUtil*) override {
-        diary.push_back("end");
-        ip->DeleteRollupPage(page_);
-    }
+void ClosePage(IObjParam* panel, const std::string& event) {
+    panelEvents += event;
+    panel->DeleteRollupPage(openPage);
+}
+
+struct Utility final : UtilityObj {
+    void BeginEditParams(Interface* ip, IUtil*) override { OpenPage(ip, "begin "); }
+    void EndEditParams(Interface* ip, IUtil*) override { ClosePage(ip, "end "); }
     void SelectionSetChanged(Interface* ip, IUtil*) override {
-        diary.push_back("selected " + std::to_string(ip->GetSelNodeCount()));
+        panelEvents += "selected " + std::to_string(ip->GetSelNodeCount()) + ' ';
     }
     void DeleteThis() override {
-        diary.push_back("gone");
+        panelEvents += "gone ";
         delete this;
     }
-
-  private:
-    HWND page_ = nullptr;
 };
 
 // A transform controller with a page of its own.
-class PagedControl final : public Control {
-  public:
-    explicit PagedControl(std::string name) : name_(std::move(name)) {}
+struct PagedControl final : Control {
+    explicit PagedControl(std::string called) : name(std::move(called)) {}
 
     void BeginEditParams(IObjParam* ip, std::uint32_t, Animatable*) override {
-        diary.push_back("edit " + name_);
-        page_ = AddPage(*ip);
+        OpenPage(ip, "edit " + name + ' ');
     }
     void EndEditParams(IObjParam* ip, std::uint32_t, Animatable*) override {
-        diary.push_back("leave " + name_);
-        ip->DeleteRollupPage(page_);
+        ClosePage(ip, "leave " + name + ' ');
     }
     SClass_ID SuperClassID() override { return CTRL_MATRIX3_CLASS_ID; }
     Class_ID ClassID() override { return {77, 0}; }
@@ -66,28 +60,18 @@ class PagedControl final : public Control {
     void GetValue(TimeValue, void*, Interval&, GetSetMethod) override {}
     void SetValue(TimeValue, void*, int, GetSetMethod) override {}
 
-    HWND page_ = nullptr;
-
-  private:
-    std::string name_;
+    std::string name;
 };
 
 class PanelTest : public HostWorld {
   protected:
     PanelTest() {
-        diary.clear();
-        onGo = {};
-        session.RegisterClass(&first_);
-        session.RegisterClass(&second_);
+        for (TestClass* const type : {&first_, &second_})
+            session.RegisterClass(type);
     }
+    ~PanelTest() override { onGo = {}; }
 
-    Diary Entries() { return std::exchange(diary, {}); }
-
-    INode* AddPaged(const char* name) {
-        INode* node = Add(name);
-        node->SetTMController(new PagedControl(name));
-        return node;
-    }
+    static std::string Events() { return std::exchange(panelEvents, {}); }
 
   private:
     static void* NewUtility() { return new Utility; }
@@ -97,62 +81,50 @@ class PanelTest : public HostWorld {
 };
 
 TEST_F(PanelTest, OneUtilityIsOpenAtATimeAndMayCloseItselfFromItsPage) {
-    EXPECT_FALSE(session.OpenUtility("No Util"));
-    EXPECT_FALSE(session.CloseUtility());
-    EXPECT_FALSE(session.PressButton(kGo));
-    EXPECT_TRUE(session.OpenUtility("First Util"));
-    EXPECT_TRUE(session.OpenUtility("First Util"));
-    EXPECT_EQ(Entries(), Diary({"begin"}));
-    EXPECT_TRUE(session.OpenUtility("Second Util"));
-    EXPECT_EQ(Entries(), Diary({"end", "gone", "begin"}));
-    EXPECT_FALSE(session.IsUtilityOpen("First Util"));
+    EXPECT_FALSE(session.OpenUtility("No Util") || session.CloseUtility() ||
+                 session.PressButton(kGo));
+    EXPECT_TRUE(session.OpenUtility("First Util") && session.OpenUtility("First Util"));
+    EXPECT_TRUE(session.OpenUtility("Second Util") && !session.IsUtilityOpen("First Util"));
     host.SelectNode(Add("node"));
-    EXPECT_EQ(Entries(), Diary({"selected 1"}));
     onGo = [&] { session.CloseUtility(); };
-    EXPECT_FALSE(session.PressButton(kPage));
-    EXPECT_TRUE(session.PressButton(kGo));
+    EXPECT_TRUE(!session.PressButton(kPage) && session.PressButton(kGo));
     EXPECT_FALSE(session.PressButton(kGo));
     session.OpenUtility("First Util");
     session.ShutDown();
-    EXPECT_EQ(Entries(), Diary({"end", "gone", "begin", "end", "gone"}));
+    EXPECT_EQ(Events(), "begin end gone begin selected 1 end gone begin end gone ");
 }
 
 TEST_F(PanelTest, TheMotionPanelFollowsTaskSelectionAndController) {
-    INode* hip = AddPaged("hip");
-    INode* knee = AddPaged("knee");
+    INode* const hip = Add("hip");
+    INode* const knee = Add("knee");
+    hip->SetTMController(new PagedControl("hip"));
+    knee->SetTMController(new PagedControl("knee"));
     host.SelectNode(hip);
-    EXPECT_EQ(Entries(), Diary());
+    EXPECT_EQ(Events(), "");
     host.SetCommandPanelTaskMode(TASK_MODE_MOTION);
-    EXPECT_EQ(Entries(), Diary({"edit hip"}));
     host.SelectNode(knee);
-    EXPECT_EQ(Entries(), Diary({"leave hip", "edit knee"}));
     host.SelectNode(hip, 0);
     host.SelectNode(hip);
-    EXPECT_EQ(Entries(), Diary({"leave knee", "edit hip"}));
+    EXPECT_EQ(Events(), "edit hip leave hip edit knee leave knee edit hip ");
     Step([&] { hip->SetTMController(new PagedControl("new")); });
-    EXPECT_EQ(Entries(), Diary({"leave hip", "edit new"}));
     session.Undo();
-    EXPECT_EQ(Entries(), Diary({"leave new", "edit hip"}));
+    EXPECT_EQ(Events(), "leave hip edit new leave new edit hip ");
     host.SetCommandPanelTaskMode(TASK_MODE_UTILITY);
+    EXPECT_EQ(Events(), "leave hip ");
     host.SetCommandPanelTaskMode(TASK_MODE_MOTION);
-    EXPECT_EQ(Entries(), Diary({"leave hip", "edit hip"}));
     onGo = [&] {
-        Step([&] {
-            auto* next = new PagedControl("next");
-            next->TransferReferences(hip->GetTMController(), true);
-        });
+        Step([&] { (new PagedControl("next"))->TransferReferences(hip->GetTMController(), true); });
     };
-    EXPECT_TRUE(session.PressButton(kGo)) << "a controller that replaces itself from its own page";
-    EXPECT_EQ(Entries(), Diary({"leave hip", "edit next"}));
+    session.PressButton(kGo);
+    EXPECT_EQ(Events(), "edit hip leave hip edit next ") << "it replaces itself from its own page";
     host.DeleteNode(hip);
-    EXPECT_EQ(Entries(), Diary({"leave next"}));
     host.SetCommandPanelTaskMode(99);
+    EXPECT_EQ(Events(), "leave next ");
     EXPECT_EQ(host.GetCommandPanelTaskMode(), TASK_MODE_MOTION);
 }
 
 // Runs scripts as a plug-in does.
-class ScriptRunner final : public GUP {
-  public:
+struct ScriptRunner final : GUP {
     std::uint32_t Start() override { return GUPRESULT_KEEP; }
     void Stop() override {}
     void DeleteThis() override {}
@@ -160,22 +132,21 @@ class ScriptRunner final : public GUP {
 
 TEST_F(PanelTest, AScriptRunsAsAWholeOrNotAtAll) {
     ScriptRunner runner;
+    host.SetCommandPanelTaskMode(TASK_MODE_DISPLAY);
     for (const char* script :
          {"", ";;", "UtilityPanel.OpenUtility 'First_Util';max quit", "max undo undo",
           "UtilityPanel.OpenUtility First_Util", "UtilityPanel.OpenUtility 'No_Util'", "max undo",
-          "setCommandPanelTaskMode mode:unheard", "$ = getCommandPanelTaskMode()"})
-        EXPECT_EQ(runner.ExecuteStringScript(script), 0) << script;
-    EXPECT_EQ(runner.ExecuteStringScript(nullptr), 0);
-    EXPECT_FALSE(session.IsUtilityOpen("First Util"));
-    host.SetCommandPanelTaskMode(TASK_MODE_DISPLAY);
+          "setCommandPanelTaskMode mode:unheard", "$ = getCommandPanelTaskMode()",
+          static_cast<const char*>(nullptr)})
+        EXPECT_EQ(runner.ExecuteStringScript(script), 0) << (script ? script : "none");
+    EXPECT_EQ(Events(), "");
+    Step([&] { Add("node"); });
     EXPECT_NE(runner.ExecuteStringScript(
                   "panel = getCommandPanelTaskMode();UtilityPanel.OpenUtility 'First_Util';"
-                  "setCommandPanelTaskMode mode:panel;"),
+                  "setCommandPanelTaskMode mode:panel;max undo;"),
               0);
-    EXPECT_TRUE(session.IsUtilityOpen("First Util"));
+    EXPECT_EQ(Events(), "begin ");
     EXPECT_EQ(host.GetCommandPanelTaskMode(), TASK_MODE_DISPLAY);
-    Step([&] { Add("node"); });
-    EXPECT_NE(runner.ExecuteStringScript("max undo"), 0);
     EXPECT_TRUE(headless::Nodes().empty());
 }
 

@@ -1,4 +1,4 @@
-#include <optional>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,117 +11,63 @@
 
 namespace {
 
-using Diary = std::vector<std::string>;
-Diary sessionDiary;
+using BreachLines = std::vector<std::string>;
 
 // A global utility that tells what becomes of it.
-class Told final : public GUP {
-  public:
-    explicit Told(std::uint32_t result) : result_(result) {}
+struct Told final : GUP {
+    Told(std::uint32_t answer, std::string& teller) : result(answer), told(teller) {}
 
-    std::uint32_t Start() override {
-        sessionDiary.push_back("start");
-        if (result_ == GUPRESULT_KEEP)
-            onShutdown_.emplace(NOTIFY_SYSTEM_SHUTDOWN,
-                                [](NotifyInfo&) { sessionDiary.push_back("shutdown"); });
-        return result_;
-    }
-    void Stop() override {
-        sessionDiary.push_back("stop");
-        onShutdown_.reset();
-    }
+    std::uint32_t Start() override { return told += "start ", result; }
+    void Stop() override { told += "stop "; }
     void DeleteThis() override {
-        sessionDiary.push_back("gone");
+        told += "gone ";
         delete this;
     }
 
-  private:
-    std::uint32_t result_;
-    std::optional<OnNotification> onShutdown_;
+    std::uint32_t result;
+    std::string& told;
 };
 
-TEST(SessionTest, AGlobalUtilityRunsUntilTheShutdownUnlessItDoesNotWantToBeKept) {
-    sessionDiary.clear();
-    TestClass kept("Kept", GUP_CLASS_ID, {1, 1}, [] { return new Told(GUPRESULT_KEEP); });
-    TestClass refusing("Refusing", GUP_CLASS_ID, {1, 2}, [] { return new Told(GUPRESULT_NOKEEP); });
+TEST(SessionTest, AUtilityRunsUntilTheShutdownIfItWantsAndBreachesAreToldAlsoAfterIt) {
+    std::string told;
+    TestClass kept("Kept", GUP_CLASS_ID, {1, 1}, [&] { return new Told(GUPRESULT_KEEP, told); });
+    TestClass refusing("Refusing", GUP_CLASS_ID, {1, 2},
+                       [&] { return new Told(GUPRESULT_NOKEEP, told); });
     headless::Session session;
-    EXPECT_NE(session.LoadPlugin("/nowhere/plugin.so").find("/nowhere/plugin.so"),
-              std::string::npos);
-    EXPECT_NE(session.LoadPlugin(NO_PLUGIN).find("does not export LibDescription"),
-              std::string::npos);
+    const std::string nowhere = session.LoadPlugin("/nowhere/plugin.so");
+    EXPECT_NE(nowhere.find("/nowhere/plugin.so"), std::string::npos);
+    const std::string other = session.LoadPlugin(NO_PLUGIN);
+    EXPECT_NE(other.find("does not export LibDescription"), std::string::npos);
     session.RegisterClass(&kept);
     session.RegisterClass(&refusing);
     session.Start();
     EXPECT_EQ(session.KeptUtilities(), 1U);
-    session.ShutDown();
-    session.ShutDown();
-    EXPECT_EQ(sessionDiary, Diary({"start", "start", "gone", "shutdown", "stop", "gone"}));
-}
-
-TEST(SessionTest, ABreachIsToldWithWhatTheHostWasAboutAndAlsoAfterTheShutdown) {
-    headless::Session session;
-    session.Start();
     {
+        const OnNotification last(NOTIFY_SYSTEM_SHUTDOWN, [&](NotifyInfo&) { told += "end "; });
         const OnNotification stray(NOTIFY_FILE_POST_OPEN, [](NotifyInfo&) { theHold.Cancel(); });
         const OnNotification outer(NOTIFY_SYSTEM_PRE_NEW,
                                    [&](NotifyInfo&) { session.Announce(NOTIFY_FILE_POST_OPEN); });
         session.NewScene();
+        session.ShutDown();
+        session.ShutDown();
+        GetCOREInterface();
     }
-    session.ShutDown();
-    GetCOREInterface();
-    UnRegisterNotification(nullptr, nullptr, 0);
-    EXPECT_EQ(
-        headless::TakeBreachLines(),
-        (std::vector<std::string>{"Hold::Cancel: no hold is open (notification 10, notification 7)",
-                                  "GetCOREInterface: the host has shut down",
-                                  "UnRegisterNotification: the host has shut down"}));
+    EXPECT_EQ(told, "start start gone end stop gone ");
+    const std::string late = "UnRegisterNotification: the host has shut down";
+    EXPECT_EQ(headless::TakeBreachLines(),
+              (BreachLines{"Hold::Cancel: no hold is open (notification 10, notification 7)",
+                           "GetCOREInterface: the host has shut down", late, late, late}));
 }
 
 using DeleteKeyTest = HostWorld;
 
-// Hears of a deletion, and answers it.
-struct Deletions : OnNotification {
-    std::function<void(INodeTab&)> answer;
-    int announced = 0;
-
-    Deletions()
-        : OnNotification(NOTIFY_SEL_NODES_PRE_DELETE, [this](NotifyInfo& info) {
-              auto& table = *static_cast<INodeTab*>(info.callParam);
-              announced = table.Count();
-              EXPECT_TRUE(theHold.Holding());
-              if (answer) answer(table);
-          }) {}
-};
-
-TEST_F(DeleteKeyTest, TheSelectionIsAnnouncedAndWhatIsStillAnnouncedGoesInOneStep) {
-    Deletions deletions;
-    EXPECT_EQ(session.DeleteSelected(), 0U);
-    EXPECT_EQ(deletions.announced, 0);
-    INode* hip = Add("hip");
-    INode* knee = Add("knee");
-    Add("foot");
-    Add("toe");
-    EXPECT_EQ(session.Select({"hip", "knee", "foot", "nobody"}), 3U);
-    deletions.answer = [&](INodeTab& table) {
-        EXPECT_EQ(table[1], knee);
-        table.Delete(1, 1);
-        host.DeleteNode(hip);
-    };
-    const auto before = headless::SceneDigest();
-    EXPECT_EQ(session.DeleteSelected(), 1U);
-    EXPECT_EQ(deletions.announced, 3);
-    EXPECT_EQ(headless::Nodes().size(), 2U);
-    EXPECT_EQ(headless::FindNode("knee"), knee);
-    EXPECT_EQ(session.UndoLabels(), std::vector<std::string>{"Delete"});
-    session.Undo();
-    EXPECT_EQ(headless::SceneDigest(), before);
-}
-
 // Whoever hears of it may end the hold that it is to be part of, and may free what is announced.
 TEST_F(DeleteKeyTest, TheUsersDeletionCanBeUndoneWhateverBecomesOfTheHoldMeanwhile) {
+    EXPECT_EQ(session.DeleteSelected(), 0U);
     struct Row {
         bool isHeld;  // by a guest who has just made a node, which is selected, too
-        std::function<void()> answer;
+        std::function<void()> act;
+        std::string label;   // of the last step
         std::size_t undone;  // nodes that come back
     };
     const auto accept = [] { theHold.Accept("guest"); };
@@ -131,36 +77,42 @@ TEST_F(DeleteKeyTest, TheUsersDeletionCanBeUndoneWhateverBecomesOfTheHoldMeanwhi
         theHold.Begin();
     };
     const auto renew = [this] { session.NewScene(); };
-    const Row rows[] = {{false, accept, 1}, {false, cancel, 1}, {false, replace, 1},
-                        {true, accept, 2},  {true, cancel, 1},  {true, replace, 2},
-                        {true, renew, 0}};
-    for (const Row& row : rows) {
+    const Row rows[] = {{false, [] {}, "Delete", 1},  {false, accept, "Delete", 1},
+                        {false, cancel, "Delete", 1}, {false, replace, "Delete", 1},
+                        {true, accept, "Delete", 2},  {true, cancel, "Delete", 1},
+                        {true, replace, "guest", 2},  {true, renew, "", 0}};
+    for (const auto& [isHeld, act, label, undone] : rows) {
         session.Reset();
-        Add("kept");
-        if (row.isHeld) {
+        for (const char* name : {"picked", "spared"})
+            Add(name);
+        if (isHeld) {
             theHold.Begin();
             Add("new");
         }
-        session.Select({"kept", "new"});
-        Deletions deletions;
-        deletions.answer = [&](INodeTab& table) {
-            row.answer();
+        EXPECT_EQ(session.Select({"picked", "new", "nobody"}), isHeld ? 2U : 1U);
+        const auto hear = [this, does = act](const NotifyInfo& info) {
+            EXPECT_TRUE(theHold.Holding());
+            does();
             INode* const other = Add("other");
+            auto& table = *static_cast<INodeTab*>(info.callParam);
             for (int i = 0; i < table.Count(); ++i)
                 EXPECT_NE(table[i], other);
         };
+        const OnNotification onDeletion(NOTIFY_SEL_NODES_PRE_DELETE, hear);
         session.DeleteSelected();
         if (theHold.Holding()) theHold.Accept("guest");
-        ASSERT_EQ(headless::Nodes().size(), 1U);
+        const std::vector<std::string> labels = session.UndoLabels();
+        EXPECT_EQ(labels.empty() ? "" : labels.front(), label);
         session.Undo();
-        std::size_t present = 0;
-        for (const headless::NodeView& node : headless::Nodes())
-            if (node.name != "other") ++present;
-        EXPECT_EQ(present, row.undone) << &row - rows;
+        const auto isBack = [](const char* name) { return headless::FindNode(name) ? 1U : 0U; };
+        EXPECT_EQ(isBack("picked") + isBack("new"), undone);
+        EXPECT_EQ(isBack("spared"), label.empty() ? 0U : 1U);
     }
 }
 
-TEST_F(DeleteKeyTest, HostCallsWithNodesThatAreGoneDoNothing) {
+using DepartedNodeTest = HostWorld;
+
+TEST_F(DepartedNodeTest, IsToldFromOneThatIsThereByEveryCall) {
     INode* gone = nullptr;
     Step([&] { gone = Add("gone"); });
     session.Undo();
@@ -182,10 +134,11 @@ TEST_F(DeleteKeyTest, HostCallsWithNodesThatAreGoneDoNothing) {
     for (const auto& [name, call] : calls) {
         call();
         EXPECT_EQ(headless::TakeBreachLines(),
-                  Diary{name + std::string(": the node is not in the scene")});
+                  BreachLines{name + std::string(": the node is not in the scene")});
     }
     EXPECT_FALSE(table[1]);
-    EXPECT_EQ(headless::TakeBreachLines(), Diary{"Tab::operator[]: the table has no such entry"});
+    EXPECT_EQ(headless::TakeBreachLines(),
+              BreachLines{"Tab::operator[]: the table has no such entry"});
     EXPECT_EQ(host.GetSelNode(0), nullptr);
     EXPECT_EQ(headless::Nodes().size(), 1U);
     EXPECT_TRUE(here->GetParentNode()->IsRootNode());
