@@ -14,7 +14,7 @@
 // what it works on. The same bytes are the same life, and any of its steps can be left out.
 namespace soak {
 
-constexpr std::size_t kStepBytes = 12;
+constexpr std::size_t kStepBytes = 24;
 
 // What the user does, on a Soak, or an act of the Core's.
 const play::Act& StepOf(std::string_view bytes);

@@ -1,13 +1,18 @@
 #include <algorithm>
+#include <cstdio>
 #include <set>
+#include <utility>
 
+#include "controllers/transform_control.h"
 #include "core_link/core_link.h"
+#include "headless/memory_chunks.h"
 #include "headless/primitives.h"
 #include "headless/scene_view.h"
 #include "host/animate.h"
 #include "host/hold.h"
 #include "host/interface.h"
 #include "nodes/max_node.h"
+#include "nodes/node_list.h"
 #include "resources/resource_ids.h"
 #include "tests/soak/soak.h"
 #include "tests/support/matrices.h"
@@ -27,37 +32,41 @@ TimeValue AnyTick(Play& play) {
     return 80 * (play.choices.Below(24) - 4);
 }
 
-// One undo step of the user's, who cannot work while a Core holds undo.
-template <class Change>
-void AsUser(Change change) {
-    if (theHold.Holding()) return;
-    theHold.Begin();
-    change();
-    theHold.Accept("user");
+// What the user changes ---------------------------------------------------------------------------
+
+void Add(Play& play, INode*) {
+    if (play::SceneNodes().size() >= play::kLargestScene) return;
+    Interface& host = *GetCOREInterface();
+    Object* const object =
+        play.choices.Chance() ? host.CreateCameraObject(0) : headless::NewSphere(1, 8);
+    host.CreateObjectNode(object)->SetName("user");
 }
 
-void Move(Play& play, const Matrix3& local) {
-    INode* const node = play.AnySceneNode();
-    if (!node) return;
-    const TimeValue t = AnyTick(play);
-    AsUser([&] {
-        if (play.choices.Chance()) AnimateOn();
-        node->SetNodeTM(t, local * node->GetNodeTM(t));
-        AnimateOff();
-    });
+// Evaluating at another time than the present moves a cached key without a record, so that of a
+// parent is not asked for there.
+void Place(Play& play, INode* node, const Matrix3& local) {
+    const bool isTop = node->GetParentNode()->IsRootNode();
+    const TimeValue now = GetCOREInterface()->GetTime();
+    if (play.choices.Chance()) AnimateOn();
+    node->SetNodeTM(isTop ? AnyTick(play) : now, local * node->GetNodeTM(now));
+    AnimateOff();
 }
 
-void Shift(Play& play) {
-    Move(play, MovedBy({static_cast<float>(play.choices.Below(9)), 0, 1}));
+void Shift(Play& play, INode* node) {
+    Place(play, node, MovedBy({static_cast<float>(play.choices.Below(9)), 0, 1}));
+}
+
+void Turn(Play& play, INode* node) {
+    Place(play, node, TurnedAboutZ(play.choices.Below(12) * 30));
 }
 
 // Flat and mirrored ones among them, which a parent's change has no inverse for.
-void Scale(Play& play) {
+void Scale(Play& play, INode* node) {
     constexpr float kScales[] = {1, -1, 2, 0.5F, 0, 1e-6F};
     const Point3 factors{play.choices.OneOf(kScales), play.choices.OneOf(kScales), 1};
     Matrix3 scale;
     scale.Scale(factors, true);
-    Move(play, scale);
+    Place(play, node, scale);
 }
 
 bool IsBelow(INode* node, const INode* other) {
@@ -66,48 +75,112 @@ bool IsBelow(INode* node, const INode* other) {
     return node != nullptr;
 }
 
-void HangBelow(Play& play) {
-    INode* const node = play.AnySceneNode();
-    INode* const parent = play.choices.Chance() ? play.AnySceneNode() : nullptr;
-    if (!node || (parent && IsBelow(parent, node))) return;
-    AsUser([&] { (parent ? parent : GetCOREInterface()->GetRootNode())->AttachChild(node, 1); });
+void Hang(Play& play, INode* node) {
+    INode* const parent = play.AnySceneNode();
+    const int keepsPlace = play.choices.Below(4);
+    if (IsBelow(parent, node))
+        node->Detach(GetCOREInterface()->GetTime(), keepsPlace);
+    else
+        parent->AttachChild(node, keepsPlace);
 }
 
-void AddNode(Play& play) {
-    if (play::SceneNodes().size() >= play::kLargestScene) return;
-    AsUser([&] {
-        Object* const object = play.choices.Chance() ? GetCOREInterface()->CreateCameraObject(0)
-                                                     : headless::NewSphere(1, 8);
-        GetCOREInterface()->CreateObjectNode(object)->SetName("user");
-    });
-}
-
-void PickNode(Play& play) {
-    if (INode* const node = play.AnySceneNode())
-        AsUser([&] { GetCOREInterface()->SelectNode(node, play.choices.Below(2)); });
-}
-
-void Hide(Play& play) {
-    if (INode* const node = play.AnySceneNode()) AsUser([&] { node->Hide(play.choices.Chance()); });
+// Another node's, which the two then share; one of ours, or one of the host's.
+void SetController(Play& play, INode* node) {
+    const int kind = play.choices.Below(3);
+    const Class_ID id = kind == 1 ? TransformControl::kClassID : kPositionRotationScaleClassId;
+    node->SetTMController(kind == 0 ? play.AnySceneNode()->GetTMController()
+                                    : static_cast<Control*>(GetCOREInterface()->CreateInstance(
+                                          CTRL_MATRIX3_CLASS_ID, id)));
 }
 
 // At least one key stays, since a table without any tells by its cached key what it is.
-void DeleteKeys(Play& play) {
-    INode* const node = play.AnySceneNode();
-    Control* const control = node ? node->GetTMController() : nullptr;
+void DeleteKeys(Play& play, INode* node) {
+    Control* const control = node->GetTMController();
     if (!control || control->NumKeys() < 2) return;
-    AsUser([&] {
-        if (play.choices.Chance())
-            control->DeleteKeyByIndex(play.choices.Below(control->NumKeys()));
-        else
-            control->DeleteTime(Interval(control->GetKeyTime(0), AnyTick(play)), TIME_INCRIGHT);
-    });
+    if (play.choices.Chance())
+        control->DeleteKeyByIndex(play.choices.Below(control->NumKeys()));
+    else
+        control->DeleteTime(Interval(control->GetKeyTime(0), AnyTick(play)), TIME_INCRIGHT);
 }
 
-// The user has the Core's routines and the undo stream for himself only while no hold is open.
-void DeleteSelected(Play& play) {
-    if (!theHold.Holding()) play.Session().DeleteSelected();
+void Clone(Play& play, INode* node) {
+    if (play::SceneNodes().size() > play::kLargestScene / 2) return;
+    INodeTab nodes;
+    nodes.Append(1, &node);
+    const bool withBranches = play.choices.Chance();
+    GetCOREInterface()->CloneNodes(nodes, {1, 0, 0}, withBranches, NODE_COPY, nullptr, nullptr);
 }
+
+// Not from the Core, which hears of no deletion but that of what is picked.
+void Delete(Play& play, INode* node) {
+    if (AdaptorNodes().byHost.contains(node)) return;
+    if (!theHold.Holding()) play.ExcuseGoneNodes();
+    GetCOREInterface()->DeleteNode(node);
+}
+
+void Label(Play& play, INode* node) {
+    constexpr const char* kWords[] = {"", "hip", "knee"};
+    const char* const word = play.choices.OneOf(kWords);
+    if (play.choices.Chance()) return node->SetName(word);
+    node->SetUserPropString(play.choices.OneOf(kWords), word);
+}
+
+void Show(Play& play, INode* node) {
+    if (play.choices.Chance()) return node->Hide(play.choices.Chance());
+    node->SetWireColor(static_cast<std::uint32_t>(play.choices.Below(9)));
+}
+
+void SetCamera(Play& play, INode* node) {
+    if (node->GetObjectRef()->SuperClassID() != CAMERA_CLASS_ID) return;
+    auto& camera = static_cast<CameraObject&>(*node->GetObjectRef());
+    camera.SetFOVType(play.choices.Below(3));
+    camera.SetConeState(play.choices.Below(2));
+    camera.SetFOV(AnyTick(play), 1.0F / static_cast<float>(1 + play.choices.Below(5)));
+}
+
+void Pick(Play& play, INode* node) {
+    if (play.choices.Below(4) == 0) return GetCOREInterface()->ClearNodeSelection();
+    GetCOREInterface()->SelectNode(node, play.choices.Below(2));
+}
+
+void SetRange(Play& play, INode*) {
+    GetCOREInterface()->SetAnimRange({0, 800 + AnyTick(play)});
+}
+
+// On a node of the scene; with none there the first alone can be made.
+struct Change {
+    const char* name;
+    void (*make)(Play&, INode*);
+};
+constexpr Change kChanges[] = {
+    {"add", Add},
+    {"shift", Shift},
+    {"turn", Turn},
+    {"scale", Scale},
+    {"hang", Hang},
+    {"hang", Hang},
+    {"set controller", SetController},
+    {"delete keys", DeleteKeys},
+    {"clone", Clone},
+    {"delete", Delete},
+    {"label", Label},
+    {"show", Show},
+    {"set camera", SetCamera},
+    {"pick", Pick},
+    {"pick", Pick},
+    {"set range", SetRange},
+};
+
+void MakeChanges(Play& play) {
+    for (int left = 1 + play.choices.Below(3); left > 0; --left) {
+        INode* const node = play.AnySceneNode();
+        const Change& change = node ? play.choices.OneOf(kChanges) : kChanges[0];
+        std::printf("  %s\n", change.name);
+        change.make(play, node);
+    }
+}
+
+// Undo -------------------------------------------------------------------------------------------
 
 void Redo(Play& play) {
     SoakOf(play).since.redone = play.Session().Redo();
@@ -115,11 +188,62 @@ void Redo(Play& play) {
 }
 
 void UndoAndRedo(Play& play) {
+    constexpr int kMosts[] = {1, 2, 3, 5, 1000};
     int undone = 0;
-    for (int most = play.choices.Below(6); undone < most && play.Session().Undo(); ++undone)
+    for (int most = play.choices.OneOf(kMosts); undone < most && play.Session().Undo(); ++undone)
         SoakOf(play).Follow();
     for (; undone > 0; --undone)
         Redo(play);
+}
+
+// The controllers of the scene's nodes to the byte, their cached keys included.
+using Controllers = std::vector<std::pair<Control*, std::vector<std::byte>>>;
+
+Controllers ControllersNow() {
+    const std::vector<INode*> nodes = play::SceneNodes();
+    for (INode* node : nodes)
+        node->GetNodeTM(GetCOREInterface()->GetTime());  // a second look evaluates nothing more
+    Controllers now;
+    for (INode* node : nodes)
+        now.emplace_back(node->GetTMController(), headless::SavedBytes(*node->GetTMController()));
+    return now;
+}
+
+void Expect(Play& play, const Controllers& expected, const char* fault) {
+    if (ControllersNow() != expected) play.Fail(fault);
+}
+
+// The user works while no Core holds undo: in one step, which may be taken back and made again at
+// once, in a hold that is cancelled, or where nothing is recorded.
+void Work(Play& play) {
+    enum { kUnrecorded, kCancelled, kTakenBack, kWays = 6 };
+    if (theHold.Holding()) return;
+    const int way = play.choices.Below(kWays);
+    const std::size_t depth = play.Session().UndoLabels().size();
+    const Controllers before = ControllersNow();
+    if (way != kUnrecorded) theHold.Begin();
+    MakeChanges(play);
+    play.leftNoRecord |= way == kUnrecorded;
+    if (!theHold.Holding()) return;
+    const Controllers after = ControllersNow();
+    if (way == kCancelled)
+        theHold.Cancel();
+    else
+        theHold.Accept("user");
+    const bool isAlone = !play.leftNoRecord;  // with no act of the Core's in it
+    SoakOf(play).Follow();
+    if (isAlone && way == kCancelled) Expect(play, before, "a cancel leaves a controller changed");
+    if (!isAlone || way != kTakenBack || play.Session().UndoLabels().size() == depth) return;
+    play.Session().Undo();
+    SoakOf(play).Follow();
+    Expect(play, before, "undo leaves a controller changed");
+    Redo(play);
+    Expect(play, after, "redo leaves a controller changed");
+}
+
+// The user has the Core's routines and the undo stream for himself only while no hold is open.
+void DeleteSelected(Play& play) {
+    if (!theHold.Holding()) play.Session().DeleteSelected();
 }
 
 // Of two nodes of one plug-in's that bear one name, and of two on one scene node, a file keeps one.
@@ -181,17 +305,9 @@ constexpr Act kUserSteps[] = {
     {"undo", [](Play& play) { play.Session().Undo(); }, 4, By::kUser},
     {"redo", Redo, 4, By::kUser},
     {"undo and redo several", UndoAndRedo, 1, By::kUser},
-    {"user shifts a node", Shift, 1, By::kUser},
-    {"user scales a node", Scale, 1, By::kUser},
-    {"user turns a node", [](Play& play) { Move(play, TurnedAboutZ(play.choices.Below(12) * 30)); },
-     1, By::kUser},
-    {"user hangs a node below another", HangBelow, 2, By::kUser},
-    {"user adds a node", AddNode, 1, By::kUser},
-    {"user picks a node", PickNode, 2, By::kUser},
-    {"user hides a node", Hide, 1, By::kUser},
-    {"user deletes keys", DeleteKeys, 2, By::kUser},
+    {"user works", Work, 12, By::kUser},
     {"user deletes what is picked", DeleteSelected, 1, By::kUser},
-    {"user sets the time", [](Play& play) { play.Session().SetTime(AnyTick(play)); }, 1, By::kUser},
+    {"user sets the time", [](Play& play) { play.Session().SetTime(AnyTick(play)); }, 2, By::kUser},
     {"user opens the Core", [](Play& play) { play.Session().PressButton(StartButton); }, 1,
      By::kUser},
     {"at the next moment", Arm, 2, By::kUser},
