@@ -9,7 +9,6 @@
 #include <sstream>
 
 #include "command/drawing.h"
-#include "command/exit_status.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
 

@@ -3,7 +3,6 @@
 #include <array>
 #include <cstddef>
 
-#include "host/graphics_window.h"
 #include "host/point3.h"
 
 namespace headless {

@@ -10,7 +10,6 @@
 #include "headless/objects/camera_frame.h"
 #include "headless/objects/own_classes.h"
 #include "headless/storage/plain_chunks.h"
-#include "host/animate.h"
 
 namespace headless {
 namespace {

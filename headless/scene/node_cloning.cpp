@@ -10,7 +10,6 @@
 #include "headless/references/copy_map.h"
 #include "headless/scene/scene.h"
 #include "headless/scene/time_and_units.h"
-#include "host/animate.h"
 
 namespace headless {
 namespace {

@@ -12,7 +12,6 @@
 #include "headless/scene/scene.h"
 #include "headless/scene/selection.h"
 #include "headless/scene/time_and_units.h"
-#include "headless/scene_view.h"
 #include "headless/session/scene_files.h"
 #include "headless/ui/command_panel.h"
 #include "headless/ui/main_window.h"

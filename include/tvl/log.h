@@ -21,9 +21,9 @@ namespace TVL {
 // A line is the date, a blank, the time (both UTC), " (", the word of the level, one tab more than
 // the object's depth, the message, a newline: "20061204 09:05:00 (NOTICE): \tcreating helper".
 // Nothing fails and nothing is thrown, so that destructors may write: a line for which there is no
-// memory is missing. A message above the limit costs one comparison; whoever
-// builds a text for one asks IsLevelActive first. The order of virtual operations (Destroy, the
-// destructor, Print, Write) and of fields is part of the contract.
+// memory is missing. A message above the limit costs one comparison; whoever builds a text for one
+// asks IsLevelActive first. The order of virtual operations (Destroy, the destructor, Print, Write)
+// and of fields is part of the contract.
 class Log : public Util::Singleton<Log> {
   public:
     enum Level : std::int32_t {

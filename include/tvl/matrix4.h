@@ -4,7 +4,8 @@ namespace TVL {
 
 // A 4 by 4 matrix of doubles, row-major, for row vectors: a point p goes to p' = p × M, a parent is
 // multiplied on the right, and the translation stands in row 3. A matrix that an adaptor gives out
-// has 0, 0, 0, 1 as its last column; the last column of a matrix that it takes is not read.
+// has 0, 0, 0, 1 as its last column, but for the local matrix below a parent that is scaled to
+// nothing, which is all zero; the last column of a matrix that it takes is not read.
 struct CMatrix4 {
     double rows[4][4];
 

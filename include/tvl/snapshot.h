@@ -31,8 +31,8 @@ class CSnapshot : public CExtendable {
     virtual CMatrix4 GetWorldTransform() = 0;
     virtual void SetWorldTransform(const CMatrix4& transform) = 0;
 
-    // Seconds, exactly as given at acquisition. The host works at a whole tick: ticks per second ×
-    // seconds, truncated toward zero.
+    // Seconds, exactly as given at acquisition. The host works at a whole tick: ticks per frame ×
+    // (frames per second × seconds), truncated toward zero.
     virtual double GetTime() = 0;
 
     virtual ~CSnapshot() = default;

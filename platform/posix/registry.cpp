@@ -15,7 +15,6 @@
 #include "platform/common/text.h"
 #include "platform/posix/guarded.h"
 #include "platform/posix/handle_table.h"
-#include "platform/posix/native_path.h"
 #include "platform/process.h"
 #include "platform/testing.h"
 #include "platform/win32.h"

@@ -5,7 +5,6 @@
 #include "adaptor/utility_manager.h"
 #include "core_link/core_link.h"
 #include "platform/modules.h"
-#include "resources/resource_ids.h"
 #include "tvl/error_code.h"
 #include "tvl/ids.h"
 #include "tvl/installation.h"
@@ -48,6 +47,12 @@ std::int32_t UtilityManager::AttachCore() {
         return 0;
     }
     LetCoreGo();
+    const std::int32_t status = LoadCore();
+    ShutDownIfAsked();
+    return status;
+}
+
+std::int32_t UtilityManager::LoadCore() {
     const std::string path = ReadInstallValue(TVL::kInstallValue) + TVL::kCoreLibrary;
     link.coreModule = LoadLibraryA(path.c_str());
     if (!link.coreModule) {
@@ -115,7 +120,12 @@ void UtilityManager::LinkOptions() {
 std::int32_t UtilityManager::DetachCore() {
     ShowAttachState(panelWindow, kAttachText);
     LetCoreGo();
+    ShutDownIfAsked();
     return 0;
+}
+
+void UtilityManager::ShutDownIfAsked() {
+    if (shutdownWaits && !coreComesOrGoes) ShutDownAdaptor();
 }
 
 // One that was refused has been swept already.

@@ -53,12 +53,16 @@ bool TakeErrorCodesOut(TVL::AdaptorInterface& adaptor) {
 // A node of the Core's class may refuse, and its refusal would leave a pointer to it.
 int CutMessageLinks(TVL::Util::MessageNode& node) {
     int cut = 0;
-    for (std::int32_t index = node.GetListeningCount(); index-- > 0; ++cut) {
-        node.StopListening(node.GetListeningTo(index));
+    // Either may have gone while another one took its leave.
+    for (std::int32_t index = node.GetListeningCount(); index-- > 0;) {
+        TVL::Util::MessageNode* const source = node.GetListeningTo(index);
+        if (!source) continue;
+        node.StopListening(source);
+        ++cut;
     }
     for (std::int32_t index = node.GetListenerCount(); index-- > 0;) {
         TVL::Util::MessageNode* const listener = node.GetListener(index);
-        if (!listener) continue;  // went while another one took its leave
+        if (!listener) continue;
         CallCore("StopListening", [&] { listener->MessageNode::StopListening(&node); });
         ++cut;
     }
@@ -92,6 +96,7 @@ void EndBracketsSince(const CoreBrackets& before) {
     while (RecordingInProgress().depth > before.recordings)
         EndRecording();
     CancelHoldBegunSince(before.nests);
+    ++AdaptorNodes().arrivals;
     MaxAdaptorInterface& adaptor = *MaxAdaptorInterface::GetInstance();
     for (int left = adaptor.focus.focusCount - before.focus; left > 0; --left)
         adaptor.RestoreFocus();

@@ -51,11 +51,19 @@ class Announcement {
     DeletionState outer_;
 };
 
+// Without memory to note it, an owner is told once more rather than not at all.
+bool IsNewlyTold(const TVL::CoreElement* owner) {
+    bool isNew = true;
+    TVL::TraceIfThrown("the announcement of a deletion",
+                       [&] { isNew = DeletionInProgress().notifiedOwners.insert(owner).second; });
+    return isNew;
+}
+
 void TellOwner(const INode* host) {
     const CMAXNode* const node = FindAnnouncedNode(host);
     TVL::CoreElement* const owner = node ? node->Owner() : nullptr;
     if (!owner) return;
-    if (!DeletionInProgress().notifiedOwners.insert(owner).second) return;
+    if (!IsNewlyTold(owner)) return;
     const bool isListed = CallCore("HasExtension of an owner", false,
                                    [&] { return owner->HasExtension(TVL::kNodesBeingDeleted); });
     if (!isListed) return;
@@ -86,7 +94,7 @@ void OnFilePreOpen(void*, NotifyInfo* info) {
 }
 
 void OnFileLoaded(void*, NotifyInfo*) {
-    if (AttachedCore()) GatherSceneState();
+    GatherSceneState();
 }
 
 // A notification has no answer. Whatever fails here, the save that follows is refused for it. A
@@ -95,12 +103,10 @@ void OnFileLoaded(void*, NotifyInfo*) {
 void OnFilePreSave(void*, NotifyInfo*) {
     if (!AttachedCore()) return;
     RecordOfState().isTagLost = false;
-    const auto thrown = TVL::ThrownBy(&StoreSceneState);
+    const bool isStored = TVL::TraceIfThrown("the storing of tags", &StoreSceneState);
     const bool tagsStay = IsCoreLeaving() || !AttachedCore();
     AdaptorNodes().clearHostNode = tagsStay ? nullptr : ClearNodeTag;
-    if (!thrown) return;
-    TVL::TraceThrown("the storing of tags", *thrown);
-    RecordOfState().isTagLost = true;
+    if (!isStored) RecordOfState().isTagLost = true;
 }
 
 // In a Core that is leaving the tags stay for the next one.
@@ -118,8 +124,7 @@ void OnHostShutdown(void* manager, NotifyInfo*) {
 // A notification has no answer, and the host goes on whatever comes of it.
 template <NOTIFYPROC kHandler>
 void LetNothingOut(void* manager, NotifyInfo* info) {
-    const auto thrown = TVL::ThrownBy([&] { kHandler(manager, info); });
-    if (thrown) TVL::TraceThrown("a notification", *thrown);
+    TVL::TraceIfThrown("a notification", [&] { kHandler(manager, info); });
 }
 
 struct HostEvent {
@@ -146,7 +151,7 @@ constinit std::bitset<std::size(kHostEvents)> registered;
 }  // namespace
 
 // What the host tells of its scene. While no Core is attached, every event but the host's shutdown
-// passes without effect.
+// passes without effect on the scene; what is kept of a state goes with its scene all the same.
 void UtilityManager::RegisterHostEvents() {
     for (std::size_t index = 0; index < std::size(kHostEvents); ++index) {
         const HostEvent& event = kHostEvents[index];

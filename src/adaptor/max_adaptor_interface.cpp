@@ -23,6 +23,12 @@ std::uint64_t lostBeforeGroup = 0;  // of the answers
 // Frames in a second, where the host does not tell: a Core may divide by it.
 constexpr double kUsualFrameRate = 30;
 
+// The status of the end of a group, with which the outermost one tells what was lost in between.
+std::int32_t ToldLosses(std::int32_t status) {
+    const bool isWhole = !OpenUndoGroups().undoGroups.empty() || lostAnswers == lostBeforeGroup;
+    return status != 0 || isWhole ? status : TVL::Report(kThrownOut);
+}
+
 constexpr const char* kNotImplementedCode = "NOTIMPLEMENTED";
 constexpr const char* kNotImplementedText = "The function is not yet implemented";
 
@@ -140,8 +146,10 @@ std::vector<TVL::CNode*> MaxAdaptorInterface::MergeModels(std::string path) {
 // Undo -------------------------------------------------------------------------------------------
 
 std::int32_t MaxAdaptorInterface::BeginUndoGroup(std::string groupName) {
-    if (!::IsHoldingUndo()) lostBeforeGroup = lostAnswers;
-    return AnswerStatus("BeginUndoGroup", [&] { return ::BeginUndoGroup(std::move(groupName)); });
+    return AnswerStatus("BeginUndoGroup", [&] {
+        if (OpenUndoGroups().undoGroups.empty()) lostBeforeGroup = lostAnswers;
+        return ::BeginUndoGroup(std::move(groupName));
+    });
 }
 
 std::int32_t MaxAdaptorInterface::AddUndoChunk(TVL::CUndo* chunk) {
@@ -152,14 +160,15 @@ std::int32_t MaxAdaptorInterface::EndUndoGroup() {
     return AnswerStatus("EndUndoGroup", [&] {
         std::optional<Arriving> arriving;
         if (OpenUndoGroups().cancelRequested) arriving.emplace();
-        const std::int32_t status = ::EndUndoGroup();
-        const bool isWhole = ::IsHoldingUndo() || lostAnswers == lostBeforeGroup;
-        return status != 0 || isWhole ? status : TVL::Report(kThrownOut);
+        return ToldLosses(::EndUndoGroup());
     });
 }
 
 std::int32_t MaxAdaptorInterface::CancelUndoGroup() {
-    return AnswerStatus("CancelUndoGroup", [&] { return ::CancelUndoGroup(); });
+    return AnswerStatus("CancelUndoGroup", [&] {
+        const Arriving arriving;
+        return ToldLosses(::CancelUndoGroup());
+    });
 }
 
 bool MaxAdaptorInterface::IsHoldingUndo() {

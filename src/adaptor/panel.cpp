@@ -86,8 +86,8 @@ INT_PTR CALLBACK PanelDlgProc(HWND window, UINT message, WPARAM wParam, LPARAM) 
             ShowWindow(window, SW_SHOW);
             return TRUE;
         case WM_COMMAND: {
-            const auto thrown = TVL::ThrownBy([&] { OnCommand(manager, window, LOWORD(wParam)); });
-            if (thrown) TVL::TraceThrown("a press of the panel", *thrown);
+            TVL::TraceIfThrown("a press of the panel",
+                               [&] { OnCommand(manager, window, LOWORD(wParam)); });
             return FALSE;
         }
         default:

@@ -1,7 +1,10 @@
 #include "adaptor/utility_manager.h"
 
+#include <utility>
+
 #include "adaptor/install_paths.h"
 #include "adaptor/max_adaptor_interface.h"
+#include "adaptor/panel.h"
 #include "adaptor/trace_file.h"
 #include "core_link/core_link.h"
 #include "host/interface.h"
@@ -71,9 +74,10 @@ std::uint32_t UtilityManager::Start() {
 // A Core that is attached while the host's events go unheard would lose its state at every save.
 void UtilityManager::GiveUpStart(const std::string& words) {
     TVL::TraceThrown("the start", words);
-    isKept = hearsHost = false;
-    if (const auto thrown = TVL::ThrownBy([this] { DetachCore(); }))
-        TVL::TraceThrown("DetachCore", *thrown);
+    isKept = false;
+    TVL::TraceIfThrown("DetachCore", [this] { DetachCore(); });
+    if (std::exchange(hearsHost, false))
+        GetCOREInterface()->UnRegisterTimeChangeCallback(&timeCallback);
     Stop();
 }
 
@@ -82,13 +86,17 @@ void UtilityManager::Stop() {
     UnregisterHostEvents();
 }
 
-// The scope outlives the log that it was opened in.
+// A routine that brings the Core up or takes it down works with the adaptor, which goes when it has
+// returned. The scope outlives the log that it was opened in.
 void UtilityManager::ShutDownAdaptor() {
+    shutdownWaits = coreComesOrGoes;
+    if (shutdownWaits) return;
     const TVL::Log scope("Shutting down adaptor", TVL::Log::kNotice);
-    DetachCore();
+    ShowAttachState(panelWindow, kAttachText);
+    LetCoreGo();
+    shutdownWaits = false;
     // The shutdown goes on without the folder.
-    if (const auto thrown = TVL::ThrownBy(&MakeDataFolder))
-        TVL::TraceThrown("MakeDataFolder", *thrown);
+    TVL::TraceIfThrown("MakeDataFolder", &MakeDataFolder);
     WriteTrace();
     TVL::Util::SingletonCollector::GetInstance()->DestroyAll();
     RestartTrace();
@@ -97,15 +105,13 @@ void UtilityManager::ShutDownAdaptor() {
 
 IOResult UtilityManager::Save(ISave* save) {
     IOResult result = IO_ERROR;
-    const auto thrown = TVL::ThrownBy([&] { result = SaveState(*save); });
-    if (thrown) TVL::TraceThrown("the saving of the state", *thrown);
+    TVL::TraceIfThrown("the saving of the state", [&] { result = SaveState(*save); });
     return result;
 }
 
 IOResult UtilityManager::Load(ILoad* load) {
     IOResult result = IO_ERROR;
-    const auto thrown = TVL::ThrownBy([&] { result = LoadState(*load); });
-    if (thrown) TVL::TraceThrown("the loading of the state", *thrown);
+    TVL::TraceIfThrown("the loading of the state", [&] { result = LoadState(*load); });
     return result;
 }
 

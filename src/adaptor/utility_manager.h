@@ -37,7 +37,8 @@ class UtilityManager final : public GUP {
     // Always 0. Nothing of the Core's is left in the adaptor or in the host's undo stream.
     std::int32_t DetachCore();
 
-    // The host is going down: detaches the Core and destroys the singletons.
+    // The host is going down: detaches the Core and destroys the singletons, once no routine of the
+    // Core's is running that comes or goes.
     void ShutDownAdaptor();
 
     // Inside a routine of the Core's, which neither attaches nor detaches.
@@ -61,11 +62,13 @@ class UtilityManager final : public GUP {
     ~UtilityManager() override = default;
 
     void GiveUpStart(const std::string& words);
+    std::int32_t LoadCore();
     bool KeepMatchingCore();
     void BringCoreUp();
     void LinkOptions();
     void LetCoreGo();
     void TakeCoreDown();
+    void ShutDownIfAsked();
 
     // What a Core should have taken with it when it was detached, and did not. Taken down while its
     // library is still there; nothing of the Core's is called but the ends of undo chunks and the
@@ -81,6 +84,7 @@ class UtilityManager final : public GUP {
 
     bool coreComesOrGoes = false;  // a routine of the Core's is running that must not run twice
     bool coreLeaves = false;       // that routine is `detach`
+    bool shutdownWaits = false;    // for the end of that routine
     bool isKept = false;           // by the host, which calls Stop then
     bool hearsHost = false;        // or did, since the host started
 };

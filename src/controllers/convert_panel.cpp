@@ -46,8 +46,7 @@ INT_PTR CALLBACK ConvertPanelDlgProc(HWND window, UINT message, WPARAM wParam, L
     if (message != WM_COMMAND) return 0;
     TransformControl* const controller = StoredController(window);
     if (LOWORD(wParam) == ConvertButton && controller) {
-        const auto thrown = TVL::ThrownBy([&] { ConvertToPRSController(controller); });
-        if (thrown) TVL::TraceThrown("a press of the page", *thrown);
+        TVL::TraceIfThrown("a press of the page", [&] { ConvertToPRSController(controller); });
         // The window can be gone by now, which makes this do nothing.
         StoreController(window, nullptr);
     }

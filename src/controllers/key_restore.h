@@ -41,10 +41,9 @@ class KeyRestore : public RestoreObj {
   private:
     template <class Step>
     void Make(const char* name, Step step) const {
-        const auto thrown = TVL::ThrownBy([&] {
+        TVL::TraceIfThrown(name, [&] {
             if (step()) AnnounceChange(*controller);
         });
-        if (thrown) TVL::TraceThrown(name, *thrown);
     }
 };
 

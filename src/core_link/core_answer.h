@@ -11,7 +11,7 @@
 // trace names the operation and what was thrown, and the Core is answered as one is for whom there
 // is nothing. What was half done is taken back by the operation itself, on the way here.
 
-// How often the Core got such an answer without a word. The end of its undo group tells it.
+// How often the Core got such an answer without a status. The end of its undo group tells it.
 inline std::uint64_t lostAnswers = 0;
 
 // What `operate` gives; `fallback` if it threw.

@@ -2,8 +2,7 @@
 
 void AfterThrow(const char* name, std::string_view words, const CoreBrackets& before) noexcept {
     TVL::TraceThrown(name, words);
-    const auto failed = TVL::ThrownBy([&] { EndBracketsSince(before); });
-    if (failed) TVL::TraceThrown("the end of what it left open", *failed);
+    TVL::TraceIfThrown("the end of what it left open", [&] { EndBracketsSince(before); });
 }
 
 bool IsCoreRunning() {

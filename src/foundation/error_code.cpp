@@ -29,10 +29,9 @@ ErrorCode* DeclareIn(ErrorCode& registry, const Failure& failure) {
 template <class Ask>
 std::int32_t ValueFrom(const char* call, Ask ask) {
     std::int32_t value = kNotFoundValue;
-    const auto thrown = ThrownBy([&] {
+    TraceIfThrown(call, [&] {
         if (const ErrorCode* const code = ask()) value = *code;
     });
-    if (thrown) TraceThrown(call, *thrown);
     return value;
 }
 

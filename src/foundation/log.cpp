@@ -74,7 +74,7 @@ Log::~Log() {
     if (depthHeld != 0) Deepen(-depthHeld);
     if (file.is_open()) {
         Append(file, "[EOF]\n");
-        file.close();
+        IfItCan([&] { file.close(); });
     }
 }
 

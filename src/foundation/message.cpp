@@ -24,12 +24,6 @@ constexpr Failure kNotListening = {"MESSAGE_NOT_LISTENING",
 // Nobody here declares it, so the answer is "not found" unless a placed registry knows the code.
 constexpr const char* kNullNode = "NULL";
 
-// A node that dies lets nothing out of those that it takes its leave of.
-template <class Call>
-void LetNothingOut(const char* name, Call call) {
-    if (const auto thrown = ThrownBy(call)) TraceThrown(name, *thrown);
-}
-
 bool IsTrafficLogged() {
     return Log::GetInstance()->IsLevelActive(Log::kTraffic);
 }
@@ -135,7 +129,7 @@ bool MessageNode::IsListeningTo(const MessageNode* node) const {
 }
 
 MessageNode::~MessageNode() {
-    LetNothingOut("Receive", [this] {
+    TraceIfThrown("Receive", [this] {
         Message farewell(Message::kStopBroadcasting, "Stop broadcasting", 0, this);
         MessageNode::Broadcast(&farewell);
     });
@@ -143,12 +137,12 @@ MessageNode::~MessageNode() {
     // a node takes its leave of each link once.
     for (std::size_t links = listeningTo.size(); links > 0 && !listeningTo.empty(); --links) {
         MessageNode* const source = listeningTo.back();
-        LetNothingOut("Receive", [&] { MessageNode::StopListening(source); });
+        TraceIfThrown("Receive", [&] { MessageNode::StopListening(source); });
         if (Contains(listeningTo, source)) Unlink(this, source);
     }
     for (std::size_t links = listeners.size(); links > 0 && !listeners.empty(); --links) {
         MessageNode* const listener = listeners.back();
-        LetNothingOut("StopListening", [&] { listener->StopListening(this); });
+        TraceIfThrown("StopListening", [&] { listener->StopListening(this); });
         if (Contains(listeners, listener)) Unlink(listener, this);
     }
     while (!listeningTo.empty())

@@ -25,4 +25,12 @@ std::optional<std::string> ThrownBy(Call&& call) noexcept {
     return std::nullopt;
 }
 
+// Runs `call` to its end, or traces under that name what it threw. True: it threw nothing.
+template <class Call>
+bool TraceIfThrown(const char* name, Call&& call) noexcept {
+    const auto thrown = ThrownBy(call);
+    if (thrown) TraceThrown(name, *thrown);
+    return !thrown;
+}
+
 }  // namespace TVL

@@ -47,7 +47,7 @@ void AddCurrentDirectory(TVL::Log& log) {
     IPathConfigMgr::GetPathConfigMgr()->AddSessionMapDir(directory, false);
 }
 
-// The one place where the host throws.
+// A damaged file makes the host throw.
 void MergeFile(Interface& host, const std::string& path, TVL::Log& log) {
     log.Write("Merging file...");
     try {

@@ -7,7 +7,6 @@
 #include "nodes/snapshots.h"
 #include "objects/host_objects.h"
 #include "objects/mesh_exchange.h"
-#include "resources/resource_ids.h"
 #include "tvl/ids.h"
 
 namespace {

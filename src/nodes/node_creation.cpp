@@ -15,7 +15,6 @@
 #include "nodes/node_names.h"
 #include "nodes/snapshots.h"
 #include "objects/host_objects.h"
-#include "resources/resource_ids.h"
 #include "tvl/ids.h"
 #include "tvl/log.h"
 #include "undo/undo_groups.h"

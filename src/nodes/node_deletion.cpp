@@ -42,10 +42,9 @@ bool IsBeingDeletedByHost(INode* hostNode) {
 }
 
 void TakeBackHostNode(INode* hostNode) noexcept {
-    const auto thrown = TVL::ThrownBy([&] {
+    TVL::TraceIfThrown("DeleteNode", [&] {
         if (hostNode) GetCOREInterface()->DeleteNode(hostNode, 1, 0);
     });
-    if (thrown) TVL::TraceThrown("DeleteNode", *thrown);
 }
 
 void ConvertTransformController(INode* hostNode) {
@@ -57,14 +56,14 @@ void ConvertTransformController(INode* hostNode) {
 // can be gone behind it.
 void RevertControllers(INode* hostNode) {
     const HostNodeLink link(hostNode);
-    ConvertTransformController(hostNode);
+    AnswerCore("Delete", [hostNode] { ConvertTransformController(hostNode); });
     const auto findObject = [&link] {
         INode* const present = link.Get();
         return present ? present->GetObjectRef() : nullptr;
     };
     ForEachParameter(findObject, [](Animatable& parameters, int index) {
         if (auto* const own = ScalarControl::liveInstances.Find(parameters.SubAnim(index)))
-            ConvertToScalarController(own);
+            AnswerCore("Delete", [own] { ConvertToScalarController(own); });
     });
 }
 
@@ -110,7 +109,7 @@ bool CMAXNode::MayDeleteThroughSource() const {
 
 // The Core has done with the node, which ends also where the host fails at its side of it.
 void CMAXNode::SettleHostSide(bool deleteHostNode) {
-    const auto thrown = TVL::ThrownBy([&] {
+    AnswerCore("Delete", [&] {
         INode* const host = HostNode();
         if (!host) return;
         if (!deleteHostNode)
@@ -118,5 +117,4 @@ void CMAXNode::SettleHostSide(bool deleteHostNode) {
         else if (!IsBeingDeletedByHost(host))
             GetCOREInterface()->DeleteNode(host, 1, 0);
     });
-    if (thrown) TVL::TraceThrown("Delete", *thrown);
 }

@@ -13,11 +13,13 @@ namespace {
 // steps. There is one for the whole process.
 constinit bool selectionBatch = false;
 
-// False: the batch was open already.
+// False: the batch was open already, or cannot be.
 bool BeginSelectionBatch() {
     if (std::exchange(selectionBatch, true)) return false;
-    GetCOREInterface()->ClearNodeSelection(0);
-    return true;
+    const bool begun = TVL::TraceIfThrown("the beginning of a selection",
+                                          [] { GetCOREInterface()->ClearNodeSelection(0); });
+    if (!begun) selectionBatch = false;
+    return begun;
 }
 
 }  // namespace

@@ -1,29 +1,46 @@
 #include "nodes/node_list.h"
 
-#include <algorithm>
-#include <utility>
+#include <limits>
 
 #include "foundation/thrown.h"
 #include "nodes/max_node.h"
 
 namespace {
 
-CMAXNode* FindAt(const INode* hostNode, bool mayBeGone) {
-    const auto found = AdaptorNodes().byHost.find(hostNode);
-    if (!hostNode || found == AdaptorNodes().byHost.end()) return nullptr;
-    const std::vector<CMAXNode*>& nodes = found->second;
-    const auto present = std::ranges::find_if(nodes, &CMAXNode::HostNode);
-    if (present != nodes.end()) return *present;
-    return mayBeGone ? nodes.front() : nullptr;
+// The entries of one key, in the order of their listings.
+template <class Map, class Key>
+auto EntriesOf(const Map& map, const Key& key) {
+    constexpr std::uint64_t kAny = 0;  // less than every number
+    struct Entries {
+        typename Map::const_iterator first, last;
+        auto begin() const { return first; }
+        auto end() const { return last; }
+    };
+    const auto last = std::numeric_limits<std::uint64_t>::max();
+    return Entries{map.lower_bound({key, kAny}), map.upper_bound({key, last})};
 }
 
-// Takes something out of an entry, which goes when it holds nothing any more.
-template <class Map, class Key, class Take>
-void TakeOut(Map& map, const Key& key, Take take) {
-    const auto entry = map.find(key);
-    if (entry == map.end()) return;
-    take(entry->second);
-    if (entry->second.empty()) map.erase(entry);
+CMAXNode* FindAt(const INode* hostNode, bool mayBeGone) {
+    CMAXNode* first = nullptr;
+    if (!hostNode) return nullptr;
+    for (const auto& [place, node] : EntriesOf(AdaptorNodes().byHost, hostNode)) {
+        if (node->HostNode()) return node;
+        if (!first) first = node;
+    }
+    return mayBeGone ? first : nullptr;
+}
+
+template <class Map>
+auto NewEntry(CMAXNode* node) {
+    Map map;
+    map.emplace(typename Map::key_type(), node);
+    return map.extract(map.begin());
+}
+
+template <class Map, class Key>
+void Insert(Map& map, typename Map::node_type& entry, const Key& key) {
+    entry.key() = key;
+    map.insert(std::move(entry));
 }
 
 }  // namespace
@@ -34,38 +51,36 @@ bool IsListed(const CMAXNode* node) {
 
 void ListNode(CMAXNode* node) {
     if (IsListed(node)) return;
+    NodeListing& listing = node->Listing();
+    if (!listing.inOrder) listing.inOrder = NewEntry<NodeList::InOrder>(node);
+    if (!listing.byHost) listing.byHost = NewEntry<NodeList::ByHost>(node);
+    if (!listing.byOwner) listing.byOwner = NewEntry<NodeList::ByOwner>(node);
+    if (!listing.byName) listing.byName = NewEntry<NodeList::ByName>(node);
+
     NodeList& list = AdaptorNodes();
-    const NodeListing listing{++list.lastNumber, node->Owner()};
-    node->Listing() = listing;
-    try {
-        list.nodes.emplace(listing.number, node);
-        list.byHost[node->HostLink().Pointer()].push_back(node);
-        NodeList::OfOwner& ofOwner = list.byOwner[listing.owner];
-        ofOwner.nodes.emplace(listing.number, node);
-        ofOwner.byName[node->NodeName()].emplace(listing.number, node);
-    } catch (...) {
-        UnlistNode(node);
-        throw;
-    }
+    const std::uint64_t number = listing.number = ++list.lastNumber;
+    listing.owner = node->Owner();
+    Insert(list.nodes, listing.inOrder, number);
+    Insert(list.byHost, listing.byHost, std::pair(node->HostLink().Pointer(), number));
+    Insert(list.byOwner, listing.byOwner, std::pair(listing.owner, number));
+    Insert(list.byName, listing.byName,
+           std::pair(std::pair(listing.owner, std::string_view(node->NodeName())), number));
 }
 
-// A node that dies cannot fail to go for want of memory.
 void UnlistNode(CMAXNode* node) {
     if (!IsListed(node)) return;
-    const auto thrown = TVL::ThrownBy([node] {
+    TVL::TraceIfThrown("the clearing of a tag", [node] {
         const auto clear = AdaptorNodes().clearHostNode;
         INode* const host = clear ? node->HostNode() : nullptr;
         if (host) clear(*host);
     });
-    if (thrown) TVL::TraceThrown("the clearing of a tag", *thrown);
     NodeList& list = AdaptorNodes();
-    const NodeListing listing = std::exchange(node->Listing(), {});
-    list.nodes.erase(listing.number);
-    TakeOut(list.byHost, node->HostLink().Pointer(), [&](auto& same) { std::erase(same, node); });
-    TakeOut(list.byOwner, listing.owner, [&](NodeList::OfOwner& owned) {
-        owned.nodes.erase(listing.number);
-        TakeOut(owned.byName, node->NodeName(), [&](auto& same) { same.erase(listing.number); });
-    });
+    NodeListing& listing = node->Listing();
+    const std::uint64_t number = std::exchange(listing.number, 0);
+    listing.inOrder = list.nodes.extract(number);
+    listing.byHost = list.byHost.extract({node->HostLink().Pointer(), number});
+    listing.byOwner = list.byOwner.extract({listing.owner, number});
+    listing.byName = list.byName.extract({{listing.owner, node->NodeName()}, number});
 }
 
 CMAXNode* FindRealNode(const INode* hostNode) {
@@ -77,19 +92,14 @@ CMAXNode* FindAnnouncedNode(const INode* hostNode) {
 }
 
 TVL::CNode* FindNode(const TVL::CoreElement* owner, std::string_view name) {
-    const auto& byOwner = AdaptorNodes().byOwner;
-    const auto ofOwner = byOwner.find(owner);
-    if (ofOwner == byOwner.end()) return nullptr;
-    const auto found = ofOwner->second.byName.find(std::string(name));
-    return found == ofOwner->second.byName.end() ? nullptr : found->second.begin()->second;
+    for (const auto& [place, node] : EntriesOf(AdaptorNodes().byName, std::pair(owner, name)))
+        return node;
+    return nullptr;
 }
 
 std::vector<TVL::CNode*> GetNodes(const TVL::CoreElement* owner) {
     std::vector<TVL::CNode*> found;
-    const auto& byOwner = AdaptorNodes().byOwner;
-    const auto ofOwner = byOwner.find(owner);
-    if (ofOwner == byOwner.end()) return found;
-    for (const auto& [number, node] : ofOwner->second.nodes)
+    for (const auto& [place, node] : EntriesOf(AdaptorNodes().byOwner, owner))
         found.push_back(node);
     return found;
 }

@@ -2,9 +2,8 @@
 
 #include <cstdint>
 #include <map>
-#include <string>
 #include <string_view>
-#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "nodes/host_node_link.h"
@@ -17,17 +16,18 @@ class CMAXNode;
 // takes itself out. They are found by what they stand for, by owner, and by owner and name, so that
 // a Core can make, claim and delete the nodes of a large scene one by one.
 struct NodeList {
-    using InOrder = std::map<std::uint64_t, CMAXNode*>;  // by the number of their listing
-
-    struct OfOwner {
-        InOrder nodes;
-        std::unordered_map<std::string, InOrder> byName;
-        bool empty() const { return nodes.empty(); }
-    };
+    // Each by its key and the number of its listing, and so in the order of their listings.
+    template <class Key>
+    using By = std::map<std::pair<Key, std::uint64_t>, CMAXNode*>;
+    using InOrder = std::map<std::uint64_t, CMAXNode*>;
+    using ByHost = By<const INode*>;  // compared, never followed
+    using ByOwner = By<const TVL::CoreElement*>;
+    using ByName = By<std::pair<const TVL::CoreElement*, std::string_view>>;
 
     InOrder nodes;
-    std::unordered_map<const INode*, std::vector<CMAXNode*>> byHost;  // compared, never followed
-    std::unordered_map<const TVL::CoreElement*, OfOwner> byOwner;
+    ByHost byHost;
+    ByOwner byOwner;
+    ByName byName;  // the nodes' own names
     std::uint64_t lastNumber = 0;
 
     // What the scene node bears of a node that leaves the list is to go; null while it bears
@@ -42,10 +42,16 @@ struct NodeList {
     std::uint64_t lostClaims = 0;
 };
 
-// A node's place in the list, kept in the node.
+// A node's place in the list, kept in the node. While the node is out it has the entries with which
+// it comes back, so that no undo loses it for want of memory.
 struct NodeListing {
     std::uint64_t number = 0;                 // 0: not listed
     const TVL::CoreElement* owner = nullptr;  // whose node it was when it was listed
+
+    NodeList::InOrder::node_type inOrder;
+    NodeList::ByHost::node_type byHost;
+    NodeList::ByOwner::node_type byOwner;
+    NodeList::ByName::node_type byName;
 };
 
 // The adaptor's list.
@@ -53,7 +59,7 @@ NodeList& AdaptorNodes();
 
 bool IsListed(const CMAXNode* node);
 
-// Appends a node that is not listed yet.
+// Appends a node that is not listed yet. One that was listed before needs no memory.
 void ListNode(CMAXNode* node);
 
 // Takes a node out, the order of the rest staying; one that is not listed is ignored.

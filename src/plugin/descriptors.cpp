@@ -36,7 +36,7 @@ class UtilityObjClassDesc final : public TarvoClassDesc {
     Class_ID ClassID() override { return kUtilityObjClassId; }
 };
 
-// Not for the host's creation lists: guide objects are the adaptor's to make.
+// Not for the host's creation lists: no one makes a guide object but by its class.
 class HelperClassDesc final : public TarvoClassDesc {
   public:
     int IsPublic() override { return 0; }

@@ -4,7 +4,7 @@
 #include <unordered_map>
 #include <utility>
 
-#include "foundation/thrown.h"
+#include "core_link/core_answer.h"
 #include "nodes/max_node.h"
 #include "nodes/node_names.h"
 #include "scene_state/node_tags.h"
@@ -15,11 +15,14 @@ namespace {
 
 using NodeEntries = std::vector<const XMLNode*>;
 
+bool IsNodeEntry(const std::unique_ptr<XMLNode>& child) {
+    return child->name == kNodeElement;
+}
+
 NodeEntries EntriesOf(const XMLNode& nodeInfo) {
     NodeEntries entries;
-    for (const auto& child : nodeInfo.children) {
-        if (child->name == kNodeElement) entries.push_back(child.get());
-    }
+    for (const auto& child : nodeInfo.children)
+        if (IsNodeEntry(child)) entries.push_back(child.get());
     return entries;
 }
 
@@ -77,13 +80,13 @@ std::vector<TVL::CNode*> FindNodes(const std::string& pluginName, const NodeEntr
 // Where nothing can be found out nobody is found, and the Core has not taken what it loads.
 std::vector<TVL::CNode*> ClaimNodes(const std::string& pluginName, const XMLNode& nodeInfo) {
     std::vector<TVL::CNode*> claimed;
-    const auto thrown = TVL::ThrownBy([&] {
-        const NodeEntries entries = EntriesOf(nodeInfo);
-        claimed.resize(entries.size());
-        claimed = FindNodes(pluginName, entries);
+    const bool isDone = TVL::TraceIfThrown("ClaimNodes", [&] {
+        claimed.resize(
+            static_cast<std::size_t>(std::ranges::count_if(nodeInfo.children, IsNodeEntry)));
+        claimed = FindNodes(pluginName, EntriesOf(nodeInfo));
     });
-    if (!thrown) return claimed;
-    TVL::TraceThrown("ClaimNodes", *thrown);
+    if (isDone) return claimed;
+    ++lostAnswers;
     for (const auto& load : NodesWithTags().loads)
         load->MarkUnanswered();
     return claimed;

@@ -103,8 +103,7 @@ class TagRestore final : public RestoreObj {
 
   private:
     void Pass() {
-        const auto thrown = TVL::ThrownBy([this] { tag_->Pass(); });
-        if (thrown) TVL::TraceThrown("the keeping of a tag", *thrown);
+        TVL::TraceIfThrown("the keeping of a tag", [this] { tag_->Pass(); });
     }
 
     std::shared_ptr<TagAcrossUndo> tag_;
@@ -135,10 +134,8 @@ void Store(Carrier carrier) {
 }
 
 // One that fails keeps no other from being cleared.
-void ClearEach(const std::vector<INode*>& nodes) {
-    for (INode* node : nodes)
-        if (const auto thrown = TVL::ThrownBy([node] { ClearNodeTag(*node); }))
-            TVL::TraceThrown("the clearing of a tag", *thrown);
+void TryToClear(INode& node) {
+    TVL::TraceIfThrown("the clearing of a tag", [&node] { ClearNodeTag(node); });
 }
 
 }  // namespace
@@ -157,22 +154,19 @@ void StoreStateForNextCore() {
 // Any other tag waits for a Core that takes it, whatever names it bears.
 void ClearNodeTags() {
     AdaptorNodes().clearHostNode = nullptr;
-    std::vector<INode*> tagged;
     std::unordered_set<std::string> written;
     ForEachListedNode([&](const CMAXNode& node) {
         INode* const host = node.HostNode();
         if (!host) return;
-        tagged.push_back(host);
-        written.insert(TagTextOn(*host).value_or(""));
+        TVL::TraceIfThrown("the looking for copies",
+                           [&] { written.insert(TagTextOn(*host).value_or("")); });
+        TryToClear(*host);
     });
-    ClearEach(tagged);
     written.erase("");
     if (written.empty()) return;
-    std::vector<INode*> copies;
     WalkScene([&](INode& node) {
-        if (written.contains(TagTextOn(node).value_or(""))) copies.push_back(&node);
+        if (written.contains(TagTextOn(node).value_or(""))) TryToClear(node);
     });
-    ClearEach(copies);
 }
 
 void ClearNodeTag(INode& hostNode) {

@@ -41,14 +41,12 @@ IOResult LoadStateChunk(ILoad& load, std::vector<std::string>& untaken) {
 // One that finds no memory cannot be read either.
 IOResult LoadChunk(ILoad& load, std::vector<std::string>& untaken, XMLNode& olderPlugins) {
     IOResult result = IO_OK;
-    const auto thrown = TVL::ThrownBy([&] {
+    const bool isDone = TVL::TraceIfThrown("the loading of a chunk", [&] {
         const std::uint16_t id = load.CurChunkID();
         if (id == kOlderStateChunk) olderPlugins.AddChild(ReadOlderState(load));
         if (id == kStateChunk) result = LoadStateChunk(load, untaken);
     });
-    if (!thrown) return result;
-    TVL::TraceThrown("the loading of a chunk", *thrown);
-    return IO_ERROR;
+    return isDone ? result : IO_ERROR;
 }
 
 void WriteStateChunk(ISave& save, const std::string& text) {

@@ -21,8 +21,7 @@ class OwnStep {
     // Records of others can be in the hold, and throw when it ends.
     ~OwnStep() {
         if (!begun || !theHold.Holding()) return;
-        const auto thrown = TVL::ThrownBy([this] { theHold.Accept(label); });
-        if (thrown) TVL::TraceThrown(label, *thrown);
+        TVL::TraceIfThrown(label, [this] { theHold.Accept(label); });
     }
     OwnStep(const OwnStep&) = delete;
     OwnStep& operator=(const OwnStep&) = delete;

@@ -147,10 +147,8 @@ std::int32_t AddUndoChunk(std::unique_ptr<TVL::CUndo> chunk) {
 // A hold that cannot be watched is given up at once.
 void MarkHold() {
     if (holdMark || !GroupsOwnHold()) return;
-    const auto thrown = TVL::ThrownBy([] { PutOnHold<CUndoWrapper>(nullptr); });
-    if (!thrown) return;
-    TVL::TraceThrown("Put", *thrown);
-    DisownHold(OpenUndoGroups());
+    if (!TVL::TraceIfThrown("Put", [] { PutOnHold<CUndoWrapper>(nullptr); }))
+        DisownHold(OpenUndoGroups());
 }
 
 // The adaptor may be gone when the host drops its last records, so it is not asked for unless the
@@ -164,16 +162,14 @@ OutsideHold::OutsideHold(const char* label) : nest(OpenUndoGroups().nest) {
     closed = true;
     owned = GroupsOwnHold();
     DisownHold(OpenUndoGroups());
-    const auto thrown = TVL::ThrownBy([label] { theHold.Accept(label); });
-    if (thrown) TVL::TraceThrown(label, *thrown);
+    TVL::TraceIfThrown(label, [label] { theHold.Accept(label); });
 }
 
 OutsideHold::~OutsideHold() {
     UndoGroups& groups = OpenUndoGroups();
     if (!closed || groups.nest != nest || groups.undoGroups.empty() || !CanBeginHold()) return;
-    const auto thrown = TVL::ThrownBy([] { theHold.Begin(); });
-    if (thrown) TVL::TraceThrown("the hold of undo groups", *thrown);
-    groups.ownsHold = owned && !thrown;
+    const bool begun = TVL::TraceIfThrown("the hold of undo groups", [] { theHold.Begin(); });
+    groups.ownsHold = owned && begun;
 }
 
 void EndHoldOfGroups() {
