@@ -1,26 +1,37 @@
 #include "tests/scene_file/file_world.h"
 
-namespace fs = std::filesystem;
+#include "host/units.h"
 
-std::size_t FileWorld::FilesInFolder() const {
-    return static_cast<std::size_t>(
-        std::distance(fs::directory_iterator(folder_.Path()), fs::directory_iterator()));
+void FileWorld::Start(Classes classes, const headless::SessionSettings& settings) {
+    End();
+    host = std::make_unique<headless::Session>(settings);
+    if (classes == Classes::kKnown) odd::Register(*host);
+    host->Start();
 }
 
-void FileWorld::BuildScene() {
-    Interface& host = *GetCOREInterface();
-    const auto add = [&](const char* name, Object* object, INode* parent) {
-        INode* node = host.CreateObjectNode(object);
-        node->SetName(name);
-        if (parent) parent->AttachChild(node, 0);
-        return node;
-    };
-    host.DeleteNode(add("gone", CreateNewTriObject(), nullptr));  // its handle stays used
-    INode* late = add("late", headless::NewSphere(3, 8), nullptr);
-    INode* hip = add("Hip", CreateNewTriObject(), nullptr);
-    INode* twin = add("Hip", hip->GetObjectRef(), hip);
-    add("eye", host.CreateCameraObject(0), twin);
-    add("line", headless::NewSplines({headless::StraightLines({{0, 0, 0}, {1, 2, 3}}), {}}), hip);
+void FileWorld::End() {
+    if (!host) return;
+    host.reset();
+    EXPECT_EQ(headless::TakeCensus().objectCount, 0U);
+    EXPECT_EQ(headless::TakeCensus().heapBlocks, 0U);
+}
+
+INode* FileWorld::Add(const char* name, Object* object, INode* parent) {
+    INode* node = GetCOREInterface()->CreateObjectNode(object);
+    node->SetName(name);
+    if (parent) parent->AttachChild(node, 0);
+    return node;
+}
+
+std::string FileWorld::SaveBuilt() {
+    Start(Classes::kKnown, {.frameRate = 25, .unitType = UNITS_METERS, .unitScale = 0.025F});
+    Interface& scene = *GetCOREInterface();
+    scene.DeleteNode(Add("gone", CreateNewTriObject()));  // its handle stays used
+    INode* late = Add("late", headless::NewSphere(3, 8));
+    INode* hip = Add("Hip", CreateNewTriObject());
+    INode* twin = Add("Hip", hip->GetObjectRef(), hip);
+    Add("eye", scene.CreateCameraObject(0), twin);
+    Add("line", headless::NewSplines({headless::StraightLines({{0, 0, 0}, {1, 2, 3}}), {}}), hip);
     hip->AttachChild(late, 0);  // a child that is older than its parent
     twin->SetUserPropString("key \n<&\"", std::string("\0\xFF>", 3));
     twin->SetUserPropString("empty", "");
@@ -31,11 +42,11 @@ void FileWorld::BuildScene() {
     helper->text = "of the helper";
     auto* control = new odd::Transform;
     control->text = "of the control";
-    INode* odd = add("", helper, twin);
-    odd->SetTMController(control);
+    Add("", helper, twin)->SetTMController(control);
     control->ReplaceReference(1, hip->GetTMController());
     helper->ReplaceReference(0, late);
-    Host().Select({"Hip", "line"});
-    Host().SetTime(77);
-    Host().SetRange({-5, 4000});
+    host->Select({"Hip", "line"});
+    host->SetTime(77);
+    host->SetRange({-5, 4000});
+    return Save("built");
 }

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -18,53 +17,37 @@ class FileWorld : public testing::Test {
   protected:
     enum class Classes { kKnown, kMissing };
 
-    FileWorld() { odd::Utility::text = "of the utility"; }
-    ~FileWorld() override {
-        End();
-        odd::saving = odd::loading = odd::Manner::kGood;
+    FileWorld() {
+        odd::Utility::written = {{1, "of the utility"}};
+        odd::saving = 'g';
+        odd::loading = "r";
     }
+    ~FileWorld() override { End(); }
 
-    headless::Session& Start(Classes classes, const headless::SessionSettings& settings = {}) {
-        End();
-        session_ = std::make_unique<headless::Session>(settings);
-        if (classes == Classes::kKnown) odd::Register(*session_);
-        session_->Start();
-        return *session_;
-    }
+    void Start(Classes classes, const headless::SessionSettings& settings = {});
+    void End();
 
-    void End() {
-        if (!session_) return;
-        session_.reset();
-        EXPECT_EQ(headless::TakeCensus().objectCount, 0U);
-        EXPECT_EQ(headless::TakeCensus().heapBlocks, 0U);
-    }
-
-    std::string File(const std::string& name) const { return folder_.File(name); }
-    void WriteBytes(const std::string& name, const std::string& bytes) const {
-        folder_.Write(name, bytes);
-    }
-    std::size_t FilesInFolder() const;
+    std::string File(const std::string& name) const { return folder.File(name); }
 
     // The scene that is there, saved; its bytes.
     std::string Save(const std::string& name) {
-        EXPECT_EQ(Host().SaveScene(File(name)).error, "");
+        EXPECT_EQ(host->SaveScene(File(name)).error, "");
         return ReadFile(File(name));
     }
 
-    // What BuildScene builds, in the file "built".
-    std::string SaveBuilt() {
-        Start(Classes::kKnown);
-        BuildScene();
-        return Save("built");
+    // What did not load, a line each.
+    std::vector<std::string> Open(const std::string& name) {
+        const headless::FileOutcome outcome = host->OpenScene(File(name));
+        EXPECT_EQ(outcome.error, "");
+        return outcome.complaints;
     }
 
-    // Nodes of every kind of object and controller, odd ones among them, with everything that a
-    // scene file keeps.
-    void BuildScene();
+    INode* Add(const char* name, Object* object, INode* parent = nullptr);
 
-    headless::Session& Host() { return *session_; }
+    // In the file "built": nodes of every kind of object and controller, odd ones among them, with
+    // everything that a scene file keeps.
+    std::string SaveBuilt();
 
-  private:
-    TemporaryFolder folder_;
-    std::unique_ptr<headless::Session> session_;
+    const TemporaryFolder folder;
+    std::unique_ptr<headless::Session> host;
 };

@@ -1,10 +1,11 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "headless/session.h"
-#include "host/class_desc.h"
 #include "host/control.h"
 #include "host/gup.h"
 #include "host/object.h"
@@ -14,14 +15,16 @@ namespace odd {
 
 inline constexpr Class_ID kHelperId{0x51, 0x52};
 inline constexpr Class_ID kControlId{0x53, 0x54};
-inline constexpr Class_ID kUtilityId{0x55, 0x56};
 
-// What all of them do when they are saved and loaded; the greedy read more than there is.
-enum class Manner { kGood, kBadNesting, kFailing, kThrowing, kGreedy };
-inline Manner saving = Manner::kGood;
-inline Manner loading = Manner::kGood;
+// How all of them are saved: g well, n badly nested, f not at all.
+inline char saving = 'g';
 
-IOResult SaveText(ISave& save, const std::string& text);
+// What all of them do when they are loaded, to each of their chunks in turn: r reads it, p reads a
+// part of it, b reads on beyond its end, s skips it, o reads it and ends without closing it; f
+// fails and t throws within it, x fails before it.
+inline std::string loading = "r";
+
+IOResult SaveText(ISave& save, std::uint16_t id, const std::string& text);
 IOResult LoadText(ILoad& load, std::string& text);
 
 // Has a text, and refers to whatever it is made to refer to.
@@ -31,7 +34,7 @@ class Thing : public Base {
     std::string text = "as made";
 
     void DeleteThis() override { delete this; }
-    IOResult Save(ISave* save) override { return SaveText(*save, text); }
+    IOResult Save(ISave* save) override { return SaveText(*save, 1, text); }
     IOResult Load(ILoad* load) override { return LoadText(*load, text); }
     int NumRefs() override { return 2; }
     RefTargetHandle GetReference(int index) override { return references_[index]; }
@@ -56,15 +59,17 @@ class Transform final : public Thing<Control> {
     void SetValue(TimeValue, void*, int, GetSetMethod) override {}
 };
 
+using Chunks = std::vector<std::pair<std::uint16_t, std::string>>;
+
 class Utility final : public GUP {
   public:
-    static inline std::string text;
+    static inline Chunks written;
 
     std::uint32_t Start() override { return GUPRESULT_KEEP; }
     void Stop() override {}
     void DeleteThis() override { delete this; }
-    IOResult Save(ISave* save) override { return text.empty() ? IO_OK : SaveText(*save, text); }
-    IOResult Load(ILoad* load) override { return LoadText(*load, text); }
+    IOResult Save(ISave* save) override;
+    IOResult Load(ILoad* load) override;
 };
 
 // Makes all three known.
