@@ -3,7 +3,6 @@
 #include <numbers>
 #include <vector>
 
-#include "headless/copies.h"
 #include "host/animate.h"
 #include "host/node.h"
 #include "host/time.h"
@@ -12,7 +11,6 @@
 namespace {
 
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 class ObjectTest : public HostWorld {
   protected:
@@ -24,7 +22,7 @@ class ObjectTest : public HostWorld {
         converted->DeleteThis();
         return mesh;
     }
-    // Six times the volume, if the mesh is closed and looks outward.
+    // Six times the volume of what is closed and looks outward.
     static double SixVolumes(const Mesh& mesh) {
         EXPECT_EQ(mesh.getNumVerts() - mesh.getNumFaces() * 3 / 2 + mesh.getNumFaces(), 2);
         double sum = 0;
@@ -33,30 +31,17 @@ class ObjectTest : public HostWorld {
                                   CrossProd(mesh.verts[face.v[1]], mesh.verts[face.v[2]]))};
         return sum;
     }
-    static TimeValue Seconds(int count) { return count * GetTicksPerFrame() * GetFrameRate(); }
 };
 
 TEST_F(ObjectTest, ACamerasParametersAreControllersThatNoOtherKindReplaces) {
     AnimateOn();
     CameraObject& camera = *host.CreateCameraObject(0);
+    AnimateOff();
     INode* node = host.CreateObjectNode(&camera);
     Animatable& parameters = *camera.SubAnim(0);
     EXPECT_EQ(parameters.SubAnim(0)->NumKeys(), 0) << "what a camera starts with is no key";
-    camera.SetFOV(0, 1);
-    camera.SetFOV(320, 2);
-    AnimateOff();
-    Interval valid = FOREVER;
-    EXPECT_EQ(camera.GetFOV(160, valid), 1.5F);
-    Animatable* before = parameters.SubAnim(1);
-    Control* next = NewFloat();
-    Step([&] { EXPECT_TRUE(parameters.AssignController(next, 1)); });
-    EXPECT_EQ(parameters.SubAnim(1), next);
     EXPECT_FALSE(parameters.AssignController(node->GetTMController(), 1));
     EXPECT_FALSE(parameters.AssignController(nullptr, 0));
-    EXPECT_FALSE(parameters.AssignController(next, 2));
-    session.Undo();
-    EXPECT_EQ(parameters.SubAnim(1), before);
-
     CameraObject* loose = host.CreateCameraObject(0);
     Step([&] {
         loose->SetConeState(1);
@@ -82,28 +67,18 @@ TEST_F(ObjectTest, RaysFindTheNearestFaceFromEitherSideAndPassOverWhatIsNone) {
                           {{{1, 1, 1}, {0, 0, -1}}, 1, -1},
                           {{{1, 1, 2}, {0, 0, 1}}, 0, 1},
                           {{{4, 4, 9}, {0, 0, -1}}, 7, 1},
-                          {{{1, 1, 9}, {0, 0, 1}}, 0, 0},
                           {{{5, 5, 9}, {0, 0, -1}}, 0, 0},
                           {{{1, 1, 9}, {0, 0, 0}}, 0, 0},
-                          {{{8, 0, 1}, {0, 1, 0}}, 0, 0},
-                          {{{1, 1, 9}, {0, kNaN, -1}}, 0, 0},
-                          {{{1, 1, kInfinity}, {0, 0, -1}}, 0, 0}}) {
+                          {{{8, 0, 1}, {0, 1, 0}}, 0, 0}}) {
         float at = 0;
         Point3 normal;
         EXPECT_EQ(mesh.IntersectRay(c.ray, at, normal), c.up != 0);
         EXPECT_EQ(at, c.at);
         EXPECT_EQ(normal, Point3(0, 0, c.up));
     }
-    // Through a pole of a million faces, where many share one vertex.
-    Object* const sphere = headless::NewSphere(100, 1024);
-    float at = 0;
-    Point3 normal;
-    EXPECT_NE(AsMesh(*sphere).IntersectRay({{0, 0, 300}, {0, 0, -2}}, at, normal), 0);
-    EXPECT_EQ(at, 100);
-    sphere->DeleteMe();
 }
 
-TEST_F(ObjectTest, SpheresGroundsAndShapesBecomeMeshesThatLookOutward) {
+TEST_F(ObjectTest, SpheresAndShapesBecomeMeshesThatLookOutward) {
     Object* sphere = headless::NewSphere(2, 64);
     const Mesh ball = AsMesh(*sphere);
     EXPECT_NEAR(SixVolumes(ball) / (8 * std::numbers::pi * 8), 1, 1e-2);
@@ -114,18 +89,8 @@ TEST_F(ObjectTest, SpheresGroundsAndShapesBecomeMeshesThatLookOutward) {
                                                {}});
     const double hexagon = 1.5 * std::sqrt(3.0) * 0.5 * 0.5;
     EXPECT_NEAR(SixVolumes(AsMesh(*shape)) / 6, hexagon * 100, 1e-2);
-    TriObject* ground = headless::NewGround(8, 3);
-    const Mesh& flat = ground->GetMesh();
-    EXPECT_EQ(flat.getNumTVFaces(), 18);
-    float area = 0;
-    for (const Face& face : flat.faces) {
-        const Point3& a = flat.verts[face.v[0]];
-        area += CrossProd(flat.verts[face.v[1]] - a, flat.verts[face.v[2]] - a).z / 2;
-    }
-    EXPECT_NEAR(area, 64, 1e-4);
-    EXPECT_EQ(flat.getBoundingBox().pmin, Point3(-4, -4, 0));
-    for (Object* object : {sphere, static_cast<Object*>(shape), static_cast<Object*>(ground)})
-        object->DeleteThis();
+    sphere->DeleteThis();
+    shape->DeleteThis();
 }
 
 TEST_F(ObjectTest, SplinesAreFollowedBySegmentOrEvenlyByLength) {
@@ -138,18 +103,14 @@ TEST_F(ObjectTest, SplinesAreFollowedBySegmentOrEvenlyByLength) {
         Point3 half;       // of the segments
         Point3 halfAlong;  // of the length
     };
-    const double parabola = std::sqrt(5.0) / 2 + std::asinh(2.0) / 4;
     const Case cases[] = {
         {headless::StraightLines({{0, 0, 0}, {1, 0, 0}, {4, 0, 0}}), 4, {1, 0, 0}, {2, 0, 0}},
-        {{}, 0, {}, {}},
         {headless::StraightLines({{5, 5, 5}}), 0, {5, 5, 5}, {5, 5, 5}},
-        {{{Corner({}), Corner({3, 0, 0})}, true}, 6, {3, 0, 0}, {3, 0, 0}},
         {{{Corner(p), Corner(p)}, true}, 0, p, p},
         {{{{{}, {}, {1.0F / 3, 0, 0}}, {{2.0F / 3, 1.0F / 3, 0}, {1, 1, 0}, {}}}},  // y = x²
-         parabola,
+         std::sqrt(5.0) / 2 + std::asinh(2.0) / 4,
          {0.5F, 0.25F, 0},
          {0.61074F, 0.37300F, 0}},
-        {{{{{}, {}, {0.1F, 0, 0}}, {{4, 0, 0}, {10, 0, 0}, {}}}}, 10, {2.7875F, 0, 0}, {5, 0, 0}},
         {{{{{}, {}, {1, 1, 0}}, {{0, 1, 0}, {1, 0, 0}, {}}}},  // with a cusp in the middle
          2 * std::sqrt(2.0) - 1,
          {0.5F, 0.75F, 0},
@@ -163,10 +124,8 @@ TEST_F(ObjectTest, SplinesAreFollowedBySegmentOrEvenlyByLength) {
         EXPECT_NEAR(shape->LengthOfCurve(0, 0), c.length, 1e-6 * c.length);
         ExpectNear(shape->InterpCurve3D(0, 0, 0.5F, PARAM_SIMPLE), c.half, 1e-4);
         ExpectNear(shape->InterpCurve3D(0, 0, 0.5F, PARAM_NORMALIZED), c.halfAlong, 1e-4);
-        EXPECT_EQ(shape->LengthOfCurve(0, 7), 0);
-        for (const int type : {PARAM_SIMPLE, PARAM_NORMALIZED})
-            for (const float parameter : {-1.0F, kNaN, 2.0F})
-                shape->InterpCurve3D(0, 0, parameter, type);
+        for (const float parameter : {-1.0F, kNaN, 2.0F})
+            shape->InterpCurve3D(0, 7, parameter, PARAM_NORMALIZED);
         shape->ConvertToType(0, kTriObjectClassId)->DeleteThis();
         shape->DeleteThis();
     }
@@ -175,36 +134,30 @@ TEST_F(ObjectTest, SplinesAreFollowedBySegmentOrEvenlyByLength) {
 TEST_F(ObjectTest, ABendMakesALineAnArcThatGrowsWithTime) {
     TriObject* column = CreateNewTriObject();
     column->GetMesh().verts = {{0, 0, 0}, {0, 0, 2}, {7, -1, 2}};  // and one beside the line
+    const TimeValue second = GetTicksPerFrame() * GetFrameRate();
     INode* node = host.CreateObjectNode(headless::NewBend(column, 45));
-    const auto shown = [](INode* of, TimeValue t) -> const Mesh& {
-        return static_cast<TriObject*>(of->EvalWorldState(t).obj)->GetMesh();
-    };
-    EXPECT_EQ(shown(node, 0).verts[1], Point3(0, 0, 2));
-    const Object* kept = node->EvalWorldState(0).obj;
+    auto* const shown = static_cast<TriObject*>(node->EvalWorldState(0).obj);
+    EXPECT_EQ(shown->GetMesh().verts[1], Point3(0, 0, 2));
+    EXPECT_EQ(node->EvalWorldState(2 * second).obj, shown) << "what it shows stays one object";
     const float radius = 2 / (std::numbers::pi_v<float> / 2);
-    const std::vector<Point3> bent = shown(node, Seconds(2)).verts;
-    ExpectNear(bent[1], {0, radius, radius});
-    ExpectNear(bent[2], {7, radius, radius + 1});
-    auto* copy = static_cast<Object*>(headless::CopyOf(*node->GetObjectRef()));
-    EXPECT_EQ(node->EvalWorldState(0).obj, kept) << "what it shows stays one object";
+    ExpectNear(shown->GetMesh().verts[1], {0, radius, radius});
+    ExpectNear(shown->GetMesh().verts[2], {7, radius, radius + 1});
     column->GetMesh().verts[1] = {0, 0, 1};
     column->NotifyDependents(FOREVER, PART_ALL, REFMSG_CHANGE);
-    EXPECT_EQ(shown(node, 0).verts[1], Point3(0, 0, 1));
-    EXPECT_EQ(shown(host.CreateObjectNode(copy), Seconds(2)).verts, bent);
+    node->EvalWorldState(0);
+    EXPECT_EQ(shown->GetMesh().verts[1], Point3(0, 0, 1));
 
     Object* bend = headless::NewBend(headless::NewSphere(1, 8), 90);
     EXPECT_EQ(bend->Eval(0).obj, bend) << "what is no mesh is converted when it is asked for";
-    ExpectNear(AsMesh(*bend, Seconds(1)).verts.back(), {0, radius, radius - 1});
+    ExpectNear(AsMesh(*bend, second).verts.back(), {0, radius, radius - 1});
     bend->DeleteMe();
-    for (Object* base : {static_cast<Object*>(host.CreateCameraObject(0)), (Object*)nullptr}) {
-        Object* empty = headless::NewBend(base, 90);
-        EXPECT_EQ(empty->Eval(0).obj, empty);
-        EXPECT_EQ(empty->ConvertToType(0, kTriObjectClassId), nullptr);
-        empty->DeleteMe();
-    }
+    Object* empty = headless::NewBend(nullptr, 90);
+    EXPECT_EQ(empty->Eval(0).obj, empty);
+    EXPECT_EQ(empty->ConvertToType(0, kTriObjectClassId), nullptr);
+    empty->DeleteMe();
 }
 
-TEST_F(ObjectTest, InstancesAreMadeByClassAndNothingIsMadeOfAnUnknownOne) {
+TEST_F(ObjectTest, NothingIsMadeOfAnUnknownClass) {
     EXPECT_EQ(host.CreateInstance(CTRL_FLOAT_CLASS_ID, kPositionRotationScaleClassId), nullptr);
     EXPECT_EQ(host.CreateInstance(0x9999, {1, 2}), nullptr);
     EXPECT_EQ(host.CreateObjectNode(nullptr), nullptr);

@@ -1,7 +1,5 @@
-#include <cstring>
-#include <functional>
+#include <bit>
 #include <limits>
-#include <string>
 #include <vector>
 
 #include "headless/copies.h"
@@ -15,9 +13,7 @@ using Bytes = std::vector<std::byte>;
 using Words = std::vector<std::uint32_t>;
 
 std::uint32_t Bits(float number) {
-    std::uint32_t bits = 0;
-    std::memcpy(&bits, &number, sizeof bits);
-    return bits;
+    return std::bit_cast<std::uint32_t>(number);
 }
 
 // One chunk of 4-byte numbers.
@@ -32,87 +28,67 @@ Bytes Chunk(std::uint16_t id, const Words& words) {
 
 class StoredObjectsTest : public HostWorld {
   protected:
-    // A value at rest, and keys, of more than are read at once.
-    template <class Value>
-    static Control* Animated(Control* control, Value at(TimeValue)) {
-        for (TimeValue t = -1; t < 2100; ++t) {
-            if (t == 0) AnimateOn();
-            Value value = at(t);
-            control->SetValue(t, &value, 1, CTRL_ABSOLUTE);
-        }
-        AnimateOff();
-        return control;
-    }
-    static SetXFormPacket PlacedAt(TimeValue t) {
-        SetXFormPacket packet;
-        packet.tmAxis.SetTranslate({1, 2, static_cast<float>(t)});
-        return packet;
+    ~StoredObjectsTest() override {
+        for (ReferenceTarget* object : objects)
+            object->DeleteMe();
     }
 
-    ReferenceTarget* NewCamera() {
+    // What holds keys has a value at rest, too, and more of them than are read at once.
+    std::vector<ReferenceTarget*> OneOfEach() {
+        Control* number = NewFloat();
+        Control* transform = NewTransform();
+        for (TimeValue t = -1; t < 2100; ++t) {
+            if (t == 0) AnimateOn();
+            auto value = static_cast<float>(t) / 3;
+            number->SetValue(t, &value, 1, CTRL_ABSOLUTE);
+            SetXFormPacket packet;
+            packet.tmAxis.SetTranslate({1, 2, value});
+            transform->SetValue(t, &packet, 1, CTRL_ABSOLUTE);
+        }
+        AnimateOff();
         CameraObject* camera = host.CreateCameraObject(0);
         camera->SetFOVType(2);
         camera->SetConeState(1);
-        return camera;
-    }
-
-    static ReferenceTarget* NewMesh() {
-        TriObject* object = CreateNewTriObject();
-        Mesh& mesh = object->GetMesh();
-        mesh.setNumVerts(3);
-        mesh.setVert(1, {1, 2, 3});
-        mesh.setNumFaces(2);
-        mesh.faces[1].setVerts(0, 1, 2);
-        mesh.setNumTVerts(2);
-        mesh.setNumTVFaces(1);
-        mesh.tvFace[0].setTVerts(0, 1, 1);
-        return object;
-    }
-
-    std::vector<ReferenceTarget*> OneOfEach() {
-        return {Animated<float>(NewFloat(), [](TimeValue t) { return static_cast<float>(t) / 3; }),
-                Animated<SetXFormPacket>(NewTransform(), PlacedAt),
-                NewCamera(),
-                NewMesh(),
+        return {number,
+                transform,
+                camera,
+                headless::NewGround(2, 2),
                 headless::NewSplines({headless::StraightLines({{1, 2, 3}, {4, 5, 6}}),
                                       {{{{}, {1, 2, 3}, {4, 5, 6}}}, true}}),
                 headless::NewSphere(2, 20),
                 headless::NewBend(headless::NewGround(1, 1), 45)};
     }
+    enum Kind { kFloat, kTransform, kCamera, kMesh, kLine, kSphere, kBend };
 
-    ReferenceTarget* EmptyOf(ReferenceTarget& object) {
-        return static_cast<ReferenceTarget*>(
-            static_cast<Animatable*>(host.CreateInstance(object.SuperClassID(), object.ClassID())));
-    }
+    const std::vector<ReferenceTarget*> objects = OneOfEach();
 };
 
 TEST_F(StoredObjectsTest, WhatIsCopiedOrStoredComesBackOverWhateverWasThere) {
-    for (ReferenceTarget* object : OneOfEach()) {
+    for (ReferenceTarget* object : objects) {
         const Bytes bytes = headless::SavedBytes(*object);
         ReferenceTarget* copy = headless::CopyOf(*object);
         EXPECT_EQ(headless::SavedBytes(*copy), bytes);
-        ReferenceTarget* empty = EmptyOf(*object);
+        auto* empty = static_cast<ReferenceTarget*>(static_cast<Animatable*>(
+            host.CreateInstance(object->SuperClassID(), object->ClassID())));
         const Bytes fresh = headless::SavedBytes(*empty);
         EXPECT_EQ(headless::LoadBytes(bytes, *empty), IO_OK);
         EXPECT_EQ(headless::SavedBytes(*empty), bytes);
         EXPECT_EQ(headless::LoadBytes(fresh, *copy), IO_OK);
         EXPECT_EQ(headless::SavedBytes(*copy), fresh);
         EXPECT_EQ(headless::SavedBytes(*object), bytes) << "the copy shares with its original";
-        for (ReferenceTarget* done : {object, copy, empty})
-            done->DeleteMe();
+        copy->DeleteMe();
+        empty->DeleteMe();
     }
 }
 
 TEST_F(StoredObjectsTest, NonsenseIsRefused) {
     const std::uint32_t nan = Bits(std::numeric_limits<float>::quiet_NaN());
-    enum Kind { kFloat, kTransform, kCamera, kMesh, kLine, kSphere, kBend };
-    struct Case {
+    const struct {
         Kind kind;
         std::uint16_t chunk;
         Words words;
         const char* why;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {kSphere, 1, {nan, 20}, "a radius that is no number"},
         {kSphere, 1, {Bits(1), 2'000'000'000}, "too many segments"},
         {kSphere, 1, {Bits(1), 20, 0}, "more than is known"},
@@ -129,15 +105,11 @@ TEST_F(StoredObjectsTest, NonsenseIsRefused) {
         {kFloat, 1, {1, 16, 0, 0}, "keys of another size"},
         {kTransform, 4, {1, 20, 0, 0}, "a part that no transform has"},
     };
-    const std::vector<ReferenceTarget*> objects = OneOfEach();
-    for (const Case& c : cases)
+    for (const auto& c : cases)
         EXPECT_EQ(headless::LoadBytes(Chunk(c.chunk, c.words), *objects[c.kind]), IO_ERROR)
             << c.why;
-    for (ReferenceTarget* object : objects)
-        object->DeleteMe();
-}
 
-TEST_F(StoredObjectsTest, ALengthIsBelievedOnlyAsFarAsItsLevelReaches) {
+    // A length is believed only as far as its level reaches.
     Bytes bytes = Chunk(1, {7});
     bytes.pop_back();
     headless::LoadBytes(bytes, [](ILoad* load) {
@@ -148,24 +120,15 @@ TEST_F(StoredObjectsTest, ALengthIsBelievedOnlyAsFarAsItsLevelReaches) {
 }
 
 TEST_F(StoredObjectsTest, KeysThatAreThereAreSortedAndOfEqualTimesTheLastStands) {
-    Control* control = NewFloat();
-    const Words keys{1,  12, 9,       Bits(9),  //
+    ReferenceTarget& control = *objects[kFloat];
+    const Words keys{1,  12, 9,       Bits(9),  // of which four and a part are there
                      20, 0,  Bits(2),           //
                      10, 0,  Bits(1),           //
                      20, 1,  Bits(3),           //
                      0,  0,  Bits(0), 77};
-    EXPECT_EQ(headless::LoadBytes(Chunk(1, keys), *control), IO_ERROR);
-    ASSERT_EQ(control->NumKeys(), 3);
-    EXPECT_EQ(control->GetKeyTime(1), 10);
-    const auto get = [control](TimeValue t) {
-        float value = 0;
-        Interval valid = FOREVER;
-        control->GetValue(t, &value, valid, CTRL_ABSOLUTE);
-        return value;
-    };
-    EXPECT_EQ(get(20), 3.0f);
-    EXPECT_EQ(get(-1), 9.0f);
-    control->DeleteMe();
+    const Words sorted{1, 12, 3, Bits(9), 0, 0, Bits(0), 10, 0, Bits(1), 20, 1, Bits(3)};
+    EXPECT_EQ(headless::LoadBytes(Chunk(1, keys), control), IO_ERROR);
+    EXPECT_EQ(headless::SavedBytes(control), Chunk(1, sorted));
 }
 
 }  // namespace
