@@ -1,48 +1,30 @@
+#include <optional>
 #include <tuple>
 
 #include "host/animate.h"
-#include "host/notify.h"
 #include "host/time.h"
 #include "host/units.h"
 #include "tests/headless/host_world.h"
 #include "tests/support/folder/temporary_folder.h"
+#include "tests/support/on_notification.h"
 
 namespace {
-
-// Counts what it is told, and can answer by registering or unregistering.
-struct Ear {
-    int told = 0;
-    std::function<void()> answer;
-
-    static void Hear(void* param, NotifyInfo*) {
-        auto* ear = static_cast<Ear*>(param);
-        ++ear->told;
-        if (ear->answer) ear->answer();
-    }
-    void Listen() { RegisterNotification(&Hear, this, NOTIFY_SYSTEM_PRE_NEW); }
-    int Leave() { return UnRegisterNotification(&Hear, this, NOTIFY_SYSTEM_PRE_NEW); }
-};
 
 using EventsTest = HostWorld;
 
 TEST_F(EventsTest, ListenersMayComeAndGoWhileTheyAreTold) {
-    Ear first, second, late;
-    first.answer = [&] {
-        second.Leave();
-        late.Listen();
-    };
-    for (Ear* ear : {&first, &first, &second})
-        ear->Listen();
-    session.NewScene();
-    EXPECT_EQ(first.told, 1);
-    EXPECT_EQ(second.told + late.told, 0);
-    first.answer = [&] { first.Leave(); };
+    constexpr int kCode = NOTIFY_SYSTEM_PRE_NEW;
+    std::string told;
+    std::optional<OnNotification> second, late;
+    const OnNotification first(kCode, [&](NotifyInfo&) {
+        told += "first ";
+        second.reset();
+        if (!late) late.emplace(kCode, [&](NotifyInfo&) { told += "late "; });
+    });
+    second.emplace(kCode, [&](NotifyInfo&) { told += "second "; });
     session.NewScene();
     session.NewScene();
-    EXPECT_EQ(first.told, 2);
-    EXPECT_EQ(late.told, 2);
-    EXPECT_EQ(late.Leave(), 1);
-    EXPECT_EQ(late.Leave(), 0);
+    EXPECT_EQ(told, "first first late ");
 }
 
 TEST_F(EventsTest, SuspensionsOfTheAnimateModeNestAndForgetWhatHappenedInside) {
