@@ -1,12 +1,11 @@
 #include <limits>
-#include <vector>
+#include <tuple>
 
 #include "host/animate.h"
 #include "tests/headless/host_world.h"
 
 namespace {
 
-using Times = std::vector<TimeValue>;
 using ControlTest = HostWorld;
 
 TEST_F(ControlTest, KeysAreFoundChosenAndDeletedUndoably) {
@@ -31,8 +30,12 @@ TEST_F(ControlTest, KeysAreFoundChosenAndDeletedUndoably) {
     AnimateOn();
     for (const TimeValue t : all)
         set(t, static_cast<float>(t));
-    for (const auto& [t, value] : {std::pair{-1, 7.0F}, {25, 25.0F}, {99, 40.0F}})
-        EXPECT_EQ(get(t), value);
+    AnimateOff();
+    for (const float moved : {100.0F, 0.0F}) {
+        set(20, 20 + moved);
+        for (const auto& [t, value] : {std::pair{-1, 7.0F}, {25, 25.0F}, {99, 40.0F}})
+            EXPECT_EQ(get(t), value + moved);
+    }
     EXPECT_EQ(number->GetKeyIndex(20), 2);
     EXPECT_EQ(number->GetKeyIndex(21), -1);
     TimeValue next = -1;
@@ -60,6 +63,7 @@ TEST_F(ControlTest, KeysAreFoundChosenAndDeletedUndoably) {
         EXPECT_EQ(times(), all);
         EXPECT_EQ(get(30), 30.0F);
     }
+    AnimateOn();
     Step([&] { set(50, 2); });
     Step([&] { number->DeleteKeyAtTime(0); });
     number->DeleteKeys(TRACK_DOALL);
@@ -97,23 +101,20 @@ TEST_F(ControlTest, APacketMovesRotatesAndScalesInItsAxes) {
     packet.p = {2, 1, 1};
     packet.q = AboutZ(90);
     const Matrix3 turned = Turned(90, {4, 0, 0});
-    struct Case {
-        std::uint32_t command;
-        Matrix3 axes;
-        Matrix3 world;
-    };
-    for (const Case& c : {Case{XFORM_SET, Turned(0, {6, -1, 0}), Turned(0, {6, -1, 0})},
-                          {XFORM_MOVE, Turned(90), Turned(0, {5, 1, 1})},
-                          {XFORM_ROTATE, Turned(0, {5, 0, 1}), Turned(90, {4, 0, 1})},
-                          {XFORM_SCALE, turned, Longer(Turned(90, {4, 0, 1}), 2)},
-                          {4, turned, Longer(Turned(90, {4, 0, 1}), 2)}}) {
-        packet.tmAxis = c.axes;
-        packet.command = c.command;
+    const std::tuple<std::uint32_t, Matrix3, Matrix3> cases[] = {
+        {XFORM_SET, Turned(0, {6, -1, 0}), Turned(0, {6, -1, 0})},
+        {XFORM_MOVE, Turned(90), Turned(0, {5, 1, 1})},
+        {XFORM_ROTATE, Turned(0, {5, 0, 1}), Turned(90, {4, 0, 1})},
+        {XFORM_SCALE, turned, Longer(Turned(90, {4, 0, 1}), 2)},
+        {4, turned, Longer(Turned(90, {4, 0, 1}), 2)}};
+    for (const auto& [command, axes, becomes] : cases) {
+        packet.tmAxis = axes;
+        packet.command = command;
         transform->SetValue(0, &packet, 1, CTRL_RELATIVE);
         Matrix3 world = packet.tmParent;
         Interval valid = FOREVER;
         transform->GetValue(0, &world, valid, CTRL_RELATIVE);
-        ExpectNear(world, c.world);
+        ExpectNear(world, becomes);
     }
     transform->DeleteThis();
 }

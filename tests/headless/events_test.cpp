@@ -1,4 +1,3 @@
-#include <optional>
 #include <tuple>
 
 #include "host/animate.h"
@@ -6,25 +5,35 @@
 #include "host/units.h"
 #include "tests/headless/host_world.h"
 #include "tests/support/folder/temporary_folder.h"
-#include "tests/support/on_notification.h"
 
 namespace {
+
+struct Clock final : TimeChangeCallback {
+    Times times;
+    std::function<void()> act;
+    void TimeChanged(TimeValue t) override {
+        times.push_back(t);
+        if (act) act();
+    }
+};
 
 using EventsTest = HostWorld;
 
 TEST_F(EventsTest, ListenersMayComeAndGoWhileTheyAreTold) {
-    constexpr int kCode = NOTIFY_SYSTEM_PRE_NEW;
-    std::string told;
-    std::optional<OnNotification> second, late;
-    const OnNotification first(kCode, [&](NotifyInfo&) {
-        told += "first ";
-        second.reset();
-        if (!late) late.emplace(kCode, [&](NotifyInfo&) { told += "late "; });
-    });
-    second.emplace(kCode, [&](NotifyInfo&) { told += "second "; });
-    session.NewScene();
-    session.NewScene();
-    EXPECT_EQ(told, "first first late ");
+    Clock first, second, late;
+    first.act = [&] {
+        host.UnRegisterTimeChangeCallback(&second);
+        host.RegisterTimeChangeCallback(&late);
+        if (first.times.size() == 2) host.UnRegisterTimeChangeCallback(&first);
+    };
+    for (Clock* clock : {&first, &first, &second})
+        host.RegisterTimeChangeCallback(clock);
+    for (const TimeValue t : {160, 160, 320, 480})
+        host.SetTime(t);
+    host.UnRegisterTimeChangeCallback(&late);
+    EXPECT_EQ(first.times, (Times{160, 320}));
+    EXPECT_EQ(second.times, Times());
+    EXPECT_EQ(late.times, (Times{320, 480}));
 }
 
 TEST_F(EventsTest, SuspensionsOfTheAnimateModeNestAndForgetWhatHappenedInside) {

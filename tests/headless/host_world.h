@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "headless/primitives.h"
 #include "headless/scene_view.h"
@@ -11,6 +12,8 @@
 #include "host/hold.h"
 #include "host/interface.h"
 #include "tests/support/matrices.h"
+
+using Times = std::vector<TimeValue>;
 
 // A running host without plug-ins. Its end checks that nothing stays alive.
 class HostWorld : public testing::Test {

@@ -74,7 +74,7 @@ TEST_F(NodeTest, ThousandsOfNodesInOneChainAreWalkedWithoutRecursion) {
 }
 
 TEST_F(NodeTest, ABranchIsCopiedWithItsLinksAndWithThingsOfItsOwn) {
-    INode* root = Add("root");
+    INode* root = Add("hip01");
     INode* top = Add("hip07", root);
     Place(Add("below", top), {0, 0, 5});
     top->SetUserPropString("key", "value");
@@ -86,7 +86,7 @@ TEST_F(NodeTest, ABranchIsCopiedWithItsLinksAndWithThingsOfItsOwn) {
     ASSERT_EQ(sources.Count(), 2);
     ASSERT_EQ(copies.Count(), 2);
     INode* copy = copies[0];
-    EXPECT_STREQ(copy->GetName(), "hip01");
+    EXPECT_STREQ(copy->GetName(), "hip02");
     EXPECT_NE(copy->GetTMController(), top->GetTMController());
     EXPECT_NE(copy->GetObjectRef(), top->GetObjectRef());
     EXPECT_EQ(copy->GetWireColor(), 255U);

@@ -1,6 +1,7 @@
 #include <cmath>
 #include <limits>
 #include <numbers>
+#include <tuple>
 #include <vector>
 
 #include "host/animate.h"
@@ -38,24 +39,18 @@ TEST_F(ObjectTest, RaysFindTheNearestFaceFromEitherSideAndPassOverWhatIsNone) {
     mesh.setNumFaces(6);
     for (std::size_t i = 0; i < 6; ++i)
         mesh.faces[i].setVerts(faces[i][0], faces[i][1], faces[i][2]);
-    struct Case {
-        Ray ray;
-        float at;  // 0: with `up` 0, a miss
-        float up;  // of the normal
-    };
-    for (const Case& c : {Case{{{1, 1, 9}, {0, 0, -1}}, 7, 1},
-                          {{{1, 1, -9}, {0, 0, 3}}, 3, -1},
-                          {{{1, 1, 1}, {0, 0, -1}}, 1, -1},
-                          {{{1, 1, 2}, {0, 0, 1}}, 0, 1},
-                          {{{4, 4, 9}, {0, 0, -1}}, 7, 1},
-                          {{{5, 5, 9}, {0, 0, -1}}, 0, 0},
-                          {{{1, 1, 9}, {0, 0, 0}}, 0, 0},
-                          {{{8, 0, 1}, {0, 1, 0}}, 0, 0}}) {
+    // Where they meet it and z of the normal; both 0 for a miss.
+    const std::tuple<Ray, float, float> cases[] = {
+        {{{1, 1, 9}, {0, 0, -1}}, 7, 1},  {{{1, 1, -9}, {0, 0, 3}}, 3, -1},
+        {{{1, 1, 1}, {0, 0, -1}}, 1, -1}, {{{1, 1, 2}, {0, 0, 1}}, 0, 1},
+        {{{4, 4, 9}, {0, 0, -1}}, 7, 1},  {{{5, 5, 9}, {0, 0, -1}}, 0, 0},
+        {{{1, 1, 9}, {0, 0, 0}}, 0, 0},   {{{8, 0, 1}, {0, 1, 0}}, 0, 0}};
+    for (const auto& [ray, distance, up] : cases) {
         float at = 0;
         Point3 normal;
-        EXPECT_EQ(mesh.IntersectRay(c.ray, at, normal), c.up != 0);
-        EXPECT_EQ(at, c.at);
-        EXPECT_EQ(normal, Point3(0, 0, c.up));
+        EXPECT_EQ(mesh.IntersectRay(ray, at, normal), up != 0);
+        EXPECT_EQ(at, distance);
+        EXPECT_EQ(normal, Point3(0, 0, up));
     }
 }
 
@@ -86,13 +81,8 @@ TEST_F(ObjectTest, SplinesAreFollowedBySegmentOrEvenlyByLength) {
     using headless::Corner;
     const float huge = std::numeric_limits<float>::max();
     const Point3 p{1, 2, 3};
-    struct Case {
-        headless::Spline spline;
-        double length;
-        Point3 half;       // of the segments
-        Point3 halfAlong;  // of the length
-    };
-    const Case cases[] = {
+    // The length, and the places at half of the segments and at half of the length.
+    const std::tuple<headless::Spline, double, Point3, Point3> cases[] = {
         {headless::StraightLines({{0, 0, 0}, {1, 0, 0}, {4, 0, 0}}), 4, {1, 0, 0}, {2, 0, 0}},
         {headless::StraightLines({{5, 5, 5}}), 0, {5, 5, 5}, {5, 5, 5}},
         {{{Corner(p), Corner(p)}, true}, 0, p, p},
@@ -107,12 +97,12 @@ TEST_F(ObjectTest, SplinesAreFollowedBySegmentOrEvenlyByLength) {
         {{{Corner({kNaN, 0, 0}), Corner(p), Corner({1, 2, 5})}}, 2, p, {1, 2, 4}},
         {{{Corner({-huge, 0, 0}), Corner({huge, 0, 0})}}, double{huge}, {}, {}},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(&c - cases);
-        ShapeObject* shape = headless::NewSplines({c.spline});
-        EXPECT_NEAR(shape->LengthOfCurve(0, 0), c.length, 1e-6 * c.length);
-        ExpectNear(shape->InterpCurve3D(0, 0, 0.5F, PARAM_SIMPLE), c.half, 1e-4);
-        ExpectNear(shape->InterpCurve3D(0, 0, 0.5F, PARAM_NORMALIZED), c.halfAlong, 1e-4);
+    for (const auto& [spline, length, half, halfAlong] : cases) {
+        SCOPED_TRACE(length);
+        ShapeObject* shape = headless::NewSplines({spline});
+        EXPECT_NEAR(shape->LengthOfCurve(0, 0), length, 1e-6 * length);
+        ExpectNear(shape->InterpCurve3D(0, 0, 0.5F, PARAM_SIMPLE), half, 1e-4);
+        ExpectNear(shape->InterpCurve3D(0, 0, 0.5F, PARAM_NORMALIZED), halfAlong, 1e-4);
         for (const float parameter : {-1.0F, kNaN, 2.0F})
             shape->InterpCurve3D(0, 7, parameter, PARAM_NORMALIZED);
         shape->ConvertToType(0, kTriObjectClassId)->DeleteThis();

@@ -113,13 +113,15 @@ TEST_F(ReferencesTest, AnObjectThatAnUndoCanMeetComesBackAtItsAddress) {
 
 TEST_F(ReferencesTest, TransferredReferencesKeepTheirOrderAndMakeNoCircle) {
     auto* from = new Link("from");
-    auto* to = new Link("to");
+    auto* below = new Link("below");
+    auto* to = new Link("to", nullptr, below);
     auto* first = new Link("first", from);
     auto* second = new Link("second", from);
     to->TransferReferences(from, false);
     EXPECT_EQ(to->Announce(), "second first ");
     Step([&] { from->TransferReferences(to, true); });
     EXPECT_EQ(first->GetReference(0), from);
+    EXPECT_FALSE(below->HasDependents()) << "of what undo alone can bring back";
     session.Undo();
     EXPECT_EQ(second->GetReference(0), to);
     for (Link* above : {first, to}) {
@@ -127,7 +129,7 @@ TEST_F(ReferencesTest, TransferredReferencesKeepTheirOrderAndMakeNoCircle) {
         EXPECT_EQ(to->GetReference(0), nullptr);
     }
     host.FlushUndoBuffer();
-    EXPECT_EQ(Links(), 3U);
+    EXPECT_EQ(Links(), 4U);
     first->DeleteMe();
     second->DeleteMe();
 }

@@ -1,5 +1,6 @@
 #include <bit>
 #include <limits>
+#include <tuple>
 #include <vector>
 
 #include "headless/copies.h"
@@ -83,12 +84,7 @@ TEST_F(StoredObjectsTest, WhatIsCopiedOrStoredComesBackOverWhateverWasThere) {
 
 TEST_F(StoredObjectsTest, NonsenseIsRefused) {
     const std::uint32_t nan = Bits(std::numeric_limits<float>::quiet_NaN());
-    const struct {
-        Kind kind;
-        std::uint16_t chunk;
-        Words words;
-        const char* why;
-    } cases[] = {
+    const std::tuple<Kind, std::uint16_t, Words, const char*> cases[] = {
         {kSphere, 1, {nan, 20}, "a radius that is no number"},
         {kSphere, 1, {Bits(1), 2'000'000'000}, "too many segments"},
         {kSphere, 1, {Bits(1), 20, 0}, "more than is known"},
@@ -105,9 +101,8 @@ TEST_F(StoredObjectsTest, NonsenseIsRefused) {
         {kFloat, 1, {1, 16, 0, 0}, "keys of another size"},
         {kTransform, 4, {1, 20, 0, 0}, "a part that no transform has"},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(headless::LoadBytes(Chunk(c.chunk, c.words), *objects[c.kind]), IO_ERROR)
-            << c.why;
+    for (const auto& [kind, chunk, words, why] : cases)
+        EXPECT_EQ(headless::LoadBytes(Chunk(chunk, words), *objects[kind]), IO_ERROR) << why;
 
     // A length is believed only as far as its level reaches.
     Bytes bytes = Chunk(1, {7});
