@@ -81,8 +81,8 @@ TEST_F(SceneFile, KeepsWhatDidNotLoadAndBoundsWhatIsBadlyNested) {
     Start(Classes::kKnown);
     const std::vector<std::string> told = Open("built");
     const char* const endings[] = {
-        "Odd control of the node \"\" could not read all of its bytes as they are; the next save "
-        "keeps what it could read",
+        ("Odd control of the node \"\" could not read all of its bytes as they are; the next save "
+         "keeps what it could read"),
         "; it is kept as it is stored",
         ": Odd utility could not read all of a chunk as it is; it is kept as it is stored"};
     ASSERT_EQ(told.size(), 3U);
