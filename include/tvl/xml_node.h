@@ -23,11 +23,11 @@
 // What Write makes of a tree, Parse brings back as the same tree if names of elements and
 // attributes are not empty, hold no white space and none of = / > < & and start with neither ? nor
 // !, values of attributes hold no '>' (the reader ends a tag at the first one), and a text is its
-// element's only child and more than blanks. A comment comes back with its marks in its text, and
-// longer each time.
-// This is no conforming XML: there are no named entities and no CDATA sections, a declaration is
-// allowed as the very first thing only, and a blank before the end of a tag is an error.
-// The order of the four data members is part of the contract.
+// element's only child and more than blanks; names of attributes hold no NUL. A comment comes back
+// with its marks in its text, and longer each time. This is no conforming XML: there are no named
+// entities and no CDATA sections, a declaration is allowed as the very first thing only, and a
+// blank before the end of a tag is an error. The order of the four data members is part of the
+// contract.
 class XMLNode {
   public:
     enum Kind : std::int32_t {

@@ -23,10 +23,13 @@ std::uint64_t lostBeforeGroup = 0;  // of the answers
 // Frames in a second, where the host does not tell: a Core may divide by it.
 constexpr double kUsualFrameRate = 30;
 
-// The status of the end of a group, with which the outermost one tells what was lost in between.
-std::int32_t ToldLosses(std::int32_t status) {
-    const bool isWhole = !OpenUndoGroups().undoGroups.empty() || lostAnswers == lostBeforeGroup;
-    return status != 0 || isWhole ? status : TVL::Report(kThrownOut);
+// Ends a group. The outermost one tells what was lost since it began; what its hold calls at its
+// end may open groups of its own.
+std::int32_t EndGroupBy(std::int32_t (*end)()) {
+    const bool isOutermost = OpenUndoGroups().undoGroups.size() == 1;
+    const std::uint64_t before = lostBeforeGroup;
+    const std::int32_t status = end();
+    return status == 0 && isOutermost && lostAnswers != before ? TVL::Report(kThrownOut) : status;
 }
 
 constexpr const char* kNotImplementedCode = "NOTIMPLEMENTED";
@@ -160,14 +163,14 @@ std::int32_t MaxAdaptorInterface::EndUndoGroup() {
     return AnswerStatus("EndUndoGroup", [&] {
         std::optional<Arriving> arriving;
         if (OpenUndoGroups().cancelRequested) arriving.emplace();
-        return ToldLosses(::EndUndoGroup());
+        return EndGroupBy(&::EndUndoGroup);
     });
 }
 
 std::int32_t MaxAdaptorInterface::CancelUndoGroup() {
     return AnswerStatus("CancelUndoGroup", [&] {
         const Arriving arriving;
-        return ToldLosses(::CancelUndoGroup());
+        return EndGroupBy(&::CancelUndoGroup);
     });
 }
 

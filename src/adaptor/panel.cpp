@@ -59,16 +59,14 @@ void OnCommand(UtilityManager& manager, HWND panel, int control) {
 
 constexpr const char* kXmlType = "XMLFile";
 
-// All bytes of the resource, which stay the module's.
-std::string_view OptionsText() {
+// All bytes of the resource are its text.
+XMLNode LoadXMLResource(std::uint16_t id) {
     const HMODULE module = theModule;
-    const HRSRC resource = FindResourceA(module, MAKEINTRESOURCEA(OptionPanel), kXmlType);
-    if (!resource) return {};
-    const DWORD size = SizeofResource(module, resource);
-    const HGLOBAL loaded = LoadResource(module, resource);
+    const HRSRC resource = FindResourceA(module, MAKEINTRESOURCEA(id), kXmlType);
+    const DWORD size = resource ? SizeofResource(module, resource) : 0;
+    const HGLOBAL loaded = resource ? LoadResource(module, resource) : nullptr;
     const void* const bytes = loaded ? LockResource(loaded) : nullptr;
-    if (!bytes) return {};
-    return {static_cast<const char*>(bytes), size};
+    return XMLNode(bytes ? std::string_view(static_cast<const char*>(bytes), size) : "");
 }
 
 }  // namespace
@@ -109,5 +107,5 @@ void TarvoUtilityObj::EndEditParams(Interface* ip, IUtil*) {
 }
 
 XMLNode OptionsPanel() {
-    return XMLNode(OptionsText());
+    return LoadXMLResource(OptionPanel);
 }

@@ -93,7 +93,7 @@ void UtilityManager::ShutDownAdaptor() {
     if (shutdownWaits) return;
     const TVL::Log scope("Shutting down adaptor", TVL::Log::kNotice);
     ShowAttachState(panelWindow, kAttachText);
-    LetCoreGo();
+    TVL::TraceIfThrown("DetachCore", [this] { LetCoreGo(); });
     shutdownWaits = false;
     // The shutdown goes on without the folder.
     TVL::TraceIfThrown("MakeDataFolder", &MakeDataFolder);

@@ -7,9 +7,10 @@ class TransformControl;
 
 // Conversion puts one of the host's own controllers in the place of one of ours, with the same key
 // times and values: wherever the scene referred to ours, it refers to the new one, and ours lives
-// on only as long as the undo stream needs it. Selection of keys does not carry over. Each call is
-// one step of undo, or part of the hold that is open already. While the Core runs our controllers
-// report no keys, and what carries over is the present value alone; convert when it has stopped.
+// on only as long as the undo stream needs it. Selection of keys does not carry over. Each
+// controller is one step of undo, or part of the hold that is open already. While the Core runs our
+// controllers report no keys, and what carries over is the present value alone; convert when it has
+// stopped.
 
 // To the host's default position, rotation and scale controller. If the controller's page was ever
 // open the motion panel is built anew, which closes that page.

@@ -46,9 +46,10 @@ INT_PTR CALLBACK ConvertPanelDlgProc(HWND window, UINT message, WPARAM wParam, L
     if (message != WM_COMMAND) return 0;
     TransformControl* const controller = StoredController(window);
     if (LOWORD(wParam) == ConvertButton && controller) {
-        TVL::TraceIfThrown("a press of the page", [&] { ConvertToPRSController(controller); });
+        const bool isDone =
+            TVL::TraceIfThrown("a press of the page", [&] { ConvertToPRSController(controller); });
         // The window can be gone by now, which makes this do nothing.
-        StoreController(window, nullptr);
+        if (isDone) StoreController(window, nullptr);
     }
     return 1;
 }

@@ -190,13 +190,13 @@ class ControlCompleteKeyRestore final : public KeyRestore<C, K> {
     }
 
   private:
+    // A trade needs no memory. A record that keeps its own keys does, but only what is done again
+    // would ask for them, which nothing is behind a cancel.
     bool TakeBack(bool isUndo) override {
-        if (isUndo) return DoAgain();
-        const std::vector<K> keptKeys = keys;
-        const K keptCurrent = currentKey;
         const bool done = DoAgain();
-        keys = keptKeys;
-        currentKey = keptCurrent;
+        if (isUndo || !done) return done;
+        currentKey = this->Table().currentKey;
+        static_cast<void>(TVL::ThrownBy([this] { keys = this->Table().keys.Whole(); }));
         return done;
     }
 

@@ -170,7 +170,7 @@ class PartedArray {
             parts.push_back({start, {Place(whole_, start), Place(whole_, end)}});
         }
         parts_ = std::move(parts);
-        whole_ = {};
+        whole_.clear();  // its room stays, so that joining asks for none
         settled_ = 0;
         behind_ = 0;
     }

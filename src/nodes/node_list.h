@@ -77,13 +77,14 @@ TVL::CNode* FindNode(const TVL::CoreElement* owner, std::string_view name);
 // All real nodes of this owner, in order of creation.
 std::vector<TVL::CNode*> GetNodes(const TVL::CoreElement* owner);
 
-// Visits the nodes in order. They may come and go meanwhile; who comes is visited too.
+// Visits the nodes in order. They may come and go meanwhile, and the adaptor with them; who comes
+// is visited too.
 template <class Visit>
 void ForEachListedNode(Visit visit) {
-    NodeList::InOrder& nodes = AdaptorNodes().nodes;
-    for (auto at = nodes.begin(); at != nodes.end();) {
+    const auto next = [](std::uint64_t number) { return AdaptorNodes().nodes.upper_bound(number); };
+    for (auto at = next(0); at != AdaptorNodes().nodes.end();) {
         const std::uint64_t number = at->first;
         visit(*at->second);
-        at = nodes.upper_bound(number);
+        at = next(number);
     }
 }

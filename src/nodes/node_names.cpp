@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "host/interface.h"
+#include "xml/xml_text.h"
 
 namespace {
 
@@ -24,12 +25,11 @@ std::string::size_type CharacterStart(const std::string& text, std::string::size
 }
 
 constexpr const char* kReferenceElement = "max";
-constexpr std::string_view kSpace = " \t\n\v\f\r";
 
 std::string_view Trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(kSpace);
+    const std::size_t first = text.find_first_not_of(kXMLSpace);
     if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(kSpace) + 1 - first);
+    return text.substr(first, text.find_last_not_of(kXMLSpace) + 1 - first);
 }
 
 std::optional<std::uint32_t> HandleIn(std::string_view text) {

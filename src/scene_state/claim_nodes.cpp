@@ -54,6 +54,7 @@ void FindTaggedNodes(const std::string& pluginName, const NodeEntries& entries, 
     TagsInScene readNow;
     const auto& loads = NodesWithTags().loads;
     TagsInScene& tags = loads.empty() ? readNow : *loads.back();
+    tags.MarkUnordered();
     for (const auto& [name, index] : byName) {
         if (claims[index]) continue;
         INode* const host = tags.Find(pluginName, std::string(name));

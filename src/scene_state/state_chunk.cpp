@@ -13,6 +13,8 @@
 
 namespace {
 
+// Both are the scene's, which outlives the adaptor.
+
 // The scene's state was offered while there was no Core.
 bool isStateUnread = false;
 
@@ -90,11 +92,12 @@ IOResult SaveState(ISave& save) {
     return IO_OK;
 }
 
-// The Core may detach in the middle of the loading.
+// The Core may have left in the middle of the loading.
 bool HandToCore(const XMLNode& state) {
-    const CoreLoads loading;
     CoreInterface* const core = AttachedCore();
-    if (!core) return true;
+    isStateUnread = !core;
+    if (!core) return false;
+    const CoreLoads loading;
     return CallCore("SetCoreState", [&] { core->SetCoreState(state); }) && loading.IsAnswered();
 }
 

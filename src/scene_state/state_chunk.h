@@ -20,14 +20,14 @@ StateRecord& RecordOfState();
 IOResult SaveState(ISave& save);
 
 // False if the Core could not take the state: it threw, or could not be answered when it asked for
-// its nodes. Without a Core nobody is to take it.
+// its nodes, or there is none.
 bool HandToCore(const XMLNode& state);
 
 // Each state chunk goes to the Core as it comes, and the plug-ins of older chunks at the end, in
 // one element, also if there are none. What the Core could not take makes the loading fail, when
 // all has been handed over, so that the host keeps it. A state chunk that cannot be read ends the
 // loading at once, with the reader inside it; what the Core has not got of those ahead of it, each
-// save writes ahead of the Core's own state until the scene is left.
+// save that writes a state writes ahead of that until the scene is left.
 IOResult LoadState(ILoad& load);
 
 // A plug-in's state as an earlier version stored it, in a tree of chunks; older_state.cpp has its

@@ -9,11 +9,11 @@
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
-#include <utility>
 
 #include "scene_state/state_format.h"
 #include "tvl/base64_buffer.h"
 #include "tvl/huffman_buffer.h"
+#include "xml/xml_text.h"
 
 namespace {
 
@@ -55,7 +55,7 @@ void DropDuplicates(StoredPlugins& masters) {
 
 // The number at the start of the text, within 32 bits; 0 if there is none.
 std::int32_t NumberIn(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+    text.remove_prefix(std::min(text.find_first_not_of(kXMLSpace), text.size()));
     const bool isNegative = text.starts_with('-');
     if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
     std::int32_t number = 0;
@@ -129,8 +129,7 @@ void Link(const StateBuilders& builders, const StoredPlugins& masters) {
 
 }  // namespace
 
-// Plug-ins can be nested deep, so nothing recurses. One without an element leaves its place to what
-// is below it.
+// Plug-ins can be nested deep, so nothing recurses.
 XMLNode StateBuilder::Build() const {
     XMLNode built = element;
     std::vector<Step> pending = {{this, &built}};
@@ -154,6 +153,7 @@ XMLNode StateTree(StoredPlugins masters) {
     XMLNode state = Element(kStateElement);
     for (const auto& builder : builders) {
         if (builder->parent) continue;
+        // Built in its place: a tree moves by being copied.
         state.AddChild(std::unique_ptr<XMLNode>(new XMLNode(builder->Build())));
     }
     return state;

@@ -51,13 +51,14 @@ const TagsInScene::Names* TagsInScene::NamesOn(INode& node) {
 }
 
 void TagsInScene::Read() {
+    isRead_ = false;
     byPluginName_.clear();
     WalkScene([this](INode& node) {
         const Names* const names = NamesOn(node);
         if (names) byPluginName_[names->plugin][names->object].emplace_back(&node);
     });
     arrivals_ = AdaptorNodes().arrivals;
-    isRead_ = true;
+    isRead_ = isInOrder_ = true;
 }
 
 const std::vector<HostNodeLink>* TagsInScene::Bearers(const std::string& pluginName,
@@ -68,12 +69,11 @@ const std::vector<HostNodeLink>* TagsInScene::Bearers(const std::string& pluginN
     return object == plugin->second.end() ? nullptr : &object->second;
 }
 
-// Nodes that are gone, or have another tag by now, are passed over. Which of several is the first
-// can have changed with their parents.
+// Nodes that are gone, or have another tag by now, are passed over.
 INode* TagsInScene::Find(const std::string& pluginName, const std::string& objectName) {
     if (!isRead_ || arrivals_ != AdaptorNodes().arrivals) Read();
     const std::vector<HostNodeLink>* nodes = Bearers(pluginName, objectName);
-    if (nodes && nodes->size() > 1) {
+    if (nodes && nodes->size() > 1 && !isInOrder_) {
         Read();
         nodes = Bearers(pluginName, objectName);
     }

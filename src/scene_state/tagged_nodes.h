@@ -66,6 +66,8 @@ class TagsInScene {
     // none.
     INode* Find(const std::string& pluginName, const std::string& objectName);
 
+    // Which of several nodes is the first can have changed since the scene was read.
+    void MarkUnordered() { isInOrder_ = false; }
     void MarkStale() { isRead_ = false; }
 
     // The Core asked for nodes and could not be answered.
@@ -97,6 +99,7 @@ class TagsInScene {
     std::unordered_map<std::string, ByObjectName> byPluginName_;  // in the order of the scene
     std::uint64_t arrivals_ = 0;                                  // when it was read
     bool isRead_ = false;
+    bool isInOrder_ = false;
     bool isAnswered_ = true;
     bool isAbandoned_ = false;
 };
@@ -122,7 +125,8 @@ class CoreLoads {
 
     // Whatever the Core has asked for so far.
     bool IsAnswered() const {
-        return tags_->IsAnswered() && lostClaimsBefore_ == AdaptorNodes().lostClaims;
+        return tags_->IsAbandoned() ||
+               (tags_->IsAnswered() && lostClaimsBefore_ == AdaptorNodes().lostClaims);
     }
 
   private:

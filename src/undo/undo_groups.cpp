@@ -174,7 +174,9 @@ OutsideHold::~OutsideHold() {
 
 void EndHoldOfGroups() {
     UndoGroups& groups = OpenUndoGroups();
-    if (!groups.undoGroups.empty()) EndHold(groups, std::string(groups.undoGroups.front()));
+    if (groups.undoGroups.empty()) return;
+    TVL::TraceIfThrown("the end of undo groups",
+                       [&] { EndHold(groups, std::string(groups.undoGroups.front())); });
 }
 
 void CancelHoldBegunSince(std::uint32_t nests) {
@@ -189,6 +191,6 @@ int CloseLeftUndoGroups() {
     const int left = static_cast<int>(open.size());
     if (left == 0) return 0;
     open.resize(1);
-    EndUndoGroup();
+    TVL::TraceIfThrown("the end of undo groups", &EndUndoGroup);
     return left;
 }

@@ -63,7 +63,8 @@ class OutsideHold {
 
 // End the hold that the open groups began, if it is still theirs: as the last EndUndoGroup would,
 // or by a cancel if the nest is younger than the first `nests`. The names stay for their own
-// endings, which end nothing else.
+// endings, which end nothing else. What a record of somebody else's throws then is traced, here and
+// in the next one: whoever takes a Core down goes on.
 void EndHoldOfGroups();
 void CancelHoldBegunSince(std::uint32_t nests);
 

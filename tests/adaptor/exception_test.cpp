@@ -255,4 +255,45 @@ TEST_F(Exceptions, DoNotReachTheCore) {
             Sweep(operation, isRecording);
 }
 
+// A node is the adaptor's again whenever its scene node is there again.
+TEST_F(Exceptions, LoseNoNodeThatComesBack) {
+    const std::pair<const char*, std::function<void()>> ways[] = {
+        {"undo of a deletion",
+         [&] {
+             hip->Delete(true);
+             adaptor.EndUndoGroup();
+         }},
+        {"redo of a creation",
+         [&] {
+             adaptor.CreateHelperNode(&rig, "New", nullptr, Corner(), &listener);
+             adaptor.EndUndoGroup();
+             world.Session().Undo();
+         }},
+    };
+    for (const auto& [name, leadUp] : ways) {
+        bool hasFailed = true;
+        for (std::size_t nth = 1; hasFailed; ++nth) {
+            SCOPED_TRACE(testing::Message() << name << ' ' << nth);
+            Prepare(false);
+            adaptor.BeginUndoGroup("step");
+            leadUp();
+            {
+                const FailingAllocation fault(nth);
+                try {
+                    *name == 'u' ? world.Session().Undo() : world.Session().Redo();
+                } catch (const std::bad_alloc&) {  // of a record of the host's own
+                }
+                hasFailed = fault.HasFailed();
+            }
+            const auto isOurs = [](const headless::NodeView& node) {
+                return node.name.starts_with("Rig_");
+            };
+            EXPECT_GE(static_cast<std::ptrdiff_t>(adaptor.GetNodes(&rig).size()),
+                      std::ranges::count_if(headless::Nodes(), isOurs))
+                << Standing() << Trace();
+            Leave();
+        }
+    }
+}
+
 }  // namespace

@@ -113,7 +113,7 @@ void Clone(Play& play, INode* node) {
 
 // Not from the Core, which hears of no deletion but that of what is picked.
 void Delete(Play& play, INode* node) {
-    if (AdaptorNodes().byHost.contains(node)) return;
+    if (FindAnnouncedNode(node)) return;
     if (!theHold.Holding()) play.ExcuseGoneNodes();
     GetCOREInterface()->DeleteNode(node);
 }

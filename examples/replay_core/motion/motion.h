@@ -26,7 +26,7 @@ enum class Channel : std::uint8_t {
 inline constexpr std::size_t kNoJoint = std::numeric_limits<std::size_t>::max();
 
 struct Joint {
-    std::string name;                // as in the file: two joints may share one (see joint_names.h)
+    std::string name;                // as in the file: two joints may share one
     std::size_t parent = kNoJoint;   // index of an earlier joint; kNoJoint for a root
     std::array<double, 3> offset{};  // from the parent's joint, along the parent's axes
     std::vector<Channel> channels;   // in the order of the file, which is the order of the turns

@@ -20,8 +20,8 @@ struct TakeNodes {
 };
 
 // Finds the nodes of the take by their names, and makes those that are not in the scene: a helper
-// for each joint, under its parent, with its bones for a shape (see bones.h), and a free camera.
-// Inside an undo group the take's book hears of them.
+// for each joint, under its parent, with its bones for a shape (see helper_look.h), and a free
+// camera. Inside an undo group the take's book hears of them.
 TakeNodes FindOrMakeNodes(TVL::AdaptorInterface& adaptor, const Motion& motion,
                           double metresPerUnit, Take& take);
 

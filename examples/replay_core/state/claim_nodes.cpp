@@ -10,7 +10,7 @@
 namespace replay {
 namespace {
 
-// A stored text ends at its first NUL, so no tag bears this name and every node is found by its
+// No plug-in bears this name, and so no tag that one has written: every node is found by its
 // handle.
 constexpr std::string_view kNobody("\0", 1);
 

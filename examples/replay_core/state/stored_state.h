@@ -16,7 +16,7 @@ namespace replay {
 //                           the scene was opened stand last, as they were read
 //       ...                 what a scene file had beyond that
 //
-// Paths and names of nodes stand as stored_text.h says. A plug-in whose text is longer than
+// Paths and names of nodes stand as stored_form.h says. A plug-in whose text is longer than
 // kLongestPlainText is packed (attribute `compressed`). The state is stored twice: the whole of it,
 // plug-ins within plug-ins, with the scene, and each plug-in alone with the nodes of its take, so
 // that it comes along when the scene is merged into another.
