@@ -18,25 +18,25 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <csignal>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <filesystem>
 #include <map>
 #include <string>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 extern "C" {
 void* __libc_malloc(size_t);
 void* __libc_calloc(size_t, size_t);
 void* __libc_realloc(void*, size_t);
-void* __libc_memalign(size_t, size_t);
 }
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -61,7 +61,7 @@ Book unread;
 Book* book = &unread;
 std::string_view kind = "none";
 long nth = 0;
-char ourFolder[PATH_MAX] = "";
+std::string& ourFolder = *new std::string;
 thread_local bool isCounted = false;  // on the main thread, once `main` has begun
 
 // What is asked of the system here is nothing that the command asks.
@@ -82,26 +82,18 @@ bool Contains(std::string_view text, Parts parts) {
     return std::ranges::any_of(parts, [&](auto part) { return text.find(part) != text.npos; });
 }
 
-bool IsKind(Parts kinds) {
-    return std::ranges::count(kinds, kind) > 0;
-}
-
 void Note(const char* what, const char* where) {
     book->struck = true;
     std::snprintf(book->what, sizeof book->what, "%s %.480s", what, where);
 }
 
 std::string PathOf(int file) {
-    char text[PATH_MAX] = "";
-    const std::string link = "/proc/self/fd/" + std::to_string(file);
-    const ssize_t length = readlink(link.c_str(), text, sizeof text);
-    return {text, static_cast<std::size_t>(std::max<ssize_t>(length, 0))};
+    std::error_code none;
+    return fs::read_symlink("/proc/self/fd/" + std::to_string(file), none);
 }
 
 std::string PathOf(const char* name) {
-    char folder[PATH_MAX] = "";
-    if (name[0] == '/' || getcwd(folder, sizeof folder) == nullptr) return name;
-    return std::string(folder) + '/' + name;
+    return fs::absolute(name);
 }
 
 bool IsSystems(std::string_view path) {
@@ -112,77 +104,50 @@ bool IsSystems(std::string_view path) {
 
 // The disk ---------------------------------------------------------------------------------------
 
-// A name that the disk does not know yet is there once its folder has been synced.
-struct NameChange {
-    std::string from;  // empty if the name was made
-    std::string to;    // empty if the name was removed
-    std::string old;   // what stood under the lost name; empty if nothing did
-};
+// What the disk has of the files that were written, by their inodes: so many bytes. Files are
+// closed after the last destructor.
+auto& synced = *new std::map<ino_t, off_t>;
 
-// What the disk does not have yet.
-struct Disk {
-    std::map<std::string, off_t> synced;  // of what was written: so many bytes
-    std::vector<NameChange> names;
-    int attic = 0;  // links that keep what stood under lost names
-};
-Disk& disk = *new Disk;  // files are closed after the last destructor
-
-void NoteName(const std::string& from, const std::string& to, const std::string& lost) {
-    NameChange& change = disk.names.emplace_back(NameChange{from, to, ""});
-    const char* const attic = std::getenv("LUMISET_FAULT_ATTIC");
-    if (attic == nullptr || access(lost.c_str(), F_OK) != 0) return;
-    const std::string kept = std::string(attic) + '/' + std::to_string(disk.attic++);
-    if (link(lost.c_str(), kept.c_str()) == 0) change.old = kept;
+// The names that the disk has in the folder of the run, as links to what stands under them.
+fs::path Attic() {
+    return std::getenv("LUMISET_FAULT_ATTIC");
 }
 
-void NoteOpened(const char* name, bool makes) {
-    if (!isCounted) return;
+void Replace(const fs::path& folder, const fs::path& source) {
+    for (const auto& entry : fs::directory_iterator(folder))
+        fs::remove(entry);
+    for (const auto& entry : fs::directory_iterator(source))
+        fs::create_hard_link(entry, folder / entry.path().filename());
+}
+
+// The first write to an empty file may be to a new one, which has the inode of another that is
+// gone.
+void NoteWrite(int file) {
     const Aside aside;
-    const std::string path = PathOf(name);
-    if (IsSystems(path)) return;
-    disk.synced[path] = 0;
-    if (makes) NoteName("", path, "");
+    struct stat status {};
+    if (fstat(file, &status) != 0) return;
+    off_t& size = synced[status.st_ino];
+    if (status.st_size == 0) size = 0;
 }
 
 void NoteSync(int file) {
     const Aside aside;
-    const std::string path = PathOf(file);
     struct stat status {};
-    if (fstat(file, &status) != 0) return;
-    if (disk.synced.contains(path)) disk.synced[path] = status.st_size;
-    if (!S_ISDIR(status.st_mode)) return;
-    std::erase_if(disk.names, [&](const NameChange& change) {
-        const std::string& name = change.from.empty() ? change.to : change.from;
-        return name.substr(0, name.rfind('/')) == path;
-    });
-}
-
-void NoteRename(const std::string& from, const std::string& to) {
-    if (auto written = disk.synced.extract(from)) {
-        disk.synced.erase(to);
-        written.key() = to;
-        disk.synced.insert(std::move(written));
-    }
-}
-
-void TakeNamesBack() {
-    for (; !disk.names.empty(); disk.names.pop_back()) {
-        const auto& [from, to, old] = disk.names.back();
-        if (from.empty())
-            unlinkat(AT_FDCWD, to.c_str(), 0);
-        else if (!to.empty())
-            REAL(rename)(to.c_str(), from.c_str());
-        if (!old.empty()) REAL(rename)(old.c_str(), (to.empty() ? from : to).c_str());
-    }
+    if (fstat(file, &status) == 0) synced[status.st_ino] = status.st_size;
+    if (kind == "lost" && fs::equivalent(PathOf(file), ".")) Replace(Attic(), ".");
 }
 
 // What the disk does when the power goes: `cut` loses contents that were not synced, and `lost`
 // names as well.
 void LosePower() {
-    if (kind != "kill")
-        for (const auto& [path, size] : disk.synced)
-            if (truncate(path.c_str(), size) != 0) continue;
-    if (kind == "lost") TakeNamesBack();
+    if (kind == "kill") return;
+    for (const auto& entry : fs::directory_iterator(".")) {
+        struct stat status {};
+        if (stat(entry.path().c_str(), &status) != 0 || !synced.contains(status.st_ino)) continue;
+        const off_t size = std::min(status.st_size, synced[status.st_ino]);
+        fs::resize_file(entry, static_cast<std::uintmax_t>(size));
+    }
+    if (kind == "lost") Replace(".", Attic());
 }
 
 [[noreturn]] void Die() {
@@ -211,7 +176,7 @@ Answer Ask(const char* what, File file, bool canBePart = false) {
     if (kind == "liar" && std::strcmp(what, "fsync") == 0 && nth > 0) return Answer::kPretend;
     if (++book->operations != nth || kind == "alloc") return Answer::kDo;
     Note(what, path.c_str());
-    if (IsKind({"kill", "cut", "lost", "liar"})) Die();
+    if (Contains("kill cut lost liar", {kind})) Die();
     if (kind == "lie")
         return Contains(what, {"open", "read", "stat"}) ? Answer::kDo : Answer::kPretend;
     if (kind == "part") return canBePart ? Answer::kPart : Answer::kDo;
@@ -226,28 +191,10 @@ int Done(const char* what, File file, Work work, bool canBePart = false) {
     return answer == Answer::kPretend ? 0 : work();
 }
 
-template <class Open>
-int Opened(const char* name, int flags, Open open) {
-    const Answer answer = Ask("open", name);
-    if (answer == Answer::kFail || answer == Answer::kPretend) return -1;
-    const bool makes = (flags & O_CREAT) != 0 && access(name, F_OK) != 0;
-    const int file = open();
-    if (file >= 0 && (flags & O_ACCMODE) != O_RDONLY) NoteOpened(name, makes);
-    return file;
-}
-
-FILE* Opened(const char* name, std::string_view mode, FILE* (*open)(const char*, const char*)) {
-    FILE* file = nullptr;
-    const bool writes = mode[0] != 'r' || Contains(mode, {"+"});
-    Opened(name, (writes ? O_RDWR : O_RDONLY) | (mode[0] != 'r' ? O_CREAT : 0), [&] {
-        file = open(name, mode.data());
-        return file == nullptr ? -1 : 0;
-    });
-    return file;
-}
-
-mode_t ModeOf(int flags, va_list arguments) {
-    return (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
+// For what gives null where it fails.
+template <class... Given, class Result>
+Result* Opened(Result* (*open)(const char*, Given...), const char* name, Given... given) {
+    return Ask("open", name) == Answer::kDo ? open(name, given...) : nullptr;
 }
 
 // A write, or a read, that may come to its half.
@@ -259,27 +206,20 @@ ssize_t Moved(const char* what, int file, size_t size, Work work) {
     return work(answer == Answer::kPart ? size / 2 : size);
 }
 
-// A file that could not be closed well is closed.
-template <class Close>
-int Closed(int file, Close close) {
-    const Answer answer = Ask("close", file);
-    const int reason = errno;
-    const int result = close();
-    if (answer != Answer::kFail) return result;
-    errno = reason;
-    return EOF;
+template <class Work>
+ssize_t Written(int file, size_t size, Work work) {
+    if (isCounted) NoteWrite(file);
+    return Moved("write", file, size, work);
 }
 
-template <class Work>
-int Removed(const char* name, Work work) {
-    return Done("unlink", name, [&] {
-        if (isCounted && access(name, F_OK) == 0) {
-            const Aside aside;
-            const std::string path = PathOf(name);
-            if (!IsSystems(path)) NoteName(path, "", path);
-        }
-        return work();
-    });
+// A file that could not be closed well is closed.
+template <class File>
+int Closed(int number, File file, int (*close)(File)) {
+    const bool isFailing = Ask("close", number) == Answer::kFail;
+    const int reason = errno;
+    const int result = close(file);
+    if (isFailing) errno = reason;
+    return isFailing ? EOF : result;
 }
 
 // Allocations ------------------------------------------------------------------------------------
@@ -339,36 +279,24 @@ EXPORTED void* realloc(void* block, size_t size) noexcept {
     return Fails() ? nullptr : __libc_realloc(block, size);
 }
 
-EXPORTED void* aligned_alloc(size_t alignment, size_t size) noexcept {
-    return Fails() ? nullptr : __libc_memalign(alignment, size);
-}
-
 EXPORTED int open(const char* name, int flags, ...) {
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = ModeOf(flags, arguments);
-    va_end(arguments);
-    return Opened(name, flags, [&] { return REAL(open)(name, flags, mode); });
-}
-
-EXPORTED int openat(int folder, const char* name, int flags, ...) {
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = ModeOf(flags, arguments);
-    va_end(arguments);
-    return Opened(name, flags, [&] { return REAL(openat)(folder, name, flags, mode); });
+    va_list rest;
+    va_start(rest, flags);
+    const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
+    va_end(rest);
+    return Done("open", name, [&] { return REAL(open)(name, flags, mode); });
 }
 
 EXPORTED FILE* fopen(const char* name, const char* mode) {
-    return Opened(name, mode, REAL(fopen));
+    return Opened(REAL(fopen), name, mode);
 }
 
 EXPORTED FILE* fopen64(const char* name, const char* mode) {
-    return Opened(name, mode, REAL(fopen64));
+    return Opened(REAL(fopen64), name, mode);
 }
 
 EXPORTED DIR* opendir(const char* name) {
-    return Ask("open", name) == Answer::kDo ? REAL(opendir)(name) : nullptr;
+    return Opened(REAL(opendir), name);
 }
 
 EXPORTED ssize_t read(int file, void* bytes, size_t size) {
@@ -376,14 +304,14 @@ EXPORTED ssize_t read(int file, void* bytes, size_t size) {
 }
 
 EXPORTED ssize_t write(int file, const void* bytes, size_t size) {
-    return Moved("write", file, size, [&](size_t part) { return REAL(write)(file, bytes, part); });
+    return Written(file, size, [&](size_t part) { return REAL(write)(file, bytes, part); });
 }
 
 EXPORTED ssize_t writev(int file, const iovec* blocks, int count) {
     size_t size = 0;
     for (int i = 0; i < count; ++i)
         size += blocks[i].iov_len;
-    return Moved("write", file, size, [&](size_t part) {
+    return Written(file, size, [&](size_t part) {
         if (part == size) return REAL(writev)(file, blocks, count);
         while (blocks->iov_len == 0)
             ++blocks;
@@ -401,23 +329,11 @@ EXPORTED int fsync(int file) {
 }
 
 EXPORTED int rename(const char* from, const char* to) noexcept {
-    return Done("rename", to, [&] {
-        if (!isCounted) return REAL(rename)(from, to);
-        const Aside aside;
-        if (access(from, F_OK) == 0) NoteName(PathOf(from), PathOf(to), to);
-        const int result = REAL(rename)(from, to);
-        if (result == 0) NoteRename(PathOf(from), PathOf(to));
-        return result;
-    });
-}
-
-EXPORTED int unlinkat(int folder, const char* name, int flags) noexcept {
-    if (folder != AT_FDCWD) return REAL(unlinkat)(folder, name, flags);
-    return Removed(name, [&] { return REAL(unlinkat)(folder, name, flags); });
+    return Done("rename", to, [&] { return REAL(rename)(from, to); });
 }
 
 EXPORTED int remove(const char* name) noexcept {
-    return Removed(name, [&] { return REAL(remove)(name); });
+    return Done("unlink", name, [&] { return REAL(remove)(name); });
 }
 
 EXPORTED int fchmodat(int folder, const char* name, mode_t mode, int flags) noexcept {
@@ -437,11 +353,11 @@ EXPORTED int mkdir(const char* name, mode_t mode) noexcept {
 }
 
 EXPORTED int close(int file) {
-    return Closed(file, [&] { return REAL(close)(file); });
+    return Closed(file, file, REAL(close));
 }
 
 EXPORTED int fclose(FILE* file) {
-    return Closed(fileno(file), [&] { return REAL(fclose)(file); });
+    return Closed(fileno(file), file, REAL(fclose));
 }
 
 // A clock that moves by one step each time it is looked at, so that two runs are alike.
@@ -472,9 +388,7 @@ int Main(int argc, char** argv, char** environment) {
         kind = std::string_view(fault).substr(0, std::strcspn(fault, ":"));
         nth = std::atol(fault + kind.size() + 1);
     }
-    const ssize_t length = readlink("/proc/self/exe", ourFolder, sizeof ourFolder - 1);
-    ourFolder[std::max<ssize_t>(length, 0)] = '\0';
-    if (char* const slash = std::strrchr(ourFolder, '/')) slash[1] = '\0';
+    ourFolder = fs::read_symlink("/proc/self/exe").parent_path().string() + '/';
     alarm(kLongestRun);
     isCounted = true;
     return realMain(argc, argv, environment);

@@ -23,14 +23,14 @@ VERBS = {"record": "record small.bvh --scene take.scene --poses poses.csv",
          "convert": "convert in.scene --save in.scene",
          "render": "render in.scene --time 0 --size 32x32 -o picture.png"}
 
-REFUSALS = ["alloc", "eio", "enospc", "eacces"]
 SURVIVED = ["part", "eintr"]  # whoever asks again gets what it wants
 DEATHS = ["kill", "cut", "lost"]
+HONEST = ["alloc", "eio", "enospc", "eacces"] + SURVIVED + DEATHS
 # What a disk does that lies about a write, a name, or all syncs. It cannot be helped, and must be
 # seen.
 LIES = ["lie", "liar"]
 
-# Of a sample.
+# How many of a kind a sample passes over.
 STRIDES = {"alloc": 97}
 STRIDE = 7
 SLOWER = {"render": 6}
@@ -89,6 +89,7 @@ class Place:
             path.unlink()
         for name, content in files.items():
             (self.scenes / name).write_bytes(content)
+            os.link(self.scenes / name, self.home / "attic" / name)
 
     def run(self, words, fault="none:0"):
         (self.home / "book").write_bytes(bytes(BOOK.size))
@@ -140,38 +141,31 @@ class Verb:
             self.sound.add((name, content, keeps_old))
         return is_sound
 
-    def fault_in_folder(self, place, is_done, keeps_old, may_leave):
+    def fault_in_folder(self, place, ending, may_leave):
+        keeps_old = has_complaint(ending) and any(
+            words in ending.out for words in ("kept as they are stored", "they were never claimed"))
         now = folder_files(place.scenes)
-        for name, content in self.after.items():
-            before = self.before.get(name)
-            if name not in now:
-                if is_done or before is not None:
-                    return f"{name} is gone"
-            elif content == before:
-                if now[name] != before:
-                    return f"{name} has changed"
-            elif not (now[name] == before and not is_done) and \
-                    not self.is_as_good(place, name, now[name], keeps_old):
-                return f"{name} is not what was to be saved" if is_done else \
-                    f"{name} is neither old nor new"
-        for name in now.keys() - self.after.keys():
-            if not (may_leave and name.endswith(".saving")):
-                return f"{name} is left behind"
-        return ""
+        for name, after in self.after.items():
+            before, found = self.before.get(name), now.pop(name, None)
+            if found == before and (ending.status != 0 or before == after):
+                continue
+            if found is None:
+                return f"{name} is gone"
+            if before == after or not self.is_as_good(place, name, found, keeps_old):
+                return f"{name} is not what was to be saved, nor as it was"
+        left = [name for name in now if not (may_leave and name.endswith(".saving"))]
+        return f"{left[0]} is left behind" if left else ""
 
     def fault_in_words(self, kind, ending):
-        if ending.status < 0:
-            return f"ended by {signal.Signals(-ending.status).name}"
-        if ending.status > 1:
+        if ending.status == 0:
+            is_told = ending.out == self.ending.out or has_complaint(ending)
+            return "" if is_told else "success in other words"
+        if ending.status != 1:
             return f"status {ending.status}"
-        if ending.status == 1:
-            if kind in SURVIVED:
-                return "refuses what is to be survived"
-            if "\nlumiset-headless: " not in "\n" + ending.error or "std::" in ending.error:
-                return "has no words for its refusal"
-        elif ending.out != self.ending.out and not has_complaint(ending):
-            return "success in other words"
-        return ""
+        if kind in SURVIVED:
+            return "refuses what is to be survived"
+        has_words = "\nlumiset-headless: " in "\n" + ending.error and "std::" not in ending.error
+        return "" if has_words else "has no words for its refusal"
 
 
 def has_complaint(ending):
@@ -183,7 +177,7 @@ def has_complaint(ending):
 def fault_in_next_save(place):
     """The next save takes away what is a day old and cut, and nothing else; of a table it cannot
     tell whether it is cut."""
-    left = [path for path in place.scenes.iterdir() if path.name.endswith(".saving")]
+    left = list(place.scenes.glob("*.saving"))
     for path in left:
         os.utime(path, (time.time() - 48 * 3600,) * 2)
     if left:
@@ -206,12 +200,8 @@ def attempt(place, verb, kind, n):
         fault = verb.fault_in_words(kind, ending)
     if not fault and not may_leave and any((place.home / "tmp").iterdir()):
         fault = "a scratch file is left"
-    keeps_old = has_complaint(ending) and any(
-        words in ending.out for words in ("kept as they are stored", "they were never claimed"))
-    fault = fault or verb.fault_in_folder(place, ending.status == 0, keeps_old, may_leave)
-    if not fault and is_killed:
-        fault = fault_in_next_save(place)
-    return ending, fault
+    fault = fault or verb.fault_in_folder(place, ending, may_leave)
+    return ending, fault or (fault_in_next_save(place) if is_killed else "")
 
 
 def outcome(ending, fault):
@@ -222,9 +212,9 @@ def outcome(ending, fault):
     return {0: "done", 1: "refused"}.get(ending.status, "killed")
 
 
-def sweep(places, verb, kind, numbers):
-    """Every n until one has nothing left to fail; one run in each place at a time."""
-    figures, is_over = collections.Counter(), False
+def sweep(places, verb, kind, stride):
+    """Every n, or some, until one has nothing left to fail; one run in each place at a time."""
+    numbers, figures, is_over = itertools.count(1 + stride // 2, stride), collections.Counter(), False
     with concurrent.futures.ThreadPoolExecutor(len(places)) as pool:
         while not is_over:
             row = list(itertools.islice(numbers, len(places)))
@@ -258,7 +248,7 @@ def read_words():
     parser.add_argument("binaries", type=pathlib.Path, help="where command and injector are")
     parser.add_argument("folder", type=pathlib.Path, help="for all that the runs make")
     parser.add_argument("verb", nargs="?", choices=VERBS)
-    parser.add_argument("kind", nargs="?", choices=REFUSALS + SURVIVED + DEATHS + LIES)
+    parser.add_argument("kind", nargs="?", choices=HONEST + LIES)
     parser.add_argument("n", nargs="?", type=int, help="this run alone, and all that it says")
     parser.add_argument("--sample", action="store_true", help="some of all, with fixed strides")
     parser.add_argument("--lies", action="store_true", help="that a lying disk is seen, and an honest one not")
@@ -282,8 +272,7 @@ def main():
     verbs = [given.verb] if given.verb else VERBS
     if not (binaries / "headless_viewport.so").exists():
         verbs = [name for name in verbs if name != "render"]
-    honest = ["eio"] + DEATHS if given.lies else REFUSALS + SURVIVED + DEATHS
-    kinds = [given.kind] if given.kind else honest + LIES * given.lies
+    kinds = [given.kind] if given.kind else ["eio"] + DEATHS + LIES if given.lies else HONEST
     everything, is_seen = collections.Counter(), True
     for name in verbs:
         verb = Verb(places[0], name, inputs)
@@ -291,7 +280,7 @@ def main():
             return show(places[0], verb, given.kind, given.n)
         for kind in kinds:
             stride = STRIDES.get(kind, STRIDE) * SLOWER.get(name, 1) if given.sample else 1
-            figures = sweep(places, verb, kind, itertools.count(1 + stride // 2, stride))
+            figures = sweep(places, verb, kind, stride)
             everything += figures
             is_seen &= (figures["faults"] > 0) == (kind in LIES)
     tell("all", everything)
