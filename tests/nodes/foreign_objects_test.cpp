@@ -24,14 +24,6 @@ class Foreign : public Base {
     Class_ID id_;
 };
 
-class ForeignShape final : public Foreign<ShapeObject> {
-  public:
-    ForeignShape() : Foreign(SHAPE_CLASS_ID, {1, 2}) {}
-    int NumberOfCurves() override { return 7; }
-    float LengthOfCurve(TimeValue, int) override { return 1; }
-    Point3 InterpCurve3D(TimeValue, int, float, int) override { return {}; }
-};
-
 // Triangles, whatever it says it is; or it only claims to be some, like what stands in for a mesh
 // that could not be read.
 class ForeignMesh final : public Foreign<TriObject> {
@@ -95,7 +87,6 @@ TEST_F(ForeignObjects, AreWhatTheirIdsSayButForWhatOnlyOursCanBe) {
         {headless::NewSphere(1, 8), " look mesh of faces"},
         {headless::NewGround(1, 1), " look mesh of faces"},
         {new CustomHelperObject, " look mesh"},
-        {new ForeignShape, " shape 7 look mesh"},
         {new ForeignMesh(GEOMOBJECT_CLASS_ID, kTriangles), " look mesh of faces"},
         {new ForeignMesh(GEOMOBJECT_CLASS_ID, {9, 1}), " look mesh"},
         {new ForeignMesh(HELPER_CLASS_ID, kTriangles), " look mesh"},
@@ -105,7 +96,7 @@ TEST_F(ForeignObjects, AreWhatTheirIdsSayButForWhatOnlyOursCanBe) {
     for (const auto& [object, lent] : cases)
         EXPECT_EQ(WhatIsLentBy(*NodeOn(object)), lent);
 
-    INode* const host = GetCOREInterface()->CreateObjectNode(new ForeignShape);
+    INode* const host = GetCOREInterface()->CreateObjectNode(CreateNewTriObject());
     auto* const node = new CMAXNode(nullptr, host);
     auto* const control = new ForeignControl(CTRL_MATRIX3_CLASS_ID, TransformControl::kClassID);
     host->SetTMController(control);

@@ -8,13 +8,11 @@ namespace {
 
 using Place = std::array<double, 3>;
 
-class LensSnapshot : public NodeTest {
-  protected:
-    Node* const eye = Camera("Eye");
-    TVL::CSnapshot_Lens* const lens = eye->AcquireLensSnapshot(0.5);
-};
+using LensSnapshot = NodeTest;
 
 TEST_F(LensSnapshot, ConvertsAnglesAndTakesTheThreeTypesAloneUntilTheCameraIsNotShown) {
+    Node* const eye = Camera("Eye");
+    TVL::CSnapshot_Lens* const lens = eye->AcquireLensSnapshot(0.5);
     EXPECT_EQ(lens->GetTime(), 0.5);
     EXPECT_EQ(lens->GetLensTransform(), TVL::CMatrix4::Identity());
     lens->SetFieldOfView(45);
@@ -42,7 +40,8 @@ TEST_F(LensSnapshot, ConvertsAnglesAndTakesTheThreeTypesAloneUntilTheCameraIsNot
     eye->ReleaseLensSnapshot(nullptr);
 }
 
-// A line along x whose point at a parameter is the parameter, and which notes what it is asked.
+// A line along x whose point at a parameter is the parameter, and which notes what it is asked. It
+// has no type information of the language, as shapes of other plug-ins may have none.
 class TellingShape final : public ShapeObject {
   public:
     int NumberOfCurves() override { return 1; }

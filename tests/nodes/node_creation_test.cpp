@@ -67,16 +67,13 @@ TEST_F(NodeCreation, NamesTheSceneNodeByItsOwnerWhoFindsTheFirstOfAName) {
     EXPECT_EQ(TimesTraced("parent: Joint"), 1U);
 }
 
-class HelperLook : public NodeTest {
-  protected:
-    // A helper of the adaptor's own, as it comes from a scene file.
-    CustomHelperObject* const custom = new CustomHelperObject;
-    const std::unique_ptr<CMAXNode> node = NodeOn(custom);
-    TVL::CSnapshot_Helper* const look = node->AcquireHelperSnapshot();
-    void TearDown() override { node->ReleaseHelperSnapshot(look); }
-};
+using HelperLook = NodeTest;
 
-TEST_F(HelperLook, SetsTheWireColourFromTruncatedChannels) {
+// A helper of the adaptor's own, as it comes from a scene file.
+TEST_F(HelperLook, IsThatOfTheAdaptorsOwnObjectAsLongAsTheNodeShowsItAndTheWiresOfTheNode) {
+    auto* const custom = new CustomHelperObject;
+    const auto node = NodeOn(custom);
+    TVL::CSnapshot_Helper* const look = node->AcquireHelperSnapshot();
     constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
     constexpr float kHuge = std::numeric_limits<float>::max();
     const struct {
@@ -91,9 +88,7 @@ TEST_F(HelperLook, SetsTheWireColourFromTruncatedChannels) {
         look->SetColor(given.red, given.green, given.blue);
         EXPECT_EQ(node->HostNode()->GetWireColor(), given.colour);
     }
-}
 
-TEST_F(HelperLook, IsThatOfTheAdaptorsOwnObjectAsLongAsTheNodeShowsIt) {
     look->SetColor(0, 1, 0.25F);
     look->SetWireframe(false);
     look->SetBackfaceCull(true);
@@ -111,6 +106,7 @@ TEST_F(HelperLook, IsThatOfTheAdaptorsOwnObjectAsLongAsTheNodeShowsIt) {
     EXPECT_EQ(node->HostNode()->GetWireColor(), 0x3FFF00U);
     EXPECT_EQ(kept->GetObjectRef(), custom);
     EXPECT_EQ(custom->wireframe, 0);
+    node->ReleaseHelperSnapshot(look);
 }
 
 }  // namespace

@@ -113,13 +113,16 @@ TEST_F(NodeHierarchy, AnnouncesItsExtensionsButForOne) {
     EXPECT_EQ(TimesTraced("3ds max node: Caught unhandled extension: 12345"), 1U);
 }
 
-TEST_F(NodeHierarchy, AnswersNothingOnceTheHostNodeIsGone) {
+TEST_F(NodeHierarchy, AnswersAndDoesNothingAsLongAsTheHostNodeIsGone) {
     Node* const same = Core(knee->GetParent());
     hip->Hide();
     EXPECT_FALSE(hip->IsVisible());
     hip->Show();
     EXPECT_TRUE(hip->IsVisible());
-    DeleteInHost("Rig_Hip");
+    TVL::CSnapshot* const out = hip->AcquireSnapshot(0);
+    TVL::CSnapshot_Helper* const look = hip->AcquireHelperSnapshot();
+    const std::uint64_t scene = headless::SceneDigest();
+    InGroup("Remove", [] { DeleteInHost("Rig_Hip"); });
     EXPECT_EQ(hip->GetName(), "");
     EXPECT_FALSE(hip->IsVisible() || hip->IsSameNode(same) || hip->GetChildCount() > 0);
     const std::initializer_list<const void*> answers = {
@@ -128,7 +131,16 @@ TEST_F(NodeHierarchy, AnswersNothingOnceTheHostNodeIsGone) {
     for (const void* answer : answers)
         EXPECT_EQ(answer, nullptr);
     EXPECT_EQ(hip->HandleExtension(TVL::kCloneBelow, nullptr), 0);
-    same->Destroy();
+    hip->Select();
+    hip->SetParent(nullptr);
+    hip->DeleteAnimationFrom(0);
+    same->Delete(true);
+    out->SetWorldTransform(TVL::CMatrix4::Zero());
+    look->SetColor(1, 1, 1);
+    ASSERT_TRUE(world.Session().Undo());
+    EXPECT_EQ(headless::SceneDigest(), scene);
+    hip->ReleaseSnapshot(out);
+    hip->ReleaseHelperSnapshot(look);
 }
 
 }  // namespace

@@ -50,20 +50,6 @@ TEST_F(NodeLifetime, LeavesSnapshotsThatAreOutWithoutANodeAndReportsThemInTheOrd
     EXPECT_EQ(SweepNodes().snapshots, 5);
 }
 
-TEST_F(NodeLifetime, LosesTheHostNodeUnderASnapshotThatIsOut) {
-    Node* const hip = Helper("Hip");
-    TVL::CSnapshot* const out = hip->AcquireSnapshot(0);
-    TVL::CSnapshot_Helper* const look = hip->AcquireHelperSnapshot();
-    const std::uint64_t scene = headless::SceneDigest();
-    InGroup("Remove", [&] { DeleteInHost("Rig_Hip"); });
-    out->SetWorldTransform(TVL::CMatrix4::Zero());
-    look->SetColor(1, 1, 1);
-    ASSERT_TRUE(world.Session().Undo());
-    EXPECT_EQ(headless::SceneDigest(), scene);
-    hip->ReleaseSnapshot(out);
-    hip->ReleaseHelperSnapshot(look);
-}
-
 TEST_F(NodeLifetime, HandsANodeToACoreThatClaimsIt) {
     Node* const hip = Helper("Hip");
     Node* const handle = Core(Helper("Knee", hip)->GetParent());

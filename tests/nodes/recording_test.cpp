@@ -57,6 +57,7 @@ TEST_F(Recording, HasKeysAtTheTicksBelowTimesAndLosesThoseBehindOne) {
         camera->ReleaseLensSnapshot(lens);
         return distance;
     };
+    world.Session().PressAnimateButton(true);
     adaptor.BeginRecordingUnkeyed({&rig});
     EXPECT_EQ(Keys("Hip"), Ticks());
     for (const double seconds : {0.0004, 0.5, 1.0, 1.50019}) {
@@ -68,6 +69,8 @@ TEST_F(Recording, HasKeysAtTheTicksBelowTimesAndLosesThoseBehindOne) {
     }
     EXPECT_EQ(Keys("Hip"), (Ticks{1, 2400, 4800, 7200}));
     adaptor.EndRecording();
+    EXPECT_TRUE(Animating());  // as the user had it
+    world.Session().PressAnimateButton(false);
     hip->DeleteAnimationFrom(std::numeric_limits<double>::quiet_NaN());
     hip->DeleteAnimationFrom(0.5);
     EXPECT_EQ(Keys("Hip"), (Ticks{1, 2400}));
