@@ -3,6 +3,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,7 +14,10 @@
 #include "headless/scene_view.h"
 #include "host/hold.h"
 #include "host/interface.h"
+#include "nodes/max_node.h"
+#include "nodes/node_list.h"
 #include "scene_state/node_tags.h"
+#include "tvl/ids.h"
 
 namespace {
 
@@ -25,12 +29,19 @@ TVL::AdaptorInterface& Adaptor() {
     return *MaxAdaptorInterface::GetInstance();
 }
 
-// An owner that takes its nodes away when the user deletes them, as a Core does.
+// An owner that stores its state, and takes its nodes away when the user deletes them, as a Core
+// does.
 class Rig final : public TVL::CoreElement {
   public:
-    Rig() { plugin = &record_; }
-    std::vector<int> ListExtensions() override { return {43}; }
-    std::intptr_t HandleExtension(int, void*) override {
+    explicit Rig(const std::string& name = "Rig") : record_{name} { plugin = &record_; }
+    std::vector<int> ListExtensions() override { return {TVL::kNodesBeingDeleted}; }
+    std::intptr_t HandleExtension(int id, void* argument) override {
+        if (id == TVL::kSceneBeingSaved) {
+            XMLNode master("<masternode/>");
+            master.AddChild(XMLNode("<TVL_Plugin/>")).AddChild(XMLNode("name", record_.name));
+            static_cast<XMLNode*>(argument)->AddChild(master);
+            return 0;
+        }
         for (TVL::CNode* node : Adaptor().GetNodes(this))
             static_cast<TVL::CoreNode*>(node)->Delete(true);
         return 0;
@@ -45,14 +56,25 @@ class Rig final : public TVL::CoreElement {
         return nodes;
     }
 
-    void LetNodesGo() {
-        for (TVL::CNode* node : Adaptor().GetNodes(this))
-            static_cast<TVL::CoreNode*>(node)->Destroy();
+    // Nodes that are called by their numbers.
+    void ClaimNodes(const XMLNode& sought) {
+        for (TVL::CNode* found : Adaptor().ClaimNodes(record_.name, sought)) {
+            if (!found) continue;
+            static_cast<TVL::CoreNode*>(found)->Claim(this, std::to_string(claimed_++));
+            static_cast<TVL::CoreNode*>(found)->Destroy();
+        }
     }
 
   private:
-    TVL::PluginRecord record_{"Rig"};
+    TVL::PluginRecord record_;
+    int claimed_ = 0;
 };
+
+// The scene nodes stay, with whatever tags they bear.
+void LetNodesGo() {
+    while (!AdaptorNodes().nodes.empty())
+        AdaptorNodes().nodes.rbegin()->second->Destroy();
+}
 
 void InGroup(const auto& work) {
     Adaptor().BeginUndoGroup("work");
@@ -68,14 +90,14 @@ void MeasureEach(benchmark::State& state, int nodes, const auto& prepare, const 
     for (auto _ : state) {
         meter.Aside([&] {
             GetCOREInterface()->FlushUndoBuffer();
-            rig.LetNodesGo();
+            LetNodesGo();
             world.Session().NewScene();
             prepare(rig, world);
         });
         work(rig, world);
     }
     GetCOREInterface()->FlushUndoBuffer();
-    rig.LetNodesGo();
+    LetNodesGo();
 }
 
 void UndoCreation(benchmark::State& state, int nodes) {
@@ -154,27 +176,58 @@ void TagNodes() {
                                                "</name><objectname>there</objectname></TVL_tag>");
 }
 
-// Two nodes are asked for, of which one is there.
-void ClaimFor(Rig& rig, const std::string& name) {
-    static const XMLNode info("<nodeinfo><node name='there'/><node name='missing'/></nodeinfo>");
-    for (TVL::CNode* found : Adaptor().ClaimNodes(name, info)) {
-        if (!found) continue;
-        static_cast<TVL::CoreNode*>(found)->Claim(&rig, name);
-        static_cast<TVL::CoreNode*>(found)->Destroy();
-    }
-}
-
 void LoadPlugins(benchmark::State& state, int plugins) {
     MeasureEach(
         state, plugins,
-        [&](Rig& rig, BenchWorld& world) {
+        [&](Rig&, BenchWorld& world) {
             for (int index = 0; index < plugins; ++index)
                 GetCOREInterface()->CreateObjectNode(CreateNewTriObject());
             TagNodes();
-            world.Core().onLoad = [&rig, plugins] {
+            world.Core().onLoad = [plugins] {
+                const XMLNode sought(
+                    "<nodeinfo><node name='there'/><node name='missing'/></nodeinfo>");
                 for (int index = 0; index < plugins; ++index)
-                    ClaimFor(rig, PluginName(index));
+                    Rig(PluginName(index)).ClaimNodes(sought);
             };
+        },
+        [](Rig&, BenchWorld&) { GatherSceneState(); });
+}
+
+// Twenty nodes make a plug-in, each of which stores its state and claims its nodes again.
+constexpr int kNodesOfPlugin = 20;
+using Plugins = std::vector<std::unique_ptr<Rig>>;
+
+Plugins MakePlugins(int nodes) {
+    Plugins plugins;
+    for (int index = 0; index < nodes / kNodesOfPlugin; ++index) {
+        plugins.push_back(std::make_unique<Rig>(PluginName(index)));
+        plugins.back()->MakeNodes(kNodesOfPlugin);
+    }
+    return plugins;
+}
+
+void StoreState(benchmark::State& state, int nodes) {
+    Plugins plugins;
+    MeasureEach(
+        state, nodes, [&](Rig&, BenchWorld&) { plugins = MakePlugins(nodes); },
+        [](Rig&, BenchWorld&) { StoreSceneState(); });
+}
+
+void GatherState(benchmark::State& state, int nodes) {
+    Plugins plugins;
+    XMLNode sought("<nodeinfo/>");
+    for (int index = 0; index < kNodesOfPlugin; ++index)
+        sought.AddChild(XMLNode("<node/>")).attributes["name"] = std::to_string(index);
+    MeasureEach(
+        state, nodes,
+        [&](Rig&, BenchWorld& world) {
+            world.Core().onLoad = [&] {
+                for (const auto& plugin : plugins)
+                    plugin->ClaimNodes(sought);
+            };
+            plugins = MakePlugins(nodes);
+            StoreSceneState();
+            LetNodesGo();
         },
         [](Rig&, BenchWorld&) { GatherSceneState(); });
 }
@@ -195,6 +248,8 @@ const bool isRegistered = [] {
     Register("delete a parent and undo that", DeleteParent);
     Register("delete by the user and undo that", UserDeletes);
     Register("claim for a plug-in, a node missing", LoadPlugins);
+    Register("store the scene's state", StoreState);
+    Register("gather the scene's state", GatherState);
     return true;
 }();
 

@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "headless/storage/plain_chunks.h"
-#include "host/quat.h"
+#include "host/matrix3.h"
 
 namespace headless {
 namespace {

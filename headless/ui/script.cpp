@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <map>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -15,8 +14,6 @@
 
 namespace headless {
 namespace {
-
-using Tokens = std::vector<std::string>;
 
 struct Running {
     std::map<std::string, int> variables;
@@ -47,58 +44,22 @@ bool MaxUndo(const std::string&, Running&) {
     return UndoStream::Get().Undo();
 }
 
-constexpr char kArgument[] = "$";
-
-// How a statement of a script looks, and what it does. Blanks of a class name are underscores.
+// What stands around the one argument of a statement, without blanks, and what it does. Blanks of a
+// class name are underscores.
 struct Form {
-    Tokens tokens;
+    std::string_view before;
+    std::string_view behind;
     Action action;
 };
+constexpr Form kForms[] = {
+    {"", "=getCommandPanelTaskMode()", ReadTaskMode},
+    {"setCommandPanelTaskModemode:", "", SetTaskMode},
+    {"UtilityPanel.OpenUtility'", "'", OpenUtility},
+    {"maxundo", "", MaxUndo},
+};
 
-std::span<const Form> Forms() {
-    static const Form forms[] = {
-        {{kArgument, "=", "getCommandPanelTaskMode", "(", ")"}, ReadTaskMode},
-        {{"setCommandPanelTaskMode", "mode", ":", kArgument}, SetTaskMode},
-        {{"UtilityPanel.OpenUtility", "'", kArgument, "'"}, OpenUtility},
-        {{"max", "undo"}, MaxUndo},
-    };
-    return forms;
-}
-
-bool IsWordCharacter(char c) {
-    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c == '.';
-}
-
-bool IsBlank(char c) {
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
-
-// Words, and every other character that is not blank as a token of its own.
-Tokens TokensOf(std::string_view text) {
-    Tokens tokens;
-    for (std::size_t i = 0; i < text.size();) {
-        std::size_t end = i + 1;
-        if (IsWordCharacter(text[i])) {
-            while (end < text.size() && IsWordCharacter(text[end]))
-                ++end;
-        }
-        if (!IsBlank(text[i])) tokens.emplace_back(text.substr(i, end - i));
-        i = end;
-    }
-    return tokens;
-}
-
-// The argument, if the statement has this form.
-std::optional<std::string> Match(const Tokens& form, const Tokens& statement) {
-    if (form.size() != statement.size()) return std::nullopt;
-    std::string argument;
-    for (std::size_t i = 0; i < form.size(); ++i) {
-        if (form[i] != kArgument && form[i] != statement[i]) return std::nullopt;
-        if (form[i] != kArgument) continue;
-        if (!IsWordCharacter(statement[i].front())) return std::nullopt;
-        argument = statement[i];
-    }
-    return argument;
+bool IsNoWordCharacter(unsigned char c) {
+    return std::isalnum(c) == 0 && c != '_' && c != '.';
 }
 
 struct Statement {
@@ -106,9 +67,16 @@ struct Statement {
     std::string argument;
 };
 
-std::optional<Statement> Understand(const Tokens& tokens) {
-    for (const Form& form : Forms()) {
-        if (auto argument = Match(form.tokens, tokens)) return Statement{form.action, *argument};
+std::optional<Statement> Understand(std::string text) {
+    std::erase_if(text, [](unsigned char c) { return std::isspace(c) != 0; });
+    for (const Form& form : kForms) {
+        const std::size_t around = form.before.size() + form.behind.size();
+        if (text.size() < around || !text.starts_with(form.before) || !text.ends_with(form.behind))
+            continue;
+        std::string argument = text.substr(form.before.size(), text.size() - around);
+        if (argument.empty() == (form.action == MaxUndo) &&
+            std::ranges::none_of(argument, IsNoWordCharacter))
+            return Statement{form.action, std::move(argument)};
     }
     return std::nullopt;
 }
@@ -118,10 +86,10 @@ std::vector<Statement> Parse(std::string_view text) {
     std::vector<Statement> statements;
     while (!text.empty()) {
         const std::size_t end = std::min(text.find(';'), text.size());
-        const Tokens tokens = TokensOf(text.substr(0, end));
+        const std::string_view one = text.substr(0, end);
         text.remove_prefix(std::min(end + 1, text.size()));
-        if (tokens.empty()) continue;
-        const std::optional<Statement> statement = Understand(tokens);
+        if (one.find_first_not_of(" \t\r\n") == std::string_view::npos) continue;
+        const std::optional<Statement> statement = Understand(std::string(one));
         if (!statement) return {};
         statements.push_back(*statement);
     }

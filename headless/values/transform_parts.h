@@ -2,7 +2,6 @@
 
 #include "host/matrix3.h"
 #include "host/point3.h"
-#include "host/quat.h"
 
 namespace headless {
 

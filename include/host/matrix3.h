@@ -4,7 +4,17 @@
 
 #include "host/host_api.h"
 #include "host/point3.h"
-#include "host/quat.h"
+
+// A unit quaternion. As a matrix for row vectors, row 0 is (x² − y² − z² + w², 2(xy + wz),
+// 2(zx − wy)) and so on round.
+struct Quat {
+    float x = 0;
+    float y = 0;
+    float z = 0;
+    float w = 1;
+
+    friend constexpr bool operator==(const Quat&, const Quat&) = default;
+};
 
 // A 4 by 3 matrix of floats for row vectors: p' = p × M, translation in row 3, parents multiply on
 // the right. 52 bytes: twelve floats row by row, then the flags.

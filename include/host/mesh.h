@@ -7,7 +7,6 @@
 #include "host/graphics_window.h"
 #include "host/host_api.h"
 #include "host/point3.h"
-#include "host/ray.h"
 #include "platform/win32.h"
 
 // A triangle: vertex indices, smoothing group, edges that show.

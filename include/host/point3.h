@@ -30,3 +30,9 @@ HOST_API float Length(const Point3& p);
 HOST_API Point3 Normalize(const Point3& p);
 HOST_API float DotProd(const Point3& a, const Point3& b);
 HOST_API Point3 CrossProd(const Point3& a, const Point3& b);
+
+// A half line. The direction need not have unit length; distances along it count in its lengths.
+struct Ray {
+    Point3 p;
+    Point3 dir;
+};

@@ -29,13 +29,11 @@ Result AnswerCore(const char* operation, Result fallback, Operate&& operate) noe
 // With null, false, 0 or nothing to fall back on.
 template <class Operate>
 std::invoke_result_t<Operate> AnswerCore(const char* operation, Operate&& operate) noexcept {
-    try {
-        return operate();
-    } catch (...) {
-        ++lostAnswers;
-        TVL::TraceThrown(operation, TVL::ThrownWords());
-        return std::invoke_result_t<Operate>();
-    }
+    using Result = std::invoke_result_t<Operate>;
+    if constexpr (std::is_void_v<Result>)
+        AnswerCore(operation, true, [&] { return operate(), true; });
+    else
+        return AnswerCore(operation, Result(), operate);
 }
 
 inline constexpr TVL::Failure kThrownOut{

@@ -9,7 +9,6 @@
 #include "host/graphics_window.h"
 #include "host/host_api.h"
 #include "host/point3.h"
-#include "host/ray.h"
 #include "platform/win32.h"
 
 // A host's mesh of another form than the stand-in's: plain tables with their counts beside them. It
