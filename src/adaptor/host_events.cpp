@@ -59,6 +59,7 @@ bool IsNewlyTold(const TVL::CoreElement* owner) {
     return isNew;
 }
 
+// A Core that leaves when it is asked takes its owners along, and their nodes.
 void TellOwner(const INode* host) {
     const CMAXNode* const node = FindAnnouncedNode(host);
     TVL::CoreElement* const owner = node ? node->Owner() : nullptr;
@@ -66,7 +67,7 @@ void TellOwner(const INode* host) {
     if (!IsNewlyTold(owner)) return;
     const bool isListed = CallCore("HasExtension of an owner", false,
                                    [&] { return owner->HasExtension(TVL::kNodesBeingDeleted); });
-    if (!isListed) return;
+    if (!isListed || !OwnsNodes(owner)) return;
     CallCore("extension 43 of an owner",
              [&] { owner->HandleExtension(TVL::kNodesBeingDeleted, nullptr); });
 }

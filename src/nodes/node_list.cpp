@@ -103,3 +103,8 @@ std::vector<TVL::CNode*> GetNodes(const TVL::CoreElement* owner) {
         found.push_back(node);
     return found;
 }
+
+bool OwnsNodes(const TVL::CoreElement* owner) {
+    const auto nodes = EntriesOf(AdaptorNodes().byOwner, owner);
+    return nodes.first != nodes.last;
+}

@@ -77,6 +77,9 @@ TVL::CNode* FindNode(const TVL::CoreElement* owner, std::string_view name);
 // All real nodes of this owner, in order of creation.
 std::vector<TVL::CNode*> GetNodes(const TVL::CoreElement* owner);
 
+// Whether there are any. The pointer is compared and never followed: the owner may be gone.
+bool OwnsNodes(const TVL::CoreElement* owner);
+
 // Visits the nodes in order. They may come and go meanwhile, and the adaptor with them; who comes
 // is visited too.
 template <class Visit>

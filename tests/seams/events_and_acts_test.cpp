@@ -11,6 +11,7 @@
 #include "host/notify.h"
 #include "resources/resource_ids.h"
 #include "tests/support/play/play.h"
+#include "tests/support/trace.h"
 #include "tvl/ids.h"
 
 // Every event that host, user or Core can cause, met at every call that it makes to the Core by
@@ -150,6 +151,8 @@ void DoInside(Play& play, const Event& event, const Act& act, bool isInsideAnoth
     const bool endsGroup = name == "end group" || name == "cancel group";
     const bool endsGroupOfOthers = endsGroup && (isInsideAnother || event.record != Record::kWhole);
     if (!theHold.Holding() || endsGroupOfOthers || name == "flush") play.leftNoRecord = true;
+    // What one has ended and the other begun anew in the same call the adaptor cannot tell apart.
+    if (name == "throw" && isInsideAnother) throw std::runtime_error(play::kThrownOut);
     play.Do(act);
 }
 
@@ -208,13 +211,20 @@ void SaveAndOpen(Play& play, bool hasThrown) {
 }
 
 // Of some nodes the scene node goes without a word: made in a scene that is just being left,
-// brought back by a cancel while the user deletes it, or by one behind a merge, which ends the step
-// before.
+// brought back by a cancel while the user deletes it, of an owner whose answer then is an
+// exception, or brought back by a cancel behind a merge, which ends the step before.
 void ExcuseNodesOutOfTheScene(Play& play, const Event& event, const Plan& plan) {
-    const bool isCancelInDeletion = event.name == kUserDeletes && plan.Has("cancel group");
-    if (event.record != Record::kNone && !plan.Has("merge") && !isCancelInDeletion) return;
+    const bool isLeftToTheUser =
+        event.name == kUserDeletes && (plan.Has("cancel group") || plan.Has("throw"));
+    if (event.record != Record::kNone && !plan.Has("merge") && !isLeftToTheUser) return;
     for (TVL::CoreNode* node : play.AllNodes())
         if (node->GetName().empty()) play.loose.insert(node->GetNodeName());
+}
+
+// It is told in the trace, and no step of the user's.
+void ExpectThrownOut(Play& play) {
+    EXPECT_GT(TimesTraced(play::kThrownOut), 0U);
+    EXPECT_EQ(std::ranges::count(play.Session().UndoLabels(), play::kThrownOut), 0);
 }
 
 // How many calls the event makes.
@@ -227,6 +237,7 @@ std::size_t TryPlan(const Event& event, const Names& situation, const Plan& plan
     if (event.name == kShutdown || !plan.first) return met;
     play.world.Core().isRunning = false;
     play.Settle();
+    if (plan.first->name == std::string_view("throw")) ExpectThrownOut(play);
     ExcuseNodesOutOfTheScene(play, event, plan);
     EXPECT_EQ(play.BrokenAtRest(), Faults());
     UndoAndRedoEverything(play, made);

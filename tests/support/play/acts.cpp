@@ -119,6 +119,14 @@ void RestoreFocus(Play& play) {
     play.Adaptor().RestoreFocus();
 }
 
+// Nobody but the adaptor can end what the Core has opened in this call.
+void Throw(Play& play) {
+    play.Adaptor().BeginUndoGroup(kThrownOut);
+    play.Adaptor().BeginRecordingUnkeyed({});
+    play.Adaptor().RequestFocus();
+    throw std::runtime_error(kThrownOut);
+}
+
 // Nodes ------------------------------------------------------------------------------------------
 
 template <bool kIsLens>
@@ -267,7 +275,7 @@ constexpr Act kActs[] = {
     {"undo", [](Play& play) { play.Adaptor().PerformUndo(); }},
     {"flush", [](Play& play) { Unrecorded(play).Adaptor().FlushUndoBuffer(); }, 0},
     {"merge", Merge, 0},
-    {"throw", [](Play&) { throw std::runtime_error("thrown by the Core"); }, -1},
+    {"throw", Throw, -1},
     {"save", [](Play& play) { Unrecorded(play).Session().SaveScene(play.AnyFile()); }, 0,
      By::kUser},
     {"open", [](Play& play) { Unrecorded(play).Session().OpenScene(play.AnyFile()); }, 0,

@@ -40,6 +40,9 @@ struct Act {
 };
 std::span<const Act> Acts();
 
+// What the act "throw" throws, and the name of the undo group that it leaves open.
+inline constexpr const char* kThrownOut = "thrown by the Core";
+
 // Choices, read off a row of bytes: the same bytes, the same choices. Past the end of the row each
 // choice is the first one. The bytes stay the caller's.
 class Choices {
@@ -130,8 +133,9 @@ class Play {
 
     // Every call that the adaptor makes to the Core, in words, when the Core has done in it what a
     // tidy one does: "attach", "detach", "get state", "set state", "reset", "show", "time", "stop",
-    // "bind", "option node", "option", "deletion" and "saving" of a plug-in, "removed" and
-    // "restored" of a node, "undone", "redone" and "released" of an undo chunk. It may throw.
+    // "bind", "option node", "option", "extensions", "deletion" and "saving" of a plug-in,
+    // "removed" and "restored" of a node, "undone", "redone" and "released" of an undo chunk. It
+    // may throw.
     std::function<void(const std::string& moment)> onMoment;
 
     // Gives back all that the Core has open: groups, recordings, keyboard, snapshots.

@@ -9,6 +9,7 @@ Rig::Rig(std::string name, Play& play) : record_{std::move(name)}, play_(play) {
 }
 
 std::vector<int> Rig::ListExtensions() {
+    play_.During("extensions", [] {});
     return {TVL::kNodesBeingDeleted, TVL::kSceneBeingSaved};
 }
 
