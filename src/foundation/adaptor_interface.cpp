@@ -19,7 +19,7 @@ void Place(T* outside) {
 // An instance of our own stays; one of the other side is let go of, and the next use makes one.
 template <class T>
 void Clear() {
-    if (T::instance && !T::external) return;
+    if (!T::external) return;
     T::instance = nullptr;
     T::external = false;
 }
