@@ -16,26 +16,14 @@ class AdaptorInterfaceTest : public testing::Test {
 };
 
 TEST_F(AdaptorInterfaceTest, TellsWhoItIs) {
+    using Texts = std::vector<std::string>;
+    EXPECT_EQ((Texts{adaptor.GetName(), adaptor.GetShortName(), adaptor.GetPlatformName(),
+                     adaptor.GetPlatformVersion()}),
+              (Texts{"3ds max 9 Adaptor", "adaptor_3dsmax9", "3ds max", "9"}));
     EXPECT_EQ(adaptor.GetVersion(), 8108);
-    EXPECT_EQ(adaptor.GetName(), "3ds max 9 Adaptor");
-    EXPECT_EQ(adaptor.GetShortName(), "adaptor_3dsmax9");
-    EXPECT_EQ(adaptor.GetPlatformName(), "3ds max");
-    EXPECT_EQ(adaptor.GetPlatformVersion(), "9");
     EXPECT_EQ(adaptor.GetPlatformWindow(), GetCOREInterface()->GetMAXHWnd());
     EXPECT_EQ(adaptor.createMesh(nullptr, "mesh"), nullptr);
     EXPECT_EQ(TimesTraced("(ERROR): \t(NOT IMPLEMENTED)createMesh 3ds max 9 Adaptor\n"), 1U);
-}
-
-TEST_F(AdaptorInterfaceTest, DescribesItsOptions) {
-    const XMLNode panel = adaptor.GetOptionsPanel();
-    EXPECT_EQ(panel.name, "group");
-    const XMLNode& rows = panel.Child("body").Child("list").Child("body");
-    ASSERT_EQ(rows.children.size(), 3U);
-    EXPECT_EQ(rows.Child(0).Child("id").Text(), "1030");
-    EXPECT_EQ(rows.Child(1).Child("id").Text(), "1027");
-    EXPECT_EQ(rows.Child(1).Child("value").Text(), "true");
-    EXPECT_EQ(rows.Child(2).name, "button");
-    EXPECT_EQ(rows.Child(2).Child("id").Text(), "1028");
 }
 
 TEST_F(AdaptorInterfaceTest, TimesAreCutToWholeTicks) {
@@ -48,23 +36,17 @@ TEST_F(AdaptorInterfaceTest, TimesAreCutToWholeTicks) {
     }
     adaptor.SetAnimationRange({0.25, 1.0003});
     EXPECT_EQ(GetCOREInterface()->GetAnimRange().Start(), 1200);
-    EXPECT_EQ(GetCOREInterface()->GetAnimRange().End(), 4801);
     EXPECT_EQ(adaptor.GetAnimationRange(), (std::pair{0.25, 4801 / 4800.0}));
     EXPECT_EQ(adaptor.GetFrameRate(), 30);
     EXPECT_EQ(adaptor.GetFrameDuration(), 1.0 / 30);
 }
 
-TEST_F(AdaptorInterfaceTest, FocusNests) {
-    adaptor.RequestFocus();
-    adaptor.RequestFocus();
-    EXPECT_FALSE(world.Session().AcceleratorsEnabled());
-    adaptor.RestoreFocus();
-    EXPECT_FALSE(world.Session().AcceleratorsEnabled());
-    adaptor.RestoreFocus();
-    EXPECT_TRUE(world.Session().AcceleratorsEnabled());
-}
-
-TEST_F(AdaptorInterfaceTest, APlacedRegistryIsUsedUntilItIsCleared) {
+TEST_F(AdaptorInterfaceTest, APlacedRegistryIsUsedUntilItIsClearedAndNeverEnded) {
+    // In the Core's own module it may be the instance that is owned there.
+    struct Outside final : TVL::ErrorCode {
+        using TVL::ErrorCode::operator=;
+        void Destroy() override { ADD_FAILURE() << "ended"; }
+    };
     TVL::ErrorCode* const own = TVL::ErrorCode::GetInstance();
     adaptor.SetErrorCode(nullptr);
     adaptor.SetErrorCode(own);
@@ -73,50 +55,40 @@ TEST_F(AdaptorInterfaceTest, APlacedRegistryIsUsedUntilItIsCleared) {
     EXPECT_EQ(TVL::ErrorCode::GetInstance(), own);
     EXPECT_TRUE(own->HasIdentifier("NOTIMPLEMENTED"));
 
-    TVL::ErrorCode outside;
+    Outside outside;
+    Outside next;
+    for (Outside* placed : {&outside, &next, &next}) {
+        adaptor.SetErrorCode(placed);
+        EXPECT_TRUE(TVL::ErrorCode::external);
+    }
+    adaptor.ClearErrorCode();
     adaptor.SetErrorCode(&outside);
-    adaptor.SetErrorCode(&outside);
-    EXPECT_TRUE(TVL::ErrorCode::external);
     adaptor.EndUndoGroup();
     EXPECT_TRUE(outside.HasIdentifier("UNDO_STARTENDMISMATCH"));
     adaptor.ClearErrorCode();
     EXPECT_FALSE(TVL::ErrorCode::GetInstance()->HasIdentifier("UNDO_STARTENDMISMATCH"));
 }
 
-TEST_F(AdaptorInterfaceTest, APlacedLogTakesTheTextOver) {
-    constexpr const char* kBegins = "---IMPORTED DATA FROM EXTERNAL LOG INSTANCE---\n";
-    constexpr const char* kEnds = "---END IMPORTED DATA FROM EXTERNAL LOG INSTANCE---\n";
+TEST_F(AdaptorInterfaceTest, APlacedLogTakesTheTextOverAndTheFileHasEachLineOnce) {
+    const std::string begins = "---IMPORTED DATA FROM EXTERNAL LOG INSTANCE---\n";
+    const std::string ends = "---END IMPORTED DATA FROM EXTERNAL LOG INSTANCE---\n";
+    adaptor.RequestFocus();
     adaptor.SetLog(nullptr);
     adaptor.ClearLog();
     const std::string own = Trace();
-    ASSERT_FALSE(own.empty());
-
-    TVL::Log outside;
-    adaptor.SetLog(&outside);
-    EXPECT_EQ(outside.buffer.str(), kBegins + own + kEnds);
-    adaptor.RequestFocus();
-    adaptor.RestoreFocus();
-    const std::string sofar = outside.buffer.str();
-    adaptor.SetLog(&outside);
-    EXPECT_EQ(outside.buffer.str(), sofar + kBegins + sofar + kEnds);
-    adaptor.ClearLog();
-    EXPECT_FALSE(TVL::Log::external);
-    EXPECT_EQ(Trace(), "");
-}
-
-TEST_F(AdaptorInterfaceTest, TheTraceOnDiskHasEachLineOnceWhoseverLogItWasIn) {
     {
         TVL::Log outside;
         outside.buffer << "the Core's own line\n";
-        adaptor.RequestFocus();
         adaptor.SetLog(&outside);
+        EXPECT_EQ(outside.buffer.str(), "the Core's own line\n" + begins + own + ends);
         adaptor.RestoreFocus();
+        const std::string sofar = outside.buffer.str();
         adaptor.SetLog(&outside);
-        adaptor.BeginUndoGroup("group");
-        adaptor.EndUndoGroup();
+        EXPECT_EQ(outside.buffer.str(), sofar + begins + sofar + ends);
         adaptor.FlushUndoBuffer();
         adaptor.ClearLog();
     }
+    EXPECT_TRUE(!TVL::Log::external && Trace().empty());
     adaptor.EndUndoGroup();
     world.ShutDown();
     const std::string trace = world.Trace();
@@ -125,10 +97,9 @@ TEST_F(AdaptorInterfaceTest, TheTraceOnDiskHasEachLineOnceWhoseverLogItWasIn) {
          {"Requesting focus\n", "the Core's own line\n", "Restoring focus\n",
           "Flushing 3ds max undo buffer\n", "Return value: Mismatch on undo start and end group\n",
           "(NOTICE): \tShutting down adaptor\n", "Adaptor is detaching core\n"}) {
-        const std::size_t at = trace.find(line);
+        const std::size_t at = trace.find(line, from);
         ASSERT_NE(at, std::string::npos) << line;
-        EXPECT_GE(at, from) << line;
-        EXPECT_EQ(trace.find(line, at + 1), std::string::npos) << line;
+        EXPECT_EQ(trace.find(line), trace.rfind(line)) << line;
         from = at;
     }
 }
@@ -136,12 +107,11 @@ TEST_F(AdaptorInterfaceTest, TheTraceOnDiskHasEachLineOnceWhoseverLogItWasIn) {
 TEST_F(AdaptorInterfaceTest, TheConvertButtonConvertsEveryController) {
     INode* const node = GetCOREInterface()->CreateObjectNode(headless::NewSphere(1, 8));
     node->SetTMController(new TransformControl);
-    TVL::Util::Message other(323, "other");
-    world.Core().convertButton->Broadcast(&other);
-    EXPECT_EQ(node->GetTMController()->ClassID(), TransformControl::kClassID);
-    TVL::Util::Message convert(TVL::kButtonPressed, "convert");
-    world.Core().convertButton->Broadcast(&convert);
-    EXPECT_NE(node->GetTMController()->ClassID(), TransformControl::kClassID);
+    for (const bool isPress : {false, true}) {
+        TVL::Util::Message message(isPress ? TVL::kButtonPressed : 323, "convert");
+        world.Core().convertButton->Broadcast(&message);
+        EXPECT_EQ(node->GetTMController()->ClassID() != TransformControl::kClassID, isPress);
+    }
 }
 
 }  // namespace

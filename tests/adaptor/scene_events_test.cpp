@@ -1,11 +1,10 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <string>
 
 #include "host/animate.h"
 #include "host/hold.h"
 #include "host/notify.h"
+#include "nodes/node_deletion.h"
 #include "tests/adaptor/attach_panel.h"
 #include "tests/scene_state/state_test.h"
 #include "tests/support/trace.h"
@@ -14,45 +13,50 @@ namespace {
 
 using Calls = PuppetCore::Calls;
 
-// A Core that has state and one node, and claims what it is given.
+// A Core that has state and nodes, and claims what it is given.
 class SceneEvents : public StateTest {
   protected:
     SceneEvents() {
         rig.parts = {Master("Rig")};
-        world.Core().TakeCalls();
-    }
-
-    void ClaimWhenLoading() {
+        Helper(rig, "Hip");
+        world.Core().state = XMLNode(kState);
         world.Core().onCall = [this](const std::string& call) {
             if (call == kTags) Claim(rig, "Rig", {"Hip"});
         };
+        Taken();
     }
+
     std::string Path(const std::string& file) const { return (world.Folder() / file).string(); }
 
-    std::string Saved(const std::string& file = "take.scene") {
+    std::string SavedAs(const std::string& file) {
         EXPECT_EQ(world.Session().SaveScene(Path(file)).error, "");
         return Path(file);
     }
     void Open(const std::string& path) {
         const headless::FileOutcome outcome = world.Session().OpenScene(path);
-        EXPECT_EQ(outcome.error, "");
-        EXPECT_TRUE(outcome.complaints.empty());
+        EXPECT_TRUE(outcome.error.empty() && outcome.complaints.empty()) << outcome.error;
     }
     Calls Taken() { return world.Core().TakeCalls(); }
+    std::string LastTaken() {
+        const Calls calls = Taken();
+        return calls.empty() ? "" : calls.back();
+    }
     static std::string HipTag() { return TagOf(headless::FindNode("Rig_Hip")); }
+    void Delete(const std::vector<std::string>& names) {
+        world.Session().Select(names);
+        world.Session().DeleteSelected();
+    }
 
     // What the Core is given: its own state, and the plug-ins gathered from the tags.
     static constexpr const char* kState = "<state><take>1</take></state>";
+    static inline const std::string kGiven = std::string("set state ") + kState;
     static inline const std::string kTags =
         "set state <TVL><TVL_Plugin><name>Rig</name></TVL_Plugin></TVL>";
-    static inline const std::string kHipTag =
-        "<TVL_tag><name>Rig</name><objectname>Hip</objectname>" + Master("Rig") + "</TVL_tag>";
+    static inline const std::string kHipTag = Tag("Rig", "Hip", Master("Rig"));
 };
 
 TEST_F(SceneEvents, EveryWorkOnAFileReachesTheCoreInItsOrder) {
-    Helper(rig, "Hip");
-    world.Core().state = XMLNode(kState);
-    const std::string path = Saved();
+    const std::string path = SavedAs("take.scene");
     EXPECT_EQ(Taken(), Calls{"get state"});
     EXPECT_EQ(rig.timesAsked, 1);
     EXPECT_EQ(HipTag(), "");
@@ -60,29 +64,52 @@ TEST_F(SceneEvents, EveryWorkOnAFileReachesTheCoreInItsOrder) {
     EXPECT_EQ(HipTag(), "");
     Taken();
 
-    ClaimWhenLoading();
     Open(path);
-    EXPECT_EQ(Taken(),
-              (Calls{"reset", std::string("set state ") + kState, "set state <TVL/>", kTags}));
+    EXPECT_EQ(Taken(), (Calls{"reset", kGiven, "set state <TVL/>", kTags}));
     ASSERT_EQ(world.Session().MergeScene(path).error, "");
     EXPECT_EQ(Taken(), Calls{kTags});
     EXPECT_TRUE(world.MessageBoxes().empty());
 
     world.Session().NewScene();
     world.Session().Reset();
-    EXPECT_EQ(Taken(), (Calls{"reset", "reset"}));
     int replacing = 0;
     int adding = 1;
-    for (void* kind :
-         {static_cast<void*>(&adding), static_cast<void*>(&replacing), static_cast<void*>(nullptr)})
+    for (int* kind : {&replacing, &adding, static_cast<int*>(nullptr)})
         world.Session().Announce(NOTIFY_FILE_PRE_OPEN, kind);
-    EXPECT_EQ(Taken(), (Calls{"reset", "reset"}));
+    EXPECT_EQ(Taken(), (Calls{"reset", "reset", "reset", "reset"}));
+}
+
+// An owner that hears of it may take nodes out of the host's table.
+TEST_F(SceneEvents, EachOwnerOfNodesToBeDeletedIsToldOnceAndACoreThatRunsIsStopped) {
+    int told = 0;
+    bool empties = false;
+    rig.onDeletion = other.onDeletion = [&] {
+        ++told;
+        INodeTab& table = *DeletionInProgress().deletingNodes;
+        if (empties) table.Delete(0, table.Count());
+    };
+    Helper(rig, "Knee");
+    Helper(other, "Prop");
+    for (const bool isRunning : {false, true}) {
+        world.Core().isRunning = isRunning;
+        other.extensions.resize(isRunning ? 2 : 0);
+        Delete({"Rig_Hip", "Rig_Knee", "Other_Prop"});
+        EXPECT_EQ(std::exchange(told, 0), isRunning ? 2 : 1);
+        EXPECT_EQ(Taken(), isRunning ? Calls{"stop"} : Calls());
+        EXPECT_EQ(headless::FindNode("Rig_Hip"), nullptr);
+        ASSERT_TRUE(world.Session().Undo());
+        other.extensions = {43, 56};
+    }
+    empties = true;
+    Delete({"Rig_Hip", "Rig_Knee", "Other_Prop"});
+    EXPECT_EQ(told, 1);
+    EXPECT_NE(headless::FindNode("Rig_Hip"), nullptr);
 }
 
 // To the adaptor the scene that stays behind the announcement is the next one, in which each node
 // has the handle and the address that one of the last had.
 TEST_F(SceneEvents, ANodeOfTheLastSceneStandsForNoneOfTheNext) {
-    TVL::CoreNode* const kept = Helper(rig, "Hip");
+    auto* const kept = static_cast<TVL::CoreNode*>(adaptor.GetNodes(&rig)[0]);
     TVL::CoreNode* late = nullptr;
     world.Core().onCall = [&](const std::string& call) {
         if (call != "reset") return;
@@ -102,166 +129,125 @@ TEST_F(SceneEvents, ANodeOfTheLastSceneStandsForNoneOfTheNext) {
 }
 
 TEST_F(SceneEvents, WithoutACoreASceneKeepsTheStateThatIsInIt) {
-    Helper(rig, "Hip");
-    world.Core().state = XMLNode(kState);
-    const std::string path = Saved();
+    const std::string path = SavedAs("take.scene");
     UtilityManager::Get().DetachCore();
     Taken();
 
     Open(path);
     const auto opened = headless::SceneDigest();
     EXPECT_EQ(HipTag(), kHipTag);
-    ASSERT_EQ(world.Session().UtilityChunks().size(), 1U);
-    EXPECT_TRUE(world.Session().UtilityChunks()[0].isRunning);
-    EXPECT_FALSE(world.Session().UtilityChunks()[0].isTaken);
-    const std::string again = Saved("again.scene");
+    const std::vector<headless::UtilityChunksView> chunks = world.Session().UtilityChunks();
+    ASSERT_TRUE(chunks.size() == 1 && chunks[0].isRunning && !chunks[0].isTaken);
+    const std::string again = SavedAs("again.scene");
     EXPECT_EQ(headless::SceneDigest(), opened);
     ASSERT_EQ(world.Session().MergeScene(again).error, "");
-    world.Session().Select({"Rig_Hip"});
-    EXPECT_EQ(world.Session().DeleteSelected(), 2U);
+    Delete({"Rig_Hip"});
     world.Session().NewScene();
     world.Session().Reset();
     EXPECT_EQ(Taken(), Calls());
 
     constexpr const char* kSavedOver = "has never been read: it was opened without a CORE";
     UtilityManager::Get().AttachCore();
-    Saved("new.scene");
+    SavedAs("new.scene");
     EXPECT_EQ(TimesTraced(kSavedOver), 0U);
     UtilityManager::Get().DetachCore();
 
     // What a Core that came too late for the scene writes stands behind what it never saw.
     Open(again);
     UtilityManager::Get().AttachCore();
-    world.Core().state = XMLNode("<state/>");
-    world.Core().state.AddChild(XMLNode("take", "2"));
-    const std::string late = Saved("late.scene");
-    EXPECT_EQ(TimesTraced(kSavedOver), 1U);
+    world.Core().state = XMLNode("<state><take>2</take></state>");
+    const std::string late = SavedAs("late.scene");
     Taken();
     Open(late);
-    Calls taken = Taken();
-    ASSERT_EQ(taken.size(), 5U);
-    EXPECT_EQ(taken[1], std::string("set state ") + kState);
-    EXPECT_EQ(taken[2], "set state <state><take>2</take></state>");
-    Saved("late.scene");
+    EXPECT_EQ(Taken(), (Calls{"reset", kGiven, "set state <state><take>2</take></state>",
+                              "set state <TVL/>", kTags}));
+    SavedAs("late.scene");
     EXPECT_EQ(TimesTraced(kSavedOver), 1U);
     Taken();
 
-    ClaimWhenLoading();
     Open(again);
-    EXPECT_EQ(Taken(),
-              (Calls{"reset", std::string("set state ") + kState, "set state <TVL/>", kTags}));
+    EXPECT_EQ(Taken(), (Calls{"reset", kGiven, "set state <TVL/>", kTags}));
     EXPECT_TRUE(world.Session().UtilityChunks()[0].isTaken);
 }
 
-TEST_F(SceneEvents, TheStateSurvivesDetachSaveOpenAndAttach) {
+// Through a file, and whatever becomes of the hold around the press that detaches.
+TEST_F(SceneEvents, TheStateOutlivesADetachAndEveryHoldThatItIsIn) {
     const AttachPanel panel;
-    adaptor.BeginUndoGroup("take");
-    Helper(rig, "Hip");
-    adaptor.EndUndoGroup();
-    panel.Press();
-    EXPECT_FALSE(AttachedCore());
-    EXPECT_TRUE(world.Session().UndoLabels().empty());
-    EXPECT_EQ(HipTag(), kHipTag);
-
-    const std::string path = Saved();
-    Open(path);
-    EXPECT_EQ(HipTag(), kHipTag);
-    Taken();
-    ClaimWhenLoading();
-    panel.Press();
-    const Calls calls = Taken();
-    ASSERT_FALSE(calls.empty());
-    EXPECT_EQ(calls.back(), kTags);
-    EXPECT_EQ(std::ranges::count(calls, "reset"), 0);
-    EXPECT_EQ(adaptor.GetNodes(&rig).size(), 1U);
-    EXPECT_EQ(HipTag(), "");
-    EXPECT_TRUE(world.MessageBoxes().empty());
-
-    // And again, with the Core's own save and open between.
-    Saved();
-    Open(path);
-    panel.Press();
-    panel.Press();
-    EXPECT_EQ(Taken().back(), kTags);
-}
-
-// Whatever becomes of the hold around it.
-TEST_F(SceneEvents, TheStateOutlivesEveryHoldThatADetachOrAnAttachIsIn) {
-    const AttachPanel panel;
-    ClaimWhenLoading();
-    struct Row {
-        const char* around;
-        std::function<void(const std::function<void()>& press)> act;
+    const auto press = [&] { panel.Press(); };
+    const auto pressInDeletion = [&] {
+        rig.onDeletion = press;
+        Delete({"Rig_Hip"});
+        rig.onDeletion = nullptr;
     };
-    const Row rows[] = {
+    const auto pressInStep = [&] {
+        theHold.Begin();
+        press();
+        theHold.Accept("step");
+        EXPECT_TRUE(world.Session().Undo() && world.Session().Redo());
+    };
+    const std::pair<const char*, std::function<void()>> rows[] = {
+        {"a file",
+         [&] {
+             adaptor.BeginUndoGroup("take");
+             adaptor.SetCurrentTime(1);
+             adaptor.EndUndoGroup();
+             press();
+             EXPECT_TRUE(world.Session().UndoLabels().empty());
+             Open(SavedAs("take.scene"));
+         }},
         {"a nest of its own that is cancelled",
-         [&](const auto& press) {
+         [&] {
              adaptor.BeginUndoGroup("outer");
              adaptor.BeginUndoGroup("inner");
              adaptor.CancelUndoGroup();
              press();
          }},
         {"a hold of the host's that is cancelled",
-         [](const auto& press) {
+         [&] {
              theHold.Begin();
              press();
              theHold.Cancel();
          }},
-        {"a step that is undone and done again",
-         [&](const auto& press) {
-             theHold.Begin();
-             press();
-             theHold.Accept("step");
-             EXPECT_TRUE(world.Session().Undo());
-             EXPECT_TRUE(world.Session().Redo());
-         }},
+        {"a step that is undone and done again", pressInStep},
         {"a deletion that is undone",
-         [&](const auto& press) {
-             rig.onDeletion = press;
-             world.Session().Select({"Rig_Hip"});
-             world.Session().DeleteSelected();
-             rig.onDeletion = nullptr;
+         [&] {
+             pressInDeletion();
              EXPECT_TRUE(world.Session().Undo());
          }},
     };
-    const auto press = [&] { panel.Press(); };
-    Helper(rig, "Hip");
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.around);
-        row.act(press);
+    for (const auto& [around, detach] : rows) {
+        SCOPED_TRACE(around);
+        detach();
         EXPECT_FALSE(AttachedCore());
         EXPECT_EQ(HipTag(), kHipTag);
         Taken();
-        panel.Press();
-        EXPECT_EQ(Taken().back(), kTags);
+        press();
+        const Calls calls = Taken();
+        EXPECT_TRUE(calls.back() == kTags && std::ranges::count(calls, "reset") == 0);
         EXPECT_EQ(adaptor.GetNodes(&rig).size(), 1U);
+        EXPECT_EQ(HipTag(), "");
     }
+    EXPECT_TRUE(world.MessageBoxes().empty());
 
     // And a tag that was taken up stays empty.
-    panel.Press();
-    rows[1].act(press);
+    press();
+    pressInStep();
     EXPECT_TRUE(AttachedCore());
     EXPECT_EQ(HipTag(), "");
 
     // The node that is deleted takes nothing of the others with it.
     Helper(rig, "Knee");
-    rig.onDeletion = press;
-    world.Session().Select({"Rig_Hip"});
-    world.Session().DeleteSelected();
-    rig.onDeletion = nullptr;
+    pressInDeletion();
     EXPECT_EQ(headless::FindNode("Rig_Hip"), nullptr);
-    Taken();
-    panel.Press();
-    EXPECT_EQ(Taken().back(), kTags);
+    press();
+    EXPECT_EQ(LastTaken(), kTags);
 }
 
 TEST_F(SceneEvents, NothingIsTakenUpByACoreThatIsLeaving) {
     const AttachPanel panel;
-    Helper(rig, "Hip");
-    Taken();
     world.Core().onLeave = [&] {
         panel.Press();
-        Saved();
+        SavedAs("take.scene");
         world.Session().Announce(NOTIFY_FILE_POST_MERGE);
     };
     panel.Press();
@@ -273,13 +259,13 @@ TEST_F(SceneEvents, NothingIsTakenUpByACoreThatIsLeaving) {
 }
 
 TEST_F(SceneEvents, ACopyMadeDuringASaveKeepsNoTag) {
-    TVL::CoreNode* const hip = Helper(rig, "Hip");
     SceneNode("Merged", Tag("Rig", "Pending"));
     TVL::CoreNode* copy = nullptr;
     world.Core().onCall = [&](const std::string& call) {
-        if (call == "get state") copy = hip->Clone(false);
+        if (call == "get state")
+            copy = static_cast<TVL::CoreNode*>(adaptor.GetNodes(&rig)[0])->Clone(false);
     };
-    Saved();
+    SavedAs("take.scene");
     ASSERT_NE(copy, nullptr);
     EXPECT_EQ(TagOf(headless::FindNode(copy->GetName())), "");
     EXPECT_EQ(TagOf(headless::FindNode("Merged")), Tag("Rig", "Pending"));

@@ -2,10 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "adaptor/utility_manager.h"
+#include "headless/memory_chunks.h"
 #include "headless/scene_view.h"
 #include "host/interface.h"
 #include "scene_state/node_tags.h"
@@ -13,6 +17,28 @@
 #include "tests/support/world.h"
 
 using Texts = std::vector<std::string>;
+
+// A chunk that holds bytes, then further chunks.
+struct StoredChunk {
+    std::uint16_t id = 0;
+    std::string bytes = {};
+    std::vector<StoredChunk> parts = {};
+
+    StoredChunk& operator[](std::size_t index) { return parts[index]; }
+
+    void WriteTo(ISave* save) const {
+        save->BeginChunk(id);
+        save->Write(bytes.data(), static_cast<std::uint32_t>(bytes.size()), nullptr);
+        for (const StoredChunk& part : parts)
+            part.WriteTo(save);
+        save->EndChunk();
+    }
+};
+using StoredBytes = std::vector<std::byte>;
+
+inline StoredChunk TextChunk(std::uint16_t id, const std::string& text) {
+    return {id, text + '\0'};
+}
 
 // A scene with stored state in it, and a Core that loads.
 class StateTest : public testing::Test {
@@ -102,9 +128,34 @@ class StateTest : public testing::Test {
         return states;
     }
 
-    Texts Gathered() {
+    // With each state that it is given the Core does `act`. Gives the states.
+    Texts Gathered(const std::function<void()>& act = nullptr) {
         States();
+        world.Core().onCall = [&](const std::string& call) {
+            if (act && call.starts_with("set state")) act();
+        };
         GatherSceneState();
+        world.Core().onCall = nullptr;
         return States();
+    }
+
+    // `isWhole`: the loading does not end in a state chunk that cannot be read.
+    Texts Loaded(std::span<const std::byte> bytes, bool isWhole = true) {
+        headless::LoadBytes(bytes, [&](ILoad* load) {
+            EXPECT_EQ(UtilityManager::Get().Load(load) == IO_OK, isWhole);
+            EXPECT_TRUE(isWhole || load->CurChunkID() == 1032);
+            return IO_OK;
+        });
+        return States();
+    }
+    static StoredBytes Bytes(const std::vector<StoredChunk>& chunks) {
+        return headless::SavedBytes([&](ISave* save) {
+            for (const StoredChunk& chunk : chunks)
+                chunk.WriteTo(save);
+            return IO_OK;
+        });
+    }
+    static StoredBytes Saved() {
+        return headless::SavedBytes([](ISave* save) { return UtilityManager::Get().Save(save); });
     }
 };

@@ -14,10 +14,7 @@ class Plugin final : public TVL::CoreElement {
   public:
     explicit Plugin(std::string name) : record{std::move(name)} { plugin = &record; }
 
-    std::vector<int> ListExtensions() override {
-        if (onListed) onListed();
-        return extensions;
-    }
+    std::vector<int> ListExtensions() override { return extensions; }
     std::intptr_t HandleExtension(int id, void* argument) override {
         if (id == 43) {
             EXPECT_EQ(argument, nullptr);
@@ -32,7 +29,6 @@ class Plugin final : public TVL::CoreElement {
     }
 
     std::vector<int> extensions = {43, 56};
-    std::function<void()> onListed;    // its extensions are asked for
     std::function<void()> onDeletion;  // the user deletes nodes of this plug-in
     std::vector<std::string> parts;    // its state: elements "masternode"
     int timesAsked = 0;                // for its state
