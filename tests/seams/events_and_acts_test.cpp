@@ -214,9 +214,8 @@ void SaveAndOpen(Play& play, bool hasThrown) {
 // brought back by a cancel while the user deletes it, of an owner whose answer then is an
 // exception, or brought back by a cancel behind a merge, which ends the step before.
 void ExcuseNodesOutOfTheScene(Play& play, const Event& event, const Plan& plan) {
-    const bool isLeftToTheUser =
-        event.name == kUserDeletes && (plan.Has("cancel group") || plan.Has("throw"));
-    if (event.record != Record::kNone && !plan.Has("merge") && !isLeftToTheUser) return;
+    const bool isCancelInDeletion = event.name == kUserDeletes && plan.Has("cancel group");
+    if (event.record != Record::kNone && !plan.Has("merge") && !isCancelInDeletion) return;
     for (TVL::CoreNode* node : play.AllNodes())
         if (node->GetName().empty()) play.loose.insert(node->GetNodeName());
 }

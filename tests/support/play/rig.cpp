@@ -9,7 +9,13 @@ Rig::Rig(std::string name, Play& play) : record_{std::move(name)}, play_(play) {
 }
 
 std::vector<int> Rig::ListExtensions() {
-    play_.During("extensions", [] {});
+    try {
+        play_.During("extensions", [] {});
+    } catch (...) {  // its nodes go without a word to it
+        for (const TVL::CoreNode* node : Nodes())
+            play_.loose.insert(node->GetNodeName());
+        throw;
+    }
     return {TVL::kNodesBeingDeleted, TVL::kSceneBeingSaved};
 }
 
