@@ -31,7 +31,10 @@ class ForeignMesh final : public Foreign<TriObject> {
     ForeignMesh(SClass_ID superClass, Class_ID id, bool isTrue = true)
         : Foreign(superClass, id), isTrue_(isTrue) {}
     int CanConvertToType(Class_ID) override { return isTrue_; }
-    Mesh& GetMesh() override { return mesh_; }
+    Mesh& GetMesh() override {
+        EXPECT_TRUE(isTrue_) << "there is none behind what only claims to be a mesh";
+        return mesh_;
+    }
 
   private:
     bool isTrue_;
