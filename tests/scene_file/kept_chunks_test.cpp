@@ -1,3 +1,5 @@
+#include <tuple>
+
 #include "headless/scene_file_view.h"
 #include "tests/scene_file/file_world.h"
 
@@ -21,26 +23,23 @@ class KeptChunks : public FileWorld {
 
 TEST_F(KeptChunks, StandBesideWhatTheUtilityWritesItself) {
     const odd::Chunks stored{{1, "one"}, {2, "two"}, {3, "three"}};
-    const struct {
-        const char* loading;
-        std::size_t complaints;
-        const char* alone;   // ids where the utility writes nothing at its next save
-        const char* beside;  // ids where it writes the chunk 9
-    } cases[] = {
+    // How the utility loads, complaints of it, and the ids that are saved where the utility writes
+    // nothing at its next save, and where it writes the chunk 9.
+    const std::tuple<const char*, std::size_t, const char*, const char*> cases[] = {
         {"", 0, "123", "1239"},    {"rrr", 0, "", "9"},      {"rro", 0, "", "9"},
         {"rsr", 0, "2", "29"},     {"r", 0, "23", "239"},    {"rpr", 1, "2", "29"},
         {"brr", 1, "1", "19"},     {"rfr", 1, "123", "923"}, {"rrrx", 1, "123", "1239"},
         {"pfr", 1, "123", "9123"},
     };
-    for (const auto& each : cases) {
-        SCOPED_TRACE(each.loading);
+    for (const auto& [loading, complaints, alone, beside] : cases) {
+        SCOPED_TRACE(loading);
         host->NewScene();
         EXPECT_EQ(Saved(stored), "123");
-        odd::loading = each.loading;
-        EXPECT_EQ(Open("scene").size(), each.complaints);
-        EXPECT_EQ(Saved({}), each.alone);
-        EXPECT_EQ(Saved({{9, "own"}}), each.beside);
-        EXPECT_EQ(Saved({{9, "other"}}), each.beside) << "at the next save";
+        odd::loading = loading;
+        EXPECT_EQ(Open("scene").size(), complaints);
+        EXPECT_EQ(Saved({}), alone);
+        EXPECT_EQ(Saved({{9, "own"}}), beside);
+        EXPECT_EQ(Saved({{9, "other"}}), beside) << "at the next save";
     }
 
     // An emptied scene has nothing to keep.

@@ -1,5 +1,6 @@
 #include <chrono>
 #include <filesystem>
+#include <tuple>
 
 #include "headless/copies.h"
 #include "headless/memory_chunks.h"
@@ -123,21 +124,18 @@ TEST_F(SceneFile, SweepsUpWhatKilledSavesHaveLeftButNothingThatSomebodyMayWant) 
     const std::string cut = built.substr(0, built.size() - 1);
     std::string newer = cut;
     newer[sizeof "LumScene" - 1] = 2;
-    const struct {
-        const char* name;
-        std::string bytes;
-        int hours;
-        bool stays;
-    } all[] = {{".0123abcd.saving", cut, 25, false},  {".00000000.saving", "", 25, false},
-               {".11111111.saving", built, 25, true}, {".22222222.saving", cut, 23, true},
-               {".33333333.saving", newer, 25, true}, {".3.saving", cut, 25, true},
-               {".0123abcd.scene1", cut, 25, true}};
-    for (const auto& left : all)
-        fs::last_write_time(folder.Write(left.name, left.bytes),
-                            fs::file_time_type::clock::now() - std::chrono::hours(left.hours));
+    // Name, bytes, age in hours, and whether it stays.
+    const std::tuple<const char*, std::string, int, bool> all[] = {
+        {".0123abcd.saving", cut, 25, false},  {".00000000.saving", "", 25, false},
+        {".11111111.saving", built, 25, true}, {".22222222.saving", cut, 23, true},
+        {".33333333.saving", newer, 25, true}, {".3.saving", cut, 25, true},
+        {".0123abcd.scene1", cut, 25, true}};
+    for (const auto& [name, bytes, hours, stays] : all)
+        fs::last_write_time(folder.Write(name, bytes),
+                            fs::file_time_type::clock::now() - std::chrono::hours(hours));
     Save("built");
-    for (const auto& left : all)
-        EXPECT_EQ(fs::exists(File(left.name)), left.stays) << left.name;
+    for (const auto& [name, bytes, hours, stays] : all)
+        EXPECT_EQ(fs::exists(File(name)), stays) << name;
 }
 
 }  // namespace
