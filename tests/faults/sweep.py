@@ -157,15 +157,14 @@ class Verb:
         return f"{left[0]} is left behind" if left else ""
 
     def fault_in_words(self, kind, ending):
-        if ending.status == 0:
-            is_told = ending.out == self.ending.out or has_complaint(ending)
-            return "" if is_told else "success in other words"
-        if ending.status != 1:
+        if ending.status == 0 and ending.out != self.ending.out and not has_complaint(ending):
+            return "success in other words"
+        if ending.status not in (0, 1):
             return f"status {ending.status}"
-        if kind in SURVIVED:
+        if ending.status == 1 and kind in SURVIVED:
             return "refuses what is to be survived"
         has_words = "\nlumiset-headless: " in "\n" + ending.error and "std::" not in ending.error
-        return "" if has_words else "has no words for its refusal"
+        return "" if ending.status == 0 or has_words else "has no words for its refusal"
 
 
 def has_complaint(ending):
@@ -182,11 +181,9 @@ def fault_in_next_save(place):
         os.utime(path, (time.time() - 48 * 3600,) * 2)
     if left:
         place.must("open other.scene --save other.scene")
-    for path in left:
-        if path.exists() and not path.read_bytes().startswith(b"seconds,") and \
-                place.run(f"info {path.name}").status != 0:
-            return f"the next save leaves {path.name}"
-    return ""
+    kept = [path for path in left if path.exists() and not path.read_bytes().startswith(b"seconds,")
+            and place.run(f"info {path.name}").status != 0]
+    return f"the next save leaves {kept[0].name}" if kept else ""
 
 
 def attempt(place, verb, kind, n):
@@ -194,10 +191,9 @@ def attempt(place, verb, kind, n):
     ending = place.run(verb.words, f"{kind}:{n}")
     is_killed = ending.struck and kind in DEATHS + ["liar"]
     may_leave = is_killed or kind == "lost" or ending.what.startswith("unlink")
-    if is_killed:
-        fault = "" if ending.status == -signal.SIGKILL else "is not killed"
-    else:
-        fault = verb.fault_in_words(kind, ending)
+    fault = "" if is_killed else verb.fault_in_words(kind, ending)
+    if is_killed and ending.status != -signal.SIGKILL:
+        fault = "is not killed"
     if not fault and not may_leave and any((place.home / "tmp").iterdir()):
         fault = "a scratch file is left"
     fault = fault or verb.fault_in_folder(place, ending, may_leave)
@@ -205,11 +201,8 @@ def attempt(place, verb, kind, n):
 
 
 def outcome(ending, fault):
-    if fault:
-        return "faults"
-    if has_complaint(ending):
-        return "complained"
-    return {0: "done", 1: "refused"}.get(ending.status, "killed")
+    done = "complained" if has_complaint(ending) else "done"
+    return "faults" if fault else {0: done, 1: "refused"}.get(ending.status, "killed")
 
 
 def sweep(places, verb, kind, stride):
@@ -235,8 +228,7 @@ def tell(title, figures):
         flush=True)
 
 
-def show(place, verb, kind, n):
-    ending, fault = attempt(place, verb, kind, n)
+def show(ending, fault):
     print(f"{ending.what or 'nothing failed'}\nstatus {ending.status}\n{ending.out}{ending.error}"
           f"{'FAULT: ' + fault if fault else 'sound'}")
     return 1 if fault else 0
@@ -277,7 +269,7 @@ def main():
     for name in verbs:
         verb = Verb(places[0], name, inputs)
         if given.n:
-            return show(places[0], verb, given.kind, given.n)
+            return show(*attempt(places[0], verb, given.kind, given.n))
         for kind in kinds:
             stride = STRIDES.get(kind, STRIDE) * SLOWER.get(name, 1) if given.sample else 1
             figures = sweep(places, verb, kind, stride)

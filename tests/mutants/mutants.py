@@ -30,16 +30,6 @@ def read_table(path):
         yield Mutant(number, *cells)
 
 
-def mutated(text, mutant):
-    """The text with the mutant in it, or None if its line is not there once."""
-    lines = text.split("\n")
-    at = [index for index, line in enumerate(lines) if line.strip() == mutant.old]
-    if len(at) != 1:
-        return None
-    lines[at[0]] = mutant.new
-    return "\n".join(lines)
-
-
 def run(*command):
     return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
                           errors="replace", check=False)
@@ -79,12 +69,14 @@ class Copy:
     def judge(self, mutant):
         file = self.tree / mutant.file
         whole = file.read_text() if file.exists() else ""
-        text = mutated(whole, mutant)
-        if text is None:
+        lines = whole.split("\n")
+        at = [index for index, line in enumerate(lines) if line.strip() == mutant.old]
+        if len(at) != 1:
             return "its line is gone, or is there more than once"
         if self.end_without(mutant.test) != "passes":
             return f"its test {self.end_without(mutant.test)} without it"
-        file.write_text(text)
+        lines[at[0]] = mutant.new
+        file.write_text("\n".join(lines))
         try:
             end = self.end(mutant.test)
         finally:

@@ -45,12 +45,12 @@ bool PlayThrough(const Life& life) {
         if (!Holds(soak.Step(step))) return false;
     }
     std::printf("rest\n");
-    const bool holds = Holds(soak.Rest());
-    std::printf("end\n");
-    return holds;
+    return Holds(soak.Rest());
 }
 
-int PlayHere(const Life& life) {
+int PlayHere(const std::string& file) {
+    const Life life = ReadFile(file);
+    if (life.empty()) throw std::runtime_error(file + " cannot be read, or is empty");
     std::setvbuf(stdout, nullptr, _IOLBF, 1 << 12);
     if (!PlayThrough(life)) return 1;
     const bool isLeft = testing::UnitTest::GetInstance()->ad_hoc_test_result().Failed();
@@ -128,11 +128,6 @@ struct Settings {
 };
 
 void TellFewest(const Theatre& theatre, const Life& life, const Ending& ending) {
-    constexpr std::size_t kLastLines = 6;
-    const std::vector<std::string>& lines = ending.lines;
-    for (std::size_t at = lines.size() - std::min(lines.size(), kLastLines); at < lines.size();
-         ++at)
-        std::printf("%s\n", lines[at].c_str());
     const Life shrunk = theatre.Shrunk(life, ending);
     std::printf("\nThe same in %zu steps:\n", shrunk.size() / kStepBytes);
     for (const std::string& line : theatre.Play(shrunk).lines)
@@ -161,12 +156,6 @@ int PlaySeeds(const Settings& settings, const Theatre& theatre) {
     return failed == 0 ? 0 : 1;
 }
 
-Life ReadLife(const std::string& file) {
-    Life life = ReadFile(file);
-    if (life.empty()) throw std::runtime_error(file + " cannot be read, or is empty");
-    return life;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) try {
@@ -180,7 +169,7 @@ int main(int argc, char** argv) try {
     app.add_flag("--survey", settings.survey, "Go on after a seed that fails, and shrink none");
     app.add_option("--play", settings.file, "Play the life in this file here and now");
     CLI11_PARSE(app, argc, argv);
-    if (!settings.file.empty()) return PlayHere(ReadLife(settings.file));
+    if (!settings.file.empty()) return PlayHere(settings.file);
     return PlaySeeds(settings, {argv[0], {}});
 } catch (const std::exception& error) {
     std::fprintf(stderr, "soak: %s\n", error.what());

@@ -20,14 +20,7 @@
 namespace play {
 namespace {
 
-constexpr const char* kSetState = "set state ";
-
-void Collect(INode& parent, std::vector<INode*>& nodes) {
-    for (int index = 0; index < parent.NumberOfChildren(); ++index) {
-        nodes.push_back(parent.GetChildNode(index));
-        Collect(*parent.GetChildNode(index), nodes);
-    }
-}
+constexpr std::string_view kSetState = "set state ";
 
 // A mark that is afterwards what it was, also if something is thrown.
 class Kept {
@@ -45,8 +38,11 @@ class Kept {
 }  // namespace
 
 std::vector<INode*> SceneNodes() {
-    std::vector<INode*> nodes;
-    Collect(*GetCOREInterface()->GetRootNode(), nodes);
+    std::vector<INode*> nodes{GetCOREInterface()->GetRootNode()};
+    for (std::size_t parent = 0; parent < nodes.size(); ++parent)
+        for (int child = 0; child < nodes[parent]->NumberOfChildren(); ++child)
+            nodes.push_back(nodes[parent]->GetChildNode(child));
+    nodes.erase(nodes.begin());
     return nodes;
 }
 
@@ -94,16 +90,13 @@ void Play::Answer(const std::string& call) {
     Hear(call);
     if (call == "get state")
         world.Core().state = XMLNode("<play><value>" + std::to_string(value) + "</value></play>");
-    if (call.starts_with(kSetState)) Load(XMLNode(call.substr(std::string(kSetState).size())));
+    if (call.starts_with(kSetState)) Load(XMLNode(call.substr(kSetState.size())));
     if (call == "reset") {
         for (Rig& rig : rigs)
             rig.Drop();
         sceneGoes = true;
     }
-    for (const char* moment :
-         {"get state", "set state", "reset", "show", "time", "stop", "bind", "option node"}) {
-        if (call.starts_with(moment)) Meet(moment);
-    }
+    Meet(call.substr(0, call.find('<')));
 }
 
 void Play::Load(const XMLNode& state) {

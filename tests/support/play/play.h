@@ -132,10 +132,9 @@ class Play {
     void Do(const Act& act);
 
     // Every call that the adaptor makes to the Core, in words, when the Core has done in it what a
-    // tidy one does: "attach", "detach", "get state", "set state", "reset", "show", "time", "stop",
-    // "bind", "option node", "option", "extensions", "deletion" and "saving" of a plug-in,
-    // "removed" and "restored" of a node, "undone", "redone" and "released" of an undo chunk. It
-    // may throw.
+    // tidy one does: "attach", "detach", what the puppet notes, "option", "extensions", "deletion"
+    // and "saving" of a plug-in, "removed" and "restored" of a node, "undone", "redone" and
+    // "released" of an undo chunk. It may throw.
     std::function<void(const std::string& moment)> onMoment;
 
     // Gives back all that the Core has open: groups, recordings, keyboard, snapshots.

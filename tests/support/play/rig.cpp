@@ -72,15 +72,11 @@ void Rig::Drop() {
 }
 
 void Rig::Store(XMLNode& masters) {
-    XMLNode info("<nodeinfo/>");
+    std::string nodes;
     for (const TVL::CoreNode* node : Nodes())
-        info.AddChild(XMLNode("<node/>")).attributes["name"] = node->GetNodeName();
-    XMLNode state("<TVL_Plugin/>");
-    state.AddChild(XMLNode("name", Name()));
-    state.AddChild(info);
-    XMLNode master("<masternode/>");
-    master.AddChild(state);
-    masters.AddChild(master);
+        nodes += "<node name=\"" + node->GetNodeName() + "\"/>";
+    masters.AddChild(XMLNode("<masternode><TVL_Plugin><name>" + Name() + "</name><nodeinfo>" +
+                             nodes + "</nodeinfo></TVL_Plugin></masternode>"));
 }
 
 // A name that is taken, as when a scene is merged into itself, gives way to a new one. Claims leave
