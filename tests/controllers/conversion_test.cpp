@@ -48,34 +48,44 @@ class Conversion : public testing::Test {
     int field_ = 0;
 };
 
-TEST_F(Conversion, ATransformKeepsItsKeyTimesAndPosesAndComesBackInOneStep) {
-    OpenTransform* control = nullptr;
-    INode* const node = NewNode(control);
+// What nobody refers to is left alone.
+TEST_F(Conversion, AllAreConvertedTheNewestFirstEachInAStepThatBringsItBackWhole) {
+    Alone<OpenTransform> alone;
+    OpenTransform* first = nullptr;
+    OpenTransform* second = nullptr;
+    INode* const nodes[] = {NewNode(first), NewNode(second)};
+    NewFieldOfView();
     const Matrix3 poses[] = {MovedBy(3), TurnedAboutZ(80) * MovedBy(5), TurnedAboutZ(-30)};
     for (int i = 0; i < 3; ++i)
-        control->AddKey({0, 100 + i * 50, poses[i]});
+        first->AddKey({0, 100 + i * 50, poses[i]});
     const std::uint64_t before = headless::SceneDigest();
-
-    ConvertToPRSController(control);
-    ASSERT_TRUE(IsConverted(node));
-    EXPECT_EQ(host_.UndoLabels().front(), kOwnStep);
-    EXPECT_FALSE(Animating() || theHold.Holding());
+    const std::vector<std::string> labels = {"Convert to Scalar controller", kOwnStep, kOwnStep};
+    for (int round = 0; round < 2; ++round) {
+        ConvertAllControllers();
+        EXPECT_FALSE(Animating() || theHold.Holding());
+        EXPECT_EQ(FieldOfView().ClassID(), kLinearFloatClassId);
+        EXPECT_TRUE(IsConverted(nodes[0]) && IsConverted(nodes[1]));
+        EXPECT_EQ(host_.UndoLabels(), labels) << "the undo stream alone keeps what was converted";
+    }
     for (int i = 0; i < 3; ++i)
-        ExpectNear(node->GetNodeTM(100 + i * 50), poses[i], 1e-4F);
-    EXPECT_EQ(node->GetTMController()->SubAnim(0)->GetKeyTime(0), 100) << "at 0 the seed is alone";
+        ExpectNear(nodes[0]->GetNodeTM(100 + i * 50), poses[i], 1e-4F);
+    Control& converted = *nodes[0]->GetTMController();
+    EXPECT_EQ(converted.SubAnim(0)->GetKeyTime(0), 100) << "at 0 the seed stands alone";
 
+    ASSERT_TRUE(host_.Undo() && host_.Undo());
+    EXPECT_EQ(nodes[0]->GetTMController(), first);
+    EXPECT_TRUE(IsConverted(nodes[1]));
     ASSERT_TRUE(host_.Undo());
-    EXPECT_EQ(node->GetTMController(), control);
     EXPECT_EQ(headless::SceneDigest(), before);
 
     // Inside an open hold it is part of that step, and leaves animate mode as it was.
     AnimateOn();
     theHold.Begin();
-    ConvertToPRSController(control);
-    EXPECT_TRUE(theHold.Holding() && Animating());
+    ConvertToPRSController(first);
+    EXPECT_TRUE(theHold.Holding() && Animating() && IsConverted(nodes[0]));
     theHold.Cancel();
     AnimateOff();
-    EXPECT_EQ(node->GetTMController(), control);
+    EXPECT_EQ(nodes[0]->GetTMController(), first);
 }
 
 // Recorded, so that the cached key holds the last value while its time is still 0.
@@ -102,28 +112,6 @@ TEST_F(Conversion, AScalarKeepsItsValuesAndGetsAKeyAtTickZeroIfItHasNone) {
     ConvertToScalarController(keyless);
     EXPECT_EQ(FieldOfView().NumKeys(), 0);
     EXPECT_EQ(FloatAt(FieldOfView(), 50), 0.75F);
-}
-
-TEST_F(Conversion, AllAreConvertedTheNewestFirstButWhatNobodyRefersTo) {
-    Alone<OpenTransform> alone;
-    OpenTransform* first = nullptr;
-    OpenTransform* second = nullptr;
-    INode* const nodes[] = {NewNode(first), NewNode(second)};
-    NewFieldOfView();
-    ConvertAllControllers();
-    EXPECT_EQ(FieldOfView().ClassID(), kLinearFloatClassId);
-    const std::vector<std::string> labels = {"Convert to Scalar controller", kOwnStep, kOwnStep};
-    const std::vector<std::string> all = host_.UndoLabels();
-    EXPECT_EQ(std::vector(all.begin(), all.begin() + 3), labels);
-    ConvertAllControllers();
-    EXPECT_EQ(host_.UndoLabels(), all) << "the undo stream alone keeps what was converted";
-
-    host_.Undo();
-    host_.Undo();
-    EXPECT_EQ(nodes[0]->GetTMController(), first);
-    EXPECT_TRUE(IsConverted(nodes[1]));
-    ConvertAllControllers();
-    EXPECT_TRUE(IsConverted(nodes[0]));
 }
 
 TEST_F(Conversion, AWalkOverTheLiveOnesBearsTheirDestruction) {

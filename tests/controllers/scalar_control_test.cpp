@@ -31,6 +31,10 @@ TEST_F(Scalar, ValuesAreLinearBetweenKeysAndConstantBeyondThem) {
         }
         control_->AddKey({1, 4, 0.7F});
     }
+    control_->AddKey({0, INT_MIN, 0});
+    control_->DeleteTime(Interval(-9, 9), 0);
+    control_->AddKey({0, INT_MAX, 1});
+    EXPECT_EQ(FloatAt(*control_, -1), 0.5F) << "at an equal way from times as far apart as can be";
 }
 
 // Without keys it holds at every time, beside keys not at all.
