@@ -29,9 +29,21 @@ TEST_F(Command, RecordsIntoASceneWithItsGroundAndItsPath) {
         EXPECT_LT(told["maxFieldOfViewErrorDegrees"].get<double>(), 1e-5);
         EXPECT_LT(told["maxTargetDistanceErrorMetres"].get<double>(), 1e-6);
     }
+    const std::string opened = Do("open take");
+    Do("draw take --sphere 5 -o take");
+    EXPECT_EQ(Do("open take"), "take: 7" + opened.substr(opened.find(" nodes")));
+    const auto inspected = [this](const std::string& node) {
+        return Ask("inspect take --node " + node)["nodes"].at(0);
+    };
+    const Json camera = inspected("walk_Camera");
+    EXPECT_EQ(Line(camera, {"lends", "lens/fieldOfViewType"}), R"(["transform","lens"] 1)");
+    EXPECT_GT(camera["lens"]["targetDistance"].get<double>(), 0);
+    const Json knee = inspected("walk_Knee");
+    EXPECT_EQ(knee["parent"], "walk_Hip");
+    EXPECT_NEAR(knee["transform"]["local"][13].get<double>(), -kUnitsPerMetre / 2, 1e-4);
     // Arrows along the path, one each quarter of a metre of its 150 units: fifteen of eight faces,
     // the tip of each 0.8 of ten units ahead of its start.
-    const Json guide = Ask("inspect take --node walk_Guide")["nodes"].at(0);
+    const Json guide = inspected("walk_Guide");
     EXPECT_EQ(guide["mesh"]["faces"], 15 * 8);
     EXPECT_NEAR(guide["mesh"]["bounds"]["most"][2].get<double>(), 48, 1e-3);
     const std::vector<double> world = guide["transform"]["world"];

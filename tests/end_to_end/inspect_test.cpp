@@ -38,18 +38,4 @@ TEST_F(Inspect, WhatWasDrawnIsSeenAsItIsAtEachTimeInItsOwnUnits) {
         EXPECT_NEAR(world[static_cast<std::size_t>(cell)] * kUnitsPerMetre, place, 1e-6);
 }
 
-TEST_F(Inspect, ARecordedTakeAndItsCameraAreSeenAlsoBesideWhatWasDrawnIntoTheirScene) {
-    Write("walk.bvh", Walk(3));
-    Do("record walk.bvh --scale 1 --scene take");
-    const std::string take = Do("open take");
-    Do("draw take --sphere 5 -o take");
-    EXPECT_EQ(Do("open take"), "take: 4" + take.substr(take.find(" nodes")));
-    const Json camera = Node("take --node walk_Camera");
-    EXPECT_EQ(Line(camera, {"lends", "lens/fieldOfViewType"}), R"(["transform","lens"] 1)");
-    EXPECT_GT(camera["lens"]["targetDistance"].get<double>(), 0);
-    const Json knee = Node("take --node walk_Knee");
-    EXPECT_EQ(knee["parent"], "walk_Hip");
-    EXPECT_NEAR(knee["transform"]["local"][13].get<double>(), -kUnitsPerMetre / 2, 1e-4);
-}
-
 }  // namespace

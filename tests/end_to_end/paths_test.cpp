@@ -105,19 +105,6 @@ TEST_F(Paths, ThatAreLongAreWrittenWholeOrRefused) {
         }
 }
 
-TEST_F(Paths, ThatLeadNowhereAreToldWhateverTheirLength) {
-    for (const std::size_t length : {300U, 1100U, 4300U}) {
-        const std::string path = LongPath(length);
-        const std::string quoted = '"' + path + '"';
-        for (const std::string& words :
-             {"record " + quoted, "open " + quoted, "info " + quoted,
-              "render " + quoted + " --time 0 -o none", "sample " + quoted + " --times 0:1:1"})
-            ExpectRefusal(words, path + ": ", 1);
-        ExpectRefusal("diff " + quoted + " " + quoted, path + ": ", 2);
-    }
-    EXPECT_TRUE(Files().empty());
-}
-
 TEST_F(Paths, OfTheCoreAreTakenWholeOrTold) {
     Write("walk.bvh", Walk(2));
     constexpr std::size_t kRoom = TVL::kLongestInstallPath;

@@ -78,25 +78,6 @@ TEST(Recording, BuildsTheSkeletonAndKeysEveryFrameInOneUndoStep) {
     ExpectWalkingAt(5);
 }
 
-TEST(Recording, OverwritesTheFirstHalfOfATakeOnItsOwnNodesAlsoInASceneThatWasOpened) {
-    Stage stage;
-    stage.Record(stage.WriteFile("walk.bvh", Walk(20)));
-    // What the user hangs the take below is no part of it.
-    Put(GetCOREInterface()->CreateCameraObject(0), "above")
-        ->AttachChild(headless::FindNode("walk_Hip"), 1);
-    stage.Reopen();
-    std::string higher = Walk(20);
-    for (std::size_t at = 0; (at = higher.find(" 1 0 0 0 ", at)) != std::string::npos;)
-        higher.replace(at, 3, " 2 ");
-    stage.Tell("LUMISET_CAPTURE_FRAMES", "0:10");
-    auto report = stage.Record(stage.WriteFile("walk.bvh", higher));
-    EXPECT_EQ(report["capture.1.frames"] + ' ' + report["take.1.captures"], "10 1");
-    EXPECT_EQ(headless::Nodes().size(), 4u);
-    EXPECT_EQ(View("walk_Hip").keys.count, 20);
-    ExpectPlace("walk_Hip", 9, {0.9, 2, 0}, 1e-6);
-    ExpectWalkingAt(10);
-}
-
 // Acts the first time that the host's time moves, as it does when a recording starts.
 class AtTheStart final : public TimeChangeCallback {
   public:

@@ -37,7 +37,8 @@ TEST(Scenery, AFollowingCameraIsReadBackAsWrittenAlsoAfterAStop) {
         Stage stage;
         stage.Tell("LUMISET_FOLLOW_CAMERA", "1");
         stage.Tell("LUMISET_OPTIMISED", optimised);
-        auto report = stage.Record(stage.WriteFile("walk.bvh", Walk(60)));
+        stage.Tell("LUMISET_CAPTURE_FRAMES", "0:60");
+        auto report = stage.Record(stage.WriteFile("walk.bvh", Walk(70)));
         EXPECT_LT(std::stod(report["capture.1.maxFieldOfViewErrorDegrees"]), 1e-5);
         EXPECT_LT(std::stod(report["capture.1.maxTargetDistanceErrorMetres"]), 1e-6);
         EXPECT_EQ(View("walk_Camera").keys.count, 60);
