@@ -28,7 +28,8 @@ void ExpectRow(const TVL::CMatrix4& matrix, int row, const Vector3& expected) {
 }
 
 // The hip stands at (1, 10, 2) and bows by 45 degrees about x; the leg hangs at (1, -2, 0.5) of it.
-TEST(EvaluatePose, CarriesJointsAlongWithTheirParentsInMetres) {
+// Then turns about axes that have turned already, and positions in place of some of an OFFSET's.
+TEST(EvaluatePose, CarriesJointsAlongInMetresAndTakesChannelsInTheOrderOfTheFile) {
     const Motion motion = ReadWhole(kStep);
     std::vector<TVL::CMatrix4> world(2);
     const std::size_t before = Allocations();
@@ -40,11 +41,7 @@ TEST(EvaluatePose, CarriesJointsAlongWithTheirParentsInMetres) {
     // The leg turns by -60 degrees about x, then 30 about y, then with the hip: its own x axis goes
     // to (cos 30, 0, -sin 30) of the hip.
     ExpectRow(world[1], 0, {std::sqrt(3.0) / 2, 0.5 * root, -0.5 * root});
-}
 
-// Turns about axes that have turned already, and positions in place of some of an OFFSET's.
-TEST(EvaluatePose, TakesChannelsInTheOrderOfTheFile) {
-    std::vector<TVL::CMatrix4> world(2);
     EvaluatePose(
         ReadWhole("HIERARCHY ROOT a { OFFSET 1 2 3 CHANNELS 2 Zposition Xposition JOINT b { OFFSET "
                   "4 5 6 CHANNELS 3 Yrotation Zrotation Yrotation } }\nMOTION Frames: 1 Frame "

