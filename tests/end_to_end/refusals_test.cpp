@@ -87,20 +87,15 @@ const std::vector<Refusal> kOfFiles = {
     {"sample take --times 0:1:1 --csv nowhere/a", "nowhere/a: "},
 };
 
-class Refusals : public Command {
-  protected:
-    void ExpectAll(const std::vector<Refusal>& refusals, int status, const std::string& before = "",
-                   const std::string& behind = "") const {
+TEST_F(Command, RefusesInOneLineEachWhatCannotBeDoneAndChangesNoFile) {
+    const auto expectAll = [this](const std::vector<Refusal>& refusals, int status,
+                                  const std::string& before = "", const std::string& behind = "") {
         for (const auto& [words, what] : refusals)
             ExpectRefusal(before + words + behind, what, status);
-    }
-};
-
-TEST_F(Refusals, AreOneLineEachAndChangeNoFile) {
+    };
     Write("walk.bvh", Walk(2));
     Write("cut.bvh", Walk(5).substr(0, Walk(5).size() - 8));
     Do("record walk.bvh --scene take");
-    Do("merge take take --by-host --save twice");
     std::string changed = Read("take");
     changed[changed.size() / 2] ^= 1;
     Write("changed", changed);
@@ -110,11 +105,11 @@ TEST_F(Refusals, AreOneLineEachAndChangeNoFile) {
         fs::permissions(Write(locked, "kept"), fs::perms::owner_read);
     const auto before = Files();
 
-    ExpectAll(kOfAnyVerb, 2);
-    ExpectAll(kOfOnePlaceForTwo, 2);
-    ExpectAll(kOfDrawing, 2, "draw ", " -o none");
-    ExpectAll(kOfFiles, 1);
-    ExpectAll(kOfPictures, 2, "render take -o none ");
+    expectAll(kOfAnyVerb, 2);
+    expectAll(kOfOnePlaceForTwo, 2);
+    expectAll(kOfDrawing, 2, "draw ", " -o none");
+    expectAll(kOfFiles, 1);
+    expectAll(kOfPictures, 2, "render take -o none ");
     for (const std::string& broken :
          {std::string("changed"), std::string("foreign"), std::string("absent"),
           std::string(300, 'f'), std::string(4300, 'f')})

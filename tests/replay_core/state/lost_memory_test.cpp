@@ -1,5 +1,6 @@
 #include <cstddef>
 #include <exception>
+#include <optional>
 
 #include "replay_core/module/replay_core.h"
 #include "replay_core/state/stored_form.h"
@@ -16,19 +17,17 @@ std::string Text(const XMLNode& state) {
     return state.Write("\n", "\t", "");
 }
 
-enum class Ended { kWell, kThrown, kWithoutFault };
-
-// How the work ends while its nth allocation fails, if it makes that many.
+// Whether the work throws while its nth allocation fails; nothing if it makes fewer.
 template <class Work>
-Ended Failing(std::size_t nth, const Work& work) {
+std::optional<bool> Throws(std::size_t nth, const Work& work) {
     const FailingAllocation fault(nth);
-    Ended ended = Ended::kWell;
+    bool throws = false;
     try {
         work();
     } catch (const std::exception&) {
-        ended = Ended::kThrown;
+        throws = true;
     }
-    return fault.HasFailed() ? ended : Ended::kWithoutFault;
+    return fault.HasFailed() ? std::optional(throws) : std::nullopt;
 }
 
 TEST_F(StateTest, IsGivenAndTakenUpWholeOrNotAtAllWhereMemoryRunsOut) {
@@ -40,11 +39,11 @@ TEST_F(StateTest, IsGivenAndTakenUpWholeOrNotAtAllWhereMemoryRunsOut) {
     const auto give = [&](XMLNode& to) { run.HandleExtension(TVL::kSceneBeingSaved, &to); };
     XMLNode given(replay::form::kRoot, "");
     give(given);
-    Ended ended = Ended::kWell;
-    for (std::size_t nth = 1; ended != Ended::kWithoutFault; ++nth) {
+    std::optional<bool> throws = false;
+    for (std::size_t nth = 1; throws; ++nth) {
         XMLNode state(replay::form::kRoot, "");
-        ended = Failing(nth, [&] { give(state); });
-        EXPECT_TRUE(ended == Ended::kThrown || Text(state) == Text(given)) << nth;
+        throws = Throws(nth, [&] { give(state); });
+        EXPECT_TRUE(throws.value_or(false) || Text(state) == Text(given)) << nth;
     }
 
     takes->Drop();
@@ -52,12 +51,12 @@ TEST_F(StateTest, IsGivenAndTakenUpWholeOrNotAtAllWhereMemoryRunsOut) {
     const XMLNode state(whole);
     const std::size_t before = Allocations();
     const XMLNode copy(state);
-    ended = Ended::kWell;
+    throws = false;
     // Whoever calls makes a copy first.
-    for (std::size_t nth = Allocations() - before + 1; ended != Ended::kWithoutFault; ++nth) {
+    for (std::size_t nth = Allocations() - before + 1; throws; ++nth) {
         SCOPED_TRACE(nth);
-        ended = Failing(nth, [&] { core.SetCoreState(state); });
-        if (ended == Ended::kThrown) {
+        throws = Throws(nth, [&] { core.SetCoreState(state); });
+        if (throws.value_or(false)) {
             EXPECT_THROW(core.GetCoreState(), std::exception);
         }
         EXPECT_EQ(Text(core.GetCoreState()), whole);

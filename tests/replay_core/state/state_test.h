@@ -60,16 +60,6 @@ class StateTest : public testing::Test {
         return tags;
     }
 
-    // What a merge of a file with such nodes leaves in the scene, before the tags are gathered.
-    static void Merge(const std::vector<std::pair<std::string, std::string>>& tags) {
-        Interface& host = *GetCOREInterface();
-        for (const auto& [name, tag] : tags) {
-            INode* const node = host.CreateObjectNode(host.CreateCameraObject(0));
-            node->SetName(name.c_str());
-            node->SetUserPropString("TVL_tag", tag);
-        }
-    }
-
     static Names NodeNames(const replay::Take& take) {
         Names names;
         for (const TVL::CNode* node : take.Book().Nodes())

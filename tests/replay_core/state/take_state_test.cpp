@@ -64,11 +64,16 @@ TEST_F(StateTest, AnOpenedSceneHasItsTakesOnceWhicheverRoadsTheStateComesBy) {
     EXPECT_EQ(WholeText(), whole);
 }
 
+// A plug-in with one node that is known by its number, and with more that is not known here.
+XMLNode OldState(const std::string& name, const std::string& node, std::uint32_t number) {
+    return XMLNode("<TVL><TVL_Plugin version=\"2.5\"><type>Old</type><name>" + name +
+                   "</name><nodeinfo><node name=\"" + node +
+                   "\"><UID platform=\"adaptor_3dsmax9\">" + std::to_string(number) +
+                   "</UID></node></nodeinfo><inputprofile><x/></inputprofile></TVL_Plugin></TVL>");
+}
+
 TEST_F(StateTest, WhatIsKnownOfATakeIsUndoneAndRedoneWithWhatWasDone) {
-    Load(
-        XMLNode("<TVL><TVL_Plugin><type>Old</type><name>walk</name><nodeinfo>"
-                "<node name=\"Lost\"/></nodeinfo><inputprofile><x/></inputprofile>"
-                "</TVL_Plugin></TVL>"));
+    Load(OldState("walk", "Lost", 9999));
     Take& walk = takes->Named("walk");
     Names known = {WholeText()};
     const auto done = [&](const std::function<void()>& work) {
@@ -98,20 +103,12 @@ TEST_F(StateTest, WhatIsKnownOfATakeIsUndoneAndRedoneWithWhatWasDone) {
     EXPECT_TRUE(replay::WholeState(*takes).children.empty());
 }
 
-// A plug-in "old" with one node that is known by its number.
-XMLNode StateWithNumber(const std::string& node, std::uint32_t number) {
-    return XMLNode(
-        "<TVL><TVL_Plugin version=\"2.5\"><type>Old</type><name>old</name><nodeinfo>"
-        "<node name=\"" +
-        node + "\"><UID platform=\"adaptor_3dsmax9\">" + std::to_string(number) +
-        "</UID></node></nodeinfo><inputprofile><x/></inputprofile>"
-        "</TVL_Plugin></TVL>");
-}
-
 TEST_F(StateTest, ANumberIsBelievedOnlyIfTheNameAgreesAndNobodyHasTheNode) {
-    Merge({{"old_Hips", ""}});
-    const std::uint32_t number = headless::FindNode("old_Hips")->GetHandle();
-    Load(StateWithNumber("Stranger", number));
+    Interface& host = *GetCOREInterface();
+    INode* const node = host.CreateObjectNode(host.CreateCameraObject(0));
+    node->SetName("old_Hips");
+    const std::uint32_t number = node->GetHandle();
+    Load(OldState("old", "Stranger", number));
     EXPECT_EQ(loaded.takes.at(0).nodesNotFound, Names{"Stranger"});
     EXPECT_EQ(TimesTraced("node not found: old: Stranger"), 1U);
 
@@ -124,12 +121,10 @@ TEST_F(StateTest, ANumberIsBelievedOnlyIfTheNameAgreesAndNobodyHasTheNode) {
     EXPECT_NE(missing.find("<UID"), std::string::npos);
 
     takes->Drop();
-    Load(StateWithNumber("Hips", number));
+    Load(OldState("old", "Hips", number));
     EXPECT_EQ(loaded.takes.at(0).nodesClaimed, 1u);
     Record(takes->Named("walk"), {});
-    XMLNode again = StateWithNumber("Hips", number);
-    again.Child(0).Child(form::kName).children[0]->name = "other";
-    Load(again);
+    Load(OldState("other", "Hips", number));
     EXPECT_EQ(loaded.takes.at(0).nodesNotFound, Names{"Hips"});
 }
 
