@@ -133,14 +133,14 @@ struct ScriptRunner final : GUP {
 TEST_F(PanelTest, AScriptRunsAsAWholeOrNotAtAll) {
     ScriptRunner runner;
     host.SetCommandPanelTaskMode(TASK_MODE_DISPLAY);
+    Step([&] { Add("node"); });
     for (const char* script :
          {"", ";;", "UtilityPanel.OpenUtility 'First_Util';max quit", "max undo undo",
-          "UtilityPanel.OpenUtility First_Util", "UtilityPanel.OpenUtility 'No_Util'", "max undo",
+          "UtilityPanel.OpenUtility First_Util", "UtilityPanel.OpenUtility 'No_Util'",
           "setCommandPanelTaskMode mode:unheard", "$ = getCommandPanelTaskMode()",
           static_cast<const char*>(nullptr)})
         EXPECT_EQ(runner.ExecuteStringScript(script), 0) << (script ? script : "none");
     EXPECT_EQ(Events(), "");
-    Step([&] { Add("node"); });
     EXPECT_NE(runner.ExecuteStringScript(
                   "panel = getCommandPanelTaskMode();UtilityPanel.OpenUtility 'First_Util';"
                   "setCommandPanelTaskMode mode:panel;max undo;"),
@@ -148,6 +148,7 @@ TEST_F(PanelTest, AScriptRunsAsAWholeOrNotAtAll) {
     EXPECT_EQ(Events(), "begin ");
     EXPECT_EQ(host.GetCommandPanelTaskMode(), TASK_MODE_DISPLAY);
     EXPECT_TRUE(headless::Nodes().empty());
+    EXPECT_EQ(runner.ExecuteStringScript("max undo"), 0);
 }
 
 }  // namespace

@@ -68,7 +68,7 @@ TEST_F(DeleteKeyTest, TheUsersDeletionCanBeUndoneWhateverBecomesOfTheHoldMeanwhi
         bool isHeld;  // by a guest who has just made a node, which is selected, too
         std::function<void()> act;
         std::string label;   // of the last step
-        std::size_t undone;  // nodes that come back
+        std::size_t undone;  // nodes that go, and come back
     };
     const auto accept = [] { theHold.Accept("guest"); };
     const auto cancel = [] { theHold.Cancel(); };
@@ -99,7 +99,7 @@ TEST_F(DeleteKeyTest, TheUsersDeletionCanBeUndoneWhateverBecomesOfTheHoldMeanwhi
                 EXPECT_NE(table[i], other);
         };
         const OnNotification onDeletion(NOTIFY_SEL_NODES_PRE_DELETE, hear);
-        session.DeleteSelected();
+        EXPECT_EQ(session.DeleteSelected(), undone);
         if (theHold.Holding()) theHold.Accept("guest");
         const std::vector<std::string> labels = session.UndoLabels();
         EXPECT_EQ(labels.empty() ? "" : labels.front(), label);

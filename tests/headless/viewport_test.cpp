@@ -136,6 +136,7 @@ TEST_F(ViewportTest, AMeshIsHitWhereItShows) {
         {{HITTYPE_POINT, 0, 0, {{210, 190}}}, true},
         {{HITTYPE_POINT, 0, 0, {{196, 150}}}, true},
         {{HITTYPE_POINT, 0, 0, {{195, 150}}}, false},
+        {{HITTYPE_POINT, 0, 0, {{310, 200}}}, false},
         {{HITTYPE_RECT, 1, 0, {{220, 170}, {225, 175}}}, true},
         {{HITTYPE_RECT, 0, 0, {{220, 170}, {225, 175}}}, false},
         {{HITTYPE_RECT, 1, 0, {{280, 110}, {290, 120}}}, false},

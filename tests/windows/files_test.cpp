@@ -5,14 +5,17 @@
 #include <filesystem>
 #include <string>
 
+#include "adaptor/install_paths.h"
 #include "headless/session.h"
 #include "platform/process.h"
 #include "platform/testing.h"
 #include "platform/win32.h"
 #include "tests/support/folder/surroundings.h"
+#include "tvl/installation.h"
 
-// What the system does with files and their names as no other does. A letter that the code page
-// lacks it turns to "?" or to one that looks like it, and then names another file, or none.
+// What the system does with files, their names and its registry as no other does. A letter that the
+// code page lacks it turns to "?" or to one that looks like it, and then names another file, or
+// none.
 namespace {
 
 namespace fs = std::filesystem;
@@ -78,6 +81,31 @@ TEST(AFolderForTemporaryFilesWithALetterBeyondAscii, ServesTheCommandAndTheCore)
         << ReadFile(folder.File("error"));
     SetEnvironmentVariableW(L"TMP", before.c_str());
     EXPECT_TRUE(fs::is_empty(temporary));
+}
+
+// In the system's own registry, where all is left as it was.
+TEST(AnInstaller, Of32BitsWritesWhereItIsLookedFor) {
+    // Whatever took its place in an earlier test.
+    RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
+    const char* const name = TVL::kInstallValue;
+    const std::string before = ReadInstallValue(name);
+    const char* const path = "SOFTWARE\\Tarvo Works\\Ostrel tools";
+    HKEY key = nullptr;
+    DWORD found = 0;
+    RegCreateKeyExA(HKEY_LOCAL_MACHINE, path, 0, nullptr, 0, KEY_ALL_ACCESS | KEY_WOW64_32KEY,
+                    nullptr, &key, &found);
+    const auto set = [&](const std::string& text) {
+        RegSetValueExA(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
+                       static_cast<DWORD>(text.size() + 1));
+    };
+    set("D:\\Somebody's tools");
+    EXPECT_EQ(ReadInstallValue(name), "D:\\Somebody's tools");
+    if (before.empty())
+        RegDeleteValueA(key, name);
+    else
+        set(before);
+    RegCloseKey(key);
+    if (found == REG_CREATED_NEW_KEY) RegDeleteKeyExA(HKEY_LOCAL_MACHINE, path, KEY_WOW64_32KEY, 0);
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "platform/testing.h"
 #include "resources/resource_ids.h"
 #include "tests/support/folder/surroundings.h"
+#include "tests/support/plugin.h"
 #include "tests/support/puppet/stage.h"
 #include "tests/support/puppet_core.h"
 #include "tvl/adaptor_interface.h"
@@ -19,17 +20,12 @@
 // The rollups of the library that a host loads, as real windows with real buttons.
 namespace {
 
+// By GetClassNameA or GetWindowTextA.
 template <class Ask>
 std::string Answer(Ask ask, HWND window) {
     std::array<char, 512> text{};
     ask(window, text.data(), static_cast<int>(text.size()));
     return text.data();
-}
-std::string ClassOf(HWND window) {
-    return Answer(GetClassNameA, window);
-}
-std::string TextOf(HWND window) {
-    return Answer(GetWindowTextA, window);
 }
 
 // The page below the host's main window that has a control of this id.
@@ -50,38 +46,15 @@ HWND PageWith(int control) {
 // place is, the plug-in's tests read in the template.
 void ExpectPage(HWND page, int control, const char* caption, RECT size) {
     ASSERT_TRUE(IsWindow(page));
-    EXPECT_EQ(ClassOf(page), "#32770");
+    EXPECT_EQ(Answer(GetClassNameA, page), "#32770");
     EXPECT_TRUE(IsWindowVisible(page));
     RECT inside{};
     GetClientRect(page, &inside);
     MapDialogRect(page, &size);
     EXPECT_TRUE(EqualRect(&inside, &size)) << inside.right << ' ' << inside.bottom;
-    EXPECT_EQ(ClassOf(GetDlgItem(page, control)), "Button");
-    EXPECT_EQ(TextOf(GetDlgItem(page, control)), caption);
+    const HWND button = GetDlgItem(page, control);
+    EXPECT_EQ(Answer(GetClassNameA, button) + ": " + Answer(GetWindowTextA, button), caption);
 }
-
-// Finds the box by its caption once it stands on the screen, reads it and presses its button.
-struct BoxReader {
-    static inline std::string text;
-    static inline LONG style = 0;
-
-    static void CALLBACK Look(HWND, UINT, UINT_PTR timer, DWORD) {
-        const HWND box = FindWindowA("#32770", "Tarvo Lumiset");
-        if (!box) return;
-        KillTimer(nullptr, timer);
-        text = TextOf(GetDlgItem(box, 0xFFFF));
-        style = GetDlgItem(box, IDOK) && !GetDlgItem(box, IDCANCEL) ? MB_OK : -1;
-        SendMessageA(box, WM_COMMAND, IDOK, 0);
-    }
-};
-
-class Rig final : public TVL::CoreElement {
-  public:
-    Rig() { plugin = &record_; }
-
-  private:
-    TVL::PluginRecord record_{"Rig"};
-};
 
 class Rollups : public testing::Test {
   protected:
@@ -112,7 +85,7 @@ class Rollups : public testing::Test {
 void Rollups::ExpectToOpenTheCoreAtAClick(const char* plugin) {
     Start("whole", plugin);
     const HWND page = PageWith(StartButton);
-    ExpectPage(page, StartButton, "Start Lumiset", {0, 0, 108, 30});
+    ExpectPage(page, StartButton, "Button: Start Lumiset", {0, 0, 108, 30});
     core_.TakeCalls();
     SendMessageA(GetDlgItem(page, StartButton), BM_CLICK, 0, 0);
     EXPECT_EQ(core_.TakeCalls(), (PuppetCore::Calls{"show"}));
@@ -130,18 +103,19 @@ TEST_F(Rollups, OfALibraryBuiltWithAKitAlike) {
 
 TEST_F(Rollups, OfTheUtilityTellsThatThereIsNoCore) {
     Start("other_version");
-    SetTimer(nullptr, 0, 10, BoxReader::Look);
+    headless::MessageBoxText box;
+    session_.OnMessageBox([&](const headless::MessageBoxText& shown) { box = shown; });
     SendMessageA(GetDlgItem(PageWith(StartButton), StartButton), BM_CLICK, 0, 0);
-    EXPECT_EQ(BoxReader::text,
+    EXPECT_EQ(box.caption, "Tarvo Lumiset");
+    EXPECT_EQ(box.text,
               "Unable to bind Core routines. Tarvo Lumiset is unable to start.\n"
               "Please re-install the software and contact Tarvo Works in case the problem "
               "persists.");
-    EXPECT_EQ(BoxReader::style, MB_OK);
 }
 
 TEST_F(Rollups, OfATransformControlConvertsItOnceAtAClick) {
     Start("whole");
-    Rig rig;
+    Plugin rig("Rig");
     core_.options[TVL::kOptimisedControllers] = true;
     stage_.adaptor->CreateHelperNode(&rig, "Hip", nullptr, {}, nullptr);
     INode* const node = headless::FindNode("Rig_Hip");
@@ -150,7 +124,7 @@ TEST_F(Rollups, OfATransformControlConvertsItOnceAtAClick) {
     session_.Select({"Rig_Hip"});
     session_.SetTaskMode(TASK_MODE_MOTION);
     const HWND page = PageWith(ConvertButton);
-    ExpectPage(page, ConvertButton, "Convert to PRS controller", {0, 0, 108, 41});
+    ExpectPage(page, ConvertButton, "Button: Convert to PRS controller", {0, 0, 108, 41});
     SendMessageA(GetDlgItem(page, ConvertButton), BM_CLICK, 0, 0);
     EXPECT_NE(node->GetTMController(), before);
     EXPECT_EQ(node->GetTMController()->ClassID(), (Class_ID{0x2005, 0}));
