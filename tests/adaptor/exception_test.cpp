@@ -15,13 +15,6 @@
 
 namespace {
 
-TVL::CMesh Corner() {
-    TVL::CMesh mesh;
-    mesh.vertices = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
-    mesh.faces = {0, 1, 2};
-    return mesh;
-}
-
 constexpr const char* kSought =
     "<nodes><node name='Hip'/><node name='Knee'><UID><max>2</max></UID></node></nodes>";
 
@@ -40,18 +33,17 @@ class Exceptions : public NodeTest {
         std::size_t before = 0;    // what the caller allocates for the arguments
     };
 
-    static INode* Shown(Object* object) { return GetCOREInterface()->CreateObjectNode(object); }
-    static Node* Found(Object* object) { return new CMAXNode(nullptr, Shown(object)); }
     static MaxAdaptorInterface& Own() { return *MaxAdaptorInterface::GetInstance(); }
 
     void Prepare(bool isRecording) {
         TVL::Log::GetInstance()->buffer.str("");
-        hip = Helper("Hip", nullptr, Corner());
+        hip = Helper("Hip", nullptr, Triangle());
         knee = Helper("Knee", hip);
         eye = Camera("Eye");
-        ball = Found(headless::NewSphere(2, 8));
-        path = Found(headless::NewSplines({headless::StraightLines({{0, 0, 0}, {0, 0, 9}})}));
-        mesh = Corner();
+        ball = NodeOn(headless::NewSphere(2, 8)).release();
+        path = NodeOn(headless::NewSplines({headless::StraightLines({{0, 0, 0}, {0, 0, 9}})}))
+                   .release();
+        mesh = Triangle();
         owners = {&rig};
         chunk = std::make_unique<Chunk>();
         info = XMLNode(kSought);
@@ -82,12 +74,10 @@ class Exceptions : public NodeTest {
     // What user and Core see.
     std::string Standing() {
         std::ostringstream text;
-        for (const headless::NodeView& node : headless::Nodes()) {
-            INode* const host = GetCOREInterface()->GetINodeByHandle(node.parent);
-            text << node.name << '<' << (host ? host->GetName() : "") << node.controllerClassName
-                 << node.keys.count << node.keys.last << node.hidden << node.selected
+        text << Scene() << '\n';
+        for (const headless::NodeView& node : headless::Nodes())
+            text << node.controllerClassName << node.keys.count << node.keys.last << node.hidden
                  << node.wireColour << node.objectClassName << '\n';
-        }
         for (const std::string& name : Listed())
             text << name << ' ';
         text << theHold.Holding() << Own().undo.undoGroups.size() << Animating()
@@ -159,7 +149,7 @@ class Exceptions : public NodeTest {
 };
 
 TEST_F(Exceptions, DoNotReachTheCore) {
-    Shown(headless::NewSphere(1, 8))->SetName("Model");
+    GetCOREInterface()->CreateObjectNode(headless::NewSphere(1, 8))->SetName("Model");
     ASSERT_EQ(world.Session().SaveScene((world.Folder() / "model.scene").string()).error, "");
     world.Session().NewScene();
     const XMLNode sought(kSought);
@@ -169,16 +159,12 @@ TEST_F(Exceptions, DoNotReachTheCore) {
     const TVL::CMatrix4 identity = TVL::CMatrix4::Identity();
     const std::pair<double, double> range(0, 9);
     const std::array<double, 3> above = {0, 0, 9};
+    const std::array<double, 3> down = {0, 0, -1};
     const Operation operations[] = {
         {"GetName", [&] { return !adaptor.GetName().empty(); }},
         {"GetName", [&] { return !static_cast<TVL::Util::MessageNode&>(Own()).GetName().empty(); }},
-        {"CreateLensNode",
-         [&] { return adaptor.CreateLensNode(&rig, "New", hip, &listener) != nullptr; }},
-        {"CreateHelperNode",
-         [&] {
-             return adaptor.CreateHelperNode(&rig, "New", hip, std::move(mesh), &listener) !=
-                    nullptr;
-         }},
+        {"CreateLensNode", [&] { return Camera("New", hip) != nullptr; }},
+        {"CreateHelperNode", [&] { return Helper("New", hip, std::move(mesh)) != nullptr; }},
         {"createMesh", [&] { return adaptor.createMesh(nullptr, "New") != nullptr; }},
         {"FindNode", [&] { return adaptor.FindNode(&rig, "Knee") != nullptr; }},
         {"GetNodes", [&] { return !adaptor.GetNodes(&rig).empty(); }},
@@ -232,10 +218,7 @@ TEST_F(Exceptions, DoNotReachTheCore) {
         {"SetTargetDistance", [&] { return lens->SetTargetDistance(50), false; }},
         {"SetMesh", [&] { return faces->SetMesh(std::move(mesh)), false; }},
         {"GetMesh", [&] { return !faces->GetMesh().faces.empty(); }},
-        {"IntersectRay",
-         [&] {
-             return faces->IntersectRay(above, {0, 0, -1}, nullptr, nullptr);
-         }},
+        {"IntersectRay", [&] { return faces->IntersectRay(above, down, nullptr, nullptr); }},
         {"GetCurveTangent", [&] { return curves->GetCurveTangent(0.5)[2] == 1; }},
     };
     for (const bool isRecording : {false, true})
@@ -245,30 +228,17 @@ TEST_F(Exceptions, DoNotReachTheCore) {
 
 // A node is the adaptor's again whenever its scene node is there again.
 TEST_F(Exceptions, LoseNoNodeThatComesBack) {
-    const std::pair<const char*, std::function<void()>> ways[] = {
-        {"undo of a deletion",
-         [&] {
-             hip->Delete(true);
-             adaptor.EndUndoGroup();
-         }},
-        {"redo of a creation",
-         [&] {
-             adaptor.CreateHelperNode(&rig, "New", nullptr, Corner(), &listener);
-             adaptor.EndUndoGroup();
-             world.Session().Undo();
-         }},
-    };
-    for (const auto& [name, leadUp] : ways) {
+    for (const bool isUndo : {true, false}) {
         bool hasFailed = true;
         for (std::size_t nth = 1; hasFailed; ++nth) {
-            SCOPED_TRACE(testing::Message() << name << ' ' << nth);
+            SCOPED_TRACE(testing::Message() << isUndo << ' ' << nth);
             Prepare(false);
-            adaptor.BeginUndoGroup("step");
-            leadUp();
+            InGroup("step", [&] { isUndo ? hip->Delete(true) : static_cast<void>(Helper("New")); });
+            if (!isUndo) world.Session().Undo();
             {
                 const FailingAllocation fault(nth);
                 try {
-                    *name == 'u' ? world.Session().Undo() : world.Session().Redo();
+                    isUndo ? world.Session().Undo() : world.Session().Redo();
                 } catch (const std::bad_alloc&) {  // of a record of the host's own
                 }
                 hasFailed = fault.HasFailed();

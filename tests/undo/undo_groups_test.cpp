@@ -93,7 +93,7 @@ TEST_F(UndoGroupsTest, ACancelAnywhereTakesTheWholeNestBackAndNothingAfterIt) {
 }
 
 TEST_F(UndoGroupsTest, WhatNoGroupTakesAndWhatIsNotOpenIsReportedAndChangesNothing) {
-    EXPECT_EQ(Traced("+0[+)x/"), "+E!0![.+E!.)!.x!./");
+    EXPECT_EQ(Traced("+0[+)x/(+)"), "+E!0![.+E!.)!.x!./(:+:)a");
     for (const char* line : {"(ERROR): Error: undo group mismatch. Attempt to end a non-existing "
                              "undo group detected\n",
                              "Return value: Mismatch on undo start and end group\n"})
