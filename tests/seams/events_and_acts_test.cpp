@@ -66,11 +66,12 @@ enum class Record {
     kInGroup,  // if nobody ends the group that it opens
     kNone,     // of what it changes in the scene
 };
+using enum Record;
 struct Event {
     std::string_view name;
     Record record;
-    Names acts;
-    void (*happen)(Play&) = [](Play&) {};  // ahead of the acts
+    void (*happen)(Play&);
+    Names acts;  // behind what happens
 };
 constexpr std::string_view kUserDeletes = "UserDeletes";
 constexpr std::string_view kShutdown = "Shutdown";
@@ -91,44 +92,35 @@ void UndoAndRedo(Play& play) {
     play.Session().Redo();
 }
 
+void DoNothing(Play&) {}
+
 const Event kEvents[] = {
-    {"TimeMoves", Record::kWhole, {}, [](Play& play) { play.Session().SetTime(480); }},
-    {"StartPressed",
-     Record::kWhole,
-     {},
-     [](Play& play) { play.Session().PressButton(StartButton); }},
-    {"ConvertAllPressed", Record::kWhole, {}, PressConvertAll},
-    {kUserDeletes, Record::kWhole, {}, [](Play& play) { play.Session().DeleteSelected(); }},
-    {"Undo", Record::kWhole, {}, [](Play& play) { play.Session().Undo(); }},
-    {"UndoAndRedo", Record::kWhole, {}, UndoAndRedo},
+    {"TimeMoves", kWhole, [](Play& play) { play.Session().SetTime(480); }, {}},
+    {"StartPressed", kWhole, [](Play& play) { play.Session().PressButton(StartButton); }, {}},
+    {"ConvertAllPressed", kWhole, PressConvertAll, {}},
+    {kUserDeletes, kWhole, [](Play& play) { play.Session().DeleteSelected(); }, {}},
+    {"Undo", kWhole, [](Play& play) { play.Session().Undo(); }, {}},
+    {"UndoAndRedo", kWhole, UndoAndRedo, {}},
     {"Cancel",
-     Record::kInGroup,
+     kInGroup,
+     DoNothing,
      {"begin group", "create lens", "add chunk", "delete", "cancel group"}},
-    {"Creation", Record::kInGroup, {"begin group", "create lens", "end group"}},
-    {"CreationWithoutGroup", Record::kNone, {"create helper"}},
-    {"Deletion", Record::kInGroup, {"begin group", "delete", "end group"}},
-    {"Recording", Record::kNone, {"begin recording", "write", "set time", "end recording"}},
-    {"Save",
-     Record::kWhole,
-     {},
-     [](Play& play) { play.Session().SaveScene(play.File("a.scene")); }},
-    {"FailingSave",
-     Record::kWhole,
-     {},
-     [](Play& play) { play.Session().SaveScene(play.File("no/where")); }},
-    {"Open", Record::kNone, {}, [](Play& play) { play.Session().OpenScene(play.File("b.scene")); }},
-    {"HostMerges",
-     Record::kNone,
-     {},
-     [](Play& play) { play.Session().MergeScene(play.File("b.scene")); }},
-    {"CoreMerges", Record::kNone, {"merge"}},
-    {"NewScene", Record::kNone, {}, [](Play& play) { play.Session().NewScene(); }},
-    {"Reset", Record::kNone, {}, [](Play& play) { play.Session().Reset(); }},
-    {"OtherFileOpens", Record::kWhole, {}, AnnounceOtherFile},
-    {"Detach", Record::kNone, {"detach"}},
-    {"DetachAndAttach", Record::kNone, {"detach", "attach"}},
-    {"Flush", Record::kNone, {"flush"}},
-    {kShutdown, Record::kWhole, {}, [](Play& play) { play.Session().ShutDown(); }},
+    {"Creation", kInGroup, DoNothing, {"begin group", "create lens", "end group"}},
+    {"CreationWithoutGroup", kNone, DoNothing, {"create helper"}},
+    {"Deletion", kInGroup, DoNothing, {"begin group", "delete", "end group"}},
+    {"Recording", kNone, DoNothing, {"begin recording", "write", "set time", "end recording"}},
+    {"Save", kWhole, [](Play& play) { play.Session().SaveScene(play.File("a.scene")); }, {}},
+    {"FailingSave", kWhole, [](Play& play) { play.Session().SaveScene(play.File("no/way")); }, {}},
+    {"Open", kNone, [](Play& play) { play.Session().OpenScene(play.File("b.scene")); }, {}},
+    {"HostMerges", kNone, [](Play& play) { play.Session().MergeScene(play.File("b.scene")); }, {}},
+    {"CoreMerges", kNone, DoNothing, {"merge"}},
+    {"NewScene", kNone, [](Play& play) { play.Session().NewScene(); }, {}},
+    {"Reset", kNone, [](Play& play) { play.Session().Reset(); }, {}},
+    {"OtherFileOpens", kWhole, AnnounceOtherFile, {}},
+    {"Detach", kNone, DoNothing, {"detach"}},
+    {"DetachAndAttach", kNone, DoNothing, {"detach", "attach"}},
+    {"Flush", kNone, DoNothing, {"flush"}},
+    {kShutdown, kWhole, [](Play& play) { play.Session().ShutDown(); }, {}},
 };
 
 // Laws -----------------------------------------------------------------------------------------
@@ -149,7 +141,7 @@ struct Plan {
 void DoInside(Play& play, const Event& event, const Act& act, bool isInsideAnother) {
     const std::string_view name = act.name;
     const bool endsGroup = name == "end group" || name == "cancel group";
-    const bool endsGroupOfOthers = endsGroup && (isInsideAnother || event.record != Record::kWhole);
+    const bool endsGroupOfOthers = endsGroup && (isInsideAnother || event.record != kWhole);
     if (!theHold.Holding() || endsGroupOfOthers || name == "flush") play.leftNoRecord = true;
     // What one has ended and the other begun anew in the same call the adaptor cannot tell apart.
     if (name == "throw" && isInsideAnother) throw std::runtime_error(play::kThrownOut);
@@ -215,7 +207,7 @@ void SaveAndOpen(Play& play, bool hasThrown) {
 // exception, or brought back by a cancel behind a merge, which ends the step before.
 void ExcuseNodesOutOfTheScene(Play& play, const Event& event, const Plan& plan) {
     const bool isCancelInDeletion = event.name == kUserDeletes && plan.Has("cancel group");
-    if (event.record != Record::kNone && !plan.Has("merge") && !isCancelInDeletion) return;
+    if (event.record != kNone && !plan.Has("merge") && !isCancelInDeletion) return;
     for (TVL::CoreNode* node : play.AllNodes())
         if (node->GetName().empty()) play.loose.insert(node->GetNodeName());
 }
@@ -230,7 +222,7 @@ void ExpectThrownOut(Play& play) {
 std::size_t TryPlan(const Event& event, const Names& situation, const Plan& plan) {
     Play play;
     const std::uint64_t made = MakeScene(play);
-    play.leftNoRecord = event.record == Record::kNone;
+    play.leftNoRecord = event.record == kNone;
     Do(play, situation);
     const std::size_t met = Happen(play, event, plan);
     if (event.name == kShutdown || !plan.first) return met;
