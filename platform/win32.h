@@ -95,11 +95,6 @@ constexpr WORD LOWORD(T value) {
     return static_cast<WORD>(static_cast<std::uintptr_t>(value) & 0xFFFF);
 }
 
-template <std::integral T>
-constexpr WORD HIWORD(T value) {
-    return static_cast<WORD>((static_cast<std::uintptr_t>(value) >> 16) & 0xFFFF);
-}
-
 template <std::integral Low, std::integral High>
 constexpr WPARAM MAKEWPARAM(Low low, High high) {
     return static_cast<WPARAM>(LOWORD(low)) | (static_cast<WPARAM>(LOWORD(high)) << 16);
@@ -125,10 +120,6 @@ PLATFORM_API HMODULE WINAPI LoadLibraryA(LPCSTR path);
 PLATFORM_API FARPROC WINAPI GetProcAddress(HMODULE module, LPCSTR name);
 // Takes one load back; the last one runs the entry point and unmaps the module.
 PLATFORM_API BOOL WINAPI FreeLibrary(HMODULE module);
-// Writes the module's path (null: the program's) and returns its length. A path that does not fit
-// is cut off, NUL-terminated, and `size` is returned; 0 for an unknown module.
-PLATFORM_API DWORD WINAPI GetModuleFileNameA(HMODULE module, LPSTR buffer, DWORD size);
-
 // Registry -------------------------------------------------------------------------------------
 
 inline const HKEY HKEY_CURRENT_USER = reinterpret_cast<HKEY>(std::uintptr_t{0x80000001});
@@ -218,9 +209,6 @@ PLATFORM_API BOOL WINAPI IsWindowVisible(HWND window);
 PLATFORM_API BOOL WINAPI ShowWindow(HWND window, int command);
 PLATFORM_API HWND WINAPI GetParent(HWND window);
 PLATFORM_API HWND WINAPI GetDlgItem(HWND dialog, int id);
-PLATFORM_API int WINAPI GetDlgCtrlID(HWND control);
-// Position and size on a screen that has one pixel for each dialog unit.
-PLATFORM_API BOOL WINAPI GetWindowRect(HWND window, RECT* rect);
 
 PLATFORM_API BOOL WINAPI SetWindowTextA(HWND window, LPCSTR text);
 // Returns the length of what was copied, at most `size` - 1.
@@ -234,8 +222,6 @@ PLATFORM_API LONG_PTR WINAPI SetWindowLongPtrA(HWND window, int index, LONG_PTR 
 // returned for WM_INITDIALOG, and 0 for the rest. BM_CLICK to a button sends WM_COMMAND to the
 // button's parent, with the button's id in the low word and its handle as lParam.
 PLATFORM_API LRESULT WINAPI SendMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-PLATFORM_API LRESULT WINAPI SendDlgItemMessageA(HWND dialog, int id, UINT message, WPARAM wParam,
-                                                LPARAM lParam);
 
 // There is nothing to initialise: every kind of control is there from the start.
 PLATFORM_API void WINAPI InitCommonControls();

@@ -1,17 +1,14 @@
 #include <dlfcn.h>
 
-#include <filesystem>
 #include <string>
 #include <string_view>
 #include <utility>
 
-#include "platform/common/text.h"
 #include "platform/modules.h"
 #include "platform/posix/guarded.h"
 #include "platform/posix/modules.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/window_table.h"
-#include "platform/process.h"
 #include "platform/testing.h"
 #include "platform/win32.h"
 
@@ -82,13 +79,6 @@ FARPROC Find(HMODULE module, const char* name) {
     return reinterpret_cast<FARPROC>(symbol);
 }
 
-std::string PathOf(HMODULE module) {
-    if (module == nullptr || module == ProgramModule()) return ProgramFile().string();
-    Dl_info info{};
-    if (FindModule(module) == nullptr || dladdr(module, &info) == 0) return {};
-    return std::filesystem::absolute(info.dli_fname).string();
-}
-
 }  // namespace
 
 std::string LastLoadFailure() {
@@ -118,15 +108,6 @@ FARPROC GetProcAddress(HMODULE module, LPCSTR name) {
 
 BOOL FreeLibrary(HMODULE module) {
     return platform::Guarded<BOOL>(FALSE, [&] { return platform::Close(module) ? TRUE : FALSE; });
-}
-
-DWORD GetModuleFileNameA(HMODULE module, LPSTR buffer, DWORD size) {
-    if (buffer == nullptr || size == 0) return 0;
-    return platform::Guarded<DWORD>(0, [&] {
-        const std::string path = platform::PathOf(module);
-        const std::size_t copied = platform::CopyText(path, buffer, size);
-        return copied < path.size() ? size : static_cast<DWORD>(copied);
-    });
 }
 
 }  // extern "C"

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cstdint>
-#include <limits>
 #include <utility>
 
 #include "platform/common/text.h"
@@ -35,11 +34,6 @@ void Destroy(HWND handle) {
     }
     LeaveParent(handle, Windows().Find(handle)->parent);
     Windows().Remove(handle);
-}
-
-LONG Saturate(std::int64_t position) {
-    using Limits = std::numeric_limits<LONG>;
-    return static_cast<LONG>(std::clamp<std::int64_t>(position, Limits::min(), Limits::max()));
 }
 
 LRESULT Click(HWND button) {
@@ -116,25 +110,6 @@ HWND GetDlgItem(HWND dialog, int id) {
     });
 }
 
-int GetDlgCtrlID(HWND control) {
-    return WithWindow<int>(control, 0, [](const Window& window) { return window.id; });
-}
-
-BOOL GetWindowRect(HWND handle, RECT* rect) {
-    if (rect == nullptr) return FALSE;
-    return WithWindow<BOOL>(handle, FALSE, [&](const Window& window) {
-        std::int64_t left = 0;
-        std::int64_t top = 0;
-        for (const Window* at = &window; at != nullptr; at = Windows().Find(at->parent)) {
-            left += at->x;
-            top += at->y;
-        }
-        *rect = {platform::Saturate(left), platform::Saturate(top),
-                 platform::Saturate(left + window.width), platform::Saturate(top + window.height)};
-        return TRUE;
-    });
-}
-
 BOOL SetWindowTextA(HWND handle, LPCSTR text) {
     return WithWindow<BOOL>(handle, FALSE, [&](Window& window) {
         window.text = text == nullptr ? "" : text;
@@ -168,10 +143,6 @@ LRESULT SendMessageA(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) {
         const INT_PTR result = platform::CallProcedure(handle, message, wParam, lParam);
         return message == WM_INITDIALOG ? result : 0;
     });
-}
-
-LRESULT SendDlgItemMessageA(HWND dialog, int id, UINT message, WPARAM wParam, LPARAM lParam) {
-    return SendMessageA(GetDlgItem(dialog, id), message, wParam, lParam);
 }
 
 // There is nothing to initialise: every kind of control is there from the start.
