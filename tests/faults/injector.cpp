@@ -27,14 +27,10 @@
 #include <filesystem>
 #include <map>
 #include <string>
-#include <string_view>
+#include <type_traits>
 #include <utility>
 
-extern "C" {
-void* __libc_malloc(size_t);
-void* __libc_calloc(size_t, size_t);
-void* __libc_realloc(void*, size_t);
-}
+extern "C" void* __libc_malloc(size_t);
 
 namespace fs = std::filesystem;
 
@@ -57,8 +53,7 @@ struct Book {
     char what[512];  // what failed, and where
 };
 
-Book unread;
-Book* book = &unread;
+Book* book = nullptr;
 std::string_view kind = "none";
 long nth = 0;
 std::string& ourFolder = *new std::string;
@@ -102,17 +97,19 @@ bool IsSystems(std::string_view path) {
     return path.empty();
 }
 
+// Where the sweep keeps what belongs to no disk.
+fs::path Home() {
+    return std::getenv("LUMISET_FAULT_HOME");
+}
+
 // The disk ---------------------------------------------------------------------------------------
 
 // What the disk has of the files that were written, by their inodes: so many bytes. Files are
 // closed after the last destructor.
 auto& synced = *new std::map<ino_t, off_t>;
 
-// The names that the disk has in the folder of the run, as links to what stands under them.
-fs::path Attic() {
-    return std::getenv("LUMISET_FAULT_ATTIC");
-}
-
+// The attic has the names that the disk has in the folder of the run, as links to what stands under
+// them.
 void Replace(const fs::path& folder, const fs::path& source) {
     for (const auto& entry : fs::directory_iterator(folder))
         fs::remove(entry);
@@ -134,7 +131,7 @@ void NoteSync(int file) {
     const Aside aside;
     struct stat status {};
     if (fstat(file, &status) == 0) synced[status.st_ino] = status.st_size;
-    if (kind == "lost" && fs::equivalent(PathOf(file), ".")) Replace(Attic(), ".");
+    if (kind == "lost" && fs::equivalent(PathOf(file), ".")) Replace(Home() / "attic", ".");
 }
 
 // What the disk does when the power goes: `cut` loses contents that were not synced, and `lost`
@@ -147,7 +144,7 @@ void LosePower() {
         const off_t size = std::min(status.st_size, synced[status.st_ino]);
         fs::resize_file(entry, static_cast<std::uintmax_t>(size));
     }
-    if (kind == "lost") Replace(".", Attic());
+    if (kind == "lost") Replace(".", Home() / "attic");
 }
 
 [[noreturn]] void Die() {
@@ -168,48 +165,40 @@ enum class Answer { kDo, kFail, kPart, kPretend };
 
 // What becomes of an operation on a file that is about to begin.
 template <class File>
-Answer Ask(const char* what, File file, bool canBePart = false) {
+Answer Ask(const char* what, File file) {
     if (!isCounted) return Answer::kDo;
     const Aside aside;
     const std::string path = PathOf(file);
-    if (IsSystems(path)) return Answer::kDo;
-    if (kind == "liar" && std::strcmp(what, "fsync") == 0 && nth > 0) return Answer::kPretend;
-    if (++book->operations != nth || kind == "alloc") return Answer::kDo;
+    if (IsSystems(path) || ++book->operations != nth || kind == "alloc") return Answer::kDo;
     Note(what, path.c_str());
-    if (Contains("kill cut lost liar", {kind})) Die();
+    if (Contains("kill cut lost", {kind})) Die();
     if (kind == "lie")
         return Contains(what, {"open", "read", "stat"}) ? Answer::kDo : Answer::kPretend;
+    const bool canBePart = Contains("read write fsync", {what});
     if (kind == "part") return canBePart ? Answer::kPart : Answer::kDo;
     errno = kind == "eio" ? EIO : kind == "enospc" ? ENOSPC : kind == "eacces" ? EACCES : EINTR;
     return kind == "eintr" && !canBePart ? Answer::kDo : Answer::kFail;
 }
 
-template <class File, class Work>
-int Done(const char* what, File file, Work work, bool canBePart = false) {
-    const Answer answer = Ask(what, file, canBePart);
-    if (answer == Answer::kFail) return -1;
-    return answer == Answer::kPretend ? 0 : work();
-}
-
-// For what gives null where it fails.
-template <class... Given, class Result>
-Result* Opened(Result* (*open)(const char*, Given...), const char* name, Given... given) {
-    return Ask("open", name) == Answer::kDo ? open(name, given...) : nullptr;
+template <class File, class Result, class... Given>
+Result Done(const char* what, File file, Result (*work)(Given...),
+            std::type_identity_t<Given>... given) {
+    const Answer answer = Ask(what, file);
+    if (answer == Answer::kDo || answer == Answer::kPart) return work(given...);
+    if constexpr (std::is_pointer_v<Result>)
+        return nullptr;
+    else
+        return answer == Answer::kPretend ? 0 : -1;
 }
 
 // A write, or a read, that may come to its half.
 template <class Work>
 ssize_t Moved(const char* what, int file, size_t size, Work work) {
-    const Answer answer = Ask(what, file, size > 1 || kind == "eintr");
+    if (isCounted && *what == 'w') NoteWrite(file);
+    const Answer answer = Ask(what, file);
     if (answer == Answer::kFail) return -1;
     if (answer == Answer::kPretend) return static_cast<ssize_t>(size);
-    return work(answer == Answer::kPart ? size / 2 : size);
-}
-
-template <class Work>
-ssize_t Written(int file, size_t size, Work work) {
-    if (isCounted) NoteWrite(file);
-    return Moved("write", file, size, work);
+    return work(answer == Answer::kPart ? (size + 1) / 2 : size);
 }
 
 // A file that could not be closed well is closed.
@@ -271,32 +260,24 @@ EXPORTED void* malloc(size_t size) noexcept {
     return Fails() ? nullptr : __libc_malloc(size);
 }
 
-EXPORTED void* calloc(size_t count, size_t size) noexcept {
-    return Fails() ? nullptr : __libc_calloc(count, size);
-}
-
-EXPORTED void* realloc(void* block, size_t size) noexcept {
-    return Fails() ? nullptr : __libc_realloc(block, size);
-}
-
 EXPORTED int open(const char* name, int flags, ...) {
     va_list rest;
     va_start(rest, flags);
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
     va_end(rest);
-    return Done("open", name, [&] { return REAL(open)(name, flags, mode); });
+    return Done("open", name, Next<int (*)(const char*, int, mode_t)>("open"), name, flags, mode);
 }
 
 EXPORTED FILE* fopen(const char* name, const char* mode) {
-    return Opened(REAL(fopen), name, mode);
+    return Done("open", name, REAL(fopen), name, mode);
 }
 
 EXPORTED FILE* fopen64(const char* name, const char* mode) {
-    return Opened(REAL(fopen64), name, mode);
+    return Done("open", name, REAL(fopen64), name, mode);
 }
 
 EXPORTED DIR* opendir(const char* name) {
-    return Opened(REAL(opendir), name);
+    return Done("open", name, REAL(opendir), name);
 }
 
 EXPORTED ssize_t read(int file, void* bytes, size_t size) {
@@ -304,14 +285,14 @@ EXPORTED ssize_t read(int file, void* bytes, size_t size) {
 }
 
 EXPORTED ssize_t write(int file, const void* bytes, size_t size) {
-    return Written(file, size, [&](size_t part) { return REAL(write)(file, bytes, part); });
+    return Moved("write", file, size, [&](size_t part) { return REAL(write)(file, bytes, part); });
 }
 
 EXPORTED ssize_t writev(int file, const iovec* blocks, int count) {
     size_t size = 0;
     for (int i = 0; i < count; ++i)
         size += blocks[i].iov_len;
-    return Written(file, size, [&](size_t part) {
+    return Moved("write", file, size, [&](size_t part) {
         if (part == size) return REAL(writev)(file, blocks, count);
         while (blocks->iov_len == 0)
             ++blocks;
@@ -320,36 +301,33 @@ EXPORTED ssize_t writev(int file, const iovec* blocks, int count) {
 }
 
 EXPORTED int fsync(int file) {
-    const auto sync = [&] {
-        const int result = REAL(fsync)(file);
-        if (result == 0 && isCounted) NoteSync(file);
-        return result;
-    };
-    return Done("fsync", file, sync, true);
+    const int result = Done("fsync", file, REAL(fsync), file);
+    if (result == 0 && isCounted) NoteSync(file);
+    return result;
 }
 
 EXPORTED int rename(const char* from, const char* to) noexcept {
-    return Done("rename", to, [&] { return REAL(rename)(from, to); });
+    return Done("rename", to, REAL(rename), from, to);
 }
 
 EXPORTED int remove(const char* name) noexcept {
-    return Done("unlink", name, [&] { return REAL(remove)(name); });
+    return Done("unlink", name, REAL(remove), name);
 }
 
 EXPORTED int fchmodat(int folder, const char* name, mode_t mode, int flags) noexcept {
-    return Done("chmod", name, [&] { return REAL(fchmodat)(folder, name, mode, flags); });
+    return Done("chmod", name, REAL(fchmodat), folder, name, mode, flags);
 }
 
 EXPORTED int stat(const char* name, struct stat* status) noexcept {
-    return Done("stat", name, [&] { return REAL(stat)(name, status); });
+    return Done("stat", name, REAL(stat), name, status);
 }
 
 EXPORTED int lstat(const char* name, struct stat* status) noexcept {
-    return Done("stat", name, [&] { return REAL(lstat)(name, status); });
+    return Done("stat", name, REAL(lstat), name, status);
 }
 
 EXPORTED int mkdir(const char* name, mode_t mode) noexcept {
-    return Done("mkdir", name, [&] { return REAL(mkdir)(name, mode); });
+    return Done("mkdir", name, REAL(mkdir), name, mode);
 }
 
 EXPORTED int close(int file) {
@@ -374,20 +352,15 @@ constexpr unsigned kLongestRun = 60;  // seconds, until a command counts as hang
 
 int (*realMain)(int, char**, char**);
 
-void OpenBook(const char* path) {
-    const int file = REAL(open)(path, O_RDWR | O_CLOEXEC);
+int Main(int argc, char** argv, char** environment) {
+    const int file = open((Home() / "book").c_str(), O_RDWR | O_CLOEXEC);
     void* const mapped = mmap(nullptr, sizeof *book, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
     if (mapped == MAP_FAILED) std::abort();
-    REAL(close)(file);
+    close(file);
     book = static_cast<Book*>(mapped);
-}
-
-int Main(int argc, char** argv, char** environment) {
-    if (const char* const path = std::getenv("LUMISET_FAULT_BOOK")) OpenBook(path);
-    if (const char* const fault = std::getenv("LUMISET_FAULT")) {
-        kind = std::string_view(fault).substr(0, std::strcspn(fault, ":"));
-        nth = std::atol(fault + kind.size() + 1);
-    }
+    const char* const fault = std::getenv("LUMISET_FAULT");
+    kind = std::string_view(fault).substr(0, std::strcspn(fault, ":"));
+    nth = std::atol(fault + kind.size() + 1);
     ourFolder = fs::read_symlink("/proc/self/exe").parent_path().string() + '/';
     alarm(kLongestRun);
     isCounted = true;

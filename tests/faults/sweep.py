@@ -14,7 +14,6 @@ import signal
 import struct
 import subprocess
 import sys
-import time
 
 # Over an old scene, into a new place, over another scene, over the one that is read, and a picture.
 VERBS = {"record": "record small.bvh --scene take.scene --poses poses.csv",
@@ -26,26 +25,14 @@ VERBS = {"record": "record small.bvh --scene take.scene --poses poses.csv",
 SURVIVED = ["part", "eintr"]  # whoever asks again gets what it wants
 DEATHS = ["kill", "cut", "lost"]
 HONEST = ["alloc", "eio", "enospc", "eacces"] + SURVIVED + DEATHS
-# What a disk does that lies about a write, a name, or all syncs. It cannot be helped, and must be
-# seen.
-LIES = ["lie", "liar"]
+LIE = "lie"  # of a disk that only says it has done it: cannot be helped, and must be seen
 
 # How many of a kind a sample passes over.
 STRIDES = {"alloc": 97}
 STRIDE = 7
 SLOWER = {"render": 6}
 
-CAPTURE = b"""HIERARCHY
-ROOT Hip { OFFSET 0 0 0 CHANNELS 6 Xposition Yposition Zposition Zrotation Xrotation Yrotation
-JOINT Knee { OFFSET 0 -40 0 CHANNELS 3 Zrotation Xrotation Yrotation
-End Site { OFFSET 0 -40 0 } } }
-MOTION
-Frames: 3
-Frame Time: 0.0333333
-0 90 0 0 0 0 0 0 0
-1 91 0 1 2 3 10 20 30
-2 92 0 4 5 6 11 21 31
-"""
+CAPTURE = pathlib.Path(__file__).parents[2] / "fuzz/corpus/capture/two_joints"
 
 REGISTRY = """Windows Registry Editor Version 5.00
 
@@ -68,33 +55,28 @@ def folder_files(folder):
 class Place:
     """Where one process of the command at a time runs: its folder of scenes, and all else."""
 
-    def __init__(self, binaries, folder):
-        self.command, self.home, self.scenes = binaries / "lumiset-headless", folder / "home", folder / "scenes"
-        shutil.rmtree(folder, ignore_errors=True)
-        (self.home / "documents/Tarvo Works/Lumiset/data").mkdir(parents=True)
-        self.scenes.mkdir()
-        (self.home / "lumiset.reg").write_text(REGISTRY.format(binaries, self.home))
+    def __init__(self, binaries, home):
+        self.binaries, self.home, self.scenes = binaries, home, home / "scenes"
         self.environment = {"LD_PRELOAD": str(binaries / "fault_injector.so"),
-                            "LUMISET_FAULT_BOOK": str(self.home / "book"),
-                            "LUMISET_FAULT_ATTIC": str(self.home / "attic"),
-                            "LUMISET_REGISTRY": str(self.home / "lumiset.reg"),
+                            "LUMISET_FAULT_HOME": str(home),
+                            "LUMISET_REGISTRY": str(home / "lumiset.reg"),
                             "MESA_SHADER_CACHE_DISABLE": "true",
-                            "TMPDIR": str(self.home / "tmp")}
+                            "TMPDIR": str(home / "tmp")}
 
     def lay(self, files):
-        for name in ["tmp", "attic", "documents/Tarvo Works/Lumiset/data"]:
-            shutil.rmtree(self.home / name, ignore_errors=True)
-            (self.home / name).mkdir()
-        for path in self.scenes.iterdir():
-            path.unlink()
+        shutil.rmtree(self.home, ignore_errors=True)
+        for name in ["scenes", "tmp", "attic", "documents/Tarvo Works/Lumiset/data"]:
+            (self.home / name).mkdir(parents=True)
+        (self.home / "lumiset.reg").write_text(REGISTRY.format(self.binaries, self.home))
         for name, content in files.items():
             (self.scenes / name).write_bytes(content)
             os.link(self.scenes / name, self.home / "attic" / name)
 
     def run(self, words, fault="none:0"):
         (self.home / "book").write_bytes(bytes(BOOK.size))
-        done = subprocess.run([self.command, *words.split()], cwd=self.scenes, capture_output=True,
-                              env=self.environment | {"LUMISET_FAULT": fault}, check=False)
+        done = subprocess.run([self.binaries / "lumiset-headless", *words.split()], cwd=self.scenes,
+                              capture_output=True, check=False,
+                              env=self.environment | {"LUMISET_FAULT": fault})
         _, _, struck, what = BOOK.unpack((self.home / "book").read_bytes())
         return Ending(done.returncode, done.stdout.decode(), done.stderr.decode(), struck,
                       what.split(b"\0")[0].decode())
@@ -107,43 +89,40 @@ class Place:
 
 
 def make_inputs(place):
-    place.lay({"small.bvh": CAPTURE, "other.bvh": CAPTURE})
+    place.lay({"small.bvh": CAPTURE.read_bytes(), "other.bvh": CAPTURE.read_bytes()})
     place.must("record small.bvh --scene in.scene")
     place.must("record other.bvh --scene other.scene")
     files = folder_files(place.scenes)
     return files | {"take.scene": files["other.scene"], "poses.csv": b"old", "picture.png": b"old"}
 
 
+def has_complaint(ending):
+    """What was asked for is done, and what else did not go well is told."""
+    words = "\n" + ending.out
+    return ending.status == 0 and ("\nComplaint: " in words or "\nMessage box: " in words)
+
+
 class Verb:
-    """A verb's run without a fault, and all that was seen to be as good as what it left."""
+    """A verb's run without a fault, which the others are held against."""
 
     def __init__(self, place, name, before):
         self.name, self.words, self.before = name, VERBS[name], before
         place.lay(before)
         self.ending = place.must(self.words)
         self.after = folder_files(place.scenes)
-        self.sound = set()
 
-    def is_as_good(self, place, name, content, keeps_old):
+    def is_as_good(self, place, name, ending):
         """Whether another process finds in a scene what it finds in the one of the clean run; or opens
         it to the same words, if the run has told that it keeps what could not be read beside it."""
-        if content == self.after[name] or (name, content, keeps_old) in self.sound:
-            return True
-        if not name.endswith(".scene"):
-            return False
-        found = place.run(f"open {name}")
-        (place.scenes / "compared").write_bytes(self.after[name])
-        differs = place.run(f"diff compared {name}").status != 0
-        (place.scenes / "compared").rename(place.scenes / name)
-        is_sound = (keeps_old or not differs) and found.out == place.must(f"open {name}").out
-        (place.scenes / name).write_bytes(content)
-        if is_sound:
-            self.sound.add((name, content, keeps_old))
-        return is_sound
-
-    def fault_in_folder(self, place, ending, may_leave):
         keeps_old = has_complaint(ending) and any(
             words in ending.out for words in ("kept as they are stored", "they were never claimed"))
+        found, compared = place.run(f"open {name}"), place.scenes / "compared"
+        compared.write_bytes(self.after[name])
+        is_same = keeps_old or place.run(f"diff compared {name}").status == 0
+        compared.rename(place.scenes / name)
+        return is_same and place.must(f"open {name}").out == found.out
+
+    def fault_in_folder(self, place, ending, may_leave):
         now = folder_files(place.scenes)
         for name, after in self.after.items():
             before, found = self.before.get(name), now.pop(name, None)
@@ -151,7 +130,8 @@ class Verb:
                 continue
             if found is None:
                 return f"{name} is gone"
-            if before == after or not self.is_as_good(place, name, found, keeps_old):
+            if before == after or found != after and not (
+                    name.endswith(".scene") and self.is_as_good(place, name, ending)):
                 return f"{name} is not what was to be saved, nor as it was"
         left = [name for name in now if not (may_leave and name.endswith(".saving"))]
         return f"{left[0]} is left behind" if left else ""
@@ -167,37 +147,18 @@ class Verb:
         return "" if ending.status == 0 or has_words else "has no words for its refusal"
 
 
-def has_complaint(ending):
-    """What was asked for is done, and what else did not go well is told."""
-    words = "\n" + ending.out
-    return ending.status == 0 and ("\nComplaint: " in words or "\nMessage box: " in words)
-
-
-def fault_in_next_save(place):
-    """The next save takes away what is a day old and cut, and nothing else; of a table it cannot
-    tell whether it is cut."""
-    left = list(place.scenes.glob("*.saving"))
-    for path in left:
-        os.utime(path, (time.time() - 48 * 3600,) * 2)
-    if left:
-        place.must("open other.scene --save other.scene")
-    kept = [path for path in left if path.exists() and not path.read_bytes().startswith(b"seconds,")
-            and place.run(f"info {path.name}").status != 0]
-    return f"the next save leaves {kept[0].name}" if kept else ""
-
-
 def attempt(place, verb, kind, n):
     place.lay(verb.before)
     ending = place.run(verb.words, f"{kind}:{n}")
-    is_killed = ending.struck and kind in DEATHS + ["liar"]
+    is_killed = ending.struck and kind in DEATHS
     may_leave = is_killed or kind == "lost" or ending.what.startswith("unlink")
-    fault = "" if is_killed else verb.fault_in_words(kind, ending)
-    if is_killed and ending.status != -signal.SIGKILL:
-        fault = "is not killed"
-    if not fault and not may_leave and any((place.home / "tmp").iterdir()):
-        fault = "a scratch file is left"
-    fault = fault or verb.fault_in_folder(place, ending, may_leave)
-    return ending, fault or (fault_in_next_save(place) if is_killed else "")
+    if is_killed:
+        fault = "" if ending.status == -signal.SIGKILL else "is not killed"
+    else:
+        fault = verb.fault_in_words(kind, ending)
+    if not may_leave and any((place.home / "tmp").iterdir()):
+        fault = fault or "a scratch file is left"
+    return ending, fault or verb.fault_in_folder(place, ending, may_leave)
 
 
 def outcome(ending, fault):
@@ -216,7 +177,7 @@ def sweep(places, verb, kind, stride):
                 is_over |= not ending.struck
                 if ending.struck or fault:
                     figures[outcome(ending, fault)] += 1
-                if fault and kind not in LIES:
+                if fault and kind != LIE:
                     print(f"FAULT: ./dev faults {verb.name} {kind} {n}: {ending.what}: {fault}")
     tell(f"{verb.name} {kind}", figures)
     return figures
@@ -236,18 +197,15 @@ def show(ending, fault):
 
 def read_words():
     """Of words that it does not know it makes nothing, and ends with status 2."""
-    parser = argparse.ArgumentParser(description=__doc__, add_help=False, allow_abbrev=False)
+    parser = argparse.ArgumentParser(add_help=False, allow_abbrev=False)
     parser.add_argument("binaries", type=pathlib.Path, help="where command and injector are")
     parser.add_argument("folder", type=pathlib.Path, help="for all that the runs make")
     parser.add_argument("verb", nargs="?", choices=VERBS)
-    parser.add_argument("kind", nargs="?", choices=HONEST + LIES)
+    parser.add_argument("kind", nargs="?", choices=HONEST + [LIE])
     parser.add_argument("n", nargs="?", type=int, help="this run alone, and all that it says")
     parser.add_argument("--sample", action="store_true", help="some of all, with fixed strides")
     parser.add_argument("--lies", action="store_true", help="that a lying disk is seen, and an honest one not")
     parser.add_argument("--check", action="store_true", help="look at these words alone")
-    if not {"-h", "--help"}.isdisjoint(sys.argv):
-        parser.print_help()
-        sys.exit(2)
     given = parser.parse_intermixed_args()
     if given.n is not None and given.n < 1:
         parser.error("runs are counted from 1")
@@ -264,7 +222,7 @@ def main():
     verbs = [given.verb] if given.verb else VERBS
     if not (binaries / "headless_viewport.so").exists():
         verbs = [name for name in verbs if name != "render"]
-    kinds = [given.kind] if given.kind else ["eio"] + DEATHS + LIES if given.lies else HONEST
+    kinds = [given.kind] if given.kind else ["eio", *DEATHS, LIE] if given.lies else HONEST
     everything, is_seen = collections.Counter(), True
     for name in verbs:
         verb = Verb(places[0], name, inputs)
@@ -274,7 +232,7 @@ def main():
             stride = STRIDES.get(kind, STRIDE) * SLOWER.get(name, 1) if given.sample else 1
             figures = sweep(places, verb, kind, stride)
             everything += figures
-            is_seen &= (figures["faults"] > 0) == (kind in LIES)
+            is_seen &= (figures["faults"] > 0) == (kind == LIE)
     tell("all", everything)
     return 0 if is_seen else 1
 
