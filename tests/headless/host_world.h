@@ -3,17 +3,25 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <limits>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
+#include "headless/breaches.h"
 #include "headless/primitives.h"
 #include "headless/scene_view.h"
 #include "headless/session.h"
+#include "host/animate.h"
 #include "host/hold.h"
 #include "host/interface.h"
 #include "tests/support/matrices.h"
 
 using Times = std::vector<TimeValue>;
+using Lines = std::vector<std::string>;  // of breaches, or labels of steps
+
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
 // A running host without plug-ins. Its end checks that nothing stays alive.
 class HostWorld : public testing::Test {
@@ -50,9 +58,17 @@ class HostWorld : public testing::Test {
     static void Place(INode* node, const Point3& at, TimeValue t = 0) {
         node->SetNodeTM(t, MovedBy(at));
     }
-
-    static Point3 Where(INode* node, TimeValue t = 0) { return node->GetNodeTM(t).GetTrans(); }
+    static Point3 Where(INode* node) { return node->GetNodeTM(0).GetTrans(); }
 
     headless::Session session;
     Interface& host = *GetCOREInterface();
+};
+
+// A matrix controller that holds nothing and cannot be copied.
+struct PlainControl : Control {
+    SClass_ID SuperClassID() override { return CTRL_MATRIX3_CLASS_ID; }
+    Class_ID ClassID() override { return {77, 0}; }
+    void DeleteThis() override { delete this; }
+    void GetValue(TimeValue, void*, Interval&, GetSetMethod) override {}
+    void SetValue(TimeValue, void*, int, GetSetMethod) override {}
 };

@@ -1,5 +1,7 @@
-#include "headless/breaches.h"
+#include <set>
+
 #include "tests/headless/host_world.h"
+#include "tests/support/on_notification.h"
 
 namespace {
 
@@ -15,12 +17,11 @@ TEST_F(NodeTest, AttachingKeepsTheLocalTransformIfItIsToAndMakesNoCircle) {
     INode* below = Add("below", child);
     for (INode* node : {parent, child, below})
         below->AttachChild(node);
-    const std::string breach = "AttachChild: the node would hang below itself";
-    EXPECT_EQ(headless::TakeBreachLines(), (std::vector{breach, breach, breach}));
+    EXPECT_EQ(headless::TakeBreachLines(),
+              Lines(3, "AttachChild: the node would hang below itself"));
     host.DeleteNode(child);
     EXPECT_EQ(parent->GetChildNode(0), below);
-    EXPECT_EQ(parent->GetChildNode(1), nullptr);
-    EXPECT_EQ(parent->GetChildNode(-1), nullptr);
+    EXPECT_FALSE(parent->GetChildNode(1) || parent->GetChildNode(-1));
     EXPECT_EQ(Where(below), Point3(2, 0, 0));
 }
 
@@ -28,22 +29,17 @@ TEST_F(NodeTest, StepsAreUndoneThoughTheSceneChangedWithoutARecordInBetween) {
     INode* made = nullptr;
     Step([&] { made = Add("made"); });
     INode* stranger = Add("stranger", made);
-    ASSERT_TRUE(session.Undo());
+    session.Undo();
     EXPECT_TRUE(stranger->GetParentNode()->IsRootNode());
-    ASSERT_TRUE(session.Redo());
+    session.Redo();
     EXPECT_EQ(headless::FindNode("made"), made) << "at its address";
-    Step([&] { made->Hide(true); });
     host.DeleteNode(made);
-    ASSERT_TRUE(session.Undo());
-    ASSERT_TRUE(session.Undo());
-    EXPECT_EQ(headless::Nodes().size(), 1U);
-    EXPECT_TRUE(session.Redo());
-
+    EXPECT_TRUE(session.Undo() && session.Redo());
     INode* parent = Add("parent");
     INode* child = Add("child", parent);
     Step([&] { host.DeleteNode(child); });
     host.DeleteNode(parent);
-    ASSERT_TRUE(session.Undo());
+    session.Undo();
     EXPECT_TRUE(child->GetParentNode()->IsRootNode());
     INode* other = Add("other");
     Step([&] { child->AttachChild(other, 0); });
@@ -53,47 +49,105 @@ TEST_F(NodeTest, StepsAreUndoneThoughTheSceneChangedWithoutARecordInBetween) {
     EXPECT_TRUE(other->GetParentNode()->IsRootNode()) << "what would hang below itself";
 }
 
-TEST_F(NodeTest, OnlyAMatrixControllerBecomesTheTransform) {
+TEST_F(NodeTest, TheDigestSeesWhatTellsTwoScenesApart) {
     INode* node = Add("node");
+    INode* other = Add("other");
+    const std::function<void()> changes[] = {
+        [&] { node->SetName("another"); },
+        [&] { node->AttachChild(other, 0); },
+        [&] { node->Hide(true); },
+        [&] { node->SetWireColor(1); },
+        [&] { node->SetUserPropString("a", "bc"); },
+        [&] { host.SelectNode(node); },
+        [&] { Place(node, Point3(1, 0, 0)); },
+        [&] { static_cast<TriObject*>(node->GetObjectRef())->GetMesh().setNumVerts(1); }};
+    std::set<std::uint64_t> seen{headless::SceneDigest()};
+    for (const auto& change : changes) {
+        change();
+        EXPECT_TRUE(seen.insert(headless::SceneDigest()).second) << &change - changes;
+    }
+}
+
+TEST_F(NodeTest, OnlyAMatrixControllerIsTakenAndAdaptedOnlyIfUndoCanBringItBack) {
+    struct Adapted final : PlainControl {
+        int ChangeParents(TimeValue, const Matrix3&, const Matrix3&, const Matrix3&) override {
+            return ++changes;
+        }
+        int changes = 0;
+    };
+    INode* const parent = Add("parent");
+    INode* const node = Add("node");
     Control* scalar = NewFloat();
-    EXPECT_FALSE(node->SetTMController(scalar));
-    EXPECT_FALSE(node->SetTMController(nullptr));
+    EXPECT_FALSE(node->SetTMController(scalar) || node->SetTMController(nullptr));
     scalar->DeleteMe();
-    Control* matrix = NewTransform();
-    EXPECT_TRUE(node->AssignController(matrix, 0));
-    EXPECT_EQ(node->GetTMController(), matrix);
+    auto* const control = new Adapted;
+    EXPECT_TRUE(node->AssignController(control, 0));
+    Step([&] { parent->AttachChild(node); });
+    session.Undo();
+    EXPECT_EQ(control->changes, 0) << "it could not be copied";
+    host.FlushUndoBuffer();
+    parent->AttachChild(node);
+    EXPECT_EQ(control->changes, 1);
 }
 
-TEST_F(NodeTest, ThousandsOfNodesInOneChainAreWalkedWithoutRecursion) {
-    INode* last = Add("top");
-    Place(last, {0, 0, 7});
-    for (int i = 0; i < 3000; ++i)
-        last = Add("", last);
-    EXPECT_EQ(Where(last), Point3(0, 0, 7));
-    EXPECT_EQ(headless::Nodes().back().handle, last->GetHandle());
+// Whoever hears of it may end the hold that it is to be part of, and may free what is announced.
+TEST_F(NodeTest, TheUsersDeletionCanBeUndoneWhateverBecomesOfTheHoldMeanwhile) {
+    const auto accept = [] { theHold.Accept("guest"); };
+    const auto cancel = [] { theHold.Cancel(); };
+    const auto replace = [] { theHold.Accept("guest"), theHold.Begin(); };
+    const auto renew = [this] { session.NewScene(); };
+    // Whether a guest holds, who has just made a node, which is selected, too; the last step's
+    // label, and how many nodes go, and come back.
+    const std::tuple<bool, std::function<void()>, std::string, std::size_t> rows[] = {
+        {false, [] {}, "Delete", 1},   {false, accept, "Delete", 1}, {false, cancel, "Delete", 1},
+        {false, replace, "Delete", 1}, {true, accept, "Delete", 2},  {true, cancel, "Delete", 1},
+        {true, replace, "guest", 2},   {true, renew, "", 0}};
+    for (const auto& [isHeld, act, label, undone] : rows) {
+        session.Reset();
+        Add("picked");
+        if (isHeld) theHold.Begin();
+        if (isHeld) Add("new");
+        session.Select({"picked", "new", "nobody"});
+        const auto hear = [this, does = act](const NotifyInfo&) {
+            does();
+            Add("other");
+        };
+        const OnNotification onDeletion(NOTIFY_SEL_NODES_PRE_DELETE, hear);
+        EXPECT_EQ(session.DeleteSelected(), undone);
+        if (theHold.Holding()) theHold.Accept("guest");
+        const Lines labels = session.UndoLabels();
+        EXPECT_EQ(labels.empty() ? "" : labels.front(), label);
+        session.Undo();
+        const auto isBack = [](const char* name) { return headless::FindNode(name) ? 1U : 0U; };
+        EXPECT_EQ(isBack("picked") + isBack("new"), undone);
+    }
 }
 
-TEST_F(NodeTest, ABranchIsCopiedWithItsLinksAndWithThingsOfItsOwn) {
-    INode* root = Add("hip01");
-    INode* top = Add("hip07", root);
-    Place(Add("below", top), {0, 0, 5});
-    top->SetUserPropString("key", "value");
-    top->SetWireColor(255);
-    INodeTab nodes, sources, copies;
-    EXPECT_FALSE(host.CloneNodes(nodes, {}, true, NODE_COPY, nullptr, nullptr));
-    nodes.Append(1, &top);
-    host.CloneNodes(nodes, {1, 0, 0}, true, NODE_COPY, &sources, &copies);
-    ASSERT_EQ(sources.Count(), 2);
-    ASSERT_EQ(copies.Count(), 2);
-    INode* copy = copies[0];
-    EXPECT_STREQ(copy->GetName(), "hip02");
-    EXPECT_NE(copy->GetTMController(), top->GetTMController());
-    EXPECT_NE(copy->GetObjectRef(), top->GetObjectRef());
-    EXPECT_EQ(copy->GetWireColor(), 255U);
-    EXPECT_TRUE(copy->UserPropExists("key"));
-    EXPECT_EQ(copy->GetParentNode(), root);
-    EXPECT_EQ(copies[1]->GetParentNode(), copy);
-    EXPECT_EQ(Where(copies[1]), Point3(1, 0, 5));
+TEST_F(NodeTest, OneThatHasGoneIsToldFromOneThatIsThereByEveryCall) {
+    INode* gone = nullptr;
+    Step([&] { gone = Add("gone"); });
+    session.Undo();
+    INode* here = Add("here");
+    INodeTab table;
+    table.Append(1, &gone);
+    host.DeleteNode(nullptr);
+    const std::pair<const char*, std::function<void()>> calls[] = {
+        {"DeleteNode", [&] { host.DeleteNode(gone); }},
+        {"DeleteNode", [&] { host.DeleteNode(host.GetRootNode()); }},
+        {"SelectNodeTab", [&] { host.SelectNodeTab(table, 1); }},
+        {"CloneNodes", [&] { host.CloneNodes(table, {}, false, NODE_COPY, nullptr, nullptr); }},
+        {"AttachChild", [&] { here->AttachChild(gone); }},
+        {"AttachChild", [&] { gone->AttachChild(here); }},
+        {"GetNodeTM", [&] { gone->GetNodeTM(0); }}};
+    for (const auto& [name, call] : calls) {
+        call();
+        EXPECT_EQ(headless::TakeBreachLines(),
+                  Lines{name + std::string(": the node is not in the scene")});
+    }
+    EXPECT_FALSE(table[1]);
+    EXPECT_EQ(headless::TakeBreachLines(), Lines{"Tab::operator[]: the table has no such entry"});
+    EXPECT_EQ(headless::Nodes().size(), 1U);
+    EXPECT_TRUE(here->GetParentNode()->IsRootNode() && here->Selected() == 0);
 }
 
 }  // namespace

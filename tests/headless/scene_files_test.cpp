@@ -1,10 +1,9 @@
 #include <filesystem>
-#include <functional>
 #include <list>
+#include <regex>
 #include <stdexcept>
-#include <string>
 
-#include "host/notify.h"
+#include "headless/scene_file_view.h"
 #include "tests/headless/host_world.h"
 #include "tests/support/folder/temporary_folder.h"
 #include "tests/support/on_notification.h"
@@ -17,23 +16,20 @@ namespace fs = std::filesystem;
 class SceneFilesTest : public HostWorld {
   protected:
     SceneFilesTest() {
-        for (const int code : {NOTIFY_SYSTEM_PRE_RESET, NOTIFY_SYSTEM_PRE_NEW, NOTIFY_FILE_PRE_OPEN,
-                               NOTIFY_FILE_POST_OPEN, NOTIFY_FILE_POST_MERGE, NOTIFY_FILE_PRE_SAVE,
-                               NOTIFY_FILE_POST_SAVE})
+        for (int code = NOTIFY_SYSTEM_PRE_RESET; code <= NOTIFY_FILE_POST_SAVE; ++code)
             listeners_.emplace_back(code, [this](const NotifyInfo& info) {
                 announced_ += std::to_string(info.intcode) + ' ';
                 if (onAnnounced) onAnnounced(info);
             });
-        AddNodes(2);
+        for (const char* name : {"node", "node"})
+            Add(name);
         EXPECT_EQ(session.SaveScene(saved).error, "");
-        Announced();
+        ExpectAnnounced("13 14 ");
     }
 
-    void AddNodes(int nodes) {
-        for (; nodes > 0; --nodes)
-            Add("node");
+    void ExpectAnnounced(const std::string& codes) {
+        EXPECT_EQ(std::exchange(announced_, {}), codes);
     }
-    std::string Announced() { return std::exchange(announced_, {}); }
 
     // Nothing that would replace or add to the scene begins.
     void ExpectRefusals(const std::string& reason) {
@@ -59,41 +55,36 @@ class SceneFilesTest : public HostWorld {
 
 TEST_F(SceneFilesTest, EachWorkIsAnnouncedInTheHostsOrderAndOneThatIsRefusedToNobody) {
     const auto before = headless::SceneDigest();
-    EXPECT_EQ(session.SaveScene(saved).error, "");
-    EXPECT_EQ(Announced(), "13 14 ");
-    Step([&] { AddNodes(1); });
+    Step([&] { Add("node"); });
     const std::string cut = folder.Write("cut.scene", ReadFile(saved).substr(0, 99));
     for (const std::string& path : {cut, folder.File("missing.scene"), folder.Path().string()})
         for (const auto& [error, complaints] : {session.OpenScene(path), session.MergeScene(path)})
             EXPECT_TRUE(error.starts_with(path + ": ")) << error;
     EXPECT_EQ(host.MergeFromFile(nullptr), 0);
-    EXPECT_EQ(Announced(), "");
+    ExpectAnnounced("");
     EXPECT_EQ(session.UndoLabels().size(), 1U);
 
     theHold.Begin();
-    AddNodes(1);
+    Add("node");
     onAnnounced = [&](const NotifyInfo& info) {
         if (info.intcode != NOTIFY_FILE_PRE_OPEN) return;
         EXPECT_EQ(*static_cast<int*>(info.callParam), 0) << "it replaces the scene";
     };
     EXPECT_EQ(session.OpenScene(saved).error, "");
-    EXPECT_EQ(Announced(), "9 10 ");
+    ExpectAnnounced("9 10 ");
     EXPECT_EQ(headless::SceneDigest(), before);
     EXPECT_TRUE(!theHold.Holding() && session.UndoLabels().empty());
-    EXPECT_EQ(session.MergeScene(saved).error, "");
-    EXPECT_EQ(Announced(), "12 ");
-    EXPECT_EQ(headless::Nodes().size(), 4U);
 }
 
 TEST_F(SceneFilesTest, TheEndOfASaveIsAnnouncedHoweverItWent) {
     const auto size = fs::file_size(saved);
-    AddNodes(1);
+    Add("node");
     for (const int failing : {NOTIFY_FILE_PRE_SAVE, NOTIFY_FILE_POST_SAVE}) {
         onAnnounced = [&](const NotifyInfo& info) {
             if (info.intcode == failing) throw std::runtime_error("no paper");
         };
         const headless::FileOutcome outcome = session.SaveScene(saved);
-        EXPECT_EQ(Announced(), "13 14 ");
+        ExpectAnnounced("13 14 ");
         const bool isDone = failing == NOTIFY_FILE_POST_SAVE;
         const std::string told = isDone ? outcome.complaints.at(0) : outcome.error;
         EXPECT_NE(told.find("no paper"), std::string::npos) << told;
@@ -111,29 +102,103 @@ TEST_F(SceneFilesTest, WhileOneFileIsWorkedOnNoOtherWorkBegins) {
     };
     EXPECT_EQ(session.SaveScene(saved).error, "");
     EXPECT_EQ(session.OpenScene(saved).error, "");
-    EXPECT_EQ(Announced(), "13 14 9 10 12 13 14 ");
+    ExpectAnnounced("13 14 9 10 12 13 14 ");
     EXPECT_EQ(headless::Nodes().size(), 4U);
 }
 
-struct AtUndoAndRedo final : RestoreObj {
-    explicit AtUndoAndRedo(std::function<void()> does) : act(std::move(does)) {}
-    void Restore(int) override { act(); }
-    void Redo() override { act(); }
-
-    std::function<void()> act;
-};
-
 TEST_F(SceneFilesTest, StepsStayAroundAMergeAndKeepTheirScene) {
+    struct AtEachTurn final : RestoreObj {
+        explicit AtEachTurn(std::function<void()> does) : act(std::move(does)) {}
+        void Restore(int) override { act(); }
+        void Redo() override { act(); }
+
+        std::function<void()> act;
+    };
     Step([&] {
-        AddNodes(1);
-        theHold.Put(new AtUndoAndRedo([&] { ExpectRefusals("a step is being undone or redone"); }));
+        Add("node");
+        theHold.Put(new AtEachTurn([this] { ExpectRefusals("a step is being undone or redone"); }));
     });
     EXPECT_EQ(session.MergeScene(saved).error, "");
     EXPECT_TRUE(session.Undo());
     EXPECT_EQ(headless::Nodes().size(), 4U);
     EXPECT_TRUE(session.Redo());
     EXPECT_EQ(headless::Nodes().size(), 5U);
-    EXPECT_EQ(Announced(), "12 ");
+    ExpectAnnounced("12 ");
+}
+
+// What a file holds
+// --------------------------------------------------------------------------------
+
+using SceneFileViewTest = HostWorld;
+
+TEST_F(SceneFileViewTest, EachChangeIsToldInItsOwnWordsAndADamagedFileIsNamed) {
+    const TemporaryFolder folder;
+    const std::string first = folder.File("first.scene");
+    const std::string second = folder.File("second.scene");
+    const auto compare = [&](headless::CachedKeys keys) {
+        return headless::CompareSceneFiles(first, second, keys);
+    };
+    // A line each, as the scene is now. Handles, which go on from test to test, are left out.
+    const auto differences = [&] {
+        EXPECT_EQ(session.SaveScene(second).error, "");
+        std::string lines;
+        for (const auto& [place, what] : compare(headless::CachedKeys::kLeftOut))
+            lines += place + ": " + what + '\n';
+        return std::regex_replace(lines, std::regex(R"( \(\d+\))"), "");
+    };
+    INode* const hip = Add("Hip");
+    INode* const knee = Add("Knee", hip);
+    auto* const camera = host.CreateCameraObject(0);
+    INode* const eye = host.CreateObjectNode(camera);
+    INode* const gone = Add("Gone");
+    AnimateOn();
+    for (const TimeValue t : {160, 4800})
+        Place(knee, {2, 0, 0}, t);
+    hip->SetUserPropString("TVL_tag", "<tag/>");
+    hip->SetUserPropString("long", std::string(100, 'x') + "1");
+    EXPECT_EQ(session.SaveScene(first).error, "");
+    EXPECT_EQ(headless::ViewSceneFile(first).nodes.at(0).tagBytes, 6U);
+    EXPECT_EQ(differences(), "");
+
+    session.SetRange({0, 320});
+    hip->SetUserPropString("new", "a\"b");
+    hip->SetUserPropString("long", std::string(100, 'x') + "2");
+    Place(knee, {2, 4, 3}, 4800);
+    AnimateOff();
+    knee->Detach(0, 0);
+    knee->SetName("Knee\n2");
+    eye->Hide(true);
+    eye->SetWireColor(0xC0C0C1);
+    camera->SetConeState(1);
+    camera->SetFOV(0, 1);
+    host.DeleteNode(gone, false);
+    Add("New");
+    EXPECT_EQ(differences(),
+              R"(settings: last tick of the range 16000 and 320
+node "Hip": property "long" from byte 100 on: "xxxxxxxxxx1" and "xxxxxxxxxx2"
+node "Hip": property "new" "a\"b" only in the second file
+node "Knee": name "Knee" and "Knee\n2"
+node "Knee": parent node "Hip" and none
+node "Camera01": stands at another place among the nodes
+node "Camera01": hidden 0 and 1
+node "Camera01": colour 12632256 and 12632257
+node "Gone": only in the first file
+node "New": only in the second file
+)"
+              R"(node "Knee", transform controller: 2 and 2 keys, which differ )"
+              "from tick 4800 on; furthest apart at tick 4800, by 5 host units\n"
+              R"(node "Camera01", object: 26 and 26 bytes, which differ from byte 14 on
+node "Camera01", object, reference 0, reference 0: 26 and 26 bytes, which differ from byte 22 on
+)");
+
+    // A merged node has a new handle, and is still the same node below the same parents.
+    session.Reset();
+    EXPECT_EQ(session.MergeScene(first).error, "");
+    const std::string renumbered = differences();
+    const std::regex expected("(.*: (handle \\d+ and \\d+|selected 0 and 1)\n)+");
+    EXPECT_TRUE(std::regex_match(renumbered, expected)) << renumbered;
+    fs::resize_file(second, fs::file_size(second) - 1);
+    EXPECT_THROW(compare(headless::CachedKeys::kCompared), std::runtime_error);
 }
 
 }  // namespace

@@ -1,17 +1,12 @@
-#include <functional>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include "headless/breaches.h"
 #include "host/gup.h"
+#include "host/time.h"
+#include "host/units.h"
 #include "tests/headless/host_world.h"
+#include "tests/support/folder/temporary_folder.h"
 #include "tests/support/on_notification.h"
 #include "tests/support/test_class.h"
 
 namespace {
-
-using BreachLines = std::vector<std::string>;
 
 // A global utility that tells what becomes of it.
 struct Told final : GUP {
@@ -34,10 +29,9 @@ TEST(SessionTest, AUtilityRunsUntilTheShutdownIfItWantsAndBreachesAreToldAlsoAft
     TestClass refusing("Refusing", GUP_CLASS_ID, {1, 2},
                        [&] { return new Told(GUPRESULT_NOKEEP, told); });
     headless::Session session;
-    const std::string nowhere = session.LoadPlugin("/nowhere/plugin.so");
-    EXPECT_NE(nowhere.find("/nowhere/plugin.so"), std::string::npos);
-    const std::string other = session.LoadPlugin(NO_PLUGIN);
-    EXPECT_NE(other.find("does not export LibDescription"), std::string::npos);
+    for (const auto& [module, reason] : {std::pair{"/nowhere/plugin.so", "/nowhere/plugin.so"},
+                                         {NO_PLUGIN, "does not export LibDescription"}})
+        EXPECT_NE(session.LoadPlugin(module).find(reason), std::string::npos);
     session.RegisterClass(&kept);
     session.RegisterClass(&refusing);
     session.Start();
@@ -55,93 +49,70 @@ TEST(SessionTest, AUtilityRunsUntilTheShutdownIfItWantsAndBreachesAreToldAlsoAft
     EXPECT_EQ(told, "start start gone end stop gone ");
     const std::string late = "UnRegisterNotification: the host has shut down";
     EXPECT_EQ(headless::TakeBreachLines(),
-              (BreachLines{"Hold::Cancel: no hold is open (notification 10, notification 7)",
-                           "GetCOREInterface: the host has shut down", late, late, late}));
+              (Lines{"Hold::Cancel: no hold is open (notification 10, notification 7)",
+                     "GetCOREInterface: the host has shut down", late, late, late}));
 }
 
-using DeleteKeyTest = HostWorld;
-
-// Whoever hears of it may end the hold that it is to be part of, and may free what is announced.
-TEST_F(DeleteKeyTest, TheUsersDeletionCanBeUndoneWhateverBecomesOfTheHoldMeanwhile) {
-    EXPECT_EQ(session.DeleteSelected(), 0U);
-    struct Row {
-        bool isHeld;  // by a guest who has just made a node, which is selected, too
-        std::function<void()> act;
-        std::string label;   // of the last step
-        std::size_t undone;  // nodes that go, and come back
-    };
-    const auto accept = [] { theHold.Accept("guest"); };
-    const auto cancel = [] { theHold.Cancel(); };
-    const auto replace = [] {
-        theHold.Accept("guest");
-        theHold.Begin();
-    };
-    const auto renew = [this] { session.NewScene(); };
-    const Row rows[] = {{false, [] {}, "Delete", 1},  {false, accept, "Delete", 1},
-                        {false, cancel, "Delete", 1}, {false, replace, "Delete", 1},
-                        {true, accept, "Delete", 2},  {true, cancel, "Delete", 1},
-                        {true, replace, "guest", 2},  {true, renew, "", 0}};
-    for (const auto& [isHeld, act, label, undone] : rows) {
-        session.Reset();
-        for (const char* name : {"picked", "spared"})
-            Add(name);
-        if (isHeld) {
-            theHold.Begin();
-            Add("new");
-        }
-        EXPECT_EQ(session.Select({"picked", "new", "nobody"}), isHeld ? 2U : 1U);
-        const auto hear = [this, does = act](const NotifyInfo& info) {
-            EXPECT_TRUE(theHold.Holding());
-            does();
-            INode* const other = Add("other");
-            auto& table = *static_cast<INodeTab*>(info.callParam);
-            for (int i = 0; i < table.Count(); ++i)
-                EXPECT_NE(table[i], other);
-        };
-        const OnNotification onDeletion(NOTIFY_SEL_NODES_PRE_DELETE, hear);
-        EXPECT_EQ(session.DeleteSelected(), undone);
-        if (theHold.Holding()) theHold.Accept("guest");
-        const std::vector<std::string> labels = session.UndoLabels();
-        EXPECT_EQ(labels.empty() ? "" : labels.front(), label);
-        session.Undo();
-        const auto isBack = [](const char* name) { return headless::FindNode(name) ? 1U : 0U; };
-        EXPECT_EQ(isBack("picked") + isBack("new"), undone);
-        EXPECT_EQ(isBack("spared"), label.empty() ? 0U : 1U);
+struct Clock final : TimeChangeCallback {
+    Times times;
+    std::function<void()> act = [] {};
+    void TimeChanged(TimeValue t) override {
+        times.push_back(t);
+        act();
     }
+};
+
+using SettingsTest = HostWorld;
+
+TEST_F(SettingsTest, ListenersMayComeAndGoWhileTheyAreTold) {
+    Clock first, second, late;
+    first.act = [&] {
+        host.UnRegisterTimeChangeCallback(&second);
+        host.RegisterTimeChangeCallback(&late);
+        if (first.times.size() == 2) host.UnRegisterTimeChangeCallback(&first);
+    };
+    for (Clock* clock : {&first, &first, &second})
+        host.RegisterTimeChangeCallback(clock);
+    for (const TimeValue t : {160, 160, 320, 480})
+        host.SetTime(t);
+    host.UnRegisterTimeChangeCallback(&late);
+    EXPECT_EQ(first.times, (Times{160, 320}));
+    EXPECT_EQ(second.times, Times());
+    EXPECT_EQ(late.times, (Times{320, 480}));
 }
 
-using DepartedNodeTest = HostWorld;
-
-TEST_F(DepartedNodeTest, IsToldFromOneThatIsThereByEveryCall) {
-    INode* gone = nullptr;
-    Step([&] { gone = Add("gone"); });
-    session.Undo();
-    INode* here = Add("here");
-    INodeTab table;
-    table.Append(1, &gone);
-    host.DeleteNode(nullptr);
-    const std::pair<const char*, std::function<void()>> calls[] = {
-        {"DeleteNode", [&] { host.DeleteNode(gone); }},
-        {"DeleteNode", [&] { host.DeleteNode(host.GetRootNode()); }},
-        {"SelectNode", [&] { host.SelectNode(gone); }},
-        {"SelectNodeTab", [&] { host.SelectNodeTab(table, 1); }},
-        {"CloneNodes", [&] { host.CloneNodes(table, {}, false, NODE_COPY, nullptr, nullptr); }},
-        {"AttachChild", [&] { here->AttachChild(gone); }},
-        {"AttachChild", [&] { gone->AttachChild(here); }},
-        {"SetName", [&] { gone->SetName("a"); }},
-        {"GetNodeTM", [&] { gone->GetNodeTM(0); }},
+// Also the unit and the clock that a scene has brought.
+TEST_F(SettingsTest, ResetEmptiesSceneAndUndoAndPutsTheRestBack) {
+    const TemporaryFolder folder;
+    const std::string scene = folder.File("scene");
+    const auto unitAndRate = [] {
+        int type = -1;
+        float scale = 0;
+        GetMasterUnitInfo(&type, &scale);
+        return std::tuple(type, scale, GetFrameRate());
     };
-    for (const auto& [name, call] : calls) {
-        call();
-        EXPECT_EQ(headless::TakeBreachLines(),
-                  BreachLines{name + std::string(": the node is not in the scene")});
+    Step([&] { Add("node"); });
+    EXPECT_EQ(session.SaveScene(scene).error, "");
+    session.ShutDown();
+    headless::Session other({.frameRate = 25, .unitType = UNITS_METERS, .unitScale = 2});
+    EXPECT_EQ(other.OpenScene(scene).error, "");
+    EXPECT_EQ(unitAndRate(), std::tuple(0, 1.0F, 30));
+    host.SetTime(160);
+    host.SetAnimRange({10, 5});
+    // Suspensions nest, and forget what happened inside.
+    AnimateOn();
+    SuspendAnimate();
+    SuspendAnimate();
+    AnimateOn();
+    for (const bool isOn : {false, true, true}) {
+        ResumeAnimate();
+        EXPECT_EQ(Animating(), isOn);
     }
-    EXPECT_FALSE(table[1]);
-    EXPECT_EQ(headless::TakeBreachLines(),
-              BreachLines{"Tab::operator[]: the table has no such entry"});
-    EXPECT_EQ(host.GetSelNode(0), nullptr);
-    EXPECT_EQ(headless::Nodes().size(), 1U);
-    EXPECT_TRUE(here->GetParentNode()->IsRootNode());
+    other.Reset();
+    EXPECT_TRUE(headless::Nodes().empty() && !Animating());
+    EXPECT_EQ(unitAndRate(), std::tuple(UNITS_METERS, 2.0F, 25));
+    EXPECT_EQ(host.GetTime(), 0);
+    EXPECT_EQ(host.GetAnimRange(), Interval(0, 16000));
 }
 
 }  // namespace
