@@ -131,21 +131,19 @@ TEST_F(NodeTest, OneThatHasGoneIsToldFromOneThatIsThereByEveryCall) {
     INodeTab table;
     table.Append(1, &gone);
     host.DeleteNode(nullptr);
-    const std::pair<const char*, std::function<void()>> calls[] = {
-        {"DeleteNode", [&] { host.DeleteNode(gone); }},
-        {"DeleteNode", [&] { host.DeleteNode(host.GetRootNode()); }},
-        {"SelectNodeTab", [&] { host.SelectNodeTab(table, 1); }},
-        {"CloneNodes", [&] { host.CloneNodes(table, {}, false, NODE_COPY, nullptr, nullptr); }},
-        {"AttachChild", [&] { here->AttachChild(gone); }},
-        {"AttachChild", [&] { gone->AttachChild(here); }},
-        {"GetNodeTM", [&] { gone->GetNodeTM(0); }}};
-    for (const auto& [name, call] : calls) {
-        call();
-        EXPECT_EQ(headless::TakeBreachLines(),
-                  Lines{name + std::string(": the node is not in the scene")});
-    }
+    for (INode* node : {gone, host.GetRootNode()})
+        host.DeleteNode(node);
+    host.SelectNodeTab(table, 1);
+    host.CloneNodes(table, {}, false, NODE_COPY, nullptr, nullptr);
+    here->AttachChild(gone);
+    gone->AttachChild(here);
+    gone->GetNodeTM(0);
     EXPECT_FALSE(table[1]);
-    EXPECT_EQ(headless::TakeBreachLines(), Lines{"Tab::operator[]: the table has no such entry"});
+    const std::string isGone = ": the node is not in the scene";
+    EXPECT_EQ(headless::TakeBreachLines(),
+              (Lines{"DeleteNode" + isGone, "DeleteNode" + isGone, "SelectNodeTab" + isGone,
+                     "CloneNodes" + isGone, "AttachChild" + isGone, "AttachChild" + isGone,
+                     "GetNodeTM" + isGone, "Tab::operator[]: the table has no such entry"}));
     EXPECT_EQ(headless::Nodes().size(), 1U);
     EXPECT_TRUE(here->GetParentNode()->IsRootNode() && here->Selected() == 0);
 }

@@ -12,19 +12,14 @@ namespace {
 
 using ObjectTest = HostWorld;
 
-TEST_F(ObjectTest, ACamerasParametersAreControllersThatNoOtherKindReplaces) {
+TEST_F(ObjectTest, ACameraStartsWithoutKeysAndItsStepsOutliveIt) {
     AnimateOn();
-    CameraObject& camera = *host.CreateCameraObject(0);
+    CameraObject* camera = host.CreateCameraObject(0);
     AnimateOff();
-    INode* node = host.CreateObjectNode(&camera);
-    Animatable& parameters = *camera.SubAnim(0);
-    EXPECT_EQ(parameters.SubAnim(0)->NumKeys(), 0) << "what a camera starts with is no key";
-    EXPECT_FALSE(parameters.AssignController(node->GetTMController(), 1));
-    EXPECT_FALSE(parameters.AssignController(nullptr, 0));
-    CameraObject* loose = host.CreateCameraObject(0);
+    EXPECT_EQ(camera->SubAnim(0)->SubAnim(0)->NumKeys(), 0);
     Step([&] {
-        loose->SetConeState(1);
-        loose->DeleteMe();
+        camera->SetConeState(1);
+        camera->DeleteMe();
     });
     EXPECT_TRUE(session.Undo()) << "its maker has freed it";
     EXPECT_EQ(headless::NewGuide(headless::NewSphere(10, 16), {}), nullptr) << "no such plug-in";
@@ -68,14 +63,9 @@ TEST_F(ObjectTest, ABendMakesALineAnArcThatGrowsWithTime) {
     column->NotifyDependents(FOREVER, PART_ALL, REFMSG_CHANGE);
     node->EvalWorldState(0);
     EXPECT_EQ(shown->GetMesh().verts[1], Point3(0, 0, 1));
-
-    Object* empty = headless::NewBend(nullptr, 90);
-    EXPECT_TRUE(empty->Eval(0).obj == empty && !empty->ConvertToType(0, kTriObjectClassId));
-    empty->DeleteMe();
 }
 
-// What is stored
-// -----------------------------------------------------------------------------------
+// What is stored --------------------------------------------------------------------------------
 
 using Bytes = std::vector<std::byte>;
 using Words = std::vector<std::uint32_t>;
@@ -101,51 +91,36 @@ class StoredObjectsTest : public HostWorld {
             object->DeleteMe();
     }
 
-    // What holds keys has a value at rest, too, and more of them than are read at once.
-    std::vector<ReferenceTarget*> OneOfEach() {
-        Control* number = NewFloat();
-        Control* transform = NewTransform();
-        for (TimeValue t = -1; t < 2100; ++t) {
-            if (t == 0) AnimateOn();
-            auto value = static_cast<float>(t) / 3;
-            number->SetValue(t, &value, 1, CTRL_ABSOLUTE);
-            SetXFormPacket packet;
-            packet.tmAxis.SetTranslate({1, 2, value});
-            transform->SetValue(t, &packet, 1, CTRL_ABSOLUTE);
-        }
-        AnimateOff();
-        CameraObject* camera = host.CreateCameraObject(0);
-        camera->SetFOVType(2);
-        camera->SetConeState(1);
-        return {number,
-                transform,
-                camera,
-                headless::NewGround(2, 2),
-                headless::NewSplines({headless::StraightLines({{1, 2, 3}, {4, 5, 6}}),
-                                      {{{{}, {1, 2, 3}, {4, 5, 6}}}, true}}),
-                headless::NewSphere(2, 20),
-                headless::NewBend(headless::NewGround(1, 1), 45)};
-    }
     enum Kind { kFloat, kTransform, kCamera, kMesh, kLine, kSphere, kBend };
-
-    const std::vector<ReferenceTarget*> objects = OneOfEach();
+    const std::vector<ReferenceTarget*> objects{
+        NewFloat(),
+        NewTransform(),
+        host.CreateCameraObject(0),
+        headless::NewGround(2, 2),
+        headless::NewSplines({{{{{}, {1, 2, 3}, {4, 5, 6}}}, true}}),
+        headless::NewSphere(2, 20),
+        headless::NewBend(headless::NewGround(1, 1), 45)};
 };
 
-TEST_F(StoredObjectsTest, WhatIsCopiedOrStoredComesBackOverWhateverWasThere) {
+TEST_F(StoredObjectsTest, WhatIsCopiedOrStoredComesBack) {
+    AnimateOn();
+    for (TimeValue t = 0; t < 2100; ++t) {  // more keys than are read at once
+        SetXFormPacket packet;
+        packet.tmAxis.SetTranslate({1, 2, static_cast<float>(t) / 3});
+        static_cast<Control*>(objects[kTransform])->SetValue(t, &packet, 1, CTRL_ABSOLUTE);
+    }
+    AnimateOff();
+    static_cast<CameraObject*>(objects[kCamera])->SetFOVType(2);
     for (ReferenceTarget* object : objects) {
         const Bytes bytes = headless::SavedBytes(*object);
-        ReferenceTarget* copy = headless::CopyOf(*object);
-        EXPECT_EQ(headless::SavedBytes(*copy), bytes);
-        auto* empty = static_cast<ReferenceTarget*>(static_cast<Animatable*>(
+        auto* const loaded = static_cast<ReferenceTarget*>(static_cast<Animatable*>(
             host.CreateInstance(object->SuperClassID(), object->ClassID())));
-        const Bytes fresh = headless::SavedBytes(*empty);
-        EXPECT_EQ(headless::LoadBytes(bytes, *empty), IO_OK);
-        EXPECT_EQ(headless::SavedBytes(*empty), bytes);
-        EXPECT_EQ(headless::LoadBytes(fresh, *copy), IO_OK);
-        EXPECT_EQ(headless::SavedBytes(*copy), fresh);
+        EXPECT_EQ(headless::LoadBytes(bytes, *loaded), IO_OK);
+        for (ReferenceTarget* same : {loaded, headless::CopyOf(*object)}) {
+            EXPECT_EQ(headless::SavedBytes(*same), bytes);
+            same->DeleteMe();
+        }
         EXPECT_EQ(headless::SavedBytes(*object), bytes) << "the copy shares with its original";
-        copy->DeleteMe();
-        empty->DeleteMe();
     }
 }
 
