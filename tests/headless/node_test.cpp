@@ -7,7 +7,7 @@ namespace {
 
 using NodeTest = HostWorld;
 
-TEST_F(NodeTest, AttachingKeepsTheLocalTransformIfItIsToAndMakesNoCircle) {
+TEST_F(NodeTest, NamesAreNewAndAttachingKeepsTheLocalTransformIfItIsToAndMakesNoCircle) {
     INode* parent = Add("parent");
     INode* child = Add("child");
     Place(parent, {1, 0, 0});
@@ -17,6 +17,8 @@ TEST_F(NodeTest, AttachingKeepsTheLocalTransformIfItIsToAndMakesNoCircle) {
     INode* below = Add("below", child);
     below->AttachChild(parent);
     EXPECT_EQ(headless::TakeBreachLines(), Lines{"AttachChild: the node would hang below itself"});
+    child->SetName("Mesh04");
+    EXPECT_STREQ(host.CreateObjectNode(CreateNewTriObject())->GetName(), "Mesh05");
     host.DeleteNode(child);
     EXPECT_EQ(parent->GetChildNode(0), below);
     EXPECT_FALSE(parent->GetChildNode(1) || parent->GetChildNode(-1));
