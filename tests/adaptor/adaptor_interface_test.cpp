@@ -1,32 +1,19 @@
-#include <gtest/gtest.h>
-
 #include "controllers/transform_control.h"
-#include "headless/primitives.h"
-#include "host/interface.h"
-#include "tests/support/trace.h"
-#include "tests/support/world.h"
-#include "tvl/ids.h"
+#include "tests/nodes/node_test.h"
 
 namespace {
 
-class AdaptorInterfaceTest : public testing::Test {
-  protected:
-    World world;
-    TVL::AdaptorInterface& adaptor = world.Adaptor();
-};
+using AdaptorInterfaceTest = NodeTest;
 
-TEST_F(AdaptorInterfaceTest, TellsWhoItIs) {
-    using Texts = std::vector<std::string>;
-    EXPECT_EQ((Texts{adaptor.GetName(), adaptor.GetShortName(), adaptor.GetPlatformName(),
+TEST_F(AdaptorInterfaceTest, TellsWhoItIsAndCutsTimesToWholeTicks) {
+    EXPECT_EQ((Names{adaptor.GetName(), adaptor.GetShortName(), adaptor.GetPlatformName(),
                      adaptor.GetPlatformVersion()}),
-              (Texts{"3ds max 9 Adaptor", "adaptor_3dsmax9", "3ds max", "9"}));
+              (Names{"3ds max 9 Adaptor", "adaptor_3dsmax9", "3ds max", "9"}));
     EXPECT_EQ(adaptor.GetVersion(), 8108);
     EXPECT_EQ(adaptor.GetPlatformWindow(), GetCOREInterface()->GetMAXHWnd());
     EXPECT_EQ(adaptor.createMesh(nullptr, "mesh"), nullptr);
     EXPECT_EQ(TimesTraced("(ERROR): \t(NOT IMPLEMENTED)createMesh 3ds max 9 Adaptor\n"), 1U);
-}
 
-TEST_F(AdaptorInterfaceTest, TimesAreCutToWholeTicks) {
     const std::pair<double, TimeValue> cases[] = {
         {0.0004, 1}, {-0.0004, -1}, {0.5, 2400}, {1e300, 2147483647}};
     for (const auto& [seconds, ticks] : cases) {
@@ -48,21 +35,20 @@ TEST_F(AdaptorInterfaceTest, APlacedRegistryIsUsedUntilItIsClearedAndNeverEnded)
         void Destroy() override { ADD_FAILURE() << "ended"; }
     };
     TVL::ErrorCode* const own = TVL::ErrorCode::GetInstance();
-    adaptor.SetErrorCode(nullptr);
-    adaptor.SetErrorCode(own);
-    EXPECT_FALSE(TVL::ErrorCode::external);
+    for (TVL::ErrorCode* placed : {static_cast<TVL::ErrorCode*>(nullptr), own}) {
+        adaptor.SetErrorCode(placed);
+        EXPECT_FALSE(TVL::ErrorCode::external);
+    }
     adaptor.ClearErrorCode();
     EXPECT_EQ(TVL::ErrorCode::GetInstance(), own);
     EXPECT_TRUE(own->HasIdentifier("NOTIMPLEMENTED"));
 
     Outside outside;
     Outside next;
-    for (Outside* placed : {&outside, &next, &next}) {
+    for (Outside* placed : {&outside, &next, &next, &outside}) {
         adaptor.SetErrorCode(placed);
         EXPECT_TRUE(TVL::ErrorCode::external);
     }
-    adaptor.ClearErrorCode();
-    adaptor.SetErrorCode(&outside);
     adaptor.EndUndoGroup();
     EXPECT_TRUE(outside.HasIdentifier("UNDO_STARTENDMISMATCH"));
     adaptor.ClearErrorCode();

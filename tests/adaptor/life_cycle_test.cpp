@@ -1,18 +1,25 @@
-#include <gtest/gtest.h>
-
+#include "adaptor/max_adaptor_interface.h"
 #include "adaptor/trace_file.h"
 #include "adaptor/utility_manager.h"
-#include "host/interface.h"
+#include "host/animate.h"
+#include "host/notify.h"
+#include "nodes/node_list.h"
 #include "resources/resource_ids.h"
+#include "tests/nodes/node_test.h"
 #include "tests/support/allocations.h"
-#include "tests/support/world.h"
 
 namespace {
 
-using Calls = PuppetCore::Calls;
+constexpr const char* kUtility = "Tarvo Lumiset Util";
 
 bool Holds(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
+}
+
+// The end of the trace, where a log that outlived the last world has that in it, too.
+std::string OwnTrace(const World& world) {
+    const std::string trace = world.Trace();
+    return trace.substr(trace.rfind("Register Code"));
 }
 
 bool IsUnloaded() {
@@ -23,34 +30,30 @@ bool IsUnloaded() {
 TEST(LifeCycle, EachAttachLoadsTheInstalledCoreAnewAndBindsItsOptions) {
     World world;
     UtilityManager& manager = UtilityManager::Get();
-    const Calls bound = {"bind 1027", "bind 1030", "option node 1028"};
+    puppet::Stage& stage = puppet::TheStage();
     EXPECT_EQ(world.Session().KeptUtilities(), 1U);
-    EXPECT_EQ(world.Core().TakeCalls(), bound);
-    EXPECT_EQ(puppet::TheStage().adaptor, &world.Adaptor());
-    EXPECT_TRUE(world.Session().IsUtilityOpen("Tarvo Lumiset Util"));
+    EXPECT_TRUE(world.Session().IsUtilityOpen(kUtility));
     ASSERT_TRUE(world.Session().PressButton(StartButton));
-    EXPECT_EQ(world.Core().TakeCalls(), (Calls{"show"}));
+    Names calls = {"bind 1027", "bind 1030", "option node 1028", "show"};
+    EXPECT_EQ(world.Core().TakeCalls(), calls);
     EXPECT_EQ(world.Core().shownIn, GetCOREInterface()->GetMAXHWnd());
-    EXPECT_TRUE(world.MessageBoxes().empty());
 
     EXPECT_EQ(manager.DetachCore(), 0);
-    EXPECT_EQ(puppet::TheStage().detached, &world.Core());
+    EXPECT_EQ(stage.detached, &world.Core());
     EXPECT_TRUE(IsUnloaded());
     for (int times = 0; times < 2; ++times)
         EXPECT_EQ(manager.AttachCore(), 0);
-    EXPECT_EQ(world.Core().TakeCalls(), bound);
-    EXPECT_EQ(puppet::TheStage().attachCount, 2);
+    calls.pop_back();
+    EXPECT_EQ(world.Core().TakeCalls(), calls);
+    EXPECT_EQ(stage.attachCount, 2);
     manager.DetachCore();
-    puppet::TheStage().version = 1;
+    stage.version = 1;
     EXPECT_EQ(manager.AttachCore(), 0);
     EXPECT_TRUE(IsUnloaded());
 }
 
 TEST(LifeCycle, ACoreThatCannotBeAttachedIsToldInTheTraceAndByTheButton) {
-    const struct {
-        WorldSettings settings;
-        std::vector<std::string> told;
-    } rows[] = {
+    const std::pair<WorldSettings, Names> rows[] = {
         {{.core = kNoPuppet}, {"(ERROR): Return value: Unable to load CORE\n"}},
         {{.version = 8109},
          {"(ERROR): \tversion mismatch trying to attach to CORE\n",
@@ -71,16 +74,16 @@ TEST(LifeCycle, ACoreThatCannotBeAttachedIsToldInTheTraceAndByTheButton) {
         for (const std::string& line : told)
             EXPECT_TRUE(Holds(world.Trace(), line)) << line;
 
-        // The button answers by hand or at once.
-        EXPECT_EQ(host.IsUtilityOpen("Tarvo Lumiset Util"), isFound);
-        ASSERT_TRUE(isFound || host.OpenUtility("Tarvo Lumiset Util"));
+        // The utility is opened by hand or at once.
+        EXPECT_EQ(host.IsUtilityOpen(kUtility), isFound);
+        ASSERT_TRUE(isFound || host.OpenUtility(kUtility));
         ASSERT_TRUE(host.PressButton(StartButton));
         ASSERT_EQ(world.MessageBoxes().size(), 1U);
         const headless::MessageBoxText& box = world.MessageBoxes()[0];
-        EXPECT_EQ(box.text,
-                  "Unable to bind Core routines. Tarvo Lumiset is unable to start.\nPlease "
-                  "re-install the software and contact Tarvo Works in case the problem persists.");
-        EXPECT_TRUE(box.caption == "Tarvo Lumiset" && box.style == 16) << box.caption << box.style;
+        EXPECT_EQ(box.caption + std::to_string(box.style) + box.text,
+                  "Tarvo Lumiset16Unable to bind Core routines. Tarvo Lumiset is unable to start.\n"
+                  "Please re-install the software and contact Tarvo Works in case the problem "
+                  "persists.");
 
         const std::size_t before = Allocations();
         for (TimeValue t = 2; t < 100; ++t)
@@ -91,18 +94,36 @@ TEST(LifeCycle, ACoreThatCannotBeAttachedIsToldInTheTraceAndByTheButton) {
 
 TEST(LifeCycle, ARefusedCoreStaysLoadedAndNoneIsTakenDownInsideItsOwnRoutines) {
     World world({.refuses = true});
-    puppet::TheStage().core = &world.Core();
-    puppet::TheStage().onAttach = [] {
-        UtilityManager::Get().AttachCore();
-        UtilityManager::Get().DetachCore();
+    puppet::Stage& stage = puppet::TheStage();
+    UtilityManager& manager = UtilityManager::Get();
+    stage.core = &world.Core();
+    stage.onAttach = [&] {
+        manager.AttachCore();
+        manager.DetachCore();
     };
-    world.Core().onLeave = [] { UtilityManager::Get().DetachCore(); };
-    EXPECT_EQ(UtilityManager::Get().AttachCore(), 0);
-    EXPECT_EQ(puppet::TheStage().attachCount, 2);
+    world.Core().onLeave = [&] { manager.DetachCore(); };
+    EXPECT_EQ(manager.AttachCore(), 0);
+    EXPECT_EQ(stage.attachCount, 2);
     EXPECT_EQ(AttachedCore(), &world.Core());
-    UtilityManager::Get().DetachCore();
-    EXPECT_EQ(puppet::TheStage().detachCount, 1);
+    manager.DetachCore();
+    EXPECT_EQ(stage.detachCount, 1);
     EXPECT_TRUE(IsUnloaded());
+}
+
+TEST(LifeCycle, AShutdownInsideARoutineOfTheCoresWaitsUntilThatHasReturned) {
+    for (const bool isLeaving : {false, true}) {
+        World world({.refuses = !isLeaving});
+        puppet::Stage& stage = puppet::TheStage();
+        stage.core = &world.Core();
+        (isLeaving ? world.Core().onLeave : stage.onAttach) = [&] {
+            world.Session().Announce(NOTIFY_SYSTEM_SHUTDOWN);
+            EXPECT_TRUE(stage.isLoaded && MaxAdaptorInterface::instance);
+        };
+        isLeaving ? UtilityManager::Get().DetachCore() : UtilityManager::Get().AttachCore();
+        EXPECT_TRUE(IsUnloaded());
+        EXPECT_EQ(stage.detachCount, 1);
+        EXPECT_EQ(MaxAdaptorInterface::instance, nullptr);
+    }
 }
 
 TEST(LifeCycle, ShuttingDownTakesTheCoreDownAndMakesTheDataFolder) {
@@ -114,10 +135,76 @@ TEST(LifeCycle, ShuttingDownTakesTheCoreDownAndMakesTheDataFolder) {
         EXPECT_EQ(std::filesystem::is_directory(world.Folder() /
                                                 "Tarvo Works/Lumiset/data/adaptor_3dsmax9"),
                   hasDocuments);
-        const std::string trace = world.Trace();
-        const std::string own = trace.substr(trace.rfind("Register Code"));  // of this world
-        EXPECT_NE(Holds(own, "(ERROR): \tUnable to find my documents path\n"), hasDocuments);
+        EXPECT_NE(Holds(OwnTrace(world), "(ERROR): \tUnable to find my documents path\n"),
+                  hasDocuments);
     }
+}
+
+// A Core that leaves all its things behind and is gone from memory; it is attached or refuses after
+// that.
+TEST(LifeCycle, ACoreThatIsGoneLeavesNothingThatCanCallIntoItsFreedLibrary) {
+    for (const bool isAttached : {false, true}) {
+        World world({.refuses = true});
+        headless::Session& host = world.Session();
+        UtilityManager& manager = UtilityManager::Get();
+        puppet::Stage& stage = puppet::TheStage();
+        stage.core = isAttached ? &world.Core() : nullptr;
+        stage.onAttach = [&] { world.Core().otherButton = stage.litter(*stage.adaptor); };
+        manager.AttachCore();
+        stage.onAttach = nullptr;
+        world.Core().otherButton = nullptr;
+        EXPECT_TRUE(theHold.Holding() == isAttached && TVL::Log::external == isAttached);
+        EXPECT_EQ(AdaptorNodes().nodes.size(), isAttached ? 1U : 0U);
+
+        manager.DetachCore();
+        EXPECT_FALSE(stage.isLoaded || theHold.Holding());
+        EXPECT_TRUE(host.AnimateButtonEnabled() && host.AcceleratorsEnabled());
+        EXPECT_FALSE(TVL::Log::external || TVL::ErrorCode::external);
+
+        // The work stays, as one step that goes and comes.
+        ASSERT_EQ(host.UndoLabels().front(), "outer");
+        ASSERT_TRUE(host.Undo());
+        EXPECT_EQ(headless::FindNode("Litter_left"), nullptr);
+        ASSERT_TRUE(host.Redo());
+        EXPECT_NE(headless::FindNode("Litter_left"), nullptr);
+        host.Select({"Litter_left"});
+        host.DeleteSelected();
+        ASSERT_TRUE(host.Undo());
+
+        // And another Core finds an adaptor as new.
+        stage.core = &world.Core();
+        EXPECT_EQ(manager.AttachCore(), 0);
+        EXPECT_FALSE(world.Adaptor().IsHoldingUndo());
+        ASSERT_TRUE(host.Undo() && host.Redo());
+        world.ShutDown();
+        const std::string trace = OwnTrace(world);
+        for (const char* line : {"(WARNING): \tCORE left something behind in the adaptor\n",
+                                 "\tlog: 1\n", "\terror registry: 1\n", "\tundo chunks: 1\n",
+                                 "\tnodes: 1\n", "\tsnapshot nodes: ", "\trecording: 1\n",
+                                 "\tundo groups: 2\n", "\tkeyboard focus: 1\n"})
+            EXPECT_TRUE(Holds(trace, line)) << line << trace;
+        EXPECT_EQ(trace.find("left something"), trace.rfind("left something")) << trace;
+    }
+}
+
+// Neither the Core nor the user pays for it.
+TEST(LifeCycle, WhatACoreCountedOnceTooOftenIsGivenBackAndNoMore) {
+    World world;
+    world.Adaptor().RestoreFocus();
+    for (const int ends : {1, 2}) {
+        world.Adaptor().BeginRecording({});
+        world.Adaptor().BeginRecordingUnkeyed({});
+        for (int times = 0; times < ends; ++times) {
+            EXPECT_TRUE(Animating());
+            world.Adaptor().EndRecording();
+        }
+        UtilityManager::Get().DetachCore();
+        EXPECT_FALSE(Animating());
+        UtilityManager::Get().AttachCore();
+    }
+    world.ShutDown();
+    EXPECT_TRUE(Holds(world.Trace(), "\trecording: 1\n"));
+    EXPECT_FALSE(Holds(world.Trace(), "\tkeyboard focus"));
 }
 
 // Its library can be gone by then.

@@ -1,17 +1,14 @@
 #include <algorithm>
-#include <string>
 
-#include "host/animate.h"
 #include "host/hold.h"
 #include "host/notify.h"
 #include "nodes/node_deletion.h"
+#include "scene_state/state_chunk.h"
 #include "tests/adaptor/attach_panel.h"
 #include "tests/scene_state/state_test.h"
 #include "tests/support/trace.h"
 
 namespace {
-
-using Calls = PuppetCore::Calls;
 
 // A Core that has state and nodes, and claims what it is given.
 class SceneEvents : public StateTest {
@@ -26,21 +23,16 @@ class SceneEvents : public StateTest {
         Taken();
     }
 
-    std::string Path(const std::string& file) const { return (world.Folder() / file).string(); }
-
     std::string SavedAs(const std::string& file) {
-        EXPECT_EQ(world.Session().SaveScene(Path(file)).error, "");
-        return Path(file);
+        const std::string path = (world.Folder() / file).string();
+        EXPECT_EQ(world.Session().SaveScene(path).error, "");
+        return path;
     }
     void Open(const std::string& path) {
         const headless::FileOutcome outcome = world.Session().OpenScene(path);
         EXPECT_TRUE(outcome.error.empty() && outcome.complaints.empty()) << outcome.error;
     }
-    Calls Taken() { return world.Core().TakeCalls(); }
-    std::string LastTaken() {
-        const Calls calls = Taken();
-        return calls.empty() ? "" : calls.back();
-    }
+    Texts Taken() { return world.Core().TakeCalls(); }
     static std::string HipTag() { return TagOf(headless::FindNode("Rig_Hip")); }
     void Delete(const std::vector<std::string>& names) {
         world.Session().Select(names);
@@ -57,17 +49,17 @@ class SceneEvents : public StateTest {
 
 TEST_F(SceneEvents, EveryWorkOnAFileReachesTheCoreInItsOrder) {
     const std::string path = SavedAs("take.scene");
-    EXPECT_EQ(Taken(), Calls{"get state"});
+    EXPECT_EQ(Taken(), Texts{"get state"});
     EXPECT_EQ(rig.timesAsked, 1);
     EXPECT_EQ(HipTag(), "");
-    EXPECT_NE(world.Session().SaveScene(Path("nowhere/scene")).error, "");
+    EXPECT_NE(world.Session().SaveScene((world.Folder() / "nowhere/scene").string()).error, "");
     EXPECT_EQ(HipTag(), "");
     Taken();
 
     Open(path);
-    EXPECT_EQ(Taken(), (Calls{"reset", kGiven, "set state <TVL/>", kTags}));
+    EXPECT_EQ(Taken(), (Texts{"reset", kGiven, "set state <TVL/>", kTags}));
     ASSERT_EQ(world.Session().MergeScene(path).error, "");
-    EXPECT_EQ(Taken(), Calls{kTags});
+    EXPECT_EQ(Taken(), Texts{kTags});
     EXPECT_TRUE(world.MessageBoxes().empty());
 
     world.Session().NewScene();
@@ -76,18 +68,13 @@ TEST_F(SceneEvents, EveryWorkOnAFileReachesTheCoreInItsOrder) {
     int adding = 1;
     for (int* kind : {&replacing, &adding, static_cast<int*>(nullptr)})
         world.Session().Announce(NOTIFY_FILE_PRE_OPEN, kind);
-    EXPECT_EQ(Taken(), (Calls{"reset", "reset", "reset", "reset"}));
+    EXPECT_EQ(Taken(), Texts(4, "reset"));
 }
 
 // An owner that hears of it may take nodes out of the host's table.
 TEST_F(SceneEvents, EachOwnerOfNodesToBeDeletedIsToldOnceAndACoreThatRunsIsStopped) {
     int told = 0;
-    bool empties = false;
-    rig.onDeletion = other.onDeletion = [&] {
-        ++told;
-        INodeTab& table = *DeletionInProgress().deletingNodes;
-        if (empties) table.Delete(0, table.Count());
-    };
+    rig.onDeletion = other.onDeletion = [&] { ++told; };
     Helper(rig, "Knee");
     Helper(other, "Prop");
     for (const bool isRunning : {false, true}) {
@@ -95,12 +82,16 @@ TEST_F(SceneEvents, EachOwnerOfNodesToBeDeletedIsToldOnceAndACoreThatRunsIsStopp
         other.extensions.resize(isRunning ? 2 : 0);
         Delete({"Rig_Hip", "Rig_Knee", "Other_Prop"});
         EXPECT_EQ(std::exchange(told, 0), isRunning ? 2 : 1);
-        EXPECT_EQ(Taken(), isRunning ? Calls{"stop"} : Calls());
+        EXPECT_EQ(Taken(), isRunning ? Texts{"stop"} : Texts());
         EXPECT_EQ(headless::FindNode("Rig_Hip"), nullptr);
         ASSERT_TRUE(world.Session().Undo());
         other.extensions = {43, 56};
     }
-    empties = true;
+    rig.onDeletion = other.onDeletion = [&] {
+        ++told;
+        INodeTab& table = *DeletionInProgress().deletingNodes;
+        table.Delete(0, table.Count());
+    };
     Delete({"Rig_Hip", "Rig_Knee", "Other_Prop"});
     EXPECT_EQ(told, 1);
     EXPECT_NE(headless::FindNode("Rig_Hip"), nullptr);
@@ -144,7 +135,7 @@ TEST_F(SceneEvents, WithoutACoreASceneKeepsTheStateThatIsInIt) {
     Delete({"Rig_Hip"});
     world.Session().NewScene();
     world.Session().Reset();
-    EXPECT_EQ(Taken(), Calls());
+    EXPECT_EQ(Taken(), Texts());
 
     constexpr const char* kSavedOver = "has never been read: it was opened without a CORE";
     UtilityManager::Get().AttachCore();
@@ -157,16 +148,14 @@ TEST_F(SceneEvents, WithoutACoreASceneKeepsTheStateThatIsInIt) {
     UtilityManager::Get().AttachCore();
     world.Core().state = XMLNode("<state><take>2</take></state>");
     const std::string late = SavedAs("late.scene");
+    EXPECT_EQ(TimesTraced(kSavedOver), 1U);
     Taken();
     Open(late);
-    EXPECT_EQ(Taken(), (Calls{"reset", kGiven, "set state <state><take>2</take></state>",
+    EXPECT_EQ(Taken(), (Texts{"reset", kGiven, "set state <state><take>2</take></state>",
                               "set state <TVL/>", kTags}));
     SavedAs("late.scene");
     EXPECT_EQ(TimesTraced(kSavedOver), 1U);
-    Taken();
-
     Open(again);
-    EXPECT_EQ(Taken(), (Calls{"reset", kGiven, "set state <TVL/>", kTags}));
     EXPECT_TRUE(world.Session().UtilityChunks()[0].isTaken);
 }
 
@@ -174,25 +163,19 @@ TEST_F(SceneEvents, WithoutACoreASceneKeepsTheStateThatIsInIt) {
 TEST_F(SceneEvents, TheStateOutlivesADetachAndEveryHoldThatItIsIn) {
     const AttachPanel panel;
     const auto press = [&] { panel.Press(); };
-    const auto pressInDeletion = [&] {
-        rig.onDeletion = press;
-        Delete({"Rig_Hip"});
-        rig.onDeletion = nullptr;
-    };
-    const auto pressInStep = [&] {
+    const auto pressInHold = [&] {
         theHold.Begin();
         press();
+    };
+    const auto pressInStep = [&] {
+        pressInHold();
         theHold.Accept("step");
         EXPECT_TRUE(world.Session().Undo() && world.Session().Redo());
     };
     const std::pair<const char*, std::function<void()>> rows[] = {
         {"a file",
          [&] {
-             adaptor.BeginUndoGroup("take");
-             adaptor.SetCurrentTime(1);
-             adaptor.EndUndoGroup();
              press();
-             EXPECT_TRUE(world.Session().UndoLabels().empty());
              Open(SavedAs("take.scene"));
          }},
         {"a nest of its own that is cancelled",
@@ -204,14 +187,15 @@ TEST_F(SceneEvents, TheStateOutlivesADetachAndEveryHoldThatItIsIn) {
          }},
         {"a hold of the host's that is cancelled",
          [&] {
-             theHold.Begin();
-             press();
+             pressInHold();
              theHold.Cancel();
          }},
         {"a step that is undone and done again", pressInStep},
         {"a deletion that is undone",
          [&] {
-             pressInDeletion();
+             rig.onDeletion = press;
+             Delete({"Rig_Hip"});
+             rig.onDeletion = nullptr;
              EXPECT_TRUE(world.Session().Undo());
          }},
     };
@@ -222,7 +206,7 @@ TEST_F(SceneEvents, TheStateOutlivesADetachAndEveryHoldThatItIsIn) {
         EXPECT_EQ(HipTag(), kHipTag);
         Taken();
         press();
-        const Calls calls = Taken();
+        const Texts calls = Taken();
         EXPECT_TRUE(calls.back() == kTags && std::ranges::count(calls, "reset") == 0);
         EXPECT_EQ(adaptor.GetNodes(&rig).size(), 1U);
         EXPECT_EQ(HipTag(), "");
@@ -234,13 +218,6 @@ TEST_F(SceneEvents, TheStateOutlivesADetachAndEveryHoldThatItIsIn) {
     pressInStep();
     EXPECT_TRUE(AttachedCore());
     EXPECT_EQ(HipTag(), "");
-
-    // The node that is deleted takes nothing of the others with it.
-    Helper(rig, "Knee");
-    pressInDeletion();
-    EXPECT_EQ(headless::FindNode("Rig_Hip"), nullptr);
-    press();
-    EXPECT_EQ(LastTaken(), kTags);
 }
 
 TEST_F(SceneEvents, NothingIsTakenUpByACoreThatIsLeaving) {
@@ -255,21 +232,29 @@ TEST_F(SceneEvents, NothingIsTakenUpByACoreThatIsLeaving) {
     EXPECT_FALSE(AttachedCore());
     EXPECT_EQ(puppet::TheStage().attachCount, 1);
     EXPECT_EQ(HipTag(), kHipTag);
-    EXPECT_EQ(Taken(), Calls{"get state"});
+    EXPECT_EQ(Taken(), Texts{"get state"});
 }
 
-TEST_F(SceneEvents, ACopyMadeDuringASaveKeepsNoTag) {
-    SceneNode("Merged", Tag("Rig", "Pending"));
-    TVL::CoreNode* copy = nullptr;
+TEST_F(SceneEvents, ACopyMadeDuringASaveKeepsNoTagAndANodeThatACancelBringsBackCanBeClaimed) {
+    INode* const merged = SceneNode("Merged", Tag("Rig", "Merged"));
+    std::string copied;
     world.Core().onCall = [&](const std::string& call) {
-        if (call == "get state")
-            copy = static_cast<TVL::CoreNode*>(adaptor.GetNodes(&rig)[0])->Clone(false);
+        if (call == "get state") {
+            auto* const hip = static_cast<TVL::CoreNode*>(adaptor.GetNodes(&rig)[0]);
+            copied = Released({hip->Clone(false)})[0];
+        } else {
+            adaptor.BeginUndoGroup("try");
+            GetCOREInterface()->DeleteNode(merged);
+            EXPECT_EQ(Claimed("Rig", {"Merged"}), Texts{"-"});
+            adaptor.CancelUndoGroup();
+            EXPECT_EQ(Claimed("Rig", {"Merged"}), Texts{"Merged"});
+        }
     };
     SavedAs("take.scene");
-    ASSERT_NE(copy, nullptr);
-    EXPECT_EQ(TagOf(headless::FindNode(copy->GetName())), "");
-    EXPECT_EQ(TagOf(headless::FindNode("Merged")), Tag("Rig", "Pending"));
-    copy->Destroy();
+    EXPECT_EQ(TagOf(headless::FindNode(copied)), "");
+    EXPECT_EQ(TagOf(merged), Tag("Rig", "Merged"));
+    HandToCore(XMLNode());
+    EXPECT_EQ(Taken().size(), 2U);
 }
 
 }  // namespace

@@ -2,37 +2,38 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "headless/primitives.h"
 #include "headless/scene_view.h"
+#include "host/hold.h"
 #include "host/interface.h"
-#include "host/node.h"
 #include "nodes/max_node.h"
 #include "tests/support/matrices.h"
 #include "tests/support/plugin.h"
 #include "tests/support/trace.h"
 #include "tests/support/world.h"
-#include "tvl/adaptor_interface.h"
+#include "tvl/ids.h"
 
 using Names = std::vector<std::string>;
+using Place = std::array<double, 3>;
 
 // Notes what a node's listener hears, as "-Hip" and "+Hip".
 class Listener final : public TVL::NodeListener {
   public:
-    void OnNodeRemoved(TVL::CNode* node) override {
-        heard.push_back("-" + node->GetNodeName());
-        if (onRemoved) onRemoved(node);
-    }
+    void OnNodeRemoved(TVL::CNode* node) override { heard.push_back("-" + node->GetNodeName()); }
     void OnNodeRestored(TVL::CNode* node) override {
         heard.push_back("+" + node->GetNodeName());
         if (onRestored) onRestored(node);
     }
 
     Names heard;
-    std::function<void(TVL::CNode*)> onRemoved;
     std::function<void(TVL::CNode*)> onRestored;
 };
 
