@@ -54,10 +54,6 @@ struct SweptNodes {
     int recordedNodes = 0;  // nodes that undo records held, destroyed; their records are empty now
     int snapshotNodes = 0;  // not given back since the last sweep; know no owner or listener now
     int snapshots = 0;      // outlived their node, freed
-
-    bool IsEmpty() const {
-        return realNodes == 0 && recordedNodes == 0 && snapshotNodes == 0 && snapshots == 0;
-    }
 };
 
 // To be called when a Core has left: from here on nothing calls its listeners and owners, neither
