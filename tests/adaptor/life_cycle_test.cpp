@@ -1,7 +1,6 @@
 #include "adaptor/max_adaptor_interface.h"
 #include "adaptor/trace_file.h"
 #include "adaptor/utility_manager.h"
-#include "host/animate.h"
 #include "host/notify.h"
 #include "nodes/node_list.h"
 #include "resources/resource_ids.h"
@@ -92,37 +91,26 @@ TEST(LifeCycle, ACoreThatCannotBeAttachedIsToldInTheTraceAndByTheButton) {
     }
 }
 
-TEST(LifeCycle, ARefusedCoreStaysLoadedAndNoneIsTakenDownInsideItsOwnRoutines) {
-    World world({.refuses = true});
-    puppet::Stage& stage = puppet::TheStage();
+// A refused one stays loaded, and the host's shutdown waits until the routine has returned.
+TEST(LifeCycle, NoCoreIsTakenDownInsideItsOwnRoutines) {
     UtilityManager& manager = UtilityManager::Get();
-    stage.core = &world.Core();
-    stage.onAttach = [&] {
-        manager.AttachCore();
-        manager.DetachCore();
-    };
-    world.Core().onLeave = [&] { manager.DetachCore(); };
-    EXPECT_EQ(manager.AttachCore(), 0);
-    EXPECT_EQ(stage.attachCount, 2);
-    EXPECT_EQ(AttachedCore(), &world.Core());
-    manager.DetachCore();
-    EXPECT_EQ(stage.detachCount, 1);
-    EXPECT_TRUE(IsUnloaded());
-}
-
-TEST(LifeCycle, AShutdownInsideARoutineOfTheCoresWaitsUntilThatHasReturned) {
-    for (const bool isLeaving : {false, true}) {
+    puppet::Stage& stage = puppet::TheStage();
+    for (const auto& [isShutDown, isLeaving] :
+         {std::pair(false, false), {false, true}, {true, false}, {true, true}}) {
         World world({.refuses = !isLeaving});
-        puppet::Stage& stage = puppet::TheStage();
         stage.core = &world.Core();
-        (isLeaving ? world.Core().onLeave : stage.onAttach) = [&] {
-            world.Session().Announce(NOTIFY_SYSTEM_SHUTDOWN);
+        (isLeaving ? world.Core().onLeave : stage.onAttach) = [&, isShutDown = isShutDown] {
+            if (isShutDown) world.Session().Announce(NOTIFY_SYSTEM_SHUTDOWN);
+            manager.AttachCore();
+            manager.DetachCore();
             EXPECT_TRUE(stage.isLoaded && MaxAdaptorInterface::instance);
         };
-        isLeaving ? UtilityManager::Get().DetachCore() : UtilityManager::Get().AttachCore();
-        EXPECT_TRUE(IsUnloaded());
-        EXPECT_EQ(stage.detachCount, 1);
-        EXPECT_EQ(MaxAdaptorInterface::instance, nullptr);
+        EXPECT_EQ(isLeaving ? manager.DetachCore() : manager.AttachCore(), 0);
+        EXPECT_EQ(stage.attachCount, isLeaving ? 1 : 2);
+        EXPECT_EQ(AttachedCore(), isLeaving || isShutDown ? nullptr : &world.Core());
+        EXPECT_EQ(IsUnloaded(), isLeaving || isShutDown);
+        EXPECT_EQ(stage.detachCount, isLeaving || isShutDown ? 1 : 0);
+        EXPECT_EQ(MaxAdaptorInterface::instance == nullptr, isShutDown);
     }
 }
 
@@ -185,26 +173,6 @@ TEST(LifeCycle, ACoreThatIsGoneLeavesNothingThatCanCallIntoItsFreedLibrary) {
             EXPECT_TRUE(Holds(trace, line)) << line << trace;
         EXPECT_EQ(trace.find("left something"), trace.rfind("left something")) << trace;
     }
-}
-
-// Neither the Core nor the user pays for it.
-TEST(LifeCycle, WhatACoreCountedOnceTooOftenIsGivenBackAndNoMore) {
-    World world;
-    world.Adaptor().RestoreFocus();
-    for (const int ends : {1, 2}) {
-        world.Adaptor().BeginRecording({});
-        world.Adaptor().BeginRecordingUnkeyed({});
-        for (int times = 0; times < ends; ++times) {
-            EXPECT_TRUE(Animating());
-            world.Adaptor().EndRecording();
-        }
-        UtilityManager::Get().DetachCore();
-        EXPECT_FALSE(Animating());
-        UtilityManager::Get().AttachCore();
-    }
-    world.ShutDown();
-    EXPECT_TRUE(Holds(world.Trace(), "\trecording: 1\n"));
-    EXPECT_FALSE(Holds(world.Trace(), "\tkeyboard focus"));
 }
 
 // Its library can be gone by then.

@@ -159,8 +159,8 @@ TEST_F(SceneEvents, WithoutACoreASceneKeepsTheStateThatIsInIt) {
     EXPECT_TRUE(world.Session().UtilityChunks()[0].isTaken);
 }
 
-// Through a file, and whatever becomes of the hold around the press that detaches.
-TEST_F(SceneEvents, TheStateOutlivesADetachAndEveryHoldThatItIsIn) {
+// Whatever becomes of the hold around the press that detaches.
+TEST_F(SceneEvents, TheStateOutlivesADetachInEveryHold) {
     const AttachPanel panel;
     const auto press = [&] { panel.Press(); };
     const auto pressInHold = [&] {
@@ -173,18 +173,6 @@ TEST_F(SceneEvents, TheStateOutlivesADetachAndEveryHoldThatItIsIn) {
         EXPECT_TRUE(world.Session().Undo() && world.Session().Redo());
     };
     const std::pair<const char*, std::function<void()>> rows[] = {
-        {"a file",
-         [&] {
-             press();
-             Open(SavedAs("take.scene"));
-         }},
-        {"a nest of its own that is cancelled",
-         [&] {
-             adaptor.BeginUndoGroup("outer");
-             adaptor.BeginUndoGroup("inner");
-             adaptor.CancelUndoGroup();
-             press();
-         }},
         {"a hold of the host's that is cancelled",
          [&] {
              pressInHold();

@@ -24,17 +24,17 @@
 using Names = std::vector<std::string>;
 using Place = std::array<double, 3>;
 
-// Notes what a node's listener hears, as "-Hip" and "+Hip".
+// Notes what a node's listener hears, as " -Hip" and " +Hip", and what the host calls what is back.
 class Listener final : public TVL::NodeListener {
   public:
-    void OnNodeRemoved(TVL::CNode* node) override { heard.push_back("-" + node->GetNodeName()); }
+    void OnNodeRemoved(TVL::CNode* node) override { heard += " -" + node->GetNodeName(); }
     void OnNodeRestored(TVL::CNode* node) override {
-        heard.push_back("+" + node->GetNodeName());
-        if (onRestored) onRestored(node);
+        heard += " +" + node->GetNodeName();
+        restored.push_back(static_cast<TVL::CoreNode*>(node)->GetName());
     }
 
-    Names heard;
-    std::function<void(TVL::CNode*)> onRestored;
+    std::string heard;
+    Names restored;
 };
 
 inline TVL::CMesh Triangle() {
@@ -65,11 +65,11 @@ class NodeTest : public testing::Test {
     }
     Node* Find(const std::string& name) { return Core(adaptor.FindNode(&rig, name)); }
 
-    // Names of the rig's nodes, in the adaptor's order.
-    Names Listed() {
-        Names names;
+    // Names of the rig's nodes, in the adaptor's order, each behind a space.
+    std::string Listed() {
+        std::string names;
         for (const TVL::CNode* node : adaptor.GetNodes(&rig))
-            names.push_back(node->GetNodeName());
+            names += " " + node->GetNodeName();
         return names;
     }
 
