@@ -43,10 +43,9 @@ TEST_F(AdaptorInterfaceTest, APlacedRegistryIsUsedUntilItIsClearedAndNeverEnded)
         void Destroy() override { ADD_FAILURE() << "ended"; }
     };
     TVL::ErrorCode* const own = TVL::ErrorCode::GetInstance();
-    for (TVL::ErrorCode* placed : {static_cast<TVL::ErrorCode*>(nullptr), own}) {
-        adaptor.SetErrorCode(placed);
-        EXPECT_FALSE(TVL::ErrorCode::external);
-    }
+    adaptor.SetErrorCode(nullptr);
+    adaptor.SetErrorCode(own);
+    EXPECT_FALSE(TVL::ErrorCode::external);
     adaptor.ClearErrorCode();
     EXPECT_EQ(TVL::ErrorCode::GetInstance(), own);
     EXPECT_TRUE(own->HasIdentifier("NOTIMPLEMENTED"));

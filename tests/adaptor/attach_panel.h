@@ -23,7 +23,6 @@ class AttachPanel {
     AttachPanel(const AttachPanel&) = delete;
     AttachPanel& operator=(const AttachPanel&) = delete;
 
-    HWND Window() const { return window_; }
     HWND Control() const { return GetDlgItem(window_, AttachControl); }
     void Press() const { SendMessageA(Control(), BM_CLICK, 0, 0); }
     std::string Text() const {

@@ -33,8 +33,6 @@ class Exceptions : public NodeTest {
         knee = Helper("Knee", hip);
         eye = Camera("Eye");
         ball = NodeOn(headless::NewSphere(2, 8)).release();
-        path = NodeOn(headless::NewSplines({headless::StraightLines({{0, 0, 0}, {0, 0, 9}})}))
-                   .release();
         mesh = Triangle();
         owners = {&rig};
         chunk = std::make_unique<Chunk>();
@@ -48,7 +46,6 @@ class Exceptions : public NodeTest {
         look = hip->AcquireHelperSnapshot();
         lens = eye->AcquireLensSnapshot(1);
         faces = ball->AcquireMeshSnapshot(0);
-        curves = path->AcquireShapeSnapshot(0);
     }
 
     void Leave() {
@@ -121,12 +118,10 @@ class Exceptions : public NodeTest {
     Node* knee = nullptr;
     Node* eye = nullptr;
     Node* ball = nullptr;
-    Node* path = nullptr;
     TVL::CSnapshot* place = nullptr;
     TVL::CSnapshot_Helper* look = nullptr;
     TVL::CSnapshot_Lens* lens = nullptr;
     TVL::CSnapshot_Mesh* faces = nullptr;
-    TVL::CSnapshot_Shape* curves = nullptr;
 
     // Arguments and results that are not to be allocated while the operation runs.
     TVL::CMesh mesh;
@@ -164,11 +159,8 @@ TEST_F(Exceptions, DoNotReachTheCore) {
         {"GetChild", [&] { return hip->GetChild(0) != nullptr; }},
         {"Claim", [&] { return ball->Claim(&rig, "Ball") != nullptr; }},
         {"AcquireSnapshot", [&] { return knee->AcquireSnapshot(0) != nullptr; }},
-        {"AcquireHelperSnapshot", [&] { return knee->AcquireHelperSnapshot() != nullptr; }},
-        {"AcquireLensSnapshot", [&] { return eye->AcquireLensSnapshot(0) != nullptr; }},
         {"AcquireMeshSnapshot", [&] { return knee->AcquireMeshSnapshot(0) != nullptr; }},
         {"AcquireMeshSnapshot", [&] { return ball->AcquireMeshSnapshot(0) != nullptr; }},
-        {"AcquireShapeSnapshot", [&] { return path->AcquireShapeSnapshot(0) != nullptr; }},
         {"SetParent", [&] { return knee->SetParent(eye), false; }},
         {"DeleteAnimationFrom", [&] { return hip->DeleteAnimationFrom(-1), false; }, true},
         {"SetName", [&] { return hip->SetName("Pelvis"), false; }},
@@ -185,7 +177,6 @@ TEST_F(Exceptions, DoNotReachTheCore) {
         {"SetFieldOfView", [&] { return lens->SetFieldOfView(50), false; }},
         {"SetTargetDistance", [&] { return lens->SetTargetDistance(50), false; }},
         {"GetMesh", [&] { return !faces->GetMesh().faces.empty(); }},
-        {"GetCurveTangent", [&] { return curves->GetCurveTangent(0.5)[2] == 1; }},
     };
     for (const bool isRecording : {false, true})
         for (const Operation& operation : operations)

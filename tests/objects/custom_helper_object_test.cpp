@@ -120,9 +120,8 @@ class NotedWindow final : public GraphicsWindow, public ViewExp {
     void setColor(int type, float red, float green, float blue) override {
         told << (type == LINE_COLOR ? "line " : "fill ") << red << green << blue << ' ';
     }
-    GraphicsWindow* getGW() override { return isThere ? this : nullptr; }
+    GraphicsWindow* getGW() override { return this; }
 
-    bool isThere = true;
     std::uint32_t limits = GW_ILLUM | GW_SPECULAR | 0x40;
     std::ostringstream told;
 };
@@ -146,27 +145,23 @@ TEST(CustomHelperObject, BuildsItsDisplayMeshForEveryBoxAndTellsTheWindowHowToDr
     const HitRegion all{HITTYPE_RECT, 0, 0, {{0, 0}, {960, 540}}};
     EXPECT_EQ(headless::NodesHit({}, 0, all), std::vector{node->GetHandle()});
 
-    const auto display = [&](INode* shown, bool hasView, bool hasWindow) {
+    const auto display = [&] {
         NotedWindow window;
-        window.isThere = hasWindow;
-        ViewExp* const view = hasView ? &window : nullptr;
-        EXPECT_EQ(helper->Display(0, shown, view, 0), 0);
-        IPoint2 place;
-        IPoint2* const hit = shown && hasView && hasWindow ? nullptr : &place;
-        EXPECT_EQ(helper->HitTest(0, shown, HITTYPE_POINT, 0, 0, hit, view), 0);
+        EXPECT_EQ(helper->Display(0, node, &window, 0), 0);
+        EXPECT_EQ(helper->HitTest(0, node, HITTYPE_POINT, 0, 0, nullptr, &window), 0);
         return window.told.str();
     };
-    EXPECT_EQ(display(node, true, true), "65 line 100 fill 100 at 7 4a ");
+    EXPECT_EQ(display(), "65 line 100 fill 100 at 7 4a ");
     helper->wireframe = 0;
     helper->backfaceCull = 1;
     helper->colour = {0, 1, 0};
-    EXPECT_EQ(display(node, true, true), "16a line 010 fill 010 at 7 4a ");
+    EXPECT_EQ(display(), "16a line 010 fill 010 at 7 4a ");
     world.Session().Select({"Tarvo_Helper01"});
-    EXPECT_EQ(display(node, true, true), "16a line 111 at 7 4a ");
+    EXPECT_EQ(display(), "16a line 111 at 7 4a ");
 
-    // Where something is missing, nothing is done, and without a place nothing is hit.
-    EXPECT_EQ(display(nullptr, true, true) + display(node, false, true), "");
-    EXPECT_EQ(display(node, true, false), "");
+    // Without a node or a view nothing is done.
+    EXPECT_EQ(helper->Display(0, nullptr, nullptr, 0), 0);
+    EXPECT_EQ(helper->HitTest(0, node, HITTYPE_POINT, 0, 0, nullptr, nullptr), 0);
 }
 
 }  // namespace
