@@ -11,25 +11,22 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class SceneFile : public FileWorld {};
+using SceneFile = FileWorld;
 
 TEST_F(SceneFile, ComesBackToTheByteWithAndWithoutItsClasses) {
     const std::string built = SaveBuilt();
     const std::uint64_t digest = headless::SceneDigest();
-    const auto nextHandle = [] {
-        return GetCOREInterface()->CreateObjectNode(headless::NewSphere(1, 4))->GetHandle();
-    };
+    const auto nextHandle = [&] { return Add("next", headless::NewSphere(1, 4))->GetHandle(); };
     const std::uint32_t next = nextHandle();
-    for (const Classes classes : {Classes::kKnown, Classes::kMissing}) {
-        Start(classes);
-        EXPECT_EQ(Open("built").size(), classes == Classes::kKnown ? 0U : 2U);
+    for (const bool isKnowing : {true, false}) {
+        Start(isKnowing);
+        EXPECT_EQ(Open("built").size(), isKnowing ? 0U : 2U);
         EXPECT_EQ(headless::SceneDigest(), digest);
         EXPECT_EQ(Save("again"), built);
         EXPECT_EQ(nextHandle(), next);
     }
     Object& odd = *headless::FindNode("")->GetObjectRef();
     auto& copy = static_cast<ReferenceTarget&>(*headless::CopyOf(odd));
-    EXPECT_EQ(copy.ClassID(), odd::kHelperId);
     EXPECT_EQ(headless::SavedBytes(copy), headless::SavedBytes(odd));
     EXPECT_EQ(copy.GetReference(0), headless::FindNode("late"));
     copy.DeleteMe();
@@ -37,26 +34,25 @@ TEST_F(SceneFile, ComesBackToTheByteWithAndWithoutItsClasses) {
 
 TEST_F(SceneFile, CutOrChangedAnywhereIsRefusedWithItsNameAndTheByte) {
     const std::string built = SaveBuilt();
-    Start(Classes::kMissing);
-    const std::uint64_t digest = headless::SceneDigest();
-    const auto expectRefused = [&](const std::string& bytes, std::size_t at) {
+    Start(false);
+    const auto expectRefused = [&](const std::string& bytes) {
         const std::string file = folder.Write("damaged", bytes);
         const std::string error = host->OpenScene(file).error;
-        EXPECT_TRUE(error.starts_with(file + ": at byte ")) << at << ": " << error;
+        EXPECT_TRUE(error.starts_with(file + ": at byte ")) << bytes.size() << ": " << error;
     };
     for (std::size_t at = 0; at < built.size(); ++at) {
-        expectRefused(built.substr(0, at), at);
+        expectRefused(built.substr(0, at));
         std::string changed = built;
         changed[at] = static_cast<char>(changed[at] ^ 1 << at % 8);
-        expectRefused(changed, at);
+        expectRefused(changed);
     }
-    expectRefused(built + '\0', built.size());
-    EXPECT_EQ(headless::SceneDigest(), digest);
+    expectRefused(built + '\0');
+    EXPECT_TRUE(headless::Nodes().empty());
 }
 
 TEST_F(SceneFile, IsUntouchedAndAloneAfterASaveThatFailed) {
     const std::string built = SaveBuilt();
-    odd::Utility::written.clear();  // so that an object fails
+    odd::written.clear();  // so that an object fails
     odd::saving = 'f';
     for (const char* name : {"", "none/built", "built"}) {
         const std::string error = host->SaveScene(File(name)).error;
@@ -72,14 +68,14 @@ TEST_F(SceneFile, KeepsWhatDidNotLoadAndBoundsWhatIsBadlyNested) {
     const std::string nested = Save("nested");
     for (const char* loading : {"f", "t"}) {
         odd::loading = loading;
-        Start(Classes::kKnown);
-        odd::Utility::written.clear();
+        Start(true);
+        odd::written.clear();
         EXPECT_EQ(Open("nested").size(), 3U);
         EXPECT_EQ(dynamic_cast<odd::Helper*>(headless::FindNode("")->GetObjectRef()), nullptr);
         EXPECT_EQ(Save("again"), nested);
     }
     odd::loading = "b";
-    Start(Classes::kKnown);
+    Start(true);
     const std::vector<std::string> told = Open("built");
     const char* const endings[] = {
         ("Odd control of the node \"\" could not read all of its bytes as they are; the next save "
@@ -89,13 +85,53 @@ TEST_F(SceneFile, KeepsWhatDidNotLoadAndBoundsWhatIsBadlyNested) {
     ASSERT_EQ(told.size(), 3U);
     for (std::size_t i = 0; i < 3; ++i)
         EXPECT_TRUE(told[i].ends_with(endings[i])) << told[i];
-    EXPECT_NE(dynamic_cast<odd::Transform*>(headless::FindNode("")->GetTMController()), nullptr);
+}
+
+TEST_F(SceneFile, KeepsChunksOfAUtilityBesideWhatItWritesItself) {
+    // The ids of what a save writes of the utility.
+    const auto saved = [&](const odd::Chunks& chunks) {
+        odd::written = chunks;
+        Save("scene");
+        std::string ids;
+        for (const auto& utility : headless::ViewSceneFile(File("scene")).utilities)
+            for (const auto& chunk : utility.chunks)
+                ids += std::to_string(chunk.id);
+        return ids;
+    };
+    Start(true);
+    const odd::Chunks stored{{1, "one"}, {2, "two"}, {3, "three"}};
+    // How the utility loads, complaints of it, and the ids that are saved where the utility writes
+    // nothing at its next save, and where it writes the chunk 9.
+    const std::tuple<const char*, std::size_t, const char*, const char*> cases[] = {
+        {"", 0, "123", "1239"},   {"rrr", 0, "", "9"},      {"rro", 0, "", "9"},
+        {"rsr", 0, "2", "29"},    {"r", 0, "23", "239"},    {"rpr", 1, "2", "29"},
+        {"brr", 1, "1", "19"},    {"rfr", 1, "123", "923"}, {"rrrx", 1, "123", "1239"},
+        {"pfr", 1, "123", "9123"}};
+    for (const auto& [loading, complaints, alone, beside] : cases) {
+        SCOPED_TRACE(loading);
+        host->NewScene();
+        EXPECT_EQ(saved(stored), "123");
+        odd::loading = loading;
+        EXPECT_EQ(Open("scene").size(), complaints);
+        EXPECT_EQ(saved({}), alone);
+        EXPECT_EQ(saved({{9, "own"}}), beside);
+        EXPECT_EQ(saved({{9, "other"}}), beside) << "at the next save";
+    }
+    host->NewScene();
+    EXPECT_EQ(saved({}), "") << "an emptied scene";
+
+    // What it has written again to the byte does not grow from save to save.
+    saved({{9, "other"}, stored[0], stored[1], stored[2]});
+    odd::loading = "";
+    EXPECT_TRUE(Open("scene").empty());
+    EXPECT_EQ(saved({{9, "other"}}), "1239");
+    EXPECT_EQ(saved({{9, "third"}}), "91239");
 }
 
 TEST_F(SceneFile, MergesUnderNewHandlesWithEverythingThatBelongsToIt) {
-    odd::Utility::written.clear();
+    odd::written.clear();
     SaveBuilt();
-    Start(Classes::kMissing);
+    Start(false);
     Open("built");
     const std::vector<headless::NodeView> old = headless::Nodes();
     const std::uint32_t last = headless::FindNode("")->GetHandle();
@@ -113,7 +149,7 @@ TEST_F(SceneFile, MergesUnderNewHandlesWithEverythingThatBelongsToIt) {
         EXPECT_TRUE(difference.what.starts_with("handle ")) << difference.place << difference.what;
     for (const headless::SessionSettings& other :
          {headless::WithUnitsPerMetre(7), headless::SessionSettings{.frameRate = 24}}) {
-        Start(Classes::kKnown, other);
+        Start(true, other);
         EXPECT_TRUE(host->MergeScene(File("built")).error.starts_with(File("built")));
         EXPECT_TRUE(headless::Nodes().empty());
     }
