@@ -1,21 +1,15 @@
-#include <gtest/gtest.h>
-
-#include <array>
+#include <filesystem>
 #include <functional>
-#include <string>
 #include <tuple>
-#include <utility>
-#include <vector>
 
 #include "platform/common/resources.h"
-#include "platform/testing.h"
-#include "platform/win32.h"
+#include "tests/platform/platform_test.h"
 
 namespace {
 
-constexpr int kGo = 16;
-constexpr int kCheck = 17;
-constexpr int kText = 18;
+namespace fs = std::filesystem;
+
+enum { kGo = 16, kCheck, kText };
 
 using Message = std::tuple<HWND, UINT, WPARAM, LPARAM>;
 std::vector<Message> messages;
@@ -59,8 +53,7 @@ TEST(ADialogTemplate, IsReadInEveryFormThatAScriptCanTake) {
           8,
           {{"Button", "&Go", 0x40010001, kGo, 1, 2, 30, 10},
            {"BUTTON", "Check", 0x50010003, kCheck, 5, -6, 7, 8},
-           {"Static", "Odd", 0x50020000, kText, 0, 0, 1, 1},
-           {"Edit", "", 0x50810000, 19, 0, 0, 1, 1}}}},
+           {"Static", "Odd", 0x50020000, kText, 0, 0, 1, 1}}}},
         {"#21",
          {{"#32770", "", 0x80000000, 0, 0, 0, 10, 10},
           "",
@@ -74,31 +67,19 @@ TEST(ADialogTemplate, IsReadInEveryFormThatAScriptCanTake) {
     }
 }
 
-TEST_F(WindowsOfADialog, AreMadeBeforeTheInitMessageAndSeenOnlyIfAllAboveThemAre) {
+TEST(AResource, IsFoundByNumberAndTypeAndReadThroughItsOwnHandleAlone) {
+    const auto number = MAKEINTRESOURCEA(22);
+    const HRSRC note = FindResourceA(nullptr, number, "nOTE");
+    EXPECT_NE(LockResource(LoadResource(nullptr, note)), nullptr) << "though it is empty";
+    EXPECT_FALSE(FindResourceA(nullptr, number, "Not") || FindResourceA(nullptr, "#22x", "Note"));
+    for (const HRSRC bad : {HRSRC{}, MadeUp<HRSRC>()})
+        EXPECT_FALSE(SizeofResource(nullptr, bad) || LoadResource(nullptr, bad));
+}
+
+TEST_F(WindowsOfADialog, AreMadeBeforeTheInitMessageAndTellOfClicks) {
     const Message init{dialog, WM_INITDIALOG, reinterpret_cast<WPARAM>(go), 77};
     EXPECT_EQ(messages, std::vector{init});
     EXPECT_TRUE(GetParent(check) == dialog && GetParent(dialog) == frame);
-    EXPECT_EQ(GetDlgItem(dialog, 99), nullptr);
-    EXPECT_TRUE(IsWindowVisible(check) && !IsWindowVisible(go));
-    EXPECT_TRUE(ShowWindow(dialog, SW_HIDE));
-    EXPECT_FALSE(IsWindowVisible(check) || ShowWindow(dialog, SW_SHOW));
-    EXPECT_TRUE(IsWindowVisible(check));
-}
-
-TEST_F(WindowsOfADialog, GiveTheirTextWithinTheBuffer) {
-    EXPECT_TRUE(SetWindowTextA(dialog, "Detach"));
-    std::array<char, 8> buffer{};
-    buffer.fill('#');
-    EXPECT_EQ(GetWindowTextA(dialog, buffer.data(), 4), 3);
-    EXPECT_EQ(std::string(buffer.begin(), buffer.begin() + 5), std::string("Det\0#", 5));
-    EXPECT_EQ(GetWindowTextA(dialog, buffer.data(), 8), 6);
-    EXPECT_FALSE(GetWindowTextA(dialog, buffer.data(), 0) || GetWindowTextA(dialog, nullptr, 8));
-    EXPECT_EQ(std::string(buffer.data()), "Detach");
-    EXPECT_TRUE(SetWindowTextA(dialog, nullptr));
-    EXPECT_EQ(GetWindowTextA(dialog, buffer.data(), 8), 0);
-}
-
-TEST_F(WindowsOfADialog, TellTheProcedureOfAClickAndKeepItsExceptionInside) {
     messages.clear();
     for (const HWND control : {check, GetDlgItem(dialog, kText)})
         EXPECT_EQ(SendMessageA(control, BM_CLICK, 0, 0), 0);
@@ -109,6 +90,17 @@ TEST_F(WindowsOfADialog, TellTheProcedureOfAClickAndKeepItsExceptionInside) {
     whenCalled = [](HWND, UINT) { throw 1; };
     EXPECT_EQ(SendMessageA(dialog, WM_INITDIALOG, 0, 0), 0);
     EXPECT_TRUE(DestroyWindow(dialog) && !IsWindow(dialog));
+}
+
+TEST_F(WindowsOfADialog, AreSeenIfAllAboveThemAreAndGiveTheirTextWithinTheBuffer) {
+    EXPECT_TRUE(IsWindowVisible(check) && !IsWindowVisible(go));
+    EXPECT_TRUE(ShowWindow(dialog, SW_HIDE) && !IsWindowVisible(check));
+    EXPECT_TRUE(!ShowWindow(dialog, SW_SHOW) && IsWindowVisible(check));
+    EXPECT_TRUE(SetWindowTextA(dialog, "Detach"));
+    std::string buffer(8, '#');
+    EXPECT_EQ(GetWindowTextA(dialog, buffer.data(), 4), 3);
+    EXPECT_FALSE(GetWindowTextA(dialog, buffer.data(), 0) || GetWindowTextA(dialog, nullptr, 8));
+    EXPECT_EQ(buffer, "Det\0####"s);
 }
 
 TEST_F(WindowsOfADialog, EndWithTheirParentWhichIsToldFirst) {
@@ -126,41 +118,61 @@ TEST_F(WindowsOfADialog, EndWithTheirParentWhichIsToldFirst) {
     EXPECT_FALSE(IsWindow(dialog) || IsWindow(inner) || IsWindow(go));
 }
 
-TEST_F(WindowsOfADialog, MayEndInsideTheirOwnProcedure) {
+TEST_F(WindowsOfADialog, MayEndInsideTheirOwnProcedureAndComeWithAParentThatLives) {
     whenCalled = [&](HWND told, UINT message) {
         DestroyWindow(told);
         if (message == WM_DESTROY) DestroyWindow(frame);
     };
     SendMessageA(check, BM_CLICK, 0, 0);
     EXPECT_FALSE(IsWindow(dialog) || IsWindow(frame));
-    frame = MakeFrame();
+    const HWND gone = std::exchange(frame, MakeFrame());
     EXPECT_EQ(OpenForm(frame), nullptr) << "it did not live through its init message";
-}
-
-TEST_F(WindowsOfADialog, NeedATemplateAndAParentThatLives) {
-    const HWND gone = MakeFrame();
-    DestroyWindow(gone);
+    frame = MakeFrame();
+    whenCalled = nullptr;
     EXPECT_FALSE(OpenForm(nullptr) || OpenForm(gone) || MakeFrame(gone)) << "a child needs one";
-    EXPECT_FALSE(OpenForm(frame, MAKEINTRESOURCEA(1)) || OpenForm(frame, "20"));
-    EXPECT_TRUE(CreateDialogParamA(nullptr, MAKEINTRESOURCEA(20), frame, nullptr, 0));
+    EXPECT_FALSE(OpenForm(frame, "#1") || OpenForm(frame, "20"));
+    EXPECT_TRUE(CreateDialogParamA(nullptr, "#20", frame, nullptr, 0));
 }
 
 TEST_F(WindowsOfADialog, AreToldFromStaleNullAndMadeUpHandles) {
     const HWND stale = OpenForm(frame);
     DestroyWindow(stale);
     const HWND successor = MakeFrame(frame);
-    int local = 0;
-    std::array<char, 6> buffer{};
-    for (const HWND bad : {stale, HWND{}, static_cast<HWND>(static_cast<void*>(&local))}) {
-        buffer[0] = '#';
+    char text[6] = "#";
+    for (const HWND bad : {stale, HWND{}, MadeUp<HWND>()})
         EXPECT_FALSE(IsWindow(bad) || IsWindowVisible(bad) || DestroyWindow(bad) ||
                      ShowWindow(bad, SW_SHOW) || SetWindowTextA(bad, "text") ||
-                     GetWindowTextA(bad, buffer.data(), 4) || buffer[0] != '\0' ||
+                     GetWindowTextA(bad, text, 4) || text[0] != '\0' ||
                      SetWindowLongPtrA(bad, GWLP_USERDATA, 1) ||
                      GetWindowLongPtrA(bad, GWLP_USERDATA) || GetDlgItem(bad, kGo) ||
                      GetParent(bad) || SendMessageA(bad, BM_CLICK, 0, 0));
-    }
-    EXPECT_EQ(GetWindowTextA(successor, buffer.data(), 6), 5);
+    EXPECT_EQ(GetWindowTextA(successor, text, 6), 5);
+}
+
+TEST(ADirectory, IsMadeOneLevelDeepAndToldIfItFitsAndElseByItsSize) {
+    const TemporaryFolder folder;
+    const std::string base = folder.Path().string();
+    EXPECT_TRUE(CreateDirectoryA((base + "\\\\data\\").c_str(), nullptr));
+    EXPECT_TRUE(fs::is_directory(folder.Path() / "data"));
+    EXPECT_FALSE(CreateDirectoryA((base + "\\data").c_str(), nullptr)) << "it is there";
+    EXPECT_FALSE(CreateDirectoryA((base + "\\a\\b").c_str(), nullptr)) << "two levels";
+    EXPECT_FALSE(CreateDirectoryA("", nullptr) || CreateDirectoryA(nullptr, nullptr));
+
+    const std::string directory = fs::current_path().string() + '\0';
+    const auto needed = static_cast<DWORD>(directory.size());
+    std::string buffer(directory.size(), '#');
+    EXPECT_EQ(GetCurrentDirectoryA(0, nullptr), needed);
+    EXPECT_EQ(GetCurrentDirectoryA(needed - 1, buffer.data()), needed);
+    EXPECT_EQ(buffer, std::string(directory.size(), '#'));
+    EXPECT_EQ(GetCurrentDirectoryA(needed, buffer.data()), needed - 1);
+    EXPECT_EQ(buffer, directory);
+}
+
+TEST(AMessageBox, ThatNobodyHandlesIsOnStandardError) {
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(MessageBoxA(nullptr, "text", "caption", MB_OK), IDOK);
+    MessageBoxA(nullptr, nullptr, nullptr, MB_OK);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "caption: text\nError: \n");
 }
 
 }  // namespace

@@ -6,38 +6,25 @@
 
 namespace {
 
-void Tell(const char* what) {
-    MessageBoxA(nullptr, what, "telling", MB_OK);
-}
-
-struct Teller {
-    Teller() { Tell("constructed"); }
+const struct Teller {
+    static void Tell(const char* what) { MessageBoxA(nullptr, what, "telling", MB_OK); }
     ~Teller() { Tell("destroyed"); }
-};
-
-const Teller teller;
-HINSTANCE instance = nullptr;
-int calls = 0;
+} teller;
 
 INT_PTR CALLBACK TellEnd(HWND, UINT message, WPARAM, LPARAM) {
-    if (message == WM_DESTROY) Tell("closed");
+    if (message == WM_DESTROY) Teller::Tell("closed");
     return 0;
 }
 
 }  // namespace
 
-MODULE_ROUTINE int answer() {
-    return ++calls;
-}
-
-MODULE_ROUTINE HWND openDialog() {
-    return CreateDialogParamA(instance, MAKEINTRESOURCEA(10), nullptr, TellEnd, 0);
+MODULE_ROUTINE HWND openDialog(HINSTANCE module) {
+    return CreateDialogParamA(module, "#10", nullptr, TellEnd, 0);
 }
 
 // Loads itself once more while it is entered.
-extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
-    instance = module;
-    Tell(reason == DLL_PROCESS_ATTACH ? "attach" : "detach");
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
+    Teller::Tell(reason == DLL_PROCESS_ATTACH ? "attach" : "detach");
     if (reason == DLL_PROCESS_ATTACH) FreeLibrary(LoadLibraryA(OWN_FILE));
     return std::getenv("TELLING_REFUSES") == nullptr ? TRUE : FALSE;
 }
