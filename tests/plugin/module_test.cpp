@@ -3,10 +3,8 @@
 #include <filesystem>
 #include <optional>
 #include <set>
-#include <span>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include "headless/primitives.h"
 #include "headless/scene_view.h"
@@ -25,10 +23,9 @@
 
 namespace {
 
-// The plug-in as a host knows it: a library with four routines.
+// The plug-in as a host knows it: a library with four routines and two dialogs.
 class Module : public testing::Test {
   protected:
-    Module() : library(LoadLibraryA(PLUGIN_MODULE)) {}
     ~Module() override {
         FreeLibrary(library);
         EXPECT_EQ(headless::TakeCensus().controlModules, controlModulesBefore + 1);
@@ -41,7 +38,7 @@ class Module : public testing::Test {
 
     std::size_t controlModulesBefore = headless::TakeCensus().controlModules;
     headless::Session session;  // before the library, whose entry point calls the host
-    HMODULE library;
+    HMODULE library = LoadLibraryA(PLUGIN_MODULE);
 };
 
 TEST_F(Module, IntroducesItselfAndItsClasses) {
@@ -83,14 +80,12 @@ TEST_F(Module, HoldsTwoDialogsOfOneButtonEach) {
          {{"#32770", "", 0x50000040, 0, 0, 0, 108, 41},
           "MS Sans Serif",
           8,
-          {{"Button", "Convert to PRS controller", kButton, ConvertButton, 14, 7, 82, 14}}}},
-    };
+          {{"Button", "Convert to PRS controller", kButton, ConvertButton, 14, 7, 82, 14}}}}};
     for (const auto& [id, dialog] : expected) {
         const HRSRC found = FindResourceA(library, MAKEINTRESOURCEA(id), MAKEINTRESOURCEA(5));
         const auto* const bytes =
             static_cast<const std::byte*>(LockResource(LoadResource(library, found)));
-        const std::span<const std::byte> held(bytes, SizeofResource(library, found));
-        EXPECT_EQ(platform::ReadDialog(held), dialog) << id;
+        EXPECT_EQ(platform::ReadDialog({bytes, SizeofResource(library, found)}), dialog) << id;
     }
 }
 
@@ -106,9 +101,11 @@ class LoadedPlugin : public testing::Test {
         EXPECT_EQ(session->LoadPlugin(PLUGIN_MODULE), "");
         session->Start();
         EXPECT_EQ(stage.attachCount, 1);
+        stage.adaptor->SetLog(&log);
     }
 
     ~LoadedPlugin() override {
+        stage.adaptor->ClearLog();
         session.reset();
         EXPECT_EQ(stage.detachCount, 1);
         EXPECT_FALSE(stage.isLoaded);
@@ -121,15 +118,22 @@ class LoadedPlugin : public testing::Test {
         stage = {};
     }
 
+    bool HasLogged(const std::string& text) {
+        return log.buffer.str().find(text) != std::string::npos;
+    }
+
     TemporaryFolder folder;
     std::size_t modulesBefore = platform::CountLoadedModules();
     std::size_t blocksBefore = headless::TakeCensus().heapBlocks;
     PuppetCore core;
     puppet::Stage& stage = puppet::TheStage();
+    TVL::Log log;
     std::optional<headless::Session> session{std::in_place};
 };
 
-TEST_F(LoadedPlugin, ShowsTheCoreAndGivesItTheOptionPanel) {
+// Program, plug-in and Core compile the same classes. What the Core places in the plug-in must not
+// turn up as anybody else's.
+TEST_F(LoadedPlugin, ShowsTheCoreAndHasAPanelALogAndARegistryOfItsOwn) {
     EXPECT_TRUE(session->PressButton(1046));
     EXPECT_EQ(core.TakeCalls().back(), "show");
     const XMLNode panel = stage.adaptor->GetOptionsPanel();
@@ -137,23 +141,14 @@ TEST_F(LoadedPlugin, ShowsTheCoreAndGivesItTheOptionPanel) {
     for (const auto& row : panel.Child("body").Child("list").Child("body").children)
         rows += ' ' + row->name + ' ' + row->Child("id").Text() + row->Child("value").Text();
     EXPECT_EQ(rows, "group check 1030false check 1027true button 1028");
-}
 
-// Program, plug-in and Core compile the same classes. What the Core places in the plug-in must not
-// turn up as anybody else's.
-TEST_F(LoadedPlugin, HasALogAndARegistryOfItsOwnAsEveryModuleHas) {
-    TVL::Log log;
     TVL::ErrorCode registry;
-    stage.adaptor->SetLog(&log);
     stage.adaptor->SetErrorCode(&registry);
     const std::int32_t mismatch = stage.adaptor->EndUndoGroup();
-    EXPECT_NE(log.buffer.str().find("undo group mismatch"), std::string::npos);
-    EXPECT_TRUE(registry.HasValue(mismatch));
-
+    EXPECT_TRUE(HasLogged("undo group mismatch") && registry.HasValue(mismatch));
     EXPECT_EQ((std::set{&log, stage.log(), TVL::Log::GetInstance()}).size(), 3U);
     EXPECT_EQ((std::set{&registry, stage.errorCode(), TVL::ErrorCode::GetInstance()}).size(), 3U);
     stage.adaptor->ClearErrorCode();
-    stage.adaptor->ClearLog();
 }
 
 // The host throws out of its library, through the plug-in's, which catches it.
@@ -163,21 +158,16 @@ TEST_F(LoadedPlugin, CatchesWhatTheHostThrowsAtADamagedSceneAndGoesOn) {
     ASSERT_EQ(session->SaveScene(sound).error, "");
     const std::string bytes = ReadFile(sound);
     const std::string damaged = folder.Write("damaged.scene", bytes.substr(0, bytes.size() - 1));
-    TVL::Log log;
-    stage.adaptor->SetLog(&log);
     stage.adaptor->BeginUndoGroup("merging");
     EXPECT_TRUE(stage.adaptor->MergeModels(damaged).empty());
     EXPECT_EQ(stage.adaptor->EndUndoGroup(), 0);
-    EXPECT_NE(log.buffer.str().find("possible corrupt scene file: " + damaged + '\n'),
-              std::string::npos);
+    EXPECT_TRUE(HasLogged("possible corrupt scene file: " + damaged + '\n'));
     EXPECT_EQ(log.indent, -1) << "a scope is still open";
     EXPECT_EQ(headless::Nodes().size(), 1U);
     EXPECT_TRUE(std::filesystem::remove(damaged)) << "the host has not closed it";
-
     for (TVL::CNode* node : stage.adaptor->MergeModels(sound))
         static_cast<TVL::CoreNode*>(node)->Destroy();
     EXPECT_EQ(headless::Nodes().size(), 2U);
-    stage.adaptor->ClearLog();
 }
 
 }  // namespace
