@@ -4,6 +4,7 @@
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
 #include "host/animate.h"
+#include "host/interface.h"
 #include "undo/own_step.h"
 
 namespace {
