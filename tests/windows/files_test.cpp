@@ -6,7 +6,6 @@
 #include <string>
 
 #include "adaptor/install_paths.h"
-#include "headless/session.h"
 #include "platform/process.h"
 #include "platform/testing.h"
 #include "platform/win32.h"
@@ -37,24 +36,19 @@ TEST(LettersThatTheCodePageLacks, NameNoOtherFile) {
     EXPECT_EQ(platform::ToNarrow(L"C:\\\x0100.scene"), "");
     SetEnvironmentVariableW(L"LUMISET_LOST", kLetters);
     EXPECT_EQ(platform::Variable("LUMISET_LOST"), "??");
-    SetEnvironmentVariableW(L"LUMISET_LOST", nullptr);
-    EXPECT_EQ(platform::Variable("LUMISET_LOST"), "");
 
     const TemporaryFolder outer;
     PlaceRegistry(outer, {});
-    const std::wstring target = std::wstring(kLetters) + L".scene";
-    EXPECT_EQ(RunIn(outer.Path(), L"draw --sphere 1 -o " + target), 2);
+    EXPECT_EQ(RunIn(outer.Path(), std::wstring(L"draw --sphere 1 -o ") + kLetters + L".scene"), 2);
     EXPECT_EQ(ReadFile(outer.Path() / "error"),
               "lumiset-headless: ??.scene: the code page lacks a letter of this\r\n");
-    EXPECT_FALSE(fs::exists(outer.Path() / target));
-    EXPECT_FALSE(fs::exists(outer.Path() / "a?.scene"));
+    EXPECT_EQ(std::distance(fs::directory_iterator(outer.Path()), {}), 3);
 
     // Of the folder that one is in they do not matter.
     const fs::path inner = outer.Path() / kLetters;
     fs::create_directory(inner);
     ASSERT_EQ(RunIn(inner, L"draw --sphere 1 -o a.scene"), 0);
-    EXPECT_EQ(RunIn(inner, L"open --no-plugin a.scene --save a.scene"), 0)
-        << ReadFile(inner / "error");
+    EXPECT_EQ(RunIn(inner, L"open --no-plugin a.scene --save a.scene"), 0);
 }
 
 TEST(TwoNamesOfOneFile, AreKnownAsSuchBeforeItIsThere) {
@@ -73,11 +67,9 @@ TEST(AFolderForTemporaryFilesWithALetterBeyondAscii, ServesTheCommandAndTheCore)
     if (platform::ToNarrow(temporary).empty()) GTEST_SKIP() << "the code page lacks it";
     fs::create_directory(temporary);
     PlaceRegistry(folder, {platform::BesideProgram("."), ""});
-    headless::Session session;
-    session.Start();
-    ASSERT_EQ(session.SaveScene(folder.File("empty.scene")).error, "");
+    ASSERT_EQ(RunIn(folder.Path(), L"draw --sphere 1 -o ball.scene"), 0);
     SetEnvironmentVariableW(L"TMP", temporary.c_str());
-    EXPECT_EQ(RunIn(folder.Path(), L"sample empty.scene --times 0:0:1"), 0)
+    EXPECT_EQ(RunIn(folder.Path(), L"sample ball.scene --times 0:0:1"), 0)
         << ReadFile(folder.File("error"));
     SetEnvironmentVariableW(L"TMP", before.c_str());
     EXPECT_TRUE(fs::is_empty(temporary));
