@@ -1,10 +1,12 @@
 #include <algorithm>
+#include <optional>
 #include <random>
 #include <string>
 #include <utility>
 
 #include "scene_state/state_chunk.h"
 #include "tests/scene_state/state_test.h"
+#include "tests/support/allocations.h"
 #include "tvl/base64_buffer.h"
 
 namespace {
@@ -223,6 +225,26 @@ TEST_F(NodeTags, StayForACoreThatGetsToLoad) {
     EXPECT_EQ(Gathered(claim), Texts{"<TVL>" + PluginXml("Rig") + "</TVL>"});
     EXPECT_EQ(boxes, 2);
     EXPECT_TRUE(InScene().empty());
+}
+
+// Each allocation of its claim fails in turn.
+TEST_F(NodeTags, StayForACoreThatHadNoMemoryToClaimThem) {
+    const XMLNode info("<nodeinfo><node name='Hip'/></nodeinfo>");
+    const std::string plugin = "Rig";
+    Texts found;
+    bool hasFailed = true;
+    for (std::size_t nth = 1; hasFailed; ++nth) {
+        SceneNode("Hip", Tag("Rig", "Hip"));
+        Gathered([&] {
+            std::optional<FailingAllocation> fault(nth);
+            const std::vector<TVL::CNode*> nodes = adaptor.ClaimNodes(plugin, info);
+            hasFailed = fault->HasFailed();
+            fault.reset();
+            found = Released(nodes);
+        });
+        EXPECT_EQ(InScene().empty(), found == Texts{"Hip"}) << nth;
+        world.Session().NewScene();
+    }
 }
 
 TEST_F(NodeTags, AreOnEachNodeWithItsNamesAndTheOwnersStateOnItsFirst) {
