@@ -6,8 +6,8 @@ namespace {
 
 // Writes down what happens to it, and may do something else on top.
 struct Chronicle final : RestoreObj {
-    Chronicle(std::string& all, std::string own, std::function<void()> act)
-        : told(all), name(std::move(own)), onRestore(std::move(act)) {}
+    explicit Chronicle(std::string own, std::function<void()> act = {})
+        : name(std::move(own)), onRestore(std::move(act)) {}
     ~Chronicle() override { told += "free " + name + ", "; }
     void Restore(int isUndo) override {
         told += (isUndo != 0 ? "undo " : "cancel ") + name + ", ";
@@ -16,26 +16,20 @@ struct Chronicle final : RestoreObj {
     void Redo() override { told += "redo " + name + ", "; }
     void EndHold() override { told += "held " + name + ", "; }
 
-    std::string& told;
     std::string name;
     std::function<void()> onRestore;
 };
 
 class HoldTest : public HostWorld {
   protected:
-    ~HoldTest() override { session.ShutDown(); }
-
     // Two records, such as 1a and 1b.
     void Put(const std::string& step, const std::function<void()>& onRestore = {}) {
-        theHold.Put(new Chronicle(told, step + "a", {}));
-        theHold.Put(new Chronicle(told, step + "b", onRestore));
+        theHold.Put(new Chronicle(step + "a"));
+        theHold.Put(new Chronicle(step + "b", onRestore));
     }
     void Make(const std::string& step, const std::function<void()>& onRestore = {}) {
         Step([&] { Put(step, onRestore); }, step.c_str());
     }
-    void ExpectTold(const std::string& expected) { EXPECT_EQ(std::exchange(told, {}), expected); }
-
-    std::string told;
 };
 
 TEST_F(HoldTest, AStepIsUndoneBackwardsRedoneInItsOrderAndGoesNewestFirst) {
@@ -65,7 +59,7 @@ TEST_F(HoldTest, AStepIsUndoneBackwardsRedoneInItsOrderAndGoesNewestFirst) {
 }
 
 TEST_F(HoldTest, WhatDoesNotFitTheHoldIsABreachAndDoesNothing) {
-    theHold.Put(new Chronicle(told, "stray", {}));
+    theHold.Put(new Chronicle("stray"));
     theHold.Accept("nothing was begun");
     theHold.Cancel();
     Make("1");

@@ -17,15 +17,23 @@
 #include "host/hold.h"
 #include "host/interface.h"
 #include "tests/support/matrices.h"
+#include "tests/support/on_notification.h"
 
 using Times = std::vector<TimeValue>;
 using Lines = std::vector<std::string>;  // of breaches, or labels of steps
 
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
+// What the objects of a test tell of themselves, in turn.
+inline std::string told;
+inline void ExpectTold(const std::string& expected) {
+    EXPECT_EQ(std::exchange(told, {}), expected);
+}
+
 // A running host without plug-ins. Its end checks that nothing stays alive.
 class HostWorld : public testing::Test {
   protected:
+    HostWorld() { told.clear(); }
     ~HostWorld() override {
         session.ShutDown();
         EXPECT_EQ(headless::TakeCensus().objectCount, 0U);

@@ -1,7 +1,6 @@
 #include <set>
 
 #include "tests/headless/host_world.h"
-#include "tests/support/on_notification.h"
 
 namespace {
 

