@@ -83,11 +83,16 @@ TEST_F(MeshSnapshot, GivesAMillionFacesBackEqualAndCastsRaysInTheObjectsSpace) {
 
     double distance = 0;
     Place normal{};
-    ASSERT_TRUE(snapshot->IntersectRay({108, -144, 240}, {-.72, .96, -1.6}, &distance, &normal));
-    EXPECT_NEAR(distance, 100, 0.001);  // what facets lie below the sphere
-    EXPECT_GT(normal[0] * 0.36 - normal[1] * 0.48 + normal[2] * 0.8, 0.9999);
+    for (const double side : {1.0, -1.0}) {
+        const Place up = {0.36 * side, -0.48 * side, 0.8 * side};
+        ASSERT_TRUE(snapshot->IntersectRay({300 * up[0], 300 * up[1], 300 * up[2]},
+                                           {-up[0], -up[1], -up[2]}, &distance, &normal));
+        EXPECT_NEAR(distance, 200, 0.001);  // what facets lie below the sphere
+        EXPECT_GT(normal[0] * up[0] + normal[1] * up[1] + normal[2] * up[2], 0.9999);
+    }
     snapshot->SetMesh(Triangle());
     EXPECT_TRUE(IsHit(snapshot));
+    EXPECT_FALSE(snapshot->IntersectRay({1, 1, 30}, {0, 0, 1}, nullptr, nullptr));
     snapshot->SetMesh({});
     EXPECT_FALSE(IsHit(snapshot));
 }
