@@ -1,47 +1,32 @@
 #pragma once
 
-#include <functional>
+#include <gtest/gtest.h>
+
+#include <climits>
 #include <memory>
-#include <utility>
 #include <vector>
 
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
 #include "headless/session.h"
+#include "host/animate.h"
+#include "host/hold.h"
 #include "host/interface.h"
 #include "tests/support/matrices.h"
-#include "tests/support/test_class.h"
+#include "tests/support/watcher.h"
 
-// Controllers whose table a test looks into, and that it can fill directly.
-struct OpenScalar : ScalarControl {
-    using BaseControl::AddKey;
-    using BaseControl::table;
+// A controller whose table a test looks into, and that it can fill directly.
+template <class C>
+struct Open : C {
+    using C::AddKey;
+    using C::table;
 };
-struct OpenTransform : TransformControl {
-    using BaseControl::AddKey;
-    using BaseControl::table;
-};
+using OpenScalar = Open<ScalarControl>;
+using OpenTransform = Open<TransformControl>;
 
-// A running host that knows both controllers.
-class ControlWorld {
-  public:
-    ControlWorld() {
-        session_.RegisterClass(&scalars_);
-        session_.RegisterClass(&transforms_);
-        session_.Start();
-    }
-    headless::Session& Host() { return session_; }
-
-  private:
-    template <class C>
-    static TestClass Class() {
-        return {"controller of a test", C::kSuperClassID, C::kClassID,
-                [] { return static_cast<Animatable*>(new C); }};
-    }
-
-    TestClass scalars_ = Class<OpenScalar>();
-    TestClass transforms_ = Class<OpenTransform>();
-    headless::Session session_;
+class ControlTest : public testing::Test {
+  protected:
+    headless::Session host_;
 };
 
 // A controller that only a test knows; freed with the undo stream that may name it.
@@ -56,9 +41,11 @@ struct Alone : std::unique_ptr<C, FreeWithUndo> {
     Alone() : std::unique_ptr<C, FreeWithUndo>(new C) {}
 };
 
+using Times = std::vector<TimeValue>;
+
 template <class T>
-std::vector<TimeValue> TimesOf(const KeyTable<T>& table) {
-    std::vector<TimeValue> times;
+Times TimesOf(const KeyTable<T>& table) {
+    Times times;
     for (const TarvoKey<T>& key : table.keys)
         times.push_back(key.time);
     return times;
@@ -72,15 +59,10 @@ inline void SetWorld(Control& control, TimeValue t, const Matrix3& world) {
     control.SetValue(t, &packet, 1, CTRL_ABSOLUTE);
 }
 
-template <class Value>
-Value ValueAt(Control& control, TimeValue t, Value value) {
+// Of a transform, under the parent that is given.
+template <class Value = float>
+Value ValueAt(Control& control, TimeValue t, Value value = {}) {
     Interval valid = FOREVER;
     control.GetValue(t, &value, valid, CTRL_ABSOLUTE);
     return value;
-}
-inline float FloatAt(Control& control, TimeValue t) {
-    return ValueAt(control, t, 0.0F);
-}
-inline Matrix3 MatrixAt(Control& control, TimeValue t, const Matrix3& parent = Matrix3()) {
-    return ValueAt(control, t, parent);
 }
