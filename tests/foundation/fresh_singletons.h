@@ -2,26 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <locale>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "tests/support/trace.h"
 #include "tvl/error_code.h"
-
-// A program that has set a person's locale, such as a host.
-class WithGroupedDigits {
-  public:
-    WithGroupedDigits() { std::locale::global(std::locale(std::locale::classic(), new Digits)); }
-    ~WithGroupedDigits() { std::locale::global(std::locale::classic()); }
-    WithGroupedDigits(const WithGroupedDigits&) = delete;
-    WithGroupedDigits& operator=(const WithGroupedDigits&) = delete;
-
-  private:
-    struct Digits : std::numpunct<char> {
-        char do_thousands_sep() const override { return '.'; }
-        std::string do_grouping() const override { return "\3"; }
-    };
-};
+#include "tvl/log.h"
+#include "tvl/message.h"
 
 // A world in which no log, registry or collector exists yet.
 class FreshSingletons : public testing::Test {
@@ -43,11 +31,9 @@ class FreshSingletons : public testing::Test {
         T::instance = &outside;
         T::external = true;
     }
-
     template <class T>
     static void TakeBack() {
-        if (!T::external) return;
-        T::instance = nullptr;
+        if (T::external) T::instance = nullptr;
         T::external = false;
     }
 
