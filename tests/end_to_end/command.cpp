@@ -1,46 +1,34 @@
 #include "tests/end_to_end/command.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 
-#include "platform/narrow_path.h"
 #include "platform/testing.h"
 #include "tests/support/folder/surroundings.h"
 
-namespace {
-
-// As text, which has one sign for the end of a line.
-std::string ReadText(const std::string& path) {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-}  // namespace
-
-Ending Command::Run(const std::string& words, const std::string& coreFolder) const {
-    PlaceRegistry(folder_, {coreFolder, documents_});
+Ending Command::Run(const std::string& words) const {
+    PlaceRegistry(folder_, {core_, documents_});
     const int status = platform::RunProgram({.program = COMMAND,
                                              .arguments = platform::FromNarrow(words).native(),
                                              .out = folder_.Path() / "out",
                                              .error = folder_.Path() / "error",
                                              .folder = folder_.Path()});
-    return {status, ReadText(File("out")), ReadText(File("error"))};
+    Ending ending{status, Read("out"), Read("error")};
+    for (std::string* text : {&ending.out, &ending.error})
+        std::erase(*text, '\r');  // at the ends of lines, on some systems
+    return ending;
 }
 
-std::string Command::Do(const std::string& words, const std::string& coreFolder) const {
-    const Ending ending = Run(words, coreFolder);
+std::string Command::Do(const std::string& words) const {
+    const Ending ending = Run(words);
     EXPECT_EQ(ending.status, 0) << words << '\n' << ending.error;
     return ending.out;
 }
 
-void Command::ExpectRefusal(const std::string& words, const std::string& what, int status,
-                            const std::string& coreFolder) const {
-    const Ending ending = Run(words, coreFolder);
+void Command::ExpectRefusal(const std::string& words, const std::string& what, int status) const {
+    const Ending ending = Run(words);
     EXPECT_EQ(ending.status, status) << words << '\n' << ending.error;
     EXPECT_EQ(ending.out, "") << words;
-    EXPECT_EQ(std::count(ending.error.begin(), ending.error.end(), '\n'), 1) << ending.error;
+    EXPECT_EQ(std::ranges::count(ending.error, '\n'), 1) << ending.error;
     EXPECT_TRUE(ending.error.starts_with("lumiset-headless: " + what)) << words << ending.error;
 }
 
@@ -60,4 +48,22 @@ std::string Line(const nlohmann::json& told, std::initializer_list<const char*> 
         (line += line.empty() ? "" : " ") +=
             told.at(nlohmann::json::json_pointer('/' + place)).dump();
     return line;
+}
+
+std::string Walk(std::size_t frames) {
+    std::string text =
+        "HIERARCHY\nROOT Hip\n{\nOFFSET 0 0 0\n"
+        "CHANNELS 6 Xposition Yposition Zposition Zrotation Yrotation Xrotation\n"
+        "JOINT Knee\n{\nOFFSET 0 -0.5 0\nCHANNELS 3 Zrotation Yrotation Xrotation\n"
+        "End Site\n{\nOFFSET 0 -0.5 0\n}\n}\n}\n"
+        "MOTION\nFrames: " +
+        std::to_string(frames) + "\nFrame Time: 0.05\n";
+    for (std::size_t frame = 0; frame < frames; ++frame)
+        text += std::to_string(static_cast<double>(frame) / 10) + " 1 0 0 0 " +
+                std::to_string(frame) + " 0 0 0\n";
+    return text;
+}
+
+std::string With(std::string text, const std::string& from, const std::string& to) {
+    return text.replace(text.find(from), from.size(), to);
 }

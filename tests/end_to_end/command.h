@@ -2,10 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <vector>
 
+#include "platform/narrow_path.h"
+#include "tests/support/captures.h"
 #include "tests/support/folder/temporary_folder.h"
 
 // How a call of the command ends.
@@ -26,27 +30,34 @@ class Command : public testing::Test {
     }
     std::string Read(const std::string& name) const { return ReadFile(File(name)); }
 
-    // Runs it with the Core that is installed below `coreFolder`.
-    Ending Run(const std::string& words, const std::string& coreFolder = CORE_FOLDER) const;
+    Ending Run(const std::string& words) const;
 
     // The same; the test fails unless all went well. Gives what was printed.
-    std::string Do(const std::string& words, const std::string& coreFolder = CORE_FOLDER) const;
+    std::string Do(const std::string& words) const;
 
     // What is told to a program.
-    Json Ask(const std::string& words, const std::string& coreFolder = CORE_FOLDER) const {
-        return Json::parse(Do(words + " --json", coreFolder));
-    }
+    Json Ask(const std::string& words) const { return Json::parse(Do(words + " --json")); }
 
     // Fails with one line, which begins with `what`.
-    void ExpectRefusal(const std::string& words, const std::string& what, int status,
-                       const std::string& coreFolder = CORE_FOLDER) const;
+    void ExpectRefusal(const std::string& words, const std::string& what, int status) const;
 
     // All files in its folder by their names, with their bytes, but for those of the test itself.
     std::map<std::string, std::string> Files() const;
 
     TemporaryFolder folder_;
-    std::string documents_;  // the user's folder of documents; none if empty
+    std::string core_ = CORE_FOLDER;  // below which a Core is installed
+    std::string documents_;           // the user's folder of documents; none if empty
 };
 
 // The values at these places, as they were told, with a blank between them.
 std::string Line(const nlohmann::json& told, std::initializer_list<const char*> places);
+
+inline constexpr double kUnitsPerMetre = 39.37;  // of the host's, at its start
+
+// A capture of two joints, "Hip" and below it "Knee", that walks along: frame f of the text, which
+// is a metre each unit and 0.05 seconds each frame, has the hip at (f / 10, 1, 0) and the knee half
+// a metre below it, swung forward by f degrees about X.
+std::string Walk(std::size_t frames);
+
+// The text with the first place of `from` replaced.
+std::string With(std::string text, const std::string& from, const std::string& to);
