@@ -75,15 +75,6 @@ TEST_F(Command, SaysThatThereIsNoCoreOfUse) {
     }
 }
 
-TEST_F(Command, FollowsARealCaptureInEitherControllerAndInAnyUnits) {
-    if (!std::filesystem::exists(kRealCapture)) GTEST_SKIP() << "assimp-testmodels is missing";
-    for (const char* options : {"", " --units 1", " --units 100 --no-optimised-controller"}) {
-        const Json told = Ask("record " + kRealCapture + options);
-        EXPECT_EQ(Line(told, {"joints", "frames"}), "31 2752") << options;
-        EXPECT_LT(told["maxPositionErrorMetres"].get<double>(), 5e-6) << options;
-    }
-}
-
 TEST_F(Command, TellsWhatASceneHoldsAndInWhatItDiffers) {
     for (const char frames : {'5', '6'}) {
         Write("walk.bvh", Walk(static_cast<std::size_t>(frames - '0')));

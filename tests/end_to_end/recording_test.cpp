@@ -1,6 +1,8 @@
+#include <array>
 #include <cmath>
 #include <functional>
 #include <numbers>
+#include <sstream>
 
 #include "headless/primitives.h"
 #include "headless/scene_view.h"

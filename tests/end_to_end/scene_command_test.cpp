@@ -57,10 +57,13 @@ TEST_F(Command, TakesComeBackWhoeverOpenedAndSavedTheirSceneInBetween) {
 TEST_F(Command, SeveralCapturesBecomeTakesWithinTakesInOneUndoStepAndMergeAnew) {
     for (const char* name : {"a.bvh", "b.bvh", "c.bvh", "d.bvh"})
         Write(name, Walk(4));
-    const Json told = Ask("record a.bvh b.bvh c.bvh d.bvh --scale 1 --scene scene");
+    const Json told =
+        Ask("record a.bvh b.bvh c.bvh d.bvh --scale 1 --units 100 --no-optimised-controller "
+            "--scene scene");
     EXPECT_EQ(
         Line(told, {"captures/3/capture", "nodes", "undoSteps", "undoIdentical", "redoIdentical"}),
         R"("d.bvh" 12 1 true true)");
+    EXPECT_LT(told["maxPositionErrorMetres"].get<double>(), 5e-6);
     const std::string merged =
         "/a 3 [], a/b 3 [], b/c 3 [], b/d 3 [], /a 2 3 [], a 2/b 2 3 [], "
         "b 2/c 2 3 [], b 2/d 2 3 [], [] []";
