@@ -135,7 +135,8 @@ TEST_F(Conversion, TheButtonOfAPageConvertsItsControllerOnce) {
     const auto stored = reinterpret_cast<LPARAM>(static_cast<TransformControl*>(ControlOf(other)));
     EXPECT_EQ(ConvertPanelDlgProc(page, WM_INITDIALOG, 0, stored), 1);
     EXPECT_EQ(ConvertPanelDlgProc(page, WM_DESTROY, 0, 0), 0);
-    for (const WORD button : {ConvertButton + 1, ConvertButton, ConvertButton}) {
+    const WPARAM presses[] = {ConvertButton + 1, ConvertButton, ConvertButton};
+    for (const WPARAM button : presses) {
         EXPECT_EQ(ConvertPanelDlgProc(page, WM_COMMAND, button, 0), 1);
         EXPECT_EQ(IsConverted(other), button == ConvertButton);
     }

@@ -166,7 +166,7 @@ TEST(XmlLaws, EveryByteComesBackOutOfTextsAndAttributes) {
     XMLNode tree = Node(XMLNode::kElement, "tree");
     std::string bytes = EveryByte();
     for (std::size_t i = 0; i < bytes.size(); ++i) {
-        std::ranges::rotate(bytes, bytes.begin() + 1);
+        std::rotate(bytes.begin(), bytes.begin() + 1, bytes.end());
         XMLNode& child = tree.AddChild(XMLNode("n.-_\"';#?!\xE5", bytes));
         for (const std::size_t length : {std::size_t{0}, i % 32, bytes.size()})
             std::erase(child.attributes[std::to_string(length)] = bytes.substr(0, length), '>');
