@@ -189,7 +189,7 @@ TEST_F(TakeState, BelievesANumberOnlyIfTheNameAgreesAndNobodyHasTheNode) {
     const std::string missing = Whole();
     LoadAnew(missing);
     EXPECT_EQ(Whole(), missing);
-    for (const char* stored : {"<inputprofile>", "<UID"})
+    for (const char* stored : {"<type>Old<", "<inputprofile>", "<UID"})
         EXPECT_NE(missing.find(stored), std::string::npos) << missing;
 
     LoadAnew(OldState("old", "Hips", number));
