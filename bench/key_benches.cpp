@@ -43,7 +43,7 @@ void FillNewTracks(benchmark::State& state, Write write) {
     std::size_t empty = 0;
     const auto renew = [&] {
         Renew(tracks, count);
-        empty = LiveBytes();
+        empty = heapCounts.liveBytes;
     };
     const auto fill = [&] {
         for (const auto& track : tracks) {
@@ -59,7 +59,7 @@ void FillNewTracks(benchmark::State& state, Write write) {
         meter.Aside(renew);
         fill();
     }
-    meter.ShowBytes(LiveBytes() - empty);
+    meter.ShowBytes(heapCounts.liveBytes - empty);
     AnimateOff();
 }
 

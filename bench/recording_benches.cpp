@@ -89,11 +89,11 @@ void SampleHeld(benchmark::State& state) {
         meter.Aside([&] {
             node.Clear();
             OpenTake();
-            empty = LiveBytes();
+            empty = heapCounts.liveBytes;
         });
         node.Record(kSamples);
         meter.Aside([&] {
-            meter.ShowBytes(LiveBytes() - empty);
+            meter.ShowBytes(heapCounts.liveBytes - empty);
             CloseTake();
         });
     }

@@ -53,20 +53,20 @@ TEST(LifeCycle, EachAttachLoadsTheInstalledCoreAnewAndBindsItsOptions) {
 
 TEST(LifeCycle, ACoreThatCannotBeAttachedIsToldInTheTraceAndByTheButton) {
     const std::pair<WorldSettings, Names> rows[] = {
-        {{.core = kNoPuppet}, {"(ERROR): Return value: Unable to load CORE\n"}},
+        {{.core = ""}, {"(ERROR): Return value: Unable to load CORE\n"}},
         {{.version = 8109},
          {"(ERROR): \tversion mismatch trying to attach to CORE\n",
           "(ERROR): \tCORE version: 8109\n", "(ERROR): \tAdaptor version: 8108\n"}},
-        {{.core = kPuppetWithoutVersion}, {"routine: getVersion\n"}},
-        {{.core = kPuppetWithoutAttach}, {"routine: attach\n"}},
-        {{.core = kPuppetWithoutDetach}, {"routine: detach\n"}},
+        {{.core = "without_version"}, {"routine: getVersion\n"}},
+        {{.core = "without_attach"}, {"routine: attach\n"}},
+        {{.core = "without_detach"}, {"routine: detach\n"}},
         {{.refuses = true}, {}},
     };
     for (const auto& [settings, told] : rows) {
         SCOPED_TRACE(settings.core);
         World world(settings);
         headless::Session& host = world.Session();
-        const bool isFound = settings.core != kNoPuppet;
+        const bool isFound = settings.core != "";
         EXPECT_EQ(host.KeptUtilities(), isFound ? 1U : 0U);
         EXPECT_EQ(IsUnloaded(), !settings.refuses);
         EXPECT_EQ(puppet::TheStage().attachCount, settings.refuses ? 1 : 0);

@@ -7,13 +7,13 @@
 namespace {
 
 TEST(Panel, TheControlDoesWhatItSaysAndAttachesForAnyTextButDetach) {
-    World world({.core = kNoPuppet});
+    World world({.core = ""});
     PuppetCore& core = world.Core();
     const AttachPanel panel;
     panel.Press();
     EXPECT_EQ(panel.Text(), "Attach");
     EXPECT_TRUE(IsWindowVisible(panel.Control()));
-    world.Install(kWholePuppet);
+    world.Install("whole");
     theHold.Begin();
     GetCOREInterface()->CreateObjectNode(headless::NewSphere(1, 8));
     theHold.Accept("sphere");

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "platform/testing.h"
-#include "tests/support/folder/surroundings.h"
 
 Ending Command::Run(const std::string& words) const {
     PlaceRegistry(folder_, {core_, documents_});

@@ -10,7 +10,6 @@
 #include "host/interface.h"
 #include "platform/process.h"
 #include "tests/end_to_end/command.h"
-#include "tests/support/folder/surroundings.h"
 #include "tests/support/watcher.h"
 
 namespace {

@@ -64,8 +64,7 @@ class Aside {
   public:
     Aside() : was_(std::exchange(isCounted, false)) {}
     ~Aside() { isCounted = was_; }
-    Aside(const Aside&) = delete;
-    Aside& operator=(const Aside&) = delete;
+    Aside& operator=(Aside&&) = delete;
 
   private:
     bool was_;

@@ -17,7 +17,7 @@
 #include "platform/testing.h"
 #include "platform/win32.h"
 #include "resources/resource_ids.h"
-#include "tests/support/folder/surroundings.h"
+#include "tests/support/folder/temporary_folder.h"
 #include "tests/support/puppet/stage.h"
 #include "tests/support/puppet_core.h"
 

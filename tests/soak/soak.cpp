@@ -1,36 +1,21 @@
 #include "tests/soak/soak.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <utility>
-
-#include "headless/scene_view.h"
-#include "host/hold.h"
-#include "nodes/max_node.h"
-
 namespace soak {
-namespace {
-
-std::string FirstOf(const play::Faults& faults) {
-    return faults.empty() ? "" : faults.front();
-}
-
-}  // namespace
 
 // The model of undo ------------------------------------------------------------------------------
 
-// Nothing is known of older steps any more, for their records were made for another scene.
+// The records of older steps were made for another scene.
 void History::Forget(const Look& now, std::size_t depth) {
-    states_.assign(depth, {Known::kStale, {}});
-    states_.push_back({Known::kSeen, now});
+    states_.assign(depth + 1, now);
+    oldest_ = depth;
 }
 
 // New steps on what was there before.
 void History::Grow(const Look& now, std::size_t depth) {
     states_.resize(depth_);
-    states_.push_back({Known::kSeen, present_});
+    states_.emplace_back(present_);
     states_.resize(depth);
-    states_.push_back({Known::kSeen, now});
+    states_.emplace_back(now);
 }
 
 std::string History::Follow(const Look& now, std::size_t depth, const Since& since) {
@@ -42,12 +27,11 @@ std::string History::Follow(const Look& now, std::size_t depth, const Since& sin
         Grow(now, depth);
     } else if (depth == depth_) {
         if (now != present_) fault = "a hold that made no step left something behind";
-    } else if (depth >= states_.size() || states_[depth].known == Known::kStale) {
+    } else if (depth >= states_.size() || depth < oldest_) {
         Forget(now, depth);
-    } else if (states_[depth].known == Known::kUnseen) {
-        states_[depth] = {Known::kSeen, now};
-    } else if (states_[depth].look != now) {
-        const Look& then = states_[depth].look;
+    } else if (const Look then = states_[depth].value_or(now); then == now) {
+        states_[depth] = now;
+    } else {
         fault = depth < depth_ ? "undo" : "redo";
         fault += " does not bring back";
         if (then.scene != now.scene) fault += " the scene";
@@ -62,16 +46,14 @@ std::string History::Follow(const Look& now, std::size_t depth, const Since& sin
 // A life -----------------------------------------------------------------------------------------
 
 Soak::Soak() {
-    onMoment = [this](const std::string& moment) { Strike(moment); };
+    onMoment = [this](const std::string& moment) {
+        if (!armed || wait-- > 0) return;
+        leftNoRecord = true;
+        const play::Act& act = *std::exchange(armed, nullptr);
+        std::printf("  in \"%s\": %s\n", moment.c_str(), act.name);
+        Do(act);
+    };
     history_.Follow(Present(), Session().UndoLabels().size(), {.leftNoRecord = true});
-}
-
-void Soak::Strike(const std::string& moment) {
-    if (!armed || wait-- > 0) return;
-    leftNoRecord = true;
-    const play::Act& act = *std::exchange(armed, nullptr);
-    std::printf("  in \"%s\": %s\n", moment.c_str(), act.name);
-    Do(act);
 }
 
 Look Soak::Present() {
@@ -86,11 +68,11 @@ Look Soak::Present() {
     return look;
 }
 
-std::string Soak::Step(std::string_view bytes) {
+play::Faults Soak::Step(std::string_view bytes) {
     choices = play::Choices(bytes.substr(1));
     Do(StepOf(bytes));
     Follow();
-    return FirstOf(Broken());
+    return Broken();
 }
 
 void Soak::Follow() {
@@ -102,10 +84,10 @@ void Soak::Follow() {
     if (!fault.empty()) Fail(fault);
 }
 
-std::string Soak::Rest() {
+play::Faults Soak::Rest() {
     armed = nullptr;
     Settle();
-    return FirstOf(BrokenAtRest());
+    return BrokenAtRest();
 }
 
 }  // namespace soak

@@ -1,11 +1,8 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-#include <string_view>
+#include <cstdio>
 #include <tuple>
 #include <utility>
-#include <vector>
 
 #include "tests/support/play/play.h"
 
@@ -41,15 +38,13 @@ class History {
     std::string Follow(const Look& now, std::size_t depth, const Since& since);
 
   private:
-    enum class Known { kStale, kUnseen, kSeen };
-    struct State {
-        Known known = Known::kUnseen;
-        Look look;
-    };
     void Forget(const Look& now, std::size_t depth);
     void Grow(const Look& now, std::size_t depth);
 
-    std::vector<State> states_{1};  // by depth, those that can be redone behind the present one
+    // By depth, those that can be redone behind the present one. Nothing is to be learned of those
+    // ahead of the oldest.
+    std::vector<std::optional<Look>> states_{1};
+    std::size_t oldest_ = 0;
     std::size_t depth_ = 0;
     Look present_;
 };
@@ -58,11 +53,11 @@ class Soak final : public play::Play {
   public:
     Soak();
 
-    // Plays one step of kStepBytes; the result is empty, or says what does not hold after it.
-    std::string Step(std::string_view bytes);
+    // Plays one step of kStepBytes; what does not hold after it.
+    play::Faults Step(std::string_view bytes);
 
     // Gives everything back; what does not hold then.
-    std::string Rest();
+    play::Faults Rest();
 
     // For the steps.
 
@@ -73,8 +68,6 @@ class Soak final : public play::Play {
     History::Since since;
 
   private:
-    void Strike(const std::string& moment);
-
     History history_;
 };
 

@@ -1,18 +1,6 @@
-#include <algorithm>
-#include <cstdio>
-#include <set>
-#include <utility>
 
-#include "controllers/transform_control.h"
-#include "core_link/core_link.h"
 #include "headless/memory_chunks.h"
 #include "headless/primitives.h"
-#include "headless/scene_view.h"
-#include "host/animate.h"
-#include "host/hold.h"
-#include "host/interface.h"
-#include "nodes/max_node.h"
-#include "nodes/node_list.h"
 #include "resources/resource_ids.h"
 #include "tests/soak/soak.h"
 #include "tests/support/matrices.h"
@@ -21,7 +9,7 @@ namespace soak {
 namespace {
 
 using play::Act;
-using play::By;
+using enum play::By;
 using play::Play;
 
 Soak& SoakOf(Play& play) {
@@ -148,11 +136,7 @@ void SetRange(Play& play, INode*) {
 }
 
 // On a node of the scene; with none there the first alone can be made.
-struct Change {
-    const char* name;
-    void (*make)(Play&, INode*);
-};
-constexpr Change kChanges[] = {
+constexpr std::pair<const char*, void (*)(Play&, INode*)> kChanges[] = {
     {"add", Add},
     {"shift", Shift},
     {"turn", Turn},
@@ -168,15 +152,14 @@ constexpr Change kChanges[] = {
     {"set camera", SetCamera},
     {"pick", Pick},
     {"pick", Pick},
-    {"set range", SetRange},
-};
+    {"set range", SetRange}};
 
 void MakeChanges(Play& play) {
     for (int left = 1 + play.choices.Below(3); left > 0; --left) {
         INode* const node = play.AnySceneNode();
-        const Change& change = node ? play.choices.OneOf(kChanges) : kChanges[0];
-        std::printf("  %s\n", change.name);
-        change.make(play, node);
+        const auto& [name, make] = node ? play.choices.OneOf(kChanges) : kChanges[0];
+        std::printf("  %s\n", name);
+        make(play, node);
     }
 }
 
@@ -268,8 +251,7 @@ bool HasUnclaimedTags() {
 }
 
 void SaveAndOpen(Play& play) {
-    play.Settle();
-    play.leftNoRecord = true;
+    play.Unrecorded().Settle();
     if (theHold.Holding() || HasDoubles(play)) return;
     const bool isPlain = !SoakOf(play).armed && !HasUnclaimedTags();
     const std::string file = play.File("a.scene");
@@ -291,54 +273,44 @@ void Arm(Play& play) {
     SoakOf(play).wait = play.choices.Below(6);
 }
 
-void Reset(Play& play) {
-    play.leftNoRecord = true;
-    play.Session().Reset();
-}
-
 void Settle(Play& play) {
     play.Settle();
     play.world.Core().isRunning = false;
 }
 
-constexpr Act kUserSteps[] = {
-    {"undo", [](Play& play) { play.Session().Undo(); }, 4, By::kUser},
-    {"redo", Redo, 4, By::kUser},
-    {"undo and redo several", UndoAndRedo, 1, By::kUser},
-    {"user works", Work, 12, By::kUser},
-    {"user deletes what is picked", DeleteSelected, 1, By::kUser},
-    {"user sets the time", [](Play& play) { play.Session().SetTime(AnyTick(play)); }, 2, By::kUser},
-    {"user opens the Core", [](Play& play) { play.Session().PressButton(StartButton); }, 1,
-     By::kUser},
-    {"at the next moment", Arm, 2, By::kUser},
-    {"settle", Settle, 4, By::kUser},
-    {"save and open", SaveAndOpen, 0, By::kUser},
-    {"reset", Reset, 0, By::kUser},
+const Act kUserSteps[] = {
+    {"undo", [](Play& play) { play.Session().Undo(); }, 4, kUser},
+    {"redo", Redo, 4, kUser},
+    {"undo and redo several", UndoAndRedo, 1, kUser},
+    {"user works", Work, 12, kUser},
+    {"user deletes what is picked", DeleteSelected, 1, kUser},
+    {"user sets the time", [](Play& play) { play.Session().SetTime(AnyTick(play)); }, 2, kUser},
+    {"user opens the Core", [](Play& play) { play.Session().PressButton(StartButton); }, 1, kUser},
+    {"at the next moment", Arm, 2, kUser},
+    {"settle", Settle, 4, kUser},
+    {"save and open", SaveAndOpen, 0, kUser},
+    {"reset", [](Play& play) { play.Unrecorded().Session().Reset(); }, 0, kUser},
 };
 
-struct Repertoire {
-    std::vector<const Act*> usual;  // each as often as it is to come
-    std::vector<const Act*> rare;
-
-    Repertoire() {
-        for (const std::span<const Act> acts : {std::span<const Act>(kUserSteps), play::Acts()})
-            for (const Act& act : acts) {
-                if (act.often == 0) rare.push_back(&act);
-                for (int count = act.often; count > 0; --count)
-                    usual.push_back(&act);
-            }
-    }
-};
+// The usual acts, each as often as it is to come, or the rare ones.
+std::vector<const Act*> Repertoire(bool isRare) {
+    std::vector<const Act*> all;
+    for (const std::span<const Act> acts : {std::span<const Act>(kUserSteps), play::Acts()})
+        for (const Act& act : acts)
+            for (int left = isRare ? act.often == 0 : act.often; left > 0; --left)
+                all.push_back(&act);
+    return all;
+}
 
 }  // namespace
 
 // A step beyond the usual ones is a rare one, which the second byte chooses.
 const Act& StepOf(std::string_view bytes) {
-    static const Repertoire all;
+    static const std::vector<const Act*> usual = Repertoire(false);
+    static const std::vector<const Act*> rare = Repertoire(true);
     play::Choices choices(bytes);
-    const auto choice =
-        static_cast<std::size_t>(choices.Below(static_cast<int>(all.usual.size()) + 1));
-    return choice < all.usual.size() ? *all.usual[choice] : *choices.OneOf(all.rare);
+    const int choice = choices.Below(static_cast<int>(usual.size()) + 1);
+    return choice < std::ssize(usual) ? *usual.begin()[choice] : *choices.OneOf(rare);
 }
 
 }  // namespace soak

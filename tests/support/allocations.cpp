@@ -6,52 +6,21 @@
 
 #include "platform/testing.h"
 
+HeapCounts heapCounts;
+
 namespace {
 
-std::size_t allocations = 0;
-std::size_t liveBytes = 0;
-std::size_t peakBytes = 0;
-
-std::size_t untilFailure = 0;  // 0 for none to come
-
 void* Counted(std::size_t size) noexcept {
-    if (untilFailure > 0 && --untilFailure == 0) return nullptr;
+    HeapCounts& heap = heapCounts;
+    if (heap.untilFailure > 0 && --heap.untilFailure == 0) return nullptr;
     void* const block = std::malloc(size > 0 ? size : 1);
-    ++allocations;
-    liveBytes += platform::RoomOfBlock(block);
-    peakBytes = std::max(peakBytes, liveBytes);
+    ++heap.allocations;
+    heap.liveBytes += platform::RoomOfBlock(block);
+    heap.peakBytes = std::max(heap.peakBytes, heap.liveBytes);
     return block;
 }
 
 }  // namespace
-
-std::size_t Allocations() {
-    return allocations;
-}
-
-std::size_t LiveBytes() {
-    return liveBytes;
-}
-
-FailingAllocation::FailingAllocation(std::size_t nth) {
-    untilFailure = nth;
-}
-
-FailingAllocation::~FailingAllocation() {
-    untilFailure = 0;
-}
-
-bool FailingAllocation::HasFailed() const {
-    return untilFailure == 0;
-}
-
-AllocationPeak::AllocationPeak() : liveAtStart_(liveBytes) {
-    peakBytes = liveBytes;
-}
-
-std::size_t AllocationPeak::Bytes() const {
-    return peakBytes - liveAtStart_;
-}
 
 void* operator new(std::size_t size) {
     void* const block = Counted(size);
@@ -64,7 +33,7 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
 }
 
 void operator delete(void* block) noexcept {
-    liveBytes -= platform::RoomOfBlock(block);
+    heapCounts.liveBytes -= platform::RoomOfBlock(block);
     std::free(block);
 }
 

@@ -13,8 +13,7 @@ class OnNotification {
         RegisterNotification(&Hear, this, code_);
     }
     ~OnNotification() { UnRegisterNotification(&Hear, this, code_); }
-    OnNotification(const OnNotification&) = delete;
-    OnNotification& operator=(const OnNotification&) = delete;
+    OnNotification& operator=(OnNotification&&) = delete;
 
   private:
     static void Hear(void* self, NotifyInfo* info) {

@@ -2,11 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "tvl/core_interface.h"
 
 // What a Core brings along: a plug-in that owns nodes, and has state to store with them.

@@ -4,9 +4,6 @@
 #include <map>
 #include <memory>
 #include <sstream>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "tvl/core_interface.h"
 #include "tvl/message.h"
@@ -70,8 +67,7 @@ class PuppetCore final : public CoreInterface {
     void BindOption(int option, int) override { Note("bind " + std::to_string(option)); }
     void GetOptionValue(int option, bool* value) override {
         if (onOptionAsked) onOptionAsked(option);
-        const auto known = options.find(option);
-        if (known != options.end()) *value = known->second;
+        if (const auto known = options.find(option); known != options.end()) *value = known->second;
     }
 
   private:

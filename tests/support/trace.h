@@ -1,9 +1,7 @@
 #pragma once
 
 #include <algorithm>
-#include <cstddef>
 #include <sstream>
-#include <string>
 #include <vector>
 
 #include "tvl/log.h"

@@ -1,19 +1,10 @@
 #include "tests/support/world.h"
 
-#include <gtest/gtest.h>
-
 #include "adaptor/max_adaptor_interface.h"
 #include "headless/scene_view.h"
 #include "host/hold.h"
 #include "platform/process.h"
 #include "plugin/descriptors.h"
-#include "tests/support/folder/surroundings.h"
-
-namespace {
-
-constexpr std::size_t kUtilityManagerBlock = 1;
-
-}  // namespace
 
 World::World(const WorldSettings& settings) : hasDocuments_(settings.hasDocuments) {
     std::filesystem::create_directories(Folder() / "Tarvo Works/Lumiset/data");
@@ -28,9 +19,8 @@ World::World(const WorldSettings& settings) : hasDocuments_(settings.hasDocument
     session_ = std::make_unique<headless::Session>(settings.host);
     session_->OnMessageBox(
         [this](const headless::MessageBoxText& box) { messageBoxes_.push_back(box); });
-    for (int index = 0; index < kDescriptorCount; ++index) {
+    for (int index = 0; index < kDescriptorCount; ++index)
         session_->RegisterClass(DescriptorAt(index));
-    }
     session_->Start();
 }
 
@@ -38,7 +28,7 @@ World::~World() {
     ShutDown();
     const headless::Census census = headless::TakeCensus();
     EXPECT_EQ(census.objectCount, 0U);
-    EXPECT_EQ(census.heapBlocks, kUtilityManagerBlock);
+    EXPECT_EQ(census.heapBlocks, 1U);  // the UtilityManager
     EXPECT_FALSE(puppet::TheStage().isLoaded);
     puppet::TheStage() = {};
 }
@@ -57,7 +47,7 @@ TVL::AdaptorInterface& World::Adaptor() {
 void World::Install(const std::string& core) const {
     const std::string place = std::string(PUPPET_CORES) + "/" + core;
     const std::string documents = hasDocuments_ ? Folder().string() : "";
-    PlaceRegistry(folder_, {core == kNoPuppet ? "" : place, documents});
+    PlaceRegistry(folder_, {core.empty() ? "" : place, documents});
 }
 
 std::string World::Trace() const {

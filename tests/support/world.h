@@ -1,9 +1,6 @@
 #pragma once
 
-#include <filesystem>
-#include <memory>
-#include <string>
-#include <vector>
+#include <gtest/gtest.h>
 
 #include "headless/session.h"
 #include "tests/support/folder/temporary_folder.h"
@@ -11,16 +8,9 @@
 #include "tests/support/puppet_core.h"
 #include "tvl/adaptor_interface.h"
 
-// Names of the puppet Cores that can be installed, each a library of its own.
-inline constexpr const char* kWholePuppet = "whole";
-inline constexpr const char* kPuppetWithoutVersion = "without_version";
-inline constexpr const char* kPuppetWithoutAttach = "without_attach";
-inline constexpr const char* kPuppetWithoutDetach = "without_detach";
-inline constexpr const char* kNoPuppet = "none";
-
 // What a Core is to find, or not to find, when the world comes up.
 struct WorldSettings {
-    std::string core = kWholePuppet;  // none leaves the install key out
+    std::string core = "whole";  // a puppet's name; an empty one leaves the install key out
     std::uint32_t version = TVL::kInterfaceVersion;
     bool refuses = false;
     bool hasDocuments = true;
@@ -39,8 +29,6 @@ class World {
   public:
     explicit World(const WorldSettings& settings = {});
     ~World();
-    World(const World&) = delete;
-    World& operator=(const World&) = delete;
 
     headless::Session& Session() { return *session_; }
     TVL::AdaptorInterface& Adaptor();

@@ -9,7 +9,7 @@
 #include "platform/process.h"
 #include "platform/testing.h"
 #include "platform/win32.h"
-#include "tests/support/folder/surroundings.h"
+#include "tests/support/folder/temporary_folder.h"
 #include "tvl/installation.h"
 
 // What the system does with files, their names and its registry as no other does. A letter that the

@@ -9,7 +9,7 @@
 #include "host/node.h"
 #include "platform/testing.h"
 #include "resources/resource_ids.h"
-#include "tests/support/folder/surroundings.h"
+#include "tests/support/folder/temporary_folder.h"
 #include "tests/support/plugin.h"
 #include "tests/support/puppet/stage.h"
 #include "tests/support/puppet_core.h"

@@ -1,10 +1,13 @@
 #include "tests/support/folder/temporary_folder.h"
 
 #include <fstream>
+#include <iomanip>
 #include <iterator>
 #include <random>
+#include <sstream>
 
 #include "platform/narrow_path.h"
+#include "platform/registry.h"
 #include "platform/testing.h"
 
 namespace fs = std::filesystem;
@@ -35,4 +38,30 @@ std::string TemporaryFolder::Write(std::string_view name, std::string_view bytes
 std::string ReadFile(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
+}
+
+namespace {
+
+// The file is UTF-8, whatever the code page is.
+std::string Entry(std::string_view key, std::string_view name, std::string_view value) {
+    if (value.empty()) return "";
+    const std::u8string text = platform::FromNarrow(std::string(value)).u8string();
+    const std::string bytes(text.begin(), text.end());
+    return (std::ostringstream() << "\n[" << key << "]\n"
+                                 << std::quoted(name) << '=' << std::quoted(bytes) << '\n')
+        .str();
+}
+
+}  // namespace
+
+void PlaceRegistry(const TemporaryFolder& folder, const RegistryEntries& entries) {
+    const std::string text =
+        "Windows Registry Editor Version 5.00\n" +
+        Entry("HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node\\Tarvo Works\\Ostrel tools", "datapath",
+              entries.coreFolder) +
+        Entry(
+            "HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell "
+            "Folders",
+            "Personal", entries.documents);
+    platform::UseRegistryFile(folder.Write("test.reg", text));
 }

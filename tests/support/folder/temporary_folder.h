@@ -9,8 +9,7 @@ class TemporaryFolder {
   public:
     TemporaryFolder();
     ~TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(TemporaryFolder&&) = delete;
 
     const std::filesystem::path& Path() const { return path_; }
 
@@ -26,3 +25,13 @@ class TemporaryFolder {
 
 // All the bytes of a file; none if it cannot be read.
 std::string ReadFile(const std::filesystem::path& path);
+
+// What the registry says; what is empty it does not know.
+struct RegistryEntries {
+    std::string_view coreFolder;  // where a Core is installed
+    std::string_view documents;   // the user's folder of documents
+};
+
+// Lets this process and those that it starts find this in the registry, and nothing else. The file
+// that it takes lies in the folder.
+void PlaceRegistry(const TemporaryFolder& folder, const RegistryEntries& entries);

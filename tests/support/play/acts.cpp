@@ -2,19 +2,16 @@
 #include <stdexcept>
 
 #include "controllers/conversion.h"
-#include "controllers/transform_control.h"
-#include "core_link/core_link.h"
-#include "host/animate.h"
-#include "host/hold.h"
 #include "measures/host_clock.h"
-#include "nodes/max_node.h"
 #include "nodes/node_deletion.h"
-#include "nodes/node_list.h"
 #include "tests/adaptor/attach_panel.h"
 #include "tests/support/play/play.h"
 
 namespace play {
 namespace {
+
+using TVL::CoreNode;
+using enum By;
 
 // The Core's own undo: it moves one number of the Core's.
 class Chunk final : public TVL::CUndo {
@@ -38,20 +35,11 @@ class Chunk final : public TVL::CUndo {
     int other_;
 };
 
-bool HasRoom() {
-    return SceneNodes().size() < kLargestScene;
-}
-
 // Does something with one of the Core's nodes, if there is any.
-template <void (*kWork)(Play&, TVL::CoreNode&)>
-void OnNode(Play& play) {
-    if (TVL::CoreNode* const node = play.AnyNode()) kWork(play, *node);
-}
-
-// For what undo cannot know.
-Play& Unrecorded(Play& play) {
-    play.leftNoRecord = true;
-    return play;
+std::function<void(Play&)> OnNode(void (*work)(Play&, CoreNode&)) {
+    return [work](Play& play) {
+        if (CoreNode* const node = play.AnyNode()) work(play, *node);
+    };
 }
 
 // The adaptor records what becomes of its nodes in a group, if that has a hold.
@@ -131,10 +119,10 @@ void Throw(Play& play) {
 
 template <bool kIsLens>
 void Create(Play& play) {
-    if (!HasRoom()) return;
+    if (SceneNodes().size() >= kLargestScene) return;
     NoteWhatIsUnrecorded(play);
     Rig& rig = play.choices.OneOf(play.rigs);
-    TVL::CoreNode* const parent = play.choices.Chance() ? play.AnyNode() : nullptr;
+    CoreNode* const parent = play.choices.Chance() ? play.AnyNode() : nullptr;
     const std::string name = play.NewName();
     const bool isTold = play.Adaptor().IsHoldingUndo();
     TVL::CMesh triangle;
@@ -148,43 +136,35 @@ void Create(Play& play) {
     if (isTold && !isStillTold) play.loose.insert(name);
 }
 
-void Claim(Play& play, TVL::CoreNode& node) {
+void Claim(Play& play, CoreNode& node) {
     TVL::CNode* const found = play.choices.Chance() ? node.GetParent() : node.GetChild(0);
     if (!found) return;
     play.leftNoRecord = true;
     Rig& rig = play.choices.OneOf(play.rigs);
     const std::string name = play.NewName();
     play.loose.insert(name);
-    rig.Claim(static_cast<TVL::CoreNode*>(found), name);
+    rig.Claim(static_cast<CoreNode*>(found), name);
 }
 
 template <bool kWithHostNode>
-void Delete(Play& play, TVL::CoreNode& node) {
+void Delete(Play& play, CoreNode& node) {
     NoteWhatIsUnrecorded(play);
     if (!play.Adaptor().IsHoldingUndo()) play.ExcuseGoneNodes();
     play.OwnerOf(&node).Delete(&node, kWithHostNode);
 }
 
-void ChangeParent(Play& play, TVL::CoreNode& node) {
+void ChangeParent(Play& play, CoreNode& node) {
     node.SetParent(play.choices.Below(4) == 3 ? nullptr : play.AnyNode());
 }
 
-void Rename(Play& play, TVL::CoreNode& node) {
-    node.SetName(play.NewName());
-}
-
-void Clone(Play&, TVL::CoreNode& node) {
-    if (!HasRoom()) return;
-    if (TVL::CoreNode* const copy = node.Clone(false)) copy->Destroy();
-}
-
-void Select(Play&, TVL::CoreNode& node) {
-    node.Select();
+void Clone(Play&, CoreNode& node) {
+    if (SceneNodes().size() >= kLargestScene) return;
+    if (CoreNode* const copy = node.Clone(false)) copy->Destroy();
 }
 
 // Keys -------------------------------------------------------------------------------------------
 
-void Acquire(Play& play, TVL::CoreNode& node) {
+void Acquire(Play& play, CoreNode& node) {
     if (play.lent.size() >= 8) return;
     const double seconds = AnyTime(play);
     if (TVL::CSnapshot* const snapshot = node.AcquireSnapshot(seconds))
@@ -205,7 +185,7 @@ void CheckWritten(Play& play, TVL::CSnapshot& snapshot, INode& host, const TVL::
             return play.Fail("a pose is not read back");
 }
 
-void Write(Play& play, TVL::CoreNode& node) {
+void Write(Play& play, CoreNode& node) {
     TVL::CSnapshot* const snapshot = node.AcquireSnapshot(AnyTime(play));
     if (!snapshot) return;
     const TVL::CMatrix4 pose = AnyPose(play);
@@ -217,15 +197,11 @@ void Write(Play& play, TVL::CoreNode& node) {
     node.ReleaseSnapshot(snapshot);
 }
 
-void WriteLens(Play& play, TVL::CoreNode& node) {
+void WriteLens(Play& play, CoreNode& node) {
     TVL::CSnapshot_Lens* const lens = node.AcquireLensSnapshot(AnyTime(play));
     if (!lens) return;
     lens->SetFieldOfView(20 + play.choices.Below(60));
     node.ReleaseLensSnapshot(lens);
-}
-
-void DeleteAnimation(Play& play, TVL::CoreNode& node) {
-    node.DeleteAnimationFrom(AnyTime(play));
 }
 
 // The scene --------------------------------------------------------------------------------------
@@ -235,7 +211,7 @@ void Merge(Play& play) {
     play.leftNoRecord = true;
     play.ExcuseGoneNodes();
     for (TVL::CNode* node : play.Adaptor().MergeModels(play.AnyFile()))
-        if (node) static_cast<TVL::CoreNode*>(node)->Destroy();
+        if (node) static_cast<CoreNode*>(node)->Destroy();
 }
 
 template <bool kAttaches>
@@ -245,7 +221,7 @@ void PressAttach(Play& play) {
     AttachPanel().Press();
 }
 
-constexpr Act kActs[] = {
+const Act kActs[] = {
     {"begin group", [](Play& play) { play.Adaptor().BeginUndoGroup("group"); }, 5},
     {"end group", [](Play& play) { play.Adaptor().EndUndoGroup(); }, 5},
     {"cancel group", CancelGroup},
@@ -257,32 +233,31 @@ constexpr Act kActs[] = {
     {"restore focus", RestoreFocus},
     {"create helper", Create<false>, 4},
     {"create lens", Create<true>, 2},
-    {"claim", OnNode<Claim>},
-    {"delete", OnNode<Delete<true>>},
-    {"delete, scene node stays", OnNode<Delete<false>>},
-    {"change parent", OnNode<ChangeParent>, 3},
-    {"rename", OnNode<Rename>},
-    {"clone", OnNode<Clone>},
-    {"select", OnNode<Select>},
-    {"acquire", OnNode<Acquire>},
-    {"write", OnNode<Write>, 10},
-    {"write lens", OnNode<WriteLens>},
+    {"claim", OnNode(Claim)},
+    {"delete", OnNode(Delete<true>)},
+    {"delete, scene node stays", OnNode(Delete<false>)},
+    {"change parent", OnNode(ChangeParent), 3},
+    {"rename", OnNode([](Play& play, CoreNode& node) { node.SetName(play.NewName()); })},
+    {"clone", OnNode(Clone)},
+    {"select", OnNode([](Play&, CoreNode& node) { node.Select(); })},
+    {"acquire", OnNode(Acquire)},
+    {"write", OnNode(Write), 10},
+    {"write lens", OnNode(WriteLens)},
     {"release", [](Play& play) { play.ReleaseLast(); }},
-    {"delete animation", OnNode<DeleteAnimation>},
+    {"delete animation",
+     OnNode([](Play& play, CoreNode& node) { node.DeleteAnimationFrom(AnyTime(play)); })},
     {"convert all", [](Play&) { ConvertAllControllers(); }, 0},
     {"run or stop", [](Play& play) { play.world.Core().isRunning ^= true; }, 0},
     {"set time", [](Play& play) { play.Adaptor().SetCurrentTime(AnyTime(play)); }},
     {"undo", [](Play& play) { play.Adaptor().PerformUndo(); }},
-    {"flush", [](Play& play) { Unrecorded(play).Adaptor().FlushUndoBuffer(); }, 0},
+    {"flush", [](Play& play) { play.Unrecorded().Adaptor().FlushUndoBuffer(); }, 0},
     {"merge", Merge, 0},
     {"throw", Throw, -1},
-    {"save", [](Play& play) { Unrecorded(play).Session().SaveScene(play.AnyFile()); }, 0,
-     By::kUser},
-    {"open", [](Play& play) { Unrecorded(play).Session().OpenScene(play.AnyFile()); }, 0,
-     By::kUser},
-    {"new scene", [](Play& play) { Unrecorded(play).Session().NewScene(); }, 0, By::kUser},
-    {"detach", PressAttach<false>, 0, By::kUser},
-    {"attach", PressAttach<true>, 2, By::kUser},
+    {"save", [](Play& play) { play.Unrecorded().Session().SaveScene(play.AnyFile()); }, 0, kUser},
+    {"open", [](Play& play) { play.Unrecorded().Session().OpenScene(play.AnyFile()); }, 0, kUser},
+    {"new scene", [](Play& play) { play.Unrecorded().Session().NewScene(); }, 0, kUser},
+    {"detach", PressAttach<false>, 0, kUser},
+    {"attach", PressAttach<true>, 2, kUser},
 };
 
 }  // namespace

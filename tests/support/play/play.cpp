@@ -1,39 +1,23 @@
 #include "tests/support/play/play.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <map>
-#include <stdexcept>
-#include <utility>
-
 #include "controllers/scalar_control.h"
-#include "controllers/transform_control.h"
-#include "foundation/thrown.h"
 #include "headless/breaches.h"
-#include "host/animate.h"
-#include "host/hold.h"
-#include "host/interface.h"
-#include "nodes/max_node.h"
-#include "nodes/node_list.h"
+#include "tvl/ids.h"
 
 namespace play {
 namespace {
 
 constexpr std::string_view kSetState = "set state ";
 
-// A mark that is afterwards what it was, also if something is thrown.
-class Kept {
-  public:
-    explicit Kept(bool& mark) : mark_(mark), was_(mark) {}
-    ~Kept() { mark_ = was_; }
-    Kept(const Kept&) = delete;
-    Kept& operator=(const Kept&) = delete;
+// Runs `work` at the end of a scope, also if something is thrown.
+template <class Work>
+std::shared_ptr<void> AtEnd(Work work) {
+    return {nullptr, [work](void*) { work(); }};
+}
 
-  private:
-    bool& mark_;
-    bool was_;
-};
+bool IsAlive(const TVL::CNode* node) {
+    return CMAXNode::liveInstances.Find(const_cast<TVL::CNode*>(node)) != nullptr;
+}
 
 }  // namespace
 
@@ -48,15 +32,20 @@ std::vector<INode*> SceneNodes() {
 
 Play::Play() : rigs{{{"Left", *this}, {"Right", *this}}} {
     puppet::TheStage().onAttach = [this] {
-        isGone_ = false;  // unless it refuses
-        const auto thrown = TVL::ThrownBy([this] { Meet("attach"); });
-        if (!thrown) return;
-        Vanish();
-        throw std::runtime_error(*thrown);
+        isGone_ = false;
+        try {
+            Meet("attach");
+        } catch (...) {
+            Vanish();
+            throw;
+        }
     };
     world.Core().onCall = [this](const std::string& call) { Answer(call); };
     world.Core().onOptionAsked = [this](int) { During("option", [] {}); };
-    world.Core().onLeave = [this] { Leave(); };
+    world.Core().onLeave = [this] {
+        const auto end = AtEnd([this] { Vanish(); });
+        Meet("detach");
+    };
 }
 
 Play::~Play() {
@@ -68,49 +57,33 @@ Play::~Play() {
         ADD_FAILURE() << fault;
 }
 
-void Play::Do(const Act& act) {
-    if (act.by == By::kUser || !isGone_) act.run(*this);
-}
-
 void Play::Hear(const std::string& moment) {
     if (isGone_) Fail("the Core is told \"" + moment + "\" after it has left");
 }
 
+// The scene may be the reason why a step is released.
 void Play::Meet(const std::string& moment) {
     if (!onMoment || isGone_) return;
-    const Kept kept(sceneGoes);
-    if (moment == "released") sceneGoes = true;  // it may be why
+    const auto end = AtEnd([this, was = sceneGoes] { sceneGoes = was; });
+    sceneGoes |= moment == "reset" || moment == "released";
     onMoment(moment);
 }
 
 // The puppet's words are its calls, some with what was given behind them.
 void Play::Answer(const std::string& call) {
-    const Kept kept(sceneGoes);
     world.Core().TakeCalls();
     Hear(call);
     if (call == "get state")
         world.Core().state = XMLNode("<play><value>" + std::to_string(value) + "</value></play>");
-    if (call.starts_with(kSetState)) Load(XMLNode(call.substr(kSetState.size())));
-    if (call == "reset") {
-        for (Rig& rig : rigs)
-            rig.Drop();
-        sceneGoes = true;
-    }
-    Meet(call.substr(0, call.find('<')));
-}
-
-void Play::Load(const XMLNode& state) {
+    const bool isGiven = call.starts_with(kSetState);
+    const XMLNode state = isGiven ? XMLNode(call.substr(kSetState.size())) : XMLNode();
     if (state.name == "play") value = std::stoi(state.Child("value").Text());
-    for (Rig& rig : rigs)
+    for (Rig& rig : rigs) {
+        if (call == "reset") rig.Drop();
         for (const auto& plugin : state.children)
             if (plugin->Child("name").Text() == rig.Name()) rig.Load(*plugin);
-}
-
-// The Core is gone whatever it did last.
-void Play::Leave() {
-    const auto thrown = TVL::ThrownBy([this] { Meet("detach"); });
-    Vanish();
-    if (thrown) throw std::runtime_error(*thrown);
+    }
+    Meet(call.substr(0, call.find('<')));
 }
 
 void Play::Vanish() {
@@ -140,10 +113,6 @@ void Play::ReleaseLast() {
     if (IsAlive(out.node)) out.node->ReleaseSnapshot(out.snapshot);
 }
 
-bool Play::IsSceneUnsure() const {
-    return theHold.RestoreOrRedoing() || sceneGoes;
-}
-
 std::string Play::NewName() {
     const bool isUnrecorded = theHold.Holding() && !Adaptor().IsHoldingUndo();
     std::string name = "n" + std::to_string(names_++);
@@ -158,34 +127,108 @@ std::vector<TVL::CoreNode*> Play::AllNodes() {
     return nodes;
 }
 
-TVL::CoreNode* Play::AnyNode() {
-    const std::vector<TVL::CoreNode*> nodes = AllNodes();
-    return nodes.empty() ? nullptr : choices.OneOf(nodes);
-}
-
-INode* Play::AnySceneNode() {
-    const std::vector<INode*> nodes = SceneNodes();
-    return nodes.empty() ? nullptr : choices.OneOf(nodes);
-}
-
 void Play::ExcuseGoneNodes() {
     for (const Rig& rig : rigs)
         for (const auto& [node, restored] : rig.heard)
             if (!restored && IsAlive(node)) loose.insert(node->GetNodeName());
 }
 
-Rig& Play::OwnerOf(TVL::CoreNode* node) {
-    const std::vector<TVL::CoreNode*> right = rigs[1].Nodes();
-    return rigs[std::ranges::count(right, node) > 0 ? 1 : 0];
+// Its plug-ins -----------------------------------------------------------------------------------
+
+Rig::Rig(std::string name, Play& play) : record_{std::move(name)}, play_(play) {
+    plugin = &record_;
 }
 
-bool Play::IsAlive(const TVL::CNode* node) const {
-    return CMAXNode::liveInstances.Find(const_cast<TVL::CNode*>(node)) != nullptr;
+std::vector<int> Rig::ListExtensions() {
+    try {
+        play_.During("extensions", [] {});
+    } catch (...) {  // its nodes go without a word to it
+        for (const TVL::CoreNode* node : Nodes())
+            play_.loose.insert(node->GetNodeName());
+        throw;
+    }
+    return {TVL::kNodesBeingDeleted, TVL::kSceneBeingSaved};
+}
+
+std::intptr_t Rig::HandleExtension(int id, void* argument) {
+    if (id == TVL::kNodesBeingDeleted) play_.During("deletion", [this] { LetGo(); });
+    if (id == TVL::kSceneBeingSaved)
+        play_.During("saving", [&] { Store(*static_cast<XMLNode*>(argument)); });
+    return 0;
+}
+
+void Rig::OnNodeRemoved(TVL::CNode* node) {
+    play_.During("removed", [&] { heard[node] = false; });
+}
+
+void Rig::OnNodeRestored(TVL::CNode* node) {
+    play_.During("restored", [&] {
+        heard[node] = true;
+        if (play_.sceneGoes) play_.loose.insert(node->GetNodeName());
+    });
+}
+
+std::vector<TVL::CoreNode*> Rig::Nodes() {
+    std::vector<TVL::CoreNode*> nodes;
+    for (TVL::CNode* node : play_.Adaptor().GetNodes(this))
+        nodes.push_back(static_cast<TVL::CoreNode*>(node));
+    return nodes;
+}
+
+void Rig::Delete(TVL::CoreNode* node, bool withHostNode) {
+    if (!play_.Adaptor().IsHoldingUndo()) Forget(node);
+    node->Delete(withHostNode);
+}
+
+void Rig::Claim(TVL::CoreNode* found, const std::string& name) {
+    if (TVL::CoreNode* const own = found->Claim(this, name)) {
+        own->SetListener(this);
+        Forget(own);
+    }
+    found->Destroy();
+}
+
+// Nodes may come, at the end, and go meanwhile.
+void Rig::LetGo() {
+    play_.Adaptor().BeginUndoGroup("let go");
+    for (std::size_t left = Nodes().size(); left > 0 && !Nodes().empty(); --left)
+        Delete(Nodes().front(), true);
+    play_.Adaptor().EndUndoGroup();
+}
+
+void Rig::Drop() {
+    for (TVL::CoreNode* node : Nodes())
+        node->Destroy();
+    heard.clear();
+}
+
+void Rig::Store(XMLNode& masters) {
+    std::string nodes;
+    for (const TVL::CoreNode* node : Nodes())
+        nodes += "<node name=\"" + node->GetNodeName() + "\"/>";
+    masters.AddChild(XMLNode("<masternode><TVL_Plugin><name>" + Name() + "</name><nodeinfo>" +
+                             nodes + "</nodeinfo></TVL_Plugin></masternode>"));
+}
+
+// A name that is taken, as when a scene is merged into itself, gives way to a new one. Claims leave
+// no record.
+void Rig::Load(const XMLNode& pluginState) {
+    const XMLNode& info = pluginState.Child("nodeinfo");
+    const std::vector<TVL::CNode*> found = play_.Adaptor().ClaimNodes(Name(), info);
+    for (std::size_t index = 0; index < found.size(); ++index) {
+        if (!found[index]) continue;
+        const std::string& stored = info.children[index]->attributes.at("name");
+        const std::string name = play_.Adaptor().FindNode(this, stored) ? play_.NewName() : stored;
+        if (theHold.Holding() || play_.IsSceneUnsure()) play_.loose.insert(name);
+        Claim(static_cast<TVL::CoreNode*>(found[index]), name);
+    }
 }
 
 // Invariants -------------------------------------------------------------------------------------
 
-void Play::FindUnsortedKeys(Faults& faults) const {
+namespace {
+
+void FindUnsortedKeys(Faults& faults) {
     const auto look = [&faults](Control& control) {
         Tab<TimeValue> times;
         control.GetKeyTimes(times, FOREVER, 0);
@@ -197,24 +240,21 @@ void Play::FindUnsortedKeys(Faults& faults) const {
 }
 
 // Of two nodes that a claim has brought onto one scene node the host knows but the first.
-void Play::FindWrongNodes(Faults& faults) {
-    std::map<const CMAXNode*, int> listed;
+void FindWrongNodes(Play& play, Faults& faults) {
     std::map<const INode*, std::vector<std::string>> on;
-    for (const auto& [number, node] : AdaptorNodes().nodes) {
-        if (listed[node]++ == 1) faults.push_back("a node is listed twice");
+    for (const auto& [number, node] : AdaptorNodes().nodes)
         on[node->HostNode()].push_back(node->NodeName());
-    }
     for (const auto& [host, names] : on) {
         const auto known = std::ranges::count_if(
-            names, [this](const std::string& name) { return !loose.contains(name); });
+            names, [&](const std::string& name) { return !play.loose.contains(name); });
         if (!host && known > 0) faults.push_back("a node is listed and not in the scene");
         if (host && known > 1) faults.push_back("two nodes are listed for one in the scene");
-        if (host && names.size() > 1) loose.insert(names.begin(), names.end());
+        if (host && names.size() > 1) play.loose.insert(names.begin(), names.end());
     }
 }
 
-void Play::FindFalseWords(Faults& faults) {
-    for (Rig& rig : rigs) {
+void FindFalseWords(Play& play, Faults& faults) {
+    for (Rig& rig : play.rigs) {
         const std::vector<TVL::CoreNode*> nodes = rig.Nodes();
         for (const auto& [node, restored] : rig.heard)
             if ((std::ranges::count(nodes, node) > 0) != restored)
@@ -224,20 +264,22 @@ void Play::FindFalseWords(Faults& faults) {
 }
 
 // What is out keeps its time, so no pool has lent it twice.
-void Play::FindWrongSnapshots(Faults& faults) {
-    std::erase_if(lent, [this](const Lent& out) { return !IsAlive(out.node); });
-    for (const Lent& out : lent)
+void FindWrongSnapshots(Play& play, Faults& faults) {
+    std::erase_if(play.lent, [](const Lent& out) { return !IsAlive(out.node); });
+    for (const Lent& out : play.lent)
         if (out.snapshot->GetTime() != out.seconds) faults.push_back("a snapshot was lent twice");
 }
+
+}  // namespace
 
 Faults Play::Broken() {
     Faults faults = std::exchange(noted_, {});
     for (const std::string& breach : headless::TakeBreachLines())
         faults.push_back(breach);
     FindUnsortedKeys(faults);
-    FindWrongNodes(faults);
-    FindFalseWords(faults);
-    FindWrongSnapshots(faults);
+    FindWrongNodes(*this, faults);
+    FindFalseWords(*this, faults);
+    FindWrongSnapshots(*this, faults);
     if (isGone_ && chunksAlive > 0) faults.push_back("undo chunks of a Core that has left");
     return faults;
 }

@@ -1,19 +1,19 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
-#include <cstddef>
-#include <functional>
-#include <map>
 #include <set>
 #include <span>
-#include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
 
-#include "host/node.h"
+#include "controllers/transform_control.h"
+#include "core_link/core_link.h"
+#include "headless/scene_view.h"
+#include "host/animate.h"
+#include "host/hold.h"
+#include "host/interface.h"
+#include "nodes/max_node.h"
+#include "nodes/node_list.h"
 #include "tests/support/world.h"
-#include "tvl/core_interface.h"
 
 // A Core that can do all that a Core may do, at any moment, also in the middle of any call that the
 // adaptor makes to it:
@@ -29,12 +29,17 @@ namespace play {
 
 class Play;
 
+// All nodes of the scene, parents before their children.
+std::vector<INode*> SceneNodes();
+
+constexpr std::size_t kLargestScene = 24;  // nodes; whatever adds some does nothing beyond it
+
 // One thing that a Core does, or the user by way of the host. It looks up whatever it works on, so
 // that it can be done at any moment; where there is nothing to work on, it does nothing.
 enum class By { kCore, kUser };
 struct Act {
     const char* name;
-    void (*run)(Play&);
+    std::function<void(Play&)> run;
     int often = 1;  // in a long life; 0: rarely, since it ends much, -1: never of itself
     By by = By::kCore;
 };
@@ -73,9 +78,6 @@ class Choices {
 class Rig final : public TVL::CoreElement, public TVL::NodeListener {
   public:
     Rig(std::string name, Play& play);
-    Rig(const Rig&) = delete;
-    Rig& operator=(const Rig&) = delete;
-
     std::vector<int> ListExtensions() override;
     std::intptr_t HandleExtension(int id, void* argument) override;
     void OnNodeRemoved(TVL::CNode* node) override;
@@ -125,11 +127,11 @@ class Play {
   public:
     Play();
     ~Play();
-    Play(const Play&) = delete;
-    Play& operator=(const Play&) = delete;
 
     // A Core that has left does nothing any more.
-    void Do(const Act& act);
+    void Do(const Act& act) {
+        if (act.by == By::kUser || !isGone_) act.run(*this);
+    }
 
     // Every call that the adaptor makes to the Core, in words, when the Core has done in it what a
     // tidy one does: "attach", "detach", what the puppet notes, "option", "extensions", "deletion"
@@ -169,7 +171,9 @@ class Play {
     // deletion outside every group, a step that ends in the middle of a deletion, and an undo in a
     // scene that goes.
     void ExcuseGoneNodes();
-    bool IsSceneUnsure() const;  // what is made now may be gone in a moment without a word
+
+    // Whether what is made now may be gone in a moment without a word.
+    bool IsSceneUnsure() const { return theHold.RestoreOrRedoing() || sceneGoes; }
 
     void Fail(std::string fault) { noted_.push_back(std::move(fault)); }
     void Hear(const std::string& moment);  // at the beginning of the call
@@ -182,33 +186,36 @@ class Play {
     }
     void ReleaseLast();  // of what is lent, if anything is
 
+    // For what undo cannot know.
+    Play& Unrecorded() {
+        leftNoRecord = true;
+        return *this;
+    }
+
     std::string NewName();                   // for a node that is made or claimed now
     std::vector<TVL::CoreNode*> AllNodes();  // of the Core's
-    TVL::CoreNode* AnyNode();                // of these; null if there is none
-    INode* AnySceneNode();                   // the same of the scene's
-    Rig& OwnerOf(TVL::CoreNode* node);
+    Rig& OwnerOf(TVL::CoreNode* node) {
+        return rigs[std::ranges::count(rigs[1].Nodes(), node) > 0 ? 1 : 0];
+    }
+
+    // Null if there is none.
+    TVL::CoreNode* AnyNode() { return AnyOf(AllNodes()); }
+    INode* AnySceneNode() { return AnyOf(SceneNodes()); }
+    template <class Node>
+    Node* AnyOf(const std::vector<Node*>& nodes) {
+        return nodes.empty() ? nullptr : choices.OneOf(nodes);
+    }
+
     std::string File(const char* name) const { return (world.Folder() / name).string(); }
     std::string AnyFile() { return File(choices.Chance() ? "b.scene" : "a.scene"); }
 
   private:
     void Answer(const std::string& call);
-    void Load(const XMLNode& state);
-    void Leave();
     void Vanish();
-    bool IsAlive(const TVL::CNode* node) const;
-    void FindUnsortedKeys(Faults& faults) const;
-    void FindWrongNodes(Faults& faults);
-    void FindFalseWords(Faults& faults);
-    void FindWrongSnapshots(Faults& faults);
 
     Faults noted_;  // on the way
     int names_ = 0;
     bool isGone_ = false;  // from the end of `detach` to the next attach
 };
-
-// All nodes of the scene, parents before their children.
-std::vector<INode*> SceneNodes();
-
-constexpr std::size_t kLargestScene = 24;  // nodes; whatever adds some does nothing beyond it
 
 }  // namespace play
