@@ -202,4 +202,24 @@ TEST_F(Exceptions, WithoutAStatusAreToldByTheEndOfTheOutermostGroup) {
     }
 }
 
+// An undo that finds no memory can fail at the host's side; the scene node that is back is ours.
+TEST_F(Exceptions, LoseNoNodeThatComesBack) {
+    bool hasFailed = true;
+    for (std::size_t nth = 1; hasFailed; ++nth) {
+        SCOPED_TRACE(nth);
+        Prepare(false);
+        InGroup("Remove", [&] { hip->Delete(true); });
+        {
+            const FailingAllocation fault(nth);
+            try {
+                world.Session().Undo();
+            } catch (const std::bad_alloc&) {
+            }
+            hasFailed = fault.HasFailed();
+        }
+        EXPECT_TRUE(!Host("Rig_Hip") || Find("Hip")) << Standing() << Trace();
+        Leave();
+    }
+}
+
 }  // namespace
