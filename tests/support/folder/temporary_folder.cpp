@@ -47,21 +47,20 @@ std::string Entry(std::string_view key, std::string_view name, std::string_view 
     if (value.empty()) return "";
     const std::u8string text = platform::FromNarrow(std::string(value)).u8string();
     const std::string bytes(text.begin(), text.end());
-    return (std::ostringstream() << "\n[" << key << "]\n"
-                                 << std::quoted(name) << '=' << std::quoted(bytes) << '\n')
-        .str();
+    std::ostringstream entry;
+    entry << "\n[" << key << "]\n" << std::quoted(name) << '=' << std::quoted(bytes) << '\n';
+    return entry.str();
 }
 
 }  // namespace
 
 void PlaceRegistry(const TemporaryFolder& folder, const RegistryEntries& entries) {
-    const std::string text =
-        "Windows Registry Editor Version 5.00\n" +
-        Entry("HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node\\Tarvo Works\\Ostrel tools", "datapath",
-              entries.coreFolder) +
-        Entry(
-            "HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell "
-            "Folders",
-            "Personal", entries.documents);
+    constexpr std::string_view kCore =
+        "HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node\\Tarvo Works\\Ostrel tools";
+    constexpr std::string_view kFolders =
+        "HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
+    const std::string text = "Windows Registry Editor Version 5.00\n" +
+                             Entry(kCore, "datapath", entries.coreFolder) +
+                             Entry(kFolders, "Personal", entries.documents);
     platform::UseRegistryFile(folder.Write("test.reg", text));
 }
