@@ -2,7 +2,6 @@
 
 #include "headless/primitives.h"
 #include "headless/scene_view.h"
-#include "platform/testing.h"
 #include "resources/resource_ids.h"
 #include "tests/controllers/control_world.h"
 
