@@ -1,11 +1,9 @@
 #include <bit>
 #include <cmath>
-#include <numbers>
 
 #include "headless/copies.h"
 #include "headless/memory_chunks.h"
 #include "host/node.h"
-#include "host/time.h"
 #include "tests/headless/host_world.h"
 
 namespace {
@@ -47,18 +45,6 @@ TEST_F(ObjectTest, SplinesAreFollowedBySegmentOrEvenlyByLength) {
         shape->InterpCurve3D(0, 7, kNaN, PARAM_NORMALIZED);
         shape->ConvertToType(0, kTriObjectClassId)->DeleteThis();
         shape->DeleteThis();
-    }
-}
-
-TEST_F(ObjectTest, ABendMakesALineAnArcThatGrowsWithTime) {
-    TriObject* column = CreateNewTriObject();
-    INode* node = host.CreateObjectNode(headless::NewBend(column, 45));
-    for (const float height : {2.0F, 1.0F}) {
-        column->GetMesh().verts = {{0, 0, 0}, {7, -1, height}};
-        column->NotifyDependents(FOREVER, PART_ALL, REFMSG_CHANGE);
-        Object* const shown = node->EvalWorldState(2 * GetTicksPerFrame() * GetFrameRate()).obj;
-        const float radius = height / (std::numbers::pi_v<float> / 2);
-        ExpectNear(static_cast<TriObject*>(shown)->GetMesh().verts[1], {7, radius, radius + 1});
     }
 }
 
