@@ -102,7 +102,7 @@ struct Theatre {
             for (std::size_t from = 0; from < life.size();) {
                 Life shorter = life;
                 shorter.erase(from, run * kStepBytes);
-                const Ending other = shorter.empty() ? Ending{.isGood = true} : Play(shorter);
+                const Ending other = shorter.empty() ? Ending{true, 0, {}, {}} : Play(shorter);
                 if (!other.isGood && other.fault == ending.fault)
                     life = std::move(shorter);
                 else
