@@ -10,8 +10,8 @@
 // New scene nodes for the Core. A created node is real, hangs below `parent` if there is one, shows
 // as "<plug-in name>_<name>" in the host, and gets the adaptor's controllers where
 // kOptimisedControllers says so. Inside an undo group its creation becomes an undo record, and the
-// listener hears of it. `parent` and `listener` may be null; an owner that is null or has no plug-in
-// record gives the host name no plug-in name.
+// listener hears of it. `parent` and `listener` may be null; an owner that is null or has no
+// plug-in record gives the host name no plug-in name.
 
 // A free camera, with cone and horizon line shown.
 TVL::CNode* CreateLensNode(TVL::CoreElement* owner, const std::string& name, TVL::CNode* parent,
