@@ -1,12 +1,7 @@
 #pragma once
 
-#include <array>
-#include <string>
-#include <utility>
-
 #include "adaptor/panel.h"
 #include "adaptor/utility_manager.h"
-#include "host/interface.h"
 #include "resources/resource_ids.h"
 
 // A page with the control that attaches and detaches, in the place of the utility's own.

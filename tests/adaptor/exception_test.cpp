@@ -1,6 +1,3 @@
-#include <set>
-#include <sstream>
-
 #include "adaptor/max_adaptor_interface.h"
 #include "host/animate.h"
 #include "tests/nodes/node_test.h"

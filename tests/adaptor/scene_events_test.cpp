@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "host/hold.h"
 #include "host/notify.h"
 #include "nodes/node_deletion.h"

@@ -1,5 +1,3 @@
-#include <stdexcept>
-
 #include "adaptor/max_adaptor_interface.h"
 #include "adaptor/utility_manager.h"
 #include "host/animate.h"

@@ -1,10 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "tvl/base64_buffer.h"
 #include "tvl/huffman_buffer.h"
 

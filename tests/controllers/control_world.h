@@ -1,11 +1,5 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <climits>
-#include <memory>
-#include <vector>
-
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
 #include "headless/session.h"

@@ -1,7 +1,5 @@
 // What a controller answers at a time, and what a write or a new parent does to that.
 
-#include <cmath>
-
 #include "tests/controllers/control_world.h"
 #include "tests/support/allocations.h"
 

@@ -2,9 +2,6 @@
 // to it inside holds and past them. Undo and redo of a record do to the key that was meant what was
 // meant, or nothing, and whoever depends on the table is told.
 
-#include <algorithm>
-#include <functional>
-#include <optional>
 #include <random>
 
 #include "tests/controllers/control_world.h"

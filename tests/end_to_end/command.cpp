@@ -1,7 +1,5 @@
 #include "tests/end_to_end/command.h"
 
-#include <algorithm>
-
 #include "platform/testing.h"
 
 Ending Command::Run(const std::string& words) const {

@@ -1,8 +1,5 @@
 #include "tests/end_to_end/command.h"
 
-#include <algorithm>
-#include <numbers>
-
 #include "platform/testing.h"
 
 // The command as a person calls it: what it prints, and how it ends.

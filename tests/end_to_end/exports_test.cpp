@@ -1,9 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <memory>
-#include <string>
-
 // A module shows its contract and nothing else, so that it never shares a singleton with another.
 
 namespace {

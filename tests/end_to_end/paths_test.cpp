@@ -1,5 +1,3 @@
-#include <cstdio>
-
 #include "platform/modules.h"
 #include "tests/end_to_end/command.h"
 #include "tvl/installation.h"

@@ -1,9 +1,3 @@
-#include <array>
-#include <cmath>
-#include <functional>
-#include <numbers>
-#include <sstream>
-
 #include "headless/primitives.h"
 #include "headless/scene_view.h"
 #include "headless/session.h"

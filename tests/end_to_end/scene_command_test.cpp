@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "headless/scene_file_view.h"
 #include "tests/end_to_end/command.h"
 

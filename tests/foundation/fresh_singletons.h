@@ -2,13 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
-#include <string>
-#include <vector>
-
 #include "tests/support/trace.h"
 #include "tvl/error_code.h"
-#include "tvl/log.h"
 #include "tvl/message.h"
 
 // A world in which no log, registry or collector exists yet.

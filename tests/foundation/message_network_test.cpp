@@ -1,7 +1,3 @@
-#include <functional>
-#include <locale>
-#include <stdexcept>
-
 #include "tests/foundation/fresh_singletons.h"
 
 namespace {

@@ -88,21 +88,4 @@ TEST_F(ControlTest, AMatrixComesBackFromItsPartsAndGoesTheShorterWayBelowAnyPare
     ExpectNear(node->GetNodeTM(100), Turned(-90, {10, 5, 0}, 3), 1e-4);
 }
 
-TEST(Matrices, AddFromLeftToRightInSinglePrecisionAndKnowWhatTheyLeaveAlone) {
-    // 1e8 swallows the 1 only if it is added first; the sum of three terms tells the order.
-    const Matrix3 left({1, 1, 1}, {0, 1, 0}, {0, 0, 1}, {});
-    const Matrix3 right({1e8F, 0, 0}, {1, 1, 0}, {-1e8F, 0, 1}, {});
-    EXPECT_EQ((left * right).m[0][0], 0.0F);
-    const Matrix3 thirds({3, 0, 0}, {0, 7, 0}, {0, 0, 1}, {1, 2, 3});
-    EXPECT_EQ(Inverse(thirds), Matrix3({7.0F / 21.0F, 0, 0}, {0, 3.0F / 21.0F, 0}, {0, 0, 1},
-                                       {-(7.0F / 21.0F), 2 * -(3.0F / 21.0F), -3}));
-    for (const float tiny : {0.0F, 1e-20F, kNaN})
-        EXPECT_EQ(Inverse({{tiny, 0, 0}, {0, tiny, 0}, {0, 0, tiny}, {1, 2, 3}}), Matrix3());
-    Matrix3 scaled = MovedBy(1);
-    scaled.Scale({2, 2, 2}, true);
-    EXPECT_EQ(scaled.GetTrans(), Point3(2, 0, 0));
-    EXPECT_EQ(scaled.flags, Matrix3::kRotationIdentity);
-    EXPECT_EQ(TurnedAboutZ(45).flags, Matrix3::kPositionIdentity | Matrix3::kScaleIdentity);
-}
-
 }  // namespace

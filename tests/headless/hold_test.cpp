@@ -1,5 +1,3 @@
-#include <stdexcept>
-
 #include "tests/headless/host_world.h"
 
 namespace {

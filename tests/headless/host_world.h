@@ -71,12 +71,3 @@ class HostWorld : public testing::Test {
     headless::Session session;
     Interface& host = *GetCOREInterface();
 };
-
-// A matrix controller that holds nothing and cannot be copied.
-struct PlainControl : Control {
-    SClass_ID SuperClassID() override { return CTRL_MATRIX3_CLASS_ID; }
-    Class_ID ClassID() override { return {77, 0}; }
-    void DeleteThis() override { delete this; }
-    void GetValue(TimeValue, void*, Interval&, GetSetMethod) override {}
-    void SetValue(TimeValue, void*, int, GetSetMethod) override {}
-};

@@ -1,5 +1,3 @@
-#include <set>
-
 #include "tests/headless/host_world.h"
 
 namespace {
@@ -68,7 +66,12 @@ TEST_F(NodeTest, TheDigestSeesWhatTellsTwoScenesApart) {
 }
 
 TEST_F(NodeTest, OnlyAMatrixControllerIsTakenAndAdaptedOnlyIfUndoCanBringItBack) {
-    struct Adapted final : PlainControl {
+    struct Adapted final : Control {  // holds nothing and cannot be copied
+        SClass_ID SuperClassID() override { return CTRL_MATRIX3_CLASS_ID; }
+        Class_ID ClassID() override { return {77, 0}; }
+        void DeleteThis() override { delete this; }
+        void GetValue(TimeValue, void*, Interval&, GetSetMethod) override {}
+        void SetValue(TimeValue, void*, int, GetSetMethod) override {}
         int ChangeParents(TimeValue, const Matrix3&, const Matrix3&, const Matrix3&) override {
             return ++changes;
         }

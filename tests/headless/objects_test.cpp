@@ -1,9 +1,5 @@
-#include <bit>
-#include <cmath>
-
 #include "headless/copies.h"
 #include "headless/memory_chunks.h"
-#include "host/node.h"
 #include "tests/headless/host_world.h"
 
 namespace {
@@ -24,18 +20,13 @@ TEST_F(ObjectTest, ACameraStartsWithoutKeysAndItsStepsOutliveIt) {
 }
 
 TEST_F(ObjectTest, SplinesAreFollowedBySegmentOrEvenlyByLength) {
-    const float huge = std::numeric_limits<float>::max();
-    const headless::Knot one = headless::Corner({1, 2, 3});
-    const headless::Knot nowhere = headless::Corner({kNaN, 0, 0});
     // The length, and the places at half of the segments and at half of the length.
     const std::tuple<headless::Spline, double, Point3, Point3> cases[] = {
         {headless::StraightLines({{0, 0, 0}, {1, 0, 0}, {4, 0, 0}}), 4, {1, 0, 0}, {2, 0, 0}},
         {{{{{}, {}, {1, 1, 0}}, {{0, 1, 0}, {1, 0, 0}, {}}}},  // with a cusp in the middle
          2 * std::sqrt(2.0) - 1,
          {0.5F, 0.75F, 0},
-         {0.5F, 0.75F, 0}},
-        {{{nowhere, one, headless::Corner({1, 2, 5})}}, 2, one.place, {1, 2, 4}},
-        {headless::StraightLines({{-huge, 0, 0}, {huge, 0, 0}}), double{huge}, {}, {}}};
+         {0.5F, 0.75F, 0}}};
     for (const auto& [spline, length, half, halfAlong] : cases) {
         SCOPED_TRACE(length);
         ShapeObject* shape = headless::NewSplines({spline});

@@ -1,7 +1,5 @@
-#include <filesystem>
 #include <list>
 #include <regex>
-#include <stdexcept>
 
 #include "headless/scene_file_view.h"
 #include "tests/headless/host_world.h"

@@ -1,11 +1,5 @@
 #include "headless/viewport.h"
 
-#include <array>
-#include <map>
-#include <numbers>
-#include <sstream>
-
-#include "host/node.h"
 #include "tests/headless/host_world.h"
 
 namespace {

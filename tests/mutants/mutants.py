@@ -4,7 +4,6 @@ whether the test that is named beside it fails, which must pass without it. A ta
 tab-separated: file, the line that is there, the line in its place, test. A row whose line is gone,
 or stands in its file more than once, fails: a table cannot rot unseen."""
 
-import argparse
 import collections
 import functools
 import pathlib
@@ -85,13 +84,10 @@ class Copy:
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("files", nargs="*", help="mutants of these files or folders alone")
-    parser.add_argument("--folder", type=pathlib.Path, default=ROOT / "build/mutants")
-    options = parser.parse_args()
-    copy, ends = Copy(options.folder.resolve()), collections.Counter()
+    """Of the files or folders that are named, or of all."""
+    copy, ends = Copy(ROOT / "build/mutants"), collections.Counter()
     for mutant in read_table(pathlib.Path(__file__).with_name("mutants.tsv")):
-        if options.files and not mutant.file.startswith(tuple(options.files)):
+        if not mutant.file.startswith(tuple(sys.argv[1:]) or ""):
             continue
         end = copy.judge(mutant)
         ends[end] += 1

@@ -1,5 +1,3 @@
-#include <filesystem>
-
 #include "tests/nodes/node_test.h"
 #include "tests/support/on_notification.h"
 

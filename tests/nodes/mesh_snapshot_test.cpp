@@ -1,5 +1,3 @@
-#include <tuple>
-
 #include "nodes/node_lifetime.h"
 #include "objects/mesh_exchange.h"
 #include "tests/nodes/node_test.h"

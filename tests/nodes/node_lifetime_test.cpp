@@ -2,7 +2,6 @@
 
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
-#include "objects/custom_helper_object.h"
 #include "tests/nodes/node_test.h"
 
 namespace {

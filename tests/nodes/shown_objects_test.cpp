@@ -1,7 +1,3 @@
-#include <climits>
-#include <cmath>
-#include <limits>
-
 #include "objects/custom_helper_object.h"
 #include "tests/nodes/node_test.h"
 

@@ -1,7 +1,4 @@
-#include <cmath>
-
 #include "host/animate.h"
-#include "host/control.h"
 #include "measures/core_space.h"
 #include "tests/nodes/node_test.h"
 #include "tests/support/allocations.h"

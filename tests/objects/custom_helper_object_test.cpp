@@ -1,10 +1,5 @@
 #include "objects/custom_helper_object.h"
 
-#include <gtest/gtest.h>
-
-#include <climits>
-#include <sstream>
-
 #include "headless/memory_chunks.h"
 #include "headless/viewport.h"
 #include "host/interface.h"

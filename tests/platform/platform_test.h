@@ -2,14 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "platform/message_box.h"
 #include "platform/process.h"
 #include "platform/testing.h"
-#include "platform/win32.h"
 #include "tests/support/folder/temporary_folder.h"
 
 using namespace std::string_literals;

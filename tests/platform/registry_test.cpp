@@ -1,8 +1,5 @@
 #include "platform/registry.h"
 
-#include <sstream>
-#include <tuple>
-
 #include "platform/common/reg_file.h"
 #include "tests/platform/platform_test.h"
 

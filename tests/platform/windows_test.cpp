@@ -1,7 +1,3 @@
-#include <filesystem>
-#include <functional>
-#include <tuple>
-
 #include "platform/common/resources.h"
 #include "tests/platform/platform_test.h"
 

@@ -1,21 +1,13 @@
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <optional>
-#include <set>
-#include <sstream>
-#include <string>
-
 #include "headless/primitives.h"
 #include "headless/scene_view.h"
 #include "headless/session.h"
-#include "host/class_desc.h"
 #include "host/interface.h"
 #include "platform/common/resources.h"
 #include "platform/modules.h"
 #include "platform/process.h"
 #include "platform/testing.h"
-#include "platform/win32.h"
 #include "resources/resource_ids.h"
 #include "tests/support/folder/temporary_folder.h"
 #include "tests/support/puppet/stage.h"

@@ -2,13 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-#include <string>
-#include <string_view>
-#include <utility>
-#include <variant>
-#include <vector>
-
 #include "replay_core/motion/pose.h"
 #include "replay_core/motion/read_motion.h"
 #include "tests/support/allocations.h"

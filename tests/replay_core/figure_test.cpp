@@ -1,8 +1,3 @@
-#include <algorithm>
-#include <cmath>
-#include <numbers>
-
-#include "replay_core/recorder/geometry.h"
 #include "replay_core/recorder/helper_look.h"
 #include "replay_core/recorder/take_camera.h"
 #include "tests/replay_core/captures.h"

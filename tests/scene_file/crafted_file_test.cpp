@@ -1,3 +1,5 @@
+#include <zlib.h>
+
 #include <cstring>
 
 #include "tests/scene_file/file_world.h"
@@ -10,16 +12,6 @@ using namespace std::string_literals;
 constexpr std::size_t kHeader = 12;
 constexpr std::size_t kChunkHead = 10;
 constexpr std::size_t kChecksum = 4;
-
-std::uint32_t Crc32(std::string_view bytes) {
-    std::uint32_t crc = 0xFFFFFFFF;
-    for (const char byte : bytes) {
-        crc ^= static_cast<unsigned char>(byte);
-        for (int bit = 0; bit < 8; ++bit)
-            crc = crc >> 1 ^ (0xEDB88320U & -(crc & 1));
-    }
-    return ~crc;
-}
 
 // What the `nth` chunk of an id has at a place of its contents instead, and what is said of it.
 struct Craft {
@@ -42,7 +34,8 @@ std::pair<std::string, std::string> Crafted(std::string file, const Craft& craft
         if (id == craft.chunk && nth-- == 0) {
             file.replace(at + kChunkHead + craft.offset, craft.bytes.size(), craft.bytes);
             const std::string chunk = file.substr(at, next - kChecksum - at);
-            const std::uint32_t crc = Crc32(chunk);
+            const auto crc = static_cast<std::uint32_t>(
+                crc32_z(0, reinterpret_cast<const Bytef*>(chunk.data()), chunk.size()));
             std::memcpy(&file.at(next - kChecksum), &crc, sizeof crc);
             return {file, chunk.substr(kChunkHead)};
         }

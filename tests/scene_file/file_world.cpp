@@ -1,7 +1,5 @@
 #include "tests/scene_file/file_world.h"
 
-#include <stdexcept>
-
 #include "host/units.h"
 #include "tests/support/test_class.h"
 

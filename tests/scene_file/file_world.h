@@ -2,19 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <memory>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "headless/primitives.h"
 #include "headless/scene_view.h"
 #include "headless/session.h"
-#include "host/control.h"
 #include "host/gup.h"
-#include "host/interface.h"
-#include "host/object.h"
 #include "tests/support/folder/temporary_folder.h"
 
 // Classes that one session knows and the next one does not.

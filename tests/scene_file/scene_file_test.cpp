@@ -1,7 +1,3 @@
-#include <chrono>
-#include <filesystem>
-#include <tuple>
-
 #include "headless/copies.h"
 #include "headless/memory_chunks.h"
 #include "headless/scene_file_view.h"

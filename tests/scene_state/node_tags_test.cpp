@@ -1,8 +1,4 @@
-#include <algorithm>
-#include <optional>
 #include <random>
-#include <string>
-#include <utility>
 
 #include "scene_state/state_chunk.h"
 #include "tests/scene_state/state_test.h"

@@ -1,11 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <optional>
-#include <span>
-#include <string>
-#include <vector>
-
 #include "adaptor/utility_manager.h"
 #include "headless/memory_chunks.h"
 #include "tests/support/allocations.h"

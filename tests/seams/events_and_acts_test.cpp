@@ -1,13 +1,7 @@
-
-#include <cctype>
-#include <stdexcept>
-#include <tuple>
-
 #include "host/notify.h"
 #include "resources/resource_ids.h"
 #include "tests/support/play/play.h"
 #include "tests/support/trace.h"
-#include "tvl/ids.h"
 
 // Every event that host, user or Core can cause, met at every call that it makes to the Core by
 // everything that a Core, or the user through it, can do there: one thing, and another one in the

@@ -2,11 +2,7 @@
 // whatever ends one ends that process alone. A life that ends badly is shrunk.
 
 #include <CLI/CLI.hpp>
-#include <cctype>
-#include <chrono>
-#include <cstdio>
 #include <random>
-#include <sstream>
 
 #include "platform/testing.h"
 #include "tests/soak/soak.h"

@@ -1,9 +1,5 @@
 #pragma once
 
-#include <cstdio>
-#include <tuple>
-#include <utility>
-
 #include "tests/support/play/play.h"
 
 // A long life of host, user and Core, step by step, beside a model that says after each what must

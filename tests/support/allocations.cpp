@@ -1,9 +1,5 @@
 #include "tests/support/allocations.h"
 
-#include <algorithm>
-#include <cstdlib>
-#include <new>
-
 #include "platform/testing.h"
 
 HeapCounts heapCounts;

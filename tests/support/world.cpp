@@ -2,7 +2,6 @@
 
 #include "adaptor/max_adaptor_interface.h"
 #include "headless/scene_view.h"
-#include "host/hold.h"
 #include "platform/process.h"
 #include "plugin/descriptors.h"
 

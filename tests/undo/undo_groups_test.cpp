@@ -1,7 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <map>
-
 #include "host/hold.h"
 #include "tests/support/trace.h"
 #include "tests/support/world.h"

@@ -2,13 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <string>
-
 #include "adaptor/install_paths.h"
 #include "platform/process.h"
 #include "platform/testing.h"
-#include "platform/win32.h"
 #include "tests/support/folder/temporary_folder.h"
 #include "tvl/installation.h"
 

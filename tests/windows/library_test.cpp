@@ -1,13 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cctype>
-#include <memory>
-#include <set>
-#include <string>
-#include <vector>
-
-#include "platform/win32.h"
-
 // The libraries as the system's loader sees them: mapped, and without their code being run.
 namespace {
 

@@ -1,20 +1,12 @@
-#include <gtest/gtest.h>
-
-#include <string>
-#include <utility>
-
 #include "headless/scene_view.h"
 #include "headless/session.h"
 #include "host/interface.h"
-#include "host/node.h"
 #include "platform/testing.h"
 #include "resources/resource_ids.h"
 #include "tests/support/folder/temporary_folder.h"
 #include "tests/support/plugin.h"
 #include "tests/support/puppet/stage.h"
 #include "tests/support/puppet_core.h"
-#include "tvl/adaptor_interface.h"
-#include "tvl/ids.h"
 
 // The rollups of a library that a host loads, as real windows with real buttons.
 namespace {

@@ -1,10 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "tvl/xml_node.h"
 
 namespace {

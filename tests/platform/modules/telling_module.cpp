@@ -1,8 +1,6 @@
 // Tells by message boxes when it is entered and left, and what becomes of its dialogs.
-#include <cstdlib>
 
 #include "platform/modules.h"
-#include "platform/win32.h"
 
 namespace {
 

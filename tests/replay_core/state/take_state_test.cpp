@@ -1,9 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <optional>
-#include <set>
-
 #include "headless/scene_view.h"
 #include "host/interface.h"
 #include "replay_core/module/replay_core.h"
@@ -15,7 +9,6 @@
 #include "tests/support/trace.h"
 #include "tests/support/world.h"
 #include "tvl/base64_buffer.h"
-#include "tvl/ids.h"
 
 namespace {
 

@@ -1,10 +1,7 @@
 #include "tests/support/folder/temporary_folder.h"
 
 #include <fstream>
-#include <iomanip>
-#include <iterator>
 #include <random>
-#include <sstream>
 
 #include "platform/narrow_path.h"
 #include "platform/registry.h"

@@ -1,6 +1,3 @@
-#include <cmath>
-#include <stdexcept>
-
 #include "controllers/conversion.h"
 #include "measures/host_clock.h"
 #include "nodes/node_deletion.h"

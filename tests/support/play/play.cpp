@@ -2,7 +2,6 @@
 
 #include "controllers/scalar_control.h"
 #include "headless/breaches.h"
-#include "tvl/ids.h"
 
 namespace play {
 namespace {

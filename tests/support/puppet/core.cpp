@@ -2,8 +2,6 @@
 
 #include "platform/modules.h"
 #include "tests/support/puppet/stage.h"
-#include "tvl/ids.h"
-#include "tvl/message.h"
 
 namespace {
 
