@@ -95,8 +95,10 @@ IOResult SaveState(ISave& save) {
 // The Core may have left in the middle of the loading.
 bool HandToCore(const XMLNode& state) {
     CoreInterface* const core = AttachedCore();
-    isStateUnread = !core;
-    if (!core) return false;
+    if (!core) {
+        isStateUnread = true;
+        return false;
+    }
     const CoreLoads loading;
     return CallCore("SetCoreState", [&] { core->SetCoreState(state); }) && loading.IsAnswered();
 }

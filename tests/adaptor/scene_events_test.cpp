@@ -138,6 +138,7 @@ TEST_F(SceneEvents, WithoutACoreASceneKeepsTheStateThatIsInIt) {
     // What a Core that came too late for the scene writes stands behind what it never saw.
     Open(again);
     UtilityManager::Get().AttachCore();
+    HandToCore(XMLNode());  // as a merge does, which is no reading of the state either
     world.Core().state = XMLNode("<state><take>2</take></state>");
     const std::string late = SavedAs("late.scene");
     Taken();
