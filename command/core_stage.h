@@ -18,6 +18,11 @@ enum class Guests {
     kNobody,
 };
 
+struct GuestChoice {
+    Guests guests = Guests::kPluginAndCore;
+    std::string core;  // the library that is the Core; empty for the one that is installed
+};
+
 // The variables of replay/request.h that make up a request, with their values.
 using CoreRequest = std::map<std::string, std::string>;
 

@@ -11,6 +11,7 @@
 #include "headless/headless_api.h"
 #include "host/class_desc.h"
 #include "host/interval.h"
+#include "host/point3.h"
 #include "host/types.h"
 
 // The stand-in host from the chair of the person who uses it: start it with its plug-ins, open a
@@ -53,6 +54,16 @@ struct UtilityChunksView {
     bool isTaken = false;    // it took all of them; those that it did not take are kept
 };
 
+// A page of the command panel that is open, with its buttons in the order of its template.
+struct ButtonView {
+    int controlId = 0;
+    std::string text;
+};
+struct PageView {
+    std::string title;
+    std::vector<ButtonView> buttons;
+};
+
 // A running host. A process has one at a time; a second one can be made when the first is gone.
 class HEADLESS_API Session {
   public:
@@ -93,8 +104,18 @@ class HEADLESS_API Session {
     bool IsUtilityOpen(std::string_view className) const;
     void SetTaskMode(int mode);
 
-    // Presses a button on the rollup pages that are open. False: no page has a control of that id.
+    // The names of all utilities that can be opened, and the rollup pages that are, oldest first.
+    std::vector<std::string> Utilities() const;
+    std::vector<PageView> Pages() const;
+
+    // Presses a button on the pages that are open, the first of that id or text. False: no page has
+    // one.
     bool PressButton(int controlId);
+    bool PressButton(std::string_view text);
+
+    // Puts a button onto the page that was opened last, which goes with the page. False: no page is
+    // open.
+    bool PlaceButton(int controlId, const std::string& text);
 
     // The scene. Names that no node has are passed over; the result is how many nodes were meant.
     std::size_t Select(const std::vector<std::string>& names);
@@ -102,6 +123,13 @@ class HEADLESS_API Session {
     // What the delete key does: one undo step, announced with notification 70 while its hold is
     // open. Nodes that a callback takes out of the announced table, or deletes, are left alone.
     std::size_t DeleteSelected();
+
+    // What a person does to one node with the mouse, each one undo step: moves its pivot to a place
+    // in world space (host units) at the current time, and links it to another node, keeping where
+    // it is (0: to none). False, and nothing is done: there is no such node, or the link would
+    // close a circle.
+    bool MoveNode(std::uint32_t handle, const Point3& place);
+    bool LinkNode(std::uint32_t handle, std::uint32_t parent);
 
     void SetTime(TimeValue t);
     void SetRange(Interval range);

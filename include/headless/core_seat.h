@@ -1,0 +1,73 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+// Marks what the seat offers. Its library, and whoever is linked with that, are built with what
+// marks an export or an import on their system.
+#ifndef SEAT_API
+#define SEAT_API
+#endif
+
+namespace headless {
+
+// One of the adaptor's options (tvl/ids.h), as the Core that is attached has it.
+struct OptionView {
+    int id = 0;
+    std::string name;           // as the adaptor's panel shows it
+    bool isButton = false;      // else a switch
+    bool isKnown = false;       // the Core has a message node for the button, or a value
+    std::optional<bool> value;  // of a switch that the Core knows
+};
+
+// The seat of the Core beside a session: any library can take it, wherever it lies and whatever its
+// name is, and whoever drives the session can ask what came of that and press the Core's options.
+// The plug-in notices nothing: it finds, loads and frees a Core as it always does, and the library
+// is loaded with it from where it lies, and freed with it. Nothing is copied and no installation is
+// changed: what the plug-in reads of the registry is another for this process alone, as long as the
+// seat stands.
+//
+//     headless::CoreSeat seat("build/Core/Core64.so");
+//     headless::Session session;
+//     session.LoadPlugin(plugin);
+//     session.Start();
+//     if (!seat.WhyAbsent().empty()) ...
+//
+// A process has one seat at a time. It is made before Session::Start, and ends when the session has
+// shut down.
+class SEAT_API CoreSeat {
+  public:
+    // Empty for the Core that is installed, as the registry names it; where none is, for the one
+    // that lies beside the program.
+    explicit CoreSeat(const std::string& library = {});
+    ~CoreSeat();
+    CoreSeat(const CoreSeat&) = delete;
+    CoreSeat& operator=(const CoreSeat&) = delete;
+
+    // The path of the library; empty where it cannot be told, which WhyAbsent gives the reason of.
+    const std::string& Library() const;
+
+    bool IsAttached() const;
+
+    // Empty while a Core is attached. Else why there is none, in one line: no library at the place
+    // where it was looked for; one that does not load, with the system's word; a routine that is
+    // missing; another version, with both numbers; one that refused, with what it threw if it did;
+    // or one that has left. Before it is first asked for by the plug-in, the library is loaded and
+    // asked for its version here, and freed again.
+    std::string WhyAbsent() const;
+
+    // All options of the adaptor, in the order of its panel; none while no Core is attached.
+    std::vector<OptionView> Options() const;
+
+    // Presses a button of the Core's, by sending what the Core's own window sends. False: no Core
+    // is attached, or it has no message node for that option.
+    bool Press(int option);
+
+  private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+}  // namespace headless
