@@ -98,8 +98,8 @@ TEST(LifeCycle, NoCoreIsTakenDownInsideItsOwnRoutines) {
          {std::pair(false, false), {false, true}, {true, false}, {true, true}}) {
         World world({.refuses = !isLeaving});
         stage.core = &world.Core();
-        (isLeaving ? world.Core().onLeave : stage.onAttach) = [&, isShutDown = isShutDown] {
-            if (isShutDown) world.Session().Announce(NOTIFY_SYSTEM_SHUTDOWN);
+        (isLeaving ? world.Core().onLeave : stage.onAttach) = [&, shutsDown = isShutDown] {
+            if (shutsDown) world.Session().Announce(NOTIFY_SYSTEM_SHUTDOWN);
             manager.AttachCore();
             manager.DetachCore();
             EXPECT_TRUE(stage.isLoaded && MaxAdaptorInterface::instance);

@@ -230,9 +230,8 @@ class EventsAndActs : public testing::TestWithParam<Case> {};
 // The second acts take turns, so that each meets each first act somewhere.
 TEST_P(EventsAndActs, LeaveNothingBrokenAndLoseNothing) {
     const auto [event, situation, act] = GetParam();
-    const auto tryPlan = [&, event = event, situation = situation](const Plan& plan) {
-        return TryPlan(kEvents[event], kSituations[situation].second, plan);
-    };
+    const auto tryPlan = [&met = kEvents[event], &open = kSituations[situation].second](
+                             const Plan& plan) { return TryPlan(met, open, plan); };
     const std::span<const Act> acts = play::Acts();
     const std::size_t moments = tryPlan({0, nullptr, nullptr});
     for (std::size_t moment = 0; moment < moments; ++moment) {
