@@ -1,0 +1,51 @@
+#include "command/nearest.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace headless {
+namespace {
+
+// How many letters are to be put in, left out, replaced or swapped with their neighbour to turn one
+// word into the other.
+std::size_t Distance(std::string_view from, std::string_view to) {
+    std::vector<std::size_t> before;  // the rows of the two letters ahead of this one
+    std::vector<std::size_t> last(to.size() + 1);
+    for (std::size_t column = 0; column <= to.size(); ++column)
+        last[column] = column;
+    for (std::size_t row = 1; row <= from.size(); ++row) {
+        std::vector<std::size_t> here{row};
+        for (std::size_t column = 1; column <= to.size(); ++column) {
+            const bool isSame = from[row - 1] == to[column - 1];
+            std::size_t least =
+                std::min({last[column] + 1, here.back() + 1, last[column - 1] + (isSame ? 0 : 1)});
+            if (row > 1 && column > 1 && from[row - 1] == to[column - 2] &&
+                from[row - 2] == to[column - 1])
+                least = std::min(least, before[column - 2] + 1);
+            here.push_back(least);
+        }
+        before = std::exchange(last, std::move(here));
+    }
+    return last.back();
+}
+
+}  // namespace
+
+std::string Nearest(std::string_view word, const std::vector<std::string>& candidates) {
+    constexpr std::size_t kLongestWord = 100;  // a longer one is no word that was mistyped
+    std::string nearest;
+    std::size_t least = kLongestWord;
+    if (word.empty() || word.size() > kLongestWord) return nearest;
+    for (const std::string& candidate : candidates) {
+        const std::size_t distance = candidate.starts_with(word) ? 1 : Distance(word, candidate);
+        const bool isNear =
+            candidate.starts_with(word) || distance * 3 <= std::max(word.size(), candidate.size());
+        if (isNear && distance < least) {
+            least = distance;
+            nearest = candidate;
+        }
+    }
+    return nearest;
+}
+
+}  // namespace headless

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace headless {
+
+// The candidate that a person who typed `word` most likely meant: one that begins with it, or one
+// that differs from it in a third of its letters at most, where two letters that changed places
+// differ once. Empty if there is none.
+std::string Nearest(std::string_view word, const std::vector<std::string>& candidates);
+
+}  // namespace headless
