@@ -20,8 +20,9 @@ std::string ParentName(TVL::CoreNode& node) {
 
 NodeReport::Matrix RowByRow(const TVL::CMatrix4& matrix) {
     NodeReport::Matrix rows;
+    auto end = rows.begin();
     for (int row = 0; row < 4; ++row)
-        std::copy_n(matrix[row], 4, rows.begin() + 4 * row);
+        end = std::copy_n(matrix[row], 4, end);
     return rows;
 }
 
