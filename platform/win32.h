@@ -189,6 +189,9 @@ inline constexpr DWORD WS_EX_NOACTIVATE = 0x08000000;
 
 inline constexpr int GWLP_USERDATA = -21;
 
+inline constexpr UINT GW_HWNDNEXT = 2;
+inline constexpr UINT GW_CHILD = 5;
+
 // Makes the dialog of the template and its controls, and sends it WM_INITDIALOG with `parameter`. A
 // child dialog must have a parent. Null if there is no such template, or the dialog did not live
 // through its init message.
@@ -209,6 +212,12 @@ PLATFORM_API BOOL WINAPI IsWindowVisible(HWND window);
 PLATFORM_API BOOL WINAPI ShowWindow(HWND window, int command);
 PLATFORM_API HWND WINAPI GetParent(HWND window);
 PLATFORM_API HWND WINAPI GetDlgItem(HWND dialog, int id);
+PLATFORM_API int WINAPI GetDlgCtrlID(HWND control);
+// The first child, or the sibling that comes next; null for any other relation.
+PLATFORM_API HWND WINAPI GetWindow(HWND window, UINT relation);
+// Returns the length of what was copied, at most `size` - 1. A button's class reads "Button",
+// however its maker spelled it.
+PLATFORM_API int WINAPI GetClassNameA(HWND window, LPSTR buffer, int size);
 
 PLATFORM_API BOOL WINAPI SetWindowTextA(HWND window, LPCSTR text);
 // Returns the length of what was copied, at most `size` - 1.

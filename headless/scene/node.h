@@ -102,7 +102,8 @@ class SceneNode final : public INode, public std::enable_shared_from_this<SceneN
     std::size_t IndexInParent() const { return ChildList::IndexOf(link_); }
     void Hang(SceneNode& parent, std::size_t index);  // from nowhere
     void Unhang();
-    void Abandon();  // forgets parent and children
+    void Abandon();                                // forgets parent and children
+    bool HangsBelow(const SceneNode& node) const;  // or is that node
 
     // Moves the node to another place, which becomes the one that it had. False, and nothing done:
     // one of them is not in the scene any more, or the node would hang below itself.
@@ -124,7 +125,6 @@ class SceneNode final : public INode, public std::enable_shared_from_this<SceneN
     const SceneNode& Met(const char* operation) const;
 
     void MoveTo(SceneNode& parent, TimeValue t, int keepTM);
-    bool HangsBelow(const SceneNode& node) const;
 
     std::uint32_t handle_;
     NodeLook look_;

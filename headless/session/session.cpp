@@ -159,9 +159,32 @@ void Session::SetTaskMode(int mode) {
     ThePanel().SetTaskMode(mode);
 }
 
+std::vector<std::string> Session::Utilities() const {
+    std::vector<std::string> names;
+    for (ClassDesc* descriptor : TheClasses().Added()) {
+        const char* const name = descriptor->ClassName();
+        if (descriptor->SuperClassID() == UTILITY_CLASS_ID && name) names.emplace_back(name);
+    }
+    return names;
+}
+
+std::vector<PageView> Session::Pages() const {
+    return ViewPages();
+}
+
 bool Session::PressButton(int controlId) {
     const HostEvent event("button", controlId);
     return PressPageButton(controlId);
+}
+
+bool Session::PressButton(std::string_view text) {
+    const std::string shown(text);
+    const HostEvent event("button", shown.c_str());
+    return PressPageButton(text);
+}
+
+bool Session::PlaceButton(int controlId, const std::string& text) {
+    return PlacePageButton(controlId, text.c_str());
 }
 
 std::size_t Session::Select(const std::vector<std::string>& names) {

@@ -1,7 +1,10 @@
 #include "headless/ui/main_window.h"
 
 #include <algorithm>
-#include <vector>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
 
 namespace headless {
 namespace {
@@ -11,6 +14,32 @@ int acceleratorsOff = 0;
 bool animateButton = true;
 
 std::vector<HWND> pages;
+
+constexpr char kButtonClass[] = "Button";
+
+bool IsButton(HWND control) {
+    std::array<char, sizeof kButtonClass + 1> name{};
+    GetClassNameA(control, name.data(), static_cast<int>(name.size()));
+    return name.data() == std::string_view(kButtonClass);
+}
+
+std::vector<HWND> ButtonsOn(HWND page) {
+    std::vector<HWND> buttons;
+    for (HWND control = GetWindow(page, GW_CHILD); control;
+         control = GetWindow(control, GW_HWNDNEXT))
+        if (IsButton(control)) buttons.push_back(control);
+    return buttons;
+}
+
+std::string TextOf(HWND window) {
+    std::string text(256, '\0');
+    while (true) {
+        const int length = GetWindowTextA(window, text.data(), static_cast<int>(text.size()));
+        const auto copied = static_cast<std::size_t>(length);
+        if (copied + 1 < text.size()) return text.substr(0, copied);
+        text.resize(2 * text.size());
+    }
+}
 
 }  // namespace
 
@@ -80,6 +109,17 @@ void DeleteAllPages() {
         DeletePage(pages.back());
 }
 
+std::vector<PageView> ViewPages() {
+    std::vector<PageView> views;
+    for (const HWND page : pages) {
+        PageView view{TextOf(page), {}};
+        for (const HWND button : ButtonsOn(page))
+            view.buttons.push_back({GetDlgCtrlID(button), TextOf(button)});
+        views.push_back(std::move(view));
+    }
+    return views;
+}
+
 bool PressPageButton(int controlId) {
     for (const HWND page : pages) {
         if (const HWND button = GetDlgItem(page, controlId)) {
@@ -88,6 +128,24 @@ bool PressPageButton(int controlId) {
         }
     }
     return false;
+}
+
+bool PressPageButton(std::string_view text) {
+    for (const HWND page : pages) {
+        for (const HWND button : ButtonsOn(page)) {
+            if (TextOf(button) != text) continue;
+            SendMessageA(button, BM_CLICK, 0, 0);
+            return true;
+        }
+    }
+    return false;
+}
+
+bool PlacePageButton(int controlId, const char* text) {
+    if (pages.empty()) return false;
+    const auto id = static_cast<std::uintptr_t>(static_cast<unsigned>(controlId));
+    return CreateWindowExA(0, kButtonClass, text, WS_CHILD | WS_VISIBLE, 0, 0, 160, 24,
+                           pages.back(), reinterpret_cast<HMENU>(id), nullptr, nullptr) != nullptr;
 }
 
 }  // namespace headless

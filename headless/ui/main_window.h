@@ -1,5 +1,9 @@
 #pragma once
 
+#include <string_view>
+#include <vector>
+
+#include "headless/session.h"
 #include "platform/win32.h"
 
 namespace headless {
@@ -29,8 +33,15 @@ HWND AddPage(HINSTANCE instance, const char* dialogTemplate, DLGPROC procedure, 
 void DeletePage(HWND page);  // one that is gone, or never was, is passed over
 void DeleteAllPages();
 
-// Presses the first button of that id, oldest page first. False: there is none. The page can be
-// gone when the press has been handled.
+// Oldest page first.
+std::vector<PageView> ViewPages();
+
+// Presses the first button of that id or text, oldest page first. False: there is none. The page
+// can be gone when the press has been handled.
 bool PressPageButton(int controlId);
+bool PressPageButton(std::string_view text);
+
+// On the newest page, behind what it has. False: there is no page, or the button could not be made.
+bool PlacePageButton(int controlId, const char* text);
 
 }  // namespace headless

@@ -113,8 +113,8 @@ class HEADLESS_API Session {
     bool PressButton(int controlId);
     bool PressButton(std::string_view text);
 
-    // Puts a button onto the page that was opened last, which goes with the page. False: no page is
-    // open.
+    // Puts a button onto the page that was opened last, behind what is there; it goes with the
+    // page. False: no page is open.
     bool PlaceButton(int controlId, const std::string& text);
 
     // The scene. Names that no node has are passed over; the result is how many nodes were meant.
@@ -126,8 +126,9 @@ class HEADLESS_API Session {
 
     // What a person does to one node with the mouse, each one undo step: moves its pivot to a place
     // in world space (host units) at the current time, and links it to another node, keeping where
-    // it is (0: to none). False, and nothing is done: there is no such node, or the link would
-    // close a circle.
+    // it is (0: to none). While somebody's hold is open, the edit becomes part of that step. False,
+    // and nothing is done: there is no such node, the link would close a circle, a coordinate is no
+    // finite number, or a step is being undone or redone.
     bool MoveNode(std::uint32_t handle, const Point3& place);
     bool LinkNode(std::uint32_t handle, std::uint32_t parent);
 

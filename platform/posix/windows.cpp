@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstdint>
+#include <string_view>
 #include <utility>
 
 #include "platform/common/text.h"
@@ -36,9 +37,27 @@ void Destroy(HWND handle) {
     Windows().Remove(handle);
 }
 
+constexpr char kButtonClass[] = "Button";
+
+bool IsButton(const Window& window) {
+    return EqualWithoutCase(window.windowClass, kButtonClass);
+}
+
+int CopyOut(std::string_view text, LPSTR buffer, int size) {
+    return static_cast<int>(CopyText(text, buffer, static_cast<std::size_t>(size)));
+}
+
+HWND NextSibling(HWND handle, const Window& window) {
+    const Window* const parent = Windows().Find(window.parent);
+    if (parent == nullptr) return nullptr;
+    const auto end = parent->children.end();
+    const auto found = std::find(parent->children.begin(), end, handle);
+    return found == end || found + 1 == end ? nullptr : *(found + 1);
+}
+
 LRESULT Click(HWND button) {
     const Window* const record = Windows().Find(button);
-    if (record == nullptr || !EqualWithoutCase(record->windowClass, "Button")) return 0;
+    if (record == nullptr || !IsButton(*record)) return 0;
     constexpr int clicked = 0;
     CallProcedure(record->parent, WM_COMMAND, MAKEWPARAM(record->id, clicked),
                   reinterpret_cast<LPARAM>(button));
@@ -121,8 +140,28 @@ int GetWindowTextA(HWND handle, LPSTR buffer, int size) {
     if (buffer == nullptr || size <= 0) return 0;
     buffer[0] = '\0';
     return WithWindow<int>(handle, 0, [&](const Window& window) {
-        return static_cast<int>(
-            platform::CopyText(window.text, buffer, static_cast<std::size_t>(size)));
+        return platform::CopyOut(window.text, buffer, size);
+    });
+}
+
+int GetDlgCtrlID(HWND handle) {
+    return WithWindow<int>(handle, 0, [](const Window& window) { return window.id; });
+}
+
+HWND GetWindow(HWND handle, UINT relation) {
+    return WithWindow<HWND>(handle, nullptr, [&](const Window& window) -> HWND {
+        if (relation == GW_HWNDNEXT) return platform::NextSibling(handle, window);
+        if (relation != GW_CHILD || window.children.empty()) return nullptr;
+        return window.children.front();
+    });
+}
+
+int GetClassNameA(HWND handle, LPSTR buffer, int size) {
+    if (buffer == nullptr || size <= 0) return 0;
+    return WithWindow<int>(handle, 0, [&](const Window& window) {
+        const bool isButton = platform::IsButton(window);
+        return platform::CopyOut(isButton ? platform::kButtonClass : window.windowClass, buffer,
+                                 size);
     });
 }
 

@@ -9,6 +9,7 @@
 #include "tvl/ids.h"
 #include "tvl/installation.h"
 #include "tvl/log.h"
+#include "tvl/panel.h"
 #include "undo/undo_wrapper.h"
 
 namespace {
@@ -43,7 +44,7 @@ class Passage {
 std::int32_t UtilityManager::AttachCore() {
     if (coreComesOrGoes) return 0;
     if (link.core) {
-        ShowAttachState(panelWindow, kDetachText);
+        ShowAttachState(panelWindow, TVL::kDetachText);
         return 0;
     }
     LetCoreGo();
@@ -99,7 +100,7 @@ void UtilityManager::BringCoreUp() {
     const std::uint32_t nests = BracketsSoFar().nests;
     const auto attach = platform::Routine<TVL::AttachRoutine>(link.coreModule, TVL::kAttachRoutine);
     const auto thrown = TVL::ThrownBy([&] { link.core = attach(adaptor); });
-    ShowAttachState(panelWindow, link.core ? kDetachText : kAttachText);
+    ShowAttachState(panelWindow, link.core ? TVL::kDetachText : TVL::kAttachText);
     if (link.core) {
         LinkOptions();
         return;
@@ -118,7 +119,7 @@ void UtilityManager::LinkOptions() {
 }
 
 std::int32_t UtilityManager::DetachCore() {
-    ShowAttachState(panelWindow, kAttachText);
+    ShowAttachState(panelWindow, TVL::kAttachText);
     LetCoreGo();
     ShutDownIfAsked();
     return 0;

@@ -8,6 +8,7 @@
 #include "host/interface.h"
 #include "resources/resource_ids.h"
 #include "scene_state/node_tags.h"
+#include "tvl/panel.h"
 
 namespace {
 
@@ -29,8 +30,8 @@ void OpenCore() {
 
 bool SaysDetach(HWND panel) {
     std::array<char, kTextCapacity> text{};
-    GetWindowTextA(GetDlgItem(panel, AttachControl), text.data(), kTextCapacity);
-    return std::string_view(text.data()) == kDetachText;
+    GetWindowTextA(GetDlgItem(panel, TVL::kAttachButton), text.data(), kTextCapacity);
+    return std::string_view(text.data()) == TVL::kDetachText;
 }
 
 // The state stays in the tags, for the next attach.
@@ -50,9 +51,9 @@ void Attach(UtilityManager& manager) {
 }
 
 void OnCommand(UtilityManager& manager, HWND panel, int control) {
-    if (control == StartButton) {
+    if (control == TVL::kStartButton) {
         OpenCore();
-    } else if (control == AttachControl && !manager.IsCoreInPassage()) {
+    } else if (control == TVL::kAttachButton && !manager.IsCoreInPassage()) {
         SaysDetach(panel) ? Detach(manager) : Attach(manager);
     }
 }
@@ -72,7 +73,7 @@ XMLNode LoadXMLResource(std::uint16_t id) {
 }  // namespace
 
 void ShowAttachState(HWND panel, const char* text) {
-    SetWindowTextA(GetDlgItem(panel, AttachControl), text);
+    SetWindowTextA(GetDlgItem(panel, TVL::kAttachButton), text);
 }
 
 // The init message comes before the UtilityManager knows its window.
@@ -80,7 +81,7 @@ INT_PTR CALLBACK PanelDlgProc(HWND window, UINT message, WPARAM wParam, LPARAM) 
     UtilityManager& manager = UtilityManager::Get();
     switch (message) {
         case WM_INITDIALOG:
-            ShowAttachState(window, manager.link.core ? kDetachText : kAttachText);
+            ShowAttachState(window, manager.link.core ? TVL::kDetachText : TVL::kAttachText);
             ShowWindow(window, SW_SHOW);
             return TRUE;
         case WM_COMMAND: {

@@ -10,6 +10,7 @@
 #include "host/interface.h"
 #include "measures/host_clock.h"
 #include "scene_state/state_chunk.h"
+#include "tvl/panel.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/lsan_interface.h>
@@ -92,7 +93,7 @@ void UtilityManager::ShutDownAdaptor() {
     shutdownWaits = coreComesOrGoes;
     if (shutdownWaits) return;
     const TVL::Log scope("Shutting down adaptor", TVL::Log::kNotice);
-    ShowAttachState(panelWindow, kAttachText);
+    ShowAttachState(panelWindow, TVL::kAttachText);
     TVL::TraceIfThrown("DetachCore", [this] { LetCoreGo(); });
     shutdownWaits = false;
     // The shutdown goes on without the folder.

@@ -7,6 +7,7 @@
 #include "controllers/scalar_control.h"
 #include "controllers/transform_control.h"
 #include "objects/custom_helper_object.h"
+#include "tvl/panel.h"
 
 namespace {
 
@@ -31,7 +32,7 @@ class UtilityClassDesc final : public TarvoClassDesc {
 class UtilityObjClassDesc final : public TarvoClassDesc {
   public:
     void* Create(bool) override { return new TarvoUtilityObj; }
-    const char* ClassName() override { return "Tarvo Lumiset Util"; }
+    const char* ClassName() override { return TVL::kPanelUtility; }
     SClass_ID SuperClassID() override { return UTILITY_CLASS_ID; }
     Class_ID ClassID() override { return kUtilityObjClassId; }
 };

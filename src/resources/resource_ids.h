@@ -14,6 +14,7 @@
 #ifndef RC_INVOKED
 
 #include "platform/win32.h"
+#include "tvl/panel.h"
 
 // The module whose resources they are, as its entry point was told; null before that.
 inline HINSTANCE theModule = nullptr;
@@ -22,9 +23,10 @@ inline constexpr int ConvertDialog = IDD_CONVERT;
 inline constexpr int PanelDialog = IDD_PANEL;
 inline constexpr int OptionPanel = IDR_OPTION_PANEL;
 
-inline constexpr int StartButton = IDC_START;
 inline constexpr int ConvertButton = IDC_CONVERT;
-inline constexpr int AttachControl = IDC_ATTACH;  // in no template so far
+
+// What drives the panel from outside knows these two; the second is in no template so far.
+static_assert(IDC_START == TVL::kStartButton && IDC_ATTACH == TVL::kAttachButton);
 
 // Where the host places this library's pages among others.
 inline constexpr int PageCategory = 4000;

@@ -18,7 +18,7 @@ class AttachPanel {
     AttachPanel(const AttachPanel&) = delete;
     AttachPanel& operator=(const AttachPanel&) = delete;
 
-    HWND Control() const { return GetDlgItem(window_, AttachControl); }
+    HWND Control() const { return GetDlgItem(window_, TVL::kAttachButton); }
     void Press() const { SendMessageA(Control(), BM_CLICK, 0, 0); }
     std::string Text() const {
         std::array<char, 64> text{};

@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr const char* kUtility = "Tarvo Lumiset Util";
-
 bool Holds(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
@@ -30,8 +28,8 @@ TEST(LifeCycle, EachAttachLoadsTheInstalledCoreAnewAndBindsItsOptions) {
     UtilityManager& manager = UtilityManager::Get();
     puppet::Stage& stage = puppet::TheStage();
     EXPECT_EQ(world.Session().KeptUtilities(), 1U);
-    EXPECT_TRUE(world.Session().IsUtilityOpen(kUtility));
-    ASSERT_TRUE(world.Session().PressButton(StartButton));
+    EXPECT_TRUE(world.Session().IsUtilityOpen(TVL::kPanelUtility));
+    ASSERT_TRUE(world.Session().PressButton(TVL::kStartButton));
     Names calls = {"bind 1027", "bind 1030", "option node 1028", "show"};
     EXPECT_EQ(world.Core().TakeCalls(), calls);
     EXPECT_EQ(world.Core().shownIn, GetCOREInterface()->GetMAXHWnd());
@@ -73,9 +71,9 @@ TEST(LifeCycle, ACoreThatCannotBeAttachedIsToldInTheTraceAndByTheButton) {
             EXPECT_TRUE(Holds(world.Trace(), line)) << line;
 
         // The utility is opened by hand or at once.
-        EXPECT_EQ(host.IsUtilityOpen(kUtility), isFound);
-        ASSERT_TRUE(isFound || host.OpenUtility(kUtility));
-        ASSERT_TRUE(host.PressButton(StartButton));
+        EXPECT_EQ(host.IsUtilityOpen(TVL::kPanelUtility), isFound);
+        ASSERT_TRUE(isFound || host.OpenUtility(TVL::kPanelUtility));
+        ASSERT_TRUE(host.PressButton(TVL::kStartButton));
         ASSERT_EQ(world.MessageBoxes().size(), 1U);
         const headless::MessageBoxText& box = world.MessageBoxes()[0];
         EXPECT_EQ(box.caption + std::to_string(box.style) + box.text,

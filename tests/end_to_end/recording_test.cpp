@@ -5,6 +5,7 @@
 #include "platform/process.h"
 #include "tests/end_to_end/command.h"
 #include "tests/support/watcher.h"
+#include "tvl/panel.h"
 
 namespace {
 
@@ -23,7 +24,7 @@ class Recording : public testing::Test {
         EXPECT_EQ(host.LoadPlugin(PLUGIN_MODULE), "");
         host.Start();
         EXPECT_EQ(host.KeptUtilities(), 1u) << "the Core was not attached";
-        EXPECT_TRUE(host.OpenUtility("Tarvo Lumiset Util"));
+        EXPECT_TRUE(host.OpenUtility(TVL::kPanelUtility));
     }
     ~Recording() override {
         EXPECT_TRUE(host.AcceleratorsEnabled() && host.AnimateButtonEnabled());
@@ -43,8 +44,7 @@ class Recording : public testing::Test {
 
     // Presses the button that calls the Core, and gives what the Core reports.
     Report Press() {
-        constexpr int kStartButton = 1046;
-        EXPECT_TRUE(host.PressButton(kStartButton));
+        EXPECT_TRUE(host.PressButton(TVL::kStartButton));
         std::istringstream lines(ReadFile(folder_.File("report")));
         std::filesystem::remove(folder_.File("report"));
         Report report;

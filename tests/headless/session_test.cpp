@@ -1,6 +1,7 @@
 #include "host/gup.h"
 #include "host/units.h"
 #include "host/utility_obj.h"
+#include "platform/win32.h"
 #include "tests/headless/host_world.h"
 #include "tests/support/folder/temporary_folder.h"
 #include "tests/support/test_class.h"
@@ -100,6 +101,36 @@ TEST_F(SessionTest, ResetEmptiesSceneAndUndoAndPutsTheRestBack) {
     EXPECT_EQ(host.GetAnimRange(), Interval(0, 16000));
 }
 
+// A step joins a hold that somebody has open, and needs no record where nothing changes.
+TEST_F(SessionTest, MovesAndLinksByHandAreStepsThatUndoTakesBack) {
+    INode* const parent = Add("parent");
+    INode* const child = Add("child");
+    Place(parent, {10, 0, 0});
+    host.SetTime(160);
+    EXPECT_TRUE(session.MoveNode(child->GetHandle(), {1, 2, 3}));
+    EXPECT_TRUE(session.LinkNode(child->GetHandle(), parent->GetHandle()));
+    EXPECT_TRUE(session.LinkNode(child->GetHandle(), parent->GetHandle()));
+    EXPECT_TRUE(child->GetParentNode() == parent && Where(child) == Point3(1, 2, 3));
+    EXPECT_EQ(session.UndoLabels(), (Lines{"Link", "Move"}));
+    const std::uint64_t digest = headless::SceneDigest();
+    EXPECT_FALSE(session.LinkNode(parent->GetHandle(), child->GetHandle()) ||
+                 session.LinkNode(parent->GetHandle(), parent->GetHandle()) ||
+                 session.LinkNode(child->GetHandle(), 99) || session.LinkNode(99, 0) ||
+                 session.MoveNode(0, {}) || session.MoveNode(child->GetHandle(), {0, kNaN, 0}));
+    EXPECT_EQ(headless::SceneDigest(), digest);
+
+    Step([&] { session.LinkNode(child->GetHandle(), 0); }, "somebody's");
+    EXPECT_TRUE(child->GetParentNode()->IsRootNode() && Where(child) == Point3(1, 2, 3));
+    EXPECT_EQ(session.UndoLabels(), (Lines{"somebody's", "Link", "Move"}));
+    while (session.Undo()) {
+    }
+    EXPECT_TRUE(child->GetParentNode()->IsRootNode() && Where(child) == Point3());
+    while (session.Redo()) {
+    }
+    EXPECT_EQ(Where(child), Point3(1, 2, 3));
+    EXPECT_EQ(headless::TakeBreachLines(), Lines());
+}
+
 // The command panel ------------------------------------------------------------------------------
 
 struct TellingUtility final : UtilityObj {
@@ -131,6 +162,36 @@ TEST_F(PanelTest, OneUtilityIsOpenAtATimeAndHearsOfTheSelection) {
     host.SelectNode(Add("node"));
     EXPECT_TRUE(session.CloseUtility());
     ExpectTold("begin end begin selected 1 end ");
+}
+
+// "Go", hidden as it is, a check box, and a text that is no button stand on the page's form.
+TEST_F(PanelTest, ButtonsOfPagesAreToldAndPressedByIdOrTextAlsoWhenTheyArePlacedThere) {
+    EXPECT_EQ(session.Utilities(), (Lines{"First Util", "Second Util"}));
+    EXPECT_FALSE(session.PlaceButton(5, "nowhere") || session.PressButton("&Go"));
+    const auto tell = [](HWND, UINT message, WPARAM wParam, LPARAM) -> INT_PTR {
+        if (message == WM_COMMAND) told += std::to_string(LOWORD(wParam)) + ' ';
+        return 0;
+    };
+    const HWND first = host.AddRollupPage(nullptr, "#20", tell, "First");
+    const HWND second = host.AddRollupPage(nullptr, "#20", tell, "");
+    const std::string longText(300, 'x');
+    EXPECT_TRUE(session.PlaceButton(1074, "Go") && session.PlaceButton(16, longText));
+    std::string pages;
+    for (const headless::PageView& page : session.Pages()) {
+        pages += page.title + ':';
+        for (const auto& [id, text] : page.buttons)
+            pages += ' ' + std::to_string(id) + text;
+        pages += '\n';
+    }
+    EXPECT_EQ(pages, "First: 16&Go 17Check\n: 16&Go 17Check 1074Go 16" + longText + '\n');
+    EXPECT_FALSE(session.PressButton("Odd") || session.PressButton("") || session.PressButton(5));
+    EXPECT_TRUE(session.PressButton("Go") && session.PressButton(1074) &&
+                session.PressButton(longText) && session.PressButton("Check"));
+    ExpectTold("1074 1074 16 17 ");
+    host.DeleteRollupPage(second);
+    EXPECT_FALSE(session.PressButton(1074));
+    host.DeleteRollupPage(first);
+    EXPECT_TRUE(session.Pages().empty());
 }
 
 TEST_F(PanelTest, AScriptRunsAsAWholeOrNotAtAll) {

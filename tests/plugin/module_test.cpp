@@ -67,7 +67,7 @@ TEST_F(Module, HoldsTwoDialogsOfOneButtonEach) {
          {{"#32770", "", 0x40000040, 0, 0, 0, 108, 30},
           "MS Shell Dlg",
           8,
-          {{"Button", "Start Lumiset", kButton, StartButton, 7, 7, 94, 16}}}},
+          {{"Button", "Start Lumiset", kButton, TVL::kStartButton, 7, 7, 94, 16}}}},
         {ConvertDialog,
          {{"#32770", "", 0x50000040, 0, 0, 0, 108, 41},
           "MS Sans Serif",
@@ -126,7 +126,7 @@ class LoadedPlugin : public testing::Test {
 // Program, plug-in and Core compile the same classes. What the Core places in the plug-in must not
 // turn up as anybody else's.
 TEST_F(LoadedPlugin, ShowsTheCoreAndHasAPanelALogAndARegistryOfItsOwn) {
-    EXPECT_TRUE(session->PressButton(1046));
+    EXPECT_TRUE(session->PressButton(TVL::kStartButton));
     EXPECT_EQ(core.TakeCalls().back(), "show");
     const XMLNode panel = stage.adaptor->GetOptionsPanel();
     std::string rows = panel.name;

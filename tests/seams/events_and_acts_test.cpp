@@ -83,7 +83,7 @@ void UndoAndRedo(Play& play) {
 
 const Event kEvents[] = {
     {"TimeMoves", kWhole, [](Play& play) { play.Session().SetTime(480); }, {}},
-    {"StartPressed", kWhole, [](Play& play) { play.Session().PressButton(StartButton); }, {}},
+    {"StartPressed", kWhole, [](Play& play) { play.Session().PressButton(TVL::kStartButton); }, {}},
     {"ConvertAllPressed", kWhole, PressConvertAll, {}},
     {kUserDeletes, kWhole, [](Play& play) { play.Session().DeleteSelected(); }, {}},
     {"Undo", kWhole, [](Play& play) { play.Session().Undo(); }, {}},

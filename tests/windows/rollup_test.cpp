@@ -70,9 +70,9 @@ class Rollups : public testing::TestWithParam<const char*> {
 };
 
 TEST_P(Rollups, OpenTheCoreAndConvertATransformControlAtAClick) {
-    HWND page = ShownPageWith(StartButton, "Start Lumiset", {0, 0, 108, 30});
+    HWND page = ShownPageWith(TVL::kStartButton, "Start Lumiset", {0, 0, 108, 30});
     core.TakeCalls();
-    Click(page, StartButton);
+    Click(page, TVL::kStartButton);
     EXPECT_EQ(core.TakeCalls(), (PuppetCore::Calls{"show"}));
     EXPECT_EQ(core.shownIn, GetCOREInterface()->GetMAXHWnd());
     session.CloseUtility();
