@@ -70,10 +70,11 @@ class AdaptorInterface {
     virtual std::vector<CNode*> MergeModels(std::string path) = 0;
 
     // Undo groups nest; the outermost one becomes one undo step of the host's under its name. A
-    // cancel anywhere inside takes the whole nest back when the outermost group ends. AddUndoChunk
-    // takes the chunk over in every case. The outermost end also tells, with the value of the code
-    // "ADAPTOR_EXCEPTION", that something without a status of its own could not be done inside for
-    // want of memory or because the host threw; the group is ended all the same.
+    // cancel anywhere inside takes the whole nest back when the outermost group ends. A group may
+    // be ended in a later call than it was begun in; until then the user can undo nothing.
+    // AddUndoChunk takes the chunk over in every case. The outermost end also tells, with the value
+    // of the code "ADAPTOR_EXCEPTION", that something without a status of its own could not be done
+    // inside for want of memory or because the host threw; the group is ended all the same.
     virtual std::int32_t BeginUndoGroup(std::string name) = 0;
     virtual std::int32_t AddUndoChunk(CUndo* chunk) = 0;
     virtual std::int32_t EndUndoGroup() = 0;
@@ -97,7 +98,8 @@ class AdaptorInterface {
 
     // Between begin and end, what is written through snapshots becomes keys. BeginRecording first
     // gives every recordable node of these owners a key of its present pose at the current time.
-    // Mesh snapshots are released before a recording ends.
+    // Mesh snapshots are released before a recording ends. It may end in a later call; until then
+    // the user's own changes become keys too. One that begins inside another is part of that.
     virtual std::int32_t BeginRecording(std::vector<CoreElement*> owners) = 0;
     virtual std::int32_t BeginRecordingUnkeyed(std::vector<CoreElement*> owners) = 0;
     virtual std::int32_t EndRecording() = 0;

@@ -18,7 +18,8 @@ struct PluginRecord {
 // it, reads `plugin->name`, and asks the two of ElementExtension (tvl/ids.h):
 //
 //   kNodesBeingDeleted   Nodes of this element are about to be deleted by the user. Told once for
-//        each deletion, if the element lists it; it may answer with CoreNode::Delete on its nodes.
+//        each deletion, if the element lists it; it may answer with CoreNode::Delete on its nodes,
+//        in an undo group, which becomes part of the user's own step.
 //   kSceneBeingSaved   The scene is being saved; the argument is an XMLNode of kind 1 named
 //        "masternodes". The element adds a child "masternode" for each stored part of its state.
 //        Asked of every element with nodes in the scene, also if it lists nothing. The parts travel
@@ -53,6 +54,11 @@ class CoreElement : public CExtendable {
 
 // What the Core learns of a node it gave a listener for. Not owned by the node; it outlives it, or
 // the node's undo records. The order of the virtual operations is part of the contract.
+//
+// It hears of what the Core does to the node inside an undo group, and of the undo and redo of
+// that. What a user deletes is told to the node's owner alone, if that lists kNodesBeingDeleted;
+// the listener hears of it when the owner answers with CoreNode::Delete in an undo group of its
+// own. Unanswered, the node stays the Core's, with nothing behind it until the user undoes.
 class NodeListener {
   public:
     virtual ~NodeListener() = default;

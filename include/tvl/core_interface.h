@@ -39,7 +39,8 @@ class CoreInterface {
     // Asked for before nodes are deleted while the Core is running.
     virtual void StopCore() = 0;
 
-    // Options are those of AdaptorOption (tvl/ids.h). The second argument is 0. GetOptionNode gives
+    // Options are those of AdaptorOption (tvl/ids.h). The second argument is 0. When `attach` has
+    // returned, BindOption tells of the two switches, and then GetOptionNode is asked for. It gives
     // the message node of a button, which the adaptor listens to (a press is a message from that
     // node with the id kButtonPressed), or null.
     virtual TVL::Util::MessageNode* GetOptionNode(int option, int unused) = 0;
