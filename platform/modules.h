@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 #include "platform/platform_api.h"
@@ -29,6 +30,18 @@ Type* Routine(HMODULE module, const char* name) {
     // By way of the one type that every routine may be cast to and from.
     return reinterpret_cast<Type*>(reinterpret_cast<void (*)()>(GetProcAddress(module, name)));
 }
+
+// The file that LoadLibraryA opens for a path.
+#if defined(_WIN32)
+inline std::string FileToLoad(const std::string& path) {
+    return path;
+}
+#else
+PLATFORM_API std::string FileToLoad(const std::string& path);
+#endif
+
+// The file of the module, or program, in which something lies; empty if the system does not tell.
+PLATFORM_API std::filesystem::path FileOfModule(const void* address);
 
 // Why the last LoadLibraryA that failed did so, in the loader's own words; to be asked at once.
 PLATFORM_API std::string LastLoadFailure();

@@ -31,6 +31,7 @@ PARTS = [
     ("platform", None, "", ["platform"]),
     ("src", PLUGIN, "", ["tvl", "host", "platform"]),
     ("headless", HOST, "headless/", ["include/headless", "host", "platform"]),
+    ("seat", None, "", ["seat", "headless/core_seat.h", "tvl", "foundation/thrown.h", "platform"]),
     ("command", None, "", ["command", "headless", "host", "platform", "replay", "tvl/ids.h",
                              "tvl/installation.h"]),
     ("examples/replay_core", None, "", ["tvl", "replay", "replay_core", "platform/narrow_path.h",

@@ -81,6 +81,10 @@ FARPROC Find(HMODULE module, const char* name) {
 
 }  // namespace
 
+std::string FileToLoad(const std::string& path) {
+    return NativeModulePath(path);
+}
+
 std::string LastLoadFailure() {
     return LoadFailure();
 }

@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <functional>
 #include <iterator>
+#include <system_error>
 
+#include "platform/modules.h"
 #include "platform/posix/guarded.h"
 
 namespace platform {
@@ -47,6 +49,13 @@ HMODULE ModuleOfAddress(const void* address) {
     Dl_info info{};
     if (dladdr(address, &info) == 0) return nullptr;
     return static_cast<HMODULE>(info.dli_fbase);
+}
+
+std::filesystem::path FileOfModule(const void* address) {
+    Dl_info info{};
+    if (dladdr(address, &info) == 0 || info.dli_fname == nullptr) return {};
+    std::error_code error;
+    return std::filesystem::absolute(info.dli_fname, error);
 }
 
 HMODULE ModuleOfHandle(void* handle) {

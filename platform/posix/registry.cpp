@@ -37,6 +37,7 @@ struct Registry {
     std::optional<std::string> bytes;
     std::shared_ptr<const RegFile> file;
     bool isHidden = false;
+    std::optional<RegistryText> laidOver;  // key and name in lower case
 };
 
 // Never destroyed: a key can be opened while the program ends.
@@ -68,7 +69,7 @@ std::optional<std::string> ReadFile(const std::string& path) {
     return bytes;
 }
 
-std::shared_ptr<const RegFile> ReadRegistry() {
+std::shared_ptr<const RegFile> ReadWhatIsBelow() {
     Registry& registry = TheRegistry();
     if (registry.isHidden) return std::make_shared<const RegFile>();
     std::string path = RegistryPath();
@@ -81,6 +82,15 @@ std::shared_ptr<const RegFile> ReadRegistry() {
     registry.bytes = std::move(bytes);
     registry.file = file;
     return file;
+}
+
+std::shared_ptr<const RegFile> ReadRegistry() {
+    std::shared_ptr<const RegFile> below = ReadWhatIsBelow();
+    const std::optional<RegistryText>& over = TheRegistry().laidOver;
+    if (!over) return below;
+    RegFile file = *below;
+    file.keys[over->key][over->name] = {REG_SZ, over->text + '\0'};
+    return std::make_shared<const RegFile>(std::move(file));
 }
 
 std::string RootPath(HKEY key) {
@@ -132,6 +142,13 @@ void HideRegistry() {
 
 void UseRegistryFile(const std::string& path) {
     SetVariable(kRegistryVariable, path);
+}
+
+void LayOverRegistry(const std::optional<RegistryText>& text) {
+    TheRegistry().laidOver = text;
+    if (!text) return;
+    TheRegistry().laidOver->key = LowerCase(text->key);
+    TheRegistry().laidOver->name = LowerCase(text->name);
 }
 
 // It is what is looked for whenever a key is opened.

@@ -5,12 +5,20 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "platform/modules.h"
 #include "platform/win32.h"
 
 namespace platform {
 namespace {
 
 constexpr std::size_t kLongestPath = 32768;  // letters, the NUL included
+
+std::filesystem::path FileOf(HMODULE module) {
+    std::wstring path(kLongestPath, L'\0');
+    const DWORD length = GetModuleFileNameW(module, path.data(), kLongestPath);
+    path.resize(length < kLongestPath ? length : 0);
+    return path;
+}
 
 }  // namespace
 
@@ -31,10 +39,15 @@ bool SetVariable(const char* name, const std::string& value) {
 }
 
 std::filesystem::path ProgramFile() {
-    std::wstring path(kLongestPath, L'\0');
-    const DWORD length = GetModuleFileNameW(nullptr, path.data(), kLongestPath);
-    path.resize(length < kLongestPath ? length : 0);
-    return path;
+    return FileOf(nullptr);
+}
+
+std::filesystem::path FileOfModule(const void* address) {
+    constexpr DWORD kOnlyLook =
+        GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+    HMODULE module = nullptr;
+    if (!GetModuleHandleExA(kOnlyLook, static_cast<LPCSTR>(address), &module)) return {};
+    return FileOf(module);
 }
 
 bool IsErrorStreamATerminal() {

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "platform/common/reg_file.h"
+#include "platform/common/text.h"
 #include "platform/process.h"
 #include "platform/win32.h"
 
@@ -43,6 +44,11 @@ HKEY MakeKey(HKEY above, const std::string& path) {
     return made;
 }
 
+// Where this process has keys of its own, below the user's.
+std::string OwnPath() {
+    return std::string(kSubstitutes) + '\\' + std::to_string(GetCurrentProcessId());
+}
+
 void SetValue(HKEY key, const std::wstring& name, const RegValue& value) {
     const bool isText =
         value.type == REG_SZ || value.type == REG_EXPAND_SZ || value.type == REG_MULTI_SZ;
@@ -65,7 +71,7 @@ class SubstituteRegistry {
         TakeAway();
         std::array<HKEY, 2> tops{};
         for (std::size_t at = 0; at < tops.size(); ++at) {
-            tops[at] = MakeKey(HKEY_CURRENT_USER, Path() + '\\' + Roots()[at].name);
+            tops[at] = MakeKey(HKEY_CURRENT_USER, OwnPath() + '\\' + Roots()[at].name);
             Fill(tops[at], Roots()[at].name + '\\', file);
         }
         for (std::size_t at = 0; at < tops.size(); ++at) {
@@ -76,10 +82,6 @@ class SubstituteRegistry {
     }
 
   private:
-    static std::string Path() {
-        return std::string(kSubstitutes) + '\\' + std::to_string(GetCurrentProcessId());
-    }
-
     static void Fill(HKEY top, const std::string& root, const RegFile& file) {
         for (const auto& [path, values] : file.keys) {
             if (!path.starts_with(root)) continue;
@@ -94,8 +96,8 @@ class SubstituteRegistry {
         if (!isPlaced_) return;
         for (const Root& root : Roots())
             RegOverridePredefKey(root.key, nullptr);
-        RegDeleteTreeA(HKEY_CURRENT_USER, Path().c_str());
-        RegDeleteKeyA(HKEY_CURRENT_USER, Path().c_str());
+        RegDeleteTreeA(HKEY_CURRENT_USER, OwnPath().c_str());
+        RegDeleteKeyA(HKEY_CURRENT_USER, OwnPath().c_str());
         isPlaced_ = false;
     }
 
@@ -105,6 +107,65 @@ class SubstituteRegistry {
 SubstituteRegistry& TheSubstitute() {
     static SubstituteRegistry substitute;
     return substitute;
+}
+
+// Turns one root to a key in which there is nothing but the text, and the values beside it. What
+// the root led to before, another module's substitute maybe, is kept to turn it back.
+class OverlaidText {
+  public:
+    OverlaidText() = default;
+    OverlaidText(const OverlaidText&) = delete;
+    OverlaidText& operator=(const OverlaidText&) = delete;
+    ~OverlaidText() { TakeAway(); }
+
+    void Lay(const RegistryText& laid) {
+        TakeAway();
+        const std::size_t end = laid.key.find('\\');
+        for (const Root& root : Roots())
+            if (root.name == LowerCase(laid.key.substr(0, end))) root_ = root.key;
+        if (!root_ || end == std::string::npos) return;
+        RegOpenKeyExA(root_, "", 0, KEY_READ, &before_);
+        own_ = MakeKey(HKEY_CURRENT_USER, OwnPath());
+        const HKEY top = MakeKey(own_, kTop);
+        Fill(top, laid.key.substr(end + 1), laid);
+        RegOverridePredefKey(root_, top);
+        RegCloseKey(top);
+    }
+
+    void TakeAway() {
+        if (!own_) return;
+        RegOverridePredefKey(root_, before_);
+        RegDeleteTreeA(own_, kTop);
+        RegCloseKey(own_);
+        RegCloseKey(before_);
+        RegDeleteKeyA(HKEY_CURRENT_USER, OwnPath().c_str());  // unless there is more of it
+        root_ = own_ = before_ = nullptr;
+    }
+
+  private:
+    static constexpr char kTop[] = "laid over";
+
+    void Fill(HKEY top, const std::string& path, const RegistryText& laid) const {
+        const HKEY key = MakeKey(top, path);
+        HKEY below = nullptr;
+        if (RegOpenKeyExA(root_, path.c_str(), 0, KEY_READ, &below) == ERROR_SUCCESS) {
+            RegCopyTreeA(below, nullptr, key);
+            RegCloseKey(below);
+        }
+        RegSetValueExA(key, laid.name.c_str(), 0, REG_SZ,
+                       reinterpret_cast<const BYTE*>(laid.text.c_str()),
+                       static_cast<DWORD>(laid.text.size() + 1));
+        RegCloseKey(key);
+    }
+
+    HKEY root_ = nullptr;
+    HKEY own_ = nullptr;     // this process's, with the key that the root leads to
+    HKEY before_ = nullptr;  // what the root led to
+};
+
+OverlaidText& TheOverlaidText() {
+    static OverlaidText text;
+    return text;
 }
 
 std::optional<std::string> ReadFile(const std::string& path) {
@@ -126,6 +187,11 @@ void UseRegistryFile(const std::string& path) {
     const RegFile file = ParseRegFile(bytes.value_or(""));
     ReportDamage(path, file);
     TheSubstitute().Place(file);
+}
+
+void LayOverRegistry(const std::optional<RegistryText>& text) {
+    TheOverlaidText().TakeAway();
+    if (text) TheOverlaidText().Lay(*text);
 }
 
 void UseNamedRegistry() {

@@ -61,7 +61,7 @@ class PuppetCore final : public CoreInterface {
     TVL::Util::MessageNode* GetOptionNode(int option, int) override {
         Note("option node " + std::to_string(option));
         if (otherButton) return otherButton;
-        convertButton = std::make_unique<TVL::Util::MessageNode>("convert all");
+        if (!convertButton) convertButton = std::make_unique<TVL::Util::MessageNode>("convert all");
         return convertButton.get();
     }
     void BindOption(int option, int) override { Note("bind " + std::to_string(option)); }

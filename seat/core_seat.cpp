@@ -1,0 +1,145 @@
+#include "headless/core_seat.h"
+
+#include <charconv>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "platform/files.h"
+#include "platform/modules.h"
+#include "platform/narrow_path.h"
+#include "platform/registry.h"
+#include "seat/find_core.h"
+#include "seat/seated_core.h"
+#include "tvl/ids.h"
+#include "tvl/installation.h"
+#include "tvl/message.h"
+#include "tvl/xml_node.h"
+
+namespace headless {
+
+// What the plug-in reads of the registry, another for as long as this lives.
+class InstalledHere {
+  public:
+    explicit InstalledHere(const std::string& folder) {
+        platform::LayOverRegistry(platform::RegistryText{
+            std::string("HKEY_LOCAL_MACHINE\\") + TVL::kInstallKey, TVL::kInstallValue, folder});
+    }
+    ~InstalledHere() { platform::LayOverRegistry(std::nullopt); }
+    InstalledHere(const InstalledHere&) = delete;
+    InstalledHere& operator=(const InstalledHere&) = delete;
+};
+
+namespace {
+
+// By its bare name the system would look for a library in folders of its own.
+FoundPath Whole(const std::string& library) {
+    std::error_code error;
+    const std::string path =
+        platform::ToNarrow(std::filesystem::absolute(platform::FromNarrow(library), error));
+    if (path.empty()) return {{}, library + ": the path cannot be told in whole"};
+    return {path, {}};
+}
+
+OptionView ReadOption(const XMLNode& element) {
+    const std::string& id = element.Child("id").Text();
+    OptionView option;
+    option.name = element.Child("name").Text();
+    option.isButton = element.name == "button";
+    std::from_chars(id.data(), id.data() + id.size(), option.id);
+    return option;
+}
+
+// Options stand at any depth of the panel, one in an element "check" or "button".
+void CollectOptions(const XMLNode& element, std::vector<OptionView>& options) {
+    for (const auto& child : element.children) {
+        const bool isOption = child->name == "check" || child->name == "button";
+        if (isOption) options.push_back(ReadOption(*child));
+        if (!isOption) CollectOptions(*child, options);
+    }
+}
+
+// A switch that the Core does not know keeps whatever it was. An exception is the answer of a Core
+// that knows nothing of the option.
+void AskCore(CoreInterface& core, OptionView& option) try {
+    if (option.isButton) {
+        option.isKnown = core.GetOptionNode(option.id, 0) != nullptr;
+        return;
+    }
+    bool isOff = false;
+    bool isOn = true;
+    core.GetOptionValue(option.id, &isOff);
+    core.GetOptionValue(option.id, &isOn);
+    option.isKnown = isOff == isOn;
+    if (option.isKnown) option.value = isOn;
+} catch (...) {
+    option.isKnown = false;
+}
+
+}  // namespace
+
+struct CoreSeat::State {
+    std::string library;
+    std::string whyEmpty;  // why nobody can sit here; empty if somebody can
+    std::unique_ptr<InstalledHere> installed;
+
+    void Seat(const FoundPath& found);
+};
+
+void CoreSeat::State::Seat(const FoundPath& found) {
+    library = found.path;
+    whyEmpty = found.whyNot;
+    if (!whyEmpty.empty()) return;
+    const FoundPath seat = FindSeatFolder();
+    whyEmpty = seat.whyNot;
+    if (whyEmpty.empty() && platform::AreSameFile(library, SeatModule(seat.path)))
+        whyEmpty = library + " is the seat itself, which no Core sits on";
+    if (!whyEmpty.empty()) return;
+    SeatedCore::Get().Take(library);
+    installed = std::make_unique<InstalledHere>(seat.path);
+}
+
+CoreSeat::CoreSeat(const std::string& library) : state_(std::make_unique<State>()) {
+    state_->Seat(library.empty() ? FindInstalledCore() : Whole(library));
+}
+
+CoreSeat::~CoreSeat() {
+    state_->installed.reset();
+    SeatedCore::Get().Take({});
+}
+
+const std::string& CoreSeat::Library() const {
+    return state_->library;
+}
+
+bool CoreSeat::IsAttached() const {
+    return SeatedCore::Get().Core() != nullptr;
+}
+
+std::string CoreSeat::WhyAbsent() const {
+    return state_->whyEmpty.empty() ? SeatedCore::Get().WhyAbsent() : state_->whyEmpty;
+}
+
+std::vector<OptionView> CoreSeat::Options() const {
+    std::vector<OptionView> options;
+    const SeatedCore& seated = SeatedCore::Get();
+    if (!seated.Core()) return options;
+    CollectOptions(seated.Adaptor()->GetOptionsPanel(), options);
+    for (OptionView& option : options)
+        if (seated.Core()) AskCore(*seated.Core(), option);
+    return options;
+}
+
+bool CoreSeat::Press(int option) try {
+    CoreInterface* const core = SeatedCore::Get().Core();
+    TVL::Util::MessageNode* const node = core ? core->GetOptionNode(option, 0) : nullptr;
+    if (!node || node->GetListenerCount() == 0) return false;
+    TVL::Util::Message message(TVL::kButtonPressed, "pressed from the seat");
+    node->Broadcast(&message);
+    return true;
+} catch (...) {
+    return false;
+}
+
+}  // namespace headless
