@@ -129,12 +129,12 @@ std::string Lines(const std::vector<std::string>& values) {
     return lines;
 }
 
-CoreStage::CoreStage(Guests guests, const SessionSettings& settings)
-    : guests_(guests), session_(settings) {
+CoreStage::CoreStage(const GuestChoice& choice, const SessionSettings& settings)
+    : guests_(choice.guests), session_(settings) {
     session_.OnMessageBox([this](const MessageBoxText& box) { boxTexts_.push_back(box.text); });
     platform::UseNamedRegistry();
-    if (guests == Guests::kPluginAlone) platform::HideRegistry();
-    if (guests == Guests::kNobody) return;
+    if (guests_ == Guests::kPluginAlone) platform::HideRegistry();
+    if (guests_ == Guests::kNobody) return;
     const std::string error =
         session_.LoadPlugin(platform::BesideProgram(platform::ModuleFile(kPlugin)));
     if (!error.empty()) throw Failure(error);
@@ -171,7 +171,9 @@ void CoreStage::Open(const std::string& scene) {
 }
 
 void CoreStage::Save(const std::string& scene) {
-    Take(session_.SaveScene(scene));
+    FileOutcome outcome = session_.SaveScene(scene);
+    if (outcome.error.empty()) NoteSaved(scene);
+    Take(std::move(outcome));
 }
 
 void CoreStage::MergeByHost(const std::string& scene) {

@@ -30,11 +30,11 @@ using CoreRequest = std::map<std::string, std::string>;
 // told to it.
 std::string Lines(const std::vector<std::string>& values);
 
-// A host that has started with the plug-in beside the program, and the Core that the registry
-// names. What cannot be done is thrown as a Failure.
+// A host that has started with the plug-in beside the program, and the Core that was chosen. What
+// cannot be done is thrown as a Failure.
 class CoreStage {
   public:
-    explicit CoreStage(Guests guests, const SessionSettings& settings = {});
+    explicit CoreStage(const GuestChoice& choice, const SessionSettings& settings = {});
 
     Session& Host() { return session_; }
 

@@ -35,11 +35,9 @@ void PrintForProgram(std::ostream& out, const Differences& differences) {
 
 Differences Compare(const DiffArguments& arguments) {
     const auto cachedKeys = arguments.cachedKeys ? CachedKeys::kCompared : CachedKeys::kLeftOut;
-    try {
-        return {CompareSceneFiles(arguments.first, arguments.second, cachedKeys)};
-    } catch (const std::runtime_error& error) {
-        throw Failure(error.what(), kNotCompared);
-    }
+    return {ReadOrRefuse(
+        [&] { return CompareSceneFiles(arguments.first, arguments.second, cachedKeys); },
+        kNotCompared)};
 }
 
 void RunDiff(const DiffArguments& arguments) {
@@ -54,16 +52,15 @@ void RunDiff(const DiffArguments& arguments) {
 void AddDiffVerb(CLI::App& app) {
     const auto arguments = std::make_shared<DiffArguments>();
     CLI::App* verb =
-        app.add_subcommand("diff",
-                           "Tell two scene files apart in arguments. The exit status is 0 "
-                           "if they hold the same, 1 if they differ, 2 if they cannot "
-                           "be compared.");
+        AddVerb(app, kLooking, "diff",
+                "Tell in words in what two scene files differ. The exit status is 0 if they hold "
+                "the same, 1 if they differ, 2 if they cannot be compared.");
     AddFile(*verb, "FIRST", arguments->first, "Scene file")->required();
     AddFile(*verb, "SECOND", arguments->second, "Scene file")->required();
-    verb->add_flag("--cached-keys", arguments->cachedKeys,
-                   "Compare also the keys that controllers cache, which evaluation moves");
+    AddSwitch(*verb, "--cached-keys", arguments->cachedKeys,
+              "Compare also the keys that controllers cache, which evaluation moves");
     AddAudience(*verb, arguments->audience);
-    AddExample(*verb, "diff build/demo/take.scene build/demo/again.scene");
+    AddExample(*verb, "diff walk.scene again.scene");
     verb->callback([arguments] { RunDiff(*arguments); });
 }
 

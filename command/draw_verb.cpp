@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "command/drawing.h"
+#include "command/exit_status.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
 
@@ -94,7 +95,7 @@ int Segments(const DrawArguments& arguments, Range range, int usual) {
 void Choose(DrawArguments& arguments) {
     const bool isPath = !arguments.path.places.empty();
     if ((arguments.side > 0) + (arguments.radius > 0) + isPath != 1)
-        throw CLI::RequiredError("exactly one of --ground, --sphere and --path");
+        throw Failure("exactly one of --ground, --sphere and --path is to be said", kWrongUsage);
     if (arguments.segments && isPath) Refuse("--segments", "a path has none");
     if (arguments.side > 0)
         arguments.options.sketch =
@@ -113,45 +114,51 @@ void Choose(DrawArguments& arguments) {
 
 void RunDraw(DrawArguments& arguments) {
     Choose(arguments);
+    ExpectFile(arguments.options.target);
     const DrawResult result = Draw(arguments.options);
     for (const std::string& complaint : result.complaints)
         std::cout << "Complaint: " << complaint << '\n';
-    std::cout << "Drew " << InTable(result.name) << " (" << result.handle << ") into "
-              << arguments.options.target << ": " << Counted(result.nodes, "node") << '\n';
+    std::cout << "Drew " << InTable(result.name) << " (" << result.handle
+              << "); in the scene: " << Counted(result.nodes, "node") << '\n';
+    TellSaved(std::cout);
 }
 
 void AddObjects(CLI::App& verb, const std::shared_ptr<DrawArguments>& arguments) {
     AddSize(verb, "--ground", arguments->side,
-            "A flat square with sides of this length, looking up");
+            "A flat square that looks up, with sides of this length");
     AddSize(verb, "--sphere", arguments->radius, "A sphere of this radius");
     AddWholeNumber(verb, "--segments", arguments->segments,
-                   "Faces around the sphere's equator, or along a side of the ground");
+                   "Faces around the sphere's equator, " + Told(kSphereSegments) + " (" +
+                       std::to_string(kUsualSegments) +
+                       " if not said), or along a side of the ground, " + Told(kGroundDivisions) +
+                       " (" + std::to_string(kUsualDivisions) + " if not said)");
     CLI::Option* const path = verb.add_option_function<std::string>(
         "--path",
         [arguments](const std::string& text) {
             arguments->path.places = ReadPlaces("--path", text);
         },
-        "A curve through places \"x,y,z x,y,z ...\"");
+        "A curve through places, in quotes: \"x,y,z x,y,z ...\"");
     path->type_name("PLACES");
-    verb.add_flag("--closed", arguments->path.isClosed, "The curve leads back to its start")
+    AddSwitch(verb, "--closed", arguments->path.isClosed, "The curve leads back to its start")
         ->needs(path);
-    verb.add_flag("--smooth", arguments->path.isSmooth, "The curve has no corners")->needs(path);
+    AddSwitch(verb, "--smooth", arguments->path.isSmooth, "The curve has no corners")->needs(path);
 }
 
 void AddGuide(CLI::App& verb, const std::shared_ptr<DrawArguments>& arguments, CLI::Option* bend) {
     CLI::Option* const guide =
-        verb.add_flag("--guide", arguments->isGuide,
-                      "Put it in as a guide object of the plug-in, which shows in viewports alone")
+        AddSwitch(verb, "--guide", arguments->isGuide,
+                  "Put it in as a guide object of the plug-in, which shows in viewports alone")
             ->excludes(bend);
     verb.add_option_function<std::string>(
             "--color",
             [arguments](const std::string& text) {
                 arguments->look.colour = ReadColour("--color", text);
             },
-            "Colour of the guide object, R,G,B from 0 to 1 [1,0,0]")
-        ->type_name("COLOUR")
+            "Colour of the guide object, three numbers from 0 to 1")
+        ->type_name("R,G,B")
+        ->default_str("1,0,0")
         ->needs(guide);
-    verb.add_flag("--solid", arguments->isSolid, "Faces of the guide object instead of edges")
+    AddSwitch(verb, "--solid", arguments->isSolid, "Faces of the guide object instead of edges")
         ->needs(guide);
 }
 
@@ -160,11 +167,12 @@ void AddGuide(CLI::App& verb, const std::shared_ptr<DrawArguments>& arguments, C
 void AddDrawVerb(CLI::App& app) {
     const auto arguments = std::make_shared<DrawArguments>();
     DrawOptions& options = arguments->options;
-    CLI::App* verb = app.add_subcommand(
-        "draw",
-        "Draw an object with the host's own tools, in host units with Z up: one of --ground, "
-        "--sphere and --path. What the scene holds of a Core is kept.");
+    CLI::App* verb = AddVerb(
+        app, kMaking, "draw",
+        "Draw an object into a scene with the host's own tools. It is one of --ground, --sphere "
+        "and --path, in host units with Z up. What the scene holds of a Core is kept.");
     AddFile(*verb, "SCENE", options.scene, "Scene file to draw into; a new scene if not named");
+    AddOutput(*verb, "", options.target, "Where to save the scene")->required();
     AddObjects(*verb, arguments);
     CLI::Option* const bend =
         AddNumber(*verb, "--bend", arguments->bend,
@@ -175,11 +183,11 @@ void AddDrawVerb(CLI::App& app) {
             [arguments](const std::string& text) {
                 arguments->options.at = ReadPlace("--at", text);
             },
-            "Where to put it, x,y,z")
-        ->type_name("PLACE");
-    verb->add_option("--name", options.name, "Its name; the host chooses if not named");
-    AddFile(*verb, "-o", options.target, "Where to save the scene")->required();
-    AddExample(*verb, "draw --sphere 20 --bend 45 --name Ball -o build/demo/ball.scene");
+            "Where to put it")
+        ->type_name("X,Y,Z")
+        ->default_str("0,0,0");
+    AddName(*verb, "--name", options.name, "Its name; the host chooses if not said");
+    AddExample(*verb, "draw --sphere 20 --bend 45 --name Ball -o ball.scene");
     verb->callback([arguments] { RunDraw(*arguments); });
 }
 

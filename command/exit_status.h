@@ -27,6 +27,16 @@ class Failure : public std::runtime_error {
     int status_;
 };
 
+// Gives what reading scene files from outside gives. What that throws of a file is a refusal.
+template <class Read>
+auto ReadOrRefuse(const Read& read, int status = kFailed) {
+    try {
+        return read();
+    } catch (const std::runtime_error& error) {
+        throw Failure(error.what(), status);
+    }
+}
+
 // Thrown where a verb has done its work, and its outcome is a status other than 0.
 struct Ended {
     int status;

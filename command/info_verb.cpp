@@ -172,7 +172,7 @@ struct InfoArguments {
     Audience audience = Audience::kPerson;
 };
 
-void OpenInHost(Guests guests, InfoResult& result) {
+void OpenInHost(const GuestChoice& guests, InfoResult& result) {
     CoreStage stage(guests);
     const FileOutcome outcome = stage.Host().OpenScene(result.scene);
     if (!outcome.error.empty()) throw Failure(outcome.error);
@@ -184,11 +184,11 @@ void OpenInHost(Guests guests, InfoResult& result) {
 
 // Looks at the file alone, and then opens it with the guests that are wanted. The file can be told
 // of also where there is nobody to open it.
-InfoResult Info(const std::string& scene, Guests guests) {
+InfoResult Info(const std::string& scene, const GuestChoice& guests) {
     InfoResult result;
     result.scene = scene;
-    result.file = ViewSceneFile(scene);
-    if (guests == Guests::kNobody) {
+    result.file = ReadOrRefuse([&] { return ViewSceneFile(scene); });
+    if (guests.guests == Guests::kNobody) {
         result.whyNotOpened = "the file alone was looked at";
         return result;
     }
@@ -208,11 +208,13 @@ void RunInfo(const InfoArguments& arguments) {
 
 void AddInfoVerb(CLI::App& app) {
     const auto arguments = std::make_shared<InfoArguments>();
-    CLI::App* verb = app.add_subcommand("info", "Tell what a scene file holds.");
+    CLI::App* verb = AddVerb(
+        app, kLooking, "info",
+        "Tell what a scene file holds. It is told also where neither plug-in nor Core can be had.");
     AddFile(*verb, "SCENE", arguments->scene, "Scene file")->required();
     AddGuestOptions(*verb, arguments->guests);
     AddAudience(*verb, arguments->audience);
-    AddExample(*verb, "info build/demo/take.scene");
+    AddExample(*verb, "info walk.scene");
     verb->callback([arguments] { RunInfo(*arguments); });
 }
 

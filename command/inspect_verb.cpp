@@ -163,6 +163,7 @@ struct InspectArguments {
     std::string scene;
     std::vector<std::string> nodes;  // the host's names; all nodes if empty
     double seconds = 0;
+    std::string core;
     Audience audience = Audience::kPerson;
 };
 
@@ -196,7 +197,7 @@ std::vector<replay::NodeReport> LookAt(CoreStage& stage, const InspectArguments&
 }
 
 void RunInspect(const InspectArguments& arguments) {
-    CoreStage stage(Guests::kPluginAndCore);
+    CoreStage stage({Guests::kPluginAndCore, arguments.core});
     stage.Open(arguments.scene);
     Inspection inspection;
     inspection.scene = arguments.scene;
@@ -210,19 +211,17 @@ void RunInspect(const InspectArguments& arguments) {
 
 void AddInspectVerb(CLI::App& app) {
     const auto arguments = std::make_shared<InspectArguments>();
-    CLI::App* verb = app.add_subcommand(
-        "inspect",
+    CLI::App* verb = AddVerb(
+        app, kLooking, "inspect",
         "Tell what the Core sees of each node, its own or not. World matrices lead from object "
         "space, in host units, to Core space: metres, Y up. Bounds, lengths and target distances "
         "are in host units.");
     AddFile(*verb, "SCENE", arguments->scene, "Scene file")->required();
-    verb->add_option("--node", arguments->nodes,
-                     "The host's name of a node; may be said again for more; all if none is named")
-        ->expected(1)
-        ->take_all();
+    AddNodes(*verb, arguments->nodes);
     AddNumber(*verb, "--time", arguments->seconds, "When, in seconds")->capture_default_str();
+    AddCoreOption(*verb, arguments->core);
     AddAudience(*verb, arguments->audience);
-    AddExample(*verb, "inspect build/demo/take.scene --node 01_01_Hips --time 0.5");
+    AddExample(*verb, "inspect walk.scene --node walk_Hips --time 0.5");
     verb->callback([arguments] { RunInspect(*arguments); });
 }
 

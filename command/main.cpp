@@ -1,18 +1,27 @@
 #include <CLI/CLI.hpp>
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
 #include <iostream>
 #include <new>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "command/exit_status.h"
+#include "command/help.h"
+#include "command/verb_texts.h"
 #include "command/verbs.h"
+#include "command/written_files.h"
+#include "command/wrong_words.h"
 #include "headless/breaches.h"
 #include "platform/process.h"
+#include "tvl/adaptor_interface.h"
 
 namespace {
 
 constexpr char kNoMemory[] = "there is not enough memory";
+constexpr char kFault[] = "a fault of the program itself, not of what it was asked for: ";
 
 // Of the shutdown, and of a verb that does not tell them itself.
 void TellBreaches() {
@@ -20,13 +29,12 @@ void TellBreaches() {
         std::cerr << "Complaint: " << line << '\n';
 }
 
-int Fail(const char* what, int status) {
-    std::cerr << "lumiset-headless: " << what << '\n';
+// The one line of a failure. Asks for no memory.
+int Fail(const char* kind, const char* what, int status) {
+    std::cerr << headless::kCommand << ": " << kind << what;
+    headless::TellWhatStands(std::cerr);
+    std::cerr << '\n';
     return status;
-}
-
-headless::Failure WrongUsage(const std::string& what) {
-    return headless::Failure(what + " (--help tells more)", headless::kWrongUsage);
 }
 
 // By a word that lost a letter on its way another file would be taken.
@@ -39,34 +47,53 @@ void RefuseLostArgument() {
 
 // CLI11 asks for memory where it has promised to throw nothing.
 [[noreturn]] void EndBeforeWork() {
-    std::_Exit(Fail(kNoMemory, headless::kFailed));
+    std::_Exit(Fail("", kNoMemory, headless::kFailed));
+}
+
+void AddVerbs(CLI::App& app) {
+    headless::AddRecordVerb(app);
+    headless::AddDrawVerb(app);
+    headless::AddOpenVerb(app);
+    headless::AddMergeVerb(app);
+    headless::AddConvertVerb(app);
+    headless::AddRenderVerb(app);
+    headless::AddInfoVerb(app);
+    headless::AddDiffVerb(app);
+    headless::AddInspectVerb(app);
+    headless::AddSampleVerb(app);
+    headless::AddHelpVerbs(app);
+}
+
+// "VERB help" is meant as "help VERB", but where there is a scene of that name.
+void TurnHelpAhead(int argc, char** argv) {
+    constexpr std::string_view kHelp = "help";
+    if (argc == 3 && argv[2] == kHelp && !std::filesystem::exists(kHelp))
+        std::swap(argv[1], argv[2]);
 }
 
 int Run(int argc, char** argv) {
     RefuseLostArgument();
+    TurnHelpAhead(argc, argv);
     const std::terminate_handler usual = std::set_terminate(&EndBeforeWork);
-    CLI::App app("The animation host without a screen, with the plug-in and its Core.");
+    CLI::App app(
+        "An animation host without a screen, with the plug-in and its Core. What came of a verb "
+        "is printed when all of it is done, and a file is written whole or not at all.");
     app.require_subcommand(0, 1);
-    app.set_version_flag("--version", LUMISET_VERSION, "Print the version and end");
+    headless::UseOwnHelp(app);
+    app.set_version_flag("--version",
+                         std::string(headless::kCommand) + ' ' + LUMISET_VERSION + ", interface " +
+                             std::to_string(TVL::kInterfaceVersion),
+                         "Print the versions of program and interface");
     app.parse_complete_callback([usual] { std::set_terminate(usual); });  // ahead of the verb's
     app.allow_windows_style_options(false);  // a path may begin with a slash
-    headless::AddRecordVerb(app);
-    headless::AddOpenVerb(app);
-    headless::AddMergeVerb(app);
-    headless::AddSampleVerb(app);
-    headless::AddInspectVerb(app);
-    headless::AddDrawVerb(app);
-    headless::AddRenderVerb(app);
-    headless::AddConvertVerb(app);
-    headless::AddInfoVerb(app);
-    headless::AddDiffVerb(app);
+    AddVerbs(app);
     try {
         app.parse(argc, argv);
+        if (app.get_subcommands().empty()) throw headless::NoVerb(app, "");
     } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == 0) return app.exit(error);
-        throw WrongUsage(error.what());
+        if (error.get_exit_code() != 0) throw headless::WrongWords(app, error);
+        app.exit(error);
     }
-    if (app.get_subcommands().empty()) throw WrongUsage("a verb is missing");
     if (!std::cout.flush()) throw headless::Failure(headless::kOutputLost);
     return headless::kDone;
 }
@@ -77,11 +104,11 @@ int Guarded(int argc, char** argv) {
     } catch (const headless::Ended& ended) {
         return ended.status;
     } catch (const headless::Failure& failure) {
-        return Fail(failure.what(), failure.Status());
+        return Fail("", failure.what(), failure.Status());
     } catch (const std::bad_alloc&) {
-        return Fail(kNoMemory, headless::kFailed);
+        return Fail("", kNoMemory, headless::kFailed);
     } catch (const std::exception& error) {
-        return Fail(error.what(), headless::kFailed);
+        return Fail(kFault, error.what(), headless::kFailed);
     }
 }
 

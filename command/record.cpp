@@ -4,7 +4,6 @@
 #include <fstream>
 #include <iterator>
 
-#include "command/core_stage.h"
 #include "command/exit_status.h"
 #include "command/output.h"
 #include "headless/primitives.h"
@@ -154,7 +153,7 @@ RecordResult Record(const RecordOptions& options) {
     StartTrace(options.trace);
     CoreFile csv(options.csv);
     CoreFile poses(options.poses);
-    CoreStage stage(Guests::kPluginAndCore, SettingsFor(options));
+    CoreStage stage({Guests::kPluginAndCore, options.core}, SettingsFor(options));
     if (!options.into.empty()) stage.Open(options.into);
     const CoreRequest request = RequestFor(options);
     const std::uint64_t before = SceneDigest();
@@ -168,6 +167,7 @@ RecordResult Record(const RecordOptions& options) {
     TakeComplaints(stage, result);
     if (!options.csv.empty()) csv.Keep();
     if (!options.poses.empty() && !result.isFaulty) poses.Keep();
+    result.hasTables = !options.csv.empty() || (!options.poses.empty() && !result.isFaulty);
     return result;
 }
 

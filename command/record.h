@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "replay/report.h"
+#include "command/core_stage.h"
 
 namespace headless {
 
@@ -16,6 +16,7 @@ struct RecordOptions {
     std::string csv;                  // where to write the positions; empty for nowhere
     std::string poses;                // where to write the poses; empty for nowhere
     std::string trace;                // where the plug-in writes its trace; empty for nowhere
+    std::string core;                 // the library that is the Core; empty for the installed one
     bool optimisedController = true;
     double hostUnitsPerMetre = 39.37;
     std::string into;       // the scene to record into, in its own units; empty for a new one
@@ -34,6 +35,7 @@ struct RecordResult {
     double recordSeconds = 0;
     std::vector<std::string> complaints;  // about captures, scene files and what came of them
     std::string saved;                    // the scene file that was written; empty for none
+    bool hasTables = false;               // other files than the scene were written
     bool isFaulty = false;                // the takes are not what they were meant to be
     std::size_t nodes = 0;                // in the scene
     std::size_t keys = 0;  // distinct key times, summed over all of them that are no cameras

@@ -52,6 +52,13 @@ void PrintKept(std::ostream& out, const replay::CaptureReport& capture) {
         << " s, behind the last frame (--replace leaves nothing of it)\n";
 }
 
+// A scene that is named and not saved is told among the complaints.
+void PrintNotSaved(std::ostream& out, const RecordResult& result) {
+    if (!result.saved.empty()) return;
+    out << (result.hasTables ? "The scene was not saved" : "Nothing was saved");
+    out << (result.isFaulty ? "\n" : ": -o FILE saves the scene\n");
+}
+
 nlohmann::ordered_json JsonOf(const RecordResult& result, const replay::CaptureReport& capture) {
     nlohmann::ordered_json object = {{"capture", capture.path},
                                      {"joints", capture.joints},
@@ -84,7 +91,6 @@ void PrintForPerson(std::ostream& out, const RecordResult& result) {
     out << " in " << std::setprecision(2) << result.recordSeconds << " s\n";
     for (const std::string& complaint : result.complaints)
         out << "Complaint: " << complaint << '\n';
-    if (result.saved.empty()) out << "Not saved: --scene FILE saves the scene\n";
     out << "In the scene: " << Counted(result.nodes, "node") << " with "
         << Counted(result.keys, "key") << ", " << std::setprecision(1) << result.bytesPerKey
         << " bytes each\n";
@@ -99,6 +105,8 @@ void PrintForPerson(std::ostream& out, const RecordResult& result) {
         << SameOrNot(result.undoIdentical) << " to before; redo: scene "
         << SameOrNot(result.redoIdentical) << " to the recording\n";
     out << "Left over after shutdown: " << Counted(result.hostObjectsAlive, "host object") << '\n';
+    TellSaved(out);
+    PrintNotSaved(out, result);
 }
 
 void PrintForProgram(std::ostream& out, const RecordResult& result) {
@@ -133,7 +141,7 @@ void CheckFiles(const RecordOptions& options) {
     std::vector<NamedFile> captures;
     for (const std::string& capture : options.captures)
         captures.push_back({"CAPTURE", capture});
-    const NamedFile scene{"--scene", options.scene};
+    const NamedFile scene{kOutput, options.scene};
     const std::vector<NamedFile> tables = {
         {"--poses", options.poses}, {"--csv", options.csv}, {"--trace", options.trace}};
     KeepApart(captures, {scene, tables[0], tables[1], tables[2]});
@@ -150,6 +158,7 @@ void RunRecord(const RecordArguments& arguments) {
     RecordOptions options = arguments.options;
     options.optimisedController = !arguments.plainController;
     options.progress = platform::IsErrorStreamATerminal();
+    ExpectFile(options.scene);
     const RecordResult result = Record(options);
     Print(std::cout, result, arguments.audience);
     if (result.isFaulty) throw Ended{kFailed};
@@ -157,20 +166,19 @@ void RunRecord(const RecordArguments& arguments) {
 
 void AddTakeOptions(CLI::App& verb, RecordOptions& options) {
     AddName(verb, "--take", options.take,
-            "Record into the take of this name (else that of the capture's file)");
-    verb.add_flag("--replace", options.replaces,
-                  "Leave nothing of a take that is in the scene already");
-    verb.add_flag("--partial", options.takesCutCaptures,
-                  "Record a capture that holds fewer frames than it announces");
-    verb.add_flag("--ground", options.holdsToGround,
-                  "Keep feet from sinking into the node \"Ground\", which is drawn if there is "
-                  "none");
-    verb.add_flag("--follow-camera", options.followsWithCamera,
-                  "Let the camera follow the take, with keys of its lens");
+            "Record into the take of this name; that of the capture's file if not said");
+    AddSwitch(verb, "--replace", options.replaces,
+              "Leave nothing of a take that is in the scene already");
+    AddSwitch(verb, "--partial", options.takesCutCaptures,
+              "Record a capture that holds fewer frames than it announces");
+    AddSwitch(verb, "--ground", options.holdsToGround,
+              "Keep feet from sinking into the node \"Ground\", which is drawn if there is none");
+    AddSwitch(verb, "--follow-camera", options.followsWithCamera,
+              "Let the camera follow the take, with keys of its lens");
 }
 
 void AddWrittenFiles(CLI::App& verb, RecordOptions& options) {
-    AddFile(verb, "--scene", options.scene, "Save the scene");
+    AddOutput(verb, "--scene", options.scene, "Save the scene");
     AddFile(verb, "--poses", options.poses, "Write what `sample` says of each frame");
     AddFile(verb, "--csv", options.csv,
             "Write where each joint was in each frame (of one capture)");
@@ -182,9 +190,12 @@ void AddWrittenFiles(CLI::App& verb, RecordOptions& options) {
 void AddRecordVerb(CLI::App& app) {
     const auto arguments = std::make_shared<RecordArguments>();
     RecordOptions& options = arguments->options;
-    CLI::App* verb = app.add_subcommand(
-        "record", "Record motion captures into a new scene, or into one that is there.");
+    CLI::App* verb =
+        AddVerb(app, kMaking, "record",
+                "Record motion captures into a new scene, or into one that is there. Then undo and "
+                "redo the recording, and tell whether the scene came back as it was.");
     AddFiles(*verb, "CAPTURE", options.captures, "Motion capture files (.bvh)")->required();
+    AddWrittenFiles(*verb, options);
     AddSize(*verb, "--scale", options.metresPerUnit, "Metres in a unit of the captures")
         ->capture_default_str();
     CLI::Option* const units =
@@ -194,12 +205,11 @@ void AddRecordVerb(CLI::App& app) {
             "Record into this scene, in its own units; a guide object goes along its first shape")
         ->excludes(units);
     AddTakeOptions(*verb, options);
-    AddWrittenFiles(*verb, options);
-    verb->add_flag("--no-optimised-controller", arguments->plainController,
-                   "Record into the host's own controllers");
+    AddSwitch(*verb, "--no-optimised-controller", arguments->plainController,
+              "Record into the host's own controllers");
+    AddCoreOption(*verb, options.core);
     AddAudience(*verb, arguments->audience);
-    AddExample(*verb,
-               "record /usr/share/assimp/models/BVH/01_01.bvh --scene build/demo/mine.scene");
+    AddExample(*verb, "record walk.bvh --scale 0.01 -o walk.scene");
     verb->callback([arguments] { RunRecord(*arguments); });
 }
 

@@ -56,8 +56,10 @@ Picture PictureAt(const ViewportSettings& view, TimeValue t, const std::string& 
 }
 
 void Write(const Picture& picture, const std::string& file, RenderResult& result) {
+    ExpectFile(file);
     const std::string error = WritePng(picture, file);
     if (!error.empty()) throw Failure(error);
+    NoteSaved(file);
     result.files.push_back(file);
     result.width = picture.width;
     result.height = picture.height;

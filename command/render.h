@@ -25,7 +25,7 @@ std::size_t FramePlaces(const std::string& file);
 struct RenderOptions {
     std::string scene;
     std::string file;  // with a place for the frame's number if a file holds one frame of several
-    Guests guests = Guests::kPluginAndCore;
+    GuestChoice guests;
     ViewportSettings view;
     double seconds = 0;              // if there are no frames
     std::vector<FrameRange> frames;  // none, or one

@@ -66,11 +66,12 @@ void ReadSize(const std::string& text, ViewportSettings& view) {
 }
 
 void CheckFile(const RenderOptions& options) {
-    KeepApart({{"SCENE", options.scene}}, {{"-o", options.file}});
+    KeepApart({{"SCENE", options.scene}}, {{kOutput, options.file}});
     if (options.frames.empty() || options.sheetColumns > 0) return;
     const std::size_t places = FramePlaces(options.file);
     if (places == 1 || (places == 0 && options.frames.front().Count() == 1)) return;
-    Refuse("-o: " + options.file + " has " + (places == 0 ? "no place" : "several places") +
+    Refuse(std::string(kOutput) + ": " + options.file + " has " +
+           (places == 0 ? "no place" : "several places") +
            " for the number of a frame, where it needs one %04d (or --sheet)");
 }
 
@@ -80,12 +81,13 @@ void RunRender(RenderArguments& arguments) {
         arguments.options.sheetColumns = *arguments.sheetColumns;
     }
     CheckFile(arguments.options);
+    ExpectFile(arguments.options.file);
     arguments.options.guests = arguments.guests.Chosen();
     arguments.options.progress = platform::IsErrorStreamATerminal();
     const RenderResult result = Render(arguments.options);
     for (const std::string& complaint : result.complaints)
         std::cout << "Complaint: " << complaint << '\n';
-    std::cout << result.files.front();
+    std::cout << "Saved as " << result.files.front();
     if (result.files.size() > 1)
         std::cout << " to " << result.files.back() << ": " << result.files.size()
                   << " pictures of ";
@@ -95,13 +97,16 @@ void RunRender(RenderArguments& arguments) {
 }
 
 void AddTimes(CLI::App& verb, const std::shared_ptr<RenderArguments>& arguments) {
-    CLI::Option_group* const times = verb.add_option_group("Times");
-    AddNumber(*times, "--time", arguments->options.seconds, "The moment to draw, in seconds");
-    times->add_option_function<std::string>(
-        "--frames",
-        [arguments](const std::string& text) { arguments->options.frames = {ReadFrames(text)}; },
-        "FIRST:LAST:STEP in frames of the scene, LAST included");
-    times->require_option(1);
+    CLI::Option* const time =
+        AddNumber(verb, "--time", arguments->options.seconds, "The moment to draw, in seconds");
+    verb.add_option_function<std::string>(
+            "--frames",
+            [arguments](const std::string& text) {
+                arguments->options.frames = {ReadFrames(text)};
+            },
+            "The frames of the scene to draw, LAST included")
+        ->type_name("FIRST:LAST:STEP")
+        ->excludes(time);
 }
 
 void AddLooks(CLI::App& verb, const std::shared_ptr<RenderArguments>& arguments) {
@@ -110,30 +115,41 @@ void AddLooks(CLI::App& verb, const std::shared_ptr<RenderArguments>& arguments)
             "Look through this camera; else from the front and above at all that shows, for "
             "which neither cameras nor a flat ground count");
     verb.add_option_function<std::string>(
-        "--size", [arguments](const std::string& text) { ReadSize(text, arguments->options.view); },
-        "WIDTHxHEIGHT of each picture in pixels, 16 to 8,192 [960x540]");
-    verb.add_flag("--wire", view.isWireframe, "Edges instead of faces");
-    verb.add_flag("--names", view.showsNames,
-                  "Write its name beside each node, where there is room");
+            "--size",
+            [arguments](const std::string& text) { ReadSize(text, arguments->options.view); },
+            "The size of each picture in pixels, 16 to 8,192 each way")
+        ->type_name("WIDTHxHEIGHT")
+        ->default_str(std::to_string(view.width) + 'x' + std::to_string(view.height));
+    AddSwitch(verb, "--wire", view.isWireframe, "Edges instead of faces");
+    AddSwitch(verb, "--names", view.showsNames,
+              "Write its name beside each node, where there is room");
 }
 
 }  // namespace
 
 void AddRenderVerb(CLI::App& app) {
     const auto arguments = std::make_shared<RenderArguments>();
-    CLI::App* verb = app.add_subcommand("render", "Draw a scene as the host's viewport shows it.");
+    CLI::App* verb =
+        AddVerb(app, kLooking, "render",
+                "Draw a scene as the host's viewport shows it. Either a moment (--time) "
+                "or frames (--frames) are to be named.");
     AddFile(*verb, "SCENE", arguments->options.scene, "Scene file")->required();
-    AddTimes(*verb, arguments);
-    AddLooks(*verb, arguments);
-    AddWholeNumber(*verb, "--sheet", arguments->sheetColumns,
-                   "The frames side by side in one picture, so many in a row")
-        ->needs("--frames");
-    AddFile(*verb, "-o", arguments->options.file,
-            "PNG file; of several, with %04d for the number of the frame")
+    AddOutput(*verb, "", arguments->options.file,
+              "PNG file; of several, with %04d for the number of the frame")
         ->required();
+    AddTimes(*verb, arguments);
+    AddWholeNumber(
+        *verb, "--sheet", arguments->sheetColumns,
+        "The frames side by side in one picture, so many in a row, " + Told(kSheetColumns))
+        ->needs("--frames");
+    AddLooks(*verb, arguments);
     AddGuestOptions(*verb, arguments->guests);
-    AddExample(*verb, "render build/demo/take.scene --time 2.5 -o build/demo/view.png");
-    verb->callback([arguments] { RunRender(*arguments); });
+    AddExample(*verb, "render walk.scene --time 2.5 -o walk.png");
+    verb->callback([arguments, verb] {
+        if (verb->count("--time") + verb->count("--frames") == 0)
+            Refuse("--time or --frames is missing (render --help tells more)");
+        RunRender(*arguments);
+    });
 }
 
 }  // namespace headless

@@ -17,14 +17,15 @@ struct SampleArguments {
     std::string scene;
     std::vector<std::string> nodes;
     std::string times;
-    std::string csv;
+    std::string output;
+    std::string core;
 };
 
 void RunSample(const SampleArguments& arguments) {
-    KeepApart({{"SCENE", arguments.scene}}, {{"--csv", arguments.csv}});
-    CoreStage stage(Guests::kPluginAndCore);
+    KeepApart({{"SCENE", arguments.scene}}, {{kOutput, arguments.output}});
+    CoreStage stage({Guests::kPluginAndCore, arguments.core});
     stage.Open(arguments.scene);
-    CoreFile csv(arguments.csv);
+    CoreFile csv(arguments.output);
     try {
         stage.AskCore({{replay::variable::kSample, arguments.times},
                        {replay::variable::kSampleNodes, Lines(arguments.nodes)},
@@ -32,29 +33,31 @@ void RunSample(const SampleArguments& arguments) {
     } catch (const Failure& failure) {
         throw Failure(csv.Named(failure.what()), failure.Status());
     }
-    if (arguments.csv.empty())
+    if (arguments.output.empty()) {
         std::cout << std::ifstream(csv.Path(), std::ios::binary).rdbuf();
-    else
-        csv.Keep();
+        return;
+    }
+    csv.Keep();
+    TellSaved(std::cout);
 }
 
 }  // namespace
 
 void AddSampleVerb(CLI::App& app) {
     const auto arguments = std::make_shared<SampleArguments>();
-    CLI::App* verb = app.add_subcommand(
-        "sample",
-        "Write where the Core's nodes are, as comma-separated values in Core space: metres, Y up, "
-        "rotations as quaternions, scales as metres in a unit of the node's own space.");
+    CLI::App* verb = AddVerb(
+        app, kLooking, "sample",
+        "Write where the Core's nodes are, as comma-separated values. They are in Core space: "
+        "metres, Y up, rotations as quaternions, scales as metres in a unit of the node's own "
+        "space.");
     AddFile(*verb, "SCENE", arguments->scene, "Scene file")->required();
-    verb->add_option("--node", arguments->nodes,
-                     "The host's name of a node; may be said again for more; all if none is named")
-        ->expected(1)
-        ->take_all();
-    verb->add_option("--times", arguments->times, "START:END:STEP in seconds, END included")
+    AddNodes(*verb, arguments->nodes);
+    verb->add_option("--times", arguments->times, "In seconds, END included")
+        ->type_name("START:END:STEP")
         ->required();
-    AddFile(*verb, "--csv", arguments->csv, "Write to a file instead of stdout");
-    AddExample(*verb, "sample build/demo/take.scene --node 01_01_Hips --times 0:2:0.5");
+    AddOutput(*verb, "--csv", arguments->output, "Write to a file and not to the terminal");
+    AddCoreOption(*verb, arguments->core);
+    AddExample(*verb, "sample walk.scene --node walk_Hips --times 0:2:0.5");
     verb->callback([arguments] { RunSample(*arguments); });
 }
 

@@ -67,7 +67,7 @@ void PrintForPerson(std::ostream& out, const SceneReport& report) {
         out << "Message box: " << box << '\n';
     for (const std::string& complaint : report.complaints)
         out << "Complaint: " << complaint << '\n';
-    if (!report.saved.empty()) out << "Saved as " << report.saved << '\n';
+    TellSaved(out);
 }
 
 void PrintForProgram(std::ostream& out, const SceneReport& report) {
@@ -89,7 +89,7 @@ void PrintForProgram(std::ostream& out, const SceneReport& report) {
 struct SceneArguments {
     std::string scene;
     std::vector<std::string> others;
-    std::string save;
+    std::string output;
     GuestFlags guests;
     bool byHost = false;
     Audience audience = Audience::kPerson;
@@ -97,17 +97,18 @@ struct SceneArguments {
 
 template <class Work>
 void RunOnScene(const SceneArguments& arguments, const Work& work) {
+    ExpectFile(arguments.output);
     CoreStage stage(arguments.guests.Chosen());
     stage.Open(arguments.scene);
     work(stage);
-    Print(std::cout, SaveAndReport(stage, arguments.scene, arguments.save), arguments.audience);
+    Print(std::cout, SaveAndReport(stage, arguments.scene, arguments.output), arguments.audience);
 }
 
 // The Core learns of a file that the host refuses only that nothing came of it. Read here first, it
 // is refused with the reason.
 void RefuseDamaged(const std::vector<std::string>& scenes) {
     for (const std::string& scene : scenes)
-        ViewSceneFile(scene);
+        ReadOrRefuse([&] { return ViewSceneFile(scene); });
 }
 
 void Merge(CoreStage& stage, const SceneArguments& arguments) {
@@ -143,29 +144,29 @@ void Convert(CoreStage& stage) {
 void AddOpenVerb(CLI::App& app) {
     const auto arguments = std::make_shared<SceneArguments>();
     CLI::App* verb =
-        app.add_subcommand("open", "Open a scene, and tell what the Core finds in it.");
+        AddVerb(app, kKeeping, "open", "Open a scene, and tell what the Core finds in it.");
     AddFile(*verb, "SCENE", arguments->scene, "Scene file")->required();
-    AddFile(*verb, "--save", arguments->save, "Save the scene as it is then");
+    AddOutput(*verb, "--save", arguments->output, "Save the scene as it is then");
     AddGuestOptions(*verb, arguments->guests);
     AddAudience(*verb, arguments->audience);
-    AddExample(*verb, "open build/demo/take.scene --save build/demo/again.scene");
+    AddExample(*verb, "open walk.scene -o again.scene");
     ExplainReport(*verb);
     verb->callback([arguments] { RunOnScene(*arguments, [](CoreStage&) {}); });
 }
 
 void AddMergeVerb(CLI::App& app) {
     const auto arguments = std::make_shared<SceneArguments>();
-    CLI::App* verb = app.add_subcommand("merge", "Let the Core merge other scenes into a scene.");
+    CLI::App* verb =
+        AddVerb(app, kKeeping, "merge", "Let the Core merge other scenes into a scene.");
     AddFile(*verb, "SCENE", arguments->scene, "Scene file")->required();
     AddFiles(*verb, "OTHER", arguments->others, "Scene files to merge into it, in this order")
         ->required();
-    AddFile(*verb, "--save", arguments->save, "Where to save the scene")->required();
-    verb->add_flag("--by-host", arguments->byHost,
-                   "Let the host merge, as it does where there is no Core");
+    AddOutput(*verb, "--save", arguments->output, "Where to save the scene")->required();
+    AddSwitch(*verb, "--by-host", arguments->byHost,
+              "Let the host merge, as it does where there is no Core");
     AddGuestOptions(*verb, arguments->guests);
     AddAudience(*verb, arguments->audience);
-    AddExample(*verb,
-               "merge build/demo/take.scene build/demo/take.scene --save build/demo/two.scene");
+    AddExample(*verb, "merge walk.scene again.scene -o both.scene");
     ExplainReport(*verb);
     verb->callback([arguments] {
         RunOnScene(*arguments, [&](CoreStage& stage) { Merge(stage, *arguments); });
@@ -175,11 +176,12 @@ void AddMergeVerb(CLI::App& app) {
 void AddConvertVerb(CLI::App& app) {
     const auto arguments = std::make_shared<SceneArguments>();
     CLI::App* verb =
-        app.add_subcommand("convert", "Turn all controllers of a scene into the host's own.");
+        AddVerb(app, kKeeping, "convert", "Turn all controllers of a scene into the host's own.");
     AddFile(*verb, "SCENE", arguments->scene, "Scene file")->required();
-    AddFile(*verb, "--save", arguments->save, "Where to save the scene")->required();
+    AddOutput(*verb, "--save", arguments->output, "Where to save the scene")->required();
+    AddCoreOption(*verb, arguments->guests.core);
     AddAudience(*verb, arguments->audience);
-    AddExample(*verb, "convert build/demo/take.scene --save build/demo/plain.scene");
+    AddExample(*verb, "convert walk.scene -o plain.scene");
     ExplainReport(*verb);
     verb->callback([arguments] { RunOnScene(*arguments, &Convert); });
 }

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <limits>
 
+#include "command/verb_texts.h"
+
 namespace headless {
 namespace {
 
@@ -12,11 +14,15 @@ std::string CheckFileName(const std::string& text) {
     return text.empty() ? "the name of a file is empty" : "";
 }
 
+std::string CheckName(const std::string& text) {
+    return text.empty() ? "the name is empty" : "";
+}
+
 // Empty, or what is wrong with a number, which is to stay finite in single precision.
 std::string CheckNumber(const std::string& text) {
     double number = 0;
     if (!CLI::detail::lexical_cast(text, number) || std::isnan(number))
-        return text + " is not a number";
+        return '"' + text + "\" is not a number";
     return std::abs(number) <= std::numeric_limits<float>::max() ? "" : text + " is out of range";
 }
 
@@ -31,77 +37,108 @@ std::string CheckSize(const std::string& text) {
 // Empty, or what is wrong with a whole number.
 std::string CheckWholeNumber(const std::string& text) {
     int number = 0;
-    return CLI::detail::lexical_cast(text, number) ? "" : text + " is not a whole number";
+    return CLI::detail::lexical_cast(text, number) ? "" : '"' + text + "\" is not a whole number";
 }
 
 }  // namespace
 
+CLI::App* AddVerb(CLI::App& program, const char* group, const std::string& name,
+                  const std::string& text) {
+    return program.add_subcommand(name, text)->group(group);
+}
+
 void AddExample(CLI::App& verb, const std::string& words) {
-    verb.footer(
-        "Example, in the project's folder after ./dev demo:\n"
-        "  build/release/bin/lumiset-headless " +
-        words);
+    verb.footer("Example:\n  " + std::string(kCommand) + ' ' + words);
 }
 
 void ExplainReport(CLI::App& verb) {
     verb.footer(verb.get_footer() +
-                "\nA take that is told to be below another one belongs to it in the Core, as takes "
-                "do that were\nrecorded by one command.");
+                "\n\nA take that is told to be below another one belongs to it in the Core, as "
+                "takes do that were recorded by one command.");
+}
+
+CLI::Option* AddSwitch(CLI::App& verb, const std::string& words, bool& isSaid,
+                       const std::string& help) {
+    return verb.add_flag(words, isSaid, help)->disable_flag_override();
 }
 
 CLI::Option* AddFile(CLI::App& verb, const std::string& words, std::string& name,
                      const std::string& help) {
-    return verb.add_option(words, name, help)->check(CheckFileName, "FILE");
+    return verb.add_option(words, name, help)->check(CheckFileName)->type_name("FILE");
 }
 
 CLI::Option* AddFiles(CLI::App& verb, const std::string& words, std::vector<std::string>& names,
                       const std::string& help) {
-    return verb.add_option(words, names, help)->check(CheckFileName, "FILE");
+    return verb.add_option(words, names, help)->check(CheckFileName)->type_name("FILE");
+}
+
+CLI::Option* AddOutput(CLI::App& verb, const std::string& old, std::string& name,
+                       const std::string& help) {
+    return AddFile(verb, "-o," + std::string(kOutput) + (old.empty() ? "" : ',' + old), name, help);
 }
 
 CLI::Option* AddNumber(CLI::App& verb, const std::string& words, double& number,
                        const std::string& help) {
-    return verb.add_option(words, number, help)->check(CheckNumber, "NUMBER");
+    return verb.add_option(words, number, help)->check(CheckNumber)->type_name("NUMBER");
 }
 
 CLI::Option* AddSize(CLI::App& verb, const std::string& words, double& size,
                      const std::string& help) {
-    return verb.add_option(words, size, help)->check(CheckSize, "ABOVE 0");
+    return verb.add_option(words, size, help + ", a number above 0")
+        ->check(CheckSize)
+        ->type_name("NUMBER");
 }
 
 CLI::Option* AddWholeNumber(CLI::App& verb, const std::string& words, std::optional<int>& number,
                             const std::string& help) {
-    return verb.add_option(words, number, help)->check(CheckWholeNumber, "WHOLE NUMBER");
+    return verb.add_option(words, number, help)->check(CheckWholeNumber)->type_name("NUMBER");
+}
+
+std::string Told(Range range) {
+    return std::to_string(range.least) + " to " + std::to_string(range.most);
 }
 
 void CheckRange(const std::string& option, int number, Range range) {
     if (number < range.least || number > range.most)
-        throw CLI::ValidationError(option, std::to_string(number) + " is not from " +
-                                               std::to_string(range.least) + " to " +
-                                               std::to_string(range.most));
+        throw CLI::ValidationError(option, std::to_string(number) + " is not from " + Told(range));
 }
 
-Guests GuestFlags::Chosen() const {
-    if (noPlugin) return Guests::kNobody;
-    return noCore ? Guests::kPluginAlone : Guests::kPluginAndCore;
+GuestChoice GuestFlags::Chosen() const {
+    GuestChoice choice{.guests = Guests::kPluginAndCore, .core = core};
+    if (noCore) choice.guests = Guests::kPluginAlone;
+    if (noPlugin) choice.guests = Guests::kNobody;
+    return choice;
 }
 
 void AddGuestOptions(CLI::App& verb, GuestFlags& words) {
-    verb.add_flag("--no-core", words.noCore, "The plug-in finds no Core");
-    verb.add_flag("--no-plugin", words.noPlugin, "The host is alone");
+    CLI::Option* const core = AddCoreOption(verb, words.core);
+    AddSwitch(verb, "--no-core", words.noCore, "The plug-in finds no Core")->excludes(core);
+    AddSwitch(verb, "--no-plugin", words.noPlugin, "The host is alone")->excludes(core);
+}
+
+CLI::Option* AddCoreOption(CLI::App& verb, std::string& core) {
+    return AddFile(verb, "--core", core,
+                   "The library that is the Core, wherever it lies; else the installed one");
 }
 
 void AddAudience(CLI::App& verb, Audience& audience) {
     verb.add_flag_callback(
-        "--json", [&audience] { audience = Audience::kProgram; },
-        "Print the result as one JSON object");
+            "--json", [&audience] { audience = Audience::kProgram; },
+            "Print the result as one JSON object")
+        ->disable_flag_override();
 }
 
 CLI::Option* AddName(CLI::App& verb, const std::string& words, std::string& name,
                      const std::string& help) {
-    return verb.add_option(words, name, help)
-        ->check([](const std::string& text) { return text.empty() ? "the name is empty" : ""; },
-                "NAME");
+    return verb.add_option(words, name, help)->check(CheckName)->type_name("NAME");
+}
+
+void AddNodes(CLI::App& verb, std::vector<std::string>& names) {
+    verb.add_option("--node", names, "The host's name of a node; all if none is named")
+        ->expected(1)
+        ->take_all()
+        ->check(CheckName)
+        ->type_name("NAME");
 }
 
 }  // namespace headless

@@ -15,18 +15,38 @@ class Option;
 // What several verbs offer alike.
 namespace headless {
 
-// The foot of a verb's help: the words stand as a person types them behind the command's name, with
-// the files that `./dev demo` leaves behind.
+// What verbs are for: the groups in which the program's help lists them.
+inline constexpr char kMaking[] = "To record and to draw";
+inline constexpr char kKeeping[] = "To open, merge and convert";
+inline constexpr char kLooking[] = "To look";
+inline constexpr char kDriving[] = "To drive any Core";
+inline constexpr char kHelping[] = "To learn more";
+
+// The first sentence of the text stands in the program's help, the whole of it in the verb's.
+CLI::App* AddVerb(CLI::App& program, const char* group, const std::string& name,
+                  const std::string& text);
+
+// The foot of a verb's help: the words stand as a person types them behind the command's name.
 void AddExample(CLI::App& verb, const std::string& words);
 
 // Behind the example: what the words of a SceneReport mean.
 void ExplainReport(CLI::App& verb);
+
+// An option that takes no value.
+CLI::Option* AddSwitch(CLI::App& verb, const std::string& words, bool& isSaid,
+                       const std::string& help);
 
 // An argument or option for the names of files, of which none may be empty.
 CLI::Option* AddFile(CLI::App& verb, const std::string& words, std::string& name,
                      const std::string& help);
 CLI::Option* AddFiles(CLI::App& verb, const std::string& words, std::vector<std::string>& names,
                       const std::string& help);
+
+// The file of what a verb is there for. It is called alike in all verbs; `old` is how it was called
+// in this one, which still holds, or empty.
+inline constexpr char kOutput[] = "--output";
+CLI::Option* AddOutput(CLI::App& verb, const std::string& old, std::string& name,
+                       const std::string& help);
 
 // An option for a number that the host can hold, and for one above 0.
 CLI::Option* AddNumber(CLI::App& verb, const std::string& words, double& number,
@@ -42,18 +62,22 @@ struct Range {
     int least;
     int most;
 };
+std::string Told(Range range);
 // Refuses what an option says beyond its range.
 void CheckRange(const std::string& option, int number, Range range);
 
-// Whom to start the host with: --no-core and --no-plugin.
+// Whom to start the host with: --core, --no-core and --no-plugin.
 struct GuestFlags {
+    std::string core;
     bool noCore = false;
     bool noPlugin = false;
 
-    Guests Chosen() const;
+    GuestChoice Chosen() const;
 };
 
+// All of them, or --core alone where a verb is nothing without a Core.
 void AddGuestOptions(CLI::App& verb, GuestFlags& words);
+CLI::Option* AddCoreOption(CLI::App& verb, std::string& core);
 
 // --json: whom to print for.
 void AddAudience(CLI::App& verb, Audience& audience);
@@ -61,5 +85,8 @@ void AddAudience(CLI::App& verb, Audience& audience);
 // An option whose text is not empty.
 CLI::Option* AddName(CLI::App& verb, const std::string& words, std::string& name,
                      const std::string& help);
+
+// --node, as often as a person likes: the names of nodes.
+void AddNodes(CLI::App& verb, std::vector<std::string>& names);
 
 }  // namespace headless

@@ -20,4 +20,7 @@ void AddConvertVerb(CLI::App& app);
 void AddInfoVerb(CLI::App& app);
 void AddDiffVerb(CLI::App& app);
 
+// Of all verbs, so that they are added last.
+void AddHelpVerbs(CLI::App& app);
+
 }  // namespace headless

@@ -1,6 +1,8 @@
 #include "command/written_files.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <ostream>
 #include <system_error>
 
 #include "command/exit_status.h"
@@ -9,6 +11,21 @@
 
 namespace headless {
 namespace {
+
+struct BookedFile {
+    std::string path;
+    bool stoodBefore;
+    bool isSaved;
+};
+
+std::vector<BookedFile>& Book() {
+    static std::vector<BookedFile> book;
+    return book;
+}
+
+std::vector<BookedFile>::iterator InBook(const std::string& file) {
+    return std::ranges::find(Book(), file, &BookedFile::path);
+}
 
 void KeepApart(const NamedFile& file, const NamedFile& other) {
     if (file.path.empty() || other.path.empty()) return;
@@ -45,7 +62,40 @@ void KeepApart(const std::vector<NamedFile>& kept, const std::vector<NamedFile>&
     }
 }
 
+void ExpectFile(const std::string& file) {
+    if (file.empty() || InBook(file) != Book().end()) return;
+    std::error_code unknown;
+    const bool stands = std::filesystem::exists(platform::FromNarrow(file), unknown);
+    Book().push_back({file, stands, false});
+}
+
+void NoteSaved(const std::string& file) {
+    ExpectFile(file);
+    if (const auto booked = InBook(file); booked != Book().end()) booked->isSaved = true;
+}
+
+void TellSaved(std::ostream& out) {
+    for (const BookedFile& file : Book())
+        if (file.isSaved) out << "Saved as " << file.path << '\n';
+}
+
+void TellWhatStands(std::ostream& out) {
+    if (Book().empty()) return;
+    const auto first = std::ranges::find(Book(), true, &BookedFile::isSaved);
+    if (first != Book().end()) {
+        const auto last =
+            std::ranges::find(Book().rbegin(), Book().rend(), true, &BookedFile::isSaved);
+        out << "; saved before that: " << first->path;
+        if (&*last != &*first) out << " to " << last->path;
+        return;
+    }
+    out << "; nothing was saved";
+    for (const BookedFile& file : Book())
+        if (file.stoodBefore) out << ", " << file.path << " is as it was";
+}
+
 CoreFile::CoreFile(const std::string& target) : target_(target), file_(FileFor(target)) {
+    ExpectFile(target);
     if (file_.Refusal().empty()) return;
     const std::string name = target.empty() ? "the folder for temporary files" : target;
     // A place that was refused has a reason; else no file could be made beside it.
@@ -55,6 +105,7 @@ CoreFile::CoreFile(const std::string& target) : target_(target), file_(FileFor(t
 void CoreFile::Keep() {
     const std::string reason = file_.TakePlace();
     if (!reason.empty()) throw Failure(target_ + ": " + reason);
+    NoteSaved(target_);
 }
 
 std::string CoreFile::Named(std::string text) const {

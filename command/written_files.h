@@ -1,5 +1,6 @@
 #pragma once
 
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,18 @@ struct NamedFile {
 // Refuses, before anything is done, to write two files in one place, or one in the place of a file
 // that is to be kept.
 void KeepApart(const std::vector<NamedFile>& kept, const std::vector<NamedFile>& written);
+
+// Which of the files that a verb is to write stand: the book of this process, since a verb can end
+// anywhere. A file is written whole or not at all.
+void ExpectFile(const std::string& file);
+void NoteSaved(const std::string& file);
+
+// The end of what a person reads of a verb that did its work: a line for each file that was saved.
+void TellSaved(std::ostream& out);
+
+// The end of the line that a verb fails with: that nothing was saved, or what was saved before.
+// Nothing where no file was to be written. Asks for no memory.
+void TellWhatStands(std::ostream& out);
 
 // A file that the Core writes for the command: it is there only if the work on it came to its end,
 // and takes the place of `target` at Keep. Without a target it lies in the system's folder for such

@@ -25,7 +25,7 @@ TEST_F(Render, DrawsAScenesSameBytesAtEachRunAndFromASavedCopy) {
     for (const char* name : {"at0002.png", "at0004.png", "at0006.png"})
         EXPECT_NE(Read(name), "") << name;
     EXPECT_EQ(Do("render take --frames 0:4:1 --sheet 2 --size 64x48 -o sheet.png"),
-              "sheet.png: a picture of 128x144 pixels\n");
+              "Saved as sheet.png: a picture of 128x144 pixels\n");
 
     Do("merge take take --by-host --save twice");
     ExpectRefusal("render take -o none --frames 0:9999:1 --sheet 2", "--sheet: 10000 pictures", 2);
@@ -38,7 +38,8 @@ TEST_F(Render, DrawsAScenesSameBytesAtEachRunAndFromASavedCopy) {
 
 TEST_F(Render, DrawsAGuideObjectAndKeepsItWhereThePlugInIsMissing) {
     const std::string draw = "draw --guide --ground 20 --segments 2 --solid --color ";
-    EXPECT_EQ(Do(draw + "0,0.5,1 -o guide"), "Drew Tarvo_Helper01 (1) into guide: 1 node\n");
+    EXPECT_EQ(Do(draw + "0,0.5,1 -o guide"),
+              "Drew Tarvo_Helper01 (1); in the scene: 1 node\nSaved as guide\n");
     Do(draw + "1,0.5,0 -o other");
     const std::string picture = PictureOf("guide");
     EXPECT_NE(PictureOf("guide --no-plugin"), picture);

@@ -1,0 +1,89 @@
+#include <CLI/CLI.hpp>
+#include <ostream>
+
+#include "command/help.h"
+#include "command/verb_texts.h"
+
+namespace headless {
+namespace {
+
+// What is offered hangs on the verb, which is the first word that is no option, and on the option
+// ahead of the cursor. An equals sign is a word of its own for bash.
+constexpr char kHead[] = R"(# To be sourced by bash.
+_lumiset_headless() {
+    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
+    local verb= place options= files= valued= words= takes_files=
+    if [[ $word == = ]]; then
+        word=
+    elif [[ $before == = ]]; then
+        before=${COMP_WORDS[COMP_CWORD - 2]}
+    fi
+    for ((place = 1; place < COMP_CWORD; ++place)); do
+        [[ ${COMP_WORDS[place]} == -* ]] && continue
+        verb=${COMP_WORDS[place]}
+        break
+    done
+    COMPREPLY=()
+    case $verb in
+)";
+
+constexpr char kTail[] = R"(    esac
+    if [[ " $files " == *" $before "* ]]; then
+        words= takes_files=1
+    elif [[ " $valued " == *" $before "* ]]; then
+        words= takes_files=
+    elif [[ $word == -* ]]; then
+        words=$options takes_files=
+    fi
+    if [[ $words ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
+    elif [[ $takes_files ]]; then
+        compopt -o filenames 2>/dev/null
+        mapfile -t COMPREPLY < <(compgen -f -- "$word")
+    fi
+}
+complete -F _lumiset_headless lumiset-headless
+)";
+
+void Append(std::string& list, const std::vector<std::string>& words) {
+    for (const std::string& word : words)
+        list += list.empty() ? word : ' ' + word;
+}
+
+void PrintCase(std::ostream& out, const VerbText& verb, const std::string& pattern,
+               const std::string& words) {
+    std::string options;
+    std::string files;
+    std::string valued;
+    for (const WordText& option : verb.options) {
+        Append(options, option.names);
+        if (!option.value.empty()) Append(option.isFile ? files : valued, option.names);
+    }
+    bool takesFiles = false;
+    for (const WordText& argument : verb.arguments)
+        takesFiles |= argument.isFile;
+    out << "        " << pattern << ")\n"
+        << "            options='" << options << "'\n"
+        << "            files='" << files << "'\n"
+        << "            valued='" << valued << "'\n"
+        << "            words='" << words << "' takes_files=" << (takesFiles ? "1" : "") << '\n'
+        << "            ;;\n";
+}
+
+}  // namespace
+
+void PrintCompletion(std::ostream& out, const CLI::App& program) {
+    const std::vector<VerbText> verbs = TextsOfVerbs(program);
+    std::string names;
+    for (const VerbText& verb : verbs)
+        Append(names, {verb.name});
+    out << kHead;
+    PrintCase(out, TextOf(program), "''", names);
+    for (const VerbText& verb : verbs) {
+        const bool takesVerb = !verb.arguments.empty() && verb.arguments.front().value == "VERB";
+        PrintCase(out, verb, verb.name, takesVerb ? names : "");
+    }
+    out << kTail;
+}
+
+}  // namespace headless

@@ -1,0 +1,109 @@
+#include "command/help.h"
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <sstream>
+
+#include "command/verb_texts.h"
+
+namespace headless {
+namespace {
+
+constexpr std::size_t kColumns = 80;
+constexpr std::size_t kTextColumn = 26;  // of rows
+constexpr std::size_t kRowIndent = 2;
+
+// Blanks part words. What does not fit goes on in a new line behind `indent` blanks; `more` ends
+// the line ahead of that. The first line has used up `used` columns already.
+std::string Wrapped(const std::string& text, std::size_t used, std::size_t indent,
+                    const std::string& more = "") {
+    std::string wrapped;
+    std::istringstream words(text);
+    std::size_t column = used;
+    bool isFirst = true;
+    for (std::string word; words >> word; isFirst = false) {
+        if (!isFirst && column + 1 + word.size() + more.size() > kColumns) {
+            wrapped += more + '\n' + std::string(indent, ' ');
+            column = indent;
+        } else if (!isFirst) {
+            wrapped += ' ';
+            ++column;
+        }
+        wrapped += word;
+        column += word.size();
+    }
+    return wrapped + '\n';
+}
+
+std::string HelpRow(const std::string& label, const std::string& text) {
+    std::string row = std::string(kRowIndent, ' ') + label;
+    if (row.size() + 2 > kTextColumn)
+        row += '\n' + std::string(kTextColumn, ' ');
+    else
+        row.resize(kTextColumn, ' ');
+    return row + Wrapped(text, kTextColumn, kTextColumn);
+}
+
+void PrintRows(std::ostream& out, const char* title, const std::vector<WordText>& words) {
+    if (words.empty()) return;
+    out << '\n' << title << ":\n";
+    for (const WordText& word : words)
+        out << HelpRow(word.label, word.text);
+}
+
+void PrintFoot(std::ostream& out, const std::string& foot) {
+    if (!foot.empty()) out << '\n';
+    for (const std::string& line : LinesOf(foot)) {
+        if (IsTyped(line))
+            out << "  " << Wrapped(line, kRowIndent, 2 * kRowIndent, " \\");
+        else
+            out << Wrapped(line, 0, 0);
+    }
+}
+
+void PrintUsage(std::ostream& out, const VerbText& text) {
+    out << Wrapped("Usage: " + text.usage, 0, 2 * kRowIndent) << '\n' << Wrapped(text.text, 0, 0);
+}
+
+std::string HelpOfProgram(const CLI::App& program) {
+    const VerbText text = TextOf(program);
+    std::ostringstream out;
+    PrintUsage(out, text);
+    std::string group;
+    for (const VerbText& verb : TextsOfVerbs(program)) {
+        if (verb.group != group) out << '\n' << verb.group << ":\n";
+        group = verb.group;
+        out << HelpRow(verb.name, verb.Summary());
+    }
+    PrintRows(out, "Options", text.options);
+    PrintFoot(out, text.foot);
+    return out.str();
+}
+
+std::string HelpOfVerb(const CLI::App& verb) {
+    const VerbText text = TextOf(verb);
+    std::ostringstream out;
+    PrintUsage(out, text);
+    PrintRows(out, "Arguments", text.arguments);
+    PrintRows(out, "Options", text.options);
+    PrintFoot(out, text.foot);
+    return out.str();
+}
+
+class OwnHelp : public CLI::FormatterBase {
+  public:
+    std::string make_help(const CLI::App* app, std::string, CLI::AppFormatMode) const override {
+        return app->get_parent() ? HelpOfVerb(*app) : HelpOfProgram(*app);
+    }
+};
+
+}  // namespace
+
+void UseOwnHelp(CLI::App& program) {
+    program.formatter(std::make_shared<OwnHelp>());
+    program.set_help_flag("-h,--help", "Print this help");
+    program.footer("`" + std::string(kCommand) + " help VERB` tells all of a verb.\n\n" +
+                   kExitStatusText);
+}
+
+}  // namespace headless

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+// What there is to say of the command's words. It is read from the verbs as they were added to the
+// parser, so that help, manual and completion tell the same of the same.
+namespace headless {
+
+inline constexpr char kCommand[] = "lumiset-headless";
+
+// How the command ends, in words.
+inline constexpr char kExitStatusText[] =
+    "It ends with 0 when all was done; with 1 when it failed, which one line says, or recorded a "
+    "take that is not as it was meant to be; with 2 when it was called wrongly. diff ends with 1 "
+    "for a difference and with 2 for trouble.";
+
+// An argument or an option.
+struct WordText {
+    std::string label;  // as a person types it: "-o, --output FILE", "SCENE", "OTHER..."
+    std::string text;
+    std::vector<std::string> names;  // of an option, also those that are told as old ones
+    std::string value;               // what is typed behind an option: FILE, NUMBER; empty for none
+    bool isFile = false;             // the value, or the argument
+};
+
+struct VerbText {
+    std::string name;
+    std::string group;  // of verbs
+    std::string usage;  // the whole line, without options that can be left out
+    std::string text;   // sentences, of which the first one is the summary
+    std::string foot;   // paragraphs and, with two blanks ahead of them, lines that are typed
+    std::vector<WordText> arguments;
+    std::vector<WordText> options;
+
+    // Without the full stop.
+    std::string Summary() const;
+};
+
+// `verb` may be the program as well.
+VerbText TextOf(const CLI::App& verb);
+
+// In the order in which they were added.
+std::vector<VerbText> TextsOfVerbs(const CLI::App& program);
+
+// The lines of a foot; an empty one parts two paragraphs.
+std::vector<std::string> LinesOf(const std::string& foot);
+bool IsTyped(const std::string& line);
+
+}  // namespace headless
