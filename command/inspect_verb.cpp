@@ -219,7 +219,7 @@ void AddInspectVerb(CLI::App& app) {
     AddFile(*verb, "SCENE", arguments->scene, "Scene file")->required();
     AddNodes(*verb, arguments->nodes);
     AddNumber(*verb, "--time", arguments->seconds, "When, in seconds")->capture_default_str();
-    AddCoreOption(*verb, arguments->core);
+    AddCore(*verb, arguments->core);
     AddAudience(*verb, arguments->audience);
     AddExample(*verb, "inspect walk.scene --node walk_Hips --time 0.5");
     verb->callback([arguments] { RunInspect(*arguments); });

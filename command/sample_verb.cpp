@@ -56,7 +56,7 @@ void AddSampleVerb(CLI::App& app) {
         ->type_name("START:END:STEP")
         ->required();
     AddOutput(*verb, "--csv", arguments->output, "Write to a file and not to the terminal");
-    AddCoreOption(*verb, arguments->core);
+    AddCore(*verb, arguments->core);
     AddExample(*verb, "sample walk.scene --node walk_Hips --times 0:2:0.5");
     verb->callback([arguments] { RunSample(*arguments); });
 }

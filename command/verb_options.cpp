@@ -111,12 +111,12 @@ GuestChoice GuestFlags::Chosen() const {
 }
 
 void AddGuestOptions(CLI::App& verb, GuestFlags& words) {
-    CLI::Option* const core = AddCoreOption(verb, words.core);
+    CLI::Option* const core = AddCore(verb, words.core);
     AddSwitch(verb, "--no-core", words.noCore, "The plug-in finds no Core")->excludes(core);
     AddSwitch(verb, "--no-plugin", words.noPlugin, "The host is alone")->excludes(core);
 }
 
-CLI::Option* AddCoreOption(CLI::App& verb, std::string& core) {
+CLI::Option* AddCore(CLI::App& verb, std::string& core) {
     return AddFile(verb, "--core", core,
                    "The library that is the Core, wherever it lies; else the installed one");
 }

@@ -77,7 +77,7 @@ struct GuestFlags {
 
 // All of them, or --core alone where a verb is nothing without a Core.
 void AddGuestOptions(CLI::App& verb, GuestFlags& words);
-CLI::Option* AddCoreOption(CLI::App& verb, std::string& core);
+CLI::Option* AddCore(CLI::App& verb, std::string& core);
 
 // --json: whom to print for.
 void AddAudience(CLI::App& verb, Audience& audience);
