@@ -1,9 +1,9 @@
 #include "adaptor/install_paths.h"
 #include "adaptor/max_adaptor_interface.h"
 #include "adaptor/panel.h"
-#include "adaptor/trace_file.h"
 #include "adaptor/utility_manager.h"
 #include "core_link/core_link.h"
+#include "core_link/trace_file.h"
 #include "platform/modules.h"
 #include "tvl/error_code.h"
 #include "tvl/ids.h"
@@ -137,6 +137,7 @@ void UtilityManager::LetCoreGo() {
     if (link.core) TakeCoreDown();
     FreeLibrary(link.coreModule);
     link.coreModule = nullptr;
+    WriteTrace();
 }
 
 void UtilityManager::TakeCoreDown() {

@@ -2,9 +2,9 @@
 #include <utility>
 
 #include "adaptor/max_adaptor_interface.h"
-#include "adaptor/trace_file.h"
 #include "adaptor/utility_manager.h"
 #include "core_link/core_link.h"
+#include "core_link/trace_file.h"
 #include "host/interface.h"
 #include "nodes/node_lifetime.h"
 #include "nodes/node_list.h"

@@ -6,6 +6,7 @@
 
 #include "adaptor/utility_manager.h"
 #include "core_link/core_link.h"
+#include "core_link/trace_file.h"
 #include "host/node.h"
 #include "host/notify.h"
 #include "nodes/host_node_link.h"
@@ -125,6 +126,7 @@ void OnHostShutdown(void* manager, NotifyInfo*) {
 // A notification has no answer, and the host goes on whatever comes of it.
 template <NOTIFYPROC kHandler>
 void LetNothingOut(void* manager, NotifyInfo* info) {
+    const TraceAfter trace;
     TVL::TraceIfThrown("a notification", [&] { kHandler(manager, info); });
 }
 

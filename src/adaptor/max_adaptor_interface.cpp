@@ -3,11 +3,11 @@
 #include <optional>
 
 #include "adaptor/panel.h"
-#include "adaptor/trace_file.h"
 #include "adaptor/utility_manager.h"
 #include "controllers/conversion.h"
 #include "core_link/core_answer.h"
 #include "core_link/core_link.h"
+#include "core_link/trace_file.h"
 #include "host/interface.h"
 #include "measures/host_clock.h"
 #include "nodes/node_creation.h"

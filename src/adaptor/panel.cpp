@@ -5,6 +5,7 @@
 
 #include "adaptor/utility_manager.h"
 #include "core_link/core_link.h"
+#include "core_link/trace_file.h"
 #include "host/interface.h"
 #include "resources/resource_ids.h"
 #include "scene_state/node_tags.h"
@@ -85,6 +86,7 @@ INT_PTR CALLBACK PanelDlgProc(HWND window, UINT message, WPARAM wParam, LPARAM) 
             ShowWindow(window, SW_SHOW);
             return TRUE;
         case WM_COMMAND: {
+            const TraceAfter trace;
             TVL::TraceIfThrown("a press of the panel",
                                [&] { OnCommand(manager, window, LOWORD(wParam)); });
             return FALSE;

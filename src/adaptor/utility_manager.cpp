@@ -5,8 +5,8 @@
 #include "adaptor/install_paths.h"
 #include "adaptor/max_adaptor_interface.h"
 #include "adaptor/panel.h"
-#include "adaptor/trace_file.h"
 #include "core_link/core_link.h"
+#include "core_link/trace_file.h"
 #include "host/interface.h"
 #include "measures/host_clock.h"
 #include "scene_state/state_chunk.h"
@@ -60,6 +60,7 @@ UtilityManager& UtilityManager::Get() {
 }
 
 std::uint32_t UtilityManager::Start() {
+    const TraceAfter trace;
     hearsHost = false;
     isKept = false;
     const auto thrown = TVL::ThrownBy([this] {
@@ -105,12 +106,14 @@ void UtilityManager::ShutDownAdaptor() {
 }
 
 IOResult UtilityManager::Save(ISave* save) {
+    const TraceAfter trace;
     IOResult result = IO_ERROR;
     TVL::TraceIfThrown("the saving of the state", [&] { result = SaveState(*save); });
     return result;
 }
 
 IOResult UtilityManager::Load(ILoad* load) {
+    const TraceAfter trace;
     IOResult result = IO_ERROR;
     TVL::TraceIfThrown("the loading of the state", [&] { result = LoadState(*load); });
     return result;
@@ -126,5 +129,6 @@ void UtilityManager::HearHost() {
 void UtilityManager::CTimeChangeCallback::TimeChanged(TimeValue t) {
     CoreInterface* const core = AttachedCore();
     if (!core) return;
+    const TraceAfter trace;
     CallCore("NotifyTimeChanged", [&] { core->NotifyTimeChanged(SecondsOf(t)); });
 }

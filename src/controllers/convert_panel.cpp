@@ -1,5 +1,6 @@
 #include "controllers/conversion.h"
 #include "controllers/transform_control.h"
+#include "core_link/trace_file.h"
 #include "foundation/thrown.h"
 #include "host/interface.h"
 #include "resources/resource_ids.h"
@@ -44,6 +45,7 @@ INT_PTR CALLBACK ConvertPanelDlgProc(HWND window, UINT message, WPARAM wParam, L
         return 1;
     }
     if (message != WM_COMMAND) return 0;
+    const TraceAfter trace;
     TransformControl* const controller = StoredController(window);
     if (LOWORD(wParam) == ConvertButton && controller) {
         const bool isDone =

@@ -1,8 +1,11 @@
 #include "core_link/core_link.h"
 
+#include "core_link/trace_file.h"
+
 void AfterThrow(const char* name, std::string_view words, const CoreBrackets& before) noexcept {
     TVL::TraceThrown(name, words);
     TVL::TraceIfThrown("the end of what it left open", [&] { EndBracketsSince(before); });
+    WriteTrace();
 }
 
 bool IsCoreRunning() {

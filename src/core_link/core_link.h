@@ -43,7 +43,7 @@ CoreBrackets BracketsSoFar();
 // which end nothing else.
 void EndBracketsSince(const CoreBrackets& before);
 
-// For a call that threw: tells the trace and ends what it left open.
+// For a call that threw: tells the trace, and its file, and ends what it left open.
 void AfterThrow(const char* name, std::string_view words, const CoreBrackets& before) noexcept;
 
 // The one way into the Core: its routines, CoreInterface, owners, node listeners, undo chunks and

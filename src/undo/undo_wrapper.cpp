@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "core_link/core_link.h"
+#include "core_link/trace_file.h"
 #include "measures/host_clock.h"
 #include "undo/undo_groups.h"
 
@@ -18,10 +19,12 @@ CUndoWrapper::~CUndoWrapper() {
 }
 
 void CUndoWrapper::Restore(int isUndo) {
+    const TraceAfter trace;
     if (chunk) CallCore("Undo of an undo chunk", [&] { chunk->Undo(isUndo != 0); });
 }
 
 void CUndoWrapper::Redo() {
+    const TraceAfter trace;
     if (chunk) CallCore("Redo of an undo chunk", [&] { chunk->Redo(); });
 }
 

@@ -1,5 +1,5 @@
 #include "adaptor/max_adaptor_interface.h"
-#include "adaptor/trace_file.h"
+#include "core_link/trace_file.h"
 #include "host/notify.h"
 #include "platform/testing.h"
 #include "tests/adaptor/attach_panel.h"
@@ -170,6 +170,41 @@ TEST(LifeCycle, ACoreThatIsGoneLeavesNothingThatCanCallIntoItsFreedLibrary) {
             EXPECT_TRUE(Holds(trace, line)) << line << trace;
         EXPECT_EQ(trace.find("left something"), trace.rfind("left something")) << trace;
     }
+}
+
+struct LoggingChunk final : TVL::CUndo {
+    void Undo(bool) override { TVL::Log(TVL::Log::kNotice).Write("heard undo"); }
+    void Redo() override { throw std::runtime_error("no redo"); }
+};
+
+// Each time once, also when others have written it before.
+TEST(LifeCycle, TheTraceOnDiskHasAfterEachEventWhatCameOfIt) {
+    World world;
+    headless::Session& host = world.Session();
+    const auto log = [](const std::string& what) {
+        TVL::Log(TVL::Log::kNotice).Write("heard " + what);
+    };
+    world.Core().onCall = log;
+    world.Core().onOptionAsked = [](int) { throw std::runtime_error("no option"); };
+    world.Adaptor().BeginUndoGroup("group");
+    world.Adaptor().AddUndoChunk(new LoggingChunk);
+    world.Adaptor().EndUndoGroup();
+    const std::pair<std::function<void()>, std::string> rows[] = {
+        {[&] { host.SetTime(4800); }, "heard time 1\n"},
+        {[&] { host.PressButton(TVL::kStartButton); }, "heard show\n"},
+        {[] { CoreOption(TVL::kDynamicMeshes, true); }, "out of GetOptionValue: no option\n"},
+        {[&] { host.Undo(); }, "heard undo\n"},
+        {[&] { host.Redo(); }, "out of Redo of an undo chunk: no redo\n"},
+        {[&] { host.NewScene(); }, "heard reset\n"},
+        {[&] { UtilityManager::Get().DetachCore(); }, "Adaptor is detaching core\n"},
+    };
+    for (const auto& [event, line] : rows) {
+        EXPECT_FALSE(Holds(world.Trace(), line)) << line;
+        event();
+        EXPECT_TRUE(Holds(world.Trace(), line)) << line;
+    }
+    for (const auto& [event, line] : rows)
+        EXPECT_EQ(world.Trace().find(line), world.Trace().rfind(line)) << line;
 }
 
 // Its library can be gone by then.

@@ -67,6 +67,31 @@ HKEY Open(HKEY above, const std::string& path, LSTATUS expected = ERROR_SUCCESS)
     return key;
 }
 
+std::string ValueOf(const std::string& path, const char* name) {
+    HKEY key = nullptr;
+    RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_READ, &key);
+    std::array<char, 64> text{};
+    DWORD size = text.size();
+    const LSTATUS status =
+        RegQueryValueExA(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(text.data()), &size);
+    RegCloseKey(key);
+    return status == ERROR_SUCCESS ? text.data() : "none";
+}
+
+TEST(TheRegistry, ShowsATextThatIsLaidOverItWhateverItHolds) {
+    const TemporaryFolder folder;
+    const std::string content = "[HKEY_LOCAL_MACHINE\\Up\\k]\n\"v\"=\"file\"\n\"w\"=\"beside\"\n";
+    platform::UseRegistryFile(folder.Write("reg", content));
+    platform::LayOverRegistry(platform::RegistryText{"HKEY_LOCAL_MACHINE\\up\\K", "V", "first"});
+    EXPECT_EQ(ValueOf("Up\\k", "v") + ValueOf("Up\\k", "w"), "firstbeside");
+    platform::LayOverRegistry(platform::RegistryText{"HKEY_LOCAL_MACHINE\\New\\k", "v", ""});
+    EXPECT_EQ(ValueOf("Up\\k", "v") + ValueOf("New\\k", "v"), "file");
+    platform::UseRegistryFile(folder.Write("other", ""));
+    EXPECT_EQ(ValueOf("New\\k", "v") + ValueOf("Up\\k", "v"), "none");
+    platform::LayOverRegistry(std::nullopt);
+    EXPECT_EQ(ValueOf("New\\k", "v"), "none");
+}
+
 TEST(TheRegistry, WritesNoMoreThanTheBufferHoldsAndNothingThroughHandlesOfNoKey) {
     const TemporaryFolder folder;
     platform::UseRegistryFile(folder.Write("reg", "[HKEY_LOCAL_MACHINE\\Up\\k]\n@=\"four\"\n"));

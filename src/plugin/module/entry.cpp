@@ -1,6 +1,6 @@
 #include <cstdint>
 
-#include "adaptor/trace_file.h"
+#include "core_link/trace_file.h"
 #include "host/class_desc.h"
 #include "host/custom_controls.h"
 #include "platform/modules.h"

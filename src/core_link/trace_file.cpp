@@ -1,4 +1,4 @@
-#include "adaptor/trace_file.h"
+#include "core_link/trace_file.h"
 
 #include <cstdio>
 #include <fstream>
@@ -41,6 +41,7 @@ std::string_view TextInUse() {
 // What memory does not suffice for now waits for the next time.
 void WriteTrace() noexcept {
     const std::string_view text = TextInUse();
+    if (text.size() == written) return;
     const bool wasEmptied = text.size() < written;  // by a Core whose log it is
     if (!TVL::ThrownBy([&] { AppendToFile(text.substr(wasEmptied ? 0 : written)); }))
         written = text.size();
