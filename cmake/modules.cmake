@@ -27,26 +27,26 @@ function(lumiset_exports target macro)
   endif()
 endfunction()
 
-# A library that is loaded while the program runs. It exports what its map file lists; on Windows
-# what its sources mark as exported, or the definition file lists if there is one.
+# A library that is loaded while the program runs, below the build folder. It exports what its map
+# file lists; on Windows what its sources mark as exported, or the definition file lists if there is
+# one.
 function(lumiset_loadable target)
   cmake_parse_arguments(ARG "" "MAP;DEF;FOLDER" "SOURCES;LINK" ${ARGN})
   add_library(${target} MODULE ${ARG_SOURCES})
   target_link_libraries(${target} PRIVATE ${ARG_LINK})
+  tarvo_lumiset_module(${target} ${CMAKE_BINARY_DIR}/${ARG_FOLDER} ${ARG_MAP})
   lumiset_options(${target})
-  set_target_properties(${target} PROPERTIES PREFIX ""
-    LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${ARG_FOLDER}
-    LINK_DEPENDS ${ARG_MAP})
   if(WIN32)
     target_sources(${target} PRIVATE ${ARG_DEF})
-    return()
   endif()
-  target_link_options(${target} PRIVATE -Wl,--version-script=${ARG_MAP} -Wl,-z,defs)
-  if(LUMISET_SANITIZE)
-    # The sanitizer's runtime belongs to the program, so its symbols stay open here.
-    set_property(TARGET ${target} PROPERTY LINK_OPTIONS
-      -fsanitize=address,undefined -Wl,--version-script=${ARG_MAP})
-  endif()
+endfunction()
+
+# A Core as tarvo_lumiset_core makes it, with what this project's targets share beside.
+function(lumiset_core target)
+  cmake_parse_arguments(ARG "" "FOLDER" "SOURCES;LINK" ${ARGN})
+  tarvo_lumiset_core(${target} SOURCES ${ARG_SOURCES} FOLDER ${CMAKE_BINARY_DIR}/${ARG_FOLDER})
+  target_link_libraries(${target} PRIVATE ${ARG_LINK})
+  lumiset_options(${target})
 endfunction()
 
 # One program of tests for one room; its sources lie in tests/<room>.

@@ -53,6 +53,13 @@ class CoreInterface {
     ~CoreInterface() = default;
 };
 
+// Stands before the definition of each of the three routines below, and has the library export it.
+#if defined(_WIN32)
+#define TVL_CORE_ROUTINE extern "C" __declspec(dllexport)
+#else
+#define TVL_CORE_ROUTINE extern "C" __attribute__((visibility("default")))
+#endif
+
 namespace TVL {
 
 // The routines that a Core library exports by name, with C linkage:

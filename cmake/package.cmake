@@ -1,0 +1,42 @@
+# The installed kit and its archive. Nothing in it knows where it was built or lies: it can be moved.
+install(TARGETS lumiset-headless RUNTIME DESTINATION bin)
+install(TARGETS TarvoOstrelUtil LIBRARY DESTINATION bin)
+install(TARGETS Core64 LIBRARY DESTINATION bin/Core)
+install(TARGETS core_seat_module LIBRARY DESTINATION bin/seat/Core)
+if(TARGET headless_viewport)
+  install(TARGETS headless_viewport LIBRARY DESTINATION bin)
+endif()
+
+# What others link. Windows looks for libraries where the program lies.
+set(linked contracts tvl headless headless_host core_seat)
+if(NOT WIN32)
+  list(APPEND linked platform)
+endif()
+install(TARGETS ${linked} EXPORT TarvoLumisetTargets
+  ARCHIVE DESTINATION lib LIBRARY DESTINATION lib RUNTIME DESTINATION bin)
+install(DIRECTORY include/tvl include/headless include/host DESTINATION include)
+install(FILES platform/win32.h platform/platform_api.h DESTINATION include/platform)
+
+set(config_folder lib/cmake/TarvoLumiset)
+install(EXPORT TarvoLumisetTargets NAMESPACE TarvoLumiset:: DESTINATION ${config_folder})
+set(command bin/lumiset-headless${CMAKE_EXECUTABLE_SUFFIX})
+set(plugin bin/TarvoOstrelUtil${CMAKE_SHARED_MODULE_SUFFIX})
+configure_package_config_file(cmake/TarvoLumisetConfig.cmake.in TarvoLumisetConfig.cmake
+  INSTALL_DESTINATION ${config_folder} PATH_VARS command plugin)
+install(
+  FILES ${CMAKE_BINARY_DIR}/TarvoLumisetConfig.cmake ${version_file} cmake/TarvoLumisetCore.cmake
+  DESTINATION ${config_folder})
+
+install(DIRECTORY examples/hello_core DESTINATION share/TarvoLumiset/examples)
+
+# All that is installed, and nothing of the tests.
+add_custom_target(kit DEPENDS lumiset-headless)
+
+set(CPACK_GENERATOR TGZ)
+if(WIN32)
+  set(CPACK_GENERATOR ZIP)
+endif()
+set(CPACK_PACKAGE_NAME TarvoLumiset)
+set(CPACK_PACKAGE_FILE_NAME TarvoLumiset-${PROJECT_VERSION}-${CMAKE_SYSTEM_NAME})
+set(CPACK_STRIP_FILES ON)
+include(CPack)
