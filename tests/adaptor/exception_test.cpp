@@ -3,8 +3,8 @@
 #include "tests/nodes/node_test.h"
 #include "tests/support/allocations.h"
 
-// Each operation that a Core calls, with each of its allocations failing in turn. It is done whole
-// or not at all, and what the Core gets is an answer.
+// Each operation that asks for memory, with each of its allocations failing in turn. It is done
+// whole or not at all, and what the Core gets is an answer.
 
 namespace {
 

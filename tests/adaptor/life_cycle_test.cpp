@@ -114,7 +114,9 @@ TEST(LifeCycle, NoCoreIsTakenDownInsideItsOwnRoutines) {
 TEST(LifeCycle, ShuttingDownTakesTheCoreDownAndMakesTheDataFolder) {
     for (const bool hasDocuments : {false, true}) {
         World world({.hasDocuments = hasDocuments});
+        world.Adaptor().RestoreFocus();  // which was never taken
         world.ShutDown();
+        EXPECT_FALSE(Holds(OwnTrace(world), "left something behind"));
         EXPECT_EQ(puppet::TheStage().detachCount, 1);
         EXPECT_TRUE(IsUnloaded());
         EXPECT_EQ(std::filesystem::is_directory(world.Folder() /
@@ -246,6 +248,11 @@ TEST(Panel, TheControlDoesWhatItSaysAndAttachesForAnyTextButDetach) {
     EXPECT_EQ(calls, (Names{"bind 1027", "bind 1030", "option node 1028", "set state <TVL/>"}));
     world.Session().SetTime(4800);
     EXPECT_EQ(core.TakeCalls(), Names{"time 1"});
+    EXPECT_EQ(AttachPanel().Text(), "Detach");
+    UtilityManager::Get().DetachCore();
+    EXPECT_EQ(panel.Text(), "Attach");
+    UtilityManager::Get().AttachCore();
+    EXPECT_EQ(panel.Text(), "Detach");
 
     // Stop is for good, and no attach after it makes the host tell of the time twice.
     UtilityManager::Get().Stop();

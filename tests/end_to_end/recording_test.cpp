@@ -177,31 +177,35 @@ TEST_F(Recording, KeepsWhatIsWholeWhereTheUserStopsItAndNothingWhereTheHostDoes)
         EXPECT_NE(lens.front(), lens[std::size_t{2} * 59]) << "the field of view is not animated";
         EXPECT_EQ(host.SaveScene(folder_.File("scene")).error, "");
         std::uint64_t whole = 0;
-        // Acts in the middle of another recording, and gives why that ended.
-        const auto stopBy = [&](const std::function<void()>& act) {
+        // Acts in the middle or at the start of another recording, and gives why that ended.
+        const auto stopBy = [&](const std::function<void()>& act, bool isAtStart = false) {
             EXPECT_EQ(host.OpenScene(folder_.File("scene")).error, "");
             EXPECT_EQ(LensValues(60), lens);
             LensValues(1);
             whole = headless::SceneDigest();
             int changes = 0;
             Watcher watcher([&] {
-                if (++changes == 41) act();
+                if (++changes == (isAtStart ? 1 : 41)) act();
             });
-            watcher.ReplaceReference(0, headless::FindNode("walk_Camera")->GetObjectRef());
+            if (isAtStart)
+                watcher.ReplaceReference(0, headless::FindNode("walk_Hip")->GetTMController());
+            else
+                watcher.ReplaceReference(0, headless::FindNode("walk_Camera")->GetObjectRef());
             const std::string error = Press()["error"];
             watcher.ReplaceReference(0, nullptr);
             return error;
         };
-        EXPECT_TRUE(stopBy([&] { deleteByHand("bystander"); }).starts_with(stopped));
+        EXPECT_EQ(stopBy([&] { deleteByHand("bystander"); }), stopped + "21");
         const std::vector<float> kept = LensValues(60);
         for (std::size_t i = 0; i < lens.size(); ++i)
             EXPECT_NEAR(kept[i], lens[i], 1e-4) << "frame " << i / 2;
-        EXPECT_TRUE(stopBy([&] { deleteByHand("walk_Hip"); }).starts_with(stopped));
+        EXPECT_EQ(stopBy([&] { deleteByHand("walk_Hip"); }), stopped + "21");
         EXPECT_EQ(headless::Nodes().size(), 1u);
         EXPECT_EQ(
             stopBy([] { GetCOREInterface()->DeleteNode(headless::FindNode("walk_Knee"), 0, 0); }),
             "\"Knee\" cannot be moved by the host");
         EXPECT_EQ(headless::SceneDigest(), whole);
+        EXPECT_EQ(stopBy([&] { deleteByHand("bystander"); }, true), stopped + "0");
     }
 }
 
@@ -245,6 +249,10 @@ TEST_F(Recording, FindsEveryFaultBeforeItTouchesTheScene) {
     for (const auto& [name, value, error] : std::vector<std::array<std::string, 3>>{
              {"CAPTURE", walk + '\n' + cut, "cut.bvh:24: frame 6 holds"},
              {"INSPECT", "walk_Hip", "LUMISET_INSPECT: "},
+             {"PRESS", "1030", "option 1030 is no button that can be pressed"},
+             {"SAMPLE", "0:1:0", "LUMISET_SAMPLE: expected START:END:STEP"},
+             {"MERGE", cut, "cut.bvh: the host brought in nothing"},
+             {"OPTIMISED", "yes", "LUMISET_OPTIMISED: expected 0 or 1"},
              {"CAPTURE_FRAMES", "0:7", "walk.bvh: the capture has only 6 frames"},
              {"GROUND", "4096", "the host has no node 4096"},
              {"GROUND", lens, "\"Lens\" has no surface to stand on"},

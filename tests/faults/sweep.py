@@ -114,6 +114,7 @@ class Verb:
     def is_as_good(self, place, name, ending):
         """Whether another process finds in a scene what it finds in the one of the clean run; or opens
         it to the same words, if the run has told that it keeps what could not be read beside it."""
+        # What is kept unread is saved along with the rest, so there is more in the file by then.
         keeps_old = has_complaint(ending) and any(
             words in ending.out for words in ("kept as they are stored", "they were never claimed"))
         found, compared = place.run(f"open {name}"), place.scenes / "compared"

@@ -20,22 +20,19 @@ class FreshSingletons : public testing::Test {
         return lines;
     }
 
-    template <class T>
-    static void Place(T& outside) {
-        if (T::instance != nullptr) T::instance->Destroy();
-        T::instance = &outside;
-        T::external = true;
+    static void Place(TVL::Log& outside) {
+        if (TVL::Log::instance) TVL::Log::instance->Destroy();
+        TVL::Log::instance = &outside;
+        TVL::Log::external = true;
     }
-    template <class T>
     static void TakeBack() {
-        if (T::external) T::instance = nullptr;
-        T::external = false;
+        if (TVL::Log::external) TVL::Log::instance = nullptr;
+        TVL::Log::external = false;
     }
 
   private:
     static void Reset() {
-        TakeBack<TVL::Log>();
-        TakeBack<TVL::ErrorCode>();
+        TakeBack();
         TVL::Util::SingletonCollector::GetInstance()->DestroyAll();
     }
 };

@@ -35,6 +35,7 @@ class Singletons : public FreshSingletons {
 
 // What comes up meanwhile stays: an instance of its own for a scope that outlives all.
 TEST_F(Singletons, ComeUpOnceAndAreDestroyedTheNewestFirst) {
+    destroyed.clear();
     Newer* const newer = Newer::GetInstance();
     EXPECT_EQ(Newer::GetInstance(), newer);
     const Entries list = {SingletonCollector::instance, Older::instance,
@@ -177,6 +178,7 @@ TEST_F(LogTest, APlacedLogFillsItsFileAlsoWithRawTextAndCostsOnlyTheLineThatFail
         scope.reset();
         { Log next("no deeper", Log::kNotice); }
         outside.buffer.setstate(std::ios::badbit);
+        EXPECT_THROW(outside.buffer.exceptions(std::ios::badbit), std::ios::failure);
         Log(Log::kError).Write("lost");
         Log(Log::kError).Write("next");
         EXPECT_EQ(Lines(), "(NOTICE): \tin the second\n(NOTICE): \tno deeper\n(ERROR): next\n");
@@ -186,7 +188,7 @@ TEST_F(LogTest, APlacedLogFillsItsFileAlsoWithRawTextAndCostsOnlyTheLineThatFail
         outside.Destroy();
         TVL::Util::SingletonCollector::GetInstance()->DestroyAll();
         EXPECT_TRUE(Log::external && Log::GetInstance() == &outside) << "is not owned";
-        TakeBack<Log>();
+        TakeBack();
     }
     const std::string file = ReadFile(folder.File("log.txt"));
     EXPECT_TRUE(file.ends_with("(ERROR): next\nas\tit is\n[EOF]\n")) << file;

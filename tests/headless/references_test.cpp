@@ -19,7 +19,9 @@ class Link final : public ReferenceTarget {
     void DeleteThis() override { delete this; }
     int NumRefs() override { return 2; }
     RefTargetHandle GetReference(int index) override { return targets_[index]; }
-    void SetReference(int index, RefTargetHandle target) override { targets_[index] = target; }
+    void SetReference(int index, RefTargetHandle target) override {
+        if (!isStubborn) targets_[index] = target;
+    }
     RefResult NotifyRefChanged(Interval, RefTargetHandle, PartID&, RefMessage) override {
         told += name_ + " ";
         if (const auto act = std::exchange(onHeard, {})) act();
@@ -39,6 +41,7 @@ class Link final : public ReferenceTarget {
 
     std::function<void()> onHeard;  // once
     RefResult answer = REF_SUCCEED;
+    bool isStubborn = false;
 
   private:
     std::string name_;
@@ -84,6 +87,9 @@ TEST_F(ReferencesTest, AnObjectThatAnUndoCanMeetComesBackAtItsAddress) {
     delete second;  // which empties the records that name it
     session.Undo();
     EXPECT_NE(top->GetReference(0), nullptr);
+    top->isStubborn = true;
+    delete static_cast<Link*>(top->GetReference(0));
+    EXPECT_EQ(headless::TakeBreachLines(), Lines{"SetReference: it still points at what is freed"});
     top->DeleteMe();
 }
 

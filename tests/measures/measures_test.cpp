@@ -67,6 +67,7 @@ TEST(Quaternion, TurnsForRowVectorsAndGoesTheShorterWay) {
     EXPECT_NEAR(QuatLog(QuatFromMatrix(turn)).z, kRightAngle, 1e-15);
     EXPECT_NEAR(QuatLog(QuatExp({0, 0, 3 * kRightAngle})).z, -kRightAngle, 1e-12);
     EXPECT_EQ(QuatLog({0, 0, 0, 1 + 1e-12}).z, 0);
+    ExpectNear(QuatExp({0, 0, 0}), Quaternion{}, 0);
     const Quaternion p = QuatExp({0.3, -0.2, 0.9});
     const Quaternion q = QuatExp({-1.1, 0.4, 0.2});
     ExpectNear(QuatFromMatrix(QuatToMatrix(q) * QuatToMatrix(p)), WithPositiveW(p * q), 1e-12);

@@ -1,3 +1,4 @@
+#include "controllers/transform_control.h"
 #include "objects/custom_helper_object.h"
 #include "tests/nodes/node_test.h"
 
@@ -55,10 +56,17 @@ class ForeignShape final : public Foreign<ShapeObject> {
     std::vector<float> asked;
 };
 
+class ForeignControl final : public Foreign<Control> {
+  public:
+    using Foreign::Foreign;
+    void GetValue(TimeValue, void*, Interval&, GetSetMethod) override {}
+    void SetValue(TimeValue, void*, int, GetSetMethod) override {}
+};
+
 using ShownObjects = NodeTest;
 
-// Lends what it can and works with all of it. Names what was lent, and "faces" if a mesh that was
-// written is there.
+// Lends what it can and works with all of it. Names what was lent, and "face" or "faces" if a mesh
+// that was written is there: the look's, or the mesh's own.
 std::string WhatIsLentBy(CMAXNode& node) {
     std::string lent;
     if (node.AcquireLensSnapshot(0)) lent += " lens";
@@ -72,6 +80,7 @@ std::string WhatIsLentBy(CMAXNode& node) {
         look->SetColor(1, 0, 0);
     }
     if (TVL::CSnapshot_Mesh* const mesh = node.AcquireMeshSnapshot(0)) {
+        if (mesh->GetMesh().FaceCount() == 1) lent += " with a face,";
         mesh->SetMesh(Triangle());
         const bool isHit = mesh->IntersectRay({1, 1, 9}, {0, 0, -1}, nullptr, nullptr);
         EXPECT_EQ(mesh->GetMesh().FaceCount(), isHit ? 1 : 0);
@@ -88,7 +97,7 @@ TEST_F(ShownObjects, AreWhatTheirIdsSayButForWhatOnlyOursCanBe) {
         {headless::NewSplines({line}), " shape 1 look mesh of faces"},
         {headless::NewSphere(1, 8), " look mesh of faces"},
         {new CustomHelperObject, " look mesh"},
-        {new ForeignMesh(GEOMOBJECT_CLASS_ID, kTriangles), " look mesh of faces"},
+        {new ForeignMesh(GEOMOBJECT_CLASS_ID, kTriangles), " look with a face, mesh of faces"},
         {new ForeignMesh(GEOMOBJECT_CLASS_ID, {9, 1}), " look mesh"},
         {new ForeignMesh(HELPER_CLASS_ID, kTriangles), " look mesh"},
         {new ForeignMesh(GEOMOBJECT_CLASS_ID, kTriangles, false), " look mesh"},
@@ -96,6 +105,14 @@ TEST_F(ShownObjects, AreWhatTheirIdsSayButForWhatOnlyOursCanBe) {
     };
     for (const auto& [object, lent] : cases)
         EXPECT_EQ(WhatIsLentBy(*NodeOn(object)), lent);
+
+    auto* const control = new ForeignControl(CTRL_MATRIX3_CLASS_ID, TransformControl::kClassID);
+    CMAXNode* const node = NodeOn(headless::NewSphere(1, 8)).release();
+    INode* const host = node->HostNode();
+    host->SetTMController(control);
+    node->HandleExtension(TVL::kUseHostController, nullptr);
+    node->Delete(false);
+    EXPECT_EQ(host->GetTMController(), control);
 }
 
 TEST_F(ShownObjects, LendALensThatConvertsAnglesAloneUntilTheCameraIsNotShown) {

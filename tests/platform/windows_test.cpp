@@ -134,14 +134,16 @@ TEST_F(WindowsOfADialog, AreToldFromStaleNullAndMadeUpHandles) {
     const HWND stale = OpenForm(frame);
     DestroyWindow(stale);
     const HWND successor = MakeFrame(frame);
-    char text[6] = "#";
-    for (const HWND bad : {stale, HWND{}, MadeUp<HWND>()})
+    char text[6] = {};
+    for (const HWND bad : {stale, HWND{}, MadeUp<HWND>()}) {
+        text[0] = '#';
         EXPECT_FALSE(IsWindow(bad) || IsWindowVisible(bad) || DestroyWindow(bad) ||
                      ShowWindow(bad, SW_SHOW) || SetWindowTextA(bad, "text") ||
                      GetWindowTextA(bad, text, 4) || text[0] != '\0' ||
                      SetWindowLongPtrA(bad, GWLP_USERDATA, 1) ||
                      GetWindowLongPtrA(bad, GWLP_USERDATA) || GetDlgItem(bad, kGo) ||
                      GetParent(bad) || SendMessageA(bad, BM_CLICK, 0, 0));
+    }
     EXPECT_EQ(GetWindowTextA(successor, text, 6), 5);
 }
 

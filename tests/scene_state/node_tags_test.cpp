@@ -241,6 +241,7 @@ TEST_F(NodeTags, StayForACoreThatHadNoMemoryToClaimThem) {
         EXPECT_EQ(InScene().empty(), found == Texts{"Hip"}) << nth;
         world.Session().NewScene();
     }
+    EXPECT_EQ(found, Texts{"Hip"});
 }
 
 TEST_F(NodeTags, AreOnEachNodeWithItsNamesAndTheOwnersStateOnItsFirst) {

@@ -168,12 +168,15 @@ TEST_F(StateChunk, OfTheOlderFormIsLeftOutWhereAnythingIsWrongAndTheNextOneIsRea
     using Damage = void (*)(StoredChunk&);
     const Damage damages[] = {
         [](StoredChunk& older) { older[0].parts.pop_back(); },
+        [](StoredChunk& older) { older[0].parts.clear(); },
         [](StoredChunk& older) { older[0][0].bytes = ""; },
         [](StoredChunk& older) { older[1].id = 555; },
         [](StoredChunk& older) { older[1][0].id = 558; },
         [](StoredChunk& older) { older[1][0][4].bytes = ""; },
         [](StoredChunk& older) { older[1][0][1].bytes = Number(4) + "abc"; },
+        [](StoredChunk& older) { older[1][0][1].bytes = Number(0x7FFFFFFF) + "abc"; },
         [](StoredChunk& older) { older[1][0][1].bytes = Number(0xFFFFFFFF) + "abc"; },
+        [](StoredChunk& older) { older[1][0][1].bytes = "abc"; },
         [](StoredChunk& older) { older[1][1][2].id = 24; },
         [](StoredChunk& older) { older[1][1][1][0].bytes = "abc"; },
         // Taken over by the entry behind it, as all further ones would.

@@ -135,12 +135,14 @@ void DoInside(Play& play, const Event& event, const Act& act, bool isInsideAnoth
     play.Do(act);
 }
 
-// How many calls into the Core the event makes; at one of them the plan is followed.
-std::size_t Happen(Play& play, const Event& event, const Plan& plan) {
+// How many calls into the Core the event makes; at one of them, in `followedAt`, the plan is
+// followed.
+std::size_t Happen(Play& play, const Event& event, const Plan& plan, std::string& followedAt) {
     std::size_t met = 0;
     Plan left = plan;
-    play.onMoment = [&](const std::string&) {
+    play.onMoment = [&](const std::string& moment) {
         if (met++ < plan.moment) return;
+        if (left.first) followedAt = moment;
         if (const Act* const act = std::exchange(left.first, nullptr))
             DoInside(play, event, *act, false);
         if (const Act* const next = std::exchange(left.second, nullptr))
@@ -199,9 +201,35 @@ void ExcuseNodesOutOfTheScene(Play& play, const Event& event, const Plan& plan) 
         if (node->GetName().empty()) play.loose.insert(node->GetNodeName());
 }
 
+// What the trace calls the calls, by the beginnings of their moments.
+const std::pair<std::string_view, const char*> kCalls[] = {
+    {"attach", "attach"},
+    {"detach", "detach"},
+    {"reset", "ResetCore"},
+    {"show", "ShowCore"},
+    {"time ", "NotifyTimeChanged"},
+    {"get ", "GetCoreState"},
+    {"set ", "SetCoreState"},
+    {"stop", "StopCore"},
+    {"option node", "GetOptionNode"},
+    {"option", "GetOptionValue"},
+    {"bind ", "BindOption"},
+    {"extensions", "HasExtension of an owner"},
+    {"deletion", "extension 43 of an owner"},
+    {"saving", "extension 56 of an owner"},
+    {"removed", "OnNodeRemoved"},
+    {"restored", "OnNodeRestored"},
+    {"undone", "Undo of an undo chunk"},
+    {"redone", "Redo of an undo chunk"},
+    {"released", "Release of an undo chunk"}};
+
 // It is told in the trace, and no step of the user's.
-void ExpectThrownOut(Play& play) {
-    EXPECT_GT(TimesTraced(play::kThrownOut), 0U);
+void ExpectThrownOut(Play& play, const std::string& moment) {
+    const auto* const call = std::ranges::find_if(
+        kCalls, [&](const auto& row) { return moment.starts_with(row.first); });
+    ASSERT_NE(call, std::end(kCalls)) << moment;
+    const std::string line = std::string("Exception out of ") + call->second + ": ";
+    EXPECT_GT(TimesTraced(line + play::kThrownOut + '\n'), 0U) << moment << Trace();
     EXPECT_EQ(std::ranges::count(play.Session().UndoLabels(), play::kThrownOut), 0);
 }
 
@@ -211,11 +239,12 @@ std::size_t TryPlan(const Event& event, const Names& situation, const Plan& plan
     const std::uint64_t made = MakeScene(play);
     play.leftNoRecord = event.record == kNone;
     Do(play, situation);
-    const std::size_t met = Happen(play, event, plan);
+    std::string moment;
+    const std::size_t met = Happen(play, event, plan, moment);
     if (event.name == kShutdown || !plan.first) return met;
     play.world.Core().isRunning = false;
     play.Settle();
-    if (plan.first->name == std::string_view("throw")) ExpectThrownOut(play);
+    if (plan.first->name == std::string_view("throw")) ExpectThrownOut(play, moment);
     ExcuseNodesOutOfTheScene(play, event, plan);
     EXPECT_EQ(play.BrokenAtRest(), Faults());
     UndoAndRedoEverything(play, made);

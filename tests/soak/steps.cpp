@@ -1,4 +1,3 @@
-
 #include "headless/memory_chunks.h"
 #include "headless/primitives.h"
 #include "resources/resource_ids.h"

@@ -241,8 +241,11 @@ void FindUnsortedKeys(Faults& faults) {
 // Of two nodes that a claim has brought onto one scene node the host knows but the first.
 void FindWrongNodes(Play& play, Faults& faults) {
     std::map<const INode*, std::vector<std::string>> on;
-    for (const auto& [number, node] : AdaptorNodes().nodes)
+    std::set<const CMAXNode*> listed;
+    for (const auto& [number, node] : AdaptorNodes().nodes) {
+        if (!listed.insert(node).second) faults.push_back("a node is listed twice");
         on[node->HostNode()].push_back(node->NodeName());
+    }
     for (const auto& [host, names] : on) {
         const auto known = std::ranges::count_if(
             names, [&](const std::string& name) { return !play.loose.contains(name); });
