@@ -250,7 +250,7 @@ TEST_F(Recording, FindsEveryFaultBeforeItTouchesTheScene) {
              {"CAPTURE", walk + '\n' + cut, "cut.bvh:24: frame 6 holds"},
              {"INSPECT", "walk_Hip", "LUMISET_INSPECT: "},
              {"PRESS", "1030", "option 1030 is no button that can be pressed"},
-             {"SAMPLE", "0:1:0", "LUMISET_SAMPLE: expected START:END:STEP"},
+             {"SAMPLE", "0:1:-1", "LUMISET_SAMPLE: expected START:END:STEP"},
              {"MERGE", cut, "cut.bvh: the host brought in nothing"},
              {"OPTIMISED", "yes", "LUMISET_OPTIMISED: expected 0 or 1"},
              {"CAPTURE_FRAMES", "0:7", "walk.bvh: the capture has only 6 frames"},
