@@ -35,9 +35,9 @@ void PrintForProgram(std::ostream& out, const Differences& differences) {
 
 Differences Compare(const DiffArguments& arguments) {
     const auto cachedKeys = arguments.cachedKeys ? CachedKeys::kCompared : CachedKeys::kLeftOut;
-    return {ReadOrRefuse(
-        [&] { return CompareSceneFiles(arguments.first, arguments.second, cachedKeys); },
-        kNotCompared)};
+    return {
+        OrRefuse([&] { return CompareSceneFiles(arguments.first, arguments.second, cachedKeys); },
+                 kNotCompared)};
 }
 
 void RunDiff(const DiffArguments& arguments) {

@@ -27,11 +27,12 @@ class Failure : public std::runtime_error {
     int status_;
 };
 
-// Gives what reading scene files from outside gives. What that throws of a file is a refusal.
-template <class Read>
-auto ReadOrRefuse(const Read& read, int status = kFailed) {
+// Gives what the work gives. What libraries throw of files and paths is a refusal, and no fault of
+// the program.
+template <class Work>
+auto OrRefuse(const Work& work, int status = kFailed) {
     try {
-        return read();
+        return work();
     } catch (const std::runtime_error& error) {
         throw Failure(error.what(), status);
     }

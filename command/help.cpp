@@ -93,11 +93,15 @@ std::string HelpOfVerb(const CLI::App& verb) {
 class OwnHelp : public CLI::FormatterBase {
   public:
     std::string make_help(const CLI::App* app, std::string, CLI::AppFormatMode) const override {
-        return app->get_parent() ? HelpOfVerb(*app) : HelpOfProgram(*app);
+        return HelpOf(*app);
     }
 };
 
 }  // namespace
+
+std::string HelpOf(const CLI::App& verb) {
+    return verb.get_parent() ? HelpOfVerb(verb) : HelpOfProgram(verb);
+}
 
 void UseOwnHelp(CLI::App& program) {
     program.formatter(std::make_shared<OwnHelp>());

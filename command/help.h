@@ -14,6 +14,9 @@ namespace headless {
 // is added afterwards.
 void UseOwnHelp(CLI::App& program);
 
+// That help. The parser itself would tell of the verb that was called.
+std::string HelpOf(const CLI::App& verb);
+
 // The page of the manual, for `man`.
 void PrintManual(std::ostream& out, const CLI::App& program);
 

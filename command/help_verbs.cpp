@@ -16,7 +16,7 @@ void PrintHelp(const CLI::App& program, const std::string& name) {
     const auto verbs = program.get_subcommands({});
     const auto verb = std::ranges::find(verbs, name, &CLI::App::get_name);
     if (!name.empty() && verb == verbs.end()) throw NoVerb(program, name);
-    std::cout << (name.empty() ? program.help() : (*verb)->help());
+    std::cout << HelpOf(name.empty() ? program : **verb);
 }
 
 }  // namespace

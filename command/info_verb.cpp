@@ -187,7 +187,7 @@ void OpenInHost(const GuestChoice& guests, InfoResult& result) {
 InfoResult Info(const std::string& scene, const GuestChoice& guests) {
     InfoResult result;
     result.scene = scene;
-    result.file = ReadOrRefuse([&] { return ViewSceneFile(scene); });
+    result.file = OrRefuse([&] { return ViewSceneFile(scene); });
     if (guests.guests == Guests::kNobody) {
         result.whyNotOpened = "the file alone was looked at";
         return result;

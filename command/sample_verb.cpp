@@ -23,6 +23,7 @@ struct SampleArguments {
 
 void RunSample(const SampleArguments& arguments) {
     KeepApart({{"SCENE", arguments.scene}}, {{kOutput, arguments.output}});
+    ExpectFile(arguments.output);
     CoreStage stage({Guests::kPluginAndCore, arguments.core});
     stage.Open(arguments.scene);
     CoreFile csv(arguments.output);

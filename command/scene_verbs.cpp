@@ -108,7 +108,7 @@ void RunOnScene(const SceneArguments& arguments, const Work& work) {
 // is refused with the reason.
 void RefuseDamaged(const std::vector<std::string>& scenes) {
     for (const std::string& scene : scenes)
-        ReadOrRefuse([&] { return ViewSceneFile(scene); });
+        OrRefuse([&] { return ViewSceneFile(scene); });
 }
 
 void Merge(CoreStage& stage, const SceneArguments& arguments) {

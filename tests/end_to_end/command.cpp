@@ -21,12 +21,14 @@ std::string Command::Do(const std::string& words) const {
     return ending.out;
 }
 
-void Command::ExpectRefusal(const std::string& words, const std::string& what, int status) const {
+std::string Command::ExpectRefusal(const std::string& words, const std::string& what,
+                                   int status) const {
     const Ending ending = Run(words);
     EXPECT_EQ(ending.status, status) << words << '\n' << ending.error;
     EXPECT_EQ(ending.out, "") << words;
     EXPECT_EQ(std::ranges::count(ending.error, '\n'), 1) << ending.error;
     EXPECT_TRUE(ending.error.starts_with("lumiset-headless: " + what)) << words << ending.error;
+    return ending.error;
 }
 
 std::map<std::string, std::string> Command::Files() const {

@@ -38,8 +38,8 @@ class Command : public testing::Test {
     // What is told to a program.
     Json Ask(const std::string& words) const { return Json::parse(Do(words + " --json")); }
 
-    // Fails with one line, which begins with `what`.
-    void ExpectRefusal(const std::string& words, const std::string& what, int status) const;
+    // Fails with one line, which begins with `what`. Gives it.
+    std::string ExpectRefusal(const std::string& words, const std::string& what, int status) const;
 
     // All files in its folder by their names, with their bytes, but for those of the test itself.
     std::map<std::string, std::string> Files() const;

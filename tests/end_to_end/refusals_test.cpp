@@ -92,8 +92,13 @@ TEST_F(Command, RefusesInOneLineEachWhatCannotBeDoneAndChangesNoFile) {
              {"open % --save none", "open % --no-plugin --save none", "merge % take --save none",
               "merge take % --save none", "merge take % --by-host --save none",
               "convert % --save none", "info %", "sample % --times 0:1:1 --csv none",
-              "render % --time 0 -o none"})
-            ExpectRefusal(With(words, "%", broken), broken + ": ", 1);
+              "render % --time 0 -o none"}) {
+            const std::string line = ExpectRefusal(With(words, "%", broken), broken + ": ", 1);
+            const bool saves = std::string_view(words).ends_with("none");
+            EXPECT_EQ(line.ends_with("; nothing was saved\n"), saves) << line;
+        }
+    EXPECT_TRUE(ExpectRefusal("open take -o locked", "locked: ", 1)
+                    .ends_with("; nothing was saved, locked is as it was\n"));
     EXPECT_EQ(Files(), before);
     for (const char* locked : {"locked", "table"})
         fs::permissions(File(locked), fs::perms::owner_all);

@@ -1,0 +1,89 @@
+#include <sstream>
+
+#include "platform/testing.h"
+#include "tests/end_to_end/command.h"
+
+// What the command tells of itself: help, manual and completion.
+
+namespace {
+
+class Help : public Command {
+  protected:
+    // The rows of the program's help that stand ahead of its options.
+    std::vector<std::string> Verbs() const {
+        const std::string help = Do("help");
+        std::istringstream rows(help.substr(0, help.find("\nOptions:")));
+        std::vector<std::string> verbs;
+        for (std::string row; std::getline(rows, row);)
+            if (row.starts_with("  ") && row[2] != ' ')
+                verbs.push_back(row.substr(2, row.find(' ', 2) - 2));
+        return verbs;
+    }
+
+    // Behind the command's name, without what a shell makes of it.
+    static std::string Example(std::string help) {
+        constexpr std::string_view kTitle = "\nExample:\n  lumiset-headless ";
+        help.erase(0, std::min(help.size(), help.find(kTitle) + kTitle.size()));
+        help = help.substr(0, help.find("\n\n"));
+        while (help.find("\\\n") != std::string::npos)
+            help = With(help, "\\\n", "");
+        return help.substr(0, help.find_first_of("|>\n"));
+    }
+};
+
+TEST_F(Help, IsInOurWordsAndIn80ColumnsAndItsExamplesWork) {
+    Write("walk.bvh", With(Walk(5), "Hip", "Hips"));
+    const std::vector<std::string> verbs = Verbs();
+    ASSERT_GE(verbs.size(), 13U);
+    const std::string manual = Do("manual");
+    for (const std::string& verb : verbs) {
+        const std::string help = Do(verb + " --help");
+        EXPECT_EQ(help, Do("help " + verb));
+        EXPECT_TRUE(help.starts_with("Usage: lumiset-headless " + verb + ' ')) << help;
+        EXPECT_NE(manual.find(".SS \"lumiset\\-headless " + verb + ' '), std::string::npos) << verb;
+        std::istringstream lines(help);
+        for (std::string line; std::getline(lines, line);)
+            EXPECT_LE(line.size(), 80U) << line;
+        for (const char* parsers :
+             {"FLOAT", " TEXT", "INT", "REQUIRED", "Excludes", "Needs", "{}", "[default"})
+            EXPECT_EQ(help.find(parsers), std::string::npos) << parsers << " in " << help;
+        EXPECT_TRUE(Example(help).starts_with(verb)) << help;
+        Do(Example(help));
+    }
+    EXPECT_EQ(Do("record help"), Do("record --help"));
+    const std::string record = Do("help record");
+    for (const char* words : {"a number above 0;", " 0.056444 if not said\n", "; also --scene\n"})
+        EXPECT_NE(record.find(words), std::string::npos) << words;
+}
+
+TEST_F(Help, CompletesVerbsOptionsValuesAndFilesInBash) {
+    constexpr char kBash[] = "/bin/bash";
+    if (!std::filesystem::exists(kBash)) GTEST_SKIP() << "bash is missing";
+    Write("completion", Do("completion"));
+    Write("walk.bvh", "");
+    Write("two words.bvh", "");
+    Write(
+        "typed",
+        "set -u\n. ./completion\n"
+        "complete_line() { COMP_WORDS=(lumiset-headless \"$@\") COMP_CWORD=$#; _lumiset_headless\n"
+        "    (IFS=,; echo \"${COMPREPLY[*]-}\"); }\n"
+        "complete_line ren\n"
+        "complete_line record --sc\n"
+        "complete_line record wal\n"
+        "complete_line record 'two '\n"
+        "complete_line open x --save = wal\n"
+        "complete_line --json sample --times ''\n"
+        "complete_line help me\n"
+        "complete_line manual ''\n");
+    const int status = platform::RunProgram({.program = kBash,
+                                             .arguments = platform::FromNarrow("typed").native(),
+                                             .out = folder_.Path() / "out",
+                                             .error = folder_.Path() / "error",
+                                             .folder = folder_.Path()});
+    EXPECT_TRUE(status == 0 && Read("error").empty()) << Read("error");
+    EXPECT_EQ(Read("out"),
+              "render\n--scene,--scale\nwalk.bvh\ntwo words.bvh\nwalk.bvh\n"
+              "\nmerge\n\n");
+}
+
+}  // namespace
