@@ -3,28 +3,28 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <iostream>
 #include <iterator>
-#include <optional>
 #include <string_view>
+#include <utility>
 
 #include "command/core_report.h"
 #include "command/exit_status.h"
+#include "command/output.h"
 #include "headless/breaches.h"
 #include "headless/scene_view.h"
 #include "platform/modules.h"
 #include "platform/narrow_path.h"
 #include "platform/process.h"
 #include "platform/registry.h"
-#include "platform/win32.h"
 #include "replay/request.h"
-#include "tvl/installation.h"
+#include "tvl/log.h"
+#include "tvl/panel.h"
 
 namespace headless {
 namespace {
 
 constexpr char kPlugin[] = "TarvoOstrelUtil";
-constexpr char kUtilityName[] = "Tarvo Lumiset Util";
-constexpr int kStartButton = 1046;
 
 namespace variable = replay::variable;
 
@@ -47,46 +47,6 @@ constexpr std::array kOptions = {OptionOfVariable{variable::kScale, "--scale"},
                                  OptionOfVariable{variable::kTake, "--take"},
                                  OptionOfVariable{variable::kReplace, "--replace"},
                                  OptionOfVariable{variable::kPartial, "--partial"}};
-
-// Of any length.
-std::optional<std::string> Read(HKEY key, const char* name) {
-    DWORD size = 0;
-    if (RegQueryValueExA(key, name, nullptr, nullptr, nullptr, &size) != ERROR_SUCCESS)
-        return std::nullopt;
-    std::string text(size, '\0');
-    if (RegQueryValueExA(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(text.data()),
-                         &size) != ERROR_SUCCESS)
-        return std::nullopt;
-    return text.substr(0, text.find('\0'));
-}
-
-std::optional<std::string> InstallPath() {
-    HKEY key = nullptr;
-    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, TVL::kInstallKey, 0, KEY_READ, &key) != ERROR_SUCCESS)
-        return std::nullopt;
-    std::optional<std::string> path = Read(key, TVL::kInstallValue);
-    RegCloseKey(key);
-    return path;
-}
-
-// The system's word for a failure lasts no longer than to its next call, so that it is asked anew.
-std::string WhyNotLoaded(const std::string& library) {
-    const HMODULE module = LoadLibraryA(library.c_str());
-    if (!module) return library + " cannot be loaded: " + platform::LastLoadFailure();
-    FreeLibrary(module);
-    return library + " could not be loaded at first";
-}
-
-// Why the plug-in could not load a Core, in one line that names where it looked for one.
-std::string WhyNoCore() {
-    const std::optional<std::string> folder = InstallPath();
-    const std::string value = std::string("\"") + TVL::kInstallValue + '"';
-    if (!folder) return "no " + value + " in HKEY_LOCAL_MACHINE\\" + TVL::kInstallKey;
-    if (folder->size() > TVL::kLongestInstallPath)
-        return value + " of the install key is longer than " +
-               std::to_string(TVL::kLongestInstallPath) + " bytes: " + *folder;
-    return WhyNotLoaded(*folder + TVL::kCoreLibrary);
-}
 
 std::string NotAttached(const std::string& why) {
     return "the Core could not be attached (" + why + ")";
@@ -129,39 +89,71 @@ std::string Lines(const std::vector<std::string>& values) {
     return lines;
 }
 
-CoreStage::CoreStage(const GuestChoice& choice, const SessionSettings& settings)
-    : guests_(choice.guests), session_(settings) {
-    session_.OnMessageBox([this](const MessageBoxText& box) { boxTexts_.push_back(box.text); });
+CoreStage::CoreStage(const GuestChoice& guests, const SessionSettings& settings)
+    : session_(settings) {
+    session_.OnMessageBox(
+        [this](const MessageBoxText& box) { pending_.boxes.push_back(box.text); });
     platform::UseNamedRegistry();
-    if (guests_ == Guests::kPluginAlone) platform::HideRegistry();
-    if (guests_ == Guests::kNobody) return;
+    if (guests.guests == Guests::kPluginAlone) platform::HideRegistry();
+    if (guests.guests == Guests::kNobody) return;
+    if (guests.guests == Guests::kPluginAndCore) seat_.emplace(guests.core);
+    platform::SetVariable(variable::kReport, report_.Path());
+    Start();
+    if (!guests.core.empty()) NeedCore();
+}
+
+// What keeps a Core away is an error in the trace, and the seat tells it; what one left behind that
+// refused is a warning. The replay Core says by a report that it is there.
+void CoreStage::Start() {
     const std::string error =
         session_.LoadPlugin(platform::BesideProgram(platform::ModuleFile(kPlugin)));
     if (!error.empty()) throw Failure(error);
     session_.Start();
+    isReplayCore_ = HasCore() && ReadReport(report_.Path());
+    if (HasCore()) return;
+    pending_.trace = trace_.TakeNew();
+    std::erase_if(pending_.trace, [this](const TraceLine& line) {
+        return !WantsCore() || line.level < TVL::Log::kWarning;
+    });
+    if (WantsCore()) absence_ = NotAttached(seat_->WhyAbsent());
+}
+
+CoreStage::~CoreStage() try {
+    session_.ShutDown();
+    const StageNews news = TakeNews();
+    for (const auto* lines : {&news.complaints, &news.breaches})
+        for (const std::string& line : *lines)
+            std::cerr << "Complaint: " << InTable(line) << '\n';
+} catch (...) {
+    // What there is no memory for stays untold.
+}
+
+void CoreStage::NeedCore() const {
+    if (!HasCore()) throw Failure(NotAttached(seat_->WhyAbsent()));
 }
 
 replay::Report CoreStage::AskCore(const CoreRequest& request) {
+    NeedCore();
+    if (!isReplayCore_)
+        throw Failure(seat_->Library() +
+                      " is not the replay Core, which this needs; lumiset-headless run drives any "
+                      "Core");
     for (const char* name : kRequestVariables) {
         const auto value = request.find(name);
         if (!platform::SetVariable(name, value == request.end() ? "" : value->second))
             throw Failure(std::string("what the Core is asked for is too long for ") + name +
                           ", a variable of the environment");
     }
-    platform::SetVariable(variable::kReport, report_.Path());
     std::filesystem::remove(platform::FromNarrow(report_.Path()));
-    if (session_.KeptUtilities() == 0) throw Failure(NotAttached(WhyNoCore()));
-    if (!session_.IsUtilityOpen(kUtilityName)) session_.OpenUtility(kUtilityName);
-    const std::size_t boxes = boxTexts_.size();
-    if (!session_.PressButton(kStartButton))
-        throw Failure(platform::ModuleFile(kPlugin) + ": its panel \"" + kUtilityName +
-                      "\" has no button " + std::to_string(kStartButton));
+    if (!session_.IsUtilityOpen(TVL::kPanelUtility)) session_.OpenUtility(TVL::kPanelUtility);
+    if (!session_.PressButton(TVL::kStartButton))
+        throw Failure(platform::ModuleFile(kPlugin) + ": its panel \"" + TVL::kPanelUtility +
+                      "\" has no button " + std::to_string(TVL::kStartButton));
     std::optional<replay::Report> report = ReadReport(report_.Path());
-    if (!report && boxTexts_.size() > boxes) {
-        boxTexts_.resize(boxes);
-        throw Failure(NotAttached("it is of another version, or refused to start"));
-    }
     if (!report) throw Failure("the Core reported nothing of its work");
+    for (const auto* lines : {&report->warnings, &report->faults})
+        reported_.insert(reported_.end(), lines->begin(), lines->end());
+    reported_.push_back(report->error);
     if (!report->error.empty()) Refuse(report->error);
     return *std::move(report);
 }
@@ -180,14 +172,36 @@ void CoreStage::MergeByHost(const std::string& scene) {
     Take(session_.MergeScene(scene));
 }
 
+StageNews CoreStage::TakeNews() {
+    std::ranges::move(trace_.TakeNew(), std::back_inserter(pending_.trace));
+    for (std::string& worry : Worries(pending_.trace))
+        if (std::ranges::find(reported_, worry) == reported_.end())
+            pending_.complaints.push_back(std::move(worry));
+    pending_.breaches = TakeBreachLines();
+    return std::exchange(pending_, {});
+}
+
+void CoreStage::GatherNews() {
+    StageNews news = TakeNews();
+    std::ranges::move(news.complaints, std::back_inserter(complaints_));
+    std::ranges::move(news.breaches, std::back_inserter(complaints_));
+    std::ranges::move(news.boxes, std::back_inserter(boxTexts_));
+}
+
 const std::vector<std::string>& CoreStage::Complaints() {
-    std::ranges::move(TakeBreachLines(), std::back_inserter(complaints_));
+    if (!absence_.empty()) complaints_.push_back(std::exchange(absence_, {}));
+    GatherNews();
     return complaints_;
+}
+
+const std::vector<std::string>& CoreStage::BoxTexts() {
+    GatherNews();
+    return boxTexts_;
 }
 
 void CoreStage::Take(FileOutcome outcome) {
     if (!outcome.error.empty()) throw Failure(outcome.error);
-    std::ranges::move(outcome.complaints, std::back_inserter(complaints_));
+    std::ranges::move(outcome.complaints, std::back_inserter(pending_.complaints));
 }
 
 std::size_t CoreStage::ShutDown() {

@@ -2,10 +2,13 @@
 
 #include <cstddef>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "command/trace_tail.h"
 #include "command/written_files.h"
+#include "headless/core_seat.h"
 #include "headless/session.h"
 #include "replay/report.h"
 
@@ -30,18 +33,39 @@ using CoreRequest = std::map<std::string, std::string>;
 // told to it.
 std::string Lines(const std::vector<std::string>& values);
 
-// A host that has started with the plug-in beside the program, and the Core that was chosen. What
-// cannot be done is thrown as a Failure.
+// What happened on a stage.
+struct StageNews {
+    std::vector<std::string> boxes;       // the texts of message boxes
+    std::vector<std::string> complaints;  // what did not go well with files and in the trace
+    std::vector<std::string> breaches;    // what the guests asked of the host that they must not
+    std::vector<TraceLine> trace;
+};
+
+// A host that has started with the plug-in beside the program, and the Core that is chosen. What
+// cannot be done is thrown as a Failure, also that a Core is not there which was named.
 class CoreStage {
   public:
-    explicit CoreStage(const GuestChoice& choice, const SessionSettings& settings = {});
+    explicit CoreStage(const GuestChoice& guests, const SessionSettings& settings = {});
+
+    // What nobody asked for until now, and what came of the shutdown, is told on stderr.
+    ~CoreStage();
+    CoreStage(const CoreStage&) = delete;
+    CoreStage& operator=(const CoreStage&) = delete;
 
     Session& Host() { return session_; }
 
-    bool WantsCore() const { return guests_ == Guests::kPluginAndCore; }
+    bool WantsCore() const { return seat_.has_value(); }
+    bool HasCore() const { return seat_ && seat_->IsAttached(); }
 
-    // Presses the button that has the Core do its work. Variables that the request does not hold
-    // are taken away, but for that of the frames, for which the command has no option.
+    // The seat of a Core that is wanted.
+    CoreSeat& Seat() { return *seat_; }
+
+    // Throws what kept the Core away, if it is not there.
+    void NeedCore() const;
+
+    // Presses the button that has the replay Core do its work. Variables that the request does not
+    // hold are taken away, but for that of the frames, for which the command has no option. Another
+    // Core is not asked for anything.
     replay::Report AskCore(const CoreRequest& request);
 
     // What the host does with scene files.
@@ -49,20 +73,29 @@ class CoreStage {
     void Save(const std::string& scene);
     void MergeByHost(const std::string& scene);
 
-    // What of that did not go well, and what the guests breached so far, a line each.
-    const std::vector<std::string>& Complaints();
+    // What happened since this was last asked for.
+    StageNews TakeNews();
 
-    // What message boxes have said so far, a text each.
-    const std::vector<std::string>& BoxTexts() const { return boxTexts_; }
+    // What did not go well so far, breaches and the want of a Core included, a line each; and what
+    // message boxes have said so far.
+    const std::vector<std::string>& Complaints();
+    const std::vector<std::string>& BoxTexts();
 
     // How many blocks are left on the host's heap.
     std::size_t ShutDown();
 
   private:
+    void Start();
     void Take(FileOutcome outcome);
+    void GatherNews();
 
-    Guests guests_;
     CoreFile report_{""};
+    TraceTail trace_;
+    std::optional<CoreSeat> seat_;
+    bool isReplayCore_ = false;
+    std::string absence_;  // why the Core was not there at the start, until that is told
+    std::vector<std::string> reported_;  // by the replay Core, which traces it as well
+    StageNews pending_;
     std::vector<std::string> complaints_;
     std::vector<std::string> boxTexts_;
     Session session_;

@@ -54,7 +54,9 @@ void PrintRows(std::ostream& out, const char* title, const std::vector<WordText>
 void PrintFoot(std::ostream& out, const std::string& foot) {
     if (!foot.empty()) out << '\n';
     for (const std::string& line : LinesOf(foot)) {
-        if (IsTyped(line))
+        if (const std::optional<WordText> row = RowOf(line))
+            out << HelpRow(row->label, row->text);
+        else if (IsTyped(line))
             out << "  " << Wrapped(line, kRowIndent, 2 * kRowIndent, " \\");
         else
             out << Wrapped(line, 0, 0);

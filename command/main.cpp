@@ -61,6 +61,7 @@ void AddVerbs(CLI::App& app) {
     headless::AddDiffVerb(app);
     headless::AddInspectVerb(app);
     headless::AddSampleVerb(app);
+    headless::AddRunVerb(app);
     headless::AddHelpVerbs(app);
 }
 

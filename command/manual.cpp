@@ -46,7 +46,10 @@ void PrintLines(std::ostream& out, const std::vector<std::string>& lines) {
     for (const std::string& line : lines) {
         if (IsTyped(line) != isOpen) out << (isOpen ? ".EE\n" : ".PP\n.EX\n");
         isOpen = IsTyped(line);
-        out << (line.empty() ? ".PP" : Roff(line)) << '\n';
+        if (const std::optional<WordText> row = RowOf(line))
+            PrintPageWords(out, {*row});
+        else
+            out << (line.empty() ? ".PP" : Roff(line)) << '\n';
     }
     if (isOpen) out << ".EE\n";
 }

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <limits>
 #include <utility>
 
+#include "command/core_space.h"
 #include "command/exit_status.h"
 #include "host/time.h"
 #include "platform/progress_line.h"
@@ -17,17 +17,8 @@ constexpr std::size_t kFramedTimes = 24;
 
 constexpr int kLargestSheet = 16384;  // pixels each way
 
-TimeValue Saturated(double ticks) {
-    constexpr double kMost = std::numeric_limits<TimeValue>::max();
-    return static_cast<TimeValue>(std::clamp(ticks, -kMost, kMost));
-}
-
-TimeValue AtSeconds(double seconds) {
-    return Saturated(seconds * GetFrameRate() * GetTicksPerFrame());
-}
-
 TimeValue AtFrame(int frame) {
-    return Saturated(double{1} * frame * GetTicksPerFrame());
+    return NearestTime(double{1} * frame * GetTicksPerFrame());
 }
 
 std::string WithFrame(std::string file, int frame) {

@@ -6,16 +6,13 @@
 #include <string_view>
 #include <vector>
 
+#include "command/conversion.h"
 #include "command/exit_status.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
-#include "headless/control/keyframe_chunk.h"
 #include "headless/scene_file_view.h"
 #include "headless/scene_view.h"
-#include "host/interface.h"
-#include "host/node.h"
 #include "replay/request.h"
-#include "tvl/ids.h"
 
 // Verbs that open a scene, do something with it, save it, and tell what the Core finds in it then.
 namespace headless {
@@ -32,19 +29,21 @@ struct SceneReport {
 };
 
 // The end of the work on a scene: saves it unless `target` is empty, and asks the Core for its
-// takes. Where a Core is wanted and none is there, that is a complaint.
+// takes. That there is no Core which was wanted, or one that has no takes, is a complaint.
 SceneReport SaveAndReport(CoreStage& stage, const std::string& scene, const std::string& target) {
     if (!target.empty()) stage.Save(target);
     SceneReport report;
     report.scene = scene;
     report.saved = target;
     report.nodes = Nodes().size();
-    report.complaints = stage.Complaints();
+    std::string untold;
     try {
-        if (stage.WantsCore()) report.takes = stage.AskCore({}).takes;
+        if (stage.HasCore()) report.takes = stage.AskCore({}).takes;
     } catch (const Failure& failure) {
-        report.complaints.push_back(failure.what());
+        untold = failure.what();
     }
+    report.complaints = stage.Complaints();
+    if (!untold.empty()) report.complaints.push_back("no takes are told: " + untold);
     report.boxes = stage.BoxTexts();
     return report;
 }
@@ -121,24 +120,6 @@ void Merge(CoreStage& stage, const SceneArguments& arguments) {
         stage.MergeByHost(other);
 }
 
-bool HasKeyframes(Animatable* part) {
-    if (!part) return false;
-    if (IsKeyframes(part->ClassID())) return true;
-    for (int index = 0; index < part->NumSubs(); ++index)
-        if (HasKeyframes(part->SubAnim(index))) return true;
-    return false;
-}
-
-// A button has no answer.
-void Convert(CoreStage& stage) {
-    stage.AskCore({{replay::variable::kPress, std::to_string(TVL::kConvertAllControllers)}});
-    for (const NodeView& view : Nodes()) {
-        INode* const node = GetCOREInterface()->GetINodeByHandle(view.handle);
-        if (HasKeyframes(node->GetTMController()) || HasKeyframes(node->GetObjectRef()))
-            throw Failure(view.name + ": not all controllers of this node could be converted");
-    }
-}
-
 }  // namespace
 
 void AddOpenVerb(CLI::App& app) {
@@ -183,7 +164,7 @@ void AddConvertVerb(CLI::App& app) {
     AddAudience(*verb, arguments->audience);
     AddExample(*verb, "convert walk.scene -o plain.scene");
     ExplainReport(*verb);
-    verb->callback([arguments] { RunOnScene(*arguments, &Convert); });
+    verb->callback([arguments] { RunOnScene(*arguments, &ConvertControllers); });
 }
 
 }  // namespace headless

@@ -134,4 +134,11 @@ bool IsTyped(const std::string& line) {
     return line.starts_with("  ");
 }
 
+std::optional<WordText> RowOf(const std::string& line) {
+    const std::size_t tab = line.find('\t');
+    if (tab == std::string::npos) return std::nullopt;
+    return WordText{
+        .label = line.substr(0, tab), .text = line.substr(tab + 1), .names = {}, .value = {}};
+}
+
 }  // namespace headless

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,7 +35,7 @@ struct VerbText {
     std::string group;  // of verbs
     std::string usage;  // the whole line, without options that can be left out
     std::string text;   // sentences, of which the first one is the summary
-    std::string foot;   // paragraphs and, with two blanks ahead of them, lines that are typed
+    std::string foot;  // paragraphs; rows; and, with two blanks ahead of them, lines that are typed
     std::vector<WordText> arguments;
     std::vector<WordText> options;
 
@@ -51,5 +52,8 @@ std::vector<VerbText> TextsOfVerbs(const CLI::App& program);
 // The lines of a foot; an empty one parts two paragraphs.
 std::vector<std::string> LinesOf(const std::string& foot);
 bool IsTyped(const std::string& line);
+
+// A row of a foot has a tab between a label and its text. Nothing if the line is none.
+std::optional<WordText> RowOf(const std::string& line);
 
 }  // namespace headless

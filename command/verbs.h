@@ -18,6 +18,7 @@ void AddDrawVerb(CLI::App& app);
 void AddRenderVerb(CLI::App& app);
 void AddConvertVerb(CLI::App& app);
 void AddInfoVerb(CLI::App& app);
+void AddRunVerb(CLI::App& app);
 void AddDiffVerb(CLI::App& app);
 
 // Of all verbs, so that they are added last.

@@ -10,6 +10,16 @@
 #include "tvl/log.h"
 
 namespace replay {
+namespace {
+
+// Without a path nobody waits for it.
+void HandOver(Report& report, const std::string& path) {
+    if (path.empty()) return;
+    const std::string unwritten = WriteReport(path, report);
+    if (!unwritten.empty()) TVL::Log(TVL::Log::kError).Write(unwritten);
+}
+
+}  // namespace
 
 ReplayCore::ReplayCore(TVL::AdaptorInterface& adaptor)
     : adaptor_(adaptor),
@@ -19,6 +29,9 @@ ReplayCore::ReplayCore(TVL::AdaptorInterface& adaptor)
       currentSeconds_(adaptor.GetCurrentTime()),
       convertButton_("Convert all controllers") {
     untaken_.reserve(kMostUntaken);
+    // Whoever waits for reports learns by an empty one that this is the Core that writes them.
+    Report greeting;
+    HandOver(greeting, ReadEnvironment().report);
 }
 
 ReplayCore::~ReplayCore() {
@@ -102,9 +115,7 @@ void ReplayCore::ShowCore(TVL::WindowHandle) {
     for (const std::string& fault : report.faults)
         TVL::Log(TVL::Log::kError).Write(fault);
     if (!report.error.empty()) TVL::Log(TVL::Log::kError).Write(report.error);
-    if (request.report.empty()) return;
-    const std::string unwritten = WriteReport(request.report, report);
-    if (!unwritten.empty()) TVL::Log(TVL::Log::kError).Write(unwritten);
+    HandOver(report, request.report);
 }
 
 void ReplayCore::Show(const Request& request, Report& report) {

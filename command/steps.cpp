@@ -1,0 +1,162 @@
+#include "command/steps.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <system_error>
+
+#include "command/exit_status.h"
+#include "command/nearest.h"
+#include "command/output.h"
+#include "command/step_arguments.h"
+#include "platform/narrow_path.h"
+
+namespace headless {
+namespace {
+
+constexpr std::string_view kBlanks = " \t";
+constexpr std::string_view kExpect = "expect";
+
+// Takes the word in quotes at the front of a text.
+std::string TakeQuoted(std::string_view& text) {
+    std::string word;
+    for (std::size_t at = 1; at < text.size(); ++at) {
+        if (text[at] != '"') {
+            word += text[at];
+        } else if (text.substr(at + 1).starts_with('"')) {
+            word += text[at++];
+        } else {
+            text.remove_prefix(at + 1);
+            if (text.empty() || kBlanks.find(text.front()) != std::string_view::npos) return word;
+            RefuseStep("a word in quotes is followed by more than a blank");
+        }
+    }
+    RefuseStep("a quote is not closed");
+}
+
+std::string TakePlain(std::string_view& text) {
+    const std::size_t end = std::min(text.find_first_of(kBlanks), text.size());
+    const std::string word(text.substr(0, end));
+    text.remove_prefix(end);
+    return word;
+}
+
+std::vector<std::string> SplitIntoWords(std::string_view text) {
+    if (text.find('\0') != std::string_view::npos) RefuseStep("it holds a byte that is no text");
+    std::vector<std::string> words;
+    while (true) {
+        text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+        if (text.empty() || text.front() == '#') return words;
+        words.push_back(text.front() == '"' ? TakeQuoted(text) : TakePlain(text));
+    }
+}
+
+[[noreturn]] void RefuseName(const std::string& name) {
+    std::vector<std::string> names;
+    for (const StepKind& kind : StepKinds())
+        names.emplace_back(kind.name);
+    const std::string nearest = Nearest(name, names);
+    RefuseStep(
+        "there is no step " + Quoted(name) +
+        (nearest.empty() ? " (--help lists them)" : "; did you mean " + Quoted(nearest) + "?"));
+}
+
+// Its name is left out of the words.
+const StepKind& FindKind(StepWords& words) {
+    std::string name = words.front();
+    words = words.subspan(1);
+    if (name == kExpect && !words.empty()) {
+        name += ' ' + words.front();
+        words = words.subspan(1);
+    }
+    const auto found = std::ranges::find(StepKinds(), name, &StepKind::name);
+    if (found == StepKinds().end()) RefuseName(name);
+    return *found;
+}
+
+Step ReadStep(const std::string& text, const std::vector<std::string>& all) {
+    StepWords words = all;
+    const StepKind& kind = FindKind(words);
+    if (words.size() < kind.fewest)
+        RefuseStep("it lacks " + std::string(words.empty() ? "" : "some of ") +
+                   "what it needs: " + Title(kind));
+    if (words.size() > kind.most)
+        RefuseStep(Quoted(words[kind.most]) + " is more than it takes: " + Title(kind));
+    Step step{.text = text, .title = {}, .act = kind.make(words), .use = kind.file, .file = {}};
+    if (kind.file == StepFile::kNone) return step;
+    step.file = words.front();
+    if (step.file.empty()) RefuseStep("the name of a file is empty");
+    return step;
+}
+
+// Reads steps one behind another and numbers them.
+class StepReader {
+  public:
+    std::vector<Step> steps;
+
+    // False if the text holds no step.
+    bool Read(const std::string& place, const std::string& text) {
+        const std::string title =
+            place + "step " + std::to_string(steps.size() + 1) + " (" + InTable(text) + ")";
+        try {
+            const std::vector<std::string> words = SplitIntoWords(text);
+            if (words.empty()) return false;
+            steps.push_back(ReadStep(text, words));
+        } catch (const Failure& failure) {
+            throw Failure(title + ": " + failure.what(), failure.Status());
+        }
+        steps.back().title = title;
+        return true;
+    }
+};
+
+// Without the blanks around it, and the mark by which an editor shows its encoding.
+std::string Trimmed(std::string line) {
+    constexpr std::string_view kMark = "\xEF\xBB\xBF";
+    constexpr std::string_view kAround = " \t\r";
+    if (line.starts_with(kMark)) line.erase(0, kMark.size());
+    line.erase(0, line.find_first_not_of(kAround));
+    line.erase(line.find_last_not_of(kAround) + 1);
+    return line;
+}
+
+std::string TextOf(const std::string& path) {
+    const std::filesystem::path file = platform::FromNarrow(path);
+    std::error_code error;
+    if (std::filesystem::is_directory(file, error)) throw Failure(path + ": it is a folder");
+    std::ifstream stream(file, std::ios::binary);
+    std::string text(std::istreambuf_iterator<char>(stream), {});
+    if (!stream.is_open() || stream.bad()) {
+        const bool isThere = std::filesystem::exists(file, error);
+        throw Failure(path + (isThere ? ": it cannot be read" : ": there is no such file"));
+    }
+    return text;
+}
+
+}  // namespace
+
+std::string Title(const StepKind& kind) {
+    return std::string(kind.name) + (kind.arguments.empty() ? "" : " ") +
+           std::string(kind.arguments);
+}
+
+std::vector<Step> StepsOfOptions(const std::vector<std::string>& texts) {
+    StepReader reader;
+    for (const std::string& text : texts)
+        if (!reader.Read("", Trimmed(text)))
+            RefuseStep("step " + std::to_string(reader.steps.size() + 1) + " says nothing");
+    return std::move(reader.steps);
+}
+
+std::vector<Step> StepsOfScript(const std::string& path) {
+    StepReader reader;
+    std::istringstream text(TextOf(path));
+    std::size_t number = 0;
+    for (std::string line; std::getline(text, line);)
+        reader.Read(path + ':' + std::to_string(++number) + ": ", Trimmed(line));
+    if (reader.steps.empty()) RefuseStep(path + ": there is no step in it");
+    return std::move(reader.steps);
+}
+
+}  // namespace headless

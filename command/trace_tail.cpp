@@ -1,0 +1,140 @@
+#include "command/trace_tail.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <span>
+#include <sstream>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "platform/narrow_path.h"
+#include "platform/process.h"
+#include "tvl/installation.h"
+#include "tvl/log.h"
+
+namespace headless {
+namespace {
+
+constexpr std::array<std::string_view, 4> kLevelWords = {"CRITICAL", "ERROR", "WARNING", "NOTICE"};
+
+bool BeginsWithMoment(std::string_view line) {
+    constexpr std::string_view kMoment = "00000000 00:00:00 (";
+    const auto fits = [](char form, char c) {
+        return form == '0' ? c >= '0' && c <= '9' : c == form;
+    };
+    return line.size() >= kMoment.size() &&
+           std::equal(kMoment.begin(), kMoment.end(), line.begin(), fits);
+}
+
+// Of what follows the moment.
+TraceLine ReadLine(std::string_view rest) {
+    TraceLine line{TVL::Log::kTraffic, 0, {}};
+    for (std::size_t level = 0; level < kLevelWords.size(); ++level) {
+        const std::string word = std::string(kLevelWords[level]) + "): ";
+        if (!rest.starts_with(word)) continue;
+        line.level = static_cast<int>(level);
+        rest.remove_prefix(word.size());
+        break;
+    }
+    line.depth = std::min(rest.find_first_not_of('\t'), rest.size());
+    line.text = rest.substr(line.depth);
+    return line;
+}
+
+// A line that begins with no moment goes on with the message before it.
+std::vector<TraceLine> ReadLines(const std::string& text) {
+    constexpr std::size_t kMomentLength = sizeof("20061204 09:05:00 (") - 1;
+    std::vector<TraceLine> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) {
+        if (BeginsWithMoment(line))
+            lines.push_back(ReadLine(std::string_view(line).substr(kMomentLength)));
+        else if (!lines.empty())
+            lines.back().text += ' ' + line;
+    }
+    return lines;
+}
+
+// Nothing is below what was written outside all scopes. What a scope writes of its own stands as
+// deep as the message that opened it.
+bool IsBelow(const TraceLine& line, const TraceLine& head) {
+    if (head.depth == 0) return false;
+    return line.depth > head.depth || (line.depth == head.depth && line.level == head.level);
+}
+
+// Undo chunks end with the Core whatever it does, and nothing here needs the user's documents.
+constexpr std::string_view kLeftBehind = "CORE left something behind in the adaptor";
+constexpr std::string_view kLeftChunks = "undo chunks: ";
+constexpr std::string_view kNoDocuments = "Unable to find my documents ";
+
+// With what is nested below it, which begins at the second of the lines.
+std::string WorryOf(std::span<const TraceLine> lines) {
+    const std::string& head = lines.front().text;
+    std::string below;
+    for (const TraceLine& line : lines.subspan(1))
+        if (head != kLeftBehind || !line.text.starts_with(kLeftChunks))
+            (below += below.empty() ? " (" : ", ") += line.text;
+    const bool isHarmless = head == kLeftBehind ? below.empty() : head.starts_with(kNoDocuments);
+    if (isHarmless) return {};
+    return head + (below.empty() ? below : below + ")");
+}
+
+std::uintmax_t SizeOf(const std::string& path) {
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(platform::FromNarrow(path), error);
+    return error ? 0 : size;
+}
+
+}  // namespace
+
+std::string ToText(const TraceLine& line) {
+    const auto word = static_cast<std::size_t>(line.level);
+    return (word < kLevelWords.size() ? std::string(kLevelWords[word]) + ": " : "") +
+           std::string(2 * line.depth, ' ') + line.text;
+}
+
+std::vector<std::string> Worries(const std::vector<TraceLine>& lines) {
+    std::vector<std::string> worries;
+    for (std::size_t at = 0, end = 0; at < lines.size(); at = end) {
+        end = at + 1;
+        if (lines[at].level > TVL::Log::kWarning) continue;
+        while (end < lines.size() && IsBelow(lines[end], lines[at]))
+            ++end;
+        std::string worry = WorryOf(std::span(lines).subspan(at, end - at));
+        if (!worry.empty()) worries.push_back(std::move(worry));
+    }
+    return worries;
+}
+
+TraceTail::TraceTail() : path_(platform::Variable(TVL::kTraceVariable)) {
+    read_ = SizeOf(path_);
+    if (!path_.empty()) return;
+    path_ = own_.emplace("").Path();
+    platform::SetVariable(TVL::kTraceVariable, path_);
+}
+
+TraceTail::~TraceTail() {
+    if (own_) platform::SetVariable(TVL::kTraceVariable, "");
+}
+
+std::vector<TraceLine> TraceTail::TakeNew() {
+    return ReadLines(NewText());
+}
+
+// Of a pipe or a terminal there would be no end.
+std::string TraceTail::NewText() {
+    const std::filesystem::path file = platform::FromNarrow(path_);
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(file, error)) return {};
+    std::ifstream stream(file, std::ios::binary);
+    stream.seekg(static_cast<std::streamoff>(read_));
+    std::string text(std::istreambuf_iterator<char>(stream), {});
+    read_ += text.size();
+    return text;
+}
+
+}  // namespace headless
