@@ -29,8 +29,25 @@ install(
 
 install(DIRECTORY examples/hello_core DESTINATION share/TarvoLumiset/examples)
 
+install(FILES docs/writing-a-core.md CHANGELOG.md DESTINATION share/doc/TarvoLumiset)
+install(FILES docs/pictures/axes.png docs/pictures/bounce.png
+  DESTINATION share/doc/TarvoLumiset/pictures)
+
+# The command itself writes what a system installs beside it.
+if(NOT CMAKE_CROSSCOMPILING)
+  set(manual ${CMAKE_BINARY_DIR}/lumiset-headless.1)
+  set(completion ${CMAKE_BINARY_DIR}/lumiset-headless)
+  add_custom_command(OUTPUT ${manual} ${completion}
+    COMMAND lumiset-headless manual > ${manual}
+    COMMAND lumiset-headless completion > ${completion}
+    DEPENDS lumiset-headless
+    VERBATIM)
+  install(FILES ${manual} DESTINATION share/man/man1)
+  install(FILES ${completion} DESTINATION share/bash-completion/completions)
+endif()
+
 # All that is installed, and nothing of the tests.
-add_custom_target(kit DEPENDS lumiset-headless)
+add_custom_target(kit ALL DEPENDS lumiset-headless core_seat_module ${manual} ${completion})
 
 set(CPACK_GENERATOR TGZ)
 if(WIN32)
