@@ -2,6 +2,7 @@
 #include <ostream>
 
 #include "command/help.h"
+#include "command/steps.h"
 #include "command/verb_texts.h"
 
 namespace headless {
@@ -12,7 +13,7 @@ namespace {
 constexpr char kHead[] = R"(# To be sourced by bash.
 _lumiset_headless() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
-    local verb= place options= files= valued= words= takes_files=
+    local verb= place options= files= valued= chosen= choices= words= takes_files=
     if [[ $word == = ]]; then
         word=
     elif [[ $before == = ]]; then
@@ -28,7 +29,9 @@ _lumiset_headless() {
 )";
 
 constexpr char kTail[] = R"(    esac
-    if [[ " $files " == *" $before "* ]]; then
+    if [[ " $chosen " == *" $before "* ]]; then
+        words=$choices takes_files=
+    elif [[ " $files " == *" $before "* ]]; then
         words= takes_files=1
     elif [[ " $valued " == *" $before "* ]]; then
         words= takes_files=
@@ -50,14 +53,32 @@ void Append(std::string& list, const std::vector<std::string>& words) {
         list += list.empty() ? word : ' ' + word;
 }
 
+// A step of two words begins with the first one alike.
+std::string StepNames() {
+    std::string names;
+    std::string_view last;
+    for (const StepKind& kind : StepKinds()) {
+        const std::string_view name = kind.name.substr(0, kind.name.find(' '));
+        if (name != last) Append(names, {std::string(name)});
+        last = name;
+    }
+    return names;
+}
+
 void PrintCase(std::ostream& out, const VerbText& verb, const std::string& pattern,
                const std::string& words) {
     std::string options;
     std::string files;
     std::string valued;
+    std::string chosen;
     for (const WordText& option : verb.options) {
         Append(options, option.names);
-        if (!option.value.empty()) Append(option.isFile ? files : valued, option.names);
+        if (option.isFile)
+            Append(files, option.names);
+        else if (option.value == kStepValue)
+            Append(chosen, option.names);
+        else if (!option.value.empty())
+            Append(valued, option.names);
     }
     bool takesFiles = false;
     for (const WordText& argument : verb.arguments)
@@ -66,6 +87,8 @@ void PrintCase(std::ostream& out, const VerbText& verb, const std::string& patte
         << "            options='" << options << "'\n"
         << "            files='" << files << "'\n"
         << "            valued='" << valued << "'\n"
+        << (chosen.empty() ? ""
+                           : "            chosen='" + chosen + "' choices='" + StepNames() + "'\n")
         << "            words='" << words << "' takes_files=" << (takesFiles ? "1" : "") << '\n'
         << "            ;;\n";
 }
@@ -80,7 +103,8 @@ void PrintCompletion(std::ostream& out, const CLI::App& program) {
     out << kHead;
     PrintCase(out, TextOf(program), "''", names);
     for (const VerbText& verb : verbs) {
-        const bool takesVerb = !verb.arguments.empty() && verb.arguments.front().value == "VERB";
+        const bool takesVerb =
+            !verb.arguments.empty() && verb.arguments.front().value == kVerbValue;
         PrintCase(out, verb, verb.name, takesVerb ? names : "");
     }
     out << kTail;

@@ -105,8 +105,9 @@ CoreStage::CoreStage(const GuestChoice& guests, const SessionSettings& settings)
 // What keeps a Core away is an error in the trace, and the seat tells it; what one left behind that
 // refused is a warning. The replay Core says by a report that it is there.
 void CoreStage::Start() {
-    const std::string error =
-        session_.LoadPlugin(platform::BesideProgram(platform::ModuleFile(kPlugin)));
+    const std::string plugin =
+        OrRefuse([] { return platform::BesideProgram(platform::ModuleFile(kPlugin)); });
+    const std::string error = session_.LoadPlugin(plugin);
     if (!error.empty()) throw Failure(error);
     session_.Start();
     isReplayCore_ = HasCore() && ReadReport(report_.Path());

@@ -6,6 +6,7 @@
 
 #include "command/help.h"
 #include "command/verb_options.h"
+#include "command/verb_texts.h"
 #include "command/verbs.h"
 #include "command/wrong_words.h"
 
@@ -25,7 +26,7 @@ void AddHelpVerbs(CLI::App& app) {
     CLI::App* const help = AddVerb(app, kHelping, "help", "Explain a verb, or list them all.");
     const auto verb = std::make_shared<std::string>();
     help->add_option("VERB", *verb, "What to tell of; all verbs in short if none is named")
-        ->type_name("VERB");
+        ->type_name(kVerbValue);
     AddExample(*help, "help record");
     help->callback([&app, verb] { PrintHelp(app, *verb); });
 

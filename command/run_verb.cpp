@@ -6,6 +6,7 @@
 #include "command/output.h"
 #include "command/run.h"
 #include "command/verb_options.h"
+#include "command/verb_texts.h"
 #include "command/verbs.h"
 #include "command/written_files.h"
 
@@ -32,6 +33,7 @@ void CheckFiles(const RunArguments& arguments, const std::vector<Step>& steps) {
         if (step.use != StepFile::kSaved && step.use != StepFile::kDrawn) continue;
         KeepApart(kept, {{step.title, step.file}});
         if (step.use == StepFile::kDrawn) KeepApart(scenes, {{step.title, step.file}});
+        ExpectFile(step.file);
     }
 }
 
@@ -70,7 +72,7 @@ void AddRunVerb(CLI::App& app) {
     CLI::Option* const steps = verb->add_option("--do", arguments->steps, "Do this step")
                                    ->expected(1)
                                    ->take_all()
-                                   ->type_name("STEP");
+                                   ->type_name(kStepValue);
     AddFile(*verb, "--script", arguments->script,
             "Do the steps in this file, a line each; # begins a comment")
         ->excludes(steps);

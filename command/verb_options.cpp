@@ -64,12 +64,12 @@ CLI::Option* AddSwitch(CLI::App& verb, const std::string& words, bool& isSaid,
 
 CLI::Option* AddFile(CLI::App& verb, const std::string& words, std::string& name,
                      const std::string& help) {
-    return verb.add_option(words, name, help)->check(CheckFileName)->type_name("FILE");
+    return verb.add_option(words, name, help)->check(CheckFileName)->type_name(kFileValue);
 }
 
 CLI::Option* AddFiles(CLI::App& verb, const std::string& words, std::vector<std::string>& names,
                       const std::string& help) {
-    return verb.add_option(words, names, help)->check(CheckFileName)->type_name("FILE");
+    return verb.add_option(words, names, help)->check(CheckFileName)->type_name(kFileValue);
 }
 
 CLI::Option* AddOutput(CLI::App& verb, const std::string& old, std::string& name,

@@ -8,8 +8,6 @@
 namespace headless {
 namespace {
 
-constexpr char kFile[] = "FILE";
-
 bool TakesSeveral(const CLI::Option& option) {
     return option.get_items_expected_max() >= CLI::detail::expected_max_vector_size;
 }
@@ -73,7 +71,7 @@ WordText ToldOf(const CLI::Option& option) {
             .text = SentenceOf(option),
             .names = NamesOf(option),
             .value = ValueOf(option),
-            .isFile = option.get_type_name() == kFile};
+            .isFile = option.get_type_name() == kFileValue};
 }
 
 // An option that must be said is told by its shortest name.

@@ -15,6 +15,11 @@ namespace headless {
 
 inline constexpr char kCommand[] = "lumiset-headless";
 
+// What is typed behind an option, or for an argument, where others know what can stand there.
+inline constexpr char kFileValue[] = "FILE";
+inline constexpr char kVerbValue[] = "VERB";
+inline constexpr char kStepValue[] = "STEP";
+
 // How the command ends, in words.
 inline constexpr char kExitStatusText[] =
     "It ends with 0 when all was done; with 1 when it failed, which one line says, or recorded a "

@@ -1,3 +1,4 @@
+#include <regex>
 #include <sstream>
 
 #include "platform/testing.h"
@@ -45,8 +46,9 @@ TEST_F(Help, IsInOurWordsAndIn80ColumnsAndItsExamplesWork) {
         for (std::string line; std::getline(lines, line);)
             EXPECT_LE(line.size(), 80U) << line;
         for (const char* parsers :
-             {"FLOAT", " TEXT", "INT", "REQUIRED", "Excludes", "Needs", "{}", "[default"})
+             {"FLOAT", "TEXT:", "INT", "REQUIRED", "Excludes", "Needs", "{}", "[default"})
             EXPECT_EQ(help.find(parsers), std::string::npos) << parsers << " in " << help;
+        EXPECT_FALSE(std::regex_search(help, std::regex("(--[a-z-]+|[A-Z]+) TEXT"))) << help;
         EXPECT_TRUE(Example(help).starts_with(verb)) << help;
         Do(Example(help));
     }
@@ -74,7 +76,8 @@ TEST_F(Help, CompletesVerbsOptionsValuesAndFilesInBash) {
         "complete_line open x --save = wal\n"
         "complete_line --json sample --times ''\n"
         "complete_line help me\n"
-        "complete_line manual ''\n");
+        "complete_line manual ''\n"
+        "complete_line run --do exp\n");
     const int status = platform::RunProgram({.program = kBash,
                                              .arguments = platform::FromNarrow("typed").native(),
                                              .out = folder_.Path() / "out",
@@ -83,7 +86,7 @@ TEST_F(Help, CompletesVerbsOptionsValuesAndFilesInBash) {
     EXPECT_TRUE(status == 0 && Read("error").empty()) << Read("error");
     EXPECT_EQ(Read("out"),
               "render\n--scene,--scale\nwalk.bvh\ntwo words.bvh\nwalk.bvh\n"
-              "\nmerge\n\n");
+              "\nmerge\n\nexpect\n");
 }
 
 }  // namespace
