@@ -48,4 +48,9 @@ std::string Nearest(std::string_view word, const std::vector<std::string>& candi
     return nearest;
 }
 
+std::string TellNearest(std::string_view word, const std::vector<std::string>& candidates) {
+    const std::string nearest = Nearest(word, candidates);
+    return nearest.empty() ? "" : "; " + nearest + " is the nearest";
+}
+
 }  // namespace headless

@@ -11,4 +11,7 @@ namespace headless {
 // differ once. Empty if there is none.
 std::string Nearest(std::string_view word, const std::vector<std::string>& candidates);
 
+// How a message ends that says of a word that it is none: "; render is the nearest", or nothing.
+std::string TellNearest(std::string_view word, const std::vector<std::string>& candidates);
+
 }  // namespace headless

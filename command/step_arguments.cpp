@@ -107,8 +107,7 @@ std::string NearestNode(const std::string& name) {
     std::vector<std::string> names;
     for (NodeView& node : Nodes())
         names.push_back(std::move(node.name));
-    const std::string nearest = Nearest(name, names);
-    return nearest.empty() ? "" : "; did you mean " + Quoted(nearest) + '?';
+    return TellNearest(name, names);
 }
 
 }  // namespace headless

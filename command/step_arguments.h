@@ -40,7 +40,7 @@ TimeValue CheckedTime(double seconds);
 // The one node of that name.
 NodeView TheNode(const std::string& name);
 
-// "; did you mean ...?" if a node's name is near.
+// What ends such a message, as TellNearest does.
 std::string NearestNode(const std::string& name);
 
 }  // namespace headless

@@ -54,12 +54,12 @@ std::vector<std::string> SplitIntoWords(std::string_view text) {
 
 [[noreturn]] void RefuseName(const std::string& name) {
     std::vector<std::string> names;
-    for (const StepKind& kind : StepKinds())
+    for (const StepKind& kind : StepKinds()) {
         names.emplace_back(kind.name);
-    const std::string nearest = Nearest(name, names);
-    RefuseStep(
-        "there is no step " + Quoted(name) +
-        (nearest.empty() ? " (--help lists them)" : "; did you mean " + Quoted(nearest) + "?"));
+        names.emplace_back(kind.name.substr(0, kind.name.find(' ')));
+    }
+    RefuseStep("there is no step " + Quoted(name) + TellNearest(name, names) +
+               " (run --help lists them)");
 }
 
 // Its name is left out of the words.

@@ -11,12 +11,6 @@
 namespace headless {
 namespace {
 
-std::string WithNearest(const std::string& line, const std::string& word,
-                        const std::vector<std::string>& candidates) {
-    const std::string nearest = Nearest(word, candidates);
-    return nearest.empty() ? line : line + "; " + nearest + " is the nearest";
-}
-
 bool IsOption(const std::string& word) {
     return word.size() > 1 && word.front() == '-';
 }
@@ -38,7 +32,7 @@ std::optional<std::string> FirstLeft(const CLI::App& verb) {
 
 std::string NoOption(const CLI::App& verb, const std::string& word) {
     const std::string owner = verb.get_parent() ? verb.get_name() : kCommand;
-    return WithNearest(owner + " has no option " + word, word, OptionsOf(verb));
+    return owner + " has no option " + word + TellNearest(word, OptionsOf(verb));
 }
 
 // The options of a verb stand behind it.
@@ -104,7 +98,7 @@ Failure NoVerb(const CLI::App& program, const std::string& word) {
     std::vector<std::string> verbs;
     for (const VerbText& verb : TextsOfVerbs(program))
         verbs.push_back(verb.name);
-    return Failure(WithNearest("there is no verb \"" + word + '"', word, verbs), kWrongUsage);
+    return Failure("there is no verb \"" + word + '"' + TellNearest(word, verbs), kWrongUsage);
 }
 
 Failure WrongWords(const CLI::App& program, const CLI::ParseError& error) {
