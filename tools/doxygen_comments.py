@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Gives a header to Doxygen as it reads one, from the plain comments that stand in it: what stands
-ahead of a declaration is of that, what stands behind one is of that as well, and what stands alone
-is of the file. What would mean something to Doxygen is protected. Lines that are indented in a
-comment stay as they are laid out. Comments inside functions stay out."""
+ahead of a declaration or a macro is of that, what stands behind one is of that as well, and what
+stands alone is of the file. What would mean something to Doxygen is protected. Lines that are
+indented in a comment stay as they are laid out. Comments inside functions stay out."""
 
 import re
 import sys
@@ -26,7 +26,8 @@ def language(lines):
     """Of lines that are laid out: a tree, a piece of code, or a table."""
     if lines[0].startswith("<"):
         return ".xml"
-    return ".cpp" if any(line.rstrip().endswith((";", "{")) or ";  //" in line for line in lines) else ".txt"
+    is_code = any(line.rstrip().endswith((";", "{")) or ";  //" in line for line in lines)
+    return ".cpp" if is_code else ".txt"
 
 
 def words(lines, mark):
@@ -50,6 +51,14 @@ def words(lines, mark):
         out += [f"{mark} @endcode"]
         index = end
     return out
+
+
+def macro_of(lines):
+    """The macro that is defined in the lines from here to the next empty one."""
+    for line in lines:
+        defined = re.match(r"#define (\w+)", line)
+        if defined or not line:
+            return defined and defined[1]
 
 
 class Scopes:
@@ -97,12 +106,13 @@ def convert(lines):
                 end += 1
             block = [PLAIN.match(each)[2] for each in lines[index:end]]
             follower = lines[end] if end < len(lines) else ""
-            is_of_file = scopes.is_outermost() and (
+            macro = macro_of(lines[end:]) if follower.startswith("#") else None
+            stands_alone = scopes.is_outermost() and (
                 not follower.strip() or follower.startswith(("namespace", "#")))
-            if is_of_file:
-                yield "/// @file"
+            if stands_alone:
+                yield f"/// @def {macro}" if macro else "/// @file"
             yield from (plain[1] + each for each in words(block, "///"))
-            if is_of_file:
+            if stands_alone:
                 yield ""
             index = end
             continue
