@@ -32,8 +32,9 @@ PARTS = [
     ("src", PLUGIN, "", ["tvl", "host", "platform"]),
     ("headless", HOST, "headless/", ["include/headless", "host", "platform"]),
     ("seat", None, "", ["seat", "headless/core_seat.h", "tvl", "foundation/thrown.h", "platform"]),
-    ("command", None, "", ["command", "headless", "host", "platform", "replay", "tvl/adaptor_interface.h", "tvl/ids.h",
-                             "tvl/installation.h", "tvl/log.h", "tvl/panel.h"]),
+    ("command", None, "", ["command", "headless", "host", "platform", "replay",
+                             "tvl/adaptor_interface.h", "tvl/ids.h", "tvl/installation.h",
+                             "tvl/log.h", "tvl/panel.h"]),
     ("examples/replay_core", None, "", ["tvl", "replay", "replay_core", "platform/narrow_path.h",
                                           "platform/progress_line.h", "platform/whole_file.h"]),
 ]

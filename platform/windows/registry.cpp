@@ -109,8 +109,23 @@ SubstituteRegistry& TheSubstitute() {
     return substitute;
 }
 
-// Turns one root to a key in which there is nothing but the text, and the values beside it. What
-// the root led to before, another module's substitute maybe, is kept to turn it back.
+// The user's real root, whatever its name leads to.
+HKEY OpenRealUser() {
+    HKEY user = nullptr;
+    RegOpenCurrentUser(KEY_ALL_ACCESS, &user);
+    return user;
+}
+
+// What a substitute has put in the place of a root, in whichever module that was; else null.
+HKEY OpenSubstitute(const Root& root) {
+    const HKEY user = OpenRealUser();
+    HKEY found = nullptr;
+    RegOpenKeyExA(user, (OwnPath() + '\\' + root.name).c_str(), 0, KEY_ALL_ACCESS, &found);
+    RegCloseKey(user);
+    return found;
+}
+
+// Turns one root to a key in which there is nothing but the text, and the values beside it.
 class OverlaidText {
   public:
     OverlaidText() = default;
@@ -122,24 +137,26 @@ class OverlaidText {
         TakeAway();
         const std::size_t end = laid.key.find('\\');
         for (const Root& root : Roots())
-            if (root.name == LowerCase(laid.key.substr(0, end))) root_ = root.key;
+            if (root.name == LowerCase(laid.key.substr(0, end))) root_ = &root;
         if (!root_ || end == std::string::npos) return;
-        RegOpenKeyExA(root_, "", 0, KEY_READ, &before_);
-        own_ = MakeKey(HKEY_CURRENT_USER, OwnPath());
-        const HKEY top = MakeKey(own_, kTop);
+        const HKEY user = OpenRealUser();
+        const HKEY top = MakeKey(user, OwnPath() + '\\' + kTop);
         Fill(top, laid.key.substr(end + 1), laid);
-        RegOverridePredefKey(root_, top);
+        RegOverridePredefKey(root_->key, top);
         RegCloseKey(top);
+        RegCloseKey(user);
     }
 
     void TakeAway() {
-        if (!own_) return;
-        RegOverridePredefKey(root_, before_);
-        RegDeleteTreeA(own_, kTop);
-        RegCloseKey(own_);
-        RegCloseKey(before_);
-        RegDeleteKeyA(HKEY_CURRENT_USER, OwnPath().c_str());  // unless there is more of it
-        root_ = own_ = before_ = nullptr;
+        if (!root_) return;
+        const HKEY below = OpenSubstitute(*root_);
+        RegOverridePredefKey(root_->key, below);
+        RegCloseKey(below);
+        const HKEY user = OpenRealUser();
+        RegDeleteTreeA(user, (OwnPath() + '\\' + kTop).c_str());
+        RegDeleteKeyA(user, OwnPath().c_str());  // unless a substitute stands there
+        RegCloseKey(user);
+        root_ = nullptr;
     }
 
   private:
@@ -148,7 +165,7 @@ class OverlaidText {
     void Fill(HKEY top, const std::string& path, const RegistryText& laid) const {
         const HKEY key = MakeKey(top, path);
         HKEY below = nullptr;
-        if (RegOpenKeyExA(root_, path.c_str(), 0, KEY_READ, &below) == ERROR_SUCCESS) {
+        if (RegOpenKeyExA(root_->key, path.c_str(), 0, KEY_READ, &below) == ERROR_SUCCESS) {
             RegCopyTreeA(below, nullptr, key);
             RegCloseKey(below);
         }
@@ -158,9 +175,7 @@ class OverlaidText {
         RegCloseKey(key);
     }
 
-    HKEY root_ = nullptr;
-    HKEY own_ = nullptr;     // this process's, with the key that the root leads to
-    HKEY before_ = nullptr;  // what the root led to
+    const Root* root_ = nullptr;  // that is turned
 };
 
 OverlaidText& TheOverlaidText() {

@@ -106,11 +106,15 @@ TEST_F(SessionTest, MovesAndLinksByHandAreStepsThatUndoTakesBack) {
     INode* const parent = Add("parent");
     INode* const child = Add("child");
     Place(parent, {10, 0, 0});
+    Matrix3 turned;
+    turned.SetRotate(AboutZ(90));
+    child->SetNodeTM(0, turned);
     host.SetTime(160);
     EXPECT_TRUE(session.MoveNode(child->GetHandle(), {1, 2, 3}));
     EXPECT_TRUE(session.LinkNode(child->GetHandle(), parent->GetHandle()));
     EXPECT_TRUE(session.LinkNode(child->GetHandle(), parent->GetHandle()));
     EXPECT_TRUE(child->GetParentNode() == parent && Where(child) == Point3(1, 2, 3));
+    EXPECT_NEAR(child->GetNodeTM(160).GetRow(0).y, 1, 1e-6);
     EXPECT_EQ(session.UndoLabels(), (Lines{"Link", "Move"}));
     const std::uint64_t digest = headless::SceneDigest();
     EXPECT_FALSE(session.LinkNode(parent->GetHandle(), child->GetHandle()) ||
@@ -176,14 +180,12 @@ TEST_F(PanelTest, ButtonsOfPagesAreToldAndPressedByIdOrTextAlsoWhenTheyArePlaced
     const HWND second = host.AddRollupPage(nullptr, "#20", tell, "");
     const std::string longText(300, 'x');
     EXPECT_TRUE(session.PlaceButton(1074, "Go") && session.PlaceButton(16, longText));
-    std::string pages;
     for (const headless::PageView& page : session.Pages()) {
-        pages += page.title + ':';
+        told += page.title + ':';
         for (const auto& [id, text] : page.buttons)
-            pages += ' ' + std::to_string(id) + text;
-        pages += '\n';
+            told += ' ' + std::to_string(id) + text;
     }
-    EXPECT_EQ(pages, "First: 16&Go 17Check\n: 16&Go 17Check 1074Go 16" + longText + '\n');
+    ExpectTold("First: 16&Go 17Check: 16&Go 17Check 1074Go 16" + longText);
     EXPECT_FALSE(session.PressButton("Odd") || session.PressButton("") || session.PressButton(5));
     EXPECT_TRUE(session.PressButton("Go") && session.PressButton(1074) &&
                 session.PressButton(longText) && session.PressButton("Check"));
