@@ -62,7 +62,7 @@ class SEAT_API CoreSeat {
     std::vector<OptionView> Options() const;
 
     // Presses a button of the Core's, by sending what the Core's own window sends. False: no Core
-    // is attached, or it has no message node for that option.
+    // is attached, it has no message node for that option, or nobody listens to that.
     bool Press(int option);
 
   private:
