@@ -4,7 +4,7 @@ install(TARGETS TarvoOstrelUtil LIBRARY DESTINATION bin)
 install(TARGETS Core64 LIBRARY DESTINATION bin/Core)
 install(TARGETS core_seat_module LIBRARY DESTINATION bin/seat/Core)
 if(TARGET headless_viewport)
-  install(TARGETS headless_viewport LIBRARY DESTINATION bin)
+  install(TARGETS headless_viewport LIBRARY DESTINATION lib)
 endif()
 
 # What others link. Windows looks for libraries where the program lies.

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstddef>
+#include <filesystem>
 #include <span>
 
 #include "headless/scene_file/atomic_file.h"
@@ -8,7 +9,7 @@
 #include "headless/viewport/pixel_module.h"
 #include "headless/viewport/view_camera.h"
 #include "platform/modules.h"
-#include "platform/process.h"
+#include "platform/narrow_path.h"
 
 namespace headless {
 namespace {
@@ -28,8 +29,17 @@ std::string WhyNotLoaded(const std::string& path) {
     return why;
 }
 
+// Beside the host's library, which a program elsewhere may be linked with. A bare name would be
+// looked for in folders of the system.
+std::string ModulePath() {
+    static const char here = 0;
+    const std::filesystem::path host = platform::FileOfModule(&here);
+    if (host.empty()) return {};
+    return platform::ToNarrow(host.parent_path() / platform::ModuleFile(kViewportModule));
+}
+
 PixelModule Load() {
-    const std::string path = platform::BesideProgram(platform::ModuleFile(kViewportModule));
+    const std::string path = ModulePath();
     const HMODULE module = LoadLibraryA(path.c_str());
     PixelModule loaded;
     if (!module) {

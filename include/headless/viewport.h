@@ -12,7 +12,7 @@
 // The viewport: what a person sees of the running session's scene, and hits with the mouse. Visible
 // nodes draw themselves through `Display`, wire colours and selection as on the screen, over a
 // ground grid. Pixels come from a library of its own, headless_viewport, which lies beside the
-// program and is loaded when the first picture is asked for; all else works without it.
+// host's and is loaded when the first picture is asked for; all else works without it.
 namespace headless {
 
 struct ViewportSettings {
