@@ -133,12 +133,16 @@ void CoreStage::NeedCore() const {
     if (!HasCore()) throw Failure(NotAttached(seat_->WhyAbsent()));
 }
 
-replay::Report CoreStage::AskCore(const CoreRequest& request) {
+void CoreStage::NeedReplayCore() const {
     NeedCore();
     if (!isReplayCore_)
         throw Failure(seat_->Library() +
                       " is not the replay Core, which this needs; lumiset-headless run drives any "
                       "Core");
+}
+
+replay::Report CoreStage::AskCore(const CoreRequest& request) {
+    NeedReplayCore();
     for (const char* name : kRequestVariables) {
         const auto value = request.find(name);
         if (!platform::SetVariable(name, value == request.end() ? "" : value->second))

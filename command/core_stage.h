@@ -60,12 +60,13 @@ class CoreStage {
     // The seat of a Core that is wanted.
     CoreSeat& Seat() { return *seat_; }
 
-    // Throws what kept the Core away, if it is not there.
+    // Throws what kept the Core away, if it is not there; and that it is another one than the
+    // replay Core, which alone knows requests.
     void NeedCore() const;
+    void NeedReplayCore() const;
 
     // Presses the button that has the replay Core do its work. Variables that the request does not
-    // hold are taken away, but for that of the frames, for which the command has no option. Another
-    // Core is not asked for anything.
+    // hold are taken away, but for that of the frames, for which the command has no option.
     replay::Report AskCore(const CoreRequest& request);
 
     // What the host does with scene files.

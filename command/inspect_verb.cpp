@@ -198,6 +198,7 @@ std::vector<replay::NodeReport> LookAt(CoreStage& stage, const InspectArguments&
 
 void RunInspect(const InspectArguments& arguments) {
     CoreStage stage({Guests::kPluginAndCore, arguments.core});
+    stage.NeedReplayCore();
     stage.Open(arguments.scene);
     Inspection inspection;
     inspection.scene = arguments.scene;

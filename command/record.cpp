@@ -154,6 +154,7 @@ RecordResult Record(const RecordOptions& options) {
     CoreFile csv(options.csv);
     CoreFile poses(options.poses);
     CoreStage stage({Guests::kPluginAndCore, options.core}, SettingsFor(options));
+    stage.NeedReplayCore();
     if (!options.into.empty()) stage.Open(options.into);
     const CoreRequest request = RequestFor(options);
     const std::uint64_t before = SceneDigest();

@@ -25,6 +25,7 @@ void RunSample(const SampleArguments& arguments) {
     KeepApart({{"SCENE", arguments.scene}}, {{kOutput, arguments.output}});
     ExpectFile(arguments.output);
     CoreStage stage({Guests::kPluginAndCore, arguments.core});
+    stage.NeedReplayCore();
     stage.Open(arguments.scene);
     CoreFile csv(arguments.output);
     try {

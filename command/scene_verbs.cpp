@@ -94,10 +94,15 @@ struct SceneArguments {
     Audience audience = Audience::kPerson;
 };
 
+bool MergesByCore(const CoreStage& stage, const SceneArguments& arguments) {
+    return !arguments.others.empty() && stage.WantsCore() && !arguments.byHost;
+}
+
 template <class Work>
 void RunOnScene(const SceneArguments& arguments, const Work& work) {
     ExpectFile(arguments.output);
     CoreStage stage(arguments.guests.Chosen());
+    if (MergesByCore(stage, arguments)) stage.NeedReplayCore();
     stage.Open(arguments.scene);
     work(stage);
     Print(std::cout, SaveAndReport(stage, arguments.scene, arguments.output), arguments.audience);
@@ -111,7 +116,7 @@ void RefuseDamaged(const std::vector<std::string>& scenes) {
 }
 
 void Merge(CoreStage& stage, const SceneArguments& arguments) {
-    if (stage.WantsCore() && !arguments.byHost) {
+    if (MergesByCore(stage, arguments)) {
         RefuseDamaged(arguments.others);
         stage.AskCore({{replay::variable::kMerge, Lines(arguments.others)}});
         return;

@@ -31,12 +31,12 @@ constexpr auto kKinds = std::to_array<StepKind>({
     {"save", "FILE", "Save the scene", 1, 1, &MakeSave, StepFile::kSaved},
     {"render", "FILE", "Draw the scene at the current time as a PNG file", 1, 1, &MakeRender,
      StepFile::kDrawn},
-    {"expect nodes", "N", "The scene has so many nodes", 1, 1, &MakeExpectNodes},
-    {"expect undo", "LABEL", "This would be undone next; \"\" for nothing", 1, 1, &MakeExpectUndo},
-    {"expect at", "SECONDS NAME X,Y,Z [TOLERANCE]", "The node is there at a time, within 0.001 m",
-     3, 4, &MakeExpectAt},
-    {"expect box", "TEXT", "A message box that was not expected yet holds this", 1, 1,
-     &MakeExpectBox},
+    {"expect nodes", "N", "So many nodes are in the scene", 1, 1, &MakeExpectNodes},
+    {"expect undo", "\"LABEL\"", "This is undone next; \"\" for nothing", 1, 1, &MakeExpectUndo},
+    {"expect at", "SECONDS NAME X,Y,Z [TOLERANCE]",
+     "At this time the node is there, within 0.001 m", 3, 4, &MakeExpectAt},
+    {"expect box", "\"TEXT\"", "A message box holds this, other than one that was expected before",
+     1, 1, &MakeExpectBox},
 });
 
 }  // namespace

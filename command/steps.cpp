@@ -52,13 +52,23 @@ std::vector<std::string> SplitIntoWords(std::string_view text) {
     }
 }
 
+// As much of a step as a line can tell; letters are not cut in two.
+std::string Shortened(const std::string& text) {
+    constexpr std::size_t kLongest = 80;
+    if (text.size() <= kLongest) return InTable(text);
+    std::size_t end = kLongest;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+        --end;
+    return InTable(text.substr(0, end)) + "...";
+}
+
 [[noreturn]] void RefuseName(const std::string& name) {
     std::vector<std::string> names;
     for (const StepKind& kind : StepKinds()) {
         names.emplace_back(kind.name);
         names.emplace_back(kind.name.substr(0, kind.name.find(' ')));
     }
-    RefuseStep("there is no step " + Quoted(name) + TellNearest(name, names) +
+    RefuseStep("there is no step \"" + Shortened(name) + '"' + TellNearest(name, names) +
                " (run --help lists them)");
 }
 
@@ -98,7 +108,7 @@ class StepReader {
     // False if the text holds no step.
     bool Read(const std::string& place, const std::string& text) {
         const std::string title =
-            place + "step " + std::to_string(steps.size() + 1) + " (" + InTable(text) + ")";
+            place + "step " + std::to_string(steps.size() + 1) + " (" + Shortened(text) + ")";
         try {
             const std::vector<std::string> words = SplitIntoWords(text);
             if (words.empty()) return false;

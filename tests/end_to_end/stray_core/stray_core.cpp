@@ -1,0 +1,52 @@
+#include <cstdint>
+#include <stdexcept>
+
+#include "tvl/core_interface.h"
+#include "tvl/log.h"
+
+// A Core that does nothing well: its button warns and throws, and it leaves an undo group open.
+
+namespace {
+
+class StrayCore final : public CoreInterface {
+  public:
+    explicit StrayCore(TVL::AdaptorInterface& adaptor) : adaptor_(adaptor) {}
+
+    void ShowCore(TVL::WindowHandle) override {
+        adaptor_.SetLog(TVL::Log::GetInstance());
+        {
+            TVL::Log scope("the file is odd", TVL::Log::kWarning);
+            scope.WriteValue("line", 7);
+            const TVL::Log inner("it was read up to there", TVL::Log::kNotice);
+        }
+        adaptor_.ClearLog();
+        throw std::runtime_error("the button is broken");
+    }
+    void NotifyTimeChanged(double) override { adaptor_.BeginUndoGroup("left open"); }
+
+    XMLNode GetCoreState() override { return XMLNode("TVL", ""); }
+    void SetCoreState(XMLNode) override {}
+    void ResetCore() override {}
+    bool IsCoreRunning() override { return false; }
+    void StopCore() override {}
+    TVL::Util::MessageNode* GetOptionNode(int, int) override { return nullptr; }
+    void BindOption(int, int) override {}
+    void GetOptionValue(int, bool*) override {}
+
+  private:
+    TVL::AdaptorInterface& adaptor_;
+};
+
+}  // namespace
+
+TVL_CORE_ROUTINE std::uint32_t getVersion() {
+    return TVL::kInterfaceVersion;
+}
+
+TVL_CORE_ROUTINE CoreInterface* attach(TVL::AdaptorInterface* adaptor) {
+    return new StrayCore(*adaptor);
+}
+
+TVL_CORE_ROUTINE void detach(CoreInterface* core) {
+    delete static_cast<StrayCore*>(core);
+}
