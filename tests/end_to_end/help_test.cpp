@@ -74,7 +74,7 @@ TEST_F(Help, CompletesVerbsOptionsValuesAndFilesInBash) {
         "complete_line record wal\n"
         "complete_line record 'two '\n"
         "complete_line open x --save = wal\n"
-        "complete_line --json sample --times ''\n"
+        "complete_line --json sample --times = wal\n"
         "complete_line help me\n"
         "complete_line manual ''\n"
         "complete_line run --do exp\n");

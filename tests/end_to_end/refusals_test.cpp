@@ -19,7 +19,7 @@ const Refusals kCalledWrongly = {
     {"rendr take --time 0 -o none", "there is no verb \"rendr\"; render is the nearest"},
     {"--by-host merge take take -o none", "--by-host: it stands behind the verb merge"},
     {"open take render", "\"render\" is one argument too many: lumiset-headless open SCENE"},
-    {"open take --json=3", "--json: it takes no value"},
+    {"open take --no-core=3", "--no-core: it takes no value"},
     {"open take --core none --no-core", "--core and --no-core do not go together"},
     {"help --sideways", "help has no option --sideways"},
     {"help rendr", "there is no verb \"rendr\"; render is the nearest"},
