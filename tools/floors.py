@@ -35,6 +35,7 @@ PARTS = [
     ("command", None, "", ["command", "headless", "host", "platform", "replay",
                              "tvl/adaptor_interface.h", "tvl/ids.h", "tvl/installation.h",
                              "tvl/log.h", "tvl/panel.h"]),
+    ("examples/hello_core", None, "", ["tvl"]),
     ("examples/replay_core", None, "", ["tvl", "replay", "replay_core", "platform/narrow_path.h",
                                           "platform/progress_line.h", "platform/whole_file.h"]),
 ]
