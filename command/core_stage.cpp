@@ -119,14 +119,16 @@ void CoreStage::Start() {
     if (WantsCore()) absence_ = NotAttached(seat_->WhyAbsent());
 }
 
-CoreStage::~CoreStage() try {
-    session_.ShutDown();
-    const StageNews news = TakeNews();
-    for (const auto* lines : {&news.complaints, &news.breaches})
-        for (const std::string& line : *lines)
-            std::cerr << "Complaint: " << InTable(line) << '\n';
-} catch (...) {
-    // What there is no memory for stays untold.
+// What there is no memory for stays untold.
+CoreStage::~CoreStage() {
+    try {
+        session_.ShutDown();
+        const StageNews news = TakeNews();
+        for (const auto* lines : {&news.complaints, &news.breaches})
+            for (const std::string& line : *lines)
+                std::cerr << "Complaint: " << InTable(line) << '\n';
+    } catch (...) {
+    }
 }
 
 void CoreStage::NeedCore() const {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
+#include <optional>
 #include <sstream>
 #include <system_error>
 
@@ -10,6 +10,7 @@
 #include "command/nearest.h"
 #include "command/output.h"
 #include "command/step_arguments.h"
+#include "command/written_files.h"
 #include "platform/narrow_path.h"
 
 namespace headless {
@@ -136,12 +137,10 @@ std::string TextOf(const std::string& path) {
     std::error_code error;
     if (std::filesystem::is_directory(file, error)) throw Failure(path + ": it is a folder");
     std::ifstream stream(file, std::ios::binary);
-    std::string text(std::istreambuf_iterator<char>(stream), {});
-    if (!stream.is_open() || stream.bad()) {
-        const bool isThere = std::filesystem::exists(file, error);
-        throw Failure(path + (isThere ? ": it cannot be read" : ": there is no such file"));
-    }
-    return text;
+    std::optional<std::string> text = RestOf(stream);
+    if (stream.is_open() && text) return *std::move(text);
+    const bool isThere = std::filesystem::exists(file, error);
+    throw Failure(path + (isThere ? ": it cannot be read" : ": there is no such file"));
 }
 
 }  // namespace

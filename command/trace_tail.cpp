@@ -4,7 +4,6 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <span>
 #include <sstream>
 #include <string_view>
@@ -111,8 +110,10 @@ std::vector<std::string> Worries(const std::vector<TraceLine>& lines) {
 }
 
 TraceTail::TraceTail() : path_(platform::Variable(TVL::kTraceVariable)) {
-    read_ = SizeOf(path_);
-    if (!path_.empty()) return;
+    if (!path_.empty()) {
+        read_ = SizeOf(path_);
+        return;
+    }
     path_ = own_.emplace("").Path();
     platform::SetVariable(TVL::kTraceVariable, path_);
 }
@@ -122,18 +123,20 @@ TraceTail::~TraceTail() {
 }
 
 std::vector<TraceLine> TraceTail::TakeNew() {
-    return ReadLines(NewText());
+    const std::optional<std::string> text = NewText();
+    if (!text) return {{TVL::Log::kError, 0, "the plug-in's trace cannot be read"}};
+    return ReadLines(*text);
 }
 
 // Of a pipe or a terminal there would be no end.
-std::string TraceTail::NewText() {
+std::optional<std::string> TraceTail::NewText() {
     const std::filesystem::path file = platform::FromNarrow(path_);
     std::error_code error;
-    if (!std::filesystem::is_regular_file(file, error)) return {};
+    if (!std::filesystem::is_regular_file(file, error)) return "";
     std::ifstream stream(file, std::ios::binary);
     stream.seekg(static_cast<std::streamoff>(read_));
-    std::string text(std::istreambuf_iterator<char>(stream), {});
-    read_ += text.size();
+    const std::optional<std::string> text = RestOf(stream);
+    if (text) read_ += text->size();
     return text;
 }
 

@@ -34,11 +34,12 @@ class TraceTail {
     TraceTail(const TraceTail&) = delete;
     TraceTail& operator=(const TraceTail&) = delete;
 
-    // What came since the last time. Nothing of a trace that goes to no plain file.
+    // What came since the last time, or a line that tells why that cannot be read. Nothing of a
+    // trace that goes to no plain file.
     std::vector<TraceLine> TakeNew();
 
   private:
-    std::string NewText();
+    std::optional<std::string> NewText();
 
     std::optional<CoreFile> own_;
     std::string path_;

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <istream>
 #include <ostream>
+#include <sstream>
 #include <system_error>
 
 #include "command/exit_status.h"
@@ -92,6 +94,14 @@ void TellWhatStands(std::ostream& out) {
     out << "; nothing was saved";
     for (const BookedFile& file : Book())
         if (file.stoodBefore) out << ", " << file.path << " is as it was";
+}
+
+// Asked by itself the buffer would throw where it cannot be read.
+std::optional<std::string> RestOf(std::istream& stream) {
+    std::ostringstream text;
+    text << stream.rdbuf();
+    if (text.bad()) return std::nullopt;
+    return std::move(text).str();
 }
 
 CoreFile::CoreFile(const std::string& target) : target_(target), file_(FileFor(target)) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,9 @@ void TellSaved(std::ostream& out);
 // The end of the line that a verb fails with: that nothing was saved, or what was saved before.
 // Nothing where no file was to be written. Asks for no memory.
 void TellWhatStands(std::ostream& out);
+
+// All that a stream still gives; nothing if it cannot be read to its end.
+std::optional<std::string> RestOf(std::istream& stream);
 
 // A file that the Core writes for the command: it is there only if the work on it came to its end,
 // and takes the place of `target` at Keep. Without a target it lies in the system's folder for such
