@@ -109,7 +109,7 @@ VerbText TextOf(const CLI::App& verb) {
     for (const CLI::Option* option : verb.get_options())
         (option->nonpositional() ? text.options : text.arguments).push_back(ToldOf(*option));
     // The option that asks for help is the parser's first.
-    std::ranges::rotate(text.options, text.options.begin() + 1);
+    std::rotate(text.options.begin(), text.options.begin() + 1, text.options.end());
     return text;
 }
 
