@@ -10,6 +10,7 @@ inline constexpr int kDone = 0;
 inline constexpr int kFailed = 1;  // one line on stderr says what, and where
 inline constexpr int kWrongUsage = 2;
 
+inline constexpr char kNoMemory[] = "there is not enough memory";
 inline constexpr char kOutputLost[] = "the output cannot be written";
 
 // Of a comparison.

@@ -20,7 +20,6 @@
 
 namespace {
 
-constexpr char kNoMemory[] = "there is not enough memory";
 constexpr char kFault[] = "a fault of the program itself, not of what it was asked for: ";
 
 // Of the shutdown, and of a verb that does not tell them itself.
@@ -47,7 +46,7 @@ void RefuseLostArgument() {
 
 // CLI11 asks for memory where it has promised to throw nothing.
 [[noreturn]] void EndBeforeWork() {
-    std::_Exit(Fail("", kNoMemory, headless::kFailed));
+    std::_Exit(Fail("", headless::kNoMemory, headless::kFailed));
 }
 
 void AddVerbs(CLI::App& app) {
@@ -107,7 +106,7 @@ int Guarded(int argc, char** argv) {
     } catch (const headless::Failure& failure) {
         return Fail("", failure.what(), failure.Status());
     } catch (const std::bad_alloc&) {
-        return Fail("", kNoMemory, headless::kFailed);
+        return Fail("", headless::kNoMemory, headless::kFailed);
     } catch (const std::exception& error) {
         return Fail(kFault, error.what(), headless::kFailed);
     }

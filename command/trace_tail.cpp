@@ -4,12 +4,14 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
+#include <new>
 #include <span>
 #include <sstream>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
+#include "command/exit_status.h"
 #include "platform/narrow_path.h"
 #include "platform/process.h"
 #include "tvl/installation.h"
@@ -70,6 +72,13 @@ constexpr std::string_view kLeftBehind = "CORE left something behind in the adap
 constexpr std::string_view kLeftChunks = "undo chunks: ";
 constexpr std::string_view kNoDocuments = "Unable to find my documents ";
 
+// What is thrown for want of memory has no words for a person.
+std::string InWords(std::string text) {
+    const std::string thrown = std::bad_alloc().what();
+    const std::size_t place = text.find(thrown);
+    return place == std::string::npos ? text : text.replace(place, thrown.size(), kNoMemory);
+}
+
 // With what is nested below it, which begins at the second of the lines.
 std::string WorryOf(std::span<const TraceLine> lines) {
     const std::string& head = lines.front().text;
@@ -79,7 +88,7 @@ std::string WorryOf(std::span<const TraceLine> lines) {
             (below += below.empty() ? " (" : ", ") += line.text;
     const bool isHarmless = head == kLeftBehind ? below.empty() : head.starts_with(kNoDocuments);
     if (isHarmless) return {};
-    return head + (below.empty() ? below : below + ")");
+    return InWords(head + (below.empty() ? below : below + ")"));
 }
 
 std::uintmax_t SizeOf(const std::string& path) {
