@@ -122,6 +122,13 @@ TEST_F(Run, EndsAtTheFirstStepThatFailsAndKeepsWhatWasSavedBefore) {
     EXPECT_NE(ending.error.find("(and 1 step behind it failed)"), std::string::npos);
 }
 
+TEST_F(Run, ExpectsAMessageBoxOnce) {
+    const Ending ending = Command::Run(
+        Words(hello_, {"detach", "press 1046", "expect box Unable", "expect box Unable"}));
+    EXPECT_TRUE(ending.error.starts_with("lumiset-headless: step 4 (expect box Unable): no "))
+        << ending.error;
+}
+
 TEST_F(Run, RefusesEachStepThatCannotBeReadAndDoesNone) {
     const std::vector<std::pair<std::string, std::string>> kUnreadable = {
         {"", "says nothing"},
