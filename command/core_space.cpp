@@ -4,6 +4,8 @@
 #include <cmath>
 #include <limits>
 
+#include "command/exit_status.h"
+#include "command/output.h"
 #include "host/time.h"
 #include "host/units.h"
 
@@ -38,6 +40,13 @@ TimeValue NearestTime(double ticks) {
 
 TimeValue AtSeconds(double seconds) {
     return NearestTime(GetTicksPerFrame() * (GetFrameRate() * seconds));
+}
+
+TimeValue CheckedTime(double seconds) {
+    const TimeValue time = AtSeconds(seconds);
+    if (std::abs(double{1} * time) >= double{std::numeric_limits<TimeValue>::max()})
+        throw Failure(Plain(seconds) + " s is beyond what the host can count");
+    return time;
 }
 
 }  // namespace headless

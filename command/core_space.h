@@ -24,4 +24,7 @@ double MetresBetween(const CorePlace& a, const CorePlace& b);
 TimeValue NearestTime(double ticks);
 TimeValue AtSeconds(double seconds);
 
+// The same, but throws a Failure where the host cannot count that far.
+TimeValue CheckedTime(double seconds);
+
 }  // namespace headless

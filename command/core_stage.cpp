@@ -12,12 +12,16 @@
 #include "command/exit_status.h"
 #include "command/output.h"
 #include "headless/breaches.h"
+#include "headless/control/keyframe_chunk.h"
 #include "headless/scene_view.h"
+#include "host/interface.h"
+#include "host/node.h"
 #include "platform/modules.h"
 #include "platform/narrow_path.h"
 #include "platform/process.h"
 #include "platform/registry.h"
 #include "replay/request.h"
+#include "tvl/ids.h"
 #include "tvl/log.h"
 #include "tvl/panel.h"
 
@@ -48,6 +52,14 @@ constexpr std::array kOptions = {OptionOfVariable{variable::kScale, "--scale"},
                                  OptionOfVariable{variable::kReplace, "--replace"},
                                  OptionOfVariable{variable::kPartial, "--partial"}};
 
+bool HasKeyframes(Animatable* part) {
+    if (!part) return false;
+    if (IsKeyframes(part->ClassID())) return true;
+    for (int index = 0; index < part->NumSubs(); ++index)
+        if (HasKeyframes(part->SubAnim(index))) return true;
+    return false;
+}
+
 std::string NotAttached(const std::string& why) {
     return "the Core could not be attached (" + why + ")";
 }
@@ -66,7 +78,7 @@ std::size_t FindWord(const std::string& text, std::string_view word) {
 
 // The Core names variables, which a person knows as options. A line that begins with one says that
 // the Core could make no sense of it.
-[[noreturn]] void Refuse(std::string error) {
+[[noreturn]] void RefuseAsCore(std::string error) {
     int status = kFailed;
     for (const auto& [name, option] : kOptions) {
         const std::size_t place = FindWord(error, name);
@@ -124,9 +136,8 @@ CoreStage::~CoreStage() {
     try {
         session_.ShutDown();
         const StageNews news = TakeNews();
-        for (const auto* lines : {&news.complaints, &news.breaches})
-            for (const std::string& line : *lines)
-                std::cerr << "Complaint: " << InTable(line) << '\n';
+        PrintEach(std::cerr, kComplaint, news.complaints);
+        PrintEach(std::cerr, kComplaint, news.breaches);
     } catch (...) {
     }
 }
@@ -161,8 +172,21 @@ replay::Report CoreStage::AskCore(const CoreRequest& request) {
     for (const auto* lines : {&report->warnings, &report->faults})
         reported_.insert(reported_.end(), lines->begin(), lines->end());
     reported_.push_back(report->error);
-    if (!report->error.empty()) Refuse(report->error);
+    if (!report->error.empty()) RefuseAsCore(report->error);
     return *std::move(report);
+}
+
+// A button has no answer.
+void CoreStage::ConvertControllers() {
+    NeedCore();
+    if (!OrRefuse([this] { return seat_->Press(TVL::kConvertAllControllers); }))
+        throw Failure(seat_->Library() + ": this Core has no button for option " +
+                      std::to_string(TVL::kConvertAllControllers));
+    for (const NodeView& view : Nodes()) {
+        INode* const node = GetCOREInterface()->GetINodeByHandle(view.handle);
+        if (HasKeyframes(node->GetTMController()) || HasKeyframes(node->GetObjectRef()))
+            throw Failure(view.name + ": not all controllers of this node could be converted");
+    }
 }
 
 void CoreStage::Open(const std::string& scene) {

@@ -69,6 +69,10 @@ class CoreStage {
     // hold are taken away, but for that of the frames, for which the command has no option.
     replay::Report AskCore(const CoreRequest& request);
 
+    // Presses the Core's button that turns all controllers of its nodes into the host's own, and
+    // throws the first node on which one is left.
+    void ConvertControllers();
+
     // What the host does with scene files.
     void Open(const std::string& scene);
     void Save(const std::string& scene);

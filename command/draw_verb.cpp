@@ -1,15 +1,13 @@
 #include <CLI/CLI.hpp>
 #include <array>
-#include <charconv>
-#include <cmath>
 #include <iostream>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <sstream>
 
 #include "command/drawing.h"
 #include "command/exit_status.h"
+#include "command/numbers.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
 
@@ -34,34 +32,20 @@ struct DrawArguments {
     GuideLook look;
 };
 
-[[noreturn]] void Refuse(const std::string& option, const std::string& why) {
+[[noreturn]] void RefuseValue(const std::string& option, const std::string& why) {
     throw CLI::ValidationError(option, why);
 }
 
-// Three numbers with commas between, which stay finite in single precision. `wrong` is said of
-// arguments that are something else.
+// `wrong` is said of what is something else than three numbers with commas between.
 std::array<float, 3> ReadThree(const std::string& option, const std::string& text,
                                const std::string& wrong) {
-    const auto refuse = [&](const std::string& why) {
-        std::string line = '"' + text;
-        Refuse(option, line.append("\" is ").append(why));
-    };
-    std::array<float, 3> three{};
-    const char* at = text.data();
-    const char* const end = at + text.size();
-    for (float& number : three) {
-        const bool isFirst = &number == &three.front();
-        if (!isFirst && (at == end || *at++ != ',')) at = end;
-        double read = 0;
-        const auto [rest, status] = std::from_chars(at, end, read);
-        if (status == std::errc::invalid_argument || std::isnan(read)) refuse(wrong);
-        if (status != std::errc() || std::abs(read) > std::numeric_limits<float>::max())
-            refuse("out of range");
-        number = static_cast<float>(read);
-        at = rest;
-    }
-    if (at != end) refuse(wrong);
-    return three;
+    std::array<double, 3> three{};
+    const std::errc error = ReadNumbers(text, ',', three);
+    if (error != std::errc())
+        RefuseValue(option, Quoted(text) + " is " +
+                                (error == std::errc::invalid_argument ? wrong : "out of range"));
+    const auto [x, y, z] = three;
+    return {static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)};
 }
 
 Point3 ReadPlace(const std::string& option, const std::string& text) {
@@ -73,7 +57,7 @@ std::array<float, 3> ReadColour(const std::string& option, const std::string& te
     const std::array<float, 3> colour = ReadThree(option, text, "not a colour R,G,B");
     for (const float channel : colour)
         if (channel < 0 || channel > 1)
-            Refuse(option, '"' + text + "\" is not a colour of three numbers from 0 to 1");
+            RefuseValue(option, '"' + text + "\" is not a colour of three numbers from 0 to 1");
     return colour;
 }
 
@@ -82,7 +66,7 @@ std::vector<Point3> ReadPlaces(const std::string& option, const std::string& tex
     std::istringstream arguments(text);
     for (std::string word; arguments >> word;)
         places.push_back(ReadPlace(option, word));
-    if (places.size() < 2) Refuse(option, "a path leads through two places or more");
+    if (places.size() < 2) RefuseValue(option, "a path leads through two places or more");
     return places;
 }
 
@@ -96,7 +80,7 @@ void Choose(DrawArguments& arguments) {
     const bool isPath = !arguments.path.places.empty();
     if ((arguments.side > 0) + (arguments.radius > 0) + isPath != 1)
         throw Failure("exactly one of --ground, --sphere and --path is to be said", kWrongUsage);
-    if (arguments.segments && isPath) Refuse("--segments", "a path has none");
+    if (arguments.segments && isPath) RefuseValue("--segments", "a path has none");
     if (arguments.side > 0)
         arguments.options.sketch =
             GroundSketch{static_cast<float>(arguments.side),
@@ -116,8 +100,7 @@ void RunDraw(DrawArguments& arguments) {
     Choose(arguments);
     ExpectFile(arguments.options.target);
     const DrawResult result = Draw(arguments.options);
-    for (const std::string& complaint : result.complaints)
-        std::cout << "Complaint: " << complaint << '\n';
+    PrintEach(std::cout, kComplaint, result.complaints);
     std::cout << "Drew " << InTable(result.name) << " (" << result.handle
               << "); in the scene: " << Counted(result.nodes, "node") << '\n';
     TellSaved(std::cout);

@@ -28,6 +28,10 @@ class Failure : public std::runtime_error {
     int status_;
 };
 
+[[noreturn]] inline void Refuse(const std::string& wrongWords) {
+    throw Failure(wrongWords, kWrongUsage);
+}
+
 // Gives what the work gives. What libraries throw of files and paths is a refusal, and no fault of
 // the program.
 template <class Work>

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "command/exit_status.h"
+#include "command/names.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
 #include "headless/scene_view.h"
@@ -143,8 +144,7 @@ nlohmann::ordered_json JsonOf(const replay::NodeReport& node) {
 void PrintForPerson(std::ostream& out, const Inspection& inspection) {
     out << InTable(inspection.scene) << " at " << Short(inspection.seconds)
         << " s: " << Counted(inspection.nodes.size(), "node") << '\n';
-    for (const std::string& complaint : inspection.complaints)
-        out << "Complaint: " << complaint << '\n';
+    PrintEach(out, kComplaint, inspection.complaints);
     for (const replay::NodeReport& node : inspection.nodes)
         Print(out, node);
 }
@@ -171,7 +171,7 @@ std::vector<std::string> HandlesOf(const InspectArguments& arguments) {
     const std::vector<NodeView> all = Nodes();
     for (const std::string& name : arguments.nodes)
         if (std::ranges::find(all, name, &NodeView::name) == all.end())
-            throw Failure(arguments.scene + ": no node is called \"" + name + '"');
+            throw Failure(arguments.scene + ": " + NoNode(name));
     std::vector<std::string> handles;
     for (const NodeView& node : all)
         if (arguments.nodes.empty() ||

@@ -10,6 +10,7 @@
 
 #include "command/exit_status.h"
 #include "command/help.h"
+#include "command/output.h"
 #include "command/verb_texts.h"
 #include "command/verbs.h"
 #include "command/written_files.h"
@@ -21,12 +22,6 @@
 namespace {
 
 constexpr char kFault[] = "a fault of the program itself, not of what it was asked for: ";
-
-// Of the shutdown, and of a verb that does not tell them itself.
-void TellBreaches() {
-    for (const std::string& line : headless::TakeBreachLines())
-        std::cerr << "Complaint: " << line << '\n';
-}
 
 // The one line of a failure. Asks for no memory.
 int Fail(const char* kind, const char* what, int status) {
@@ -116,6 +111,7 @@ int Guarded(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     const int status = Guarded(argc, argv);
-    TellBreaches();
+    // Of the shutdown, and of a verb that does not tell them itself.
+    headless::PrintEach(std::cerr, headless::kComplaint, headless::TakeBreachLines());
     return status;
 }

@@ -63,17 +63,12 @@ void PrintVerb(std::ostream& out, const VerbText& verb) {
 }
 
 void PrintEnvironment(std::ostream& out) {
-    PrintPageWords(out,
-                   {{.label = TVL::kTraceVariable,
-                     .text = "A file to which the plug-in appends its trace.",
-                     .names = {},
-                     .value = {}},
-                    {.label = platform::kRegistryVariable,
-                     .text = "A registry file (.reg) that tells where the Core is installed and "
-                             "where the user's documents are, in place of the one beside the "
-                             "program.",
-                     .names = {},
-                     .value = {}}});
+    PrintPageWords(out, {{.label = TVL::kTraceVariable,
+                          .text = "A file to which the plug-in appends its trace."},
+                         {.label = platform::kRegistryVariable,
+                          .text = "A registry file (.reg) that tells where the Core is installed "
+                                  "and where the user's documents are, in place of the one beside "
+                                  "the program."}});
 }
 
 }  // namespace

@@ -36,9 +36,27 @@ std::string Counted(std::size_t count, const std::string& noun, const std::strin
 }
 
 std::string InTable(std::string text) {
-    const auto breaks = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; };
-    std::replace_if(text.begin(), text.end(), breaks, '?');
+    for (char& c : text) {
+        if (c == '\n' || c == '\r' || c == '\t')
+            c = ' ';
+        else if (static_cast<unsigned char>(c) < ' ' || c == '\x7F')
+            c = '?';
+    }
     return text;
+}
+
+std::string Quoted(const std::string& text) {
+    return '"' + InTable(text) + '"';
+}
+
+void PrintEach(std::ostream& out, const std::string& what, const std::vector<std::string>& texts) {
+    for (auto text = texts.begin(); text != texts.end(); ++text) {
+        if (std::find(texts.begin(), text, *text) != text) continue;
+        const auto count = std::count(text, texts.end(), *text);
+        out << what << InTable(*text);
+        if (count > 1) out << " (" << count << " times)";
+        out << '\n';
+    }
 }
 
 std::string Plain(double number) {

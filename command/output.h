@@ -4,6 +4,7 @@
 #include <iosfwd>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
+#include <vector>
 
 // What is printed, and for whom.
 namespace headless {
@@ -27,8 +28,15 @@ void PrintJson(std::ostream& out, nlohmann::ordered_json object);
 // A count and its noun: "1 node", "2 nodes". `several` is for nouns that take more than an s.
 std::string Counted(std::size_t count, const std::string& noun, const std::string& several = "");
 
-// A name may hold anything; what would break a line for a person shows as a question mark.
+// A name may hold anything; what would break a line for a person shows as a blank where it parts
+// words, and else as a question mark.
 std::string InTable(std::string text);
+std::string Quoted(const std::string& text);
+
+// A line each, behind what they are. Of equal ones the first stands for all, with their count.
+inline constexpr char kComplaint[] = "Complaint: ";
+inline constexpr char kMessageBox[] = "Message box: ";
+void PrintEach(std::ostream& out, const std::string& what, const std::vector<std::string>& texts);
 
 // Without regard to the locale, and read back to the last bit.
 std::string Plain(double number);

@@ -1,11 +1,9 @@
-#include <algorithm>
+#include <array>
 #include <optional>
 
-#include "command/conversion.h"
 #include "command/exit_status.h"
 #include "command/output.h"
-#include "command/step_acts.h"
-#include "command/step_arguments.h"
+#include "command/step_words.h"
 #include "tvl/panel.h"
 
 // Steps on the Core and its panel.
@@ -45,7 +43,7 @@ void PressAttachButton(StepScene& scene) {
     host.PressButton(TVL::kAttachButton);
 }
 
-std::string Attach(StepScene& scene) {
+std::string Attach(StepScene& scene, const StepWords&) {
     if (scene.stage.HasCore()) return "it is attached already";
     PressAttachButton(scene);
     scene.stage.NeedCore();
@@ -57,14 +55,15 @@ void NeedAttached(StepScene& scene) {
         throw Failure("no Core is attached (" + scene.stage.Seat().WhyAbsent() + ')');
 }
 
-std::string Detach(StepScene& scene) {
+std::string Detach(StepScene& scene, const StepWords&) {
     NeedAttached(scene);
     PressAttachButton(scene);
     if (scene.stage.HasCore()) throw Failure("the Core is attached still");
     return "detached";
 }
 
-std::string Press(StepScene& scene, const std::string& word) {
+std::string Press(StepScene& scene, const StepWords& words) {
+    const std::string& word = words.texts.front();
     Session& host = scene.stage.Host();
     const std::optional<ButtonView> button = FindButton(host, word);
     if (!button) RefuseButton(host, word);
@@ -75,43 +74,37 @@ std::string Press(StepScene& scene, const std::string& word) {
     return "pressed " + Quoted(button->text);
 }
 
-std::string PressOption(StepScene& scene, const std::string& word) {
+std::string PressOption(StepScene& scene, const StepWords& words) {
+    const std::string& word = words.texts.front();
     NeedAttached(scene);
     CoreSeat& seat = scene.stage.Seat();
     for (const OptionView& option : seat.Options()) {
         if (!IsMeant(word, option.id, option.name)) continue;
         if (!option.isButton) throw Failure(Quoted(option.name) + " is a switch, and no button");
-        if (!seat.Press(option.id)) throw Failure("the Core has no node for this button");
+        if (!OrRefuse([&] { return seat.Press(option.id); }))
+            throw Failure("the Core has no node for this button");
         return "pressed " + Quoted(option.name);
     }
     throw Failure("there is no option " + (IsId(word) ? word : Quoted(word)));
 }
 
+std::string Convert(StepScene& scene, const StepWords&) {
+    scene.stage.ConvertControllers();
+    return "all controllers are the host's own";
+}
+
+constexpr auto kPanelSteps = std::to_array<StepKind>({
+    {"attach", "", "Attach the Core, unless it is attached", &Attach},
+    {"detach", "", "Detach the Core", &Detach},
+    {"press", "ID", "Press the button of this number, or text, in the panel", &Press},
+    {"option", "ID", "Press the Core's option of this number, or name", &PressOption},
+    {"convert", "", "Turn all controllers into the host's own, by option 1028", &Convert},
+});
+
 }  // namespace
 
-StepAct MakeAttach(StepWords) {
-    return &Attach;
-}
-
-StepAct MakeDetach(StepWords) {
-    return &Detach;
-}
-
-StepAct MakePress(StepWords words) {
-    if (IsId(words[0])) ReadId(words[0]);
-    return [word = words[0]](StepScene& scene) { return Press(scene, word); };
-}
-
-StepAct MakeOption(StepWords words) {
-    if (IsId(words[0])) ReadId(words[0]);
-    return [word = words[0]](StepScene& scene) { return PressOption(scene, word); };
-}
-
-StepAct MakeConvert(StepWords) {
-    return [](StepScene& scene) {
-        ConvertControllers(scene.stage);
-        return std::string("all controllers are the host's own");
-    };
+std::span<const StepKind> PanelSteps() {
+    return kPanelSteps;
 }
 
 }  // namespace headless

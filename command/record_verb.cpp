@@ -89,8 +89,7 @@ void PrintForPerson(std::ostream& out, const RecordResult& result) {
         if (&capture != &result.captures.back()) out << '\n';
     }
     out << " in " << std::setprecision(2) << result.recordSeconds << " s\n";
-    for (const std::string& complaint : result.complaints)
-        out << "Complaint: " << complaint << '\n';
+    PrintEach(out, kComplaint, result.complaints);
     out << "In the scene: " << Counted(result.nodes, "node") << " with "
         << Counted(result.keys, "key") << ", " << std::setprecision(1) << result.bytesPerKey
         << " bytes each\n";

@@ -39,18 +39,12 @@ std::vector<TimeValue> FramedTimes(const FrameRange& frames) {
     return times;
 }
 
-Picture PictureAt(const ViewportSettings& view, TimeValue t, const std::string& scene) {
-    Picture picture;
-    const std::string error = DrawPicture(view, t, picture);
-    if (!error.empty()) throw Failure(scene + ": no picture: " + error);
-    return picture;
+Picture PictureAt(const RenderOptions& options, const ViewportSettings& view, TimeValue t) {
+    return PictureAt(view, t, options.scene + ": no picture: ");
 }
 
 void Write(const Picture& picture, const std::string& file, RenderResult& result) {
-    ExpectFile(file);
-    const std::string error = WritePng(picture, file);
-    if (!error.empty()) throw Failure(error);
-    NoteSaved(file);
+    SavePicture(picture, file);
     result.files.push_back(file);
     result.width = picture.width;
     result.height = picture.height;
@@ -76,7 +70,7 @@ void RenderSheet(const RenderOptions& options, const FrameRange& frames, RenderR
                                     frames.Count());
     std::vector<Picture> pictures;
     for (std::size_t i = 0; i < frames.Count(); ++i) {
-        pictures.push_back(PictureAt(options.view, AtFrame(frames.At(i)), options.scene));
+        pictures.push_back(PictureAt(options, options.view, AtFrame(frames.At(i))));
         progress.Advance();
     }
     Write(SideBySide(pictures, options.sheetColumns), options.file, result);
@@ -90,12 +84,26 @@ void RenderSequence(const RenderOptions& options, const FrameRange& frames, Rend
     for (std::size_t i = 0; i < frames.Count(); ++i) {
         const int frame = frames.At(i);
         const std::string file = WithFrame(options.file, frame);
-        Write(PictureAt(view, AtFrame(frame), options.scene), file, result);
+        Write(PictureAt(options, view, AtFrame(frame)), file, result);
         progress.Advance();
     }
 }
 
 }  // namespace
+
+Picture PictureAt(const ViewportSettings& view, TimeValue t, const std::string& ahead) {
+    Picture picture;
+    const std::string error = DrawPicture(view, t, picture);
+    if (!error.empty()) throw Failure(ahead + error);
+    return picture;
+}
+
+void SavePicture(const Picture& picture, const std::string& file) {
+    ExpectFile(file);
+    const std::string error = WritePng(picture, file);
+    if (!error.empty()) throw Failure(error);
+    NoteSaved(file);
+}
 
 std::size_t FrameRange::Count() const {
     return static_cast<std::size_t>((std::int64_t{last} - first) / step + 1);
@@ -118,8 +126,7 @@ RenderResult Render(const RenderOptions& options) {
     stage.Open(options.scene);
     RenderResult result;
     if (options.frames.empty())
-        Write(PictureAt(options.view, AtSeconds(options.seconds), options.scene), options.file,
-              result);
+        Write(PictureAt(options, options.view, AtSeconds(options.seconds)), options.file, result);
     else if (options.sheetColumns > 0)
         RenderSheet(options, options.frames.front(), result);
     else

@@ -40,6 +40,10 @@ struct RenderResult {
     std::vector<std::string> complaints;
 };
 
+// Each throws a Failure; the first sets these words ahead of the reason.
+Picture PictureAt(const ViewportSettings& view, TimeValue t, const std::string& ahead);
+void SavePicture(const Picture& picture, const std::string& file);
+
 // Opens the scene and draws it. What cannot be done is thrown as a Failure; of several files those
 // that were drawn before it stand.
 RenderResult Render(const RenderOptions& options);

@@ -1,12 +1,11 @@
 #include <CLI/CLI.hpp>
 #include <array>
-#include <charconv>
 #include <iostream>
 #include <memory>
 #include <optional>
-#include <string_view>
 
 #include "command/exit_status.h"
+#include "command/numbers.h"
 #include "command/render.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
@@ -23,30 +22,11 @@ struct RenderArguments {
 
 constexpr Range kSheetColumns{1, 512};
 
-[[noreturn]] void Refuse(const std::string& why) {
-    throw Failure(why, kWrongUsage);
-}
-
-// Whole numbers with `mark` between them, and nothing else.
-template <std::size_t Count>
-std::optional<std::array<int, Count>> WholeNumbers(std::string_view text, char mark) {
-    std::array<int, Count> numbers{};
-    const char* at = text.data();
-    const char* const end = at + text.size();
-    for (std::size_t i = 0; i < Count; ++i) {
-        if (i > 0 && (at == end || *at++ != mark)) return std::nullopt;
-        const auto [behind, error] = std::from_chars(at, end, numbers[i]);
-        if (error != std::errc()) return std::nullopt;
-        at = behind;
-    }
-    if (at != end) return std::nullopt;
-    return numbers;
-}
-
 FrameRange ReadFrames(const std::string& text) {
-    const auto numbers = WholeNumbers<3>(text, ':');
-    if (!numbers) Refuse("--frames: " + text + " is not FIRST:LAST:STEP in whole frames");
-    const FrameRange frames{(*numbers)[0], (*numbers)[1], (*numbers)[2]};
+    std::array<int, 3> numbers{};
+    if (ReadNumbers(text, ':', numbers) != std::errc())
+        Refuse("--frames: " + text + " is not FIRST:LAST:STEP in whole frames");
+    const FrameRange frames{numbers[0], numbers[1], numbers[2]};
     if (frames.last < frames.first)
         Refuse("--frames: " + text + " has its last frame before the first");
     if (frames.step < 1) Refuse("--frames: " + text + " has no step above 0");
@@ -56,13 +36,14 @@ FrameRange ReadFrames(const std::string& text) {
 void ReadSize(const std::string& text, ViewportSettings& view) {
     constexpr int kSmallest = 16;
     constexpr int kLargest = 8192;
-    const auto size = WholeNumbers<2>(text, 'x');
-    if (!size) Refuse("--size: " + text + " is not WIDTHxHEIGHT in pixels");
-    for (const int pixels : *size)
+    std::array<int, 2> size{};
+    if (ReadNumbers(text, 'x', size) != std::errc())
+        Refuse("--size: " + text + " is not WIDTHxHEIGHT in pixels");
+    for (const int pixels : size)
         if (pixels < kSmallest || pixels > kLargest)
             Refuse("--size: a picture is 16 to 8,192 pixels wide and high, not " + text);
-    view.width = (*size)[0];
-    view.height = (*size)[1];
+    view.width = size[0];
+    view.height = size[1];
 }
 
 void CheckFile(const RenderOptions& options) {
@@ -85,8 +66,7 @@ void RunRender(RenderArguments& arguments) {
     arguments.options.guests = arguments.guests.Chosen();
     arguments.options.progress = platform::IsErrorStreamATerminal();
     const RenderResult result = Render(arguments.options);
-    for (const std::string& complaint : result.complaints)
-        std::cout << "Complaint: " << complaint << '\n';
+    PrintEach(std::cout, kComplaint, result.complaints);
     std::cout << "Saved as " << result.files.front();
     if (result.files.size() > 1)
         std::cout << " to " << result.files.back() << ": " << result.files.size()

@@ -49,7 +49,7 @@ class Performance {
         outcome.step = step.text;
         outcome.title = step.title;
         try {
-            outcome.note = step.act(scene_);
+            outcome.note = step.kind->act(scene_, step.words);
             Remember(step);
         } catch (const Failure& failure) {
             outcome.error = failure.what();
@@ -60,9 +60,9 @@ class Performance {
     }
 
     void Remember(const Step& step) {
-        if (step.use == StepFile::kSaved) result_.saved.push_back(step.file);
-        if (step.use == StepFile::kSaved || step.use == StepFile::kOpened)
-            keptDigest_ = SceneDigest();
+        const StepFile use = step.kind->file;
+        if (use == StepFile::kSaved) result_.saved.push_back(step.File());
+        if (use == StepFile::kSaved || use == StepFile::kOpened) keptDigest_ = SceneDigest();
     }
 
     void LookAt(StepOutcome& outcome) {

@@ -3,7 +3,6 @@
 
 #include "command/output.h"
 #include "command/run.h"
-#include "command/step_arguments.h"
 #include "command/written_files.h"
 
 // What came of a run, for a person and for a program.
@@ -13,11 +12,9 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 void PrintNews(std::ostream& out, const StageNews& news, const char* indent) {
-    for (const std::string& box : news.boxes)
-        out << indent << "Message box: " << InTable(box) << '\n';
-    for (const auto* lines : {&news.complaints, &news.breaches})
-        for (const std::string& line : *lines)
-            out << indent << "Complaint: " << InTable(line) << '\n';
+    PrintEach(out, indent + std::string(kMessageBox), news.boxes);
+    PrintEach(out, indent + std::string(kComplaint), news.complaints);
+    PrintEach(out, indent + std::string(kComplaint), news.breaches);
 }
 
 void PrintOption(std::ostream& out, const OptionView& option) {

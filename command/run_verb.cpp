@@ -27,13 +27,15 @@ void CheckFiles(const RunArguments& arguments, const std::vector<Step>& steps) {
                                          {"--core", arguments.options.core}};
     std::vector<NamedFile> scenes = {{"SCENE", arguments.options.scene}};
     for (const Step& step : steps)
-        if (step.use != StepFile::kNone && step.use != StepFile::kDrawn)
-            scenes.push_back({step.title, step.file});
+        if (step.kind->file != StepFile::kNone && step.kind->file != StepFile::kDrawn)
+            scenes.push_back({step.title, step.File()});
     for (const Step& step : steps) {
-        if (step.use != StepFile::kSaved && step.use != StepFile::kDrawn) continue;
-        KeepApart(kept, {{step.title, step.file}});
-        if (step.use == StepFile::kDrawn) KeepApart(scenes, {{step.title, step.file}});
-        ExpectFile(step.file);
+        const bool isDrawn = step.kind->file == StepFile::kDrawn;
+        if (!isDrawn && step.kind->file != StepFile::kSaved) continue;
+        const std::vector<NamedFile> written = {{step.title, step.File()}};
+        KeepApart(kept, written);
+        if (isDrawn) KeepApart(scenes, written);
+        ExpectFile(step.File());
     }
 }
 

@@ -1,12 +1,14 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "command/exit_status.h"
+#include "command/names.h"
 #include "command/output.h"
-#include "command/step_acts.h"
-#include "command/step_arguments.h"
+#include "command/render.h"
+#include "command/steps.h"
 #include "command/written_files.h"
-#include "headless/viewport.h"
+#include "host/hold.h"
 #include "host/interface.h"
 #include "host/time.h"
 
@@ -14,11 +16,15 @@
 namespace headless {
 namespace {
 
-using Names = std::vector<std::string>;
-
 constexpr double kMostMoments = 1'000'000;
 
-std::string Play(Session& host, const MomentRange& range) {
+std::string GoTo(StepScene& scene, const StepWords& words) {
+    scene.stage.Host().SetTime(CheckedTime(words.seconds));
+    return {};
+}
+
+std::string Play(StepScene& scene, const StepWords& words) {
+    const MomentRange& range = words.moments;
     const double step = range.step > 0 ? range.step : 1.0 / GetFrameRate();
     // An end that a step misses by no more than rounding is met.
     const double steps = std::floor((range.end - range.start) / step + 1e-6);
@@ -27,36 +33,33 @@ std::string Play(Session& host, const MomentRange& range) {
     CheckedTime(range.end);
     const auto count = static_cast<std::size_t>(steps) + 1;
     for (std::size_t i = 0; i < count; ++i)
-        host.SetTime(AtSeconds(range.start + static_cast<double>(i) * step));
+        scene.stage.Host().SetTime(AtSeconds(range.start + static_cast<double>(i) * step));
     return Counted(count, "moment");
 }
 
-std::string Select(Session& host, const Names& names) {
-    const std::vector<NodeView> nodes = Nodes();
-    for (const std::string& name : names)
-        if (std::ranges::find(nodes, name, &NodeView::name) == nodes.end())
-            throw Failure("no node is called " + Quoted(name) + NearestNode(name));
-    return Counted(host.Select(names), "node");
+std::string Select(StepScene& scene, const StepWords& words) {
+    for (const std::string& name : words.texts)
+        if (!FindNode(name)) throw Failure(NoNode(name));
+    return Counted(scene.stage.Host().Select(words.texts), "node");
 }
 
-std::string Delete(Session& host) {
+std::string Delete(StepScene& scene, const StepWords&) {
     if (std::ranges::none_of(Nodes(), &NodeView::selected)) throw Failure("nothing is selected");
-    return Counted(host.DeleteSelected(), "node") + " deleted";
+    return Counted(scene.stage.Host().DeleteSelected(), "node") + " deleted";
 }
 
 // Undo or redo, and what there is for it.
 struct Direction {
     bool (Session::*go)();
-    Names (Session::*labels)() const;
+    std::vector<std::string> (Session::*labels)() const;
     const char* name;
 };
-constexpr Direction kUndo{&Session::Undo, &Session::UndoLabels, "undo"};
-constexpr Direction kRedo{&Session::Redo, &Session::RedoLabels, "redo"};
 
 std::string Go(Session& host, const Direction& direction, std::size_t steps) {
     std::string labels;
     for (std::size_t done = 0; done < steps; ++done) {
-        const Names next = (host.*direction.labels)();
+        if (theHold.Holding()) throw Failure("an undo group is still open");
+        const std::vector<std::string> next = (host.*direction.labels)();
         if (next.empty())
             throw Failure("there is nothing to " + std::string(direction.name) +
                           (done == 0 ? "" : " after " + Counted(done, "step")));
@@ -67,108 +70,79 @@ std::string Go(Session& host, const Direction& direction, std::size_t steps) {
     return labels;
 }
 
-StepAct MakeGo(StepWords words, const Direction& direction) {
-    const std::size_t steps = words.empty() ? 1 : ReadCount(words[0], "a number of steps");
-    return
-        [steps, &direction](StepScene& scene) { return Go(scene.stage.Host(), direction, steps); };
+std::string Undo(StepScene& scene, const StepWords& words) {
+    return Go(scene.stage.Host(), {&Session::Undo, &Session::UndoLabels, "undo"}, words.count);
 }
 
-std::string Move(Session& host, const std::string& name, const CorePlace& place) {
-    if (!host.MoveNode(TheNode(name).handle, InHost(place)))
+std::string Redo(StepScene& scene, const StepWords& words) {
+    return Go(scene.stage.Host(), {&Session::Redo, &Session::RedoLabels, "redo"}, words.count);
+}
+
+std::string Move(StepScene& scene, const StepWords& words) {
+    if (!scene.stage.Host().MoveNode(TheNode(words.texts[0]).handle, InHost(words.place)))
         throw Failure("the host does not move it");
     return {};
 }
 
-std::string Link(Session& host, const std::string& child, const std::string& parent) {
-    const std::uint32_t to = parent.empty() ? 0 : TheNode(parent).handle;
-    if (!host.LinkNode(TheNode(child).handle, to))
+std::string Link(StepScene& scene, const StepWords& words) {
+    const std::uint32_t parent = words.texts.size() > 1 ? TheNode(words.texts[1]).handle : 0;
+    if (!scene.stage.Host().LinkNode(TheNode(words.texts[0]).handle, parent))
         throw Failure("a node cannot hang below itself or what hangs below it");
     return {};
 }
 
-std::string Draw(const std::string& file) {
-    Picture picture;
-    std::string error = DrawPicture({}, GetCOREInterface()->GetTime(), picture);
-    if (error.empty()) error = WritePng(picture, file);
-    if (!error.empty()) throw Failure(error);
-    NoteSaved(file);
+std::string New(StepScene& scene, const StepWords&) {
+    scene.stage.Host().NewScene();
+    return {};
+}
+
+std::string Reset(StepScene& scene, const StepWords&) {
+    scene.stage.Host().Reset();
+    return {};
+}
+
+std::string Open(StepScene& scene, const StepWords& words) {
+    scene.stage.Open(words.texts[0]);
+    return {};
+}
+
+std::string Merge(StepScene& scene, const StepWords& words) {
+    scene.stage.MergeByHost(words.texts[0]);
+    return {};
+}
+
+std::string Save(StepScene& scene, const StepWords& words) {
+    scene.stage.Save(words.texts[0]);
+    return {};
+}
+
+std::string Draw(StepScene&, const StepWords& words) {
+    const Picture picture = PictureAt(ViewportSettings(), GetCOREInterface()->GetTime(), "");
+    SavePicture(picture, words.texts[0]);
     return std::to_string(picture.width) + 'x' + std::to_string(picture.height) + " pixels";
 }
 
-// What a step does to a stage with the one word that it has.
-template <class Work>
-StepAct Doing(Work work) {
-    return [work](StepScene& scene) {
-        work(scene.stage);
-        return std::string();
-    };
-}
+constexpr auto kSceneSteps = std::to_array<StepKind>({
+    {"time", "SECONDS", "Go to a time", &GoTo},
+    {"play", "START:END[:STEP]", "Go through times, frame by frame if no step is said", &Play},
+    {"select", "NAME...", "Select the nodes of these names alone", &Select},
+    {"delete", "", "Delete what is selected", &Delete},
+    {"undo", "[N]", "Undo one step, or as many", &Undo},
+    {"redo", "[N]", "Redo one step, or as many", &Redo},
+    {"move", "NAME X,Y,Z", "Move a node to a place at the current time", &Move},
+    {"parent", "NAME [NAME]", "Link a node to another, or to none", &Link},
+    {"new", "", "Empty the scene", &New},
+    {"reset", "", "Empty the scene, and put units, rate and times back", &Reset},
+    {"open", "FILE", "Open a scene", &Open, StepFile::kOpened},
+    {"merge", "FILE", "Merge a scene, as the host does", &Merge, StepFile::kMerged},
+    {"save", "FILE", "Save the scene", &Save, StepFile::kSaved},
+    {"render", "FILE", "Draw the scene at the current time as a PNG file", &Draw, StepFile::kDrawn},
+});
 
 }  // namespace
 
-StepAct MakeTime(StepWords words) {
-    const double seconds = ReadNumber(words[0], "a number of seconds");
-    return Doing([seconds](CoreStage& stage) { stage.Host().SetTime(CheckedTime(seconds)); });
-}
-
-StepAct MakePlay(StepWords words) {
-    const MomentRange range = ReadMoments(words[0]);
-    return [range](StepScene& scene) { return Play(scene.stage.Host(), range); };
-}
-
-StepAct MakeSelect(StepWords words) {
-    return [names = Names(words.begin(), words.end())](StepScene& scene) {
-        return Select(scene.stage.Host(), names);
-    };
-}
-
-StepAct MakeDelete(StepWords) {
-    return [](StepScene& scene) { return Delete(scene.stage.Host()); };
-}
-
-StepAct MakeUndo(StepWords words) {
-    return MakeGo(words, kUndo);
-}
-
-StepAct MakeRedo(StepWords words) {
-    return MakeGo(words, kRedo);
-}
-
-StepAct MakeMove(StepWords words) {
-    return [name = words[0], place = ReadPlace(words[1])](StepScene& scene) {
-        return Move(scene.stage.Host(), name, place);
-    };
-}
-
-StepAct MakeParent(StepWords words) {
-    if (words.size() > 1 && words[1].empty()) RefuseStep("a name is empty");
-    return [child = words[0], parent = words.size() > 1 ? words[1] : ""](StepScene& scene) {
-        return Link(scene.stage.Host(), child, parent);
-    };
-}
-
-StepAct MakeNew(StepWords) {
-    return Doing([](CoreStage& stage) { stage.Host().NewScene(); });
-}
-
-StepAct MakeReset(StepWords) {
-    return Doing([](CoreStage& stage) { stage.Host().Reset(); });
-}
-
-StepAct MakeOpen(StepWords words) {
-    return Doing([file = words[0]](CoreStage& stage) { stage.Open(file); });
-}
-
-StepAct MakeMerge(StepWords words) {
-    return Doing([file = words[0]](CoreStage& stage) { stage.MergeByHost(file); });
-}
-
-StepAct MakeSave(StepWords words) {
-    return Doing([file = words[0]](CoreStage& stage) { stage.Save(file); });
-}
-
-StepAct MakeRender(StepWords words) {
-    return [file = words[0]](StepScene&) { return Draw(file); };
+std::span<const StepKind> SceneSteps() {
+    return kSceneSteps;
 }
 
 }  // namespace headless

@@ -6,7 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include "command/conversion.h"
 #include "command/exit_status.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
@@ -62,10 +61,8 @@ void PrintForPerson(std::ostream& out, const SceneReport& report) {
         PrintList(out, "; not found: ", take.missing);
         out << '\n';
     }
-    for (const std::string& box : report.boxes)
-        out << "Message box: " << box << '\n';
-    for (const std::string& complaint : report.complaints)
-        out << "Complaint: " << complaint << '\n';
+    PrintEach(out, kMessageBox, report.boxes);
+    PrintEach(out, kComplaint, report.complaints);
     TellSaved(out);
 }
 
@@ -169,7 +166,9 @@ void AddConvertVerb(CLI::App& app) {
     AddAudience(*verb, arguments->audience);
     AddExample(*verb, "convert walk.scene -o plain.scene");
     ExplainReport(*verb);
-    verb->callback([arguments] { RunOnScene(*arguments, &ConvertControllers); });
+    verb->callback([arguments] {
+        RunOnScene(*arguments, [](CoreStage& stage) { stage.ConvertControllers(); });
+    });
 }
 
 }  // namespace headless

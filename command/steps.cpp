@@ -7,51 +7,14 @@
 #include <system_error>
 
 #include "command/exit_status.h"
-#include "command/nearest.h"
+#include "command/names.h"
 #include "command/output.h"
-#include "command/step_arguments.h"
+#include "command/step_words.h"
 #include "command/written_files.h"
 #include "platform/narrow_path.h"
 
 namespace headless {
 namespace {
-
-constexpr std::string_view kBlanks = " \t";
-constexpr std::string_view kExpect = "expect";
-
-// Takes the word in quotes at the front of a text.
-std::string TakeQuoted(std::string_view& text) {
-    std::string word;
-    for (std::size_t at = 1; at < text.size(); ++at) {
-        if (text[at] != '"') {
-            word += text[at];
-        } else if (text.substr(at + 1).starts_with('"')) {
-            word += text[at++];
-        } else {
-            text.remove_prefix(at + 1);
-            if (text.empty() || kBlanks.find(text.front()) != std::string_view::npos) return word;
-            RefuseStep("a word in quotes is followed by more than a blank");
-        }
-    }
-    RefuseStep("a quote is not closed");
-}
-
-std::string TakePlain(std::string_view& text) {
-    const std::size_t end = std::min(text.find_first_of(kBlanks), text.size());
-    const std::string word(text.substr(0, end));
-    text.remove_prefix(end);
-    return word;
-}
-
-std::vector<std::string> SplitIntoWords(std::string_view text) {
-    if (text.find('\0') != std::string_view::npos) RefuseStep("it holds a byte that is no text");
-    std::vector<std::string> words;
-    while (true) {
-        text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-        if (text.empty() || text.front() == '#') return words;
-        words.push_back(text.front() == '"' ? TakeQuoted(text) : TakePlain(text));
-    }
-}
 
 // As much of a step as a line can tell; letters are not cut in two.
 std::string Shortened(const std::string& text) {
@@ -69,36 +32,20 @@ std::string Shortened(const std::string& text) {
         names.emplace_back(kind.name);
         names.emplace_back(kind.name.substr(0, kind.name.find(' ')));
     }
-    RefuseStep("there is no step \"" + Shortened(name) + '"' + TellNearest(name, names) +
-               " (run --help lists them)");
+    Refuse("there is no step \"" + Shortened(name) + '"' + TellNearest(name, names) +
+           " (run --help lists them)");
 }
 
-// Its name is left out of the words.
-const StepKind& FindKind(StepWords& words) {
+Step ReadStep(const std::string& text, std::span<const std::string> words) {
     std::string name = words.front();
     words = words.subspan(1);
-    if (name == kExpect && !words.empty()) {
+    if (name == "expect" && !words.empty()) {
         name += ' ' + words.front();
         words = words.subspan(1);
     }
-    const auto found = std::ranges::find(StepKinds(), name, &StepKind::name);
-    if (found == StepKinds().end()) RefuseName(name);
-    return *found;
-}
-
-Step ReadStep(const std::string& text, const std::vector<std::string>& all) {
-    StepWords words = all;
-    const StepKind& kind = FindKind(words);
-    if (words.size() < kind.fewest)
-        RefuseStep("it lacks " + std::string(words.empty() ? "" : "some of ") +
-                   "what it needs: " + Title(kind));
-    if (words.size() > kind.most)
-        RefuseStep(Quoted(words[kind.most]) + " is more than it takes: " + Title(kind));
-    Step step{.text = text, .title = {}, .act = kind.make(words), .use = kind.file, .file = {}};
-    if (kind.file == StepFile::kNone) return step;
-    step.file = words.front();
-    if (step.file.empty()) RefuseStep("the name of a file is empty");
-    return step;
+    const auto kind = std::ranges::find(StepKinds(), name, &StepKind::name);
+    if (kind == StepKinds().end()) RefuseName(name);
+    return {.text = text, .title = {}, .kind = &*kind, .words = ReadWords(*kind, words)};
 }
 
 // Reads steps one behind another and numbers them.
@@ -145,6 +92,16 @@ std::string TextOf(const std::string& path) {
 
 }  // namespace
 
+const std::vector<StepKind>& StepKinds() {
+    static const std::vector<StepKind> all = [] {
+        std::vector<StepKind> kinds;
+        for (const auto steps : {PanelSteps(), SceneSteps(), ExpectationSteps()})
+            kinds.insert(kinds.end(), steps.begin(), steps.end());
+        return kinds;
+    }();
+    return all;
+}
+
 std::string Title(const StepKind& kind) {
     return std::string(kind.name) + (kind.arguments.empty() ? "" : " ") +
            std::string(kind.arguments);
@@ -154,7 +111,7 @@ std::vector<Step> StepsOfOptions(const std::vector<std::string>& texts) {
     StepReader reader;
     for (const std::string& text : texts)
         if (!reader.Read("", Trimmed(text)))
-            RefuseStep("step " + std::to_string(reader.steps.size() + 1) + " says nothing");
+            Refuse("step " + std::to_string(reader.steps.size() + 1) + " says nothing");
     return std::move(reader.steps);
 }
 
@@ -164,7 +121,7 @@ std::vector<Step> StepsOfScript(const std::string& path) {
     std::size_t number = 0;
     for (std::string line; std::getline(text, line);)
         reader.Read(path + ':' + std::to_string(++number) + ": ", Trimmed(line));
-    if (reader.steps.empty()) RefuseStep(path + ": there is no step in it");
+    if (reader.steps.empty()) Refuse(path + ": there is no step in it");
     return std::move(reader.steps);
 }
 

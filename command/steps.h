@@ -1,11 +1,11 @@
 #pragma once
 
-#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "command/core_space.h"
 #include "command/core_stage.h"
 
 // The steps of `run`: what a person does to the host and to the Core, and what is expected then, a
@@ -19,10 +19,22 @@ struct StepScene {
     std::vector<std::string> boxes;  // the texts of message boxes that nobody expected so far
 };
 
-// Does a step; gives a few words on what came of it, or none. Throws a Failure if that failed.
-using StepAct = std::function<std::string(StepScene&)>;
+// START:END or START:END:STEP in seconds, END included.
+struct MomentRange {
+    double start = 0;
+    double end = 0;
+    double step = 0;  // a frame if it is 0
+};
 
-using StepWords = std::span<const std::string>;
+// What was said behind a step's name, each by the argument that it stands for.
+struct StepWords {
+    std::vector<std::string> texts;  // ID, NAME, FILE, TEXT and LABEL, in this order
+    std::size_t count = 1;           // N
+    double seconds = 0;              // SECONDS
+    double tolerance = 0.001;        // TOLERANCE, in metres
+    CorePlace place;                 // X,Y,Z
+    MomentRange moments;             // START:END[:STEP]
+};
 
 enum class StepFile {
     kNone,
@@ -32,17 +44,21 @@ enum class StepFile {
     kDrawn,
 };
 
-// A kind of step, from which reading, help and manual are made.
+// A kind of step, from which reading, help, manual and completion are made.
 struct StepKind {
     std::string_view name;       // one word, or two that begin with "expect"
-    std::string_view arguments;  // as help shows them
+    std::string_view arguments;  // as above; in brackets what can be left out, dots for several
     std::string_view help;
-    std::size_t fewest;  // arguments
-    std::size_t most;
-    StepAct (*make)(StepWords arguments);  // throws a Failure on what it cannot read
-    StepFile file = StepFile::kNone;       // what its first argument is
+    // Gives a few words on what came of it, or none. Throws a Failure if the step failed.
+    std::string (*act)(StepScene& scene, const StepWords& words);
+    StepFile file = StepFile::kNone;  // what its first argument is
 };
-std::span<const StepKind> StepKinds();
+
+// All of them: on the Core and its panel, on time, scene and files, and what is expected.
+const std::vector<StepKind>& StepKinds();
+std::span<const StepKind> PanelSteps();
+std::span<const StepKind> SceneSteps();
+std::span<const StepKind> ExpectationSteps();
 
 // Its name with its arguments.
 std::string Title(const StepKind& kind);
@@ -51,9 +67,11 @@ std::string Title(const StepKind& kind);
 struct Step {
     std::string text;   // as it was written
     std::string title;  // "step 3 (press 7)", behind its file and line if it is of a script
-    StepAct act;
-    StepFile use = StepFile::kNone;
-    std::string file;
+    const StepKind* kind;
+    StepWords words;
+
+    // For a kind that has one.
+    const std::string& File() const { return words.texts.front(); }
 };
 
 // Each throws a Failure on the first step that cannot be read. Lines of a script that hold nothing

@@ -61,9 +61,9 @@ std::vector<TraceLine> ReadLines(const std::string& text) {
 }
 
 // Nothing is below what was written outside all scopes. What a scope writes of its own stands as
-// deep as the message that opened it.
+// deep as the message that opened it; the same once more is another one.
 bool IsBelow(const TraceLine& line, const TraceLine& head) {
-    if (head.depth == 0) return false;
+    if (head.depth == 0 || line.text == head.text) return false;
     return line.depth > head.depth || (line.depth == head.depth && line.level == head.level);
 }
 
@@ -79,15 +79,17 @@ std::string InWords(std::string text) {
     return place == std::string::npos ? text : text.replace(place, thrown.size(), kNoMemory);
 }
 
+bool IsNoWorry(const std::string& line, const std::string& head) {
+    return line.starts_with(kNoDocuments) || (head == kLeftBehind && line.starts_with(kLeftChunks));
+}
+
 // With what is nested below it, which begins at the second of the lines.
 std::string WorryOf(std::span<const TraceLine> lines) {
     const std::string& head = lines.front().text;
     std::string below;
     for (const TraceLine& line : lines.subspan(1))
-        if (head != kLeftBehind || !line.text.starts_with(kLeftChunks))
-            (below += below.empty() ? " (" : ", ") += line.text;
-    const bool isHarmless = head == kLeftBehind ? below.empty() : head.starts_with(kNoDocuments);
-    if (isHarmless) return {};
+        if (!IsNoWorry(line.text, head)) (below += below.empty() ? " (" : ", ") += line.text;
+    if (IsNoWorry(head, "") || (head == kLeftBehind && below.empty())) return {};
     return InWords(head + (below.empty() ? below : below + ")"));
 }
 

@@ -103,9 +103,7 @@ VerbText TextOf(const CLI::App& verb) {
                   .group = verb.get_group(),
                   .usage = UsageOf(verb),
                   .text = verb.get_description(),
-                  .foot = verb.get_footer(),
-                  .arguments = {},
-                  .options = {}};
+                  .foot = verb.get_footer()};
     for (const CLI::Option* option : verb.get_options())
         (option->nonpositional() ? text.options : text.arguments).push_back(ToldOf(*option));
     // The option that asks for help is the parser's first.
@@ -135,8 +133,7 @@ bool IsTyped(const std::string& line) {
 std::optional<WordText> RowOf(const std::string& line) {
     const std::size_t tab = line.find('\t');
     if (tab == std::string::npos) return std::nullopt;
-    return WordText{
-        .label = line.substr(0, tab), .text = line.substr(tab + 1), .names = {}, .value = {}};
+    return WordText{.label = line.substr(0, tab), .text = line.substr(tab + 1)};
 }
 
 }  // namespace headless

@@ -30,9 +30,9 @@ inline constexpr char kExitStatusText[] =
 struct WordText {
     std::string label;  // as a person types it: "-o, --output FILE", "SCENE", "OTHER..."
     std::string text;
-    std::vector<std::string> names;  // of an option, also those that are told as old ones
-    std::string value;               // what is typed behind an option: FILE, NUMBER; empty for none
-    bool isFile = false;             // the value, or the argument
+    std::vector<std::string> names{};  // of an option, also those that are told as old ones
+    std::string value{};  // what is typed behind an option: FILE, NUMBER; empty for none
+    bool isFile = false;  // the value, or the argument
 };
 
 struct VerbText {
@@ -41,8 +41,8 @@ struct VerbText {
     std::string usage;  // the whole line, without options that can be left out
     std::string text;   // sentences, of which the first one is the summary
     std::string foot;  // paragraphs; rows; and, with two blanks ahead of them, lines that are typed
-    std::vector<WordText> arguments;
-    std::vector<WordText> options;
+    std::vector<WordText> arguments{};
+    std::vector<WordText> options{};
 
     // Without the full stop.
     std::string Summary() const;

@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "command/nearest.h"
+#include "command/names.h"
 #include "command/verb_texts.h"
 
 namespace headless {

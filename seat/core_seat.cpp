@@ -2,10 +2,12 @@
 
 #include <charconv>
 #include <filesystem>
+#include <stdexcept>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
+#include "foundation/thrown.h"
 #include "platform/files.h"
 #include "platform/modules.h"
 #include "platform/narrow_path.h"
@@ -131,15 +133,18 @@ std::vector<OptionView> CoreSeat::Options() const {
     return options;
 }
 
-bool CoreSeat::Press(int option) try {
+bool CoreSeat::Press(int option) {
     CoreInterface* const core = SeatedCore::Get().Core();
-    TVL::Util::MessageNode* const node = core ? core->GetOptionNode(option, 0) : nullptr;
-    if (!node || node->GetListenerCount() == 0) return false;
-    TVL::Util::Message message(TVL::kButtonPressed, "pressed from the seat");
-    node->Broadcast(&message);
-    return true;
-} catch (...) {
-    return false;
+    bool isHeard = false;
+    const auto thrown = TVL::ThrownBy([&] {
+        TVL::Util::MessageNode* const node = core ? core->GetOptionNode(option, 0) : nullptr;
+        if (!node || node->GetListenerCount() == 0) return;
+        isHeard = true;
+        TVL::Util::Message message(TVL::kButtonPressed, "pressed from the seat");
+        node->Broadcast(&message);
+    });
+    if (thrown) throw std::runtime_error("the Core threw: " + *thrown);
+    return isHeard;
 }
 
 }  // namespace headless

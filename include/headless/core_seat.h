@@ -62,7 +62,8 @@ class SEAT_API CoreSeat {
     std::vector<OptionView> Options() const;
 
     // Presses a button of the Core's, by sending what the Core's own window sends. False: no Core
-    // is attached, it has no message node for that option, or nobody listens to that.
+    // is attached, it has no message node for that option, or nobody listens to that. What the
+    // Core throws comes out as a std::runtime_error with its words.
     bool Press(int option);
 
   private:

@@ -141,13 +141,13 @@ TEST_F(Run, RefusesEachStepThatCannotBeReadAndDoesNone) {
         {"save \"a", "a quote is not closed"},
         {"save \"a\"b", "a word in quotes is followed by more than a blank"},
         {"save \"\"", "the name of a file is empty"},
-        {"press 99999999999", "\"99999999999\" is not the number of a control"},
+        {"press 99999999999", "\"99999999999\" is out of range"},
         {"time nan", "\"nan\" is not a number of seconds"},
         {"time 1e400", "\"1e400\" is out of range"},
         {"play 1:0", "\"1:0\" ends before it starts"},
         {"play 0:1:0", "\"0:1:0\" has no step above 0"},
         {"move A 1,2", "\"1,2\" is not a place X,Y,Z in metres"},
-        {"undo -1", "\"-1\" is not a number of steps"},
+        {"undo -1", "\"-1\" is not a whole number"},
         {"render ./kept", "./kept is the file of "},
         {"save script", "script is the file of --script too"}};
     Do("draw --sphere 1 -o kept");
@@ -219,12 +219,15 @@ TEST_F(Run, TellsWhatACoreThrewAndWhatItLeftBehind) {
     EXPECT_EQ(ending.status, 0) << ending.error;
     for (const char* line :
          {"\n1. press 1046: pressed \"Start Lumiset\"\n",
-          "\n  Complaint: the file is odd (line: 7, it was read up to there)\n",
+          "\n  Complaint: the file is odd (line: 7, it was read up to there) (2 times)\n",
           "\n  Complaint: Exception out of ShowCore: the button is broken\n2. time 1: done\n",
           "\nComplaint: CORE left something behind in the adaptor (undo groups: 1)\n"})
         EXPECT_NE(ending.out.find(line), std::string::npos) << line << ending.out;
     Do("draw --sphere 1 -o drawn");
     EXPECT_EQ(Command::Run("info drawn --core " + Quoted(stray_)).error, "");
+    EXPECT_TRUE(
+        Command::Run(Words(stray_, {"time 1", "undo"}))
+            .error.starts_with("lumiset-headless: step 2 (undo): an undo group is still open"));
 }
 
 }  // namespace

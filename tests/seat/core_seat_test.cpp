@@ -119,6 +119,7 @@ TEST(ACoreSeat, HasItsLibraryLoadedAnewForEachAttachAndPressesTheOptions) {
         options += option.name + (option.isButton ? ": button " : ": switch ") +
                    std::to_string(option.id) + (option.isKnown ? " known" : "") +
                    (option.value == false ? " off\n" : "\n");
+    EXPECT_THROW(seat.Press(1028), std::runtime_error);
     EXPECT_EQ(options,
               "Use dynamic meshes: switch 1030 known off\n"
               "Use optimized transform controller: switch 1027\n"

@@ -14,7 +14,7 @@ class StrayCore final : public CoreInterface {
 
     void ShowCore(TVL::WindowHandle) override {
         adaptor_.SetLog(TVL::Log::GetInstance());
-        {
+        for (int time = 0; time < 2; ++time) {
             TVL::Log scope("the file is odd", TVL::Log::kWarning);
             scope.WriteValue("line", 7);
             const TVL::Log inner("it was read up to there", TVL::Log::kNotice);

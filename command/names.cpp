@@ -1,7 +1,10 @@
-#include "command/nearest.h"
+#include "command/names.h"
 
 #include <algorithm>
 #include <utility>
+
+#include "command/exit_status.h"
+#include "command/output.h"
 
 namespace headless {
 namespace {
@@ -51,6 +54,21 @@ std::string Nearest(std::string_view word, const std::vector<std::string>& candi
 std::string TellNearest(std::string_view word, const std::vector<std::string>& candidates) {
     const std::string nearest = Nearest(word, candidates);
     return nearest.empty() ? "" : "; " + nearest + " is the nearest";
+}
+
+NodeView TheNode(const std::string& name) {
+    const std::vector<NodeView> nodes = Nodes();
+    const auto count = std::ranges::count(nodes, name, &NodeView::name);
+    if (count == 0) throw Failure(NoNode(name));
+    if (count > 1) throw Failure(std::to_string(count) + " nodes are called " + Quoted(name));
+    return *std::ranges::find(nodes, name, &NodeView::name);
+}
+
+std::string NoNode(const std::string& name) {
+    std::vector<std::string> names;
+    for (const NodeView& node : Nodes())
+        names.push_back(InTable(node.name));
+    return "no node is called " + Quoted(name) + TellNearest(name, names);
 }
 
 }  // namespace headless
