@@ -204,6 +204,7 @@ void CoreStage::MergeByHost(const std::string& scene) {
 }
 
 StageNews CoreStage::TakeNews() {
+    if (HasCore()) seat_->WriteTrace();
     std::ranges::move(trace_.TakeNew(), std::back_inserter(pending_.trace));
     for (std::string& worry : Worries(pending_.trace))
         if (std::ranges::find(reported_, worry) == reported_.end())

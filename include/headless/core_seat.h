@@ -66,6 +66,11 @@ class SEAT_API CoreSeat {
     // Core throws comes out as a std::runtime_error with its words.
     bool Press(int option);
 
+    // Has the adaptor write out its trace (kTraceVariable in tvl/installation.h) up to now. It does
+    // so by itself at the end of every event but a change of time. Nothing while no Core is
+    // attached.
+    void WriteTrace();
+
   private:
     struct State;
     std::unique_ptr<State> state_;

@@ -66,15 +66,24 @@ class AdaptorInterface {
     // takes.
     virtual std::vector<CNode*> ClaimNodes(std::string pluginName, XMLNode nodeInfo) = 0;
 
-    // Brings the objects of another scene file in; snapshot nodes on them, the caller's to release.
+    // Brings the objects of another scene file in; snapshot nodes on them and on whatever they hang
+    // below, the caller's to release; null for one that has gone meanwhile. Of a file that
+    // cannot be merged there are as a rule none, and the trace alone tells why.
+    // CoreInterface::SetCoreState is called before this returns, with what the merged nodes bear.
+    // No undo step holds a merge: inside a group the step so far is closed under the name "tmp",
+    // and another one begins.
     virtual std::vector<CNode*> MergeModels(std::string path) = 0;
 
     // Undo groups nest; the outermost one becomes one undo step of the host's under its name. A
-    // cancel anywhere inside takes the whole nest back when the outermost group ends. A group may
-    // be ended in a later call than it was begun in; until then the user can undo nothing.
-    // AddUndoChunk takes the chunk over in every case. The outermost end also tells, with the value
-    // of the code "ADAPTOR_EXCEPTION", that something without a status of its own could not be done
-    // inside for want of memory or because the host threw; the group is ended all the same.
+    // cancel anywhere inside takes the whole nest back when the outermost group ends. Where a step
+    // of the host's own is open already (kNodesBeingDeleted), groups only join that, and a cancel
+    // takes nothing back. A group may be ended in a later call than it was begun in; until then the
+    // user can undo nothing. AddUndoChunk takes the chunk over in every case. The outermost end
+    // also tells, with the value of the code "ADAPTOR_EXCEPTION", that something without a status
+    // of its own could not be done inside for want of memory or because the host threw; the group
+    // is ended all the same. IsHoldingUndo: a group is open, and the host is not undoing or
+    // redoing. PerformUndo has the host undo a step, as the user does, and is true whether or not
+    // there was one.
     virtual std::int32_t BeginUndoGroup(std::string name) = 0;
     virtual std::int32_t AddUndoChunk(CUndo* chunk) = 0;
     virtual std::int32_t EndUndoGroup() = 0;

@@ -20,7 +20,8 @@ struct PluginRecord {
 //   kNodesBeingDeleted   Nodes of this element are about to be deleted by the user. Told once for
 //        each deletion, if the element lists it; it may answer with CoreNode::Delete on its nodes,
 //        in an undo group, which becomes part of the user's own step.
-//   kSceneBeingSaved   The scene is being saved; the argument is an XMLNode of kind 1 named
+//   kSceneBeingSaved   The scene is being saved, or the user is detaching the Core by the panel and
+//        the next one is to find its state; the argument is an XMLNode of kind 1 named
 //        "masternodes". The element adds a child "masternode" for each stored part of its state.
 //        Asked of every element with nodes in the scene, also if it lists nothing. The parts travel
 //        on its first node, and without any none of its nodes is marked as the Core's. An element

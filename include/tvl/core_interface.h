@@ -19,9 +19,10 @@ class CoreInterface {
 
     // State from a scene file, in which the Core finds its nodes by AdaptorInterface::ClaimNodes.
     // Several calls can come for one file: while it is read what GetCoreState gave, then the
-    // plug-ins of earlier versions in an element "TVL"; and when it has been opened or merged, in
-    // such an element too, what its nodes bear (see CoreElement). A "TVL" without children says
-    // that there is nothing to load. What a Core throws at stays where it was stored.
+    // plug-ins of earlier versions in an element "TVL"; and when it has been opened or merged, or
+    // the Core was attached by the panel, in such an element too, what its nodes bear (see
+    // CoreElement). A "TVL" without children says that there is nothing to load. What a Core throws
+    // at stays where it was stored.
     virtual void SetCoreState(XMLNode state) = 0;
 
     // The scene is about to be replaced: let go of every node.

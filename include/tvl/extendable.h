@@ -13,7 +13,7 @@ namespace TVL {
 class CExtendable {
   public:
     // Runs an extension, by its id and with its argument. An id that the object does not know gives
-    // 0 and has no effect.
+    // 0 and has no effect, but that a node of the adaptor's warns of it in the trace.
     virtual std::intptr_t HandleExtension(int, void*) { return 0; }
 
     // The ids that the object announces, in an order of its own.

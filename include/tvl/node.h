@@ -22,7 +22,8 @@ class CNode : public CExtendable {
     virtual void Hide() = 0;
     virtual bool IsVisible() = 0;
 
-    // Replaces the host's selection by this node; in a batch (NodeExtension) adds it.
+    // Replaces the host's selection by this node, as an undo step "Select" unless one is open; in a
+    // batch (NodeExtension) adds it.
     virtual void Select() = 0;
 
     virtual bool IsSnapshot() = 0;
@@ -69,7 +70,8 @@ class CoreNode : public CNode {
     // Turns a real node into a snapshot node without owner, from now on the caller's.
     virtual void Unclaim() = 0;
 
-    // Lend a snapshot, or null for a node that is not of the kind. Warm pools allocate nothing.
+    // Lend a snapshot, or null for a node that is not of the kind or is gone in the host. Warm
+    // pools allocate nothing.
     virtual CSnapshot* AcquireSnapshot(double seconds) = 0;
     virtual CSnapshot_Helper* AcquireHelperSnapshot() = 0;
     virtual CSnapshot_Mesh* AcquireMeshSnapshot(double seconds) = 0;
@@ -97,7 +99,8 @@ class CoreNode : public CNode {
 
     // Ends the node: with the host's node, or leaving that with the host's default controllers.
     // Inside an undo group the node goes into the undo record and this pointer stays usable for
-    // undo; otherwise it is gone.
+    // undo; otherwise it is gone. A snapshot node is gone in every case, but for one on an
+    // element's node that was not reached from a node of that element: there nothing happens.
     virtual void Delete(bool deleteHostNode) = 0;
 
     // A plain copy in the scene, with or without what stands below; a new snapshot node on it, or

@@ -41,6 +41,8 @@ class CSnapshot : public CExtendable {
 // The look and the geometry of a guide object.
 class CSnapshot_Helper : public CExtendable {
   public:
+    // Of a triangle mesh, as CreateHelperNode makes one; without effect on other objects. Undo does
+    // not bring back what was there.
     virtual void SetMesh(CMesh mesh) = 0;
 
     // Each channel from 0 to 1; beyond that the low 8 bits of channel × 255 are what shows.

@@ -129,6 +129,5 @@ void UtilityManager::HearHost() {
 void UtilityManager::CTimeChangeCallback::TimeChanged(TimeValue t) {
     CoreInterface* const core = AttachedCore();
     if (!core) return;
-    const TraceAfter trace;
     CallCore("NotifyTimeChanged", [&] { core->NotifyTimeChanged(SecondsOf(t)); });
 }

@@ -8,13 +8,15 @@
 // is none if it names none. The text is taken out of the log part by part: at the end of each event
 // of the host's that the adaptor has handled and of each press of its buttons, behind whatever a
 // Core threw, when one has been attached or not and when it has gone, before the log is replaced,
-// cleared or destroyed, and when the module goes. So whoever reads the file between two events can
-// tell which lines the last one brought. The file has every line of the adaptor's once, whoever's
-// log it was in, and of a Core's own log what it had taken in before it was placed. Parts are
-// appended; whoever names the file empties it.
+// cleared or destroyed, and when the module goes. A change of time is no such event, since one
+// comes with each frame that is played: its lines wait for the next, or for whoever has SetLog
+// called to read them. So whoever reads the file between two events can tell which lines the last
+// one brought. The file has every line of the adaptor's once, whoever's log it was in, and of a
+// Core's own log what it had taken in before it was placed. Parts are appended; whoever names the
+// file empties it.
 
-// Appends what the log in use has taken in since the last time. Where that is nothing, as after
-// nearly every change of time, two sizes are compared and no more.
+// Appends what the log in use has taken in since the last time. Where that is nothing, two sizes
+// are compared and no more.
 void WriteTrace() noexcept;
 
 // Stands around what the adaptor does at one event.

@@ -215,13 +215,16 @@ TEST_F(Run, OtherVerbsWorkWithAStrangersCoreOrNameRun) {
 }
 
 TEST_F(Run, TellsWhatACoreThrewAndWhatItLeftBehind) {
-    const Ending ending = Command::Run(Words(stray_, {"press 1046", "time 1"}));
+    const Ending ending =
+        Command::Run(Words(stray_, {"press 1046", "time 1", "play 2:5:1", "new"}));
     EXPECT_EQ(ending.status, 0) << ending.error;
     for (const char* line :
          {"\n1. press 1046: pressed \"Start Lumiset\"\n",
           "\n  Complaint: the file is odd (line: 7, it was read up to there) (2 times)\n",
           "\n  Complaint: Exception out of ShowCore: the button is broken\n2. time 1: done\n",
-          "\nComplaint: CORE left something behind in the adaptor (undo groups: 1)\n"})
+          "\n  Complaint: DEBUG WARNING: Detected duplicated undo groups. Possible undo group "
+          "mismatch\n4. new: done\n",
+          "\nComplaint: CORE left something behind in the adaptor (undo groups: 5)\n"})
         EXPECT_NE(ending.out.find(line), std::string::npos) << line << ending.out;
     Do("draw --sphere 1 -o drawn");
     EXPECT_EQ(Command::Run("info drawn --core " + Quoted(stray_)).error, "");
