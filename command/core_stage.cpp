@@ -213,22 +213,12 @@ StageNews CoreStage::TakeNews() {
     return std::exchange(pending_, {});
 }
 
-void CoreStage::GatherNews() {
+StageNews CoreStage::TakeNewsInOne() {
     StageNews news = TakeNews();
-    std::ranges::move(news.complaints, std::back_inserter(complaints_));
-    std::ranges::move(news.breaches, std::back_inserter(complaints_));
-    std::ranges::move(news.boxes, std::back_inserter(boxTexts_));
-}
-
-const std::vector<std::string>& CoreStage::Complaints() {
-    if (!absence_.empty()) complaints_.push_back(std::exchange(absence_, {}));
-    GatherNews();
-    return complaints_;
-}
-
-const std::vector<std::string>& CoreStage::BoxTexts() {
-    GatherNews();
-    return boxTexts_;
+    std::ranges::move(news.breaches, std::back_inserter(news.complaints));
+    if (!absence_.empty())
+        news.complaints.insert(news.complaints.begin(), std::exchange(absence_, {}));
+    return news;
 }
 
 void CoreStage::Take(FileOutcome outcome) {

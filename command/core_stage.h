@@ -78,13 +78,10 @@ class CoreStage {
     void Save(const std::string& scene);
     void MergeByHost(const std::string& scene);
 
-    // What happened since this was last asked for.
+    // What happened since either was last asked for. All that did not go well, breaches and the
+    // want of a Core included, are complaints of the second.
     StageNews TakeNews();
-
-    // What did not go well so far, breaches and the want of a Core included, a line each; and what
-    // message boxes have said so far.
-    const std::vector<std::string>& Complaints();
-    const std::vector<std::string>& BoxTexts();
+    StageNews TakeNewsInOne();
 
     // How many blocks are left on the host's heap.
     std::size_t ShutDown();
@@ -92,7 +89,6 @@ class CoreStage {
   private:
     void Start();
     void Take(FileOutcome outcome);
-    void GatherNews();
 
     CoreFile report_{""};
     TraceTail trace_;
@@ -101,8 +97,6 @@ class CoreStage {
     std::string absence_;  // why the Core was not there at the start, until that is told
     std::vector<std::string> reported_;  // by the replay Core, which traces it as well
     StageNews pending_;
-    std::vector<std::string> complaints_;
-    std::vector<std::string> boxTexts_;
     Session session_;
 };
 

@@ -72,7 +72,7 @@ DrawResult Draw(const DrawOptions& options) {
     return {.name = node.GetName(),
             .handle = node.GetHandle(),
             .nodes = Nodes().size(),
-            .complaints = stage.Complaints()};
+            .complaints = stage.TakeNewsInOne().complaints};
 }
 
 }  // namespace headless

@@ -63,33 +63,14 @@ void PrintFoot(std::ostream& out, const std::string& foot) {
     }
 }
 
-void PrintUsage(std::ostream& out, const VerbText& text) {
-    out << Wrapped("Usage: " + text.usage, 0, 2 * kRowIndent) << '\n' << Wrapped(text.text, 0, 0);
-}
-
-std::string HelpOfProgram(const CLI::App& program) {
-    const VerbText text = TextOf(program);
-    std::ostringstream out;
-    PrintUsage(out, text);
+// The verbs of the program, by their groups; a verb has none.
+void PrintVerbs(std::ostream& out, const CLI::App& program) {
     std::string group;
     for (const VerbText& verb : TextsOfVerbs(program)) {
         if (verb.group != group) out << '\n' << verb.group << ":\n";
         group = verb.group;
         out << HelpRow(verb.name, verb.Summary());
     }
-    PrintRows(out, "Options", text.options);
-    PrintFoot(out, text.foot);
-    return out.str();
-}
-
-std::string HelpOfVerb(const CLI::App& verb) {
-    const VerbText text = TextOf(verb);
-    std::ostringstream out;
-    PrintUsage(out, text);
-    PrintRows(out, "Arguments", text.arguments);
-    PrintRows(out, "Options", text.options);
-    PrintFoot(out, text.foot);
-    return out.str();
 }
 
 class OwnHelp : public CLI::FormatterBase {
@@ -102,7 +83,14 @@ class OwnHelp : public CLI::FormatterBase {
 }  // namespace
 
 std::string HelpOf(const CLI::App& verb) {
-    return verb.get_parent() ? HelpOfVerb(verb) : HelpOfProgram(verb);
+    const VerbText text = TextOf(verb);
+    std::ostringstream out;
+    out << Wrapped("Usage: " + text.usage, 0, 2 * kRowIndent) << '\n' << Wrapped(text.text, 0, 0);
+    PrintVerbs(out, verb);
+    PrintRows(out, "Arguments", text.arguments);
+    PrintRows(out, "Options", text.options);
+    PrintFoot(out, text.foot);
+    return out.str();
 }
 
 void UseOwnHelp(CLI::App& program) {

@@ -204,7 +204,7 @@ void RunInspect(const InspectArguments& arguments) {
     inspection.scene = arguments.scene;
     inspection.seconds = arguments.seconds;
     inspection.nodes = LookAt(stage, arguments);
-    inspection.complaints = stage.Complaints();
+    inspection.complaints = stage.TakeNewsInOne().complaints;
     Print(std::cout, inspection, arguments.audience);
 }
 

@@ -3,7 +3,7 @@
 
 #include "command/exit_status.h"
 #include "command/output.h"
-#include "command/step_words.h"
+#include "command/steps.h"
 #include "tvl/panel.h"
 
 // Steps on the Core and its panel.

@@ -120,8 +120,9 @@ void WritePoses(CoreStage& stage, const RecordOptions& options, CoreFile& poses,
 
 // At the end, since undo, redo and the shutdown can add to what the opening had to be told of.
 void TakeComplaints(CoreStage& stage, RecordResult& result) {
-    std::ranges::copy(stage.Complaints(), std::back_inserter(result.complaints));
-    for (const std::string& text : stage.BoxTexts())
+    const StageNews news = stage.TakeNewsInOne();
+    std::ranges::copy(news.complaints, std::back_inserter(result.complaints));
+    for (const std::string& text : news.boxes)
         result.complaints.push_back("message box: " + text);
 }
 

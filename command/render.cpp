@@ -131,7 +131,7 @@ RenderResult Render(const RenderOptions& options) {
         RenderSheet(options, options.frames.front(), result);
     else
         RenderSequence(options, options.frames.front(), result);
-    result.complaints = stage.Complaints();
+    result.complaints = stage.TakeNewsInOne().complaints;
     return result;
 }
 

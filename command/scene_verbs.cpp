@@ -41,9 +41,10 @@ SceneReport SaveAndReport(CoreStage& stage, const std::string& scene, const std:
     } catch (const Failure& failure) {
         untold = failure.what();
     }
-    report.complaints = stage.Complaints();
+    StageNews news = stage.TakeNewsInOne();
+    report.complaints = std::move(news.complaints);
     if (!untold.empty()) report.complaints.push_back("no takes are told: " + untold);
-    report.boxes = stage.BoxTexts();
+    report.boxes = std::move(news.boxes);
     return report;
 }
 

@@ -1,10 +1,9 @@
-#include "command/step_words.h"
-
 #include <algorithm>
 
 #include "command/exit_status.h"
 #include "command/numbers.h"
 #include "command/output.h"
+#include "command/steps.h"
 
 namespace headless {
 namespace {

@@ -9,7 +9,6 @@
 #include "command/exit_status.h"
 #include "command/names.h"
 #include "command/output.h"
-#include "command/step_words.h"
 #include "command/written_files.h"
 #include "platform/narrow_path.h"
 

@@ -79,4 +79,12 @@ struct Step {
 std::vector<Step> StepsOfOptions(const std::vector<std::string>& texts);
 std::vector<Step> StepsOfScript(const std::string& path);
 
+// Take a step's line apart, and read the words behind its name, as those two do. Nothing is left of
+// a comment.
+std::vector<std::string> SplitIntoWords(std::string_view line);
+StepWords ReadWords(const StepKind& kind, std::span<const std::string> words);
+
+// Whether a word is a number, where else a text could stand.
+bool IsId(const std::string& word);
+
 }  // namespace headless

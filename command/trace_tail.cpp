@@ -22,8 +22,9 @@ namespace {
 
 constexpr std::array<std::string_view, 4> kLevelWords = {"CRITICAL", "ERROR", "WARNING", "NOTICE"};
 
+constexpr std::string_view kMoment = "00000000 00:00:00 (";
+
 bool BeginsWithMoment(std::string_view line) {
-    constexpr std::string_view kMoment = "00000000 00:00:00 (";
     const auto fits = [](char form, char c) {
         return form == '0' ? c >= '0' && c <= '9' : c == form;
     };
@@ -48,12 +49,11 @@ TraceLine ReadLine(std::string_view rest) {
 
 // A line that begins with no moment goes on with the message before it.
 std::vector<TraceLine> ReadLines(const std::string& text) {
-    constexpr std::size_t kMomentLength = sizeof("20061204 09:05:00 (") - 1;
     std::vector<TraceLine> lines;
     std::istringstream stream(text);
     for (std::string line; std::getline(stream, line);) {
         if (BeginsWithMoment(line))
-            lines.push_back(ReadLine(std::string_view(line).substr(kMomentLength)));
+            lines.push_back(ReadLine(std::string_view(line).substr(kMoment.size())));
         else if (!lines.empty())
             lines.back().text += ' ' + line;
     }

@@ -5,7 +5,6 @@
 #include <stdexcept>
 #include <string_view>
 #include <system_error>
-#include <utility>
 
 #include "foundation/thrown.h"
 #include "platform/files.h"
@@ -20,18 +19,6 @@
 #include "tvl/xml_node.h"
 
 namespace headless {
-
-// What the plug-in reads of the registry, another for as long as this lives.
-class InstalledHere {
-  public:
-    explicit InstalledHere(const std::string& folder) {
-        platform::LayOverRegistry(platform::RegistryText{
-            std::string("HKEY_LOCAL_MACHINE\\") + TVL::kInstallKey, TVL::kInstallValue, folder});
-    }
-    ~InstalledHere() { platform::LayOverRegistry(std::nullopt); }
-    InstalledHere(const InstalledHere&) = delete;
-    InstalledHere& operator=(const InstalledHere&) = delete;
-};
 
 namespace {
 
@@ -79,35 +66,33 @@ void AskCore(CoreInterface& core, OptionView& option) try {
     option.isKnown = false;
 }
 
+// Why nobody can sit there; empty if somebody can.
+std::string WhyEmpty(const FoundPath& core, const FoundPath& seat) {
+    if (!core.whyNot.empty()) return core.whyNot;
+    if (!seat.whyNot.empty()) return seat.whyNot;
+    if (!platform::AreSameFile(core.path, SeatModule(seat.path))) return {};
+    return core.path + " is the seat itself, which no Core sits on";
+}
+
 }  // namespace
 
 struct CoreSeat::State {
     std::string library;
-    std::string whyEmpty;  // why nobody can sit here; empty if somebody can
-    std::unique_ptr<InstalledHere> installed;
-
-    void Seat(const FoundPath& found);
+    std::string whyEmpty;
 };
 
-void CoreSeat::State::Seat(const FoundPath& found) {
-    library = found.path;
-    whyEmpty = found.whyNot;
-    if (!whyEmpty.empty()) return;
+CoreSeat::CoreSeat(const std::string& library) {
+    const FoundPath core = library.empty() ? FindInstalledCore() : Whole(library);
     const FoundPath seat = FindSeatFolder();
-    whyEmpty = seat.whyNot;
-    if (whyEmpty.empty() && platform::AreSameFile(library, SeatModule(seat.path)))
-        whyEmpty = library + " is the seat itself, which no Core sits on";
-    if (!whyEmpty.empty()) return;
-    SeatedCore::Get().Take(library);
-    installed = std::make_unique<InstalledHere>(seat.path);
-}
-
-CoreSeat::CoreSeat(const std::string& library) : state_(std::make_unique<State>()) {
-    state_->Seat(library.empty() ? FindInstalledCore() : Whole(library));
+    state_ = std::make_unique<State>(State{core.path, WhyEmpty(core, seat)});
+    if (!state_->whyEmpty.empty()) return;
+    SeatedCore::Get().Take(core.path);
+    platform::LayOverRegistry(platform::RegistryText{
+        std::string("HKEY_LOCAL_MACHINE\\") + TVL::kInstallKey, TVL::kInstallValue, seat.path});
 }
 
 CoreSeat::~CoreSeat() {
-    state_->installed.reset();
+    platform::LayOverRegistry(std::nullopt);
     SeatedCore::Get().Take({});
 }
 

@@ -35,7 +35,6 @@ class SEAT_API SeatedCore {
     // loaded stays until the module goes.
     void Take(std::string library);
 
-    const std::string& Library() const { return path_; }
     CoreInterface* Core() const { return core_; }  // null while none is attached
     TVL::AdaptorInterface* Adaptor() const { return adaptor_; }
     std::string WhyAbsent() const;

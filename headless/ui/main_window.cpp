@@ -41,6 +41,18 @@ std::string TextOf(HWND window) {
     }
 }
 
+template <class IsMeant>
+bool PressFirst(const IsMeant& isMeant) {
+    for (const HWND page : pages) {
+        for (const HWND button : ButtonsOn(page)) {
+            if (!isMeant(button)) continue;
+            SendMessageA(button, BM_CLICK, 0, 0);
+            return true;
+        }
+    }
+    return false;
+}
+
 }  // namespace
 
 // Real, with its pages, but beyond every screen and without a place among the running programs, for
@@ -121,24 +133,11 @@ std::vector<PageView> ViewPages() {
 }
 
 bool PressPageButton(int controlId) {
-    for (const HWND page : pages) {
-        if (const HWND button = GetDlgItem(page, controlId)) {
-            SendMessageA(button, BM_CLICK, 0, 0);
-            return true;
-        }
-    }
-    return false;
+    return PressFirst([&](HWND button) { return GetDlgCtrlID(button) == controlId; });
 }
 
 bool PressPageButton(std::string_view text) {
-    for (const HWND page : pages) {
-        for (const HWND button : ButtonsOn(page)) {
-            if (TextOf(button) != text) continue;
-            SendMessageA(button, BM_CLICK, 0, 0);
-            return true;
-        }
-    }
-    return false;
+    return PressFirst([&](HWND button) { return TextOf(button) == text; });
 }
 
 bool PlacePageButton(int controlId, const char* text) {
