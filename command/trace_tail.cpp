@@ -67,10 +67,10 @@ bool IsBelow(const TraceLine& line, const TraceLine& head) {
     return line.depth > head.depth || (line.depth == head.depth && line.level == head.level);
 }
 
-// Undo chunks end with the Core whatever it does, and nothing here needs the user's documents.
-constexpr std::string_view kLeftBehind = "CORE left something behind in the adaptor";
-constexpr std::string_view kLeftChunks = "undo chunks: ";
-constexpr std::string_view kNoDocuments = "Unable to find my documents ";
+// Nothing here needs the user's documents.
+bool IsNoWorry(std::string_view line) {
+    return line.starts_with("Unable to find my documents ");
+}
 
 // What is thrown for want of memory has no words for a person.
 std::string InWords(std::string text) {
@@ -79,17 +79,13 @@ std::string InWords(std::string text) {
     return place == std::string::npos ? text : text.replace(place, thrown.size(), kNoMemory);
 }
 
-bool IsNoWorry(const std::string& line, const std::string& head) {
-    return line.starts_with(kNoDocuments) || (head == kLeftBehind && line.starts_with(kLeftChunks));
-}
-
 // With what is nested below it, which begins at the second of the lines.
 std::string WorryOf(std::span<const TraceLine> lines) {
     const std::string& head = lines.front().text;
     std::string below;
     for (const TraceLine& line : lines.subspan(1))
-        if (!IsNoWorry(line.text, head)) (below += below.empty() ? " (" : ", ") += line.text;
-    if (IsNoWorry(head, "") || (head == kLeftBehind && below.empty())) return {};
+        if (!IsNoWorry(line.text)) (below += below.empty() ? " (" : ", ") += line.text;
+    if (IsNoWorry(head)) return {};
     return InWords(head + (below.empty() ? below : below + ")"));
 }
 

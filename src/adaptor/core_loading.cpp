@@ -105,7 +105,7 @@ void UtilityManager::BringCoreUp() {
         LinkOptions();
         return;
     }
-    SweepCore(0, thrown ? nests : kNoNests);
+    SweepCore(thrown ? nests : kNoNests);
     if (thrown) TVL::TraceThrown(TVL::kAttachRoutine, *thrown);
 }
 
@@ -142,12 +142,12 @@ void UtilityManager::LetCoreGo() {
 
 void UtilityManager::TakeCoreDown() {
     const Passage leaving(coreLeaves);
-    const int chunks = ReleaseCoreChunks();
+    ReleaseCoreChunks();
     const std::uint32_t nests = BracketsSoFar().nests;
     TVL::Log(TVL::Log::kNotice).Write("Adaptor is detaching core");
     const auto detach = platform::Routine<TVL::DetachRoutine>(link.coreModule, TVL::kDetachRoutine);
     const auto thrown = TVL::ThrownBy([&] { detach(link.core); });
     link.core = nullptr;
-    SweepCore(chunks, thrown ? nests : kNoNests);
+    SweepCore(thrown ? nests : kNoNests);
     if (thrown) TVL::TraceThrown(TVL::kDetachRoutine, *thrown);
 }

@@ -102,7 +102,7 @@ void EndBracketsSince(const CoreBrackets& before) {
         adaptor.RestoreFocus();
 }
 
-void UtilityManager::SweepCore(int releasedChunks, std::uint32_t nests) {
+void UtilityManager::SweepCore(std::uint32_t nests) {
     MaxAdaptorInterface& adaptor = *MaxAdaptorInterface::GetInstance();
 
     // First of all, since everything below may write or declare.
@@ -116,7 +116,7 @@ void UtilityManager::SweepCore(int releasedChunks, std::uint32_t nests) {
     AdaptorNodes().clearHostNode = nullptr;
 
     // Listeners go before the hold ends: what is cancelled would tell them.
-    const int chunks = releasedChunks + ReleaseCoreChunks();
+    const int chunks = ReleaseCoreChunks();
     const SweptNodes nodes = SweepNodes();
     const int recordings = EndLeftRecordings();
     CancelHoldBegunSince(nests);

@@ -165,11 +165,12 @@ TEST(LifeCycle, ACoreThatIsGoneLeavesNothingThatCanCallIntoItsFreedLibrary) {
         ASSERT_TRUE(host.Undo() && host.Redo());
         world.ShutDown();
         const std::string trace = OwnTrace(world);
-        for (const char* line : {"(WARNING): \tCORE left something behind in the adaptor\n",
-                                 "\tlog: 1\n", "\terror registry: 1\n", "\tundo chunks: 1\n",
-                                 "\tnodes: 1\n", "\tsnapshot nodes: ", "\trecording: 1\n",
-                                 "\tundo groups: 2\n", "\tkeyboard focus: 1\n"})
+        for (const char* line :
+             {"(WARNING): \tCORE left something behind in the adaptor\n", "\tlog: 1\n",
+              "\terror registry: 1\n", "\tnodes: 1\n", "\tsnapshot nodes: ", "\trecording: 1\n",
+              "\tundo groups: 2\n", "\tkeyboard focus: 1\n"})
             EXPECT_TRUE(Holds(trace, line)) << line << trace;
+        EXPECT_NE(Holds(trace, "\tundo chunks: 1\n"), isAttached) << trace;
         EXPECT_EQ(trace.find("left something"), trace.rfind("left something")) << trace;
     }
 }
