@@ -93,6 +93,15 @@ int Run(int argc, char** argv) {
     return headless::kDone;
 }
 
+bool isAtWork = false;
+
+// Whoever believes the status is not to take what a guest has broken off for done.
+void RefuseToEnd() {
+    if (!isAtWork) return;
+    std::cout.flush();
+    std::_Exit(Fail("", "the plug-in or its Core has ended the process", headless::kFailed));
+}
+
 int Guarded(int argc, char** argv) {
     try {
         return Run(argc, argv);
@@ -110,7 +119,10 @@ int Guarded(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    std::atexit(&RefuseToEnd);
+    isAtWork = true;
     const int status = Guarded(argc, argv);
+    isAtWork = false;
     // Of the shutdown, and of a verb that does not tell them itself.
     headless::PrintEach(std::cerr, headless::kComplaint, headless::TakeBreachLines());
     return status;

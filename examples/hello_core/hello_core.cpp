@@ -30,7 +30,7 @@ auto PoseAt(double time, TVL::CNode* ball) {
 
 // In metres, Y up. The rows of a pose are as long as a host unit in metres, and stay as they are.
 void PutWhereItIsAt(double time, TVL::CNode* ball) {
-    const auto pose = PoseAt(time, ball);
+    const auto pose = PoseAt(time + 1e-6, ball);  // a hair late, since times are cut to ticks
     if (!pose) return;
     TVL::CMatrix4 world = pose->GetWorldTransform();
     world[3][0] = time;

@@ -231,6 +231,10 @@ TEST_F(Run, TellsWhatACoreThrewAndWhatItLeftBehind) {
     EXPECT_TRUE(
         Command::Run(Words(stray_, {"time 1", "undo"}))
             .error.starts_with("lumiset-headless: step 2 (undo): an undo group is still open"));
+    const Ending broken = Command::Run(Words(stray_, {"time 1", "time -1"}));
+    EXPECT_EQ(broken.status, 1);
+    EXPECT_NE(broken.out.find("1. time 1: done\n"), std::string::npos);
+    EXPECT_EQ(broken.error, "lumiset-headless: the plug-in or its Core has ended the process\n");
 }
 
 }  // namespace

@@ -1,10 +1,12 @@
 #include <cstdint>
+#include <cstdlib>
 #include <stdexcept>
 
 #include "tvl/core_interface.h"
 #include "tvl/log.h"
 
-// A Core that does nothing well: its button warns and throws, and it leaves an undo group open.
+// A Core that does nothing well: its button warns and throws, it leaves undo groups open, and ends
+// the process at times below 0.
 
 namespace {
 
@@ -22,7 +24,10 @@ class StrayCore final : public CoreInterface {
         adaptor_.ClearLog();
         throw std::runtime_error("the button is broken");
     }
-    void NotifyTimeChanged(double) override { adaptor_.BeginUndoGroup("left open"); }
+    void NotifyTimeChanged(double seconds) override {
+        if (seconds < 0) std::exit(0);
+        adaptor_.BeginUndoGroup("left open");
+    }
 
     XMLNode GetCoreState() override { return XMLNode("TVL", ""); }
     void SetCoreState(XMLNode) override {}
