@@ -56,4 +56,6 @@ endif()
 set(CPACK_PACKAGE_NAME TarvoLumiset)
 set(CPACK_PACKAGE_FILE_NAME TarvoLumiset-${PROJECT_VERSION}-${CMAKE_SYSTEM_NAME})
 set(CPACK_STRIP_FILES ON)
+# What whoever unpacks the archive sees first.
+set(CPACK_INSTALLED_DIRECTORIES ${PROJECT_SOURCE_DIR}/docs/kit .)
 include(CPack)

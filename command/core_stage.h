@@ -56,6 +56,7 @@ class CoreStage {
 
     bool WantsCore() const { return seat_.has_value(); }
     bool HasCore() const { return seat_ && seat_->IsAttached(); }
+    bool HasReplayCore() const { return HasCore() && isReplayCore_; }
 
     // The seat of a Core that is wanted.
     CoreSeat& Seat() { return *seat_; }

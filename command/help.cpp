@@ -97,7 +97,7 @@ void UseOwnHelp(CLI::App& program) {
     program.formatter(std::make_shared<OwnHelp>());
     program.set_help_flag("-h,--help", "Print this help");
     program.footer("`" + std::string(kCommand) + " help VERB` tells all of a verb.\n\n" +
-                   kExitStatusText);
+                   kExitStatusText + "\n\n" + kOnCores);
 }
 
 }  // namespace headless

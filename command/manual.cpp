@@ -93,6 +93,7 @@ void PrintManual(std::ostream& out, const CLI::App& program) {
     for (const VerbText& verb : verbs)
         std::ranges::copy_if(LinesOf(verb.foot), std::back_inserter(examples), &IsTyped);
     PrintLines(out, examples);
+    out << ".SH SEE ALSO\n" << Roff(kOnCores) << '\n';
 }
 
 }  // namespace headless

@@ -22,22 +22,24 @@ struct SceneReport {
     std::string scene;  // the file that was opened
     std::string saved;  // the file that was written; empty for none
     std::size_t nodes = 0;
+    std::string stranger;  // the Core's library if it is not the replay Core, which alone has takes
     std::vector<replay::TakeReport> takes;
     std::vector<std::string> boxes;       // the texts of message boxes
     std::vector<std::string> complaints;  // about files and the Core, a line each
 };
 
 // The end of the work on a scene: saves it unless `target` is empty, and asks the Core for its
-// takes. That there is no Core which was wanted, or one that has no takes, is a complaint.
+// takes. That there is no Core which was wanted, or that it fails, is a complaint.
 SceneReport SaveAndReport(CoreStage& stage, const std::string& scene, const std::string& target) {
     if (!target.empty()) stage.Save(target);
     SceneReport report;
     report.scene = scene;
     report.saved = target;
     report.nodes = Nodes().size();
+    if (stage.HasCore() && !stage.HasReplayCore()) report.stranger = stage.Seat().Library();
     std::string untold;
     try {
-        if (stage.HasCore()) report.takes = stage.AskCore({}).takes;
+        if (stage.HasReplayCore()) report.takes = stage.AskCore({}).takes;
     } catch (const Failure& failure) {
         untold = failure.what();
     }
@@ -62,6 +64,8 @@ void PrintForPerson(std::ostream& out, const SceneReport& report) {
         PrintList(out, "; not found: ", take.missing);
         out << '\n';
     }
+    if (!report.stranger.empty())
+        out << "Takes: none are told, since " << report.stranger << " is not the replay Core\n";
     PrintEach(out, kMessageBox, report.boxes);
     PrintEach(out, kComplaint, report.complaints);
     TellSaved(out);
@@ -74,6 +78,7 @@ void PrintForProgram(std::ostream& out, const SceneReport& report) {
                                      {"boxes", report.boxes},
                                      {"complaints", report.complaints},
                                      {"saved", report.saved}};
+    if (!report.stranger.empty()) object["takes"] = nullptr;
     for (const replay::TakeReport& take : report.takes)
         object["takes"].push_back({{"name", take.name},
                                    {"parent", take.parent},

@@ -26,6 +26,10 @@ inline constexpr char kExitStatusText[] =
     "take that is not as it was meant to be; with 2 when it was called wrongly. diff ends with 1 "
     "for a difference and with 2 for trouble.";
 
+inline constexpr char kOnCores[] =
+    "How to write a Core stands in writing-a-core.md, in share/doc/TarvoLumiset of the kit; the "
+    "first one to copy in share/TarvoLumiset/examples.";
+
 // An argument or an option.
 struct WordText {
     std::string label;  // as a person types it: "-o, --output FILE", "SCENE", "OTHER..."

@@ -39,7 +39,11 @@ void KeepApart(const NamedFile& file, const NamedFile& other) {
 std::string FolderForPassing() {
     std::error_code error;
     const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
-    if (error) throw Failure("the folder for temporary files cannot be had: " + error.message());
+    if (error)
+        throw Failure(
+            "the folder for temporary files, which the environment names (TMPDIR), cannot "
+            "be had: " +
+            error.message());
     std::string path = platform::ToNarrow(folder);
     if (path.empty())
         throw Failure(platform::Shown(folder) +

@@ -157,7 +157,8 @@ class HEADLESS_API Session {
     FileOutcome SaveScene(const std::string& path);
 
     // Adds the nodes of another file to the scene, selects them alone, and tells of it by
-    // notification 12; no utility loads anything. It is no undo step, and older steps stay.
+    // notification 12; no utility loads anything. It is no undo step, unless a hold is open, and
+    // older steps stay.
     FileOutcome MergeScene(const std::string& path);
 
     // Chunks of utilities in the scene file that was opened last, in its order. Those that nobody

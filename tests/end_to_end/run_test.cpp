@@ -208,8 +208,7 @@ TEST_F(Run, OtherVerbsWorkWithAStrangersCoreOrNameRun) {
     Do("draw --sphere 1 -o drawn");
     ExpectRefusal("convert drawn -o none" + core, hello_ + ": this Core has no button", 1);
     const Json told = Ask("open take -o again" + core);
-    EXPECT_EQ(Line(told, {"nodes", "takes"}), "3 []");
-    EXPECT_NE(told["complaints"].dump().find("no takes are told: "), std::string::npos);
+    EXPECT_EQ(Line(told, {"nodes", "takes"}), "3 null");
     // What the stranger would not have is kept for the Core that it belongs to.
     EXPECT_EQ(Ask("open again")["takes"].size(), 1U);
 }
