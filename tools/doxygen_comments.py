@@ -2,7 +2,7 @@
 """Gives a header to Doxygen as it reads one, from the plain comments that stand in it: what stands
 ahead of a declaration or a macro is of that, what stands behind one is of that as well, and what
 stands alone is of the file. What would mean something to Doxygen is protected. Lines that are
-indented in a comment stay as they are laid out. Comments inside functions stay out."""
+indented in a comment stay as they are laid out."""
 
 import re
 import sys
@@ -61,79 +61,33 @@ def macro_of(lines):
             return defined and defined[1]
 
 
-class Scopes:
-    """Whether a line stands where things are declared, or inside a function or a value."""
-
-    def __init__(self):
-        self.open, self.statement = [], ""
-
-    def declares(self):
-        return all(self.open)
-
-    def is_outermost(self):
-        return "class" not in self.open
-
-    def read(self, line):
-        if line.startswith("#"):
-            return
-        code = re.sub(r'"(\\.|[^"\\])*"|\'(\\.|[^\'\\])\'', '""', re.sub(r"//.*", "", line))
-        for letter in code:
-            if letter == "{":
-                kind = re.search(r"\b(namespace|extern|class|struct|enum|union)\b", self.statement)
-                is_function = ")" in re.sub(r"<.*?>|\b[A-Z_]+\(.*?\)", "", self.statement)
-                if kind and not is_function:
-                    self.open.append("space" if kind[1] in ("namespace", "extern") else "class")
-                else:
-                    self.open.append("")
-                self.statement = ""
-            elif letter == "}":
-                self.open.pop()
-                self.statement = ""
-            elif letter == ";":
-                self.statement = ""
-            else:
-                self.statement += letter
+def is_of_the_file(indent, follower):
+    return not indent and (not follower.strip() or follower.startswith(("namespace", "#")))
 
 
 def convert(lines):
-    scopes, index = Scopes(), 0
+    index = 0
     while index < len(lines):
         line = lines[index]
-        plain = PLAIN.match(line)
-        if plain and scopes.declares():
-            end = index
+        end = index + 1
+        if plain := PLAIN.match(line):
             while end < len(lines) and PLAIN.match(lines[end]):
                 end += 1
-            block = [PLAIN.match(each)[2] for each in lines[index:end]]
+            block = words([PLAIN.match(each)[2] for each in lines[index:end]], "///")
             follower = lines[end] if end < len(lines) else ""
-            macro = macro_of(lines[end:]) if follower.startswith("#") else None
-            stands_alone = scopes.is_outermost() and (
-                not follower.strip() or follower.startswith(("namespace", "#")))
-            if stands_alone:
-                yield f"/// @def {macro}" if macro else "/// @file"
-            yield from (plain[1] + each for each in words(block, "///"))
-            if stands_alone:
-                yield ""
-            index = end
-            continue
-        trailing = TRAILING.match(line)
-        if trailing and scopes.declares() and not trailing[2].startswith(("#", "}")):
+            macro = follower.startswith("#") and macro_of(lines[end:])
+            if is_of_the_file(plain[1], follower):
+                block = [f"/// @def {macro}" if macro else "/// @file", *block, ""]
+            yield from (plain[1] + each if each else "" for each in block)
+        elif (trailing := TRAILING.match(line)) and not trailing[2].startswith(("#", "}")):
             column = line.index("// " + trailing[4])
-            block = [trailing[4]]
-            while index + len(block) < len(lines):
-                more = PLAIN.match(lines[index + len(block)])
-                if not more or len(more[1]) != column:
-                    break
-                block.append(more[2])
-            code = trailing[1] + trailing[2]
-            yield f"{code}  ///< {protect(block[0])}"
-            yield from (" " * column + f"///< {protect(each)}" for each in block[1:])
-            scopes.read(code)
-            index += len(block)
-            continue
-        scopes.read(line)
-        yield line
-        index += 1
+            yield f"{line[:column].rstrip()}  ///< {protect(trailing[4])}"
+            while end < len(lines) and (more := PLAIN.match(lines[end])) and len(more[1]) == column:
+                yield " " * column + f"///< {protect(more[2])}"
+                end += 1
+        else:
+            yield line
+        index = end
 
 
 if __name__ == "__main__":
