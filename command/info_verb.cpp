@@ -168,7 +168,7 @@ void PrintForProgram(std::ostream& out, const InfoResult& result) {
 
 struct InfoArguments {
     std::string scene;
-    GuestFlags guests;
+    GuestChoice guests;
     Audience audience = Audience::kPerson;
 };
 
@@ -201,7 +201,7 @@ InfoResult Info(const std::string& scene, const GuestChoice& guests) {
 }
 
 void RunInfo(const InfoArguments& arguments) {
-    Print(std::cout, Info(arguments.scene, arguments.guests.Chosen()), arguments.audience);
+    Print(std::cout, Info(arguments.scene, arguments.guests), arguments.audience);
 }
 
 }  // namespace

@@ -16,7 +16,6 @@ namespace {
 
 struct RenderArguments {
     RenderOptions options;
-    GuestFlags guests;
     std::optional<int> sheetColumns;
 };
 
@@ -63,7 +62,6 @@ void RunRender(RenderArguments& arguments) {
     }
     CheckFile(arguments.options);
     ExpectFile(arguments.options.file);
-    arguments.options.guests = arguments.guests.Chosen();
     arguments.options.progress = platform::IsErrorStreamATerminal();
     const RenderResult result = Render(arguments.options);
     PrintEach(std::cout, kComplaint, result.complaints);
@@ -123,7 +121,7 @@ void AddRenderVerb(CLI::App& app) {
         "The frames side by side in one picture, so many in a row, " + Told(kSheetColumns))
         ->needs("--frames");
     AddLooks(*verb, arguments);
-    AddGuestOptions(*verb, arguments->guests);
+    AddGuestOptions(*verb, arguments->options.guests);
     AddExample(*verb, "render walk.scene --time 2.5 -o walk.png");
     verb->callback([arguments, verb] {
         if (verb->count("--time") + verb->count("--frames") == 0)

@@ -30,17 +30,14 @@ class Performance {
         result_.core = stage_.Seat().Library();
         result_.scene = options_.scene;
         if (!options_.scene.empty()) stage_.Open(options_.scene);
-        if (options_.steps.empty()) ListWhatCanBePressed();
+        if (options_.steps.empty()) {
+            result_.utilities = stage_.Host().Utilities();
+            result_.pages = stage_.Host().Pages();
+            result_.options = stage_.Seat().Options();
+        }
         keptDigest_ = SceneDigest();
         result_.start.step = result_.start.title = "start";
         LookAt(result_.start);
-        tell_(result_);
-    }
-
-    void ListWhatCanBePressed() {
-        result_.utilities = stage_.Host().Utilities();
-        result_.pages = stage_.Host().Pages();
-        result_.options = stage_.Seat().Options();
     }
 
     // False if it failed.
@@ -50,38 +47,30 @@ class Performance {
         outcome.title = step.title;
         try {
             outcome.note = step.kind->act(scene_, step.words);
-            Remember(step);
+            const StepFile use = step.kind->file;
+            if (use == StepFile::kSaved) result_.saved.push_back(step.File());
+            if (use == StepFile::kSaved || use == StepFile::kOpened) keptDigest_ = SceneDigest();
         } catch (const Failure& failure) {
             outcome.error = failure.what();
         }
         LookAt(outcome);
-        tell_(result_);
         return outcome.error.empty();
     }
 
-    void Remember(const Step& step) {
-        const StepFile use = step.kind->file;
-        if (use == StepFile::kSaved) result_.saved.push_back(step.File());
-        if (use == StepFile::kSaved || use == StepFile::kOpened) keptDigest_ = SceneDigest();
-    }
-
     void LookAt(StepOutcome& outcome) {
-        TakeNews(outcome);
+        outcome.news = stage_.TakeNews();
+        std::ranges::copy(outcome.news.boxes, std::back_inserter(scene_.boxes));
         outcome.nodes = Nodes().size();
         outcome.undo = stage_.Host().UndoLabels();
         outcome.redo = stage_.Host().RedoLabels();
-    }
-
-    void TakeNews(StepOutcome& outcome) {
-        outcome.news = stage_.TakeNews();
-        std::ranges::copy(outcome.news.boxes, std::back_inserter(scene_.boxes));
+        tell_(result_);
     }
 
     void End() {
         result_.hasUnsavedChanges = !Nodes().empty() && SceneDigest() != keptDigest_;
         result_.end.step = result_.end.title = "end";
         result_.hostObjectsAlive = stage_.ShutDown();
-        TakeNews(result_.end);
+        result_.end.news = stage_.TakeNews();
     }
 
     const RunOptions& options_;

@@ -92,7 +92,7 @@ struct SceneArguments {
     std::string scene;
     std::vector<std::string> others;
     std::string output;
-    GuestFlags guests;
+    GuestChoice guests;
     bool byHost = false;
     Audience audience = Audience::kPerson;
 };
@@ -104,7 +104,7 @@ bool MergesByCore(const CoreStage& stage, const SceneArguments& arguments) {
 template <class Work>
 void RunOnScene(const SceneArguments& arguments, const Work& work) {
     ExpectFile(arguments.output);
-    CoreStage stage(arguments.guests.Chosen());
+    CoreStage stage(arguments.guests);
     if (MergesByCore(stage, arguments)) stage.NeedReplayCore();
     stage.Open(arguments.scene);
     work(stage);

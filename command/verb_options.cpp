@@ -103,17 +103,16 @@ void CheckRange(const std::string& option, int number, Range range) {
         throw CLI::ValidationError(option, std::to_string(number) + " is not from " + Told(range));
 }
 
-GuestChoice GuestFlags::Chosen() const {
-    GuestChoice choice{.guests = Guests::kPluginAndCore, .core = core};
-    if (noCore) choice.guests = Guests::kPluginAlone;
-    if (noPlugin) choice.guests = Guests::kNobody;
-    return choice;
-}
-
-void AddGuestOptions(CLI::App& verb, GuestFlags& words) {
-    CLI::Option* const core = AddCore(verb, words.core);
-    AddSwitch(verb, "--no-core", words.noCore, "The plug-in finds no Core")->excludes(core);
-    AddSwitch(verb, "--no-plugin", words.noPlugin, "The host is alone")->excludes(core);
+void AddGuestOptions(CLI::App& verb, GuestChoice& choice) {
+    CLI::Option* const core = AddCore(verb, choice.core);
+    const auto add = [&](const char* word, Guests guests, const char* help) {
+        verb.add_flag_callback(
+                word, [&choice, guests] { choice.guests = guests; }, help)
+            ->disable_flag_override()
+            ->excludes(core);
+    };
+    add("--no-core", Guests::kPluginAlone, "The plug-in finds no Core");
+    add("--no-plugin", Guests::kNobody, "The host is alone");
 }
 
 CLI::Option* AddCore(CLI::App& verb, std::string& core) {

@@ -66,17 +66,9 @@ std::string Told(Range range);
 // Refuses what an option says beyond its range.
 void CheckRange(const std::string& option, int number, Range range);
 
-// Whom to start the host with: --core, --no-core and --no-plugin.
-struct GuestFlags {
-    std::string core;
-    bool noCore = false;
-    bool noPlugin = false;
-
-    GuestChoice Chosen() const;
-};
-
-// All of them, or --core alone where a verb is nothing without a Core.
-void AddGuestOptions(CLI::App& verb, GuestFlags& words);
+// Whom to start the host with: --core, --no-core and --no-plugin, or --core alone where a verb is
+// nothing without a Core.
+void AddGuestOptions(CLI::App& verb, GuestChoice& choice);
 CLI::Option* AddCore(CLI::App& verb, std::string& core);
 
 // --json: whom to print for.
