@@ -176,6 +176,15 @@ replay::Report CoreStage::AskCore(const CoreRequest& request) {
     return *std::move(report);
 }
 
+replay::Report CoreStage::AskCoreForFile(CoreRequest request, const CoreFile& file) {
+    request[variable::kCsv] = file.Path();
+    try {
+        return AskCore(request);
+    } catch (const Failure& failure) {
+        throw Failure(file.Named(failure.what()), failure.Status());
+    }
+}
+
 // A button has no answer.
 void CoreStage::ConvertControllers() {
     NeedCore();

@@ -70,6 +70,9 @@ class CoreStage {
     // hold are taken away, but for that of the frames, for which the command has no option.
     replay::Report AskCore(const CoreRequest& request);
 
+    // The same, for a file that the Core writes; what is thrown names it by the name that it gets.
+    replay::Report AskCoreForFile(CoreRequest request, const CoreFile& file);
+
     // Presses the Core's button that turns all controllers of its nodes into the host's own, and
     // throws the first node on which one is left.
     void ConvertControllers();

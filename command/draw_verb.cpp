@@ -79,7 +79,7 @@ int Segments(const DrawArguments& arguments, Range range, int usual) {
 void Choose(DrawArguments& arguments) {
     const bool isPath = !arguments.path.places.empty();
     if ((arguments.side > 0) + (arguments.radius > 0) + isPath != 1)
-        throw Failure("exactly one of --ground, --sphere and --path is to be said", kWrongUsage);
+        Refuse("exactly one of --ground, --sphere and --path is to be said");
     if (arguments.segments && isPath) RefuseValue("--segments", "a path has none");
     if (arguments.side > 0)
         arguments.options.sketch =
@@ -115,13 +115,9 @@ void AddObjects(CLI::App& verb, const std::shared_ptr<DrawArguments>& arguments)
                        std::to_string(kUsualSegments) +
                        " if not said), or along a side of the ground, " + Told(kGroundDivisions) +
                        " (" + std::to_string(kUsualDivisions) + " if not said)");
-    CLI::Option* const path = verb.add_option_function<std::string>(
-        "--path",
-        [arguments](const std::string& text) {
-            arguments->path.places = ReadPlaces("--path", text);
-        },
-        "A curve through places, in quotes: \"x,y,z x,y,z ...\"");
-    path->type_name("PLACES");
+    CLI::Option* const path =
+        AddRead(verb, "--path", "PLACES", "A curve through places, in quotes: \"x,y,z x,y,z ...\"",
+                [arguments](auto& text) { arguments->path.places = ReadPlaces("--path", text); });
     AddSwitch(verb, "--closed", arguments->path.isClosed, "The curve leads back to its start")
         ->needs(path);
     AddSwitch(verb, "--smooth", arguments->path.isSmooth, "The curve has no corners")->needs(path);
@@ -132,13 +128,8 @@ void AddGuide(CLI::App& verb, const std::shared_ptr<DrawArguments>& arguments, C
         AddSwitch(verb, "--guide", arguments->isGuide,
                   "Put it in as a guide object of the plug-in, which shows in viewports alone")
             ->excludes(bend);
-    verb.add_option_function<std::string>(
-            "--color",
-            [arguments](const std::string& text) {
-                arguments->look.colour = ReadColour("--color", text);
-            },
-            "Colour of the guide object, three numbers from 0 to 1")
-        ->type_name("R,G,B")
+    AddRead(verb, "--color", "R,G,B", "Colour of the guide object, three numbers from 0 to 1",
+            [arguments](auto& text) { arguments->look.colour = ReadColour("--color", text); })
         ->default_str("1,0,0")
         ->needs(guide);
     AddSwitch(verb, "--solid", arguments->isSolid, "Faces of the guide object instead of edges")
@@ -161,14 +152,9 @@ void AddDrawVerb(CLI::App& app) {
         AddNumber(*verb, "--bend", arguments->bend,
                   "Bend it over its x axis by so many degrees in each second");
     AddGuide(*verb, arguments, bend);
-    verb->add_option_function<std::string>(
-            "--at",
-            [arguments](const std::string& text) {
-                arguments->options.at = ReadPlace("--at", text);
-            },
-            "Where to put it")
-        ->type_name("X,Y,Z")
-        ->default_str("0,0,0");
+    AddRead(*verb, "--at", "X,Y,Z", "Where to put it", [arguments](auto& text) {
+        arguments->options.at = ReadPlace("--at", text);
+    })->default_str("0,0,0");
     AddName(*verb, "--name", options.name, "Its name; the host chooses if not said");
     AddExample(*verb, "draw --sphere 20 --bend 45 --name Ball -o ball.scene");
     verb->callback([arguments] { RunDraw(*arguments); });

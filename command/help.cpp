@@ -1,10 +1,15 @@
 #include "command/help.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <iostream>
 #include <memory>
 #include <sstream>
 
+#include "command/verb_options.h"
 #include "command/verb_texts.h"
+#include "command/verbs.h"
+#include "command/wrong_words.h"
 
 namespace headless {
 namespace {
@@ -73,15 +78,7 @@ void PrintVerbs(std::ostream& out, const CLI::App& program) {
     }
 }
 
-class OwnHelp : public CLI::FormatterBase {
-  public:
-    std::string make_help(const CLI::App* app, std::string, CLI::AppFormatMode) const override {
-        return HelpOf(*app);
-    }
-};
-
-}  // namespace
-
+// The parser itself would tell of the verb that was called.
 std::string HelpOf(const CLI::App& verb) {
     const VerbText text = TextOf(verb);
     std::ostringstream out;
@@ -93,11 +90,48 @@ std::string HelpOf(const CLI::App& verb) {
     return out.str();
 }
 
+class OwnHelp : public CLI::FormatterBase {
+  public:
+    std::string make_help(const CLI::App* app, std::string, CLI::AppFormatMode) const override {
+        return HelpOf(*app);
+    }
+};
+
+void PrintHelp(const CLI::App& program, const std::string& name) {
+    const auto verbs = program.get_subcommands({});
+    const auto verb = std::ranges::find(verbs, name, &CLI::App::get_name);
+    if (!name.empty() && verb == verbs.end()) throw NoVerb(program, name);
+    std::cout << HelpOf(name.empty() ? program : **verb);
+}
+
+}  // namespace
+
 void UseOwnHelp(CLI::App& program) {
     program.formatter(std::make_shared<OwnHelp>());
     program.set_help_flag("-h,--help", "Print this help");
     program.footer("`" + std::string(kCommand) + " help VERB` tells all of a verb.\n\n" +
                    kExitStatusText + "\n\n" + kOnCores);
+}
+
+void AddHelpVerbs(CLI::App& app) {
+    CLI::App* const help = AddVerb(app, kHelping, "help", "Explain a verb, or list them all.");
+    const auto verb = std::make_shared<std::string>();
+    help->add_option("VERB", *verb, "What to tell of; all verbs in short if none is named")
+        ->type_name(kVerbValue);
+    AddExample(*help, "help record");
+    help->callback([&app, verb] { PrintHelp(app, *verb); });
+
+    CLI::App* const manual =
+        AddVerb(app, kHelping, "manual", "Print the page of the manual, to be read by man.");
+    AddExample(*manual, "manual | man -l -");
+    manual->callback([&app] { PrintManual(std::cout, app); });
+
+    CLI::App* const completion =
+        AddVerb(app, kHelping, "completion",
+                "Print a script that has bash complete verbs, options and files.");
+    AddExample(*completion,
+               "completion >~/.local/share/bash-completion/completions/lumiset-headless");
+    completion->callback([&app] { PrintCompletion(std::cout, app); });
 }
 
 }  // namespace headless

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <iosfwd>
-#include <string>
 
 namespace CLI {
 class App;
@@ -13,9 +12,6 @@ namespace headless {
 // Has the parser print our help for the program and, since verbs take it over, for each verb that
 // is added afterwards.
 void UseOwnHelp(CLI::App& program);
-
-// That help. The parser itself would tell of the verb that was called.
-std::string HelpOf(const CLI::App& verb);
 
 // The page of the manual, for `man`.
 void PrintManual(std::ostream& out, const CLI::App& program);

@@ -200,10 +200,6 @@ InfoResult Info(const std::string& scene, const GuestChoice& guests) {
     return result;
 }
 
-void RunInfo(const InfoArguments& arguments) {
-    Print(std::cout, Info(arguments.scene, arguments.guests), arguments.audience);
-}
-
 }  // namespace
 
 void AddInfoVerb(CLI::App& app) {
@@ -215,7 +211,9 @@ void AddInfoVerb(CLI::App& app) {
     AddGuestOptions(*verb, arguments->guests);
     AddAudience(*verb, arguments->audience);
     AddExample(*verb, "info walk.scene");
-    verb->callback([arguments] { RunInfo(*arguments); });
+    verb->callback([arguments] {
+        Print(std::cout, Info(arguments->scene, arguments->guests), arguments->audience);
+    });
 }
 
 }  // namespace headless

@@ -1,5 +1,5 @@
+#include <algorithm>
 #include <array>
-#include <optional>
 
 #include "command/exit_status.h"
 #include "command/output.h"
@@ -15,21 +15,20 @@ bool IsMeant(const std::string& word, int id, const std::string& text) {
     return IsId(word) ? std::to_string(id) == word : text == word;
 }
 
-std::optional<ButtonView> FindButton(const Session& host, const std::string& word) {
+std::vector<ButtonView> ButtonsOf(const Session& host) {
+    std::vector<ButtonView> buttons;
     for (const PageView& page : host.Pages())
-        for (const ButtonView& button : page.buttons)
-            if (IsMeant(word, button.controlId, button.text)) return button;
-    return std::nullopt;
+        buttons.insert(buttons.end(), page.buttons.begin(), page.buttons.end());
+    return buttons;
 }
 
-[[noreturn]] void RefuseButton(const Session& host, const std::string& word) {
+[[noreturn]] void RefuseButton(const std::vector<ButtonView>& buttons, const std::string& word) {
     std::string there;
-    for (const PageView& page : host.Pages())
-        for (const ButtonView& button : page.buttons)
-            (there += there.empty() ? "" : ", ") +=
-                std::to_string(button.controlId) + ' ' + Quoted(button.text);
+    for (const ButtonView& button : buttons)
+        (there += there.empty() ? "there are: " : ", ") +=
+            std::to_string(button.controlId) + ' ' + Quoted(button.text);
     throw Failure("no page has a button " + (IsId(word) ? word : Quoted(word)) + " (" +
-                  (there.empty() ? "no page is open" : "there are: " + there) + ')');
+                  (there.empty() ? "no page is open" : there) + ')');
 }
 
 // No panel has this button, so that it is put there, with the text that says what it does next.
@@ -37,8 +36,8 @@ void PressAttachButton(StepScene& scene) {
     Session& host = scene.stage.Host();
     if (!host.IsUtilityOpen(TVL::kPanelUtility)) host.OpenUtility(TVL::kPanelUtility);
     const char* const text = scene.stage.HasCore() ? TVL::kDetachText : TVL::kAttachText;
-    if (!FindButton(host, std::to_string(TVL::kAttachButton)) &&
-        !host.PlaceButton(TVL::kAttachButton, text))
+    if (host.PressButton(TVL::kAttachButton)) return;
+    if (!host.PlaceButton(TVL::kAttachButton, text))
         throw Failure(std::string("the panel \"") + TVL::kPanelUtility + "\" does not open");
     host.PressButton(TVL::kAttachButton);
 }
@@ -65,12 +64,11 @@ std::string Detach(StepScene& scene, const StepWords&) {
 std::string Press(StepScene& scene, const StepWords& words) {
     const std::string& word = words.texts.front();
     Session& host = scene.stage.Host();
-    const std::optional<ButtonView> button = FindButton(host, word);
-    if (!button) RefuseButton(host, word);
-    if (IsId(word))
-        host.PressButton(button->controlId);
-    else
-        host.PressButton(std::string_view(word));
+    const std::vector<ButtonView> buttons = ButtonsOf(host);
+    const auto button = std::ranges::find_if(
+        buttons, [&](const ButtonView& each) { return IsMeant(word, each.controlId, each.text); });
+    if (button == buttons.end()) RefuseButton(buttons, word);
+    IsId(word) ? host.PressButton(button->controlId) : host.PressButton(button->text);
     return "pressed " + Quoted(button->text);
 }
 

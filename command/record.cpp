@@ -97,17 +97,6 @@ std::string FrameTimes(const RecordResult& result) {
     return "0:" + Plain(length(longest)) + ':' + Plain(longest.frameSeconds);
 }
 
-// Where a file is wanted the Core writes it under the scratch file's name.
-replay::Report AskForFile(CoreStage& stage, CoreRequest request, const std::string& target,
-                          CoreFile& file) {
-    if (!target.empty()) request[variable::kCsv] = file.Path();
-    try {
-        return stage.AskCore(request);
-    } catch (const Failure& failure) {
-        throw Failure(file.Named(failure.what()), failure.Status());
-    }
-}
-
 // The frames of a faulty take can be at times of which no table is made.
 void WritePoses(CoreStage& stage, const RecordOptions& options, CoreFile& poses,
                 RecordResult& result) {
@@ -115,7 +104,7 @@ void WritePoses(CoreStage& stage, const RecordOptions& options, CoreFile& poses,
     if (result.isFaulty)
         result.complaints.push_back(options.poses + ": not written");
     else
-        AskForFile(stage, {{variable::kSample, FrameTimes(result)}}, options.poses, poses);
+        stage.AskCoreForFile({{variable::kSample, FrameTimes(result)}}, poses);
 }
 
 // At the end, since undo, redo and the shutdown can add to what the opening had to be told of.
@@ -160,7 +149,8 @@ RecordResult Record(const RecordOptions& options) {
     const CoreRequest request = RequestFor(options);
     const std::uint64_t before = SceneDigest();
     RecordResult result;
-    ReportTake(AskForFile(stage, request, options.csv, csv), options, result);
+    ReportTake(options.csv.empty() ? stage.AskCore(request) : stage.AskCoreForFile(request, csv),
+               options, result);
     Save(stage, options, result);
     WritePoses(stage, options, poses, result);
     CountNodesAndKeys(result);

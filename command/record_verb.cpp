@@ -150,10 +150,9 @@ void CheckFiles(const RecordOptions& options) {
 void RunRecord(const RecordArguments& arguments) {
     CheckFiles(arguments.options);
     if (arguments.options.captures.size() > 1 && !arguments.options.csv.empty())
-        throw Failure("--csv: the positions of several captures do not go into one file",
-                      kWrongUsage);
+        Refuse("--csv: the positions of several captures do not go into one file");
     if (arguments.options.captures.size() > 1 && !arguments.options.take.empty())
-        throw Failure("--take: several captures do not go into one take", kWrongUsage);
+        Refuse("--take: several captures do not go into one take");
     RecordOptions options = arguments.options;
     options.optimisedController = !arguments.plainController;
     options.progress = platform::IsErrorStreamATerminal();

@@ -57,10 +57,9 @@ void CheckSheet(const RenderOptions& options, std::size_t count) {
     const auto across = columns * static_cast<std::size_t>(options.view.width);
     const auto down = rows * static_cast<std::size_t>(options.view.height);
     if (std::max(across, down) > kLargestSheet)
-        throw Failure("--sheet: " + std::to_string(count) + " pictures make a sheet of " +
-                          std::to_string(across) + "x" + std::to_string(down) +
-                          " pixels, of which it can have 16,384 each way",
-                      kWrongUsage);
+        Refuse("--sheet: " + std::to_string(count) + " pictures make a sheet of " +
+               std::to_string(across) + "x" + std::to_string(down) +
+               " pixels, of which it can have 16,384 each way");
 }
 
 // Each moment fills its own picture.

@@ -77,13 +77,8 @@ void RunRender(RenderArguments& arguments) {
 void AddTimes(CLI::App& verb, const std::shared_ptr<RenderArguments>& arguments) {
     CLI::Option* const time =
         AddNumber(verb, "--time", arguments->options.seconds, "The moment to draw, in seconds");
-    verb.add_option_function<std::string>(
-            "--frames",
-            [arguments](const std::string& text) {
-                arguments->options.frames = {ReadFrames(text)};
-            },
-            "The frames of the scene to draw, LAST included")
-        ->type_name("FIRST:LAST:STEP")
+    AddRead(verb, "--frames", "FIRST:LAST:STEP", "The frames of the scene to draw, LAST included",
+            [arguments](auto& text) { arguments->options.frames = {ReadFrames(text)}; })
         ->excludes(time);
 }
 
@@ -92,11 +87,9 @@ void AddLooks(CLI::App& verb, const std::shared_ptr<RenderArguments>& arguments)
     AddName(verb, "--camera", view.camera,
             "Look through this camera; else from the front and above at all that shows, for "
             "which neither cameras nor a flat ground count");
-    verb.add_option_function<std::string>(
-            "--size",
-            [arguments](const std::string& text) { ReadSize(text, arguments->options.view); },
-            "The size of each picture in pixels, 16 to 8,192 each way")
-        ->type_name("WIDTHxHEIGHT")
+    AddRead(verb, "--size", "WIDTHxHEIGHT",
+            "The size of each picture in pixels, 16 to 8,192 each way",
+            [arguments](auto& text) { ReadSize(text, arguments->options.view); })
         ->default_str(std::to_string(view.width) + 'x' + std::to_string(view.height));
     AddSwitch(verb, "--wire", view.isWireframe, "Edges instead of faces");
     AddSwitch(verb, "--names", view.showsNames,

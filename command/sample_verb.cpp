@@ -28,13 +28,9 @@ void RunSample(const SampleArguments& arguments) {
     stage.NeedReplayCore();
     stage.Open(arguments.scene);
     CoreFile csv(arguments.output);
-    try {
-        stage.AskCore({{replay::variable::kSample, arguments.times},
-                       {replay::variable::kSampleNodes, Lines(arguments.nodes)},
-                       {replay::variable::kCsv, csv.Path()}});
-    } catch (const Failure& failure) {
-        throw Failure(csv.Named(failure.what()), failure.Status());
-    }
+    stage.AskCoreForFile({{replay::variable::kSample, arguments.times},
+                          {replay::variable::kSampleNodes, Lines(arguments.nodes)}},
+                         csv);
     if (arguments.output.empty()) {
         std::cout << std::ifstream(csv.Path(), std::ios::binary).rdbuf();
         return;

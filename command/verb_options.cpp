@@ -127,6 +127,11 @@ void AddAudience(CLI::App& verb, Audience& audience) {
         ->disable_flag_override();
 }
 
+CLI::Option* AddRead(CLI::App& verb, const std::string& words, const std::string& form,
+                     const std::string& help, std::function<void(const std::string&)> read) {
+    return verb.add_option_function(words, std::move(read), help)->type_name(form);
+}
+
 CLI::Option* AddName(CLI::App& verb, const std::string& words, std::string& name,
                      const std::string& help) {
     return verb.add_option(words, name, help)->check(CheckName)->type_name("NAME");

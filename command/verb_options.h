@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -73,6 +74,10 @@ CLI::Option* AddCore(CLI::App& verb, std::string& core);
 
 // --json: whom to print for.
 void AddAudience(CLI::App& verb, Audience& audience);
+
+// An option whose text is read at once; what is wrong with it is thrown.
+CLI::Option* AddRead(CLI::App& verb, const std::string& words, const std::string& form,
+                     const std::string& help, std::function<void(const std::string&)> read);
 
 // An option whose text is not empty.
 CLI::Option* AddName(CLI::App& verb, const std::string& words, std::string& name,

@@ -32,8 +32,7 @@ std::vector<BookedFile>::iterator InBook(const std::string& file) {
 void KeepApart(const NamedFile& file, const NamedFile& other) {
     if (file.path.empty() || other.path.empty()) return;
     if (platform::AreSameFile(file.path, other.path))
-        throw Failure(file.option + ": " + file.path + " is the file of " + other.option + " too",
-                      kWrongUsage);
+        Refuse(file.option + ": " + file.path + " is the file of " + other.option + " too");
 }
 
 std::string FolderForPassing() {

@@ -46,4 +46,11 @@ PLATFORM_API std::filesystem::path FileOfModule(const void* address);
 // Why the last LoadLibraryA that failed did so, in the loader's own words; to be asked at once.
 PLATFORM_API std::string LastLoadFailure();
 
+// The same without the file that was asked for, with which some of the words begin.
+inline std::string LastLoadFailureOf(const std::string& path) {
+    const std::string words = LastLoadFailure();
+    const std::string ahead = FileToLoad(path) + ": ";
+    return words.starts_with(ahead) ? words.substr(ahead.size()) : words;
+}
+
 }  // namespace platform

@@ -20,13 +20,11 @@ std::string InOneLine(std::string text) {
     return text;
 }
 
-// To be asked at once, since the system's word lasts no longer than to its next call. Some of its
-// words begin with the file.
+// To be asked at once, since the system's word lasts no longer than to its next call.
 std::string WhyNotLoaded(const std::string& path) {
-    std::string words = platform::LastLoadFailure();
+    std::string words = platform::LastLoadFailureOf(path);
     std::error_code error;
     const std::string file = platform::FileToLoad(path);
-    if (words.starts_with(file + ": ")) words.erase(0, file.size() + 2);
     if (!std::filesystem::exists(platform::FromNarrow(file), error))
         return "there is no library " + file;
     return file + " cannot be loaded: " + InOneLine(std::move(words));

@@ -26,7 +26,7 @@ PluginLibrary::PluginLibrary(const std::string& path, std::string& error) {
     error.clear();
     module_ = LoadLibraryA(path.c_str());
     if (!module_) {
-        error = path + ": cannot be loaded (" + platform::LastLoadFailure() + ")";
+        error = path + ": cannot be loaded (" + platform::LastLoadFailureOf(path) + ")";
         return;
     }
     std::string missing;

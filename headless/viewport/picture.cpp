@@ -22,13 +22,6 @@ struct PixelModule {
     EncodePngRoutine* encodePng = nullptr;
 };
 
-// The loader's words may begin with the path that was asked for.
-std::string WhyNotLoaded(const std::string& path) {
-    std::string why = platform::LastLoadFailure();
-    if (why.starts_with(path + ": ")) why.erase(0, path.size() + 2);
-    return why;
-}
-
 // Beside the host's library, which a program elsewhere may be linked with. A bare name would be
 // looked for in folders of the system.
 std::string ModulePath() {
@@ -45,7 +38,7 @@ PixelModule Load() {
     if (!module) {
         loaded.error = "pictures need the library " + path +
                        ", which is built where OpenGL and libpng are, and cannot be loaded (" +
-                       WhyNotLoaded(path) + ")";
+                       platform::LastLoadFailureOf(path) + ")";
         return loaded;
     }
     loaded.drawPixels = platform::Routine<DrawPixelsRoutine>(module, kDrawPixels);
