@@ -34,11 +34,10 @@ namespace variable = replay::variable;
 
 // All that make up a request.
 constexpr std::array kRequestVariables = {
-    variable::kCaptures,    variable::kScale,  variable::kOptimised,   variable::kProgress,
-    variable::kMerge,       variable::kSample, variable::kSampleNodes, variable::kInspect,
-    variable::kInspectTime, variable::kPress,  variable::kCsv,         variable::kFollowCamera,
-    variable::kGround,      variable::kGuide,  variable::kTake,        variable::kReplace,
-    variable::kPartial};
+    variable::kCaptures,    variable::kScale,  variable::kOptimised,    variable::kProgress,
+    variable::kMerge,       variable::kSample, variable::kSampleNodes,  variable::kInspect,
+    variable::kInspectTime, variable::kCsv,    variable::kFollowCamera, variable::kGround,
+    variable::kGuide,       variable::kTake,   variable::kReplace,      variable::kPartial};
 
 // What a person typed to have the variable set.
 struct OptionOfVariable {

@@ -5,7 +5,6 @@
 namespace replay::variable {
 
 // What is to be done; the first of these that is set is.
-inline constexpr char kPress[] = "LUMISET_PRESS";       // the number of an option
 inline constexpr char kMerge[] = "LUMISET_MERGE";       // paths, a line each
 inline constexpr char kSample[] = "LUMISET_SAMPLE";     // START:END:STEP, seconds
 inline constexpr char kInspect[] = "LUMISET_INSPECT";   // handles, a line each

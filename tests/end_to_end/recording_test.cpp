@@ -249,7 +249,6 @@ TEST_F(Recording, FindsEveryFaultBeforeItTouchesTheScene) {
     for (const auto& [name, value, error] : std::vector<std::array<std::string, 3>>{
              {"CAPTURE", walk + '\n' + cut, "cut.bvh:24: frame 6 holds"},
              {"INSPECT", "walk_Hip", "LUMISET_INSPECT: "},
-             {"PRESS", "1030", "option 1030 is no button that can be pressed"},
              {"SAMPLE", "0:1:-1", "LUMISET_SAMPLE: expected START:END:STEP"},
              {"MERGE", cut, "cut.bvh: the host brought in nothing"},
              {"OPTIMISED", "yes", "LUMISET_OPTIMISED: expected 0 or 1"},

@@ -81,16 +81,6 @@ class VariableReader {
         return handle;
     }
 
-    void ReadPress() {
-        const std::string text = Variable(variable::kPress);
-        if (text.empty()) return;
-        const std::optional<std::size_t> id = ParseCount(text);
-        if (id && *id <= static_cast<std::size_t>(std::numeric_limits<int>::max()))
-            request_.pressedButton = static_cast<int>(*id);
-        else
-            Refuse(variable::kPress, "the number of an option", text);
-    }
-
     void ReadSample() {
         const std::string text = Variable(variable::kSample);
         if (text.empty()) return;
@@ -144,7 +134,6 @@ Request ReadEnvironment() {
     request.report = Variable(variable::kReport);
     request.showsProgress = Variable(variable::kProgress) == "1";
     VariableReader reader(request);
-    reader.ReadPress();
     request.mergedScenes = Lines(variable::kMerge);
     reader.ReadSample();
     request.sampledNodes = Lines(variable::kSampleNodes);

@@ -14,12 +14,11 @@ namespace replay {
 
 // What this Core is asked to do when its window is called for. A Core with a window of its own
 // would have the user choose; this one reads its process's environment, so that nothing of it
-// passes through the host. One thing is done: the first of the five that is asked for; the report
+// passes through the host. One thing is done: the first of the four that is asked for; the report
 // tells of the scene in any case.
 struct Request {
     std::string error;  // one line; empty if the environment makes sense
 
-    std::optional<int> pressedButton;       // an option's
     std::vector<std::string> mergedScenes;  // paths
     std::optional<SampleTimes> sampleTimes;
     std::vector<std::uint32_t> inspectedNodes;  // the host's handles

@@ -126,9 +126,7 @@ void ReplayCore::Show(const Request& request, Report& report) {
         options_.Set(TVL::kOptimisedControllers, *request.optimisedControllers);
     }
     ShowPanel();
-    if (request.pressedButton)
-        PressButton(*request.pressedButton, report);
-    else if (!request.mergedScenes.empty())
+    if (!request.mergedScenes.empty())
         Merge(request, report);
     else if (request.sampleTimes)
         Sample(request, report);

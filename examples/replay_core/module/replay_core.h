@@ -66,7 +66,6 @@ class ReplayCore final : public CoreInterface {
     void ShowPanel() const;
 
     // The requests; see requests.cpp.
-    void PressButton(int option, Report& report);
     void Merge(const Request& request, Report& report);
     void Sample(const Request& request, Report& report);
     void Inspect(const Request& request, Report& report);

@@ -16,7 +16,6 @@
 #include "replay_core/recorder/read_back.h"
 #include "replay_core/recorder/scenery.h"
 #include "replay_core/state/node_book.h"
-#include "tvl/ids.h"
 #include "tvl/log.h"
 
 // What this Core is asked for around the host, a request each.
@@ -153,16 +152,6 @@ void AddOnce(std::vector<std::string>& texts, const std::string& text) {
 }
 
 }  // namespace
-
-void ReplayCore::PressButton(int id, Report& report) {
-    const PanelOption* const option = options_.Find(id);
-    if (!option || id != TVL::kConvertAllControllers) {
-        report.error = "option " + std::to_string(id) + " is no button that can be pressed";
-        return;
-    }
-    TVL::Util::Message message(TVL::kButtonPressed, option->name);
-    convertButton_.Broadcast(&message);
-}
 
 // While a scene comes in, its state is handed to SetCoreState, which takes its nodes up: what
 // MergeModels gives has told its number when it goes back. Every merge brings state, if only to say
