@@ -84,7 +84,7 @@ TEST_F(Run, ListsWhatThereIsToPress) {
 
 // A step of which no word is wrong, and why it fails.
 TEST_F(Run, EndsAtTheFirstStepThatFailsAndKeepsWhatWasSavedBefore) {
-    const std::vector<std::pair<const char*, const char*>> kFailing = {
+    const std::vector<std::pair<const char*, const char*>> kFailingSteps = {
         {"press 7", "no page has a button 7 (there are: 1046 \"Start Lumiset\")"},
         {"press Stop", "no page has a button \"Stop\""},
         {"option 1027", "\"Use optimized transform controller\" is a switch"},
@@ -105,7 +105,7 @@ TEST_F(Run, EndsAtTheFirstStepThatFailsAndKeepsWhatWasSavedBefore) {
         {"expect undo Bounc", "\"Bounce\" is undone next"},
         {"expect at 0 Hello_Ball1 0,0.01,0", "it is at 0,"},
         {"expect box \"\"", "no message box says so"}};
-    for (const auto& [step, why] : kFailing) {
+    for (const auto& [step, why] : kFailingSteps) {
         const Ending ending = Command::Run(Words(hello_, {"press 1046", "save kept", step, "new"}));
         EXPECT_EQ(ending.status, 1) << step;
         const std::string line = std::string("lumiset-headless: step 3 (") + step + "): " + why;
