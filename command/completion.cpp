@@ -1,7 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <ostream>
 
-#include "command/help.h"
 #include "command/steps.h"
 #include "command/verb_texts.h"
 

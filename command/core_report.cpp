@@ -1,5 +1,3 @@
-#include "command/core_report.h"
-
 #include <algorithm>
 #include <charconv>
 #include <fstream>
@@ -7,6 +5,7 @@
 #include <span>
 #include <string_view>
 
+#include "command/core_stage.h"
 #include "command/exit_status.h"
 
 namespace headless {

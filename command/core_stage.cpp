@@ -8,7 +8,6 @@
 #include <string_view>
 #include <utility>
 
-#include "command/core_report.h"
 #include "command/exit_status.h"
 #include "command/output.h"
 #include "headless/breaches.h"

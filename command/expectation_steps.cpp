@@ -2,9 +2,9 @@
 #include <array>
 
 #include "command/exit_status.h"
-#include "command/names.h"
 #include "command/output.h"
 #include "command/steps.h"
+#include "command/wrong_words.h"
 
 // Steps that change nothing, and fail where something is otherwise than it was expected.
 namespace headless {

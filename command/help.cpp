@@ -1,5 +1,3 @@
-#include "command/help.h"
-
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>

@@ -9,9 +9,9 @@
 #include <string_view>
 
 #include "command/exit_status.h"
-#include "command/names.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
+#include "command/wrong_words.h"
 #include "headless/scene_view.h"
 #include "replay/request.h"
 

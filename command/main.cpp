@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "command/exit_status.h"
-#include "command/help.h"
 #include "command/output.h"
 #include "command/verb_texts.h"
 #include "command/verbs.h"

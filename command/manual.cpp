@@ -3,7 +3,6 @@
 #include <iterator>
 #include <ostream>
 
-#include "command/help.h"
 #include "command/verb_texts.h"
 #include "platform/registry.h"
 #include "tvl/installation.h"

@@ -3,11 +3,11 @@
 #include <cmath>
 
 #include "command/exit_status.h"
-#include "command/names.h"
 #include "command/output.h"
 #include "command/render.h"
 #include "command/steps.h"
 #include "command/written_files.h"
+#include "command/wrong_words.h"
 #include "host/hold.h"
 #include "host/interface.h"
 #include "host/time.h"

@@ -7,9 +7,9 @@
 #include <system_error>
 
 #include "command/exit_status.h"
-#include "command/names.h"
 #include "command/output.h"
 #include "command/written_files.h"
+#include "command/wrong_words.h"
 #include "platform/narrow_path.h"
 
 namespace headless {

@@ -65,4 +65,14 @@ bool IsTyped(const std::string& line);
 // A row of a foot has a tab between a label and its text. Nothing if the line is none.
 std::optional<WordText> RowOf(const std::string& line);
 
+// Has the parser print our help, in lines of 80 columns at most, for the program and, since verbs
+// take it over, for each verb that is added afterwards.
+void UseOwnHelp(CLI::App& program);
+
+// The page of the manual, for `man`.
+void PrintManual(std::ostream& out, const CLI::App& program);
+
+// What has bash complete the command's words. It is to be sourced.
+void PrintCompletion(std::ostream& out, const CLI::App& program);
+
 }  // namespace headless

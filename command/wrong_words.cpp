@@ -5,7 +5,6 @@
 #include <optional>
 #include <vector>
 
-#include "command/names.h"
 #include "command/verb_texts.h"
 
 namespace headless {

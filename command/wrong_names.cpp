@@ -1,10 +1,8 @@
-#include "command/names.h"
-
 #include <algorithm>
 #include <utility>
 
-#include "command/exit_status.h"
 #include "command/output.h"
+#include "command/wrong_words.h"
 
 namespace headless {
 namespace {
@@ -34,26 +32,20 @@ std::size_t Distance(std::string_view from, std::string_view to) {
 
 }  // namespace
 
-std::string Nearest(std::string_view word, const std::vector<std::string>& candidates) {
-    constexpr std::size_t kLongestWord = 100;  // a longer one is no word that was mistyped
-    std::string nearest;
-    std::size_t least = kLongestWord;
-    if (word.empty() || word.size() > kLongestWord) return nearest;
-    for (const std::string& candidate : candidates) {
-        const std::size_t distance = candidate.starts_with(word) ? 1 : Distance(word, candidate);
-        const bool isNear =
-            candidate.starts_with(word) || distance * 3 <= std::max(word.size(), candidate.size());
-        if (isNear && distance < least) {
-            least = distance;
-            nearest = candidate;
-        }
-    }
-    return nearest;
-}
-
 std::string TellNearest(std::string_view word, const std::vector<std::string>& candidates) {
-    const std::string nearest = Nearest(word, candidates);
-    return nearest.empty() ? "" : "; " + nearest + " is the nearest";
+    constexpr std::size_t kLongestWord = 100;  // a longer one is no word that was mistyped
+    if (word.empty() || word.size() > kLongestWord) return {};
+    const std::string* nearest = nullptr;
+    std::size_t least = kLongestWord;
+    for (const std::string& candidate : candidates) {
+        const bool isBegun = candidate.starts_with(word);
+        const std::size_t distance = isBegun ? 1 : Distance(word, candidate);
+        if (distance >= least) continue;
+        if (!isBegun && distance * 3 > std::max(word.size(), candidate.size())) continue;
+        least = distance;
+        nearest = &candidate;
+    }
+    return nearest ? "; " + *nearest + " is the nearest" : "";
 }
 
 NodeView TheNode(const std::string& name) {
