@@ -9,12 +9,12 @@ namespace TVL {
 enum NodeExtension : int {
     kBeginSelection = 10,  // a batch: the selection is emptied, and CNode::Select adds from here
                            // on, without undo steps; 1 unless one was open
-    kEndSelection = 11,   // 1 if one was open
-    kStopRecording = 17,  // takes the node out of recording for good, then kUseHostController
-    kIsSameNode = 31,     // of the CoreNode in the argument: 1 if it is the same scene node
-    kCloneBelow = 37,     // as CoreNode::Clone, with what stands below; the clone hangs below the
-                          // CoreNode in the argument, or where the host puts it if that is null;
-                          // gives it as a snapshot CoreNode, the caller's to release
+    kEndSelection = 11,    // 1 if one was open
+    kStopRecording = 17,   // takes the node out of recording for good, then kUseHostController
+    kIsSameNode = 31,      // of the CoreNode in the argument: 1 if it is the same scene node
+    kCloneBelow = 37,      // as CoreNode::Clone, with what stands below; the clone hangs below the
+                           // CoreNode in the argument, or where the host puts it if that is null;
+                           // gives it as a snapshot CoreNode, the caller's to release
     kUseHostController = 57  // the host's default transform controller in place of the adaptor's;
                              // not listed
 };
