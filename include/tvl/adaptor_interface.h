@@ -48,7 +48,7 @@ class AdaptorInterface {
     virtual WindowHandle GetPlatformWindow() = 0;
 
     // New nodes in the scene, real from the start. `owner` is required; `parent` and `listener` may
-    // be null. The host shows "<plug-in name>_<name>". CreateHelperNode can give null.
+    // be null. The host shows "<plug-in name>_<name>". Both can give null.
     virtual CNode* CreateLensNode(CoreElement* owner, std::string name, CNode* parent,
                                   NodeListener* listener) = 0;
     virtual CNode* CreateHelperNode(CoreElement* owner, std::string name, CNode* parent, CMesh mesh,
@@ -67,8 +67,8 @@ class AdaptorInterface {
     virtual std::vector<CNode*> ClaimNodes(std::string pluginName, XMLNode nodeInfo) = 0;
 
     // Brings the objects of another scene file in; snapshot nodes on them and on whatever they hang
-    // below, the caller's to release; null for one that has gone meanwhile. Of a file that
-    // cannot be merged there are as a rule none, and the trace alone tells why.
+    // below, the caller's to release; null for one that has gone meanwhile. Of a file that cannot
+    // be merged there are as a rule none, and the trace alone tells why.
     // CoreInterface::SetCoreState is called before this returns, with what the merged nodes bear.
     // No undo step holds a merge: inside a group the step so far is closed under the name "tmp",
     // and another one begins.
@@ -105,18 +105,23 @@ class AdaptorInterface {
     virtual void RequestFocus() = 0;
     virtual void RestoreFocus() = 0;
 
-    // Between begin and end, what is written through snapshots becomes keys. BeginRecording first
-    // gives every recordable node of these owners a key of its present pose at the current time.
-    // Mesh snapshots are released before a recording ends. It may end in a later call; until then
-    // the user's own changes become keys too. One that begins inside another is part of that.
+    // Between begin and end, transforms and lenses that are written through snapshots become keys.
+    // BeginRecording first gives every recordable node of these owners a key of its present pose at
+    // the current time. Inside an undo group the host's time goes along: undo puts it back to where
+    // the recording began. Mesh snapshots are released before a recording ends. It may end in a
+    // later call; until then the user's own changes become keys too. One that begins inside another
+    // is part of that.
     virtual std::int32_t BeginRecording(std::vector<CoreElement*> owners) = 0;
     virtual std::int32_t BeginRecordingUnkeyed(std::vector<CoreElement*> owners) = 0;
     virtual std::int32_t EndRecording() = 0;
 
     virtual std::int32_t FlushUndoBuffer() = 0;
 
-    // The panel of the adaptor's options (AdaptorOption), for the Core to show; the Core keeps the
-    // values.
+    // The panel of the adaptor's options, for the Core to show; the Core keeps the values. Within
+    // groups and lists of any depth stands an element "check" for each switch and one "button" for
+    // each button, with child elements that hold a text: "id", an AdaptorOption in decimal, and
+    // "name"; of a switch also "value", "true" or "false", which it has until the user changes it;
+    // and "tooltip" where there is one. Without children where it cannot be loaded.
     virtual XMLNode GetOptionsPanel() = 0;
 
   protected:

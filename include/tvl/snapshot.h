@@ -102,8 +102,12 @@ class CSnapshot_Mesh : public CExtendable {
 class CSnapshot_Shape : public CExtendable {
   public:
     virtual int GetCurveCount() = 0;
+
+    // The current one. An index beyond those that there are is held to them when it is set. A
+    // snapshot that is lent again keeps what was set on it last; a new one has the first.
     virtual int GetCurve() = 0;
-    virtual void SetCurve(int index) = 0;  // held to the curves that there are
+    virtual void SetCurve(int index) = 0;
+
     virtual double GetCurveLength() = 0;
     virtual std::array<double, 3> GetCurvePoint(double parameter) = 0;
     virtual std::array<double, 3> GetCurveTangent(double parameter) = 0;  // unit length
