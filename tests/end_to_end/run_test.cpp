@@ -219,8 +219,8 @@ TEST_F(Run, TellsWhatACoreThrewAndWhatItLeftBehind) {
     EXPECT_EQ(ending.status, 0) << ending.error;
     for (const char* line :
          {"\n1. press 1046: pressed \"Start Lumiset\"\n",
-          "\n  Complaint: the file is odd (line: 7, it was read up to there) (2 times)\n",
-          "\n  Complaint: Exception out of ShowCore: the button is broken\n2. time 1: done\n",
+          "\n  Complaint: the file is odd (line: 7, it was read up to there) (2 times)\n"
+          "  Complaint: Exception out of ShowCore: the button is broken\n2. time 1: done\n",
           "\n  Complaint: DEBUG WARNING: Detected duplicated undo groups. Possible undo group "
           "mismatch\n4. new: done\n",
           "\nComplaint: CORE left something behind in the adaptor (undo groups: 5)\n"})
