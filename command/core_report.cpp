@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <charconv>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <span>
@@ -7,6 +8,7 @@
 
 #include "command/core_stage.h"
 #include "command/exit_status.h"
+#include "platform/narrow_path.h"
 
 namespace headless {
 namespace {
@@ -81,7 +83,9 @@ std::optional<replay::Report> ReadReport(const std::string& path) {
         const std::size_t equals = line.find('=');
         if (equals != std::string::npos) lines[line.substr(0, equals)] = line.substr(equals + 1);
     }
-    if (file.bad()) throw Failure(path + ": the Core's report cannot be read");
+    const bool isThere = std::filesystem::exists(platform::FromNarrow(path));
+    if (file.bad() || (isThere && !file.is_open()))
+        throw Failure(path + ": the Core's report cannot be read");
     if (lines.empty()) return std::nullopt;
     replay::Report report;
     FieldReader fields(lines);

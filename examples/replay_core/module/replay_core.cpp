@@ -12,11 +12,9 @@
 namespace replay {
 namespace {
 
-// Without a path nobody waits for it.
-void HandOver(Report& report, const std::string& path) {
-    if (path.empty()) return;
-    const std::string unwritten = WriteReport(path, report);
-    if (!unwritten.empty()) TVL::Log(TVL::Log::kError).Write(unwritten);
+// Empty, or why the report is not written. Without a path nobody waits for it.
+std::string HandOver(Report& report, const std::string& path) {
+    return path.empty() ? "" : WriteReport(path, report);
 }
 
 }  // namespace
@@ -29,9 +27,11 @@ ReplayCore::ReplayCore(TVL::AdaptorInterface& adaptor)
       currentSeconds_(adaptor.GetCurrentTime()),
       convertButton_("Convert all controllers") {
     untaken_.reserve(kMostUntaken);
-    // Whoever waits for reports learns by an empty one that this is the Core that writes them.
+    // Whoever waits for reports learns by an empty one that this is the Core that writes them, and
+    // would take it for another one without.
     Report greeting;
-    HandOver(greeting, ReadEnvironment().report);
+    const std::string unwritten = HandOver(greeting, ReadEnvironment().report);
+    if (!unwritten.empty()) throw std::runtime_error(unwritten);
 }
 
 ReplayCore::~ReplayCore() {
@@ -115,7 +115,8 @@ void ReplayCore::ShowCore(TVL::WindowHandle) {
     for (const std::string& fault : report.faults)
         TVL::Log(TVL::Log::kError).Write(fault);
     if (!report.error.empty()) TVL::Log(TVL::Log::kError).Write(report.error);
-    HandOver(report, request.report);
+    const std::string unwritten = HandOver(report, request.report);
+    if (!unwritten.empty()) TVL::Log(TVL::Log::kError).Write(unwritten);
 }
 
 void ReplayCore::Show(const Request& request, Report& report) {
