@@ -12,6 +12,12 @@
 #include "tests/support/captures.h"
 #include "tests/support/folder/temporary_folder.h"
 
+#if defined(_WIN32)
+inline constexpr bool kIsWindows = true;
+#else
+inline constexpr bool kIsWindows = false;
+#endif
+
 // How a call of the command ends.
 struct Ending {
     int status;

@@ -33,7 +33,6 @@ TEST_F(Command, TakesComeBackWhoeverOpenedAndSavedTheirSceneInBetween) {
            scene);
         scene = "2";
     }
-    EXPECT_TRUE(Read("poses") == Read("poses2")) << "poses differ by the Core";
     EXPECT_TRUE(Read("recorded") == Read("recorded2")) << Run("diff recorded recorded2").out;
 
     EXPECT_TRUE(Ask("open recorded --save host --no-plugin")["takes"].empty());
@@ -42,13 +41,15 @@ TEST_F(Command, TakesComeBackWhoeverOpenedAndSavedTheirSceneInBetween) {
     core_ = PUPPET_CORES "/other_version";  // no Core of the plug-in's
     EXPECT_FALSE(Ask("open plugin --save foreign")["complaints"].empty());
     scene = "foreign";
+    std::string poses = "poses";  // in the last digit each Core's own
     for (const char* core : kCores) {
         core_ = core;
         EXPECT_EQ(TakesIn(Ask("open " + scene + " --save " + scene + "2")),
                   "/walk 4 [], walk/01_01 32 [], [] []");
         scene += "2";
         Do("sample " + scene + " --times 0:22.9249083:0.0083333 --csv sampled");
-        EXPECT_TRUE(Read("sampled") == Read("poses")) << "poses differ in " << core;
+        EXPECT_TRUE(Read("sampled") == Read(poses)) << "poses differ in " << core;
+        poses += "2";
     }
     for (const char* changed : {"plugin", "foreign", "foreign2", "foreign22"})
         EXPECT_EQ(Do(std::string("diff recorded ") + changed), "");
