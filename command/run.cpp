@@ -45,6 +45,7 @@ class Performance {
         StepOutcome& outcome = result_.steps.emplace_back();
         outcome.step = step.text;
         outcome.title = step.title;
+        tell_(result_);
         try {
             outcome.note = step.kind->act(scene_, step.words);
             const StepFile use = step.kind->file;
@@ -63,6 +64,7 @@ class Performance {
         outcome.nodes = Nodes().size();
         outcome.undo = stage_.Host().UndoLabels();
         outcome.redo = stage_.Host().RedoLabels();
+        outcome.isOver = true;
         tell_(result_);
     }
 

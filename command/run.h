@@ -23,6 +23,7 @@ struct StepOutcome {
     std::string step;   // as it was written
     std::string title;  // "step 3 (press 7)"
     std::string note;   // a few words on what came of it
+    bool isOver = false;
     std::string error;  // why it failed; empty if it did not
     StageNews news;
 
@@ -49,7 +50,7 @@ struct RunResult {
 };
 
 // Starts a host with plug-in and Core and does the steps until one fails. `tell` hears of the
-// result when the start and each step have been done, the last of which is the newest. A Failure is
+// result when the start is over, and when a step, the newest, begins and is over. A Failure is
 // thrown for what fails before the first step.
 RunResult Run(const RunOptions& options, const std::function<void(const RunResult&)>& tell);
 

@@ -54,9 +54,8 @@ void PrintChanges(std::ostream& out, const StepOutcome& before, const StepOutcom
         << (step.undo.empty() ? "nothing to undo" : "to undo: " + Quoted(step.undo.front()));
 }
 
-void PrintStep(std::ostream& out, std::size_t number, const StepOutcome& before,
-               const StepOutcome& step) {
-    out << number << ". " << InTable(step.step) << ": ";
+// Its end, behind "1. undo: ", which stands there while it is done: a Core can end the process.
+void PrintEnd(std::ostream& out, const StepOutcome& before, const StepOutcome& step) {
     if (!step.error.empty())
         out << "failed: " << InTable(step.error);
     else
@@ -113,9 +112,10 @@ void PrintNewest(std::ostream& out, const RunResult& result) {
     const std::size_t count = result.steps.size();
     if (count == 0)
         PrintStart(out, result);
+    else if (!result.steps.back().isOver)
+        out << count << ". " << InTable(result.steps.back().step) << ": ";
     else
-        PrintStep(out, count, count == 1 ? result.start : result.steps[count - 2],
-                  result.steps.back());
+        PrintEnd(out, count == 1 ? result.start : result.steps[count - 2], result.steps.back());
     out.flush();
 }
 
@@ -125,7 +125,9 @@ void PrintForPerson(std::ostream& out, const RunResult& result) {
         out << "Left over after shutdown: " << Counted(result.hostObjectsAlive, "host object")
             << '\n';
     TellSaved(out);
-    if (result.hasUnsavedChanges) out << "Not saved: the step `save FILE` saves the scene\n";
+    if (result.hasUnsavedChanges)
+        out << "Not saved: " << (result.saved.empty() ? "the scene" : "what changed after that")
+            << " (the step `save FILE` does)\n";
 }
 
 void PrintForProgram(std::ostream& out, const RunResult& result) {

@@ -86,12 +86,14 @@ void TellSaved(std::ostream& out) {
 
 void TellWhatStands(std::ostream& out) {
     if (Book().empty()) return;
-    const auto first = std::ranges::find(Book(), true, &BookedFile::isSaved);
-    if (first != Book().end()) {
-        const auto last =
-            std::ranges::find(Book().rbegin(), Book().rend(), true, &BookedFile::isSaved);
-        out << "; saved before that: " << first->path;
-        if (&*last != &*first) out << " to " << last->path;
+    const auto saved = std::ranges::count(Book(), true, &BookedFile::isSaved);
+    if (saved > 0) {
+        const auto isSaved = &BookedFile::isSaved;
+        out << "; saved all the same: " << std::ranges::find(Book(), true, isSaved)->path;
+        if (saved == 1) return;
+        out << (saved == 2 ? ", " : " ... ")
+            << std::ranges::find(Book().rbegin(), Book().rend(), true, isSaved)->path;
+        if (saved > 2) out << " (" << saved << " files)";
         return;
     }
     out << "; nothing was saved";

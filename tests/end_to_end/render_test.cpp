@@ -30,7 +30,7 @@ TEST_F(Render, DrawsAScenesSameBytesAtEachRunAndFromASavedCopy) {
     std::filesystem::create_directory(File("at0009.png"));
     EXPECT_TRUE(
         ExpectRefusal("render take --frames 7:9:1 --size 64x48 -o at%04d.png", "at0009.png: ", 1)
-            .ends_with("; saved before that: at0007.png to at0008.png\n"));
+            .ends_with("; saved all the same: at0007.png, at0008.png\n"));
 
     Do("merge take take --by-host --save twice");
     ExpectRefusal("render take -o none --frames 0:9999:1 --sheet 2", "--sheet: 10000 pictures", 2);
