@@ -67,7 +67,8 @@ void PrintEnvironment(std::ostream& out) {
                          {.label = platform::kRegistryVariable,
                           .text = "A registry file (.reg) that tells where the Core is installed "
                                   "and where the user's documents are, in place of the one beside "
-                                  "the program."}});
+                                  "the program."},
+                         {.label = "TMPDIR", .text = "The folder for temporary files."}});
 }
 
 }  // namespace
