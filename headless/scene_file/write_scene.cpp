@@ -44,7 +44,8 @@ void SaveInto(ByteSink& sink, const std::string& path, const std::string& name, 
     } catch (...) {
         reason = " (" + ThrownWords() + ")";
     }
-    throw SceneFileError(NotWritten(path) + ": " + name + " could not save itself" + reason);
+    throw SceneFileError(path + ": the file is not written, since " + name +
+                         " could not save itself" + reason);
 }
 
 struct UtilityBytes {
