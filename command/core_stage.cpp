@@ -107,7 +107,8 @@ CoreStage::CoreStage(const GuestChoice& guests, const SessionSettings& settings)
     if (guests.guests == Guests::kPluginAlone) platform::HideRegistry();
     if (guests.guests == Guests::kNobody) return;
     if (guests.guests == Guests::kPluginAndCore) seat_.emplace(guests.core);
-    platform::SetVariable(variable::kReport, report_.Path());
+    if (!platform::SetVariable(variable::kReport, report_.Path()))
+        throw Failure(std::string("the environment has no room for ") + variable::kReport);
     Start();
     if (!guests.core.empty()) NeedCore();
 }

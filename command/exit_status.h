@@ -1,5 +1,6 @@
 #pragma once
 
+#include <new>
 #include <stdexcept>
 #include <string>
 
@@ -32,6 +33,13 @@ class Failure : public std::runtime_error {
     throw Failure(wrongWords, kWrongUsage);
 }
 
+// What is thrown for want of memory has no words for a person.
+inline std::string ForPeople(std::string text) {
+    const std::string thrown = std::bad_alloc().what();
+    const std::size_t place = text.find(thrown);
+    return place == std::string::npos ? text : text.replace(place, thrown.size(), kNoMemory);
+}
+
 // Gives what the work gives. What libraries throw of files and paths is a refusal, and no fault of
 // the program.
 template <class Work>
@@ -39,7 +47,7 @@ auto OrRefuse(const Work& work, int status = kFailed) {
     try {
         return work();
     } catch (const std::runtime_error& error) {
-        throw Failure(error.what(), status);
+        throw Failure(ForPeople(error.what()), status);
     }
 }
 

@@ -4,7 +4,6 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
-#include <new>
 #include <span>
 #include <sstream>
 #include <string_view>
@@ -72,13 +71,6 @@ bool IsNoWorry(std::string_view line) {
     return line.starts_with("Unable to find my documents ");
 }
 
-// What is thrown for want of memory has no words for a person.
-std::string InWords(std::string text) {
-    const std::string thrown = std::bad_alloc().what();
-    const std::size_t place = text.find(thrown);
-    return place == std::string::npos ? text : text.replace(place, thrown.size(), kNoMemory);
-}
-
 // With what is nested below it, which begins at the second of the lines.
 std::string WorryOf(std::span<const TraceLine> lines) {
     const std::string& head = lines.front().text;
@@ -86,7 +78,7 @@ std::string WorryOf(std::span<const TraceLine> lines) {
     for (const TraceLine& line : lines.subspan(1))
         if (!IsNoWorry(line.text)) (below += below.empty() ? " (" : ", ") += line.text;
     if (IsNoWorry(head)) return {};
-    return InWords(head + (below.empty() ? below : below + ")"));
+    return ForPeople(head + (below.empty() ? below : below + ")"));
 }
 
 std::uintmax_t SizeOf(const std::string& path) {
