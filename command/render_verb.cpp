@@ -74,12 +74,14 @@ void RunRender(RenderArguments& arguments) {
     std::cout << result.width << 'x' << result.height << " pixels\n";
 }
 
-void AddTimes(CLI::App& verb, const std::shared_ptr<RenderArguments>& arguments) {
+// Gives the option for a moment.
+CLI::Option* AddTimes(CLI::App& verb, const std::shared_ptr<RenderArguments>& arguments) {
     CLI::Option* const time =
         AddNumber(verb, "--time", arguments->options.seconds, "The moment to draw, in seconds");
     AddRead(verb, "--frames", "FIRST:LAST:STEP", "The frames of the scene to draw, LAST included",
             [arguments](auto& text) { arguments->options.frames = {ReadFrames(text)}; })
         ->excludes(time);
+    return time;
 }
 
 void AddLooks(CLI::App& verb, const std::shared_ptr<RenderArguments>& arguments) {
@@ -108,7 +110,7 @@ void AddRenderVerb(CLI::App& app) {
     AddOutput(*verb, "", arguments->options.file,
               "PNG file; of several, with %04d for the number of the frame")
         ->required();
-    AddTimes(*verb, arguments);
+    CLI::Option* const time = AddTimes(*verb, arguments);
     AddWholeNumber(
         *verb, "--sheet", arguments->sheetColumns,
         "The frames side by side in one picture, so many in a row, " + Told(kSheetColumns))
@@ -116,8 +118,8 @@ void AddRenderVerb(CLI::App& app) {
     AddLooks(*verb, arguments);
     AddGuestOptions(*verb, arguments->options.guests);
     AddExample(*verb, "render walk.scene --time 2.5 -o walk.png");
-    verb->callback([arguments, verb] {
-        if (verb->count("--time") + verb->count("--frames") == 0)
+    verb->callback([arguments, time] {
+        if (time->count() == 0 && arguments->options.frames.empty())
             Refuse("--time or --frames is missing (render --help tells more)");
         RunRender(*arguments);
     });
