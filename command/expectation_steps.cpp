@@ -30,7 +30,7 @@ std::string ExpectAt(StepScene&, const StepWords& words) {
     NodePosition(TheNode(words.texts[0]).handle, CheckedTime(words.seconds), position);
     const CorePlace place = InCore(position);
     const double distance = MetresBetween(place, words.place);
-    const std::string off = Plain(distance) + " m off";
+    std::string off = Plain(distance) + " m off";
     if (!(distance <= words.tolerance))
         throw Failure("it is at " + Plain(place.x) + ',' + Plain(place.y) + ',' + Plain(place.z) +
                       ", " + off);
