@@ -132,6 +132,12 @@ bool CoreSeat::Press(int option) {
     return isHeard;
 }
 
+bool CoreSeat::Press(std::string_view name) {
+    for (const OptionView& option : Options())
+        if (option.isButton && option.name == name) return Press(option.id);
+    return false;
+}
+
 // A null log places nothing, and the trace is written around it as around any other.
 void CoreSeat::WriteTrace() {
     const SeatedCore& seated = SeatedCore::Get();

@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // Marks what the seat offers. Its library, and whoever is linked with that, are built with what
@@ -61,10 +62,12 @@ class SEAT_API CoreSeat {
     // All options of the adaptor, in the order of its panel; none while no Core is attached.
     std::vector<OptionView> Options() const;
 
-    // Presses a button of the Core's, by sending what the Core's own window sends. False: no Core
-    // is attached, it has no message node for that option, or nobody listens to that. What the
-    // Core throws comes out as a std::runtime_error with its words.
+    // Presses a button of the Core's, the first of that id or name, by sending what the Core's own
+    // window sends. False: no Core is attached, there is no such button, it has no message node for
+    // it, or nobody listens to that. What the Core throws comes out as a std::runtime_error with
+    // its words.
     bool Press(int option);
+    bool Press(std::string_view name);
 
     // Has the adaptor write out its trace (kTraceVariable in tvl/installation.h) up to now. It does
     // so by itself at the end of every event but a change of time. Nothing while no Core is

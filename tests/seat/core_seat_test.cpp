@@ -131,6 +131,8 @@ TEST(ACoreSeat, HasItsLibraryLoadedAnewForEachAttachAndPressesTheOptions) {
         EXPECT_TRUE(seat.IsAttached() == isHere && scenery.stage.isLoaded == isHere);
         EXPECT_EQ(seat.WhyAbsent().ends_with(" has left"), !isHere);
         EXPECT_EQ(seat.Press(1028), isHere);
+        EXPECT_EQ(seat.Press("Convert all controllers to default PRS controller"), isHere);
+        EXPECT_FALSE(seat.Press("Use dynamic meshes"));
         EXPECT_TRUE(scenery.session.PressButton(isHere ? TVL::kDetachText : TVL::kAttachText));
     }
     scenery.session.PressButton(TVL::kAttachText);
