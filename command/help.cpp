@@ -4,6 +4,7 @@
 #include <memory>
 #include <sstream>
 
+#include "command/output.h"
 #include "command/verb_options.h"
 #include "command/verb_texts.h"
 #include "command/verbs.h"

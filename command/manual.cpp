@@ -3,6 +3,7 @@
 #include <iterator>
 #include <ostream>
 
+#include "command/output.h"
 #include "command/verb_texts.h"
 #include "platform/registry.h"
 #include "tvl/installation.h"

@@ -4,6 +4,7 @@
 #include <iosfwd>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // What is printed, and for whom.
@@ -37,6 +38,9 @@ std::string Quoted(const std::string& text);
 inline constexpr char kComplaint[] = "Complaint: ";
 inline constexpr char kMessageBox[] = "Message box: ";
 void PrintEach(std::ostream& out, const std::string& what, const std::vector<std::string>& texts);
+
+// Without their ends. Unlike a stream's they are not cut where memory runs out.
+std::vector<std::string> LinesOf(std::string_view text);
 
 // Without regard to the locale, and read back to the last bit.
 std::string Plain(double number);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <fstream>
 #include <optional>
-#include <sstream>
 #include <system_error>
 
 #include "command/exit_status.h"
@@ -116,9 +115,8 @@ std::vector<Step> StepsOfOptions(const std::vector<std::string>& texts) {
 
 std::vector<Step> StepsOfScript(const std::string& path) {
     StepReader reader;
-    std::istringstream text(TextOf(path));
     std::size_t number = 0;
-    for (std::string line; std::getline(text, line);)
+    for (const std::string& line : LinesOf(TextOf(path)))
         reader.Read(path + ':' + std::to_string(++number) + ": ", Trimmed(line));
     if (reader.steps.empty()) Refuse(path + ": there is no step in it");
     return std::move(reader.steps);

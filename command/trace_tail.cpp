@@ -5,12 +5,12 @@
 #include <filesystem>
 #include <fstream>
 #include <span>
-#include <sstream>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "command/exit_status.h"
+#include "command/output.h"
 #include "platform/narrow_path.h"
 #include "platform/process.h"
 #include "tvl/installation.h"
@@ -49,8 +49,7 @@ TraceLine ReadLine(std::string_view rest) {
 // A line that begins with no moment goes on with the message before it.
 std::vector<TraceLine> ReadLines(const std::string& text) {
     std::vector<TraceLine> lines;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);) {
+    for (const std::string& line : LinesOf(text)) {
         if (BeginsWithMoment(line))
             lines.push_back(ReadLine(std::string_view(line).substr(kMoment.size())));
         else if (!lines.empty())

@@ -3,7 +3,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <set>
-#include <sstream>
 
 namespace headless {
 namespace {
@@ -116,14 +115,6 @@ std::vector<VerbText> TextsOfVerbs(const CLI::App& program) {
     for (const CLI::App* verb : program.get_subcommands({}))
         texts.push_back(TextOf(*verb));
     return texts;
-}
-
-std::vector<std::string> LinesOf(const std::string& foot) {
-    std::vector<std::string> lines;
-    std::istringstream text(foot);
-    for (std::string line; std::getline(text, line);)
-        lines.push_back(line);
-    return lines;
 }
 
 bool IsTyped(const std::string& line) {

@@ -58,8 +58,7 @@ VerbText TextOf(const CLI::App& verb);
 // In the order in which they were added.
 std::vector<VerbText> TextsOfVerbs(const CLI::App& program);
 
-// The lines of a foot; an empty one parts two paragraphs.
-std::vector<std::string> LinesOf(const std::string& foot);
+// Of a line of a foot, of which an empty one parts two paragraphs.
 bool IsTyped(const std::string& line);
 
 // A row of a foot has a tab between a label and its text. Nothing if the line is none.

@@ -1,10 +1,10 @@
 #include "command/written_files.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <istream>
 #include <ostream>
-#include <sstream>
 #include <system_error>
 
 #include "command/exit_status.h"
@@ -103,10 +103,12 @@ void TellWhatStands(std::ostream& out) {
 
 // Asked by itself the buffer would throw where it cannot be read.
 std::optional<std::string> RestOf(std::istream& stream) {
-    std::ostringstream text;
-    text << stream.rdbuf();
-    if (text.bad()) return std::nullopt;
-    return std::move(text).str();
+    std::string text;
+    std::array<char, 4096> block;
+    while (stream.read(block.data(), block.size()), stream.gcount() > 0)
+        text.append(block.data(), static_cast<std::size_t>(stream.gcount()));
+    if (stream.bad()) return std::nullopt;
+    return text;
 }
 
 CoreFile::CoreFile(const std::string& target) : target_(target), file_(FileFor(target)) {
