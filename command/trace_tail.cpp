@@ -133,7 +133,7 @@ std::optional<std::string> TraceTail::NewText() {
     if (!std::filesystem::is_regular_file(file, error)) return "";
     std::ifstream stream(file, std::ios::binary);
     stream.seekg(static_cast<std::streamoff>(read_));
-    const std::optional<std::string> text = RestOf(stream);
+    std::optional<std::string> text = RestOf(stream);
     if (text) read_ += text->size();
     return text;
 }
