@@ -71,7 +71,8 @@ int Run(int argc, char** argv) {
     const std::terminate_handler usual = std::set_terminate(&EndBeforeWork);
     CLI::App app(
         "An animation host without a screen, with the plug-in and its Core. What came of a verb "
-        "is printed when all of it is done, and a file is written whole or not at all.");
+        "is printed when all of it is done, of run step by step, and a file is written whole or "
+        "not at all.");
     app.require_subcommand(0, 1);
     headless::UseOwnHelp(app);
     app.set_version_flag("--version",

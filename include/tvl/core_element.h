@@ -19,7 +19,8 @@ struct PluginRecord {
 //
 //   kNodesBeingDeleted   Nodes of this element are about to be deleted by the user. Told once for
 //        each deletion, if the element lists it; it may answer with CoreNode::Delete on its nodes,
-//        in an undo group, which becomes part of the user's own step.
+//        in an undo group, which becomes part of the user's own step, unless a group of the
+//        Core's was open across calls: there was no step of the user's then.
 //   kSceneBeingSaved   The scene is being saved, or the user is detaching the Core by the panel and
 //        the next one is to find its state; the argument is an XMLNode of kind 1 named
 //        "masternodes". The element adds a child "masternode" for each stored part of its state.
