@@ -78,17 +78,38 @@ std::string WhyEmpty(const FoundPath& core, const FoundPath& seat) {
 
 struct CoreSeat::State {
     std::string library;
+    std::string seatFolder;
     std::string whyEmpty;
+
+    static State Of(const std::string& library) {
+        const FoundPath core = library.empty() ? FindInstalledCore() : Whole(library);
+        const FoundPath seat = FindSeatFolder();
+        return {core.path, seat.path, WhyEmpty(core, seat)};
+    }
+
+    void Sit(CoreBetween* between, bool isInPlace) const {
+        if (!whyEmpty.empty()) return;
+        SeatedCore::Get().Take(isInPlace ? "this program's own Core" : library, between, isInPlace);
+        platform::LayOverRegistry(
+            platform::RegistryText{std::string("HKEY_LOCAL_MACHINE\\") + TVL::kInstallKey,
+                                   TVL::kInstallValue, seatFolder});
+    }
 };
 
-CoreSeat::CoreSeat(const std::string& library) {
-    const FoundPath core = library.empty() ? FindInstalledCore() : Whole(library);
+CoreSeat::CoreSeat(const std::string& library)
+    : state_(std::make_unique<State>(State::Of(library))) {
+    state_->Sit(nullptr, false);
+}
+
+CoreSeat::CoreSeat(const std::string& library, CoreBetween& between)
+    : state_(std::make_unique<State>(State::Of(library))) {
+    state_->Sit(&between, false);
+}
+
+CoreSeat::CoreSeat(CoreBetween& inPlace) {
     const FoundPath seat = FindSeatFolder();
-    state_ = std::make_unique<State>(State{core.path, WhyEmpty(core, seat)});
-    if (!state_->whyEmpty.empty()) return;
-    SeatedCore::Get().Take(core.path);
-    platform::LayOverRegistry(platform::RegistryText{
-        std::string("HKEY_LOCAL_MACHINE\\") + TVL::kInstallKey, TVL::kInstallValue, seat.path});
+    state_ = std::make_unique<State>(State{{}, seat.path, seat.whyNot});
+    state_->Sit(&inPlace, true);
 }
 
 CoreSeat::~CoreSeat() {

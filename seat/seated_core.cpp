@@ -68,15 +68,17 @@ SeatedCore& SeatedCore::Get() {
     return seated;
 }
 
-void SeatedCore::Take(std::string library) {
+void SeatedCore::Take(std::string library, CoreBetween* between, bool isInPlace) {
     path_ = std::move(library);
+    between_ = between;
+    isInPlace_ = isInPlace;
     whyAbsent_.clear();
     wasCalled_ = false;
 }
 
 std::string SeatedCore::WhyAbsent() const {
     if (core_ || path_.empty()) return {};
-    std::string why = wasCalled_ ? whyAbsent_ : WhyItWouldFail(path_);
+    std::string why = wasCalled_ || isInPlace_ ? whyAbsent_ : WhyItWouldFail(path_);
     return why.empty() ? "the plug-in has not asked for " + path_ : why;
 }
 
@@ -86,10 +88,11 @@ bool SeatedCore::Load() noexcept {
         if (path_.empty()) return;
         wasCalled_ = true;
         whyAbsent_.clear();
+        if (isInPlace_) return;
         library_.reset(LoadLibraryA(path_.c_str()));
         if (!library_) whyAbsent_ = WhyNotLoaded(path_);
     });
-    return !thrown && library_;
+    return !thrown && (library_ || isInPlace_);
 }
 
 void SeatedCore::Free() noexcept {
@@ -113,6 +116,7 @@ void SeatedCore::Call(const char* routine, const std::function<void()>& call) {
 // The first routine that is asked for, and so the place to tell that one is missing: the plug-in
 // takes that for a version that it cannot be told.
 std::uint32_t SeatedCore::GetVersion() {
+    if (isInPlace_) return static_cast<std::uint32_t>(TVL::kInterfaceVersion);
     whyAbsent_ = WhyNoCore(library_.get(), path_);
     if (!whyAbsent_.empty()) throw std::runtime_error(whyAbsent_);
     std::uint32_t version = 0;
@@ -125,19 +129,24 @@ std::uint32_t SeatedCore::GetVersion() {
 }
 
 CoreInterface* SeatedCore::Attach(TVL::AdaptorInterface* adaptor) {
-    const auto attach = platform::Routine<TVL::AttachRoutine>(library_.get(), TVL::kAttachRoutine);
-    Call(TVL::kAttachRoutine, [&] { core_ = attach(adaptor); });
+    const CoreBetween::AttachCore attach =
+        isInPlace_ ? nullptr
+                   : platform::Routine<TVL::AttachRoutine>(library_.get(), TVL::kAttachRoutine);
+    Call(TVL::kAttachRoutine,
+         [&] { core_ = between_ ? between_->Attach(adaptor, attach) : attach(adaptor); });
     adaptor_ = core_ ? adaptor : nullptr;
     if (!core_) whyAbsent_ = path_ + " refused: its routine attach gave null";
     return core_;
 }
 
 void SeatedCore::Detach(CoreInterface* core) {
-    const auto detach = platform::Routine<TVL::DetachRoutine>(library_.get(), TVL::kDetachRoutine);
+    const CoreBetween::DetachCore detach =
+        isInPlace_ ? nullptr
+                   : platform::Routine<TVL::DetachRoutine>(library_.get(), TVL::kDetachRoutine);
     whyAbsent_ = path_ + " has left";
     core_ = nullptr;
     adaptor_ = nullptr;
-    Call(TVL::kDetachRoutine, [&] { detach(core); });
+    Call(TVL::kDetachRoutine, [&] { between_ ? between_->Detach(core, detach) : detach(core); });
 }
 
 }  // namespace headless

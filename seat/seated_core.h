@@ -33,7 +33,8 @@ class SEAT_API SeatedCore {
 
     // A path, as LoadLibraryA takes it. An empty one leaves the seat empty; a library that is
     // loaded stays until the module goes.
-    void Take(std::string library);
+    // With somebody in its place, `library` is only what it is called.
+    void Take(std::string library, CoreBetween* between = nullptr, bool isInPlace = false);
 
     CoreInterface* Core() const { return core_; }  // null while none is attached
     TVL::AdaptorInterface* Adaptor() const { return adaptor_; }
@@ -55,6 +56,8 @@ class SEAT_API SeatedCore {
     void Call(const char* routine, const std::function<void()>& call);
 
     std::string path_;
+    CoreBetween* between_ = nullptr;
+    bool isInPlace_ = false;  // `between_` is the Core
     LoadedLibrary library_;
     CoreInterface* core_ = nullptr;  // the Core's own
     TVL::AdaptorInterface* adaptor_ = nullptr;

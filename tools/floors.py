@@ -21,18 +21,22 @@ HOST = [["breaches"], ["values"], ["storage"], ["hold"], ["references"], ["drawi
         ["control", "objects"], ["scene"], ["classes"], ["scene_file"], ["comparison"], ["ui"],
         ["viewport"], ["viewport_module"], ["session"]]
 
+RECORDER = [["stream"], ["tape", "watch", "proxies"], ["recorder.h", "recorder.cpp"], ["module"]]
+
 # Part of the house: its folder, its floors, how includes of its own begin, and the contracts, or
 # single headers, that it may include.
 PARTS = [
     ("include/tvl", None, "", ["tvl"]),
     ("include/host", None, "", ["host", "platform"]),
-    ("include/headless", None, "", ["headless", "host"]),
+    ("include/headless", None, "", ["headless", "host", "tvl/core_interface.h"]),
     ("include/replay", None, "", ["replay"]),
     ("platform", None, "", ["platform"]),
     ("src", PLUGIN, "", ["tvl", "host", "platform"]),
     ("headless", HOST, "headless/", ["include/headless", "host", "platform"]),
     ("seat", None, "", ["seat", "headless/core_seat.h", "tvl", "foundation/thrown.h", "platform"]),
-    ("command", None, "", ["command", "headless", "host", "platform", "replay",
+    ("recorder", RECORDER, "recorder/", ["tvl", "platform/files.h", "platform/whole_file.h",
+                                         "platform/narrow_path.h", "platform/modules.h"]),
+    ("command", None, "", ["command", "recorder", "headless", "host", "platform", "replay",
                              "tvl/adaptor_interface.h", "tvl/ids.h", "tvl/installation.h",
                              "tvl/log.h", "tvl/panel.h"]),
     ("examples/hello_core", None, "", ["tvl"]),

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "tvl/core_interface.h"
 
 // Marks what the seat offers. Its library, and whoever is linked with that, are built with what
 // marks an export or an import on their system.
@@ -21,6 +24,20 @@ struct OptionView {
     bool isButton = false;      // else a switch
     bool isKnown = false;       // the Core has a message node for the button, or a value
     std::optional<bool> value;  // of a switch that the Core knows
+};
+
+// Who stands between the plug-in and the library that has a seat, or is a Core in its place. The
+// two are called as the Core's routines would be; the functions are the library's own routines, and
+// empty where there is no library. What either throws is thrown at the plug-in.
+class SEAT_API CoreBetween {
+  public:
+    using AttachCore = std::function<CoreInterface*(TVL::AdaptorInterface*)>;
+    using DetachCore = std::function<void(CoreInterface*)>;
+    virtual CoreInterface* Attach(TVL::AdaptorInterface* adaptor, const AttachCore& attach) = 0;
+    virtual void Detach(CoreInterface* core, const DetachCore& detach) = 0;
+
+  protected:
+    ~CoreBetween() = default;
 };
 
 // The seat of the Core beside a session: any library can take it, wherever it lies and whatever its
@@ -43,11 +60,19 @@ class SEAT_API CoreSeat {
     // Empty for the Core that is installed, as the registry names it; where none is, for the one
     // that lies beside the program.
     explicit CoreSeat(const std::string& library = {});
+
+    // The same with somebody between, who outlives the seat.
+    CoreSeat(const std::string& library, CoreBetween& between);
+
+    // Without a library: somebody of this program's own is the Core, and outlives the seat.
+    explicit CoreSeat(CoreBetween& inPlace);
+
     ~CoreSeat();
     CoreSeat(const CoreSeat&) = delete;
     CoreSeat& operator=(const CoreSeat&) = delete;
 
-    // The path of the library; empty where it cannot be told, which WhyAbsent gives the reason of.
+    // The path of the library; empty where there is none, or it cannot be told, which WhyAbsent
+    // gives the reason of.
     const std::string& Library() const;
 
     bool IsAttached() const;

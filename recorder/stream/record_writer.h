@@ -1,0 +1,65 @@
+#pragma once
+
+#include <array>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "recorder/stream/record.h"
+#include "tvl/matrix4.h"
+#include "tvl/mesh.h"
+#include "tvl/xml_node.h"
+
+namespace recorder {
+
+// What an extension takes or gives, under the letter of its kind: a whole number of 64 bits (i), an
+// object (o), a tree (t), or nothing (0).
+struct ExtensionValue {
+    char letter = 0;
+    std::uint64_t word = 0;
+    const XMLNode* tree = nullptr;
+};
+
+// Writes one record after another into memory that it keeps. Lack of memory is thrown.
+class RecordWriter {
+  public:
+    // What was written is gone. A head's size and checksum are set at the end.
+    void Begin(const RecordHead& head);
+
+    void Put(bool value) { Word(value ? 1 : 0); }
+    void Put(std::int32_t value) { Word(static_cast<std::uint64_t>(std::int64_t{value})); }
+    void Put(double value) { Word(std::bit_cast<std::uint64_t>(value)); }
+    void Put(ObjectId value) { Word(value); }  // also a mesh's id and a window
+    void Put(std::string_view text);
+    void Put(const std::pair<double, double>& value);
+    void Put(const std::array<double, 3>& value);
+    void Put(const TVL::CMatrix4& matrix);
+    void Put(const std::vector<ObjectId>& objects);
+    void Put(const XMLNode& tree);
+    void Put(const ObjectFacts& facts);
+
+    void Put(const ExtensionValue& value);
+    template <class Type>
+    void Put(Type*) = delete;  // which would be a truth
+
+    // The values of a mesh record: its id, and of vertices, texture vertices, faces and texture
+    // faces the count of entries and then these, each index a word.
+    void PutMeshContent(MeshId id, const TVL::CMesh& mesh);
+
+    // The record, which stands until the next one begins.
+    Record End();
+    std::span<const std::byte> Bytes() const { return std::as_bytes(std::span(words_)); }
+
+  private:
+    void Word(std::uint64_t word) { words_.push_back(word); }
+    void Words(const void* bytes, std::size_t count);  // whole words
+
+    std::vector<std::uint64_t> words_;
+};
+
+MeshId IdOf(const TVL::CMesh& mesh);
+
+// Of the words behind the first one of a record.
+std::uint32_t ChecksumOf(std::span<const std::uint64_t> words);
+
+}  // namespace recorder
