@@ -1,7 +1,9 @@
 #pragma once
 
 // What whoever drives the host can tell a tape beside the calls that cross the boundary, since it
-// alone knows it: a word, and what it is about. A tape of a host that tells nothing has none.
+// alone knows it: a word, and what it is about. A tape of a host that tells nothing has none. A
+// step is told ahead of the calls that come of it, the others behind these, and only if they were
+// done.
 namespace recorder::note {
 
 inline constexpr char kStep[] = "step";  // a step that is done now, in the words of `run`
