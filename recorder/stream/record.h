@@ -99,11 +99,11 @@ struct Record {
 // What a session tells of an object beside the calls on it: when it first appears, as far as calls
 // do not tell it, and again at the beginning of each segment of a tape.
 struct ObjectFacts {
-    ObjectId of = 0;            // a node's owner; a snapshot's node; a node's parent is not told
-    std::string_view name;      // a node's own; an owner's plug-in; a message node's
-    std::string_view hostName;  // a node's in the host, as it was when it was made or claimed
-    double seconds = 0;         // of a snapshot that is out
-    bool isSnapshot = false;    // of a node
+    ObjectId of = 0;              // a node's owner; a snapshot's node; a node's parent is not told
+    std::string_view name{};      // a node's own; an owner's plug-in; a message node's
+    std::string_view hostName{};  // a node's in the host, as it was when it was made or claimed
+    double seconds = 0;           // of a snapshot that is out
+    bool isSnapshot = false;      // of a node
 };
 
 }  // namespace recorder

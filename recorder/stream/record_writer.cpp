@@ -1,5 +1,6 @@
 #include "recorder/stream/record_writer.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 
@@ -42,22 +43,24 @@ void TakeApart(const TVL::CMesh& mesh, const Take& take) {
 
 }  // namespace
 
-void RecordWriter::Begin(const RecordHead& head) {
-    words_.resize(kHeadWords);
-    std::memcpy(words_.data(), &head, sizeof head);
-}
-
-void RecordWriter::Words(const void* bytes, std::size_t count) {
-    const std::size_t place = words_.size();
-    words_.resize(place + count);
-    std::memcpy(&words_[place], bytes, count * 8);
+void RecordWriter::Grow(std::size_t count) {
+    constexpr std::size_t kLeast = 512;
+    const std::size_t size = Size();
+    const std::size_t most = std::max(kLeast, 2 * size + count);
+    auto words = std::make_unique_for_overwrite<std::uint64_t[]>(most);
+    if (size > 0) std::memcpy(words.get(), words_.get(), size * 8);
+    words_ = std::move(words);
+    at_ = words_.get() + size;
+    end_ = words_.get() + most;
 }
 
 void RecordWriter::Put(std::string_view text) {
-    const std::size_t place = words_.size() + 1;
-    Word(text.size());
-    words_.resize(place + (text.size() + 7) / 8);
-    if (!text.empty()) std::memcpy(&words_[place], text.data(), text.size());
+    const std::size_t count = (text.size() + 7) / 8;
+    std::uint64_t* const words = Room(1 + count);
+    words[0] = text.size();
+    if (count == 0) return;
+    words[count] = 0;
+    std::memcpy(words + 1, text.data(), text.size());
 }
 
 void RecordWriter::Put(const std::pair<double, double>& value) {
@@ -65,22 +68,15 @@ void RecordWriter::Put(const std::pair<double, double>& value) {
     Put(value.second);
 }
 
-void RecordWriter::Put(const std::array<double, 3>& value) {
-    Words(value.data(), value.size());
-}
-
-void RecordWriter::Put(const TVL::CMatrix4& matrix) {
-    Words(matrix.rows, 16);
-}
-
 void RecordWriter::Put(const std::vector<ObjectId>& objects) {
     Word(objects.size());
-    if (!objects.empty()) Words(objects.data(), objects.size());
+    if (objects.empty()) return;
+    std::memcpy(Room(objects.size()), objects.data(), objects.size() * 8);
 }
 
 // A tree can be deeper than the stack.
 void RecordWriter::Put(const XMLNode& tree) {
-    const std::size_t place = words_.size();
+    const std::size_t place = Size();
     Word(0);
     std::vector<const XMLNode*> rest{&tree};
     while (!rest.empty()) {
@@ -98,7 +94,7 @@ void RecordWriter::Put(const XMLNode& tree) {
             if (*child) rest.push_back(child->get());
         Word(rest.size() - before);
     }
-    words_[place] = (words_.size() - place - 1) * 8;
+    words_[place] = (Size() - place - 1) * 8;
 }
 
 void RecordWriter::Put(const ObjectFacts& facts) {
@@ -121,13 +117,12 @@ void RecordWriter::PutMeshContent(MeshId id, const TVL::CMesh& mesh) {
 }
 
 Record RecordWriter::End() {
+    const std::span<std::uint64_t> words = Written();
+    words.front() = words.size_bytes();
+    words.front() |= std::uint64_t{ChecksumOf(words)} << 32;
     RecordHead head;
-    std::memcpy(static_cast<void*>(&head), words_.data(), sizeof head);
-    head.size = static_cast<std::uint32_t>(words_.size() * 8);
-    std::memcpy(words_.data(), &head, sizeof head);
-    head.checksum = ChecksumOf(words_);
-    std::memcpy(words_.data(), &head, sizeof head);
-    return {head, std::span(words_).subspan(kHeadWords)};
+    std::memcpy(static_cast<void*>(&head), words.data(), sizeof head);
+    return {head, words.subspan(kHeadWords)};
 }
 
 MeshId IdOf(const TVL::CMesh& mesh) {
@@ -137,9 +132,18 @@ MeshId IdOf(const TVL::CMesh& mesh) {
 }
 
 std::uint32_t ChecksumOf(std::span<const std::uint64_t> words) {
-    std::uint64_t hash = static_cast<std::uint32_t>(words.front());
-    for (const std::uint64_t word : words.subspan(1))
-        hash = Mix(hash, word);
+    std::uint64_t sums[4] = {Mix(0, static_cast<std::uint32_t>(words.front()))};
+    std::size_t at = 1;
+    for (; at < words.size() && at % 4 != 0; ++at)
+        sums[at] = Mix(0, words[at]);
+    for (; at + 4 <= words.size(); at += 4)
+        for (std::size_t i = 0; i < 4; ++i)
+            sums[i] = Mix(sums[i], words[at + i]);
+    for (; at < words.size(); ++at)
+        sums[at % 4] = Mix(sums[at % 4], words[at]);
+    const std::uint64_t one = sums[0] ^ std::rotl(sums[1], 16);
+    const std::uint64_t other = sums[2] ^ std::rotl(sums[3], 32);
+    const std::uint64_t hash = Mix(Mix(0, one), other);
     return static_cast<std::uint32_t>(hash ^ hash >> 32);
 }
 

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <array>
+#include <bit>
+#include <cstring>
+#include <memory>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -24,7 +27,10 @@ struct ExtensionValue {
 class RecordWriter {
   public:
     // What was written is gone. A head's size and checksum are set at the end.
-    void Begin(const RecordHead& head);
+    void Begin(const RecordHead& head) {
+        at_ = words_.get();
+        std::memcpy(Room(kHeadWords), &head, sizeof head);
+    }
 
     void Put(bool value) { Word(value ? 1 : 0); }
     void Put(std::int32_t value) { Word(static_cast<std::uint64_t>(std::int64_t{value})); }
@@ -32,8 +38,8 @@ class RecordWriter {
     void Put(ObjectId value) { Word(value); }  // also a mesh's id and a window
     void Put(std::string_view text);
     void Put(const std::pair<double, double>& value);
-    void Put(const std::array<double, 3>& value);
-    void Put(const TVL::CMatrix4& matrix);
+    void Put(const std::array<double, 3>& value) { Words<3>(value.data()); }
+    void Put(const TVL::CMatrix4& matrix) { Words<16>(matrix.rows); }
     void Put(const std::vector<ObjectId>& objects);
     void Put(const XMLNode& tree);
     void Put(const ObjectFacts& facts);
@@ -48,18 +54,37 @@ class RecordWriter {
 
     // The record, which stands until the next one begins.
     Record End();
-    std::span<const std::byte> Bytes() const { return std::as_bytes(std::span(words_)); }
+    std::span<const std::byte> Bytes() const { return std::as_bytes(Written()); }
 
   private:
-    void Word(std::uint64_t word) { words_.push_back(word); }
-    void Words(const void* bytes, std::size_t count);  // whole words
+    // Where so many words go next.
+    std::uint64_t* Room(std::size_t count) {
+        if (static_cast<std::size_t>(end_ - at_) < count) Grow(count);
+        std::uint64_t* const place = at_;
+        at_ += count;
+        return place;
+    }
+    void Grow(std::size_t count);
 
-    std::vector<std::uint64_t> words_;
+    void Word(std::uint64_t word) { *Room(1) = word; }
+    template <std::size_t kCount>
+    void Words(const void* numbers) {
+        std::memcpy(Room(kCount), numbers, kCount * 8);
+    }
+
+    std::size_t Size() const { return static_cast<std::size_t>(at_ - words_.get()); }
+    std::span<std::uint64_t> Written() const { return {words_.get(), Size()}; }
+
+    std::unique_ptr<std::uint64_t[]> words_;
+    std::uint64_t* at_ = nullptr;   // behind what is written
+    std::uint64_t* end_ = nullptr;  // of the memory
 };
 
 MeshId IdOf(const TVL::CMesh& mesh);
 
-// Of the words behind the first one of a record.
+// Of a record's words, but for the place of the checksum itself, the higher half of the first one:
+// four sums, of each fourth word, which do not wait for one another. Any change of one word alone
+// changes it, unless 32 bits of 64 happen to be the same.
 std::uint32_t ChecksumOf(std::span<const std::uint64_t> words);
 
 }  // namespace recorder

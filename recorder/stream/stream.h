@@ -10,10 +10,15 @@
 
 namespace recorder {
 
+class Stream;
+
 // Who takes records in, in their order and on whatever thread they come. Nothing is thrown: what
 // cannot be taken is the sink's own affair. A sink does not call the stream, but for ForgetMeshes.
 class Sink {
   public:
+    // Once, when it is added. The stream outlives what the sink does with it.
+    virtual void Join(Stream&) noexcept {}
+
     virtual void Take(const Record& record, std::span<const std::byte> bytes) noexcept = 0;
 
   protected:
@@ -22,11 +27,11 @@ class Sink {
 
 // What a session is told to begin with.
 struct SessionFacts {
-    std::string_view moment;     // UTC, as "2026-11-26 04:05:00"
-    std::int32_t interface = 0;  // the version that this side was built with
-    std::string_view platform;   // "Linux" or "Windows": where the records are made
-    std::string_view core;       // the Core's library
-    std::string_view by;         // what made the records, with its version
+    std::string_view moment{};    // UTC, as "2026-11-26 04:05:00"
+    std::int32_t interface = 0;   // the version that this side was built with
+    std::string_view platform{};  // "Linux" or "Windows": where the records are made
+    std::string_view core{};      // the Core's library
+    std::string_view by{};        // what made the records, with its version
 };
 
 // Makes records of what crosses the boundary, and hands each to the sinks before anything else
@@ -34,7 +39,11 @@ struct SessionFacts {
 // what there is no memory for is told to nobody, and counted.
 class Stream {
   public:
-    void Add(Sink& sink) { sinks_.push_back(&sink); }  // before the session; not owned
+    // Before the session. The sink is not owned.
+    void Add(Sink& sink) {
+        sinks_.push_back(&sink);
+        sink.Join(*this);
+    }
 
     // On the thread of the session, from which times and numbers count anew.
     void BeginSession(const SessionFacts& facts) noexcept;

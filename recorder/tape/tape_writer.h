@@ -33,10 +33,12 @@ class TapeWriter final : public Sink {
     TapeWriter(const TapeWriter&) = delete;
     TapeWriter& operator=(const TapeWriter&) = delete;
 
+    void Join(Stream& stream) noexcept override;
     void Take(const Record& record, std::span<const std::byte> bytes) noexcept override;
 
-    // Tells of every object that is alive. Asked for at the beginning of each segment but that of a
-    // session, so that a segment can be read alone; it calls nothing that makes records.
+    // Tells of every object that is alive. Asked for at the beginning of a segment but that of a
+    // session, so that a segment can be read alone, as long as that takes no more than an eighth of
+    // the tape; it calls nothing that makes records.
     using TellObject = std::function<void(ObjectId, const ObjectFacts&)>;
     std::function<void(const TellObject&)> onNewSegment;
 

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+
+namespace recorder {
+
+// A file of which one part at a time is memory: what is written there is in the file at once for
+// every process, and stays there however this process ends. Room on the disk is set aside before a
+// part is mapped, so that a full disk is an answer and no fault. No other process can have the file
+// in this way at the same time; anybody can read it.
+class MappedFile {
+  public:
+    // Makes the file where there is none. Null, and why not in the system's words, if it cannot be
+    // had, is no plain file, or another has it.
+    static std::unique_ptr<MappedFile> Open(const std::string& path, std::string& whyNot);
+
+    ~MappedFile();
+    MappedFile(const MappedFile&) = delete;
+    MappedFile& operator=(const MappedFile&) = delete;
+
+    std::uint64_t Size() const;
+
+    // What is there of the bytes from that offset on.
+    std::size_t Read(std::uint64_t offset, std::span<std::byte> bytes) const;
+
+    // The bytes from that offset on, both multiples of 64 KiB; the file grows to that, with zeros.
+    // The part that was mapped before is so no longer. Empty, and why not, if there is no room.
+    std::span<std::byte> Map(std::uint64_t offset, std::size_t size, std::string& whyNot);
+
+    // Waits until all that was written is on the disk. Empty, or why it is not.
+    std::string Sync();
+
+    // Gives back what lies behind. Nothing is mapped then.
+    void Shrink(std::uint64_t size);
+
+    // Whether the file has no name any more: what is written to it reaches nobody.
+    bool IsGone() const;
+
+  private:
+    MappedFile() = default;
+    void Unmap();
+
+    std::intptr_t file_ = -1;  // the system's
+    std::span<std::byte> part_;
+};
+
+}  // namespace recorder

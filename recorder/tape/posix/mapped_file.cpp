@@ -1,0 +1,135 @@
+#include "recorder/tape/mapped_file.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace recorder {
+namespace {
+
+std::string Words(int error) {
+    return std::generic_category().message(error);
+}
+
+// Whoever outgrows the process's own limit is ended by a signal.
+bool IsBeyondLimit(std::uint64_t size) {
+    rlimit limit{};
+    return getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY &&
+           size > limit.rlim_cur;
+}
+
+// Sets room aside; the system's number of what failed, or 0.
+int Grow(int file, std::uint64_t offset, std::size_t size) {
+    if (IsBeyondLimit(offset + size)) return EFBIG;
+    int error = 0;
+    do {
+        error = posix_fallocate(file, static_cast<off_t>(offset), static_cast<off_t>(size));
+    } while (error == EINTR);
+    return error;
+}
+
+// All pages at once cost far less than one by one. Older systems do not know how.
+void Populate(void* memory, std::size_t size) {
+#if defined(MADV_POPULATE_WRITE)
+    madvise(memory, size, MADV_POPULATE_WRITE);
+#else
+    static_cast<void>(memory);
+    static_cast<void>(size);
+#endif
+}
+
+}  // namespace
+
+std::unique_ptr<MappedFile> MappedFile::Open(const std::string& path, std::string& whyNot) {
+    std::unique_ptr<MappedFile> opened(new MappedFile);
+    constexpr mode_t kWithinUmask = 0666;
+    const int file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, kWithinUmask);
+    struct stat status {};
+    if (file < 0) {
+        whyNot = Words(errno);
+        return nullptr;
+    }
+    opened->file_ = file;
+    if (fstat(file, &status) != 0 || !S_ISREG(status.st_mode))
+        whyNot = "it is no file";
+    else if (flock(file, LOCK_EX | LOCK_NB) != 0)
+        whyNot = errno == EWOULDBLOCK ? "somebody is recording to it" : Words(errno);
+    else
+        return opened;
+    return nullptr;
+}
+
+MappedFile::~MappedFile() {
+    Unmap();
+    if (file_ >= 0) close(static_cast<int>(file_));
+}
+
+std::uint64_t MappedFile::Size() const {
+    struct stat status {};
+    return fstat(static_cast<int>(file_), &status) == 0 ? static_cast<std::uint64_t>(status.st_size)
+                                                        : 0;
+}
+
+std::size_t MappedFile::Read(std::uint64_t offset, std::span<std::byte> bytes) const {
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t count = pread(static_cast<int>(file_), bytes.data() + done,
+                                    bytes.size() - done, static_cast<off_t>(offset + done));
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) break;
+        done += static_cast<std::size_t>(count);
+    }
+    return done;
+}
+
+std::span<std::byte> MappedFile::Map(std::uint64_t offset, std::size_t size, std::string& whyNot) {
+    Unmap();
+    const int file = static_cast<int>(file_);
+    if (const int error = Grow(file, offset, size)) {
+        whyNot = Words(error);
+        return {};
+    }
+    void* const memory =
+        mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, file, static_cast<off_t>(offset));
+    if (memory == MAP_FAILED) {
+        whyNot = Words(errno);
+        return {};
+    }
+    Populate(memory, size);
+    part_ = {static_cast<std::byte*>(memory), size};
+    return part_;
+}
+
+void MappedFile::Unmap() {
+    if (!part_.empty()) munmap(part_.data(), part_.size());
+    part_ = {};
+}
+
+// Takes in what was written through a map, this one and those before.
+std::string MappedFile::Sync() {
+    int result = 0;
+    do {
+        result = fdatasync(static_cast<int>(file_));
+    } while (result != 0 && errno == EINTR);
+    return result == 0 ? std::string() : Words(errno);
+}
+
+void MappedFile::Shrink(std::uint64_t size) {
+    Unmap();
+    if (size >= Size()) return;
+    while (ftruncate(static_cast<int>(file_), static_cast<off_t>(size)) != 0 && errno == EINTR) {
+    }
+}
+
+bool MappedFile::IsGone() const {
+    struct stat status {};
+    return fstat(static_cast<int>(file_), &status) != 0 || status.st_nlink == 0;
+}
+
+}  // namespace recorder

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "recorder/stream/record.h"
+
+// The form of a tape (docs/tape.md): segments of one size, each a head and records behind it up to
+// a word of zeros or its end.
+namespace recorder {
+
+inline constexpr std::uint64_t kSegmentMagic = 0x6570'6154'736d'754c;  // "LumsTape"
+inline constexpr std::uint32_t kTapeVersion = 1;
+inline constexpr char kNewerTape[] = "it is a tape of a newer program";
+
+struct SegmentHead {
+    std::uint64_t magic = kSegmentMagic;
+    std::uint32_t version = kTapeVersion;
+    std::uint32_t checksum = 0;  // as a record has it, of the words from the version on
+    std::uint64_t number = 0;    // from 1; no two of a tape have one
+    std::uint64_t bytes = 0;     // of each segment, a multiple of kSegmentGrain
+    std::uint64_t position = 0;  // bytes that records take up in all segments before this one
+    std::uint64_t session = 0;   // of which its first record is, from 1
+};
+inline constexpr std::size_t kSegmentHeadWords = sizeof(SegmentHead) / 8;
+static_assert(sizeof(SegmentHead) == 48);
+
+inline constexpr std::uint64_t kSegmentGrain = std::uint64_t{1} << 16;
+inline constexpr std::uint64_t kLargestSegment = std::uint64_t{1} << 30;
+inline constexpr std::uint64_t kNewSegment = std::uint64_t{1} << 20;  // of tapes that are made here
+
+// A record of a tape alone: a part of one that a segment has no room for. `call` is the size of the
+// whole in bytes, `object` how many of these lie in parts before; the values are bytes of it.
+inline constexpr auto kPart = static_cast<RecordKind>(255);
+inline constexpr std::uint64_t kLeastPart = sizeof(RecordHead) + 8;  // bytes
+
+// An object, or a session, that is told again at the beginning of a segment.
+inline bool IsToldAgain(const RecordHead& head) {
+    return head.call == 0 &&
+           (head.kind == RecordKind::kObject || head.kind == RecordKind::kSession);
+}
+
+// With its checksum; of a record, that and its size.
+SegmentHead Sealed(SegmentHead head);
+void Seal(std::span<std::uint64_t> record);
+
+// The head that the words begin with, of whatever version; nothing if they begin with none.
+std::optional<SegmentHead> ReadSegmentHead(std::span<const std::uint64_t> words);
+
+// What lies behind a segment's head: records and parts, in their order. Where a damaged one was
+// passed over there is none.
+struct Piece {
+    std::size_t at = 0;  // word of the segment
+    std::optional<Record> record;
+};
+struct SegmentContents {
+    std::vector<Piece> pieces;
+    std::size_t end = 0;  // word behind the last piece
+};
+SegmentContents ReadSegment(std::span<const std::uint64_t> segment);
+
+}  // namespace recorder

@@ -1,0 +1,89 @@
+#include "recorder/tape/stock.h"
+
+#include <algorithm>
+
+#include "recorder/stream/notes.h"
+#include "recorder/stream/record_reader.h"
+
+namespace recorder {
+namespace {
+
+using Words = std::vector<std::uint64_t>;
+
+// The words that are there from that offset on, as many as there is room for.
+std::span<const std::uint64_t> ReadWords(const MappedFile& file, std::uint64_t offset,
+                                         Words& words) {
+    const std::size_t bytes = file.Read(offset, std::as_writable_bytes(std::span(words)));
+    return std::span(words).first(bytes / 8);
+}
+
+// As the first good head tells it; 0 if there is none.
+std::uint64_t SegmentBytesOf(const MappedFile& file) {
+    Words words(kSegmentHeadWords);
+    const std::uint64_t size = file.Size();
+    for (std::uint64_t offset = 0; offset < size; offset += kSegmentGrain) {
+        const auto head = ReadSegmentHead(ReadWords(file, offset, words));
+        if (head && offset % head->bytes == 0) return head->bytes;
+    }
+    return 0;
+}
+
+// A file that was made and not written to holds nothing to lose.
+bool IsBlank(const MappedFile& file) {
+    Words words(kSegmentGrain / 8);
+    const std::uint64_t size = file.Size();
+    for (std::uint64_t offset = 0; offset < size; offset += kSegmentGrain) {
+        std::ranges::fill(words, 0);
+        ReadWords(file, offset, words);
+        if (std::ranges::any_of(words, [](std::uint64_t word) { return word != 0; })) return false;
+    }
+    return true;
+}
+
+void TakeIn(std::size_t place, const SegmentHead& head, const SegmentContents& contents,
+            Stock& stock) {
+    std::uint64_t session = head.session;
+    bool isFirst = true;
+    bool isSaved = false;
+    stock.slots.Put(place, head.number, session);
+    for (const auto& [at, record] : contents.pieces) {
+        if (!record || IsToldAgain(record->head)) continue;
+        if (record->head.kind == RecordKind::kSession && !isFirst)
+            stock.slots.SessionBegan(place, ++session);
+        isSaved = IsSave(*record);
+        if (isSaved) stock.slots.Saved(session, head.number);
+        isFirst = false;
+    }
+    stock.session = std::max(stock.session, session);
+    if (head.number < stock.newest.number) return;
+    stock.newest = head;
+    stock.place = place;
+    stock.used = contents.end * 8;
+    stock.isClosed = isSaved;
+}
+
+}  // namespace
+
+std::string TakeStock(const MappedFile& file, Stock& stock) {
+    const std::uint64_t size = file.Size();
+    const std::uint64_t segmentBytes = SegmentBytesOf(file);
+    if (segmentBytes == 0) return IsBlank(file) ? std::string() : "it is no tape";
+    stock.segmentBytes = segmentBytes;
+    Words words(segmentBytes / 8);
+    for (std::size_t place = 0; place * segmentBytes < size; ++place) {
+        const auto segment = ReadWords(file, place * segmentBytes, words);
+        const auto head = ReadSegmentHead(segment);
+        if (head && head->version > kTapeVersion) return kNewerTape;
+        if (head && head->bytes == segmentBytes)
+            TakeIn(place, *head, ReadSegment(segment), stock);
+        else
+            stock.slots.Put(place, 0, 0);
+    }
+    return {};
+}
+
+bool IsSave(const Record& record) {
+    return record.head.kind == RecordKind::kNote && ValueReader(record).Text() == note::kSaved;
+}
+
+}  // namespace recorder
