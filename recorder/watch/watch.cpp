@@ -1,0 +1,241 @@
+#include "recorder/watch/watch.h"
+
+#include <algorithm>
+
+#include "recorder/watch/books.h"
+#include "tvl/ids.h"
+
+namespace recorder {
+namespace watching {
+namespace {
+
+using enum Operation;
+
+constexpr std::string_view kCoreCalls[] = {
+    "AdaptorInterface", "CNode",          "CoreNode",       "CSnapshot",
+    "CSnapshot_Helper", "CSnapshot_Lens", "CSnapshot_Mesh", "CSnapshot_Shape"};
+
+// What the watch does at an operation.
+struct Work {
+    Handle call = nullptr;
+    Handle answer = nullptr;
+    bool isByCore = false;  // as its class says
+};
+using WorkTable = std::array<Work, kOperations.size()>;
+
+WorkTable MakeWork() {
+    WorkTable table{};
+    for (std::size_t index = 0; index < table.size(); ++index)
+        table[index].isByCore =
+            std::ranges::find(kCoreCalls, kOperations[index].className) != std::end(kCoreCalls);
+    for (const auto& handlers :
+         {NodeHandlers(), OwnerHandlers(), BracketHandlers(), SnapshotHandlers()})
+        for (const Handler& handler : handlers) {
+            Work& work = table[static_cast<std::size_t>(handler.operation)];
+            work.call = handler.call;
+            work.answer = handler.answer;
+        }
+    return table;
+}
+
+const Work& WorkOf(Operation operation) {
+    static const WorkTable table = MakeWork();
+    return table[static_cast<std::size_t>(operation)];
+}
+
+bool IsSnapshot(ObjectKind kind) {
+    return kind >= ObjectKind::kSnapshot && kind <= ObjectKind::kShapeSnapshot;
+}
+
+bool IsByCore(const OpenCall& call) {
+    const ObjectKind kind = KindOf(call.object);
+    if (call.place.operation == MessageNode_Receive) return kind == ObjectKind::kAdaptorMessageNode;
+    return WorkOf(call.place.operation).isByCore || kind == ObjectKind::kNode || IsSnapshot(kind);
+}
+
+std::string_view NameOf(Books& books, const OpenCall& call) {
+    if (call.node) return call.node->name;
+    const auto owner = books.owners.find(call.object);
+    return owner == books.owners.end() ? std::string_view() : owner->second.name;
+}
+
+// Finds what the call is on. False: nobody meets it there.
+bool FindObject(Books& books, OpenCall& call) {
+    const ObjectKind kind = KindOf(call.object);
+    if (kind == ObjectKind::kNode) call.node = &NodeOf(books, call.object);
+    if (!IsSnapshot(kind)) return true;
+    const auto place = books.snapshots.find(call.object);
+    if (place == books.snapshots.end()) return false;
+    call.snapshot = &place->second;
+    call.node = call.snapshot->node;
+    return true;
+}
+
+// Whether the call is one that finds its object as it should. What is used of a node that has ended
+// does nothing, which is allowed of its snapshots alone.
+bool IsMet(Books& books, const OpenCall& call) {
+    if (books.hasLeft) {
+        books.found.Add(Rule::kAfterDetach, call.place, NameOf(books, call));
+        return false;
+    }
+    if (call.thread != 0) books.found.Add(Rule::kOtherThread, call.place, NameOf(books, call));
+    if (!call.node || call.place.operation == CNode_ReleaseNode) return true;
+    if (!call.snapshot) return !TellIfEnded(books, call.place, call.object);
+    if (call.node->life == Life::kEnded) return false;
+    if (!call.snapshot->isOut) books.found.Add(Rule::kUseAfterRelease, call.place, call.node->name);
+    return call.snapshot->isOut;
+}
+
+// A Core may refuse to start, and to give or to take state, by throwing.
+bool MayThrow(const OpenCall& call) {
+    switch (call.place.operation) {
+        case Routine_attach:
+        case CoreInterface_GetCoreState:
+        case CoreInterface_SetCoreState:
+            return true;
+        case CExtendable_HandleExtension:
+            return call.said[0] == TVL::kSceneBeingSaved;
+        default:
+            return false;
+    }
+}
+
+void TakeThrown(Books& books, const OpenCall& call, ValueReader& words) {
+    if (call.isByCore) return;
+    if (!MayThrow(call))
+        books.found.Add(Rule::kExceptionOut, call.place, NameOf(books, call),
+                        [&] { return std::string(words.Text()); });
+    PutBack(books, call);
+}
+
+void TakeEnd(Books& books, OpenCall& call, const Record& record) {
+    ValueReader values(record);
+    if (call.place.operation == CExtendable_HandleExtension && call.object == books.owner43)
+        books.owner43 = 0;
+    const Handle answer = WorkOf(call.place.operation).answer;
+    if (record.head.kind == RecordKind::kThrown)
+        TakeThrown(books, call, values);
+    else if (answer && !call.isDropped && FindObject(books, call))
+        answer(books, call, values);
+    if (call.place.operation != Routine_detach) return;
+    TellLeftOpen(books);
+    TellLeftNodes(books);
+    books.hasLeft = true;
+}
+
+}  // namespace
+
+// What is known, and how far records are trusted.
+struct Session {
+    Books books;
+    std::uint64_t lastNumber = 0;
+    bool isBlind = true;  // until a session begins
+    bool hasSeenAll = true;
+
+    void Begin() {
+        Books fresh;
+        std::swap(fresh.found, books.found);
+        books = std::move(fresh);
+        lastNumber = 0;
+        isBlind = false;
+    }
+
+    void GoBlind() {
+        isBlind = true;
+        hasSeenAll = false;
+    }
+
+    // What a tape tells once more has an older number, or none.
+    bool IsNext(const RecordHead& head) {
+        if (head.call > lastNumber + 1) return false;
+        lastNumber = std::max(lastNumber, head.call);
+        return true;
+    }
+
+    void TakeCall(const Record& record) {
+        const RecordHead& head = record.head;
+        OpenCall& call = books.calls.emplace_back();
+        call.place = {head.call, head.milliseconds, head.operation};
+        call.object = head.object;
+        call.thread = head.thread;
+        call.groups = books.groups.size();
+        call.recordings = books.recordings.size();
+        call.focuses = books.focuses.size();
+        call.isByCore = IsByCore(call);
+        call.isDropped = !FindObject(books, call) || (call.isByCore && !IsMet(books, call));
+        const Handle handle = WorkOf(head.operation).call;
+        ValueReader values(record);
+        if (handle && !call.isDropped) handle(books, call, values);
+        call.node = nullptr;
+        call.snapshot = nullptr;
+    }
+
+    // Where a call inside has no end, records are missing.
+    void TakeEndOf(const Record& record) {
+        std::vector<OpenCall>& calls = books.calls;
+        auto place = calls.end();
+        while (place != calls.begin()) {
+            --place;
+            if (place->place.call == record.head.call) {
+                TakeEnd(books, *place, record);
+                calls.erase(place);
+                return;
+            }
+            if (place->thread == record.head.thread) break;
+        }
+        GoBlind();
+    }
+
+    void TakeObject(const Record& record) {
+        ValueReader values(record);
+        const ObjectFacts facts = values.Facts();
+        const ObjectId id = record.head.object;
+        if (KindOf(id) == ObjectKind::kNode) KnowNode(books, id, facts);
+        if (KindOf(id) == ObjectKind::kOwner) books.owners[id].name = facts.name;
+    }
+
+    void Take(const Record& record) {
+        switch (record.head.kind) {
+            case RecordKind::kAnswer:
+            case RecordKind::kThrown:
+                return TakeEndOf(record);
+            case RecordKind::kSession:
+                Begin();
+                break;
+            default:
+                break;
+        }
+        if (isBlind) return;
+        if (!IsNext(record.head)) return GoBlind();
+        ValueReader values(record);
+        if (record.head.kind == RecordKind::kCall) TakeCall(record);
+        if (record.head.kind == RecordKind::kObject) TakeObject(record);
+        if (record.head.kind == RecordKind::kMesh) TakeMesh(books, values);
+    }
+};
+
+}  // namespace watching
+
+struct Watch::State : watching::Session {};
+
+Watch::Watch() : state_(std::make_unique<State>()) {}
+Watch::~Watch() = default;
+
+void Watch::Take(const Record& record, std::span<const std::byte>) noexcept {
+    if (state_->isBlind && record.head.kind != RecordKind::kSession) return;
+    try {
+        state_->Take(record);
+    } catch (...) {
+        state_->GoBlind();
+    }
+}
+
+const std::vector<Finding>& Watch::Findings() const {
+    return state_->books.found.All();
+}
+
+bool Watch::HasSeenAll() const {
+    return state_->hasSeenAll;
+}
+
+}  // namespace recorder
