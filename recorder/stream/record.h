@@ -83,6 +83,13 @@ struct RecordHead {
 };
 static_assert(sizeof(RecordHead) == 32 && std::is_trivially_copyable_v<RecordHead>);
 
+// The last word of a head.
+constexpr std::uint64_t WordOf(std::uint32_t milliseconds, RecordKind kind, std::uint8_t thread,
+                               std::uint8_t nesting, Operation operation) {
+    return milliseconds | static_cast<std::uint64_t>(kind) << 32 | std::uint64_t{thread} << 40 |
+           std::uint64_t{nesting} << 48 | static_cast<std::uint64_t>(operation) << 56;
+}
+
 inline constexpr std::size_t kHeadWords = sizeof(RecordHead) / 8;
 inline constexpr std::size_t kLargestRecord = std::size_t{1} << 31;  // bytes
 

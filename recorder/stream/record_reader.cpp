@@ -216,10 +216,11 @@ bool AreValuesGood(const Record& record) {
     return values.IsGood() && values.IsAtEnd();
 }
 
-std::optional<Record> ReadRecord(std::span<const std::uint64_t> words) {
+std::optional<Record> ReadRecord(std::span<const std::uint64_t> words, std::uint32_t salt) {
     if (words.size() < kHeadWords) return std::nullopt;
     RecordHead head;
     std::memcpy(static_cast<void*>(&head), words.data(), sizeof head);
+    head.checksum ^= salt;
     const std::size_t size = head.size / 8;
     if (head.size % 8 != 0 || size < kHeadWords || size > words.size()) return std::nullopt;
     if (ChecksumOf(words.first(size)) != head.checksum) return std::nullopt;

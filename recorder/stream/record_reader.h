@@ -60,7 +60,7 @@ std::string_view LettersOf(const RecordHead& head);
 bool AreValuesGood(const Record& record);
 
 // The record that begins at the first word, if one is there whole: its size is within the words and
-// its checksum right.
-std::optional<Record> ReadRecord(std::span<const std::uint64_t> words);
+// its checksum right. A salt is what its checksum was combined with, by exclusive or.
+std::optional<Record> ReadRecord(std::span<const std::uint64_t> words, std::uint32_t salt = 0);
 
 }  // namespace recorder

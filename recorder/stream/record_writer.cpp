@@ -116,13 +116,22 @@ void RecordWriter::PutMeshContent(MeshId id, const TVL::CMesh& mesh) {
     TakeApart(mesh, [this](std::uint64_t word) { Word(word); });
 }
 
+// Word by word, since what was just stored is read at once in no other size.
 Record RecordWriter::End() {
     const std::span<std::uint64_t> words = Written();
-    words.front() = words.size_bytes();
-    words.front() |= std::uint64_t{ChecksumOf(words)} << 32;
-    RecordHead head;
-    std::memcpy(static_cast<void*>(&head), words.data(), sizeof head);
-    return {head, words.subspan(kHeadWords)};
+    Record record{.head = {}, .values = words.subspan(kHeadWords)};
+    record.head.size = static_cast<std::uint32_t>(words.size_bytes());
+    words[0] = record.head.size;
+    record.head.checksum = ChecksumOf(words);
+    words[0] |= std::uint64_t{record.head.checksum} << 32;
+    record.head.call = words[1];
+    record.head.object = words[2];
+    record.head.milliseconds = static_cast<std::uint32_t>(words[3]);
+    record.head.kind = static_cast<RecordKind>(words[3] >> 32);
+    record.head.thread = static_cast<std::uint8_t>(words[3] >> 40);
+    record.head.nesting = static_cast<std::uint8_t>(words[3] >> 48);
+    record.head.operation = static_cast<Operation>(words[3] >> 56);
+    return record;
 }
 
 MeshId IdOf(const TVL::CMesh& mesh) {
@@ -132,15 +141,14 @@ MeshId IdOf(const TVL::CMesh& mesh) {
 }
 
 std::uint32_t ChecksumOf(std::span<const std::uint64_t> words) {
-    std::uint64_t sums[4] = {Mix(0, static_cast<std::uint32_t>(words.front()))};
-    std::size_t at = 1;
-    for (; at < words.size() && at % 4 != 0; ++at)
-        sums[at] = Mix(0, words[at]);
+    std::uint64_t sums[4] = {Mix(0, static_cast<std::uint32_t>(words[0])), Mix(0, words[1]),
+                             Mix(0, words[2]), Mix(0, words[3])};
+    std::size_t at = 4;
     for (; at + 4 <= words.size(); at += 4)
         for (std::size_t i = 0; i < 4; ++i)
             sums[i] = Mix(sums[i], words[at + i]);
-    for (; at < words.size(); ++at)
-        sums[at % 4] = Mix(sums[at % 4], words[at]);
+    for (std::size_t i = 0; at + i < words.size(); ++i)
+        sums[i] = Mix(sums[i], words[at + i]);
     const std::uint64_t one = sums[0] ^ std::rotl(sums[1], 16);
     const std::uint64_t other = sums[2] ^ std::rotl(sums[3], 32);
     const std::uint64_t hash = Mix(Mix(0, one), other);

@@ -28,8 +28,15 @@ class RecordWriter {
   public:
     // What was written is gone. A head's size and checksum are set at the end.
     void Begin(const RecordHead& head) {
+        Begin(head.call, head.object,
+              WordOf(head.milliseconds, head.kind, head.thread, head.nesting, head.operation));
+    }
+    void Begin(std::uint64_t call, ObjectId object, std::uint64_t lastWord) {
         at_ = words_.get();
-        std::memcpy(Room(kHeadWords), &head, sizeof head);
+        std::uint64_t* const head = Room(kHeadWords);
+        head[1] = call;
+        head[2] = object;
+        head[3] = lastWord;
     }
 
     void Put(bool value) { Word(value ? 1 : 0); }
@@ -82,9 +89,9 @@ class RecordWriter {
 
 MeshId IdOf(const TVL::CMesh& mesh);
 
-// Of a record's words, but for the place of the checksum itself, the higher half of the first one:
-// four sums, of each fourth word, which do not wait for one another. Any change of one word alone
-// changes it, unless 32 bits of 64 happen to be the same.
+// Of a record's words, four or more, but for the place of the checksum itself, the higher half of
+// the first one: four sums, of each fourth word, which do not wait for one another. A change of one
+// word alone always changes the 64 bits of which these 32 are made.
 std::uint32_t ChecksumOf(std::span<const std::uint64_t> words);
 
 }  // namespace recorder

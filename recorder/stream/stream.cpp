@@ -1,22 +1,20 @@
 #include "recorder/stream/stream.h"
 
 #include <algorithm>
-#include <chrono>
-#include <thread>
 
-#if !defined(_WIN32)
+#if defined(_WIN32)
+#include "platform/win32.h"
+#else
 #include <ctime>
 #endif
 
 namespace recorder {
 namespace {
 
-// A clock that costs next to nothing to read; it moves by a few milliseconds at a time.
-std::uint64_t Milliseconds() {
+// A clock that costs next to nothing to read; it moves by some milliseconds at a time.
+std::uint64_t MillisecondsNow() {
 #if defined(_WIN32)
-    using std::chrono::duration_cast;
-    const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    return static_cast<std::uint64_t>(duration_cast<std::chrono::milliseconds>(now).count());
+    return GetTickCount64();
 #else
     timespec now{};
     clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
@@ -25,77 +23,49 @@ std::uint64_t Milliseconds() {
 #endif
 }
 
-// Where this thread stands in the session that it called last.
-struct ThreadState {
-    std::uint64_t session = 0;
-    std::uint32_t nesting = 0;
-    std::uint8_t number = 0;
-};
-thread_local ThreadState here;
-
-std::atomic<std::uint64_t> sessions{0};
-
-constexpr std::uint8_t kMost = 255;
-
 }  // namespace
 
-void Stream::Turn::Wait() {
-    std::this_thread::yield();
-}
-
 void Stream::BeginSession(const SessionFacts& facts) noexcept {
-    const Turn turn(isTaken_);
-    session_ = ++sessions;
+    turns_.Favour();
+    const Turn turn(turns_);
     lastNumber_ = 0;
-    threads_ = 0;
-    beganAt_ = Milliseconds();
+    callers_.resize(1);
+    callers_.front() = {.thread = ThisThread()};
+    rest_ = {.number = kMost};
+    beganAt_ = MillisecondsNow();
     meshes_.clear();
-    Tell(HeadOf(RecordKind::kSession, 0, {}), facts.moment, facts.interface, facts.platform,
-         facts.core, facts.by);
+    Begin(RecordKind::kSession, callers_.front(), 0, {}, facts.moment, facts.interface,
+          facts.platform, facts.core, facts.by);
 }
 
-RecordHead Stream::HeadOf(RecordKind kind, ObjectId object, Operation operation) noexcept {
-    if (here.session != session_) {
-        here = {session_, 0, threads_};
-        if (threads_ < kMost) ++threads_;
+Stream::Caller& Stream::OtherCaller() noexcept {
+    const std::uintptr_t thread = ThisThread();
+    const auto known = std::ranges::find(callers_, thread, &Caller::thread);
+    if (known != callers_.end()) return *known;
+    if (callers_.size() == kMost) return rest_;
+    try {
+        return callers_.emplace_back(
+            Caller{.thread = thread, .number = static_cast<std::uint8_t>(callers_.size())});
+    } catch (...) {
+        return rest_;
     }
-    RecordHead head;
-    head.call = ++lastNumber_;
-    head.object = object;
-    head.milliseconds = static_cast<std::uint32_t>(Milliseconds() - beganAt_);
-    head.kind = kind;
-    head.thread = here.number;
-    head.nesting = static_cast<std::uint8_t>(std::min<std::uint32_t>(here.nesting, kMost));
-    head.operation = operation;
-    return head;
 }
 
-RecordHead Stream::EndOf(RecordKind kind, std::uint64_t call, ObjectId object,
-                         Operation operation) noexcept {
-    if (here.session == session_ && here.nesting > 0) --here.nesting;
-    RecordHead head;
-    head.call = call;
-    head.object = object;
-    head.kind = kind;
-    head.thread = here.number;
-    head.nesting = static_cast<std::uint8_t>(std::min<std::uint32_t>(here.nesting, kMost));
-    head.operation = operation;
-    return head;
-}
-
-void Stream::Enter() noexcept {
-    ++here.nesting;
+std::uint32_t Stream::Milliseconds() const noexcept {
+    return static_cast<std::uint32_t>(MillisecondsNow() - beganAt_);
 }
 
 MeshId Stream::Know(const TVL::CMesh& mesh) noexcept {
     const MeshId id = IdOf(mesh);
-    const Turn turn(isTaken_);
+    const Turn turn(turns_);
     try {
         if (!meshes_.insert(id).second) return id;
-        writer_.Begin(HeadOf(RecordKind::kMesh, 0, {}));
+        writer_.Begin(++lastNumber_, 0,
+                      LastWord(Milliseconds(), RecordKind::kMesh, ThisCaller(), {}));
         writer_.PutMeshContent(id, mesh);
         HandOn();
     } catch (...) {
+        meshes_.erase(id);
         ++lost_;
     }
     return id;

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <string_view>
 #include <unordered_set>
 #include <vector>
 
 #include "recorder/stream/record_writer.h"
+#include "recorder/stream/turn.h"
 
 namespace recorder {
 
@@ -52,33 +52,33 @@ class Stream {
     // order of the operation's row.
     template <class... Values>
     std::uint64_t Call(Operation operation, ObjectId object, const Values&... values) noexcept {
-        const Turn turn(isTaken_);
-        const RecordHead head = HeadOf(RecordKind::kCall, object, operation);
-        Tell(head, values...);
-        Enter();
-        return head.call;
+        const Turn turn(turns_);
+        Caller& caller = ThisCaller();
+        const std::uint64_t call = Begin(RecordKind::kCall, caller, object, operation, values...);
+        ++caller.nesting;
+        return call;
     }
 
     // Tell how the call ended, on its thread.
     template <class... Values>
     void Answer(std::uint64_t call, Operation operation, ObjectId object,
                 const Values&... values) noexcept {
-        const Turn turn(isTaken_);
-        Tell(EndOf(RecordKind::kAnswer, call, object, operation), values...);
+        const Turn turn(turns_);
+        End(RecordKind::kAnswer, call, object, operation, values...);
     }
     void Thrown(std::uint64_t call, Operation operation, ObjectId object,
                 std::string_view words) noexcept {
-        const Turn turn(isTaken_);
-        Tell(EndOf(RecordKind::kThrown, call, object, operation), words);
+        const Turn turn(turns_);
+        End(RecordKind::kThrown, call, object, operation, words);
     }
 
     void Know(ObjectId object, const ObjectFacts& facts) noexcept {
-        const Turn turn(isTaken_);
-        Tell(HeadOf(RecordKind::kObject, object, {}), facts);
+        const Turn turn(turns_);
+        Begin(RecordKind::kObject, ThisCaller(), object, {}, facts);
     }
     void Note(std::string_view word, std::string_view about) noexcept {
-        const Turn turn(isTaken_);
-        Tell(HeadOf(RecordKind::kNote, 0, {}), word, about);
+        const Turn turn(turns_);
+        Begin(RecordKind::kNote, ThisCaller(), 0, {}, word, about);
     }
 
     // The mesh's id, behind a record of its content if that is new.
@@ -90,46 +90,76 @@ class Stream {
     std::uint64_t Lost() const { return lost_; }
 
   private:
-    // Of one thread at a time. It is short, and seldom contended.
+    // Where a thread stands in the session.
+    struct Caller {
+        std::uintptr_t thread = 0;
+        std::uint32_t nesting = 0;
+        std::uint8_t number = 0;
+    };
+    static constexpr std::uint8_t kMost = 255;
+
     class Turn {
       public:
-        explicit Turn(std::atomic_flag& isTaken) : isTaken_(isTaken) {
-            while (isTaken_.test_and_set(std::memory_order_acquire))
-                Wait();
-        }
-        ~Turn() { isTaken_.clear(std::memory_order_release); }
+        explicit Turn(Turns& turns) : turns_(turns) { turns_.Take(); }
+        ~Turn() { turns_.Give(); }
         Turn(const Turn&) = delete;
         Turn& operator=(const Turn&) = delete;
 
       private:
-        static void Wait();
-        std::atomic_flag& isTaken_;
+        Turns& turns_;
     };
 
+    Caller& ThisCaller() noexcept {
+        return callers_.front().thread == ThisThread() ? callers_.front() : OtherCaller();
+    }
+    Caller& OtherCaller() noexcept;
+
+    // A record of the next number, which it gives.
     template <class... Values>
-    void Tell(const RecordHead& head, const Values&... values) noexcept try {
-        writer_.Begin(head);
+    std::uint64_t Begin(RecordKind kind, const Caller& caller, ObjectId object, Operation operation,
+                        const Values&... values) noexcept {
+        const std::uint64_t number = ++lastNumber_;
+        Tell(number, object, LastWord(Milliseconds(), kind, caller, operation), values...);
+        return number;
+    }
+
+    // The record of a call's end.
+    template <class... Values>
+    void End(RecordKind kind, std::uint64_t call, ObjectId object, Operation operation,
+             const Values&... values) noexcept {
+        Caller& caller = ThisCaller();
+        if (caller.nesting > 0) --caller.nesting;
+        Tell(call, object, LastWord(0, kind, caller, operation), values...);
+    }
+
+    static std::uint64_t LastWord(std::uint32_t milliseconds, RecordKind kind, const Caller& caller,
+                                  Operation operation) noexcept {
+        const auto nesting =
+            static_cast<std::uint8_t>(caller.nesting < kMost ? caller.nesting : kMost);
+        return WordOf(milliseconds, kind, caller.number, nesting, operation);
+    }
+
+    template <class... Values>
+    void Tell(std::uint64_t call, ObjectId object, std::uint64_t lastWord,
+              const Values&... values) noexcept try {
+        writer_.Begin(call, object, lastWord);
         (writer_.Put(values), ...);
         HandOn();
     } catch (...) {
         ++lost_;
     }
     void HandOn() noexcept;
+    std::uint32_t Milliseconds() const noexcept;  // of the session
 
-    // With the next number, the time, and where this thread stands.
-    RecordHead HeadOf(RecordKind kind, ObjectId object, Operation operation) noexcept;
-    RecordHead EndOf(RecordKind kind, std::uint64_t call, ObjectId object,
-                     Operation operation) noexcept;  // leaves the call
-    void Enter() noexcept;
-
-    std::atomic_flag isTaken_;
+    Turns turns_;
     RecordWriter writer_;
     std::vector<Sink*> sinks_;
     std::unordered_set<MeshId> meshes_;
-    std::uint64_t session_ = 0;  // no other stream, and no session before, has it
+    std::vector<Caller> callers_ =
+        std::vector<Caller>(1);  // at least that of the session's own thread
+    Caller rest_;                // of the threads for which there is no number
     std::uint64_t lastNumber_ = 0;
     std::uint64_t beganAt_ = 0;  // milliseconds
-    std::uint8_t threads_ = 0;   // that have called so far
     std::uint64_t lost_ = 0;
 };
 

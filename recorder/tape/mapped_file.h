@@ -8,10 +8,11 @@
 
 namespace recorder {
 
-// A file of which one part at a time is memory: what is written there is in the file at once for
-// every process, and stays there however this process ends. Room on the disk is set aside before a
-// part is mapped, so that a full disk is an answer and no fault. No other process can have the file
-// in this way at the same time; anybody can read it.
+// A file whose beginning is memory: what is written there is in the file at once for every process,
+// and stays there however this process ends. Room on the disk is set aside before it is mapped, so
+// that a full disk is an answer and no fault. What lies behind it is written in large pieces, which
+// costs a third of what mapping it would. No other process can have the file in this way at the
+// same time; anybody can read it.
 class MappedFile {
   public:
     // Makes the file where there is none. Null, and why not in the system's words, if it cannot be
@@ -27,9 +28,12 @@ class MappedFile {
     // What is there of the bytes from that offset on.
     std::size_t Read(std::uint64_t offset, std::span<std::byte> bytes) const;
 
-    // The bytes from that offset on, both multiples of 64 KiB; the file grows to that, with zeros.
-    // The part that was mapped before is so no longer. Empty, and why not, if there is no room.
-    std::span<std::byte> Map(std::uint64_t offset, std::size_t size, std::string& whyNot);
+    // The file's first bytes, a multiple of 64 KiB; it grows to that, with zeros. Empty, and why
+    // not, if there is no room. Once for a file.
+    std::span<std::byte> Map(std::size_t size, std::string& whyNot);
+
+    // Writes behind what is mapped. Empty, or why not; there can be a part of it then.
+    std::string Write(std::uint64_t offset, std::span<const std::byte> bytes);
 
     // Waits until all that was written is on the disk. Empty, or why it is not.
     std::string Sync();
@@ -44,8 +48,8 @@ class MappedFile {
     MappedFile() = default;
     void Unmap();
 
-    std::intptr_t file_ = -1;  // the system's
-    std::span<std::byte> part_;
+    std::intptr_t file_ = -1;  // the system's number or handle
+    std::span<std::byte> mapped_;
 };
 
 }  // namespace recorder

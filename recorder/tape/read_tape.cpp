@@ -54,22 +54,37 @@ class Segments {
         if (size == 0) throw std::runtime_error(name + ": it is no tape");
         for (std::size_t at = 0; at < file.size(); at += size)
             TakeIn(name, file.subspan(at, std::min(size, file.size() - at)), at * 8, size * 8);
-        std::ranges::stable_sort(list, {}, [](const Segment& one) { return one.head.number; });
+        Sort();
     }
 
     std::vector<Segment> list;
 
   private:
+    // The first place has none for a moment, when one was copied and the next one begins.
     void TakeIn(const std::string& name, std::span<const std::uint64_t> words, std::uint64_t offset,
                 std::uint64_t bytes) {
         const auto head = ReadSegmentHead(words);
         if (head && head->version > kTapeVersion)
             throw std::runtime_error(name + ": " + kNewerTape);
         if (head && head->bytes == bytes)
-            list.push_back({*head, offset, ReadSegment(words)});
-        else if (!IsBlank(words))
+            list.push_back({*head, offset, ReadSegment(words, head->number)});
+        else if (!IsBlank(words) && (offset > 0 || words.front() != 0))
             damages_.push_back(
                 At(offset, "the head of a segment is damaged, which is passed over"));
+    }
+
+    // Of one that was just being copied there are two, of which one can be a part.
+    void Sort() {
+        const auto order = [](const Segment& one, const Segment& other) {
+            return one.head.number != other.head.number ? one.head.number < other.head.number
+                                                        : one.contents.end > other.contents.end;
+        };
+        const auto isSame = [](const Segment& one, const Segment& other) {
+            return one.head.number == other.head.number;
+        };
+        std::ranges::stable_sort(list, order);
+        const auto twice = std::ranges::unique(list, isSame);
+        list.erase(twice.begin(), twice.end());
     }
 
     std::vector<std::string>& damages_;

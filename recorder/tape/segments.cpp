@@ -50,14 +50,15 @@ std::optional<SegmentHead> ReadSegmentHead(std::span<const std::uint64_t> words)
 }
 
 // A damaged piece is passed over where a good one follows at the place that it tells.
-SegmentContents ReadSegment(std::span<const std::uint64_t> segment) {
+SegmentContents ReadSegment(std::span<const std::uint64_t> segment, std::uint64_t number) {
+    const std::uint32_t salt = SaltOf(number);
     SegmentContents contents;
     std::size_t at = kSegmentHeadWords;
     while (at < segment.size()) {
         const auto rest = segment.subspan(at);
-        const auto record = ReadRecord(rest);
+        const auto record = ReadRecord(rest, salt);
         const std::size_t size = record ? record->head.size / 8 : SizeSaid(rest);
-        if (!record && (size == 0 || !ReadRecord(rest.subspan(size)))) break;
+        if (!record && (size == 0 || !ReadRecord(rest.subspan(size), salt))) break;
         contents.pieces.push_back({at, record});
         at += size;
     }

@@ -8,8 +8,9 @@
 
 #include "recorder/stream/record.h"
 
-// The form of a tape (docs/tape.md): segments of one size, each a head and records behind it up to
-// a word of zeros or its end.
+// The form of a tape (docs/tape.md): places of one size, each with a segment, which is a head and
+// records behind it up to a word of zeros or the end of the place. The first place has the newest
+// segment, which records are added to; when it is full it is copied to another one.
 namespace recorder {
 
 inline constexpr std::uint64_t kSegmentMagic = 0x6570'6154'736d'754c;  // "LumsTape"
@@ -43,7 +44,13 @@ inline bool IsToldAgain(const RecordHead& head) {
            (head.kind == RecordKind::kObject || head.kind == RecordKind::kSession);
 }
 
-// With its checksum; of a record, that and its size.
+// What the checksums of records in a segment are combined with, so that what lay at its place
+// before is never taken for a part of it.
+constexpr std::uint32_t SaltOf(std::uint64_t number) {
+    return static_cast<std::uint32_t>(number) * 0x9e37'79b1;
+}
+
+// With its checksum; of a record, that and its size, without salt.
 SegmentHead Sealed(SegmentHead head);
 void Seal(std::span<std::uint64_t> record);
 
@@ -60,6 +67,6 @@ struct SegmentContents {
     std::vector<Piece> pieces;
     std::size_t end = 0;  // word behind the last piece
 };
-SegmentContents ReadSegment(std::span<const std::uint64_t> segment);
+SegmentContents ReadSegment(std::span<const std::uint64_t> segment, std::uint64_t number);
 
 }  // namespace recorder

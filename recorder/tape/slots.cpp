@@ -1,6 +1,7 @@
 #include "recorder/tape/slots.h"
 
 #include <algorithm>
+#include <span>
 #include <tuple>
 
 namespace recorder {
@@ -22,14 +23,20 @@ bool Slots::IsSaved(const Slot& slot) const {
     return true;
 }
 
-std::size_t Slots::Next(std::size_t most) const {
-    const auto place = [this](auto slot) {
-        return static_cast<std::size_t>(slot - slots_.begin());
+void Slots::CopyNewest(std::size_t place) {
+    Clear(place);
+    slots_[place] = slots_.front();
+}
+
+std::size_t Slots::PlaceForNewest(std::size_t most) const {
+    const auto others = std::span(slots_).subspan(1);
+    const auto place = [&](auto slot) {
+        return static_cast<std::size_t>(slot - others.begin()) + 1;
     };
-    const auto free = std::ranges::find(slots_, std::uint64_t{0}, &Slot::number);
-    if (free != slots_.end() || slots_.size() < most) return place(free);
+    const auto free = std::ranges::find(others, std::uint64_t{0}, &Slot::number);
+    if (free != others.end() || slots_.size() < most) return place(free);
     return place(std::ranges::min_element(
-        slots_, {}, [this](const Slot& slot) { return std::tuple(!IsSaved(slot), slot.number); }));
+        others, {}, [this](const Slot& slot) { return std::tuple(!IsSaved(slot), slot.number); }));
 }
 
 }  // namespace recorder

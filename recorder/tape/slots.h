@@ -7,20 +7,22 @@
 
 namespace recorder {
 
-// Which segment lies at which place of a tape's file, and which is to make room for a new one.
+// Which segment lies at which place of a tape's file, and which is to make room for another one.
+// The first place has the newest.
 class Slots {
   public:
     void Put(std::size_t place, std::uint64_t number, std::uint64_t session);
     void SessionBegan(std::size_t place, std::uint64_t session);  // within the segment there
+    void Clear(std::size_t place) { Put(place, 0, 0); }
+    void CopyNewest(std::size_t place);
 
     // What the session has done up to the segment of that number is in a scene.
     void Saved(std::uint64_t session, std::uint64_t number) { saves_[session] = number; }
 
-    // The place for the next segment of a file with room for so many: one that is free, else that
-    // of the oldest segment all of whose work was saved, else that of the oldest.
-    std::size_t Next(std::size_t most) const;
+    // Where the newest segment is to be copied in a file with so many places: one that is free,
+    // else that of the oldest segment all of whose work was saved, else that of the oldest.
+    std::size_t PlaceForNewest(std::size_t most) const;
 
-    bool IsUsed(std::size_t place) const { return place < slots_.size() && slots_[place].number; }
     std::size_t Count() const { return slots_.size(); }
 
   private:
@@ -31,7 +33,7 @@ class Slots {
     };
     bool IsSaved(const Slot& slot) const;
 
-    std::vector<Slot> slots_;
+    std::vector<Slot> slots_ = std::vector<Slot>(1);
     std::unordered_map<std::uint64_t, std::uint64_t> saves_;  // number of a session's last segment
 };
 

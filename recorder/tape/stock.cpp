@@ -56,6 +56,11 @@ void TakeIn(std::size_t place, const SegmentHead& head, const SegmentContents& c
     }
     stock.session = std::max(stock.session, session);
     if (head.number < stock.newest.number) return;
+    if (head.number == stock.newest.number) {
+        // It was just being copied, and the first place still has it.
+        stock.slots.Clear(place);
+        return;
+    }
     stock.newest = head;
     stock.place = place;
     stock.used = contents.end * 8;
@@ -75,9 +80,9 @@ std::string TakeStock(const MappedFile& file, Stock& stock) {
         const auto head = ReadSegmentHead(segment);
         if (head && head->version > kTapeVersion) return kNewerTape;
         if (head && head->bytes == segmentBytes)
-            TakeIn(place, *head, ReadSegment(segment), stock);
+            TakeIn(place, *head, ReadSegment(segment, head->number), stock);
         else
-            stock.slots.Put(place, 0, 0);
+            stock.slots.Clear(place);
     }
     return {};
 }

@@ -13,19 +13,32 @@ namespace {
 // What is told again takes at most so much of a tape, but for the first time in a session.
 constexpr std::uint64_t kShareToldAgain = 8;
 
-// The first word comes behind all others, so that whoever finds it finds the record whole.
-void Store(std::byte* place, std::span<const std::byte> record) {
-    std::uint64_t first = 0;
-    std::memcpy(&first, record.data(), sizeof first);
-    std::memcpy(place + sizeof first, record.data() + sizeof first, record.size() - sizeof first);
-    std::atomic_ref(*reinterpret_cast<std::uint64_t*>(place))
-        .store(first, std::memory_order_release);
+std::atomic_ref<std::uint64_t> WordAt(std::byte* place) {
+    return std::atomic_ref(*reinterpret_cast<std::uint64_t*>(place));
+}
+
+// Whole words, most often few of them.
+void CopyWords(std::byte* to, const std::byte* from, std::size_t size) {
+    constexpr std::size_t kFew = 256;
+    if (size > kFew) {
+        std::memcpy(to, from, size);
+        return;
+    }
+    for (std::size_t at = 0; at < size; at += 8)
+        std::memcpy(to + at, from + at, 8);
 }
 
 bool IsOfUndoGroup(Operation operation) {
     return operation == Operation::AdaptorInterface_BeginUndoGroup ||
            operation == Operation::AdaptorInterface_EndUndoGroup ||
            operation == Operation::AdaptorInterface_CancelUndoGroup;
+}
+
+// Whether nothing more is to be done when the record is on the tape.
+bool IsPlain(const RecordHead& head) {
+    return head.kind == RecordKind::kCall ||
+           (head.kind == RecordKind::kAnswer && !IsOfUndoGroup(head.operation) &&
+            head.operation != Operation::Routine_detach);
 }
 
 }  // namespace
@@ -37,31 +50,34 @@ struct TapeWriter::State {
     std::size_t mostSegments = 0;
     Stream* stream = nullptr;
 
-    // The segment that is written to, and where its next record comes.
-    SegmentHead head{.number = 0};
-    std::size_t place = 0;
+    // The newest segment, and where its next record comes.
     std::span<std::byte> segment;
+    SegmentHead head{.number = 0};  // 0 if there is none
     std::byte* at = nullptr;
-    std::byte* end = nullptr;  // of the room for records
+    std::byte* end = nullptr;    // of the room for records
+    std::uint64_t salt = 0;      // where a record's first word has the checksum
+    bool isSynced = false;       // something of it was
+    std::uint64_t position = 0;  // of its first record
 
     int openGroups = 0;
     std::vector<std::uint64_t> sessionRecord;  // to be told again
     bool isTellingDue = false;
     std::uint64_t toldAt = 0;     // the position behind what was told again last
-    std::uint64_t toldBytes = 0;  // how much that was
+    std::uint64_t toldBytes = 0;  // how much that was, with the meshes since
     RecordWriter writer;
 
     bool isStopped = false;
     std::string whyStopped;
 
-    std::uint64_t Room() const { return static_cast<std::uint64_t>(end - at); }
-    std::uint64_t Used() const { return static_cast<std::uint64_t>(at - segment.data()); }
-    std::uint64_t Position() const {
-        return segment.empty() ? 0 : head.position + Used() - sizeof(SegmentHead);
-    }
+    std::size_t Room() const { return static_cast<std::size_t>(end - at); }
+    std::size_t Used() const { return static_cast<std::size_t>(at - segment.data()); }
+    std::uint64_t Position() const { return position + Used() - sizeof(SegmentHead); }
 
+    std::string Open();
     void Stop(const std::string& why) noexcept;
-    bool Map(std::size_t newPlace, std::uint64_t used);
+    void Sync();
+    void Store(std::span<const std::byte> record);
+    bool KeepSegment();
     bool BeginSegment(std::uint64_t session);
     bool Put(std::span<const std::byte> record, std::uint64_t session);
     void PutPart(std::span<const std::byte> record, std::size_t done, std::size_t size);
@@ -70,8 +86,27 @@ struct TapeWriter::State {
     void TellAgain(const std::function<void(const TellObject&)>& tellAll);
     void BeginSession(std::span<const std::byte> record);
     void Follow(const Record& record, std::span<const std::byte> bytes);
-    void Sync();
 };
+
+// Goes on behind what the file holds already.
+std::string TapeWriter::State::Open() {
+    std::string whyNot = TakeStock(*file, stock);
+    if (whyNot.empty()) segment = file->Map(stock.segmentBytes, whyNot);
+    if (!whyNot.empty()) return whyNot;
+    at = end = segment.data() + sizeof(SegmentHead);
+    if (stock.newest.number == 0) return {};
+    head = stock.newest;
+    position = head.position;
+    if (stock.place != 0) {
+        position += stock.used - sizeof(SegmentHead);
+        return {};
+    }
+    salt = std::uint64_t{SaltOf(head.number)} << 32;
+    at = segment.data() + stock.used;
+    end = stock.isClosed ? at : segment.data() + segment.size();
+    std::ranges::fill(segment.subspan(stock.used), std::byte{0});
+    return {};
+}
 
 void TapeWriter::State::Stop(const std::string& why) noexcept {
     isStopped = true;
@@ -83,46 +118,62 @@ void TapeWriter::State::Stop(const std::string& why) noexcept {
     }
 }
 
-// Of a segment that was begun already what is used stays, and nothing else.
-bool TapeWriter::State::Map(std::size_t newPlace, std::uint64_t used) {
-    at = end = nullptr;
-    std::string whyNot;
-    segment = file->Map(newPlace * stock.segmentBytes, stock.segmentBytes, whyNot);
-    if (segment.empty()) {
-        Stop(whyNot);
-        return false;
-    }
-    place = newPlace;
-    at = segment.data() + used;
-    end = segment.data() + segment.size();
-    return true;
+void TapeWriter::State::Sync() {
+    const std::string why = file->Sync();
+    isSynced = true;
+    if (!why.empty()) Stop(why);
 }
 
-// What lay there is wiped out on the disk, too, before anything of the new segment can come there:
-// no mixture of both is ever read.
+// At every moment there is a word of zeros, or the segment's end, behind the last record that is
+// whole: the new one's first word comes last.
+void TapeWriter::State::Store(std::span<const std::byte> record) {
+    std::uint64_t first = 0;
+    std::memcpy(&first, record.data(), sizeof first);
+    CopyWords(at + 8, record.data() + 8, record.size() - 8);
+    std::byte* const next = at + record.size();
+    if (next != segment.data() + segment.size()) WordAt(next).store(0, std::memory_order_relaxed);
+    WordAt(at).store(first ^ salt, std::memory_order_release);
+    at = next;
+}
+
+// Copies the segment to where it stays. What the disk has of it already must be there on the disk
+// before another one takes its place.
+bool TapeWriter::State::KeepSegment() {
+    const std::size_t place = stock.slots.PlaceForNewest(mostSegments);
+    const std::size_t size = std::min(Used() + 8, segment.size());
+    const std::string why = file->Write(place * stock.segmentBytes, segment.first(size));
+    if (!why.empty()) {
+        Stop(why);
+        return false;
+    }
+    stock.slots.CopyNewest(place);
+    if (isSynced) Sync();
+    return !isStopped;
+}
+
 bool TapeWriter::State::BeginSegment(std::uint64_t session) {
     if (isStopped) return false;
     if (file->IsGone()) {
         Stop("the file was taken away");
         return false;
     }
-    const std::uint64_t position = Position();
-    const std::size_t next = stock.slots.Next(mostSegments);
-    const bool isUsedAnew = next < stock.slots.Count();
-    if (!Map(next, sizeof(SegmentHead))) return false;
-    if (isUsedAnew) {
-        std::memset(segment.data(), 0, segment.size());
-        Sync();
-        if (isStopped) return false;
-    }
+    if (Used() > sizeof(SegmentHead) && !KeepSegment()) return false;
+    position = Position();
     head = Sealed({.number = head.number + 1,
                    .bytes = stock.segmentBytes,
                    .position = position,
                    .session = session});
-    Store(segment.data(), std::as_bytes(std::span(&head, 1)));
-    stock.slots.Put(place, head.number, session);
+    salt = std::uint64_t{SaltOf(head.number)} << 32;
+    at = segment.data() + sizeof(SegmentHead);
+    end = segment.data() + segment.size();
+    isSynced = false;
+    WordAt(segment.data()).store(0, std::memory_order_release);
+    std::memcpy(segment.data() + 8, &head.version, sizeof head - 8);
+    WordAt(at).store(0, std::memory_order_relaxed);
+    WordAt(segment.data()).store(head.magic, std::memory_order_release);
+    stock.slots.Put(0, head.number, session);
     isTellingDue = position - toldAt >= kShareToldAgain * toldBytes;
-    if (stream != nullptr) stream->ForgetMeshes();
+    if (isTellingDue && stream != nullptr) stream->ForgetMeshes();
     return true;
 }
 
@@ -133,16 +184,14 @@ void TapeWriter::State::PutPart(std::span<const std::byte> record, std::size_t d
     std::memcpy(part.data(), &partHead, sizeof partHead);
     std::memcpy(&part[kHeadWords], record.data() + done, size);
     Seal(part);
-    Store(at, std::as_bytes(std::span(part)));
-    at += part.size() * 8;
+    Store(std::as_bytes(std::span(part)));
 }
 
 bool TapeWriter::State::Put(std::span<const std::byte> record, std::uint64_t session) {
     for (std::size_t done = 0; done < record.size();) {
         if (Room() < kLeastPart && !BeginSegment(session)) return false;
         if (done == 0 && record.size() <= Room()) {
-            Store(at, record);
-            at += record.size();
+            Store(record);
             return true;
         }
         const std::size_t size = std::min(record.size() - done, Room() - sizeof(RecordHead));
@@ -190,13 +239,10 @@ void TapeWriter::State::TellAgain(const std::function<void(const TellObject&)>& 
 
 void TapeWriter::State::BeginSession(std::span<const std::byte> record) {
     ++stock.session;
-    stock.slots.SessionBegan(place, stock.session);
+    stock.slots.SessionBegan(0, stock.session);
     sessionRecord.resize(record.size() / 8);
     std::memcpy(sessionRecord.data(), record.data(), record.size());
-    RecordHead again;
-    std::memcpy(static_cast<void*>(&again), sessionRecord.data(), sizeof again);
-    again.call = 0;
-    std::memcpy(sessionRecord.data(), &again, sizeof again);
+    sessionRecord[1] = 0;  // its number
     Seal(sessionRecord);
     openGroups = 0;
     isTellingDue = false;
@@ -209,6 +255,8 @@ void TapeWriter::State::Follow(const Record& record, std::span<const std::byte> 
     const Operation operation = record.head.operation;
     if (record.head.kind == RecordKind::kSession) {
         BeginSession(bytes);
+    } else if (record.head.kind == RecordKind::kMesh) {
+        toldBytes += bytes.size();
     } else if (IsSave(record)) {
         stock.slots.Saved(stock.session, head.number);
         end = at;
@@ -218,51 +266,31 @@ void TapeWriter::State::Follow(const Record& record, std::span<const std::byte> 
     } else if (operation == Operation::AdaptorInterface_BeginUndoGroup) {
         ++openGroups;
     } else if (IsOfUndoGroup(operation)) {
-        openGroups = std::max(openGroups - 1, 0);
-        if (openGroups == 0) Sync();
+        if (openGroups > 0 && --openGroups == 0) Sync();
     } else if (operation == Operation::Routine_detach) {
         Sync();
     }
-}
-
-void TapeWriter::State::Sync() {
-    const std::string why = file->Sync();
-    if (!why.empty()) Stop(why);
 }
 
 std::unique_ptr<TapeWriter> TapeWriter::Open(const TapeSettings& settings, std::string& whyNot) {
     auto state = std::make_unique<State>();
     state->path = settings.path;
     state->file = MappedFile::Open(settings.path, whyNot);
-    if (state->file) whyNot = TakeStock(*state->file, state->stock);
+    if (state->file) whyNot = state->Open();
     if (!whyNot.empty()) {
         whyNot = settings.path + ": " + whyNot;
         return nullptr;
     }
-    Stock& stock = state->stock;
-    state->mostSegments = std::max(settings.limit, kLeastTapeLimit) / stock.segmentBytes;
-    state->head = stock.newest;
-    if (stock.newest.number != 0) {
-        if (!state->Map(stock.place, stock.used)) {
-            whyNot = state->whyStopped;
-            return nullptr;
-        }
-        std::ranges::fill(state->segment.subspan(stock.used), std::byte{0});
-        if (stock.isClosed) state->end = state->at;
-    }
+    state->mostSegments = static_cast<std::size_t>(std::max(settings.limit, kLeastTapeLimit) /
+                                                   state->stock.segmentBytes);
     return std::unique_ptr<TapeWriter>(new TapeWriter(std::move(state)));
 }
 
 TapeWriter::TapeWriter(std::unique_ptr<State> state) : state_(std::move(state)) {}
 
-// A place behind the last segment can be there where the disk was full.
 TapeWriter::~TapeWriter() {
-    State& state = *state_;
-    const bool isLast = !state.segment.empty() && state.place + 1 == state.stock.slots.Count();
-    const std::uint64_t whole = state.stock.slots.Count() * state.stock.segmentBytes;
-    const std::uint64_t spare = isLast ? state.segment.size() - state.Used() : 0;
-    state.file->Sync();
-    state.file->Shrink(whole - spare);
+    state_->file->Sync();
+    if (state_->stock.slots.Count() == 1) state_->file->Shrink(state_->Used());
 }
 
 void TapeWriter::Join(Stream& stream) noexcept {
@@ -271,17 +299,11 @@ void TapeWriter::Join(Stream& stream) noexcept {
 
 void TapeWriter::Take(const Record& record, std::span<const std::byte> bytes) noexcept try {
     State& state = *state_;
-    if (bytes.size() <= state.Room()) {
-        Store(state.at, bytes);
-        state.at += bytes.size();
-    } else if (!state.TakeBeyond(record, bytes, onNewSegment)) {
+    if (bytes.size() <= state.Room())
+        state.Store(bytes);
+    else if (!state.TakeBeyond(record, bytes, onNewSegment))
         return;
-    }
-    const bool isPlain =
-        record.head.kind == RecordKind::kCall ||
-        (record.head.kind == RecordKind::kAnswer && !IsOfUndoGroup(record.head.operation) &&
-         record.head.operation != Operation::Routine_detach);
-    if (!isPlain) state.Follow(record, bytes);
+    if (!IsPlain(record.head)) state.Follow(record, bytes);
 } catch (...) {
     state_->Stop("there is not enough memory");
 }

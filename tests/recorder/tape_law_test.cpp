@@ -122,8 +122,9 @@ TEST(TapeLaw, DamageCostsTheRecordThatItHits_OrTheSegmentWhoseHeadItHits) {
     }
     const std::vector<std::uint8_t> whole = BytesOf(path);
     ASSERT_GT(whole.size(), 2 * kNewSegment);
+    // The first segments lie behind the place of the newest.
     std::vector<std::uint8_t> damaged = whole;
-    std::size_t at = sizeof(SegmentHead);
+    std::size_t at = kNewSegment + sizeof(SegmentHead);
     for (std::size_t i = 0; i < 100; ++i)
         at += kept.records[i].size();
     damaged[at + kept.records[100].size() - 1] ^= 1;
@@ -134,22 +135,19 @@ TEST(TapeLaw, DamageCostsTheRecordThatItHits_OrTheSegmentWhoseHeadItHits) {
     EXPECT_EQ(read.damages, std::vector{"at byte " + std::to_string(at) + ": a record is damaged"});
     EXPECT_FALSE(read.sessions.front().isWhole);
 
-    damaged = whole;
-    damaged[kNewSegment + 20] ^= 1;
-    read = ReadTape("head", damaged);
-    EXPECT_EQ(read.damages.size(), 1U);
-    const Rows rows = RowsOf(read);
-    EXPECT_EQ(read.sessions.size(), 1U);
-    EXPECT_LT(rows.size(), kept.records.size());
-    EXPECT_EQ(rows.front(), kept.records.front());
-    EXPECT_EQ(rows.back(), kept.records.back());
-
-    // From anywhere in a segment up to its end nothing was written.
-    damaged = whole;
-    std::fill_n(damaged.begin() + kNewSegment / 2, kNewSegment / 2, std::uint8_t{0});
-    read = ReadTape("hole", damaged);
-    EXPECT_EQ(read.damages.size(), 1U);
-    EXPECT_EQ(RowsOf(read).back(), kept.records.back());
+    const auto damageCostsWhatLiesBetween = [&](std::size_t from, std::size_t count) {
+        damaged = whole;
+        std::fill_n(damaged.begin() + static_cast<long>(from), count, std::uint8_t{0});
+        read = ReadTape("gap", damaged);
+        EXPECT_EQ(read.damages.size(), 1U);
+        EXPECT_EQ(read.sessions.size(), 1U);
+        const Rows rows = RowsOf(read);
+        EXPECT_LT(rows.size(), kept.records.size());
+        EXPECT_EQ(rows.front(), kept.records.front());
+        EXPECT_EQ(rows.back(), kept.records.back());
+    };
+    damageCostsWhatLiesBetween(2 * kNewSegment + 20, 8);
+    damageCostsWhatLiesBetween(3 * kNewSegment / 2, kNewSegment / 2);
 }
 
 TEST(TapeLaw, WhatASceneHoldsGoesBeforeWorkThatWasNeverSaved) {

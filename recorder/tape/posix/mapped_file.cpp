@@ -13,7 +13,7 @@
 namespace recorder {
 namespace {
 
-std::string Words(int error) {
+std::string WordsOf(int error) {
     return std::generic_category().message(error);
 }
 
@@ -25,23 +25,13 @@ bool IsBeyondLimit(std::uint64_t size) {
 }
 
 // Sets room aside; the system's number of what failed, or 0.
-int Grow(int file, std::uint64_t offset, std::size_t size) {
-    if (IsBeyondLimit(offset + size)) return EFBIG;
+int SetAside(int file, std::size_t size) {
+    if (IsBeyondLimit(size)) return EFBIG;
     int error = 0;
     do {
-        error = posix_fallocate(file, static_cast<off_t>(offset), static_cast<off_t>(size));
+        error = posix_fallocate(file, 0, static_cast<off_t>(size));
     } while (error == EINTR);
     return error;
-}
-
-// All pages at once cost far less than one by one. Older systems do not know how.
-void Populate(void* memory, std::size_t size) {
-#if defined(MADV_POPULATE_WRITE)
-    madvise(memory, size, MADV_POPULATE_WRITE);
-#else
-    static_cast<void>(memory);
-    static_cast<void>(size);
-#endif
 }
 
 }  // namespace
@@ -52,14 +42,14 @@ std::unique_ptr<MappedFile> MappedFile::Open(const std::string& path, std::strin
     const int file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, kWithinUmask);
     struct stat status {};
     if (file < 0) {
-        whyNot = Words(errno);
+        whyNot = WordsOf(errno);
         return nullptr;
     }
     opened->file_ = file;
     if (fstat(file, &status) != 0 || !S_ISREG(status.st_mode))
         whyNot = "it is no file";
     else if (flock(file, LOCK_EX | LOCK_NB) != 0)
-        whyNot = errno == EWOULDBLOCK ? "somebody is recording to it" : Words(errno);
+        whyNot = errno == EWOULDBLOCK ? "somebody is recording to it" : WordsOf(errno);
     else
         return opened;
     return nullptr;
@@ -88,36 +78,46 @@ std::size_t MappedFile::Read(std::uint64_t offset, std::span<std::byte> bytes) c
     return done;
 }
 
-std::span<std::byte> MappedFile::Map(std::uint64_t offset, std::size_t size, std::string& whyNot) {
-    Unmap();
+std::span<std::byte> MappedFile::Map(std::size_t size, std::string& whyNot) {
     const int file = static_cast<int>(file_);
-    if (const int error = Grow(file, offset, size)) {
-        whyNot = Words(error);
+    if (const int error = SetAside(file, size)) {
+        whyNot = WordsOf(error);
         return {};
     }
-    void* const memory =
-        mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, file, static_cast<off_t>(offset));
+    void* const memory = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
     if (memory == MAP_FAILED) {
-        whyNot = Words(errno);
+        whyNot = WordsOf(errno);
         return {};
     }
-    Populate(memory, size);
-    part_ = {static_cast<std::byte*>(memory), size};
-    return part_;
+    mapped_ = {static_cast<std::byte*>(memory), size};
+    return mapped_;
 }
 
 void MappedFile::Unmap() {
-    if (!part_.empty()) munmap(part_.data(), part_.size());
-    part_ = {};
+    if (!mapped_.empty()) munmap(mapped_.data(), mapped_.size());
+    mapped_ = {};
 }
 
-// Takes in what was written through a map, this one and those before.
+std::string MappedFile::Write(std::uint64_t offset, std::span<const std::byte> bytes) {
+    if (IsBeyondLimit(offset + bytes.size())) return WordsOf(EFBIG);
+    while (!bytes.empty()) {
+        const ssize_t count =
+            pwrite(static_cast<int>(file_), bytes.data(), bytes.size(), static_cast<off_t>(offset));
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return WordsOf(count < 0 ? errno : ENOSPC);
+        bytes = bytes.subspan(static_cast<std::size_t>(count));
+        offset += static_cast<std::uint64_t>(count);
+    }
+    return {};
+}
+
+// What was written through the map is taken in.
 std::string MappedFile::Sync() {
     int result = 0;
     do {
         result = fdatasync(static_cast<int>(file_));
     } while (result != 0 && errno == EINTR);
-    return result == 0 ? std::string() : Words(errno);
+    return result == 0 ? std::string() : WordsOf(errno);
 }
 
 void MappedFile::Shrink(std::uint64_t size) {

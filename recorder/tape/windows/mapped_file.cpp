@@ -27,16 +27,28 @@ DWORD Low(std::uint64_t number) {
     return static_cast<DWORD>(number & 0xffff'ffff);
 }
 
-std::byte* MapPart(HANDLE file, std::uint64_t offset, std::size_t size) {
-    const std::uint64_t end = offset + size;
+std::byte* MapBeginning(HANDLE file, std::size_t size) {
     HANDLE const map =
-        CreateFileMappingW(file, nullptr, PAGE_READWRITE, High(end), Low(end), nullptr);
+        CreateFileMappingW(file, nullptr, PAGE_READWRITE, High(size), Low(size), nullptr);
     if (map == nullptr) return nullptr;
-    void* const memory = MapViewOfFile(map, FILE_MAP_WRITE, High(offset), Low(offset), size);
+    void* const memory = MapViewOfFile(map, FILE_MAP_WRITE, 0, 0, size);
     const DWORD reason = GetLastError();
     CloseHandle(map);  // the view holds it
     SetLastError(reason);
     return static_cast<std::byte*>(memory);
+}
+
+// Bytes that one call of the system's is to move.
+DWORD AtOnce(std::size_t left) {
+    constexpr std::size_t kMost = 1 << 20;
+    return static_cast<DWORD>(std::min(left, kMost));
+}
+
+OVERLAPPED PlaceAt(std::uint64_t offset) {
+    OVERLAPPED place{};
+    place.Offset = Low(offset);
+    place.OffsetHigh = High(offset);
+    return place;
 }
 
 }  // namespace
@@ -72,11 +84,8 @@ std::uint64_t MappedFile::Size() const {
 std::size_t MappedFile::Read(std::uint64_t offset, std::span<std::byte> bytes) const {
     std::size_t done = 0;
     while (done < bytes.size()) {
-        OVERLAPPED place{};
-        place.Offset = Low(offset + done);
-        place.OffsetHigh = High(offset + done);
-        constexpr std::size_t kMostAtOnce = 1 << 20;
-        const auto wanted = static_cast<DWORD>(std::min(bytes.size() - done, kMostAtOnce));
+        OVERLAPPED place = PlaceAt(offset + done);
+        const DWORD wanted = AtOnce(bytes.size() - done);
         DWORD count = 0;
         if (ReadFile(HandleOf(file_), bytes.data() + done, wanted, &count, &place) == 0) break;
         if (count == 0) break;
@@ -86,30 +95,37 @@ std::size_t MappedFile::Read(std::uint64_t offset, std::span<std::byte> bytes) c
 }
 
 // A file that is not sparse gets its room on the disk as it grows.
-std::span<std::byte> MappedFile::Map(std::uint64_t offset, std::size_t size, std::string& whyNot) {
-    Unmap();
+std::span<std::byte> MappedFile::Map(std::size_t size, std::string& whyNot) {
     HANDLE const file = HandleOf(file_);
-    std::byte* memory = nullptr;
-    if (Size() >= offset + size || MoveEnd(file, offset + size))
-        memory = MapPart(file, offset, size);
+    std::byte* const memory =
+        Size() >= size || MoveEnd(file, size) ? MapBeginning(file, size) : nullptr;
     if (memory == nullptr) {
         whyNot = platform::WordsForLastError();
         return {};
     }
-    part_ = {memory, size};
-    return part_;
+    mapped_ = {memory, size};
+    return mapped_;
 }
 
-// What a view has written is given to the file ahead of its end, so that Sync finds it there.
 void MappedFile::Unmap() {
-    if (part_.empty()) return;
-    FlushViewOfFile(part_.data(), 0);
-    UnmapViewOfFile(part_.data());
-    part_ = {};
+    if (!mapped_.empty()) UnmapViewOfFile(mapped_.data());
+    mapped_ = {};
+}
+
+std::string MappedFile::Write(std::uint64_t offset, std::span<const std::byte> bytes) {
+    while (!bytes.empty()) {
+        OVERLAPPED place = PlaceAt(offset);
+        DWORD count = 0;
+        if (WriteFile(HandleOf(file_), bytes.data(), AtOnce(bytes.size()), &count, &place) == 0)
+            return platform::WordsForLastError();
+        bytes = bytes.subspan(count);
+        offset += count;
+    }
+    return {};
 }
 
 std::string MappedFile::Sync() {
-    const bool isWritten = part_.empty() || FlushViewOfFile(part_.data(), 0) != 0;
+    const bool isWritten = mapped_.empty() || FlushViewOfFile(mapped_.data(), 0) != 0;
     return isWritten && FlushFileBuffers(HandleOf(file_)) != 0 ? std::string()
                                                                : platform::WordsForLastError();
 }
