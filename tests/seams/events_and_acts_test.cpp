@@ -234,8 +234,8 @@ void ExpectThrownOut(Play& play, const std::string& moment) {
 }
 
 // How many calls the event makes.
-std::size_t TryPlan(const Event& event, const Names& situation, const Plan& plan) {
-    Play play;
+std::size_t TryPlan(const Event& event, const Names& situation, const Plan& plan, bool recorded) {
+    Play play(recorded);
     const std::uint64_t made = MakeScene(play);
     play.leftNoRecord = event.record == kNone;
     Do(play, situation);
@@ -252,15 +252,18 @@ std::size_t TryPlan(const Event& event, const Names& situation, const Plan& plan
     return met;
 }
 
-// The places of an event, a situation and an act in their tables.
-using Case = std::tuple<std::size_t, std::size_t, std::size_t>;
+// The places of an event, a situation and an act in their tables, and whether the Core is met
+// through the flight recorder.
+using Case = std::tuple<std::size_t, std::size_t, std::size_t, bool>;
 class EventsAndActs : public testing::TestWithParam<Case> {};
 
 // The second acts take turns, so that each meets each first act somewhere.
 TEST_P(EventsAndActs, LeaveNothingBrokenAndLoseNothing) {
-    const auto [event, situation, act] = GetParam();
-    const auto tryPlan = [&met = kEvents[event], &open = kSituations[situation].second](
-                             const Plan& plan) { return TryPlan(met, open, plan); };
+    const auto [event, situation, act, recorded] = GetParam();
+    const auto tryPlan = [&](const Plan& plan) {
+        const auto [met, open, isRecorded] = std::tie(event, situation, recorded);
+        return TryPlan(kEvents[met], kSituations[open].second, plan, isRecorded);
+    };
     const std::span<const Act> acts = play::Acts();
     const std::size_t moments = tryPlan({0, nullptr, nullptr});
     for (std::size_t moment = 0; moment < moments; ++moment) {
@@ -274,9 +277,10 @@ TEST_P(EventsAndActs, LeaveNothingBrokenAndLoseNothing) {
 }
 
 std::string Title(const testing::TestParamInfo<Case>& info) {
-    const auto [event, situation, act] = info.param;
+    const auto [event, situation, act, recorded] = info.param;
     std::string title(kEvents[event].name);
     title.append(kSituations[situation].first).append("_").append(play::Acts()[act].name);
+    if (recorded) title.append("_recorded");
     std::ranges::replace_if(
         title, [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
     return title;
@@ -285,7 +289,8 @@ std::string Title(const testing::TestParamInfo<Case>& info) {
 INSTANTIATE_TEST_SUITE_P(Seams, EventsAndActs,
                          testing::Combine(testing::Range(std::size_t{0}, std::size(kEvents)),
                                           testing::Range(std::size_t{0}, std::size(kSituations)),
-                                          testing::Range(std::size_t{0}, play::Acts().size())),
+                                          testing::Range(std::size_t{0}, play::Acts().size()),
+                                          testing::Bool()),
                          Title);
 
 }  // namespace

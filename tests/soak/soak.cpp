@@ -60,7 +60,7 @@ Look Soak::Present() {
     Look look{headless::SceneDigest(), {}, value};
     for (int index = 0; auto& rig : rigs) {
         for (TVL::CoreNode* node : rig.Nodes())
-            if (INode* const host = static_cast<CMAXNode*>(node)->HostNode())
+            if (INode* const host = Behind(node)->HostNode())
                 look.nodes.emplace_back(index, host->GetHandle());
         ++index;
     }

@@ -14,6 +14,10 @@ World::World(const WorldSettings& settings) : hasDocuments_(settings.hasDocument
     puppet::TheStage().version = settings.version;
     puppet::TheStage().onDetach = [this] { core_.Leave(); };
     if (!settings.refuses) puppet::TheStage().core = &core_;
+    if (recorder::Recorder* const recorder = settings.recorder) {
+        puppet::TheStage().between = std::bind_front(&recorder::Recorder::Attach, recorder);
+        puppet::TheStage().betweenAtEnd = std::bind_front(&recorder::Recorder::Detach, recorder);
+    }
 
     session_ = std::make_unique<headless::Session>(settings.host);
     session_->OnMessageBox(
@@ -40,7 +44,8 @@ void World::ShutDown() {
 }
 
 TVL::AdaptorInterface& World::Adaptor() {
-    return *MaxAdaptorInterface::GetInstance();
+    TVL::AdaptorInterface* const given = puppet::TheStage().adaptor;
+    return given ? *given : *MaxAdaptorInterface::GetInstance();
 }
 
 void World::Install(const std::string& core) const {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "headless/session.h"
+#include "recorder/recorder.h"
 #include "tests/support/folder/temporary_folder.h"
 #include "tests/support/puppet/stage.h"
 #include "tests/support/puppet_core.h"
@@ -15,6 +16,7 @@ struct WorldSettings {
     bool refuses = false;
     bool hasDocuments = true;
     headless::SessionSettings host{};
+    recorder::Recorder* recorder = nullptr;  // stands between, if there is one; outlives the world
 };
 
 // A running host with the adaptor and a Core that the test plays:
@@ -31,7 +33,7 @@ class World {
     ~World();
 
     headless::Session& Session() { return *session_; }
-    TVL::AdaptorInterface& Adaptor();
+    TVL::AdaptorInterface& Adaptor();  // as the Core has it, while there is one
     PuppetCore& Core() { return core_; }
     void SetOption(int option, bool value) { core_.options[option] = value; }
 

@@ -190,7 +190,7 @@ void Write(Play& play, CoreNode& node) {
         snapshot->SetWorldTransform(pose);
     else
         snapshot->SetLocalTransform(pose);
-    CheckWritten(play, *snapshot, *static_cast<CMAXNode&>(node).HostNode(), pose);
+    CheckWritten(play, *snapshot, *play.Behind(&node)->HostNode(), pose);
     node.ReleaseSnapshot(snapshot);
 }
 

@@ -2,6 +2,7 @@
 
 #include "controllers/scalar_control.h"
 #include "headless/breaches.h"
+#include "recorder/proxies/nodes.h"
 
 namespace play {
 namespace {
@@ -12,10 +13,6 @@ constexpr std::string_view kSetState = "set state ";
 template <class Work>
 std::shared_ptr<void> AtEnd(Work work) {
     return {nullptr, [work](void*) { work(); }};
-}
-
-bool IsAlive(const TVL::CNode* node) {
-    return CMAXNode::liveInstances.Find(const_cast<TVL::CNode*>(node)) != nullptr;
 }
 
 }  // namespace
@@ -29,7 +26,10 @@ std::vector<INode*> SceneNodes() {
     return nodes;
 }
 
-Play::Play() : rigs{{{"Left", *this}, {"Right", *this}}} {
+Play::Play(bool isRecorded)
+    : recorded(isRecorded ? std::make_unique<Recorded>() : nullptr),
+      rigs{{{"Left", *this}, {"Right", *this}}},
+      world({.recorder = recorded ? &recorded->recorder : nullptr}) {
     puppet::TheStage().onAttach = [this] {
         isGone_ = false;
         try {
@@ -52,6 +52,9 @@ Play::~Play() {
     if (!isGone_) Settle();
     world.ShutDown();
     EXPECT_EQ(chunksAlive, 0);
+    if (recorded) {
+        EXPECT_GT(recorded->form.Calls(), 0U);
+    }
     for (const std::string& fault : noted_)
         ADD_FAILURE() << fault;
 }
@@ -109,7 +112,12 @@ void Play::ReleaseLast() {
     if (lent.empty()) return;
     const Lent out = lent.back();
     lent.pop_back();
-    if (IsAlive(out.node)) out.node->ReleaseSnapshot(out.snapshot);
+    if (Behind(out.node)) out.node->ReleaseSnapshot(out.snapshot);
+}
+
+CMAXNode* Play::Behind(TVL::CNode* node) const {
+    TVL::CNode* const real = recorded ? recorder::NodeProxy::From(node)->Behind() : node;
+    return CMAXNode::liveInstances.Find(real);
 }
 
 std::string Play::NewName() {
@@ -129,7 +137,7 @@ std::vector<TVL::CoreNode*> Play::AllNodes() {
 void Play::ExcuseGoneNodes() {
     for (const Rig& rig : rigs)
         for (const auto& [node, restored] : rig.heard)
-            if (!restored && IsAlive(node)) loose.insert(node->GetNodeName());
+            if (!restored && Behind(node)) loose.insert(node->GetNodeName());
 }
 
 // Its plug-ins -----------------------------------------------------------------------------------
@@ -267,7 +275,7 @@ void FindFalseWords(Play& play, Faults& faults) {
 
 // What is out keeps its time, so no pool has lent it twice.
 void FindWrongSnapshots(Play& play, Faults& faults) {
-    std::erase_if(play.lent, [](const Lent& out) { return !IsAlive(out.node); });
+    std::erase_if(play.lent, [&](const Lent& out) { return !play.Behind(out.node); });
     for (const Lent& out : play.lent)
         if (out.snapshot->GetTime() != out.seconds) faults.push_back("a snapshot was lent twice");
 }
@@ -278,6 +286,9 @@ Faults Play::Broken() {
     Faults faults = std::exchange(noted_, {});
     for (const std::string& breach : headless::TakeBreachLines())
         faults.push_back(breach);
+    if (recorded)
+        for (std::string& fault : recorded->form.TakeFaults())
+            faults.push_back(std::move(fault));
     FindUnsortedKeys(faults);
     FindWrongNodes(*this, faults);
     FindFalseWords(*this, faults);

@@ -13,6 +13,7 @@
 #include "host/interface.h"
 #include "nodes/max_node.h"
 #include "nodes/node_list.h"
+#include "tests/support/play/well_formed.h"
 #include "tests/support/world.h"
 
 // A Core that can do all that a Core may do, at any moment, also in the middle of any call that the
@@ -125,7 +126,9 @@ struct Lent {
 // A process has one at a time. Its end shuts the host down, and asserts what World does.
 class Play {
   public:
-    Play();
+    // Recorded, the Core plays through the flight recorder, and what that tells must be
+    // well-formed.
+    explicit Play(bool isRecorded = false);
     ~Play();
 
     // A Core that has left does nothing any more.
@@ -148,7 +151,8 @@ class Play {
     // The same with nothing open, as after Settle.
     Faults BrokenAtRest();
 
-    std::array<Rig, 2> rigs;  // before the world, which they outlive
+    std::unique_ptr<Recorded> recorded;  // null if it is not; this and the rigs outlive the world
+    std::array<Rig, 2> rigs;
     World world;
     TVL::AdaptorInterface& Adaptor() { return world.Adaptor(); }
     headless::Session& Session() { return world.Session(); }
@@ -191,6 +195,9 @@ class Play {
         leftNoRecord = true;
         return *this;
     }
+
+    // The adaptor's node behind one of the Core's; null if it is not there any more.
+    CMAXNode* Behind(TVL::CNode* node) const;
 
     std::string NewName();                   // for a node that is made or claimed now
     std::vector<TVL::CoreNode*> AllNodes();  // of the Core's

@@ -64,6 +64,23 @@ class Button final : public TVL::Util::MessageNode {
     return &button;
 }
 
+[[maybe_unused]] CoreInterface* Attach(TVL::AdaptorInterface* adaptor) {
+    ++stage.attachCount;
+    stage.adaptor = adaptor;
+    stage.log = &TVL::Log::GetInstance;
+    stage.errorCode = &TVL::ErrorCode::GetInstance;
+    stage.litter = &Litter;
+    if (stage.onAttach) stage.onAttach();
+    return stage.core;
+}
+
+[[maybe_unused]] void Detach(CoreInterface* core) {
+    ++stage.detachCount;
+    stage.detached = core;
+    if (stage.onDetach) stage.onDetach();
+    stage.adaptor = nullptr;
+}
+
 }  // namespace
 
 MODULE_ROUTINE std::uint32_t getVersion();
@@ -79,21 +96,12 @@ std::uint32_t getVersion() {
 
 #ifdef PUPPET_HAS_ATTACH
 CoreInterface* attach(TVL::AdaptorInterface* adaptor) {
-    ++stage.attachCount;
-    stage.adaptor = adaptor;
-    stage.log = &TVL::Log::GetInstance;
-    stage.errorCode = &TVL::ErrorCode::GetInstance;
-    stage.litter = &Litter;
-    if (stage.onAttach) stage.onAttach();
-    return stage.core;
+    return stage.between ? stage.between(adaptor, &Attach) : Attach(adaptor);
 }
 #endif
 
 #ifdef PUPPET_HAS_DETACH
 void detach(CoreInterface* core) {
-    ++stage.detachCount;
-    stage.detached = core;
-    if (stage.onDetach) stage.onDetach();
-    stage.adaptor = nullptr;
+    stage.betweenAtEnd ? stage.betweenAtEnd(core, &Detach) : Detach(core);
 }
 #endif

@@ -19,6 +19,10 @@ struct Stage {
     std::function<void()> onAttach;                  // inside the routine, the adaptor being there
     std::function<void()> onDetach;                  // inside the routine
 
+    // Somebody between adaptor and puppet, who is called as the routines are, and given them.
+    std::function<CoreInterface*(TVL::AdaptorInterface*, TVL::AttachRoutine*)> between;
+    std::function<void(CoreInterface*, TVL::DetachRoutine*)> betweenAtEnd;
+
     // Set by the puppet.
     TVL::AdaptorInterface* adaptor = nullptr;  // from `attach` to `detach`
     CoreInterface* detached = nullptr;         // what `detach` was given

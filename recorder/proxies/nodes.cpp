@@ -1,0 +1,158 @@
+#include "recorder/proxies/nodes.h"
+
+#include <algorithm>
+
+namespace recorder {
+
+NodeProxy* Nodes::Await(TVL::NodeListener* ofCore) noexcept try {
+    const std::lock_guard lock(mutex_);
+    NodeProxy& proxy = alive_.emplace_back(*this, ofCore);
+    proxy.self_ = std::prev(alive_.end());
+    return &proxy;
+} catch (...) {
+    return nullptr;
+}
+
+// A node of which nothing was heard since another one came to its address has died in silence, as
+// those do that undo records hold. One that ended here and is heard of again had not.
+void Nodes::Bind(NodeProxy& proxy, TVL::CNode* real) {
+    NodeProxy* before = nullptr;
+    proxy.real_ = static_cast<TVL::CoreNode*>(real);
+    proxy.name = real->GetNodeName();
+    proxy.isSnapshot_ = real->IsSnapshot();
+    {
+        const std::lock_guard lock(mutex_);
+        proxy.isEnded_ = false;
+        if (std::exchange(proxy.isKept_, false)) alive_.splice(alive_.end(), ended_, proxy.self_);
+        const auto place = byReal_.find(real);
+        if (place != byReal_.end()) before = place->second;
+        if (!proxy.isSnapshot_) byReal_[real] = &proxy;
+    }
+    if (before && before != &proxy) End(*before);
+}
+
+NodeProxy* Nodes::New(TVL::CNode* made) {
+    if (!made) return nullptr;
+    NodeProxy* const proxy = Await(nullptr);
+    if (!proxy) {
+        static_cast<TVL::CoreNode*>(made)->Destroy();
+        return nullptr;
+    }
+    FinishCreation(*proxy, made);
+    if (proxy->isSnapshot_) {
+        TVL::CoreNode* const source = proxy->real_->*&NodeProxy::source;
+        if (source) proxy->sourceOwner_ = source->*&NodeProxy::owner;
+    }
+    return proxy;
+}
+
+std::vector<NodeProxy*> Nodes::New(const std::vector<TVL::CNode*>& made) {
+    std::vector<NodeProxy*> proxies(made.size());
+    std::ranges::transform(made, proxies.begin(), [this](TVL::CNode* node) { return New(node); });
+    return proxies;
+}
+
+std::vector<NodeProxy*> Nodes::Known(const std::vector<TVL::CNode*>& given) {
+    std::vector<NodeProxy*> proxies(given.size());
+    std::ranges::transform(given, proxies.begin(),
+                           [this](TVL::CNode* node) { return Known(node); });
+    return proxies;
+}
+
+NodeProxy* Nodes::Known(TVL::CNode* given) {
+    if (!given) return nullptr;
+    {
+        const std::lock_guard lock(mutex_);
+        const auto known = byReal_.find(given);
+        if (known != byReal_.end()) return known->second;
+    }
+    NodeProxy* const proxy = New(given);
+    if (proxy) given->SetListener(proxy->Ear());
+    return proxy;
+}
+
+// A listener may have ended the node, or unclaimed it.
+void Nodes::FinishCreation(NodeProxy& proxy, TVL::CNode* made) {
+    if (!made) {
+        if (!proxy.isSnapshot_) End(proxy);
+        return;
+    }
+    if (proxy.real_ != made) {
+        Bind(proxy, made);
+        proxy.isListed_ = !proxy.isSnapshot_;
+    }
+    Tell(proxy);
+}
+
+// Told again only if something has become another.
+void Nodes::Tell(NodeProxy& proxy) {
+    std::string hostName;
+    try {
+        hostName = proxy.real_->GetName();
+    } catch (...) {
+    }
+    const ObjectId owner = owners_.IdOf(proxy.real_->*&NodeProxy::owner);
+    {
+        const std::lock_guard lock(mutex_);
+        if (proxy.isTold_ && proxy.hostName_ == hostName) return;
+        proxy.isTold_ = true;
+        proxy.hostName_.swap(hostName);
+        proxy.ownerId_ = owner;
+    }
+    scribe_.Know(proxy.id_, FactsOf(proxy));
+}
+
+// Snapshots that are out outlive their node, and with them their proxies.
+void Nodes::End(NodeProxy& proxy) {
+    const std::lock_guard lock(mutex_);
+    if (std::exchange(proxy.isEnded_, true)) return;
+    const auto place = byReal_.find(proxy.real_);
+    if (place != byReal_.end() && place->second == &proxy) byReal_.erase(place);
+    proxy.real_ = nullptr;
+    bool isLent = false;
+    proxy.ForEachSnapshot([&](auto& snapshot) {
+        isLent |= snapshot.IsOut();
+        snapshot.LoseNode();
+    });
+    if (isLent) return;
+    proxy.isKept_ = true;
+    ended_.splice(ended_.end(), alive_, proxy.self_);
+    if (ended_.size() > kKept) ended_.pop_front();
+}
+
+void Nodes::Unlist(NodeProxy& proxy) {
+    const std::lock_guard lock(mutex_);
+    if (std::exchange(proxy.isSnapshot_, true)) return;
+    proxy.isListed_ = false;
+    proxy.ownerId_ = 0;
+    byReal_.erase(proxy.real_);
+}
+
+void Nodes::LetGo() {
+    const std::lock_guard lock(mutex_);
+    byReal_.clear();
+    for (NodeProxy& proxy : alive_) {
+        proxy.real_ = nullptr;
+        proxy.ForEachSnapshot([](auto& snapshot) { snapshot.LoseAll(); });
+    }
+}
+
+ObjectFacts Nodes::FactsOf(const NodeProxy& proxy) const {
+    return {.of = proxy.ownerId_,
+            .name = proxy.name,
+            .hostName = proxy.hostName_,
+            .isSnapshot = proxy.isSnapshot_};
+}
+
+void Nodes::TellObjects(const TapeWriter::TellObject& tell) const {
+    const std::lock_guard lock(mutex_);
+    for (const NodeProxy& proxy : alive_) {
+        if (proxy.isTold_ && !proxy.isEnded_) tell(proxy.id_, FactsOf(proxy));
+        proxy.ForEachSnapshot([&](const auto& snapshot) {
+            if (!snapshot.IsOut()) return;
+            tell(snapshot.Id(), {.of = proxy.id_, .seconds = snapshot.Seconds()});
+        });
+    }
+}
+
+}  // namespace recorder

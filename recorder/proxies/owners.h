@@ -1,0 +1,62 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "recorder/proxies/scribe.h"
+#include "tvl/core_element.h"
+#include "tvl/undo.h"
+
+namespace recorder {
+
+// Stands for an element of the Core that owns nodes. Its plug-in's name is read anew whenever the
+// adaptor may be about to read it.
+class OwnerProxy final : public ExtendableProxy<TVL::CoreElement> {
+  public:
+    OwnerProxy(Scribe& scribe, std::mutex& mutex, TVL::CoreElement* real)
+        : ExtendableProxy(scribe, scribe.NewId(ObjectKind::kOwner), real), mutex_(mutex) {}
+
+    std::intptr_t HandleExtension(int id, void* argument) override;
+
+    // Tells it, if it is another one than before.
+    void ReadName() noexcept;
+
+    ObjectFacts Facts() const { return {.name = record_.name}; }
+
+  private:
+    std::mutex& mutex_;  // for the name
+    TVL::PluginRecord record_;
+};
+
+// What the Core gives the adaptor to call: owners, and undo chunks.
+class Owners {
+  public:
+    explicit Owners(Scribe& scribe) : scribe_(scribe) {}
+
+    // Of an element that the adaptor only compares, so that it need not be there any more. Null for
+    // null.
+    OwnerProxy* Of(TVL::CoreElement* real);
+
+    // Of one that it reads the name of.
+    OwnerProxy* Named(TVL::CoreElement* real);
+
+    // Of a proxy as the adaptor gives it back; 0 for what is none.
+    ObjectId IdOf(const TVL::CoreElement* proxy) const;
+
+    // What the adaptor gets for the Core's chunk, to be released by it.
+    TVL::CUndo* WrapChunk(TVL::CUndo* real, ObjectId& id);
+
+    void TellObjects(const TapeWriter::TellObject& tell) const;
+
+  private:
+    class ChunkProxy;
+
+    Scribe& scribe_;
+    mutable std::mutex mutex_;
+    std::unordered_map<const TVL::CoreElement*, std::unique_ptr<OwnerProxy>> owners_;
+    std::unordered_set<ObjectId> chunks_;  // that are not released yet
+};
+
+}  // namespace recorder

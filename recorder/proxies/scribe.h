@@ -1,0 +1,215 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <string>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "foundation/thrown.h"
+#include "recorder/stream/stream.h"
+#include "recorder/tape/tape_writer.h"
+
+namespace recorder {
+
+template <class>
+inline constexpr bool kIsTuple = false;
+template <class... Values>
+inline constexpr bool kIsTuple<std::tuple<Values...>> = true;
+
+// Tells the stream what crosses the boundary in one attachment of a Core: each call before it is
+// made, and what it gives or throws behind it. Any thread may call.
+class Scribe {
+  public:
+    explicit Scribe(Stream& stream) : stream_(stream) {}
+    Scribe(const Scribe&) = delete;
+    Scribe& operator=(const Scribe&) = delete;
+
+    // Makes the call `make`, of which `said` are the values; a tuple that it gives are several that
+    // are answered. Proxies are told by their ids.
+    template <Operation kOperation, class Make, class... Said>
+    std::invoke_result_t<Make> Record(ObjectId on, const Make& make, const Said&... said) {
+        const Open open(calls_);
+        const std::uint64_t call =
+            IsHeard() ? TellCall<kOperation>(on, Told(said)...) : std::uint64_t{0};
+        try {
+            if constexpr (std::is_void_v<std::invoke_result_t<Make>>) {
+                make();
+                if (IsHeard()) stream_.Answer(call, kOperation, on);
+            } else {
+                auto result = make();
+                if (IsHeard()) TellAnswer<kOperation>(call, on, result);
+                return result;
+            }
+        } catch (...) {
+            if (IsHeard()) stream_.Thrown(call, kOperation, on, TVL::ThrownWords());
+            throw;
+        }
+    }
+
+    // Hands a call on as it is. Where nothing is behind any more the answer is nothing.
+    template <Operation kOperation, auto kMethod, class Target, class... Values>
+    auto Pass(ObjectId on, Target* target, Values&&... values) {
+        using Result = std::invoke_result_t<decltype(kMethod), Target&, Values...>;
+        const auto make = [&]() -> Result {
+            if (!target) return Result();
+            return (target->*kMethod)(std::forward<Values>(values)...);
+        };
+        return Record<kOperation>(on, make, values...);
+    }
+
+    ObjectId NewId(ObjectKind kind) { return MakeObjectId(kind, ++lastId_); }
+
+    // Of what crosses as it is, and is known by its address; 0 for null.
+    ObjectId IdOf(ObjectKind kind, const void* object);
+
+    void Know(ObjectId object, const ObjectFacts& facts) {
+        if (IsHeard()) stream_.Know(object, facts);
+    }
+
+    // Another session has begun: what is called from here on is made and not told.
+    void Close() { isHeard_ = false; }
+
+    // No call is being made.
+    bool IsIdle() const { return calls_ == 0; }
+
+    void TellObjects(const TapeWriter::TellObject& tell) const;
+
+  private:
+    // The thread that counts is one; others, which ought not to call, may be counted wrongly.
+    class Open {
+      public:
+        explicit Open(std::atomic<int>& calls) : calls_(calls) { Add(1); }
+        ~Open() { Add(-1); }
+        Open(const Open&) = delete;
+        Open& operator=(const Open&) = delete;
+
+      private:
+        void Add(int count) {
+            calls_.store(calls_.load(std::memory_order_relaxed) + count, std::memory_order_relaxed);
+        }
+        std::atomic<int>& calls_;
+    };
+
+    bool IsHeard() const { return isHeard_.load(std::memory_order_relaxed); }
+
+    template <Operation kOperation, class... Values>
+    std::uint64_t TellCall(ObjectId on, const Values&... values) {
+        return stream_.Call(kOperation, on, values...);
+    }
+
+    template <Operation kOperation, class Result>
+    void TellAnswer(std::uint64_t call, ObjectId on, const Result& result) {
+        const auto tell = [&](const auto&... values) {
+            const auto put = [&](const auto&... told) {
+                stream_.Answer(call, kOperation, on, told...);
+            };
+            put(Told(values)...);
+        };
+        if constexpr (kIsTuple<Result>)
+            std::apply(tell, result);
+        else
+            tell(result);
+    }
+
+    // A value as the stream takes it.
+    template <class Value>
+    decltype(auto) Told(const Value& value) {
+        if constexpr (std::is_same_v<Value, TVL::CMesh>)
+            return stream_.Know(value);
+        else if constexpr (std::is_same_v<Value, std::string>)
+            return std::string_view(value);
+        else if constexpr (std::is_same_v<Value, float>)
+            return double{value};
+        else if constexpr (std::is_same_v<Value, std::vector<int>>)
+            return TextOf(value);
+        else if constexpr (std::is_same_v<Value, void*>)
+            return static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(value));
+        else if constexpr (std::is_pointer_v<Value>)
+            return value ? value->Id() : ObjectId{0};
+        else if constexpr (requires { value.front()->Id(); })
+            return IdsOf(value);
+        else
+            return (value);
+    }
+
+    static std::string TextOf(const std::vector<int>& numbers) noexcept;
+
+    template <class Proxy>
+    static std::vector<ObjectId> IdsOf(const std::vector<Proxy*>& proxies) noexcept try {
+        std::vector<ObjectId> ids;
+        ids.reserve(proxies.size());
+        for (const Proxy* const proxy : proxies)
+            ids.push_back(proxy ? proxy->Id() : 0);
+        return ids;
+    } catch (...) {
+        return {};
+    }
+
+    Stream& stream_;
+    std::atomic<bool> isHeard_ = true;
+    std::atomic<int> calls_ = 0;
+    std::atomic<std::uint64_t> lastId_ = 0;
+    mutable std::mutex mutex_;
+    std::map<std::pair<ObjectKind, const void*>, ObjectId> known_;
+};
+
+// Base of the proxies of what has extensions. `Real` is what it stands for; null: that is gone.
+template <class Base, class Real = Base>
+class ExtendableProxy : public Base {
+  public:
+    ObjectId Id() const { return id_; }
+    Real* Behind() const { return real_; }
+
+    // An argument that this side does not know is handed on as it is.
+    std::intptr_t HandleExtension(int id, void* argument) override {
+        return Extend(id, argument, {}, [](std::intptr_t result) { return result; });
+    }
+    std::vector<int> ListExtensions() override {
+        return Pass<Operation::CExtendable_ListExtensions, &Real::ListExtensions>();
+    }
+    bool HasExtension(int id) override {
+        return Pass<Operation::CExtendable_HasExtension, &Real::HasExtension>(id);
+    }
+
+  protected:
+    ExtendableProxy(Scribe& scribe, ObjectId id, Real* real)
+        : scribe_(scribe), id_(id), real_(real) {}
+    ~ExtendableProxy() = default;
+
+    template <Operation kOperation, auto kMethod, class... Values>
+    auto Pass(Values&&... values) {
+        return scribe_.Pass<kOperation, kMethod>(id_, real_, std::forward<Values>(values)...);
+    }
+
+    // `said` tells of the argument, and `translate` makes of what the real object gives what this
+    // one gives: a number, or a proxy.
+    template <class Translate>
+    std::intptr_t Extend(int id, void* argument, const ExtensionValue& said,
+                         const Translate& translate) {
+        std::intptr_t result = 0;
+        const auto make = [&] {
+            if (real_) result = real_->HandleExtension(id, argument);
+            const auto given = translate(result);
+            if constexpr (std::is_pointer_v<decltype(given)>) {
+                result = reinterpret_cast<std::intptr_t>(static_cast<Base*>(given));
+                return std::tuple(ExtensionValue{'o', given ? given->Id() : 0, nullptr}, said);
+            } else {
+                const auto whole = static_cast<std::uint64_t>(result);
+                return std::tuple(ExtensionValue{'i', whole, nullptr}, said);
+            }
+        };
+        scribe_.Record<Operation::CExtendable_HandleExtension>(id_, make, id, said);
+        return result;
+    }
+
+    Scribe& scribe_;
+    ObjectId id_;
+    Real* real_;
+};
+
+}  // namespace recorder

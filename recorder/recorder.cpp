@@ -1,0 +1,99 @@
+#include "recorder/recorder.h"
+
+#include <chrono>
+#include <ctime>
+#include <vector>
+
+#include "recorder/proxies/adaptor_proxy.h"
+#include "recorder/proxies/core_proxy.h"
+
+namespace recorder {
+namespace {
+
+#if defined(_WIN32)
+constexpr std::string_view kPlatform = "Windows";
+#else
+constexpr std::string_view kPlatform = "Linux";
+#endif
+constexpr std::string_view kThisRecorder = "Lumiset flight recorder";
+
+// UTC.
+std::string Now() {
+    const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+    std::tm parts{};
+#if defined(_WIN32)
+    gmtime_s(&parts, &now);
+#else
+    gmtime_r(&now, &parts);
+#endif
+    char text[32];
+    return {text, std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &parts)};
+}
+
+}  // namespace
+
+// A Core can leave, and another one come, inside a call that the adaptor or the Core has made, so a
+// boundary is there until all its calls have returned; and until the next Core comes, since the
+// adaptor lets go of a Core's objects when that has left.
+struct Recorder::State {
+    // All that both sides are shown of each other in one attachment.
+    struct Boundary {
+        Boundary(Stream& stream, TVL::AdaptorInterface& real)
+            : scribe(stream), adaptor(scribe, owners, nodes, real) {}
+
+        Scribe scribe;
+        Owners owners{scribe};
+        Nodes nodes{scribe, owners};
+        MessageNet messages{scribe};
+        AdaptorProxy adaptor;
+        CoreProxy core{scribe, messages};
+    };
+
+    Stream& stream;
+    std::string coreName;
+    std::vector<std::unique_ptr<Boundary>> boundaries;  // the present one is the last
+
+    Boundary& Begin(TVL::AdaptorInterface& adaptor) {
+        for (const auto& past : boundaries)
+            past->scribe.Close();
+        std::erase_if(boundaries, [](const auto& past) { return past->scribe.IsIdle(); });
+        stream.BeginSession({Now(), TVL::kInterfaceVersion, kPlatform, coreName, kThisRecorder});
+        return *boundaries.emplace_back(std::make_unique<Boundary>(stream, adaptor));
+    }
+};
+
+Recorder::Recorder(Stream& stream, std::string core)
+    : state_(new State{stream, std::move(core), {}}) {}
+
+Recorder::~Recorder() = default;
+
+CoreInterface* Recorder::Attach(TVL::AdaptorInterface* adaptor, const AttachCore& attach) {
+    State::Boundary& boundary = state_->Begin(*adaptor);
+    const auto make = [&]() -> CoreProxy* {
+        boundary.core.StandFor(attach(&boundary.adaptor));
+        return boundary.core.Behind() ? &boundary.core : nullptr;
+    };
+    return boundary.scribe.Record<Operation::Routine_attach>(0, make, &boundary.adaptor);
+}
+
+// The adaptor ends the nodes that the Core has left as soon as this returns.
+void Recorder::Detach(CoreInterface* core, const DetachCore& detach) {
+    State::Boundary& boundary = *state_->boundaries.back();
+    const std::shared_ptr<void> letGo(nullptr, [&](void*) { boundary.nodes.LetGo(); });
+    const auto* const proxy = static_cast<CoreProxy*>(core);
+    boundary.scribe.Record<Operation::Routine_detach>(
+        0, [&] { detach(proxy->Behind()); }, proxy);
+}
+
+void Recorder::TellObjects(const TapeWriter::TellObject& tell) const {
+    if (state_->boundaries.empty()) return;
+    const State::Boundary& boundary = *state_->boundaries.back();
+    tell(boundary.adaptor.Id(), {});
+    if (boundary.core.Behind()) tell(boundary.core.Id(), {});
+    boundary.scribe.TellObjects(tell);
+    boundary.owners.TellObjects(tell);
+    boundary.nodes.TellObjects(tell);
+    boundary.messages.TellObjects(tell);
+}
+
+}  // namespace recorder
