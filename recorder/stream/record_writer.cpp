@@ -1,6 +1,7 @@
 #include "recorder/stream/record_writer.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <string>
 
@@ -116,7 +117,8 @@ void RecordWriter::PutMeshContent(MeshId id, const TVL::CMesh& mesh) {
     TakeApart(mesh, [this](std::uint64_t word) { Word(word); });
 }
 
-// Word by word, since what was just stored is read at once in no other size.
+// What was just stored is read at once in the size in which it was stored alone, of which the
+// compiler knows nothing.
 Record RecordWriter::End() {
     const std::span<std::uint64_t> words = Written();
     Record record{.head = {}, .values = words.subspan(kHeadWords)};
@@ -124,8 +126,11 @@ Record RecordWriter::End() {
     words[0] = record.head.size;
     record.head.checksum = ChecksumOf(words);
     words[0] |= std::uint64_t{record.head.checksum} << 32;
-    record.head.call = words[1];
-    record.head.object = words[2];
+    const auto alone = [](std::uint64_t& word) {
+        return std::atomic_ref(word).load(std::memory_order_relaxed);
+    };
+    record.head.call = alone(words[1]);
+    record.head.object = alone(words[2]);
     record.head.milliseconds = static_cast<std::uint32_t>(words[3]);
     record.head.kind = static_cast<RecordKind>(words[3] >> 32);
     record.head.thread = static_cast<std::uint8_t>(words[3] >> 40);
@@ -140,18 +145,24 @@ MeshId IdOf(const TVL::CMesh& mesh) {
     return hash ^ hash >> 32;
 }
 
+// The compiler keeps four sums in registers where they have a name each.
 std::uint32_t ChecksumOf(std::span<const std::uint64_t> words) {
-    std::uint64_t sums[4] = {Mix(0, static_cast<std::uint32_t>(words[0])), Mix(0, words[1]),
-                             Mix(0, words[2]), Mix(0, words[3])};
-    std::size_t at = 4;
-    for (; at + 4 <= words.size(); at += 4)
-        for (std::size_t i = 0; i < 4; ++i)
-            sums[i] = Mix(sums[i], words[at + i]);
-    for (std::size_t i = 0; at + i < words.size(); ++i)
-        sums[i] = Mix(sums[i], words[at + i]);
-    const std::uint64_t one = sums[0] ^ std::rotl(sums[1], 16);
-    const std::uint64_t other = sums[2] ^ std::rotl(sums[3], 32);
-    const std::uint64_t hash = Mix(Mix(0, one), other);
+    const std::uint64_t* at = words.data();
+    const std::uint64_t* const end = at + words.size();
+    std::uint64_t a = Mix(0, static_cast<std::uint32_t>(at[0]));
+    std::uint64_t b = Mix(0, at[1]);
+    std::uint64_t c = Mix(0, at[2]);
+    std::uint64_t d = Mix(0, at[3]);
+    for (at += 4; end - at >= 4; at += 4) {
+        a = Mix(a, at[0]);
+        b = Mix(b, at[1]);
+        c = Mix(c, at[2]);
+        d = Mix(d, at[3]);
+    }
+    if (at != end) a = Mix(a, *at++);
+    if (at != end) b = Mix(b, *at++);
+    if (at != end) c = Mix(c, *at++);
+    const std::uint64_t hash = Mix(Mix(0, a ^ std::rotl(b, 16)), c ^ std::rotl(d, 32));
     return static_cast<std::uint32_t>(hash ^ hash >> 32);
 }
 

@@ -83,8 +83,7 @@ class Segments {
             return one.head.number == other.head.number;
         };
         std::ranges::stable_sort(list, order);
-        const auto twice = std::ranges::unique(list, isSame);
-        list.erase(twice.begin(), twice.end());
+        list.erase(std::unique(list.begin(), list.end(), isSame), list.end());
     }
 
     std::vector<std::string>& damages_;
