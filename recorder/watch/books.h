@@ -19,14 +19,17 @@ enum class Life : std::uint8_t {
     kEnded,
 };
 
-// What was written of one kind to a node in the recording that is open.
+// What was written of one kind to a node in one go: in a recording, in one call of the host's.
 struct Track {
     std::uint32_t recording = 0;  // its number; 0 for none
+    std::uint64_t outermost = 0;  // the call
     std::int64_t firstTick = 0;
     std::int64_t lastTick = 0;
-    double seconds = 0;        // of the last one
-    std::uint64_t lentBy = 0;  // the call that lent the snapshot of the last one
-    bool isReadSince = false;  // the node, by any snapshot
+    std::int64_t doubledAt = 0;  // the tick of the last one that was written blindly once more
+    bool isDoubled = false;      // there is one
+    double seconds = 0;          // of the last one
+    std::uint64_t lentBy = 0;    // the call that lent the snapshot of the last one
+    bool isReadSince = false;    // the node, by any snapshot
 };
 
 struct NodeMemory {
@@ -114,7 +117,7 @@ struct Books {
     std::vector<Open> selections;  // at most one
     std::uint32_t nest = 1;        // the number of the outermost group that is open, or comes next
     bool isNestBroken = false;     // it is cancelled: what is in its records is not told
-    std::uint32_t recording = 0;   // the number of the last outermost one
+    std::uint32_t recording = 0;   // the number of the last one that was begun
     std::vector<NodeMemory*> overtaken;  // in the recording that is open
     std::size_t meshesOut = 0;
 
@@ -144,6 +147,12 @@ std::span<const Handler> NodeHandlers();
 std::span<const Handler> OwnerHandlers();
 std::span<const Handler> BracketHandlers();
 std::span<const Handler> SnapshotHandlers();
+
+// Entries of a list of ids, or of indices; none where the list makes no sense.
+inline std::span<const std::uint64_t> ListOf(ValueReader& values) {
+    const auto list = values.Skip('O');
+    return list.empty() ? list : list.subspan(1);
+}
 
 // Of nodes (node_rules.cpp). A node that nothing was told of yet is there.
 NodeMemory& NodeOf(Books& books, ObjectId id);

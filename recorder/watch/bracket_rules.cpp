@@ -28,11 +28,14 @@ void TellOnce(Books& books, Open& open, const Place& place) {
 }
 
 // A group that the same road of the Core's begins once more was forgotten the last time.
-void TellIfForgotten(Books& books, const Open& now) {
-    for (Open& open : books.groups)
-        if (open.outermost != now.outermost && open.name == now.name &&
-            open.outermostOperation == now.outermostOperation)
-            TellOnce(books, open, now.place);
+void TellIfForgotten(Books& books, Open& now) {
+    for (Open& open : books.groups) {
+        if (open.outermost == now.outermost || open.name != now.name ||
+            open.outermostOperation != now.outermostOperation)
+            continue;
+        TellOnce(books, open, now.place);
+        now.isTold = true;
+    }
 }
 
 void BeginGroup(Books& books, OpenCall& call, ValueReader& said) {
@@ -73,7 +76,7 @@ void ChunkAdded(Books& books, OpenCall& call, ValueReader& answered) {
 }
 
 void BeginRecording(Books& books, OpenCall& call, ValueReader&) {
-    if (books.recordings.empty()) ++books.recording;
+    ++books.recording;
     books.recordings.push_back(OpenNow(books, call));
 }
 

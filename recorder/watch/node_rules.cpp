@@ -13,7 +13,8 @@ constexpr std::size_t kMostEnded = 4096;  // nodes that are remembered behind th
 // Birth ----------------------------------------------------------------------------------------
 
 void HangBelow(NodeMemory& node, NodeMemory* parent) {
-    if (node.parent == parent) return;
+    const bool hasEnded = node.life == Life::kEnded || (parent && parent->life == Life::kEnded);
+    if (node.parent == parent || (hasEnded && parent)) return;
     if (node.parent) std::erase(node.parent->children, &node);
     node.parent = parent;
     if (parent) parent->children.push_back(&node);
@@ -94,7 +95,7 @@ void Lent(Books& books, OpenCall& call, ValueReader& answered) {
 }
 
 void LentSome(Books& books, OpenCall& call, ValueReader& answered) {
-    for (const ObjectId id : answered.Skip('O').subspan(1))
+    for (const ObjectId id : ListOf(answered))
         BearLent(books, call.place, id, 0);
 }
 
@@ -127,7 +128,7 @@ void SayOwner(Books&, OpenCall& call, ValueReader& said) {
 }
 
 void NodesGiven(Books& books, OpenCall& call, ValueReader& answered) {
-    const auto given = answered.Skip('O').subspan(1);
+    const auto given = ListOf(answered);
     for (auto& [id, node] : books.nodes) {
         const bool isOwned = !node.isSnapshot && node.owner == call.said[0];
         if (isOwned && node.life == Life::kThere && std::ranges::find(given, id) == given.end())

@@ -17,7 +17,7 @@ constexpr double kFlat = 1e-6;
 constexpr double Sixth(double length) {
     return length * length * length * length * length * length;
 }
-constexpr double kAlike = Sixth(1.25);
+constexpr double kAlike = Sixth(1.05);
 constexpr double kOther = Sixth(2.5);
 
 bool IsAlike(double a, double b) {
@@ -65,7 +65,7 @@ bool TakePoints(ValueReader& content, std::uint64_t& count) {
 // Of a list of indices: its length. False where one is not below `most`.
 bool TakeIndices(ValueReader& content, std::uint64_t most, std::uint64_t& count) {
     bool isBelow = true;
-    const auto indices = content.Skip('O').subspan(1);
+    const auto indices = ListOf(content);
     count = indices.size();
     for (const std::uint64_t index : indices.first(count - count % 3))
         isBelow &= index < most;

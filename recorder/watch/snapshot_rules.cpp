@@ -57,22 +57,37 @@ std::string Times(double now, double before) {
     return text.data();
 }
 
-// Who reads what stands there, or mends what a parent has moved, writes no second sample.
+bool IsInThisGo(const Books& books, const Track& track) {
+    return track.recording == books.recording && track.outermost == books.calls.front().place.call;
+}
+
+// The same moment once more, and not by who has read what stands there or mends what a parent has
+// moved. Once that is as good as any correction; of moment after moment it is a loop gone wrong.
+bool IsDoubledAgain(Track& track, std::int64_t tick) {
+    const bool isAgain = track.isDoubled && track.doubledAt != tick;
+    track.isDoubled = true;
+    track.doubledAt = tick;
+    return isAgain;
+}
+
 void NoteSample(Books& books, const OpenCall& call, Track& track, bool isMending = false) {
     const SnapshotMemory& now = *call.snapshot;
     const auto tell = [&](Rule rule) {
         books.found.Add(rule, call.place, call.node->name,
                         [&] { return Times(now.seconds, track.seconds); });
     };
-    const bool isFirst = track.recording != books.recording;
-    const bool isAnew = now.seconds == track.seconds && (track.isReadSince || isMending);
-    if (isFirst)
+    if (!IsInThisGo(books, track)) {
+        track = {};
         track.firstTick = now.tick;
-    else if (now.tick < track.lastTick)
+    } else if (now.tick < track.lastTick) {
         tell(Rule::kTimeGoesBack);
-    else if (now.tick == track.lastTick && now.lent.call != track.lentBy && !isAnew)
-        tell(Rule::kTwoOnOneTick);
+    } else if (now.tick == track.lastTick && now.lent.call != track.lentBy) {
+        const bool isAnew = track.isReadSince || isMending;
+        if (now.seconds != track.seconds || (!isAnew && IsDoubledAgain(track, now.tick)))
+            tell(Rule::kTwoOnOneTick);
+    }
     track.recording = books.recording;
+    track.outermost = books.calls.front().place.call;
     track.lastTick = now.tick;
     track.seconds = now.seconds;
     track.lentBy = now.lent.call;
@@ -88,11 +103,11 @@ void TellOvertaking(Books& books, NodeMemory& node) {
 // theirs, go along with the parent. That is no harm if they are put there again.
 void Overtake(Books& books, const NodeMemory& parent, std::int64_t tick) {
     const Track& track = parent.transform;
-    if (track.recording == books.recording && tick <= track.lastTick) return;
+    if (IsInThisGo(books, track) && tick <= track.lastTick) return;
     for (NodeMemory* const child : parent.children) {
         const Track& written = child->transform;
         const bool isAtTick = tick == written.lastTick || tick == written.firstTick;
-        if (written.recording != books.recording || !child->isInWorld || !isAtTick) continue;
+        if (!IsInThisGo(books, written) || !child->isInWorld || !isAtTick) continue;
         if (!child->isListed) books.overtaken.push_back(child);
         child->isListed = child->isOvertaken = true;
         child->overtakenAt = tick;

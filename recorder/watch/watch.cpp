@@ -11,23 +11,35 @@ namespace {
 
 using enum Operation;
 
-constexpr std::string_view kCoreCalls[] = {
-    "AdaptorInterface", "CNode",          "CoreNode",       "CSnapshot",
-    "CSnapshot_Helper", "CSnapshot_Lens", "CSnapshot_Mesh", "CSnapshot_Shape"};
+// Where the calls of a class come from, and what they are on.
+enum class Sort : std::uint8_t {
+    kByAdaptor,
+    kByCore,
+    kOnNode,      // by the Core
+    kOnSnapshot,  // the same
+    kByEither,    // as the object says
+};
+
+Sort SortOf(std::string_view className) {
+    if (className == "AdaptorInterface") return Sort::kByCore;
+    if (className == "CNode" || className == "CoreNode") return Sort::kOnNode;
+    if (className.starts_with("CSnapshot")) return Sort::kOnSnapshot;
+    return className == "CExtendable" || className == "MessageNode" ? Sort::kByEither
+                                                                    : Sort::kByAdaptor;
+}
 
 // What the watch does at an operation.
 struct Work {
     Handle call = nullptr;
     Handle answer = nullptr;
-    bool isByCore = false;  // as its class says
+    Sort sort{};
 };
 using WorkTable = std::array<Work, kOperations.size()>;
 
 WorkTable MakeWork() {
     WorkTable table{};
     for (std::size_t index = 0; index < table.size(); ++index)
-        table[index].isByCore =
-            std::ranges::find(kCoreCalls, kOperations[index].className) != std::end(kCoreCalls);
+        table[index].sort = SortOf(kOperations[index].className);
     for (const auto& handlers :
          {NodeHandlers(), OwnerHandlers(), BracketHandlers(), SnapshotHandlers()})
         for (const Handler& handler : handlers) {
@@ -49,8 +61,9 @@ bool IsSnapshot(ObjectKind kind) {
 
 bool IsByCore(const OpenCall& call) {
     const ObjectKind kind = KindOf(call.object);
-    if (call.place.operation == MessageNode_Receive) return kind == ObjectKind::kAdaptorMessageNode;
-    return WorkOf(call.place.operation).isByCore || kind == ObjectKind::kNode || IsSnapshot(kind);
+    const Sort sort = WorkOf(call.place.operation).sort;
+    if (sort != Sort::kByEither) return sort != Sort::kByAdaptor;
+    return kind == ObjectKind::kNode || kind == ObjectKind::kAdaptorMessageNode || IsSnapshot(kind);
 }
 
 std::string_view NameOf(Books& books, const OpenCall& call) {
@@ -62,10 +75,11 @@ std::string_view NameOf(Books& books, const OpenCall& call) {
 // Finds what the call is on. False: nobody meets it there.
 bool FindObject(Books& books, OpenCall& call) {
     const ObjectKind kind = KindOf(call.object);
+    const Sort sort = WorkOf(call.place.operation).sort;
     if (kind == ObjectKind::kNode) call.node = &NodeOf(books, call.object);
-    if (!IsSnapshot(kind)) return true;
+    if (!IsSnapshot(kind)) return sort != Sort::kOnSnapshot && (sort != Sort::kOnNode || call.node);
     const auto place = books.snapshots.find(call.object);
-    if (place == books.snapshots.end()) return false;
+    if (place == books.snapshots.end() || sort == Sort::kOnNode) return false;
     call.snapshot = &place->second;
     call.node = call.snapshot->node;
     return true;
@@ -145,15 +159,22 @@ struct Session {
         hasSeenAll = false;
     }
 
-    // What a tape tells once more has an older number, or none.
+    // What a tape tells once more has no number.
     bool IsNext(const RecordHead& head) {
         if (head.call > lastNumber + 1) return false;
         lastNumber = std::max(lastNumber, head.call);
         return true;
     }
 
+    // Every call around it is known to be open, and no other.
+    bool IsInPlace(const RecordHead& head) const {
+        const auto around = std::ranges::count(books.calls, head.thread, &OpenCall::thread);
+        return std::min<std::ptrdiff_t>(around, 255) == head.nesting;
+    }
+
     void TakeCall(const Record& record) {
         const RecordHead& head = record.head;
+        if (!IsInPlace(head)) return GoBlind();
         OpenCall& call = books.calls.emplace_back();
         call.place = {head.call, head.milliseconds, head.operation};
         call.object = head.object;
@@ -200,7 +221,7 @@ struct Session {
             case RecordKind::kThrown:
                 return TakeEndOf(record);
             case RecordKind::kSession:
-                Begin();
+                if (record.head.call != 0) Begin();
                 break;
             default:
                 break;
@@ -222,7 +243,8 @@ Watch::Watch() : state_(std::make_unique<State>()) {}
 Watch::~Watch() = default;
 
 void Watch::Take(const Record& record, std::span<const std::byte>) noexcept {
-    if (state_->isBlind && record.head.kind != RecordKind::kSession) return;
+    const bool isBeginning = record.head.kind == RecordKind::kSession && record.head.call != 0;
+    if (state_->isBlind && !isBeginning) return state_->GoBlind();
     try {
         state_->Take(record);
     } catch (...) {
