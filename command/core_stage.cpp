@@ -19,6 +19,8 @@
 #include "platform/narrow_path.h"
 #include "platform/process.h"
 #include "platform/registry.h"
+#include "recorder/stream/notes.h"
+#include "recorder/tape/scene_digest.h"
 #include "replay/request.h"
 #include "tvl/ids.h"
 #include "tvl/log.h"
@@ -106,11 +108,23 @@ CoreStage::CoreStage(const GuestChoice& guests, const SessionSettings& settings)
     platform::UseNamedRegistry();
     if (guests.guests == Guests::kPluginAlone) platform::HideRegistry();
     if (guests.guests == Guests::kNobody) return;
-    if (guests.guests == Guests::kPluginAndCore) seat_.emplace(guests.core);
+    if (guests.guests == Guests::kPluginAndCore) TakeSeat(guests);
     if (!platform::SetVariable(variable::kReport, report_.Path()))
         throw Failure(std::string("the environment has no room for ") + variable::kReport);
     Start();
-    if (!guests.core.empty()) NeedCore();
+    if (!guests.core.empty() || guests.inPlace) NeedCore();
+}
+
+void CoreStage::TakeSeat(const GuestChoice& guests) {
+    if (StageRecorder::IsWanted(guests)) recorder_.emplace(guests);
+    CoreBetween* const between = recorder_ ? &*recorder_ : guests.inPlace;
+    if (guests.inPlace)
+        seat_.emplace(*between);
+    else if (between)
+        seat_.emplace(guests.core, *between);
+    else
+        seat_.emplace(guests.core);
+    if (recorder_) recorder_->NameCore(seat_->Library());
 }
 
 // What keeps a Core away is an error in the trace, and the seat tells it; what one left behind that
@@ -199,16 +213,38 @@ void CoreStage::ConvertControllers() {
 
 void CoreStage::Open(const std::string& scene) {
     Take(session_.OpenScene(scene));
+    NoteScene(recorder::note::kOpened, scene);
 }
 
 void CoreStage::Save(const std::string& scene) {
     FileOutcome outcome = session_.SaveScene(scene);
-    if (outcome.error.empty()) NoteSaved(scene);
+    if (outcome.error.empty()) {
+        NoteSaved(scene);
+        NoteScene(recorder::note::kSaved, scene);
+    }
     Take(std::move(outcome));
 }
 
 void CoreStage::MergeByHost(const std::string& scene) {
     Take(session_.MergeScene(scene));
+    NoteScene(recorder::note::kMerged, scene);
+}
+
+void CoreStage::EmptyScene(void (Session::*how)()) {
+    (session_.*how)();
+    Note(recorder::note::kNew, {});
+}
+
+void CoreStage::Note(std::string_view word, std::string_view about) noexcept {
+    if (recorder_) recorder_->Note(word, about);
+}
+
+void CoreStage::NoteScene(std::string_view word, const std::string& scene) {
+    if (recorder_) recorder_->Note(word, recorder::DigestOfFile(scene) + ' ' + scene);
+}
+
+std::vector<recorder::Finding> CoreStage::Findings() const {
+    return recorder_ ? recorder_->Findings() : std::vector<recorder::Finding>();
 }
 
 StageNews CoreStage::TakeNews() {
@@ -217,6 +253,8 @@ StageNews CoreStage::TakeNews() {
     for (std::string& worry : Worries(pending_.trace))
         if (std::ranges::find(reported_, worry) == reported_.end())
             pending_.complaints.push_back(std::move(worry));
+    if (recorder_)
+        std::ranges::move(recorder_->TakeTroubles(), std::back_inserter(pending_.complaints));
     pending_.breaches = TakeBreachLines();
     return std::exchange(pending_, {});
 }

@@ -4,8 +4,11 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "command/guests.h"
+#include "command/stage_recorder.h"
 #include "command/trace_tail.h"
 #include "command/written_files.h"
 #include "headless/core_seat.h"
@@ -13,18 +16,6 @@
 #include "replay/report.h"
 
 namespace headless {
-
-// Whom the host finds when it starts.
-enum class Guests {
-    kPluginAndCore,
-    kPluginAlone,  // it looks for a Core and finds none installed, and so to the process's end
-    kNobody,
-};
-
-struct GuestChoice {
-    Guests guests = Guests::kPluginAndCore;
-    std::string core;  // the library that is the Core; empty for the one that is installed
-};
 
 // The variables of replay/request.h that make up a request, with their values.
 using CoreRequest = std::map<std::string, std::string>;
@@ -77,10 +68,19 @@ class CoreStage {
     // throws the first node on which one is left.
     void ConvertControllers();
 
-    // What the host does with scene files.
+    // What the host does with scenes. Each is noted on a tape, when it is done.
     void Open(const std::string& scene);
     void Save(const std::string& scene);
     void MergeByHost(const std::string& scene);
+    void EmptyScene(void (Session::*how)());
+
+    // Tells a tape what it cannot see, by a word of recorder/stream/notes.h: anything, or of a
+    // scene file the digest and the path. Nothing without a tape or watch.
+    void Note(std::string_view word, std::string_view about) noexcept;
+    void NoteScene(std::string_view word, const std::string& scene);
+
+    // What the watch has found; none without one. It is told on stderr at the end in any case.
+    std::vector<recorder::Finding> Findings() const;
 
     // What happened since either was last asked for. All that did not go well, breaches and the
     // want of a Core included, are complaints of the second.
@@ -91,11 +91,13 @@ class CoreStage {
     std::size_t ShutDown();
 
   private:
+    void TakeSeat(const GuestChoice& guests);
     void Start();
     void Take(FileOutcome outcome);
 
     CoreFile report_{""};
     TraceTail trace_;
+    std::optional<StageRecorder> recorder_;
     std::optional<CoreSeat> seat_;
     bool isReplayCore_ = false;
     std::string absence_;  // why the Core was not there at the start, until that is told

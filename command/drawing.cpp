@@ -65,7 +65,7 @@ INode& Place(const DrawOptions& options) {
 }  // namespace
 
 DrawResult Draw(const DrawOptions& options) {
-    CoreStage stage({.guests = Guests::kPluginAlone, .core = {}});
+    CoreStage stage({.guests = Guests::kPluginAlone});
     if (!options.scene.empty()) stage.Open(options.scene);
     INode& node = Place(options);
     stage.Save(options.target);

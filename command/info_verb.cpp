@@ -11,6 +11,7 @@
 #include "command/verb_options.h"
 #include "command/verbs.h"
 #include "headless/scene_file_view.h"
+#include "recorder/stream/notes.h"
 
 namespace headless {
 namespace {
@@ -176,6 +177,7 @@ void OpenInHost(const GuestChoice& guests, InfoResult& result) {
     CoreStage stage(guests);
     const FileOutcome outcome = stage.Host().OpenScene(result.scene);
     if (!outcome.error.empty()) throw Failure(outcome.error);
+    stage.NoteScene(recorder::note::kOpened, result.scene);
     for (const ClassInFile& type : result.file.classes)
         if (!IsClassLoaded(type)) result.keptClasses.push_back(type);
     result.utilityChunks = stage.Host().UtilityChunks();

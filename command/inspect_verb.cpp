@@ -163,7 +163,7 @@ struct InspectArguments {
     std::string scene;
     std::vector<std::string> nodes;  // the host's names; all nodes if empty
     double seconds = 0;
-    std::string core;
+    GuestChoice guests;
     Audience audience = Audience::kPerson;
 };
 
@@ -197,7 +197,7 @@ std::vector<replay::NodeReport> LookAt(CoreStage& stage, const InspectArguments&
 }
 
 void RunInspect(const InspectArguments& arguments) {
-    CoreStage stage({Guests::kPluginAndCore, arguments.core});
+    CoreStage stage(arguments.guests);
     stage.NeedReplayCore();
     stage.Open(arguments.scene);
     Inspection inspection;
@@ -220,7 +220,7 @@ void AddInspectVerb(CLI::App& app) {
     AddFile(*verb, "SCENE", arguments->scene, "Scene file")->required();
     AddNodes(*verb, arguments->nodes);
     AddNumber(*verb, "--time", arguments->seconds, "When, in seconds")->capture_default_str();
-    AddCore(*verb, arguments->core);
+    AddCore(*verb, arguments->guests);
     AddAudience(*verb, arguments->audience);
     AddExample(*verb, "inspect walk.scene --node walk_Hips --time 0.5");
     verb->callback([arguments] { RunInspect(*arguments); });

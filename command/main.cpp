@@ -10,6 +10,7 @@
 
 #include "command/exit_status.h"
 #include "command/output.h"
+#include "command/stage_recorder.h"
 #include "command/verb_texts.h"
 #include "command/verbs.h"
 #include "command/written_files.h"
@@ -55,6 +56,7 @@ void AddVerbs(CLI::App& app) {
     headless::AddInspectVerb(app);
     headless::AddSampleVerb(app);
     headless::AddRunVerb(app);
+    headless::AddCheckVerb(app);
     headless::AddHelpVerbs(app);
 }
 
@@ -125,5 +127,5 @@ int main(int argc, char** argv) {
     isAtWork = false;
     // Of the shutdown, and of a verb that does not tell them itself.
     headless::PrintEach(std::cerr, headless::kComplaint, headless::TakeBreachLines());
-    return status;
+    return status == headless::kDone && headless::HasStrictFinding() ? headless::kFailed : status;
 }

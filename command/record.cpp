@@ -143,7 +143,7 @@ RecordResult Record(const RecordOptions& options) {
     StartTrace(options.trace);
     CoreFile csv(options.csv);
     CoreFile poses(options.poses);
-    CoreStage stage({Guests::kPluginAndCore, options.core}, SettingsFor(options));
+    CoreStage stage(options.guests, SettingsFor(options));
     stage.NeedReplayCore();
     if (!options.into.empty()) stage.Open(options.into);
     const CoreRequest request = RequestFor(options);

@@ -16,7 +16,7 @@ struct RecordOptions {
     std::string csv;                  // where to write the positions; empty for nowhere
     std::string poses;                // where to write the poses; empty for nowhere
     std::string trace;                // where the plug-in writes its trace; empty for nowhere
-    std::string core;                 // the library that is the Core; empty for the installed one
+    GuestChoice guests;
     bool optimisedController = true;
     double hostUnitsPerMetre = 39.37;
     std::string into;       // the scene to record into, in its own units; empty for a new one

@@ -205,7 +205,7 @@ void AddRecordVerb(CLI::App& app) {
     AddTakeOptions(*verb, options);
     AddSwitch(*verb, "--no-optimised-controller", arguments->plainController,
               "Record into the host's own controllers");
-    AddCore(*verb, options.core);
+    AddCore(*verb, options.guests);
     AddAudience(*verb, arguments->audience);
     AddExample(*verb, "record walk.bvh --scale 0.01 -o walk.scene");
     verb->callback([arguments] { RunRecord(*arguments); });

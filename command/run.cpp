@@ -6,6 +6,7 @@
 #include "command/exit_status.h"
 #include "command/output.h"
 #include "headless/scene_view.h"
+#include "recorder/stream/notes.h"
 
 namespace headless {
 namespace {
@@ -14,7 +15,7 @@ namespace {
 class Performance {
   public:
     Performance(const RunOptions& options, const std::function<void(const RunResult&)>& tell)
-        : options_(options), tell_(tell), stage_({.core = options.core}), scene_{stage_, {}} {}
+        : options_(options), tell_(tell), stage_(options.guests), scene_{stage_, {}} {}
 
     RunResult Perform() {
         Start();
@@ -46,6 +47,7 @@ class Performance {
         outcome.step = step.text;
         outcome.title = step.title;
         tell_(result_);
+        stage_.Note(recorder::note::kStep, step.text);
         try {
             outcome.note = step.kind->act(scene_, step.words);
             const StepFile use = step.kind->file;
@@ -73,6 +75,7 @@ class Performance {
         result_.end.step = result_.end.title = "end";
         result_.hostObjectsAlive = stage_.ShutDown();
         result_.end.news = stage_.TakeNews();
+        if (options_.guests.watch != WatchChoice::kNo) result_.findings = stage_.Findings();
     }
 
     const RunOptions& options_;

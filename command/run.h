@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <functional>
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,7 +14,7 @@ namespace headless {
 
 struct RunOptions {
     std::string scene;  // to be opened first; empty for none
-    std::string core;   // as in GuestChoice
+    GuestChoice guests;
     std::vector<Step> steps;
     bool keepsGoing = false;  // behind a step that failed
 };
@@ -42,6 +43,7 @@ struct RunResult {
     std::vector<std::string> saved;    // files
     bool hasUnsavedChanges = false;    // the scene is not as it was opened or saved last
     std::size_t hostObjectsAlive = 0;  // after the host has shut down
+    std::optional<std::vector<recorder::Finding>> findings;  // of a watch, if there was one
 
     // What there is to press, if there were no steps.
     std::vector<std::string> utilities;

@@ -98,6 +98,16 @@ Json JsonOf(const OptionView& option) {
             {"value", option.value ? Json(*option.value) : Json()}};
 }
 
+Json JsonOf(const recorder::Finding& finding) {
+    return {{"rule", finding.rule},
+            {"operation", recorder::RowOf(finding.operation).name},
+            {"node", finding.node},
+            {"about", finding.about},
+            {"count", finding.count},
+            {"firstCall", finding.firstCall},
+            {"firstSeconds", finding.firstMilliseconds / 1000.0}};
+}
+
 template <class Entry>
 Json Listed(const std::vector<Entry>& entries) {
     Json list = Json::array();
@@ -138,6 +148,7 @@ void PrintForProgram(std::ostream& out, const RunResult& result) {
                    {"end", JsonOf(result.end)},
                    {"saved", result.saved},
                    {"hostObjectsAlive", result.hostObjectsAlive}};
+    if (result.findings) object["findings"] = Listed(*result.findings);
     if (result.steps.empty()) {
         object["utilities"] = result.utilities;
         object["pages"] = Listed(result.pages);

@@ -24,7 +24,7 @@ struct RunArguments {
 // written over.
 void CheckFiles(const RunArguments& arguments, const std::vector<Step>& steps) {
     const std::vector<NamedFile> kept = {{"--script", arguments.script},
-                                         {"--core", arguments.options.core}};
+                                         {"--core", arguments.options.guests.core}};
     std::vector<NamedFile> scenes = {{"SCENE", arguments.options.scene}};
     for (const Step& step : steps)
         if (step.kind->file != StepFile::kNone && step.kind->file != StepFile::kDrawn)
@@ -70,7 +70,7 @@ void AddRunVerb(CLI::App& app) {
                              "Drive any Core as a person would, step by step. Without steps it "
                              "tells what there is to press.");
     AddFile(*verb, "SCENE", arguments->options.scene, "Scene file to open first");
-    AddCore(*verb, arguments->options.core);
+    AddCore(*verb, arguments->options.guests);
     CLI::Option* const steps = verb->add_option("--do", arguments->steps, "Do this step")
                                    ->expected(1)
                                    ->take_all()

@@ -18,13 +18,13 @@ struct SampleArguments {
     std::vector<std::string> nodes;
     std::string times;
     std::string output;
-    std::string core;
+    GuestChoice guests;
 };
 
 void RunSample(const SampleArguments& arguments) {
     KeepApart({{"SCENE", arguments.scene}}, {{kOutput, arguments.output}});
     ExpectFile(arguments.output);
-    CoreStage stage({Guests::kPluginAndCore, arguments.core});
+    CoreStage stage(arguments.guests);
     stage.NeedReplayCore();
     stage.Open(arguments.scene);
     CoreFile csv(arguments.output);
@@ -54,7 +54,7 @@ void AddSampleVerb(CLI::App& app) {
         ->type_name("START:END:STEP")
         ->required();
     AddOutput(*verb, "--csv", arguments->output, "Write to a file and not to the terminal");
-    AddCore(*verb, arguments->core);
+    AddCore(*verb, arguments->guests);
     AddExample(*verb, "sample walk.scene --node walk_Hips --times 0:2:0.5");
     verb->callback([arguments] { RunSample(*arguments); });
 }

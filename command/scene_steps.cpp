@@ -92,12 +92,12 @@ std::string Link(StepScene& scene, const StepWords& words) {
 }
 
 std::string New(StepScene& scene, const StepWords&) {
-    scene.stage.Host().NewScene();
+    scene.stage.EmptyScene(&Session::NewScene);
     return {};
 }
 
 std::string Reset(StepScene& scene, const StepWords&) {
-    scene.stage.Host().Reset();
+    scene.stage.EmptyScene(&Session::Reset);
     return {};
 }
 

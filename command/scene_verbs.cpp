@@ -168,7 +168,7 @@ void AddConvertVerb(CLI::App& app) {
         AddVerb(app, kKeeping, "convert", "Turn all controllers of a scene into the host's own.");
     AddFile(*verb, "SCENE", arguments->scene, "Scene file")->required();
     AddOutput(*verb, "--save", arguments->output, "Where to save the scene")->required();
-    AddCore(*verb, arguments->guests.core);
+    AddCore(*verb, arguments->guests);
     AddAudience(*verb, arguments->audience);
     AddExample(*verb, "convert walk.scene -o plain.scene");
     ExplainReport(*verb);

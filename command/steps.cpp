@@ -1,15 +1,11 @@
 #include "command/steps.h"
 
 #include <algorithm>
-#include <fstream>
-#include <optional>
-#include <system_error>
 
 #include "command/exit_status.h"
 #include "command/output.h"
 #include "command/written_files.h"
 #include "command/wrong_words.h"
-#include "platform/narrow_path.h"
 
 namespace headless {
 namespace {
@@ -77,17 +73,6 @@ std::string Trimmed(std::string line) {
     return line;
 }
 
-std::string TextOf(const std::string& path) {
-    const std::filesystem::path file = platform::FromNarrow(path);
-    std::error_code error;
-    if (std::filesystem::is_directory(file, error)) throw Failure(path + ": it is a folder");
-    std::ifstream stream(file, std::ios::binary);
-    std::optional<std::string> text = RestOf(stream);
-    if (stream.is_open() && text) return *std::move(text);
-    const bool isThere = std::filesystem::exists(file, error);
-    throw Failure(path + (isThere ? ": it cannot be read" : ": there is no such file"));
-}
-
 }  // namespace
 
 const std::vector<StepKind>& StepKinds() {
@@ -116,7 +101,7 @@ std::vector<Step> StepsOfOptions(const std::vector<std::string>& texts) {
 std::vector<Step> StepsOfScript(const std::string& path) {
     StepReader reader;
     std::size_t number = 0;
-    for (const std::string& line : LinesOf(TextOf(path)))
+    for (const std::string& line : LinesOf(TextOfFile(path)))
         reader.Read(path + ':' + std::to_string(++number) + ": ", Trimmed(line));
     if (reader.steps.empty()) Refuse(path + ": there is no step in it");
     return std::move(reader.steps);

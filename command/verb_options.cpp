@@ -3,11 +3,16 @@
 #include <CLI/CLI.hpp>
 #include <cmath>
 #include <limits>
+#include <memory>
 
+#include "command/exit_status.h"
 #include "command/verb_texts.h"
+#include "recorder/tape/tape_limit.h"
 
 namespace headless {
 namespace {
+
+constexpr char kWatchAlone[] = "true";  // what the parser gives for a word without a value
 
 // Empty, or what is wrong with the name of a file.
 std::string CheckFileName(const std::string& text) {
@@ -38,6 +43,32 @@ std::string CheckSize(const std::string& text) {
 std::string CheckWholeNumber(const std::string& text) {
     int number = 0;
     return CLI::detail::lexical_cast(text, number) ? "" : '"' + text + "\" is not a whole number";
+}
+
+std::uint64_t ReadTapeLimit(const std::string& text) {
+    const std::optional<std::uint64_t> bytes = recorder::ReadBytes(text);
+    if (!bytes) Refuse("--tape-limit: \"" + text + "\" is no size, as 500M or 2G is one");
+    if (*bytes < recorder::kLeastTapeLimit)
+        Refuse("--tape-limit: " + text + " is less than " +
+               std::to_string(recorder::kLeastTapeLimit >> 20) + "M");
+    return *bytes;
+}
+
+// Empty, or what is wrong with what stands behind --watch, which can be nothing.
+std::string ReadWatch(const std::string& text, WatchChoice& choice) {
+    if (text != kWatchAlone && text != "strict") return '"' + text + "\" is not \"strict\"";
+    choice = text == kWatchAlone ? WatchChoice::kYes : WatchChoice::kStrict;
+    return {};
+}
+
+// The parser keeps the word itself as well.
+CLI::Option* AddWatch(CLI::App& verb, WatchChoice& choice) {
+    const auto word = std::make_shared<std::string>();
+    return verb
+        .add_flag("--watch", *word,
+                  "Tell which calls between plug-in and Core break their contract; with "
+                  "--watch=strict one ends the command with 1")
+        ->check([&choice, word](const std::string& text) { return ReadWatch(text, choice); });
 }
 
 }  // namespace
@@ -104,20 +135,31 @@ void CheckRange(const std::string& option, int number, Range range) {
 }
 
 void AddGuestOptions(CLI::App& verb, GuestChoice& choice) {
-    CLI::Option* const core = AddCore(verb, choice.core);
+    const std::vector<CLI::Option*> ofCore = AddCore(verb, choice);
     const auto add = [&](const char* word, Guests guests, const char* help) {
-        verb.add_flag_callback(
-                word, [&choice, guests] { choice.guests = guests; }, help)
-            ->disable_flag_override()
-            ->excludes(core);
+        CLI::Option* const without = verb.add_flag_callback(
+            word, [&choice, guests] { choice.guests = guests; }, help);
+        without->disable_flag_override();
+        for (CLI::Option* const option : ofCore)
+            without->excludes(option);
     };
     add("--no-core", Guests::kPluginAlone, "The plug-in finds no Core");
     add("--no-plugin", Guests::kNobody, "The host is alone");
 }
 
-CLI::Option* AddCore(CLI::App& verb, std::string& core) {
-    return AddFile(verb, "--core", core,
-                   "The library that is the Core, wherever it lies; else the installed one");
+std::vector<CLI::Option*> AddCore(CLI::App& verb, GuestChoice& choice) {
+    CLI::Option* const core =
+        AddFile(verb, "--core", choice.core,
+                "The library that is the Core, wherever it lies; else the installed one");
+    CLI::Option* const tape = AddFile(
+        verb, "--tape", choice.tape,
+        "Write down in this file all that crosses between plug-in and Core, behind what it holds");
+    AddRead(verb, "--tape-limit", "SIZE",
+            "The size that the tape grows to, in bytes or with K, M or G behind a number",
+            [&choice](const std::string& text) { choice.tapeLimit = ReadTapeLimit(text); })
+        ->default_str("1G")
+        ->needs(tape);
+    return {core, tape, AddWatch(verb, choice.watch)};
 }
 
 void AddAudience(CLI::App& verb, Audience& audience) {

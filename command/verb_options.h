@@ -68,9 +68,9 @@ std::string Told(Range range);
 void CheckRange(const std::string& option, int number, Range range);
 
 // Whom to start the host with: --core, --no-core and --no-plugin, or --core alone where a verb is
-// nothing without a Core.
+// nothing without a Core. With --core come --tape and --watch; what is added is given.
 void AddGuestOptions(CLI::App& verb, GuestChoice& choice);
-CLI::Option* AddCore(CLI::App& verb, std::string& core);
+std::vector<CLI::Option*> AddCore(CLI::App& verb, GuestChoice& choice);
 
 // --json: whom to print for.
 void AddAudience(CLI::App& verb, Audience& audience);

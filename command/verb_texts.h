@@ -23,7 +23,8 @@ inline constexpr char kStepValue[] = "STEP";
 // How the command ends, in words.
 inline constexpr char kExitStatusText[] =
     "It ends with 0 when all was done; with 1 when it failed, which one line says, or recorded a "
-    "take that is not as it was meant to be; with 2 when it was called wrongly. diff ends with 1 "
+    "take that is not as it was meant to be, or --watch=strict found something; with 2 when it was "
+    "called wrongly. diff ends with 1 "
     "for a difference and with 2 for trouble.";
 
 inline constexpr char kOnCores[] =

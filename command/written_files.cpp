@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <fstream>
 #include <istream>
 #include <ostream>
 #include <system_error>
@@ -35,21 +36,6 @@ void KeepApart(const NamedFile& file, const NamedFile& other) {
         Refuse(file.option + ": " + file.path + " is the file of " + other.option + " too");
 }
 
-std::string FolderForPassing() {
-    std::error_code error;
-    const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
-    if (error)
-        throw Failure(
-            "the folder for temporary files, which the environment names (TMPDIR), cannot "
-            "be had: " +
-            error.message());
-    std::string path = platform::ToNarrow(folder);
-    if (path.empty())
-        throw Failure(platform::Shown(folder) +
-                      ": the code page lacks a letter of the folder for temporary files");
-    return path;
-}
-
 platform::WholeFile FileFor(const std::string& target) {
     if (target.empty())
         return platform::WholeFile(platform::WholeFile::InFolder{FolderForPassing()});
@@ -65,6 +51,11 @@ void KeepApart(const std::vector<NamedFile>& kept, const std::vector<NamedFile>&
         for (std::size_t before = 0; before < at; ++before)
             KeepApart(written[at], written[before]);
     }
+}
+
+void KeepFromBooked(const NamedFile& written) {
+    for (const BookedFile& file : Book())
+        KeepApart(written, {"another option", file.path});
 }
 
 void ExpectFile(const std::string& file) {
@@ -101,6 +92,21 @@ void TellWhatStands(std::ostream& out) {
         if (file.stoodBefore) out << ", " << file.path << " is as it was";
 }
 
+std::string FolderForPassing() {
+    std::error_code error;
+    const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
+    if (error)
+        throw Failure(
+            "the folder for temporary files, which the environment names (TMPDIR), cannot "
+            "be had: " +
+            error.message());
+    std::string path = platform::ToNarrow(folder);
+    if (path.empty())
+        throw Failure(platform::Shown(folder) +
+                      ": the code page lacks a letter of the folder for temporary files");
+    return path;
+}
+
 // Asked by itself the buffer would throw where it cannot be read.
 std::optional<std::string> RestOf(std::istream& stream) {
     std::string text;
@@ -109,6 +115,17 @@ std::optional<std::string> RestOf(std::istream& stream) {
         text.append(block.data(), static_cast<std::size_t>(stream.gcount()));
     if (stream.bad()) return std::nullopt;
     return text;
+}
+
+std::string TextOfFile(const std::string& path) {
+    const std::filesystem::path file = platform::FromNarrow(path);
+    std::error_code error;
+    if (std::filesystem::is_directory(file, error)) throw Failure(path + ": it is a folder");
+    std::ifstream stream(file, std::ios::binary);
+    std::optional<std::string> text = RestOf(stream);
+    if (stream.is_open() && text) return *std::move(text);
+    const bool isThere = std::filesystem::exists(file, error);
+    throw Failure(path + (isThere ? ": it cannot be read" : ": there is no such file"));
 }
 
 CoreFile::CoreFile(const std::string& target) : target_(target), file_(FileFor(target)) {

@@ -20,6 +20,9 @@ struct NamedFile {
 // that is to be kept.
 void KeepApart(const std::vector<NamedFile>& kept, const std::vector<NamedFile>& written);
 
+// The same for a file that is written as the work goes on, and one that is expected already.
+void KeepFromBooked(const NamedFile& written);
+
 // Which of the files that a verb is to write stand: the book of this process, since a verb can end
 // anywhere. A file is written whole or not at all.
 void ExpectFile(const std::string& file);
@@ -32,8 +35,14 @@ void TellSaved(std::ostream& out);
 // Nothing where no file was to be written. Asks for no memory.
 void TellWhatStands(std::ostream& out);
 
+// Throws a Failure where there is none.
+std::string FolderForPassing();
+
 // All that a stream still gives; nothing if it cannot be read to its end.
 std::optional<std::string> RestOf(std::istream& stream);
+
+// All that a file holds. Throws a Failure if it cannot be read to its end.
+std::string TextOfFile(const std::string& path);
 
 // A file that the Core writes for the command: it is there only if the work on it came to its end,
 // and takes the place of `target` at Keep. Without a target it lies in the system's folder for such

@@ -15,10 +15,10 @@
 #include "scene_state/state_format.h"
 #include "scene_state/stored_plugins.h"
 #include "scene_state/tagged_nodes.h"
+#include "tvl/panel.h"
 
 namespace {
 
-constexpr const char* kGatherCaption = "Gather error";
 constexpr const char* kNeverClaimed =
     "Some nodes were found beloning to Tarvo Lumiset, but they were never claimed. \n"
     " The following nodes were left out:\n\n";
@@ -108,7 +108,8 @@ void ReportUnclaimed(const TaggedNodeList& taggedNodes) {
     if (taggedNodes.Nodes().empty()) return;
     const std::string names = UnclaimedNames(taggedNodes);
     if (names.empty()) return;
-    MessageBoxA(nullptr, (kNeverClaimed + names).c_str(), kGatherCaption, MB_OK | MB_ICONERROR);
+    MessageBoxA(nullptr, (kNeverClaimed + names).c_str(), TVL::kGatherCaption,
+                MB_OK | MB_ICONERROR);
 }
 
 void ClearTags(const TaggedNodeList& taggedNodes, const Handles& kept) {

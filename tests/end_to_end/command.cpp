@@ -1,8 +1,27 @@
 #include "tests/end_to_end/command.h"
 
+#include <algorithm>
+#include <array>
+
 #include "platform/testing.h"
 
-Ending Command::Run(const std::string& words) const {
+namespace {
+
+// Of the words of a verb that starts a Core, unless they say otherwise.
+bool StartsACore(const std::string& words) {
+    constexpr std::array kVerbs = {"record ", "open ",    "merge ",  "convert ", "render ",
+                                   "info ",   "inspect ", "sample ", "run "};
+    constexpr std::array kOtherwise = {"--no-core", "--no-plugin", "help", "--watch"};
+    return std::ranges::any_of(kVerbs, [&](auto verb) { return words.starts_with(verb); }) &&
+           std::ranges::none_of(kOtherwise,
+                                [&](auto word) { return words.find(word) != std::string::npos; });
+}
+
+}  // namespace
+
+Ending Command::Run(const std::string& typed) const {
+    std::string words = typed;
+    if (isWatched_ && StartsACore(words)) words.insert(words.find(' '), " --watch=strict");
     PlaceRegistry(folder_, {core_, documents_});
     const int status = platform::RunProgram({.program = COMMAND,
                                              .arguments = platform::FromNarrow(words).native(),

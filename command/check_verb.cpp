@@ -1,0 +1,148 @@
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+
+#include "command/check_report.h"
+#include "command/checks/checks.h"
+#include "command/exit_status.h"
+#include "command/output.h"
+#include "command/verb_options.h"
+#include "command/verbs.h"
+#include "command/written_files.h"
+#include "command/wrong_words.h"
+#include "platform/narrow_path.h"
+
+namespace headless {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr Range kStrictness{1, kStrictest};
+constexpr int kLives = 3;  // of a random check, from seeds that follow each other
+
+struct CheckArguments {
+    CheckOptions options;
+    int strictness = kStrictest;
+    std::string only;
+    std::optional<int> seed;
+    std::optional<int> reproduced;
+    std::string junit;
+    Audience audience = Audience::kPerson;
+};
+
+const Check& TheCheck(const std::string& name) {
+    const auto found = std::ranges::find(Checks(), name, &Check::name);
+    if (found != Checks().end()) return *found;
+    std::vector<std::string> names;
+    for (const Check& check : Checks())
+        names.emplace_back(check.name);
+    Refuse("--only: there is no check \"" + name + '"' + TellNearest(name, names) +
+           " (check-core --help lists them)");
+}
+
+std::uint64_t SeedOf(const CheckArguments& arguments) {
+    const int seed = arguments.reproduced.value_or(arguments.seed.value_or(1));
+    if (seed < 1) Refuse("a seed is a whole number from 1 on");
+    return static_cast<std::uint64_t>(seed);
+}
+
+// A new one in the folder for temporary files.
+std::string NewFolder() {
+    const fs::path parent = platform::FromNarrow(FolderForPassing());
+    for (int number = 1;; ++number) {
+        const fs::path folder = parent / ("lumiset-checks-" + std::to_string(number));
+        std::error_code error;
+        if (fs::create_directory(folder, error)) return platform::ToNarrow(folder);
+        if (error) throw Failure(platform::Shown(folder) + ": " + error.message());
+    }
+}
+
+// Whatever is made tells of itself at once. The first check shows whether there is a Core at all.
+void MakeAll(const CheckArguments& arguments, const CheckOptions& options, CheckReport& report) {
+    for (const Check& check : Checks()) {
+        if (check.level > arguments.strictness) continue;
+        if (arguments.reproduced && !check.isRandom) continue;
+        CheckOptions own = options;
+        const bool isOnce = !check.isRandom || arguments.reproduced;
+        for (int life = 0; life < (isOnce ? 1 : kLives); ++life, ++own.seed) {
+            report.outcomes.push_back(MakeCheckApart(check, own));
+            if (arguments.audience == Audience::kPerson)
+                PrintOutcome(std::cout, report.outcomes.back());
+        }
+        if (&check == &Checks().front() && report.Count(Verdict::kFaulty) > 0) return;
+    }
+}
+
+void RunChecks(const CheckArguments& arguments) {
+    CheckRange("--strictness", arguments.strictness, kStrictness);
+    CheckOptions options = arguments.options;
+    options.seed = SeedOf(arguments);
+    const bool isPassing = options.folder.empty();
+    if (!arguments.only.empty()) TheCheck(arguments.only);
+    if (isPassing) options.folder = NewFolder();
+    CheckReport report{.core = options.guests.core, .outcomes = {}};
+    if (arguments.only.empty()) {
+        MakeAll(arguments, options, report);
+    } else {
+        report.outcomes.push_back(MakeCheck(TheCheck(arguments.only), options));
+        if (arguments.audience == Audience::kPerson) TellAlone(std::cout, report.outcomes.back());
+    }
+    std::error_code isInUse;
+    if (isPassing) fs::remove(platform::FromNarrow(options.folder), isInUse);
+    if (!arguments.junit.empty()) WriteJunit(report, arguments.junit);
+    if (arguments.only.empty() || arguments.audience == Audience::kProgram)
+        Print(std::cout, report, arguments.audience);
+    if (report.Count(Verdict::kFaulty) > 0) throw Ended{kFailed};
+}
+
+std::string TextOnChecks() {
+    std::string text = "A row for each check, with the strictness from which on it is made:\n\n";
+    for (const Check& check : Checks())
+        text += std::string(check.name) + " (" + std::to_string(check.level) + ")\t" +
+                std::string(check.help) + '\n';
+    return text;
+}
+
+void AddSeeds(CLI::App& verb, CheckArguments& arguments) {
+    AddWholeNumber(verb, "--seed", arguments.seed,
+                   "From which random checks go; 1 if not said, and each is made with this and " +
+                       std::to_string(kLives - 1) + " more");
+    AddWholeNumber(verb, "--reproduce", arguments.reproduced,
+                   "Make the random checks alone, and of this seed")
+        ->excludes("--seed");
+}
+
+}  // namespace
+
+void AddCheckVerb(CLI::App& app) {
+    const auto arguments = std::make_shared<CheckArguments>();
+    CheckOptions& options = arguments->options;
+    CLI::App* verb =
+        AddVerb(app, kDriving, "check-core",
+                "Put a Core through what a host and its user can do to it. Each check is made in a "
+                "process of its own, with the watch; one that fails leaves a tape and the command "
+                "that makes it alone.");
+    AddFile(*verb, "CORE", options.guests.core, "The library that is the Core")->required();
+    verb->add_option("--strictness", arguments->strictness,
+                     "How much is asked, " + Told(kStrictness))
+        ->type_name("NUMBER")
+        ->capture_default_str();
+    AddName(*verb, "--only", arguments->only,
+            "Make this check alone, in this process, for a debugger to look on");
+    AddSeeds(*verb, *arguments);
+    AddSize(*verb, "--time-limit", options.secondsEach, "Seconds that a check may take")
+        ->capture_default_str();
+    verb->add_option("--tapes", options.folder,
+                     "The folder for tapes of checks that fail; a new one among the temporary "
+                     "files if not said")
+        ->type_name("FOLDER");
+    AddFile(*verb, "--junit", arguments->junit, "Write what came of them in the form of JUnit");
+    AddAudience(*verb, arguments->audience);
+    AddExample(*verb, "check-core build/Core/Core64.so --strictness 5");
+    verb->footer(TextOnChecks() + '\n' + verb->get_footer());
+    verb->callback([arguments] { RunChecks(*arguments); });
+}
+
+}  // namespace headless

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "platform/platform_api.h"
+
+namespace platform {
+
+// A program to be run to its end, without a shell.
+struct ChildRun {
+    std::filesystem::path program;
+    std::vector<std::string> arguments;  // narrow text
+    std::filesystem::path output;        // a file for all that it prints, errors included
+    double seconds = 60;                 // after which it is ended, with what it has started
+};
+
+struct ChildEnding {
+    int status = 0;      // if it ended by itself
+    std::string whyNot;  // else what became of it, as "ended by signal 11 (Segmentation fault)"
+};
+
+PLATFORM_API ChildEnding RunChild(const ChildRun& run);
+
+}  // namespace platform

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "recorder/module/library.h"
+#include "recorder/module/settings.h"
+#include "recorder/recorder.h"
+#include "recorder/watch/watch.h"
+
+namespace recorder {
+
+// The module's one state, from its first call until it is freed: the real Core, and what is written
+// down of it. Whatever goes wrong with tape and watch is told in the report, a text file beside the
+// tape, or beside the module where there is none, and the Core works as without them.
+class StandingBetween {
+  public:
+    // Reads the settings beside this module, and loads the Core that they name.
+    StandingBetween();
+
+    // The routines. That there is no real Core, or one of its routines is missing, is thrown.
+    std::uint32_t GetVersion();
+    CoreInterface* Attach(TVL::AdaptorInterface* adaptor);
+    void Detach(CoreInterface* core);
+
+    // The process is ending, and the Core's library is the system's affair.
+    void Abandon() { core_.Abandon(); }
+
+  private:
+    void LoadCore();
+    void BeginRecording();
+    void Tell(const std::string& line) noexcept;
+    void TellFindings() noexcept;
+    template <class Type>
+    Type& Routine(const char* name) const;
+
+    std::filesystem::path module_;
+    ModuleSettings settings_;
+    std::filesystem::path report_;
+    std::string whyNoCore_;
+
+    // What was lent by the Core ends before its library is freed.
+    Library core_;
+    Stream stream_;
+    std::unique_ptr<TapeWriter> tape_;
+    std::optional<Watch> watch_;
+    std::unique_ptr<Recorder> recorder_;  // null if nothing is to be written down
+    bool hasToldStop_ = false;
+};
+
+}  // namespace recorder
