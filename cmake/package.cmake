@@ -3,6 +3,15 @@ install(TARGETS lumiset-headless RUNTIME DESTINATION bin)
 install(TARGETS TarvoOstrelUtil LIBRARY DESTINATION bin)
 install(TARGETS Core64 LIBRARY DESTINATION bin/Core)
 install(TARGETS core_seat_module LIBRARY DESTINATION bin/seat/Core)
+
+# What is copied into another host's installation, with settings for that.
+set(recorder_home HOME)
+if(WIN32)
+  set(recorder_home USERPROFILE)
+endif()
+configure_file(recorder/module/recorder.txt.in recorder.txt @ONLY)
+install(TARGETS recorder_module LIBRARY DESTINATION bin/recorder/Core)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/recorder.txt DESTINATION bin/recorder/Core)
 if(TARGET headless_viewport)
   install(TARGETS headless_viewport LIBRARY DESTINATION lib)
 endif()
@@ -29,7 +38,7 @@ install(
 
 install(DIRECTORY examples/hello_core DESTINATION share/TarvoLumiset/examples)
 
-install(FILES docs/writing-a-core.md CHANGELOG.md DESTINATION share/doc/TarvoLumiset)
+install(FILES docs/writing-a-core.md docs/flight-recorder.md docs/watch.md CHANGELOG.md DESTINATION share/doc/TarvoLumiset)
 install(FILES docs/pictures/axes.png docs/pictures/bounce.png
   DESTINATION share/doc/TarvoLumiset/pictures)
 
@@ -47,7 +56,7 @@ if(NOT CMAKE_CROSSCOMPILING)
 endif()
 
 # All that is installed, and nothing of the tests.
-add_custom_target(kit ALL DEPENDS lumiset-headless core_seat_module ${manual} ${completion})
+add_custom_target(kit ALL DEPENDS lumiset-headless core_seat_module recorder_module ${manual} ${completion})
 
 set(CPACK_GENERATOR TGZ)
 if(WIN32)

@@ -130,6 +130,24 @@ try_replay_core() {
     quietly lumiset run take.scene --do detach --do attach
 }
 
+# As in a vendor's host: the two files of the kit beside the Core, which is renamed.
+try_recorder() {
+    local core tape=$work/recorder.tape
+    core=$(echo build/hello*/Core/Core64.$module | cut -d' ' -f1)
+    mkdir vendor
+    cp "$PREFIX"/bin/recorder/Core/* vendor
+    cp "$core" "vendor/Core64-real.$module"
+    [ "$(exports vendor/Core64.$module | sort | xargs)" = 'attach detach getVersion' ] ||
+        fail "the exports of the recorder: $(exports vendor/Core64.$module | xargs)"
+    export LUMISET_RECORD_TAPE=$tape
+    lives "vendor/Core64.$module"
+    unset LUMISET_RECORD_TAPE
+    [ -s "$tape" ] || fail 'there is no tape'
+    grep -q 'the watch has found 0' "$tape.txt" || { cat "$tape.txt" >&2; fail 'the watch'; }
+    quietly lumiset check-core "$core" --strictness 3
+    printf 'The recorder in its place: a tape, and nothing found\n'
+}
+
 # Each command of the document as it stands there, in one folder, one after the other.
 try_document() {
     awk '/^```sh$/ { on = 1; next } /^```/ { on = 0 } on' "$1" >commands
@@ -142,5 +160,6 @@ names_nothing_outside
 refuses_what_does_not_fit ${compilers[0]}
 for compiler in "${compilers[@]}"; do try_core "$compiler"; done
 try_program "${compilers[0]}"
+try_recorder
 try_replay_core
 [ $module = dll ] || try_document "$PREFIX/share/doc/TarvoLumiset/writing-a-core.md"
