@@ -2,10 +2,8 @@
 // seconds in which it bounces away; pressed again, it records them anew on the ball that is there.
 // One undo takes all of it back, and a ball that comes with a scene file is claimed again.
 
-#include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <memory>
 #include <numbers>
 #include <stdexcept>
 #include <string>
@@ -21,28 +19,22 @@ void Require(bool isSo, const char* elseThrown) {
     if (!isSo) throw std::runtime_error(elseThrown);
 }
 
-// On loan from the node. Null once the user has deleted the host's node, until that is undone.
-auto PoseAt(double time, TVL::CNode* ball) {
-    auto* const node = static_cast<TVL::CoreNode*>(ball);  // as every node is
-    const auto release = [=](TVL::CSnapshot* lent) { node->ReleaseSnapshot(lent); };
-    return std::unique_ptr<TVL::CSnapshot, decltype(release)>(node->AcquireSnapshot(time), release);
-}
-
 // In metres, Y up. The rows of a pose are as long as a host unit in metres, and stay as they are.
 void PutWhereItIsAt(double time, TVL::CNode* ball) {
-    const auto pose = PoseAt(time + 1e-6, ball);  // a hair late, since times are cut to ticks
-    if (!pose) return;
+    auto* const node = static_cast<TVL::CoreNode*>(ball);   // as every node is
+    auto* const pose = node->AcquireSnapshot(time + 1e-6);  // a hair late: times are cut to ticks
+    if (!pose) return;                                      // nothing is behind it in the host
     TVL::CMatrix4 world = pose->GetWorldTransform();
     world[3][0] = time;
     world[3][1] = std::abs(std::sin(std::numbers::pi * time));
     world[3][2] = 0;
     pose->SetWorldTransform(world);
+    node->ReleaseSnapshot(pose);
 }
 
 class HelloCore final : public CoreInterface, public TVL::CoreElement, public TVL::NodeListener {
   public:
     explicit HelloCore(TVL::AdaptorInterface& adaptor) : adaptor_(adaptor) { plugin = &record_; }
-
     // Undo records name balls, and by them their owner and listener: they go before it does.
     ~HelloCore() override {
         ResetCore();
@@ -53,8 +45,7 @@ class HelloCore final : public CoreInterface, public TVL::CoreElement, public TV
     void ShowCore(TVL::WindowHandle) override {
         Require(adaptor_.BeginUndoGroup("Bounce") == 0, "no undo group can be opened");
         try {
-            const auto isThere = [](TVL::CNode* ball) { return PoseAt(0, ball) != nullptr; };
-            if (std::ranges::none_of(balls_, isThere)) MakeBall();
+            if (balls_.empty()) MakeBall();
             RecordBounce();
         } catch (...) {
             adaptor_.CancelUndoGroup();
@@ -66,7 +57,9 @@ class HelloCore final : public CoreInterface, public TVL::CoreElement, public TV
 
     // All state lies with the balls, and goes where they go: it is asked of their owner.
     XMLNode GetCoreState() override { return XMLNode("TVL", ""); }
+    std::vector<int> ListExtensions() override { return {TVL::kNodesBeingDeleted}; }
     std::intptr_t HandleExtension(int id, void* argument) override {
+        if (id == TVL::kNodesBeingDeleted) DeleteBalls();
         if (id != TVL::kSceneBeingSaved || !argument) return 0;
         XMLNode part("TVL_Plugin", "");
         part.AddChild(XMLNode("name", record_.name));
@@ -91,7 +84,8 @@ class HelloCore final : public CoreInterface, public TVL::CoreElement, public TV
             static_cast<TVL::CoreNode*>(ball)->Destroy();
     }
 
-    // A ball goes when its making is undone; it comes when it is made, and when that is redone.
+    // A ball goes when it is deleted or its making undone, and comes when it is made or brought
+    // back.
     void OnNodeRemoved(TVL::CNode* ball) override { std::erase(balls_, ball); }
     void OnNodeRestored(TVL::CNode* ball) override { balls_.push_back(ball); }
 
@@ -118,6 +112,13 @@ class HelloCore final : public CoreInterface, public TVL::CoreElement, public TV
         adaptor_.EndRecording();
     }
 
+    void DeleteBalls() {  // which the user means is not told: all go, in the user's own step
+        Require(adaptor_.BeginUndoGroup("Delete") == 0, "no undo group can be opened");
+        for (TVL::CNode* ball : std::vector(balls_))
+            static_cast<TVL::CoreNode*>(ball)->Delete(true);
+        adaptor_.EndUndoGroup();
+    }
+
     void ClaimBalls(const XMLNode& stored) {
         for (TVL::CNode* found : adaptor_.ClaimNodes(record_.name, stored)) {
             if (!found) continue;
@@ -127,7 +128,6 @@ class HelloCore final : public CoreInterface, public TVL::CoreElement, public TV
             found->ReleaseNode(found);
         }
     }
-
     std::string NewName() { return "Ball" + std::to_string(++ballsNamed_); }  // never one twice
     TVL::AdaptorInterface& adaptor_;
     TVL::PluginRecord record_{"Hello"};

@@ -8,7 +8,6 @@
 #include "headless/core_seat.h"
 #include "headless/scene_view.h"
 #include "headless/session.h"
-#include "platform/modules.h"
 #include "platform/process.h"
 #include "recorder/recorder.h"
 #include "recorder/stream/record_reader.h"
@@ -81,13 +80,12 @@ std::string Told(const std::vector<Finding>& findings) {
     return lines;
 }
 
-// What is watched while the mistake is made.
-void Make(const char* mistake, Watched& between) {
+// The mistake is made as `between` watches.
+void Make(const char* mistake, Watched& between, const std::string& core = MISTAKES_CORE) {
     const TemporaryFolder folder;
     PlaceRegistry(folder, {});
     platform::SetVariable(mistakes::kVariable, mistake);
-    const headless::CoreSeat seat(std::string(MISTAKES_CORE "/") + platform::ModuleFile("Core64"),
-                                  between);
+    const headless::CoreSeat seat(core, between);
     Live(folder.File("watched.scene"));
 }
 
@@ -105,6 +103,13 @@ TEST(TheWatch, NamesEachMistakeAndNothingElse) {
         for (const Finding& finding : findings)
             EXPECT_EQ(finding.rule, row.rule) << Told(findings);
     }
+}
+
+TEST(TheWatch, FindsNothingInTheFirstCoreThatAuthorsRead) {
+    Watched between;
+    Make("", between, HELLO_CORE);
+    EXPECT_TRUE(between.watch.HasSeenAll() && between.kept.records.size() > 1000);
+    EXPECT_TRUE(between.watch.Findings().empty()) << Told(between.watch.Findings());
 }
 
 using Words = std::vector<std::uint64_t>;
