@@ -38,7 +38,8 @@ class MessageProxy final : public MessageNode {
         return hasLeft_ ? MessageNode::Listen(node) : real_->Listen(Across(node));
     }
     std::int32_t StopListening(MessageNode* node) override {
-        return hasLeft_ ? MessageNode::StopListening(node) : real_->StopListening(Across(node));
+        return hasLeft_ ? MessageNode::StopListening(node)
+                        : real_->StopListening(Across(node, Message::kStoppedListening));
     }
 
   private:
@@ -47,7 +48,9 @@ class MessageProxy final : public MessageNode {
         return KindOf(id_) == ObjectKind::kCoreMessageNode ? ObjectKind::kAdaptorMessageNode
                                                            : ObjectKind::kCoreMessageNode;
     }
-    MessageNode* Across(MessageNode* node) const { return net_->Across(node, OtherKind()); }
+    MessageNode* Across(MessageNode* node, std::int32_t messageId = Message::kListening) const {
+        return net_->Across(node, OtherKind(), messageId);
+    }
 
     void PassOn(Message& message, bool isBroadcast, MessageProxy& sender);
 
@@ -123,14 +126,14 @@ MessageNet::~MessageNet() {
     }
 }
 
-MessageNode* MessageNet::Across(MessageNode* node, ObjectKind kind) {
+MessageNode* MessageNet::Across(MessageNode* node, ObjectKind kind, std::int32_t messageId) {
     if (!node) return nullptr;
     {
         const std::lock_guard lock(mutex_);
         for (const auto& proxy : proxies_)
             if (proxy.get() == node) return proxy->Behind();
     }
-    return Proxy(*node, kind, Message::kListening);
+    return Proxy(*node, kind, messageId);
 }
 
 // A node that has taken its leave ends its links yet; whoever else is met at its address is

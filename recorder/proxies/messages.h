@@ -22,8 +22,10 @@ class MessageNet {
     MessageNet& operator=(const MessageNet&) = delete;
 
     // What stands on the other side for a node or proxy of this one; null for null, and where there
-    // is no memory. `kind` tells whose it is, if it is a node.
-    TVL::Util::MessageNode* Across(TVL::Util::MessageNode* node, ObjectKind kind);
+    // is no memory. `kind` tells whose it is, if it is a node. One that has taken its leave is met
+    // again only for the message with which its links end.
+    TVL::Util::MessageNode* Across(TVL::Util::MessageNode* node, ObjectKind kind,
+                                   std::int32_t messageId = TVL::Util::Message::kListening);
 
     ObjectId IdOf(const TVL::Util::MessageNode* node) const;  // or of a proxy
 
@@ -32,7 +34,6 @@ class MessageNet {
   private:
     friend class MessageProxy;
 
-    // For a node that sends that message across.
     MessageProxy* Proxy(TVL::Util::MessageNode& node, ObjectKind kind, std::int32_t messageId);
 
     Scribe& scribe_;

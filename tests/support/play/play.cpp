@@ -47,10 +47,14 @@ Play::Play(bool isRecorded)
     };
 }
 
-Play::~Play() {
+void Play::End() {
     onMoment = nullptr;
     if (!isGone_) Settle();
     world.ShutDown();
+}
+
+Play::~Play() {
+    End();
     EXPECT_EQ(chunksAlive, 0);
     if (recorded) {
         EXPECT_GT(recorded->form.Calls(), 0U);

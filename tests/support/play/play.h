@@ -131,6 +131,9 @@ class Play {
     explicit Play(bool isRecorded = false);
     ~Play();
 
+    // Gives back what is open and shuts down, now.
+    void End();
+
     // A Core that has left does nothing any more.
     void Do(const Act& act) {
         if (act.by == By::kUser || !isGone_) act.run(*this);
