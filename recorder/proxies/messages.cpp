@@ -31,9 +31,7 @@ class MessageProxy final : public MessageNode {
 
     void Receive(Message* message, bool isBroadcast) override;
     std::int32_t Send(MessageNode* target, Message* message) override;
-    void Broadcast(Message* message) override {
-        hasLeft_ ? MessageNode::Broadcast(message) : real_->Broadcast(message);
-    }
+    void Broadcast(Message* message) override;
     std::int32_t Listen(MessageNode* node) override {
         return hasLeft_ ? MessageNode::Listen(node) : real_->Listen(Across(node));
     }
@@ -100,11 +98,18 @@ std::int32_t MessageProxy::Send(MessageNode* target, Message* message) {
     const bool isOfLink = message && (message->id == Message::kListening ||
                                       message->id == Message::kStoppedListening);
     if (hasLeft_ || isOfLink) return MessageNode::Send(target, message);
-    return real_->Send(Across(target), message);
+    const std::int32_t status = real_->Send(Across(target), message);
+    if (status == 0) message->sender = this;
+    return status;
 }
 
-// The net
-// ------------------------------------------------------------------------------------------
+void MessageProxy::Broadcast(Message* message) {
+    if (hasLeft_) return MessageNode::Broadcast(message);
+    real_->Broadcast(message);
+    if (message) message->sender = this;
+}
+
+// The net -----------------------------------------------------------------------------------------
 
 namespace {
 

@@ -251,21 +251,6 @@ std::size_t TryPlan(Play& play, const Event& event, const Names& situation, cons
     return met;
 }
 
-// The trace without what is another at each run: moments, addresses, and the folder.
-std::string PlainTrace(const Play& play) {
-    constexpr std::size_t kMoment = sizeof("20061204 09:05:00") - 1;
-    const std::string folder = play.world.Folder().string();
-    std::istringstream text(play.world.Trace());
-    std::string plain;
-    for (std::string line; std::getline(text, line);) {
-        if (const auto at = line.find(folder); at != line.npos) line.erase(at, folder.size());
-        if (const auto at = line.find("0x"); at != line.npos)
-            line.erase(at, line.find_first_not_of("0123456789abcdefx", at) - at);
-        plain.append(line, std::min(kMoment, line.size())).append("\n");
-    }
-    return plain;
-}
-
 struct Outcome {
     std::size_t moments;
     std::string trace;
@@ -275,7 +260,7 @@ Outcome OutcomeOf(const Event& event, const Names& situation, const Plan& plan, 
     Play play(isRecorded);
     const std::size_t met = TryPlan(play, event, situation, plan);
     play.End();
-    return {met, PlainTrace(play)};
+    return {met, PlainTrace(play.world.Trace(), play.world.Folder().string())};
 }
 
 // With the flight recorder between, nothing is another.
