@@ -111,7 +111,7 @@ CoreStage::CoreStage(const GuestChoice& guests, const SessionSettings& settings)
     if (guests.guests == Guests::kPluginAndCore) TakeSeat(guests);
     if (!platform::SetVariable(variable::kReport, report_.Path()))
         throw Failure(std::string("the environment has no room for ") + variable::kReport);
-    Start();
+    Start(guests.plugin);
     if (!guests.core.empty() || guests.inPlace) NeedCore();
 }
 
@@ -129,10 +129,11 @@ void CoreStage::TakeSeat(const GuestChoice& guests) {
 
 // What keeps a Core away is an error in the trace, and the seat tells it; what one left behind that
 // refused is a warning. The replay Core says by a report that it is there.
-void CoreStage::Start() {
-    const std::string plugin =
-        OrRefuse([] { return platform::BesideProgram(platform::ModuleFile(kPlugin)); });
-    const std::string error = session_.LoadPlugin(plugin);
+void CoreStage::Start(const std::string& plugin) {
+    const std::string error = session_.LoadPlugin(plugin.empty() ? OrRefuse([] {
+        return platform::BesideProgram(platform::ModuleFile(kPlugin));
+    })
+                                                                 : plugin);
     if (!error.empty()) throw Failure(error);
     session_.Start();
     isReplayCore_ = HasCore() && ReadReport(report_.Path());

@@ -92,7 +92,7 @@ class CoreStage {
 
   private:
     void TakeSeat(const GuestChoice& guests);
-    void Start();
+    void Start(const std::string& plugin);
     void Take(FileOutcome outcome);
 
     CoreFile report_{""};

@@ -26,6 +26,7 @@ struct GuestChoice {
     Guests guests = Guests::kPluginAndCore;
     std::string core{};  // the library that is the Core; empty for the one that is installed
     CoreBetween* inPlace = nullptr;  // is the Core, and no library; outlives the stage
+    std::string plugin{};            // the plug-in; empty for the one beside the program
 
     std::string tape{};  // the file that takes in all that crosses the boundary; empty for none
     std::uint64_t tapeLimit = recorder::kUsualTapeLimit;  // bytes

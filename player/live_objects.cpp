@@ -26,7 +26,7 @@ std::pair<std::shared_ptr<void>, void*> As(std::shared_ptr<Type> object) {
 }  // namespace
 
 LiveObjects::LiveObjects(TVL::AdaptorInterface& adaptor, PlayedCore& core)
-    : adaptor_(adaptor), core_(core) {}
+    : adaptor_(adaptor), core_(core), listener_(std::make_unique<PlayedListener>(0, core, *this)) {}
 
 LiveObjects::~LiveObjects() = default;
 
@@ -51,17 +51,14 @@ void* LiveObjects::Make(ObjectId id) {
             break;
         case ObjectKind::kOwner:
             made =
-                As<TVL::CoreElement>(std::make_shared<PlayedOwner>(id, core_, *this, plugins_[id]));
-            break;
-        case ObjectKind::kListener:
-            made = As<TVL::NodeListener>(std::make_shared<PlayedListener>(id, core_, *this));
+                As<TVL::CoreElement>(std::make_shared<PlayedOwner>(id, core_, *this, named_[id]));
             break;
         case ObjectKind::kChunk:
             made = As<TVL::CUndo>(std::make_shared<PlayedChunk>(id, core_, *this));
             break;
         case ObjectKind::kCoreMessageNode:
-            made =
-                As<TVL::Util::MessageNode>(std::make_shared<PlayedMessageNode>(id, core_, *this));
+            made = As<TVL::Util::MessageNode>(
+                std::make_shared<PlayedMessageNode>(id, core_, *this, named_[id].name));
             break;
         case ObjectKind::kLog:
             made = As<TVL::Log>(std::make_shared<TVL::Log>());
@@ -80,6 +77,11 @@ void* LiveObjects::Make(ObjectId id) {
 void LiveObjects::Bind(ObjectId id, void* object) {
     ObjectId& here = ids_[{recorder::KindOf(id), object}];
     objects_.erase(here);
+    if (auto lent = lent_.extract(here)) {
+        lent_.erase(id);
+        lent.key() = id;
+        lent_.insert(std::move(lent));
+    }
     here = id;
     objects_[id] = object;
 }
@@ -114,13 +116,30 @@ void LiveObjects::End(ObjectId id) {
     ids_.erase({recorder::KindOf(id), found->second});
     objects_.erase(found);
     const auto made = made_.extract(id);  // and ends here
+    if (recorder::KindOf(id) != ObjectKind::kNode) return;
+    std::vector<ObjectId> gone;
+    for (const auto& [snapshot, lent] : lent_)
+        if (lent.node == id && !lent.isOut) gone.push_back(snapshot);
+    for (const ObjectId snapshot : gone) {
+        lent_.erase(snapshot);
+        End(snapshot);
+    }
+}
+
+void LiveObjects::TakeBack(ObjectId snapshot) {
+    const auto lent = lent_.find(snapshot);
+    if (lent != lent_.end()) lent->second.isOut = false;
 }
 
 void LiveObjects::Know(const Record& facts) {
     recorder::ValueReader values(facts);
     const recorder::ObjectFacts told = values.Facts();
-    if (recorder::KindOf(facts.head.object) == ObjectKind::kOwner)
-        plugins_[facts.head.object].name = told.name;
+    const ObjectId id = facts.head.object;
+    const ObjectKind kind = recorder::KindOf(id);
+    if (kind != ObjectKind::kOwner && kind != ObjectKind::kCoreMessageNode) return;
+    named_[id].name = told.name;
+    const bool isMessageNode = kind == ObjectKind::kCoreMessageNode && objects_.contains(id);
+    if (isMessageNode) FindMessageNode(id)->SetName(named_[id].name);
 }
 
 }  // namespace player

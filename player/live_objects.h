@@ -53,7 +53,6 @@ PLAYER_KIND(TVL::CSnapshot_Lens, kLensSnapshot);
 PLAYER_KIND(TVL::CSnapshot_Mesh, kMeshSnapshot);
 PLAYER_KIND(TVL::CSnapshot_Shape, kShapeSnapshot);
 PLAYER_KIND(TVL::CoreElement, kOwner);
-PLAYER_KIND(TVL::NodeListener, kListener);
 PLAYER_KIND(TVL::CUndo, kChunk);
 PLAYER_KIND(TVL::Log, kLog);
 PLAYER_KIND(TVL::ErrorCode, kRegistry);
@@ -62,7 +61,11 @@ PLAYER_KIND(TVL::ErrorCode, kRegistry);
 // Which living object stands for each one of a tape's, one to one. Those of the adaptor's are bound
 // as they come to light: until somebody says which one of the tape's it is, such an object has an
 // id that no tape has. Those of the Core's are made on their first use, and end with this, which
-// therefore outlives the session; a chunk when it is released, a message node when it is ended.
+// therefore outlives the session; a chunk when it is released.
+//
+// Whom a node tells of itself is not on the tape before it tells. Every real node that the played
+// Core has made or claimed therefore tells one and the same listener, which asks for the listener
+// 0.
 class LiveObjects {
   public:
     LiveObjects(TVL::AdaptorInterface& adaptor, PlayedCore& core);
@@ -78,6 +81,7 @@ class LiveObjects {
         return static_cast<Type*>(Find(id, KindOfType<Type>::kKind));
     }
     TVL::Util::MessageNode* FindMessageNode(ObjectId id);
+    TVL::NodeListener& Listener() { return *listener_; }
 
     template <class Type>
     ObjectId IdOf(Type* object) {
@@ -93,10 +97,16 @@ class LiveObjects {
     // they are lent as.
     bool Match(ObjectId onTape, ObjectId here);
 
+    // A snapshot is lent by a node, and is given back. One that is out when its node goes is there
+    // for ever.
+    void Lend(ObjectId snapshot, ObjectId node) { lent_[snapshot] = {node, true}; }
+    void TakeBack(ObjectId snapshot);
+
     // The object is gone.
     void End(ObjectId id);
 
-    // What a tape tells of an object (RecordKind::kObject): an owner's plug-in is called so.
+    // What a tape tells of an object (RecordKind::kObject): an owner's plug-in, or a message
+    // node of the Core's, is called so.
     void Know(const Record& facts);
 
   private:
@@ -110,7 +120,13 @@ class LiveObjects {
     std::unordered_map<ObjectId, void*> objects_;
     std::map<std::pair<ObjectKind, const void*>, ObjectId> ids_;
     std::unordered_map<ObjectId, std::shared_ptr<void>> made_;
-    std::unordered_map<ObjectId, TVL::PluginRecord> plugins_;
+    std::unordered_map<ObjectId, TVL::PluginRecord> named_;  // owners and message nodes
+    struct Lent {
+        ObjectId node;
+        bool isOut;
+    };
+    std::unordered_map<ObjectId, Lent> lent_;  // by the snapshot
+    std::unique_ptr<TVL::NodeListener> listener_;
     std::uint64_t unnamed_ = 0;  // objects that got an id here
 };
 

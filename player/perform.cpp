@@ -51,6 +51,8 @@ Type Take(Making& making) {
         return nullptr;  // what is not said
     else if constexpr (std::is_same_v<Type, TVL::CNode*>)
         return making.objects.Find<TVL::CoreNode>(said.Object());
+    else if constexpr (std::is_same_v<Type, TVL::NodeListener*>)
+        return said.Object(), &making.objects.Listener();
     else
         return making.objects.Find<std::remove_pointer_t<Type>>(said.Object());
 }
@@ -159,21 +161,43 @@ bool Plain(Making& making) {
 // What it is given an object for stands in its id.
 bool HandleExtension(Making& making) {
     auto* const target = Target<TVL::CExtendable>(making);
-    if (!target) return false;
     const int extension = making.said.Whole();
     const char letter = making.said.Letter();
     const ExtensionValue argument{letter, letter == 0 ? 0 : making.said.Word(), nullptr};
-    void* pointer = nullptr;
-    if (letter == 'o') pointer = making.objects.Find<TVL::CoreNode>(argument.word);
-    const std::intptr_t result = target->HandleExtension(extension, pointer);
-    const auto word = static_cast<std::uint64_t>(result);
+    void* const pointer =
+        letter == 'o' ? making.objects.Find<TVL::CoreNode>(argument.word) : nullptr;
+    const std::intptr_t result = target ? target->HandleExtension(extension, pointer) : 0;
+    ExtensionValue given{'i', static_cast<std::uint64_t>(result), nullptr};
     if (extension == TVL::kCloneBelow)
-        making.answer.Put(ExtensionValue{
-            'o', making.objects.IdOf(reinterpret_cast<TVL::CoreNode*>(result)), nullptr});
-    else
-        making.answer.Put(ExtensionValue{'i', word, nullptr});
+        given = {'o', making.objects.IdOf(reinterpret_cast<TVL::CoreNode*>(result)), nullptr};
+    making.answer.Put(given);
     making.answer.Put(argument);
     return true;
+}
+
+bool Claim(Making& making) {
+    auto* const target = Target<TVL::CoreNode>(making);
+    if (!target) return false;
+    auto* const owner = Take<TVL::CoreElement*>(making);
+    TVL::CoreNode* const claimed = target->Claim(owner, Take<std::string>(making));
+    if (claimed) claimed->SetListener(&making.objects.Listener());
+    Give(making, claimed);
+    return true;
+}
+
+// The snapshot is still known by the id that it has here.
+template <auto kOperation>
+bool Lend(Making& making) {
+    if (!Plain<kOperation>(making)) return false;
+    const ObjectId lent = ValueReader(making.answer.End()).Object();
+    if (lent != 0) making.objects.Lend(lent, making.object);
+    return true;
+}
+
+template <auto kOperation>
+bool TakeBack(Making& making) {
+    making.objects.TakeBack(ValueReader(making.said).Object());
+    return Plain<kOperation>(making);
 }
 
 bool IntersectRay(Making& making) {
@@ -192,22 +216,21 @@ bool IntersectRay(Making& making) {
     return true;
 }
 
-// What every node sends of itself comes of what is done to its links.
+// What every node sends of itself comes of what is done to its links. One that takes its leave ends
+// them afterwards, of which the tape tells.
 bool Send(Making& making) {
     ValueReader& said = making.said;
-    const ObjectId senderId = said.Object();
-    TVL::Util::MessageNode* const sender = making.objects.FindMessageNode(senderId);
+    TVL::Util::MessageNode* const sender = making.objects.FindMessageNode(said.Object());
     TVL::Util::MessageNode* const target = making.objects.FindMessageNode(making.object);
     if (!sender || !target) return false;
     const std::int32_t id = said.Whole();
     const std::string text(said.Text());
-    TVL::Util::Message message(id, text, said.Whole());
+    const bool isFarewell = id == TVL::Util::Message::kStopBroadcasting;
+    TVL::Util::Message message(id, text, said.Whole(), isFarewell ? sender : nullptr);
     if (id == TVL::Util::Message::kListening)
         sender->Listen(target);
     else if (id == TVL::Util::Message::kStoppedListening)
         sender->StopListening(target);
-    else if (id == TVL::Util::Message::kStopBroadcasting)
-        making.objects.End(senderId);
     else if (said.Truth())
         sender->MessageNode::Broadcast(&message);
     else
@@ -215,14 +238,28 @@ bool Send(Making& making) {
     return true;
 }
 
+// Fields of the contract.
+struct NodeFields : TVL::CoreNode {
+    using CoreNode::owner;
+    using CoreNode::source;
+};
+
+// A real node stays in an undo record. A snapshot node on one of an owner's stays, too, unless it
+// was reached from a node of that owner's.
+bool IsKept(TVL::CoreNode& node, LiveObjects& objects) {
+    if (!node.IsSnapshot()) return objects.Adaptor().IsHoldingUndo();
+    const TVL::CoreElement* const owner = node.*&NodeFields::owner;
+    TVL::CoreNode* const source = node.*&NodeFields::source;
+    return owner && (!source || source->*&NodeFields::owner != owner);
+}
+
 // What such a call ends, to be known before it is made.
 ObjectId EndedBy(const Record& call, LiveObjects& objects) {
     if (call.head.operation == Operation::CNode_ReleaseNode) return ValueReader(call).Object();
     if (call.head.operation == Operation::CoreNode_Destroy) return call.head.object;
     if (call.head.operation != Operation::CoreNode_Delete) return 0;
-    TVL::CoreNode* const node = objects.Find<TVL::CoreNode>(call.head.object);
-    const bool isKept = node && !node->IsSnapshot() && objects.Adaptor().IsHoldingUndo();
-    return isKept ? 0 : call.head.object;
+    auto* const node = objects.Find<TVL::CoreNode>(call.head.object);
+    return !node || IsKept(*node, objects) ? 0 : call.head.object;
 }
 
 // Which operation is made how ------------------------------------------------------------------
@@ -235,7 +272,7 @@ ObjectId EndedBy(const Record& call, LiveObjects& objects) {
 #define PLAYER_OF_AdaptorInterface(Name) &Plain<&TVL::AdaptorInterface::Name>
 #define PLAYER_OF_CExtendable(Name) &Plain<&TVL::CExtendable::Name>
 #define PLAYER_OF_CNode(Name) &Plain<&TVL::CNode::Name>
-#define PLAYER_OF_CoreNode(Name) &Plain<&TVL::CoreNode::Name>
+#define PLAYER_OF_CoreNode(Name) OfCoreNode<&TVL::CoreNode::Name>(#Name)
 #define PLAYER_OF_CSnapshot(Name) &Plain<&TVL::CSnapshot::Name>
 #define PLAYER_OF_CSnapshot_Helper(Name) &Plain<&TVL::CSnapshot_Helper::Name>
 #define PLAYER_OF_CSnapshot_Lens(Name) &Plain<&TVL::CSnapshot_Lens::Name>
@@ -243,14 +280,23 @@ ObjectId EndedBy(const Record& call, LiveObjects& objects) {
 #define PLAYER_OF_CSnapshot_Shape(Name) &Plain<&TVL::CSnapshot_Shape::Name>
 #define PLAYER_ROW(Class, Name, Said, Answered) PLAYER_OF_##Class(Name),
 
-// Where pointers are said, or what they lead to is answered.
-template <>
-bool Plain<&TVL::CExtendable::HandleExtension>(Making& making) {
-    return HandleExtension(making);
-}
-template <>
-bool Plain<&TVL::CSnapshot_Mesh::IntersectRay>(Making& making) {
-    return IntersectRay(making);
+// Operations that take more.
+#define PLAYER_SPECIAL(Operation, How)             \
+    template <>                                    \
+    bool Plain<&TVL::Operation>(Making & making) { \
+        return How(making);                        \
+    }
+PLAYER_SPECIAL(CExtendable::HandleExtension, HandleExtension)
+PLAYER_SPECIAL(CSnapshot_Mesh::IntersectRay, IntersectRay)
+PLAYER_SPECIAL(CoreNode::Claim, Claim)
+#undef PLAYER_SPECIAL
+
+// CoreNode's rows, of which those of snapshots are told by their names.
+template <auto kOperation>
+constexpr MakeCall OfCoreNode(std::string_view name) {
+    if (name.starts_with("Acquire")) return &Lend<kOperation>;
+    const bool takesBack = name.starts_with("Release") && name.ends_with("Snapshot");
+    return takesBack ? &TakeBack<kOperation> : &Plain<kOperation>;
 }
 
 constexpr auto kMakeCalls = std::to_array<MakeCall>({RECORDER_OPERATIONS(PLAYER_ROW)});

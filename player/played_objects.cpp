@@ -108,8 +108,9 @@ void PlayedChunk::Release() try {
     throw;
 }
 
-PlayedMessageNode::PlayedMessageNode(ObjectId id, PlayedCore& core, LiveObjects& objects)
-    : MessageNode("played"), PlayedObject(id, core, objects) {}
+PlayedMessageNode::PlayedMessageNode(ObjectId id, PlayedCore& core, LiveObjects& objects,
+                                     std::string nodeName)
+    : MessageNode(std::move(nodeName)), PlayedObject(id, core, objects) {}
 
 void PlayedMessageNode::Receive(TVL::Util::Message* message, bool isBroadcast) {
     if (!message) return;

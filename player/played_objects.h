@@ -71,7 +71,7 @@ class PlayedChunk final : public TVL::CUndo, public PlayedObject {
 
 class PlayedMessageNode final : public TVL::Util::MessageNode, public PlayedObject {
   public:
-    PlayedMessageNode(ObjectId id, PlayedCore& core, LiveObjects& objects);
+    PlayedMessageNode(ObjectId id, PlayedCore& core, LiveObjects& objects, std::string nodeName);
     void Receive(TVL::Util::Message* message, bool isBroadcast) override;
     void Broadcast(TVL::Util::Message* message) override;
 };

@@ -1,0 +1,417 @@
+#include "player/replay/causes.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <span>
+
+#include "player/perform.h"
+#include "player/replay/replay_scenes.h"
+#include "recorder/stream/notes.h"
+#include "tvl/panel.h"
+
+namespace player {
+namespace {
+
+using recorder::ValueReader;
+
+// What can come of one and the same thing.
+constexpr std::array kOfAnotherScene = {
+    Operation::CoreInterface_SetCoreState, Operation::CoreInterface_NotifyTimeChanged,
+    Operation::CUndo_Release, Operation::CoreInterface_IsCoreRunning};
+constexpr std::array kOfSaving = {Operation::CExtendable_HandleExtension, Operation::CUndo_Release,
+                                  Operation::CoreInterface_GetCoreState,
+                                  Operation::CoreInterface_IsCoreRunning};
+constexpr std::array kOfDeletion = {
+    Operation::CoreInterface_IsCoreRunning, Operation::CoreInterface_StopCore,
+    Operation::CExtendable_HasExtension, Operation::CExtendable_HandleExtension};
+constexpr std::array kOfRelease = {Operation::CUndo_Release};
+
+bool IsOutermost(const Record& record) {
+    return record.head.kind == RecordKind::kCall && record.head.nesting == 0;
+}
+
+// 0 for another operation.
+int ExtensionOf(const Record& call) {
+    const Operation operation = call.head.operation;
+    const bool is = operation == Operation::CExtendable_HandleExtension ||
+                    operation == Operation::CExtendable_HasExtension;
+    return is ? ValueReader(call).Whole() : 0;
+}
+
+std::string Quoted(std::string_view text) {
+    std::string quoted = "\"";
+    for (const char c : text)
+        quoted.append(c == '"' ? 2 : 1, c);
+    return quoted + '"';
+}
+
+std::string TextOf(double number) {
+    std::array<char, 32> text{};
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), number).ptr;
+    return {text.data(), end};
+}
+
+Cause Steps(std::string step) {
+    Cause cause;
+    cause.steps.push_back(std::move(step));
+    return cause;
+}
+
+Cause Unknown(std::string whyNot) {
+    Cause cause;
+    cause.whyNot = std::move(whyNot);
+    return cause;
+}
+
+}  // namespace
+
+// The outermost calls from one on that can come of one thing that the host did, and the note on a
+// scene that stands behind them.
+class Causes::Event {
+  public:
+    Event(const std::vector<Record>& records, std::size_t place,
+          std::span<const Operation> others) {
+        for (; place < records.size(); ++place) {
+            const Record& record = records[place];
+            if (record.head.kind == RecordKind::kNote && TakeNote(record)) break;
+            if (!IsOutermost(record)) continue;
+            if (!calls.empty() &&
+                (IsOfCore(record) ||
+                 std::ranges::find(others, record.head.operation) == others.end())) {
+                next = &record;
+                break;
+            }
+            calls.push_back(place);
+        }
+    }
+
+    std::vector<std::size_t> calls;
+    const Record* next = nullptr;  // the outermost call behind them
+    std::string word;              // of the note, if there is one
+    std::string digest;
+    std::string path;
+
+    std::size_t Find(const std::vector<Record>& records, Operation operation) const {
+        const auto found = std::ranges::find_if(
+            calls, [&](std::size_t call) { return records[call].head.operation == operation; });
+        return found == calls.end() ? records.size() : *found;
+    }
+
+  private:
+    // True if nothing of the event can stand behind it.
+    bool TakeNote(const Record& record) {
+        ValueReader values(record);
+        const std::string_view noted = values.Text();
+        if (noted == recorder::note::kScene) return false;
+        word = noted;
+        if (word == recorder::note::kStep) return true;
+        const SceneNote scene = ReadSceneNote(values.Text());
+        digest = scene.digest;
+        path = scene.rest;
+        return true;
+    }
+};
+
+struct Causes::Told {
+    ObjectId object;
+    Operation operation;
+
+    friend bool operator==(const Told&, const Told&) = default;
+};
+
+struct Causes::Direction {
+    std::vector<Step>& from;
+    std::vector<Step>& to;
+    Operation Deed::*told;
+    const char* name;
+};
+
+struct Causes::Row {
+    Operation first;
+    Cause (Causes::*cause)(std::size_t place);
+};
+
+const std::vector<Causes::Row>& Causes::Table() {
+    static const std::vector<Row> rows = {
+        {Operation::CoreInterface_NotifyTimeChanged, &Causes::Time},
+        {Operation::CoreInterface_ShowCore, &Causes::Show},
+        {Operation::CoreInterface_ResetCore, &Causes::NewOrOpen},
+        {Operation::CoreInterface_GetCoreState, &Causes::SaveOrDetach},
+        {Operation::CoreInterface_SetCoreState, &Causes::Merge},
+        {Operation::CoreInterface_StopCore, &Causes::Deletion},
+        {Operation::CoreInterface_IsCoreRunning, &Causes::Deletion},
+        {Operation::CoreInterface_GetOptionNode, &Causes::Question},
+        {Operation::CoreInterface_GetOptionValue, &Causes::Question},
+        {Operation::CExtendable_HandleExtension, &Causes::SaveOrDetach},
+        {Operation::CExtendable_HasExtension, &Causes::Deletion},
+        {Operation::NodeListener_OnNodeRemoved, &Causes::UndoOrRedo},
+        {Operation::NodeListener_OnNodeRestored, &Causes::UndoOrRedo},
+        {Operation::CUndo_Undo, &Causes::UndoOrRedo},
+        {Operation::CUndo_Redo, &Causes::UndoOrRedo},
+        {Operation::CUndo_Release, &Causes::Release},
+        {Operation::Routine_detach, &Causes::Detach},
+    };
+    return rows;
+}
+
+Causes::Causes(const recorder::TapeSession& session) : records_(session.records) {
+    for (const Record& record : records_)
+        if (record.head.kind == RecordKind::kCall &&
+            recorder::KindOf(record.head.object) == ObjectKind::kListener)
+            heardOf_.insert(ValueReader(record).Object());
+}
+
+Cause Causes::Of(std::size_t place) {
+    Follow(place);
+    const Operation operation = records_[place].head.operation;
+    const auto row = std::ranges::find(Table(), operation, &Row::first);
+    if (row == Table().end()) return Unknown("no event of the host's begins with this call");
+    return (this->*row->cause)(place);
+}
+
+// Undo takes the time back to where a recording began, and redo forth again. Of a step that tells
+// of nothing else it shows in what is undone or redone next that it was passed, too.
+Cause Causes::Time(std::size_t place) {
+    const double seconds = ValueReader(records_[place]).Number();
+    const std::vector<Told> told = ToldFrom(place + 1);
+    for (const Direction& direction : {Back(), Forth()}) {
+        const Step* const next = told.empty() ? nullptr : StepOf(direction, told);
+        if (!next) continue;
+        const auto timed =
+            std::find_if(direction.from.rbegin(), direction.from.rend(),
+                         [&](const Step& step) { return step.otherTime || &step == next; });
+        if (timed->otherTime == seconds) return Go(direction, &*timed);
+    }
+    return Steps("time " + TextOf(seconds));
+}
+
+Cause Causes::Show(std::size_t) {
+    return Steps("press " + std::to_string(TVL::kStartButton));
+}
+
+Cause Causes::NewOrOpen(std::size_t place) {
+    const Event event(records_, place, kOfAnotherScene);
+    const std::size_t state = event.Find(records_, Operation::CoreInterface_SetCoreState);
+    if (event.word == recorder::note::kNew || state == records_.size()) {
+        const std::size_t time = event.Find(records_, Operation::CoreInterface_NotifyTimeChanged);
+        const bool isReset = time < records_.size() && ValueReader(records_[time]).Number() == 0;
+        return Steps(isReset ? "reset" : "new");
+    }
+    const bool isNoted = event.word == recorder::note::kOpened;
+    const std::string path = isNoted ? event.path : PathOfState(records_[state]);
+    if (path.empty()) return Unknown("a scene was opened, and the tape does not tell which");
+    Cause cause = Steps("open " + Quoted(path));
+    cause.digest = isNoted ? event.digest : "";
+    return cause;
+}
+
+// How a scene is called that was saved.
+std::string Causes::SavedAs(const Event& event) const {
+    if (event.word == recorder::note::kSaved) return event.path;
+    const std::size_t state = event.Find(records_, Operation::CoreInterface_GetCoreState);
+    return "saved at call " +
+           std::to_string(records_[std::min(state, event.calls.back())].head.call);
+}
+
+// How the scene is called that was saved with this state; empty if there is none.
+std::string Causes::PathOfState(const Record& state) const {
+    std::string path;
+    for (std::size_t place = 0; place < records_.size(); ++place) {
+        if (records_[place].head.call >= state.head.call) break;
+        if (!records_[place].Is(RecordKind::kAnswer, Operation::CoreInterface_GetCoreState) ||
+            !std::ranges::equal(records_[place].values, state.values))
+            continue;
+        const auto call = std::ranges::find(records_, records_[place].head.call,
+                                            [](const Record& each) { return each.head.call; });
+        path =
+            SavedAs(Event(records_, static_cast<std::size_t>(call - records_.begin()), kOfSaving));
+    }
+    return path;
+}
+
+Cause Causes::SaveOrDetach(std::size_t place) {
+    if (ExtensionOf(records_[place]) == TVL::kNodesBeingDeleted) return Deletion(place);
+    const Event event(records_, place, kOfSaving);
+    const bool isAsked =
+        event.Find(records_, Operation::CoreInterface_GetCoreState) < records_.size();
+    if (!isAsked && event.next && event.next->head.operation == Operation::Routine_detach)
+        return Steps("detach");
+    return Steps("save " + Quoted(SavedAs(event)));
+}
+
+Cause Causes::Merge(std::size_t place) {
+    const Event event(records_, place, {});
+    if (event.word != recorder::note::kMerged)
+        return Unknown("a scene was merged, and the tape does not tell which");
+    Cause cause = Steps("merge " + Quoted(event.path));
+    cause.digest = event.digest;
+    return cause;
+}
+
+// The Core is asked whether it is running whenever somebody counts keys.
+Cause Causes::Deletion(std::size_t place) {
+    const Event event(records_, place, kOfDeletion);
+    Cause cause;
+    cause.isDeletion = true;
+    for (const std::size_t call : event.calls) {
+        if (ExtensionOf(records_[call]) != TVL::kNodesBeingDeleted) continue;
+        cause.owners.insert(records_[call].head.object);
+        for (std::size_t inside = call + 1;
+             inside < records_.size() && records_[inside].head.call != records_[call].head.call;
+             ++inside)
+            if (records_[inside].Is(RecordKind::kCall, Operation::CoreNode_Delete))
+                cause.nodes.insert(records_[inside].head.object);
+    }
+    if (!cause.owners.empty()) return cause;
+    if (event.Find(records_, Operation::CoreInterface_StopCore) < records_.size())
+        return Unknown("nodes were deleted, and the tape does not tell which");
+    return Question(place);
+}
+
+Cause Causes::Question(std::size_t) {
+    Cause cause;
+    cause.isNothing = true;
+    return cause;
+}
+
+// Whichever stack has the step of which all that is told here would be told. If both have, what
+// tells of more is meant.
+Cause Causes::UndoOrRedo(std::size_t place) {
+    const std::vector<Told> told = ToldFrom(place);
+    const Step* const undone = StepOf(Back(), told);
+    const Step* const redone = StepOf(Forth(), told);
+    const std::size_t ofUndone = undone ? undone->deeds.size() : 0;
+    const std::size_t ofRedone = redone ? redone->deeds.size() : 0;
+    if (ofUndone == ofRedone)
+        return Unknown("the host undid something or did it again, and the tape tells not which");
+    return ofUndone > ofRedone ? Go(Back(), undone) : Go(Forth(), redone);
+}
+
+// What nodes, chunks and nobody else were told from a place on.
+std::vector<Causes::Told> Causes::ToldFrom(std::size_t place) const {
+    std::vector<Told> told;
+    for (; place < records_.size(); ++place) {
+        const Record& record = records_[place];
+        const Operation operation = record.head.operation;
+        if (!IsOutermost(record) || operation == Operation::CoreInterface_IsCoreRunning) continue;
+        const ObjectKind kind = recorder::KindOf(record.head.object);
+        if (kind == ObjectKind::kListener)
+            told.push_back({ValueReader(record).Object(), operation});
+        else if (kind == ObjectKind::kChunk)
+            told.push_back({record.head.object, operation});
+        else if (operation != Operation::CoreInterface_NotifyTimeChanged)
+            break;
+    }
+    return told;
+}
+
+// The next step of which anything is told, if that is what was told; steps of the user's own and
+// mere keys may stand above it.
+Causes::Step* Causes::StepOf(const Direction& direction, const std::vector<Told>& told) {
+    const auto step = std::find_if(direction.from.rbegin(), direction.from.rend(),
+                                   [](const Step& each) { return !each.deeds.empty(); });
+    if (step == direction.from.rend()) return nullptr;
+    std::vector<Told> due;
+    for (const Deed& deed : step->deeds)
+        due.push_back({deed.object, deed.*direction.told});
+    if (direction.told == &Deed::undone) std::ranges::reverse(due);
+    const bool isIt = told.size() >= due.size() && std::equal(due.begin(), due.end(), told.begin());
+    return isIt ? &*step : nullptr;
+}
+
+Cause Causes::Go(const Direction& direction, const Step* step) {
+    Cause cause = Steps(direction.name);
+    cause.isRepeated = true;
+    double time = now_;
+    for (bool isMet = false; !isMet;) {
+        Step& next = direction.from.back();
+        isMet = &next == step;
+        if (next.otherTime) std::swap(*next.otherTime, time);
+        direction.to.push_back(std::move(next));
+        direction.from.pop_back();
+    }
+    return cause;
+}
+
+Causes::Direction Causes::Back() {
+    return {undo_, redo_, &Deed::undone, "undo"};
+}
+
+Causes::Direction Causes::Forth() {
+    return {redo_, undo_, &Deed::redone, "redo"};
+}
+
+Cause Causes::Release(std::size_t place) {
+    const Event event(records_, place, kOfRelease);
+    if (event.next && event.next->head.operation == Operation::Routine_detach) return Detach(place);
+    return Unknown("the host dropped undo steps, and the tape does not tell why");
+}
+
+Cause Causes::Detach(std::size_t) {
+    Cause cause;
+    cause.isEnd = true;
+    return cause;
+}
+
+// What the Core's calls up to a place have put into undo steps.
+void Causes::Follow(std::size_t place) {
+    for (; followed_ < place; ++followed_)
+        FollowCall(records_[followed_]);
+}
+
+void Causes::Note(ObjectId object, Operation undone, Operation redone) {
+    const bool isHeardOf =
+        recorder::KindOf(object) == ObjectKind::kChunk || heardOf_.contains(object);
+    if (groups_ > 0 && isHeardOf) open_.deeds.push_back({object, undone, redone});
+}
+
+void Causes::FollowCall(const Record& record) {
+    const bool isCall = record.head.kind == RecordKind::kCall;
+    const bool isAnswer = record.head.kind == RecordKind::kAnswer;
+    if (!isCall && !isAnswer) return;
+    switch (record.head.operation) {
+        case Operation::AdaptorInterface_BeginUndoGroup:
+            if (isCall && ++groups_ == 1) open_ = {};
+            break;
+        case Operation::AdaptorInterface_CancelUndoGroup:
+            if (isCall) isCancelled_ = true;
+            [[fallthrough]];
+        case Operation::AdaptorInterface_EndUndoGroup:
+            if (!isCall || groups_ == 0 || --groups_ > 0) break;
+            if (!std::exchange(isCancelled_, false)) undo_.push_back(std::exchange(open_, {}));
+            redo_.clear();
+            break;
+        case Operation::AdaptorInterface_BeginRecording:
+        case Operation::AdaptorInterface_BeginRecordingUnkeyed:
+            if (isCall && groups_ > 0 && !open_.otherTime) open_.otherTime = now_;
+            break;
+        case Operation::CoreInterface_NotifyTimeChanged:
+            if (isCall) now_ = ValueReader(record).Number();
+            break;
+        case Operation::AdaptorInterface_AddUndoChunk:
+            if (isCall)
+                Note(ValueReader(record).Object(), Operation::CUndo_Undo, Operation::CUndo_Redo);
+            break;
+        case Operation::AdaptorInterface_CreateLensNode:
+        case Operation::AdaptorInterface_CreateHelperNode:
+            if (isAnswer)
+                Note(ValueReader(record).Object(), Operation::NodeListener_OnNodeRemoved,
+                     Operation::NodeListener_OnNodeRestored);
+            break;
+        case Operation::CoreNode_Delete:
+            if (isCall)
+                Note(record.head.object, Operation::NodeListener_OnNodeRestored,
+                     Operation::NodeListener_OnNodeRemoved);
+            break;
+        case Operation::CoreInterface_ResetCore:
+        case Operation::AdaptorInterface_FlushUndoBuffer:
+            undo_.clear();
+            redo_.clear();
+            break;
+        default:
+            break;
+    }
+}
+
+}  // namespace player

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "player/live_objects.h"
+#include "recorder/tape/read_tape.h"
+
+namespace player {
+
+// What the host did that calls of the adaptor's came of.
+struct Cause {
+    std::vector<std::string> steps;  // of `run`; none if it cannot be told
+    std::string whyNot;
+
+    // Ahead of the steps: what the user selects and deletes, some nodes, or all of some owners'.
+    bool isDeletion = false;
+    std::set<ObjectId> nodes;
+    std::set<ObjectId> owners;
+
+    // A silent step of the user's may stand above what is undone or redone.
+    bool isRepeated = false;
+
+    bool isEnd = false;      // the Core was detached, and not by the panel
+    bool isNothing = false;  // a mere question, which nobody needs to have done anything for
+    std::string digest;      // of the scene that is opened or merged
+};
+
+// Tells what the host did from the outermost calls on a tape alone, and from notes on scenes where
+// there are any. Where several things fit, what the Core did before decides.
+class Causes {
+  public:
+    explicit Causes(const recorder::TapeSession& session);
+
+    // Of the outermost call at a place among the session's records. Places are asked for in their
+    // order.
+    Cause Of(std::size_t place);
+
+  private:
+    struct Row;
+    class Event;
+    static const std::vector<Row>& Table();
+
+    Cause Time(std::size_t place);
+    Cause Show(std::size_t place);
+    Cause NewOrOpen(std::size_t place);
+    Cause SaveOrDetach(std::size_t place);
+    Cause Merge(std::size_t place);
+    Cause Deletion(std::size_t place);
+    Cause Question(std::size_t place);
+    Cause UndoOrRedo(std::size_t place);
+    Cause Release(std::size_t place);
+    Cause Detach(std::size_t place);
+
+    std::string SavedAs(const Event& event) const;
+    std::string PathOfState(const Record& state) const;
+
+    // What an undo step of the Core's did of which the Core hears when it is undone or redone, in
+    // its order.
+    struct Deed {
+        ObjectId object;
+        Operation undone;
+        Operation redone;
+    };
+    struct Step {
+        std::vector<Deed> deeds;
+        std::optional<double> otherTime;  // to which undo or redo takes a host that has recorded
+    };
+    struct Direction;
+    struct Told;
+    Direction Back();
+    Direction Forth();
+    std::vector<Told> ToldFrom(std::size_t place) const;
+    Step* StepOf(const Direction& direction, const std::vector<Told>& told);
+    Cause Go(const Direction& direction, const Step* step);
+
+    void Follow(std::size_t place);
+    void FollowCall(const Record& record);
+    void Note(ObjectId object, Operation undone, Operation redone);
+
+    const std::vector<Record>& records_;
+    std::set<ObjectId> heardOf_;  // nodes of which the Core hears
+
+    // As far as the tape was followed.
+    std::vector<Step> undo_;  // the newest last
+    std::vector<Step> redo_;
+    Step open_;
+    int groups_ = 0;
+    bool isCancelled_ = false;
+    double now_ = 0;
+    std::size_t followed_ = 0;
+};
+
+}  // namespace player

@@ -1,0 +1,319 @@
+#include "player/replay/played_session.h"
+
+#include <algorithm>
+#include <array>
+#include <stdexcept>
+
+#include "player/replay/values_text.h"
+#include "recorder/stream/notes.h"
+#include "recorder/stream/record_writer.h"
+
+namespace player {
+namespace {
+
+using recorder::RecordHead;
+using recorder::RecordWriter;
+using recorder::RowOf;
+using recorder::ValueReader;
+
+// What may be another on another machine.
+constexpr std::array kNotCompared = {Operation::AdaptorInterface_GetPlatformName,
+                                     Operation::AdaptorInterface_GetPlatformVersion,
+                                     Operation::AdaptorInterface_GetPlatformWindow};
+
+constexpr std::string_view kNothingCame = "nothing";
+
+bool IsOfListener(Operation operation) {
+    return operation == Operation::NodeListener_OnNodeRemoved ||
+           operation == Operation::NodeListener_OnNodeRestored;
+}
+
+bool IsEndOf(const Record& record, std::uint64_t call) {
+    const RecordKind kind = record.head.kind;
+    return (kind == RecordKind::kAnswer || kind == RecordKind::kThrown) && record.head.call == call;
+}
+
+// A status is 0 or a number that means nothing outside its process.
+bool IsStatus(Operation operation) {
+    const recorder::OperationRow& row = RowOf(operation);
+    return row.className == "AdaptorInterface" && row.answered == "i" && row.name != "GetVersion";
+}
+
+std::string TextOfAnswer(Operation operation, std::span<const std::uint64_t> values) {
+    const std::string text = TextOfValues(RowOf(operation).answered, values);
+    return "the answer" + (text.empty() ? text : ' ' + text);
+}
+
+std::string TextOfThrown(std::string_view words) {
+    return "thrown: " + std::string(words);
+}
+
+std::string TextOfEnd(const Record& end) {
+    if (end.head.kind == RecordKind::kThrown) return TextOfThrown(ValueReader(end).Text());
+    return TextOfAnswer(end.head.operation, end.values);
+}
+
+template <class... Values>
+Record CallOf(RecordWriter& writer, Operation operation, const Values&... values) {
+    RecordHead head;
+    head.kind = RecordKind::kCall;
+    head.operation = operation;
+    writer.Begin(head);
+    (writer.Put(values), ...);
+    return writer.End();
+}
+
+}  // namespace
+
+PlayedSession::PlayedSession(const recorder::TapeSession& session, ReplayScenes& scenes)
+    : session_(session), scenes_(scenes) {
+    for (const Record& record : session.records)
+        if (record.head.kind == RecordKind::kCall && IsOfListener(record.head.operation))
+            heardOf_.insert(ValueReader(record).Object());
+}
+
+CoreInterface* PlayedSession::Attach(TVL::AdaptorInterface& adaptor) {
+    objects_.emplace(adaptor, *this);
+    RecordWriter writer;
+    ValueReader answer(Answer(CallOf(writer, Operation::Routine_attach, objects_->IdOf(&adaptor))));
+    CoreInterface* const core = objects_->Find<CoreInterface>(answer.Object());
+    isAttached_ = core != nullptr;
+    if (!isAttached_) GiveBack();
+    return core;
+}
+
+void PlayedSession::Detach(CoreInterface* core) {
+    isAttached_ = false;
+    RecordWriter writer;
+    Answer(CallOf(writer, Operation::Routine_detach, objects_->IdOf(core)));
+    GiveBack();
+}
+
+// What a Core that went on to its end has given back itself.
+void PlayedSession::GiveBack() {
+    if (!verdict_ && !isTorn_) return;
+    objects_->Adaptor().ClearLog();
+    objects_->Adaptor().ClearErrorCode();
+}
+
+// The record that stands next, but for what is only told.
+const Record* PlayedSession::Peek(bool passesNotes) {
+    for (; at_ < session_.records.size(); ++at_) {
+        const Record& record = session_.records[at_];
+        switch (record.head.kind) {
+            case RecordKind::kObject:
+                if (objects_) objects_->Know(record);
+                names_[record.head.object] = ValueReader(record).Facts().name;
+                break;
+            case RecordKind::kNote:
+                if (!passesNotes) return &record;
+                break;
+            case RecordKind::kCall:
+            case RecordKind::kAnswer:
+            case RecordKind::kThrown:
+                if (record.head.thread != 0)
+                    CannotTell("a call was made on another thread, whose moment is not told");
+                return &record;
+            default:
+                break;
+        }
+    }
+    isTorn_ = !session_.isClosed;
+    return nullptr;
+}
+
+// Whoever counts keys has the Core asked whether it is running, so that the host can have its own
+// reasons at any moment between two events.
+bool PlayedSession::IsAtQuestion() {
+    const Record* const next = Peek(true);
+    return making_ == 0 && next &&
+           next->Is(RecordKind::kCall, Operation::CoreInterface_IsCoreRunning);
+}
+
+void PlayedSession::PassQuestion() {
+    const std::uint64_t call = session_.records[at_].head.call;
+    while (const Record* const next = Peek(true)) {
+        ++at_;
+        if (IsEndOf(*next, call)) break;
+    }
+}
+
+std::span<const std::uint64_t> PlayedSession::Answer(const Record& call) {
+    if (verdict_) return {};
+    const bool isQuestion = call.head.operation == Operation::CoreInterface_IsCoreRunning;
+    while (!isQuestion && IsAtQuestion())
+        PassQuestion();
+    const Record* const expected = Peek(true);
+    if (isTorn_ || verdict_) return {};
+    if (expected && IsIt(*expected, call)) return Play(*expected);
+    if (isQuestion && making_ == 0) return {};
+    if (IsOfListener(call.head.operation) && !heardOf_.contains(ValueReader(call).Object()))
+        return {};
+    Differ(NamedCall(call));
+    return {};
+}
+
+// Which listener it is on the adaptor's side does not know.
+bool PlayedSession::IsIt(const Record& expected, const Record& call) {
+    const Operation operation = call.head.operation;
+    return expected.Is(RecordKind::kCall, operation) &&
+           (expected.head.object == call.head.object || IsOfListener(operation)) &&
+           Match(RowOf(operation).said, expected.values, call.values, *objects_);
+}
+
+// Plays what stands on the tape up to the call's end, and gives its answer.
+std::span<const std::uint64_t> PlayedSession::Play(const Record& call) {
+    ++at_;
+    ++calls_;
+    while (const Record* const next = Peek(true)) {
+        if (verdict_) return {};
+        if (IsEndOf(*next, call.head.call)) {
+            ++at_;
+            if (next->head.kind == RecordKind::kThrown)
+                throw std::runtime_error(std::string(ValueReader(*next).Text()));
+            return next->values;
+        }
+        if (next->head.kind == RecordKind::kCall && IsOfCore(*next))
+            Make(*next, [&] { return PerformHere(*next); });
+        else if (!MakeLink(*next))
+            Differ(std::string(kNothingCame));
+    }
+    return {};
+}
+
+// The Core had a node of the adaptor's listen to one of its own, or no more, which that one hears
+// of. False: it was not that, or nothing came of it.
+bool PlayedSession::MakeLink(const Record& call) {
+    if (!call.Is(RecordKind::kCall, Operation::MessageNode_Receive)) return false;
+    const std::size_t before = at_;
+    ValueReader said(call);
+    TVL::Util::MessageNode* const listener = objects_->FindMessageNode(said.Object());
+    TVL::Util::MessageNode* const node = objects_->FindMessageNode(call.head.object);
+    if (!listener || !node) return false;
+    const std::int32_t id = said.Whole();
+    if (id == TVL::Util::Message::kListening) listener->Listen(node);
+    if (id == TVL::Util::Message::kStoppedListening) listener->StopListening(node);
+    return verdict_ || at_ > before;
+}
+
+// What the living adaptor asks meanwhile is played inside.
+void PlayedSession::Make(const Record& call, const std::function<Performed()>& perform) {
+    ++at_;
+    ++calls_;
+    ++making_;
+    const Performed performed = perform();
+    --making_;
+    if (verdict_) return;
+    const Record* const end = Peek(true);
+    if (!end || verdict_) return;
+    if (!IsEndOf(*end, call.head.call)) {
+        Differ("the end of " + NamedCall(call));
+        return;
+    }
+    if (Compare(call, *end, performed)) ++at_;
+}
+
+Performed PlayedSession::PerformHere(const Record& call) {
+    const auto findMesh = [this](recorder::MeshId id) {
+        const auto mesh = session_.meshes.find(id);
+        if (mesh == session_.meshes.end()) return TVL::CMesh();
+        ValueReader values(mesh->second);
+        values.Word();
+        return values.MeshContent();
+    };
+    if (call.head.operation != Operation::AdaptorInterface_MergeModels)
+        return Perform(call, *objects_, findMesh);
+    const std::string path(ValueReader(call).Text());
+    std::string digest;
+    for (std::size_t place = at_; place < session_.records.size() && digest.empty(); ++place) {
+        if (session_.records[place].head.kind != RecordKind::kNote) continue;
+        ValueReader values(session_.records[place]);
+        if (values.Text() != recorder::note::kMerged) continue;
+        const SceneNote note = ReadSceneNote(values.Text());
+        if (note.rest == path) digest = note.digest;
+    }
+    const std::string here = scenes_.ToRead(digest, path);
+    RecordWriter writer;
+    writer.Begin(call.head);
+    writer.Put(std::string_view(here.empty() ? path : here));
+    return Perform(writer.End(), *objects_, findMesh);
+}
+
+bool PlayedSession::Compare(const Record& call, const Record& end, const Performed& performed) {
+    const Operation operation = call.head.operation;
+    const bool isThrown = end.head.kind == RecordKind::kThrown;
+    const bool isCompared = std::ranges::find(kNotCompared, operation) == kNotCompared.end();
+    bool isSame = isThrown == performed.thrown.has_value();
+    if (isSame && !isThrown && isCompared)
+        isSame = IsStatus(operation)
+                     ? (end.values.front() == 0) == (performed.values.front() == 0)
+                     : Match(RowOf(operation).answered, end.values, performed.values, *objects_);
+    if (isSame) return true;
+    Judge(&call, true, TextOfEnd(end),
+          performed.thrown ? TextOfThrown(*performed.thrown)
+                           : TextOfAnswer(operation, performed.values));
+    return false;
+}
+
+// Somebody beside the Core pressed its button, which the tape has as a call of the Core's.
+void PlayedSession::Broadcast(ObjectId node, const std::function<void()>& send) {
+    const Record* const next = verdict_ ? nullptr : Peek(true);
+    const bool isIt = next && next->Is(RecordKind::kCall, Operation::MessageNode_Receive) &&
+                      IsOfCore(*next) && ValueReader(*next).Object() == node;
+    if (!isIt) {
+        send();
+        return;
+    }
+    Make(*next, [&] {
+        send();
+        return Performed();
+    });
+}
+
+const Record* PlayedSession::Next() {
+    while (!verdict_) {
+        const Record* const next = Peek(false);
+        if (!next || verdict_) return nullptr;
+        if (next->head.kind == RecordKind::kNote) return next;
+        if (next->head.kind != RecordKind::kCall)
+            CannotTell("the tape has the end of a call here whose beginning it has not");
+        else if (!IsOfCore(*next))
+            return next;
+        else
+            Make(*next, [&] { return PerformHere(*next); });
+    }
+    return nullptr;
+}
+
+std::string PlayedSession::NamedCall(const Record& call) const {
+    const recorder::OperationRow& row = RowOf(call.head.operation);
+    std::string text(row.name);
+    text += '(' + TextOfValues(row.said, call.values) + ')';
+    const auto name = names_.find(call.head.object);
+    const bool isNamed = name != names_.end() && !name->second.empty();
+    return text + (isNamed ? " on " + name->second : "");
+}
+
+void PlayedSession::Judge(const Record* call, bool differs, std::string expected,
+                          std::string came) {
+    if (verdict_) return;
+    const RecordHead head = call ? call->head : RecordHead();
+    const bool isCall = call && head.kind == RecordKind::kCall;
+    verdict_ = {differs, head, isCall ? NamedCall(*call) : std::string(), std::move(expected),
+                std::move(came)};
+}
+
+// The tape has something else next, or nothing more.
+void PlayedSession::Differ(std::string came) {
+    const Record* const next = Peek(true);
+    std::string expected = "the end of the session";
+    if (next) expected = next->head.kind == RecordKind::kCall ? NamedCall(*next) : TextOfEnd(*next);
+    Judge(next, true, std::move(expected), std::move(came));
+}
+
+void PlayedSession::CannotTell(std::string why) {
+    const Record* const next = at_ < session_.records.size() ? &session_.records[at_] : nullptr;
+    Judge(next, false, {}, std::move(why));
+}
+
+}  // namespace player

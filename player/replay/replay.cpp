@@ -1,0 +1,209 @@
+#include "player/replay/replay.h"
+
+#include <algorithm>
+
+#include "recorder/stream/notes.h"
+#include "tvl/ids.h"
+
+namespace player {
+namespace {
+
+namespace note = recorder::note;
+using recorder::ValueReader;
+
+bool IsNote(const Record& record, std::string_view word) {
+    return record.head.kind == RecordKind::kNote && ValueReader(record).Text() == word;
+}
+
+constexpr char kAttach[] = "attach";
+
+// A Core that leaves by the panel is asked for its state ahead of that, and the next one is given
+// it.
+bool LeavesState(const recorder::TapeSession& session) {
+    for (auto record = session.records.rbegin(); record != session.records.rend(); ++record) {
+        if (record->head.kind != RecordKind::kCall || record->head.nesting > 0) continue;
+        const Operation operation = record->head.operation;
+        if (operation == Operation::Routine_detach || operation == Operation::CUndo_Release)
+            continue;
+        return operation == Operation::CExtendable_HandleExtension &&
+               ValueReader(*record).Whole() == TVL::kSceneBeingSaved;
+    }
+    return false;
+}
+
+bool IsGivenState(const recorder::TapeSession& session) {
+    for (const Record& record : session.records) {
+        if (record.head.kind == RecordKind::kNote) return false;
+        if (record.Is(RecordKind::kCall, Operation::CoreInterface_SetCoreState)) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+bool IsContinued(const recorder::TapeContents& tape, std::size_t session) {
+    if (session == 0 || session >= tape.sessions.size()) return false;
+    const recorder::TapeSession& before = tape.sessions[session - 1];
+    if (!before.isClosed) return false;
+    if (!before.records.empty() && IsNote(before.records.back(), note::kStep)) return true;
+    return LeavesState(before) && IsGivenState(tape.sessions[session]);
+}
+
+Replay::Replay(const recorder::TapeContents& tape, std::size_t first, ReplayScenes& scenes)
+    : tape_(tape), scenes_(scenes), first_(first), end_(first + 1) {
+    while (IsContinued(tape_, end_))
+        ++end_;
+}
+
+CoreInterface* Replay::Attach(TVL::AdaptorInterface* adaptor, const AttachCore&) {
+    const std::size_t next = first_ + played_.size();
+    if (!adaptor || next >= end_) return nullptr;
+    const recorder::TapeSession& session = tape_.sessions[next];
+    played_.push_back(std::make_unique<PlayedSession>(session, scenes_));
+    causes_.push_back(std::make_unique<Causes>(session));
+    return played_.back()->Attach(*adaptor);
+}
+
+void Replay::Detach(CoreInterface* core, const DetachCore&) {
+    Session()->Detach(core);
+}
+
+const Verdict* Replay::Over() const {
+    for (const auto& session : played_)
+        if (session->Over()) return &*session->Over();
+    return nullptr;
+}
+
+std::size_t Replay::Calls() const {
+    std::size_t calls = 0;
+    for (const auto& session : played_)
+        calls += session->Calls();
+    return calls;
+}
+
+std::optional<Replay::Step> Replay::Give(Step step) {
+    given_ = std::move(step);
+    givenAt_ = Session()->Place();
+    givenIn_ = played_.size();
+    ++steps_;
+    return given_;
+}
+
+bool Replay::HasMovedOn() {
+    return played_.size() > givenIn_ || Session()->Place() > givenAt_;
+}
+
+std::optional<Replay::Step> Replay::NextStep() {
+    if (!Session()) return std::nullopt;
+    if (!queue_.empty()) {
+        Step step = std::move(queue_.front());
+        queue_.erase(queue_.begin());
+        return Give(std::move(step));
+    }
+    while (!Over()) {
+        const Record* const next = Session()->Next();
+        if (!next) break;
+        std::optional<Step> step = next->head.kind == RecordKind::kNote ? Noted(*next) : Inferred();
+        if (step) return Give(*std::move(step));
+        if (Session()->Over() || Session()->Next() == next) return std::nullopt;
+    }
+    if (Over() || first_ + played_.size() >= end_) return std::nullopt;
+    return Give({kAttach, {}, true, false});
+}
+
+// A step that failed here has failed there, if the tape tells of nothing behind it.
+std::optional<Replay::Step> Replay::Noted(const Record& record) {
+    ValueReader values(record);
+    const std::string_view word = values.Text();
+    const std::string_view about = values.Text();
+    if (word == note::kStep && !failure_.empty()) {
+        Session()->Differ(failure_);
+        return std::nullopt;
+    }
+    Session()->PassNote();
+    if (word == note::kSaved) TakeSaved(ReadSceneNote(about));
+    if (word != note::kStep) return std::nullopt;
+    wasNoted_ = true;
+    return Step{std::string(about), {}, false, false};
+}
+
+void Replay::TakeSaved(const SceneNote& saved) {
+    scenes_.NoteSaved(saved.digest, std::string(saved.rest));
+}
+
+std::optional<Replay::Step> Replay::Inferred() {
+    const Cause cause = causes_.back()->Of(Session()->Place());
+    if (cause.isEnd) return std::nullopt;
+    if (cause.isNothing) {
+        Session()->PassQuestion();
+        return std::nullopt;
+    }
+    if (wasNoted_) {
+        Session()->Differ("nothing came of the step \"" + given_.text + '"' +
+                          (failure_.empty() ? "" : ", which failed: " + failure_));
+        return std::nullopt;
+    }
+    if (cause.isDeletion) {
+        QueueDeletion(cause);
+    } else if (cause.steps.empty()) {
+        Session()->CannotTell(cause.whyNot);
+    } else {
+        for (const std::string& text : cause.steps)
+            queue_.push_back({text, cause.digest, true, cause.isRepeated});
+    }
+    if (queue_.empty()) return std::nullopt;
+    Step step = std::move(queue_.front());
+    queue_.erase(queue_.begin());
+    return step;
+}
+
+// By the names that the nodes have in the host now.
+void Replay::QueueDeletion(const Cause& cause) {
+    LiveObjects& objects = Session()->Objects();
+    std::set<std::string> names;
+    const auto add = [&names](TVL::CoreNode* node) {
+        const std::string name = node ? node->GetName() : std::string();
+        if (!name.empty()) names.insert(name);
+    };
+    for (const ObjectId node : cause.nodes)
+        add(objects.Find<TVL::CoreNode>(node));
+    if (names.empty())
+        for (const ObjectId owner : cause.owners)
+            for (TVL::CNode* const node :
+                 objects.Adaptor().GetNodes(objects.Find<TVL::CoreElement>(owner)))
+                add(static_cast<TVL::CoreNode*>(node));
+    if (names.empty()) {
+        Session()->CannotTell("nodes were deleted, and the tape does not tell which");
+        return;
+    }
+    std::string select = "select";
+    for (const std::string& name : names) {
+        select += " \"";
+        for (const char c : name)
+            select.append(c == '"' ? 2 : 1, c);
+        select += '"';
+    }
+    queue_.push_back({select, {}, true, false});
+    queue_.push_back({"delete", {}, true, false});
+}
+
+bool Replay::WasDone() {
+    failure_.clear();
+    if (Over() || !given_.isInferred || HasMovedOn() || !queue_.empty()) return false;
+    if (given_.isRepeated) return true;
+    Session()->Differ("nothing came of the step \"" + given_.text + '"');
+    return false;
+}
+
+void Replay::Failed(const std::string& why) {
+    failure_ = why;
+    if (given_.isInferred && !Over() && !HasMovedOn())
+        Session()->Differ("the step \"" + given_.text + "\" failed: " + why);
+}
+
+void Replay::NoScene(const std::string& path) {
+    Session()->CannotTell(path +
+                          ": there is no such scene, nor one of that digest beside the tape");
+}
+
+}  // namespace player
