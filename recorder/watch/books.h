@@ -2,12 +2,12 @@
 
 #include <array>
 #include <string>
-#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
 #include "recorder/stream/record_reader.h"
 #include "recorder/watch/findings.h"
+#include "recorder/watch/known.h"
 
 // What the watch knows of a session: of each object as much as rules ask for, and no more.
 namespace recorder::watching {
@@ -87,9 +87,9 @@ struct OpenCall {
     NodeMemory* node = nullptr;  // that it is on, or whose snapshot; while the call is taken
     SnapshotMemory* snapshot = nullptr;   // the same
     std::array<std::uint64_t, 3> said{};  // what of its values the answer's rules ask for
-    std::size_t groups = 0;               // that were open when it came, and so on
-    std::size_t recordings = 0;
-    std::size_t focuses = 0;
+    std::uint32_t groups = 0;             // that were open when it came, and so on
+    std::uint32_t recordings = 0;
+    std::uint32_t focuses = 0;
 };
 
 // Something that was begun and is to be ended.
@@ -104,9 +104,9 @@ struct Open {
 struct Books {
     FindingList found;
 
-    std::unordered_map<ObjectId, NodeMemory> nodes;
-    std::unordered_map<ObjectId, SnapshotMemory> snapshots;
-    std::unordered_map<ObjectId, OwnerMemory> owners;
+    Known<NodeMemory> nodes;
+    Known<SnapshotMemory> snapshots;
+    Known<OwnerMemory> owners;
     std::vector<ObjectId> ended;  // nodes, of which the oldest are forgotten
     std::size_t oldestEnded = 0;
 

@@ -147,10 +147,10 @@ void NodeFound(Books& books, OpenCall&, ValueReader& answered) {
 
 // Snapshots and all go with the oldest node that has ended.
 void ForgetOldest(Books& books) {
-    const auto oldest = books.nodes.find(books.ended[books.oldestEnded]);
-    for (const ObjectId snapshot : oldest->second.snapshots)
-        books.snapshots.erase(snapshot);
-    books.nodes.erase(oldest);
+    const ObjectId oldest = books.ended[books.oldestEnded];
+    for (const ObjectId snapshot : books.nodes[oldest].snapshots)
+        books.snapshots.Forget(snapshot);
+    books.nodes.Forget(oldest);
 }
 
 void Remember(Books& books, ObjectId ended) {
@@ -326,8 +326,7 @@ NodeMemory& NodeOf(Books& books, ObjectId id) {
 }
 
 NodeMemory* FindNode(Books& books, ObjectId id) {
-    const auto place = books.nodes.find(id);
-    return place == books.nodes.end() ? nullptr : &place->second;
+    return books.nodes.Find(id);
 }
 
 void SetLife(Books& books, NodeMemory& node, Life life) {

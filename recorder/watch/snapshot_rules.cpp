@@ -39,9 +39,9 @@ void TakeBack(Books& books, ObjectId id, SnapshotMemory& snapshot) {
 template <ObjectKind kKind>
 void Release(Books& books, OpenCall& call, ValueReader& said) {
     const ObjectId id = said.Object();
-    const auto place = books.snapshots.find(id);
-    if (place == books.snapshots.end()) return;
-    SnapshotMemory& snapshot = place->second;
+    SnapshotMemory* const known = books.snapshots.Find(id);
+    if (!known) return;
+    SnapshotMemory& snapshot = *known;
     if (!snapshot.isOut)
         return books.found.Add(Rule::kReleasedTwice, call.place, snapshot.node->name);
     if (snapshot.node != call.node || KindOf(id) != kKind)

@@ -50,9 +50,10 @@ WorkTable MakeWork() {
     return table;
 }
 
+const WorkTable works = MakeWork();
+
 const Work& WorkOf(Operation operation) {
-    static const WorkTable table = MakeWork();
-    return table[static_cast<std::size_t>(operation)];
+    return works[static_cast<std::size_t>(operation)];
 }
 
 bool IsSnapshot(ObjectKind kind) {
@@ -68,8 +69,8 @@ bool IsByCore(const OpenCall& call) {
 
 std::string_view NameOf(Books& books, const OpenCall& call) {
     if (call.node) return call.node->name;
-    const auto owner = books.owners.find(call.object);
-    return owner == books.owners.end() ? std::string_view() : owner->second.name;
+    const OwnerMemory* const owner = books.owners.Find(call.object);
+    return owner ? std::string_view(owner->name) : std::string_view();
 }
 
 // Finds what the call is on. False: nobody meets it there.
@@ -78,9 +79,8 @@ bool FindObject(Books& books, OpenCall& call) {
     const Sort sort = WorkOf(call.place.operation).sort;
     if (kind == ObjectKind::kNode) call.node = &NodeOf(books, call.object);
     if (!IsSnapshot(kind)) return sort != Sort::kOnSnapshot && (sort != Sort::kOnNode || call.node);
-    const auto place = books.snapshots.find(call.object);
-    if (place == books.snapshots.end() || sort == Sort::kOnNode) return false;
-    call.snapshot = &place->second;
+    call.snapshot = books.snapshots.Find(call.object);
+    if (!call.snapshot || sort == Sort::kOnNode) return false;
     call.node = call.snapshot->node;
     return true;
 }
@@ -179,9 +179,9 @@ struct Session {
         call.place = {head.call, head.milliseconds, head.operation};
         call.object = head.object;
         call.thread = head.thread;
-        call.groups = books.groups.size();
-        call.recordings = books.recordings.size();
-        call.focuses = books.focuses.size();
+        call.groups = static_cast<std::uint32_t>(books.groups.size());
+        call.recordings = static_cast<std::uint32_t>(books.recordings.size());
+        call.focuses = static_cast<std::uint32_t>(books.focuses.size());
         call.isByCore = IsByCore(call);
         call.isDropped = !FindObject(books, call) || (call.isByCore && !IsMet(books, call));
         const Handle handle = WorkOf(head.operation).call;
