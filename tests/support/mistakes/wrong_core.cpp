@@ -3,9 +3,7 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <functional>
 #include <limits>
-#include <map>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -20,6 +18,8 @@ using TVL::CMatrix4;
 using TVL::CoreNode;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kMetre = 39.37;  // in host units
 
 bool Makes(std::string_view mistake) {
     static const char* const variable = std::getenv(mistakes::kVariable);
@@ -48,7 +48,39 @@ TVL::CMesh Triangle() {
     TVL::CMesh mesh;
     mesh.vertices = {{0, 0, 0}, {4, 0, 0}, {0, 4, 0}};
     mesh.faces = {0, 1, 2};
+    if (Makes("gives a mesh with a vertex that is no number")) mesh.vertices[1][1] = kNaN;
+    if (Makes("gives a face without a vertex")) mesh.faces[2] = 3;
+    if (Makes("gives half a face")) mesh.faces.push_back(0);
     return mesh;
+}
+
+double TimeOf(int frame) {
+    return frame / 30.0 + 1e-6;
+}
+
+// Lends a snapshot to what is done with it.
+template <class Work>
+void At(double seconds, CoreNode& node, const Work& work) {
+    TVL::CSnapshot* const snapshot = node.AcquireSnapshot(seconds);
+    if (!snapshot) return;
+    work(*snapshot);
+    node.ReleaseSnapshot(snapshot);
+}
+
+// Metres; the rows stay as they are, but for a scale.
+void Place(CoreNode& node, double seconds, double x, double scale = 1) {
+    At(seconds, node, [&](TVL::CSnapshot& snapshot) {
+        CMatrix4 pose = snapshot.GetWorldTransform();
+        pose = CMatrix4::Diagonal(scale, scale, scale, 1) * pose;
+        pose[3][0] = x;
+        snapshot.SetWorldTransform(pose);
+    });
+}
+
+// Without a look at what stands there.
+void Put(CoreNode& node, double seconds, double size) {
+    const CMatrix4 pose = CMatrix4::Diagonal(size, size, size, 1);
+    At(seconds, node, [&](TVL::CSnapshot& snapshot) { snapshot.SetWorldTransform(pose); });
 }
 
 class WrongCore final : public CoreInterface, public TVL::CoreElement, public TVL::NodeListener {
@@ -75,17 +107,18 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
         if (nodes_.empty()) MakeRig();
         Record();
         adaptor_.EndUndoGroup();
-        const auto act = Acts().find(Mistake());
-        if (act != Acts().end()) act->second(*this);
-    }
-
-    void NotifyTimeChanged(double) override {
-        if (Makes("throws out of NotifyTimeChanged")) throw std::runtime_error("no time");
+        UseLoansWrongly(Named("Root"), Named("Arm"));
+        UseNodesWrongly(Named("Root"), Named("Arm"));
+        BeginAndEndWrongly(Named("Root"));
+        WriteWrongly(Named("Root"), Named("Arm"), Named("Eye"));
+        if (Makes("does what is allowed")) DoWhatIsAllowed(Named("Root"), Named("Arm"));
+        if (Makes("calls from a thread")) std::thread([this] { adaptor_.GetCurrentTime(); }).join();
+        if (Makes("throws out of ShowCore")) throw std::runtime_error("no show");
     }
 
     std::vector<int> ListExtensions() override {
-        if (Makes("does not list 43")) return {TVL::kSceneBeingSaved};
-        return {TVL::kNodesBeingDeleted, TVL::kSceneBeingSaved};
+        if (Makes("does not list 43")) return {};
+        return {TVL::kNodesBeingDeleted};
     }
     std::intptr_t HandleExtension(int id, void* argument) override {
         if (id == TVL::kNodesBeingDeleted) DeleteRig();
@@ -97,18 +130,17 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
         XMLNode state("wrong", "");
         const bool isFirst = ++statesGiven_ == 1;
         if (Makes("forgets its whole state") && isFirst) state.AddChild(XMLNode("take", "1"));
-        if (Makes("does what is allowed") && !isFirst)
-            throw std::runtime_error("no state to be had");
+        if (Makes("does what is allowed") && !isFirst) throw std::runtime_error("no state");
         return state;
     }
     void SetCoreState(XMLNode state) override {
         for (const auto& part : state.children) {
             const XMLNode& info = part->Child("nodeinfo");
-            const std::vector<TVL::CNode*> found = adaptor_.ClaimNodes(record_.name, info);
-            for (std::size_t index = 0; index < found.size(); ++index)
-                if (found[index])
-                    Claim(*static_cast<CoreNode*>(found[index]),
-                          info.children[index]->attributes["name"]);
+            auto stored = info.children.begin();
+            for (TVL::CNode* found : adaptor_.ClaimNodes(record_.name, info)) {
+                if (found) Claim(*static_cast<CoreNode*>(found), (*stored)->attributes["name"]);
+                ++stored;
+            }
         }
     }
     void ResetCore() override {
@@ -126,21 +158,138 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
     void StopCore() override {
         if (!Makes("records on after StopCore")) EndTake();
     }
+    void NotifyTimeChanged(double) override {}
     TVL::Util::MessageNode* GetOptionNode(int, int) override { return nullptr; }
     void BindOption(int, int) override {}
     void GetOptionValue(int, bool*) override {}
 
   private:
-    using Act = void (*)(WrongCore&);
-
-    static std::string Mistake() {
-        const char* const variable = std::getenv(mistakes::kVariable);
-        return variable ? variable : "";
+    void UseLoansWrongly(CoreNode& root, CoreNode& arm) {
+        if (Makes("keeps a snapshot")) root.AcquireSnapshot(0);
+        if (Makes("releases to another node")) arm.ReleaseSnapshot(root.AcquireSnapshot(0));
+        if (Makes("uses a released snapshot") || Makes("releases a snapshot twice")) {
+            TVL::CSnapshot* const snapshot = root.AcquireSnapshot(0);
+            root.ReleaseSnapshot(snapshot);
+            if (Makes("uses a released snapshot")) snapshot->GetWorldTransform();
+            if (Makes("releases a snapshot twice")) root.ReleaseSnapshot(snapshot);
+        }
+        if (Makes("keeps a snapshot node")) arm.GetParent();
+        if (Makes("releases a snapshot node twice")) {
+            TVL::CNode* const parent = arm.GetParent();
+            parent->ReleaseNode(parent);
+            parent->ReleaseNode(parent);
+        }
     }
-    static const std::map<std::string, Act>& Acts();
 
-    CoreNode* Make(const std::string& name, TVL::CNode* parent, const TVL::CMesh& mesh) {
-        return static_cast<CoreNode*>(adaptor_.CreateHelperNode(this, name, parent, mesh, this));
+    void UseNodesWrongly(CoreNode& root, CoreNode& arm) {
+        if (Makes("releases a real node")) root.ReleaseNode(&Spare(this));
+        if (Makes("claims a real node")) root.Claim(this, "Once more");
+        if (Makes("makes a node of nobody")) Spare(nullptr).Destroy();
+        if (Makes("has two owners of one name")) Spare(&namesake_).Destroy();
+        if (Makes("uses a destroyed node") || Makes("hangs a node below a destroyed one")) {
+            CoreNode& spare = Spare(this);
+            spare.Destroy();
+            if (Makes("uses a destroyed node")) spare.GetName();
+            if (Makes("hangs a node below a destroyed one")) root.SetParent(&spare);
+        }
+        if (Makes("deletes twice") || Makes("leaves without a flush")) {
+            adaptor_.BeginUndoGroup("Delete");
+            CoreNode& spare = Spare(this);
+            spare.Delete(true);
+            if (Makes("deletes twice")) spare.Delete(true);
+            adaptor_.EndUndoGroup();
+        }
+        if (Makes("claims for nobody")) {
+            CoreNode* const copy = arm.Clone(false);
+            copy->Claim(nullptr, "Orphan")->Destroy();
+            copy->ReleaseNode(copy);
+        }
+    }
+
+    void BeginAndEndWrongly(CoreNode& root) {
+        if (Makes("ends no group")) adaptor_.EndUndoGroup();
+        if (Makes("forgets a group")) adaptor_.BeginUndoGroup("Forgotten");
+        if (Makes("records on after StopCore")) OpenTake();
+        if (Makes("ends no recording")) adaptor_.EndRecording();
+        if (Makes("restores no focus")) adaptor_.RestoreFocus();
+        if (Makes("keeps the focus")) adaptor_.RequestFocus();
+        if (Makes("keeps a batch of selections"))
+            root.HandleExtension(TVL::kBeginSelection, nullptr);
+        if (Makes("adds a chunk outside a group")) adaptor_.AddUndoChunk(new Chunk);
+        if (Makes("keeps a mesh over a recording")) {
+            adaptor_.BeginRecordingUnkeyed({});
+            TVL::CSnapshot_Mesh* const mesh = root.AcquireMeshSnapshot(0);
+            adaptor_.EndRecording();
+            root.ReleaseMeshSnapshot(mesh);
+        }
+    }
+
+    void WriteWrongly(CoreNode& root, CoreNode& arm, CoreNode& eye) {
+        if (Makes("writes a transform that is no number")) Place(root, 0, kNaN);
+        if (Makes("writes a flat transform")) Put(root, 0, 0);
+        if (Makes("forgets the unit")) Put(root, 0, 1);
+        if (Makes("counts the unit twice")) Put(root, 0, 1 / kMetre / kMetre);
+        if (Makes("asks at no time")) Place(root, kNaN, 0);
+        if (Makes("goes to no time")) adaptor_.SetAnimationRange({0, kInfinity});
+        if (Makes("colours from 0 to 255")) {
+            TVL::CSnapshot_Helper* const look = root.AcquireHelperSnapshot();
+            look->SetColor(0, 1, 255);
+            root.ReleaseHelperSnapshot(look);
+        }
+        adaptor_.BeginRecordingUnkeyed({});
+        for (int sample = 0; sample < 16; ++sample) {
+            CoreNode& childThenParent = sample < 8 ? arm : root;
+            if (Makes("writes child by child")) Place(childThenParent, TimeOf(sample % 8), sample);
+            if (Makes("records backwards")) Place(eye, TimeOf(16 - sample), sample);
+            if (Makes("records faster than the host counts")) Place(eye, sample * 1e-5, sample);
+            if (Makes("records everything twice")) Put(eye, TimeOf(sample / 2), 1 / kMetre);
+        }
+        adaptor_.EndRecording();
+    }
+
+    // Each of these is near a mistake, and none.
+    void DoWhatIsAllowed(CoreNode& root, CoreNode& arm) {
+        adaptor_.SetLog(nullptr);
+        adaptor_.AddUndoChunk(nullptr);
+        root.ReleaseSnapshot(nullptr);
+        root.ReleaseNode(nullptr);
+        TVL::CNode* const parent = arm.GetParent();  // the root, which is the Core's already
+        static_cast<CoreNode*>(parent)->Claim(this, "Root");
+        parent->ReleaseNode(parent);
+
+        // A snapshot over a flush, nodes that go in the group that made them, one that is scaled.
+        TVL::CSnapshot* const kept = root.AcquireSnapshot(0.25);
+        adaptor_.BeginUndoGroup("Allowed");
+        Spare(this).Destroy();
+        Spare(this).Delete(true);
+        adaptor_.EndUndoGroup();
+        adaptor_.FlushUndoBuffer();
+        root.ReleaseSnapshot(kept);
+        Place(root, 0, 0, 7);
+        Place(root, 0, 0, 1 / 7.0);
+
+        // A child that is written again behind its parent, or in its parent's space ahead of it; a
+        // sample that is read and changed, a second pass behind a cut, a recording inside another.
+        adaptor_.BeginRecordingUnkeyed({});
+        adaptor_.BeginRecordingUnkeyed({});
+        for (int frame = 0; frame < 4; ++frame) {
+            Place(arm, TimeOf(frame), 1);
+            Place(root, TimeOf(frame), frame);
+            Place(arm, TimeOf(frame), 2);
+            Place(arm, TimeOf(frame), 3);
+        }
+        adaptor_.EndRecording();
+        arm.DeleteAnimationFrom(-1);
+        root.DeleteAnimationFrom(-1);
+        for (int frame = 0; frame < 4; ++frame) {
+            At(TimeOf(frame), arm, [](TVL::CSnapshot& snapshot) {
+                snapshot.SetLocalTransform(snapshot.GetLocalTransform());
+            });
+            Place(root, TimeOf(frame), frame);
+        }
+        adaptor_.EndRecording();
+        EndTake();
+        OpenTake();
     }
 
     CoreNode& Named(const std::string& name) {
@@ -149,38 +298,18 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
     }
 
     // A node that no other part of this Core knows of.
-    CoreNode& Spare() {
+    CoreNode& Spare(TVL::CoreElement* owner) {
         const std::vector<CoreNode*> before = nodes_;
-        CoreNode* const spare = static_cast<CoreNode*>(
-            adaptor_.CreateHelperNode(this, "Spare", nullptr, Triangle(), nullptr));
+        TVL::CNode* const spare =
+            adaptor_.CreateHelperNode(owner, "Spare", nullptr, Triangle(), owner ? this : nullptr);
         nodes_ = before;
-        return *spare;
+        return *static_cast<CoreNode*>(spare);
     }
 
     void MakeRig() {
-        CoreNode* const root = Make("Root", nullptr, Triangle());
-        Make("Arm", root, Triangle());
+        TVL::CNode* const root = adaptor_.CreateHelperNode(this, "Root", nullptr, Triangle(), this);
+        adaptor_.CreateHelperNode(this, "Arm", root, Triangle(), this);
         adaptor_.CreateLensNode(this, "Eye", nullptr, this);
-    }
-
-    // Metres; the rows stay as they are.
-    void Place(CoreNode& node, double seconds, double x) {
-        TVL::CSnapshot* const snapshot = node.AcquireSnapshot(seconds);
-        if (!snapshot) return;
-        CMatrix4 pose = snapshot->GetWorldTransform();
-        pose[3][0] = x;
-        snapshot->SetWorldTransform(pose);
-        node.ReleaseSnapshot(snapshot);
-    }
-
-    static double TimeOf(int frame) { return frame / 30.0 + 1e-6; }
-
-    void Aim(int frame) {
-        CoreNode& eye = Named("Eye");
-        TVL::CSnapshot_Lens* const lens = eye.AcquireLensSnapshot(TimeOf(frame));
-        if (!lens) return;
-        lens->SetFieldOfView(Makes("writes a lens that is no number") ? kNaN : 40 + frame);
-        eye.ReleaseLensSnapshot(lens);
     }
 
     void Record() {
@@ -191,15 +320,19 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
         for (int frame = 0; frame < 8; ++frame) {
             Place(Named(first), TimeOf(frame), frame * 0.1);
             Place(Named(second), TimeOf(frame), frame * 0.1 + 1);
-            Aim(frame);
+            Aim(Named("Eye"), TimeOf(frame), 40 + frame);
         }
         adaptor_.EndRecording();
     }
 
-    // Each of these is near a mistake, and none.
-    void DoWhatIsAllowed();
+    void Aim(CoreNode& eye, double seconds, double degrees) {
+        TVL::CSnapshot_Lens* const lens = eye.AcquireLensSnapshot(seconds);
+        if (!lens) return;
+        lens->SetFieldOfView(Makes("writes a lens that is no number") ? kNaN : degrees);
+        eye.ReleaseLensSnapshot(lens);
+    }
 
-    // What goes over several calls.
+    // A take that goes over several calls.
     void OpenTake() {
         if (std::exchange(isOpen_, true)) return;
         adaptor_.BeginUndoGroup("Long take");
@@ -212,16 +345,15 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
     }
 
     void DeleteRig() {
-        const bool isOutside = Makes("deletes outside a group at 43");
-        if (!isOutside) adaptor_.BeginUndoGroup("Delete");
+        const bool isInGroup = !Makes("deletes outside a group at 43");
+        if (isInGroup) adaptor_.BeginUndoGroup("Delete");
         for (CoreNode* node : std::vector<CoreNode*>(nodes_.rbegin(), nodes_.rend())) {
-            if (isOutside) std::erase(nodes_, node);
             node->Delete(true);
+            std::erase(nodes_, node);
         }
-        if (isOutside) return;
-        if (Makes("cancels at 43"))
+        if (isInGroup && Makes("cancels at 43"))
             adaptor_.CancelUndoGroup();
-        else
+        else if (isInGroup)
             adaptor_.EndUndoGroup();
     }
 
@@ -249,279 +381,12 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
 
     TVL::AdaptorInterface& adaptor_;
     TVL::PluginRecord record_{"Wrong"};
+    Owner namesake_{"Wrong"};
     std::vector<CoreNode*> nodes_;  // the adaptor's
     int statesGiven_ = 0;
     int partsGiven_ = 0;
     bool isOpen_ = false;
-    Owner namesake_{"Wrong"};
 };
-
-// A pose of the node's at a time, changed and written back outside a recording.
-void Rewrite(CoreNode& node, const std::function<void(CMatrix4&)>& change) {
-    TVL::CSnapshot* const snapshot = node.AcquireSnapshot(0);
-    CMatrix4 pose = snapshot->GetWorldTransform();
-    change(pose);
-    snapshot->SetWorldTransform(pose);
-    node.ReleaseSnapshot(snapshot);
-}
-
-void Scale(CMatrix4& pose, double factor) {
-    for (int row = 0; row < 3; ++row)
-        for (int column = 0; column < 3; ++column)
-            pose[row][column] *= factor;
-}
-
-// Writes without a look at what is there.
-void Put(CoreNode& node, double seconds, const CMatrix4& pose) {
-    TVL::CSnapshot* const snapshot = node.AcquireSnapshot(seconds);
-    snapshot->SetWorldTransform(pose);
-    node.ReleaseSnapshot(snapshot);
-}
-
-CMatrix4 PoseOf(CoreNode& node) {
-    TVL::CSnapshot* const snapshot = node.AcquireSnapshot(0);
-    const CMatrix4 pose = snapshot->GetWorldTransform();
-    node.ReleaseSnapshot(snapshot);
-    return pose;
-}
-
-void WrongCore::DoWhatIsAllowed() {
-    CoreNode& root = Named("Root");
-    CoreNode& arm = Named("Arm");
-    adaptor_.SetLog(nullptr);
-    adaptor_.AddUndoChunk(nullptr);
-    root.ReleaseSnapshot(nullptr);
-    root.ReleaseNode(nullptr);
-    TVL::CNode* const parent = arm.GetParent();  // Root, which is the Core's already
-    static_cast<CoreNode*>(parent)->Claim(this, "Root");
-    parent->ReleaseNode(parent);
-
-    // A snapshot over a flush, a node that goes in the group that made it, one that is scaled.
-    TVL::CSnapshot* const kept = root.AcquireSnapshot(0.25);
-    adaptor_.BeginUndoGroup("Allowed");
-    const std::vector<CoreNode*> before = nodes_;
-    Make("Brief", &root, Triangle())->Destroy();
-    nodes_ = before;
-    Make("Doomed", &root, Triangle())->Delete(true);
-    adaptor_.EndUndoGroup();
-    adaptor_.FlushUndoBuffer();
-    root.ReleaseSnapshot(kept);
-    Rewrite(Named("Eye"), [](CMatrix4& pose) { Scale(pose, 7); });
-    Rewrite(Named("Eye"), [](CMatrix4& pose) { Scale(pose, 1 / 7.0); });
-
-    // A child that is written again behind its parent, or in its parent's space ahead of it; a
-    // sample that is read and changed, and a second pass behind a cut.
-    adaptor_.BeginRecordingUnkeyed({});
-    adaptor_.BeginRecordingUnkeyed({});
-    for (int frame = 0; frame < 4; ++frame) {
-        Place(arm, TimeOf(frame), 1);
-        Place(root, TimeOf(frame), frame);
-        Place(arm, TimeOf(frame), 2);
-        Place(arm, TimeOf(frame), 3);
-    }
-    adaptor_.EndRecording();
-    arm.DeleteAnimationFrom(-1);
-    root.DeleteAnimationFrom(-1);
-    for (int frame = 0; frame < 4; ++frame) {
-        TVL::CSnapshot* const snapshot = arm.AcquireSnapshot(TimeOf(frame));
-        snapshot->SetLocalTransform(snapshot->GetLocalTransform());
-        arm.ReleaseSnapshot(snapshot);
-        Place(root, TimeOf(frame), frame);
-    }
-    adaptor_.EndRecording();
-    EndTake();
-    OpenTake();
-}
-
-// What is done behind a take.
-const std::map<std::string, WrongCore::Act>& WrongCore::Acts() {
-    static const std::map<std::string, Act> acts = {
-        {"uses a released snapshot",
-         [](WrongCore& core) {
-             CoreNode& root = core.Named("Root");
-             TVL::CSnapshot* const snapshot = root.AcquireSnapshot(0);
-             root.ReleaseSnapshot(snapshot);
-             snapshot->GetWorldTransform();
-         }},
-        {"releases a snapshot twice",
-         [](WrongCore& core) {
-             CoreNode& root = core.Named("Root");
-             TVL::CSnapshot* const snapshot = root.AcquireSnapshot(0);
-             root.ReleaseSnapshot(snapshot);
-             root.ReleaseSnapshot(snapshot);
-         }},
-        {"releases a snapshot node twice",
-         [](WrongCore& core) {
-             TVL::CNode* const parent = core.Named("Arm").GetParent();
-             parent->ReleaseNode(parent);
-             parent->ReleaseNode(parent);
-         }},
-        {"releases to another node",
-         [](WrongCore& core) {
-             core.Named("Arm").ReleaseSnapshot(core.Named("Root").AcquireSnapshot(0));
-         }},
-        {"keeps a snapshot", [](WrongCore& core) { core.Named("Root").AcquireSnapshot(0); }},
-        {"keeps a snapshot node", [](WrongCore& core) { core.Named("Arm").GetParent(); }},
-        {"uses a destroyed node",
-         [](WrongCore& core) {
-             CoreNode& spare = core.Spare();
-             spare.Destroy();
-             spare.GetName();
-         }},
-        {"hangs a node below a destroyed one",
-         [](WrongCore& core) {
-             CoreNode& spare = core.Spare();
-             spare.Destroy();
-             core.Named("Root").SetParent(&spare);
-         }},
-        {"releases a real node",
-         [](WrongCore& core) { core.Named("Root").ReleaseNode(&core.Spare()); }},
-        {"claims a real node",
-         [](WrongCore& core) { core.Named("Root").Claim(&core, "Once more"); }},
-        {"deletes twice",
-         [](WrongCore& core) {
-             core.adaptor_.BeginUndoGroup("Delete");
-             CoreNode* const doomed = core.Make("Doomed", nullptr, Triangle());
-             doomed->Delete(true);
-             doomed->Delete(true);
-             core.adaptor_.EndUndoGroup();
-         }},
-        {"makes a node of nobody",
-         [](WrongCore& core) {
-             TVL::CNode* const orphan =
-                 core.adaptor_.CreateHelperNode(nullptr, "Orphan", nullptr, Triangle(), nullptr);
-             if (orphan) static_cast<CoreNode*>(orphan)->Destroy();
-         }},
-        {"claims for nobody",
-         [](WrongCore& core) {
-             CoreNode* const copy = core.Named("Arm").Clone(false);
-             CoreNode* const orphan = copy->Claim(nullptr, "Orphan");
-             if (orphan) orphan->Destroy();
-             copy->ReleaseNode(copy);
-         }},
-        {"has two owners of one name",
-         [](WrongCore& core) {
-             TVL::CNode* const node = core.adaptor_.CreateHelperNode(&core.namesake_, "Other",
-                                                                     nullptr, Triangle(), nullptr);
-             static_cast<CoreNode*>(node)->Destroy();
-         }},
-        {"leaves without a flush",
-         [](WrongCore& core) {
-             core.adaptor_.BeginUndoGroup("Delete");
-             core.Make("Doomed", nullptr, Triangle())->Delete(true);
-             core.adaptor_.EndUndoGroup();
-         }},
-        {"ends no group", [](WrongCore& core) { core.adaptor_.EndUndoGroup(); }},
-        {"forgets a group", [](WrongCore& core) { core.adaptor_.BeginUndoGroup("Forgotten"); }},
-        {"records on after StopCore", [](WrongCore& core) { core.OpenTake(); }},
-        {"ends no recording", [](WrongCore& core) { core.adaptor_.EndRecording(); }},
-        {"restores no focus", [](WrongCore& core) { core.adaptor_.RestoreFocus(); }},
-        {"keeps the focus", [](WrongCore& core) { core.adaptor_.RequestFocus(); }},
-        {"keeps a batch of selections",
-         [](WrongCore& core) {
-             core.Named("Root").HandleExtension(TVL::kBeginSelection, nullptr);
-         }},
-        {"keeps a mesh over a recording",
-         [](WrongCore& core) {
-             CoreNode& root = core.Named("Root");
-             core.adaptor_.BeginRecordingUnkeyed({});
-             TVL::CSnapshot_Mesh* const mesh = root.AcquireMeshSnapshot(0);
-             core.adaptor_.EndRecording();
-             root.ReleaseMeshSnapshot(mesh);
-         }},
-        {"adds a chunk outside a group",
-         [](WrongCore& core) { core.adaptor_.AddUndoChunk(new Chunk); }},
-        {"writes child by child",
-         [](WrongCore& core) {
-             core.adaptor_.BeginRecordingUnkeyed({});
-             for (const char* const name : {"Arm", "Root"})
-                 for (int frame = 0; frame < 4; ++frame)
-                     core.Place(core.Named(name), TimeOf(frame), frame);
-             core.adaptor_.EndRecording();
-         }},
-        {"writes a transform that is no number",
-         [](WrongCore& core) {
-             Rewrite(core.Named("Root"), [](CMatrix4& pose) { pose[3][1] = kNaN; });
-         }},
-        {"gives a mesh with a vertex that is no number",
-         [](WrongCore& core) {
-             TVL::CMesh mesh = Triangle();
-             mesh.vertices[1][1] = kNaN;
-             core.Make("Bad", nullptr, mesh)->Destroy();
-         }},
-        {"writes a flat transform",
-         [](WrongCore& core) {
-             Rewrite(core.Named("Root"), [](CMatrix4& pose) { Scale(pose, 0); });
-         }},
-        {"forgets the unit",
-         [](WrongCore& core) {
-             Rewrite(core.Named("Root"), [](CMatrix4& pose) { pose = CMatrix4::Identity(); });
-         }},
-        {"counts the unit twice",
-         [](WrongCore& core) {
-             Rewrite(core.Named("Root"), [](CMatrix4& pose) { Scale(pose, 1 / 39.37); });
-         }},
-        {"gives a face without a vertex",
-         [](WrongCore& core) {
-             TVL::CMesh mesh = Triangle();
-             mesh.faces[2] = 3;
-             core.Make("Bad", nullptr, mesh)->Destroy();
-         }},
-        {"gives half a face",
-         [](WrongCore& core) {
-             CoreNode& root = core.Named("Root");
-             TVL::CMesh mesh = Triangle();
-             mesh.faces.push_back(0);
-             TVL::CSnapshot_Helper* const look = root.AcquireHelperSnapshot();
-             look->SetMesh(mesh);
-             root.ReleaseHelperSnapshot(look);
-         }},
-        {"asks at no time",
-         [](WrongCore& core) {
-             CoreNode& root = core.Named("Root");
-             root.ReleaseSnapshot(root.AcquireSnapshot(kNaN));
-         }},
-        {"goes to no time",
-         [](WrongCore& core) {
-             core.adaptor_.SetAnimationRange({0, std::numeric_limits<double>::infinity()});
-         }},
-        {"records backwards",
-         [](WrongCore& core) {
-             core.adaptor_.BeginRecordingUnkeyed({});
-             for (int frame = 4; frame > 0; --frame)
-                 core.Place(core.Named("Eye"), TimeOf(frame), frame);
-             core.adaptor_.EndRecording();
-         }},
-        {"records faster than the host counts",
-         [](WrongCore& core) {
-             core.adaptor_.BeginRecordingUnkeyed({});
-             for (int sample = 0; sample < 20; ++sample)
-                 core.Place(core.Named("Eye"), sample * 1e-5, sample);
-             core.adaptor_.EndRecording();
-         }},
-        {"records everything twice",
-         [](WrongCore& core) {
-             CoreNode& eye = core.Named("Eye");
-             const CMatrix4 pose = PoseOf(eye);
-             core.adaptor_.BeginRecordingUnkeyed({});
-             for (int half = 0; half < 8; ++half)
-                 Put(eye, TimeOf(half / 2), pose);
-             core.adaptor_.EndRecording();
-         }},
-        {"colours from 0 to 255",
-         [](WrongCore& core) {
-             CoreNode& root = core.Named("Root");
-             TVL::CSnapshot_Helper* const look = root.AcquireHelperSnapshot();
-             look->SetColor(0, 1, 255);
-             root.ReleaseHelperSnapshot(look);
-         }},
-        {"calls from a thread",
-         [](WrongCore& core) { std::thread([&] { core.adaptor_.GetCurrentTime(); }).join(); }},
-        {"throws out of ShowCore", [](WrongCore&) { throw std::runtime_error("no show"); }},
-        {"does what is allowed", [](WrongCore& core) { core.DoWhatIsAllowed(); }},
-    };
-    return acts;
-}
 
 }  // namespace
 
