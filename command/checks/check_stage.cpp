@@ -105,9 +105,10 @@ StageNews CheckStage::LookAround() {
 std::vector<std::string> CheckStage::End() {
     std::cerr << "  the host ends" << std::endl;
     const std::size_t left = stage_.ShutDown();
-    std::ranges::move(LookAround().complaints, std::back_inserter(faults_));
+    StageNews news = LookAround();
     for (const recorder::Finding& finding : stage_.Findings())
         faults_.push_back(Line(finding));
+    std::ranges::move(news.complaints, std::back_inserter(faults_));
     if (left > 0) faults_.push_back("left over after shutdown: " + Counted(left, "host object"));
     return std::move(faults_);
 }

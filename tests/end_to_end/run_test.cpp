@@ -220,6 +220,7 @@ TEST_F(Run, OtherVerbsWorkWithAStrangersCoreOrNameRun) {
 }
 
 TEST_F(Run, TellsWhatACoreThrewAndWhatItLeftBehind) {
+    isWatched_ = false;
     const Ending ending =
         Command::Run(Words(stray_, {"press 1046", "time 1", "play 2:5:1", "new"}));
     EXPECT_EQ(ending.status, 0) << ending.error;

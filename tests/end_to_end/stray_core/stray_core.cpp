@@ -1,12 +1,16 @@
+#include <chrono>
+#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <stdexcept>
+#include <thread>
 
 #include "tvl/core_interface.h"
 #include "tvl/log.h"
 
 // A Core that does nothing well: its button warns and throws, it leaves undo groups open, and ends
-// the process at times below 0.
+// the process at times below 0, never comes back from the times that are far away, and crashes when
+// the scene is emptied twice.
 
 namespace {
 
@@ -26,12 +30,16 @@ class StrayCore final : public CoreInterface {
     }
     void NotifyTimeChanged(double seconds) override {
         if (seconds < 0) std::exit(0);
+        while (seconds > 1000)
+            std::this_thread::sleep_for(std::chrono::seconds(1));
         adaptor_.BeginUndoGroup("left open");
     }
 
     XMLNode GetCoreState() override { return XMLNode("TVL", ""); }
     void SetCoreState(XMLNode) override {}
-    void ResetCore() override {}
+    void ResetCore() override {
+        if (++resets_ > 1) std::raise(SIGSEGV);
+    }
     bool IsCoreRunning() override { return false; }
     void StopCore() override {}
     TVL::Util::MessageNode* GetOptionNode(int, int) override { return nullptr; }
@@ -40,6 +48,7 @@ class StrayCore final : public CoreInterface {
 
   private:
     TVL::AdaptorInterface& adaptor_;
+    int resets_ = 0;
 };
 
 }  // namespace
