@@ -19,10 +19,10 @@ enum class Life : std::uint8_t {
     kEnded,
 };
 
-// What was written of one kind to a node in one go: in a recording, in one call of the host's.
+// What was written of one kind to a node in one recording, and one go (see Books).
 struct Track {
     std::uint32_t recording = 0;  // its number; 0 for none
-    std::uint64_t outermost = 0;  // the call
+    std::uint64_t go = 0;
     std::int64_t firstTick = 0;
     std::int64_t lastTick = 0;
     std::int64_t doubledAt = 0;  // the tick of the last one that was written blindly once more
@@ -95,8 +95,8 @@ struct OpenCall {
 // Something that was begun and is to be ended.
 struct Open {
     Place place;
-    std::uint64_t outermost = 0;  // the call that the host or the Core came from
-    Operation outermostOperation{};
+    std::uint64_t go = 0;
+    Operation road{};     // the outermost call that it was begun in
     std::string name;     // a group's
     bool isTold = false;  // that it is in the user's way
 };
@@ -111,7 +111,13 @@ struct Books {
     std::size_t oldestEnded = 0;
 
     std::vector<OpenCall> calls;  // innermost last
-    std::vector<Open> groups;     // the same
+
+    // The number of the go that is on: all within one call that the adaptor makes while no other is
+    // open, or all that the Core does by itself between two of these. In between the user may do
+    // anything, and there time is the user's.
+    std::uint64_t go = 1;
+
+    std::vector<Open> groups;  // the same
     std::vector<Open> recordings;
     std::vector<Open> focuses;
     std::vector<Open> selections;  // at most one
@@ -125,6 +131,7 @@ struct Books {
     Place registryPlaced;
     ObjectId owner43 = 0;  // that is just being told of a deletion
     std::uint64_t call43 = 0;
+    bool hasStopEndedGroup = false;  // before that: the user's deletion has no step of its own
     bool hasGivenCoreState = false;
     bool hasLeft = false;
     double frameRate = 30;

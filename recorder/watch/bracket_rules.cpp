@@ -8,8 +8,7 @@ namespace {
 using enum Operation;
 
 Open OpenNow(const Books& books, const OpenCall& call) {
-    const Place& outermost = books.calls.front().place;
-    return {call.place, outermost.call, outermost.operation, {}, false};
+    return {call.place, books.go, books.calls.front().place.operation, {}, false};
 }
 
 // Nothing has begun where the status is one of failure.
@@ -27,12 +26,11 @@ void TellOnce(Books& books, Open& open, const Place& place) {
     });
 }
 
-// A group that the same road of the Core's begins once more was forgotten the last time.
+// A group that the same road of the adaptor's begins once more was forgotten the last time.
 void TellIfForgotten(Books& books, Open& now) {
+    if (books.calls.front().isByCore) return;
     for (Open& open : books.groups) {
-        if (open.outermost == now.outermost || open.name != now.name ||
-            open.outermostOperation != now.outermostOperation)
-            continue;
+        if (open.go == now.go || open.name != now.name || open.road != now.road) continue;
         TellOnce(books, open, now.place);
         now.isTold = true;
     }
@@ -56,7 +54,9 @@ void EndGroup(Books& books, OpenCall& call, ValueReader&) {
     }
     const bool isCancel = call.place.operation == AdaptorInterface_CancelUndoGroup;
     if (isCancel) books.isNestBroken = true;
-    if (isCancel && books.owner43 != 0 && books.groups.front().place.call > books.call43)
+    const bool isUsersStep = books.owner43 != 0 && !books.hasStopEndedGroup &&
+                             books.groups.front().place.call > books.call43;
+    if (isCancel && isUsersStep)
         books.found.Add(Rule::kCancelInDeletion, call.place, books.groups.back().name);
     books.groups.pop_back();
     if (!books.groups.empty()) return;
@@ -122,6 +122,7 @@ void Cleared(Books& books, OpenCall&, ValueReader& answered) {
 
 // Nothing stays open beyond these, whichever call it is of.
 void Stopped(Books& books, OpenCall& call, ValueReader&) {
+    books.hasStopEndedGroup = call.groups > 0 && books.groups.empty();
     if (books.calls.size() == 1) TellOpenInTheWay(books, call.place);
 }
 

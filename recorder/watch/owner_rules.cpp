@@ -28,7 +28,7 @@ void NodeExtensionDone(Books& books, OpenCall& call, ValueReader& answered) {
     const std::uint64_t result = letter == 'i' || letter == 'o' ? answered.Word() : 0;
     switch (call.said[0]) {
         case TVL::kBeginSelection:
-            if (result != 0) books.selections.push_back({call.place, 0, {}, {}, false});
+            if (result != 0) books.selections.push_back({call.place, books.go, {}, {}, false});
             break;
         case TVL::kEndSelection:
             books.selections.clear();

@@ -1,3 +1,4 @@
+#include <cmath>
 #include <cstdio>
 
 #include "recorder/watch/books.h"
@@ -58,8 +59,11 @@ std::string Times(double now, double before) {
 }
 
 bool IsInThisGo(const Books& books, const Track& track) {
-    return track.recording == books.recording && track.outermost == books.calls.front().place.call;
+    return track.recording == books.recording && track.go == books.go;
 }
+
+// Seconds, far below a tick: whoever means the same moment may come by another sum.
+constexpr double kHair = 1e-5;
 
 // The same moment once more, and not by who has read what stands there or mends what a parent has
 // moved. Once that is as good as any correction; of moment after moment it is a loop gone wrong.
@@ -82,12 +86,12 @@ void NoteSample(Books& books, const OpenCall& call, Track& track, bool isMending
     } else if (now.tick < track.lastTick) {
         tell(Rule::kTimeGoesBack);
     } else if (now.tick == track.lastTick && now.lent.call != track.lentBy) {
-        const bool isAnew = track.isReadSince || isMending;
-        if (now.seconds != track.seconds || (!isAnew && IsDoubledAgain(track, now.tick)))
-            tell(Rule::kTwoOnOneTick);
+        const bool isOther = std::abs(now.seconds - track.seconds) > kHair;
+        const bool isMeant = track.isReadSince || isMending;
+        if (isOther || (!isMeant && IsDoubledAgain(track, now.tick))) tell(Rule::kTwoOnOneTick);
     }
     track.recording = books.recording;
-    track.outermost = books.calls.front().place.call;
+    track.go = books.go;
     track.lastTick = now.tick;
     track.seconds = now.seconds;
     track.lentBy = now.lent.call;

@@ -172,6 +172,13 @@ struct Session {
         return std::min<std::ptrdiff_t>(around, 255) == head.nesting;
     }
 
+    // The calls of a deletion by the user follow one another, StopCore first.
+    void BeginGo(const OpenCall& call) {
+        if (books.calls.size() > 1 || call.isByCore) return;
+        ++books.go;
+        if (RowOf(call.place.operation).className != "CExtendable") books.hasStopEndedGroup = false;
+    }
+
     void TakeCall(const Record& record) {
         const RecordHead& head = record.head;
         if (!IsInPlace(head)) return GoBlind();
@@ -183,6 +190,7 @@ struct Session {
         call.recordings = static_cast<std::uint32_t>(books.recordings.size());
         call.focuses = static_cast<std::uint32_t>(books.focuses.size());
         call.isByCore = IsByCore(call);
+        BeginGo(call);
         call.isDropped = !FindObject(books, call) || (call.isByCore && !IsMet(books, call));
         const Handle handle = WorkOf(head.operation).call;
         ValueReader values(record);
@@ -199,6 +207,7 @@ struct Session {
             --place;
             if (place->place.call == record.head.call) {
                 TakeEnd(books, *place, record);
+                if (calls.size() == 1 && !place->isByCore) ++books.go;
                 calls.erase(place);
                 return;
             }

@@ -47,7 +47,7 @@ struct Late {
 TVL::CMesh Triangle() {
     TVL::CMesh mesh;
     mesh.vertices = {{0, 0, 0}, {4, 0, 0}, {0, 4, 0}};
-    mesh.faces = {0, 1, 2};
+    mesh.faces = mesh.textureFaces = {0, 1, 2};  // as they are where there is no texture
     if (Makes("gives a mesh with a vertex that is no number")) mesh.vertices[1][1] = kNaN;
     if (Makes("gives a face without a vertex")) mesh.faces[2] = 3;
     if (Makes("gives half a face")) mesh.faces.push_back(0);
@@ -238,10 +238,10 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
         }
         adaptor_.BeginRecordingUnkeyed({});
         for (int sample = 0; sample < 16; ++sample) {
-            CoreNode& childThenParent = sample < 8 ? arm : root;
-            if (Makes("writes child by child")) Place(childThenParent, TimeOf(sample % 8), sample);
+            CoreNode& childThenParent = sample < 15 ? arm : root;
+            if (Makes("writes child by child")) Place(childThenParent, TimeOf(sample % 15), sample);
             if (Makes("records backwards")) Place(eye, TimeOf(16 - sample), sample);
-            if (Makes("records faster than the host counts")) Place(eye, sample * 1e-5, sample);
+            if (Makes("records faster than the host counts")) Place(eye, sample * 5e-5, sample);
             if (Makes("records everything twice")) Put(eye, TimeOf(sample / 2), 1 / kMetre);
         }
         adaptor_.EndRecording();
@@ -267,6 +267,20 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
         root.ReleaseSnapshot(kept);
         Place(root, 0, 0, 7);
         Place(root, 0, 0, 1 / 7.0);
+
+        // A first sample that is corrected, the same moment by another sum, two writes in one loan.
+        adaptor_.BeginRecordingUnkeyed({});
+        for (int sample = 0; sample < 8; ++sample) {
+            const double hair = sample % 2 * 1e-6;
+            if (sample < 2) Put(root, TimeOf(0), 1 / kMetre);
+            Place(root, TimeOf(sample / 2) + hair, 1);
+            At(TimeOf(sample), arm, [](TVL::CSnapshot& snapshot) {
+                const CMatrix4 pose = snapshot.GetLocalTransform();
+                snapshot.SetLocalTransform(pose);
+                snapshot.SetLocalTransform(pose);
+            });
+        }
+        adaptor_.EndRecording();
 
         // A child that is written again behind its parent, or in its parent's space ahead of it; a
         // sample that is read and changed, a second pass behind a cut, a recording inside another.
