@@ -67,8 +67,13 @@ Recorder::Recorder(Stream& stream, std::string core)
 
 Recorder::~Recorder() = default;
 
+// The adaptor ends the nodes of a Core that has refused or left as soon as it learns of that.
+
 CoreInterface* Recorder::Attach(TVL::AdaptorInterface* adaptor, const AttachCore& attach) {
     State::Boundary& boundary = state_->Begin(*adaptor);
+    const AtEnd letGo([&] {
+        if (!boundary.core.Behind()) boundary.nodes.LetGo();
+    });
     const auto make = [&]() -> CoreProxy* {
         boundary.core.StandFor(attach(&boundary.adaptor));
         return boundary.core.Behind() ? &boundary.core : nullptr;
@@ -76,10 +81,9 @@ CoreInterface* Recorder::Attach(TVL::AdaptorInterface* adaptor, const AttachCore
     return boundary.scribe.Record<Operation::Routine_attach>(0, make, &boundary.adaptor);
 }
 
-// The adaptor ends the nodes that the Core has left as soon as this returns.
 void Recorder::Detach(CoreInterface* core, const DetachCore& detach) {
     State::Boundary& boundary = *state_->boundaries.back();
-    const std::shared_ptr<void> letGo(nullptr, [&](void*) { boundary.nodes.LetGo(); });
+    const AtEnd letGo([&] { boundary.nodes.LetGo(); });
     const auto* const proxy = static_cast<CoreProxy*>(core);
     boundary.scribe.Record<Operation::Routine_detach>(
         0, [&] { detach(proxy->Behind()); }, proxy);

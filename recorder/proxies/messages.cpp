@@ -83,7 +83,7 @@ void MessageProxy::PassOn(Message& message, bool isBroadcast, MessageProxy& send
     }
     if (hasLeft_) return;
     void* const parameter = message.lParam;
-    const std::shared_ptr<void> putBack(nullptr, [&](void*) {
+    const AtEnd putBack([&] {
         message.sender = node;
         message.lParam = parameter;
     });

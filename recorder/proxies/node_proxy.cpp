@@ -159,7 +159,7 @@ template <Operation kOperation, auto kMethod>
 void NodeProxy::Hear() {
     TVL::NodeListener* const told = listener;
     if (!told) return;
-    nodes_.Tell(*this);
+    if (!isTold_) nodes_.Tell(*this);
     const ObjectId id = scribe_.IdOf(ObjectKind::kListener, told);
     scribe_.Record<kOperation>(
         id, [&] { (told->*kMethod)(this); }, this);
@@ -175,7 +175,7 @@ void NodeProxy::OnNodeRestored(CNode* node) {
 void NodeProxy::OnNodeRemoved(CNode* node) {
     if (!real_) nodes_.Bind(*this, node);
     ++removals_;
-    const std::shared_ptr<void> unlist(nullptr, [this](void*) { isListed_ = false; });
+    const AtEnd unlist([this] { isListed_ = false; });
     Hear<NodeListener_OnNodeRemoved, &NodeListener::OnNodeRemoved>();
 }
 
@@ -184,7 +184,7 @@ void NodeProxy::OnNodeRemoved(CNode* node) {
 template <Operation kOperation, auto kMethod, class Proxy, class... Time>
 Proxy* NodeProxy::Lend(ProxyPool<Proxy>& pool, Time... seconds) {
     const auto make = [&]() -> Proxy* {
-        if (!real_ || !pool.MakeRoom(scribe_)) return nullptr;
+        if (!real_ || !pool.MakeRoom(scribe_, nodes_.mutex_)) return nullptr;
         auto* const lent = (real_->*kMethod)(seconds...);
         if (!lent) return nullptr;
         Proxy& proxy = pool.Of(lent);

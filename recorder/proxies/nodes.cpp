@@ -114,10 +114,16 @@ void Nodes::End(NodeProxy& proxy) {
         isLent |= snapshot.IsOut();
         snapshot.LoseNode();
     });
-    if (isLent) return;
+    if (!isLent) Keep(proxy);
+}
+
+// One that ended within the outermost call that is being made may be in the midst of a call.
+void Nodes::Keep(NodeProxy& proxy) {
     proxy.isKept_ = true;
+    proxy.keptSince_ = scribe_.Rests();
     ended_.splice(ended_.end(), alive_, proxy.self_);
-    if (ended_.size() > kKept) ended_.pop_front();
+    while (ended_.size() > kKept && ended_.front().keptSince_ != proxy.keptSince_)
+        ended_.pop_front();
 }
 
 void Nodes::Unlist(NodeProxy& proxy) {

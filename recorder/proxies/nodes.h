@@ -87,7 +87,8 @@ class NodeProxy final : public ExtendableProxy<TVL::CoreNode>, private TVL::Node
     TVL::CoreElement* sourceOwner_ = nullptr;  // of a snapshot node's source, when it was made
     bool isTold_ = false;
     bool isEnded_ = false;
-    bool isKept_ = false;  // among those that have ended
+    bool isKept_ = false;          // among those that have ended
+    std::uint64_t keptSince_ = 0;  // see Scribe::Rests
     bool isSnapshot_ = false;
     bool isListed_ = false;       // a real node, by the adaptor
     std::uint64_t removals_ = 0;  // that were heard of
@@ -136,6 +137,7 @@ class Nodes {
     void Bind(NodeProxy& proxy, TVL::CNode* real);
     void Tell(NodeProxy& proxy);
     void End(NodeProxy& proxy);
+    void Keep(NodeProxy& proxy);
     void Unlist(NodeProxy& proxy);
     void FinishCreation(NodeProxy& proxy, TVL::CNode* made);
     ObjectFacts FactsOf(const NodeProxy& proxy) const;

@@ -21,6 +21,19 @@ inline constexpr bool kIsTuple = false;
 template <class... Values>
 inline constexpr bool kIsTuple<std::tuple<Values...>> = true;
 
+// Does it at the end of a scope, however that ends.
+template <class Work>
+class AtEnd {
+  public:
+    explicit AtEnd(Work work) : work_(std::move(work)) {}
+    ~AtEnd() { work_(); }
+    AtEnd(const AtEnd&) = delete;
+    AtEnd& operator=(const AtEnd&) = delete;
+
+  private:
+    Work work_;
+};
+
 // Tells the stream what crosses the boundary in one attachment of a Core: each call before it is
 // made, and what it gives or throws behind it. Any thread may call.
 class Scribe {
@@ -33,7 +46,7 @@ class Scribe {
     // are answered. Proxies are told by their ids.
     template <Operation kOperation, class Make, class... Said>
     std::invoke_result_t<Make> Record(ObjectId on, const Make& make, const Said&... said) {
-        const Open open(calls_);
+        const Open open(*this);
         const std::uint64_t call =
             IsHeard() ? TellCall<kOperation>(on, Told(said)...) : std::uint64_t{0};
         try {
@@ -77,22 +90,30 @@ class Scribe {
     // No call is being made.
     bool IsIdle() const { return calls_ == 0; }
 
+    // How often that has come to be so.
+    std::uint64_t Rests() const { return rests_; }
+
     void TellObjects(const TapeWriter::TellObject& tell) const;
 
   private:
     // The thread that counts is one; others, which ought not to call, may be counted wrongly.
     class Open {
       public:
-        explicit Open(std::atomic<int>& calls) : calls_(calls) { Add(1); }
-        ~Open() { Add(-1); }
+        explicit Open(Scribe& scribe) : scribe_(scribe) { Add(scribe.calls_, 1); }
+        ~Open() {
+            if (Add(scribe_.calls_, -1) == 0) Add(scribe_.rests_, std::uint64_t{1});
+        }
         Open(const Open&) = delete;
         Open& operator=(const Open&) = delete;
 
       private:
-        void Add(int count) {
-            calls_.store(calls_.load(std::memory_order_relaxed) + count, std::memory_order_relaxed);
+        template <class Number>
+        static Number Add(std::atomic<Number>& sum, Number number) {
+            const Number now = sum.load(std::memory_order_relaxed) + number;
+            sum.store(now, std::memory_order_relaxed);
+            return now;
         }
-        std::atomic<int>& calls_;
+        Scribe& scribe_;
     };
 
     bool IsHeard() const { return isHeard_.load(std::memory_order_relaxed); }
@@ -153,6 +174,7 @@ class Scribe {
     Stream& stream_;
     std::atomic<bool> isHeard_ = true;
     std::atomic<int> calls_ = 0;
+    std::atomic<std::uint64_t> rests_ = 0;
     std::atomic<std::uint64_t> lastId_ = 0;
     mutable std::mutex mutex_;
     std::map<std::pair<ObjectKind, const void*>, ObjectId> known_;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
 #include <tuple>
 
 #include "recorder/proxies/scribe.h"
@@ -166,9 +167,10 @@ class ProxyPool {
   public:
     // Room for one that is not known yet, so that there is a proxy for whatever is lent. False: no
     // memory for it.
-    bool MakeRoom(Scribe& scribe) noexcept try {
-        if (proxies_.empty() || !proxies_.back()->IsFree())
-            proxies_.push_back(std::make_unique<Proxy>(scribe));
+    bool MakeRoom(Scribe& scribe, std::mutex& mutex) noexcept try {
+        if (!proxies_.empty() && proxies_.back()->IsFree()) return true;
+        const std::lock_guard lock(mutex);
+        proxies_.push_back(std::make_unique<Proxy>(scribe));
         return true;
     } catch (...) {
         return false;

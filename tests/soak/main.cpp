@@ -28,8 +28,8 @@ bool Holds(const play::Faults& faults) {
 }
 
 // Each step is told before it is played, so that whatever ends the process ends behind its name.
-bool PlayThrough(const Life& life) {
-    soak::Soak soak;
+bool PlayThrough(const Life& life, bool isRecorded) {
+    soak::Soak soak(isRecorded);
     for (std::size_t at = 0; at + kStepBytes <= life.size(); at += kStepBytes) {
         const std::string_view step = std::string_view(life).substr(at, kStepBytes);
         std::printf("%zu %s\n", at / kStepBytes + 1, soak::StepOf(step).name);
@@ -39,11 +39,11 @@ bool PlayThrough(const Life& life) {
     return Holds(soak.Rest());
 }
 
-int PlayHere(const std::string& file) {
+int PlayHere(const std::string& file, bool isRecorded) {
     const Life life = ReadFile(file);
     if (life.empty()) throw std::runtime_error(file + " cannot be read, or is empty");
     std::setvbuf(stdout, nullptr, _IOLBF, 1 << 12);
-    if (!PlayThrough(life)) return 1;
+    if (!PlayThrough(life, isRecorded)) return 1;
     const bool isLeft = testing::UnitTest::GetInstance()->ad_hoc_test_result().Failed();
     return isLeft && !Holds({"something is left at the end"}) ? 1 : 0;
 }
@@ -73,16 +73,17 @@ std::string FirstFault(const std::vector<std::string>& lines) {
 // Plays lives in processes of the same program.
 struct Theatre {
     std::filesystem::path program;
+    bool isRecorded;
     TemporaryFolder folder;
 
     Ending Play(const Life& life) const {
-        const auto quoted = '"' + folder.Write("life", life) + '"';
+        const std::string file = '"' + folder.Write("life", life) + '"';
+        const std::string words = (isRecorded ? "--recorded --play " : "--play ") + file;
         Ending ending;
-        ending.isGood =
-            platform::RunProgram({.program = program,
-                                  .arguments = std::filesystem::path("--play " + quoted).native(),
-                                  .out = folder.Path() / "out",
-                                  .error = folder.Path() / "error"}) == 0;
+        ending.isGood = platform::RunProgram({.program = program,
+                                              .arguments = std::filesystem::path(words).native(),
+                                              .out = folder.Path() / "out",
+                                              .error = folder.Path() / "error"}) == 0;
         std::istringstream said(ReadFile(folder.File("out")) + ReadFile(folder.File("error")));
         for (std::string line; std::getline(said, line); ending.lines.push_back(line))
             if (!line.empty() && std::isdigit(static_cast<unsigned char>(line[0])))
@@ -113,6 +114,7 @@ struct Settings {
     std::uint32_t seed = std::random_device()();
     std::uint32_t seeds = 1;
     std::size_t steps = 10000;
+    bool isRecorded = false;
     std::string file;  // of a life to play in this process
 };
 
@@ -152,10 +154,11 @@ int main(int argc, char** argv) try {
     app.add_option("--seed", settings.seed, "The first seed; else one that nobody chose");
     app.add_option("--seeds", settings.seeds, "At least so many seeds");
     app.add_option("--steps", settings.steps, "Steps of each seed");
+    app.add_flag("--recorded", settings.isRecorded, "Put the flight recorder between");
     app.add_option("--play", settings.file, "Play the life in this file here and now");
     CLI11_PARSE(app, argc, argv);
-    if (!settings.file.empty()) return PlayHere(settings.file);
-    return PlaySeeds(settings, {argv[0], {}});
+    if (!settings.file.empty()) return PlayHere(settings.file, settings.isRecorded);
+    return PlaySeeds(settings, {argv[0], settings.isRecorded, {}});
 } catch (const std::exception& error) {
     std::fprintf(stderr, "soak: %s\n", error.what());
     return 1;

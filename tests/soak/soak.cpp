@@ -45,7 +45,7 @@ std::string History::Follow(const Look& now, std::size_t depth, const Since& sin
 
 // A life -----------------------------------------------------------------------------------------
 
-Soak::Soak() {
+Soak::Soak(bool isRecorded) : Play(isRecorded) {
     onMoment = [this](const std::string& moment) {
         if (!armed || wait-- > 0) return;
         leftNoRecord = true;

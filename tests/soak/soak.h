@@ -47,7 +47,7 @@ class History {
 
 class Soak final : public play::Play {
   public:
-    Soak();
+    explicit Soak(bool isRecorded);
 
     // Plays one step of kStepBytes; what does not hold after it.
     play::Faults Step(std::string_view bytes);
