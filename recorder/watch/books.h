@@ -101,6 +101,13 @@ struct Open {
     bool isTold = false;  // that it is in the user's way
 };
 
+// A message node of the Core's, which the adaptor was given.
+struct Button {
+    ObjectId id = 0;
+    Place given;
+    bool isHeard = false;
+};
+
 struct Books {
     FindingList found;
 
@@ -127,6 +134,7 @@ struct Books {
     std::vector<NodeMemory*> overtaken;  // in the recording that is open
     std::size_t meshesOut = 0;
 
+    std::vector<Button> buttons;
     Place logPlaced;  // of call 0 if none is
     Place registryPlaced;
     ObjectId owner43 = 0;  // that is just being told of a deletion

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "recorder/watch/books.h"
+#include "tvl/message.h"
 
 namespace recorder::watching {
 namespace {
@@ -120,6 +121,26 @@ void Cleared(Books& books, OpenCall&, ValueReader& answered) {
     if (answered.Whole() == 0) books.*kPlaced = {};
 }
 
+void ButtonGiven(Books& books, OpenCall& call, ValueReader& answered) {
+    const ObjectId id = answered.Object();
+    if (id != 0 && std::ranges::find(books.buttons, id, &Button::id) == books.buttons.end())
+        books.buttons.push_back({id, call.place, false});
+}
+
+// What the ends of a link tell each other: the Core's node that it is listened to, or no more; the
+// adaptor's, that the other one dies.
+void Receive(Books& books, OpenCall& call, ValueReader& said) {
+    using TVL::Util::Message;
+    const ObjectId sender = said.Object();
+    const std::int32_t id = said.Whole();
+    const ObjectId node = id == Message::kStopBroadcasting ? sender : call.object;
+    const auto button = std::ranges::find(books.buttons, node, &Button::id);
+    if (button == books.buttons.end()) return;
+    if (id == Message::kListening) button->isHeard = true;
+    if (id == Message::kStoppedListening) button->isHeard = false;
+    if (id == Message::kStopBroadcasting) books.buttons.erase(button);
+}
+
 // Nothing stays open beyond these, whichever call it is of.
 void Stopped(Books& books, OpenCall& call, ValueReader&) {
     books.hasStopEndedGroup = call.groups > 0 && books.groups.empty();
@@ -148,6 +169,8 @@ std::span<const Handler> BracketHandlers() {
         {AdaptorInterface_ClearLog, nullptr, Cleared<&Books::logPlaced>},
         {AdaptorInterface_SetErrorCode, SayPlaced, Placed<&Books::registryPlaced>},
         {AdaptorInterface_ClearErrorCode, nullptr, Cleared<&Books::registryPlaced>},
+        {CoreInterface_GetOptionNode, nullptr, ButtonGiven},
+        {MessageNode_Receive, Receive},
         {CoreInterface_StopCore, nullptr, Stopped},
         {CoreInterface_ResetCore, nullptr, ResetDone},
     };
@@ -170,6 +193,8 @@ void TellLeftOpen(Books& books) {
     tell(Rule::kRecordingLeft, books.recordings);
     tell(Rule::kFocusLeft, books.focuses);
     tell(Rule::kSelectionLeft, books.selections);
+    for (const Button& button : books.buttons)
+        if (button.isHeard) books.found.Add(Rule::kMessageNodeLeft, button.given, {});
     if (books.logPlaced.call != 0) books.found.Add(Rule::kLogLeft, books.logPlaced, {});
     if (books.registryPlaced.call != 0)
         books.found.Add(Rule::kRegistryLeft, books.registryPlaced, {});

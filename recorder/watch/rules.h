@@ -59,6 +59,8 @@ namespace recorder::watching {
          "no undo group is open: the chunk was refused, and is gone")                            \
     RULE(kLogLeft, "log-not-taken-back", "the Core leaves without ClearLog")                     \
     RULE(kRegistryLeft, "registry-not-taken-back", "the Core leaves without ClearErrorCode")     \
+    RULE(kMessageNodeLeft, "message-node-left",                                                  \
+         "the Core leaves, and the adaptor still listens to its message node")                   \
     RULE(kChildBeforeParent, "child-before-parent",                                              \
          "the parent is written at the same time later, and takes the node along")               \
     RULE(kNotFinite, "number-not-finite", "a number of what is written is infinite or none")     \

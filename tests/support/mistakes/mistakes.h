@@ -49,6 +49,7 @@ inline constexpr Mistake kMistakes[] = {
     {"adds a chunk outside a group", "chunk-outside-group"},
     {"leaves its log", "log-not-taken-back", "loads"},
     {"leaves its registry", "registry-not-taken-back", "loads"},
+    {"leaves its button", "message-node-left", "loads"},
     {"writes children first", "child-before-parent"},
     {"writes child by child", "child-before-parent"},
     {"writes a transform that is no number", "number-not-finite"},

@@ -159,7 +159,10 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
         if (!Makes("records on after StopCore")) EndTake();
     }
     void NotifyTimeChanged(double) override {}
-    TVL::Util::MessageNode* GetOptionNode(int, int) override { return nullptr; }
+    TVL::Util::MessageNode* GetOptionNode(int, int) override {
+        static TVL::Util::MessageNode forEver("button");
+        return Makes("leaves its button") ? &forEver : &button_;
+    }
     void BindOption(int, int) override {}
     void GetOptionValue(int, bool*) override {}
 
@@ -396,6 +399,7 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
     TVL::AdaptorInterface& adaptor_;
     TVL::PluginRecord record_{"Wrong"};
     Owner namesake_{"Wrong"};
+    TVL::Util::MessageNode button_{"button"};
     std::vector<CoreNode*> nodes_;  // the adaptor's
     int statesGiven_ = 0;
     int partsGiven_ = 0;
