@@ -7,11 +7,13 @@
 namespace headless {
 namespace {
 
-// What is offered hangs on the verb, which is the first word that is no option, and on the option
-// ahead of the cursor. An equals sign is a word of its own for bash.
+// What is offered hangs on the verb, which is the first word that is no option, or that and the
+// next one where the first is a family's, and on the option ahead of the cursor. An equals sign is
+// a word of its own for bash.
 constexpr char kHead[] = R"(# To be sourced by bash.
 _lumiset_headless() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
+    local families='FAMILIES'
     local verb= place options= files= valued= chosen= choices= words= takes_files=
     if [[ $word == = ]]; then
         word=
@@ -20,8 +22,8 @@ _lumiset_headless() {
     fi
     for ((place = 1; place < COMP_CWORD; ++place)); do
         [[ ${COMP_WORDS[place]} == -* ]] && continue
-        verb=${COMP_WORDS[place]}
-        break
+        verb=${verb:+$verb }${COMP_WORDS[place]}
+        [[ " $families " == *" $verb "* ]] || break
     done
     COMPREPLY=()
     case $verb in
@@ -92,19 +94,38 @@ void PrintCase(std::ostream& out, const VerbText& verb, const std::string& patte
         << "            ;;\n";
 }
 
+// The first word of each verb, or the second ones of a family's.
+std::string NextWords(const CLI::App& program) {
+    std::string words;
+    for (const CLI::App* verb : program.get_subcommands({}))
+        Append(words, {verb->get_name()});
+    return words;
+}
+
+void PrintHead(std::ostream& out, const std::string& families) {
+    constexpr std::string_view kMark = "FAMILIES";
+    std::string head = kHead;
+    out << head.replace(head.find(kMark), kMark.size(), families);
+}
+
 }  // namespace
 
 void PrintCompletion(std::ostream& out, const CLI::App& program) {
-    const std::vector<VerbText> verbs = TextsOfVerbs(program);
+    std::vector<const CLI::App*> families;
     std::string names;
-    for (const VerbText& verb : verbs)
-        Append(names, {verb.name});
-    out << kHead;
-    PrintCase(out, TextOf(program), "''", names);
-    for (const VerbText& verb : verbs) {
+    for (const CLI::App* verb : program.get_subcommands({})) {
+        if (!IsFamily(*verb)) continue;
+        families.push_back(verb);
+        Append(names, {verb->get_name()});
+    }
+    PrintHead(out, names);
+    PrintCase(out, TextOf(program), "''", NextWords(program));
+    for (const CLI::App* family : families)
+        PrintCase(out, TextOf(*family), family->get_name(), NextWords(*family));
+    for (const VerbText& verb : TextsOfVerbs(program)) {
         const bool takesVerb =
             !verb.arguments.empty() && verb.arguments.front().value == kVerbValue;
-        PrintCase(out, verb, verb.name, takesVerb ? names : "");
+        PrintCase(out, verb, '\'' + verb.name + '\'', takesVerb ? NextWords(program) : "");
     }
     out << kTail;
 }

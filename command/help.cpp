@@ -1,5 +1,4 @@
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <sstream>
@@ -96,11 +95,13 @@ class OwnHelp : public CLI::FormatterBase {
     }
 };
 
-void PrintHelp(const CLI::App& program, const std::string& name) {
-    const auto verbs = program.get_subcommands({});
-    const auto verb = std::ranges::find(verbs, name, &CLI::App::get_name);
-    if (!name.empty() && verb == verbs.end()) throw NoVerb(program, name);
-    std::cout << HelpOf(name.empty() ? program : **verb);
+void PrintHelp(const CLI::App& program, const std::vector<std::string>& words) {
+    std::string name;
+    for (const std::string& word : words)
+        name += name.empty() ? word : ' ' + word;
+    const CLI::App* const verb = name.empty() ? &program : FindVerb(program, name);
+    if (verb == nullptr) throw NoVerb(program, name);
+    std::cout << HelpOf(*verb);
 }
 
 }  // namespace
@@ -114,8 +115,9 @@ void UseOwnHelp(CLI::App& program) {
 
 void AddHelpVerbs(CLI::App& app) {
     CLI::App* const help = AddVerb(app, kHelping, "help", "Explain a verb, or list them all.");
-    const auto verb = std::make_shared<std::string>();
+    const auto verb = std::make_shared<std::vector<std::string>>();
     help->add_option("VERB", *verb, "What to tell of; all verbs in short if none is named")
+        ->expected(0, 2)
         ->type_name(kVerbValue);
     AddExample(*help, "help record");
     help->callback([&app, verb] { PrintHelp(app, *verb); });

@@ -57,6 +57,7 @@ void AddVerbs(CLI::App& app) {
     headless::AddSampleVerb(app);
     headless::AddRunVerb(app);
     headless::AddCheckVerb(app);
+    headless::AddTapeVerbs(app);
     headless::AddHelpVerbs(app);
 }
 

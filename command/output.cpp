@@ -29,6 +29,12 @@ void PrintJson(std::ostream& out, nlohmann::ordered_json object) {
     out << object.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
 }
 
+void PrintJsonLine(std::ostream& out, nlohmann::ordered_json object) {
+    TurnToUtf8(object);
+    constexpr int kOneLine = -1;
+    out << object.dump(kOneLine, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+}
+
 std::string Counted(std::size_t count, const std::string& noun, const std::string& several) {
     const std::string number = std::to_string(count) + ' ';
     if (count == 1) return number + noun;

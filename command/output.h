@@ -25,6 +25,7 @@ void Print(std::ostream& out, const Result& result, Audience audience) {
 // In UTF-8. Texts of the code page are turned to it; where they need not be texts, what is none is
 // replaced.
 void PrintJson(std::ostream& out, nlohmann::ordered_json object);
+void PrintJsonLine(std::ostream& out, nlohmann::ordered_json object);
 
 // A count and its noun: "1 node", "2 nodes". `several` is for nouns that take more than an s.
 std::string Counted(std::size_t count, const std::string& noun, const std::string& several = "");

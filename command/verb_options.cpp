@@ -75,7 +75,17 @@ CLI::Option* AddWatch(CLI::App& verb, WatchChoice& choice) {
 
 CLI::App* AddVerb(CLI::App& program, const char* group, const std::string& name,
                   const std::string& text) {
-    return program.add_subcommand(name, text)->group(group);
+    const std::size_t blank = name.find(' ');
+    if (blank == std::string::npos) return program.add_subcommand(name, text)->group(group);
+    const std::string family = name.substr(0, blank);
+    CLI::App* of = nullptr;
+    for (CLI::App* const verb : program.get_subcommands({}))
+        if (verb->get_name() == family) of = verb;
+    if (of == nullptr) {
+        of = program.add_subcommand(family, "One of these verbs:")->group(group);
+        of->require_subcommand(1)->footer("");
+    }
+    return of->add_subcommand(name.substr(blank + 1), text)->group(group);
 }
 
 void AddExample(CLI::App& verb, const std::string& words) {

@@ -21,9 +21,11 @@ inline constexpr char kMaking[] = "To record and to draw";
 inline constexpr char kKeeping[] = "To open, merge and convert";
 inline constexpr char kLooking[] = "To look";
 inline constexpr char kDriving[] = "To drive any Core";
+inline constexpr char kTaping[] = "To record what crosses the boundary";
 inline constexpr char kHelping[] = "To learn more";
 
-// The first sentence of the text stands in the program's help, the whole of it in the verb's.
+// The first sentence of the text stands in the program's help, the whole of it in the verb's. A
+// verb of two words, as "tape info", is one of the family of the first.
 CLI::App* AddVerb(CLI::App& program, const char* group, const std::string& name,
                   const std::string& text);
 

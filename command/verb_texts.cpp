@@ -82,7 +82,8 @@ std::string UsageOf(const CLI::Option& option) {
 
 std::string UsageOf(const CLI::App& verb) {
     if (!verb.get_parent()) return std::string(kCommand) + " VERB [ARGUMENTS] [OPTIONS]";
-    std::string usage = std::string(kCommand) + ' ' + verb.get_name();
+    std::string usage = std::string(kCommand) + ' ' + NameOf(verb);
+    if (IsFamily(verb)) return usage + " VERB [ARGUMENTS] [OPTIONS]";
     for (const bool isOption : {false, true})
         for (const CLI::Option* option : verb.get_options())
             if (option->nonpositional() == isOption && (!isOption || option->get_required()))
@@ -98,7 +99,7 @@ std::string VerbText::Summary() const {
 }
 
 VerbText TextOf(const CLI::App& verb) {
-    VerbText text{.name = verb.get_name(),
+    VerbText text{.name = NameOf(verb),
                   .group = verb.get_group(),
                   .usage = UsageOf(verb),
                   .text = verb.get_description(),
@@ -110,11 +111,39 @@ VerbText TextOf(const CLI::App& verb) {
     return text;
 }
 
+std::vector<const CLI::App*> VerbsOf(const CLI::App& program) {
+    std::vector<const CLI::App*> verbs;
+    for (const CLI::App* verb : program.get_subcommands({})) {
+        std::vector<const CLI::App*> own = VerbsOf(*verb);
+        if (own.empty()) own = {verb};
+        verbs.insert(verbs.end(), own.begin(), own.end());
+    }
+    return verbs;
+}
+
 std::vector<VerbText> TextsOfVerbs(const CLI::App& program) {
     std::vector<VerbText> texts;
-    for (const CLI::App* verb : program.get_subcommands({}))
+    for (const CLI::App* verb : VerbsOf(program))
         texts.push_back(TextOf(*verb));
     return texts;
+}
+
+std::string NameOf(const CLI::App& verb) {
+    const CLI::App* const parent = verb.get_parent();
+    const bool isInFamily = parent != nullptr && parent->get_parent() != nullptr;
+    return isInFamily ? NameOf(*parent) + ' ' + verb.get_name() : verb.get_name();
+}
+
+const CLI::App* FindVerb(const CLI::App& program, const std::string& name) {
+    for (const CLI::App* verb : program.get_subcommands({})) {
+        if (NameOf(*verb) == name) return verb;
+        if (const CLI::App* const own = FindVerb(*verb, name)) return own;
+    }
+    return nullptr;
+}
+
+bool IsFamily(const CLI::App& verb) {
+    return !verb.get_subcommands({}).empty();
 }
 
 bool IsTyped(const std::string& line) {

@@ -41,7 +41,7 @@ struct WordText {
 };
 
 struct VerbText {
-    std::string name;
+    std::string name;   // with that of its family, if it is of one
     std::string group;  // of verbs
     std::string usage;  // the whole line, without options that can be left out
     std::string text;   // sentences, of which the first one is the summary
@@ -56,8 +56,18 @@ struct VerbText {
 // `verb` may be the program as well.
 VerbText TextOf(const CLI::App& verb);
 
-// In the order in which they were added.
+// Those of a program or a family, in the order in which they were added, and each family as the
+// verbs that it has.
+std::vector<const CLI::App*> VerbsOf(const CLI::App& program);
 std::vector<VerbText> TextsOfVerbs(const CLI::App& program);
+
+// As it is typed: "tape info".
+std::string NameOf(const CLI::App& verb);
+
+// The verb or the family that is called so; null if there is none.
+const CLI::App* FindVerb(const CLI::App& program, const std::string& name);
+
+bool IsFamily(const CLI::App& verb);
 
 // Of a line of a foot, of which an empty one parts two paragraphs.
 bool IsTyped(const std::string& line);

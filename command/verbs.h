@@ -21,6 +21,7 @@ void AddInfoVerb(CLI::App& app);
 void AddRunVerb(CLI::App& app);
 void AddCheckVerb(CLI::App& app);
 void AddDiffVerb(CLI::App& app);
+void AddTapeVerbs(CLI::App& app);
 
 // Of all verbs, so that they are added last.
 void AddHelpVerbs(CLI::App& app);

@@ -30,7 +30,7 @@ std::optional<std::string> FirstLeft(const CLI::App& verb) {
 }
 
 std::string NoOption(const CLI::App& verb, const std::string& word) {
-    const std::string owner = verb.get_parent() ? verb.get_name() : kCommand;
+    const std::string owner = verb.get_parent() ? NameOf(verb) : kCommand;
     return owner + " has no option " + word + TellNearest(word, OptionsOf(verb));
 }
 
@@ -38,7 +38,7 @@ std::string NoOption(const CLI::App& verb, const std::string& word) {
 std::string LeftAhead(const CLI::App& program, const CLI::App* verb, const std::string& word) {
     if (!IsOption(word)) return NoVerb(program, word).what();
     if (verb && std::ranges::count(OptionsOf(*verb), word) > 0)
-        return word + ": it stands behind the verb " + verb->get_name();
+        return word + ": it stands behind the verb " + NameOf(*verb);
     return NoOption(program, word);
 }
 
@@ -93,17 +93,26 @@ std::string InWords(const CLI::App& program, const CLI::App* verb, const CLI::Pa
 }  // namespace
 
 Failure NoVerb(const CLI::App& program, const std::string& word) {
-    if (word.empty()) return Failure("a verb is missing (--help lists them)", kWrongUsage);
+    const std::string family = program.get_parent() ? NameOf(program) : "";
+    if (word.empty()) {
+        const std::string after = family.empty() ? "" : " behind " + family;
+        const std::string lists = family.empty() ? "" : family + ' ';
+        return Failure("a verb is missing" + after + " (" + lists + "--help lists them)",
+                       kWrongUsage);
+    }
+    const std::string name = family.empty() ? word : family + ' ' + word;
     std::vector<std::string> verbs;
     for (const VerbText& verb : TextsOfVerbs(program))
         verbs.push_back(verb.name);
-    return Failure("there is no verb \"" + word + '"' + TellNearest(word, verbs), kWrongUsage);
+    return Failure("there is no verb \"" + name + '"' + TellNearest(name, verbs), kWrongUsage);
 }
 
 Failure WrongWords(const CLI::App& program, const CLI::ParseError& error) {
-    const auto chosen = program.get_subcommands();
-    const CLI::App* const verb = chosen.empty() ? nullptr : chosen.front();
-    const std::string help = verb ? verb->get_name() + " --help" : "--help";
+    const CLI::App* verb = nullptr;
+    for (auto chosen = program.get_subcommands(); !chosen.empty(); chosen = verb->get_subcommands())
+        verb = chosen.front();
+    if (verb && IsFamily(*verb)) return NoVerb(*verb, FirstLeft(*verb).value_or(""));
+    const std::string help = verb ? NameOf(*verb) + " --help" : "--help";
     return Failure(InWords(program, verb, error) + " (" + help + " tells more)", kWrongUsage);
 }
 

@@ -16,7 +16,7 @@ class ParseError;
 // most likely meant.
 namespace headless {
 
-// An empty word is one that was not said.
+// An empty word is one that was not said. The program can be a family of verbs as well.
 Failure NoVerb(const CLI::App& program, const std::string& word);
 
 // `error` is what the parser has thrown, from which the program and its verb still hold what they

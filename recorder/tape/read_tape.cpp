@@ -1,13 +1,9 @@
 #include "recorder/tape/read_tape.h"
 
-#include <algorithm>
-#include <cstring>
 #include <deque>
-#include <fstream>
 #include <stdexcept>
 
-#include "platform/narrow_path.h"
-#include "recorder/tape/segments.h"
+#include "recorder/tape/tape_file.h"
 
 namespace recorder {
 namespace {
@@ -18,75 +14,6 @@ using Words = std::vector<std::uint64_t>;
 struct Memory {
     Words file;
     std::deque<Words> joined;
-};
-
-struct Segment {
-    SegmentHead head;
-    std::uint64_t offset = 0;  // in the file
-    SegmentContents contents;
-};
-
-std::string At(std::uint64_t byte, const std::string& what) {
-    return "at byte " + std::to_string(byte) + ": " + what;
-}
-
-bool IsBlank(std::span<const std::uint64_t> words) {
-    return std::ranges::all_of(words, [](std::uint64_t word) { return word == 0; });
-}
-
-// As the first good head tells it, in words; 0 if there is none.
-std::size_t SegmentWordsOf(std::span<const std::uint64_t> file) {
-    constexpr std::size_t kGrain = kSegmentGrain / 8;
-    for (std::size_t at = 0; at < file.size(); at += kGrain) {
-        const auto head = ReadSegmentHead(file.subspan(at));
-        if (head && at * 8 % head->bytes == 0) return head->bytes / 8;
-    }
-    return 0;
-}
-
-// The segments of a file in the order of their numbers.
-class Segments {
-  public:
-    Segments(const std::string& name, std::span<const std::uint64_t> file,
-             std::vector<std::string>& damages)
-        : damages_(damages) {
-        const std::size_t size = SegmentWordsOf(file);
-        if (size == 0) throw std::runtime_error(name + ": it is no tape");
-        for (std::size_t at = 0; at < file.size(); at += size)
-            TakeIn(name, file.subspan(at, std::min(size, file.size() - at)), at * 8, size * 8);
-        Sort();
-    }
-
-    std::vector<Segment> list;
-
-  private:
-    // The first place has none for a moment, when one was copied and the next one begins.
-    void TakeIn(const std::string& name, std::span<const std::uint64_t> words, std::uint64_t offset,
-                std::uint64_t bytes) {
-        const auto head = ReadSegmentHead(words);
-        if (head && head->version > kTapeVersion)
-            throw std::runtime_error(name + ": " + kNewerTape);
-        if (head && head->bytes == bytes)
-            list.push_back({*head, offset, ReadSegment(words, head->number)});
-        else if (!IsBlank(words) && (offset > 0 || words.front() != 0))
-            damages_.push_back(
-                At(offset, "the head of a segment is damaged, which is passed over"));
-    }
-
-    // Of one that was just being copied there are two, of which one can be a part.
-    void Sort() {
-        const auto order = [](const Segment& one, const Segment& other) {
-            return one.head.number != other.head.number ? one.head.number < other.head.number
-                                                        : one.contents.end > other.contents.end;
-        };
-        const auto isSame = [](const Segment& one, const Segment& other) {
-            return one.head.number == other.head.number;
-        };
-        std::ranges::stable_sort(list, order);
-        list.erase(std::unique(list.begin(), list.end(), isSame), list.end());
-    }
-
-    std::vector<std::string>& damages_;
 };
 
 // Puts records into sessions, one piece after another.
@@ -128,7 +55,7 @@ class Sessions {
     TapeSession& Session() { return tape_.sessions.back(); }
 
     void TellDamage(const std::string& what) {
-        tape_.damages.push_back(At(offset_, what));
+        tape_.damages.push_back(AtByte(offset_, what));
         Session().isWhole = false;
     }
 
@@ -205,41 +132,32 @@ class Sessions {
     Words part_;  // of a record, up to where it was read
 };
 
-TapeContents ReadWords(const std::string& name, Words&& words, std::uint64_t bytes) {
-    const auto memory = std::make_shared<Memory>(Memory{std::move(words), {}});
+TapeContents Read(TapeFile file) {
+    const auto memory = std::make_shared<Memory>();
+    memory->file = std::move(file.words);
     TapeContents tape;
-    tape.path = name;
-    tape.bytes = bytes;
+    tape.path = file.name;
+    tape.bytes = file.bytes;
+    tape.damages = std::move(file.damages);
     tape.memory = memory;
-    const Segments segments(name, memory->file, tape.damages);
     Sessions built(tape, *memory);
-    const std::vector<Segment>& list = segments.list;
+    const std::vector<Segment>& list = file.segments;
     for (std::size_t i = 0; i < list.size(); ++i)
         built.Take(list[i], i + 1 < list.size() ? &list[i + 1] : nullptr);
     std::erase_if(tape.sessions,
                   [](const TapeSession& session) { return session.records.empty(); });
-    if (tape.sessions.empty()) throw std::runtime_error(name + ": there is nothing on the tape");
+    if (tape.sessions.empty()) throw std::runtime_error(tape.path + ": there is nothing on it");
     return tape;
 }
 
 }  // namespace
 
 TapeContents ReadTape(const std::string& path) {
-    namespace fs = std::filesystem;
-    const fs::path place = platform::FromNarrow(path);
-    std::error_code error;
-    const std::uintmax_t size = fs::file_size(place, error);
-    std::ifstream file(place, std::ios::binary);
-    if (error || !file) throw std::runtime_error(path + ": it cannot be read");
-    Words words((size + 7) / 8);
-    file.read(reinterpret_cast<char*>(words.data()), static_cast<std::streamsize>(size));
-    return ReadWords(path, std::move(words), static_cast<std::uint64_t>(file.gcount()));
+    return Read(LoadTape(path));
 }
 
 TapeContents ReadTape(const std::string& name, const std::vector<std::uint8_t>& bytes) {
-    Words words((bytes.size() + 7) / 8);
-    if (!bytes.empty()) std::memcpy(words.data(), bytes.data(), bytes.size());
-    return ReadWords(name, std::move(words), bytes.size());
+    return Read(LoadTape(name, bytes));
 }
 
 }  // namespace recorder

@@ -15,6 +15,7 @@ namespace recorder {
 
 inline constexpr std::uint64_t kSegmentMagic = 0x6570'6154'736d'754c;  // "LumsTape"
 inline constexpr std::uint32_t kTapeVersion = 1;
+inline constexpr char kNoTape[] = "it is no tape";
 inline constexpr char kNewerTape[] = "it is a tape of a newer program";
 
 struct SegmentHead {

@@ -72,7 +72,7 @@ void TakeIn(std::size_t place, const SegmentHead& head, const SegmentContents& c
 std::string TakeStock(const MappedFile& file, Stock& stock) {
     const std::uint64_t size = file.Size();
     const std::uint64_t segmentBytes = SegmentBytesOf(file);
-    if (segmentBytes == 0) return IsBlank(file) ? std::string() : "it is no tape";
+    if (segmentBytes == 0) return IsBlank(file) ? std::string() : kNoTape;
     stock.segmentBytes = segmentBytes;
     Words words(segmentBytes / 8);
     for (std::size_t place = 0; place * segmentBytes < size; ++place) {

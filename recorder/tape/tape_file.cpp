@@ -1,0 +1,97 @@
+#include "recorder/tape/tape_file.h"
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+#include <stdexcept>
+#include <tuple>
+
+#include "platform/narrow_path.h"
+
+namespace recorder {
+namespace {
+
+bool HasNothing(std::span<const std::uint64_t> words) {
+    return std::ranges::all_of(words, [](std::uint64_t word) { return word == 0; });
+}
+
+// As the first good head tells it, in words; 0 if there is none.
+std::size_t SegmentWordsOf(std::span<const std::uint64_t> file) {
+    constexpr std::size_t kGrain = kSegmentGrain / 8;
+    for (std::size_t at = 0; at < file.size(); at += kGrain) {
+        const auto head = ReadSegmentHead(file.subspan(at));
+        if (head && at * 8 % head->bytes == 0) return static_cast<std::size_t>(head->bytes / 8);
+    }
+    return 0;
+}
+
+// The first place has none for a moment, when one was copied and the next one begins.
+void TakeSegment(TapeFile& tape, std::size_t at, std::size_t size) {
+    const auto file = std::span<const std::uint64_t>(tape.words);
+    const auto words = file.subspan(at, std::min(size, file.size() - at));
+    const auto head = ReadSegmentHead(words);
+    if (head && head->version > kTapeVersion)
+        throw std::runtime_error(tape.name + ": " + kNewerTape);
+    if (head && head->bytes == size * 8)
+        tape.segments.push_back({*head, at * 8, ReadSegment(words, head->number)});
+    else if (!HasNothing(words) && (at > 0 || words.front() != 0))
+        tape.damages.push_back(
+            AtByte(at * 8, "the head of a segment is damaged, which is passed over"));
+}
+
+// Of a segment that was just being copied there are two, of which one can be a part.
+void Sort(std::vector<Segment>& segments) {
+    const auto order = [](const Segment& one, const Segment& other) {
+        return std::tuple(one.head.number, other.contents.end) <
+               std::tuple(other.head.number, one.contents.end);
+    };
+    const auto isSame = [](const Segment& one, const Segment& other) {
+        return one.head.number == other.head.number;
+    };
+    std::stable_sort(segments.begin(), segments.end(), order);
+    segments.erase(std::unique(segments.begin(), segments.end(), isSame), segments.end());
+}
+
+TapeFile Load(TapeFile tape) {
+    const std::size_t size = SegmentWordsOf(tape.words);
+    if (size == 0) throw std::runtime_error(tape.name + ": " + kNoTape);
+    for (std::size_t at = 0; at < tape.words.size(); at += size)
+        TakeSegment(tape, at, size);
+    Sort(tape.segments);
+    return tape;
+}
+
+TapeFile WithRoom(const std::string& name, std::uint64_t bytes) {
+    TapeFile tape;
+    tape.name = name;
+    tape.bytes = bytes;
+    tape.words.resize(static_cast<std::size_t>((bytes + 7) / 8));
+    return tape;
+}
+
+}  // namespace
+
+std::string AtByte(std::uint64_t byte, const std::string& what) {
+    return "at byte " + std::to_string(byte) + ": " + what;
+}
+
+TapeFile LoadTape(const std::string& path) {
+    namespace fs = std::filesystem;
+    const fs::path place = platform::FromNarrow(path);
+    std::error_code error;
+    const std::uintmax_t size = fs::file_size(place, error);
+    std::ifstream file(place, std::ios::binary);
+    if (error || !file) throw std::runtime_error(path + ": it cannot be read");
+    TapeFile tape = WithRoom(path, size);
+    file.read(reinterpret_cast<char*>(tape.words.data()), static_cast<std::streamsize>(size));
+    tape.bytes = static_cast<std::uint64_t>(file.gcount());
+    return Load(std::move(tape));
+}
+
+TapeFile LoadTape(const std::string& name, const std::vector<std::uint8_t>& bytes) {
+    TapeFile tape = WithRoom(name, bytes.size());
+    if (!bytes.empty()) std::memcpy(tape.words.data(), bytes.data(), bytes.size());
+    return Load(std::move(tape));
+}
+
+}  // namespace recorder
