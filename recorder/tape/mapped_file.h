@@ -28,7 +28,7 @@ class MappedFile {
     // What is there of the bytes from that offset on.
     std::size_t Read(std::uint64_t offset, std::span<std::byte> bytes) const;
 
-    // The file's first bytes, a multiple of 64 KiB; it grows to that, with zeros. Empty, and why
+    // The file's first bytes, whole pages; it grows to that, with zeros. Empty, and why
     // not, if there is no room. Once for a file.
     std::span<std::byte> Map(std::size_t size, std::string& whyNot);
 

@@ -30,7 +30,7 @@ struct SegmentHead {
 inline constexpr std::size_t kSegmentHeadWords = sizeof(SegmentHead) / 8;
 static_assert(sizeof(SegmentHead) == 48);
 
-inline constexpr std::uint64_t kSegmentGrain = std::uint64_t{1} << 16;
+inline constexpr std::uint64_t kSegmentGrain = std::uint64_t{1} << 12;
 inline constexpr std::uint64_t kLargestSegment = std::uint64_t{1} << 30;
 inline constexpr std::uint64_t kNewSegment = std::uint64_t{1} << 20;  // of tapes that are made here
 

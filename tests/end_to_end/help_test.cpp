@@ -17,7 +17,7 @@ class Help : public Command {
         std::vector<std::string> verbs;
         for (std::string row; std::getline(rows, row);)
             if (row.starts_with("  ") && row[2] != ' ')
-                verbs.push_back(row.substr(2, row.find(' ', 2) - 2));
+                verbs.push_back(row.substr(2, row.find("  ", 2) - 2));
         return verbs;
     }
 
@@ -36,6 +36,8 @@ TEST_F(Help, IsInOurWordsAndIn80ColumnsAndItsExamplesWork) {
     Write("walk.bvh", With(Walk(5), "Hip", "Hips"));
     std::filesystem::create_directories(folder_.Path() / "build/Core");
     std::filesystem::copy_file(HELLO_CORE, folder_.Path() / "build/Core/Core64.so");
+    Do("record walk.bvh -o walk.scene --tape walk.tape");
+    std::filesystem::copy_file(File("walk.tape"), File("again.tape"));
     const std::vector<std::string> verbs = Verbs();
     ASSERT_GE(verbs.size(), 13U);
     const std::string manual = Do("manual");
@@ -80,7 +82,10 @@ TEST_F(Help, CompletesVerbsOptionsValuesAndFilesInBash) {
         "complete_line --json sample --times = wal\n"
         "complete_line help me\n"
         "complete_line manual ''\n"
-        "complete_line run --do exp\n");
+        "complete_line run --do exp\n"
+        "complete_line tape pr\n"
+        "complete_line tape print --op\n"
+        "complete_line tape info wal\n");
     const int status = platform::RunProgram({.program = kBash,
                                              .arguments = platform::FromNarrow("typed").native(),
                                              .out = folder_.Path() / "out",
@@ -89,7 +94,7 @@ TEST_F(Help, CompletesVerbsOptionsValuesAndFilesInBash) {
     EXPECT_TRUE(status == 0 && Read("error").empty()) << Read("error");
     EXPECT_EQ(Read("out"),
               "render\n--scene,--scale\nwalk.bvh\ntwo words.bvh\nwalk.bvh\n"
-              "\nmerge\n\nexpect\n");
+              "\nmerge\n\nexpect\nprint\n--operation\nwalk.bvh\n");
 }
 
 }  // namespace

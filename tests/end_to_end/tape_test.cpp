@@ -1,0 +1,84 @@
+#include "tests/end_to_end/command.h"
+
+// What the command tells of a tape.
+
+namespace {
+
+class TapeVerbs : public Command {
+  protected:
+    TapeVerbs() {
+        Write("walk.bvh", Walk(5));
+        Do("record walk.bvh -o walk.scene --tape walk.tape");
+    }
+};
+
+TEST_F(TapeVerbs, TellWhatWasRecordedAndWhatIsInNoScene) {
+    const Json info = Ask("tape info walk.tape");
+    EXPECT_EQ(Line(info["sessions"][0], {"isClosed", "isWhole", "unanswered", "undoGroups", "takes",
+                                         "undoGroupsInNoScene"}),
+              "true true 0 1 1 0");
+    EXPECT_EQ(Line(info["sessions"][0]["scenes"][0], {"what", "path"}), "\"saved\" \"walk.scene\"");
+    EXPECT_EQ(info["damages"], Json::array());
+    const std::string lines = Do("tape info walk.tape");
+    EXPECT_NE(lines.find("1 undo group, 1 take"), std::string::npos) << lines;
+    EXPECT_EQ(lines.find("In no scene"), std::string::npos) << lines;
+    ExpectRefusal("tape info walk.bvh", "walk.bvh: it is no tape", 1);
+    ExpectRefusal("tape info nothing.tape", "nothing.tape: it cannot be read", 1);
+    ExpectRefusal("tape", "a verb is missing behind tape", 2);
+    ExpectRefusal("tape inf walk.tape", "there is no verb \"tape inf\"; tape info", 2);
+}
+
+TEST_F(TapeVerbs, PrintCallsInLines) {
+    const auto count = [](const std::string& text, const std::string& part) {
+        std::size_t found = 0;
+        for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos; at += part.size())
+            ++found;
+        return found;
+    };
+    const std::string all = Do("tape print walk.tape");
+    EXPECT_NE(all.find("  adaptor.BeginUndoGroup(\"Record walk\") = 0\n"), std::string::npos);
+    EXPECT_NE(all.find("    Core.GetOptionValue("), std::string::npos);  // in a call
+    EXPECT_NE(all.find(".OnNodeRestored(Hip)\n"), std::string::npos);
+    const std::string poses =
+        Do("tape print walk.tape --session 1 --operation SetWorldTransform --node Hip");
+    EXPECT_EQ(count(poses, " of Hip.SetWorldTransform(["), 5U) << poses;
+    EXPECT_EQ(count(poses, "\n"), 3 + count(poses, "SetWorldTransform")) << poses;
+    EXPECT_EQ(count(Do("tape print walk.tape --from 1000"), "\n"), 3U);
+    const std::string json =
+        Do("tape print walk.tape --json --operation SetWorldTransform --node Hip");
+    const Json first = Json::parse(json.substr(0, json.find('\n')));
+    EXPECT_EQ(first["operation"], "CSnapshot::SetWorldTransform");
+    EXPECT_EQ(first["said"][0].size(), 4U);
+    ExpectRefusal("tape print walk.tape --session 2", "--session: 2 is not from 1 to 1", 2);
+    ExpectRefusal("tape print walk.tape --operation Setname", "there is no operation \"Setname\"",
+                  2);
+}
+
+TEST_F(TapeVerbs, TellWhereTwoDiffer) {
+    Do("record walk.bvh -o again.scene --tape again.tape");
+    EXPECT_EQ(Do("tape diff walk.tape again.tape"), "");
+    Write("walk.bvh", Walk(6));
+    Do("record walk.bvh -o longer.scene --tape longer.tape");
+    const Ending longer = Run("tape diff walk.tape longer.tape");
+    EXPECT_EQ(longer.status, 1);
+    EXPECT_NE(longer.out.find("\nlonger.tape: "), std::string::npos) << longer.out;
+    ExpectRefusal("tape diff walk.tape walk.bvh", "walk.bvh: it is no tape", 2);
+}
+
+TEST_F(TapeVerbs, LeaveNoNameOnATapeThatIsSentAway) {
+    Do("tape anonymise walk.tape -o sent.tape");
+    const std::string sent = Read("sent.tape");
+    EXPECT_EQ(sent.size(), Read("walk.tape").size());
+    ASSERT_NE(Read("walk.tape").find("Knee"), std::string::npos);
+    for (const char* name : {"Knee", "Record walk", "walk.scene", "walk_", CORE_FOLDER})
+        EXPECT_EQ(sent.find(name), std::string::npos) << name;
+    const Json info = Ask("tape info walk.tape");
+    const Json other = Ask("tape info sent.tape");
+    for (const char* kept : {"calls", "undoGroups", "isWhole", "isClosed", "moment", "platform"})
+        EXPECT_EQ(info["sessions"][0][kept], other["sessions"][0][kept]) << kept;
+    EXPECT_EQ(other["damages"], Json::array());
+    EXPECT_EQ(Run("tape diff walk.tape sent.tape").status, 1);
+    ExpectRefusal("tape anonymise walk.tape -o walk.tape", "", 2);
+}
+
+}  // namespace
