@@ -19,6 +19,7 @@
 #include "platform/narrow_path.h"
 #include "platform/process.h"
 #include "platform/registry.h"
+#include "player/recovery/recover.h"
 #include "recorder/stream/notes.h"
 #include "recorder/tape/scene_digest.h"
 #include "replay/request.h"
@@ -116,6 +117,7 @@ CoreStage::CoreStage(const GuestChoice& guests, const SessionSettings& settings)
 }
 
 void CoreStage::TakeSeat(const GuestChoice& guests) {
+    if (!guests.tape.empty()) TellOfUnsavedWork(guests.tape);
     if (StageRecorder::IsWanted(guests)) recorder_.emplace(guests);
     CoreBetween* const between = recorder_ ? &*recorder_ : guests.inPlace;
     if (guests.inPlace)
@@ -125,6 +127,16 @@ void CoreStage::TakeSeat(const GuestChoice& guests) {
     else
         seat_.emplace(guests.core);
     if (recorder_) recorder_->NameCore(seat_->Library());
+}
+
+void CoreStage::TellOfUnsavedWork(const std::string& tape) {
+    std::string word = player::WordOfUnsavedWork(tape);
+    if (!word.empty()) pending_.complaints.push_back(std::move(word));
+}
+
+void CoreStage::TellOfTapeBeside(const std::string& scene) {
+    std::filesystem::path tape = platform::FromNarrow(scene);
+    TellOfUnsavedWork(platform::ToNarrow(tape.replace_extension("tape")));
 }
 
 // What keeps a Core away is an error in the trace, and the seat tells it; what one left behind that

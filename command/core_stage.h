@@ -79,6 +79,11 @@ class CoreStage {
     void Note(std::string_view word, std::string_view about) noexcept;
     void NoteScene(std::string_view word, const std::string& scene);
 
+    // A complaint if a tape holds work that was not saved when the host that made it ended; nothing
+    // if there is no such file. The tape that a scene may have lies beside it, under its name.
+    void TellOfUnsavedWork(const std::string& tape);
+    void TellOfTapeBeside(const std::string& scene);
+
     // What the watch has found; none without one. It is told on stderr at the end in any case.
     std::vector<recorder::Finding> Findings() const;
 

@@ -50,6 +50,7 @@ void AddVerbs(CLI::App& app) {
     headless::AddOpenVerb(app);
     headless::AddMergeVerb(app);
     headless::AddConvertVerb(app);
+    headless::AddRecoverVerb(app);
     headless::AddRenderVerb(app);
     headless::AddInfoVerb(app);
     headless::AddDiffVerb(app);

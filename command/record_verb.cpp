@@ -207,7 +207,7 @@ void AddRecordVerb(CLI::App& app) {
               "Record into the host's own controllers");
     AddCore(*verb, options.guests);
     AddAudience(*verb, arguments->audience);
-    AddExample(*verb, "record walk.bvh --scale 0.01 -o walk.scene");
+    AddExample(*verb, "record walk.bvh --scale 0.01 -o walk.scene --tape walk.tape");
     verb->callback([arguments] { RunRecord(*arguments); });
 }
 

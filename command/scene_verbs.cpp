@@ -140,7 +140,11 @@ void AddOpenVerb(CLI::App& app) {
     AddAudience(*verb, arguments->audience);
     AddExample(*verb, "open walk.scene -o again.scene");
     ExplainReport(*verb);
-    verb->callback([arguments] { RunOnScene(*arguments, [](CoreStage&) {}); });
+    verb->callback([arguments] {
+        RunOnScene(*arguments, [&](CoreStage& stage) {
+            if (arguments->guests.tape.empty()) stage.TellOfTapeBeside(arguments->scene);
+        });
+    });
 }
 
 void AddMergeVerb(CLI::App& app) {

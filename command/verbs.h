@@ -17,6 +17,7 @@ void AddInspectVerb(CLI::App& app);
 void AddDrawVerb(CLI::App& app);
 void AddRenderVerb(CLI::App& app);
 void AddConvertVerb(CLI::App& app);
+void AddRecoverVerb(CLI::App& app);
 void AddInfoVerb(CLI::App& app);
 void AddRunVerb(CLI::App& app);
 void AddCheckVerb(CLI::App& app);

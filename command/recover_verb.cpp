@@ -1,0 +1,181 @@
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+
+#include "command/core_stage.h"
+#include "command/exit_status.h"
+#include "command/verb_options.h"
+#include "command/verbs.h"
+#include "player/recovery/recover.h"
+#include "recorder/tape/read_tape.h"
+
+namespace headless {
+namespace {
+
+struct RecoverArguments {
+    std::string tape;
+    player::RecoveryChoice choice;
+    std::optional<int> session;
+    std::optional<int> after;
+    bool takesOpen = false;
+    std::string output;
+    Audience audience = Audience::kPerson;
+};
+
+// What came of it all.
+struct RecoverResult {
+    std::string tape;
+    player::RecoveryReport report;
+    std::string saved;
+    StageNews news;
+};
+
+std::string WordOf(player::Fate fate) {
+    switch (fate) {
+        case player::Fate::kFinished:
+            return "finished";
+        case player::Fate::kOpen:
+            return "open at the end";
+        case player::Fate::kCancelled:
+            return "cancelled";
+        case player::Fate::kUndone:
+            return "undone";
+    }
+    return {};
+}
+
+void PrintWork(std::ostream& out, const player::RecoveredWork& work) {
+    out << (work.name.empty() ? std::string("Outside of any group") : Quoted(work.name)) << ": "
+        << Counted(work.changes, "change") << " of " << Counted(work.nodes.size(), "node");
+    if (work.samples > 0)
+        out << ", " << Counted(work.samples, "sample") << " at " << Counted(work.moments, "moment")
+            << " from " << Plain(work.firstSecond) << " s to " << Plain(work.lastSecond) << " s";
+    if (work.isBegunBefore) out << ", what the scene lacked of it";
+    if (work.fate == player::Fate::kOpen) out << ", open at the end";
+}
+
+void PrintNames(std::ostream& out, std::string_view title, const std::vector<std::string>& names) {
+    for (const std::string& name : names)
+        out << (&name == &names.front() ? title : ", ") << InTable(name);
+    if (!names.empty()) out << '\n';
+}
+
+void PrintForPerson(std::ostream& out, const RecoverResult& result) {
+    const player::RecoveryReport& report = result.report;
+    out << result.tape << ", session " << report.session << ", all behind " << InTable(report.base)
+        << '\n';
+    if (!report.step.empty()) out << report.step << ", as one step\n";
+    for (const player::RecoveredWork& work : report.recovered) {
+        PrintWork(out, work);
+        PrintNames(out, ": ", work.nodes);
+    }
+    for (const player::RecoveredWork& work : report.left) {
+        out << "Not brought back: ";
+        PrintWork(out, work);
+        if (work.fate == player::Fate::kOpen)
+            out << "; --open-group brings it in as well\n";
+        else
+            out << ", since it was " << WordOf(work.fate) << '\n';
+    }
+    for (const std::string& line : report.overwritten)
+        out << "Replaced: " << InTable(line) << '\n';
+    for (const std::string& line : report.lost)
+        out << "Not brought back: " << InTable(line) << '\n';
+    if (report.hasLaterState) out << "The Core's state is the last one on the tape\n";
+    PrintNames(out, "Plain nodes, since no state of the Core's names them: ", report.plainNodes);
+    PrintEach(out, kMessageBox, result.news.boxes);
+    PrintEach(out, kComplaint, result.news.complaints);
+    TellSaved(out);
+}
+
+nlohmann::ordered_json ToJson(const std::vector<player::RecoveredWork>& list) {
+    auto array = nlohmann::ordered_json::array();
+    for (const player::RecoveredWork& work : list)
+        array.push_back({{"name", work.name},
+                         {"fate", WordOf(work.fate)},
+                         {"begunBefore", work.isBegunBefore},
+                         {"changes", work.changes},
+                         {"samples", work.samples},
+                         {"moments", work.moments},
+                         {"firstSecond", work.firstSecond},
+                         {"lastSecond", work.lastSecond},
+                         {"nodes", work.nodes}});
+    return array;
+}
+
+void PrintForProgram(std::ostream& out, const RecoverResult& result) {
+    const player::RecoveryReport& report = result.report;
+    PrintJson(out, {{"tape", result.tape},
+                    {"session", report.session},
+                    {"base", report.base},
+                    {"step", report.step},
+                    {"recovered", ToJson(report.recovered)},
+                    {"left", ToJson(report.left)},
+                    {"replaced", report.overwritten},
+                    {"lost", report.lost},
+                    {"laterState", report.hasLaterState},
+                    {"plainNodes", report.plainNodes},
+                    {"boxes", result.news.boxes},
+                    {"complaints", result.news.complaints},
+                    {"saved", result.saved}});
+}
+
+void RunRecover(RecoverArguments& arguments) {
+    player::RecoveryChoice& choice = arguments.choice;
+    KeepApart({{"TAPE", arguments.tape}, {"--into", choice.scene}}, {{kOutput, arguments.output}});
+    ExpectFile(arguments.output);
+    if (arguments.session) choice.session = static_cast<std::size_t>(*arguments.session);
+    if (arguments.after) choice.after = static_cast<std::uint64_t>(*arguments.after);
+    if (arguments.takesOpen) choice.openGroups = player::OpenGroups::kTaken;
+    const recorder::TapeContents tape =
+        OrRefuse([&] { return recorder::ReadTape(arguments.tape); });
+    std::optional<player::Recovery> recovery;
+    OrRefuse([&] { recovery.emplace(tape, choice); });
+    GuestChoice guests;
+    guests.inPlace = &recovery->Core();
+    CoreStage stage(guests);
+    stage.NeedCore();
+    if (!choice.scene.empty()) stage.Open(choice.scene);
+    RecoverResult result{arguments.tape,
+                         OrRefuse([&] { return recovery->Perform(stage.Host()); }),
+                         arguments.output,
+                         {}};
+    if (result.report.IsEmpty())
+        throw Failure(arguments.tape + " holds nothing that the scene lacks" +
+                      (result.report.left.empty() ? "" : ", but an open group: --open-group"));
+    stage.Save(arguments.output);
+    result.news = stage.TakeNewsInOne();
+    for (const std::string& damage : tape.damages)
+        result.news.complaints.push_back(damage);
+    Print(std::cout, result, arguments.audience);
+}
+
+}  // namespace
+
+void AddRecoverVerb(CLI::App& app) {
+    const auto arguments = std::make_shared<RecoverArguments>();
+    CLI::App* verb = AddVerb(
+        app, kKeeping, "recover",
+        "Bring back what a tape holds of work that was not saved when the host ended. All of it "
+        "becomes one undo step in the scene that was saved last, which is known by its bytes; a "
+        "Core claims its nodes as far as the state that it last gave names them, and the others "
+        "are plain nodes with their motion. Tape and scene stay as they are.");
+    AddFile(*verb, "TAPE", arguments->tape, "Tape of a session that ended without a save")
+        ->required();
+    AddFile(*verb, "--into", arguments->choice.scene,
+            "Scene to bring it into; an empty one if not named");
+    AddOutput(*verb, "", arguments->output, "Where to save the scene")->required();
+    AddSwitch(*verb, "--open-group", arguments->takesOpen,
+              "Bring in also the undo group that was open when everything ended");
+    AddWholeNumber(*verb, "--session", arguments->session,
+                   "Which session of the tape, from 1 on, if not the newest that knows the scene");
+    AddWholeNumber(*verb, "--after", arguments->after,
+                   "The call up to which the scene has everything, where that cannot be told");
+    AddAudience(*verb, arguments->audience);
+    AddExample(*verb, "recover walk.tape -o recovered.scene");
+    verb->callback([arguments] { RunRecover(*arguments); });
+}
+
+}  // namespace headless
