@@ -59,6 +59,7 @@ void AddVerbs(CLI::App& app) {
     headless::AddRunVerb(app);
     headless::AddCheckVerb(app);
     headless::AddTapeVerbs(app);
+    headless::AddTapeWatchVerb(app);
     headless::AddHelpVerbs(app);
 }
 

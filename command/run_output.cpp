@@ -3,6 +3,7 @@
 
 #include "command/output.h"
 #include "command/run.h"
+#include "command/stage_recorder.h"
 #include "command/written_files.h"
 
 // What came of a run, for a person and for a program.
@@ -10,6 +11,7 @@ namespace headless {
 namespace {
 
 using Json = nlohmann::ordered_json;
+using headless::JsonOf;
 
 void PrintNews(std::ostream& out, const StageNews& news, const char* indent) {
     PrintEach(out, indent + std::string(kMessageBox), news.boxes);
@@ -96,16 +98,6 @@ Json JsonOf(const OptionView& option) {
             {"button", option.isButton},
             {"known", option.isKnown},
             {"value", option.value ? Json(*option.value) : Json()}};
-}
-
-Json JsonOf(const recorder::Finding& finding) {
-    return {{"rule", finding.rule},
-            {"operation", recorder::RowOf(finding.operation).name},
-            {"node", finding.node},
-            {"about", finding.about},
-            {"count", finding.count},
-            {"firstCall", finding.firstCall},
-            {"firstSeconds", finding.firstMilliseconds / 1000.0}};
 }
 
 template <class Entry>

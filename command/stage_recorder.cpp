@@ -1,6 +1,7 @@
 #include "command/stage_recorder.h"
 
 #include <iostream>
+#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "command/exit_status.h"
@@ -73,6 +74,8 @@ std::vector<std::string> StageRecorder::TakeTroubles() {
     const std::uint64_t lost = stream_.Lost();
     if (const std::uint64_t more = lost - std::exchange(toldLost_, lost); more > 0)
         troubles.push_back(Counted(more, "call") + " could not be written down for want of memory");
+    if (watch_ && !std::exchange(isBlindTold_, !watch_->HasSeenAll()) && isBlindTold_)
+        troubles.push_back("the watch has missed a call, and says nothing of what came behind it");
     return troubles;
 }
 
@@ -82,6 +85,16 @@ std::vector<recorder::Finding> StageRecorder::Findings() const {
 
 bool HasStrictFinding() {
     return hasStrictFinding;
+}
+
+nlohmann::ordered_json JsonOf(const recorder::Finding& finding) {
+    return {{"rule", finding.rule},
+            {"operation", recorder::RowOf(finding.operation).name},
+            {"node", finding.node},
+            {"about", finding.about},
+            {"count", finding.count},
+            {"firstCall", finding.firstCall},
+            {"firstSeconds", finding.firstMilliseconds / 1000.0}};
 }
 
 }  // namespace headless

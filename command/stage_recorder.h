@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -52,6 +53,7 @@ class StageRecorder final : public CoreBetween {
     bool hasBegun_ = false;
     std::string toldStop_;
     std::uint64_t toldLost_ = 0;
+    bool isBlindTold_ = false;
 };
 
 // Whether a watch that was to be strict has found anything in this process.
@@ -59,5 +61,8 @@ bool HasStrictFinding();
 
 // What is told of a finding, ahead of its line.
 inline constexpr char kWatchFound[] = "Watch: ";
+
+// The same for a program.
+nlohmann::ordered_json JsonOf(const recorder::Finding& finding);
 
 }  // namespace headless

@@ -23,6 +23,7 @@ void AddRunVerb(CLI::App& app);
 void AddCheckVerb(CLI::App& app);
 void AddDiffVerb(CLI::App& app);
 void AddTapeVerbs(CLI::App& app);
+void AddTapeWatchVerb(CLI::App& app);
 
 // Of all verbs, so that they are added last.
 void AddHelpVerbs(CLI::App& app);

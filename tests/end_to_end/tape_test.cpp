@@ -1,4 +1,6 @@
+#include "platform/process.h"
 #include "tests/end_to_end/command.h"
+#include "tests/support/mistakes/mistakes.h"
 
 // What the command tells of a tape.
 
@@ -63,6 +65,23 @@ TEST_F(TapeVerbs, TellWhereTwoDiffer) {
     EXPECT_EQ(longer.status, 1);
     EXPECT_NE(longer.out.find("\nlonger.tape: "), std::string::npos) << longer.out;
     ExpectRefusal("tape diff walk.tape walk.bvh", "walk.bvh: it is no tape", 2);
+}
+
+TEST_F(TapeVerbs, HoldCallsAgainstTheContractAfterwards) {
+    EXPECT_EQ(Do("tape watch walk.tape"), "");
+    platform::SetVariable(mistakes::kVariable, "keeps a snapshot");
+    isWatched_ = false;
+    Do("run --core \"" + std::string(MISTAKES_CORE) + "\" --tape walk.tape --do \"press 1046\"");
+    platform::SetVariable(mistakes::kVariable, "");
+    const Ending watched = Run("tape watch walk.tape");
+    EXPECT_EQ(watched.status, 1);
+    const char kLine[] = "Session 2:\nsnapshot-not-given-back: AcquireSnapshot on Root, once, at ";
+    EXPECT_TRUE(watched.out.starts_with(kLine)) << watched.out;
+    const Json findings = Json::parse(Run("tape watch walk.tape --json").out)["findings"];
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(Line(findings[0], {"rule", "node", "session"}),
+              "\"snapshot-not-given-back\" \"Root\" 2");
+    ExpectRefusal("tape watch walk.bvh", "walk.bvh: it is no tape", 2);
 }
 
 TEST_F(TapeVerbs, LeaveNoNameOnATapeThatIsSentAway) {
