@@ -37,7 +37,6 @@ TEST_F(Help, IsInOurWordsAndIn80ColumnsAndItsExamplesWork) {
     std::filesystem::create_directories(folder_.Path() / "build/Core");
     std::filesystem::copy_file(HELLO_CORE, folder_.Path() / "build/Core/Core64.so");
     Do("record walk.bvh -o walk.scene --tape walk.tape");
-    std::filesystem::copy_file(File("walk.tape"), File("again.tape"));
     const std::vector<std::string> verbs = Verbs();
     ASSERT_GE(verbs.size(), 13U);
     const std::string manual = Do("manual");
@@ -55,6 +54,8 @@ TEST_F(Help, IsInOurWordsAndIn80ColumnsAndItsExamplesWork) {
             EXPECT_EQ(help.find(parsers), std::string::npos) << parsers << " in " << help;
         EXPECT_FALSE(std::regex_search(help, std::regex("(--[a-z-]+|[A-Z]+) TEXT"))) << help;
         EXPECT_TRUE(Example(help).starts_with(verb)) << help;
+        std::filesystem::copy_file(File("walk.tape"), File("again.tape"),
+                                   std::filesystem::copy_options::overwrite_existing);
         if (verb != "render" || !kIsWindows) Do(Example(help));
     }
     EXPECT_EQ(Do("record help"), Do("record --help"));

@@ -152,7 +152,7 @@ TEST_F(RecorderBetween, WatchTellsWhatItFindsAndIsStrictIfAsked) {
     EXPECT_EQ(mild.error.find("Watch: "), 0U) << mild.error;
     const Ending strict = Run(words + " --watch=strict --json");
     EXPECT_EQ(strict.status, 1);
-    EXPECT_EQ(strict.error, mild.error);
+    EXPECT_EQ(std::ranges::count(strict.error, '\n'), std::ranges::count(mild.error, '\n'));
     const Json findings = Json::parse(strict.out)["findings"];
     ASSERT_EQ(findings.size(), static_cast<std::size_t>(std::ranges::count(mild.error, '\n')));
     EXPECT_EQ(findings[0]["operation"], "ShowCore");
