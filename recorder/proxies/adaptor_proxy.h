@@ -6,72 +6,160 @@
 namespace recorder {
 
 // Stands for the adaptor.
-class AdaptorProxy final : public TVL::AdaptorInterface {
+class AdaptorProxy final : public Proxy<AdaptorInterface> {
   public:
-    AdaptorProxy(Scribe& scribe, Owners& owners, Nodes& nodes, TVL::AdaptorInterface& real)
-        : scribe_(scribe),
+    using enum Operation;
+
+    AdaptorProxy(Scribe& scribe, Owners& owners, Nodes& nodes, AdaptorInterface& real)
+        : Proxy(scribe, scribe.NewId(ObjectKind::kAdaptor), &real),
           owners_(owners),
-          nodes_(nodes),
-          id_(scribe.NewId(ObjectKind::kAdaptor)),
-          real_(&real) {}
-    AdaptorProxy(const AdaptorProxy&) = delete;
-    AdaptorProxy& operator=(const AdaptorProxy&) = delete;
+          nodes_(nodes) {}
 
-    ObjectId Id() const { return id_; }
+    // Identity, and what the Core places.
 
-    std::int32_t GetVersion() override;
-    std::int32_t SetErrorCode(TVL::ErrorCode* registry) override;
-    std::int32_t ClearErrorCode() override;
-    std::int32_t SetLog(TVL::Log* log) override;
-    std::int32_t ClearLog() override;
-    std::string GetName() override;
-    std::string GetShortName() override;
-    std::string GetPlatformName() override;
-    std::string GetPlatformVersion() override;
-    TVL::WindowHandle GetPlatformWindow() override;
-    TVL::CNode* CreateLensNode(TVL::CoreElement* owner, std::string name, TVL::CNode* parent,
-                               TVL::NodeListener* listener) override;
-    TVL::CNode* CreateHelperNode(TVL::CoreElement* owner, std::string name, TVL::CNode* parent,
-                                 TVL::CMesh mesh, TVL::NodeListener* listener) override;
-    TVL::CNode* createMesh(void* unused, std::string name) override;
-    TVL::CNode* FindNode(TVL::CoreElement* owner, std::string name) override;
-    std::vector<TVL::CNode*> GetNodes(TVL::CoreElement* owner) override;
-    std::vector<TVL::CNode*> ClaimNodes(std::string pluginName, XMLNode nodeInfo) override;
-    std::vector<TVL::CNode*> MergeModels(std::string path) override;
-    std::int32_t BeginUndoGroup(std::string name) override;
-    std::int32_t AddUndoChunk(TVL::CUndo* chunk) override;
-    std::int32_t EndUndoGroup() override;
-    std::int32_t CancelUndoGroup() override;
-    bool IsHoldingUndo() override;
-    bool PerformUndo() override;
-    double GetCurrentTime() override;
-    void SetCurrentTime(double seconds) override;
-    std::pair<double, double> GetAnimationRange() override;
-    void SetAnimationRange(std::pair<double, double> startEnd) override;
-    double GetFrameRate() override;
-    double GetFrameDuration() override;
-    void ForceRedraw() override;
-    void RequestFocus() override;
-    void RestoreFocus() override;
-    std::int32_t BeginRecording(std::vector<TVL::CoreElement*> owners) override;
-    std::int32_t BeginRecordingUnkeyed(std::vector<TVL::CoreElement*> owners) override;
-    std::int32_t EndRecording() override;
-    std::int32_t FlushUndoBuffer() override;
-    XMLNode GetOptionsPanel() override;
+    std::int32_t GetVersion() override { return Pass<AdaptorInterface_GetVersion>(); }
+    std::int32_t SetErrorCode(TVL::ErrorCode* registry) override {
+        const ObjectId id = scribe_.IdOf(ObjectKind::kRegistry, registry);
+        const auto make = [&] { return real_->SetErrorCode(registry); };
+        return scribe_.Record<AdaptorInterface_SetErrorCode>(id_, make, id);
+    }
+    std::int32_t ClearErrorCode() override { return Pass<AdaptorInterface_ClearErrorCode>(); }
+    std::int32_t SetLog(TVL::Log* log) override {
+        const ObjectId id = scribe_.IdOf(ObjectKind::kLog, log);
+        const auto make = [&] { return real_->SetLog(log); };
+        return scribe_.Record<AdaptorInterface_SetLog>(id_, make, id);
+    }
+    std::int32_t ClearLog() override { return Pass<AdaptorInterface_ClearLog>(); }
+    std::string GetName() override { return Pass<AdaptorInterface_GetName>(); }
+    std::string GetShortName() override { return Pass<AdaptorInterface_GetShortName>(); }
+    std::string GetPlatformName() override { return Pass<AdaptorInterface_GetPlatformName>(); }
+    std::string GetPlatformVersion() override {
+        return Pass<AdaptorInterface_GetPlatformVersion>();
+    }
+    TVL::WindowHandle GetPlatformWindow() override {
+        return Pass<AdaptorInterface_GetPlatformWindow>();
+    }
+    XMLNode GetOptionsPanel() override { return Pass<AdaptorInterface_GetOptionsPanel>(); }
+
+    // Nodes.
+
+    CNode* CreateLensNode(CoreElement* owner, std::string name, CNode* parent,
+                          NodeListener* listener) override {
+        OwnerProxy* const ownerHere = owners_.Named(owner);
+        const NodeProxy* const above = NodeProxy::From(parent);
+        const auto make = [&] {
+            return nodes_.Created(listener, [&](NodeListener* here) {
+                return real_->CreateLensNode(ownerHere, name, RealOf(above), here);
+            });
+        };
+        return scribe_.Record<AdaptorInterface_CreateLensNode>(
+            id_, make, ownerHere, name, above, scribe_.IdOf(ObjectKind::kListener, listener));
+    }
+
+    CNode* CreateHelperNode(CoreElement* owner, std::string name, CNode* parent, TVL::CMesh mesh,
+                            NodeListener* listener) override {
+        OwnerProxy* const ownerHere = owners_.Named(owner);
+        const NodeProxy* const above = NodeProxy::From(parent);
+        const auto make = [&] {
+            return nodes_.Created(listener, [&](NodeListener* here) {
+                return real_->CreateHelperNode(ownerHere, name, RealOf(above), std::move(mesh),
+                                               here);
+            });
+        };
+        return scribe_.Record<AdaptorInterface_CreateHelperNode>(
+            id_, make, ownerHere, name, above, mesh, scribe_.IdOf(ObjectKind::kListener, listener));
+    }
+
+    CNode* createMesh(void* unused, std::string name) override {
+        const auto make = [&] { return nodes_.New(real_->createMesh(unused, name)); };
+        return scribe_.Record<AdaptorInterface_createMesh>(id_, make, name);
+    }
+
+    CNode* FindNode(CoreElement* owner, std::string name) override {
+        OwnerProxy* const ownerHere = owners_.Of(owner);
+        const auto make = [&] { return nodes_.Known(real_->FindNode(ownerHere, name)); };
+        return scribe_.Record<AdaptorInterface_FindNode>(id_, make, ownerHere, name);
+    }
+
+    std::vector<CNode*> GetNodes(CoreElement* owner) override {
+        OwnerProxy* const ownerHere = owners_.Of(owner);
+        const auto make = [&] { return nodes_.Known(real_->GetNodes(ownerHere)); };
+        return AsNodes(scribe_.Record<AdaptorInterface_GetNodes>(id_, make, ownerHere));
+    }
+
+    std::vector<CNode*> ClaimNodes(std::string pluginName, XMLNode nodeInfo) override {
+        const auto make = [&] { return nodes_.New(real_->ClaimNodes(pluginName, nodeInfo)); };
+        return AsNodes(
+            scribe_.Record<AdaptorInterface_ClaimNodes>(id_, make, pluginName, nodeInfo));
+    }
+
+    std::vector<CNode*> MergeModels(std::string path) override {
+        const auto make = [&] { return nodes_.New(real_->MergeModels(path)); };
+        return AsNodes(scribe_.Record<AdaptorInterface_MergeModels>(id_, make, path));
+    }
+
+    // Undo.
+
+    std::int32_t BeginUndoGroup(std::string name) override {
+        return Pass<AdaptorInterface_BeginUndoGroup>(std::move(name));
+    }
+    std::int32_t AddUndoChunk(CUndo* chunk) override {
+        ObjectId id = 0;
+        CUndo* const given = owners_.WrapChunk(chunk, id);
+        const auto make = [&] { return real_->AddUndoChunk(given); };
+        return scribe_.Record<AdaptorInterface_AddUndoChunk>(id_, make, id);
+    }
+    std::int32_t EndUndoGroup() override { return Pass<AdaptorInterface_EndUndoGroup>(); }
+    std::int32_t CancelUndoGroup() override { return Pass<AdaptorInterface_CancelUndoGroup>(); }
+    bool IsHoldingUndo() override { return Pass<AdaptorInterface_IsHoldingUndo>(); }
+    bool PerformUndo() override { return Pass<AdaptorInterface_PerformUndo>(); }
+    std::int32_t FlushUndoBuffer() override { return Pass<AdaptorInterface_FlushUndoBuffer>(); }
+
+    // Time, eyes and hands.
+
+    double GetCurrentTime() override { return Pass<AdaptorInterface_GetCurrentTime>(); }
+    void SetCurrentTime(double seconds) override { Pass<AdaptorInterface_SetCurrentTime>(seconds); }
+    std::pair<double, double> GetAnimationRange() override {
+        return Pass<AdaptorInterface_GetAnimationRange>();
+    }
+    void SetAnimationRange(std::pair<double, double> startEnd) override {
+        Pass<AdaptorInterface_SetAnimationRange>(startEnd);
+    }
+    double GetFrameRate() override { return Pass<AdaptorInterface_GetFrameRate>(); }
+    double GetFrameDuration() override { return Pass<AdaptorInterface_GetFrameDuration>(); }
+    void ForceRedraw() override { Pass<AdaptorInterface_ForceRedraw>(); }
+    void RequestFocus() override { Pass<AdaptorInterface_RequestFocus>(); }
+    void RestoreFocus() override { Pass<AdaptorInterface_RestoreFocus>(); }
+
+    // Recording.
+
+    std::int32_t BeginRecording(std::vector<CoreElement*> owners) override {
+        return Begin<AdaptorInterface_BeginRecording>(owners);
+    }
+    std::int32_t BeginRecordingUnkeyed(std::vector<CoreElement*> owners) override {
+        return Begin<AdaptorInterface_BeginRecordingUnkeyed>(owners);
+    }
+    std::int32_t EndRecording() override { return Pass<AdaptorInterface_EndRecording>(); }
 
   private:
-    template <Operation kOperation, auto kMethod, class... Values>
-    auto Pass(Values&&... values) {
-        return scribe_.Pass<kOperation, kMethod>(id_, real_, std::forward<Values>(values)...);
+    static std::vector<CNode*> AsNodes(const std::vector<NodeProxy*>& proxies) {
+        return {proxies.begin(), proxies.end()};
     }
-    template <Operation kOperation, auto kMethod>
-    std::int32_t Begin(const std::vector<TVL::CoreElement*>& owners);
 
-    Scribe& scribe_;
+    template <Operation kOperation>
+    std::int32_t Begin(const std::vector<CoreElement*>& owners) {
+        std::vector<OwnerProxy*> ownersHere;
+        for (CoreElement* const owner : owners)
+            ownersHere.push_back(owners_.Of(owner));
+        const auto make = [&] {
+            return (real_->*kMethodOf<kOperation>)(std::vector<CoreElement*>(ownersHere.begin(),
+                                                                             ownersHere.end()));
+        };
+        return scribe_.Record<kOperation>(id_, make, ownersHere);
+    }
+
     Owners& owners_;
     Nodes& nodes_;
-    ObjectId id_;
-    TVL::AdaptorInterface* real_;
 };
 
 }  // namespace recorder

@@ -6,38 +6,53 @@
 namespace recorder {
 
 // Stands for the Core, from the moment at which it is there.
-class CoreProxy final : public CoreInterface {
+class CoreProxy final : public Proxy<CoreInterface> {
   public:
-    CoreProxy(Scribe& scribe, MessageNet& messages)
-        : scribe_(scribe), messages_(messages), id_(scribe.NewId(ObjectKind::kCore)) {}
-    CoreProxy(const CoreProxy&) = delete;
-    CoreProxy& operator=(const CoreProxy&) = delete;
+    using enum Operation;
 
-    ObjectId Id() const { return id_; }
-    CoreInterface* Behind() const { return real_; }
+    CoreProxy(Scribe& scribe, MessageNet& messages)
+        : Proxy(scribe, scribe.NewId(ObjectKind::kCore), nullptr), messages_(messages) {}
+
     void StandFor(CoreInterface* real) { real_ = real; }
 
-    XMLNode GetCoreState() override;
-    void SetCoreState(XMLNode state) override;
-    void ResetCore() override;
-    void ShowCore(TVL::WindowHandle mainWindow) override;
-    void NotifyTimeChanged(double seconds) override;
-    bool IsCoreRunning() override;
-    void StopCore() override;
-    TVL::Util::MessageNode* GetOptionNode(int option, int unused) override;
-    void BindOption(int option, int unused) override;
-    void GetOptionValue(int option, bool* value) override;
-
-  private:
-    template <Operation kOperation, auto kMethod, class... Values>
-    auto Pass(Values&&... values) {
-        return scribe_.Pass<kOperation, kMethod>(id_, real_, std::forward<Values>(values)...);
+    XMLNode GetCoreState() override { return Pass<CoreInterface_GetCoreState>(); }
+    void SetCoreState(XMLNode state) override {
+        Pass<CoreInterface_SetCoreState>(std::move(state));
+    }
+    void ResetCore() override { Pass<CoreInterface_ResetCore>(); }
+    void ShowCore(TVL::WindowHandle mainWindow) override {
+        Pass<CoreInterface_ShowCore>(mainWindow);
+    }
+    void NotifyTimeChanged(double seconds) override {
+        Pass<CoreInterface_NotifyTimeChanged>(seconds);
+    }
+    bool IsCoreRunning() override { return Pass<CoreInterface_IsCoreRunning>(); }
+    void StopCore() override { Pass<CoreInterface_StopCore>(); }
+    void BindOption(int option, int unused) override {
+        Pass<CoreInterface_BindOption>(option, unused);
     }
 
-    Scribe& scribe_;
+    MessageNode* GetOptionNode(int option, int unused) override {
+        MessageNode* node = nullptr;
+        const auto make = [&] {
+            node = messages_.Across(real_->GetOptionNode(option, unused),
+                                    ObjectKind::kCoreMessageNode);
+            return messages_.IdOf(node);
+        };
+        scribe_.Record<CoreInterface_GetOptionNode>(id_, make, option, unused);
+        return node;
+    }
+
+    void GetOptionValue(int option, bool* value) override {
+        const auto make = [&] {
+            real_->GetOptionValue(option, value);
+            return value && *value;
+        };
+        scribe_.Record<CoreInterface_GetOptionValue>(id_, make, option, value && *value);
+    }
+
+  private:
     MessageNet& messages_;
-    ObjectId id_;
-    CoreInterface* real_ = nullptr;
 };
 
 }  // namespace recorder

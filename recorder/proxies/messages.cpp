@@ -5,7 +5,6 @@
 namespace recorder {
 
 using TVL::Util::Message;
-using TVL::Util::MessageNode;
 
 // Its own lists hold the links of the node that it stands for to those of the side on which it is
 // met. They are made and ended by the operations of MessageNode itself; whoever calls those of the
@@ -144,19 +143,22 @@ MessageNode* MessageNet::Across(MessageNode* node, ObjectKind kind, std::int32_t
 // A node that has taken its leave ends its links yet; whoever else is met at its address is
 // another.
 MessageProxy* MessageNet::Proxy(MessageNode& node, ObjectKind kind, std::int32_t messageId) try {
-    MessageProxy* made = nullptr;
     {
         const std::lock_guard lock(mutex_);
-        for (auto at = proxies_.rbegin(); at != proxies_.rend(); ++at) {
-            if ((*at)->Behind() != &node) continue;
-            if (!(*at)->HasLeft() || messageId == Message::kStoppedListening) return at->get();
-            break;
-        }
-        proxies_.push_back(std::make_unique<MessageProxy>(*this, node, kind));
-        made = proxies_.back().get();
+        const auto known = std::ranges::find(proxies_.rbegin(), proxies_.rend(), &node,
+                                             [](const auto& proxy) { return proxy->Behind(); });
+        if (known != proxies_.rend() &&
+            (!(*known)->HasLeft() || messageId == Message::kStoppedListening))
+            return known->get();
     }
-    scribe_.Know(made->Id(), made->Facts());
-    return made;
+    auto made = std::make_unique<MessageProxy>(*this, node, kind);  // it asks for the name
+    MessageProxy* const proxy = made.get();
+    {
+        const std::lock_guard lock(mutex_);
+        proxies_.push_back(std::move(made));
+    }
+    scribe_.Know(proxy->Id(), proxy->Facts());
+    return proxy;
 } catch (...) {
     return nullptr;
 }

@@ -24,17 +24,17 @@ class MessageNet {
     // What stands on the other side for a node or proxy of this one; null for null, and where there
     // is no memory. `kind` tells whose it is, if it is a node. One that has taken its leave is met
     // again only for the message with which its links end.
-    TVL::Util::MessageNode* Across(TVL::Util::MessageNode* node, ObjectKind kind,
-                                   std::int32_t messageId = TVL::Util::Message::kListening);
+    MessageNode* Across(MessageNode* node, ObjectKind kind,
+                        std::int32_t messageId = TVL::Util::Message::kListening);
 
-    ObjectId IdOf(const TVL::Util::MessageNode* node) const;  // or of a proxy
+    ObjectId IdOf(const MessageNode* node) const;  // or of a proxy
 
     void TellObjects(const TapeWriter::TellObject& tell) const;
 
   private:
     friend class MessageProxy;
 
-    MessageProxy* Proxy(TVL::Util::MessageNode& node, ObjectKind kind, std::int32_t messageId);
+    MessageProxy* Proxy(MessageNode& node, ObjectKind kind, std::int32_t messageId);
 
     Scribe& scribe_;
     mutable std::mutex mutex_;

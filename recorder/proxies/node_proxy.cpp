@@ -3,11 +3,7 @@
 
 namespace recorder {
 
-using TVL::CNode;
-using TVL::CoreNode;
-using enum Operation;
-
-NodeProxy::NodeProxy(Nodes& nodes, TVL::NodeListener* ofCore)
+NodeProxy::NodeProxy(Nodes& nodes, NodeListener* ofCore)
     : ExtendableProxy(nodes.scribe_, nodes.scribe_.NewId(ObjectKind::kNode), nullptr),
       nodes_(nodes) {
     listener = ofCore;
@@ -28,34 +24,6 @@ std::intptr_t NodeProxy::HandleExtension(int id, void* argument) {
 }
 
 // The node in the scene --------------------------------------------------------------------------
-
-void NodeProxy::Show() {
-    Pass<CNode_Show, &CoreNode::Show>();
-}
-void NodeProxy::Hide() {
-    Pass<CNode_Hide, &CoreNode::Hide>();
-}
-bool NodeProxy::IsVisible() {
-    return Pass<CNode_IsVisible, &CoreNode::IsVisible>();
-}
-void NodeProxy::Select() {
-    Pass<CNode_Select, &CoreNode::Select>();
-}
-bool NodeProxy::IsSnapshot() {
-    return Pass<CNode_IsSnapshot, &CoreNode::IsSnapshot>();
-}
-int NodeProxy::GetChildCount() {
-    return Pass<CNode_GetChildCount, &CoreNode::GetChildCount>();
-}
-void NodeProxy::DeleteAnimationFrom(double seconds) {
-    Pass<CoreNode_DeleteAnimationFrom, &CoreNode::DeleteAnimationFrom>(seconds);
-}
-void NodeProxy::SetName(std::string hostName) {
-    Pass<CoreNode_SetName, &CoreNode::SetName>(std::move(hostName));
-}
-std::string NodeProxy::GetName() {
-    return Pass<CoreNode_GetName, &CoreNode::GetName>();
-}
 
 CNode* NodeProxy::GetParent() {
     const auto make = [&] { return real_ ? nodes_.New(real_->GetParent()) : nullptr; };
@@ -109,7 +77,7 @@ void NodeProxy::Destroy() {
     scribe_.Record<CoreNode_Destroy>(id_, make);
 }
 
-CoreNode* NodeProxy::Claim(TVL::CoreElement* newOwner, std::string newName) {
+CoreNode* NodeProxy::Claim(CoreElement* newOwner, std::string newName) {
     OwnerProxy* const claimant = nodes_.owners_.Named(newOwner);
     const auto make = [&]() -> NodeProxy* {
         CoreNode* const claimed = real_ ? real_->Claim(claimant, newName) : nullptr;
@@ -147,7 +115,7 @@ void NodeProxy::Delete(bool deleteHostNode) {
 // A node of an owner's can be deleted through a snapshot node only if that was reached from a node
 // of the same owner. The fields are those of the contract.
 bool NodeProxy::EndsWhenDeleted() {
-    const TVL::CoreElement* const owns = real_->*&NodeProxy::owner;
+    const CoreElement* const owns = real_->*&NodeProxy::owner;
     CoreNode* const reachedFrom = real_->*&NodeProxy::source;
     return !owns || owns == (reachedFrom ? reachedFrom->*&NodeProxy::owner : sourceOwner_);
 }
@@ -155,20 +123,20 @@ bool NodeProxy::EndsWhenDeleted() {
 // What the listener hears ------------------------------------------------------------------------
 
 // The Core can set another listener at any time.
-template <Operation kOperation, auto kMethod>
+template <Operation kOperation>
 void NodeProxy::Hear() {
-    TVL::NodeListener* const told = listener;
+    NodeListener* const told = listener;
     if (!told) return;
     if (!isTold_) nodes_.Tell(*this);
     const ObjectId id = scribe_.IdOf(ObjectKind::kListener, told);
     scribe_.Record<kOperation>(
-        id, [&] { (told->*kMethod)(this); }, this);
+        id, [&] { (told->*kMethodOf<kOperation>)(this); }, this);
 }
 
 void NodeProxy::OnNodeRestored(CNode* node) {
     if (!real_) nodes_.Bind(*this, node);
     isListed_ = true;
-    Hear<NodeListener_OnNodeRestored, &NodeListener::OnNodeRestored>();
+    Hear<NodeListener_OnNodeRestored>();
 }
 
 // The adaptor lists the node until this returns, however it does.
@@ -176,66 +144,7 @@ void NodeProxy::OnNodeRemoved(CNode* node) {
     if (!real_) nodes_.Bind(*this, node);
     ++removals_;
     const AtEnd unlist([this] { isListed_ = false; });
-    Hear<NodeListener_OnNodeRemoved, &NodeListener::OnNodeRemoved>();
-}
-
-// Snapshots --------------------------------------------------------------------------------------
-
-template <Operation kOperation, auto kMethod, class Proxy, class... Time>
-Proxy* NodeProxy::Lend(ProxyPool<Proxy>& pool, Time... seconds) {
-    const auto make = [&]() -> Proxy* {
-        if (!real_ || !pool.MakeRoom(scribe_, nodes_.mutex_)) return nullptr;
-        auto* const lent = (real_->*kMethod)(seconds...);
-        if (!lent) return nullptr;
-        Proxy& proxy = pool.Of(lent);
-        proxy.GoOut(seconds...);
-        return &proxy;
-    };
-    return scribe_.Record<kOperation>(id_, make, seconds...);
-}
-
-template <Operation kOperation, auto kMethod, class Proxy, class Lent>
-void NodeProxy::TakeBack(Lent* snapshot) {
-    auto* const proxy = static_cast<Proxy*>(snapshot);
-    const auto make = [&] {
-        if (!real_ || !proxy || !proxy->Behind()) return;
-        proxy->ComeBack();
-        (real_->*kMethod)(proxy->Behind());
-    };
-    scribe_.Record<kOperation>(id_, make, proxy);
-}
-
-TVL::CSnapshot* NodeProxy::AcquireSnapshot(double seconds) {
-    return Lend<CoreNode_AcquireSnapshot, &CoreNode::AcquireSnapshot>(transforms_, seconds);
-}
-TVL::CSnapshot_Helper* NodeProxy::AcquireHelperSnapshot() {
-    return Lend<CoreNode_AcquireHelperSnapshot, &CoreNode::AcquireHelperSnapshot>(helpers_);
-}
-TVL::CSnapshot_Mesh* NodeProxy::AcquireMeshSnapshot(double seconds) {
-    return Lend<CoreNode_AcquireMeshSnapshot, &CoreNode::AcquireMeshSnapshot>(meshes_, seconds);
-}
-TVL::CSnapshot_Lens* NodeProxy::AcquireLensSnapshot(double seconds) {
-    return Lend<CoreNode_AcquireLensSnapshot, &CoreNode::AcquireLensSnapshot>(lenses_, seconds);
-}
-TVL::CSnapshot_Shape* NodeProxy::AcquireShapeSnapshot(double seconds) {
-    return Lend<CoreNode_AcquireShapeSnapshot, &CoreNode::AcquireShapeSnapshot>(shapes_, seconds);
-}
-
-void NodeProxy::ReleaseSnapshot(TVL::CSnapshot* snapshot) {
-    TakeBack<CoreNode_ReleaseSnapshot, &CoreNode::ReleaseSnapshot, TransformProxy>(snapshot);
-}
-void NodeProxy::ReleaseHelperSnapshot(TVL::CSnapshot_Helper* snapshot) {
-    TakeBack<CoreNode_ReleaseHelperSnapshot, &CoreNode::ReleaseHelperSnapshot, HelperProxy>(
-        snapshot);
-}
-void NodeProxy::ReleaseMeshSnapshot(TVL::CSnapshot_Mesh* snapshot) {
-    TakeBack<CoreNode_ReleaseMeshSnapshot, &CoreNode::ReleaseMeshSnapshot, MeshProxy>(snapshot);
-}
-void NodeProxy::ReleaseLensSnapshot(TVL::CSnapshot_Lens* snapshot) {
-    TakeBack<CoreNode_ReleaseLensSnapshot, &CoreNode::ReleaseLensSnapshot, LensProxy>(snapshot);
-}
-void NodeProxy::ReleaseShapeSnapshot(TVL::CSnapshot_Shape* snapshot) {
-    TakeBack<CoreNode_ReleaseShapeSnapshot, &CoreNode::ReleaseShapeSnapshot, ShapeProxy>(snapshot);
+    Hear<NodeListener_OnNodeRemoved>();
 }
 
 }  // namespace recorder

@@ -4,7 +4,7 @@
 
 namespace recorder {
 
-NodeProxy* Nodes::Await(TVL::NodeListener* ofCore) noexcept try {
+NodeProxy* Nodes::Await(NodeListener* ofCore) noexcept try {
     const std::lock_guard lock(mutex_);
     NodeProxy& proxy = alive_.emplace_back(*this, ofCore);
     proxy.self_ = std::prev(alive_.end());
@@ -15,9 +15,9 @@ NodeProxy* Nodes::Await(TVL::NodeListener* ofCore) noexcept try {
 
 // A node of which nothing was heard since another one came to its address has died in silence, as
 // those do that undo records hold. One that ended here and is heard of again had not.
-void Nodes::Bind(NodeProxy& proxy, TVL::CNode* real) {
+void Nodes::Bind(NodeProxy& proxy, CNode* real) {
     NodeProxy* before = nullptr;
-    proxy.real_ = static_cast<TVL::CoreNode*>(real);
+    proxy.real_ = static_cast<CoreNode*>(real);
     proxy.name = real->GetNodeName();
     proxy.isSnapshot_ = real->IsSnapshot();
     {
@@ -31,35 +31,34 @@ void Nodes::Bind(NodeProxy& proxy, TVL::CNode* real) {
     if (before && before != &proxy) End(*before);
 }
 
-NodeProxy* Nodes::New(TVL::CNode* made) {
+NodeProxy* Nodes::New(CNode* made) {
     if (!made) return nullptr;
     NodeProxy* const proxy = Await(nullptr);
     if (!proxy) {
-        static_cast<TVL::CoreNode*>(made)->Destroy();
+        static_cast<CoreNode*>(made)->Destroy();
         return nullptr;
     }
     FinishCreation(*proxy, made);
     if (proxy->isSnapshot_) {
-        TVL::CoreNode* const source = proxy->real_->*&NodeProxy::source;
+        CoreNode* const source = proxy->real_->*&NodeProxy::source;
         if (source) proxy->sourceOwner_ = source->*&NodeProxy::owner;
     }
     return proxy;
 }
 
-std::vector<NodeProxy*> Nodes::New(const std::vector<TVL::CNode*>& made) {
+std::vector<NodeProxy*> Nodes::New(const std::vector<CNode*>& made) {
     std::vector<NodeProxy*> proxies(made.size());
-    std::ranges::transform(made, proxies.begin(), [this](TVL::CNode* node) { return New(node); });
+    std::ranges::transform(made, proxies.begin(), [this](CNode* node) { return New(node); });
     return proxies;
 }
 
-std::vector<NodeProxy*> Nodes::Known(const std::vector<TVL::CNode*>& given) {
+std::vector<NodeProxy*> Nodes::Known(const std::vector<CNode*>& given) {
     std::vector<NodeProxy*> proxies(given.size());
-    std::ranges::transform(given, proxies.begin(),
-                           [this](TVL::CNode* node) { return Known(node); });
+    std::ranges::transform(given, proxies.begin(), [this](CNode* node) { return Known(node); });
     return proxies;
 }
 
-NodeProxy* Nodes::Known(TVL::CNode* given) {
+NodeProxy* Nodes::Known(CNode* given) {
     if (!given) return nullptr;
     {
         const std::lock_guard lock(mutex_);
@@ -71,8 +70,9 @@ NodeProxy* Nodes::Known(TVL::CNode* given) {
     return proxy;
 }
 
-// A listener may have ended the node, or unclaimed it.
-void Nodes::FinishCreation(NodeProxy& proxy, TVL::CNode* made) {
+// A listener may have ended the node, or unclaimed it. What there is no memory for is not known of
+// it.
+void Nodes::FinishCreation(NodeProxy& proxy, CNode* made) noexcept try {
     if (!made) {
         if (!proxy.isSnapshot_) End(proxy);
         return;
@@ -82,6 +82,7 @@ void Nodes::FinishCreation(NodeProxy& proxy, TVL::CNode* made) {
         proxy.isListed_ = !proxy.isSnapshot_;
     }
     Tell(proxy);
+} catch (...) {
 }
 
 // Told again only if something has become another.

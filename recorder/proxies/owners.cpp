@@ -27,7 +27,7 @@ void OwnerProxy::ReadName() noexcept try {
 } catch (...) {  // no memory: the adaptor reads the name as it was
 }
 
-OwnerProxy* Owners::Of(TVL::CoreElement* real) {
+OwnerProxy* Owners::Of(CoreElement* real) {
     if (!real) return nullptr;
     OwnerProxy* made = nullptr;
     try {
@@ -42,13 +42,13 @@ OwnerProxy* Owners::Of(TVL::CoreElement* real) {
     return made;
 }
 
-OwnerProxy* Owners::Named(TVL::CoreElement* real) {
+OwnerProxy* Owners::Named(CoreElement* real) {
     OwnerProxy* const owner = Of(real);
     if (owner) owner->ReadName();
     return owner;
 }
 
-ObjectId Owners::IdOf(const TVL::CoreElement* proxy) const {
+ObjectId Owners::IdOf(const CoreElement* proxy) const {
     const std::lock_guard lock(mutex_);
     for (const auto& [real, owner] : owners_)
         if (owner.get() == proxy) return owner->Id();
@@ -56,10 +56,12 @@ ObjectId Owners::IdOf(const TVL::CoreElement* proxy) const {
 }
 
 // Whoever gives it away has made it for the adaptor, which releases it once.
-class Owners::ChunkProxy final : public TVL::CUndo {
+class Owners::ChunkProxy final : public Proxy<CUndo> {
   public:
-    ChunkProxy(Owners& owners, TVL::CUndo* real)
-        : owners_(owners), id_(owners.scribe_.NewId(ObjectKind::kChunk)), real_(real) {
+    using enum Operation;
+
+    ChunkProxy(Owners& owners, CUndo* real)
+        : Proxy(owners.scribe_, owners.scribe_.NewId(ObjectKind::kChunk), real), owners_(owners) {
         const std::lock_guard lock(owners_.mutex_);
         owners_.chunks_.insert(id_);
     }
@@ -68,28 +70,19 @@ class Owners::ChunkProxy final : public TVL::CUndo {
         owners_.chunks_.erase(id_);
     }
 
-    ObjectId Id() const { return id_; }
-
-    void Undo(bool isUndo) override { Pass<Operation::CUndo_Undo, &CUndo::Undo>(isUndo); }
-    void Redo() override { Pass<Operation::CUndo_Redo, &CUndo::Redo>(); }
+    void Undo(bool isUndo) override { Pass<CUndo_Undo>(isUndo); }
+    void Redo() override { Pass<CUndo_Redo>(); }
     void Release() override {
         const std::unique_ptr<ChunkProxy> self(this);
-        Pass<Operation::CUndo_Release, &CUndo::Release>();
+        Pass<CUndo_Release>();
     }
 
   private:
-    template <Operation kOperation, auto kMethod, class... Values>
-    void Pass(const Values&... values) {
-        owners_.scribe_.Pass<kOperation, kMethod>(id_, real_, values...);
-    }
-
     Owners& owners_;
-    ObjectId id_;
-    TVL::CUndo* real_;
 };
 
 // One for whose proxy there is no memory goes as it is, and what becomes of it is not told.
-TVL::CUndo* Owners::WrapChunk(TVL::CUndo* real, ObjectId& id) try {
+CUndo* Owners::WrapChunk(CUndo* real, ObjectId& id) try {
     if (!real) return nullptr;
     auto* const chunk = new ChunkProxy(*this, real);
     id = chunk->Id();

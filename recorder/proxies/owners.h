@@ -13,9 +13,9 @@ namespace recorder {
 
 // Stands for an element of the Core that owns nodes. Its plug-in's name is read anew whenever the
 // adaptor may be about to read it.
-class OwnerProxy final : public ExtendableProxy<TVL::CoreElement> {
+class OwnerProxy final : public ExtendableProxy<CoreElement> {
   public:
-    OwnerProxy(Scribe& scribe, std::mutex& mutex, TVL::CoreElement* real)
+    OwnerProxy(Scribe& scribe, std::mutex& mutex, CoreElement* real)
         : ExtendableProxy(scribe, scribe.NewId(ObjectKind::kOwner), real), mutex_(mutex) {}
 
     std::intptr_t HandleExtension(int id, void* argument) override;
@@ -37,16 +37,16 @@ class Owners {
 
     // Of an element that the adaptor only compares, so that it need not be there any more. Null for
     // null.
-    OwnerProxy* Of(TVL::CoreElement* real);
+    OwnerProxy* Of(CoreElement* real);
 
     // Of one that it reads the name of.
-    OwnerProxy* Named(TVL::CoreElement* real);
+    OwnerProxy* Named(CoreElement* real);
 
     // Of a proxy as the adaptor gives it back; 0 for what is none.
-    ObjectId IdOf(const TVL::CoreElement* proxy) const;
+    ObjectId IdOf(const CoreElement* proxy) const;
 
     // What the adaptor gets for the Core's chunk, to be released by it.
-    TVL::CUndo* WrapChunk(TVL::CUndo* real, ObjectId& id);
+    CUndo* WrapChunk(CUndo* real, ObjectId& id);
 
     void TellObjects(const TapeWriter::TellObject& tell) const;
 
@@ -55,7 +55,7 @@ class Owners {
 
     Scribe& scribe_;
     mutable std::mutex mutex_;
-    std::unordered_map<const TVL::CoreElement*, std::unique_ptr<OwnerProxy>> owners_;
+    std::unordered_map<const CoreElement*, std::unique_ptr<OwnerProxy>> owners_;
     std::unordered_set<ObjectId> chunks_;  // that are not released yet
 };
 

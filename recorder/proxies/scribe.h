@@ -13,13 +13,42 @@
 #include "foundation/thrown.h"
 #include "recorder/stream/stream.h"
 #include "recorder/tape/tape_writer.h"
+#include "tvl/core_interface.h"
 
 namespace recorder {
+
+using TVL::AdaptorInterface;
+using TVL::CExtendable;
+using TVL::CNode;
+using TVL::CoreElement;
+using TVL::CoreNode;
+using TVL::CSnapshot;
+using TVL::CSnapshot_Helper;
+using TVL::CSnapshot_Lens;
+using TVL::CSnapshot_Mesh;
+using TVL::CSnapshot_Shape;
+using TVL::CUndo;
+using TVL::NodeListener;
+using TVL::Util::MessageNode;
+
+struct Routine {  // the Core's, which are no operations of an object
+    void attach();
+    void detach();
+};
 
 template <class>
 inline constexpr bool kIsTuple = false;
 template <class... Values>
 inline constexpr bool kIsTuple<std::tuple<Values...>> = true;
+
+// What an operation is called by: &CNode::Show of CNode_Show.
+template <Operation>
+inline constexpr std::nullptr_t kMethodOf = nullptr;
+#define RECORDER_METHOD(Class, Name, Said, Answered) \
+    template <>                                      \
+    inline constexpr auto kMethodOf<Operation::Class##_##Name> = &Class::Name;
+RECORDER_OPERATIONS(RECORDER_METHOD)
+#undef RECORDER_METHOD
 
 // Does it at the end of a scope, however that ends.
 template <class Work>
@@ -65,12 +94,12 @@ class Scribe {
     }
 
     // Hands a call on as it is. Where nothing is behind any more the answer is nothing.
-    template <Operation kOperation, auto kMethod, class Target, class... Values>
+    template <Operation kOperation, class Target, class... Values>
     auto Pass(ObjectId on, Target* target, Values&&... values) {
-        using Result = std::invoke_result_t<decltype(kMethod), Target&, Values...>;
+        using Result = std::invoke_result_t<decltype(kMethodOf<kOperation>), Target&, Values...>;
         const auto make = [&]() -> Result {
             if (!target) return Result();
-            return (target->*kMethod)(std::forward<Values>(values)...);
+            return (target->*kMethodOf<kOperation>)(std::forward<Values>(values)...);
         };
         return Record<kOperation>(on, make, values...);
     }
@@ -180,33 +209,48 @@ class Scribe {
     std::map<std::pair<ObjectKind, const void*>, ObjectId> known_;
 };
 
-// Base of the proxies of what has extensions. `Real` is what it stands for; null: that is gone.
+// Stands for an object of the other side; with null behind it, for one that is gone.
 template <class Base, class Real = Base>
-class ExtendableProxy : public Base {
+class Proxy : public Base {
   public:
+    Proxy(const Proxy&) = delete;
+    Proxy& operator=(const Proxy&) = delete;
+
     ObjectId Id() const { return id_; }
     Real* Behind() const { return real_; }
 
+  protected:
+    Proxy(Scribe& scribe, ObjectId id, Real* real) : scribe_(scribe), id_(id), real_(real) {}
+    ~Proxy() = default;
+
+    template <Operation kOperation, class... Values>
+    auto Pass(Values&&... values) {
+        return scribe_.Pass<kOperation>(id_, real_, std::forward<Values>(values)...);
+    }
+
+    Scribe& scribe_;
+    ObjectId id_;
+    Real* real_;
+};
+
+// The same for one that has extensions.
+template <class Base, class Real = Base>
+class ExtendableProxy : public Proxy<Base, Real> {
+  public:
     // An argument that this side does not know is handed on as it is.
     std::intptr_t HandleExtension(int id, void* argument) override {
         return Extend(id, argument, {}, [](std::intptr_t result) { return result; });
     }
     std::vector<int> ListExtensions() override {
-        return Pass<Operation::CExtendable_ListExtensions, &Real::ListExtensions>();
+        return this->template Pass<Operation::CExtendable_ListExtensions>();
     }
     bool HasExtension(int id) override {
-        return Pass<Operation::CExtendable_HasExtension, &Real::HasExtension>(id);
+        return this->template Pass<Operation::CExtendable_HasExtension>(id);
     }
 
   protected:
-    ExtendableProxy(Scribe& scribe, ObjectId id, Real* real)
-        : scribe_(scribe), id_(id), real_(real) {}
+    using Proxy<Base, Real>::Proxy;
     ~ExtendableProxy() = default;
-
-    template <Operation kOperation, auto kMethod, class... Values>
-    auto Pass(Values&&... values) {
-        return scribe_.Pass<kOperation, kMethod>(id_, real_, std::forward<Values>(values)...);
-    }
 
     // `said` tells of the argument, and `translate` makes of what the real object gives what this
     // one gives: a number, or a proxy.
@@ -215,7 +259,7 @@ class ExtendableProxy : public Base {
                          const Translate& translate) {
         std::intptr_t result = 0;
         const auto make = [&] {
-            if (real_) result = real_->HandleExtension(id, argument);
+            if (this->real_) result = this->real_->HandleExtension(id, argument);
             const auto given = translate(result);
             if constexpr (std::is_pointer_v<decltype(given)>) {
                 result = reinterpret_cast<std::intptr_t>(static_cast<Base*>(given));
@@ -225,13 +269,10 @@ class ExtendableProxy : public Base {
                 return std::tuple(ExtensionValue{'i', whole, nullptr}, said);
             }
         };
-        scribe_.Record<Operation::CExtendable_HandleExtension>(id_, make, id, said);
+        this->scribe_.template Record<Operation::CExtendable_HandleExtension>(this->id_, make, id,
+                                                                              said);
         return result;
     }
-
-    Scribe& scribe_;
-    ObjectId id_;
-    Real* real_;
 };
 
 }  // namespace recorder

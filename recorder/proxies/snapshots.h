@@ -40,90 +40,68 @@ class SnapshotProxy : public ExtendableProxy<Base, Real> {
 };
 
 class TransformProxy final
-    : public SnapshotProxy<TVL::CoreNode::Snapshot, TVL::CSnapshot, ObjectKind::kSnapshot> {
+    : public SnapshotProxy<CoreNode::Snapshot, CSnapshot, ObjectKind::kSnapshot> {
   public:
     using SnapshotProxy::SnapshotProxy;
-    using Real = TVL::CSnapshot;
+    using Real = CSnapshot;
     using enum Operation;
 
     void SetLocalTransform(const TVL::CMatrix4& transform) override {
-        Pass<CSnapshot_SetLocalTransform, &Real::SetLocalTransform>(transform);
+        Pass<CSnapshot_SetLocalTransform>(transform);
     }
-    TVL::CMatrix4 GetLocalTransform() override {
-        return Pass<CSnapshot_GetLocalTransform, &Real::GetLocalTransform>();
-    }
-    TVL::CMatrix4 GetWorldTransform() override {
-        return Pass<CSnapshot_GetWorldTransform, &Real::GetWorldTransform>();
-    }
+    TVL::CMatrix4 GetLocalTransform() override { return Pass<CSnapshot_GetLocalTransform>(); }
+    TVL::CMatrix4 GetWorldTransform() override { return Pass<CSnapshot_GetWorldTransform>(); }
     void SetWorldTransform(const TVL::CMatrix4& transform) override {
-        Pass<CSnapshot_SetWorldTransform, &Real::SetWorldTransform>(transform);
+        Pass<CSnapshot_SetWorldTransform>(transform);
     }
-    double GetTime() override { return Pass<CSnapshot_GetTime, &Real::GetTime>(); }
+    double GetTime() override { return Pass<CSnapshot_GetTime>(); }
 };
 
-class HelperProxy final : public SnapshotProxy<TVL::CoreNode::Snapshot_Helper,
-                                               TVL::CSnapshot_Helper, ObjectKind::kHelperSnapshot> {
+class HelperProxy final : public SnapshotProxy<CoreNode::Snapshot_Helper, CSnapshot_Helper,
+                                               ObjectKind::kHelperSnapshot> {
   public:
     using SnapshotProxy::SnapshotProxy;
-    using Real = TVL::CSnapshot_Helper;
+    using Real = CSnapshot_Helper;
     using enum Operation;
 
-    void SetMesh(TVL::CMesh mesh) override {
-        Pass<CSnapshot_Helper_SetMesh, &Real::SetMesh>(std::move(mesh));
-    }
+    void SetMesh(TVL::CMesh mesh) override { Pass<CSnapshot_Helper_SetMesh>(std::move(mesh)); }
     void SetColor(float red, float green, float blue) override {
-        Pass<CSnapshot_Helper_SetColor, &Real::SetColor>(red, green, blue);
+        Pass<CSnapshot_Helper_SetColor>(red, green, blue);
     }
-    void SetWireframe(bool wireframe) override {
-        Pass<CSnapshot_Helper_SetWireframe, &Real::SetWireframe>(wireframe);
-    }
+    void SetWireframe(bool wireframe) override { Pass<CSnapshot_Helper_SetWireframe>(wireframe); }
     void SetBackfaceCull(bool backfaceCull) override {
-        Pass<CSnapshot_Helper_SetBackfaceCull, &Real::SetBackfaceCull>(backfaceCull);
+        Pass<CSnapshot_Helper_SetBackfaceCull>(backfaceCull);
     }
 };
 
-class LensProxy final : public SnapshotProxy<TVL::CoreNode::Snapshot_Lens, TVL::CSnapshot_Lens,
-                                             ObjectKind::kLensSnapshot> {
+class LensProxy final
+    : public SnapshotProxy<CoreNode::Snapshot_Lens, CSnapshot_Lens, ObjectKind::kLensSnapshot> {
   public:
     using SnapshotProxy::SnapshotProxy;
-    using Real = TVL::CSnapshot_Lens;
+    using Real = CSnapshot_Lens;
     using enum Operation;
 
-    void SetFieldOfView(double degrees) override {
-        Pass<CSnapshot_Lens_SetFieldOfView, &Real::SetFieldOfView>(degrees);
-    }
-    double GetFieldOfView() override {
-        return Pass<CSnapshot_Lens_GetFieldOfView, &Real::GetFieldOfView>();
-    }
-    int GetFieldOfViewType() override {
-        return Pass<CSnapshot_Lens_GetFieldOfViewType, &Real::GetFieldOfViewType>();
-    }
-    void SetFieldOfViewType(int type) override {
-        Pass<CSnapshot_Lens_SetFieldOfViewType, &Real::SetFieldOfViewType>(type);
-    }
+    void SetFieldOfView(double degrees) override { Pass<CSnapshot_Lens_SetFieldOfView>(degrees); }
+    double GetFieldOfView() override { return Pass<CSnapshot_Lens_GetFieldOfView>(); }
+    int GetFieldOfViewType() override { return Pass<CSnapshot_Lens_GetFieldOfViewType>(); }
+    void SetFieldOfViewType(int type) override { Pass<CSnapshot_Lens_SetFieldOfViewType>(type); }
     void SetTargetDistance(double hostUnits) override {
-        Pass<CSnapshot_Lens_SetTargetDistance, &Real::SetTargetDistance>(hostUnits);
+        Pass<CSnapshot_Lens_SetTargetDistance>(hostUnits);
     }
-    double GetTargetDistance() override {
-        return Pass<CSnapshot_Lens_GetTargetDistance, &Real::GetTargetDistance>();
-    }
-    double GetTime() override { return Pass<CSnapshot_Lens_GetTime, &Real::GetTime>(); }
-    TVL::CMatrix4 GetLensTransform() override {
-        return Pass<CSnapshot_Lens_GetLensTransform, &Real::GetLensTransform>();
-    }
+    double GetTargetDistance() override { return Pass<CSnapshot_Lens_GetTargetDistance>(); }
+    double GetTime() override { return Pass<CSnapshot_Lens_GetTime>(); }
+    TVL::CMatrix4 GetLensTransform() override { return Pass<CSnapshot_Lens_GetLensTransform>(); }
 };
 
-class MeshProxy final : public SnapshotProxy<TVL::CoreNode::Snapshot_Mesh, TVL::CSnapshot_Mesh,
-                                             ObjectKind::kMeshSnapshot> {
+class MeshProxy final
+    : public SnapshotProxy<CoreNode::Snapshot_Mesh, CSnapshot_Mesh, ObjectKind::kMeshSnapshot> {
   public:
     using SnapshotProxy::SnapshotProxy;
-    using Real = TVL::CSnapshot_Mesh;
+    using Real = CSnapshot_Mesh;
     using enum Operation;
 
-    void SetMesh(TVL::CMesh mesh) override {
-        Pass<CSnapshot_Mesh_SetMesh, &Real::SetMesh>(std::move(mesh));
-    }
-    TVL::CMesh GetMesh() override { return Pass<CSnapshot_Mesh_GetMesh, &Real::GetMesh>(); }
+    void SetMesh(TVL::CMesh mesh) override { Pass<CSnapshot_Mesh_SetMesh>(std::move(mesh)); }
+    TVL::CMesh GetMesh() override { return Pass<CSnapshot_Mesh_GetMesh>(); }
 
     // What a miss leaves behind the pointers is nothing to be told.
     bool IntersectRay(const std::array<double, 3>& origin, const std::array<double, 3>& direction,
@@ -138,31 +116,27 @@ class MeshProxy final : public SnapshotProxy<TVL::CoreNode::Snapshot_Mesh, TVL::
     }
 };
 
-class ShapeProxy final : public SnapshotProxy<TVL::CoreNode::Snapshot_Shape, TVL::CSnapshot_Shape,
-                                              ObjectKind::kShapeSnapshot> {
+class ShapeProxy final
+    : public SnapshotProxy<CoreNode::Snapshot_Shape, CSnapshot_Shape, ObjectKind::kShapeSnapshot> {
   public:
     using SnapshotProxy::SnapshotProxy;
-    using Real = TVL::CSnapshot_Shape;
+    using Real = CSnapshot_Shape;
     using enum Operation;
 
-    int GetCurveCount() override {
-        return Pass<CSnapshot_Shape_GetCurveCount, &Real::GetCurveCount>();
-    }
-    int GetCurve() override { return Pass<CSnapshot_Shape_GetCurve, &Real::GetCurve>(); }
-    void SetCurve(int index) override { Pass<CSnapshot_Shape_SetCurve, &Real::SetCurve>(index); }
-    double GetCurveLength() override {
-        return Pass<CSnapshot_Shape_GetCurveLength, &Real::GetCurveLength>();
-    }
+    int GetCurveCount() override { return Pass<CSnapshot_Shape_GetCurveCount>(); }
+    int GetCurve() override { return Pass<CSnapshot_Shape_GetCurve>(); }
+    void SetCurve(int index) override { Pass<CSnapshot_Shape_SetCurve>(index); }
+    double GetCurveLength() override { return Pass<CSnapshot_Shape_GetCurveLength>(); }
     std::array<double, 3> GetCurvePoint(double parameter) override {
-        return Pass<CSnapshot_Shape_GetCurvePoint, &Real::GetCurvePoint>(parameter);
+        return Pass<CSnapshot_Shape_GetCurvePoint>(parameter);
     }
     std::array<double, 3> GetCurveTangent(double parameter) override {
-        return Pass<CSnapshot_Shape_GetCurveTangent, &Real::GetCurveTangent>(parameter);
+        return Pass<CSnapshot_Shape_GetCurveTangent>(parameter);
     }
 };
 
 // The snapshots of one kind of a node.
-template <class Proxy>
+template <class Lent>
 class ProxyPool {
   public:
     // Room for one that is not known yet, so that there is a proxy for whatever is lent. False: no
@@ -170,13 +144,13 @@ class ProxyPool {
     bool MakeRoom(Scribe& scribe, std::mutex& mutex) noexcept try {
         if (!proxies_.empty() && proxies_.back()->IsFree()) return true;
         const std::lock_guard lock(mutex);
-        proxies_.push_back(std::make_unique<Proxy>(scribe));
+        proxies_.push_back(std::make_unique<Lent>(scribe));
         return true;
     } catch (...) {
         return false;
     }
 
-    Proxy& Of(typename Proxy::Real* real) {
+    Lent& Of(typename Lent::Real* real) {
         for (auto proxy = proxies_.rbegin(); proxy != proxies_.rend(); ++proxy)
             if ((*proxy)->StandsFor(real)) return **proxy;
         proxies_.back()->StandFor(real);
@@ -190,7 +164,7 @@ class ProxyPool {
     }
 
   private:
-    std::vector<std::unique_ptr<Proxy>> proxies_;
+    std::vector<std::unique_ptr<Lent>> proxies_;
 };
 
 }  // namespace recorder
