@@ -75,12 +75,12 @@ TEST_F(TapeVerbs, HoldCallsAgainstTheContractAfterwards) {
     platform::SetVariable(mistakes::kVariable, "");
     const Ending watched = Run("tape watch walk.tape");
     EXPECT_EQ(watched.status, 1);
-    const char kLine[] = "Session 2:\nsnapshot-not-given-back: AcquireSnapshot on Root, once, at ";
+    const char kLine[] = "Session 2:\nsnapshot-not-given-back: AcquireSnapshot on Spare, once, at ";
     EXPECT_TRUE(watched.out.starts_with(kLine)) << watched.out;
     const Json findings = Json::parse(Run("tape watch walk.tape --json").out)["findings"];
     ASSERT_EQ(findings.size(), 1U);
     EXPECT_EQ(Line(findings[0], {"rule", "node", "session"}),
-              "\"snapshot-not-given-back\" \"Root\" 2");
+              "\"snapshot-not-given-back\" \"Spare\" 2");
     ExpectRefusal("tape watch walk.bvh", "walk.bvh: it is no tape", 2);
 }
 

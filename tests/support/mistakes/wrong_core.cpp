@@ -168,7 +168,12 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
 
   private:
     void UseLoansWrongly(CoreNode& root, CoreNode& arm) {
-        if (Makes("keeps a snapshot")) root.AcquireSnapshot(0);
+        if (Makes("keeps a snapshot")) {
+            CoreNode& spare = Spare(this);
+            TVL::CSnapshot* const snapshot = spare.AcquireSnapshot(0);
+            spare.Destroy();
+            snapshot->GetTime();  // it does nothing more
+        }
         if (Makes("releases to another node")) arm.ReleaseSnapshot(root.AcquireSnapshot(0));
         if (Makes("uses a released snapshot") || Makes("releases a snapshot twice")) {
             TVL::CSnapshot* const snapshot = root.AcquireSnapshot(0);
@@ -259,6 +264,10 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
         TVL::CNode* const parent = arm.GetParent();  // the root, which is the Core's already
         static_cast<CoreNode*>(parent)->Claim(this, "Root");
         parent->ReleaseNode(parent);
+
+        adaptor_.BeginUndoGroup("Cancelled");
+        adaptor_.CreateHelperNode(this, "Brief", nullptr, Triangle(), nullptr);
+        adaptor_.CancelUndoGroup();
 
         // A snapshot over a flush, nodes that go in the group that made them, one that is scaled.
         TVL::CSnapshot* const kept = root.AcquireSnapshot(0.25);
@@ -380,6 +389,7 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
     }
 
     void GiveParts(XMLNode& parts) {
+        if (Makes("does what is allowed")) return;
         if (Makes("forgets an owner's state") && ++partsGiven_ > 1) return;
         XMLNode part("TVL_Plugin", "");
         part.AddChild(XMLNode("name", record_.name));
