@@ -162,6 +162,38 @@ TEST(TheWatch, TakesRecordsThatMakeNoSense) {
     }
 }
 
+// The node, and with it a snapshot, is made and ends.
+void LiveShortly(Stream& stream, std::uint64_t number) {
+    const ObjectId node = MakeObjectId(ObjectKind::kNode, 2 * number);
+    const ObjectId snapshot = MakeObjectId(ObjectKind::kSnapshot, 2 * number + 1);
+    const auto make = [&](Operation operation, ObjectId on, ObjectId answered,
+                          const auto&... said) {
+        stream.Answer(stream.Call(operation, on, said...), operation, on, answered);
+    };
+    make(Operation::CNode_GetParent, MakeObjectId(ObjectKind::kNode, 1), node);
+    make(Operation::CoreNode_AcquireSnapshot, node, snapshot, 0.5);
+    make(Operation::CoreNode_ReleaseSnapshot, node, 0, snapshot);
+    make(Operation::CoreNode_Destroy, node, 0);
+}
+
+TEST(TheWatch, ForgetsWhatEndedLongAgo) {
+    Watch watch;
+    Stream stream;
+    stream.Add(watch);
+    stream.BeginSession({"", 0, "", "", ""});
+    for (std::uint64_t number = 1; number <= 10'000; ++number)
+        LiveShortly(stream, number);
+    const auto use = [&](std::uint64_t number) {
+        const ObjectId snapshot = MakeObjectId(ObjectKind::kSnapshot, 2 * number + 1);
+        stream.Call(Operation::CSnapshot_GetTime, snapshot);
+        stream.Call(Operation::CoreNode_GetName, MakeObjectId(ObjectKind::kNode, 2 * number));
+    };
+    use(1);
+    EXPECT_TRUE(watch.Findings().empty()) << Told(watch.Findings());
+    use(9'000);
+    EXPECT_EQ(watch.Findings().size(), 1U);
+}
+
 TEST(TheWatch, CountsARepeatAndPrintsItOnce) {
     const Finding once{"null-owner", Operation::CoreNode_Claim, "", "", 1, 17, 20};
     const Finding often{"unit-factor",
