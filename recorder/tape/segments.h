@@ -32,7 +32,7 @@ static_assert(sizeof(SegmentHead) == 48);
 
 inline constexpr std::uint64_t kSegmentGrain = std::uint64_t{1} << 12;
 inline constexpr std::uint64_t kLargestSegment = std::uint64_t{1} << 30;
-inline constexpr std::uint64_t kNewSegment = std::uint64_t{1} << 20;  // of tapes that are made here
+inline constexpr std::uint64_t kNewSegment = std::uint64_t{1} << 18;  // of tapes that are made here
 
 // A record of a tape alone: a part of one that a segment has no room for. `call` is the size of the
 // whole in bytes, `object` how many of these lie in parts before; the values are bytes of it.

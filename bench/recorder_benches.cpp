@@ -1,0 +1,123 @@
+// What the flight recorder costs a recording: the same samples, written by a Core that has the
+// adaptor itself, and by one behind the recorder with nobody who takes its records in, with a tape
+// and with the watch.
+
+#include <benchmark/benchmark.h>
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+#include "adaptor/max_adaptor_interface.h"
+#include "bench/bench_world.h"
+#include "bench/meter.h"
+#include "host/interface.h"
+#include "recorder/recorder.h"
+#include "recorder/watch/watch.h"
+
+namespace {
+
+enum class Taker { kNobody, kTape, kWatch };
+
+// The adaptor as a Core sees it.
+class Between {
+  public:
+    explicit Between(BenchWorld& world) : adaptor_(MaxAdaptorInterface::GetInstance()) {
+        world.Core().wantsOwnControllers = true;
+    }
+    Between(BenchWorld& world, Taker taker) : Between(world) {
+        if (taker == Taker::kTape) AddTape();
+        if (taker == Taker::kWatch) stream_.Add(watch_.emplace());
+        recorder_.emplace(stream_, "idle");
+        if (tape_) tape_->onNewSegment = [this](const auto& tell) { recorder_->TellObjects(tell); };
+        core_ = recorder_->Attach(adaptor_, [&](TVL::AdaptorInterface* adaptor) {
+            adaptor_ = adaptor;
+            return &world.Core();
+        });
+    }
+    ~Between() {
+        if (recorder_) recorder_->Detach(core_, [](CoreInterface*) {});
+        tape_.reset();
+        std::filesystem::remove(File());
+    }
+    Between(const Between&) = delete;
+    Between& operator=(const Between&) = delete;
+
+    TVL::AdaptorInterface& Adaptor() { return *adaptor_; }
+
+  private:
+    static std::filesystem::path File() {
+        return std::filesystem::temp_directory_path() / "lumiset-bench.tape";
+    }
+
+    void AddTape() {
+        std::filesystem::remove(File());
+        std::string whyNot;
+        tape_ = recorder::TapeWriter::Open({.path = File().string()}, whyNot);
+        if (!tape_) throw std::runtime_error(whyNot);
+        stream_.Add(*tape_);
+    }
+
+    TVL::AdaptorInterface* adaptor_;
+    CoreInterface* core_ = nullptr;
+    recorder::Stream stream_;
+    std::unique_ptr<recorder::TapeWriter> tape_;
+    std::optional<recorder::Watch> watch_;
+    std::optional<recorder::Recorder> recorder_;
+};
+
+constexpr std::int64_t kTakenSamples = 10'000;
+constexpr double kTakenInSecond = 30;
+
+void Write(TVL::CoreNode& node, TVL::CMatrix4& pose) {
+    for (std::int64_t sample = 0; sample < kTakenSamples; ++sample) {
+        TVL::CSnapshot* const snapshot =
+            node.AcquireSnapshot(static_cast<double>(sample) / kTakenInSecond);
+        pose[3][0] = static_cast<double>(sample) * 0.01;
+        snapshot->SetWorldTransform(pose);
+        node.ReleaseSnapshot(snapshot);
+    }
+}
+
+// A take after the other, each of them into the same keys.
+void RecordTakes(benchmark::State& state, Between& between) {
+    TVL::AdaptorInterface& adaptor = between.Adaptor();
+    auto& node = static_cast<TVL::CoreNode&>(
+        *adaptor.CreateHelperNode(nullptr, "Hip", nullptr, {}, nullptr));
+    TVL::CSnapshot* const snapshot = node.AcquireSnapshot(0);
+    TVL::CMatrix4 pose = snapshot->GetWorldTransform();
+    node.ReleaseSnapshot(snapshot);
+    Meter meter(state, kTakenSamples);
+    for (auto _ : state) {
+        meter.Aside([&] {
+            GetCOREInterface()->FlushUndoBuffer();
+            adaptor.BeginUndoGroup("Take");
+            adaptor.BeginRecordingUnkeyed({});
+        });
+        Write(node, pose);
+        meter.Aside([&] {
+            adaptor.EndRecording();
+            adaptor.EndUndoGroup();
+        });
+    }
+}
+
+void RecordPlainly(benchmark::State& state) {
+    BenchWorld world;
+    Between between(world);
+    RecordTakes(state, between);
+}
+
+template <Taker kTaker>
+void RecordBetween(benchmark::State& state) {
+    BenchWorld world;
+    Between between(world, kTaker);
+    RecordTakes(state, between);
+}
+
+BENCHMARK(RecordPlainly)->Name("a recorded sample/no recorder")->Apply(Brief);
+BENCHMARK(RecordBetween<Taker::kNobody>)->Name("a recorded sample/no taker")->Apply(Brief);
+BENCHMARK(RecordBetween<Taker::kTape>)->Name("a recorded sample/tape")->Apply(Brief);
+BENCHMARK(RecordBetween<Taker::kWatch>)->Name("a recorded sample/watch")->Apply(Brief);
+
+}  // namespace
