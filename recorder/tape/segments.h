@@ -9,8 +9,9 @@
 #include "recorder/stream/record.h"
 
 // The form of a tape (docs/tape.md): places of one size, each with a segment, which is a head and
-// records behind it up to a word of zeros or the end of the place. The first place has the newest
-// segment, which records are added to; when it is full it is copied to another one.
+// records behind it up to a word of zeros or the end of the place. The newest segment, which
+// records are added to, is in one of the first two places; when it is full it is copied to one of
+// the others, and the next one begins in the other of the two.
 namespace recorder {
 
 inline constexpr std::uint64_t kSegmentMagic = 0x6570'6154'736d'754c;  // "LumsTape"
@@ -30,6 +31,7 @@ struct SegmentHead {
 inline constexpr std::size_t kSegmentHeadWords = sizeof(SegmentHead) / 8;
 static_assert(sizeof(SegmentHead) == 48);
 
+inline constexpr std::size_t kDesks = 2;  // the places where segments are written
 inline constexpr std::uint64_t kSegmentGrain = std::uint64_t{1} << 12;
 inline constexpr std::uint64_t kLargestSegment = std::uint64_t{1} << 30;
 inline constexpr std::uint64_t kNewSegment = std::uint64_t{1} << 18;  // of tapes that are made here

@@ -23,20 +23,26 @@ bool Slots::IsSaved(const Slot& slot) const {
     return true;
 }
 
-void Slots::CopyNewest(std::size_t place) {
+void Slots::Copy(std::size_t from, std::size_t place) {
     Clear(place);
-    slots_[place] = slots_.front();
+    slots_[place] = slots_[from];
 }
 
-std::size_t Slots::PlaceForNewest(std::size_t most) const {
-    const auto others = std::span(slots_).subspan(1);
+std::size_t Slots::PlaceForCopy(std::size_t most) const {
+    const auto others = std::span(slots_).subspan(kDesks);
     const auto place = [&](auto slot) {
-        return static_cast<std::size_t>(slot - others.begin()) + 1;
+        return static_cast<std::size_t>(slot - others.begin()) + kDesks;
     };
     const auto free = std::ranges::find(others, std::uint64_t{0}, &Slot::number);
     if (free != others.end() || slots_.size() < most) return place(free);
     return place(std::ranges::min_element(
         others, {}, [this](const Slot& slot) { return std::tuple(!IsSaved(slot), slot.number); }));
+}
+
+std::size_t Slots::PlaceOfCopy(std::size_t from, std::size_t most) const {
+    for (std::size_t place = kDesks; place < slots_.size(); ++place)
+        if (slots_[place].number == slots_[from].number) return place;
+    return PlaceForCopy(most);
 }
 
 }  // namespace recorder

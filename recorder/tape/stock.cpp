@@ -55,12 +55,7 @@ void TakeIn(std::size_t place, const SegmentHead& head, const SegmentContents& c
         isFirst = false;
     }
     stock.session = std::max(stock.session, session);
-    if (head.number < stock.newest.number) return;
-    if (head.number == stock.newest.number) {
-        // It was just being copied, and the first place still has it.
-        stock.slots.Clear(place);
-        return;
-    }
+    if (head.number <= stock.newest.number) return;  // there can be a copy of it
     stock.newest = head;
     stock.place = place;
     stock.used = contents.end * 8;

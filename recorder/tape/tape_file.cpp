@@ -25,7 +25,7 @@ std::size_t SegmentWordsOf(std::span<const std::uint64_t> file) {
     return 0;
 }
 
-// The first place has none for a moment, when one was copied and the next one begins.
+// Where segments are written there is none for a moment, when the next one begins.
 void TakeSegment(TapeFile& tape, std::size_t at, std::size_t size) {
     const auto file = std::span<const std::uint64_t>(tape.words);
     const auto words = file.subspan(at, std::min(size, file.size() - at));
@@ -34,7 +34,7 @@ void TakeSegment(TapeFile& tape, std::size_t at, std::size_t size) {
         throw std::runtime_error(tape.name + ": " + kNewerTape);
     if (head && head->bytes == size * 8)
         tape.segments.push_back({*head, at * 8, ReadSegment(words, head->number)});
-    else if (!HasNothing(words) && (at > 0 || words.front() != 0))
+    else if (!HasNothing(words) && (at >= kDesks * size || words.front() != 0))
         tape.damages.push_back(
             AtByte(at * 8, "the head of a segment is damaged, which is passed over"));
 }

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <optional>
 
 #include "recorder/stream/record_reader.h"
+#include "recorder/tape/copier.h"
 #include "recorder/tape/stock.h"
 
 namespace recorder {
@@ -12,6 +14,8 @@ namespace {
 
 // What is told again takes at most so much of a tape, but for the first time in a session.
 constexpr std::uint64_t kShareToldAgain = 8;
+
+constexpr std::size_t kFewestPlaces = 2 * kDesks;
 
 std::atomic_ref<std::uint64_t> WordAt(std::byte* place) {
     return std::atomic_ref(*reinterpret_cast<std::uint64_t*>(place));
@@ -46,12 +50,15 @@ bool IsPlain(const RecordHead& head) {
 struct TapeWriter::State {
     std::string path;
     std::unique_ptr<MappedFile> file;
+    std::optional<Copier> copier;
     Stock stock;
     std::size_t mostSegments = 0;
     Stream* stream = nullptr;
 
     // The newest segment, and where its next record comes.
-    std::span<std::byte> segment;
+    std::span<std::byte> desks;     // the memory of the first places
+    std::size_t place = 0;          // of the newest segment
+    std::span<std::byte> segment;   // its memory
     SegmentHead head{.number = 0};  // 0 if there is none
     std::byte* at = nullptr;
     std::byte* end = nullptr;    // of the room for records
@@ -73,7 +80,10 @@ struct TapeWriter::State {
     std::size_t Used() const { return static_cast<std::size_t>(at - segment.data()); }
     std::uint64_t Position() const { return position + Used() - sizeof(SegmentHead); }
 
-    std::string Open();
+    std::string Open(std::uint64_t limit);
+    void GoOn();
+    void SitDownAt(std::size_t newPlace);
+    std::string KeepOther(std::size_t other);
     void Stop(const std::string& why) noexcept;
     void Sync();
     void Store(std::span<const std::byte> record);
@@ -89,23 +99,51 @@ struct TapeWriter::State {
 };
 
 // Goes on behind what the file holds already.
-std::string TapeWriter::State::Open() {
+std::string TapeWriter::State::Open(std::uint64_t limit) {
     std::string whyNot = TakeStock(*file, stock);
-    if (whyNot.empty()) segment = file->Map(stock.segmentBytes, whyNot);
     if (!whyNot.empty()) return whyNot;
-    at = end = segment.data() + sizeof(SegmentHead);
-    if (stock.newest.number == 0) return {};
+    mostSegments = std::max(static_cast<std::size_t>(limit / stock.segmentBytes), kFewestPlaces);
+    desks = file->Map(kDesks * static_cast<std::size_t>(stock.segmentBytes), whyNot);
+    if (desks.empty()) return whyNot;
+    copier.emplace(*file);
     head = stock.newest;
+    const bool isThere = head.number != 0 && stock.place < kDesks;
+    for (std::size_t other = 0; other < kDesks; ++other)
+        if (!isThere || other != stock.place) whyNot = KeepOther(other);
+    if (!whyNot.empty()) return whyNot;
+    SitDownAt(isThere ? stock.place : 0);
     position = head.position;
-    if (stock.place != 0) {
+    if (isThere)
+        GoOn();
+    else if (head.number != 0)
         position += stock.used - sizeof(SegmentHead);
-        return {};
-    }
+    return {};
+}
+
+// What a process left that ended while it was being copied.
+std::string TapeWriter::State::KeepOther(std::size_t other) {
+    if (stock.slots.NumberAt(other) == 0) return {};
+    const std::size_t copy = stock.slots.PlaceOfCopy(other, mostSegments);
+    SitDownAt(other);
+    stock.slots.Copy(other, copy);
+    return file->Write(copy * stock.segmentBytes, segment);
+}
+
+// Where nothing is written yet.
+void TapeWriter::State::SitDownAt(std::size_t newPlace) {
+    place = newPlace;
+    const auto size = static_cast<std::size_t>(stock.segmentBytes);
+    segment = desks.subspan(place * size, size);
+    at = end = segment.data() + sizeof(SegmentHead);
+}
+
+// Behind the last good record of the newest segment.
+void TapeWriter::State::GoOn() {
     salt = std::uint64_t{SaltOf(head.number)} << 32;
     at = segment.data() + stock.used;
     end = stock.isClosed ? at : segment.data() + segment.size();
+    isSynced = true;
     std::ranges::fill(segment.subspan(stock.used), std::byte{0});
-    return {};
 }
 
 void TapeWriter::State::Stop(const std::string& why) noexcept {
@@ -119,7 +157,8 @@ void TapeWriter::State::Stop(const std::string& why) noexcept {
 }
 
 void TapeWriter::State::Sync() {
-    const std::string why = file->Sync();
+    std::string why = copier->Finish();
+    if (why.empty()) why = file->Sync();
     isSynced = true;
     if (!why.empty()) Stop(why);
 }
@@ -136,19 +175,19 @@ void TapeWriter::State::Store(std::span<const std::byte> record) {
     at = next;
 }
 
-// Copies the segment to where it stays. What the disk has of it already must be there on the disk
-// before another one takes its place.
+// Has the segment copied to where it stays. What the disk has of it already must be there on the
+// disk before another one takes its place, for which there is time until the next one is full.
 bool TapeWriter::State::KeepSegment() {
-    const std::size_t place = stock.slots.PlaceForNewest(mostSegments);
-    const std::size_t size = std::min(Used() + 8, segment.size());
-    const std::string why = file->Write(place * stock.segmentBytes, segment.first(size));
+    const std::string why = copier->Finish();
     if (!why.empty()) {
         Stop(why);
         return false;
     }
-    stock.slots.CopyNewest(place);
-    if (isSynced) Sync();
-    return !isStopped;
+    const std::size_t copy = stock.slots.PlaceForCopy(mostSegments);
+    stock.slots.Copy(place, copy);
+    copier->Start(copy * stock.segmentBytes, segment.first(std::min(Used() + 8, segment.size())),
+                  isSynced);
+    return true;
 }
 
 bool TapeWriter::State::BeginSegment(std::uint64_t session) {
@@ -157,21 +196,22 @@ bool TapeWriter::State::BeginSegment(std::uint64_t session) {
         Stop("the file was taken away");
         return false;
     }
-    if (Used() > sizeof(SegmentHead) && !KeepSegment()) return false;
+    const bool isUsed = Used() > sizeof(SegmentHead);
+    if (isUsed && !KeepSegment()) return false;
     position = Position();
+    SitDownAt(isUsed ? (place + 1) % kDesks : place);
     head = Sealed({.number = head.number + 1,
                    .bytes = stock.segmentBytes,
                    .position = position,
                    .session = session});
     salt = std::uint64_t{SaltOf(head.number)} << 32;
-    at = segment.data() + sizeof(SegmentHead);
     end = segment.data() + segment.size();
     isSynced = false;
     WordAt(segment.data()).store(0, std::memory_order_release);
     std::memcpy(segment.data() + 8, &head.version, sizeof head - 8);
     WordAt(at).store(0, std::memory_order_relaxed);
     WordAt(segment.data()).store(head.magic, std::memory_order_release);
-    stock.slots.Put(0, head.number, session);
+    stock.slots.Put(place, head.number, session);
     isTellingDue = position - toldAt >= kShareToldAgain * toldBytes;
     if (isTellingDue && stream != nullptr) stream->ForgetMeshes();
     return true;
@@ -239,7 +279,7 @@ void TapeWriter::State::TellAgain(const std::function<void(const TellObject&)>& 
 
 void TapeWriter::State::BeginSession(std::span<const std::byte> record) {
     ++stock.session;
-    stock.slots.SessionBegan(0, stock.session);
+    stock.slots.SessionBegan(place, stock.session);
     sessionRecord.resize(record.size() / 8);
     std::memcpy(sessionRecord.data(), record.data(), record.size());
     sessionRecord[1] = 0;  // its number
@@ -269,6 +309,7 @@ void TapeWriter::State::Follow(const Record& record, std::span<const std::byte> 
         if (openGroups > 0 && --openGroups == 0) Sync();
     } else if (operation == Operation::Routine_detach) {
         Sync();
+        copier->End();
     }
 }
 
@@ -276,21 +317,24 @@ std::unique_ptr<TapeWriter> TapeWriter::Open(const TapeSettings& settings, std::
     auto state = std::make_unique<State>();
     state->path = settings.path;
     state->file = MappedFile::Open(settings.path, whyNot);
-    if (state->file) whyNot = state->Open();
+    if (state->file) whyNot = state->Open(std::max(settings.limit, kLeastTapeLimit));
     if (!whyNot.empty()) {
         whyNot = settings.path + ": " + whyNot;
         return nullptr;
     }
-    state->mostSegments = static_cast<std::size_t>(std::max(settings.limit, kLeastTapeLimit) /
-                                                   state->stock.segmentBytes);
     return std::unique_ptr<TapeWriter>(new TapeWriter(std::move(state)));
 }
 
 TapeWriter::TapeWriter(std::unique_ptr<State> state) : state_(std::move(state)) {}
 
+// Of a tape of one segment what follows that is given back.
 TapeWriter::~TapeWriter() {
-    state_->file->Sync();
-    if (state_->stock.slots.Count() == 1) state_->file->Shrink(state_->Used());
+    State& state = *state_;
+    state.copier.reset();
+    state.file->Sync();
+    if (state.place == 0 && state.stock.slots.Count() == kDesks &&
+        state.stock.slots.NumberAt(1) == 0)
+        state.file->Shrink(state.Used());
 }
 
 void TapeWriter::Join(Stream& stream) noexcept {

@@ -121,10 +121,11 @@ TEST(TapeLaw, DamageCostsTheRecordThatItHits_OrTheSegmentWhoseHeadItHits) {
         records.Some(both, 45'000);
     }
     const std::vector<std::uint8_t> whole = BytesOf(path);
-    ASSERT_GT(whole.size(), 2 * kNewSegment);
-    // The first segments lie behind the place of the newest.
+    ASSERT_GT(whole.size(), 5 * kNewSegment);
+    // The first segments lie behind the places where they were written.
+    constexpr std::size_t kFirst = kDesks * kNewSegment;
     std::vector<std::uint8_t> damaged = whole;
-    std::size_t at = kNewSegment + sizeof(SegmentHead);
+    std::size_t at = kFirst + sizeof(SegmentHead);
     for (std::size_t i = 0; i < 100; ++i)
         at += kept.records[i].size();
     damaged[at + kept.records[100].size() - 1] ^= 1;
@@ -146,8 +147,8 @@ TEST(TapeLaw, DamageCostsTheRecordThatItHits_OrTheSegmentWhoseHeadItHits) {
         EXPECT_EQ(rows.front(), kept.records.front());
         EXPECT_EQ(rows.back(), kept.records.back());
     };
-    damageCostsWhatLiesBetween(2 * kNewSegment + 20, 8);
-    damageCostsWhatLiesBetween(3 * kNewSegment / 2, kNewSegment / 2);
+    damageCostsWhatLiesBetween(kFirst + kNewSegment + 20, 8);
+    damageCostsWhatLiesBetween(kFirst + kNewSegment / 2, kNewSegment / 2);
 }
 
 TEST(TapeLaw, WhatASceneHoldsGoesBeforeWorkThatWasNeverSaved) {

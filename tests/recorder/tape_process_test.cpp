@@ -108,7 +108,9 @@ TEST(TapeOfAProcess, EndsWithOneLineWhereThereIsNoRoom_AndStaysReadable) {
     setrlimit(RLIMIT_FSIZE, &usual);
     EXPECT_EQ(tape->WhyStopped(), path + ": the tape ends here: File too large");
     tape.reset();
-    EXPECT_EQ(CountOf(path), whole);
+    // The record after which the tape found out can be on it.
+    EXPECT_TRUE(CountOf(path) == whole || CountOf(path) == whole + 1);
+    whole = CountOf(path);
     EXPECT_TRUE(ReadTape(path).damages.empty());
 
     // There is room again.
