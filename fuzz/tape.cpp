@@ -19,8 +19,8 @@ using Bytes = std::vector<std::uint8_t>;
 // lead from one to the next.
 Bytes WithChecksums(const Bytes& bytes) {
     std::vector<std::uint64_t> words(bytes.size() / 8);
-    std::memcpy(words.data(), bytes.data(), words.size() * 8);
     if (words.size() < recorder::kSegmentHeadWords) return bytes;
+    std::memcpy(words.data(), bytes.data(), words.size() * 8);
     recorder::SegmentHead head;
     std::memcpy(static_cast<void*>(&head), words.data(), sizeof head);
     head.magic = recorder::kSegmentMagic;
