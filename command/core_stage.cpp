@@ -253,7 +253,7 @@ void CoreStage::Note(std::string_view word, std::string_view about) noexcept {
 }
 
 void CoreStage::NoteScene(std::string_view word, const std::string& scene) {
-    if (recorder_) recorder_->Note(word, recorder::DigestOfFile(scene) + ' ' + scene);
+    if (recorder_) recorder_->NoteScene(word, scene);
 }
 
 std::vector<recorder::Finding> CoreStage::Findings() const {

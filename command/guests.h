@@ -30,6 +30,7 @@ struct GuestChoice {
 
     std::string tape{};  // the file that takes in all that crosses the boundary; empty for none
     std::uint64_t tapeLimit = recorder::kUsualTapeLimit;  // bytes
+    bool withScenes = false;  // those that are opened or merged travel in the tape
     WatchChoice watch = WatchChoice::kNo;
 };
 

@@ -60,6 +60,7 @@ void AddVerbs(CLI::App& app) {
     headless::AddCheckVerb(app);
     headless::AddTapeVerbs(app);
     headless::AddTapeWatchVerb(app);
+    headless::AddTapeReplayVerb(app);
     headless::AddHelpVerbs(app);
 }
 

@@ -1,5 +1,6 @@
 #include "command/stage_recorder.h"
 
+#include <fstream>
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <utility>
@@ -7,6 +8,9 @@
 #include "command/exit_status.h"
 #include "command/output.h"
 #include "command/written_files.h"
+#include "platform/narrow_path.h"
+#include "recorder/stream/notes.h"
+#include "recorder/tape/scene_digest.h"
 
 namespace headless {
 namespace {
@@ -65,6 +69,15 @@ void StageRecorder::Detach(CoreInterface* core, const DetachCore& detach) {
 
 void StageRecorder::Note(std::string_view word, std::string_view about) noexcept {
     if (hasBegun_) stream_.Note(word, about);
+}
+
+void StageRecorder::NoteScene(std::string_view word, const std::string& scene) {
+    const std::string digest = recorder::DigestOfFile(scene) + ' ';
+    if (guests_.withScenes && word != recorder::note::kSaved) {
+        std::ifstream file(platform::FromNarrow(scene), std::ios::binary);
+        if (const auto bytes = RestOf(file)) Note(recorder::note::kScene, digest + *bytes);
+    }
+    Note(word, digest + scene);
 }
 
 std::vector<std::string> StageRecorder::TakeTroubles() {

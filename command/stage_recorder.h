@@ -38,6 +38,9 @@ class StageRecorder final : public CoreBetween {
     // A word of recorder/stream/notes.h. Nothing before a Core was attached first.
     void Note(std::string_view word, std::string_view about) noexcept;
 
+    // The same of a scene's file, which travels along if that is asked for and it was read.
+    void NoteScene(std::string_view word, const std::string& scene);
+
     // Why records do not come onto the tape any more, or were lost, each once; usually none.
     std::vector<std::string> TakeTroubles();
 

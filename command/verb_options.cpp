@@ -169,6 +169,9 @@ std::vector<CLI::Option*> AddCore(CLI::App& verb, GuestChoice& choice) {
             [&choice](const std::string& text) { choice.tapeLimit = ReadTapeLimit(text); })
         ->default_str("1G")
         ->needs(tape);
+    AddSwitch(verb, "--with-scenes", choice.withScenes,
+              "Scenes that are opened or merged travel in the tape")
+        ->needs(tape);
     return {core, tape, AddWatch(verb, choice.watch)};
 }
 

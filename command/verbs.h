@@ -24,6 +24,7 @@ void AddCheckVerb(CLI::App& app);
 void AddDiffVerb(CLI::App& app);
 void AddTapeVerbs(CLI::App& app);
 void AddTapeWatchVerb(CLI::App& app);
+void AddTapeReplayVerb(CLI::App& app);
 
 // Of all verbs, so that they are added last.
 void AddHelpVerbs(CLI::App& app);

@@ -58,6 +58,10 @@ Cause Steps(std::string step) {
     return cause;
 }
 
+std::string NameAt(std::uint64_t call) {
+    return "saved at call " + std::to_string(call);
+}
+
 Cause Unknown(std::string whyNot) {
     Cause cause;
     cause.whyNot = std::move(whyNot);
@@ -199,7 +203,7 @@ Cause Causes::NewOrOpen(std::size_t place) {
         return Steps(isReset ? "reset" : "new");
     }
     const bool isNoted = event.word == recorder::note::kOpened;
-    const std::string path = isNoted ? event.path : PathOfState(records_[state]);
+    const std::string path = isNoted ? event.path : SavedWith(event);
     if (path.empty()) return Unknown("a scene was opened, and the tape does not tell which");
     Cause cause = Steps("open " + Quoted(path));
     cause.digest = isNoted ? event.digest : "";
@@ -210,24 +214,24 @@ Cause Causes::NewOrOpen(std::size_t place) {
 std::string Causes::SavedAs(const Event& event) const {
     if (event.word == recorder::note::kSaved) return event.path;
     const std::size_t state = event.Find(records_, Operation::CoreInterface_GetCoreState);
-    return "saved at call " +
-           std::to_string(records_[std::min(state, event.calls.back())].head.call);
+    return NameAt(records_[std::min(state, event.calls.back())].head.call);
 }
 
-// How the scene is called that was saved with this state; empty if there is none.
-std::string Causes::PathOfState(const Record& state) const {
-    std::string path;
-    for (std::size_t place = 0; place < records_.size(); ++place) {
-        if (records_[place].head.call >= state.head.call) break;
-        if (!records_[place].Is(RecordKind::kAnswer, Operation::CoreInterface_GetCoreState) ||
-            !std::ranges::equal(records_[place].values, state.values))
-            continue;
-        const auto call = std::ranges::find(records_, records_[place].head.call,
-                                            [](const Record& each) { return each.head.call; });
-        path =
-            SavedAs(Event(records_, static_cast<std::size_t>(call - records_.begin()), kOfSaving));
-    }
-    return path;
+// How the scene is called that was saved last with what the Core is given in the event; empty if
+// there is none.
+std::string Causes::SavedWith(const Event& event) const {
+    std::vector<std::string> given;
+    for (const std::size_t call : event.calls)
+        if (records_[call].head.operation == Operation::CoreInterface_SetCoreState)
+            given.push_back(ValueReader(records_[call]).Tree().Write());
+    const auto isGiven = [&](const std::string& part) {
+        return std::ranges::any_of(
+            given, [&](const std::string& text) { return text.find(part) != std::string::npos; });
+    };
+    const auto saved = std::find_if(saved_.rbegin(), saved_.rend(), [&](const Saved& each) {
+        return !each.parts.empty() && std::ranges::all_of(each.parts, isGiven);
+    });
+    return saved == saved_.rend() ? std::string() : saved->name;
 }
 
 Cause Causes::SaveOrDetach(std::size_t place) {
@@ -242,10 +246,11 @@ Cause Causes::SaveOrDetach(std::size_t place) {
 
 Cause Causes::Merge(std::size_t place) {
     const Event event(records_, place, {});
-    if (event.word != recorder::note::kMerged)
-        return Unknown("a scene was merged, and the tape does not tell which");
-    Cause cause = Steps("merge " + Quoted(event.path));
-    cause.digest = event.digest;
+    const bool isNoted = event.word == recorder::note::kMerged;
+    const std::string path = isNoted ? event.path : SavedWith(event);
+    if (path.empty()) return Unknown("a scene was merged, and the tape does not tell which");
+    Cause cause = Steps("merge " + Quoted(path));
+    cause.digest = isNoted ? event.digest : "";
     return cause;
 }
 
@@ -366,9 +371,30 @@ void Causes::Note(ObjectId object, Operation undone, Operation redone) {
     if (groups_ > 0 && isHeardOf) open_.deeds.push_back({object, undone, redone});
 }
 
+// What a scene stores of the Core: the whole state, and each plug-in's.
+void Causes::FollowSave(const Record& answer) {
+    ValueReader values(answer);
+    if (answer.head.operation == Operation::CoreInterface_GetCoreState) {
+        const XMLNode state = values.Tree();
+        if (!state.children.empty()) saving_.parts.push_back(state.Write());
+        saving_.name = NameAt(answer.head.call);
+        saved_.push_back(std::exchange(saving_, {}));
+        return;
+    }
+    values.Skip('x');
+    if (values.Letter() != 't') return;
+    for (const auto& part : values.Tree().children)
+        saving_.parts.push_back(part->Child("TVL_Plugin").Write());
+}
+
 void Causes::FollowCall(const Record& record) {
     const bool isCall = record.head.kind == RecordKind::kCall;
     const bool isAnswer = record.head.kind == RecordKind::kAnswer;
+    if (record.head.kind == RecordKind::kNote && !saved_.empty()) {
+        ValueReader values(record);
+        if (values.Text() == recorder::note::kSaved)
+            saved_.back().name = ReadSceneNote(values.Text()).rest;
+    }
     if (!isCall && !isAnswer) return;
     switch (record.head.operation) {
         case Operation::AdaptorInterface_BeginUndoGroup:
@@ -403,6 +429,10 @@ void Causes::FollowCall(const Record& record) {
             if (isCall)
                 Note(record.head.object, Operation::NodeListener_OnNodeRestored,
                      Operation::NodeListener_OnNodeRemoved);
+            break;
+        case Operation::CoreInterface_GetCoreState:
+        case Operation::CExtendable_HandleExtension:
+            if (isAnswer && !IsOfCore(record)) FollowSave(record);
             break;
         case Operation::CoreInterface_ResetCore:
         case Operation::AdaptorInterface_FlushUndoBuffer:

@@ -55,7 +55,7 @@ class Causes {
     Cause Detach(std::size_t place);
 
     std::string SavedAs(const Event& event) const;
-    std::string PathOfState(const Record& state) const;
+    std::string SavedWith(const Event& event) const;
 
     // What an undo step of the Core's did of which the Core hears when it is undone or redone, in
     // its order.
@@ -78,12 +78,20 @@ class Causes {
 
     void Follow(std::size_t place);
     void FollowCall(const Record& record);
+    void FollowSave(const Record& answer);
     void Note(ObjectId object, Operation undone, Operation redone);
 
     const std::vector<Record>& records_;
     std::set<ObjectId> heardOf_;  // nodes of which the Core hears
 
+    struct Saved {
+        std::string name;
+        std::vector<std::string> parts;  // what the Core stored, as texts
+    };
+
     // As far as the tape was followed.
+    std::vector<Saved> saved_;
+    Saved saving_;
     std::vector<Step> undo_;  // the newest last
     std::vector<Step> redo_;
     Step open_;

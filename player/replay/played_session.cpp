@@ -4,7 +4,6 @@
 #include <array>
 #include <stdexcept>
 
-#include "player/replay/values_text.h"
 #include "recorder/stream/notes.h"
 #include "recorder/stream/record_writer.h"
 
@@ -39,18 +38,15 @@ bool IsStatus(Operation operation) {
     return row.className == "AdaptorInterface" && row.answered == "i" && row.name != "GetVersion";
 }
 
-std::string TextOfAnswer(Operation operation, std::span<const std::uint64_t> values) {
-    const std::string text = TextOfValues(RowOf(operation).answered, values);
-    return "the answer" + (text.empty() ? text : ' ' + text);
+Told ToldOf(const Record& record) {
+    Told told{record.head.kind, record.head.operation, {}, {}};
+    told.values.assign(record.values.begin(), record.values.end());
+    return told;
 }
 
-std::string TextOfThrown(std::string_view words) {
-    return "thrown: " + std::string(words);
-}
-
-std::string TextOfEnd(const Record& end) {
-    if (end.head.kind == RecordKind::kThrown) return TextOfThrown(ValueReader(end).Text());
-    return TextOfAnswer(end.head.operation, end.values);
+Told ToldOf(Operation operation, const Performed& performed) {
+    if (!performed.thrown) return {RecordKind::kAnswer, operation, performed.values, {}};
+    return {RecordKind::kNote, operation, {}, "thrown: " + *performed.thrown};
 }
 
 template <class... Values>
@@ -103,7 +99,6 @@ const Record* PlayedSession::Peek(bool passesNotes) {
         switch (record.head.kind) {
             case RecordKind::kObject:
                 if (objects_) objects_->Know(record);
-                names_[record.head.object] = ValueReader(record).Facts().name;
                 break;
             case RecordKind::kNote:
                 if (!passesNotes) return &record;
@@ -149,7 +144,7 @@ std::span<const std::uint64_t> PlayedSession::Answer(const Record& call) {
     if (isQuestion && making_ == 0) return {};
     if (IsOfListener(call.head.operation) && !heardOf_.contains(ValueReader(call).Object()))
         return {};
-    Differ(NamedCall(call));
+    Differ(ToldOf(call));
     return {};
 }
 
@@ -207,7 +202,7 @@ void PlayedSession::Make(const Record& call, const std::function<Performed()>& p
     const Record* const end = Peek(true);
     if (!end || verdict_) return;
     if (!IsEndOf(*end, call.head.call)) {
-        Differ("the end of " + NamedCall(call));
+        Differ("the end of " + std::string(RowOf(call.head.operation).name));
         return;
     }
     if (Compare(call, *end, performed)) ++at_;
@@ -249,9 +244,10 @@ bool PlayedSession::Compare(const Record& call, const Record& end, const Perform
                      ? (end.values.front() == 0) == (performed.values.front() == 0)
                      : Match(RowOf(operation).answered, end.values, performed.values, *objects_);
     if (isSame) return true;
-    Judge(&call, true, TextOfEnd(end),
-          performed.thrown ? TextOfThrown(*performed.thrown)
-                           : TextOfAnswer(operation, performed.values));
+    const auto place = std::ranges::find(session_.records, call.head.call,
+                                         [](const Record& each) { return each.head.call; });
+    Judge(static_cast<std::size_t>(place - session_.records.begin()), true, ToldOf(end),
+          ToldOf(operation, performed));
     return false;
 }
 
@@ -285,35 +281,20 @@ const Record* PlayedSession::Next() {
     return nullptr;
 }
 
-std::string PlayedSession::NamedCall(const Record& call) const {
-    const recorder::OperationRow& row = RowOf(call.head.operation);
-    std::string text(row.name);
-    text += '(' + TextOfValues(row.said, call.values) + ')';
-    const auto name = names_.find(call.head.object);
-    const bool isNamed = name != names_.end() && !name->second.empty();
-    return text + (isNamed ? " on " + name->second : "");
-}
-
-void PlayedSession::Judge(const Record* call, bool differs, std::string expected,
-                          std::string came) {
-    if (verdict_) return;
-    const RecordHead head = call ? call->head : RecordHead();
-    const bool isCall = call && head.kind == RecordKind::kCall;
-    verdict_ = {differs, head, isCall ? NamedCall(*call) : std::string(), std::move(expected),
-                std::move(came)};
+void PlayedSession::Judge(std::size_t place, bool differs, Told expected, Told came) {
+    if (!verdict_) verdict_ = {differs, place, std::move(expected), std::move(came)};
 }
 
 // The tape has something else next, or nothing more.
-void PlayedSession::Differ(std::string came) {
+void PlayedSession::Differ(Told came) {
     const Record* const next = Peek(true);
-    std::string expected = "the end of the session";
-    if (next) expected = next->head.kind == RecordKind::kCall ? NamedCall(*next) : TextOfEnd(*next);
-    Judge(next, true, std::move(expected), std::move(came));
+    Judge(at_, true,
+          next ? ToldOf(*next) : Told{RecordKind::kNote, {}, {}, "the end of the session"},
+          std::move(came));
 }
 
 void PlayedSession::CannotTell(std::string why) {
-    const Record* const next = at_ < session_.records.size() ? &session_.records[at_] : nullptr;
-    Judge(next, false, {}, std::move(why));
+    Judge(at_, false, {}, {RecordKind::kNote, {}, {}, std::move(why)});
 }
 
 }  // namespace player

@@ -11,13 +11,20 @@
 
 namespace player {
 
+// What was expected, or came: a call, an answer, what was thrown, or else something in words alone.
+struct Told {
+    RecordKind kind = RecordKind::kNote;
+    Operation operation{};
+    std::vector<std::uint64_t> values;
+    std::string words;
+};
+
 // Where the two came apart, or why they cannot be held against each other any further.
 struct Verdict {
-    bool differs = false;  // else it cannot be told
-    recorder::RecordHead call;
-    std::string operation;  // with what it is on
-    std::string expected;
-    std::string came;  // or why it cannot be told
+    bool differs = false;   // else it cannot be told
+    std::size_t place = 0;  // of the call among the session's records; one behind the last is none
+    Told expected;
+    Told came;  // or why it cannot be told
 };
 
 // The Core of one session of a tape. Calls that the adaptor makes must be those of the tape, and
@@ -48,7 +55,7 @@ class PlayedSession final : public PlayedCore {
 
     const std::optional<Verdict>& Over() const { return verdict_; }
     void CannotTell(std::string why);
-    void Differ(std::string came);
+    void Differ(std::string came) { Differ(Told{RecordKind::kNote, {}, {}, std::move(came)}); }
 
   private:
     const Record* Peek(bool passesNotes);
@@ -59,15 +66,14 @@ class PlayedSession final : public PlayedCore {
     void Make(const Record& call, const std::function<Performed()>& perform);
     Performed PerformHere(const Record& call);
     bool Compare(const Record& call, const Record& end, const Performed& performed);
-    std::string NamedCall(const Record& call) const;
-    void Judge(const Record* call, bool differs, std::string expected, std::string came);
+    void Differ(Told came);
+    void Judge(std::size_t place, bool differs, Told expected, Told came);
     void GiveBack();
 
     const recorder::TapeSession& session_;
     ReplayScenes& scenes_;
     std::optional<LiveObjects> objects_;
     std::set<ObjectId> heardOf_;  // nodes that the Core listens to, as far as the tape tells
-    std::unordered_map<ObjectId, std::string> names_;
     std::size_t at_ = 0;
     std::size_t calls_ = 0;
     int making_ = 0;  // calls of the Core's that are being made

@@ -15,6 +15,20 @@ bool IsNote(const Record& record, std::string_view word) {
     return record.head.kind == RecordKind::kNote && ValueReader(record).Text() == word;
 }
 
+// Of the scene that the step at a place opened or merged, which is told behind it; empty if it did
+// not.
+std::string DigestBehind(const recorder::TapeSession& session, std::size_t step) {
+    for (std::size_t place = step + 1; place < session.records.size(); ++place) {
+        if (session.records[place].head.kind != RecordKind::kNote) continue;
+        ValueReader values(session.records[place]);
+        const std::string_view word = values.Text();
+        if (word == note::kStep) break;
+        if (word == note::kOpened || word == note::kMerged)
+            return ReadSceneNote(values.Text()).digest;
+    }
+    return {};
+}
+
 constexpr char kAttach[] = "attach";
 
 // A Core that leaves by the panel is asked for its state ahead of that, and the next one is given
@@ -120,11 +134,13 @@ std::optional<Replay::Step> Replay::Noted(const Record& record) {
         Session()->Differ(failure_);
         return std::nullopt;
     }
+    const std::size_t place = Session()->Place();
     Session()->PassNote();
     if (word == note::kSaved) TakeSaved(ReadSceneNote(about));
     if (word != note::kStep) return std::nullopt;
     wasNoted_ = true;
-    return Step{std::string(about), {}, false, false};
+    return Step{std::string(about),
+                DigestBehind(tape_.sessions[first_ + played_.size() - 1], place), false, false};
 }
 
 void Replay::TakeSaved(const SceneNote& saved) {

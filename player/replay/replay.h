@@ -46,7 +46,7 @@ class Replay final : public headless::CoreBetween {
     void Failed(const std::string& why);
     void NoScene(const std::string& path);
 
-    // Where the two came apart; nothing while they have not.
+    // Where the two came apart, in the session that was begun last; null while they have not.
     const Verdict* Over() const;
 
     std::size_t Calls() const;

@@ -12,6 +12,6 @@ inline constexpr char kOpened[] =
 inline constexpr char kMerged[] = "merged";  // the same
 inline constexpr char kSaved[] = "saved";    // the same, of a save that succeeded: a checkpoint
 inline constexpr char kNew[] = "new";        // the scene was emptied
-inline constexpr char kScene[] = "scene";    // the bytes of a scene that travels along, by digest
+inline constexpr char kScene[] = "scene";  // one that travels along: its digest, a blank, its bytes
 
 }  // namespace recorder::note
