@@ -15,7 +15,7 @@ constexpr std::string_view kPlatform = "Windows";
 #else
 constexpr std::string_view kPlatform = "Linux";
 #endif
-constexpr std::string_view kThisRecorder = "Lumiset flight recorder";
+constexpr std::string_view kThisRecorder = "Lumiset flight recorder " LUMISET_VERSION;
 
 // UTC.
 std::string Now() {
@@ -67,8 +67,8 @@ Recorder::Recorder(Stream& stream, std::string core)
 
 Recorder::~Recorder() = default;
 
-// The adaptor ends the nodes of a Core that has refused or left as soon as it learns of that.
-
+// Here and below: the adaptor ends the nodes of a Core that has refused or left as soon as it
+// learns of that.
 CoreInterface* Recorder::Attach(TVL::AdaptorInterface* adaptor, const AttachCore& attach) {
     State::Boundary& boundary = state_->Begin(*adaptor);
     const AtEnd letGo([&] {

@@ -85,11 +85,11 @@ void MessageProxy::PassOn(Message& message, bool isBroadcast, MessageProxy& send
     const AtEnd putBack([&] {
         message.sender = node;
         message.lParam = parameter;
+        if (message.id == Message::kStopBroadcasting && isBroadcast) sender.TakeLeave();
     });
     message.sender = &sender;
     if (parameter == node) message.lParam = &sender;
     real_->Receive(&message, isBroadcast);
-    if (message.id == Message::kStopBroadcasting && isBroadcast) sender.TakeLeave();
 }
 
 // A link's own messages are those of this end of it.
@@ -140,15 +140,14 @@ MessageNode* MessageNet::Across(MessageNode* node, ObjectKind kind, std::int32_t
     return Proxy(*node, kind, messageId);
 }
 
-// A node that has taken its leave ends its links yet; whoever else is met at its address is
-// another.
+// A node that has taken its leave says so to others and ends its links yet; whoever listens, or is
+// given, at its address is another one.
 MessageProxy* MessageNet::Proxy(MessageNode& node, ObjectKind kind, std::int32_t messageId) try {
     {
         const std::lock_guard lock(mutex_);
         const auto known = std::ranges::find(proxies_.rbegin(), proxies_.rend(), &node,
                                              [](const auto& proxy) { return proxy->Behind(); });
-        if (known != proxies_.rend() &&
-            (!(*known)->HasLeft() || messageId == Message::kStoppedListening))
+        if (known != proxies_.rend() && (!(*known)->HasLeft() || messageId != Message::kListening))
             return known->get();
     }
     auto made = std::make_unique<MessageProxy>(*this, node, kind);  // it asks for the name

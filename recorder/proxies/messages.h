@@ -22,8 +22,7 @@ class MessageNet {
     MessageNet& operator=(const MessageNet&) = delete;
 
     // What stands on the other side for a node or proxy of this one; null for null, and where there
-    // is no memory. `kind` tells whose it is, if it is a node. One that has taken its leave is met
-    // again only for the message with which its links end.
+    // is no memory. `kind` tells whose it is, if it is a node; the message, what it is met for.
     MessageNode* Across(MessageNode* node, ObjectKind kind,
                         std::int32_t messageId = TVL::Util::Message::kListening);
 

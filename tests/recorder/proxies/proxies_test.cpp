@@ -240,6 +240,20 @@ void HideAndMove(Scene& scene) {
     knee.DeleteAnimationFrom(1);
     knee.SetParent(nullptr);
     scene.said(hip.IsVisible(), hip.GetChildCount(), hip.GetName(), hip.GetNodeName());
+
+    // A snapshot node that deletes nothing, since another element's node led to it, and one that
+    // does.
+    Rig other(scene.said);
+    auto& theirs = static_cast<CoreNode&>(
+        *scene.adaptor.CreateHelperNode(&other, "Theirs", &hip, {}, nullptr));
+    CoreNode& reached = scene.Above(theirs);
+    reached.Delete(true);
+    scene.said(reached.GetName(), reached.GetChildCount());
+    reached.Destroy();
+    knee.SetParent(&hip);
+    scene.Above(knee).Delete(true);
+    scene.said(hip.GetName(), knee.GetName());
+    theirs.Destroy();
 }
 
 void AskTheAdaptor(Scene& scene) {
