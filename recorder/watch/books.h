@@ -169,12 +169,16 @@ inline std::span<const std::uint64_t> ListOf(ValueReader& values) {
     return list.empty() ? list : list.subspan(1);
 }
 
-// Of nodes (node_rules.cpp). A node that nothing was told of yet is there.
+// Of the lives of nodes (node_lives.cpp). A node that nothing was told of yet is there.
 NodeMemory& NodeOf(Books& books, ObjectId id);
 NodeMemory* FindNode(Books& books, ObjectId id);  // null for one that is not known
-void SetLife(Books& books, NodeMemory& node, Life life);
 void KnowNode(Books& books, ObjectId id, const ObjectFacts& facts);
+void BearReal(Books& books, const Place& place, ObjectId id, ObjectId owner);
 void BearLent(Books& books, const Place& place, ObjectId id, ObjectId source);
+void Bear(Books& books, NodeMemory& node, const Place& place, ObjectId owner, bool isSnapshot);
+void HangBelow(NodeMemory& node, NodeMemory* parent);
+void SetLife(Books& books, NodeMemory& node, Life life);
+void End(Books& books, NodeMemory& node);
 void ForsakeNest(Books& books);  // what is in its records is not told any more
 void TellLeftNodes(Books& books);
 void TellNodesKeptOverReset(Books& books);

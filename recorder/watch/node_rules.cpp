@@ -8,54 +8,7 @@ namespace {
 
 using enum Operation;
 
-constexpr std::size_t kMostEnded = 4096;  // nodes that are remembered behind their end
-
-// Birth ----------------------------------------------------------------------------------------
-
-void HangBelow(NodeMemory& node, NodeMemory* parent) {
-    const bool hasEnded = node.life == Life::kEnded || (parent && parent->life == Life::kEnded);
-    if (node.parent == parent || (hasEnded && parent)) return;
-    if (node.parent) std::erase(node.parent->children, &node);
-    node.parent = parent;
-    if (parent) parent->children.push_back(&node);
-}
-
-// Where two owners bear one name the second one is told of when it gets its first node.
-void CheckOwnerName(Books& books, const Place& place, ObjectId owner) {
-    const OwnerMemory& own = books.owners[owner];
-    if (own.nodes != 0 || own.name.empty()) return;
-    for (const auto& [id, other] : books.owners)
-        if (id != owner && other.nodes > 0 && other.name == own.name)
-            books.found.Add(Rule::kOwnerNameTwice, place, own.name);
-}
-
-// An owner knows how many real nodes of its are there.
-void Count(Books& books, NodeMemory& node) {
-    const bool counts = !node.isSnapshot && node.owner != 0 && node.life == Life::kThere;
-    if (counts == node.isCounted) return;
-    node.isCounted = counts;
-    if (counts)
-        ++books.owners[node.owner].nodes;
-    else
-        --books.owners[node.owner].nodes;
-}
-
-// From here on it is another one.
-void Bear(Books& books, NodeMemory& node, const Place& place, ObjectId owner, bool isSnapshot) {
-    node.isSnapshot = true;
-    Count(books, node);
-    node.isSnapshot = isSnapshot;
-    node.owner = owner;
-    node.born = place;
-}
-
-void BearReal(Books& books, const Place& place, ObjectId id, ObjectId owner) {
-    NodeMemory& node = NodeOf(books, id);
-    Bear(books, node, place, owner, false);
-    if (!books.groups.empty()) node.nest = books.nest;
-    CheckOwnerName(books, place, owner);
-    Count(books, node);
-}
+// Made, claimed, lent --------------------------------------------------------------------------
 
 void SayCreation(Books& books, OpenCall& call, ValueReader& said) {
     const ObjectId owner = said.Object();
@@ -143,33 +96,7 @@ void NodeFound(Books& books, OpenCall&, ValueReader& answered) {
     if (id != 0) SetLife(books, NodeOf(books, id), Life::kThere);
 }
 
-// End ------------------------------------------------------------------------------------------
-
-// Snapshots and all go with the oldest node that has ended.
-void ForgetOldest(Books& books) {
-    const ObjectId oldest = books.ended[books.oldestEnded];
-    for (const ObjectId snapshot : books.nodes[oldest].snapshots)
-        books.snapshots.Forget(snapshot);
-    books.nodes.Forget(oldest);
-}
-
-void Remember(Books& books, ObjectId ended) {
-    if (books.ended.size() < kMostEnded) return books.ended.push_back(ended);
-    ForgetOldest(books);
-    books.ended[books.oldestEnded] = ended;
-    books.oldestEnded = (books.oldestEnded + 1) % kMostEnded;
-}
-
-void End(Books& books, NodeMemory& node) {
-    if (node.life == Life::kEnded) return;
-    TellLeftSnapshots(books, node);
-    HangBelow(node, nullptr);
-    while (!node.children.empty())
-        HangBelow(*node.children.back(), nullptr);
-    std::erase(books.overtaken, &node);
-    SetLife(books, node, Life::kEnded);
-    Remember(books, node.id);
-}
+// Given back, deleted --------------------------------------------------------------------------
 
 // Most are given back to themselves.
 void ReleaseNode(Books& books, OpenCall& call, ValueReader& said) {
@@ -248,7 +175,7 @@ void Flushed(Books& books, OpenCall&, ValueReader&) {
     }
 }
 
-// The rest -------------------------------------------------------------------------------------
+// Told, hung elsewhere, cut --------------------------------------------------------------------
 
 void Removed(Books& books, OpenCall&, ValueReader& said) {
     NodeMemory& node = NodeOf(books, said.Object());
@@ -282,15 +209,6 @@ void DeleteAnimation(Books& books, OpenCall& call, ValueReader& said) {
     node.transform = node.field = node.target = {};
 }
 
-std::vector<const NodeMemory*> InOrder(const Books& books) {
-    std::vector<const NodeMemory*> nodes;
-    for (const auto& [id, node] : books.nodes)
-        nodes.push_back(&node);
-    std::ranges::sort(nodes, {},
-                      [](const NodeMemory* node) { return std::pair(node->born.call, node->id); });
-    return nodes;
-}
-
 }  // namespace
 
 std::span<const Handler> NodeHandlers() {
@@ -317,70 +235,6 @@ std::span<const Handler> NodeHandlers() {
         {NodeListener_OnNodeRestored, Restored},
     };
     return kHandlers;
-}
-
-NodeMemory& NodeOf(Books& books, ObjectId id) {
-    NodeMemory& node = books.nodes[id];
-    node.id = id;
-    return node;
-}
-
-NodeMemory* FindNode(Books& books, ObjectId id) {
-    return books.nodes.Find(id);
-}
-
-void SetLife(Books& books, NodeMemory& node, Life life) {
-    if (node.life == Life::kEnded) return;
-    node.life = life;
-    Count(books, node);
-}
-
-void KnowNode(Books& books, ObjectId id, const ObjectFacts& facts) {
-    NodeMemory& node = NodeOf(books, id);
-    node.name = facts.name.empty() ? facts.hostName : facts.name;
-    if (node.born.call != 0) return;
-    node.isSnapshot = facts.isSnapshot;
-    node.owner = facts.of;
-}
-
-void BearLent(Books& books, const Place& place, ObjectId id, ObjectId source) {
-    if (id == 0) return;
-    NodeMemory& node = NodeOf(books, id);
-    Bear(books, node, place, node.owner, true);
-    node.source = source;
-}
-
-void ForsakeNest(Books& books) {
-    for (auto& [id, node] : books.nodes)
-        if (node.nest == books.nest && !node.isSnapshot) SetLife(books, node, Life::kUnsure);
-}
-
-bool TellIfEnded(Books& books, const Place& place, ObjectId id) {
-    const NodeMemory* const node = FindNode(books, id);
-    if (!node || node->life != Life::kEnded) return false;
-    books.found.Add(Rule::kNodeAfterEnd, place, node->name);
-    return true;
-}
-
-void TellLeftNodes(Books& books) {
-    for (const NodeMemory* const node : InOrder(books)) {
-        if (node->life == Life::kEnded || node->life == Life::kUnsure) continue;
-        TellLeftSnapshots(books, *node);
-        if (node->life == Life::kThere && node->born.call != 0)
-            books.found.Add(node->isSnapshot ? Rule::kSnapshotNodeKept : Rule::kNodeKept,
-                            node->born, node->name);
-        if (node->life == Life::kInRecord && node->deletedIn != 0)
-            books.found.Add(Rule::kOwnerInUndo, node->born, node->name);
-    }
-}
-
-// The host empties its undo buffer with the scene.
-void TellNodesKeptOverReset(Books& books) {
-    for (const NodeMemory* const node : InOrder(books))
-        if (node->life == Life::kThere && !node->isSnapshot && node->born.call != 0)
-            books.found.Add(Rule::kNodeKeptOverReset, node->born, node->name);
-    for (auto& [id, node] : books.nodes)
-        if (!node.isSnapshot) SetLife(books, node, Life::kUnsure);
 }
 
 }  // namespace recorder::watching
