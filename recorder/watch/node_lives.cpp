@@ -106,7 +106,7 @@ void SetLife(Books& books, NodeMemory& node, Life life) {
 void KnowNode(Books& books, ObjectId id, const ObjectFacts& facts) {
     NodeMemory& node = NodeOf(books, id);
     node.name = facts.name.empty() ? facts.hostName : facts.name;
-    if (node.born.call != 0) return;
+    if (node.born.call != 0 || node.isCounted) return;
     node.isSnapshot = facts.isSnapshot;
     node.owner = facts.of;
 }
