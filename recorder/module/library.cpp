@@ -4,6 +4,7 @@
 
 #if defined(_WIN32)
 #include "platform/win32.h"
+#include "platform/windows/last_error.h"
 #else
 #include <dlfcn.h>
 #endif
@@ -16,7 +17,7 @@ std::string Library::Load(const std::filesystem::path& path) {
     std::filesystem::path file = path;
     handle_ = LoadLibraryW(file.make_preferred().c_str());
     if (handle_) return {};
-    return std::system_category().message(static_cast<int>(GetLastError()));
+    return platform::WordsForLastError();
 }
 
 Library::~Library() {

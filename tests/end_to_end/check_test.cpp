@@ -73,6 +73,7 @@ TEST_F(CheckCore, WhateverBecomesOfACheckItIsOneFailedRowWithAllThatHelps) {
             EXPECT_TRUE(std::filesystem::exists(folder_.Path() / outcome[kept])) << outcome;
         EXPECT_TRUE(Line(outcome, {"alone"}).ends_with(std::string("--only ") + name + '"'));
     }
+    EXPECT_FALSE(outcomes.contains("random-steps"));
     const std::string junit = Read("checks.xml");
     for (const char* const part :
          {"<testcase classname=\"level 3\" name=\"press\" time=",

@@ -51,7 +51,7 @@ class Command : public testing::Test {
     std::map<std::string, std::string> Files() const;
 
     TemporaryFolder folder_;
-    bool isWatched_ = true;          // whatever starts a Core, so that a wrong call fails the test
+    bool isWatched_ = true;           // whatever starts a Core, so that a wrong call fails the test
     std::string core_ = CORE_FOLDER;  // below which a Core is installed
     std::string documents_;           // the user's folder of documents; none if empty
 };
