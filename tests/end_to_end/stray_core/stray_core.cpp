@@ -9,8 +9,8 @@
 #include "tvl/log.h"
 
 // A Core that does nothing well: its button warns and throws, it leaves undo groups open, and ends
-// the process at times below 0, never comes back from the times that are far away, and crashes when
-// the scene is emptied twice.
+// the process at times below 0, never comes back where time goes back, and crashes when the scene
+// is emptied twice.
 
 namespace {
 
@@ -30,8 +30,9 @@ class StrayCore final : public CoreInterface {
     }
     void NotifyTimeChanged(double seconds) override {
         if (seconds < 0) std::exit(0);
-        while (seconds > 1000)
+        while (seconds < last_)
             std::this_thread::sleep_for(std::chrono::seconds(1));
+        last_ = seconds;
         adaptor_.BeginUndoGroup("left open");
     }
 
@@ -49,6 +50,7 @@ class StrayCore final : public CoreInterface {
   private:
     TVL::AdaptorInterface& adaptor_;
     int resets_ = 0;
+    double last_ = 0;
 };
 
 }  // namespace
