@@ -86,7 +86,7 @@ XMLNode Life::GetCoreState() {
 }
 
 void Life::GetOptionValue(int option, bool* value) {
-    if (option == TVL::kOptimisedControllers) *value = named_ % 4 != 3;
+    if (option == TVL::kOptimisedControllers) *value = settings_.seed % 4 != 3;
 }
 
 void Life::OnNodeRemoved(TVL::CNode* node) {
@@ -226,11 +226,10 @@ void Life::ChangeOutside() {
     TVL::CoreNode* const node = AnyNode();
     if (!node || Chance(30)) {
         Create();
-        return;
-    }
-    if (Chance(40)) return Record();
-    if (hasNotes_ && Chance(10)) {  // a step of its own, whose undo nothing else tells of
-        Core([&] { return node->HandleExtension(TVL::kStopRecording, nullptr); });
+        TVL::CoreNode* const made = nodes_.empty() || Chance(70) ? nullptr : nodes_.back();
+        if (made) Core([&] { return made->HandleExtension(TVL::kStopRecording, nullptr); });
+    } else if (Chance(40)) {
+        Record();
     } else if (TVL::CSnapshot_Helper* const look =
                    Core([&] { return node->AcquireHelperSnapshot(); })) {
         const int size = 1 + Below(5);
@@ -238,6 +237,9 @@ void Life::ChangeOutside() {
         Core([&] { look->SetColor(0.25f, 0.5f, 1.0f); });
         Core([&] { node->ReleaseHelperSnapshot(look); });
     }
+    // It is built on groups that are not to be taken back from below it.
+    savedSteps_ = session_->UndoLabels().size();
+    canRedo_ = false;
 }
 
 void Life::Create() {
