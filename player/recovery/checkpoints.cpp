@@ -234,10 +234,10 @@ Checkpoint CheckpointAfter(const recorder::TapeSession& session, std::uint64_t c
 std::string LineOf(const Checkpoint& checkpoint) {
     std::string seconds = std::to_string(checkpoint.milliseconds / 1000.0);
     seconds.resize(seconds.find('.') + 4);
-    std::string line = "--after " + std::to_string(checkpoint.call) + ": " + seconds + " s, " +
+    std::string line = "--after " + std::to_string(checkpoint.call) + " (" + seconds + " s, " +
                        WordsOf(checkpoint);
     if (!checkpoint.path.empty()) line += ' ' + checkpoint.path;
-    return line;
+    return line + ')';
 }
 
 // The reader does not bring back all that can be written.

@@ -144,10 +144,10 @@ std::optional<Recovery::Candidate> Recovery::FindByStoredState() const {
 void Recovery::RefuseToGuess() const {
     std::string text = tape_.path + ": it cannot be told up to where ";
     text += choice_.scene.empty() ? "an empty scene" : choice_.scene;
-    text += " has what this tape holds. Name it by --session and --after; there are";
+    text += " has what this tape holds; name one of its moments";
     for (const std::size_t session : Sessions())
         for (const Checkpoint& checkpoint : checkpoints_[session])
-            text += "\n  --session " + std::to_string(session + 1) + ' ' + LineOf(checkpoint);
+            text += "; --session " + std::to_string(session + 1) + ' ' + LineOf(checkpoint);
     throw std::runtime_error(text);
 }
 
