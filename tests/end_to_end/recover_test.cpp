@@ -1,5 +1,5 @@
-#include "recorder/tape/segments.h"
 #include "tests/end_to_end/command.h"
+#include "tests/support/newest_segment.h"
 
 namespace {
 
@@ -10,8 +10,7 @@ class Recover : public Command {
         Do("run --core \"" + hello_ + "\" --tape " + tape + steps);
         std::string bytes = Read(tape);
         constexpr std::size_t kAnswer = 32;  // bytes; that to `detach` is the last record
-        const std::size_t last = bytes.find_last_not_of('\0', recorder::kNewSegment - 1);
-        const std::size_t end = (last / 8 + 1) * 8;
+        const std::size_t end = NewestSegment(bytes).end;
         bytes.replace(end - kAnswer, kAnswer, kAnswer, '\0');
         Write(tape, bytes);
     }

@@ -15,10 +15,10 @@
 #include "player/perform.h"
 #include "player/recovery/recover.h"
 #include "recorder/tape/read_tape.h"
-#include "recorder/tape/segments.h"
 #include "recorder/tape/tape_writer.h"
 #include "tests/recovery/life.h"
 #include "tests/support/folder/temporary_folder.h"
+#include "tests/support/newest_segment.h"
 
 namespace {
 
@@ -133,15 +133,13 @@ Count CountOf(const recorder::TapeSession& session) {
     return count;
 }
 
-// As if everything had ended with that byte of what is written: of the newest segment, which lies
-// first.
+// As if everything had ended with that byte of what is written.
 void CutTape(const std::string& path, std::uint64_t thousandth) {
-    std::string bytes = ReadFile(path).substr(0, recorder::kNewSegment);
-    const std::uint64_t used = bytes.find_last_not_of('\0') + 1;
-    const std::uint64_t from = used * thousandth / 1000;
+    const SegmentPlace newest = NewestSegment(ReadFile(path));
+    const std::uint64_t from = newest.begin + (newest.end - newest.begin) * thousandth / 1000;
     std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
     file.seekp(static_cast<std::streamoff>(from));
-    file << std::string(used - from, '\0');
+    file << std::string(newest.end - from, '\0');
 }
 
 void LiveUndisturbed(life::Settings settings, const Count& count, bool keepsOpenGroup,
