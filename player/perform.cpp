@@ -7,12 +7,14 @@
 #include <type_traits>
 
 #include "foundation/thrown.h"
+#include "recorder/stream/methods.h"
 
 namespace player {
 namespace {
 
 using recorder::ExtensionValue;
 using recorder::RecordWriter;
+using recorder::RowOf;
 using recorder::ValueReader;
 
 // A call that is being made.
@@ -264,43 +266,44 @@ ObjectId EndedBy(const Record& call, LiveObjects& objects) {
 
 // Which operation is made how ------------------------------------------------------------------
 
-#define PLAYER_OF_Routine(Name) nullptr
-#define PLAYER_OF_CoreInterface(Name) nullptr
-#define PLAYER_OF_NodeListener(Name) nullptr
-#define PLAYER_OF_CUndo(Name) nullptr
-#define PLAYER_OF_MessageNode(Name) &Send
-#define PLAYER_OF_AdaptorInterface(Name) &Plain<&TVL::AdaptorInterface::Name>
-#define PLAYER_OF_CExtendable(Name) &Plain<&TVL::CExtendable::Name>
-#define PLAYER_OF_CNode(Name) &Plain<&TVL::CNode::Name>
-#define PLAYER_OF_CoreNode(Name) OfCoreNode<&TVL::CoreNode::Name>(#Name)
-#define PLAYER_OF_CSnapshot(Name) &Plain<&TVL::CSnapshot::Name>
-#define PLAYER_OF_CSnapshot_Helper(Name) &Plain<&TVL::CSnapshot_Helper::Name>
-#define PLAYER_OF_CSnapshot_Lens(Name) &Plain<&TVL::CSnapshot_Lens::Name>
-#define PLAYER_OF_CSnapshot_Mesh(Name) &Plain<&TVL::CSnapshot_Mesh::Name>
-#define PLAYER_OF_CSnapshot_Shape(Name) &Plain<&TVL::CSnapshot_Shape::Name>
-#define PLAYER_ROW(Class, Name, Said, Answered) PLAYER_OF_##Class(Name),
+template <class>
+struct ClassOf;
+template <class Class, class Type>
+struct ClassOf<Type Class::*> {
+    using type = Class;
+};
 
-// Operations that take more.
-#define PLAYER_SPECIAL(Operation, How)             \
-    template <>                                    \
-    bool Plain<&TVL::Operation>(Making & making) { \
-        return How(making);                        \
-    }
-PLAYER_SPECIAL(CExtendable::HandleExtension, HandleExtension)
-PLAYER_SPECIAL(CSnapshot_Mesh::IntersectRay, IntersectRay)
-PLAYER_SPECIAL(CoreNode::Claim, Claim)
-#undef PLAYER_SPECIAL
-
-// CoreNode's rows, of which those of snapshots are told by their names.
-template <auto kOperation>
-constexpr MakeCall OfCoreNode(std::string_view name) {
-    if (name.starts_with("Acquire")) return &Lend<kOperation>;
-    const bool takesBack = name.starts_with("Release") && name.ends_with("Snapshot");
-    return takesBack ? &TakeBack<kOperation> : &Plain<kOperation>;
+// Null for what only the adaptor calls.
+template <Operation kOperation>
+constexpr MakeCall HowToMakeOne() {
+    constexpr auto kMethod = recorder::kMethodOf<kOperation>;
+    using Class = typename ClassOf<std::remove_const_t<decltype(kMethod)>>::type;
+    constexpr std::string_view kName = RowOf(kOperation).name;
+    constexpr bool kIsOfSnapshot =
+        std::is_same_v<Class, TVL::CoreNode> && kName.ends_with("Snapshot");
+    if constexpr (std::is_base_of_v<recorder::Routine, Class> ||
+                  std::is_base_of_v<CoreInterface, Class> ||
+                  std::is_base_of_v<TVL::NodeListener, Class> ||
+                  std::is_base_of_v<TVL::CUndo, Class>)
+        return nullptr;
+    else if constexpr (std::is_same_v<Class, TVL::Util::MessageNode>)
+        return &Send;
+    else if constexpr (kOperation == Operation::CExtendable_HandleExtension)
+        return &HandleExtension;
+    else if constexpr (kOperation == Operation::CSnapshot_Mesh_IntersectRay)
+        return &IntersectRay;
+    else if constexpr (kOperation == Operation::CoreNode_Claim)
+        return &Claim;
+    else if constexpr (kIsOfSnapshot && kName.starts_with("Acquire"))
+        return &Lend<kMethod>;
+    else if constexpr (kIsOfSnapshot)
+        return &TakeBack<kMethod>;
+    else
+        return &Plain<kMethod>;
 }
 
+#define PLAYER_ROW(Class, Name, Said, Answered) HowToMakeOne<Operation::Class##_##Name>(),
 constexpr auto kMakeCalls = std::to_array<MakeCall>({RECORDER_OPERATIONS(PLAYER_ROW)});
-
 #undef PLAYER_ROW
 
 MakeCall HowToMake(const Record& call) {
@@ -341,8 +344,7 @@ Performed Perform(const Record& call, LiveObjects& objects, const FindMesh& find
     making.answer.Begin(head);
     performed.thrown = TVL::ThrownBy([&] {
         const MakeCall make = HowToMake(call);
-        if (!make || !make(making))
-            PutNothing(recorder::RowOf(call.head.operation).answered, making.answer);
+        if (!make || !make(making)) PutNothing(RowOf(call.head.operation).answered, making.answer);
     });
     objects.End(ended);
     const auto values = making.answer.End().values;

@@ -39,6 +39,7 @@ PARTS = [
                                          "platform/windows/last_error.h", "foundation/thrown.h"]),
     ("player", None, "", ["player", "recorder", "tvl", "foundation/thrown.h",
                            "headless/core_seat.h", "headless/session.h", "headless/scene_view.h",
+                           "headless/scene_file_view.h",
                            "host", "platform"]),
     ("command", None, "", ["command", "player", "recorder", "headless", "host", "platform", "replay",
                              "tvl/adaptor_interface.h", "tvl/ids.h", "tvl/installation.h",

@@ -22,6 +22,8 @@ constexpr std::array kNotCompared = {Operation::AdaptorInterface_GetPlatformName
 
 constexpr std::string_view kNothingCame = "nothing";
 
+constexpr int kDeepest = 200;  // calls of the Core's in one another
+
 bool IsOfListener(Operation operation) {
     return operation == Operation::NodeListener_OnNodeRemoved ||
            operation == Operation::NodeListener_OnNodeRestored;
@@ -193,6 +195,10 @@ bool PlayedSession::MakeLink(const Record& call) {
 
 // What the living adaptor asks meanwhile is played inside.
 void PlayedSession::Make(const Record& call, const std::function<Performed()>& perform) {
+    if (making_ == kDeepest) {
+        CannotTell("calls are deeper in one another than can be played");
+        return;
+    }
     ++at_;
     ++calls_;
     ++making_;
