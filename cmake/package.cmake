@@ -38,7 +38,8 @@ install(
 
 install(DIRECTORY examples/hello_core DESTINATION share/TarvoLumiset/examples)
 
-install(FILES docs/writing-a-core.md docs/flight-recorder.md docs/watch.md CHANGELOG.md DESTINATION share/doc/TarvoLumiset)
+install(FILES docs/writing-a-core.md docs/flight-recorder.md docs/tape.md docs/watch.md CHANGELOG.md
+  DESTINATION share/doc/TarvoLumiset)
 install(FILES docs/pictures/axes.png docs/pictures/bounce.png
   DESTINATION share/doc/TarvoLumiset/pictures)
 

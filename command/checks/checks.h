@@ -58,6 +58,9 @@ struct CheckOptions {
     double secondsEach = 60;
 };
 
+// What another process has told into that file, with the line ends of text.
+std::string ToldInto(const std::string& log);
+
 // In this process, with the watch and a tape.
 CheckOutcome MakeCheck(const Check& check, const CheckOptions& options);
 

@@ -138,6 +138,12 @@ const std::vector<Check>& Checks() {
     return all;
 }
 
+std::string ToldInto(const std::string& log) {
+    std::string told = TextOfFile(log);
+    std::erase(told, '\r');
+    return told;
+}
+
 CheckOutcome MakeCheck(const Check& check, const CheckOptions& options) {
     const Clock::time_point begin = Clock::now();
     const CheckStage::Place place = PlaceOf(check, options);
@@ -170,7 +176,7 @@ CheckOutcome MakeCheckApart(const Check& check, const CheckOptions& options) {
                             .output = platform::FromNarrow(outcome.log),
                             .seconds = options.secondsEach});
     if (ending.whyNot.empty()) {
-        ReadVerdict(TextOfFile(outcome.log), outcome);
+        ReadVerdict(ToldInto(outcome.log), outcome);
     } else {
         outcome.verdict = Verdict::kFaulty;
         outcome.why = ending.whyNot;

@@ -4,7 +4,6 @@
 #include "command/checks/checks.h"
 #include "command/exit_status.h"
 #include "command/output.h"
-#include "command/written_files.h"
 #include "headless/scene_view.h"
 #include "platform/child_process.h"
 #include "platform/narrow_path.h"
@@ -53,7 +52,7 @@ void OpenInAnotherProcess(CheckStage& stage) {
                             .arguments = {"run", stage.ScenePath("a"), "--core", stage.Core(),
                                           "--watch=strict", "--do", "press 1046", "--do", "new"},
                             .output = platform::FromNarrow(log)});
-    const std::string said = TextOfFile(log);
+    const std::string said = ToldInto(log);
     std::cerr << said;
     CheckStage::Expect(ending.whyNot.empty(), "another process was " + ending.whyNot);
     CheckStage::Expect(ending.status == kDone, "another process: " + LastLineOf(said));
