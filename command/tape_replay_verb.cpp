@@ -100,7 +100,7 @@ class Performance {
         if (use == StepFile::kDrawn) return;
         if (use == StepFile::kSaved)
             step.words.texts.front() = scenes_.ToWrite(step.File());
-        else if (use != StepFile::kNone && !FindScene(given, step))
+        else if (use != StepFile::kNone && (given.isWithoutScene || !FindScene(given, step)))
             return;
         Session& host = stage_.Host();
         if (step.kind->name == "press" && !host.IsUtilityOpen(TVL::kPanelUtility))

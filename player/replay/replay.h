@@ -36,6 +36,9 @@ class Replay final : public headless::CoreBetween {
         std::string digest;       // of the scene that it reads, if it was noted
         bool isInferred = false;  // no note tells it
         bool isRepeated = false;  // until the adaptor is heard
+
+        // If it is one that reads a scene, that was not there, or not read: nothing came of it.
+        bool isWithoutScene = false;
     };
 
     // Ends when all is over, or the two have come apart.
