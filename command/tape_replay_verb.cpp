@@ -182,6 +182,14 @@ void Tell(ReplayResult& result, const recorder::TapeSession& session) {
     Shorten(result.expected, result.came);
 }
 
+// A Core that refused on the tape refuses here as well, and there is no more to play.
+void Perform(const ReplayArguments& arguments, player::Replay& replay, player::ReplayScenes& scenes,
+             std::vector<std::string>& told) try {
+    Performance(arguments, replay, scenes).Perform(told);
+} catch (const Failure& failure) {
+    if (replay.Calls() == 0) throw Failure(failure.what(), kNotCompared);
+}
+
 // All sessions, or one with those of the same host that came before it.
 ReplayResult Play(const ReplayArguments& arguments) {
     const recorder::TapeContents tape = Read(arguments);
@@ -195,7 +203,7 @@ ReplayResult Play(const ReplayArguments& arguments) {
         player::Replay replay(tape, first, scenes);
         const std::size_t begin = std::exchange(first, replay.End());
         if (wanted > first) continue;
-        Performance(arguments, replay, scenes).Perform(result.told);
+        Perform(arguments, replay, scenes, result.told);
         result.calls += replay.Calls();
         result.steps += replay.Steps();
         result.sessions += replay.Played();

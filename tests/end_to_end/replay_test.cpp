@@ -51,6 +51,7 @@ TEST_F(Replay, SavesAndOpensTheScenesOfTheTapeElsewhere) {
               "2");  // of one host
     ExpectRefusal("tape replay hello.tape --session 3", "--session: 3 is not from 1 to 2", 2);
     ExpectRefusal("tape replay a.tape", "a.tape: ", 2);
+    ExpectRefusal("tape replay hello.tape --plugin hello.tape", "hello.tape", 2);
 }
 
 TEST_F(Replay, FindsASceneByItsDigestOrInTheTape) {
