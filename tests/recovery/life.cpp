@@ -226,7 +226,7 @@ void Life::ChangeOutside() {
     TVL::CoreNode* const node = AnyNode();
     if (!node || Chance(30)) {
         Create();
-        TVL::CoreNode* const made = nodes_.empty() || Chance(70) ? nullptr : nodes_.back();
+        TVL::CoreNode* const made = nodes_.empty() || Chance(40) ? nullptr : nodes_.back();
         if (made) Core([&] { return made->HandleExtension(TVL::kStopRecording, nullptr); });
     } else if (Chance(40)) {
         Record();
@@ -264,9 +264,10 @@ void Life::Record() {
     });
     ++recordings_;
     double seconds = Below(30) / 30.0;
-    for (int sample = 2 + Below(12); sample > 0; --sample, seconds += (1 + Below(3)) / 30.0)
+    for (int sample = 2 + Below(12); sample > 0; --sample, seconds += (1 + Below(3)) / 30.0) {
         if (TVL::CoreNode* const node = AnyNode()) Sample(node, seconds + 1e-6);
-    if (Chance(5)) Save();
+        if (Chance(2)) Save();
+    }
     Core([&] { return adaptor_->EndRecording(); });
     --recordings_;
 }
