@@ -107,6 +107,30 @@ TVL::CoreNode* Life::AnyNode() {
                : nodes_[static_cast<std::size_t>(Below(static_cast<int>(nodes_.size())))];
 }
 
+// What the adaptor has given, and gets back also where the life ends ahead of that.
+template <class Release>
+class Life::Given {
+  public:
+    Given(Life& owner, Release release) : life_(owner), release_(std::move(release)) {}
+    ~Given() {
+        if (!isBack_) release_();
+    }
+    Given(const Given&) = delete;
+    Given& operator=(const Given&) = delete;
+
+    void GiveBack() {
+        life_.Core([this] {
+            isBack_ = true;
+            release_();
+        });
+    }
+
+  private:
+    Life& life_;
+    Release release_;
+    bool isBack_ = false;
+};
+
 template <class Call>
 auto Life::Core(const Call& call) {
     if (coreCalls_ == settings_.coreCalls) settings_.end();
@@ -216,8 +240,9 @@ void Life::Change() {
         const std::string name = "Copy " + std::to_string(++named_);
         TVL::CoreNode* const copy = Core([&] { return node->Clone(false); });
         if (!copy) return;
+        Given given(*this, [=] { node->ReleaseNode(copy); });
         Core([&] { copy->SetName(name); });  // a name that the host chooses hangs on what else was
-        Core([&] { node->ReleaseNode(copy); });
+        given.GiveBack();
     }
 }
 
@@ -232,10 +257,11 @@ void Life::ChangeOutside() {
         Record();
     } else if (TVL::CSnapshot_Helper* const look =
                    Core([&] { return node->AcquireHelperSnapshot(); })) {
+        Given given(*this, [=] { node->ReleaseHelperSnapshot(look); });
         const int size = 1 + Below(5);
         Core([&] { look->SetMesh(Triangle(size)); });
         Core([&] { look->SetColor(0.25f, 0.5f, 1.0f); });
-        Core([&] { node->ReleaseHelperSnapshot(look); });
+        given.GiveBack();
     }
     // It is built on groups that are not to be taken back from below it.
     savedSteps_ = session_->UndoLabels().size();
@@ -275,21 +301,23 @@ void Life::Record() {
 void Life::Sample(TVL::CoreNode* node, double seconds) {
     if (TVL::CSnapshot_Lens* const lens =
             Chance(25) ? Core([&] { return node->AcquireLensSnapshot(seconds); }) : nullptr) {
+        Given given(*this, [=] { node->ReleaseLensSnapshot(lens); });
         const double degrees = 20 + Below(60);
         Core([&] { lens->SetFieldOfView(degrees); });
         Core([&] { lens->SetTargetDistance(degrees * 3); });
-        Core([&] { node->ReleaseLensSnapshot(lens); });
+        given.GiveBack();
         return;
     }
     TVL::CSnapshot* const pose = Core([&] { return node->AcquireSnapshot(seconds); });
     if (!pose) return;
+    Given given(*this, [=] { node->ReleaseSnapshot(pose); });
     const bool isLocal = Chance(30);
     TVL::CMatrix4 matrix =
         Core([&] { return isLocal ? pose->GetLocalTransform() : pose->GetWorldTransform(); });
     for (std::size_t axis = 0; axis < 3; ++axis)
         matrix.rows[3][axis] += (Below(2001) - 1000) / 997.0;
     Core([&] { isLocal ? pose->SetLocalTransform(matrix) : pose->SetWorldTransform(matrix); });
-    Core([&] { node->ReleaseSnapshot(pose); });
+    given.GiveBack();
 }
 
 void Life::Settle(bool keepsOpenGroup) {

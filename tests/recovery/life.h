@@ -56,6 +56,8 @@ class Life final : public headless::CoreBetween, public CoreInterface, public TV
 
   private:
     struct Owner;
+    template <class Release>
+    class Given;
     int Below(int bound);
     bool Chance(int percent) { return Below(100) < percent; }
     TVL::CoreNode* AnyNode();
