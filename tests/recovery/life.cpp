@@ -226,7 +226,8 @@ void Life::Change() {
         // Where a controller without keys is depends on what was looked at last, by anybody.
         Core([&] { return adaptor_->BeginRecordingUnkeyed({}); });
         ++recordings_;
-        Sample(node, 0);
+        SampleLens(node, 0);
+        SamplePose(node, 0);
         Core([&] { return adaptor_->EndRecording(); });
         --recordings_;
         const double from = Below(60) / 30.0;
@@ -299,15 +300,22 @@ void Life::Record() {
 }
 
 void Life::Sample(TVL::CoreNode* node, double seconds) {
-    if (TVL::CSnapshot_Lens* const lens =
-            Chance(25) ? Core([&] { return node->AcquireLensSnapshot(seconds); }) : nullptr) {
-        Given given(*this, [=] { node->ReleaseLensSnapshot(lens); });
-        const double degrees = 20 + Below(60);
-        Core([&] { lens->SetFieldOfView(degrees); });
-        Core([&] { lens->SetTargetDistance(degrees * 3); });
-        given.GiveBack();
-        return;
-    }
+    if (!Chance(25) || !SampleLens(node, seconds)) SamplePose(node, seconds);
+}
+
+// False: the node has no lens.
+bool Life::SampleLens(TVL::CoreNode* node, double seconds) {
+    TVL::CSnapshot_Lens* const lens = Core([&] { return node->AcquireLensSnapshot(seconds); });
+    if (!lens) return false;
+    Given given(*this, [=] { node->ReleaseLensSnapshot(lens); });
+    const double degrees = 20 + Below(60);
+    Core([&] { lens->SetFieldOfView(degrees); });
+    Core([&] { lens->SetTargetDistance(degrees * 3); });
+    given.GiveBack();
+    return true;
+}
+
+void Life::SamplePose(TVL::CoreNode* node, double seconds) {
     TVL::CSnapshot* const pose = Core([&] { return node->AcquireSnapshot(seconds); });
     if (!pose) return;
     Given given(*this, [=] { node->ReleaseSnapshot(pose); });

@@ -72,6 +72,8 @@ class Life final : public headless::CoreBetween, public CoreInterface, public TV
     void Create();
     void Record();
     void Sample(TVL::CoreNode* node, double seconds);
+    bool SampleLens(TVL::CoreNode* node, double seconds);
+    void SamplePose(TVL::CoreNode* node, double seconds);
     void Save();
     void LetGo();
 
