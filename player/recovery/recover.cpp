@@ -47,8 +47,7 @@ RecoveredWork ReportOn(const WorkGroup& group, MakingAgain& making) {
     for (const ObjectId node : group.nodes)
         work.nodes.push_back(making.NameOf(node));
     std::ranges::sort(work.nodes);
-    const auto doubles = std::ranges::unique(work.nodes);
-    work.nodes.erase(doubles.begin(), doubles.end());
+    work.nodes.erase(std::unique(work.nodes.begin(), work.nodes.end()), work.nodes.end());
     return work;
 }
 

@@ -13,8 +13,7 @@ namespace player {
 namespace {
 
 constexpr const char* kTag = "TVL_tag";  // the property of a node that bears its mark
-constexpr const char* kLoadedPlugins = "TVL";
-const std::string kNoPlugin(1, '\0');  // no mark is found under it, so that a handle counts
+const std::string kNoPlugin(1, '\0');    // no mark is found under it, so that a handle counts
 
 // Owners here that no tape has.
 constexpr std::uint64_t kOwnOwners = std::uint64_t{1} << 54;
