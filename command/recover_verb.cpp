@@ -3,6 +3,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <set>
 
 #include "command/core_stage.h"
 #include "command/exit_status.h"
@@ -47,13 +48,15 @@ std::string WordOf(player::Fate fate) {
 }
 
 void PrintWork(std::ostream& out, const player::RecoveredWork& work) {
-    out << (work.name.empty() ? std::string("Outside of any group") : Quoted(work.name)) << ": "
-        << Counted(work.changes, "change") << " of " << Counted(work.nodes.size(), "node");
-    if (work.samples > 0)
-        out << ", " << Counted(work.samples, "sample") << " at " << Counted(work.moments, "moment")
-            << " from " << Plain(work.firstSecond) << " s to " << Plain(work.lastSecond) << " s";
-    if (work.isBegunBefore) out << ", what the scene lacked of it";
-    if (work.fate == player::Fate::kOpen) out << ", open at the end";
+    const player::WorkGroup& group = work.group;
+    out << (group.name.empty() ? std::string("Outside of any group") : Quoted(group.name)) << ": "
+        << Counted(group.changes, "change") << " of " << Counted(work.nodes.size(), "node");
+    if (group.samples > 0)
+        out << ", " << Counted(group.samples, "sample") << " at "
+            << Counted(group.moments.size(), "moment") << " from " << Plain(*group.moments.begin())
+            << " s to " << Plain(*group.moments.rbegin()) << " s";
+    if (group.isBegunBefore) out << ", what the scene lacked of it";
+    if (group.fate == player::Fate::kOpen) out << ", open at the end";
 }
 
 void PrintNames(std::ostream& out, std::string_view title, const std::vector<std::string>& names) {
@@ -74,10 +77,10 @@ void PrintForPerson(std::ostream& out, const RecoverResult& result) {
     for (const player::RecoveredWork& work : report.left) {
         out << "Not brought back: ";
         PrintWork(out, work);
-        if (work.fate == player::Fate::kOpen)
+        if (work.group.fate == player::Fate::kOpen)
             out << "; --open-group brings it in as well\n";
         else
-            out << ", since it was " << WordOf(work.fate) << '\n';
+            out << ", since it was " << WordOf(work.group.fate) << '\n';
     }
     for (const std::string& line : report.overwritten)
         out << "Replaced: " << InTable(line) << '\n';
@@ -92,16 +95,18 @@ void PrintForPerson(std::ostream& out, const RecoverResult& result) {
 
 nlohmann::ordered_json ToJson(const std::vector<player::RecoveredWork>& list) {
     auto array = nlohmann::ordered_json::array();
-    for (const player::RecoveredWork& work : list)
-        array.push_back({{"name", work.name},
-                         {"fate", WordOf(work.fate)},
-                         {"begunBefore", work.isBegunBefore},
-                         {"changes", work.changes},
-                         {"samples", work.samples},
-                         {"moments", work.moments},
-                         {"firstSecond", work.firstSecond},
-                         {"lastSecond", work.lastSecond},
-                         {"nodes", work.nodes}});
+    for (const auto& [group, nodes] : list) {
+        const std::set<double>& moments = group.moments;
+        array.push_back({{"name", group.name},
+                         {"fate", WordOf(group.fate)},
+                         {"begunBefore", group.isBegunBefore},
+                         {"changes", group.changes},
+                         {"samples", group.samples},
+                         {"moments", moments.size()},
+                         {"firstSecond", moments.empty() ? 0.0 : *moments.begin()},
+                         {"lastSecond", moments.empty() ? 0.0 : *moments.rbegin()},
+                         {"nodes", nodes}});
+    }
     return array;
 }
 

@@ -5,6 +5,7 @@
 
 #include "command/output.h"
 #include "command/tape_values.h"
+#include "recorder/stream/notes.h"
 
 namespace headless {
 namespace {
@@ -40,9 +41,8 @@ std::string MeshContentText(const recorder::Record& record) {
 }
 
 std::string NoteText(const recorder::Record& record) {
-    ValueReader values(record);
-    const std::string word = InTable(std::string(values.Text()));
-    return "# " + word + ' ' + InTable(std::string(values.Text()));
+    const auto [word, about] = recorder::NoteOf(record);
+    return "# " + InTable(std::string(word)) + ' ' + InTable(std::string(about));
 }
 
 Json FactsJson(const recorder::Record& record, const recorder::ObjectNames& names) {
@@ -53,10 +53,6 @@ Json FactsJson(const recorder::Record& record, const recorder::ObjectNames& name
             {"of", facts.of == 0 ? Json(nullptr) : Json(names.NameOf(facts.of))}};
 }
 
-bool IsEnd(RecordKind kind) {
-    return kind == RecordKind::kAnswer || kind == RecordKind::kThrown;
-}
-
 }  // namespace
 
 // Backwards first, so that what an answer gives has its name from the beginning.
@@ -64,7 +60,7 @@ SessionTeller::SessionTeller(const recorder::TapeSession& session) : session_(se
     const std::vector<recorder::Record>& records = session.records;
     for (auto record = records.rbegin(); record != records.rend(); ++record) {
         names_.Take(*record);
-        if (IsEnd(record->head.kind)) ends_[record->head.call] = &*record;
+        if (record->IsEnd()) ends_[record->head.call] = &*record;
     }
 }
 
@@ -99,7 +95,7 @@ std::string SessionTeller::Line(std::size_t place) const {
     if (record.head.kind == RecordKind::kMesh) text = MeshContentText(record);
     if (text.empty()) return text;
     std::ostringstream line;
-    line << std::setw(9) << InSeconds(record.head.milliseconds) << "  "
+    line << std::setw(9) << recorder::InSeconds(record.head.milliseconds) << "  "
          << std::string(std::size_t{record.head.nesting} * 2, ' ') << text;
     return line.str();
 }
@@ -129,7 +125,7 @@ Json SessionTeller::JsonOf(std::size_t place) const {
     if (head.kind == RecordKind::kMesh) object["mesh"] = MeshContentText(record);
     if (head.kind == RecordKind::kSession) object["session"] = ValuesJson(record, names_);
     if (head.kind == RecordKind::kObject) object["appears"] = FactsJson(record, names_);
-    return IsEnd(head.kind) ? Json() : object;
+    return record.IsEnd() ? Json() : object;
 }
 
 bool SessionTeller::Mentions(const recorder::Record& record, const std::string& node) const {
@@ -150,12 +146,6 @@ bool SessionTeller::IsAbout(std::size_t place, const std::string& node) const {
     if (names_.NameOf(names_.NodeOf(record.head.object)) == node) return true;
     const recorder::Record* const end = EndOf(record);
     return Mentions(record, node) || (end != nullptr && Mentions(*end, node));
-}
-
-std::string InSeconds(std::uint32_t milliseconds) {
-    std::ostringstream text;
-    text << milliseconds / 1000 << '.' << std::setfill('0') << std::setw(3) << milliseconds % 1000;
-    return text.str();
 }
 
 }  // namespace headless

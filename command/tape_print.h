@@ -40,7 +40,4 @@ class SessionTeller {
     std::unordered_map<std::uint64_t, const recorder::Record*> ends_;  // by the call's number
 };
 
-// "2.310", for so many milliseconds.
-std::string InSeconds(std::uint32_t milliseconds);
-
 }  // namespace headless

@@ -49,7 +49,7 @@ std::string StateOf(const TapeSession& session) {
 
 void PrintScenes(std::ostream& out, const SessionSummary& summary) {
     for (const recorder::SceneNote& scene : summary.scenes) {
-        out << "  " << InSeconds(scene.milliseconds) << " s: ";
+        out << "  " << recorder::InSeconds(scene.milliseconds) << " s: ";
         if (scene.word == recorder::note::kNew)
             out << "emptied the scene\n";
         else
@@ -75,7 +75,7 @@ void PrintSession(std::ostream& out, const TapeSession& session, const SessionSu
             << InTable(summary.by);
     out << "; " << StateOf(session) << "\n  "
         << Counted(static_cast<std::size_t>(summary.calls), "call") << " in "
-        << InSeconds(summary.milliseconds) << " s, "
+        << recorder::InSeconds(summary.milliseconds) << " s, "
         << Counted(static_cast<std::size_t>(summary.groups), "undo group") << ", "
         << Counted(static_cast<std::size_t>(summary.takes), "take");
     if (summary.unanswered > 0)

@@ -12,10 +12,6 @@ bool IsUnnamed(ObjectId id) {
     return (id & kUnnamed) != 0;
 }
 
-bool IsLent(ObjectKind kind) {
-    return kind >= ObjectKind::kSnapshot && kind <= ObjectKind::kShapeSnapshot;
-}
-
 // As the type that stands for the kind, and under the pointer of that.
 template <class Interface, class Type>
 std::pair<std::shared_ptr<void>, void*> As(std::shared_ptr<Type> object) {
@@ -103,7 +99,7 @@ bool LiveObjects::Match(ObjectId onTape, ObjectId here) {
     if (object == objects_.end() || IsUnnamed(onTape)) return false;
     const auto bound = objects_.find(onTape);
     if (bound != objects_.end()) {
-        if (!IsLent(kind)) return false;
+        if (!recorder::IsSnapshot(kind)) return false;
         ids_.erase({kind, bound->second});
     }
     Bind(onTape, object->second);
@@ -131,13 +127,10 @@ void LiveObjects::TakeBack(ObjectId snapshot) {
     if (lent != lent_.end()) lent->second.isOut = false;
 }
 
-void LiveObjects::Know(const Record& facts) {
-    recorder::ValueReader values(facts);
-    const recorder::ObjectFacts told = values.Facts();
-    const ObjectId id = facts.head.object;
+void LiveObjects::Know(ObjectId id, std::string_view name) {
     const ObjectKind kind = recorder::KindOf(id);
     if (kind != ObjectKind::kOwner && kind != ObjectKind::kCoreMessageNode) return;
-    named_[id].name = told.name;
+    named_[id].name = name;
     const bool isMessageNode = kind == ObjectKind::kCoreMessageNode && objects_.contains(id);
     if (isMessageNode) FindMessageNode(id)->SetName(named_[id].name);
 }

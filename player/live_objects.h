@@ -6,6 +6,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 
 #include "recorder/stream/record_reader.h"
@@ -105,9 +106,8 @@ class LiveObjects {
     // The object is gone.
     void End(ObjectId id);
 
-    // What a tape tells of an object (RecordKind::kObject): an owner's plug-in, or a message
-    // node of the Core's, is called so.
-    void Know(const Record& facts);
+    // An owner's plug-in, or a message node of the Core's, is called so; of others it is nothing.
+    void Know(ObjectId id, std::string_view name);
 
   private:
     void* Find(ObjectId id, ObjectKind kind);

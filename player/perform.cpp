@@ -8,6 +8,7 @@
 
 #include "foundation/thrown.h"
 #include "recorder/stream/methods.h"
+#include "recorder/stream/record_writer.h"
 
 namespace player {
 namespace {
@@ -22,9 +23,17 @@ struct Making {
     ObjectId object;
     ValueReader said;
     LiveObjects& objects;
-    const FindMesh& findMesh;
+    const recorder::TapeSession& session;
     RecordWriter answer;
 };
+
+TVL::CMesh TakeMesh(Making& making) {
+    const auto mesh = making.session.meshes.find(making.said.Word());
+    if (mesh == making.session.meshes.end()) return {};
+    ValueReader values(mesh->second);
+    values.Word();
+    return values.MeshContent();
+}
 
 // Values that are said, each by its type -------------------------------------------------------
 
@@ -46,7 +55,7 @@ Type Take(Making& making) {
     else if constexpr (std::is_same_v<Type, TVL::CMatrix4>)
         return said.Matrix();
     else if constexpr (std::is_same_v<Type, TVL::CMesh>)
-        return making.findMesh(said.Word());
+        return TakeMesh(making);
     else if constexpr (std::is_same_v<Type, XMLNode>)
         return said.Tree();
     else if constexpr (std::is_same_v<Type, void*>)
@@ -328,32 +337,6 @@ void PutNothing(std::string_view letters, RecordWriter& answer) {
     }
 }
 
-}  // namespace
-
-bool IsOfCore(const Record& call) {
-    const ObjectKind kind = recorder::KindOf(call.head.object);
-    return kind == ObjectKind::kAdaptor || kind == ObjectKind::kAdaptorMessageNode ||
-           (kind >= ObjectKind::kNode && kind <= ObjectKind::kShapeSnapshot);
-}
-
-Performed Perform(const Record& call, LiveObjects& objects, const FindMesh& findMesh) {
-    Performed performed;
-    const ObjectId ended = EndedBy(call, objects);
-    Making making{call.head.object, ValueReader(call), objects, findMesh, {}};
-    const recorder::RecordHead head;
-    making.answer.Begin(head);
-    performed.thrown = TVL::ThrownBy([&] {
-        const MakeCall make = HowToMake(call);
-        if (!make || !make(making)) PutNothing(RowOf(call.head.operation).answered, making.answer);
-    });
-    objects.End(ended);
-    const auto values = making.answer.End().values;
-    performed.values.assign(values.begin(), values.end());
-    return performed;
-}
-
-namespace {
-
 bool MatchAll(std::span<const std::uint64_t> onTape, std::span<const std::uint64_t> here,
               LiveObjects& objects) {
     if (onTape.size() != here.size()) return false;
@@ -372,6 +355,28 @@ bool MatchOne(char letter, std::span<const std::uint64_t> onTape,
 }
 
 }  // namespace
+
+bool IsOfCore(const Record& call) {
+    const ObjectKind kind = recorder::KindOf(call.head.object);
+    return kind == ObjectKind::kAdaptor || kind == ObjectKind::kAdaptorMessageNode ||
+           kind == ObjectKind::kNode || recorder::IsSnapshot(kind);
+}
+
+Performed Perform(const Record& call, LiveObjects& objects, const recorder::TapeSession& session) {
+    Performed performed;
+    const ObjectId ended = EndedBy(call, objects);
+    Making making{call.head.object, ValueReader(call), objects, session, {}};
+    const recorder::RecordHead head;
+    making.answer.Begin(head);
+    performed.thrown = TVL::ThrownBy([&] {
+        const MakeCall make = HowToMake(call);
+        if (!make || !make(making)) PutNothing(RowOf(call.head.operation).answered, making.answer);
+    });
+    objects.End(ended);
+    const auto values = making.answer.End().values;
+    performed.values.assign(values.begin(), values.end());
+    return performed;
+}
 
 bool Match(std::string_view letters, std::span<const std::uint64_t> onTape,
            std::span<const std::uint64_t> here, LiveObjects& objects) {

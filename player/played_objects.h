@@ -16,14 +16,8 @@ class PlayedObject {
   protected:
     template <class... Values>
     recorder::ValueReader Ask(Operation operation, const Values&... values) const {
-        recorder::RecordHead head;
-        head.object = id_;
-        head.kind = RecordKind::kCall;
-        head.operation = operation;
         recorder::RecordWriter writer;
-        writer.Begin(head);
-        (writer.Put(values), ...);
-        return recorder::ValueReader(core_.Answer(writer.End()));
+        return recorder::ValueReader(core_.Answer(writer.Call(id_, operation, values...)));
     }
 
     ObjectId id_;

@@ -128,7 +128,7 @@ class CheckpointList {
     }
 
     void SeeNote(std::size_t index, const Record& record) {
-        const auto [word, about] = NoteOf(record);
+        const auto [word, about] = recorder::NoteOf(record);
         lastMilliseconds_ = record.head.milliseconds;
         EndLoading();
         isFresh_ = false;
@@ -152,9 +152,9 @@ class CheckpointList {
     }
 
     static void Name(Checkpoint& checkpoint, std::string_view about) {
-        const std::size_t blank = std::min(about.find(' '), about.size());
-        checkpoint.digest = about.substr(0, blank);
-        checkpoint.path = about.substr(std::min(blank + 1, about.size()));
+        const auto [digest, path] = recorder::SceneOf(about);
+        checkpoint.digest = digest;
+        checkpoint.path = path;
     }
 
     const recorder::TapeSession& session_;
@@ -196,8 +196,7 @@ std::vector<Checkpoint> CheckpointsOf(const recorder::TapeSession& session) {
 
 bool HasNotes(const recorder::TapeSession& session) {
     return std::ranges::any_of(session.records, [](const Record& record) {
-        if (record.head.kind != RecordKind::kNote) return false;
-        const std::string_view word = NoteOf(record).word;
+        const std::string_view word = recorder::NoteOf(record).word;
         return word == note::kOpened || word == note::kSaved || word == note::kNew;
     });
 }
@@ -232,10 +231,8 @@ Checkpoint CheckpointAfter(const recorder::TapeSession& session, std::uint64_t c
 }
 
 std::string LineOf(const Checkpoint& checkpoint) {
-    std::string seconds = std::to_string(checkpoint.milliseconds / 1000.0);
-    seconds.resize(seconds.find('.') + 4);
-    std::string line = "--after " + std::to_string(checkpoint.call) + " (" + seconds + " s, " +
-                       WordsOf(checkpoint);
+    std::string line = "--after " + std::to_string(checkpoint.call) + " (" +
+                       recorder::InSeconds(checkpoint.milliseconds) + " s, " + WordsOf(checkpoint);
     if (!checkpoint.path.empty()) line += ' ' + checkpoint.path;
     return line + ')';
 }
@@ -243,12 +240,6 @@ std::string LineOf(const Checkpoint& checkpoint) {
 // The reader does not bring back all that can be written.
 std::string Comparable(const XMLNode& tree) {
     return XMLNode(tree.Write()).Write();
-}
-
-NoteWords NoteOf(const recorder::Record& record) {
-    recorder::ValueReader values(record);
-    const std::string_view word = values.Text();
-    return {word, values.Text()};
 }
 
 XMLNode ArgumentOfAnswer(const recorder::Record& answer) {

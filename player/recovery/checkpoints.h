@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <set>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "recorder/tape/read_tape.h"
@@ -61,13 +60,6 @@ std::string LineOf(const Checkpoint& checkpoint);
 
 // A tree as a text by which it can be compared, also once it was stored and read.
 std::string Comparable(const XMLNode& tree);
-
-// The word of a note, and what it is about.
-struct NoteWords {
-    std::string_view word;
-    std::string_view about;
-};
-NoteWords NoteOf(const recorder::Record& record);
 
 // The argument of an extension that was answered on the tape, if it is a tree.
 XMLNode ArgumentOfAnswer(const recorder::Record& answer);

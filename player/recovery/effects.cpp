@@ -70,9 +70,7 @@ Effect EffectOf(const Record& call) {
 }
 
 bool MakesSceneNode(Operation operation) {
-    return operation == Operation::AdaptorInterface_CreateLensNode ||
-           operation == Operation::AdaptorInterface_CreateHelperNode ||
-           operation == Operation::CoreNode_Clone;
+    return recorder::CreatesNode(operation) || operation == Operation::CoreNode_Clone;
 }
 
 std::string_view OwnStepOf(const Record& call) {

@@ -25,10 +25,6 @@ std::string Seconds(double seconds) {
     return text + " s";
 }
 
-bool IsLoan(ObjectKind kind) {
-    return kind >= ObjectKind::kSnapshot && kind <= ObjectKind::kShapeSnapshot;
-}
-
 bool IsGivenBack(Operation operation) {
     return operation >= Operation::CoreNode_ReleaseHelperSnapshot &&
            operation <= Operation::CoreNode_ReleaseSnapshot;
@@ -40,30 +36,20 @@ double SecondsSaid(const Record& acquire) {
     return hasTime ? recorder::ValueReader(acquire).Number() : 0;
 }
 
-bool MakesNode(Operation operation) {
-    return operation == Operation::AdaptorInterface_CreateLensNode ||
-           operation == Operation::AdaptorInterface_CreateHelperNode;
-}
-
 }  // namespace
 
 MakingAgain::MakingAgain(const recorder::TapeSession& tape, const MissingWork& work,
                          RecoveryCore& core, headless::Session& session)
-    : tape_(tape), work_(work), core_(core), objects_(core.Objects()), session_(session) {
-    core.KnowOwners(work.plugins);
+    : tape_(tape),
+      work_(work),
+      core_(core),
+      objects_(core.Objects()),
+      session_(session),
+      nodes_(work, core) {
     BindAdaptor();
-    for (const TapeNode& node : work.nodes)
-        unbound_.push_back(&node);
-    std::ranges::sort(unbound_, {}, &TapeNode::id);
-    BindNodes();
     for (const ObjectId id : work.stoppedNodes)
         if (auto* const node = objects_.Find<TVL::CoreNode>(id))
             node->HandleExtension(TVL::kStopRecording, nullptr);
-}
-
-MakingAgain::~MakingAgain() {
-    for (TVL::CoreNode* const node : borrowed_)
-        node->Destroy();
 }
 
 void MakingAgain::BindAdaptor() {
@@ -75,60 +61,6 @@ void MakingAgain::BindAdaptor() {
     }
 }
 
-// Nodes of one name are told apart by what else they are called, as far as that goes.
-void MakingAgain::BindNodes() {
-    for (const Likeness likeness : {Likeness::kMarkAndName, Likeness::kMark, Likeness::kName})
-        std::erase_if(unbound_, [&](const TapeNode* node) { return Bind(*node, likeness); });
-}
-
-// Marks tell more than names in the host, which others may bear as well.
-MakingAgain::Found MakingAgain::FindInScene(const TapeNode& node, Likeness likeness) {
-    const bool isOpened = work_.base.kind == Checkpoint::Kind::kOpened && !node.storedName.empty();
-    const std::string& plugin = isOpened ? node.storedPlugin : node.plugin;
-    const std::string& name = isOpened ? node.storedName : node.name;
-    // In the order in which they were made.
-    std::vector<headless::NodeView> nodes = headless::Nodes();
-    std::ranges::sort(nodes, {}, &headless::NodeView::handle);
-    const std::size_t names = likeness == Likeness::kMark ? 1 : node.hostNames.size();
-    for (std::size_t index = 0; index < std::max<std::size_t>(names, 1); ++index)
-        for (const headless::NodeView& view : nodes) {
-            if (node.isReal && usedHandles_.contains(view.handle)) continue;
-            const auto found =
-                std::ranges::find(core_.Marked(), view.handle, &RecoveryCore::MarkedNode::handle);
-            RecoveryCore::MarkedNode* const marked =
-                found == core_.Marked().end() ? nullptr : &*found;
-            const bool isMarked = marked && marked->plugin == plugin && marked->name == name;
-            const bool isNamed =
-                index < node.hostNames.size() && view.name == node.hostNames[index];
-            if ((likeness == Likeness::kName || isMarked) &&
-                (likeness == Likeness::kMark || isNamed))
-                return {view.handle, marked};
-        }
-    return {};
-}
-
-bool MakingAgain::Bind(const TapeNode& node, Likeness likeness) {
-    const Found found = FindInScene(node, likeness);
-    if (found.handle == 0) return false;
-    TVL::CoreNode* live = nullptr;
-    if (node.isReal && found.marked) {
-        core_.Rename(*found.marked, node.owner, node.name);
-        live = found.marked->node;
-    } else if (TVL::CoreNode* const handle = core_.NodeOfHandle(found.handle)) {
-        live = handle;
-        if (node.isReal) {
-            live = handle->Claim(objects_.Find<TVL::CoreElement>(node.owner), node.name);
-            handle->ReleaseNode(handle);
-        } else {
-            borrowed_.push_back(handle);
-        }
-    }
-    if (!live) return false;
-    if (node.isReal) usedHandles_.insert(found.handle);
-    names_[node.id] = live->GetName();
-    return objects_.Match(node.id, objects_.IdOf(live));
-}
-
 std::vector<std::string> MakingAgain::Overwritten() {
     struct Times {
         double first = std::numeric_limits<double>::infinity();
@@ -138,9 +70,8 @@ std::vector<std::string> MakingAgain::Overwritten() {
     for (const MissingCall& missing : work_.calls) {
         const Record& call = tape_.records[missing.record];
         const ObjectId node = missing.isSample ? missing.lent.node : call.head.object;
-        const auto name = names_.find(node);
-        if (name == names_.end()) continue;
-        Times& times = written[name->second];
+        if (!nodes_.IsFound(node)) continue;
+        Times& times = written[nodes_.NameOf(node)];
         if (missing.isSample) {
             times.first = std::min(times.first, missing.lent.seconds);
             times.last = std::max(times.last, missing.lent.seconds);
@@ -189,7 +120,9 @@ void MakingAgain::Make(const MissingCall& missing) {
     const Record& call = tape_.records[missing.record];
     if (!LendAgain(missing, call) || !IsThere(call.head.object)) {
         if (missing.isChange)
-            Lose("on " + Quoted(NameOf(missing.lent.node ? missing.lent.node : call.head.object)) +
+            Lose("on " +
+                     Quoted(
+                         nodes_.NameOf(missing.lent.node ? missing.lent.node : call.head.object)) +
                      ", which is not in the scene",
                  call);
         return;
@@ -197,16 +130,15 @@ void MakingAgain::Make(const MissingCall& missing) {
     if (!AreObjectsThere(call)) return;
     Prepare(missing);
     if (call.head.operation == Operation::CNode_ReleaseNode)
-        std::erase(borrowed_, objects_.Find<TVL::CoreNode>(recorder::ValueReader(call).Object()));
+        nodes_.Ends(recorder::ValueReader(call).Object());
     if (call.head.operation == Operation::CoreNode_Destroy ||
         call.head.operation == Operation::CoreNode_Delete)
-        std::erase(borrowed_, objects_.Find<TVL::CoreNode>(call.head.object));
-    const Performed performed =
-        Perform(call, objects_, [this](recorder::MeshId id) { return MeshOf(id); });
+        nodes_.Ends(call.head.object);
+    const Performed performed = Perform(call, objects_, tape_);
     if (performed.thrown) return Lose("threw: " + *performed.thrown, call);
     SeeAnswer(missing, call, performed);
     SeeRecording(call, performed);
-    if (call.head.operation == Operation::AdaptorInterface_MergeModels) BindNodes();
+    if (call.head.operation == Operation::AdaptorInterface_MergeModels) nodes_.Find();
 }
 
 // The host as it stood ahead of the call on the tape.
@@ -259,7 +191,7 @@ bool MakingAgain::IsThere(ObjectId id) {
 // A snapshot that was lent ahead of the base, or in a group that does not come back.
 bool MakingAgain::LendAgain(const MissingCall& missing, const Record& call) {
     const ObjectId id = call.head.object;
-    if (!IsLoan(recorder::KindOf(id))) return true;
+    if (!recorder::IsSnapshot(recorder::KindOf(id))) return true;
     const auto lent = lent_.find(id);
     if (lent != lent_.end() && lent->second.seconds == missing.lent.seconds) return true;
     auto* const node = objects_.Find<TVL::CoreNode>(missing.lent.node);
@@ -298,10 +230,11 @@ bool MakingAgain::AreObjectsThere(const Record& call) {
         const bool isObject = letter == 'o' || (letter == 'x' && value.front() == 'o');
         const ObjectId id = isObject ? value.back() : 0;
         const ObjectKind kind = recorder::KindOf(id);
-        if (id == 0 || (kind != ObjectKind::kNode && !IsLoan(kind)) || IsThere(id)) continue;
+        if (id == 0 || (kind != ObjectKind::kNode && !recorder::IsSnapshot(kind)) || IsThere(id))
+            continue;
         if (IsGivenBack(call.head.operation)) return false;  // what was never lent here
-        Lose("without " + Quoted(NameOf(id)) + ", which is not in the scene", call);
-        areThere = MakesNode(call.head.operation);
+        Lose("without " + Quoted(nodes_.NameOf(id)) + ", which is not in the scene", call);
+        areThere = recorder::CreatesNode(call.head.operation);
     }
     return areThere;
 }
@@ -313,41 +246,37 @@ void MakingAgain::SeeAnswer(const MissingCall& missing, const Record& call,
     recorder::ValueReader onTape(tape_.records[*missing.answer]);
     recorder::ValueReader here(performed.values);
     const std::string_view letters = recorder::RowOf(call.head.operation).answered;
-    if (letters.starts_with('O')) {
-        const std::vector<ObjectId> expected = onTape.Objects();
-        const std::vector<ObjectId> came = here.Objects();
-        for (std::size_t index = 0; index < expected.size(); ++index)
-            if (expected[index] != 0 &&
-                (index >= came.size() || !objects_.Match(expected[index], came[index])) &&
-                call.head.operation == Operation::AdaptorInterface_MergeModels)
-                Lose("brought other nodes than it did", call);
-        return;
-    }
-    ObjectId expected = 0;
-    ObjectId came = 0;
-    if (letters == "o") {
-        expected = onTape.Object();
-        came = here.Object();
-    } else if (letters == "xx" && onTape.Letter() == 'o' && here.Letter() == 'o') {
-        expected = onTape.Object();
-        came = here.Object();
-    }
+    if (letters == "O") return SeeGivenAll(call, onTape.Objects(), here.Objects());
+    const bool isObject =
+        letters == "o" || (letters == "xx" && onTape.Letter() == 'o' && here.Letter() == 'o');
+    if (isObject) SeeGiven(call, onTape.Object(), here.Object());
+}
+
+void MakingAgain::SeeGivenAll(const Record& call, const std::vector<ObjectId>& expected,
+                              const std::vector<ObjectId>& came) {
+    for (std::size_t index = 0; index < expected.size(); ++index)
+        if (expected[index] != 0 &&
+            (index >= came.size() || !objects_.Match(expected[index], came[index])) &&
+            call.head.operation == Operation::AdaptorInterface_MergeModels)
+            Lose("brought other nodes than it did", call);
+}
+
+void MakingAgain::SeeGiven(const Record& call, ObjectId expected, ObjectId came) {
     if (expected == 0) return;
     if (came == 0)
         Lose("gave nothing", call);
     else if (!objects_.Match(expected, came))
         Lose("gave another one than it did", call);
-    else if (IsLoan(recorder::KindOf(expected)))
+    else if (recorder::IsSnapshot(recorder::KindOf(expected)))
         lent_[expected] = {call.head.object, SecondsSaid(call)};
     else if (auto* const node = objects_.Find<TVL::CoreNode>(expected))
-        names_[expected] = node->GetName();
+        nodes_.Name(expected, node->GetName());
 }
 
 void MakingAgain::SeeRecording(const Record& call, const Performed& performed) {
     const Operation operation = call.head.operation;
     recorder::ValueReader came(performed.values);
-    if (operation == Operation::AdaptorInterface_BeginRecording ||
-        operation == Operation::AdaptorInterface_BeginRecordingUnkeyed) {
+    if (recorder::BeginsRecording(operation)) {
         if (came.Whole() == 0)
             ++recordings_;
         else
@@ -363,7 +292,7 @@ void MakingAgain::Lose(const std::string& what, const Record& call) {
     const recorder::OperationRow& row = recorder::RowOf(call.head.operation);
     std::string text(row.name);
     if (recorder::KindOf(call.head.object) == ObjectKind::kNode && !what.starts_with("on "))
-        text += " on " + Quoted(NameOf(call.head.object));
+        text += " on " + Quoted(nodes_.NameOf(call.head.object));
     Loss& loss = losses_[text + ' ' + what];
     if (loss.count++ == 0) loss.firstCall = call.head.call;
 }
@@ -374,22 +303,6 @@ std::vector<std::string> MakingAgain::Lost() const {
         lines.push_back(what + " (call " + std::to_string(loss.firstCall) +
                         (loss.count > 1 ? ", " + std::to_string(loss.count) + " times)" : ")"));
     return lines;
-}
-
-std::string MakingAgain::NameOf(ObjectId node) {
-    if (const auto name = names_.find(node); name != names_.end()) return name->second;
-    const auto told = std::ranges::find(work_.nodes, node, &TapeNode::id);
-    if (told == work_.nodes.end()) return "a node of the tape";
-    return told->hostNames.empty() ? told->name : told->hostNames.front();
-}
-
-// One whose record was dropped with its segment is empty.
-TVL::CMesh MakingAgain::MeshOf(recorder::MeshId id) {
-    const auto mesh = tape_.meshes.find(id);
-    if (mesh == tape_.meshes.end()) return {};
-    recorder::ValueReader values(mesh->second);
-    values.Word();
-    return values.MeshContent();
 }
 
 }  // namespace player

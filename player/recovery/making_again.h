@@ -1,14 +1,12 @@
 #pragma once
 
 #include <map>
-#include <set>
 #include <string>
 #include <vector>
 
 #include "headless/session.h"
 #include "player/perform.h"
-#include "player/recovery/missing_work.h"
-#include "player/recovery/recovery_core.h"
+#include "player/recovery/found_nodes.h"
 
 namespace player {
 
@@ -18,9 +16,6 @@ class MakingAgain {
   public:
     MakingAgain(const recorder::TapeSession& tape, const MissingWork& work, RecoveryCore& core,
                 headless::Session& session);
-    ~MakingAgain();  // gives back what was lent
-    MakingAgain(const MakingAgain&) = delete;
-    MakingAgain& operator=(const MakingAgain&) = delete;
 
     // What of the scene the calls will write over, a line each.
     std::vector<std::string> Overwritten();
@@ -31,19 +26,10 @@ class MakingAgain {
     // A line each; of equal ones the first tells how many there were.
     std::vector<std::string> Lost() const;
 
-    // What a node of the tape is called in the host; else what the tape calls it.
-    std::string NameOf(ObjectId node);
+    const FoundNodes& Nodes() const { return nodes_; }
 
   private:
-    struct Found {
-        std::uint32_t handle = 0;
-        RecoveryCore::MarkedNode* marked = nullptr;
-    };
     void BindAdaptor();
-    void BindNodes();
-    enum class Likeness { kMarkAndName, kMark, kName };
-    Found FindInScene(const TapeNode& node, Likeness likeness);
-    bool Bind(const TapeNode& node, Likeness likeness);
     void GiveBackLoans();
     void Prepare(const MissingCall& missing);
     void SetTime(std::optional<double> seconds);
@@ -54,9 +40,11 @@ class MakingAgain {
     bool AreObjectsThere(const Record& call);
     void Make(const MissingCall& missing);
     void SeeAnswer(const MissingCall& missing, const Record& call, const Performed& performed);
+    void SeeGivenAll(const Record& call, const std::vector<ObjectId>& expected,
+                     const std::vector<ObjectId>& came);
+    void SeeGiven(const Record& call, ObjectId expected, ObjectId came);
     void SeeRecording(const Record& call, const Performed& performed);
     void Lose(const std::string& what, const Record& call);
-    TVL::CMesh MeshOf(recorder::MeshId id);
 
     const recorder::TapeSession& tape_;
     const MissingWork& work_;
@@ -64,12 +52,9 @@ class MakingAgain {
     LiveObjects& objects_;
     headless::Session& session_;
 
-    std::vector<const TapeNode*> unbound_;
-    std::set<std::uint32_t> usedHandles_;
-    std::vector<TVL::CoreNode*> borrowed_;  // snapshot nodes that stand for some of the tape's
-    std::map<ObjectId, Lent> lent_;         // snapshots that are out
-    std::size_t recordings_ = 0;            // that are open here
-    std::map<ObjectId, std::string> names_;
+    FoundNodes nodes_;
+    std::map<ObjectId, Lent> lent_;  // snapshots that are out
+    std::size_t recordings_ = 0;     // that are open here
     struct Loss {
         std::size_t count = 0;
         std::uint64_t firstCall = 0;

@@ -169,11 +169,11 @@ class Walk {
     }
 
     void SeeNote(std::size_t index, const Record& record) {
-        const auto [word, about] = NoteOf(record);
+        const auto [word, about] = recorder::NoteOf(record);
         const bool isMissing = index > found_.base.record;
         if (word == note::kMerged && isMissing)
             found_.leftOut.push_back("merged by hand: " +
-                                     std::string(about.substr(about.find(' ') + 1)));
+                                     std::string(recorder::SceneOf(about).rest));
         const StepNote step = word == note::kStep ? StepOf(about) : StepNote{""};
         groups_.SeeStep(step.word, step.count);
         if (IsByHand(step.word) && isMissing)
@@ -191,9 +191,7 @@ class Walk {
         const std::span<const std::size_t> open = open_[call.head.thread];
         for (std::size_t depth = 0; depth < open.size(); ++depth) {
             const Operation operation = records_[open[depth]].head.operation;
-            const bool isSign = (operation == Operation::NodeListener_OnNodeRemoved ||
-                                 operation == Operation::NodeListener_OnNodeRestored) &&
-                                IsSignIn(open.first(depth));
+            const bool isSign = recorder::IsOfListener(operation) && IsSignIn(open.first(depth));
             context.isUndoing |= isSign || operation == Operation::CUndo_Undo ||
                                  operation == Operation::CUndo_Redo ||
                                  operation == Operation::AdaptorInterface_PerformUndo;
@@ -254,9 +252,7 @@ class Walk {
 
     void KeepCalls(OpenGroups openGroups) {
         for (const Entry& entry : entries_) {
-            const Fate fate = groups_.All()[entry.group].fate;
-            const bool isKept = fate == Fate::kFinished ||
-                                (fate == Fate::kOpen && openGroups == OpenGroups::kTaken);
+            const bool isKept = ComesBack(groups_.All()[entry.group], openGroups);
             if (isKept && IsUseful(records_[entry.call.record])) found_.calls.push_back(entry.call);
         }
     }
@@ -314,6 +310,11 @@ class Walk {
 };
 
 }  // namespace
+
+bool ComesBack(const WorkGroup& group, OpenGroups openGroups) {
+    return group.fate == Fate::kFinished ||
+           (group.fate == Fate::kOpen && openGroups == OpenGroups::kTaken);
+}
 
 bool MissingWork::HasWork() const {
     return HasOpenGroup() || std::ranges::any_of(groups, [](const WorkGroup& group) {

@@ -51,6 +51,7 @@ struct MissingWork {
 };
 
 enum class OpenGroups { kLeftOut, kTaken };
+bool ComesBack(const WorkGroup& group, OpenGroups openGroups);
 
 // `base` is one of the session's. The work ends where the scene was replaced, or with the session.
 MissingWork FindMissingWork(const recorder::TapeSession& session,

@@ -27,25 +27,10 @@ std::size_t CountOfChunks(const headless::SceneFileView& scene, std::uint16_t id
     return count;
 }
 
-bool ComesBack(const WorkGroup& group, OpenGroups openGroups) {
-    return group.fate == Fate::kFinished ||
-           (group.fate == Fate::kOpen && openGroups == OpenGroups::kTaken);
-}
-
-RecoveredWork ReportOn(const WorkGroup& group, MakingAgain& making) {
-    RecoveredWork work;
-    work.name = group.name;
-    work.fate = group.fate;
-    work.isBegunBefore = group.isBegunBefore;
-    work.changes = group.changes;
-    work.samples = group.samples;
-    work.moments = group.moments.size();
-    if (!group.moments.empty()) {
-        work.firstSecond = *group.moments.begin();
-        work.lastSecond = *group.moments.rbegin();
-    }
+RecoveredWork ReportOn(const WorkGroup& group, const FoundNodes& nodes) {
+    RecoveredWork work{group, {}};
     for (const ObjectId node : group.nodes)
-        work.nodes.push_back(making.NameOf(node));
+        work.nodes.push_back(nodes.NameOf(node));
     std::ranges::sort(work.nodes);
     work.nodes.erase(std::unique(work.nodes.begin(), work.nodes.end()), work.nodes.end());
     return work;
@@ -150,6 +135,7 @@ void Recovery::RefuseToGuess() const {
     throw std::runtime_error(text);
 }
 
+// The nodes that were found are given back before the Core has its last state.
 RecoveryReport Recovery::Perform(headless::Session& session) {
     if (!base_ && !choice_.scene.empty()) base_ = FindByStoredState();
     if (!base_) RefuseToGuess();
@@ -161,35 +147,36 @@ RecoveryReport Recovery::Perform(headless::Session& session) {
     report.base = LineOf(base_->base);
     report.lost = work.leftOut;
     report.hasLaterState = work.coreState.has_value() || !work.partsOfOwners.empty();
-
-    TVL::AdaptorInterface& adaptor = core_.Objects().Adaptor();
     {
         MakingAgain making(tape, work, core_, session);
         const bool isFileOfTape = !digest_.empty() && base_->base.digest == digest_;
         if (!isFileOfTape) report.overwritten = making.Overwritten();
-        if (!work.calls.empty()) {
-            report.step = StepLabel(work, choice_.openGroups);
-            if (adaptor.BeginUndoGroup(report.step) != 0)
-                throw std::runtime_error("no undo group can be opened");
-            try {
-                making.MakeCalls();
-            } catch (...) {
-                adaptor.CancelUndoGroup();
-                throw;
-            }
-            if (adaptor.EndUndoGroup() != 0)
-                report.lost.push_back("not all of it could be done, as the trace tells");
-        }
+        if (!work.calls.empty()) MakeAsOneStep(work, making, report);
         for (const WorkGroup& group : work.groups) {
             if (group.changes == 0) continue;
             const bool comesBack = ComesBack(group, choice_.openGroups);
-            (comesBack ? report.recovered : report.left).push_back(ReportOn(group, making));
+            (comesBack ? report.recovered : report.left).push_back(ReportOn(group, making.Nodes()));
         }
         std::ranges::copy(making.Lost(), std::back_inserter(report.lost));
     }
     core_.SetState(work.coreState, work.partsOfOwners);
     report.plainNodes = TurnIntoPlainNodes(core_);
     return report;
+}
+
+void Recovery::MakeAsOneStep(const MissingWork& work, MakingAgain& making, RecoveryReport& report) {
+    TVL::AdaptorInterface& adaptor = core_.Objects().Adaptor();
+    report.step = StepLabel(work, choice_.openGroups);
+    if (adaptor.BeginUndoGroup(report.step) != 0)
+        throw std::runtime_error("no undo group can be opened");
+    try {
+        making.MakeCalls();
+    } catch (...) {
+        adaptor.CancelUndoGroup();
+        throw;
+    }
+    if (adaptor.EndUndoGroup() != 0)
+        report.lost.push_back("not all of it could be done, as the trace tells");
 }
 
 std::string WordOfUnsavedWork(const std::string& path) try {

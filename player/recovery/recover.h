@@ -11,6 +11,8 @@
 
 namespace player {
 
+class MakingAgain;
+
 // Which work a scene is to be given.
 struct RecoveryChoice {
     std::string scene;                   // the file; empty for a scene that is empty
@@ -19,17 +21,10 @@ struct RecoveryChoice {
     OpenGroups openGroups = OpenGroups::kLeftOut;
 };
 
-// What came back of a group, or of what was done outside of any.
+// What came back of a group.
 struct RecoveredWork {
-    std::string name;  // empty outside of any
-    Fate fate = Fate::kFinished;
-    bool isBegunBefore = false;  // the scene had its beginning
-    std::size_t changes = 0;
-    std::size_t samples = 0;
-    std::size_t moments = 0;  // at which there are samples
-    double firstSecond = 0;
-    double lastSecond = 0;
-    std::vector<std::string> nodes;  // by their names in the host
+    WorkGroup group;
+    std::vector<std::string> nodes;  // of it, by their names in the host
 };
 
 struct RecoveryReport {
@@ -73,7 +68,7 @@ class Recovery {
     std::optional<Candidate> FindByStoredState() const;
     [[noreturn]] void RefuseToGuess() const;
     std::vector<std::size_t> Sessions() const;
-    bool HasNothingFor(const MissingWork& work) const;
+    void MakeAsOneStep(const MissingWork& work, MakingAgain& making, RecoveryReport& report);
 
     const recorder::TapeContents& tape_;
     const RecoveryChoice choice_;

@@ -135,10 +135,14 @@ TVL::CoreNode* RecoveryCore::NodeOfHandle(std::uint32_t handle) {
     return found.empty() ? nullptr : static_cast<TVL::CoreNode*>(found.front());
 }
 
+RecoveryCore::MarkedNode* RecoveryCore::FindMarked(std::uint32_t handle) {
+    const auto found = std::ranges::find(marked_, handle, &MarkedNode::handle);
+    return found == marked_.end() ? nullptr : &*found;
+}
+
 void RecoveryCore::ClaimMarkedNodes() {
     for (const Mark& mark : MarksInScene()) {
-        const auto isIt = [&](const MarkedNode& each) { return each.handle == mark.handle; };
-        if (std::ranges::any_of(marked_, isIt)) continue;
+        if (FindMarked(mark.handle)) continue;
         const std::string plugin = mark.tag.Child("name").Text();
         for (const auto& child : mark.tag.children) {
             if (child->name != "masternode") continue;
@@ -167,15 +171,7 @@ ObjectId RecoveryCore::OwnerOfMark(const std::string& plugin) {
 
 void RecoveryCore::KnowOwners(const std::map<ObjectId, std::string>& plugins) {
     for (const auto& [owner, plugin] : plugins) {
-        recorder::RecordHead head;
-        head.object = owner;
-        head.kind = RecordKind::kObject;
-        recorder::ObjectFacts facts;
-        facts.name = plugin;
-        recorder::RecordWriter writer;
-        writer.Begin(head);
-        writer.Put(facts);
-        objects_->Know(writer.End());
+        objects_->Know(owner, plugin);
         plugins_[owner] = plugin;
     }
 }

@@ -45,6 +45,7 @@ class RecoveryCore final : public headless::CoreBetween, public PlayedCore {
         bool isRenamed = false;
     };
     std::vector<MarkedNode>& Marked() { return marked_; }
+    MarkedNode* FindMarked(std::uint32_t handle);  // null if it has no mark
 
     // A new snapshot node on the scene node of that handle, or null; the caller's to release.
     TVL::CoreNode* NodeOfHandle(std::uint32_t handle);

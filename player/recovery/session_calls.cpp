@@ -5,11 +5,8 @@ namespace player {
 using recorder::ValueReader;
 
 SessionCalls::SessionCalls(const recorder::TapeSession& session) : records_(session.records) {
-    for (std::size_t index = 0; index < records_.size(); ++index) {
-        const RecordKind kind = records_[index].head.kind;
-        if (kind == RecordKind::kAnswer || kind == RecordKind::kThrown)
-            ends_.emplace(records_[index].head.call, index);
-    }
+    for (std::size_t index = 0; index < records_.size(); ++index)
+        if (records_[index].IsEnd()) ends_.emplace(records_[index].head.call, index);
 }
 
 std::optional<std::size_t> SessionCalls::EndOf(const Record& call) const {

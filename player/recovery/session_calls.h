@@ -16,8 +16,6 @@ class SessionCalls {
   public:
     explicit SessionCalls(const recorder::TapeSession& session);
 
-    const std::vector<Record>& Records() const { return records_; }
-
     // A record; none where everything ended in the call. Also of what was thrown.
     std::optional<std::size_t> EndOf(const Record& call) const;
 

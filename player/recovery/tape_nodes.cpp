@@ -34,10 +34,8 @@ void TapeNodes::SeeCall(const Record& call) {
     switch (call.head.operation) {
         case Operation::AdaptorInterface_CreateLensNode:
         case Operation::AdaptorInterface_CreateHelperNode:
-            SeeMade(call);
-            break;
         case Operation::CoreNode_Claim:
-            SeeClaimed(call);
+            SeeMade(call);
             break;
         case Operation::AdaptorInterface_ClaimNodes:
             SeeFound(call);
@@ -71,17 +69,7 @@ void TapeNodes::SeeMade(const Record& call) {
     const ObjectId given = calls_.Given(call);
     if (given == 0) return;
     ValueReader said(call);
-    TapeNode& node = nodes_[given];
-    node.owner = said.Object();
-    node.name = said.Text();
-    node.isReal = true;
-}
-
-void TapeNodes::SeeClaimed(const Record& call) {
-    const ObjectId given = calls_.Given(call);
-    if (given == 0) return;
-    ValueReader said(call);
-    const TapeNode from = Find(call.head.object);
+    const TapeNode from = Find(call.head.object);  // none if it is new
     TapeNode& node = nodes_[given];
     node.storedPlugin = from.storedPlugin;
     node.storedName = from.storedName;
@@ -110,8 +98,7 @@ void TapeNodes::SeeFacts(const Record& record) {
     const recorder::ObjectFacts facts = ValueReader(record).Facts();
     const ObjectId id = record.head.object;
     const ObjectKind kind = recorder::KindOf(id);
-    if (kind >= ObjectKind::kSnapshot && kind <= ObjectKind::kShapeSnapshot)
-        lent_[id] = {facts.of, facts.seconds};
+    if (recorder::IsSnapshot(kind)) lent_[id] = {facts.of, facts.seconds};
     if (kind != ObjectKind::kNode) return;
     TapeNode& node = nodes_[id];
     node.owner = facts.of;

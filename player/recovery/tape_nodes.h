@@ -52,7 +52,6 @@ class TapeNodes {
 
   private:
     void SeeMade(const Record& call);
-    void SeeClaimed(const Record& call);
     void SeeFound(const Record& call);
 
     const SessionCalls& calls_;

@@ -101,9 +101,7 @@ void WorkGroups::EndGroup(bool isCancelled) {
 
 void WorkGroups::SeeRecording(const Record& call) {
     const Operation operation = call.head.operation;
-    const bool begins = operation == Operation::AdaptorInterface_BeginRecording ||
-                        operation == Operation::AdaptorInterface_BeginRecordingUnkeyed;
-    if (begins && calls_.IsDone(call)) {
+    if (recorder::BeginsRecording(operation) && calls_.IsDone(call)) {
         recordings_.push_back(call.head.call);
         hasSteps_ = true;
     }

@@ -6,7 +6,6 @@
 #include <span>
 
 #include "player/perform.h"
-#include "player/replay/replay_scenes.h"
 #include "recorder/stream/notes.h"
 #include "tvl/panel.h"
 
@@ -37,13 +36,6 @@ int ExtensionOf(const Record& call) {
     const bool is = operation == Operation::CExtendable_HandleExtension ||
                     operation == Operation::CExtendable_HasExtension;
     return is ? ValueReader(call).Whole() : 0;
-}
-
-std::string Quoted(std::string_view text) {
-    std::string quoted = "\"";
-    for (const char c : text)
-        quoted.append(c == '"' ? 2 : 1, c);
-    return quoted + '"';
 }
 
 std::string TextOf(double number) {
@@ -105,17 +97,23 @@ class Causes::Event {
   private:
     // True if nothing of the event can stand behind it.
     bool TakeNote(const Record& record) {
-        ValueReader values(record);
-        const std::string_view noted = values.Text();
+        const auto [noted, about] = recorder::NoteOf(record);
         if (noted == recorder::note::kScene) return false;
         word = noted;
         if (word == recorder::note::kStep) return true;
-        const SceneNote scene = ReadSceneNote(values.Text());
+        const recorder::SceneTexts scene = recorder::SceneOf(about);
         digest = scene.digest;
         path = scene.rest;
         return true;
     }
 };
+
+std::string AsWord(std::string_view text) {
+    std::string quoted = "\"";
+    for (const char c : text)
+        quoted.append(c == '"' ? 2 : 1, c);
+    return quoted + '"';
+}
 
 struct Causes::Told {
     ObjectId object;
@@ -205,7 +203,7 @@ Cause Causes::NewOrOpen(std::size_t place) {
     const bool isNoted = event.word == recorder::note::kOpened;
     const std::string path = isNoted ? event.path : SavedWith(event);
     if (path.empty()) return Unknown("a scene was opened, and the tape does not tell which");
-    Cause cause = Steps("open " + Quoted(path));
+    Cause cause = Steps("open " + AsWord(path));
     cause.digest = isNoted ? event.digest : "";
     return cause;
 }
@@ -241,7 +239,7 @@ Cause Causes::SaveOrDetach(std::size_t place) {
         event.Find(records_, Operation::CoreInterface_GetCoreState) < records_.size();
     if (!isAsked && event.next && event.next->head.operation == Operation::Routine_detach)
         return Steps("detach");
-    return Steps("save " + Quoted(SavedAs(event)));
+    return Steps("save " + AsWord(SavedAs(event)));
 }
 
 Cause Causes::Merge(std::size_t place) {
@@ -249,7 +247,7 @@ Cause Causes::Merge(std::size_t place) {
     const bool isNoted = event.word == recorder::note::kMerged;
     const std::string path = isNoted ? event.path : SavedWith(event);
     if (path.empty()) return Unknown("a scene was merged, and the tape does not tell which");
-    Cause cause = Steps("merge " + Quoted(path));
+    Cause cause = Steps("merge " + AsWord(path));
     cause.digest = isNoted ? event.digest : "";
     return cause;
 }
@@ -390,11 +388,9 @@ void Causes::FollowSave(const Record& answer) {
 void Causes::FollowCall(const Record& record) {
     const bool isCall = record.head.kind == RecordKind::kCall;
     const bool isAnswer = record.head.kind == RecordKind::kAnswer;
-    if (record.head.kind == RecordKind::kNote && !saved_.empty()) {
-        ValueReader values(record);
-        if (values.Text() == recorder::note::kSaved)
-            saved_.back().name = ReadSceneNote(values.Text()).rest;
-    }
+    const auto [word, about] = recorder::NoteOf(record);
+    if (word == recorder::note::kSaved && !saved_.empty())
+        saved_.back().name = recorder::SceneOf(about).rest;
     if (!isCall && !isAnswer) return;
     switch (record.head.operation) {
         case Operation::AdaptorInterface_BeginUndoGroup:

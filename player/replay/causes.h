@@ -3,6 +3,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "player/live_objects.h"
@@ -27,6 +28,9 @@ struct Cause {
     bool isNothing = false;  // a mere question, which nobody needs to have done anything for
     std::string digest;      // of the scene that is opened or merged
 };
+
+// A text as a word of a step of `run`.
+std::string AsWord(std::string_view text);
 
 // Tells what the host did from the outermost calls on a tape alone, and from notes on scenes where
 // there are any. Where several things fit, what the Core did before decides.

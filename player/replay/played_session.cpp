@@ -10,7 +10,6 @@
 namespace player {
 namespace {
 
-using recorder::RecordHead;
 using recorder::RecordWriter;
 using recorder::RowOf;
 using recorder::ValueReader;
@@ -24,14 +23,8 @@ constexpr std::string_view kNothingCame = "nothing";
 
 constexpr int kDeepest = 200;  // calls of the Core's in one another
 
-bool IsOfListener(Operation operation) {
-    return operation == Operation::NodeListener_OnNodeRemoved ||
-           operation == Operation::NodeListener_OnNodeRestored;
-}
-
 bool IsEndOf(const Record& record, std::uint64_t call) {
-    const RecordKind kind = record.head.kind;
-    return (kind == RecordKind::kAnswer || kind == RecordKind::kThrown) && record.head.call == call;
+    return record.IsEnd() && record.head.call == call;
 }
 
 // A status is 0 or a number that means nothing outside its process.
@@ -51,16 +44,6 @@ Told ToldOf(Operation operation, const Performed& performed) {
     return {RecordKind::kNote, operation, {}, "thrown: " + *performed.thrown};
 }
 
-template <class... Values>
-Record CallOf(RecordWriter& writer, Operation operation, const Values&... values) {
-    RecordHead head;
-    head.kind = RecordKind::kCall;
-    head.operation = operation;
-    writer.Begin(head);
-    (writer.Put(values), ...);
-    return writer.End();
-}
-
 }  // namespace
 
 PlayedSession::PlayedSession(const recorder::TapeSession& session, ReplayScenes& scenes)
@@ -73,17 +56,15 @@ PlayedSession::PlayedSession(const recorder::TapeSession& session, ReplayScenes&
 CoreInterface* PlayedSession::Attach(TVL::AdaptorInterface& adaptor) {
     objects_.emplace(adaptor, *this);
     RecordWriter writer;
-    ValueReader answer(Answer(CallOf(writer, Operation::Routine_attach, objects_->IdOf(&adaptor))));
+    ValueReader answer(Answer(writer.Call(0, Operation::Routine_attach, objects_->IdOf(&adaptor))));
     CoreInterface* const core = objects_->Find<CoreInterface>(answer.Object());
-    isAttached_ = core != nullptr;
-    if (!isAttached_) GiveBack();
+    if (!core) GiveBack();
     return core;
 }
 
 void PlayedSession::Detach(CoreInterface* core) {
-    isAttached_ = false;
     RecordWriter writer;
-    Answer(CallOf(writer, Operation::Routine_detach, objects_->IdOf(core)));
+    Answer(writer.Call(0, Operation::Routine_detach, objects_->IdOf(core)));
     GiveBack();
 }
 
@@ -100,7 +81,7 @@ const Record* PlayedSession::Peek(bool passesNotes) {
         const Record& record = session_.records[at_];
         switch (record.head.kind) {
             case RecordKind::kObject:
-                if (objects_) objects_->Know(record);
+                if (objects_) objects_->Know(record.head.object, ValueReader(record).Facts().name);
                 break;
             case RecordKind::kNote:
                 if (!passesNotes) return &record;
@@ -215,29 +196,20 @@ void PlayedSession::Make(const Record& call, const std::function<Performed()>& p
 }
 
 Performed PlayedSession::PerformHere(const Record& call) {
-    const auto findMesh = [this](recorder::MeshId id) {
-        const auto mesh = session_.meshes.find(id);
-        if (mesh == session_.meshes.end()) return TVL::CMesh();
-        ValueReader values(mesh->second);
-        values.Word();
-        return values.MeshContent();
-    };
     if (call.head.operation != Operation::AdaptorInterface_MergeModels)
-        return Perform(call, *objects_, findMesh);
+        return Perform(call, *objects_, session_);
     const std::string path(ValueReader(call).Text());
     std::string digest;
     for (std::size_t place = at_; place < session_.records.size() && digest.empty(); ++place) {
-        if (session_.records[place].head.kind != RecordKind::kNote) continue;
-        ValueReader values(session_.records[place]);
-        if (values.Text() != recorder::note::kMerged) continue;
-        const SceneNote note = ReadSceneNote(values.Text());
-        if (note.rest == path) digest = note.digest;
+        const auto [word, about] = recorder::NoteOf(session_.records[place]);
+        if (word != recorder::note::kMerged) continue;
+        const recorder::SceneTexts scene = recorder::SceneOf(about);
+        if (scene.rest == path) digest = scene.digest;
     }
     const std::string here = scenes_.ToRead(digest, path);
     RecordWriter writer;
-    writer.Begin(call.head);
-    writer.Put(std::string_view(here.empty() ? path : here));
-    return Perform(writer.End(), *objects_, findMesh);
+    const std::string_view read = here.empty() ? path : here;
+    return Perform(writer.Call(call.head.object, call.head.operation, read), *objects_, session_);
 }
 
 bool PlayedSession::Compare(const Record& call, const Record& end, const Performed& performed) {

@@ -48,8 +48,6 @@ class PlayedSession final : public PlayedCore {
     void PassNote() { ++at_; }
     void PassQuestion();
 
-    bool IsAttached() const { return isAttached_; }
-    bool IsClosed() const { return session_.isClosed; }
     std::size_t Calls() const { return calls_; }
     LiveObjects& Objects() { return *objects_; }
 
@@ -76,8 +74,7 @@ class PlayedSession final : public PlayedCore {
     std::set<ObjectId> heardOf_;  // nodes that the Core listens to, as far as the tape tells
     std::size_t at_ = 0;
     std::size_t calls_ = 0;
-    int making_ = 0;  // calls of the Core's that are being made
-    bool isAttached_ = false;
+    int making_ = 0;       // calls of the Core's that are being made
     bool isTorn_ = false;  // the tape ended in the middle
     std::optional<Verdict> verdict_;
 };

@@ -11,20 +11,14 @@ namespace {
 namespace note = recorder::note;
 using recorder::ValueReader;
 
-bool IsNote(const Record& record, std::string_view word) {
-    return record.head.kind == RecordKind::kNote && ValueReader(record).Text() == word;
-}
-
 // Of the scene that the step at a place opened or merged, which is told behind it; empty if it did
 // not.
 std::string DigestBehind(const recorder::TapeSession& session, std::size_t step) {
     for (std::size_t place = step + 1; place < session.records.size(); ++place) {
-        if (session.records[place].head.kind != RecordKind::kNote) continue;
-        ValueReader values(session.records[place]);
-        const std::string_view word = values.Text();
+        const auto [word, about] = recorder::NoteOf(session.records[place]);
         if (word == note::kStep) break;
         if (word == note::kOpened || word == note::kMerged)
-            return ReadSceneNote(values.Text()).digest;
+            return std::string(recorder::SceneOf(about).digest);
     }
     return {};
 }
@@ -71,7 +65,9 @@ bool IsContinued(const recorder::TapeContents& tape, std::size_t session) {
     if (session == 0 || session >= tape.sessions.size()) return false;
     const recorder::TapeSession& before = tape.sessions[session - 1];
     if (!before.isClosed) return false;
-    if (!before.records.empty() && IsNote(before.records.back(), note::kStep)) return true;
+    const bool endsInStep =
+        !before.records.empty() && recorder::NoteOf(before.records.back()).word == note::kStep;
+    if (endsInStep) return true;
     return LeavesState(before) && IsGivenState(tape.sessions[session]);
 }
 
@@ -122,9 +118,7 @@ bool Replay::HasMovedOn() {
 std::optional<Replay::Step> Replay::NextStep() {
     if (!Session()) return std::nullopt;
     if (!queue_.empty()) {
-        Step step = std::move(queue_.front());
-        queue_.erase(queue_.begin());
-        return Give(std::move(step));
+        return Give(TakeQueued());
     }
     while (!Over()) {
         const Record* const next = Session()->Next();
@@ -134,32 +128,29 @@ std::optional<Replay::Step> Replay::NextStep() {
         if (Session()->Over() || Session()->Next() == next) return std::nullopt;
     }
     if (Over() || first_ + played_.size() >= end_) return std::nullopt;
-    return Give({kAttach, {}, true, false, false});
+    return Give(Step{.text = kAttach, .isInferred = true});
 }
 
 // A step that failed here has failed there, too, if the calls go on as they do there. What was
 // expected shows in no call; there it held if the tape tells of another step.
 std::optional<Replay::Step> Replay::Noted(const Record& record) {
-    ValueReader values(record);
-    const std::string_view word = values.Text();
-    const std::string_view about = values.Text();
+    const auto [word, about] = recorder::NoteOf(record);
     if (word == note::kStep && !failure_.empty() && given_.text.starts_with("expect")) {
         Session()->Differ(failure_);
         return std::nullopt;
     }
     const std::size_t place = Session()->Place();
     Session()->PassNote();
-    if (word == note::kSaved) TakeSaved(ReadSceneNote(about));
+    if (word == note::kSaved) {
+        const auto [digest, path] = recorder::SceneOf(about);
+        scenes_.NoteSaved(std::string(digest), std::string(path));
+    }
     if (word != note::kStep) return std::nullopt;
     wasNoted_ = true;
     const recorder::TapeSession& session = tape_.sessions[first_ + played_.size() - 1];
-    Step step{std::string(about), DigestBehind(session, place), false, false, false};
+    Step step{.text = std::string(about), .digest = DigestBehind(session, place)};
     step.isWithoutScene = step.digest.empty() && !IsSceneBehind(session, place);
     return step;
-}
-
-void Replay::TakeSaved(const SceneNote& saved) {
-    scenes_.NoteSaved(saved.digest, std::string(saved.rest));
 }
 
 std::optional<Replay::Step> Replay::Inferred() {
@@ -180,9 +171,16 @@ std::optional<Replay::Step> Replay::Inferred() {
         Session()->CannotTell(cause.whyNot);
     } else {
         for (const std::string& text : cause.steps)
-            queue_.push_back({text, cause.digest, true, cause.isRepeated, false});
+            queue_.push_back({.text = text,
+                              .digest = cause.digest,
+                              .isInferred = true,
+                              .isRepeated = cause.isRepeated});
     }
     if (queue_.empty()) return std::nullopt;
+    return TakeQueued();
+}
+
+Replay::Step Replay::TakeQueued() {
     Step step = std::move(queue_.front());
     queue_.erase(queue_.begin());
     return step;
@@ -208,14 +206,10 @@ void Replay::QueueDeletion(const Cause& cause) {
         return;
     }
     std::string select = "select";
-    for (const std::string& name : names) {
-        select += " \"";
-        for (const char c : name)
-            select.append(c == '"' ? 2 : 1, c);
-        select += '"';
-    }
-    queue_.push_back({select, {}, true, false, false});
-    queue_.push_back({"delete", {}, true, false, false});
+    for (const std::string& name : names)
+        select += ' ' + AsWord(name);
+    queue_.push_back({.text = select, .isInferred = true});
+    queue_.push_back({.text = "delete", .isInferred = true});
 }
 
 bool Replay::WasDone() {

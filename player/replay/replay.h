@@ -32,8 +32,8 @@ class Replay final : public headless::CoreBetween {
     void Detach(CoreInterface* core, const DetachCore& none) override;
 
     struct Step {
-        std::string text;         // of `run`, with files by their names on the tape
-        std::string digest;       // of the scene that it reads, if it was noted
+        std::string text{};       // of `run`, with files by their names on the tape
+        std::string digest{};     // of the scene that it reads, if it was noted
         bool isInferred = false;  // no note tells it
         bool isRepeated = false;  // until the adaptor is heard
 
@@ -66,7 +66,7 @@ class Replay final : public headless::CoreBetween {
     std::optional<Step> Give(Step step);
     void QueueDeletion(const Cause& cause);
     bool HasMovedOn();
-    void TakeSaved(const SceneNote& note);
+    Step TakeQueued();
 
     const recorder::TapeContents& tape_;
     ReplayScenes& scenes_;

@@ -25,12 +25,6 @@ std::string NameOf(const std::string& path) {
 
 }  // namespace
 
-SceneNote ReadSceneNote(std::string_view about) {
-    const std::size_t blank = about.find(' ');
-    if (blank == std::string_view::npos) return {};
-    return {std::string(about.substr(0, blank)), about.substr(blank + 1)};
-}
-
 ReplayScenes::ReplayScenes(const recorder::TapeContents& tape, std::string folder)
     : tape_(tape), folder_(std::move(folder)) {}
 
@@ -75,13 +69,12 @@ std::string ReplayScenes::BesideTape(const std::string& digest, const std::strin
 std::string ReplayScenes::FromTape(const std::string& digest) {
     for (const recorder::TapeSession& session : tape_.sessions)
         for (const recorder::Record& record : session.records) {
-            if (record.head.kind != recorder::RecordKind::kNote) continue;
-            recorder::ValueReader values(record);
-            if (values.Text() != recorder::note::kScene) continue;
-            const SceneNote note = ReadSceneNote(values.Text());
-            if (note.digest != digest) continue;
+            const auto [word, about] = recorder::NoteOf(record);
+            if (word != recorder::note::kScene) continue;
+            const recorder::SceneTexts scene = recorder::SceneOf(about);
+            if (scene.digest != digest) continue;
             const std::string path = ToWrite(digest);
-            std::ofstream(platform::FromNarrow(path), std::ios::binary) << note.rest;
+            std::ofstream(platform::FromNarrow(path), std::ios::binary) << scene.rest;
             return saved_[digest] = path;
         }
     return {};

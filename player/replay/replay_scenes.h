@@ -2,7 +2,6 @@
 
 #include <map>
 #include <string>
-#include <string_view>
 
 #include "recorder/tape/read_tape.h"
 
@@ -35,13 +34,5 @@ class ReplayScenes {
     std::map<std::string, std::string> written_;  // by the path of the tape's host
     std::map<std::string, std::string> saved_;    // by digest
 };
-
-// What the notes on scenes are about (recorder/stream/notes.h): a digest, a blank, and a path, or
-// of one that travels along its bytes.
-struct SceneNote {
-    std::string digest;
-    std::string_view rest;
-};
-SceneNote ReadSceneNote(std::string_view about);
 
 }  // namespace player

@@ -164,4 +164,19 @@ constexpr const OperationRow& RowOf(Operation operation) {
     return kOperations[static_cast<std::size_t>(operation)];
 }
 
+constexpr bool BeginsRecording(Operation operation) {
+    return operation == Operation::AdaptorInterface_BeginRecording ||
+           operation == Operation::AdaptorInterface_BeginRecordingUnkeyed;
+}
+
+constexpr bool CreatesNode(Operation operation) {
+    return operation == Operation::AdaptorInterface_CreateLensNode ||
+           operation == Operation::AdaptorInterface_CreateHelperNode;
+}
+
+constexpr bool IsOfListener(Operation operation) {
+    return operation == Operation::NodeListener_OnNodeRemoved ||
+           operation == Operation::NodeListener_OnNodeRestored;
+}
+
 }  // namespace recorder

@@ -63,6 +63,9 @@ constexpr ObjectId MakeObjectId(ObjectKind kind, std::uint64_t number) {
 constexpr ObjectKind KindOf(ObjectId id) {
     return static_cast<ObjectKind>(id >> 56);
 }
+constexpr bool IsSnapshot(ObjectKind kind) {
+    return kind >= ObjectKind::kSnapshot && kind <= ObjectKind::kShapeSnapshot;
+}
 constexpr std::uint64_t NumberOf(ObjectId id) {
     return id & 0x00ff'ffff'ffff'ffff;
 }
@@ -100,6 +103,9 @@ struct Record {
 
     bool Is(RecordKind kind, Operation operation) const {
         return head.kind == kind && head.operation == operation;
+    }
+    bool IsEnd() const {  // of a call
+        return head.kind == RecordKind::kAnswer || head.kind == RecordKind::kThrown;
     }
 };
 

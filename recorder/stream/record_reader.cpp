@@ -175,6 +175,11 @@ std::span<const std::uint64_t> ValueReader::Skip(char letter) {
     return whole.first(whole.size() - rest_.size());
 }
 
+std::string InSeconds(std::uint32_t milliseconds) {
+    const std::string rest = std::to_string(milliseconds % 1000);
+    return std::to_string(milliseconds / 1000) + '.' + std::string(3 - rest.size(), '0') + rest;
+}
+
 std::string_view LettersOf(const RecordHead& head) {
     switch (head.kind) {
         case RecordKind::kSession:

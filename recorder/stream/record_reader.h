@@ -3,6 +3,7 @@
 #include <array>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -55,6 +56,9 @@ class ValueReader {
 
 // The letters of a record's values; empty for a mesh, whose content has none.
 std::string_view LettersOf(const RecordHead& head);
+
+// Milliseconds as a person reads them: "2.310".
+std::string InSeconds(std::uint32_t milliseconds);
 
 // Whether the head makes sense and the values are those that it names, to the last word.
 bool AreValuesGood(const Record& record);

@@ -39,6 +39,14 @@ class RecordWriter {
         head[3] = lastWord;
     }
 
+    // A call, as a tape has it but for its number and its moment. It stands as End gives it.
+    template <class... Values>
+    Record Call(ObjectId object, Operation operation, const Values&... values) {
+        Begin(0, object, WordOf(0, RecordKind::kCall, 0, 0, operation));
+        (Put(values), ...);
+        return End();
+    }
+
     void Put(bool value) { Word(value ? 1 : 0); }
     void Put(std::int32_t value) { Word(static_cast<std::uint64_t>(std::int64_t{value})); }
     void Put(double value) { Word(std::bit_cast<std::uint64_t>(value)); }

@@ -15,10 +15,6 @@ bool IsAlone(ObjectKind kind) {
     return kind == ObjectKind::kAdaptor || kind == ObjectKind::kCore;
 }
 
-bool IsSnapshot(ObjectKind kind) {
-    return kind >= ObjectKind::kSnapshot && kind <= ObjectKind::kShapeSnapshot;
-}
-
 }  // namespace
 
 void ObjectNames::Take(const Record& record) {

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "recorder/stream/notes.h"
-#include "recorder/stream/record_reader.h"
 
 namespace recorder {
 namespace {
@@ -83,7 +82,7 @@ std::string TakeStock(const MappedFile& file, Stock& stock) {
 }
 
 bool IsSave(const Record& record) {
-    return record.head.kind == RecordKind::kNote && ValueReader(record).Text() == note::kSaved;
+    return NoteOf(record).word == note::kSaved;
 }
 
 }  // namespace recorder

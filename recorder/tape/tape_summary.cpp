@@ -48,24 +48,14 @@ void TakeNote(const Record& record, SessionSummary& summary) {
     summary.scenes.push_back(std::move(scene));
 }
 
-bool IsTake(Operation operation) {
-    return operation == Operation::AdaptorInterface_BeginRecording ||
-           operation == Operation::AdaptorInterface_BeginRecordingUnkeyed;
-}
-
 }  // namespace
 
 SceneNote ReadSceneNote(const Record& record) {
-    if (record.head.kind != RecordKind::kNote) return {};
-    ValueReader values(record);
-    const std::string_view word = values.Text();
-    const std::string_view about = values.Text();
+    const auto [word, about] = NoteOf(record);
     if (word == note::kNew) return {.word = std::string(word), .digest = {}, .path = {}};
     if (word != note::kOpened && word != note::kMerged && word != note::kSaved) return {};
-    const std::size_t blank = std::min(about.find(' '), about.size());
-    return {.word = std::string(word),
-            .digest = std::string(about.substr(0, blank)),
-            .path = std::string(about.substr(std::min(blank + 1, about.size())))};
+    const auto [digest, path] = SceneOf(about);
+    return {.word = std::string(word), .digest = std::string(digest), .path = std::string(path)};
 }
 
 SessionSummary Summarise(const TapeSession& session) {
@@ -79,10 +69,10 @@ SessionSummary Summarise(const TapeSession& session) {
         if (head.kind == RecordKind::kNote) TakeNote(record, summary);
         if (head.kind == RecordKind::kCall) {
             ++summary.calls;
-            if (IsTake(head.operation)) ++summary.takes;
+            if (BeginsRecording(head.operation)) ++summary.takes;
         }
         if (head.kind == RecordKind::kAnswer) groups.Take(record, summary);
-        if (head.kind == RecordKind::kAnswer || head.kind == RecordKind::kThrown) ++ended;
+        if (record.IsEnd()) ++ended;
     }
     summary.unanswered = summary.calls > ended ? summary.calls - ended : 0;
     summary.hasOpenGroup = groups.HasOpen();

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <functional>
 
 namespace recorder {
@@ -46,12 +45,6 @@ std::span<const WatchRule> WatchRules() {
 
 namespace {
 
-std::string Seconds(std::uint32_t milliseconds) {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%u.%03u s", milliseconds / 1000, milliseconds % 1000);
-    return text.data();
-}
-
 std::string_view TextOf(std::string_view rule) {
     const auto* const row = std::ranges::find(watching::kRules, rule, &WatchRule::name);
     return row == watching::kRules.end() ? std::string_view() : row->text;
@@ -65,8 +58,8 @@ std::string Line(const Finding& finding) {
     if (!finding.node.empty()) line += " on " + finding.node;
     line += finding.count == 1 ? ", once, at "
                                : ", " + std::to_string(finding.count) + " times, first at ";
-    line +=
-        Seconds(finding.firstMilliseconds) + " (call " + std::to_string(finding.firstCall) + "): ";
+    line += InSeconds(finding.firstMilliseconds) + " s (call " + std::to_string(finding.firstCall) +
+            "): ";
     line.append(TextOf(finding.rule));
     return finding.about.empty() ? line : line + "; " + finding.about;
 }
@@ -75,10 +68,10 @@ std::string Table(std::span<const Finding> findings) {
     using Row = std::array<std::string, 5>;
     std::vector<Row> rows{{"rule", "call", "node", "times", "first"}};
     for (const Finding& finding : findings)
-        rows.push_back(
-            {std::string(finding.rule), std::string(RowOf(finding.operation).name), finding.node,
-             std::to_string(finding.count),
-             Seconds(finding.firstMilliseconds) + ", call " + std::to_string(finding.firstCall)});
+        rows.push_back({std::string(finding.rule), std::string(RowOf(finding.operation).name),
+                        finding.node, std::to_string(finding.count),
+                        InSeconds(finding.firstMilliseconds) + " s, call " +
+                            std::to_string(finding.firstCall)});
     if (rows.size() == 1) return {};
     std::array<std::size_t, 5> widths{};
     for (const Row& row : rows)

@@ -56,10 +56,6 @@ const Work& WorkOf(Operation operation) {
     return works[static_cast<std::size_t>(operation)];
 }
 
-bool IsSnapshot(ObjectKind kind) {
-    return kind >= ObjectKind::kSnapshot && kind <= ObjectKind::kShapeSnapshot;
-}
-
 bool IsByCore(const OpenCall& call) {
     const ObjectKind kind = KindOf(call.object);
     const Sort sort = WorkOf(call.place.operation).sort;

@@ -14,6 +14,7 @@
 #include "headless/scene_file_view.h"
 #include "player/perform.h"
 #include "player/recovery/recover.h"
+#include "recorder/stream/notes.h"
 #include "recorder/tape/read_tape.h"
 #include "recorder/tape/tape_writer.h"
 #include "tests/recovery/life.h"
@@ -123,7 +124,7 @@ Count CountOf(const recorder::TapeSession& session) {
                              operation == Operation::CoreNode_SetParent);
         }
         if (record.head.kind == recorder::RecordKind::kNote &&
-            player::NoteOf(record).word == "act") {
+            recorder::NoteOf(record).word == "act") {
             ++count.acts;
             count.isInAct = true;
         }
@@ -229,7 +230,7 @@ std::string Try(const Run& run, Totals& totals) {
     totals.groups += report.recovered.size();
     totals.left += report.left.size();
     for (const player::RecoveredWork& work : report.recovered)
-        totals.samples += work.samples;
+        totals.samples += work.group.samples;
 
     settings.folder = folder.File("again");
     std::filesystem::create_directory(settings.folder);
