@@ -1,3 +1,4 @@
+#include "platform/modules.h"
 #include "tests/end_to_end/command.h"
 
 // A tape that is played again: what it needs beside it, and where it says that it cannot.
@@ -21,11 +22,13 @@ class Replay : public Command {
     }
     std::string RunHelloAtVendors(const std::vector<std::string>& steps) const {
         const fs::path folder = folder_.Path() / "vendor";
+        fs::remove_all(folder);
         fs::create_directories(folder);
         const fs::path library = folder / fs::path(RECORDER_MODULE).filename();
-        fs::copy_file(RECORDER_MODULE, library, fs::copy_options::overwrite_existing);
-        fs::copy_file(HELLO_CORE, folder / "real", fs::copy_options::overwrite_existing);
-        Write("vendor/recorder.txt", "core = real\ntape = ../hello.tape\n");
+        const std::string real = platform::ModuleFile("real");
+        fs::copy_file(RECORDER_MODULE, library);
+        fs::copy_file(HELLO_CORE, folder / real);
+        Write("vendor/recorder.txt", "core = " + real + "\ntape = ../hello.tape\n");
         std::string words = "run --core " + Quoted(platform::ToNarrow(library));
         for (const std::string& step : steps)
             words += " --do " + Quoted(step);
