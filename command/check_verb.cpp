@@ -48,17 +48,6 @@ std::uint64_t SeedOf(const CheckArguments& arguments) {
     return static_cast<std::uint64_t>(seed);
 }
 
-// A new one in the folder for temporary files.
-std::string NewFolder() {
-    const fs::path parent = platform::FromNarrow(FolderForPassing());
-    for (int number = 1;; ++number) {
-        const fs::path folder = parent / ("lumiset-checks-" + std::to_string(number));
-        std::error_code error;
-        if (fs::create_directory(folder, error)) return platform::ToNarrow(folder);
-        if (error) throw Failure(platform::Shown(folder) + ": " + error.message());
-    }
-}
-
 // Whatever is made tells of itself at once. The first check shows whether there is a Core at all.
 void MakeAll(const CheckArguments& arguments, const CheckOptions& options, CheckReport& report) {
     for (const Check& check : Checks()) {
@@ -81,7 +70,7 @@ void RunChecks(const CheckArguments& arguments) {
     options.seed = SeedOf(arguments);
     const bool isPassing = options.folder.empty();
     if (!arguments.only.empty()) TheCheck(arguments.only);
-    if (isPassing) options.folder = NewFolder();
+    if (isPassing) options.folder = NewFolderForPassing("lumiset-checks");
     CheckReport report{.core = options.guests.core, .outcomes = {}};
     if (arguments.only.empty()) {
         MakeAll(arguments, options, report);

@@ -4,7 +4,6 @@
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <random>
 
 #include "command/exit_status.h"
 #include "command/output.h"
@@ -13,6 +12,7 @@
 #include "command/tape_values.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
+#include "command/written_files.h"
 #include "platform/narrow_path.h"
 #include "player/replay/replay.h"
 #include "recorder/tape/read_tape.h"
@@ -48,23 +48,18 @@ struct ReplayResult {
 // For the scenes that a replay saves.
 class PassingFolder {
   public:
-    PassingFolder() {
-        std::random_device random;
-        folder_ = std::filesystem::temp_directory_path() /
-                  ("lumiset-replay-" + std::to_string(random()) + std::to_string(random()));
-        std::filesystem::create_directory(folder_);
-    }
+    PassingFolder() : path_(NewFolderForPassing("lumiset-replay")) {}
     ~PassingFolder() {
         std::error_code error;
-        std::filesystem::remove_all(folder_, error);
+        std::filesystem::remove_all(platform::FromNarrow(path_), error);
     }
     PassingFolder(const PassingFolder&) = delete;
     PassingFolder& operator=(const PassingFolder&) = delete;
 
-    std::string Path() const { return platform::ToNarrow(folder_); }
+    const std::string& Path() const { return path_; }
 
   private:
-    std::filesystem::path folder_;
+    std::string path_;
 };
 
 // Sessions of one host, played beside a host of this one's.
@@ -269,7 +264,7 @@ void AddTapeReplayVerb(CLI::App& app) {
         "Play the Core's side of a tape against the plug-in, and what the host did beside, up to "
         "the first answer that differs. The exit status is 0 if all answers were the same, 1 if "
         "one differs, 2 if it cannot be told how to go on.");
-    AddFile(*verb, "TAPE", arguments->tape, "What `--tape` has recorded")->required();
+    AddTape(*verb, arguments->tape);
     AddWholeNumber(*verb, "--session", arguments->session,
                    "Play this one alone, counted from 1, with those ahead of it in the same host");
     AddFile(*verb, "--plugin", arguments->plugin, "The plug-in; else the one beside the program");

@@ -30,10 +30,6 @@ TapeContents Read(const std::string& tape, int status = kFailed) {
     return OrRefuse([&] { return recorder::ReadTape(tape); }, status);
 }
 
-void AddTape(CLI::App& verb, std::string& tape) {
-    AddFile(verb, "TAPE", tape, "What `--tape` has recorded")->required();
-}
-
 // info
 
 struct TapeInfo {

@@ -82,7 +82,7 @@ void AddTapeWatchVerb(CLI::App& app) {
                 "made. Each rule that was broken is told with the call, the node, how often, and "
                 "where it began. The exit status is 0 if none was, 1 if one was, 2 if the tape "
                 "cannot be read.");
-    AddFile(*verb, "TAPE", arguments->tape, "What `--tape` has recorded")->required();
+    AddTape(*verb, arguments->tape);
     AddAudience(*verb, arguments->audience);
     AddExample(*verb, "tape watch walk.tape");
     verb->callback([arguments] {

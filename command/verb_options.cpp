@@ -175,6 +175,10 @@ std::vector<CLI::Option*> AddCore(CLI::App& verb, GuestChoice& choice) {
     return {core, tape, AddWatch(verb, choice.watch)};
 }
 
+void AddTape(CLI::App& verb, std::string& tape) {
+    AddFile(verb, "TAPE", tape, "What `--tape` has recorded")->required();
+}
+
 void AddAudience(CLI::App& verb, Audience& audience) {
     verb.add_flag_callback(
             "--json", [&audience] { audience = Audience::kProgram; },

@@ -74,6 +74,9 @@ void CheckRange(const std::string& option, int number, Range range);
 void AddGuestOptions(CLI::App& verb, GuestChoice& choice);
 std::vector<CLI::Option*> AddCore(CLI::App& verb, GuestChoice& choice);
 
+// TAPE: the one that a verb works on.
+void AddTape(CLI::App& verb, std::string& tape);
+
 // --json: whom to print for.
 void AddAudience(CLI::App& verb, Audience& audience);
 

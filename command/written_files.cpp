@@ -107,6 +107,16 @@ std::string FolderForPassing() {
     return path;
 }
 
+std::string NewFolderForPassing(const std::string& name) {
+    const std::filesystem::path parent = platform::FromNarrow(FolderForPassing());
+    for (int number = 1;; ++number) {
+        const std::filesystem::path folder = parent / (name + '-' + std::to_string(number));
+        std::error_code error;
+        if (std::filesystem::create_directory(folder, error)) return platform::ToNarrow(folder);
+        if (error) throw Failure(platform::Shown(folder) + ": " + error.message());
+    }
+}
+
 // Asked by itself the buffer would throw where it cannot be read.
 std::optional<std::string> RestOf(std::istream& stream) {
     std::string text;

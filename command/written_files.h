@@ -35,8 +35,10 @@ void TellSaved(std::ostream& out);
 // Nothing where no file was to be written. Asks for no memory.
 void TellWhatStands(std::ostream& out);
 
-// Throws a Failure where there is none.
+// The system's folder for files that pass, and a new folder in it, whose name begins so. Both throw
+// a Failure where there is none.
 std::string FolderForPassing();
+std::string NewFolderForPassing(const std::string& name);
 
 // All that a stream still gives; nothing if it cannot be read to its end.
 std::optional<std::string> RestOf(std::istream& stream);

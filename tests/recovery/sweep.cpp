@@ -123,8 +123,7 @@ Count CountOf(const recorder::TapeSession& session) {
                             (count.isFixed || operation == Operation::CoreInterface_GetCoreState ||
                              operation == Operation::CoreNode_SetParent);
         }
-        if (record.head.kind == recorder::RecordKind::kNote &&
-            recorder::NoteOf(record).word == "act") {
+        if (recorder::NoteOf(record).word == "act") {
             ++count.acts;
             count.isInAct = true;
         }
