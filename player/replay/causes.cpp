@@ -50,6 +50,13 @@ Cause Steps(std::string step) {
     return cause;
 }
 
+// A silent step may stand above the one that is meant.
+Cause Repeated(std::string step) {
+    Cause cause = Steps(std::move(step));
+    cause.isRepeated = true;
+    return cause;
+}
+
 std::string NameAt(std::uint64_t call) {
     return "saved at call " + std::to_string(call);
 }
@@ -115,20 +122,6 @@ std::string AsWord(std::string_view text) {
     return quoted + '"';
 }
 
-struct Causes::Told {
-    ObjectId object;
-    Operation operation;
-
-    friend bool operator==(const Told&, const Told&) = default;
-};
-
-struct Causes::Direction {
-    std::vector<Step>& from;
-    std::vector<Step>& to;
-    Operation Deed::*told;
-    const char* name;
-};
-
 struct Causes::Row {
     Operation first;
     Cause (Causes::*cause)(std::size_t place);
@@ -157,12 +150,7 @@ const std::vector<Causes::Row>& Causes::Table() {
     return rows;
 }
 
-Causes::Causes(const recorder::TapeSession& session) : records_(session.records) {
-    for (const Record& record : records_)
-        if (record.head.kind == RecordKind::kCall &&
-            recorder::KindOf(record.head.object) == ObjectKind::kListener)
-            heardOf_.insert(ValueReader(record).Object());
-}
+Causes::Causes(const recorder::TapeSession& session) : records_(session.records), undo_(session) {}
 
 Cause Causes::Of(std::size_t place) {
     Follow(place);
@@ -172,20 +160,9 @@ Cause Causes::Of(std::size_t place) {
     return (this->*row->cause)(place);
 }
 
-// Undo takes the time back to where a recording began, and redo forth again. Of a step that tells
-// of nothing else it shows in what is undone or redone next that it was passed, too.
 Cause Causes::Time(std::size_t place) {
-    const double seconds = ValueReader(records_[place]).Number();
-    const std::vector<Told> told = ToldFrom(place + 1);
-    for (const Direction& direction : {Back(), Forth()}) {
-        const Step* const next = told.empty() ? nullptr : StepOf(direction, told);
-        if (!next) continue;
-        const auto timed =
-            std::find_if(direction.from.rbegin(), direction.from.rend(),
-                         [&](const Step& step) { return step.otherTime || &step == next; });
-        if (timed->otherTime == seconds) return Go(direction, &*timed);
-    }
-    return Steps("time " + TextOf(seconds));
+    if (const char* const word = undo_.TakeWithTime(place)) return Repeated(word);
+    return Steps("time " + TextOf(ValueReader(records_[place]).Number()));
 }
 
 Cause Causes::Show(std::size_t) {
@@ -278,71 +255,9 @@ Cause Causes::Question(std::size_t) {
     return cause;
 }
 
-// Whichever stack has the step of which all that is told here would be told. If both have, what
-// tells of more is meant.
 Cause Causes::UndoOrRedo(std::size_t place) {
-    const std::vector<Told> told = ToldFrom(place);
-    const Step* const undone = StepOf(Back(), told);
-    const Step* const redone = StepOf(Forth(), told);
-    const std::size_t ofUndone = undone ? undone->deeds.size() : 0;
-    const std::size_t ofRedone = redone ? redone->deeds.size() : 0;
-    if (ofUndone == ofRedone)
-        return Unknown("the host undid something or did it again, and the tape tells not which");
-    return ofUndone > ofRedone ? Go(Back(), undone) : Go(Forth(), redone);
-}
-
-// What nodes, chunks and nobody else were told from a place on.
-std::vector<Causes::Told> Causes::ToldFrom(std::size_t place) const {
-    std::vector<Told> told;
-    for (; place < records_.size(); ++place) {
-        const Record& record = records_[place];
-        const Operation operation = record.head.operation;
-        if (!IsOutermost(record) || operation == Operation::CoreInterface_IsCoreRunning) continue;
-        const ObjectKind kind = recorder::KindOf(record.head.object);
-        if (kind == ObjectKind::kListener)
-            told.push_back({ValueReader(record).Object(), operation});
-        else if (kind == ObjectKind::kChunk)
-            told.push_back({record.head.object, operation});
-        else if (operation != Operation::CoreInterface_NotifyTimeChanged)
-            break;
-    }
-    return told;
-}
-
-// The next step of which anything is told, if that is what was told; steps of the user's own and
-// mere keys may stand above it.
-Causes::Step* Causes::StepOf(const Direction& direction, const std::vector<Told>& told) {
-    const auto step = std::find_if(direction.from.rbegin(), direction.from.rend(),
-                                   [](const Step& each) { return !each.deeds.empty(); });
-    if (step == direction.from.rend()) return nullptr;
-    std::vector<Told> due;
-    for (const Deed& deed : step->deeds)
-        due.push_back({deed.object, deed.*direction.told});
-    if (direction.told == &Deed::undone) std::ranges::reverse(due);
-    const bool isIt = told.size() >= due.size() && std::equal(due.begin(), due.end(), told.begin());
-    return isIt ? &*step : nullptr;
-}
-
-Cause Causes::Go(const Direction& direction, const Step* step) {
-    Cause cause = Steps(direction.name);
-    cause.isRepeated = true;
-    double time = now_;
-    for (bool isMet = false; !isMet;) {
-        Step& next = direction.from.back();
-        isMet = &next == step;
-        if (next.otherTime) std::swap(*next.otherTime, time);
-        direction.to.push_back(std::move(next));
-        direction.from.pop_back();
-    }
-    return cause;
-}
-
-Causes::Direction Causes::Back() {
-    return {undo_, redo_, &Deed::undone, "undo"};
-}
-
-Causes::Direction Causes::Forth() {
-    return {redo_, undo_, &Deed::redone, "redo"};
+    if (const char* const word = undo_.Take(place)) return Repeated(word);
+    return Unknown("the host undid something or did it again, and the tape tells not which");
 }
 
 Cause Causes::Release(std::size_t place) {
@@ -357,16 +272,19 @@ Cause Causes::Detach(std::size_t) {
     return cause;
 }
 
-// What the Core's calls up to a place have put into undo steps.
 void Causes::Follow(std::size_t place) {
-    for (; followed_ < place; ++followed_)
-        FollowCall(records_[followed_]);
-}
-
-void Causes::Note(ObjectId object, Operation undone, Operation redone) {
-    const bool isHeardOf =
-        recorder::KindOf(object) == ObjectKind::kChunk || heardOf_.contains(object);
-    if (groups_ > 0 && isHeardOf) open_.deeds.push_back({object, undone, redone});
+    for (; followed_ < place; ++followed_) {
+        const Record& record = records_[followed_];
+        undo_.Follow(record);
+        const auto [word, about] = recorder::NoteOf(record);
+        if (word == recorder::note::kSaved && !saved_.empty())
+            saved_.back().name = recorder::SceneOf(about).rest;
+        const Operation operation = record.head.operation;
+        if (record.head.kind == RecordKind::kAnswer && !IsOfCore(record) &&
+            (operation == Operation::CoreInterface_GetCoreState ||
+             operation == Operation::CExtendable_HandleExtension))
+            FollowSave(record);
+    }
 }
 
 // What a scene stores of the Core: the whole state, and each plug-in's.
@@ -383,61 +301,6 @@ void Causes::FollowSave(const Record& answer) {
     if (values.Letter() != 't') return;
     for (const auto& part : values.Tree().children)
         saving_.parts.push_back(part->Child("TVL_Plugin").Write());
-}
-
-void Causes::FollowCall(const Record& record) {
-    const bool isCall = record.head.kind == RecordKind::kCall;
-    const bool isAnswer = record.head.kind == RecordKind::kAnswer;
-    const auto [word, about] = recorder::NoteOf(record);
-    if (word == recorder::note::kSaved && !saved_.empty())
-        saved_.back().name = recorder::SceneOf(about).rest;
-    if (!isCall && !isAnswer) return;
-    switch (record.head.operation) {
-        case Operation::AdaptorInterface_BeginUndoGroup:
-            if (isCall && ++groups_ == 1) open_ = {};
-            break;
-        case Operation::AdaptorInterface_CancelUndoGroup:
-            if (isCall) isCancelled_ = true;
-            [[fallthrough]];
-        case Operation::AdaptorInterface_EndUndoGroup:
-            if (!isCall || groups_ == 0 || --groups_ > 0) break;
-            if (!std::exchange(isCancelled_, false)) undo_.push_back(std::exchange(open_, {}));
-            redo_.clear();
-            break;
-        case Operation::AdaptorInterface_BeginRecording:
-        case Operation::AdaptorInterface_BeginRecordingUnkeyed:
-            if (isCall && groups_ > 0 && !open_.otherTime) open_.otherTime = now_;
-            break;
-        case Operation::CoreInterface_NotifyTimeChanged:
-            if (isCall) now_ = ValueReader(record).Number();
-            break;
-        case Operation::AdaptorInterface_AddUndoChunk:
-            if (isCall)
-                Note(ValueReader(record).Object(), Operation::CUndo_Undo, Operation::CUndo_Redo);
-            break;
-        case Operation::AdaptorInterface_CreateLensNode:
-        case Operation::AdaptorInterface_CreateHelperNode:
-            if (isAnswer)
-                Note(ValueReader(record).Object(), Operation::NodeListener_OnNodeRemoved,
-                     Operation::NodeListener_OnNodeRestored);
-            break;
-        case Operation::CoreNode_Delete:
-            if (isCall)
-                Note(record.head.object, Operation::NodeListener_OnNodeRestored,
-                     Operation::NodeListener_OnNodeRemoved);
-            break;
-        case Operation::CoreInterface_GetCoreState:
-        case Operation::CExtendable_HandleExtension:
-            if (isAnswer && !IsOfCore(record)) FollowSave(record);
-            break;
-        case Operation::CoreInterface_ResetCore:
-        case Operation::AdaptorInterface_FlushUndoBuffer:
-            undo_.clear();
-            redo_.clear();
-            break;
-        default:
-            break;
-    }
 }
 
 }  // namespace player

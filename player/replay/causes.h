@@ -1,12 +1,11 @@
 #pragma once
 
-#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "player/live_objects.h"
+#include "player/replay/undo_steps.h"
 #include "recorder/tape/read_tape.h"
 
 namespace player {
@@ -61,32 +60,10 @@ class Causes {
     std::string SavedAs(const Event& event) const;
     std::string SavedWith(const Event& event) const;
 
-    // What an undo step of the Core's did of which the Core hears when it is undone or redone, in
-    // its order.
-    struct Deed {
-        ObjectId object;
-        Operation undone;
-        Operation redone;
-    };
-    struct Step {
-        std::vector<Deed> deeds;
-        std::optional<double> otherTime;  // to which undo or redo takes a host that has recorded
-    };
-    struct Direction;
-    struct Told;
-    Direction Back();
-    Direction Forth();
-    std::vector<Told> ToldFrom(std::size_t place) const;
-    Step* StepOf(const Direction& direction, const std::vector<Told>& told);
-    Cause Go(const Direction& direction, const Step* step);
-
     void Follow(std::size_t place);
-    void FollowCall(const Record& record);
     void FollowSave(const Record& answer);
-    void Note(ObjectId object, Operation undone, Operation redone);
 
     const std::vector<Record>& records_;
-    std::set<ObjectId> heardOf_;  // nodes of which the Core hears
 
     struct Saved {
         std::string name;
@@ -96,12 +73,7 @@ class Causes {
     // As far as the tape was followed.
     std::vector<Saved> saved_;
     Saved saving_;
-    std::vector<Step> undo_;  // the newest last
-    std::vector<Step> redo_;
-    Step open_;
-    int groups_ = 0;
-    bool isCancelled_ = false;
-    double now_ = 0;
+    UndoSteps undo_;
     std::size_t followed_ = 0;
 };
 
