@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "headless/scene_view.h"
 #include "host/time.h"
@@ -61,15 +60,12 @@ void MakingAgain::BindAdaptor() {
     }
 }
 
-std::vector<std::string> MakingAgain::Overwritten() {
-    struct Times {
-        double first = std::numeric_limits<double>::infinity();
-        double last = -std::numeric_limits<double>::infinity();
-    };
+// When each node is written to, by its name in the host; what is not to keys is at no time.
+std::map<std::string, MakingAgain::Times> MakingAgain::TimesWritten() const {
     std::map<std::string, Times> written;
     for (const MissingCall& missing : work_.calls) {
         const Record& call = tape_.records[missing.record];
-        const ObjectId node = missing.isSample ? missing.lent.node : call.head.object;
+        const ObjectId node = missing.Node(call);
         if (!nodes_.IsFound(node)) continue;
         Times& times = written[nodes_.NameOf(node)];
         if (missing.isSample) {
@@ -77,9 +73,14 @@ std::vector<std::string> MakingAgain::Overwritten() {
             times.last = std::max(times.last, missing.lent.seconds);
         } else if (call.head.operation == Operation::CoreNode_DeleteAnimationFrom) {
             times.first = std::min(times.first, recorder::ValueReader(call).Number());
-            times.last = std::numeric_limits<double>::infinity();
+            times.last = kNever;
         }
     }
+    return written;
+}
+
+std::vector<std::string> MakingAgain::Overwritten() const {
+    const std::map<std::string, Times> written = TimesWritten();
     std::vector<std::string> lines;
     for (const headless::NodeView& node : headless::Nodes()) {
         const auto times = written.find(node.name);
@@ -120,10 +121,7 @@ void MakingAgain::Make(const MissingCall& missing) {
     const Record& call = tape_.records[missing.record];
     if (!LendAgain(missing, call) || !IsThere(call.head.object)) {
         if (missing.isChange)
-            Lose("on " +
-                     Quoted(
-                         nodes_.NameOf(missing.lent.node ? missing.lent.node : call.head.object)) +
-                     ", which is not in the scene",
+            Lose("on " + Quoted(nodes_.NameOf(missing.Node(call))) + ", which is not in the scene",
                  call);
         return;
     }
@@ -188,6 +186,21 @@ bool MakingAgain::IsThere(ObjectId id) {
     }
 }
 
+ObjectId MakingAgain::Acquire(TVL::CoreNode& node, ObjectKind kind, double seconds) {
+    switch (kind) {
+        case ObjectKind::kSnapshot:
+            return objects_.IdOf(node.AcquireSnapshot(seconds));
+        case ObjectKind::kHelperSnapshot:
+            return objects_.IdOf(node.AcquireHelperSnapshot());
+        case ObjectKind::kLensSnapshot:
+            return objects_.IdOf(node.AcquireLensSnapshot(seconds));
+        case ObjectKind::kMeshSnapshot:
+            return objects_.IdOf(node.AcquireMeshSnapshot(seconds));
+        default:
+            return objects_.IdOf(node.AcquireShapeSnapshot(seconds));
+    }
+}
+
 // A snapshot that was lent ahead of the base, or in a group that does not come back.
 bool MakingAgain::LendAgain(const MissingCall& missing, const Record& call) {
     const ObjectId id = call.head.object;
@@ -196,25 +209,7 @@ bool MakingAgain::LendAgain(const MissingCall& missing, const Record& call) {
     if (lent != lent_.end() && lent->second.seconds == missing.lent.seconds) return true;
     auto* const node = objects_.Find<TVL::CoreNode>(missing.lent.node);
     if (!node) return false;
-    const double seconds = missing.lent.seconds;
-    ObjectId here = 0;
-    switch (recorder::KindOf(id)) {
-        case ObjectKind::kSnapshot:
-            here = objects_.IdOf(node->AcquireSnapshot(seconds));
-            break;
-        case ObjectKind::kHelperSnapshot:
-            here = objects_.IdOf(node->AcquireHelperSnapshot());
-            break;
-        case ObjectKind::kLensSnapshot:
-            here = objects_.IdOf(node->AcquireLensSnapshot(seconds));
-            break;
-        case ObjectKind::kMeshSnapshot:
-            here = objects_.IdOf(node->AcquireMeshSnapshot(seconds));
-            break;
-        default:
-            here = objects_.IdOf(node->AcquireShapeSnapshot(seconds));
-            break;
-    }
+    const ObjectId here = Acquire(*node, recorder::KindOf(id), missing.lent.seconds);
     if (here == 0 || !objects_.Match(id, here)) return false;
     lent_[id] = missing.lent;
     return true;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <limits>
 #include <map>
 #include <string>
 #include <vector>
@@ -18,7 +19,7 @@ class MakingAgain {
                 headless::Session& session);
 
     // What of the scene the calls will write over, a line each.
-    std::vector<std::string> Overwritten();
+    std::vector<std::string> Overwritten() const;
 
     // Inside an undo group.
     void MakeCalls();
@@ -29,7 +30,14 @@ class MakingAgain {
     const FoundNodes& Nodes() const { return nodes_; }
 
   private:
+    static constexpr double kNever = std::numeric_limits<double>::infinity();
+    struct Times {  // in seconds
+        double first = kNever;
+        double last = -kNever;
+    };
+    std::map<std::string, Times> TimesWritten() const;
     void BindAdaptor();
+    ObjectId Acquire(TVL::CoreNode& node, ObjectKind kind, double seconds);
     void GiveBackLoans();
     void Prepare(const MissingCall& missing);
     void SetTime(std::optional<double> seconds);

@@ -244,8 +244,7 @@ class Walk {
             ++group.samples;
             group.moments.insert(missing.lent.seconds);
         }
-        const ObjectId on = missing.lent.node != 0 ? missing.lent.node : call.head.object;
-        for (const ObjectId id : {on, calls_.Given(call)})
+        for (const ObjectId id : {missing.Node(call), calls_.Given(call)})
             if (recorder::KindOf(id) == ObjectKind::kNode) group.nodes.insert(id);
         if (MakesSceneNode(call.head.operation)) madeAnew_.insert(calls_.Given(call));
     }
@@ -272,7 +271,7 @@ class Walk {
         std::set<ObjectId> known = madeAnew_;
         for (const MissingCall& missing : found_.calls) {
             const Record& call = records_[missing.record];
-            AddOlder(missing.lent.node != 0 ? missing.lent.node : call.head.object, known);
+            AddOlder(missing.Node(call), known);
             ValueReader said(call);
             for (const char letter : recorder::RowOf(call.head.operation).said) {
                 const auto value = said.Skip(letter);

@@ -25,6 +25,11 @@ struct MissingCall {
     Lent lent;                      // of one on a snapshot
     bool isChange = false;          // of the scene
     bool isSample = false;          // the same, by a snapshot at its time
+
+    // The node that the call is on, or whose snapshot.
+    ObjectId Node(const Record& call) const {
+        return lent.node != 0 ? lent.node : call.head.object;
+    }
 };
 
 // What a scene lacks of a session's work.
