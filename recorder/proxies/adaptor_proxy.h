@@ -49,7 +49,7 @@ class AdaptorProxy final : public Proxy<AdaptorInterface> {
         const NodeProxy* const above = NodeProxy::From(parent);
         const auto make = [&] {
             return nodes_.Created(listener, [&](NodeListener* here) {
-                return real_->CreateLensNode(ownerHere, name, RealOf(above), here);
+                return real_->CreateLensNode(ownerHere, std::move(name), RealOf(above), here);
             });
         };
         return scribe_.Record<AdaptorInterface_CreateLensNode>(
@@ -62,8 +62,8 @@ class AdaptorProxy final : public Proxy<AdaptorInterface> {
         const NodeProxy* const above = NodeProxy::From(parent);
         const auto make = [&] {
             return nodes_.Created(listener, [&](NodeListener* here) {
-                return real_->CreateHelperNode(ownerHere, name, RealOf(above), std::move(mesh),
-                                               here);
+                return real_->CreateHelperNode(ownerHere, std::move(name), RealOf(above),
+                                               std::move(mesh), here);
             });
         };
         return scribe_.Record<AdaptorInterface_CreateHelperNode>(
@@ -71,31 +71,32 @@ class AdaptorProxy final : public Proxy<AdaptorInterface> {
     }
 
     CNode* createMesh(void* unused, std::string name) override {
-        const auto make = [&] { return nodes_.New(real_->createMesh(unused, name)); };
+        const auto make = [&] { return nodes_.New(real_->createMesh(unused, std::move(name))); };
         return scribe_.Record<AdaptorInterface_createMesh>(id_, make, name);
     }
 
     CNode* FindNode(CoreElement* owner, std::string name) override {
         OwnerProxy* const ownerHere = owners_.Of(owner);
-        const auto make = [&] { return nodes_.Known(real_->FindNode(ownerHere, name)); };
+        const auto make = [&] { return nodes_.Known(real_->FindNode(ownerHere, std::move(name))); };
         return scribe_.Record<AdaptorInterface_FindNode>(id_, make, ownerHere, name);
     }
 
     std::vector<CNode*> GetNodes(CoreElement* owner) override {
         OwnerProxy* const ownerHere = owners_.Of(owner);
-        const auto make = [&] { return nodes_.Known(real_->GetNodes(ownerHere)); };
-        return AsNodes(scribe_.Record<AdaptorInterface_GetNodes>(id_, make, ownerHere));
+        const auto ask = [&] { return nodes_.Known(real_->GetNodes(ownerHere)); };
+        return Give<AdaptorInterface_GetNodes>(ask, ownerHere);
     }
 
     std::vector<CNode*> ClaimNodes(std::string pluginName, XMLNode nodeInfo) override {
-        const auto make = [&] { return nodes_.New(real_->ClaimNodes(pluginName, nodeInfo)); };
-        return AsNodes(
-            scribe_.Record<AdaptorInterface_ClaimNodes>(id_, make, pluginName, nodeInfo));
+        const auto ask = [&] {
+            return nodes_.New(real_->ClaimNodes(std::move(pluginName), std::move(nodeInfo)));
+        };
+        return Give<AdaptorInterface_ClaimNodes>(ask, pluginName, nodeInfo);
     }
 
     std::vector<CNode*> MergeModels(std::string path) override {
-        const auto make = [&] { return nodes_.New(real_->MergeModels(path)); };
-        return AsNodes(scribe_.Record<AdaptorInterface_MergeModels>(id_, make, path));
+        const auto ask = [&] { return nodes_.New(real_->MergeModels(std::move(path))); };
+        return Give<AdaptorInterface_MergeModels>(ask, path);
     }
 
     // Undo.
@@ -142,20 +143,25 @@ class AdaptorProxy final : public Proxy<AdaptorInterface> {
     std::int32_t EndRecording() override { return Pass<AdaptorInterface_EndRecording>(); }
 
   private:
-    static std::vector<CNode*> AsNodes(const std::vector<NodeProxy*>& proxies) {
-        return {proxies.begin(), proxies.end()};
+    // A list is handed on where it lies, since what there is no memory for would never be given
+    // back.
+    template <Operation kOperation, class Ask, class... Said>
+    std::vector<CNode*> Give(const Ask& ask, const Said&... said) {
+        std::vector<CNode*> nodes;
+        const auto make = [&] {
+            nodes = ask();
+            return Scribe::IdsOf<NodeProxy>(nodes);
+        };
+        scribe_.Record<kOperation>(id_, make, said...);
+        return nodes;
     }
 
     template <Operation kOperation>
-    std::int32_t Begin(const std::vector<CoreElement*>& owners) {
-        std::vector<OwnerProxy*> ownersHere;
-        for (CoreElement* const owner : owners)
-            ownersHere.push_back(owners_.Of(owner));
-        const auto make = [&] {
-            return (real_->*kMethodOf<kOperation>)(std::vector<CoreElement*>(ownersHere.begin(),
-                                                                             ownersHere.end()));
-        };
-        return scribe_.Record<kOperation>(id_, make, ownersHere);
+    std::int32_t Begin(std::vector<CoreElement*>& owners) {
+        for (CoreElement*& owner : owners)
+            owner = owners_.Of(owner);
+        const auto make = [&] { return (real_->*kMethodOf<kOperation>)(std::move(owners)); };
+        return scribe_.Record<kOperation>(id_, make, Scribe::IdsOf<OwnerProxy>(owners));
     }
 
     Owners& owners_;

@@ -80,7 +80,7 @@ void NodeProxy::Destroy() {
 CoreNode* NodeProxy::Claim(CoreElement* newOwner, std::string newName) {
     OwnerProxy* const claimant = nodes_.owners_.Named(newOwner);
     const auto make = [&]() -> NodeProxy* {
-        CoreNode* const claimed = real_ ? real_->Claim(claimant, newName) : nullptr;
+        CoreNode* const claimed = real_ ? real_->Claim(claimant, std::move(newName)) : nullptr;
         NodeProxy* const proxy = nodes_.New(claimed);
         if (proxy) claimed->SetListener(proxy);
         return proxy;

@@ -1,7 +1,5 @@
 #include "recorder/proxies/nodes.h"
 
-#include <algorithm>
-
 namespace recorder {
 
 NodeProxy* Nodes::Await(NodeListener* ofCore) noexcept try {
@@ -14,8 +12,9 @@ NodeProxy* Nodes::Await(NodeListener* ofCore) noexcept try {
 }
 
 // A node of which nothing was heard since another one came to its address has died in silence, as
-// those do that undo records hold. One that ended here and is heard of again had not.
-void Nodes::Bind(NodeProxy& proxy, CNode* real) {
+// those do that undo records hold. One that ended here and is heard of again had not. What there is
+// no memory for is not known of it.
+void Nodes::Bind(NodeProxy& proxy, CNode* real) noexcept try {
     NodeProxy* before = nullptr;
     proxy.real_ = static_cast<CoreNode*>(real);
     proxy.name = real->GetNodeName();
@@ -29,6 +28,7 @@ void Nodes::Bind(NodeProxy& proxy, CNode* real) {
         if (!proxy.isSnapshot_) byReal_[real] = &proxy;
     }
     if (before && before != &proxy) End(*before);
+} catch (...) {
 }
 
 NodeProxy* Nodes::New(CNode* made) {
@@ -46,16 +46,16 @@ NodeProxy* Nodes::New(CNode* made) {
     return proxy;
 }
 
-std::vector<NodeProxy*> Nodes::New(const std::vector<CNode*>& made) {
-    std::vector<NodeProxy*> proxies(made.size());
-    std::ranges::transform(made, proxies.begin(), [this](CNode* node) { return New(node); });
-    return proxies;
+std::vector<CNode*> Nodes::New(std::vector<CNode*> made) {
+    for (CNode*& node : made)
+        node = New(node);
+    return made;
 }
 
-std::vector<NodeProxy*> Nodes::Known(const std::vector<CNode*>& given) {
-    std::vector<NodeProxy*> proxies(given.size());
-    std::ranges::transform(given, proxies.begin(), [this](CNode* node) { return Known(node); });
-    return proxies;
+std::vector<CNode*> Nodes::Known(std::vector<CNode*> given) {
+    for (CNode*& node : given)
+        node = Known(node);
+    return given;
 }
 
 NodeProxy* Nodes::Known(CNode* given) {
@@ -70,9 +70,8 @@ NodeProxy* Nodes::Known(CNode* given) {
     return proxy;
 }
 
-// A listener may have ended the node, or unclaimed it. What there is no memory for is not known of
-// it.
-void Nodes::FinishCreation(NodeProxy& proxy, CNode* made) noexcept try {
+// A listener may have ended the node, or unclaimed it.
+void Nodes::FinishCreation(NodeProxy& proxy, CNode* made) noexcept {
     if (!made) {
         if (!proxy.isSnapshot_) End(proxy);
         return;
@@ -82,11 +81,10 @@ void Nodes::FinishCreation(NodeProxy& proxy, CNode* made) noexcept try {
         proxy.isListed_ = !proxy.isSnapshot_;
     }
     Tell(proxy);
-} catch (...) {
 }
 
 // Told again only if something has become another.
-void Nodes::Tell(NodeProxy& proxy) {
+void Nodes::Tell(NodeProxy& proxy) noexcept {
     std::string hostName;
     try {
         hostName = proxy.real_->GetName();

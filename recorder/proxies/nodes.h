@@ -137,11 +137,11 @@ class Nodes {
     // For a node that the adaptor has made just now; null for null. One for which there is no
     // memory is given back.
     NodeProxy* New(CNode* made);
-    std::vector<NodeProxy*> New(const std::vector<CNode*>& made);
+    std::vector<CNode*> New(std::vector<CNode*> made);
 
     // For real nodes that it gives once more.
     NodeProxy* Known(CNode* given);
-    std::vector<NodeProxy*> Known(const std::vector<CNode*>& given);
+    std::vector<CNode*> Known(std::vector<CNode*> given);
 
     // For one that `create` makes with the listener that it is given, and which may be called by
     // then already. The Core's may be null.
@@ -158,8 +158,8 @@ class Nodes {
     static constexpr std::size_t kKept = 4096;
 
     NodeProxy* Await(NodeListener* ofCore) noexcept;
-    void Bind(NodeProxy& proxy, CNode* real);
-    void Tell(NodeProxy& proxy);
+    void Bind(NodeProxy& proxy, CNode* real) noexcept;
+    void Tell(NodeProxy& proxy) noexcept;
     void End(NodeProxy& proxy);
     void Keep(NodeProxy& proxy);
     void Unlist(NodeProxy& proxy);

@@ -81,6 +81,18 @@ class Scribe {
     // Of what crosses as it is, and is known by its address; 0 for null.
     ObjectId IdOf(ObjectKind kind, const void* object);
 
+    // Of proxies on their way across; none where there is no memory.
+    template <class Proxy, class Base>
+    static std::vector<ObjectId> IdsOf(const std::vector<Base*>& proxies) noexcept try {
+        std::vector<ObjectId> ids;
+        ids.reserve(proxies.size());
+        for (const Base* const each : proxies)
+            ids.push_back(each ? static_cast<const Proxy*>(each)->Id() : 0);
+        return ids;
+    } catch (...) {
+        return {};
+    }
+
     void Know(ObjectId object, const ObjectFacts& facts) {
         if (IsHeard()) stream_.Know(object, facts);
     }
@@ -153,24 +165,11 @@ class Scribe {
             return static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(value));
         else if constexpr (std::is_pointer_v<Value>)
             return value ? value->Id() : ObjectId{0};
-        else if constexpr (requires { value.front()->Id(); })
-            return IdsOf(value);
         else
             return (value);
     }
 
     static std::string TextOf(const std::vector<int>& numbers) noexcept;
-
-    template <class Proxy>
-    static std::vector<ObjectId> IdsOf(const std::vector<Proxy*>& proxies) noexcept try {
-        std::vector<ObjectId> ids;
-        ids.reserve(proxies.size());
-        for (const Proxy* const proxy : proxies)
-            ids.push_back(proxy ? proxy->Id() : 0);
-        return ids;
-    } catch (...) {
-        return {};
-    }
 
     Stream& stream_;
     std::atomic<bool> isHeard_ = true;
