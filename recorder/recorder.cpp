@@ -51,26 +51,33 @@ struct Recorder::State {
 
     Stream& stream;
     std::string coreName;
-    std::vector<std::unique_ptr<Boundary>> boundaries;  // the present one is the last
+    std::vector<std::unique_ptr<Boundary>> boundaries;
+    Boundary* present = nullptr;  // the last one of these
 
-    Boundary& Begin(TVL::AdaptorInterface& adaptor) {
+    // Without memory for one there is none, and the Core works without.
+    void Begin(TVL::AdaptorInterface& adaptor) noexcept try {
         for (const auto& past : boundaries)
             past->scribe.Close();
+        present = nullptr;
         std::erase_if(boundaries, [](const auto& past) { return past->scribe.IsIdle(); });
-        stream.BeginSession({Now(), TVL::kInterfaceVersion, kPlatform, coreName, kThisRecorder});
-        return *boundaries.emplace_back(std::make_unique<Boundary>(stream, adaptor));
+        const std::string now = Now();
+        present = boundaries.emplace_back(std::make_unique<Boundary>(stream, adaptor)).get();
+        stream.BeginSession({now, TVL::kInterfaceVersion, kPlatform, coreName, kThisRecorder});
+    } catch (...) {
     }
 };
 
 Recorder::Recorder(Stream& stream, std::string core)
-    : state_(new State{stream, std::move(core), {}}) {}
+    : state_(new State{stream, std::move(core), {}, nullptr}) {}
 
 Recorder::~Recorder() = default;
 
 // Here and below: the adaptor ends the nodes of a Core that has refused or left as soon as it
 // learns of that.
 CoreInterface* Recorder::Attach(TVL::AdaptorInterface* adaptor, const AttachCore& attach) {
-    State::Boundary& boundary = state_->Begin(*adaptor);
+    state_->Begin(*adaptor);
+    if (!state_->present) return attach(adaptor);
+    State::Boundary& boundary = *state_->present;
     const AtEnd letGo([&] {
         if (!boundary.core.Behind()) boundary.nodes.LetGo();
     });
@@ -82,7 +89,8 @@ CoreInterface* Recorder::Attach(TVL::AdaptorInterface* adaptor, const AttachCore
 }
 
 void Recorder::Detach(CoreInterface* core, const DetachCore& detach) {
-    State::Boundary& boundary = *state_->boundaries.back();
+    if (!state_->present) return detach(core);
+    State::Boundary& boundary = *state_->present;
     const AtEnd letGo([&] { boundary.nodes.LetGo(); });
     const auto* const proxy = static_cast<CoreProxy*>(core);
     boundary.scribe.Record<Operation::Routine_detach>(
@@ -90,8 +98,8 @@ void Recorder::Detach(CoreInterface* core, const DetachCore& detach) {
 }
 
 void Recorder::TellObjects(const TapeWriter::TellObject& tell) const {
-    if (state_->boundaries.empty()) return;
-    const State::Boundary& boundary = *state_->boundaries.back();
+    if (!state_->present) return;
+    const State::Boundary& boundary = *state_->present;
     tell(boundary.adaptor.Id(), {});
     if (boundary.core.Behind()) tell(boundary.core.Id(), {});
     boundary.scribe.TellObjects(tell);
