@@ -24,9 +24,6 @@ class Library {
         return reinterpret_cast<Type*>(Find(name));
     }
 
-    // Leaves it to the system, which ends the process and frees everything.
-    void Abandon() { handle_ = nullptr; }
-
   private:
     using AnyRoutine = void (*)();
     AnyRoutine Find(const char* name) const;

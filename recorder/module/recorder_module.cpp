@@ -35,14 +35,14 @@ TVL_CORE_ROUTINE void detach(CoreInterface* core) {
 }
 
 // The real Core goes with this module, as it would go without it: behind `detach` there is still
-// what an adaptor takes away that the Core has left to it.
+// what an adaptor takes away that the Core has left to it. Of a process that ends on Windows the
+// other threads are gone, with what they had locked: all is left to the system.
 #if defined(_WIN32)
 #include "platform/win32.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID isProcessEnding) {
     if (reason != DLL_PROCESS_DETACH) return TRUE;
-    if (isProcessEnding && standing) standing->Abandon();
-    Leave();
+    if (!isProcessEnding) Leave();
     return TRUE;
 }
 #else

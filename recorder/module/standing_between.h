@@ -26,9 +26,6 @@ class StandingBetween {
     CoreInterface* Attach(TVL::AdaptorInterface* adaptor);
     void Detach(CoreInterface* core);
 
-    // The process is ending, and the Core's library is the system's affair.
-    void Abandon() { core_.Abandon(); }
-
   private:
     void LoadCore();
     void BeginRecording();

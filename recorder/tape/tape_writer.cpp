@@ -38,11 +38,24 @@ bool IsOfUndoGroup(Operation operation) {
            operation == Operation::AdaptorInterface_CancelUndoGroup;
 }
 
+bool IsOfRoutine(Operation operation) {
+    return operation == Operation::Routine_attach || operation == Operation::Routine_detach;
+}
+
 // Whether nothing more is to be done when the record is on the tape.
 bool IsPlain(const RecordHead& head) {
     return head.kind == RecordKind::kCall ||
            (head.kind == RecordKind::kAnswer && !IsOfUndoGroup(head.operation) &&
-            head.operation != Operation::Routine_detach);
+            !IsOfRoutine(head.operation));
+}
+
+// A Core that has come is all that a routine can end with but for one that has left or refused.
+bool HasLeft(const Record& record) {
+    const bool isThrown = record.head.kind == RecordKind::kThrown;
+    if (!isThrown && record.head.kind != RecordKind::kAnswer) return false;
+    return record.head.operation == Operation::Routine_detach ||
+           (record.head.operation == Operation::Routine_attach &&
+            (isThrown || ValueReader(record).Object() == 0));
 }
 
 }  // namespace
@@ -66,6 +79,7 @@ struct TapeWriter::State {
     bool isSynced = false;       // something of it was
     std::uint64_t position = 0;  // of its first record
 
+    bool hasLeft = false;  // the Core: the module of this can be unloaded at any time
     int openGroups = 0;
     std::vector<std::uint64_t> sessionRecord;  // to be told again
     bool isTellingDue = false;
@@ -187,6 +201,7 @@ bool TapeWriter::State::KeepSegment() {
     stock.slots.Copy(place, copy);
     copier->Start(copy * stock.segmentBytes, segment.first(std::min(Used() + 8, segment.size())),
                   isSynced);
+    if (hasLeft) copier->End();
     return true;
 }
 
@@ -284,6 +299,7 @@ void TapeWriter::State::BeginSession(std::span<const std::byte> record) {
     std::memcpy(sessionRecord.data(), record.data(), record.size());
     sessionRecord[1] = 0;  // its number
     Seal(sessionRecord);
+    hasLeft = false;
     openGroups = 0;
     isTellingDue = false;
     toldAt = Position();
@@ -301,15 +317,16 @@ void TapeWriter::State::Follow(const Record& record, std::span<const std::byte> 
         stock.slots.Saved(stock.session, head.number);
         end = at;
         Sync();
+    } else if (HasLeft(record)) {
+        hasLeft = true;
+        Sync();
+        copier->End();
     } else if (record.head.kind != RecordKind::kAnswer) {
         return;
     } else if (operation == Operation::AdaptorInterface_BeginUndoGroup) {
         ++openGroups;
     } else if (IsOfUndoGroup(operation)) {
         if (openGroups > 0 && --openGroups == 0) Sync();
-    } else if (operation == Operation::Routine_detach) {
-        Sync();
-        copier->End();
     }
 }
 
