@@ -44,6 +44,12 @@ void Remember(Books& books, ObjectId ended) {
     books.oldestEnded = (books.oldestEnded + 1) % kMostEnded;
 }
 
+// That the user has undone its creation is told to a node's listener alone.
+bool IsSurelyThere(const NodeMemory& node) {
+    const bool canBeUndone = !node.isSnapshot && node.nest != 0;
+    return node.life == Life::kThere && node.born.call != 0 && (!canBeUndone || node.hasListener);
+}
+
 std::vector<const NodeMemory*> InOrder(const Books& books) {
     std::vector<const NodeMemory*> nodes;
     for (const auto& [id, node] : books.nodes)
@@ -138,7 +144,7 @@ void TellLeftNodes(Books& books) {
     for (const NodeMemory* const node : InOrder(books)) {
         if (node->life == Life::kEnded || node->life == Life::kUnsure) continue;
         TellLeftSnapshots(books, *node);
-        if (node->life == Life::kThere && node->born.call != 0)
+        if (IsSurelyThere(*node))
             books.found.Add(node->isSnapshot ? Rule::kSnapshotNodeKept : Rule::kNodeKept,
                             node->born, node->name);
         if (node->life == Life::kInRecord && node->deletedIn != 0)
@@ -149,7 +155,7 @@ void TellLeftNodes(Books& books) {
 // The host empties its undo buffer with the scene.
 void TellNodesKeptOverReset(Books& books) {
     for (const NodeMemory* const node : InOrder(books))
-        if (node->life == Life::kThere && !node->isSnapshot && node->born.call != 0)
+        if (IsSurelyThere(*node) && !node->isSnapshot)
             books.found.Add(Rule::kNodeKeptOverReset, node->born, node->name);
     for (auto& [id, node] : books.nodes)
         if (!node.isSnapshot) SetLife(books, node, Life::kUnsure);
