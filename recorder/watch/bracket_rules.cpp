@@ -147,8 +147,12 @@ void Stopped(Books& books, OpenCall& call, ValueReader&) {
     if (books.calls.size() == 1) TellOpenInTheWay(books, call.place);
 }
 
+// What was given belongs to the scene that goes.
 void ResetDone(Books& books, OpenCall& call, ValueReader& answered) {
     Stopped(books, call, answered);
+    books.hasGivenCoreState = false;
+    for (auto& [id, owner] : books.owners)
+        owner.hasGivenState = false;
     if (books.calls.size() == 1) TellNodesKeptOverReset(books);
 }
 

@@ -70,6 +70,7 @@ void Live(const std::string& scene) {
     session.SaveScene(scene);
     session.OpenScene(scene);
     press();
+    session.SaveScene(scene);
     session.ShutDown();
 }
 

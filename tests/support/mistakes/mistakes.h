@@ -35,7 +35,7 @@ inline constexpr Mistake kMistakes[] = {
     {"deletes outside a group at 43", "deletion-outside-group", "delete-in-a-take"},
     {"cancels at 43", "cancel-in-deletion", "delete-in-a-take"},
     {"forgets an owner's state", "state-suddenly-empty", "late-attach"},
-    {"forgets its whole state", "state-suddenly-empty", "two-scenes"},
+    {"forgets its whole state", "state-suddenly-empty", "saved-again"},
     {"ends no group", "group-not-begun"},
     {"leaves with a group", "group-left-open", "loads"},
     {"forgets a group", "open-while-user-works"},

@@ -146,9 +146,11 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
 
     XMLNode GetCoreState() override {
         XMLNode state("wrong", "");
-        const bool isFirst = ++statesGiven_ == 1;
-        if (Makes("forgets its whole state") && isFirst) state.AddChild(XMLNode("take", "1"));
-        if (Makes("does what is allowed") && !isFirst) throw std::runtime_error("no state");
+        const bool isAllowed = Makes("does what is allowed");
+        ++statesGiven_;
+        if ((Makes("forgets its whole state") || isAllowed) && statesGiven_ == 1)
+            state.AddChild(XMLNode("take", "1"));
+        if (isAllowed && statesGiven_ == 2) throw std::runtime_error("no state");
         return state;
     }
     void SetCoreState(XMLNode state) override {
@@ -286,6 +288,10 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
         adaptor_.BeginUndoGroup("Cancelled");
         adaptor_.CreateHelperNode(this, "Brief", nullptr, Triangle(), nullptr);
         adaptor_.CancelUndoGroup();
+        adaptor_.BeginUndoGroup("Undone");
+        adaptor_.CreateHelperNode(this, "Brief", nullptr, Triangle(), nullptr);
+        adaptor_.EndUndoGroup();
+        adaptor_.PerformUndo();
 
         // A snapshot over a flush, nodes that go in the group that made them, one that is scaled.
         TVL::CSnapshot* const kept = root.AcquireSnapshot(0.25);
