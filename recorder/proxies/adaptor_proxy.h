@@ -19,15 +19,11 @@ class AdaptorProxy final : public Proxy<AdaptorInterface> {
 
     std::int32_t GetVersion() override { return Pass<AdaptorInterface_GetVersion>(); }
     std::int32_t SetErrorCode(TVL::ErrorCode* registry) override {
-        const ObjectId id = scribe_.IdOf(ObjectKind::kRegistry, registry);
-        const auto make = [&] { return real_->SetErrorCode(registry); };
-        return scribe_.Record<AdaptorInterface_SetErrorCode>(id_, make, id);
+        return Place<AdaptorInterface_SetErrorCode>(ObjectKind::kRegistry, registry);
     }
     std::int32_t ClearErrorCode() override { return Pass<AdaptorInterface_ClearErrorCode>(); }
     std::int32_t SetLog(TVL::Log* log) override {
-        const ObjectId id = scribe_.IdOf(ObjectKind::kLog, log);
-        const auto make = [&] { return real_->SetLog(log); };
-        return scribe_.Record<AdaptorInterface_SetLog>(id_, make, id);
+        return Place<AdaptorInterface_SetLog>(ObjectKind::kLog, log);
     }
     std::int32_t ClearLog() override { return Pass<AdaptorInterface_ClearLog>(); }
     std::string GetName() override { return Pass<AdaptorInterface_GetName>(); }
@@ -45,31 +41,12 @@ class AdaptorProxy final : public Proxy<AdaptorInterface> {
 
     CNode* CreateLensNode(CoreElement* owner, std::string name, CNode* parent,
                           NodeListener* listener) override {
-        OwnerProxy* const ownerHere = owners_.Named(owner);
-        const NodeProxy* const above = NodeProxy::From(parent);
-        const auto make = [&] {
-            return nodes_.Created(listener, [&](NodeListener* here) {
-                return real_->CreateLensNode(ownerHere, std::move(name), RealOf(above), here);
-            });
-        };
-        return scribe_.Record<AdaptorInterface_CreateLensNode>(
-            id_, make, ownerHere, name, above, scribe_.IdOf(ObjectKind::kListener, listener));
+        return Create<AdaptorInterface_CreateLensNode>(owner, name, parent, listener);
     }
-
     CNode* CreateHelperNode(CoreElement* owner, std::string name, CNode* parent, TVL::CMesh mesh,
                             NodeListener* listener) override {
-        OwnerProxy* const ownerHere = owners_.Named(owner);
-        const NodeProxy* const above = NodeProxy::From(parent);
-        const auto make = [&] {
-            return nodes_.Created(listener, [&](NodeListener* here) {
-                return real_->CreateHelperNode(ownerHere, std::move(name), RealOf(above),
-                                               std::move(mesh), here);
-            });
-        };
-        return scribe_.Record<AdaptorInterface_CreateHelperNode>(
-            id_, make, ownerHere, name, above, mesh, scribe_.IdOf(ObjectKind::kListener, listener));
+        return Create<AdaptorInterface_CreateHelperNode>(owner, name, parent, listener, mesh);
     }
-
     CNode* createMesh(void* unused, std::string name) override {
         const auto make = [&] { return nodes_.New(real_->createMesh(unused, std::move(name))); };
         return scribe_.Record<AdaptorInterface_createMesh>(id_, make, name);
@@ -143,6 +120,27 @@ class AdaptorProxy final : public Proxy<AdaptorInterface> {
     std::int32_t EndRecording() override { return Pass<AdaptorInterface_EndRecording>(); }
 
   private:
+    template <Operation kOperation, class Placed>
+    std::int32_t Place(ObjectKind kind, Placed* placed) {
+        const auto make = [&] { return (real_->*kMethodOf<kOperation>)(placed); };
+        return scribe_.Record<kOperation>(id_, make, scribe_.IdOf(kind, placed));
+    }
+
+    template <Operation kOperation, class... Mesh>
+    CNode* Create(CoreElement* owner, std::string& name, CNode* parent, NodeListener* listener,
+                  Mesh&... mesh) {
+        OwnerProxy* const ownerHere = owners_.Named(owner);
+        const NodeProxy* const above = NodeProxy::From(parent);
+        const auto make = [&] {
+            return nodes_.Created(listener, [&](NodeListener* here) {
+                return (real_->*kMethodOf<kOperation>)(ownerHere, std::move(name), RealOf(above),
+                                                       std::move(mesh)..., here);
+            });
+        };
+        return scribe_.Record<kOperation>(id_, make, ownerHere, name, above, mesh...,
+                                          scribe_.IdOf(ObjectKind::kListener, listener));
+    }
+
     // A list is handed on where it lies, since what there is no memory for would never be given
     // back.
     template <Operation kOperation, class Ask, class... Said>

@@ -25,17 +25,21 @@ std::intptr_t NodeProxy::HandleExtension(int id, void* argument) {
 
 // The node in the scene --------------------------------------------------------------------------
 
+template <Operation kOperation, class... Which>
+NodeProxy* NodeProxy::Give(Which... which) {
+    const auto make = [&] {
+        return real_ ? nodes_.New((real_->*kMethodOf<kOperation>)(which...)) : nullptr;
+    };
+    return scribe_.Record<kOperation>(id_, make, which...);
+}
 CNode* NodeProxy::GetParent() {
-    const auto make = [&] { return real_ ? nodes_.New(real_->GetParent()) : nullptr; };
-    return scribe_.Record<CNode_GetParent>(id_, make);
+    return Give<CNode_GetParent>();
 }
 CNode* NodeProxy::GetChild(int index) {
-    const auto make = [&] { return real_ ? nodes_.New(real_->GetChild(index)) : nullptr; };
-    return scribe_.Record<CNode_GetChild>(id_, make, index);
+    return Give<CNode_GetChild>(index);
 }
 CoreNode* NodeProxy::Clone(bool withHierarchy) {
-    const auto make = [&] { return real_ ? nodes_.New(real_->Clone(withHierarchy)) : nullptr; };
-    return scribe_.Record<CoreNode_Clone>(id_, make, withHierarchy);
+    return Give<CoreNode_Clone>(withHierarchy);
 }
 
 bool NodeProxy::IsSameNode(CoreNode* other) {

@@ -89,6 +89,8 @@ class NodeProxy final : public ExtendableProxy<CoreNode>, private NodeListener {
 
     template <Operation kOperation>
     void Hear();
+    template <Operation kOperation, class... Which>
+    NodeProxy* Give(Which... which);
     template <Operation kOperation, class Lent, class... Time>
     Lent* Lend(ProxyPool<Lent>& pool, Time... seconds);
     template <Operation kOperation, class Lent>

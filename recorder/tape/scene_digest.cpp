@@ -1,8 +1,10 @@
 #include "recorder/tape/scene_digest.h"
 
 #include <array>
+#include <cinttypes>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <fstream>
 #include <vector>
 
@@ -16,11 +18,9 @@ constexpr std::uint64_t kPrime = 0x0000'0100'0000'01b3;
 constexpr std::size_t kBlock = 1 << 16;
 
 std::string InHexadecimal(std::uint64_t value) {
-    constexpr char kDigits[] = "0123456789abcdef";
-    std::string text(16, '0');
-    for (auto digit = text.rbegin(); digit != text.rend(); ++digit, value >>= 4)
-        *digit = kDigits[value & 15];
-    return text;
+    std::array<char, 17> text{};
+    std::snprintf(text.data(), text.size(), "%016" PRIx64, value);
+    return text.data();
 }
 
 }  // namespace

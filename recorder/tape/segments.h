@@ -60,6 +60,17 @@ void Seal(std::span<std::uint64_t> record);
 // The head that the words begin with, of whatever version; nothing if they begin with none.
 std::optional<SegmentHead> ReadSegmentHead(std::span<const std::uint64_t> words);
 
+// Of each segment in a file of that size, as the first good head tells; 0 if there is none.
+// `wordsAt` gives what lies at an offset.
+template <class WordsAt>
+std::uint64_t SegmentBytesOf(std::uint64_t size, const WordsAt& wordsAt) {
+    for (std::uint64_t offset = 0; offset < size; offset += kSegmentGrain) {
+        const auto head = ReadSegmentHead(wordsAt(offset));
+        if (head && offset % head->bytes == 0) return head->bytes;
+    }
+    return 0;
+}
+
 // What lies behind a segment's head: records and parts, in their order. Where a damaged one was
 // passed over there is none.
 struct Piece {

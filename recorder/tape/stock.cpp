@@ -16,17 +16,6 @@ std::span<const std::uint64_t> ReadWords(const MappedFile& file, std::uint64_t o
     return std::span(words).first(bytes / 8);
 }
 
-// As the first good head tells it; 0 if there is none.
-std::uint64_t SegmentBytesOf(const MappedFile& file) {
-    Words words(kSegmentHeadWords);
-    const std::uint64_t size = file.Size();
-    for (std::uint64_t offset = 0; offset < size; offset += kSegmentGrain) {
-        const auto head = ReadSegmentHead(ReadWords(file, offset, words));
-        if (head && offset % head->bytes == 0) return head->bytes;
-    }
-    return 0;
-}
-
 // A file that was made and not written to holds nothing to lose.
 bool IsBlank(const MappedFile& file) {
     Words words(kSegmentGrain / 8);
@@ -65,10 +54,12 @@ void TakeIn(std::size_t place, const SegmentHead& head, const SegmentContents& c
 
 std::string TakeStock(const MappedFile& file, Stock& stock) {
     const std::uint64_t size = file.Size();
-    const std::uint64_t segmentBytes = SegmentBytesOf(file);
+    Words words(kSegmentHeadWords);
+    const auto wordsAt = [&](std::uint64_t offset) { return ReadWords(file, offset, words); };
+    const std::uint64_t segmentBytes = SegmentBytesOf(size, wordsAt);
     if (segmentBytes == 0) return IsBlank(file) ? std::string() : kNoTape;
     stock.segmentBytes = segmentBytes;
-    Words words(segmentBytes / 8);
+    words.resize(segmentBytes / 8);
     for (std::size_t place = 0; place * segmentBytes < size; ++place) {
         const auto segment = ReadWords(file, place * segmentBytes, words);
         const auto head = ReadSegmentHead(segment);

@@ -15,16 +15,6 @@ bool HasNothing(std::span<const std::uint64_t> words) {
     return std::ranges::all_of(words, [](std::uint64_t word) { return word == 0; });
 }
 
-// As the first good head tells it, in words; 0 if there is none.
-std::size_t SegmentWordsOf(std::span<const std::uint64_t> file) {
-    constexpr std::size_t kGrain = kSegmentGrain / 8;
-    for (std::size_t at = 0; at < file.size(); at += kGrain) {
-        const auto head = ReadSegmentHead(file.subspan(at));
-        if (head && at * 8 % head->bytes == 0) return static_cast<std::size_t>(head->bytes / 8);
-    }
-    return 0;
-}
-
 // Where segments are written there is none for a moment, when the next one begins.
 void TakeSegment(TapeFile& tape, std::size_t at, std::size_t size) {
     const auto file = std::span<const std::uint64_t>(tape.words);
@@ -53,7 +43,9 @@ void Sort(std::vector<Segment>& segments) {
 }
 
 TapeFile Load(TapeFile tape) {
-    const std::size_t size = SegmentWordsOf(tape.words);
+    const std::span<const std::uint64_t> file = tape.words;
+    const auto wordsAt = [&](std::uint64_t offset) { return file.subspan(offset / 8); };
+    const std::size_t size = SegmentBytesOf(file.size_bytes(), wordsAt) / 8;
     if (size == 0) throw std::runtime_error(tape.name + ": " + kNoTape);
     for (std::size_t at = 0; at < tape.words.size(); at += size)
         TakeSegment(tape, at, size);

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <charconv>
 #include <cstdint>
 #include <limits>
 #include <optional>
 #include <string_view>
+#include <system_error>
 
 namespace recorder {
 
@@ -17,14 +19,11 @@ inline std::optional<std::uint64_t> ReadBytes(std::string_view text) {
         factor = std::uint64_t{1} << (10 * (unit + 1));
         text.remove_suffix(1);
     }
-    if (text.empty() || text.find_first_not_of("0123456789") != text.npos) return std::nullopt;
-    const std::uint64_t most = std::numeric_limits<std::uint64_t>::max() / factor;
     std::uint64_t number = 0;
-    for (const char digit : text) {
-        const auto value = static_cast<std::uint64_t>(digit - '0');
-        if (number > (most - value) / 10) return std::nullopt;
-        number = number * 10 + value;
-    }
+    const char* const last = text.data() + text.size();
+    const auto [end, error] = std::from_chars(text.data(), last, number);
+    if (error != std::errc() || end != last) return std::nullopt;
+    if (number > std::numeric_limits<std::uint64_t>::max() / factor) return std::nullopt;
     return number * factor;
 }
 

@@ -38,18 +38,14 @@ bool IsOfUndoGroup(Operation operation) {
            operation == Operation::AdaptorInterface_CancelUndoGroup;
 }
 
-bool IsOfRoutine(Operation operation) {
-    return operation == Operation::Routine_attach || operation == Operation::Routine_detach;
-}
-
 // Whether nothing more is to be done when the record is on the tape.
 bool IsPlain(const RecordHead& head) {
     return head.kind == RecordKind::kCall ||
            (head.kind == RecordKind::kAnswer && !IsOfUndoGroup(head.operation) &&
-            !IsOfRoutine(head.operation));
+            head.operation > Operation::Routine_detach);
 }
 
-// A Core that has come is all that a routine can end with but for one that has left or refused.
+// Whether no Core is attached from here on.
 bool HasLeft(const Record& record) {
     const bool isThrown = record.head.kind == RecordKind::kThrown;
     if (!isThrown && record.head.kind != RecordKind::kAnswer) return false;
