@@ -231,6 +231,7 @@ Cause Causes::Merge(std::size_t place) {
 
 // The Core is asked whether it is running whenever somebody counts keys.
 Cause Causes::Deletion(std::size_t place) {
+    if (place <= askedUntil_) return Question(place);
     const Event event(records_, place, kOfDeletion);
     Cause cause;
     cause.isDeletion = true;
@@ -246,6 +247,7 @@ Cause Causes::Deletion(std::size_t place) {
     if (!cause.owners.empty()) return cause;
     if (event.Find(records_, Operation::CoreInterface_StopCore) < records_.size())
         return Unknown("nodes were deleted, and the tape does not tell which");
+    askedUntil_ = event.calls.back();
     return Question(place);
 }
 

@@ -75,6 +75,7 @@ class Causes {
     Saved saving_;
     UndoSteps undo_;
     std::size_t followed_ = 0;
+    std::size_t askedUntil_ = 0;  // calls up to there are known to be questions
 };
 
 }  // namespace player
