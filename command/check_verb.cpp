@@ -48,6 +48,21 @@ std::uint64_t SeedOf(const CheckArguments& arguments) {
     return static_cast<std::uint64_t>(seed);
 }
 
+void MakeFolder(const std::string& folder) {
+    std::error_code error;
+    fs::create_directories(platform::FromNarrow(folder), error);
+    if (error) throw Failure("--tapes: " + folder + ": " + error.message());
+}
+
+void NeedRandomChecks(int strictness) {
+    int least = kStrictest;
+    for (const Check& check : Checks())
+        if (check.isRandom) least = std::min(least, check.level);
+    if (strictness < least)
+        Refuse("--reproduce: random checks are made from --strictness " + std::to_string(least) +
+               " on");
+}
+
 // Whatever is made tells of itself at once. The first check shows whether there is a Core at all.
 void MakeAll(const CheckArguments& arguments, const CheckOptions& options, CheckReport& report) {
     for (const Check& check : Checks()) {
@@ -70,7 +85,11 @@ void RunChecks(const CheckArguments& arguments) {
     options.seed = SeedOf(arguments);
     const bool isPassing = options.folder.empty();
     if (!arguments.only.empty()) TheCheck(arguments.only);
-    if (isPassing) options.folder = NewFolderForPassing("lumiset-checks");
+    if (arguments.reproduced) NeedRandomChecks(arguments.strictness);
+    if (isPassing)
+        options.folder = NewFolderForPassing("lumiset-checks");
+    else
+        MakeFolder(options.folder);
     CheckReport report{.core = options.guests.core, .outcomes = {}};
     if (arguments.only.empty()) {
         MakeAll(arguments, options, report);

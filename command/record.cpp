@@ -146,7 +146,8 @@ RecordResult Record(const RecordOptions& options) {
     CoreStage stage(options.guests, SettingsFor(options));
     stage.NeedReplayCore();
     if (!options.into.empty()) stage.Open(options.into);
-    if (!options.into.empty() && options.guests.tape.empty()) stage.TellOfTapeBeside(options.into);
+    if (options.guests.tape.empty() && !(options.into + options.scene).empty())
+        stage.TellOfTapeBeside(options.into.empty() ? options.scene : options.into);
     const CoreRequest request = RequestFor(options);
     const std::uint64_t before = SceneDigest();
     RecordResult result;

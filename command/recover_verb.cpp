@@ -1,4 +1,5 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -127,6 +128,16 @@ void PrintForProgram(std::ostream& out, const RecoverResult& result) {
                     {"saved", result.saved}});
 }
 
+Failure NothingLacks(const recorder::TapeContents& tape, const player::RecoveryReport& report) {
+    std::string text = tape.path + ": session " + std::to_string(report.session) +
+                       " holds nothing that the scene lacks";
+    if (std::ranges::find(report.left, player::Fate::kOpen, &player::RecoveredWork::fate) !=
+        report.left.end())
+        text += ", but an open group: --open-group";
+    if (tape.sessions.size() > 1) text += "; --session names another";
+    return Failure(text);
+}
+
 void RunRecover(RecoverArguments& arguments) {
     player::RecoveryChoice& choice = arguments.choice;
     KeepApart({{"TAPE", arguments.tape}, {"--into", choice.scene}}, {{kOutput, arguments.output}});
@@ -147,9 +158,7 @@ void RunRecover(RecoverArguments& arguments) {
                          OrRefuse([&] { return recovery->Perform(stage.Host()); }),
                          arguments.output,
                          {}};
-    if (result.report.IsEmpty())
-        throw Failure(arguments.tape + " holds nothing that the scene lacks" +
-                      (result.report.left.empty() ? "" : ", but an open group: --open-group"));
+    if (result.report.IsEmpty()) throw NothingLacks(tape, result.report);
     stage.Save(arguments.output);
     result.news = stage.TakeNewsInOne();
     for (const std::string& damage : tape.damages)

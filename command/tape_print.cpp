@@ -40,9 +40,15 @@ std::string MeshContentText(const recorder::Record& record) {
            Counted(content.faces.size() / 3, "face");
 }
 
+// Of a scene that travels along its digest and its size.
 std::string NoteText(const recorder::Record& record) {
     const auto [word, about] = recorder::NoteOf(record);
-    return "# " + InTable(std::string(word)) + ' ' + InTable(std::string(about));
+    std::string text(about);
+    if (word == recorder::note::kScene) {
+        const recorder::SceneTexts scene = recorder::SceneOf(about);
+        text = std::string(scene.digest) + " of " + Counted(scene.rest.size(), "byte");
+    }
+    return "# " + InTable(std::string(word)) + ' ' + InTable(text);
 }
 
 Json FactsJson(const recorder::Record& record, const recorder::ObjectNames& names) {

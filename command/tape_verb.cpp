@@ -221,7 +221,7 @@ void AddPrint(CLI::App& app) {
                 "Print the calls on a tape, a line each. A call stands further to the right the "
                 "more calls it was made in, with what came of it behind it.");
     AddTape(*verb, arguments->tape);
-    AddNodes(*verb, arguments->nodes);
+    AddNodes(*verb, arguments->nodes, "The name of a node as it is printed");
     verb->add_option("--operation", arguments->operations,
                      "The name of an operation; all if none is named")
         ->expected(1)

@@ -88,7 +88,8 @@ CLI::Option* AddRead(CLI::App& verb, const std::string& words, const std::string
 CLI::Option* AddName(CLI::App& verb, const std::string& words, std::string& name,
                      const std::string& help);
 
-// --node, as often as a person likes: the names of nodes.
-void AddNodes(CLI::App& verb, std::vector<std::string>& names);
+// --node, as often as a person likes: the names of nodes, and whose names these are.
+void AddNodes(CLI::App& verb, std::vector<std::string>& names,
+              const std::string& help = "The host's name of a node");
 
 }  // namespace headless

@@ -23,4 +23,7 @@ struct ChildEnding {
 
 PLATFORM_API ChildEnding RunChild(const ChildRun& run);
 
+// A word as it is typed into the system's shell, behind the name of a command.
+PLATFORM_API std::string AsTyped(const std::string& word);
+
 }  // namespace platform

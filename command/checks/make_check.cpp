@@ -29,10 +29,6 @@ CheckStage::Place PlaceOf(const Check& check, const CheckOptions& options) {
     return {options.folder, name};
 }
 
-std::string Argument(const std::string& word) {
-    return word.find_first_of(" '\"\\$&;()") == word.npos ? word : Quoted(word);
-}
-
 std::vector<std::string> WordsAlone(const Check& check, const CheckOptions& options) {
     std::vector<std::string> words = {"check-core", options.guests.core, "--only",
                                       std::string(check.name)};
@@ -45,7 +41,7 @@ CheckOutcome OutcomeOf(const Check& check, const CheckOptions& options) {
     if (check.isRandom) outcome.seed = options.seed;
     outcome.alone = kCommand;
     for (const std::string& word : WordsAlone(check, options))
-        outcome.alone += ' ' + Argument(word);
+        outcome.alone += ' ' + platform::AsTyped(word);
     return outcome;
 }
 
@@ -100,7 +96,7 @@ std::string Mark(const CheckOutcome& outcome) {
 }
 
 // What a check's own process said of it.
-void ReadVerdict(const std::string& said, CheckOutcome& outcome) {
+void ReadVerdict(const std::string& said, int status, CheckOutcome& outcome) {
     std::vector<std::string> lines = LinesOf(said);
     std::ranges::reverse(lines);
     for (const std::string& line : lines)
@@ -113,7 +109,10 @@ void ReadVerdict(const std::string& said, CheckOutcome& outcome) {
             return;
         }
     outcome.verdict = Verdict::kFaulty;
-    outcome.why = lines.empty() ? "it ended without a word" : "it ended with: " + lines.front();
+    constexpr std::string_view kOfCommand = "lumiset-headless: ";
+    outcome.why = !lines.empty() && lines.front().starts_with(kOfCommand)
+                      ? "it ended with: " + lines.front()
+                      : "its process was ended with status " + std::to_string(status);
 }
 
 }  // namespace
@@ -176,7 +175,7 @@ CheckOutcome MakeCheckApart(const Check& check, const CheckOptions& options) {
                             .output = platform::FromNarrow(outcome.log),
                             .seconds = options.secondsEach});
     if (ending.whyNot.empty()) {
-        ReadVerdict(ToldInto(outcome.log), outcome);
+        ReadVerdict(ToldInto(outcome.log), ending.status, outcome);
     } else {
         outcome.verdict = Verdict::kFaulty;
         outcome.why = ending.whyNot;

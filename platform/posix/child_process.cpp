@@ -9,6 +9,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstring>
+#include <string_view>
 #include <system_error>
 #include <thread>
 
@@ -82,6 +83,15 @@ ChildEnding RunChild(const ChildRun& run) {
                                   line.data(), environ);
     if (error != 0) return {0, "not started: " + WordsFor(error)};
     return WaitFor(child, run.seconds);
+}
+
+std::string AsTyped(const std::string& word) {
+    constexpr std::string_view kMeansMore = " \t\n'\"\\$&;()<>|*?[]{}#~!`^";
+    if (!word.empty() && word.find_first_of(kMeansMore) == word.npos) return word;
+    std::string typed = "'";
+    for (const char c : word)
+        typed += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return typed + '\'';
 }
 
 }  // namespace platform

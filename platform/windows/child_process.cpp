@@ -82,4 +82,10 @@ ChildEnding RunChild(const ChildRun& run) {
     return WaitFor(process.get(), run.seconds);
 }
 
+// No name of a file has a quotation mark.
+std::string AsTyped(const std::string& word) {
+    const bool isPlain = !word.empty() && word.find_first_of(" &()^;,=|<>") == word.npos;
+    return isPlain ? word : '"' + word + '"';
+}
+
 }  // namespace platform

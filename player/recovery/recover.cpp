@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "headless/scene_file_view.h"
+#include "platform/child_process.h"
 #include "platform/narrow_path.h"
 #include "player/recovery/making_again.h"
 #include "recorder/tape/mapped_file.h"
@@ -99,7 +100,12 @@ std::optional<Recovery::Candidate> Recovery::FindNamed() const {
     const std::size_t session = Sessions().front();
     for (const Checkpoint& checkpoint : checkpoints_[session])
         if (checkpoint.call == *choice_.after) return Candidate{session, checkpoint};
-    return Candidate{session, CheckpointAfter(tape_.sessions[session], *choice_.after)};
+    const Checkpoint named = CheckpointAfter(tape_.sessions[session], *choice_.after);
+    if (named.call < *choice_.after)
+        throw std::runtime_error(
+            tape_.path + ": there is no call " + std::to_string(*choice_.after) + " in session " +
+            std::to_string(session + 1) + ", whose last one is " + std::to_string(named.call));
+    return Candidate{session, named};
 }
 
 std::optional<Recovery::Candidate> Recovery::FindByDigestOrBeginning() const {
@@ -193,9 +199,11 @@ std::string WordOfUnsavedWork(const std::string& path) try {
     if (!work.HasWork()) return {};
     std::string words =
         path + " holds work that was not saved when the host ended; to have it back: ";
-    words += "lumiset-headless recover " + path + " -o NEW.scene";
-    if (!base.IsEmpty()) words += " --into " + (base.path.empty() ? "SCENE" : base.path);
+    words += "lumiset-headless recover " + platform::AsTyped(path) + " -o NEW.scene";
+    if (!base.IsEmpty())
+        words += " --into " + (base.path.empty() ? "SCENE" : platform::AsTyped(base.path));
     if (work.HasOpenGroup()) words += " --open-group";
+    words += " --session " + std::to_string(tape.sessions.size());  // who goes on adds another
     return words;
 } catch (const std::runtime_error&) {
     return {};

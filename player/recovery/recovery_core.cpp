@@ -209,8 +209,10 @@ XMLNode RecoveryCore::GivenParts(ObjectId owner) {
 }
 
 bool RecoveryCore::Mentions(ObjectId owner, const std::string& name) const {
-    const auto parts = parts_.find(owner);
-    return (parts != parts_.end() && Holds(parts->second, name)) || Holds(whole_, name);
+    if (const auto parts = parts_.find(owner); parts != parts_.end())
+        return Holds(parts->second, name) || Holds(whole_, name);
+    const auto plugin = plugins_.find(owner);
+    return plugin != plugins_.end() && storedParts_.contains(plugin->second) && Holds(whole_, name);
 }
 
 std::vector<ObjectId> RecoveryCore::Owners() const {

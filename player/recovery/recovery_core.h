@@ -62,7 +62,8 @@ class RecoveryCore final : public headless::CoreBetween, public PlayedCore {
     void SetState(const std::optional<XMLNode>& whole, const std::map<ObjectId, XMLNode>& parts);
     bool HasPartsOf(ObjectId owner) const { return parts_.contains(owner); }
 
-    // Whether the state that is given for that owner, or the whole one, holds that text anywhere.
+    // Whether a Core can claim a node of that owner by that name: the owner gives parts of a state,
+    // so that its nodes are marked, and these or the whole state hold the name anywhere.
     bool Mentions(ObjectId owner, const std::string& name) const;
 
     // How the Core answers for the adaptor's options from here on.

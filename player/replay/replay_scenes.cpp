@@ -75,7 +75,7 @@ std::string ReplayScenes::FromTape(const std::string& digest) {
             if (scene.digest != digest) continue;
             const std::string path = ToWrite(digest);
             std::ofstream(platform::FromNarrow(path), std::ios::binary) << scene.rest;
-            return saved_[digest] = path;
+            if (recorder::DigestOfFile(path) == digest) return saved_[digest] = path;
         }
     return {};
 }

@@ -28,15 +28,19 @@ std::string Variable(const std::string& name) {
     return value ? value : "";
 }
 
-// With the variables in place of their names; one % alone stands for itself.
-std::string Filled(std::string_view text) {
+// With the variables in place of their names; one % alone stands for itself. Of those that are not
+// set one is named: without it a path would begin elsewhere.
+std::string Filled(std::string_view text, std::string& unset) {
     std::string filled;
     while (!text.empty()) {
         const std::size_t open = text.find('%');
         const std::size_t close = open == text.npos ? open : text.find('%', open + 1);
         filled += text.substr(0, close == text.npos ? close : open);
         if (close == text.npos) break;
-        filled += Variable(std::string(text.substr(open + 1, close - open - 1)));
+        const std::string name(text.substr(open + 1, close - open - 1));
+        const std::string value = Variable(name);
+        if (value.empty()) unset = name;
+        filled += value;
         text.remove_prefix(close + 1);
     }
     return filled;
@@ -85,9 +89,12 @@ class SettingsReader {
         if (text.empty()) return {};
         const std::size_t sign = text.find('=');
         const std::string name = Trimmed(text.substr(0, sign));
-        for (const Row& row : kRows)
-            if (row.name == name && sign != text.npos)
-                return (this->*row.read)(Filled(Trimmed(text.substr(sign + 1))));
+        for (const Row& row : kRows) {
+            if (row.name != name || sign == text.npos) continue;
+            std::string unset;
+            const std::string value = Filled(Trimmed(text.substr(sign + 1)), unset);
+            return unset.empty() ? (this->*row.read)(value) : "there is no variable " + unset;
+        }
         return '"' + text +
                "\" is no setting: core, tape, limit and watch are, each with = and a value";
     }

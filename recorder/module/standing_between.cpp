@@ -1,7 +1,6 @@
 #include "recorder/module/standing_between.h"
 
 #include <algorithm>
-#include <fstream>
 #include <iostream>
 #include <stdexcept>
 #include <system_error>
@@ -108,11 +107,17 @@ void StandingBetween::Detach(CoreInterface* core) {
     TellFindings();
 }
 
+std::ofstream StandingBetween::OpenReport() const {
+    std::ofstream report(report_, std::ios::app);
+    if (!report) report.open(module_.parent_path() / kReportBesideModule, std::ios::app);
+    return report;
+}
+
 // The report is a help, and no reason to fail.
 void StandingBetween::Tell(const std::string& line) noexcept {
     try {
         std::cerr << "recorder: " << line << '\n';
-        std::ofstream(report_, std::ios::app) << line << '\n';
+        OpenReport() << line << '\n';
     } catch (...) {
     }
 }
@@ -122,9 +127,10 @@ void StandingBetween::TellFindings() noexcept {
         const std::string whyStopped = tape_ ? tape_->WhyStopped() : "";
         if (!whyStopped.empty() && !std::exchange(hasToldStop_, true)) Tell(whyStopped);
         if (!watch_) return;
-        std::ofstream report(report_, std::ios::app);
-        report << platform::Shown(settings_.core) << ": the watch has found "
-               << watch_->Findings().size() << " until it left\n";
+        const std::size_t count = watch_->Findings().size();
+        std::ofstream report = OpenReport();
+        report << platform::Shown(settings_.core) << ": until it left the watch has found "
+               << (count == 0 ? "nothing" : std::to_string(count)) << '\n';
         for (const Finding& finding : watch_->Findings())
             report << "  " << Line(finding) << '\n';
     } catch (...) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <fstream>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,7 +16,8 @@ namespace recorder {
 
 // The module's one state, from its first call until it is freed: the real Core, and what is written
 // down of it. Whatever goes wrong with tape and watch is told in the report, a text file beside the
-// tape, or beside the module where there is none, and the Core works as without them.
+// tape, or beside the module where there is none or no file can be, and the Core works as without
+// them.
 class StandingBetween {
   public:
     // Reads the settings beside this module, and loads the Core that they name.
@@ -31,6 +33,7 @@ class StandingBetween {
     void BeginRecording();
     void Tell(const std::string& line) noexcept;
     void TellFindings() noexcept;
+    std::ofstream OpenReport() const;
     template <class Type>
     Type& Routine(const char* name) const;
 

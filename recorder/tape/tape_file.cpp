@@ -73,7 +73,9 @@ TapeFile LoadTape(const std::string& path) {
     std::error_code error;
     const std::uintmax_t size = fs::file_size(place, error);
     std::ifstream file(place, std::ios::binary);
-    if (error || !file) throw std::runtime_error(path + ": it cannot be read");
+    if (error || !file)
+        throw std::runtime_error(
+            path + (fs::exists(place, error) ? ": it cannot be read" : ": there is no such file"));
     TapeFile tape = WithRoom(path, size);
     file.read(reinterpret_cast<char*>(tape.words.data()), static_cast<std::streamsize>(size));
     tape.bytes = static_cast<std::uint64_t>(file.gcount());

@@ -104,6 +104,7 @@ TEST_F(CheckCore, RefusesWhatCannotBeMeantAndStopsWhereThereIsNoCore) {
         {"--strictness 11", "--strictness: 11 is not from 1 to 10"},
         {"--seed 0", "a seed is a whole number from 1 on"},
         {"--seed 1 --reproduce 1", "--"},
+        {"--reproduce 1 --strictness 5", "--reproduce: random checks are made from --strictness 9"},
         {"--time-limit 0", "--time-limit: "}};
     for (const auto& [words, what] : kWrong)
         ExpectRefusal(Words(HELLO_CORE, words), what, 2);

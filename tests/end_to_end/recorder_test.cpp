@@ -92,7 +92,7 @@ TEST_F(RecorderBetween, LibraryInTheCoresPlaceDoesTheSameAnywhere) {
     EXPECT_EQ(
         CountCalls(OnlySession("vendor/my.tape"), recorder::Operation::CSnapshot_SetWorldTransform),
         61U);
-    EXPECT_NE(Read("vendor/my.tape.txt").find("the watch has found 0"), std::string::npos);
+    EXPECT_NE(Read("vendor/my.tape.txt").find("the watch has found nothing"), std::string::npos);
     Do("run a.scene --core " + Quoted(module) + " --do \"press 1046\" --do \"expect nodes 1\"");
     EXPECT_EQ(recorder::ReadTape(File("vendor/my.tape")).sessions.size(), 2U);
 }
@@ -107,6 +107,7 @@ TEST_F(RecorderBetween, LibraryTellsMistakesInItsSettingsAndWorks) {
         {"limit = 3 bytes", "recorder.txt:2: \"3 bytes\" is no size from 8M on"},
         {"limit = 1M", "recorder.txt:2: \"1M\" is no size"},
         {"watch = maybe", "recorder.txt:2: \"maybe\" is neither yes nor no"},
+        {"tape = %NO_SUCH_HOME%/my.tape", "recorder.txt:2: there is no variable NO_SUCH_HOME"},
         {"tap = my.tape", "recorder.txt:2: \"tap = my.tape\" is no setting"},
         {"tape", "recorder.txt:2: \"tape\" is no setting"}};
     for (const auto& [line, told] : kMistakes) {
@@ -116,6 +117,7 @@ TEST_F(RecorderBetween, LibraryTellsMistakesInItsSettingsAndWorks) {
         EXPECT_EQ(std::ranges::count(ending.error, '\n'), 1) << line << '\n' << ending.error;
         EXPECT_NE(ending.error.find(told), std::string::npos) << line << '\n' << ending.error;
     }
+    EXPECT_NE(Read("vendor/recorder-report.txt").find("no/folder"), std::string::npos);
 }
 
 TEST_F(RecorderBetween, LibraryWithoutACoreIsACoreThatCannot) {

@@ -51,6 +51,14 @@ TEST_F(Recover, BringsBackWhatNoSceneWasSavedWith_AndLeavesWhatThereIs) {
     ExpectRefusal("recover ball.tape --into ball.scene -o ball.scene", "--output: ball.scene", 2);
     ExpectRefusal("recover ball.tape --session 2 -o no.scene", "ball.tape: there is no session 2",
                   1);
+    ExpectRefusal("recover ball.tape --after 999999 -o no.scene", "ball.tape: there is no call", 1);
+
+    // What is told can be typed as it stands, also where the tape has been gone on with.
+    Write("my ball.tape", Read("ball.tape"));
+    const std::string word =
+        Ask("open ball.scene --core \"" + hello_ + "\" --tape \"my ball.tape\"")["complaints"][0];
+    Do(word.substr(word.find("recover ")));
+    EXPECT_EQ(Read("NEW.scene"), Read("new.scene"));
 }
 
 TEST_F(Recover, TellsOfNodesThatNoStateNames_AndOfKeysInTheWay) {

@@ -25,7 +25,7 @@ TEST_F(TapeVerbs, TellWhatWasRecordedAndWhatIsInNoScene) {
     EXPECT_NE(lines.find("1 undo group, 1 take"), std::string::npos) << lines;
     EXPECT_EQ(lines.find("In no scene"), std::string::npos) << lines;
     ExpectRefusal("tape info walk.bvh", "walk.bvh: it is no tape", 1);
-    ExpectRefusal("tape info nothing.tape", "nothing.tape: it cannot be read", 1);
+    ExpectRefusal("tape info nothing.tape", "nothing.tape: there is no such file", 1);
     ExpectRefusal("tape", "a verb is missing behind tape", 2);
     ExpectRefusal("tape inf walk.tape", "there is no verb \"tape inf\"; tape info", 2);
 }

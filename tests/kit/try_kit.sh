@@ -143,7 +143,7 @@ try_recorder() {
     lives "vendor/Core64.$module"
     unset LUMISET_RECORD_TAPE
     [ -s "$tape" ] || fail 'there is no tape'
-    grep -q 'the watch has found 0' "$tape.txt" || { cat "$tape.txt" >&2; fail 'the watch'; }
+    grep -q 'the watch has found nothing' "$tape.txt" || { cat "$tape.txt" >&2; fail 'the watch'; }
     quietly lumiset check-core "$core" --strictness 3
     printf 'The recorder in its place: a tape, and nothing found\n'
 }
