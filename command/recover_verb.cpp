@@ -131,8 +131,9 @@ void PrintForProgram(std::ostream& out, const RecoverResult& result) {
 Failure NothingLacks(const recorder::TapeContents& tape, const player::RecoveryReport& report) {
     std::string text = tape.path + ": session " + std::to_string(report.session) +
                        " holds nothing that the scene lacks";
-    if (std::ranges::find(report.left, player::Fate::kOpen, &player::RecoveredWork::fate) !=
-        report.left.end())
+    if (std::ranges::any_of(report.left, [](const player::RecoveredWork& work) {
+            return work.group.fate == player::Fate::kOpen;
+        }))
         text += ", but an open group: --open-group";
     if (tape.sessions.size() > 1) text += "; --session names another";
     return Failure(text);
