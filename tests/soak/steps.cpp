@@ -234,7 +234,8 @@ bool HasDoubles(Play& play) {
     std::set<std::uint32_t> handles;
     const std::vector<TVL::CoreNode*> nodes = play.AllNodes();
     for (TVL::CoreNode* node : nodes) {
-        INode* const host = static_cast<CMAXNode*>(node)->HostNode();
+        const CMAXNode* const real = play.Behind(node);
+        INode* const host = real ? real->HostNode() : nullptr;
         names.insert(play.OwnerOf(node).Name() + node->GetNodeName());
         handles.insert(host ? host->GetHandle() : 0);
     }
