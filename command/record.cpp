@@ -12,6 +12,7 @@
 #include "host/units.h"
 #include "platform/files.h"
 #include "platform/process.h"
+#include "recorder/stream/notes.h"
 #include "replay/request.h"
 #include "tvl/installation.h"
 
@@ -26,16 +27,17 @@ constexpr int kGroundDivisions = 10;
 
 // The handle of the node "Ground". If there is none, one is drawn: a flat square around the origin,
 // which is no undo step.
-std::uint32_t FindOrDrawGround() {
+std::uint32_t FindOrDrawGround(CoreStage& stage) {
     if (INode* const ground = FindNode(kGround)) return ground->GetHandle();
     const double side = kGroundSideMetres / GetMasterScale(UNITS_METERS);
     INode* const ground =
         GetCOREInterface()->CreateObjectNode(NewGround(static_cast<float>(side), kGroundDivisions));
     ground->SetName(kGround);
+    stage.Note(recorder::note::kOwnWork, "a ground was drawn");
     return ground->GetHandle();
 }
 
-CoreRequest RequestFor(const RecordOptions& options) {
+CoreRequest RequestFor(CoreStage& stage, const RecordOptions& options) {
     CoreRequest request{{variable::kCaptures, Lines(options.captures)},
                         {variable::kScale, Plain(options.metresPerUnit)},
                         {variable::kOptimised, options.optimisedController ? "1" : "0"},
@@ -44,7 +46,7 @@ CoreRequest RequestFor(const RecordOptions& options) {
                         {variable::kReplace, options.replaces ? "1" : ""},
                         {variable::kPartial, options.takesCutCaptures ? "1" : ""},
                         {variable::kProgress, options.progress ? "1" : ""}};
-    if (options.holdsToGround) request[variable::kGround] = std::to_string(FindOrDrawGround());
+    if (options.holdsToGround) request[variable::kGround] = std::to_string(FindOrDrawGround(stage));
     const std::vector<NodeView> nodes = Nodes();
     const auto shape = std::ranges::find(nodes, SHAPE_CLASS_ID, &NodeView::objectSuperClass);
     if (shape != nodes.end()) request[variable::kGuide] = std::to_string(shape->handle);
@@ -148,7 +150,7 @@ RecordResult Record(const RecordOptions& options) {
     if (!options.into.empty()) stage.Open(options.into);
     if (options.guests.tape.empty() && !(options.into + options.scene).empty())
         stage.TellOfTapeBeside(options.into.empty() ? options.scene : options.into);
-    const CoreRequest request = RequestFor(options);
+    const CoreRequest request = RequestFor(stage, options);
     const std::uint64_t before = SceneDigest();
     RecordResult result;
     ReportTake(options.csv.empty() ? stage.AskCore(request) : stage.AskCoreForFile(request, csv),

@@ -152,7 +152,7 @@ void RunRecover(RecoverArguments& arguments) {
     OrRefuse([&] { recovery.emplace(tape, choice); });
     GuestChoice guests;
     guests.inPlace = &recovery->Core();
-    CoreStage stage(guests);
+    CoreStage stage(guests, recovery->Settings());
     stage.NeedCore();
     if (!choice.scene.empty()) stage.Open(choice.scene);
     RecoverResult result{arguments.tape,

@@ -9,6 +9,7 @@
 #include "command/output.h"
 #include "command/written_files.h"
 #include "platform/narrow_path.h"
+#include "player/host_settings.h"
 #include "recorder/stream/notes.h"
 #include "recorder/tape/scene_digest.h"
 
@@ -56,9 +57,9 @@ void StageRecorder::NameCore(const std::string& library) {
 
 CoreInterface* StageRecorder::Attach(TVL::AdaptorInterface* adaptor, const AttachCore& attach) {
     hasBegun_ = true;
-    if (!guests_.inPlace) return recorder_->Attach(adaptor, attach);
-    return recorder_->Attach(adaptor, [this](TVL::AdaptorInterface* proxy) {
-        return guests_.inPlace->Attach(proxy, nullptr);
+    return recorder_->Attach(adaptor, [&](TVL::AdaptorInterface* proxy) {
+        Note(recorder::note::kSettings, player::SettingsNote());
+        return guests_.inPlace ? guests_.inPlace->Attach(proxy, nullptr) : attach(proxy);
     });
 }
 

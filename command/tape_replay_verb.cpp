@@ -14,6 +14,7 @@
 #include "command/verbs.h"
 #include "command/written_files.h"
 #include "platform/narrow_path.h"
+#include "player/host_settings.h"
 #include "player/replay/replay.h"
 #include "recorder/tape/read_tape.h"
 #include "tvl/panel.h"
@@ -66,10 +67,10 @@ class PassingFolder {
 class Performance {
   public:
     Performance(const ReplayArguments& arguments, player::Replay& replay,
-                player::ReplayScenes& scenes)
+                player::ReplayScenes& scenes, const SessionSettings& settings)
         : replay_(replay),
           scenes_(scenes),
-          stage_({.inPlace = &replay, .plugin = arguments.plugin}),
+          stage_({.inPlace = &replay, .plugin = arguments.plugin}, settings),
           scene_{stage_, {}} {}
 
     void Perform(std::vector<std::string>& told) {
@@ -179,8 +180,8 @@ void Tell(ReplayResult& result, const recorder::TapeSession& session) {
 
 // A Core that refused on the tape refuses here as well, and there is no more to play.
 void Perform(const ReplayArguments& arguments, player::Replay& replay, player::ReplayScenes& scenes,
-             std::vector<std::string>& told) try {
-    Performance(arguments, replay, scenes).Perform(told);
+             const SessionSettings& settings, std::vector<std::string>& told) try {
+    Performance(arguments, replay, scenes, settings).Perform(told);
 } catch (const Failure& failure) {
     if (replay.Calls() == 0) throw Failure(failure.what(), kNotCompared);
 }
@@ -198,7 +199,7 @@ ReplayResult Play(const ReplayArguments& arguments) {
         player::Replay replay(tape, first, scenes);
         const std::size_t begin = std::exchange(first, replay.End());
         if (wanted > first) continue;
-        Perform(arguments, replay, scenes, result.told);
+        Perform(arguments, replay, scenes, player::SettingsOf(tape.sessions[begin]), result.told);
         result.calls += replay.Calls();
         result.steps += replay.Steps();
         result.sessions += replay.Played();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <limits>
 #include <utility>
@@ -16,6 +17,7 @@ namespace headless {
 namespace {
 
 constexpr int kFramesAtStart = 100;
+constexpr int kMost = std::numeric_limits<TimeValue>::max();
 
 struct Timeline {
     int frameRate = 30;
@@ -52,12 +54,12 @@ void TellTime() {
 }
 
 void StartTimeline(int frameRate, int ticksPerFrame) {
-    const int ticks = std::max(1, ticksPerFrame);
-    RestoreTimeline(std::max(1, frameRate), ticks, {0, kFramesAtStart * ticks}, 0);
+    const int ticks = std::clamp(ticksPerFrame, 1, kMost / kFramesAtStart);
+    const int rate = std::clamp(frameRate, 1, kMost / ticks);
+    RestoreTimeline(rate, ticks, {0, kFramesAtStart * ticks}, 0);
 }
 
 bool IsClock(int frameRate, int ticksPerFrame) {
-    constexpr int kMost = std::numeric_limits<TimeValue>::max();
     return frameRate > 0 && ticksPerFrame > 0 && ticksPerFrame <= kMost / kFramesAtStart &&
            frameRate <= kMost / ticksPerFrame;
 }
@@ -107,7 +109,7 @@ double MetresPerUnit(int type, float scale) {
 }
 
 void SetMasterUnits(int type, float scale) {
-    if (IsUnitType(type) && scale > 0) masterUnits = {type, scale};
+    if (IsUnitType(type) && std::isfinite(scale) && scale > 0) masterUnits = {type, scale};
 }
 
 }  // namespace headless

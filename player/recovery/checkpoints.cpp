@@ -129,6 +129,7 @@ class CheckpointList {
 
     void SeeNote(std::size_t index, const Record& record) {
         const auto [word, about] = recorder::NoteOf(record);
+        if (word == note::kSettings || word == note::kRead) return;
         lastMilliseconds_ = record.head.milliseconds;
         EndLoading();
         isFresh_ = false;

@@ -170,7 +170,10 @@ class Walk {
 
     void SeeNote(std::size_t index, const Record& record) {
         const auto [word, about] = recorder::NoteOf(record);
+        if (word == note::kSettings || word == note::kRead) return;
         const bool isMissing = index > found_.base.record;
+        if (word == note::kOwnWork && isMissing)
+            found_.leftOut.push_back("done by the host: " + std::string(about));
         if (word == note::kMerged && isMissing)
             found_.leftOut.push_back("merged by hand: " +
                                      std::string(recorder::SceneOf(about).rest));

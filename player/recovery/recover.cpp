@@ -8,6 +8,7 @@
 #include "headless/scene_file_view.h"
 #include "platform/child_process.h"
 #include "platform/narrow_path.h"
+#include "player/host_settings.h"
 #include "player/recovery/making_again.h"
 #include "recorder/tape/mapped_file.h"
 #include "recorder/tape/scene_digest.h"
@@ -86,6 +87,11 @@ Recovery::Recovery(const recorder::TapeContents& tape, RecoveryChoice choice)
                           CountOfChunks(scene, kOlderStateChunk));
     }
     base_ = choice_.after ? FindNamed() : FindByDigestOrBeginning();
+}
+
+headless::SessionSettings Recovery::Settings() const {
+    if (!base_) return {};
+    return SettingsOf(tape_.sessions[base_->session]);
 }
 
 // Of the tape, the newest first, or the one that was asked for.

@@ -56,6 +56,9 @@ class Recovery {
     Recovery(const recorder::TapeContents& tape, RecoveryChoice choice);
 
     RecoveryCore& Core() { return core_; }
+
+    // Of the host whose work is missing, for a scene that is empty; a scene's file has its own.
+    headless::SessionSettings Settings() const;
     RecoveryReport Perform(headless::Session& session);
 
   private:

@@ -104,8 +104,10 @@ class Causes::Event {
   private:
     // True if nothing of the event can stand behind it.
     bool TakeNote(const Record& record) {
+        using namespace recorder::note;
         const auto [noted, about] = recorder::NoteOf(record);
-        if (noted == recorder::note::kScene) return false;
+        for (const std::string_view other : {kScene, kRead, kSettings, kOwnWork})
+            if (noted == other) return false;
         word = noted;
         if (word == recorder::note::kStep) return true;
         const recorder::SceneTexts scene = recorder::SceneOf(about);

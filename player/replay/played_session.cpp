@@ -200,11 +200,11 @@ Performed PlayedSession::PerformHere(const Record& call) {
         return Perform(call, *objects_, session_);
     const std::string path(ValueReader(call).Text());
     std::string digest;
-    for (std::size_t place = at_; place < session_.records.size() && digest.empty(); ++place) {
-        const auto [word, about] = recorder::NoteOf(session_.records[place]);
-        if (word != recorder::note::kMerged) continue;
-        const recorder::SceneTexts scene = recorder::SceneOf(about);
-        if (scene.rest == path) digest = scene.digest;
+    for (std::size_t place = at_; place < session_.records.size(); ++place) {
+        const Record& record = session_.records[place];
+        if (!digest.empty() || IsEndOf(record, call.head.call)) break;
+        const auto [word, about] = recorder::NoteOf(record);
+        if (word == recorder::note::kRead) digest = recorder::SceneOf(about).digest;
     }
     const std::string here = scenes_.ToRead(digest, path);
     RecordWriter writer;
@@ -260,7 +260,11 @@ const Record* PlayedSession::Next() {
 }
 
 void PlayedSession::Judge(std::size_t place, bool differs, Told expected, Told came) {
-    if (!verdict_) verdict_ = {differs, place, std::move(expected), std::move(came)};
+    if (verdict_) return;
+    if (differs && !doubt_.empty())
+        verdict_ = {false, place, {}, {RecordKind::kNote, {}, {}, doubt_}};
+    else
+        verdict_ = {differs, place, std::move(expected), std::move(came)};
 }
 
 // The tape has something else next, or nothing more.

@@ -53,6 +53,9 @@ class PlayedSession final : public PlayedCore {
 
     const std::optional<Verdict>& Over() const { return verdict_; }
     void CannotTell(std::string why);
+
+    // The host did on the tape what cannot be done here: what differs from here on can come of it.
+    void Doubt(std::string why) { doubt_ = std::move(why); }
     void Differ(std::string came) { Differ(Told{RecordKind::kNote, {}, {}, std::move(came)}); }
 
   private:
@@ -77,6 +80,7 @@ class PlayedSession final : public PlayedCore {
     int making_ = 0;       // calls of the Core's that are being made
     bool isTorn_ = false;  // the tape ended in the middle
     std::optional<Verdict> verdict_;
+    std::string doubt_;
 };
 
 }  // namespace player

@@ -53,7 +53,8 @@ bool LeavesState(const recorder::TapeSession& session) {
 
 bool IsGivenState(const recorder::TapeSession& session) {
     for (const Record& record : session.records) {
-        if (record.head.kind == RecordKind::kNote) return false;
+        const std::string_view word = recorder::NoteOf(record).word;
+        if (!word.empty() && word != note::kSettings) return false;
         if (record.Is(RecordKind::kCall, Operation::CoreInterface_SetCoreState)) return true;
     }
     return false;
@@ -141,6 +142,7 @@ std::optional<Replay::Step> Replay::Noted(const Record& record) {
     }
     const std::size_t place = Session()->Place();
     Session()->PassNote();
+    if (word == note::kOwnWork) Session()->Doubt(std::string(about));
     if (word == note::kSaved) {
         const auto [digest, path] = recorder::SceneOf(about);
         scenes_.NoteSaved(std::string(digest), std::string(path));

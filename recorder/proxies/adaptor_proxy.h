@@ -1,6 +1,8 @@
 #pragma once
 
 #include "recorder/proxies/nodes.h"
+#include "recorder/stream/notes.h"
+#include "recorder/tape/scene_digest.h"
 #include "tvl/adaptor_interface.h"
 
 namespace recorder {
@@ -72,7 +74,10 @@ class AdaptorProxy final : public Proxy<AdaptorInterface> {
     }
 
     std::vector<CNode*> MergeModels(std::string path) override {
-        const auto ask = [&] { return nodes_.New(real_->MergeModels(std::move(path))); };
+        const auto ask = [&] {
+            NoteRead(path);
+            return nodes_.New(real_->MergeModels(std::move(path)));
+        };
         return Give<AdaptorInterface_MergeModels>(ask, path);
     }
 
@@ -152,6 +157,14 @@ class AdaptorProxy final : public Proxy<AdaptorInterface> {
         };
         scribe_.Record<kOperation>(id_, make, said...);
         return nodes;
+    }
+
+    // What there is no memory for stays untold.
+    void NoteRead(const std::string& path) noexcept {
+        try {
+            scribe_.Note(note::kRead, DigestOfFile(path) + ' ' + path);
+        } catch (...) {
+        }
     }
 
     template <Operation kOperation>

@@ -96,6 +96,9 @@ class Scribe {
     void Know(ObjectId object, const ObjectFacts& facts) {
         if (IsHeard()) stream_.Know(object, facts);
     }
+    void Note(std::string_view word, std::string_view about) {
+        if (IsHeard()) stream_.Note(word, about);
+    }
 
     // Another session has begun: what is called from here on is made and not told.
     void Close() { isHeard_ = false; }

@@ -23,7 +23,7 @@ bool IsNumber(std::string_view text) {
 
 bool HasDigest(std::string_view word) {
     return word == note::kOpened || word == note::kMerged || word == note::kSaved ||
-           word == note::kScene;
+           word == note::kScene || word == note::kRead;
 }
 
 // What the adaptor says of itself and of the system, which a player compares with its own.

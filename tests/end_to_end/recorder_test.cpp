@@ -77,9 +77,13 @@ TEST_F(RecorderBetween, TapeAndWatchLeaveTheSceneAsItIs) {
     EXPECT_EQ(SceneBy(hello_, " --tape a.tape --watch=strict"), plain);
     const recorder::TapeSession session = OnlySession("a.tape");
     const std::vector<std::string> expected = {
-        "step: press 1046",   "step: time 0.5",
-        "step: save a.scene", "saved: " + recorder::DigestOfFile(File("a.scene")) + " a.scene",
-        "step: undo",         "step: redo"};
+        "settings: 30 160 0 1",
+        "step: press 1046",
+        "step: time 0.5",
+        "step: save a.scene",
+        "saved: " + recorder::DigestOfFile(File("a.scene")) + " a.scene",
+        "step: undo",
+        "step: redo"};
     EXPECT_EQ(NotesOf(session), expected);
     EXPECT_EQ(CountCalls(session, recorder::Operation::CSnapshot_SetWorldTransform), 61U);
 }

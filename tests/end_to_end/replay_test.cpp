@@ -89,6 +89,19 @@ TEST_F(Replay, TellsTheFirstAnswerThatDiffersAndWhatItCannotTell) {
     Do(RunHelloAtVendors({"press 1046", "merge path.scene"}));
     EXPECT_EQ(Line(Replayed(2), {"differs", "reason"}),
               "false \"a scene was merged, and the tape does not tell which\"");
+    fs::remove(File("hello.tape"));
+
+    Write("walk.bvh", Walk(5));
+    Do("record walk.bvh --ground --tape hello.tape");
+    EXPECT_EQ(Line(Replayed(2), {"differs", "reason"}), "false \"a ground was drawn\"");
+}
+
+TEST_F(Replay, HasTheSettingsOfTheTapesHost_AsARecoveryHas) {
+    Write("walk.bvh", Walk(5));
+    Do("record walk.bvh --units 7 -o walk.scene --tape hello.tape");
+    Replayed(0);
+    Do("recover hello.tape -o new.scene --after 1");
+    Do("diff walk.scene new.scene");
 }
 
 }  // namespace

@@ -288,7 +288,7 @@ class RoadsCore final : public CoreInterface, public TVL::CoreElement, public TV
     }
 
     void Merge() {
-        for (TVL::CNode* node : adaptor_.MergeModels("path.scene")) {
+        for (TVL::CNode* node : adaptor_.MergeModels("brought.scene")) {
             if (!node) continue;
             static_cast<CoreNode*>(node)->GetName();
             node->ReleaseNode(node);
