@@ -1,5 +1,7 @@
 #include "player/live_objects.h"
 
+#include <utility>
+
 #include "player/played_objects.h"
 
 namespace player {
@@ -88,7 +90,14 @@ ObjectId LiveObjects::IdOf(ObjectKind kind, void* object) {
     if (known != ids_.end()) return known->second;
     const ObjectId id = recorder::MakeObjectId(kind, kUnnamed | ++unnamed_);
     Bind(id, object);
+    auto* const node = kind == ObjectKind::kNode ? static_cast<TVL::CoreNode*>(object) : nullptr;
+    if (node && node->IsSnapshot()) snapshotNodes_.insert(node);
     return id;
+}
+
+void LiveObjects::ReleaseNodes() {
+    for (TVL::CoreNode* const node : std::exchange(snapshotNodes_, {}))
+        node->ReleaseNode(node);
 }
 
 bool LiveObjects::Match(ObjectId onTape, ObjectId here) {
@@ -110,6 +119,8 @@ void LiveObjects::End(ObjectId id) {
     const auto found = objects_.find(id);
     if (found == objects_.end()) return;
     ids_.erase({recorder::KindOf(id), found->second});
+    if (recorder::KindOf(id) == ObjectKind::kNode)
+        snapshotNodes_.erase(static_cast<TVL::CoreNode*>(found->second));
     objects_.erase(found);
     const auto made = made_.extract(id);  // and ends here
     if (recorder::KindOf(id) != ObjectKind::kNode) return;

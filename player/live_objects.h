@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "recorder/stream/record_reader.h"
 #include "tvl/core_interface.h"
@@ -103,6 +104,9 @@ class LiveObjects {
     void Lend(ObjectId snapshot, ObjectId node) { lent_[snapshot] = {node, true}; }
     void TakeBack(ObjectId snapshot);
 
+    // Snapshot nodes are the Core's to release, and none goes by itself. Here they all are.
+    void ReleaseNodes();
+
     // The object is gone.
     void End(ObjectId id);
 
@@ -126,6 +130,7 @@ class LiveObjects {
         bool isOut;
     };
     std::unordered_map<ObjectId, Lent> lent_;  // by the snapshot
+    std::unordered_set<TVL::CoreNode*> snapshotNodes_;
     std::unique_ptr<TVL::NodeListener> listener_;
     std::uint64_t unnamed_ = 0;  // objects that got an id here
 };

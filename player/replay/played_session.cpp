@@ -71,6 +71,7 @@ void PlayedSession::Detach(CoreInterface* core) {
 // What a Core that went on to its end has given back itself.
 void PlayedSession::GiveBack() {
     if (!verdict_ && !isTorn_) return;
+    objects_->ReleaseNodes();
     objects_->Adaptor().ClearLog();
     objects_->Adaptor().ClearErrorCode();
 }
