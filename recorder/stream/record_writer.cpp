@@ -8,12 +8,6 @@
 namespace recorder {
 namespace {
 
-constexpr std::uint64_t kFactor = 0x9e37'79b9'7f4a'7c15;  // 2^64 over the golden ratio
-
-std::uint64_t Mix(std::uint64_t hash, std::uint64_t word) {
-    return std::rotl(hash ^ word, 29) * kFactor;
-}
-
 std::uint64_t Bits(double value) {
     return std::bit_cast<std::uint64_t>(value);
 }

@@ -97,6 +97,12 @@ class RecordWriter {
 
 MeshId IdOf(const TVL::CMesh& mesh);
 
+// A step of all hashes here.
+constexpr std::uint64_t Mix(std::uint64_t hash, std::uint64_t word) {
+    constexpr std::uint64_t kFactor = 0x9e37'79b9'7f4a'7c15;  // 2^64 over the golden ratio
+    return std::rotl(hash ^ word, 29) * kFactor;
+}
+
 // Of a record's words, four or more, but for the place of the checksum itself, the higher half of
 // the first one: four sums, of each fourth word, which do not wait for one another. A change of one
 // word alone always changes the 64 bits of which these 32 are made.

@@ -51,6 +51,17 @@ void Copier::Write() {
     if (!whyNot_.empty()) return;
     whyNot_ = file_.Write(offset_, bytes_);
     if (whyNot_.empty() && isToBeSynced_) whyNot_ = file_.Sync();
+    KeepDiskBusy();
+}
+
+// Large pieces, since each costs an interrupt or more.
+void Copier::KeepDiskBusy() {
+    constexpr std::uint64_t kMuch = std::uint64_t{8} << 20;
+    if (offset_ < waitingTo_) waitingFrom_ = offset_;
+    waitingTo_ = offset_ + bytes_.size();
+    if (waitingTo_ - waitingFrom_ < kMuch) return;
+    file_.BeginSync(waitingFrom_, waitingTo_ - waitingFrom_);
+    waitingFrom_ = waitingTo_;
 }
 
 }  // namespace recorder

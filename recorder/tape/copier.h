@@ -31,6 +31,7 @@ class Copier {
   private:
     void Work();
     void Write();
+    void KeepDiskBusy();
 
     MappedFile& file_;
     std::thread thread_;
@@ -41,6 +42,8 @@ class Copier {
     std::uint64_t offset_ = 0;
     std::span<const std::byte> bytes_;
     bool isToBeSynced_ = false;
+    std::uint64_t waitingFrom_ = 0;  // what the disk has not begun with
+    std::uint64_t waitingTo_ = 0;
     std::string whyNot_;
 };
 

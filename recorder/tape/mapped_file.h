@@ -35,6 +35,10 @@ class MappedFile {
     // Writes behind what is mapped. Empty, or why not; there can be a part of it then.
     std::string Write(std::uint64_t offset, std::span<const std::byte> bytes);
 
+    // Has the disk begin with what was written there, where the system can, so that a sync finds
+    // little left to wait for.
+    void BeginSync(std::uint64_t offset, std::uint64_t size);
+
     // Waits until all that was written is on the disk. Empty, or why it is not.
     std::string Sync();
 

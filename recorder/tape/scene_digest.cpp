@@ -1,5 +1,6 @@
 #include "recorder/tape/scene_digest.h"
 
+#include <algorithm>
 #include <array>
 #include <cinttypes>
 #include <cstddef>
@@ -9,13 +10,12 @@
 #include <vector>
 
 #include "platform/narrow_path.h"
+#include "recorder/stream/record_writer.h"
 
 namespace recorder {
 namespace {
 
-constexpr std::uint64_t kBasis = 0xcbf2'9ce4'8422'2325;
-constexpr std::uint64_t kPrime = 0x0000'0100'0000'01b3;
-constexpr std::size_t kBlock = 1 << 16;
+constexpr std::size_t kBlockWords = 1 << 13;
 
 std::string InHexadecimal(std::uint64_t value) {
     std::array<char, 17> text{};
@@ -28,13 +28,18 @@ std::string InHexadecimal(std::uint64_t value) {
 std::string DigestOfFile(const std::string& path) {
     std::ifstream file(platform::FromNarrow(path), std::ios::binary);
     if (!file) return {};
-    std::uint64_t digest = kBasis;
-    std::vector<char> block(kBlock);
-    while (file.read(block.data(), kBlock), file.gcount() > 0)
-        for (std::streamsize at = 0; at < file.gcount(); ++at) {
-            digest ^= static_cast<unsigned char>(block[static_cast<std::size_t>(at)]);
-            digest *= kPrime;
-        }
+    std::uint64_t digest = 0;
+    std::uint64_t size = 0;
+    std::vector<std::uint64_t> block(kBlockWords);
+    auto* const bytes = reinterpret_cast<char*>(block.data());
+    while (file.read(bytes, kBlockWords * 8), file.gcount() > 0) {
+        const auto count = static_cast<std::size_t>(file.gcount());
+        std::fill(bytes + count, bytes + (count + 7) / 8 * 8, '\0');
+        for (std::size_t word = 0; word < (count + 7) / 8; ++word)
+            digest = Mix(digest, block[word]);
+        size += count;
+    }
+    digest = Mix(digest, size);
     return file.bad() ? std::string() : InHexadecimal(digest);
 }
 

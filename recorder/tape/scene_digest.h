@@ -4,7 +4,7 @@
 
 namespace recorder {
 
-// By what a scene on a tape is known: 64 bits of a hash (FNV-1a) of the bytes of its file, in 16
+// By what a scene on a tape is known: a hash of 64 bits of its file (docs/tape.md), in 16
 // hexadecimal digits. Empty if the file cannot be read.
 std::string DigestOfFile(const std::string& path);
 

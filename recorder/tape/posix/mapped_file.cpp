@@ -111,6 +111,11 @@ std::string MappedFile::Write(std::uint64_t offset, std::span<const std::byte> b
     return {};
 }
 
+void MappedFile::BeginSync(std::uint64_t offset, std::uint64_t size) {
+    sync_file_range(static_cast<int>(file_), static_cast<off_t>(offset), static_cast<off_t>(size),
+                    SYNC_FILE_RANGE_WRITE);
+}
+
 // What was written through the map is taken in.
 std::string MappedFile::Sync() {
     int result = 0;

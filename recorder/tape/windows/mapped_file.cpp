@@ -124,6 +124,8 @@ std::string MappedFile::Write(std::uint64_t offset, std::span<const std::byte> b
     return {};
 }
 
+void MappedFile::BeginSync(std::uint64_t, std::uint64_t) {}
+
 std::string MappedFile::Sync() {
     const bool isWritten = mapped_.empty() || FlushViewOfFile(mapped_.data(), 0) != 0;
     return isWritten && FlushFileBuffers(HandleOf(file_)) != 0 ? std::string()
