@@ -1,4 +1,5 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -55,12 +56,21 @@ void PrintList(std::ostream& out, std::string_view title, const std::vector<std:
         out << (&text == &texts.front() ? title : ", ") << text;
 }
 
+// Paths, each once.
+std::vector<std::string> CapturesOf(const replay::TakeReport& take) {
+    std::vector<std::string> captures;
+    for (const replay::RecordingReport& recording : take.recordings)
+        if (std::ranges::find(captures, recording.capture) == captures.end())
+            captures.push_back(recording.capture);
+    return captures;
+}
+
 void PrintForPerson(std::ostream& out, const SceneReport& report) {
     out << report.scene << ": " << Counted(report.nodes, "node") << '\n';
     for (const replay::TakeReport& take : report.takes) {
-        out << "Take " << take.name << ": " << Counted(take.nodes, "node");
+        out << "Take " << take.name << ": " << Counted(take.nodes.size(), "node");
         if (!take.parent.empty()) out << ", below " << take.parent;
-        PrintList(out, ", from ", take.captures);
+        PrintList(out, ", from ", CapturesOf(take));
         PrintList(out, "; not found: ", take.missing);
         out << '\n';
     }
@@ -82,8 +92,8 @@ void PrintForProgram(std::ostream& out, const SceneReport& report) {
     for (const replay::TakeReport& take : report.takes)
         object["takes"].push_back({{"name", take.name},
                                    {"parent", take.parent},
-                                   {"captures", take.captures},
-                                   {"nodes", take.nodes},
+                                   {"captures", CapturesOf(take)},
+                                   {"nodes", take.nodes.size()},
                                    {"missing", take.missing}});
     PrintJson(out, object);
 }

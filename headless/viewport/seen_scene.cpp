@@ -73,6 +73,14 @@ SeenScene SeeScene(const ViewportSettings& settings, TimeValue t) {
     return {aimed, window.List()};
 }
 
+DrawList DrawNode(std::uint32_t handle, TimeValue t) {
+    SceneNode* const node = TheScene().Find(handle);
+    if (!node) return {};
+    DrawWindow window{View{}};
+    Display(*node, t, RenderLimits({}), window);
+    return window.List();
+}
+
 Drawing DrawScene(const ViewportSettings& settings, TimeValue t) {
     SeenScene seen = SeeScene(settings, t);
     return {std::move(seen.aimed.error), std::move(seen.list)};

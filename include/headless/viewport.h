@@ -41,7 +41,10 @@ struct Drawing {
 };
 HEADLESS_API Drawing DrawScene(const ViewportSettings& settings, TimeValue t);
 
-// The same as pixels. The result is empty, or says in one line why there is no picture.
+// What one node draws, where it is in world space; nothing if there is no such node.
+HEADLESS_API DrawList DrawNode(std::uint32_t handle, TimeValue t);
+
+// The scene as pixels. The result is empty, or says in one line why there is no picture.
 HEADLESS_API std::string DrawPicture(const ViewportSettings& settings, TimeValue t, Picture& into);
 
 // Pictures of one size side by side, row by row; `columns` is at least 1.

@@ -90,12 +90,26 @@ struct MergeReport {
     std::size_t nodes = 0;  // that the host brought in
 };
 
+// Frames of a capture that a take was recorded from.
+struct RecordingReport {
+    std::string capture;  // its path
+    double frameSeconds = 0;
+    double startSeconds = 0;     // in the scene, of the capture's frame 0
+    std::size_t firstFrame = 0;  // counted from the start of the capture
+    std::size_t endFrame = 0;    // behind the last one
+};
+
+struct TakeNodeReport {
+    std::string name;      // by which the Core knows it
+    std::string hostName;  // as the host shows it
+};
+
 struct TakeReport {
     std::string name;
-    std::string parent;                 // the take that it belongs to; empty for none
-    std::vector<std::string> captures;  // paths, each once
-    std::size_t nodes = 0;              // in the scene
-    std::vector<std::string> missing;   // names of nodes that were not found there
+    std::string parent;                       // the take that it belongs to; empty for none
+    std::vector<RecordingReport> recordings;  // the oldest first
+    std::vector<TakeNodeReport> nodes;        // in the scene
+    std::vector<std::string> missing;         // names of nodes that were not found there
 };
 
 struct Report {
@@ -190,11 +204,26 @@ void Describe(Fields& fields, MergeReport& merge) {
 }
 
 template <class Fields>
+void Describe(Fields& fields, RecordingReport& recording) {
+    fields("capture", recording.capture);
+    fields("frameSeconds", recording.frameSeconds);
+    fields("startSeconds", recording.startSeconds);
+    fields("firstFrame", recording.firstFrame);
+    fields("endFrame", recording.endFrame);
+}
+
+template <class Fields>
+void Describe(Fields& fields, TakeNodeReport& node) {
+    fields("name", node.name);
+    fields("hostName", node.hostName);
+}
+
+template <class Fields>
 void Describe(Fields& fields, TakeReport& take) {
     fields("name", take.name);
     fields("parent", take.parent);
-    fields.List("captures", "capture", take.captures);
-    fields("nodes", take.nodes);
+    fields.List("recordings", "recording", take.recordings);
+    fields.List("nodes", "node", take.nodes);
     fields.List("missing", "missing", take.missing);
 }
 

@@ -147,10 +147,6 @@ class OptionTurnedOn {
     bool before_;
 };
 
-void AddOnce(std::vector<std::string>& texts, const std::string& text) {
-    if (std::ranges::find(texts, text) == texts.end()) texts.push_back(text);
-}
-
 }  // namespace
 
 // While a scene comes in, its state is handed to SetCoreState, which takes its nodes up: what
@@ -269,8 +265,13 @@ std::vector<TakeReport> ReplayCore::TellTakes() const {
         entry.name = take->Name();
         if (const Take* const parent = StoredParent(*take)) entry.parent = parent->Name();
         for (const Recording& recording : take->Recordings())
-            AddOnce(entry.captures, recording.capture);
-        entry.nodes = take->Book().Nodes().size();
+            entry.recordings.push_back({.capture = recording.capture,
+                                        .frameSeconds = recording.frameSeconds,
+                                        .startSeconds = recording.startSeconds,
+                                        .firstFrame = recording.firstFrame,
+                                        .endFrame = recording.endFrame});
+        for (TVL::CoreNode* const node : take->Book().Nodes())
+            entry.nodes.push_back({.name = node->GetNodeName(), .hostName = node->GetName()});
         for (const StoredNode& missing : take->Missing())
             entry.missing.push_back(missing.name);
     }

@@ -6,7 +6,7 @@
 #include "replay_core/recorder/loans.h"
 #include "replay_core/recorder/look.h"
 #include "replay_core/recorder/text_file.h"
-#include "replay_core/recorder/transform_parts.h"
+#include "tvl/transform_parts.h"
 
 namespace replay {
 
@@ -51,7 +51,7 @@ std::string SamplePoses(std::span<TVL::CoreNode* const> nodes, const SampleTimes
             const TransformLoan snapshot(*nodes[i], seconds);
             if (!snapshot)
                 return "\"" + nodes[i]->GetNodeName() + "\" is not in the scene any more";
-            const TransformParts parts = PartsOf(snapshot->GetWorldTransform());
+            const TVL::TransformParts parts = TVL::PartsOf(snapshot->GetWorldTransform());
             ((row = NumberText(seconds)) += ',') += names[i];
             AppendNumbers(row, parts.translation);
             AppendNumbers(row, parts.rotation);

@@ -25,11 +25,13 @@ std::optional<Recording> ReadRecording(const XMLNode& element) {
     const std::optional<std::size_t> first = ParseCount(StoredText(element, form::kFirstFrame));
     const std::optional<std::size_t> end = ParseCount(StoredText(element, form::kEndFrame));
     if (!metres || !seconds || !first || !end) return std::nullopt;
+    const std::optional<double> start = ParseNumber(StoredText(element, form::kStartSeconds));
     return Recording{.capture = StoredText(element, form::kCapture),
                      .metresPerUnit = *metres,
                      .frameSeconds = *seconds,
                      .firstFrame = *first,
-                     .endFrame = *end};
+                     .endFrame = *end,
+                     .startSeconds = start.value_or(0)};
 }
 
 bool IsPacked(const XMLNode& plugin) {

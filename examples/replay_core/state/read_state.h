@@ -15,6 +15,7 @@ struct Recording {
     double frameSeconds = 0;     // from one frame to the next
     std::size_t firstFrame = 0;  // counted from the start of the capture
     std::size_t endFrame = 0;    // behind the last one
+    double startSeconds = 0;     // in the scene, of the capture's frame 0
 
     friend bool operator==(const Recording&, const Recording&) = default;
 };

@@ -33,6 +33,7 @@ inline constexpr const char* kMetresPerUnit = "metresPerUnit";
 inline constexpr const char* kFrameSeconds = "frameSeconds";
 inline constexpr const char* kFirstFrame = "firstFrame";
 inline constexpr const char* kEndFrame = "endFrame";
+inline constexpr const char* kStartSeconds = "startSeconds";
 
 }  // namespace form
 

@@ -23,6 +23,8 @@ XMLNode RecordingElement(const Recording& recording) {
     element.attributes[form::kFrameSeconds] = NumberText(recording.frameSeconds);
     element.attributes[form::kFirstFrame] = std::to_string(recording.firstFrame);
     element.attributes[form::kEndFrame] = std::to_string(recording.endFrame);
+    if (recording.startSeconds != 0)
+        element.attributes[form::kStartSeconds] = NumberText(recording.startSeconds);
     return element;
 }
 

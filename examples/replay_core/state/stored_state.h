@@ -11,7 +11,7 @@ namespace replay {
 //     TVL_Plugin  version="1"
 //       type, name          texts
 //       recordings          a `recording` for each: capture, metresPerUnit, frameSeconds,
-//                           firstFrame, endFrame
+//                           firstFrame, endFrame, and startSeconds unless that is 0
 //       nodeinfo            a `node` for each, the name in `name`; those that were not found when
 //                           the scene was opened stand last, as they were read
 //       ...                 what a scene file had beyond that

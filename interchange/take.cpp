@@ -1,0 +1,29 @@
+#include "interchange/take.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace interchange {
+
+Take Take::Resampled(double newFrameSeconds) const {
+    constexpr double kRounding = 1e-6;  // of a frame
+    Take take = *this;
+    take.frameSeconds = newFrameSeconds;
+    const double frames = (EndSeconds() - startSeconds) / newFrameSeconds;
+    take.frameCount = static_cast<std::size_t>(std::floor(frames + kRounding)) + 1;
+    return take;
+}
+
+double SkewOf(const TVL::CMatrix4& matrix) {
+    const auto dot = [&](int a, int b) {
+        return matrix[a][0] * matrix[b][0] + matrix[a][1] * matrix[b][1] +
+               matrix[a][2] * matrix[b][2];
+    };
+    const auto cosine = [&](int a, int b) {
+        const double lengths = std::sqrt(dot(a, a) * dot(b, b));
+        return lengths > 0 ? std::abs(dot(a, b)) / lengths : 0;
+    };
+    return std::max({cosine(0, 1), cosine(1, 2), cosine(2, 0)});
+}
+
+}  // namespace interchange

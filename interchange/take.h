@@ -1,0 +1,87 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "tvl/matrix4.h"
+
+// A take as other programs are told of it, whatever host and Core it comes from: metres, seconds, Y
+// up, right-handed.
+namespace interchange {
+
+inline constexpr std::size_t kNoNode = std::numeric_limits<std::size_t>::max();
+
+enum class NodeKind {
+    kJoint,   // it moves, and is no camera
+    kCamera,  // looks along its own negative z axis, its y axis is up
+    kOther,   // stands still or goes along with its parent
+};
+
+// What a node looks like, in its own space: three vertices a triangle.
+struct ShapeVertex {
+    std::array<float, 3> place{};   // metres
+    std::array<float, 3> normal{};  // of unit length
+    std::array<float, 3> colour{};  // red, green and blue from 0 to 1
+};
+
+struct Lens {
+    double fieldOfView = 0;   // radians
+    int fieldOfViewType = 0;  // across the width (0), the height (1) or the diagonal (2)
+};
+
+struct TakeNode {
+    std::string name;  // of its own in the take: as its Core knows it, or else as the host does
+    std::uint32_t handle = 0;      // the host's
+    std::size_t parent = kNoNode;  // the nearest node of the take above it, an earlier one
+    NodeKind kind = NodeKind::kOther;
+    std::vector<ShapeVertex> shape{};
+    std::optional<Lens> lens{};  // a camera's, at the take's first frame
+};
+
+struct Take {
+    std::string name;
+    double startSeconds = 0;      // of its first frame, in the scene
+    double frameSeconds = 1;      // from one frame to the next, above 0
+    std::size_t frameCount = 1;   // at least 1
+    std::vector<TakeNode> nodes;  // a parent before its children
+
+    double Seconds(std::size_t frame) const {
+        return startSeconds + static_cast<double>(frame) * frameSeconds;
+    }
+    double EndSeconds() const { return Seconds(frameCount - 1); }
+
+    // The same span of time in frames of another length: from the first frame to the last one that
+    // is not behind the old one.
+    Take Resampled(double newFrameSeconds) const;
+};
+
+// Where the nodes of a take are.
+class Poses {
+  public:
+    // From each node's own space, in metres, to the world: `world` has an element for each node of
+    // the take. The rows of a node that nobody scaled have unit length.
+    virtual void At(double seconds, std::span<TVL::CMatrix4> world) = 0;
+
+  protected:
+    ~Poses() = default;
+};
+
+// How far from at right angles two of a matrix's axes are at most: the cosine between them.
+double SkewOf(const TVL::CMatrix4& matrix);
+
+// What a file could not hold of a take. The places of joints are compared, world space, at each of
+// its frames.
+struct Loss {
+    double metres = 0;   // the furthest that a joint is from where it was
+    std::string node{};  // which, and when
+    double seconds = 0;
+    std::vector<std::string> words{};  // what it is that was left out, a line each; names the node
+};
+
+}  // namespace interchange
