@@ -3,6 +3,7 @@ install(TARGETS lumiset-headless RUNTIME DESTINATION bin)
 install(TARGETS TarvoOstrelUtil LIBRARY DESTINATION bin)
 install(TARGETS Core64 LIBRARY DESTINATION bin/Core)
 install(TARGETS core_seat_module LIBRARY DESTINATION bin/seat/Core)
+install(FILES ${viewer_page} DESTINATION bin/viewer OPTIONAL)
 
 # What is copied into another host's installation, with settings for that.
 set(recorder_home HOME)

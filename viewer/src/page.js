@@ -1,0 +1,1 @@
+import { WebGLRenderer } from "three"; window.r = WebGLRenderer;
