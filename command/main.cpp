@@ -56,6 +56,7 @@ void AddVerbs(CLI::App& app) {
     headless::AddDiffVerb(app);
     headless::AddInspectVerb(app);
     headless::AddSampleVerb(app);
+    headless::AddExportVerb(app);
     headless::AddRunVerb(app);
     headless::AddCheckVerb(app);
     headless::AddTapeVerbs(app);

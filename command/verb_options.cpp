@@ -196,12 +196,17 @@ CLI::Option* AddName(CLI::App& verb, const std::string& words, std::string& name
     return verb.add_option(words, name, help)->check(CheckName)->type_name("NAME");
 }
 
-void AddNodes(CLI::App& verb, std::vector<std::string>& names, const std::string& help) {
-    verb.add_option("--node", names, help + "; all if none is named")
+void AddNames(CLI::App& verb, const std::string& words, std::vector<std::string>& names,
+              const std::string& help) {
+    verb.add_option(words, names, help + "; all if none is named")
         ->expected(1)
         ->take_all()
         ->check(CheckName)
         ->type_name("NAME");
+}
+
+void AddNodes(CLI::App& verb, std::vector<std::string>& names, const std::string& help) {
+    AddNames(verb, "--node", names, help);
 }
 
 }  // namespace headless

@@ -20,6 +20,7 @@ namespace headless {
 inline constexpr char kMaking[] = "To record and to draw";
 inline constexpr char kKeeping[] = "To open, merge and convert";
 inline constexpr char kLooking[] = "To look";
+inline constexpr char kTakingAlong[] = "To take along";
 inline constexpr char kDriving[] = "To drive any Core";
 inline constexpr char kTaping[] = "To record what crosses the boundary";
 inline constexpr char kHelping[] = "To learn more";
@@ -87,6 +88,10 @@ CLI::Option* AddRead(CLI::App& verb, const std::string& words, const std::string
 // An option whose text is not empty.
 CLI::Option* AddName(CLI::App& verb, const std::string& words, std::string& name,
                      const std::string& help);
+
+// The same as often as a person likes.
+void AddNames(CLI::App& verb, const std::string& words, std::vector<std::string>& names,
+              const std::string& help);
 
 // --node, as often as a person likes: the names of nodes, and whose names these are.
 void AddNodes(CLI::App& verb, std::vector<std::string>& names,

@@ -19,6 +19,7 @@ void AddRenderVerb(CLI::App& app);
 void AddConvertVerb(CLI::App& app);
 void AddRecoverVerb(CLI::App& app);
 void AddInfoVerb(CLI::App& app);
+void AddExportVerb(CLI::App& app);
 void AddRunVerb(CLI::App& app);
 void AddCheckVerb(CLI::App& app);
 void AddDiffVerb(CLI::App& app);

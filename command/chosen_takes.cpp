@@ -1,0 +1,63 @@
+#include "command/chosen_takes.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "command/exit_status.h"
+#include "command/output.h"
+#include "command/verb_options.h"
+
+namespace headless {
+namespace {
+
+// The host keeps no two moments of a scene apart that lie nearer, and none of a take lasts longer.
+constexpr double kMostFramesPerSecond = 4800;
+constexpr double kLongestFrame = 1e6;  // seconds
+
+std::string NamesOf(const std::vector<interchange::Take>& takes) {
+    std::string names;
+    for (const interchange::Take& take : takes)
+        names += (names.empty() ? "" : ", ") + Quoted(take.name);
+    return names;
+}
+
+bool IsChosen(const TakeChoice& choice, const std::string& name) {
+    return choice.names.empty() || std::ranges::find(choice.names, name) != choice.names.end();
+}
+
+}  // namespace
+
+void AddTakeChoice(CLI::App& verb, TakeChoice& choice) {
+    AddNames(verb, "--take", choice.names, "The name of a take");
+    AddSize(verb, "--fps", choice.framesPerSecond,
+            "Frames in a second; else those that the take was recorded in");
+}
+
+void CheckTakeChoice(const TakeChoice& choice) {
+    const double fps = choice.framesPerSecond;
+    if (fps != 0 && (fps > kMostFramesPerSecond || 1 / fps > kLongestFrame))
+        Refuse("--fps: " + Plain(fps) + " is not from 0.000001 to 4,800");
+}
+
+ChosenTake::ChosenTake(interchange::Take recorded, double framesPerSecond)
+    : asRecorded(std::move(recorded)),
+      poses(asRecorded),
+      take(framesPerSecond > 0 ? asRecorded.Resampled(1 / framesPerSecond) : asRecorded) {}
+
+std::vector<std::unique_ptr<ChosenTake>> TakesOfStage(CoreStage& stage, const std::string& scene,
+                                                      const TakeChoice& choice) {
+    std::vector<interchange::Take> all = interchange::TakesOf(
+        stage.HasReplayCore() ? stage.AskCore({}).takes : std::vector<replay::TakeReport>());
+    if (all.empty()) throw Failure(scene + ": there is no take in it, and no node has keys");
+    for (const std::string& name : choice.names)
+        if (std::ranges::find(all, name, &interchange::Take::name) == all.end())
+            throw Failure(scene + ": there is no take " + Quoted(name) + " in it, but " +
+                          NamesOf(all));
+    std::vector<std::unique_ptr<ChosenTake>> chosen;
+    for (interchange::Take& take : all)
+        if (IsChosen(choice, take.name))
+            chosen.push_back(std::make_unique<ChosenTake>(std::move(take), choice.framesPerSecond));
+    return chosen;
+}
+
+}  // namespace headless
