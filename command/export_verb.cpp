@@ -24,6 +24,7 @@ namespace {
 
 using interchange::BvhChoice;
 using interchange::FrameDone;
+using interchange::GltfForm;
 using interchange::Loss;
 using interchange::MovingTake;
 
@@ -59,8 +60,19 @@ std::vector<Loss> WriteAsBvh(const std::vector<MovingTake>& takes, const BvhChoi
     return {interchange::WriteBvh(*only.take, *only.poses, choice, out, done)};
 }
 
+template <GltfForm form>
+std::vector<Loss> WriteAsGltf(const std::vector<MovingTake>& takes, const BvhChoice&,
+                              std::ostream& out, const FrameDone& done) {
+    std::vector<Loss> losses;
+    const std::string error = interchange::WriteGltf(takes, form, out, done, losses);
+    if (!error.empty()) throw Failure(error);
+    return losses;
+}
+
 constexpr std::array kFormats = {
     Format{".bvh", true, true, interchange::kBvhPasses, &WriteAsBvh},
+    Format{".glb", false, false, 1, &WriteAsGltf<GltfForm::kBinary>},
+    Format{".gltf", false, false, 1, &WriteAsGltf<GltfForm::kText>},
 };
 
 std::string Endings() {

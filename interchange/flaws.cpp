@@ -56,7 +56,9 @@ void FlawNotes::Look(std::size_t node, const TVL::CMatrix4& world, double second
     }
     const double skew = SkewOf(world);
     if (skew > kSeenShear) Tell(node, Flaw::kShear, skew, seconds);
-    if (TVL::Determinant(world) < 0) Tell(node, Flaw::kMirror, 1, seconds);
+    const double volume = TVL::Determinant(world);
+    if (volume < 0) Tell(node, Flaw::kMirror, 1, seconds);
+    if (volume == 0) Tell(node, Flaw::kFlat, 1, seconds);
 }
 
 std::vector<std::string> FlawNotes::Words(const std::vector<Flaw>& flaws) const {
@@ -65,7 +67,8 @@ std::vector<std::string> FlawNotes::Words(const std::vector<Flaw>& flaws) const 
         for (std::size_t node = 0; node < take_.nodes.size(); ++node) {
             const Note& note = notes_[kFlaws * node + static_cast<std::size_t>(flaw)];
             if (note.worst == 0) continue;
-            constexpr const char* kWhat[] = {"scale", "shear", "mirroring", "lost place"};
+            constexpr const char* kWhat[] = {"scale", "shear", "mirroring", "flatness",
+                                             "lost place"};
             const std::string most = ", most at " + Rounded(note.seconds) + " s (";
             std::string& line = words.emplace_back();
             line = std::string("the ") + kWhat[static_cast<std::size_t>(flaw)] + " of \"" +

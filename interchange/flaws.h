@@ -9,8 +9,8 @@
 namespace interchange {
 
 // What a world matrix does to a node beyond turning and moving it.
-enum class Flaw { kScale, kShear, kMirror, kNowhere };
-inline constexpr std::size_t kFlaws = 4;
+enum class Flaw { kScale, kShear, kMirror, kFlat, kNowhere };
+inline constexpr std::size_t kFlaws = 5;
 
 // Notes, through all frames, which nodes a file shows unlike they are, when first, and when most.
 class FlawNotes {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstddef>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -20,11 +20,14 @@ enum class GltfForm {
     kBinary,  // .glb
 };
 
-// The bytes of a glTF 2.0 file (Khronos Group, "glTF 2.0 Specification", 2021): the nodes of each
-// take with what they show, its camera with the lens of its first frame, and an animation of the
-// take's name, whose times are those of the scene. What stays as it is has no sampler. Empty if
-// `done` gave it up. `losses` gets an entry for each take.
-std::string GltfOf(const std::vector<MovingTake>& takes, GltfForm form, const FrameDone& done,
-                   std::vector<Loss>& losses);
+// Writes a glTF 2.0 file (Khronos Group, "glTF 2.0 Specification", 2021): the nodes of each take
+// with what they show, its camera with the lens of its first frame, and an animation of the take's
+// name, whose times are those of the scene. What stays as it is has no sampler. Of several takes
+// each has a node of its name, above its own. The frames are kept until they are written, in 4
+// bytes a number; `losses` gets an entry for each take. The result is empty, also if `done` gave it
+// up, or says in one line why there is no file; the stream's own state tells whether it could be
+// written.
+std::string WriteGltf(const std::vector<MovingTake>& takes, GltfForm form, std::ostream& out,
+                      const FrameDone& done, std::vector<Loss>& losses);
 
 }  // namespace interchange

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "interchange/take.h"
 #include "host/types.h"
+#include "interchange/take.h"
 #include "replay/report.h"
 
 // The takes of the running host's scene.

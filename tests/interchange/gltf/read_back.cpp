@@ -1,0 +1,96 @@
+#include "tests/interchange/gltf/read_back.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "platform/narrow_path.h"
+#include "platform/testing.h"
+
+namespace {
+
+// A channel with one key stands for the same value at all times.
+template <class Key>
+auto At(const Key* keys, unsigned count, std::size_t key) {
+    return keys[std::min<std::size_t>(key, count - 1)].mValue;
+}
+
+}  // namespace
+
+ReadBack::ReadBack(const std::string& file) {
+    const aiScene* const scene = importer_.ReadFile(file, 0);
+    if (!scene) throw std::runtime_error(importer_.GetErrorString());
+    for (unsigned i = 0; i < scene->mNumAnimations; ++i)
+        for (unsigned j = 0; j < scene->mAnimations[i]->mNumChannels; ++j) {
+            const aiNodeAnim* const channel = scene->mAnimations[i]->mChannels[j];
+            channels_[channel->mNodeName.C_Str()] = channel;
+        }
+    Add(*scene->mRootNode);
+}
+
+// Above several roots there is one that the file does not have.
+void ReadBack::Add(const aiNode& node) {
+    if (node.mName != aiString("ROOT")) nodes_.push_back(&node);
+    for (unsigned i = 0; i < node.mNumChildren; ++i)
+        Add(*node.mChildren[i]);
+}
+
+std::vector<std::string> ReadBack::Names() const {
+    std::vector<std::string> names;
+    for (const aiNode* node : nodes_)
+        names.emplace_back(node->mName.C_Str());
+    return names;
+}
+
+const aiNodeAnim* ReadBack::ChannelOf(const std::string& name) const {
+    const auto found = channels_.find(name);
+    return found == channels_.end() ? nullptr : found->second;
+}
+
+aiMatrix4x4 ReadBack::BesideParent(const aiNode& node, std::size_t key) const {
+    const aiNodeAnim* const channel = ChannelOf(node.mName.C_Str());
+    if (!channel) return node.mTransformation;
+    aiMatrix4x4 move, scale;
+    aiMatrix4x4::Translation(At(channel->mPositionKeys, channel->mNumPositionKeys, key), move);
+    aiMatrix4x4::Scaling(At(channel->mScalingKeys, channel->mNumScalingKeys, key), scale);
+    const aiQuaternion turn = At(channel->mRotationKeys, channel->mNumRotationKeys, key);
+    return move * aiMatrix4x4(turn.GetMatrix()) * scale;
+}
+
+std::array<double, 3> ReadBack::PlaceOf(std::size_t number, std::size_t key) const {
+    aiMatrix4x4 world;
+    for (const aiNode* node = nodes_.at(number); node; node = node->mParent)
+        world = BesideParent(*node, key) * world;
+    return {double{world.a4}, double{world.b4}, double{world.c4}};
+}
+
+std::vector<double> ReadBack::KeySeconds(std::size_t animation) const {
+    constexpr double kMillisecondsInSecond = 1000;  // in which they are given here
+    std::vector<double> seconds;
+    const aiAnimation& told = *Scene().mAnimations[animation];
+    for (unsigned i = 0; i < told.mNumChannels; ++i) {
+        const aiNodeAnim& channel = *told.mChannels[i];
+        if (channel.mNumRotationKeys <= seconds.size()) continue;
+        seconds.clear();
+        for (unsigned key = 0; key < channel.mNumRotationKeys; ++key)
+            seconds.push_back(channel.mRotationKeys[key].mTime / kMillisecondsInSecond);
+    }
+    return seconds;
+}
+
+std::string Findings([[maybe_unused]] const TemporaryFolder& folder,
+                     [[maybe_unused]] const std::vector<std::string>& files) {
+#if defined(NODE_MODULES)
+    if (!std::filesystem::exists(NODE_MODULES "/gltf-validator")) return {};
+    std::string words = VALIDATE " " NODE_MODULES;
+    for (const std::string& file : files)
+        words += ' ' + file;
+    const int status = platform::RunProgram({.program = NODE,
+                                             .arguments = platform::FromNarrow(words).native(),
+                                             .out = folder.Path() / "found",
+                                             .error = folder.Path() / "failed",
+                                             .folder = folder.Path()});
+    return ReadFile(folder.Path() / "found") + (status ? ReadFile(folder.Path() / "failed") : "");
+#else
+    return {};
+#endif
+}
