@@ -8,11 +8,12 @@
 
 namespace {
 
-constexpr double kNear = 1e-5;  // metres
+constexpr double kNear = 1e-5;         // metres
+constexpr double kNearlyAlike = 1e-6;  // what two quaternions' product may lack of 1: 0.2 degrees
 
 struct Sample {
     std::string node;
-    std::array<double, 3> place{};
+    std::array<double, 7> pose{};  // place, and turn as a quaternion x, y, z, w
 };
 
 // The rows of a file of samples, without its head.
@@ -27,7 +28,7 @@ std::vector<Sample> ReadSamples(const std::string& text) {
         std::string part;
         std::getline(parts, part, ',');
         std::getline(parts, sample.node, ',');
-        for (double& number : sample.place) {
+        for (double& number : sample.pose) {
             std::getline(parts, part, ',');
             number = std::stod(part);
         }
@@ -55,7 +56,7 @@ TEST_P(CaptureInGltf, HasEveryNodeWhereTheHostHasIt) {
     const std::vector<double> seconds = binary.KeySeconds(0);
     ASSERT_EQ(seconds.size(), frames);
     ASSERT_EQ(samples.size(), frames * names.size());
-    double furthest = 0, latest = 0, apart = 0;
+    double furthest = 0, unlike = 0, latest = 0, apart = 0;
     for (std::size_t i = 0; i < samples.size(); ++i) {
         const std::size_t frame = i / names.size();
         const std::size_t node = i % names.size();
@@ -63,12 +64,18 @@ TEST_P(CaptureInGltf, HasEveryNodeWhereTheHostHasIt) {
         const std::array<double, 3> place = binary.PlaceOf(node, frame);
         const std::array<double, 3> same = text.PlaceOf(node, frame);
         latest = std::max(latest, std::abs(seconds[frame] - step * static_cast<double>(frame)));
+        const std::array<double, 4> turn = binary.TurnOf(node, frame);
+        double product = 0;
+        for (std::size_t part = 0; part < 4; ++part)
+            product += turn[part] * samples[i].pose[3 + part];
+        unlike = std::max(unlike, 1 - std::abs(product));
         for (std::size_t axis = 0; axis < 3; ++axis) {
-            furthest = std::max(furthest, std::abs(place[axis] - samples[i].place[axis]));
+            furthest = std::max(furthest, std::abs(place[axis] - samples[i].pose[axis]));
             apart = std::max(apart, std::abs(place[axis] - same[axis]));
         }
     }
     EXPECT_LT(furthest, kNear);
+    EXPECT_LT(unlike, kNearlyAlike);
     EXPECT_LT(latest, step / 100);
     EXPECT_EQ(apart, 0);
     EXPECT_LT(told.at("furthestMetres").get<double>(), kNear / 2);

@@ -56,11 +56,23 @@ aiMatrix4x4 ReadBack::BesideParent(const aiNode& node, std::size_t key) const {
     return move * aiMatrix4x4(turn.GetMatrix()) * scale;
 }
 
-std::array<double, 3> ReadBack::PlaceOf(std::size_t number, std::size_t key) const {
+aiMatrix4x4 ReadBack::WorldOf(std::size_t number, std::size_t key) const {
     aiMatrix4x4 world;
     for (const aiNode* node = nodes_.at(number); node; node = node->mParent)
         world = BesideParent(*node, key) * world;
+    return world;
+}
+
+std::array<double, 3> ReadBack::PlaceOf(std::size_t node, std::size_t key) const {
+    const aiMatrix4x4 world = WorldOf(node, key);
     return {double{world.a4}, double{world.b4}, double{world.c4}};
+}
+
+std::array<double, 4> ReadBack::TurnOf(std::size_t node, std::size_t key) const {
+    aiVector3D scale, place;
+    aiQuaternion turn;
+    WorldOf(node, key).Decompose(scale, turn, place);
+    return {double{turn.x}, double{turn.y}, double{turn.z}, double{turn.w}};
 }
 
 std::vector<double> ReadBack::KeySeconds(std::size_t animation) const {

@@ -22,6 +22,9 @@ class ReadBack {
     // Where a node is in the world at a key of all animations, or, without keys, always.
     std::array<double, 3> PlaceOf(std::size_t node, std::size_t key) const;
 
+    // And how it is turned there, as a quaternion x, y, z, w.
+    std::array<double, 4> TurnOf(std::size_t node, std::size_t key) const;
+
     std::vector<double> KeySeconds(std::size_t animation) const;
 
     const aiScene& Scene() const { return *importer_.GetScene(); }
@@ -31,6 +34,7 @@ class ReadBack {
 
   private:
     void Add(const aiNode& node);
+    aiMatrix4x4 WorldOf(std::size_t node, std::size_t key) const;
     aiMatrix4x4 BesideParent(const aiNode& node, std::size_t key) const;
 
     Assimp::Importer importer_;
