@@ -188,6 +188,24 @@ TEST_F(OddTake, StandsStillWithoutAnAnimation) {
     EXPECT_LT(FurthestOf(3), 1e-6);
 }
 
+TEST_F(OddTake, StandsBesideAnotherBelowANodeOfItsName) {
+    interchange::Take other = Chain(2);
+    other.name = "other";
+    other.frameCount = 3;
+    MadePoses poses(PoseChain);
+    std::ofstream out(folder_.File("two.gltf"), std::ios::binary);
+    error_ = interchange::WriteGltf(
+        {{&take_, &poses}, {&other, &poses}}, interchange::GltfForm::kText, out,
+        [] { return true; }, losses_);
+    out.close();
+    const ReadBack both(folder_.File("two.gltf"));
+    EXPECT_EQ(both.Names(), (std::vector<std::string>{"chain", "joint 0", "joint 1", "joint 2",
+                                                      "joint 3", "other", "joint 0", "joint 1"}));
+    EXPECT_EQ(both.KeySeconds(0).size(), 65U);
+    EXPECT_EQ(both.KeySeconds(1).size(), 3U);
+    EXPECT_EQ(Findings(folder_, {"two.gltf"}), "");
+}
+
 TEST_F(OddTake, IsRefusedWhereItIsLargerThanAFileCanBe) {
     interchange::LocalMotion motion(take_, 65 * 4 * sizeof(float));
     std::vector<CMatrix4> world(4);
