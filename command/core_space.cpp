@@ -8,6 +8,7 @@
 #include "command/output.h"
 #include "host/time.h"
 #include "host/units.h"
+#include "replay/recording.h"
 
 namespace headless {
 namespace {
@@ -39,7 +40,7 @@ TimeValue NearestTime(double ticks) {
 }
 
 TimeValue AtSeconds(double seconds) {
-    return NearestTime(GetTicksPerFrame() * (GetFrameRate() * seconds));
+    return NearestTime(GetTicksPerFrame() * (GetFrameRate() * replay::HostSeconds(seconds)));
 }
 
 TimeValue CheckedTime(double seconds) {

@@ -36,10 +36,12 @@ namespace variable = replay::variable;
 
 // All that make up a request.
 constexpr std::array kRequestVariables = {
-    variable::kCaptures,    variable::kScale,  variable::kOptimised,    variable::kProgress,
-    variable::kMerge,       variable::kSample, variable::kSampleNodes,  variable::kInspect,
-    variable::kInspectTime, variable::kCsv,    variable::kFollowCamera, variable::kGround,
-    variable::kGuide,       variable::kTake,   variable::kReplace,      variable::kPartial};
+    variable::kCaptures, variable::kScale,       variable::kHeight,    variable::kFrom,
+    variable::kTo,       variable::kStart,       variable::kKeepRange, variable::kOptimised,
+    variable::kProgress, variable::kMerge,       variable::kSample,    variable::kSampleNodes,
+    variable::kInspect,  variable::kInspectTime, variable::kCsv,       variable::kFollowCamera,
+    variable::kGround,   variable::kGuide,       variable::kTake,      variable::kReplace,
+    variable::kPartial};
 
 // What a person typed to have the variable set.
 struct OptionOfVariable {
@@ -47,6 +49,10 @@ struct OptionOfVariable {
     const char* option;
 };
 constexpr std::array kOptions = {OptionOfVariable{variable::kScale, "--scale"},
+                                 OptionOfVariable{variable::kHeight, "--height"},
+                                 OptionOfVariable{variable::kFrom, "--from"},
+                                 OptionOfVariable{variable::kTo, "--to"},
+                                 OptionOfVariable{variable::kStart, "--start"},
                                  OptionOfVariable{variable::kSample, "--times"},
                                  OptionOfVariable{variable::kInspectTime, "--time"},
                                  OptionOfVariable{variable::kTake, "--take"},
@@ -77,17 +83,23 @@ std::size_t FindWord(const std::string& text, std::string_view word) {
     return place;
 }
 
-// The Core names variables, which a person knows as options. A line that begins with one says that
-// the Core could make no sense of it.
-[[noreturn]] void RefuseAsCore(std::string error) {
-    int status = kFailed;
+// The Core names variables, which a person knows as options.
+std::string WithOptions(std::string text) {
     for (const auto& [name, option] : kOptions) {
-        const std::size_t place = FindWord(error, name);
-        if (place == std::string::npos) continue;
-        error.replace(place, std::string_view(name).size(), option);
-        if (error.starts_with(option + std::string(": "))) status = kWrongUsage;
+        std::size_t place = FindWord(text, name);
+        for (; place != std::string::npos; place = FindWord(text, name))
+            text.replace(place, std::string_view(name).size(), option);
     }
-    throw Failure(error, status);
+    return text;
+}
+
+// A line that begins with an option says that the Core could make no sense of it.
+[[noreturn]] void RefuseAsCore(const std::string& error) {
+    const std::string told = WithOptions(error);
+    const bool isUsage = std::ranges::any_of(kOptions, [&](const OptionOfVariable& known) {
+        return told.starts_with(known.option + std::string(": "));
+    });
+    throw Failure(told, isUsage ? kWrongUsage : kFailed);
 }
 
 }  // namespace
@@ -199,6 +211,8 @@ replay::Report CoreStage::AskCore(const CoreRequest& request) {
         reported_.insert(reported_.end(), lines->begin(), lines->end());
     reported_.push_back(report->error);
     if (!report->error.empty()) RefuseAsCore(report->error);
+    for (replay::CaptureReport& capture : report->captures)
+        capture.error = WithOptions(std::move(capture.error));
     return *std::move(report);
 }
 

@@ -58,7 +58,7 @@ class CoreStage {
     void NeedReplayCore() const;
 
     // Presses the button that has the replay Core do its work. Variables that the request does not
-    // hold are taken away, but for that of the frames, for which the command has no option.
+    // hold are taken away.
     replay::Report AskCore(const CoreRequest& request);
 
     // The same, for a file that the Core writes; what is thrown names it by the name that it gets.

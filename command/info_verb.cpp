@@ -55,7 +55,7 @@ std::string Marks(const NodeInFile& node) {
     return marks;
 }
 
-using Row = std::array<std::string, 9>;
+using Row = std::vector<std::string>;
 
 std::vector<Row> Rows(const SceneFileView& file) {
     std::vector<Row> rows{
@@ -66,19 +66,6 @@ std::vector<Row> Rows(const SceneFileView& file) {
                         InTable(Named(node.controller)), std::to_string(node.keys.count),
                         KeyRange(file, node.keys), std::to_string(node.tagBytes), Marks(node)});
     return rows;
-}
-
-void PrintTable(std::ostream& out, const std::vector<Row>& rows) {
-    std::array<std::size_t, std::tuple_size_v<Row>> widths{};
-    for (const Row& row : rows)
-        for (std::size_t i = 0; i < row.size(); ++i)
-            widths[i] = std::max(widths[i], row[i].size());
-    for (const Row& row : rows) {
-        std::string line;
-        for (std::size_t i = 0; i < row.size(); ++i)
-            line += row[i] + std::string(widths[i] - row[i].size() + 2, ' ');
-        out << line.substr(0, line.find_last_not_of(' ') + 1) << '\n';
-    }
 }
 
 void PrintHost(std::ostream& out, const InfoResult& result) {

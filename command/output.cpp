@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <nlohmann/json.hpp>
 #include <ostream>
 
@@ -78,6 +79,25 @@ std::vector<std::string> LinesOf(std::string_view text) {
 std::string Plain(double number) {
     std::array<char, 32> text;
     return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
+}
+
+std::string Rounded(double number, int decimals) {
+    const double unit = std::pow(10.0, decimals);
+    const double rounded = std::round(number * unit) / unit;
+    return Plain(rounded == 0 ? 0 : rounded);
+}
+
+void PrintTable(std::ostream& out, const std::vector<std::vector<std::string>>& rows) {
+    std::vector<std::size_t> widths(rows.front().size());
+    for (const std::vector<std::string>& row : rows)
+        for (std::size_t i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths[i], row[i].size());
+    for (const std::vector<std::string>& row : rows) {
+        std::string line;
+        for (std::size_t i = 0; i < row.size(); ++i)
+            line += row[i] + std::string(widths[i] - row[i].size() + 2, ' ');
+        out << line.substr(0, line.find_last_not_of(' ') + 1) << '\n';
+    }
 }
 
 }  // namespace headless

@@ -46,4 +46,10 @@ std::vector<std::string> LinesOf(std::string_view text);
 // Without regard to the locale, and read back to the last bit.
 std::string Plain(double number);
 
+// For a person: with so many decimals at most, and none that is 0 at the end.
+std::string Rounded(double number, int decimals);
+
+// Rows of equally many cells, which stand below each other.
+void PrintTable(std::ostream& out, const std::vector<std::vector<std::string>>& rows);
+
 }  // namespace headless

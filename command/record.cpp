@@ -1,6 +1,7 @@
 #include "command/record.h"
 
 #include <algorithm>
+#include <cmath>
 #include <fstream>
 #include <iterator>
 
@@ -9,6 +10,7 @@
 #include "headless/primitives.h"
 #include "headless/scene_view.h"
 #include "host/interface.h"
+#include "host/time.h"
 #include "host/units.h"
 #include "platform/files.h"
 #include "platform/process.h"
@@ -38,14 +40,20 @@ std::uint32_t FindOrDrawGround(CoreStage& stage) {
 }
 
 CoreRequest RequestFor(CoreStage& stage, const RecordOptions& options) {
-    CoreRequest request{{variable::kCaptures, Lines(options.captures)},
-                        {variable::kScale, Plain(options.metresPerUnit)},
-                        {variable::kOptimised, options.optimisedController ? "1" : "0"},
-                        {variable::kFollowCamera, options.followsWithCamera ? "1" : "0"},
-                        {variable::kTake, Lines({options.take})},
-                        {variable::kReplace, options.replaces ? "1" : ""},
-                        {variable::kPartial, options.takesCutCaptures ? "1" : ""},
-                        {variable::kProgress, options.progress ? "1" : ""}};
+    CoreRequest request{
+        {variable::kCaptures, Lines(options.captures)},
+        {variable::kScale, Plain(options.metresPerUnit)},
+        {variable::kHeight, options.heightMetres > 0 ? Plain(options.heightMetres) : ""},
+        {variable::kFrom, options.from},
+        {variable::kTo, options.to},
+        {variable::kStart, options.start},
+        {variable::kKeepRange, options.keepsRange ? "1" : ""},
+        {variable::kOptimised, options.optimisedController ? "1" : "0"},
+        {variable::kFollowCamera, options.followsWithCamera ? "1" : "0"},
+        {variable::kTake, Lines({options.take})},
+        {variable::kReplace, options.replaces ? "1" : ""},
+        {variable::kPartial, options.takesCutCaptures ? "1" : ""},
+        {variable::kProgress, options.progress ? "1" : ""}};
     if (options.holdsToGround) request[variable::kGround] = std::to_string(FindOrDrawGround(stage));
     const std::vector<NodeView> nodes = Nodes();
     const auto shape = std::ranges::find(nodes, SHAPE_CLASS_ID, &NodeView::objectSuperClass);
@@ -63,13 +71,44 @@ void StartTrace(const std::string& path) {
 }
 
 SessionSettings SettingsFor(const RecordOptions& options) {
-    if (options.hostUnitsPerMetre == RecordOptions().hostUnitsPerMetre) return {};
-    return WithUnitsPerMetre(options.hostUnitsPerMetre);
+    SessionSettings settings;
+    if (options.hostUnitsPerMetre != RecordOptions().hostUnitsPerMetre)
+        settings = WithUnitsPerMetre(options.hostUnitsPerMetre);
+    if (!options.frameRate) return settings;
+    settings.ticksPerFrame = settings.ticksPerFrame * settings.frameRate / *options.frameRate;
+    settings.frameRate = *options.frameRate;
+    return settings;
+}
+
+// Keys stand at whole ticks.
+CaptureResult ResultOf(replay::CaptureReport report) {
+    constexpr double kOnTick = 1e-4;  // of a tick, beside it
+    CaptureResult result{.report = std::move(report)};
+    const replay::Recording& recording = result.report.recording;
+    const double ticksPerSecond = double{1} * GetTicksPerFrame() * GetFrameRate();
+    for (std::size_t frame = recording.firstFrame; frame < recording.endFrame; ++frame) {
+        const double ticks = ticksPerSecond * replay::HostSeconds(recording.Seconds(frame));
+        const double beside = std::abs(ticks - std::trunc(ticks));
+        if (beside < kOnTick) continue;
+        ++result.framesBetweenTicks;
+        result.mostBetweenSeconds = std::max(result.mostBetweenSeconds, beside / ticksPerSecond);
+    }
+    return result;
+}
+
+void LookAtTime(RecordResult& result) {
+    const double ticksPerSecond = double{1} * GetTicksPerFrame() * GetFrameRate();
+    const Interval range = GetCOREInterface()->GetAnimRange();
+    result.sceneRate = GetFrameRate();
+    result.sceneRange = {range.Start() / ticksPerSecond, range.End() / ticksPerSecond};
 }
 
 void ReportTake(replay::Report report, const RecordOptions& options, RecordResult& result) {
     if (report.captures.empty()) throw Failure("the Core reported no capture");
-    result.captures = std::move(report.captures);
+    for (replay::CaptureReport& capture : report.captures)
+        result.captures.push_back(ResultOf(std::move(capture)));
+    result.saidHeight = options.heightMetres;
+    LookAtTime(result);
     result.holdsToGround = options.holdsToGround;
     result.followsWithCamera = options.followsWithCamera;
     result.recordSeconds = report.recordSeconds;
@@ -92,11 +131,14 @@ void Save(CoreStage& stage, const RecordOptions& options, RecordResult& result) 
 
 // The times of the frames of the longest capture.
 std::string FrameTimes(const RecordResult& result) {
-    const auto length = [](const replay::CaptureReport& capture) {
-        return static_cast<double>(capture.frames - 1) * capture.frameSeconds;
+    const auto length = [](const CaptureResult& capture) {
+        const replay::Recording& recording = capture.report.recording;
+        return capture.IsRecorded() ? recording.LastSeconds() - recording.FirstSeconds() : -1;
     };
-    const replay::CaptureReport& longest = *std::ranges::max_element(result.captures, {}, length);
-    return "0:" + Plain(length(longest)) + ':' + Plain(longest.frameSeconds);
+    const replay::Recording& longest =
+        std::ranges::max_element(result.captures, {}, length)->report.recording;
+    return Plain(longest.FirstSeconds()) + ':' + Plain(longest.LastSeconds()) + ':' +
+           Plain(longest.frameSeconds);
 }
 
 // The frames of a faulty take can be at times of which no table is made.

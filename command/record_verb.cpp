@@ -1,11 +1,10 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <iomanip>
 #include <iostream>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <vector>
 
+#include "command/capture_files.h"
 #include "command/exit_status.h"
 #include "command/output.h"
 #include "command/record.h"
@@ -15,118 +14,6 @@
 #include "platform/process.h"
 
 namespace headless {
-namespace {
-
-const char* SameOrNot(bool identical) {
-    return identical ? "identical" : "NOT identical";
-}
-
-double FurthestMetres(const RecordResult& result) {
-    double furthest = 0;
-    for (const replay::CaptureReport& capture : result.captures)
-        furthest = std::max(furthest, capture.maxPositionErrorMetres);
-    return furthest;
-}
-
-void PrintCapture(std::ostream& out, const replay::CaptureReport& capture) {
-    const double seconds = static_cast<double>(capture.frames) * capture.frameSeconds;
-    out << "Recorded " << capture.path << ": " << Counted(capture.joints, "joint") << ", "
-        << Counted(capture.frames, "frame") << " (" << std::setprecision(1) << seconds
-        << " s of motion)";
-}
-
-void PrintLift(std::ostream& out, const replay::CaptureReport& capture) {
-    out << "Lifted onto the ground: " << Counted(capture.liftedFrames, "frame") << ", by "
-        << std::setprecision(1) << capture.maxLiftMetres * 100 << " cm at most\n";
-}
-
-void PrintLens(std::ostream& out, const replay::CaptureReport& capture) {
-    out << "Camera as written: field of view within " << std::setprecision(7)
-        << capture.maxFieldOfViewErrorDegrees << " degrees, target distance within "
-        << std::setprecision(4) << capture.maxTargetDistanceErrorMetres * 1000 << " mm\n";
-}
-
-void PrintKept(std::ostream& out, const replay::CaptureReport& capture) {
-    out << "Kept of the take before: its motion from " << std::setprecision(4)
-        << capture.kept->fromSeconds << " s to " << capture.kept->untilSeconds
-        << " s, behind the last frame (--replace leaves nothing of it)\n";
-}
-
-// A scene that is named and not saved is told among the complaints.
-void PrintNotSaved(std::ostream& out, const RecordResult& result) {
-    if (!result.saved.empty()) return;
-    out << (result.hasTables ? "The scene was not saved" : "Nothing was saved");
-    out << (result.isFaulty ? "\n" : ": -o FILE saves the scene\n");
-}
-
-nlohmann::ordered_json JsonOf(const RecordResult& result, const replay::CaptureReport& capture) {
-    nlohmann::ordered_json object = {{"capture", capture.path},
-                                     {"joints", capture.joints},
-                                     {"frames", capture.frames},
-                                     {"frameSeconds", capture.frameSeconds},
-                                     {"maxPositionErrorMetres", capture.maxPositionErrorMetres}};
-    if (result.holdsToGround) {
-        object["liftedFrames"] = capture.liftedFrames;
-        object["maxLiftMetres"] = capture.maxLiftMetres;
-    }
-    if (result.followsWithCamera) {
-        object["maxFieldOfViewErrorDegrees"] = capture.maxFieldOfViewErrorDegrees;
-        object["maxTargetDistanceErrorMetres"] = capture.maxTargetDistanceErrorMetres;
-    }
-    if (capture.kept) {
-        object["keptFromSeconds"] = capture.kept->fromSeconds;
-        object["keptUntilSeconds"] = capture.kept->untilSeconds;
-    }
-    return object;
-}
-
-}  // namespace
-
-void PrintForPerson(std::ostream& out, const RecordResult& result) {
-    out << std::fixed;
-    for (const replay::CaptureReport& capture : result.captures) {
-        PrintCapture(out, capture);
-        if (&capture != &result.captures.back()) out << '\n';
-    }
-    out << " in " << std::setprecision(2) << result.recordSeconds << " s\n";
-    PrintEach(out, kComplaint, result.complaints);
-    out << "In the scene: " << Counted(result.nodes, "node") << " with "
-        << Counted(result.keys, "key") << ", " << std::setprecision(1) << result.bytesPerKey
-        << " bytes each\n";
-    out << "Furthest from where it is meant to be: " << std::setprecision(4)
-        << FurthestMetres(result) * 1000 << " mm\n";
-    for (const replay::CaptureReport& capture : result.captures) {
-        if (result.holdsToGround) PrintLift(out, capture);
-        if (result.followsWithCamera) PrintLens(out, capture);
-        if (capture.kept) PrintKept(out, capture);
-    }
-    out << "Undo (" << Counted(result.undoSteps, "step") << "): scene "
-        << SameOrNot(result.undoIdentical) << " to before; redo: scene "
-        << SameOrNot(result.redoIdentical) << " to the recording\n";
-    out << "Left over after shutdown: " << Counted(result.hostObjectsAlive, "host object") << '\n';
-    TellSaved(out);
-    PrintNotSaved(out, result);
-}
-
-void PrintForProgram(std::ostream& out, const RecordResult& result) {
-    nlohmann::ordered_json object;
-    if (result.captures.size() == 1) object = JsonOf(result, result.captures.front());
-    object["nodes"] = result.nodes;
-    object["keys"] = result.keys;
-    object["undoSteps"] = result.undoSteps;
-    object["undoIdentical"] = result.undoIdentical;
-    object["redoIdentical"] = result.redoIdentical;
-    object["maxPositionErrorMetres"] = FurthestMetres(result);
-    object["bytesPerKey"] = result.bytesPerKey;
-    object["hostObjectsAlive"] = result.hostObjectsAlive;
-    object["recordSeconds"] = result.recordSeconds;
-    object["complaints"] = result.complaints;
-    object["saved"] = result.saved;
-    for (const replay::CaptureReport& capture : result.captures)
-        object["captures"].push_back(JsonOf(result, capture));
-    PrintJson(out, object);
-}
-
 namespace {
 
 struct RecordArguments {
@@ -147,19 +34,40 @@ void CheckFiles(const RecordOptions& options) {
     KeepApart({{"--into", options.into}}, tables);
 }
 
+// The host counts in ticks, and a frame is a whole number of them.
+void CheckRate(const RecordOptions& options) {
+    if (!options.frameRate) return;
+    const SessionSettings usual;
+    const int ticks = usual.frameRate * usual.ticksPerFrame;
+    CheckRange("--fps", *options.frameRate, {1, ticks});
+    if (ticks % *options.frameRate == 0) return;
+    int below = *options.frameRate;
+    while (ticks % below != 0)
+        --below;
+    int above = *options.frameRate;
+    while (ticks % above != 0)
+        ++above;
+    Refuse("--fps: a second of the host's has " + std::to_string(ticks) + " ticks, which " +
+           std::to_string(*options.frameRate) + " frames do not share out evenly; " +
+           std::to_string(below) + " and " + std::to_string(above) + " do");
+}
+
 void RunRecord(const RecordArguments& arguments) {
-    CheckFiles(arguments.options);
-    if (arguments.options.captures.size() > 1 && !arguments.options.csv.empty())
-        Refuse("--csv: the positions of several captures do not go into one file");
-    if (arguments.options.captures.size() > 1 && !arguments.options.take.empty())
-        Refuse("--take: several captures do not go into one take");
     RecordOptions options = arguments.options;
+    CheckRate(options);
+    options.captures = FilesOfCaptures(options.captures);
+    CheckFiles(options);
+    if (options.captures.size() > 1 && !options.csv.empty())
+        Refuse("--csv: the positions of several captures do not go into one file");
+    if (options.captures.size() > 1 && !options.take.empty())
+        Refuse("--take: several captures do not go into one take");
     options.optimisedController = !arguments.plainController;
     options.progress = platform::IsErrorStreamATerminal();
     ExpectFile(options.scene);
     const RecordResult result = Record(options);
     Print(std::cout, result, arguments.audience);
-    if (result.isFaulty) throw Ended{kFailed};
+    if (result.isFaulty || !std::ranges::all_of(result.captures, &CaptureResult::IsRecorded))
+        throw Ended{kFailed};
 }
 
 void AddTakeOptions(CLI::App& verb, RecordOptions& options) {
@@ -173,6 +81,34 @@ void AddTakeOptions(CLI::App& verb, RecordOptions& options) {
               "Keep feet from sinking into the node \"Ground\", which is drawn if there is none");
     AddSwitch(verb, "--follow-camera", options.followsWithCamera,
               "Let the camera follow the take, with keys of its lens");
+}
+
+void AddScale(CLI::App& verb, RecordOptions& options) {
+    CLI::Option* const scale =
+        AddSize(verb, "--scale", options.metresPerUnit,
+                "Metres in a unit of the captures: 1 for metres, 0.01 for centimetres, 0.0254 for "
+                "inches, 0.056444 for those of the CMU database")
+            ->capture_default_str();
+    AddSize(verb, "--height", options.heightMetres,
+            "Find the scale by the figure of the first capture: its height, in metres, in the "
+            "first frame that is recorded")
+        ->excludes(scale);
+}
+
+// Which part of the captures goes where in the scene's time.
+void AddTimes(CLI::App& verb, RecordOptions& options, CLI::Option* into) {
+    AddName(verb, "--from", options.from,
+            "The first frame to record, counted from 0, or its time as 2.5s")
+        ->type_name("FRAME");
+    AddName(verb, "--to", options.to, "The last frame to record, or its time")->type_name("FRAME");
+    AddName(verb, "--start", options.start,
+            "When the first frame is in the scene; if not said, when it is in the capture")
+        ->type_name("SECONDS");
+    AddWholeNumber(verb, "--fps", options.frameRate,
+                   "Frames in a second of the new scene, which has 30 if not said")
+        ->excludes(into);
+    AddSwitch(verb, "--keep-range", options.keepsRange,
+              "Leave the scene's range of time as it is, else it grows until it holds the takes");
 }
 
 void AddWrittenFiles(CLI::App& verb, RecordOptions& options) {
@@ -192,16 +128,19 @@ void AddRecordVerb(CLI::App& app) {
         AddVerb(app, kMaking, "record",
                 "Record motion captures into a new scene, or into one that is there. Then undo and "
                 "redo the recording, and tell whether the scene came back as it was.");
-    AddFiles(*verb, "CAPTURE", options.captures, "Motion capture files (.bvh)")->required();
+    AddFiles(*verb, "CAPTURE", options.captures,
+             "Motion capture files (.bvh), folders of them, or patterns as \"walk*.bvh\"")
+        ->required();
     AddWrittenFiles(*verb, options);
-    AddSize(*verb, "--scale", options.metresPerUnit, "Metres in a unit of the captures")
-        ->capture_default_str();
     CLI::Option* const units =
         AddSize(*verb, "--units", options.hostUnitsPerMetre, "Host units in a metre")
             ->capture_default_str();
-    AddFile(*verb, "--into", options.into,
-            "Record into this scene, in its own units; a guide object goes along its first shape")
-        ->excludes(units);
+    CLI::Option* const into = AddFile(
+        *verb, "--into", options.into,
+        "Record into this scene, in its own units; a guide object goes along its first shape");
+    into->excludes(units);
+    AddScale(*verb, options);
+    AddTimes(*verb, options, into);
     AddTakeOptions(*verb, options);
     AddSwitch(*verb, "--no-optimised-controller", arguments->plainController,
               "Record into the host's own controllers");

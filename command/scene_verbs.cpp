@@ -59,7 +59,7 @@ void PrintList(std::ostream& out, std::string_view title, const std::vector<std:
 // Paths, each once.
 std::vector<std::string> CapturesOf(const replay::TakeReport& take) {
     std::vector<std::string> captures;
-    for (const replay::RecordingReport& recording : take.recordings)
+    for (const replay::Recording& recording : take.recordings)
         if (std::ranges::find(captures, recording.capture) == captures.end())
             captures.push_back(recording.capture);
     return captures;

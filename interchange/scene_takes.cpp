@@ -30,8 +30,8 @@ double TicksPerSecond() {
 // The tick at which a Core finds the node at that time.
 TimeValue TickOf(double seconds) {
     constexpr double kMost = std::numeric_limits<TimeValue>::max();
-    return static_cast<TimeValue>(
-        std::clamp(GetTicksPerFrame() * (GetFrameRate() * seconds), -kMost, kMost));
+    const double ticks = GetTicksPerFrame() * (GetFrameRate() * replay::HostSeconds(seconds));
+    return static_cast<TimeValue>(std::clamp(ticks, -kMost, kMost));
 }
 
 // Host axes are Z up.
@@ -158,17 +158,11 @@ std::map<Handle, std::string> NamesOf(const replay::TakeReport& told,
 }
 
 // The span of all recordings, in the frames of the newest.
-void ReadSpan(const std::vector<replay::RecordingReport>& recordings, Take& take) {
-    const auto start = [](const replay::RecordingReport& recording) {
-        return recording.startSeconds +
-               static_cast<double>(recording.firstFrame) * recording.frameSeconds;
-    };
-    const auto end = [](const replay::RecordingReport& recording) {
-        return recording.startSeconds +
-               static_cast<double>(recording.endFrame - 1) * recording.frameSeconds;
-    };
-    const double last = end(*std::ranges::max_element(recordings, {}, end));
-    take.startSeconds = start(*std::ranges::min_element(recordings, {}, start));
+void ReadSpan(const std::vector<replay::Recording>& recordings, Take& take) {
+    const auto first = &replay::Recording::FirstSeconds;
+    const auto end = &replay::Recording::LastSeconds;
+    const double last = std::ranges::max_element(recordings, {}, end)->LastSeconds();
+    take.startSeconds = std::ranges::min_element(recordings, {}, first)->FirstSeconds();
     take.frameSeconds = std::max(recordings.back().frameSeconds, kShortestFrame);
     take.frameCount =
         static_cast<std::size_t>(std::llround((last - take.startSeconds) / take.frameSeconds)) + 1;

@@ -8,6 +8,8 @@
 #include <type_traits>
 #include <vector>
 
+#include "replay/recording.h"
+
 // What comes of a request to the replay Core, for the program that waits for it around the host. It
 // goes through a file of lines `key=value`, in the order and under the keys that Describe gives
 // them: the Core writes each field as it passes by, and whoever reads takes it in. A list is a line
@@ -62,17 +64,25 @@ struct NodeReport {
 };
 
 struct CaptureReport {
+    // What an animator looks at first: metres, Core space.
+    struct Figure {
+        double heightMetres = 0;    // in the first frame that was recorded, with tips of chains
+        NodeReport::Place start{};  // of its first joint in that frame
+        double furthestMetres = 0;  // that this joint gets from there
+    };
+
     // Of what the take held before, behind the last frame that was recorded now.
     struct Kept {
         double fromSeconds = 0;
         double untilSeconds = 0;
     };
 
-    std::string path;
+    Recording recording;  // now; of one that was not recorded the path alone says something
+    std::string error;    // why it was not, in one line that names it; the rest says nothing then
+
     std::string owner;  // the take that has its nodes
     std::size_t joints = 0;
-    std::size_t frames = 0;  // recorded now
-    double frameSeconds = 0;
+    Figure figure;
     std::size_t nodes = 0;         // of the take, in the scene
     std::size_t liftedFrames = 0;  // that were lifted onto the ground
     double maxLiftMetres = 0;
@@ -90,15 +100,6 @@ struct MergeReport {
     std::size_t nodes = 0;  // that the host brought in
 };
 
-// Frames of a capture that a take was recorded from.
-struct RecordingReport {
-    std::string capture;  // its path
-    double frameSeconds = 0;
-    double startSeconds = 0;     // in the scene, of the capture's frame 0
-    std::size_t firstFrame = 0;  // counted from the start of the capture
-    std::size_t endFrame = 0;    // behind the last one
-};
-
 struct TakeNodeReport {
     std::string name;      // by which the Core knows it
     std::string hostName;  // as the host shows it
@@ -106,18 +107,18 @@ struct TakeNodeReport {
 
 struct TakeReport {
     std::string name;
-    std::string parent;                       // the take that it belongs to; empty for none
-    std::vector<RecordingReport> recordings;  // the oldest first
-    std::vector<TakeNodeReport> nodes;        // in the scene
-    std::vector<std::string> missing;         // names of nodes that were not found there
+    std::string parent;                 // the take that it belongs to; empty for none
+    std::vector<Recording> recordings;  // the oldest first
+    std::vector<TakeNodeReport> nodes;  // in the scene
+    std::vector<std::string> missing;   // names of nodes that were not found there
 };
 
 struct Report {
-    std::string error;                  // one line; empty if all went well
-    std::vector<std::string> warnings;  // of what was done and is as it should be, a line each
-    std::vector<std::string> faults;    // of what was done and is not, a line each
-    std::vector<CaptureReport> captures;
-    double recordSeconds = 0;  // of the user's time, for all captures
+    std::string error;                    // one line; empty if all went well
+    std::vector<std::string> warnings;    // of what was done and is as it should be, a line each
+    std::vector<std::string> faults;      // of what was done and is not, a line each
+    std::vector<CaptureReport> captures;  // all that were asked for, in that order
+    double recordSeconds = 0;             // of the user's time, for all captures
     std::vector<MergeReport> merges;
     std::vector<NodeReport> looks;
     std::vector<TakeReport> takes;  // all that are in the scene when the work is done
@@ -176,6 +177,23 @@ void Describe(Fields& fields, NodeReport& node) {
 }
 
 template <class Fields>
+void Describe(Fields& fields, Recording& recording) {
+    fields("capture", recording.capture);
+    fields("metresPerUnit", recording.metresPerUnit);
+    fields("frameSeconds", recording.frameSeconds);
+    fields("startSeconds", recording.startSeconds);
+    fields("firstFrame", recording.firstFrame);
+    fields("endFrame", recording.endFrame);
+}
+
+template <class Fields>
+void Describe(Fields& fields, CaptureReport::Figure& figure) {
+    fields("heightMetres", figure.heightMetres);
+    fields("start", figure.start);
+    fields("furthestMetres", figure.furthestMetres);
+}
+
+template <class Fields>
 void Describe(Fields& fields, CaptureReport::Kept& kept) {
     fields("keptFromSeconds", kept.fromSeconds);
     fields("keptUntilSeconds", kept.untilSeconds);
@@ -183,11 +201,12 @@ void Describe(Fields& fields, CaptureReport::Kept& kept) {
 
 template <class Fields>
 void Describe(Fields& fields, CaptureReport& capture) {
-    fields("path", capture.path);
+    Describe(fields, capture.recording);
+    fields("error", capture.error);
+    if (!capture.error.empty()) return;
     fields("owner", capture.owner);
     fields("joints", capture.joints);
-    fields("frames", capture.frames);
-    fields("frameSeconds", capture.frameSeconds);
+    Describe(fields, capture.figure);
     fields("nodes", capture.nodes);
     fields("liftedFrames", capture.liftedFrames);
     fields("maxLiftMetres", capture.maxLiftMetres);
@@ -201,15 +220,6 @@ template <class Fields>
 void Describe(Fields& fields, MergeReport& merge) {
     fields("path", merge.path);
     fields("nodes", merge.nodes);
-}
-
-template <class Fields>
-void Describe(Fields& fields, RecordingReport& recording) {
-    fields("capture", recording.capture);
-    fields("frameSeconds", recording.frameSeconds);
-    fields("startSeconds", recording.startSeconds);
-    fields("firstFrame", recording.firstFrame);
-    fields("endFrame", recording.endFrame);
 }
 
 template <class Fields>

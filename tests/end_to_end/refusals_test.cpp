@@ -26,6 +26,13 @@ const Refusals kCalledWrongly = {
     {"record walk.bvh --scale -1", "--scale: "},
     {"record walk.bvh --scale 2e6", "--scale: "},
     {"record walk.bvh x.bvh --csv x", "--csv: "},
+    {"record walk.bvh --from 1,5", "--from: expected the number of a frame, or seconds as 2.5s"},
+    {"record walk.bvh --from 1 --to 0", "--to: expected nothing before 1, found '0'"},
+    {"record walk.bvh --start soon", "--start: expected a time in seconds, found 'soon'"},
+    {"record walk.bvh --height 0", "--height: 0 is not above 0"},
+    {"record walk.bvh --height 1 --scale 1", "--scale and --height do not go together"},
+    {"record walk.bvh --fps 7", "--fps: a second of the host's has 4800 ticks, which 7"},
+    {"record walk.bvh --fps 25 --into take", "--into and --fps do not go together"},
     {"record walk.bvh --units 100 --into take", "--units and --into do not go together"},
 
     {"info \"\"", "SCENE: the name of a file is empty"},
@@ -61,7 +68,11 @@ const Refusals kFailing = {
     {"record walk.bvh --trace nowhere/a", "nowhere/a: "},
     {"record walk.bvh --csv folder", "folder: it is no plain file"},
     {"record walk.bvh --poses table", "table: it is read-only"},
-    {"record walk.bvh absent.bvh --scene none", "absent.bvh"},
+    {"record absent.bvh cut.bvh --scene none", "absent.bvh: "},
+    {"record flat.bvh --height 2", "flat.bvh: the figure has no height in frame 0, by which --h"},
+    {"record walk.bvh --to 2", "walk.bvh: the capture has only 2 frames (0.05 s each)"},
+    {"record no*.bvh", "no*.bvh: no file has such a name"},
+    {"record folder", "folder: this folder holds no capture (.bvh)"},
     {"open take --save locked", "locked: the file cannot be written: it is read-only"},
     {"open take --save nowhere/a", "nowhere/a: "},
     {"inspect take --node Bal", "take: no node is called \"Bal\""},
@@ -71,6 +82,7 @@ const Refusals kFailing = {
 TEST_F(Command, RefusesInOneLineEachWhatCannotBeDoneAndChangesNoFile) {
     Write("walk.bvh", Walk(2));
     Write("cut.bvh", Walk(5).substr(0, Walk(5).size() - 8));
+    Write("flat.bvh", With(With(Walk(2), " -0.5 ", " 0 "), " -0.5 ", " 0 "));
     Do("record walk.bvh --scene take");
     std::string changed = Read("take");
     changed[changed.size() / 2] ^= 1;

@@ -35,6 +35,10 @@ std::vector<Retake> Retakes() {
             {shin, "--replace", {}, 0, 3, 10},
             {shin, "--take other", {}, 0, 6, 50},
             {root, "", {other + "below another node); "}, 1},
+            // Three of thirteen frames meet keys that are there.
+            {walk, "--from 7 --start 0.85", {over}, 0, 3, 60},
+            {walk, "--start 1", {}, 0, 3, 80},
+            {walk, "--start 0.3125", {"has its frames 0.0125 s beside those of the c", way}, 1},
             {finer, "", {"has a frame each 0.05 s (the capture each 0.025 s); ", way}, 1},
             {cut, "", {"the file ends after 20 of 21 frames; --partial "}, 1},
             {cut, "--partial", {over, "announced frames: 21, there are 20"}},

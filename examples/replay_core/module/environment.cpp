@@ -13,9 +13,6 @@
 namespace replay {
 namespace {
 
-// Whatever a capture holds then still fits into the host's single precision.
-constexpr double kMostMetresPerUnit = 1e6;
-
 std::string Variable(const char* name) {
     const char* const value = std::getenv(name);
     return value ? value : "";
@@ -41,28 +38,39 @@ class VariableReader {
   public:
     explicit VariableReader(Request& request) : request_(request) {}
 
-    void ReadScale() {
-        const std::string text = Variable(variable::kScale);
-        if (text.empty()) return;
-        const std::optional<double> scale = ParseNumber(text);
-        if (scale && *scale > 0 && *scale <= kMostMetresPerUnit)
-            request_.metresPerUnit = *scale;
-        else
-            Refuse(variable::kScale, "a number of metres above 0", text);
+    // Nothing if the variable is not set.
+    std::optional<double> ReadMetres(const char* name) {
+        const std::string text = Variable(name);
+        if (text.empty()) return std::nullopt;
+        const std::optional<double> metres = ParseNumber(text);
+        if (metres && *metres > 0 && *metres <= kMostMetresPerUnit) return metres;
+        Refuse(name, "a number of metres above 0", text);
+        return std::nullopt;
     }
 
-    void ReadFrames() {
-        const std::string text = Variable(variable::kFrames);
-        if (text.empty()) return;
-        const std::size_t colon = text.find(':');
-        const std::string_view whole = text;
-        const std::optional<std::size_t> first = ParseCount(whole.substr(0, colon));
-        const std::optional<std::size_t> end =
-            colon == std::string::npos ? std::nullopt : ParseCount(whole.substr(colon + 1));
-        if (first && end && *first < *end)
-            request_.frames = FrameRange{*first, *end};
-        else
-            Refuse(variable::kFrames, "two frame numbers A:B with A below B", text);
+    std::optional<double> ReadSeconds(const char* name) {
+        const std::string text = Variable(name);
+        if (text.empty()) return std::nullopt;
+        const std::optional<double> seconds = ParseNumber(text);
+        if (!seconds) Refuse(name, "a time in seconds", text);
+        return seconds;
+    }
+
+    void ReadPart() {
+        request_.part.from = ReadMoment(variable::kFrom);
+        request_.part.to = ReadMoment(variable::kTo);
+        const auto& [from, to] = request_.part;
+        if (from && to && from->isSeconds == to->isSeconds && to->number < from->number)
+            Refuse(variable::kTo, "nothing before " + Variable(variable::kFrom),
+                   Variable(variable::kTo));
+    }
+
+    std::optional<CaptureMoment> ReadMoment(const char* name) {
+        const std::string text = Variable(name);
+        if (text.empty()) return std::nullopt;
+        const std::optional<CaptureMoment> moment = ParseMoment(text);
+        if (!moment) Refuse(name, "the number of a frame, or seconds as 2.5s", text);
+        return moment;
     }
 
     // Nothing if the variable is not set, as for a handle.
@@ -100,11 +108,7 @@ class VariableReader {
             if (!handle) return Refuse(variable::kInspect, "numbers of nodes, one a line", line);
             request_.inspectedNodes.push_back(*handle);
         }
-        const std::string time = Variable(variable::kInspectTime);
-        if (time.empty()) return;
-        const std::optional<double> seconds = ParseNumber(time);
-        if (!seconds) return Refuse(variable::kInspectTime, "a time in seconds", time);
-        request_.inspectionSeconds = *seconds;
+        request_.inspectionSeconds = ReadSeconds(variable::kInspectTime).value_or(0);
     }
 
     // The places of several captures in one file could not be told apart, and each is a take.
@@ -139,8 +143,11 @@ Request ReadEnvironment() {
     request.sampledNodes = Lines(variable::kSampleNodes);
     reader.ReadInspect();
     reader.ReadCaptures();
-    reader.ReadScale();
-    reader.ReadFrames();
+    request.metresPerUnit = reader.ReadMetres(variable::kScale).value_or(request.metresPerUnit);
+    request.heightMetres = reader.ReadMetres(variable::kHeight);
+    reader.ReadPart();
+    request.startSeconds = reader.ReadSeconds(variable::kStart);
+    request.keepsRange = reader.ReadTruth(variable::kKeepRange).value_or(false);
     request.take = Variable(variable::kTake);
     request.replaces = reader.ReadTruth(variable::kReplace).value_or(false);
     request.takesCutCaptures = reader.ReadTruth(variable::kPartial).value_or(false);

@@ -6,11 +6,14 @@
 #include <vector>
 
 #include "replay/report.h"
-#include "replay_core/motion/motion.h"
+#include "replay_core/motion/capture_part.h"
 #include "replay_core/motion/pose.h"
 #include "replay_core/recorder/look.h"
 
 namespace replay {
+
+// Whatever a capture holds then still fits into the host's single precision.
+inline constexpr double kMostMetresPerUnit = 1e6;
 
 // What this Core is asked to do when its window is called for. A Core with a window of its own
 // would have the user choose; this one reads its process's environment, so that nothing of it
@@ -27,9 +30,13 @@ struct Request {
     std::vector<std::string> sampledNodes;  // the host's names; all nodes of the takes if empty
     double inspectionSeconds = 0;
     double metresPerUnit = kCmuMetresPerUnit;
-    std::optional<FrameRange> frames;  // of each capture; all of them if not said
-    std::string take;                  // the name of the capture's take; its file's if empty
-    bool replaces = false;             // the takes that are there
+    std::optional<double> heightMetres;  // of the first figure, which tells the scale instead
+    CapturePart part;                    // of each capture
+    std::optional<double> startSeconds;  // of the first frame in the scene; as in the capture if
+                                         // not said
+    bool keepsRange = false;             // of the scene
+    std::string take;                    // the name of the capture's take; its file's if empty
+    bool replaces = false;               // the takes that are there
     bool takesCutCaptures = false;
     std::string csv;     // empty for none
     std::string report;  // empty for none

@@ -4,13 +4,10 @@
 #include <iterator>
 #include <memory>
 #include <utility>
-#include <variant>
 
-#include "platform/narrow_path.h"
-#include "replay/request.h"
+#include "replay_core/module/capture_plan.h"
 #include "replay_core/module/replay_core.h"
 #include "replay_core/motion/numbers.h"
-#include "replay_core/motion/read_motion.h"
 #include "replay_core/recorder/into_take.h"
 #include "replay_core/recorder/look.h"
 #include "replay_core/recorder/read_back.h"
@@ -23,56 +20,8 @@
 namespace replay {
 namespace {
 
-std::string CaptureName(const std::string& path) {
-    return platform::ToNarrow(platform::FromNarrow(path).stem());
-}
-
 double SecondsSince(std::chrono::steady_clock::time_point start) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-// For a capture that cannot be read: what helps if it was only cut short.
-std::string CutHint(const std::string& path) {
-    const auto cut = ReadMotion(path, CutCapture::kTaken);
-    return std::holds_alternative<Motion>(cut)
-               ? "; " + std::string(variable::kPartial) + " has the frames before recorded"
-               : "";
-}
-
-// The result is empty, or says in one line why the capture cannot be recorded.
-std::string Plan(const std::string& path, const Request& request, PlannedTake& planned) {
-    const CutCapture cut = request.takesCutCaptures ? CutCapture::kTaken : CutCapture::kRefused;
-    std::variant<Motion, ReadError> read = ReadMotion(path, cut);
-    if (const ReadError* const error = std::get_if<ReadError>(&read))
-        return Describe(*error) + CutHint(path);
-    planned.capture = path;
-    planned.replaces = request.replaces;
-    planned.motion = std::get<Motion>(std::move(read));
-    const std::size_t frameCount = planned.motion.frameCount;
-    planned.frames = request.frames.value_or(FrameRange{0, frameCount});
-    if (planned.frames.end > frameCount)
-        return path + ": the capture has only " + std::to_string(frameCount) + " frames";
-    return {};
-}
-
-// Empty, or one line on why the capture does not go into the take that was found for it.
-std::string Misfit(const PlannedTake& planned) {
-    if (planned.replaces || !planned.take->IsThere()) return {};
-    const std::string why = WhyNotInto(*planned.take, planned.motion, planned.frames);
-    if (why.empty()) return {};
-    return planned.capture + ": the take \"" + planned.take->Name() + "\" in the scene " + why +
-           "; " + std::string(variable::kTake) + " names a take of its own, " + variable::kReplace +
-           " puts the capture in its place";
-}
-
-// What is lost of the take as it was; empty for nothing, or where it was asked for.
-std::string WrittenOver(const PlannedTake& planned) {
-    if (planned.replaces || !planned.take->IsThere()) return {};
-    const std::string lost =
-        CaptureWrittenOver(*planned.take, planned.capture, planned.motion, planned.frames);
-    if (lost.empty()) return {};
-    return planned.capture + ": written over what the take \"" + planned.take->Name() +
-           "\" held of " + lost;
 }
 
 // How far from where it is meant to be a joint may be read back.
@@ -86,18 +35,34 @@ std::string Millimetres(double metres) {
 // What a person has to know of a capture that was recorded.
 void Judge(const PlannedTake& planned, const RecordedTake& recorded, const ReadBack& readBack,
            Report& report) {
-    const std::string capture = planned.capture + ": ";
+    const std::string capture = planned.recording.capture + ": ";
     if (!planned.motion.oddity.empty()) report.warnings.push_back(capture + planned.motion.oddity);
     if (recorded.framesWithoutKey > 0)
         report.faults.push_back(
             capture + std::to_string(recorded.framesWithoutKey) + " of " +
-            std::to_string(recorded.frames.Count()) +
+            std::to_string(recorded.recording.FrameCount()) +
             " frames are at the time of another one for the host, and are lost");
     if (readBack.maxPositionErrorMetres > kToleratedErrorMetres)
         report.faults.push_back(capture + "a joint is " +
                                 Millimetres(readBack.maxPositionErrorMetres) +
                                 " from where it is meant to be, with " +
                                 Millimetres(kToleratedErrorMetres) + " tolerated");
+}
+
+void Tell(const PlannedTake& planned, const RecordedTake& recorded, CaptureReport& capture) {
+    capture.recording = recorded.recording;
+    capture.owner = planned.take->Name();
+    capture.joints = planned.motion.joints.size();
+    capture.nodes = planned.take->Book().Nodes().size();
+    capture.liftedFrames = recorded.lifts.LiftedFrames();
+    capture.maxLiftMetres = recorded.lifts.Most();
+}
+
+void Tell(const ReadBack& readBack, CaptureReport& capture) {
+    capture.figure = readBack.figure;
+    capture.maxPositionErrorMetres = readBack.maxPositionErrorMetres;
+    capture.maxFieldOfViewErrorDegrees = readBack.maxFieldOfViewErrorDegrees;
+    capture.maxTargetDistanceErrorMetres = readBack.maxTargetDistanceErrorMetres;
 }
 
 // Null if no file is wanted.
@@ -185,34 +150,23 @@ void ReplayCore::Inspect(const Request& request, Report& report) {
     report.looks = LookAtNodes(adaptor_, request.inspectedNodes, request.inspectionSeconds);
 }
 
-// Whatever can be found out before the scene is touched is found out first: a damaged capture, a
-// range beyond its end, a file of positions that cannot be opened, a take that is another one.
+// Whatever can be found out before the scene is touched is found out first: damaged captures, a
+// range beyond their end, a file of positions that cannot be opened, a take that is another one.
 void ReplayCore::Record(const Request& request, Report& report) {
-    std::vector<PlannedTake> plan(request.captures.size());
-    std::vector<std::string> names;
-    for (std::size_t i = 0; i < plan.size() && report.error.empty(); ++i) {
-        report.error = Plan(request.captures[i], request, plan[i]);
-        names.push_back(request.take.empty() ? CaptureName(request.captures[i]) : request.take);
-    }
+    std::vector<PlannedTake> plan = ReadCaptures(request, report);
     if (!report.error.empty()) return;
     const Scenery scenery(adaptor_, request.ground, request.guide);
     report.error = scenery.Error();
     if (!report.error.empty()) return;
     const std::unique_ptr<TextFile> csv = OpenCsv(request, report.error);
     if (!report.error.empty()) return;
-    const std::vector<Take*> takes = takes_.ForRecording(names);
-    for (std::size_t i = 0; i < plan.size() && report.error.empty(); ++i) {
-        plan[i].take = takes[i];
-        report.error = Misfit(plan[i]);
-        if (std::string lost = WrittenOver(plan[i]); !lost.empty())
-            report.warnings.push_back(std::move(lost));
-    }
+    FindTakes(request, takes_, plan, report);
     if (!report.error.empty()) return;
     plan.front().guide = scenery.Guide();
     RecordPlan(plan,
-               {.metresPerUnit = request.metresPerUnit,
-                .ground = scenery.Ground(),
+               {.ground = scenery.Ground(),
                 .followsWithCamera = request.followsWithCamera,
+                .keepsRange = request.keepsRange,
                 .showsProgress = request.showsProgress},
                csv.get(), report);
 }
@@ -225,32 +179,19 @@ void ReplayCore::RecordPlan(std::span<const PlannedTake> plan, const RecordSetti
     const RecordedTakes recorded = RecordTakes(adaptor_, plan, settings, recording_);
     report.recordSeconds = SecondsSince(start);
     report.error = recorded.error;
-    for (std::size_t i = 0; i < recorded.takes.size(); ++i) {
-        const PlannedTake& planned = plan[i];
-        report.captures.push_back({.path = planned.capture,
-                                   .owner = planned.take->Name(),
-                                   .joints = planned.motion.joints.size(),
-                                   .frames = recorded.takes[i].frames.Count(),
-                                   .frameSeconds = planned.motion.frameSeconds,
-                                   .nodes = planned.take->Book().Nodes().size(),
-                                   .liftedFrames = recorded.takes[i].lifts.LiftedFrames(),
-                                   .maxLiftMetres = recorded.takes[i].lifts.Most(),
-                                   .kept = {}});
-    }
+    const std::vector<CaptureReport*> reports = ReportsOf(plan, report);
+    for (std::size_t i = 0; i < recorded.takes.size(); ++i)
+        Tell(plan[i], recorded.takes[i], *reports[i]);
     if (!report.error.empty()) {
         adaptor_.SetCurrentTime(before);
         return;
     }
     adaptor_.ForceRedraw();
     for (std::size_t i = 0; i < plan.size() && report.error.empty(); ++i) {
-        const ReadBack readBack =
-            ReadTake(plan[i].motion, settings.metresPerUnit, recorded.takes[i], csv);
-        CaptureReport& capture = report.captures[i];
-        capture.maxPositionErrorMetres = readBack.maxPositionErrorMetres;
-        capture.maxFieldOfViewErrorDegrees = readBack.maxFieldOfViewErrorDegrees;
-        capture.maxTargetDistanceErrorMetres = readBack.maxTargetDistanceErrorMetres;
-        capture.kept = TailBehind(plan[i].take->Recordings(),
-                                  FrameTime(plan[i].motion, recorded.takes[i].frames.end - 1));
+        const ReadBack readBack = ReadTake(plan[i].motion, recorded.takes[i], csv);
+        Tell(readBack, *reports[i]);
+        reports[i]->kept =
+            TailBehind(plan[i].take->Recordings(), recorded.takes[i].recording.LastSeconds());
         report.error = readBack.error;
         Judge(plan[i], recorded.takes[i], readBack, report);
     }
@@ -264,12 +205,7 @@ std::vector<TakeReport> ReplayCore::TellTakes() const {
         TakeReport& entry = told.emplace_back();
         entry.name = take->Name();
         if (const Take* const parent = StoredParent(*take)) entry.parent = parent->Name();
-        for (const Recording& recording : take->Recordings())
-            entry.recordings.push_back({.capture = recording.capture,
-                                        .frameSeconds = recording.frameSeconds,
-                                        .startSeconds = recording.startSeconds,
-                                        .firstFrame = recording.firstFrame,
-                                        .endFrame = recording.endFrame});
+        entry.recordings = take->Recordings();
         for (TVL::CoreNode* const node : take->Book().Nodes())
             entry.nodes.push_back({.name = node->GetNodeName(), .hostName = node->GetName()});
         for (const StoredNode& missing : take->Missing())

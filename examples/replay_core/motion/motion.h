@@ -54,11 +54,6 @@ struct Motion {
     std::string oddity;          // in which the file is not as it should be, a line; empty for none
 };
 
-// Seconds from the start of the capture to a frame.
-inline double FrameTime(const Motion& motion, std::size_t frame) {
-    return static_cast<double>(frame) * motion.frameSeconds;
-}
-
 // Frames of a capture from `first` up to, but not including, `end`.
 struct FrameRange {
     std::size_t Count() const { return end - first; }

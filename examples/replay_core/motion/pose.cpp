@@ -1,5 +1,6 @@
 #include "replay_core/motion/pose.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -65,6 +66,25 @@ void EvaluatePose(const Motion& motion, std::size_t frame, double metresPerUnit,
         world[i] = LocalTransform(joint, values, metresPerUnit);
         if (joint.parent != kNoJoint) world[i] = world[i] * world[joint.parent];
     }
+}
+
+double HeightOf(const Motion& motion, double metresPerUnit, std::span<const TVL::CMatrix4> world) {
+    double lowest = world[0][3][1];
+    double highest = lowest;
+    const auto take = [&](double height) {
+        lowest = std::min(lowest, height);
+        highest = std::max(highest, height);
+    };
+    for (const TVL::CMatrix4& joint : world)
+        take(joint[3][1]);
+    for (const EndSite& end : motion.endSites) {
+        double height = world[end.joint][3][1];
+        for (int axis = 0; axis < 3; ++axis)
+            height += end.offset[static_cast<std::size_t>(axis)] * metresPerUnit *
+                      world[end.joint][axis][1];
+        take(height);
+    }
+    return highest - lowest;
 }
 
 }  // namespace replay

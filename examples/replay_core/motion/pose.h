@@ -26,4 +26,7 @@ TVL::CMatrix4 LocalTransform(const Joint& joint, std::span<const double> frame,
 void EvaluatePose(const Motion& motion, std::size_t frame, double metresPerUnit,
                   std::span<TVL::CMatrix4> world);
 
+// From the lowest to the highest of the joints and the end sites of such a pose.
+double HeightOf(const Motion& motion, double metresPerUnit, std::span<const TVL::CMatrix4> world);
+
 }  // namespace replay

@@ -25,7 +25,7 @@ TVL::CMatrix4 WorldTransformOf(TVL::CoreNode& node, double seconds) {
 class GroundAt {
   public:
     GroundAt(TVL::CoreNode& node, double seconds)
-        : mesh_(node, node.AcquireMeshSnapshot(seconds), &TVL::CoreNode::ReleaseMeshSnapshot),
+        : mesh_(node, seconds),
           toWorld_(WorldTransformOf(node, seconds)),
           toObject_(TVL::Inverse(toWorld_)) {}
 
@@ -42,7 +42,7 @@ class GroundAt {
     }
 
   private:
-    SnapshotLoan<TVL::CSnapshot_Mesh> mesh_;
+    MeshLoan mesh_;
     TVL::CMatrix4 toWorld_;
     TVL::CMatrix4 toObject_;
 };
@@ -84,13 +84,13 @@ double LiftFor(std::span<const TVL::CMatrix4> pose, std::span<const Sole> soles,
 
 }  // namespace
 
-Lifts LiftsOnto(TVL::CoreNode& ground, const Motion& motion, FrameRange frames,
-                double metresPerUnit, platform::ProgressLine& progress) {
-    const std::vector<Sole> soles = SolesOf(motion, metresPerUnit);
-    MeantPoses poses(motion, metresPerUnit, {});
-    Lifts lifts{.firstFrame = frames.first, .metres = {}};
-    for (std::size_t frame = frames.first; frame < frames.end; ++frame) {
-        const GroundAt now(ground, FrameTime(motion, frame));
+Lifts LiftsOnto(TVL::CoreNode& ground, const Motion& motion, const Recording& recording,
+                platform::ProgressLine& progress) {
+    const std::vector<Sole> soles = SolesOf(motion, recording.metresPerUnit);
+    MeantPoses poses(motion, recording.metresPerUnit, {});
+    Lifts lifts{.firstFrame = recording.firstFrame, .metres = {}};
+    for (std::size_t frame = recording.firstFrame; frame < recording.endFrame; ++frame) {
+        const GroundAt now(ground, recording.Seconds(frame));
         lifts.metres.push_back(LiftFor(poses.At(frame), soles, now));
         progress.Advance();
     }

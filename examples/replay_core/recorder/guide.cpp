@@ -71,8 +71,7 @@ std::string MakeGuide(TVL::AdaptorInterface& adaptor, Take& take, const std::str
                       TVL::CoreNode& shape, double hostUnitsPerMetre) {
     if (adaptor.FindNode(&take, name)) return {};
     const double seconds = adaptor.GetCurrentTime();
-    const SnapshotLoan curves(shape, shape.AcquireShapeSnapshot(seconds),
-                              &TVL::CoreNode::ReleaseShapeSnapshot);
+    const ShapeLoan curves(shape, seconds);
     const TransformLoan place(shape, seconds);
     if (!curves || !place) return "\"" + shape.GetName() + "\" is no shape to be guided by";
     take.Book().MakeRoom(1);

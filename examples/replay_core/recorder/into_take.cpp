@@ -84,39 +84,45 @@ class Comparison {
     std::set<std::string> missing_;
 };
 
-double LastSeconds(const Recording& recording) {
-    return static_cast<double>(recording.endFrame - 1) * recording.frameSeconds;
-}
+// What is less comes from rounding: the host has both at one tick (see HostSeconds).
+constexpr double kSameSeconds = 5e-10;
 
 // Whether a frame of the recording lies between the two times, on neither.
 bool HasFrameBetween(const Recording& recording, double first, double last) {
-    const double next = std::floor(first / recording.frameSeconds) + 1;
-    const double frame = std::max(next, static_cast<double>(recording.firstFrame));
-    return frame < static_cast<double>(recording.endFrame) && frame * recording.frameSeconds < last;
+    const double from = first + kSameSeconds - recording.startSeconds;
+    const double to = last - kSameSeconds - recording.startSeconds;
+    const double frame = std::max(std::floor(from / recording.frameSeconds) + 1,
+                                  static_cast<double>(recording.firstFrame));
+    return frame < static_cast<double>(recording.endFrame) && frame * recording.frameSeconds < to;
+}
+
+// By how much the frames of two recordings with frames of one length miss each other.
+double SecondsBeside(const Recording& one, const Recording& other) {
+    const double seconds = one.startSeconds - other.startSeconds;
+    return std::abs(std::remainder(seconds, one.frameSeconds));
 }
 
 }  // namespace
 
-std::string WhyNotInto(const Take& take, const Motion& motion, const FrameRange& frames) {
+std::string WhyNotInto(const Take& take, const Motion& motion, const Recording& recording) {
     const std::string difference = Comparison(take, motion).Difference();
     if (!difference.empty()) return "is another skeleton (it " + difference + ")";
-    const double first = FrameTime(motion, frames.first);
-    const double last = FrameTime(motion, frames.end - 1);
     for (const Recording& earlier : take.Recordings()) {
-        if (earlier.frameSeconds == motion.frameSeconds || !HasFrameBetween(earlier, first, last))
-            continue;
-        return "has a frame each " + NumberText(earlier.frameSeconds) + " s (the capture each " +
-               NumberText(motion.frameSeconds) + " s)";
+        if (!HasFrameBetween(earlier, recording.FirstSeconds(), recording.LastSeconds())) continue;
+        if (earlier.frameSeconds != recording.frameSeconds)
+            return "has a frame each " + NumberText(earlier.frameSeconds) +
+                   " s (the capture each " + NumberText(recording.frameSeconds) + " s)";
+        if (const double beside = SecondsBeside(earlier, recording); beside > kSameSeconds)
+            return "has its frames " + NumberText(beside) + " s beside those of the capture";
     }
     return {};
 }
 
-std::string CaptureWrittenOver(const Take& take, const std::string& path, const Motion& motion,
-                               const FrameRange& frames) {
+std::string CaptureWrittenOver(const Take& take, const Recording& recording) {
     const auto isWrittenOver = [&](const Recording& earlier) {
-        const double first = static_cast<double>(earlier.firstFrame) * earlier.frameSeconds;
-        return earlier.capture != path && first <= FrameTime(motion, frames.end - 1) &&
-               FrameTime(motion, frames.first) <= LastSeconds(earlier);
+        return earlier.capture != recording.capture &&
+               earlier.FirstSeconds() <= recording.LastSeconds() + kSameSeconds &&
+               recording.FirstSeconds() <= earlier.LastSeconds() + kSameSeconds;
     };
     const auto found = std::ranges::find_if(take.Recordings(), isWrittenOver);
     return found == take.Recordings().end() ? "" : found->capture;
@@ -126,9 +132,8 @@ std::optional<CaptureReport::Kept> TailBehind(std::span<const Recording> recordi
                                               double lastSeconds) {
     double until = lastSeconds;
     for (const Recording& recording : recordings)
-        if (recording.endFrame > recording.firstFrame)
-            until = std::max(until, LastSeconds(recording));
-    if (until == lastSeconds) return std::nullopt;
+        until = std::max(until, recording.LastSeconds());
+    if (until <= lastSeconds + kSameSeconds) return std::nullopt;
     return CaptureReport::Kept{lastSeconds, until};
 }
 

@@ -4,9 +4,9 @@
 #include <span>
 #include <string>
 
+#include "replay/recording.h"
 #include "replay/report.h"
 #include "replay_core/motion/motion.h"
-#include "replay_core/state/read_state.h"
 #include "replay_core/state/take.h"
 
 namespace replay {
@@ -18,12 +18,11 @@ namespace replay {
 // does. It has to be of the capture's skeleton: its nodes have the names of the joints and hang
 // below each other as they do, whatever else they hang below. And the frames have to meet the keys
 // of what was recorded before, or those would stand between them.
-std::string WhyNotInto(const Take& take, const Motion& motion, const FrameRange& frames);
+std::string WhyNotInto(const Take& take, const Motion& motion, const Recording& recording);
 
-// Another capture than the one of that path, whose frames in the take the frames are written over;
-// empty if there is none.
-std::string CaptureWrittenOver(const Take& take, const std::string& path, const Motion& motion,
-                               const FrameRange& frames);
+// Another capture, whose frames in the take those of the recording are written over; empty if there
+// is none.
+std::string CaptureWrittenOver(const Take& take, const Recording& recording);
 
 // What a take keeps, behind the last frame, of what was recorded before; nothing if that is
 // nothing.

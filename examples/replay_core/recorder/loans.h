@@ -1,11 +1,13 @@
 #pragma once
 
+#include "replay/recording.h"
 #include "tvl/node.h"
 #include "tvl/snapshot.h"
 
 namespace replay {
 
-// A snapshot of any kind for as long as a block lasts. Empty if the node lends none of the kind.
+// A snapshot of any kind for as long as a block lasts, at a time of the scene. Empty if the node
+// lends none of the kind.
 template <class Snapshot>
 class SnapshotLoan {
   public:
@@ -33,15 +35,30 @@ class SnapshotLoan {
 class TransformLoan : public SnapshotLoan<TVL::CSnapshot> {
   public:
     TransformLoan(TVL::CoreNode& node, double seconds)
-        : SnapshotLoan(node, node.AcquireSnapshot(seconds), &TVL::CoreNode::ReleaseSnapshot) {}
+        : SnapshotLoan(node, node.AcquireSnapshot(HostSeconds(seconds)),
+                       &TVL::CoreNode::ReleaseSnapshot) {}
 };
 
 // A lens snapshot on loan. Empty if the node is no camera.
 class LensLoan : public SnapshotLoan<TVL::CSnapshot_Lens> {
   public:
     LensLoan(TVL::CoreNode& node, double seconds)
-        : SnapshotLoan(node, node.AcquireLensSnapshot(seconds),
+        : SnapshotLoan(node, node.AcquireLensSnapshot(HostSeconds(seconds)),
                        &TVL::CoreNode::ReleaseLensSnapshot) {}
+};
+
+class MeshLoan : public SnapshotLoan<TVL::CSnapshot_Mesh> {
+  public:
+    MeshLoan(TVL::CoreNode& node, double seconds)
+        : SnapshotLoan(node, node.AcquireMeshSnapshot(HostSeconds(seconds)),
+                       &TVL::CoreNode::ReleaseMeshSnapshot) {}
+};
+
+class ShapeLoan : public SnapshotLoan<TVL::CSnapshot_Shape> {
+  public:
+    ShapeLoan(TVL::CoreNode& node, double seconds)
+        : SnapshotLoan(node, node.AcquireShapeSnapshot(HostSeconds(seconds)),
+                       &TVL::CoreNode::ReleaseShapeSnapshot) {}
 };
 
 }  // namespace replay

@@ -56,8 +56,7 @@ std::optional<NodeReport::Bounds> BoundsOf(std::span<const std::array<double, 3>
 }
 
 std::optional<NodeReport::Mesh> LookAtMesh(TVL::CoreNode& node, double seconds) {
-    const SnapshotLoan snapshot(node, node.AcquireMeshSnapshot(seconds),
-                                &TVL::CoreNode::ReleaseMeshSnapshot);
+    const MeshLoan snapshot(node, seconds);
     if (!snapshot) return std::nullopt;
     const TVL::CMesh mesh = snapshot->GetMesh();
     return NodeReport::Mesh{.vertices = mesh.vertices.size(),
@@ -77,8 +76,7 @@ std::optional<NodeReport::Lens> LookAtLens(TVL::CoreNode& node, double seconds) 
 
 // A snapshot may have been lent before, and is given back with the curve that was set on it then.
 std::optional<NodeReport::Shape> LookAtShape(TVL::CoreNode& node, double seconds) {
-    const SnapshotLoan snapshot(node, node.AcquireShapeSnapshot(seconds),
-                                &TVL::CoreNode::ReleaseShapeSnapshot);
+    const ShapeLoan snapshot(node, seconds);
     if (!snapshot) return std::nullopt;
     NodeReport::Shape shape;
     const int before = snapshot->GetCurve();

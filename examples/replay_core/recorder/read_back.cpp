@@ -1,5 +1,6 @@
 #include "replay_core/recorder/read_back.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <limits>
@@ -7,6 +8,7 @@
 #include <vector>
 
 #include "replay_core/motion/numbers.h"
+#include "replay_core/motion/pose.h"
 #include "replay_core/recorder/geometry.h"
 #include "replay_core/recorder/loans.h"
 #include "replay_core/recorder/meant_poses.h"
@@ -24,21 +26,21 @@ void Raise(double& largest, double error) {
 
 class PoseReader {
   public:
-    PoseReader(const Motion& motion, double metresPerUnit, const RecordedTake& recorded,
-               TextFile* csv)
+    PoseReader(const Motion& motion, const RecordedTake& recorded, TextFile* csv)
         : motion_(motion),
           recorded_(recorded),
           nodes_(recorded.nodes),
           csv_(csv),
-          poses_(motion, metresPerUnit, recorded.lifts) {
+          poses_(motion, recorded.recording.metresPerUnit, recorded.lifts) {
         for (TVL::CoreNode* node : nodes_.joints)
             names_.push_back(CsvField(node->GetNodeName()));
         if (csv_) csv_->Write("frame,seconds,joint,x,y,z\n");
     }
 
     void Read(std::size_t frame, ReadBack& result) {
-        const double seconds = FrameTime(motion_, frame);
+        const double seconds = recorded_.recording.Seconds(frame);
         const std::span<const TVL::CMatrix4> pose = poses_.At(frame);
+        Measure(frame, pose, result.figure);
         for (std::size_t joint = 0; joint < pose.size(); ++joint) {
             const TransformLoan snapshot(*nodes_.joints[joint], seconds);
             if (!snapshot) {
@@ -52,10 +54,19 @@ class PoseReader {
             if (csv_) WriteRow(frame, seconds, joint, place[3]);
         }
         if (!recorded_.camera.empty())
-            ReadLens(recorded_.camera[frame - recorded_.frames.first], seconds, result);
+            ReadLens(recorded_.camera[frame - recorded_.recording.firstFrame], seconds, result);
     }
 
   private:
+    void Measure(std::size_t frame, std::span<const TVL::CMatrix4> pose,
+                 CaptureReport::Figure& figure) const {
+        const Vector3 place = PlaceOf(pose.front());
+        if (frame == recorded_.recording.firstFrame)
+            figure = {HeightOf(motion_, recorded_.recording.metresPerUnit, pose), place};
+        figure.furthestMetres =
+            std::max(figure.furthestMetres, Length(Difference(place, figure.start)));
+    }
+
     void ReadLens(const CameraMoment& meant, double seconds, ReadBack& result) const {
         const LensLoan lens(*nodes_.camera, seconds);
         if (!lens) {
@@ -86,11 +97,11 @@ class PoseReader {
 
 }  // namespace
 
-ReadBack ReadTake(const Motion& motion, double metresPerUnit, const RecordedTake& recorded,
-                  TextFile* csv) {
+ReadBack ReadTake(const Motion& motion, const RecordedTake& recorded, TextFile* csv) {
     ReadBack result;
-    PoseReader reader(motion, metresPerUnit, recorded, csv);
-    for (std::size_t frame = recorded.frames.first; frame < recorded.frames.end; ++frame) {
+    PoseReader reader(motion, recorded, csv);
+    const Recording& recording = recorded.recording;
+    for (std::size_t frame = recording.firstFrame; frame < recording.endFrame; ++frame) {
         reader.Read(frame, result);
         if (!result.error.empty()) break;
     }

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "replay/report.h"
 #include "replay_core/motion/motion.h"
 #include "replay_core/recorder/record_take.h"
 #include "replay_core/recorder/text_file.h"
@@ -19,13 +20,14 @@ struct ReadBack {
     // The same for a camera that followed.
     double maxFieldOfViewErrorDegrees = 0;
     double maxTargetDistanceErrorMetres = 0;
+
+    CaptureReport::Figure figure;  // as it was meant to be
 };
 
 // Asks the host where the joints are, and what the camera's lens is. With a file, writes them into
 // it as comma-separated values (RFC 4180, with LF): `frame,seconds,joint,x,y,z`, a row for each
-// frame and joint, the time as frame × frame time, the place in Core space, metres. The file is the
+// frame and joint, the time that of the scene, the place in Core space, metres. The file is the
 // caller's to finish; null for none.
-ReadBack ReadTake(const Motion& motion, double metresPerUnit, const RecordedTake& recorded,
-                  TextFile* csv);
+ReadBack ReadTake(const Motion& motion, const RecordedTake& recorded, TextFile* csv);
 
 }  // namespace replay

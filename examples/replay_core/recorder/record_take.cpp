@@ -6,6 +6,7 @@
 
 #include "platform/progress_line.h"
 #include "replay_core/recorder/brackets.h"
+#include "replay_core/recorder/host_time.h"
 #include "replay_core/recorder/loans.h"
 #include "replay_core/recorder/scenery.h"
 #include "replay_core/recorder/take_camera.h"
@@ -36,18 +37,17 @@ class Running {
 // The work between the two brackets, with what it needs for every frame.
 class FrameWriter {
   public:
-    FrameWriter(const PlannedTake& planned, double metresPerUnit, const RecordedTake& recorded,
+    FrameWriter(const PlannedTake& planned, const RecordedTake& recorded,
                 const RecordingState& state)
-        : motion_(planned.motion),
-          firstFrame_(planned.frames.first),
+        : recording_(planned.recording),
           nodes_(recorded.nodes),
           camera_(recorded.camera),
           state_(state),
-          poses_(motion_, metresPerUnit, recorded.lifts) {}
+          poses_(planned.motion, recording_.metresPerUnit, recorded.lifts) {}
 
     // Empty, or why the frame is not whole.
     std::string Write(std::size_t frame) {
-        const double seconds = FrameTime(motion_, frame);
+        const double seconds = recording_.Seconds(frame);
         const std::span<const TVL::CMatrix4> pose = poses_.At(frame);
         if (state_.stopRequested) return Stopped(frame);
         if (scales_.empty()) Prepare(pose, seconds);
@@ -62,7 +62,8 @@ class FrameWriter {
         }
         if (state_.stopRequested) return Stopped(frame);
         if (!camera_.empty())
-            WriteMoment(*nodes_.camera, camera_[frame - firstFrame_], cameraScale_, seconds);
+            WriteMoment(*nodes_.camera, camera_[frame - recording_.firstFrame], cameraScale_,
+                        seconds);
         return {};
     }
 
@@ -80,8 +81,7 @@ class FrameWriter {
         if (nodes_.isCameraNew) PlaceCamera(*nodes_.camera, SurroundOf(pose), seconds);
     }
 
-    const Motion& motion_;
-    std::size_t firstFrame_;
+    const Recording& recording_;
     const TakeNodes& nodes_;
     const std::vector<CameraMoment>& camera_;
     const RecordingState& state_;
@@ -90,17 +90,18 @@ class FrameWriter {
     ObjectScale cameraScale_;
 };
 
-// Goes through the frames and moves the end of `recorded.frames` behind each that is whole. The
+// Goes through the frames and moves the end of `recorded.recording` behind each that is whole. The
 // result is empty, or says why it broke off.
 std::string WriteFrames(const PlannedTake& planned, const RecordSettings& settings,
                         const RecordingState& state, RecordedTake& recorded) {
-    FrameWriter writer(planned, settings.metresPerUnit, recorded, state);
+    const Recording& recording = planned.recording;
+    FrameWriter writer(planned, recorded, state);
     platform::ProgressLine progress(settings.showsProgress, "Recording " + planned.take->Name(),
-                                    platform::ProgressIn::kPercent, planned.frames.Count());
-    for (std::size_t frame = planned.frames.first; frame < planned.frames.end; ++frame) {
+                                    platform::ProgressIn::kPercent, recording.FrameCount());
+    for (std::size_t frame = recording.firstFrame; frame < recording.endFrame; ++frame) {
         std::string error = writer.Write(frame);
         if (!error.empty()) return error;
-        recorded.frames.end = frame + 1;
+        recorded.recording.endFrame = frame + 1;
         progress.Advance();
     }
     return {};
@@ -108,28 +109,27 @@ std::string WriteFrames(const PlannedTake& planned, const RecordSettings& settin
 
 // Whether all frames were written or the work broke off among them. What ended it can have taken
 // the camera out of the scene.
-void Conclude(const PlannedTake& planned, const RecordSettings& settings,
-              const RecordedTake& recorded) {
-    if (recorded.frames.Count() == 0) return;
+void Conclude(const PlannedTake& planned, const RecordedTake& recorded) {
+    if (recorded.recording.FrameCount() == 0) return;
     if (!recorded.camera.empty() && planned.take->Book().Has(recorded.nodes.camera))
-        SettleLens(*recorded.nodes.camera, FrameTime(planned.motion, recorded.frames.end - 1));
-    planned.take->Note({planned.capture, settings.metresPerUnit, planned.motion.frameSeconds,
-                        recorded.frames.first, recorded.frames.end});
+        SettleLens(*recorded.nodes.camera, recorded.recording.LastSeconds());
+    planned.take->Note(recorded.recording);
 }
 
 // What goes beyond the capture itself.
 void PlanFrames(const PlannedTake& planned, const RecordSettings& settings,
                 RecordedTake& recorded) {
     const Motion& motion = planned.motion;
+    const Recording& recording = planned.recording;
     if (settings.ground) {
         platform::ProgressLine progress(settings.showsProgress, "Finding the ground",
-                                        platform::ProgressIn::kPercent, planned.frames.Count());
-        recorded.lifts =
-            LiftsOnto(*settings.ground, motion, planned.frames, settings.metresPerUnit, progress);
+                                        platform::ProgressIn::kPercent, recording.FrameCount());
+        recorded.lifts = LiftsOnto(*settings.ground, motion, recording, progress);
     }
     if (!settings.followsWithCamera) return;
-    MeantPoses poses(motion, settings.metresPerUnit, recorded.lifts);
-    recorded.camera = FollowTake(motion, planned.frames, poses, recorded.nodes.hostUnitsPerMetre);
+    MeantPoses poses(motion, recording.metresPerUnit, recorded.lifts);
+    recorded.camera = FollowTake(motion, {recording.firstFrame, recording.endFrame}, poses,
+                                 recorded.nodes.hostUnitsPerMetre);
 }
 
 // The result is empty, or says why there is no guide object.
@@ -140,53 +140,27 @@ std::string MakeGuideOf(TVL::AdaptorInterface& adaptor, const PlannedTake& plann
                      nodes.hostUnitsPerMetre);
 }
 
-// What every host keeps apart, and for how long: milliseconds, for a day.
-constexpr double kShortest = 0.001;
-constexpr double kLongest = 24 * 60 * 60;
-
-double HostTime(TVL::AdaptorInterface& adaptor, double seconds) {
-    adaptor.SetCurrentTime(seconds);
-    return adaptor.GetCurrentTime();
-}
-
-// How many of the frames the host has at the very time of the frame before, since it works in whole
-// ticks and its time has an end: of such frames only the last one keeps a key. Where that can be,
-// the host's time goes through the frames.
-std::size_t FramesWithoutKey(TVL::AdaptorInterface& adaptor, const Motion& motion,
-                             const FrameRange& frames) {
-    const bool areApart =
-        motion.frameSeconds >= kShortest && FrameTime(motion, frames.end) <= kLongest;
-    if (areApart) return 0;
-    std::size_t without = 0;
-    double before = HostTime(adaptor, FrameTime(motion, frames.first));
-    for (std::size_t frame = frames.first + 1; frame < frames.end; ++frame) {
-        const double time = HostTime(adaptor, FrameTime(motion, frame));
-        if (time == before) ++without;
-        before = time;
-    }
-    return without;
-}
-
 // The work for one take inside the undo group. The result is empty, or says why it broke off.
 std::string RecordTake(TVL::AdaptorInterface& adaptor, const PlannedTake& planned,
                        const RecordSettings& settings, RecordingState& state,
                        RecordedTake& recorded) {
-    const FrameRange frames = planned.frames;
-    recorded.frames = {frames.first, frames.first};
+    const Recording& recording = planned.recording;
+    recorded.recording = recording;
+    recorded.recording.endFrame = recording.firstFrame;
     recorded.nodes =
-        FindOrMakeNodes(adaptor, planned.motion, settings.metresPerUnit, *planned.take);
+        FindOrMakeNodes(adaptor, planned.motion, recording.metresPerUnit, *planned.take);
     if (!recorded.nodes.error.empty()) return recorded.nodes.error;
-    recorded.framesWithoutKey = FramesWithoutKey(adaptor, planned.motion, frames);
+    recorded.framesWithoutKey = FramesWithoutKey(adaptor, recording);
 
     // The keys of the present pose that a recording begins with then fall on the first frame.
-    adaptor.SetCurrentTime(FrameTime(planned.motion, frames.first));
+    GoTo(adaptor, recording.FirstSeconds());
     std::string guideError = MakeGuideOf(adaptor, planned, recorded.nodes, state);
     if (!guideError.empty()) return guideError;
     const RecordingBracket bracket(adaptor, *planned.take);
     if (bracket.Status() != 0) return Refused("the host begins no recording now", bracket.Status());
     PlanFrames(planned, settings, recorded);
     std::string error = WriteFrames(planned, settings, state, recorded);
-    Conclude(planned, settings, recorded);
+    Conclude(planned, recorded);
     return error;
 }
 
@@ -211,8 +185,10 @@ RecordedTakes RecordTakes(TVL::AdaptorInterface& adaptor, std::span<const Planne
         if (planned.replaces) planned.take->StartAnew();
     const Running running(state);
     for (const PlannedTake& planned : plan) {
-        recorded.error =
-            RecordTake(adaptor, planned, settings, state, recorded.takes.emplace_back());
+        RecordedTake& take = recorded.takes.emplace_back();
+        recorded.error = RecordTake(adaptor, planned, settings, state, take);
+        const bool isThere = planned.take->IsThere() && take.recording.FrameCount() > 0;
+        if (isThere && !settings.keepsRange) HoldInRange(adaptor, take.recording);
         if (!recorded.error.empty()) break;
     }
     if (recorded.error.empty() || state.stopRequested) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "replay/recording.h"
 #include "replay_core/motion/motion.h"
 #include "replay_core/recorder/meant_poses.h"
 #include "replay_core/recorder/take_camera.h"
@@ -22,25 +23,24 @@ struct RecordingState {
 };
 
 struct RecordSettings {
-    double metresPerUnit = 1;         // of the captures
     TVL::CoreNode* ground = nullptr;  // on which feet are held, the caller's; null for none
     bool followsWithCamera = false;   // else a new camera is placed once, and any other stays
+    bool keepsRange = false;          // of the scene; else it grows until it holds the takes
     bool showsProgress = false;
 };
 
 // What is to be recorded: some frames of a capture onto a take.
 struct PlannedTake {
-    std::string capture;  // its path
+    Recording recording;
     Motion motion;
-    FrameRange frames;
     Take* take = nullptr;
     bool replaces = false;           // leaves nothing of what the take was before
     TVL::CoreNode* guide = nullptr;  // the shape that a guide object goes along; null for none
 };
 
 struct RecordedTake {
-    // The frames that are in the scene now, all that were planned unless something went wrong.
-    FrameRange frames;
+    // With the frames that are in the scene now, all that were planned unless something went wrong.
+    Recording recording;
     TakeNodes nodes;
 
     std::size_t framesWithoutKey = 0;  // keys that the host has at the time of another

@@ -12,14 +12,12 @@ FoundNodes Find(TVL::AdaptorInterface& adaptor, const std::optional<std::uint32_
 }
 
 bool HasSurface(TVL::CoreNode& node, double seconds) {
-    const SnapshotLoan mesh(node, node.AcquireMeshSnapshot(seconds),
-                            &TVL::CoreNode::ReleaseMeshSnapshot);
+    const MeshLoan mesh(node, seconds);
     return mesh && mesh->GetMesh().FaceCount() > 0;
 }
 
 bool HasCurves(TVL::CoreNode& node, double seconds) {
-    const SnapshotLoan shape(node, node.AcquireShapeSnapshot(seconds),
-                             &TVL::CoreNode::ReleaseShapeSnapshot);
+    const ShapeLoan shape(node, seconds);
     return shape && shape->GetCurveCount() > 0;
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/progress_line.h"
+#include "replay/recording.h"
 #include "replay_core/motion/motion.h"
 #include "replay_core/recorder/meant_poses.h"
 #include "replay_core/state/claim_nodes.h"
@@ -40,8 +41,8 @@ class Scenery {
 // as beyond the edge, the figure stays as it is.
 // To be called inside the recording, so that the adaptor has the host convert the ground once for
 // all frames, unless the option of dynamic meshes wants it as it is in each.
-Lifts LiftsOnto(TVL::CoreNode& ground, const Motion& motion, FrameRange frames,
-                double metresPerUnit, platform::ProgressLine& progress);
+Lifts LiftsOnto(TVL::CoreNode& ground, const Motion& motion, const Recording& recording,
+                platform::ProgressLine& progress);
 
 // Puts a guide object of the take's, under that name, where a shape of the scene stands: a ribbon
 // of arrows along each of its curves, about one every quarter of a metre, that point the way of the

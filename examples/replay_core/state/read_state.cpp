@@ -19,12 +19,16 @@ bool IsElement(const XMLNode& node, const char* name) {
     return node.kind == XMLNode::kElement && node.name == name;
 }
 
+// No capture that was ever in memory has more.
+constexpr std::size_t kMostFrames = 1'000'000'000'000;
+
 std::optional<Recording> ReadRecording(const XMLNode& element) {
     const std::optional<double> metres = ParseNumber(StoredText(element, form::kMetresPerUnit));
     const std::optional<double> seconds = ParseNumber(StoredText(element, form::kFrameSeconds));
     const std::optional<std::size_t> first = ParseCount(StoredText(element, form::kFirstFrame));
     const std::optional<std::size_t> end = ParseCount(StoredText(element, form::kEndFrame));
     if (!metres || !seconds || !first || !end) return std::nullopt;
+    if (!(*seconds > 0) || *first >= *end || *end > kMostFrames) return std::nullopt;
     const std::optional<double> start = ParseNumber(StoredText(element, form::kStartSeconds));
     return Recording{.capture = StoredText(element, form::kCapture),
                      .metresPerUnit = *metres,

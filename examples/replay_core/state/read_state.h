@@ -4,21 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "replay/recording.h"
 #include "tvl/xml_node.h"
 
 namespace replay {
-
-// Where the keys of a take come from: some frames of a capture, as they were recorded.
-struct Recording {
-    std::string capture;         // its path
-    double metresPerUnit = 1;    // of the capture
-    double frameSeconds = 0;     // from one frame to the next
-    std::size_t firstFrame = 0;  // counted from the start of the capture
-    std::size_t endFrame = 0;    // behind the last one
-    double startSeconds = 0;     // in the scene, of the capture's frame 0
-
-    friend bool operator==(const Recording&, const Recording&) = default;
-};
 
 struct StoredNode {
     std::string name;

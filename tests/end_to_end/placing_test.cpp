@@ -1,0 +1,111 @@
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "platform/process.h"
+#include "replay/request.h"
+#include "tests/end_to_end/command.h"
+
+// Which part of a capture comes to be where in a scene, how large, and what an animator is told of
+// that.
+
+namespace {
+
+constexpr double kNone = -1;
+
+struct Placing {
+    std::string capture;
+    std::string options;
+    double frames;
+    double firstSeconds;  // in the scene
+    double lastSeconds;
+    double height = 1;
+    double furthest = 3.9;
+    double rangeEnd = 100 / 30.0;  // the host's own
+    double between = 0;            // ticks
+    double likely = kNone;         // metres in a unit
+};
+
+std::vector<Placing> Placings() {
+    const std::string walk = Walk(40);
+    const std::string longWalk = Walk(200);
+    const std::string uneven = With(Walk(10), "0.05", "0.0137");
+    const double turned = std::cos(7 * std::numbers::pi / 180);  // in frame 7
+    const double cmu = 0.056444;
+    return {
+        {walk, "--scale 1", 40, 0, 1.95},
+        {longWalk, "--scale 1", 200, 0, 9.95, 1, 19.9, 299 / 30.0},
+        {longWalk, "--scale 1 --keep-range", 200, 0, 9.95, 1, 19.9},
+        {walk, "--scale 1 --from 7 --to 1.5s", 24, 0.35, 1.5, turned, 2.3},
+        {walk, "--scale 1 --from 0.31s --to 30 --start 10", 24, 10, 11.15, turned, 2.3, 335 / 30.0},
+        {walk, "--scale 1 --to 0 --start 0.5", 1, 0.5, 0.5, 1, 0},
+        {walk, "--scale 1 --start -0.5", 40, -0.5, 1.45},
+        {walk, "--scale 1 --fps 24 --start 10", 40, 10, 11.95, 1, 3.9, 287 / 24.0},
+        {uneven, "--scale 1", 10, 0, 0.1233, 1, 0.9, 100 / 30.0, 9},
+        {walk, "", 40, 0, 1.95, cmu, 3.9 * cmu, 100 / 30.0, 0, 1},
+        {walk, "--scale 3.5", 40, 0, 1.95, 3.5, 3.9 * 3.5, 100 / 30.0, 0, 1},
+        {walk, "--height 1.75 --from 7", 33, 0.35, 1.95, 1.75, 3.2 * 1.75 / turned},
+        {walk, "--height 4", 40, 0, 1.95, 4, 3.9 * 4}};
+}
+
+// What the environment says of another part reaches nobody who did not ask for one.
+TEST_F(Command, RecordsThePartThatIsMeantWhereItIsMeantAndSaysSo) {
+    namespace variable = replay::variable;
+    platform::SetVariable(variable::kTo, "3");
+    platform::SetVariable(variable::kKeepRange, "1");
+    for (const Placing& placing : Placings()) {
+        SCOPED_TRACE(placing.options);
+        Write("walk.bvh", placing.capture);
+        const Json told = Ask("record walk.bvh -o take --poses poses " + placing.options);
+        const auto expect = [&](const char* key, double value) {
+            EXPECT_NEAR(told.value(key, kNone), value, 1e-9) << key;
+        };
+        expect("frames", placing.frames);
+        expect("firstSeconds", placing.firstSeconds);
+        expect("lastSeconds", placing.lastSeconds);
+        expect("heightMetres", placing.height);
+        expect("furthestMetres", placing.furthest);
+        expect("framesBetweenTicks", placing.between);
+        expect("likelyMetresPerUnit", placing.likely);
+        EXPECT_NEAR(told["rangeSeconds"][0], std::min(placing.firstSeconds, 0.0), 1e-9);
+        EXPECT_NEAR(told["rangeSeconds"][1], placing.rangeEnd, 1e-9);
+        EXPECT_EQ(Line(told, {"undoSteps", "undoIdentical", "redoIdentical"}), "1 true true");
+        EXPECT_LT(told["maxPositionErrorMetres"], 1e-6);
+        // The poses that the scene has at those times.
+        const std::string poses = Read("poses");
+        EXPECT_EQ(std::ranges::count(poses, '\n'), 3 * placing.frames + 1);
+        const std::string first = poses.substr(poses.find('\n') + 1);
+        EXPECT_NEAR(std::stod(first), placing.firstSeconds, 1e-9) << first;
+    }
+    for (const char* const name : {variable::kTo, variable::kKeepRange})
+        platform::SetVariable(name, "");
+}
+
+TEST_F(Command, RecordsAllCapturesOfAFolderOrAPatternThatCanBe) {
+    std::filesystem::create_directories(File("caps/below.bvh"));
+    for (const char* const name : {"caps/b.bvh", "caps/a.BVH", "caps/c.txt", "caps/.d.bvh"})
+        Write(name, Walk(20));
+    Write("caps/ab.bvh", Walk(20) + "1 2\n1 2\n");
+    const auto captures = [](const Json& told) {
+        std::string text;
+        for (const Json& capture : told["captures"])
+            text += capture.value("take", capture.value("error", "").substr(0, 16)) + ' ';
+        return text;
+    };
+    const Ending ending = Run("record caps -o all.scene --scale 1 --json");
+    EXPECT_EQ(ending.status, 1) << ending.error;
+    const Json told = Json::parse(ending.out);
+    EXPECT_EQ(captures(told), "a caps/ab.bvh:36:  b ");
+    EXPECT_EQ(Line(told, {"nodes", "keys", "undoSteps", "saved"}), "6 80 1 \"all.scene\"");
+    EXPECT_EQ(captures(Ask("record caps/?.* --scale 1")), "a b c ");
+    EXPECT_EQ(captures(Ask("record caps/*b.bvh caps/c.txt --partial --scale 1")), "ab b c ");
+
+    const Ending read = Run("record caps --into all.scene --scale 0.01");
+    EXPECT_EQ(read.status, 1);
+    for (const char* const part :
+         {"Recorded 2 of 3 captures in ", "  0.01 m (--scale 1?)  ",
+          "Not recorded: caps/ab.bvh:", "Nothing was saved: -o FILE saves the scene\n"})
+        EXPECT_NE(read.out.find(part), std::string::npos) << read.out;
+}
+
+}  // namespace
