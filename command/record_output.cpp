@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <iomanip>
 #include <limits>
@@ -7,6 +6,7 @@
 #include <ostream>
 #include <vector>
 
+#include "command/likely_unit.h"
 #include "command/output.h"
 #include "command/record.h"
 #include "command/written_files.h"
@@ -26,36 +26,18 @@ double FurthestMetres(const RecordResult& result) {
     return furthest;
 }
 
-// What captures count in.
-struct Unit {
-    double metres;
-    const char* name;
-};
-constexpr std::array kUnits = {
-    Unit{1, "metres"},      Unit{0.01, "centimetres"}, Unit{0.001, "millimetres"},
-    Unit{0.0254, "inches"}, Unit{0.3048, "feet"},      Unit{0.056444, "units of the CMU database"}};
-
-// Beyond these nobody stands in the first frame of a capture.
-constexpr double kLowestFigure = 0.3;  // metres
-constexpr double kHighestFigure = 3;
-constexpr double kUsualFigure = 1.7;
-
 // One that was said is not doubted.
 bool IsHeightOdd(const RecordResult& result, const replay::CaptureReport& capture) {
     const double height = capture.figure.heightMetres;
-    return height > 0 && (height < kLowestFigure || height > kHighestFigure) &&
-           std::abs(height - result.saidHeight) > result.saidHeight / 2;
+    return IsNobodysHeight(height) && std::abs(height - result.saidHeight) > result.saidHeight / 2;
 }
 
-double HeightIn(const Unit& unit, const replay::CaptureReport& capture) {
-    return capture.figure.heightMetres / capture.recording.metresPerUnit * unit.metres;
+double HeightInUnits(const replay::CaptureReport& capture) {
+    return capture.figure.heightMetres / capture.recording.metresPerUnit;
 }
 
-// In which the figure comes closest to a person's height.
-const Unit& LikelyUnit(const replay::CaptureReport& capture) {
-    return *std::ranges::min_element(kUnits, {}, [&](const Unit& unit) {
-        return std::abs(std::log(HeightIn(unit, capture) / kUsualFigure));
-    });
+CaptureUnit UnitOf(const replay::CaptureReport& capture) {
+    return LikelyUnit(HeightInUnits(capture));
 }
 
 std::string Metres(double metres) {
@@ -84,13 +66,13 @@ std::string BetweenTicks(const CaptureResult& capture) {
 
 // A height that no person has is most likely one in another unit.
 void PrintOddHeight(std::ostream& out, const replay::CaptureReport& capture) {
-    const Unit& unit = LikelyUnit(capture);
+    const CaptureUnit unit = UnitOf(capture);
     out << "No person is " << Metres(capture.figure.heightMetres) << " high: ";
     if (std::abs(unit.metres / capture.recording.metresPerUnit - 1) < 0.01)
         out << "no usual --scale fits better\n";
     else
         out << "--scale " << Plain(unit.metres) << " (" << unit.name << ") makes it "
-            << Metres(HeightIn(unit, capture)) << '\n';
+            << Metres(HeightInUnits(capture) * unit.metres) << '\n';
 }
 
 void PrintOnly(std::ostream& out, const RecordResult& result) {
@@ -112,7 +94,7 @@ void PrintOnly(std::ostream& out, const RecordResult& result) {
 std::string DoubtedHeight(const RecordResult& result, const replay::CaptureReport& capture) {
     const std::string height = Metres(capture.figure.heightMetres);
     if (!IsHeightOdd(result, capture)) return height;
-    return height + " (--scale " + Plain(LikelyUnit(capture).metres) + "?)";
+    return height + " (--scale " + Plain(UnitOf(capture).metres) + "?)";
 }
 
 void PrintSeveral(std::ostream& out, const RecordResult& result) {
@@ -201,7 +183,7 @@ nlohmann::ordered_json JsonOf(const RecordResult& result, const CaptureResult& c
                                      {"start", report.figure.start},
                                      {"furthestMetres", report.figure.furthestMetres},
                                      {"maxPositionErrorMetres", report.maxPositionErrorMetres}};
-    if (IsHeightOdd(result, report)) object["likelyMetresPerUnit"] = LikelyUnit(report).metres;
+    if (IsHeightOdd(result, report)) object["likelyMetresPerUnit"] = UnitOf(report).metres;
     if (result.holdsToGround) {
         object["liftedFrames"] = report.liftedFrames;
         object["maxLiftMetres"] = report.maxLiftMetres;

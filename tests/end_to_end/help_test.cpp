@@ -60,7 +60,7 @@ TEST_F(Help, IsInOurWordsAndIn80ColumnsAndItsExamplesWork) {
     }
     EXPECT_EQ(Do("record help"), Do("record --help"));
     const std::string record = Do("help record");
-    for (const char* words : {"a number above 0;", " 0.056444 if not said\n", "; also --scene\n"})
+    for (const char* words : {"a number above 0;", "; 0.056444 if not", "; also --scene\n"})
         EXPECT_NE(record.find(words), std::string::npos) << words;
 }
 

@@ -113,7 +113,8 @@ std::string WhyNotInto(const Take& take, const Motion& motion, const Recording& 
             return "has a frame each " + NumberText(earlier.frameSeconds) +
                    " s (the capture each " + NumberText(recording.frameSeconds) + " s)";
         if (const double beside = SecondsBeside(earlier, recording); beside > kSameSeconds)
-            return "has its frames " + NumberText(beside) + " s beside those of the capture";
+            return "has its frames " + NumberText(std::round(beside * 1e9) / 1e9) +
+                   " s beside those of the capture";
     }
     return {};
 }
