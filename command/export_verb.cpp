@@ -46,17 +46,25 @@ struct Format {
     bool isBvh;          // its units and its order of turns can be chosen
     std::size_t passes;  // how often `write` tells that a frame is done
 
+    // Whether it has room for anything of the take.
+    bool (*holds)(const interchange::Take& take);
+
     // Gives a Loss for each take. The stream's own state tells whether it could be written.
     std::vector<Loss> (*write)(const std::vector<MovingTake>& takes, const BvhChoice& choice,
                                std::ostream& out, const FrameDone& done);
 };
 
+bool HasJoints(const interchange::Take& take) {
+    return !interchange::JointsOf(take).empty();
+}
+
+bool HasNodes(const interchange::Take& take) {
+    return !take.nodes.empty();
+}
+
 std::vector<Loss> WriteAsBvh(const std::vector<MovingTake>& takes, const BvhChoice& choice,
                              std::ostream& out, const FrameDone& done) {
     const MovingTake& only = takes.front();
-    if (interchange::JointsOf(*only.take).empty())
-        throw Failure("the take " + Quoted(only.take->name) +
-                      " has no joint, and a .bvh file holds nothing else");
     return {interchange::WriteBvh(*only.take, *only.poses, choice, out, done)};
 }
 
@@ -70,9 +78,9 @@ std::vector<Loss> WriteAsGltf(const std::vector<MovingTake>& takes, const BvhCho
 }
 
 constexpr std::array kFormats = {
-    Format{".bvh", true, true, interchange::kBvhPasses, &WriteAsBvh},
-    Format{".glb", false, false, 1, &WriteAsGltf<GltfForm::kBinary>},
-    Format{".gltf", false, false, 1, &WriteAsGltf<GltfForm::kText>},
+    Format{".bvh", true, true, interchange::kBvhPasses, &HasJoints, &WriteAsBvh},
+    Format{".glb", false, false, 1, &HasNodes, &WriteAsGltf<GltfForm::kBinary>},
+    Format{".gltf", false, false, 1, &HasNodes, &WriteAsGltf<GltfForm::kText>},
 };
 
 std::string Endings() {
@@ -155,14 +163,25 @@ void PrintForProgram(std::ostream& out, const ExportResult& result) {
 
 using ChosenTakes = std::vector<std::unique_ptr<ChosenTake>>;
 
-void RefuseSeveral(const Format& format, const ExportArguments& arguments,
-                   const ChosenTakes& takes) {
-    if (!format.hasOneTake || takes.size() == 1) return;
+std::string NamesOf(const ChosenTakes& takes) {
     std::string names;
     for (const std::unique_ptr<ChosenTake>& chosen : takes)
         names += (names.empty() ? "" : ", ") + Quoted(chosen->take.name);
-    Refuse(arguments.scene + ": of several takes (" + names + ") a " + std::string(format.ending) +
-           " file holds one, which --take names");
+    return names;
+}
+
+// Those of the takes that go into the file.
+ChosenTakes TakesFor(const Format& format, const ExportArguments& arguments, ChosenTakes takes) {
+    const std::string kind = std::string(format.ending) + " file";
+    const std::string names = NamesOf(takes);
+    std::erase_if(takes, [&](const auto& chosen) { return !format.holds(chosen->take); });
+    if (takes.empty())
+        throw Failure(arguments.scene + ": in " + names + " nothing moves that a " + kind +
+                      " has room for");
+    if (format.hasOneTake && takes.size() > 1)
+        Refuse(arguments.scene + ": of several takes (" + NamesOf(takes) + ") a " + kind +
+               " holds one, which --take names");
+    return takes;
 }
 
 // The file is there whole, or not at all.
@@ -200,8 +219,8 @@ void RunExport(const ExportArguments& arguments) {
     ExpectFile(arguments.file);
     CoreStage stage(arguments.guests);
     stage.Open(arguments.scene);
-    const ChosenTakes chosen = TakesOfStage(stage, arguments.scene, arguments.takes);
-    RefuseSeveral(format, arguments, chosen);
+    const ChosenTakes chosen =
+        TakesFor(format, arguments, TakesOfStage(stage, arguments.scene, arguments.takes));
     const std::vector<Loss> losses = Write(format, arguments, chosen);
     ExportResult result{.scene = arguments.scene, .takes{}, .complaints{}, .saved = arguments.file};
     for (std::size_t i = 0; i < chosen.size(); ++i)

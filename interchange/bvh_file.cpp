@@ -4,7 +4,6 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
-#include <set>
 #include <utility>
 
 #include "interchange/flaws.h"
@@ -16,7 +15,7 @@ namespace {
 
 using Place = std::array<double, 3>;
 
-constexpr double kRounding = 1e-6;       // metres: what rounding a number may cost a place
+constexpr double kCostOfRounding = 1e-6;  // metres: what rounding a number may cost a place
 constexpr double kSteady = 2e-6;         // metres: what a joint may move beside its parent and stay
 constexpr double kSteadyOfReach = 4e-7;  // or of its distance from the origin, which is single
                                          // precision
@@ -79,13 +78,6 @@ std::string NameFor(std::string name) {
     return name.empty() ? "joint" : name;
 }
 
-std::string Unique(const std::string& name, std::set<std::string>& taken) {
-    std::string unique = name;
-    for (int number = 2; !taken.insert(unique).second; ++number)
-        unique = name + '_' + std::to_string(number);
-    return unique;
-}
-
 // In the order in which they are written, each with all that is below it behind it.
 std::vector<BvhJoint> InFileOrder(const Take& take) {
     const std::vector<std::size_t> nodes = JointsOf(take);
@@ -104,14 +96,14 @@ std::vector<BvhJoint> InFileOrder(const Take& take) {
     }
     std::ranges::reverse(open);
     std::vector<BvhJoint> joints;
-    std::set<std::string> taken;
+    UniqueNames unique;
     while (!open.empty()) {
         const auto [node, parent] = open.back();
         open.pop_back();
         const std::size_t depth = parent == kNoNode ? 0 : joints[parent].depth + 1;
         if (parent != kNoNode) joints[parent].isLeaf = false;
         joints.push_back({.node = node, .parent = parent, .depth = depth});
-        joints.back().name = Unique(NameFor(take.nodes[node].name), taken);
+        joints.back().name = unique.Of(NameFor(take.nodes[node].name));
         for (auto child = below[node].rbegin(); child != below[node].rend(); ++child)
             open.emplace_back(*child, joints.size() - 1);
     }
@@ -144,8 +136,8 @@ class PlaceRange {
 
 int DigitsFor(double roundingPerUnit, int least) {
     constexpr double kMostDigits = 12;
-    return static_cast<int>(
-        std::clamp(std::ceil(std::log10(roundingPerUnit / kRounding)), double(least), kMostDigits));
+    return static_cast<int>(std::clamp(std::ceil(std::log10(roundingPerUnit / kCostOfRounding)),
+                                       double(least), kMostDigits));
 }
 
 class BvhWriter {

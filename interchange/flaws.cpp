@@ -20,8 +20,8 @@ double LengthOf(const double* row) {
 
 // Without what nobody reads of it.
 std::string Rounded(double number) {
-    constexpr double kStep = 1e-4;
-    return NumberText(std::round(number / kStep) * kStep);
+    constexpr double kParts = 1e4;
+    return NumberText(std::round(number * kParts) / kParts);
 }
 
 }  // namespace

@@ -4,16 +4,15 @@
 #include <cmath>
 #include <limits>
 #include <map>
-#include <set>
 #include <utility>
 
 #include "headless/scene_view.h"
-#include "headless/viewport.h"
 #include "host/interface.h"
 #include "host/matrix3.h"
 #include "host/node.h"
 #include "host/time.h"
 #include "host/units.h"
+#include "interchange/host_node.h"
 
 namespace interchange {
 namespace {
@@ -23,16 +22,7 @@ using headless::NodeView;
 // A rate of frames that nobody can mean is none.
 constexpr double kShortestFrame = 1e-4;  // seconds
 
-double TicksPerSecond() {
-    return static_cast<double>(GetTicksPerFrame()) * GetFrameRate();
-}
-
-// The tick at which a Core finds the node at that time.
-TimeValue TickOf(double seconds) {
-    constexpr double kMost = std::numeric_limits<TimeValue>::max();
-    const double ticks = GetTicksPerFrame() * (GetFrameRate() * replay::HostSeconds(seconds));
-    return static_cast<TimeValue>(std::clamp(ticks, -kMost, kMost));
-}
+using Handle = std::uint32_t;
 
 // Host axes are Z up.
 std::array<double, 3> InCoreAxes(const Point3& p) {
@@ -49,42 +39,6 @@ TVL::CMatrix4 WorldOf(const Matrix3& host, double metresPerUnit) {
     return world;
 }
 
-// In the node's own space, from where it is in the world.
-class ShapeReader {
-  public:
-    ShapeReader(const Matrix3& world, double metresPerUnit)
-        : inverse_(Inverse(world)), metresPerUnit_(metresPerUnit) {}
-
-    std::vector<ShapeVertex> Read(const headless::DrawList& drawn) const {
-        std::vector<ShapeVertex> shape;
-        for (const headless::DrawBatch& batch : drawn.batches)
-            if (batch.isTriangles)
-                for (const headless::DrawVertex& vertex : batch.vertices)
-                    shape.push_back(Read(vertex));
-        return shape;
-    }
-
-  private:
-    ShapeVertex Read(const headless::DrawVertex& vertex) const {
-        const Point3 place =
-            inverse_.PointTransform(vertex.place) * static_cast<float>(metresPerUnit_);
-        const Point3 normal = inverse_.VectorTransform(vertex.normal).Normalize();
-        return {{place.x, place.y, place.z},
-                {normal.x, normal.y, normal.z},
-                {vertex.colour.red, vertex.colour.green, vertex.colour.blue}};
-    }
-
-    Matrix3 inverse_;
-    double metresPerUnit_;
-};
-
-Lens LensOf(CameraObject& camera, TimeValue t) {
-    Interval valid;
-    return {.fieldOfView = double{camera.GetFOV(t, valid)}, .fieldOfViewType = camera.GetFOVType()};
-}
-
-using Handle = std::uint32_t;
-
 // The nodes of a take, a parent before its children, each under a name of its own.
 class NodeReader {
   public:
@@ -96,20 +50,18 @@ class NodeReader {
 
     void Add(const NodeView& view, TimeValue t, std::vector<TakeNode>& nodes) {
         TakeNode& node = nodes.emplace_back();
-        node.name = Unique(names_.at(view.handle));
+        node.name = unique_.Of(names_.at(view.handle));
         node.handle = view.handle;
         node.parent = ParentOf(view);
         places_[view.handle] = nodes.size() - 1;
         node.kind = view.keys.count > 0 ? NodeKind::kJoint : NodeKind::kOther;
         INode* const host = GetCOREInterface()->GetINodeByHandle(view.handle);
         if (!host) return;
-        if (auto* const camera = dynamic_cast<CameraObject*>(host->EvalWorldState(t, true).obj)) {
+        node.lens = LensOf(*host, t);
+        if (node.lens)
             node.kind = NodeKind::kCamera;
-            node.lens = LensOf(*camera, t);
-        } else if (!view.hidden) {
-            const ShapeReader shape(host->GetNodeTM(t), GetMasterScale(UNITS_METERS));
-            node.shape = shape.Read(headless::DrawNode(view.handle, t));
-        }
+        else if (!view.hidden)
+            node.shape = ShapeOf(*host, t);
     }
 
   private:
@@ -120,17 +72,10 @@ class NodeReader {
         return kNoNode;
     }
 
-    std::string Unique(const std::string& name) {
-        std::string unique = name;
-        for (int number = 2; !taken_.insert(unique).second; ++number)
-            unique = name + '_' + std::to_string(number);
-        return unique;
-    }
-
     const std::map<Handle, std::string>& names_;
     std::map<Handle, Handle> parents_;
     std::map<Handle, std::size_t> places_;  // in the take
-    std::set<std::string> taken_;
+    UniqueNames unique_;
 };
 
 // `names` are those of the nodes that are of the take.
@@ -141,70 +86,106 @@ void ReadNodes(const std::vector<NodeView>& scene, const std::map<Handle, std::s
         if (names.contains(view.handle)) reader.Add(view, TickOf(take.startSeconds), take.nodes);
 }
 
-// Two nodes can be called alike: each is of one take.
-std::map<Handle, std::string> NamesOf(const replay::TakeReport& told,
-                                      const std::vector<NodeView>& scene,
-                                      std::set<Handle>& isTaken) {
-    std::map<Handle, std::string> names;
-    for (const replay::TakeNodeReport& node : told.nodes) {
-        const auto found = std::ranges::find_if(scene, [&](const NodeView& view) {
-            return view.name == node.hostName && !isTaken.contains(view.handle);
-        });
-        if (found == scene.end()) continue;
-        isTaken.insert(found->handle);
-        names[found->handle] = node.name;
+// Of the nodes that are not taken yet, the one that is called so. If there are several, as where
+// two takes of one capture are in a scene, one below a node of the take.
+class Finder {
+  public:
+    explicit Finder(const std::vector<NodeView>& scene) {
+        for (const NodeView& view : scene)
+            free_[view.name].push_back(&view);
     }
-    return names;
-}
 
-// The span of all recordings, in the frames of the newest.
-void ReadSpan(const std::vector<replay::Recording>& recordings, Take& take) {
-    const auto first = &replay::Recording::FirstSeconds;
-    const auto end = &replay::Recording::LastSeconds;
-    const double last = std::ranges::max_element(recordings, {}, end)->LastSeconds();
-    take.startSeconds = std::ranges::min_element(recordings, {}, first)->FirstSeconds();
-    take.frameSeconds = std::max(recordings.back().frameSeconds, kShortestFrame);
+    std::map<Handle, std::string> Take(const std::vector<replay::TakeNodeReport>& nodes) {
+        std::map<Handle, std::string> names;
+        for (const replay::TakeNodeReport& node : nodes) {
+            std::vector<const NodeView*>& called = free_[node.hostName];
+            if (called.empty()) continue;
+            const auto isBelow = [&](const NodeView* view) { return names.contains(view->parent); };
+            auto found = std::ranges::find_if(called, isBelow);
+            if (found == called.end()) found = called.begin();
+            names[(*found)->handle] = node.name;
+            called.erase(found);
+        }
+        return names;
+    }
+
+  private:
+    std::map<std::string, std::vector<const NodeView*>> free_;
+};
+
+// From the first frame to the one at `end`, or behind it if none is there.
+void SetSpan(double start, double end, double frameSeconds, Take& take) {
+    constexpr double kRounding = 1e-3;  // of a frame
+    take.startSeconds = start;
+    take.frameSeconds = frameSeconds;
     take.frameCount =
-        static_cast<std::size_t>(std::llround((last - take.startSeconds) / take.frameSeconds)) + 1;
+        static_cast<std::size_t>(std::ceil((end - start) / frameSeconds - kRounding)) + 1;
 }
 
-// The span of the keys, in frames as long as keys lie apart where that is even, or the scene's.
-void ReadSpan(const std::vector<const NodeView*>& tree, Take& take) {
-    const auto most =
-        std::ranges::max_element(tree, {}, [](const NodeView* node) { return node->keys.count; });
+// The span of all recordings, in the frames of the newest. What a file tells of them can be
+// anything.
+void ReadSpan(const std::vector<replay::Recording>& recordings, Take& take) {
+    double start = LastSeconds();
+    double end = -LastSeconds();
+    for (const replay::Recording& recording : recordings) {
+        const auto within = [](double seconds) {
+            return std::clamp(seconds, -LastSeconds(), LastSeconds());
+        };
+        start = std::min(start, within(recording.FirstSeconds()));
+        end = std::max(end, within(recording.LastSeconds()));
+    }
+    const double frame = recordings.back().frameSeconds;
+    SetSpan(start, std::max(start, end), frame > kShortestFrame ? frame : kShortestFrame, take);
+}
+
+bool AreEven(const std::vector<TimeValue>& keys, double ticks) {
+    for (std::size_t i = 0; i < keys.size(); ++i)
+        if (std::abs(keys.front() + static_cast<double>(i) * ticks - keys[i]) > 1) return false;
+    return ticks >= 1;
+}
+
+// The span of all keys, in frames as long as the keys of the node that has most lie apart, or the
+// scene's where that is uneven.
+void ReadSpan(const std::map<Handle, std::string>& names, Take& take) {
+    std::vector<TimeValue> most;
     TimeValue first = std::numeric_limits<TimeValue>::max();
     TimeValue last = std::numeric_limits<TimeValue>::min();
-    for (const NodeView* node : tree) {
-        if (node->keys.count == 0) continue;
-        first = std::min(first, node->keys.first);
-        last = std::max(last, node->keys.last);
+    for (const auto& [handle, name] : names) {
+        std::vector<TimeValue> keys = KeyTimesOf(handle);
+        if (keys.empty()) continue;
+        first = std::min(first, keys.front());
+        last = std::max(last, keys.back());
+        if (keys.size() > most.size()) most = std::move(keys);
     }
-    const int steps = (*most)->keys.count - 1;
-    const double ticks = double{1} * last - first;
-    const bool isEven = steps > 0 && ticks / steps >= 1;
-    take.startSeconds = first / TicksPerSecond();
-    take.frameSeconds = (isEven ? ticks / steps : GetTicksPerFrame()) / TicksPerSecond();
-    take.frameCount =
-        static_cast<std::size_t>(std::llround(ticks / TicksPerSecond() / take.frameSeconds)) + 1;
+    const double ticks =
+        most.size() < 2 ? 0 : (double{1} * most.back() - most.front()) / double(most.size() - 1);
+    SetSpan(first / TicksPerSecond(), last / TicksPerSecond(),
+            (AreEven(most, ticks) ? ticks : GetTicksPerFrame()) / TicksPerSecond(), take);
 }
 
 std::vector<Take> TreesWithKeys(const std::vector<NodeView>& scene) {
-    std::vector<std::vector<const NodeView*>> trees;
+    struct Tree {
+        std::string name;
+        bool moves = false;
+        std::map<Handle, std::string> names{};
+    };
+    std::vector<Tree> trees;
+    std::map<Handle, std::size_t> treeOf;
+    UniqueNames unique;
     for (const NodeView& view : scene) {
-        if (view.parent == 0) trees.emplace_back();
-        trees.back().push_back(&view);
+        if (view.parent == 0) trees.push_back({view.name});
+        const std::size_t tree = view.parent == 0 ? trees.size() - 1 : treeOf.at(view.parent);
+        treeOf[view.handle] = tree;
+        trees[tree].names[view.handle] = view.name;
+        if (view.keys.count > 1) trees[tree].moves = true;
     }
     std::vector<Take> takes;
-    for (const std::vector<const NodeView*>& tree : trees) {
-        if (std::ranges::none_of(tree, [](const NodeView* v) { return v->keys.count > 0; }))
-            continue;
+    for (const Tree& tree : trees) {
+        if (!tree.moves) continue;
         Take& take = takes.emplace_back();
-        take.name = tree.front()->name;
-        ReadSpan(tree, take);
-        std::map<Handle, std::string> names;
-        for (const NodeView* view : tree)
-            names[view->handle] = view->name;
-        ReadNodes(scene, names, take);
+        take.name = unique.Of(tree.name);
+        ReadSpan(tree.names, take);
+        ReadNodes(scene, tree.names, take);
     }
     return takes;
 }
@@ -214,9 +195,9 @@ std::vector<Take> TreesWithKeys(const std::vector<NodeView>& scene) {
 std::vector<Take> TakesOf(const std::vector<replay::TakeReport>& told) {
     const std::vector<NodeView> scene = headless::Nodes();
     std::vector<Take> takes;
-    std::set<Handle> isTaken;
+    Finder finder(scene);
     for (const replay::TakeReport& report : told) {
-        const std::map<Handle, std::string> names = NamesOf(report, scene, isTaken);
+        const std::map<Handle, std::string> names = finder.Take(report.nodes);
         if (names.empty() || report.recordings.empty()) continue;
         Take& take = takes.emplace_back();
         take.name = report.name;
@@ -227,11 +208,34 @@ std::vector<Take> TakesOf(const std::vector<replay::TakeReport>& told) {
 }
 
 ScenePoses::ScenePoses(const Take& take)
-    : take_(take), last_(take.nodes.size(), TVL::CMatrix4::Identity()) {}
+    : take_(take), last_(take.nodes.size(), TVL::CMatrix4::Identity()) {
+    for (const TakeNode& node : take.nodes) {
+        std::vector<TimeValue> keys = KeyTimesOf(node.handle);
+        if (keys.size() > keys_.size()) keys_ = std::move(keys);
+    }
+}
+
+TimeValue ScenePoses::MomentOf(double seconds) const {
+    constexpr double kRounding = 1e-6;
+    const double frame = (seconds - take_.startSeconds) / take_.frameSeconds;
+    const TimeValue t = TickOf(seconds);
+    if (std::abs(frame - std::round(frame)) > kRounding) return t;
+    const auto from = std::ranges::lower_bound(keys_, t - 1);
+    TimeValue nearest = t;
+    double distance = 1 + kRounding;
+    for (auto key = from; key != keys_.end() && key - from < 3; ++key) {
+        const double away = std::abs(*key - seconds * TicksPerSecond());
+        if (*key == t) return t;
+        if (away > distance) continue;
+        nearest = *key;
+        distance = away;
+    }
+    return nearest;
+}
 
 void ScenePoses::At(double seconds, std::span<TVL::CMatrix4> world) {
     const double metresPerUnit = GetMasterScale(UNITS_METERS);
-    const TimeValue t = TickOf(seconds);
+    const TimeValue t = MomentOf(seconds);
     for (std::size_t i = 0; i < last_.size(); ++i) {
         INode* const node = GetCOREInterface()->GetINodeByHandle(take_.nodes[i].handle);
         if (node) last_[i] = WorldOf(node->GetNodeTM(t), metresPerUnit);

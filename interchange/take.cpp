@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 
 namespace interchange {
 
@@ -12,6 +13,13 @@ Take Take::Resampled(double newFrameSeconds) const {
     const double frames = (EndSeconds() - startSeconds) / newFrameSeconds;
     take.frameCount = static_cast<std::size_t>(std::floor(frames + kRounding)) + 1;
     return take;
+}
+
+std::string UniqueNames::Of(const std::string& name) {
+    std::string unique = name;
+    for (int number = 2; !taken_.insert(unique).second; ++number)
+        unique = name + '_' + std::to_string(number);
+    return unique;
 }
 
 double SkewOf(const TVL::CMatrix4& matrix) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <vector>
@@ -59,6 +60,15 @@ struct Take {
     // The same span of time in frames of another length: from the first frame to the last one that
     // is not behind the old one.
     Take Resampled(double newFrameSeconds) const;
+};
+
+// Gives each name once: of equal ones the first stands, and others are numbered from 2.
+class UniqueNames {
+  public:
+    std::string Of(const std::string& name);
+
+  private:
+    std::set<std::string> taken_;
 };
 
 // Where the nodes of a take are.

@@ -77,7 +77,10 @@ DrawList DrawNode(std::uint32_t handle, TimeValue t) {
     SceneNode* const node = TheScene().Find(handle);
     if (!node) return {};
     DrawWindow window{View{}};
+    const bool isSelected = node->IsSelected();
+    node->MarkSelected(false);
     Display(*node, t, RenderLimits({}), window);
+    node->MarkSelected(isSelected);
     return window.List();
 }
 

@@ -41,7 +41,8 @@ struct Drawing {
 };
 HEADLESS_API Drawing DrawScene(const ViewportSettings& settings, TimeValue t);
 
-// What one node draws, where it is in world space; nothing if there is no such node.
+// What one node draws, where it is in world space, whether it is selected or not; nothing if there
+// is no such node.
 HEADLESS_API DrawList DrawNode(std::uint32_t handle, TimeValue t);
 
 // The scene as pixels. The result is empty, or says in one line why there is no picture.

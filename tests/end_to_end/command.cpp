@@ -10,7 +10,7 @@ namespace {
 // Of the words of a verb that starts a Core, unless they say otherwise.
 bool StartsACore(const std::string& words) {
     constexpr std::array kVerbs = {"record ", "open ",    "merge ",  "convert ", "render ",
-                                   "info ",   "inspect ", "sample ", "run "};
+                                   "info ",   "inspect ", "sample ", "export ",  "run "};
     constexpr std::array kOtherwise = {"--no-core", "--no-plugin", "help", "--watch"};
     return std::ranges::any_of(kVerbs, [&](auto verb) { return words.starts_with(verb); }) &&
            std::ranges::none_of(kOtherwise,
