@@ -16,15 +16,15 @@ std::intptr_t OwnerProxy::HandleExtension(int id, void* argument) {
 }
 
 void OwnerProxy::ReadName() noexcept try {
-    plugin = real_->plugin ? &record_ : nullptr;
-    if (!plugin || record_.name == real_->plugin->name) return;
+    plugin = real_->plugin;
+    if (!plugin || name_ == plugin->name) return;
     {
-        std::string name = real_->plugin->name;
+        std::string name = plugin->name;
         const std::lock_guard lock(mutex_);
-        record_.name.swap(name);
+        name_.swap(name);
     }
     scribe_.Know(id_, Facts());
-} catch (...) {  // no memory: the adaptor reads the name as it was
+} catch (...) {  // no memory: it stays untold
 }
 
 OwnerProxy* Owners::Of(CoreElement* real) {

@@ -11,8 +11,9 @@
 
 namespace recorder {
 
-// Stands for an element of the Core that owns nodes. Its plug-in's name is read anew whenever the
-// adaptor may be about to read it.
+// Stands for an element of the Core that owns nodes. The adaptor reads the name in the Core's own
+// record, which can change it at any time; which record that is, is looked up anew with each call
+// that the adaptor may read a name behind.
 class OwnerProxy final : public ExtendableProxy<CoreElement> {
   public:
     OwnerProxy(Scribe& scribe, std::mutex& mutex, CoreElement* real)
@@ -20,14 +21,14 @@ class OwnerProxy final : public ExtendableProxy<CoreElement> {
 
     std::intptr_t HandleExtension(int id, void* argument) override;
 
-    // Tells it, if it is another one than before.
+    // Tells the name, if it is another one than before.
     void ReadName() noexcept;
 
-    ObjectFacts Facts() const { return {.name = record_.name}; }
+    ObjectFacts Facts() const { return {.name = name_}; }
 
   private:
     std::mutex& mutex_;  // for the name
-    TVL::PluginRecord record_;
+    std::string name_;   // as it was told last
 };
 
 // What the Core gives the adaptor to call: owners, and undo chunks.

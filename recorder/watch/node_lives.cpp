@@ -9,15 +9,6 @@ namespace {
 
 constexpr std::size_t kMostEnded = 4096;  // nodes that are remembered behind their end
 
-// Where two owners bear one name the second one is told of when it gets its first node.
-void CheckOwnerName(Books& books, const Place& place, ObjectId owner) {
-    const OwnerMemory& own = books.owners[owner];
-    if (own.nodes != 0 || own.name.empty()) return;
-    for (const auto& [id, other] : books.owners)
-        if (id != owner && other.nodes > 0 && other.name == own.name)
-            books.found.Add(Rule::kOwnerNameTwice, place, own.name);
-}
-
 // An owner knows how many real nodes of its are there.
 void Count(Books& books, NodeMemory& node) {
     const bool counts = !node.isSnapshot && node.owner != 0 && node.life == Life::kThere;
@@ -92,7 +83,6 @@ void BearReal(Books& books, const Place& place, ObjectId id, ObjectId owner) {
     NodeMemory& node = NodeOf(books, id);
     Bear(books, node, place, owner, false);
     if (!books.groups.empty()) node.nest = books.nest;
-    CheckOwnerName(books, place, owner);
     Count(books, node);
 }
 

@@ -1,4 +1,5 @@
 #include <array>
+#include <fstream>
 #include <functional>
 #include <set>
 
@@ -42,6 +43,7 @@ class Rig final : public TVL::CoreElement, public TVL::NodeListener {
         said_("asked ", id);
         if (id == TVL::kSceneBeingSaved)
             static_cast<XMLNode*>(argument)->AddChild(XMLNode("masternode", "told"));
+        if (onAsked) onAsked();
         return 7;
     }
     void OnNodeRemoved(CNode* node) override { Hear("removed", node); }
@@ -49,6 +51,7 @@ class Rig final : public TVL::CoreElement, public TVL::NodeListener {
 
     TVL::PluginRecord record{"Rig"};
     std::function<void(CoreNode&)> onHeard;
+    std::function<void()> onAsked;
 
   private:
     void Hear(const char* what, CNode* node) {
@@ -279,9 +282,17 @@ void AskTheAdaptor(Scene& scene) {
 }
 
 void BeSaved(Scene& scene) {
+    Rig other(scene.said);
     scene.Helper("Hip");
+    auto& theirs = static_cast<CoreNode&>(
+        *scene.adaptor.CreateHelperNode(&other, "Theirs", nullptr, {}, nullptr));
+    other.onAsked = [&] { scene.rig.record.name = "Renamed"; };
     const std::string file = (scene.world.Folder() / "a.scene").string();
     scene.said(scene.world.Session().SaveScene(file).error);
+    std::ostringstream saved;
+    saved << std::ifstream(file, std::ios::binary).rdbuf();
+    scene.said(saved.str().find("<name>Renamed</name>") != std::string::npos);
+    theirs.Destroy();
     scene.world.Session().OpenScene(file);
     scene.said(scene.world.Core().state.Write());
 }
@@ -405,6 +416,24 @@ TEST(Proxies, TellOfEverythingThatIsAlive) {
     now = always;
     now.insert({kNode, kOwner});
     EXPECT_EQ(Alive(recorded.recorder), now);
+}
+
+// As where a Core is attached again that has not left, or to another adaptor.
+TEST(Proxies, OutliveAnotherAttachment) {
+    play::Recorded recorded;
+    Said said;
+    World world({.recorder = &recorded.recorder});
+    Scene scene{world, said};
+    CoreNode& hip = scene.Helper("Hip");
+    hip.SetListener(&scene.rig);
+    PuppetCore second;
+    CoreInterface* const other =
+        recorded.recorder.Attach(&scene.adaptor, [&](auto*) { return &second; });
+    scene.Step("Delete", [&] { hip.Delete(true); });
+    recorded.recorder.Detach(other, [&](CoreInterface* core) { EXPECT_EQ(core, &second); });
+    scene.adaptor.PerformUndo();
+    EXPECT_EQ(said.Text(), "removed Hip\n0\nrestored Hip\n");
+    EXPECT_EQ(hip.GetName(), "Rig_Hip");
 }
 
 // And it has no effect.

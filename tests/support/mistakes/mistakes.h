@@ -29,7 +29,7 @@ inline constexpr Mistake kMistakes[] = {
     {"deletes twice", "node-deleted-twice"},
     {"makes a node of nobody", "null-owner"},
     {"claims for nobody", "null-owner"},
-    {"has two owners of one name", "owner-name-twice"},
+    {"has two owners of one name", "owner-name-twice", "detach-in-a-take"},
     {"leaves without a flush", "owner-in-undo-record"},
     {"does not list 43", "deletion-not-heard", "delete-in-a-take"},
     {"deletes outside a group at 43", "deletion-outside-group", "delete-in-a-take"},

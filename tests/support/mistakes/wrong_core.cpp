@@ -46,6 +46,11 @@ struct Unaccounted {
 
 struct Owner final : TVL::CoreElement {
     explicit Owner(std::string name) : record{std::move(name)} { plugin = &record; }
+    std::intptr_t HandleExtension(int id, void* argument) override {
+        if (id == TVL::kSceneBeingSaved && Makes("has two owners of one name"))
+            static_cast<XMLNode*>(argument)->AddChild(XMLNode("masternode", ""));
+        return 0;
+    }
     TVL::PluginRecord record;
 };
 
@@ -213,7 +218,6 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
         if (Makes("releases a real node")) root.ReleaseNode(&Spare(this));
         if (Makes("claims a real node")) root.Claim(this, "Once more");
         if (Makes("makes a node of nobody")) Spare(nullptr).Destroy();
-        if (Makes("has two owners of one name")) Spare(&namesake_).Destroy();
         if (Makes("uses a destroyed node") || Makes("hangs a node below a destroyed one")) {
             CoreNode& spare = Spare(this);
             spare.Destroy();
@@ -360,6 +364,8 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
         TVL::CNode* const root = adaptor_.CreateHelperNode(this, "Root", nullptr, Triangle(), this);
         adaptor_.CreateHelperNode(this, "Arm", root, Triangle(), this);
         adaptor_.CreateLensNode(this, "Eye", nullptr, this);
+        if (Makes("has two owners of one name") || Makes("does what is allowed"))
+            adaptor_.CreateHelperNode(&namesake_, "Double", nullptr, Triangle(), nullptr);
     }
 
     void Record() {
@@ -410,6 +416,8 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
     void DestroyAll() {
         for (CoreNode* node : std::exchange(nodes_, {}))
             node->Destroy();
+        for (TVL::CNode* node : adaptor_.GetNodes(&namesake_))
+            static_cast<CoreNode*>(node)->Destroy();
     }
 
     void GiveParts(XMLNode& parts) {
