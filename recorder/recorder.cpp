@@ -48,7 +48,7 @@ struct Recorder::State {
         Nodes nodes{scribe, owners};
         MessageNet messages{scribe};
         AdaptorProxy adaptor;
-        CoreProxy core{scribe, messages};
+        CoreProxy core{scribe, messages, nodes};
     };
 
     Stream& stream;
@@ -102,6 +102,7 @@ void Recorder::Detach(CoreInterface* core, const DetachCore& detach) {
         boundary.core.StandFor(nullptr);
     });
     const CoreProxy* const proxy = &boundary.core;
+    boundary.nodes.TellListeners();
     boundary.scribe.Record<Operation::Routine_detach>(
         0, [&] { detach(proxy->Behind()); }, proxy);
 }

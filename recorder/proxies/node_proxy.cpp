@@ -5,7 +5,8 @@ namespace recorder {
 
 NodeProxy::NodeProxy(Nodes& nodes, NodeListener* ofCore)
     : ExtendableProxy(nodes.scribe_, nodes.scribe_.NewId(ObjectKind::kNode), nullptr),
-      nodes_(nodes) {
+      nodes_(nodes),
+      toldListener_(ofCore) {
     listener = ofCore;
 }
 
@@ -132,6 +133,7 @@ void NodeProxy::Hear() {
     NodeListener* const told = listener;
     if (!told) return;
     if (!isTold_) nodes_.Tell(*this);
+    toldListener_ = told;
     const ObjectId id = scribe_.IdOf(ObjectKind::kListener, told);
     scribe_.Record<kOperation>(
         id, [&] { (told->*kMethodOf<kOperation>)(this); }, this);

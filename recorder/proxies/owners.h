@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <unordered_map>
@@ -11,15 +12,18 @@
 
 namespace recorder {
 
+class Owners;
+
 // Stands for an element of the Core that owns nodes. The adaptor reads the name in the Core's own
 // record, which can change it at any time; which record that is, is looked up anew with each call
 // that the adaptor may read a name behind.
 class OwnerProxy final : public ExtendableProxy<CoreElement> {
   public:
-    OwnerProxy(Scribe& scribe, std::mutex& mutex, CoreElement* real)
-        : ExtendableProxy(scribe, scribe.NewId(ObjectKind::kOwner), real), mutex_(mutex) {}
+    OwnerProxy(Scribe& scribe, Owners& owners, CoreElement* real)
+        : ExtendableProxy(scribe, scribe.NewId(ObjectKind::kOwner), real), owners_(owners) {}
 
     std::intptr_t HandleExtension(int id, void* argument) override;
+    bool HasExtension(int id) override;
 
     // Tells the name, if it is another one than before.
     void ReadName() noexcept;
@@ -27,8 +31,8 @@ class OwnerProxy final : public ExtendableProxy<CoreElement> {
     ObjectFacts Facts() const { return {.name = name_}; }
 
   private:
-    std::mutex& mutex_;  // for the name
-    std::string name_;   // as it was told last
+    Owners& owners_;
+    std::string name_;  // as it was told last
 };
 
 // What the Core gives the adaptor to call: owners, and undo chunks.
@@ -51,11 +55,15 @@ class Owners {
 
     void TellObjects(const TapeWriter::TellObject& tell) const;
 
+    // A person deletes nodes, which an owner is just to be asked about.
+    std::function<void()> onUserDeletion;
+
   private:
+    friend class OwnerProxy;
     class ChunkProxy;
 
     Scribe& scribe_;
-    mutable std::mutex mutex_;
+    mutable std::mutex mutex_;  // for the names, too
     std::unordered_map<const CoreElement*, std::unique_ptr<OwnerProxy>> owners_;
     std::unordered_set<ObjectId> chunks_;  // that are not released yet
 };

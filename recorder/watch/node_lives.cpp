@@ -38,7 +38,8 @@ void Remember(Books& books, ObjectId ended) {
 // That the user has undone its creation is told to a node's listener alone.
 bool IsSurelyThere(const NodeMemory& node) {
     const bool canBeUndone = !node.isSnapshot && node.nest != 0;
-    return node.life == Life::kThere && node.born.call != 0 && (!canBeUndone || node.hasListener);
+    const bool hears = node.hasListener && !node.wasDeaf;
+    return node.life == Life::kThere && node.born.call != 0 && (!canBeUndone || hears);
 }
 
 std::vector<const NodeMemory*> InOrder(const Books& books) {
@@ -62,7 +63,8 @@ NodeMemory* FindNode(Books& books, ObjectId id) {
     return books.nodes.Find(id);
 }
 
-void HangBelow(NodeMemory& node, NodeMemory* parent) {
+void HangBelow(NodeMemory& node, NodeMemory* parent, std::uint64_t kinship) {
+    if (node.parent != parent || node.hungAt != 0) node.hungAt = kinship;
     const bool hasEnded = node.life == Life::kEnded || (parent && parent->life == Life::kEnded);
     if (node.parent == parent || (hasEnded && parent)) return;
     if (node.parent) std::erase(node.parent->children, &node);
@@ -105,6 +107,12 @@ void KnowNode(Books& books, ObjectId id, const ObjectFacts& facts) {
     if (node.born.call != 0 || node.isCounted) return;
     node.isSnapshot = facts.isSnapshot;
     node.owner = facts.of;
+}
+
+void KnowListener(Books& books, ObjectId id, bool isThere) {
+    NodeMemory& node = NodeOf(books, id);
+    node.wasDeaf |= !isThere || !node.hasListener;
+    node.hasListener = isThere;
 }
 
 void End(Books& books, NodeMemory& node) {

@@ -10,7 +10,7 @@
 #include "headless/session.h"
 #include "platform/process.h"
 #include "recorder/recorder.h"
-#include "recorder/stream/record_reader.h"
+#include "recorder/stream/notes.h"
 #include "tests/recorder/random_records.h"
 #include "tests/support/folder/temporary_folder.h"
 #include "tests/support/mistakes/mistakes.h"
@@ -24,7 +24,10 @@ namespace {
 class Watched final : public headless::CoreBetween {
   public:
     CoreInterface* Attach(TVL::AdaptorInterface* adaptor, const AttachCore& attach) override {
-        return recorder_.Attach(adaptor, attach);
+        return recorder_.Attach(adaptor, [&](TVL::AdaptorInterface* proxy) {
+            stream_.Note(note::kSettings, "30 160 0 1");
+            return attach(proxy);
+        });
     }
     void Detach(CoreInterface* core, const DetachCore& detach) override {
         recorder_.Detach(core, detach);
