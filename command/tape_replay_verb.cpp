@@ -81,7 +81,7 @@ class Performance {
                     Do(*step);
                 } while (replay_.WasDone());
             } catch (const Failure& failure) {
-                replay_.Failed(failure.what());
+                replay_.Failed(failure.what(), failure.Status() != kWrongUsage);
             }
             LookAt();
         }

@@ -90,6 +90,8 @@ void PrintForPerson(std::ostream& out, const TapeInfo& info) {
         PrintSession(out, info.tape.sessions[i], info.sessions[i]);
     }
     PrintEach(out, "Damage: ", info.tape.damages);
+    if (info.sessions.empty() && info.tape.damages.empty())
+        out << "Nothing has been recorded to it; --tape goes on with it\n";
 }
 
 Json JsonOf(const TapeSession& session, const SessionSummary& summary) {
@@ -140,7 +142,10 @@ void AddInfo(CLI::App& app) {
     AddAudience(*verb, arguments->audience);
     AddExample(*verb, "tape info walk.tape");
     verb->callback([arguments] {
-        TapeInfo info{.tape = Read(arguments->tape), .sessions = {}};
+        TapeInfo info{.tape = OrRefuse([&] {
+                          return recorder::ReadTape(arguments->tape, recorder::MayBeBlank::kYes);
+                      }),
+                      .sessions = {}};
         for (const TapeSession& session : info.tape.sessions)
             info.sessions.push_back(recorder::Summarise(session));
         Print(std::cout, info, arguments->audience);
@@ -149,14 +154,20 @@ void AddInfo(CLI::App& app) {
 
 // print
 
+constexpr double kAnyTime = std::numeric_limits<float>::max();
+
 struct PrintArguments {
     std::string tape;
     std::vector<std::string> nodes;
     std::vector<std::string> operations;
     double from = 0;
-    double to = std::numeric_limits<float>::max();
+    double to = kAnyTime;
     std::optional<int> session;
     Audience audience = Audience::kPerson;
+
+    bool IsChoosing() const {
+        return !nodes.empty() || !operations.empty() || from > 0 || to < kAnyTime;
+    }
 };
 
 void CheckOperations(const std::vector<std::string>& names) {
@@ -184,24 +195,33 @@ bool IsWanted(const PrintArguments& arguments, const SessionTeller& teller,
            });
 }
 
-void PrintRecords(std::ostream& out, const TapeSession& session, const PrintArguments& arguments) {
+// Gives how many.
+std::size_t PrintRecords(std::ostream& out, const TapeSession& session,
+                         const PrintArguments& arguments) {
+    std::size_t printed = 0;
     SessionTeller teller(session);
     for (std::size_t place = 0; place < session.records.size(); ++place) {
         teller.GoTo(place);
         if (!IsWanted(arguments, teller, session.records[place], place)) continue;
         if (arguments.audience == Audience::kProgram) {
             const Json object = teller.JsonOf(place);
-            if (!object.is_null()) PrintJsonLine(out, object);
-        } else if (const std::string line = teller.Line(place); !line.empty()) {
+            if (object.is_null()) continue;
+            PrintJsonLine(out, object);
+        } else {
+            const std::string line = teller.Line(place);
+            if (line.empty()) continue;
             out << line << '\n';
         }
+        ++printed;
     }
+    return printed;
 }
 
 void RunPrint(const PrintArguments& arguments) {
     CheckOperations(arguments.operations);
     const TapeContents tape = Read(arguments.tape);
     const auto sessions = static_cast<int>(tape.sessions.size());
+    std::size_t printed = 0;
     if (arguments.session) CheckRange("--session", *arguments.session, {1, sessions});
     for (int number = 1; number <= sessions; ++number) {
         if (number != arguments.session.value_or(number)) continue;
@@ -210,8 +230,10 @@ void RunPrint(const PrintArguments& arguments) {
             std::cout << "Session " << number << ": ";
             PrintSession(std::cout, session, recorder::Summarise(session));
         }
-        PrintRecords(std::cout, session, arguments);
+        printed += PrintRecords(std::cout, session, arguments);
     }
+    if (printed == 0 && arguments.IsChoosing())
+        throw Failure(arguments.tape + ": nothing on it is what was asked for");
 }
 
 void AddPrint(CLI::App& app) {

@@ -133,10 +133,11 @@ std::optional<Replay::Step> Replay::NextStep() {
 }
 
 // A step that failed here has failed there, too, if the calls go on as they do there. What was
-// expected shows in no call; there it held if the tape tells of another step.
+// expected shows in no call; there it held if the tape tells of another step. What has no words of
+// a step any more, as on a tape without names, is not known to have been expected.
 std::optional<Replay::Step> Replay::Noted(const Record& record) {
     const auto [word, about] = recorder::NoteOf(record);
-    if (word == note::kStep && !failure_.empty() && given_.text.starts_with("expect")) {
+    if (word == note::kStep && hasFailed_ && given_.text.starts_with("expect")) {
         Session()->Differ(failure_);
         return std::nullopt;
     }
@@ -216,14 +217,16 @@ void Replay::QueueDeletion(const Cause& cause) {
 
 bool Replay::WasDone() {
     failure_.clear();
+    hasFailed_ = false;
     if (Over() || !given_.isInferred || HasMovedOn() || !queue_.empty()) return false;
     if (given_.isRepeated) return true;
     Session()->Differ("nothing came of the step \"" + given_.text + '"');
     return false;
 }
 
-void Replay::Failed(const std::string& why) {
+void Replay::Failed(const std::string& why, bool isStep) {
     failure_ = why;
+    hasFailed_ = isStep;
     if (given_.isInferred && !Over() && !HasMovedOn())
         Session()->Differ("the step \"" + given_.text + "\" failed: " + why);
 }
