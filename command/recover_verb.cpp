@@ -89,6 +89,9 @@ void PrintForPerson(std::ostream& out, const RecoverResult& result) {
         out << "Not brought back: " << InTable(line) << '\n';
     if (report.hasLaterState) out << "The Core's state is the last one on the tape\n";
     PrintNames(out, "Plain nodes, since no state of the Core's names them: ", report.plainNodes);
+    for (const player::UnsavedWork& other : report.others)
+        out << "Session " << other.session << " holds work that is not in it; to bring it in, too: "
+            << player::CommandFor(result.tape, other, result.saved) << '\n';
     PrintEach(out, kMessageBox, result.news.boxes);
     PrintEach(out, kComplaint, result.news.complaints);
     TellSaved(out);
@@ -111,6 +114,14 @@ nlohmann::ordered_json ToJson(const std::vector<player::RecoveredWork>& list) {
     return array;
 }
 
+nlohmann::ordered_json ToJson(const RecoverResult& result) {
+    auto array = nlohmann::ordered_json::array();
+    for (const player::UnsavedWork& other : result.report.others)
+        array.push_back({{"session", other.session},
+                         {"command", player::CommandFor(result.tape, other, result.saved)}});
+    return array;
+}
+
 void PrintForProgram(std::ostream& out, const RecoverResult& result) {
     const player::RecoveryReport& report = result.report;
     PrintJson(out, {{"tape", result.tape},
@@ -123,6 +134,7 @@ void PrintForProgram(std::ostream& out, const RecoverResult& result) {
                     {"lost", report.lost},
                     {"laterState", report.hasLaterState},
                     {"plainNodes", report.plainNodes},
+                    {"others", ToJson(result)},
                     {"boxes", result.news.boxes},
                     {"complaints", result.news.complaints},
                     {"saved", result.saved}});

@@ -61,6 +61,20 @@ TEST_F(Recover, BringsBackWhatNoSceneWasSavedWith_AndLeavesWhatThereIs) {
     EXPECT_EQ(Read("NEW.scene"), Read("new.scene"));
 }
 
+// As of a tape that was gone on with after a crash, once with a merge into the first scene.
+TEST_F(Recover, BringsInTheWorkOfOneSession_AndSaysHowToBringInTheOthers) {
+    Do("draw --sphere 2 -o drawn.scene");
+    Work("ball.tape", " --do \"press 1046\"");
+    Work("ball.tape", " --do \"merge drawn.scene\" --do \"press 1046\"");
+    const Json told = Ask("recover ball.tape -o one.scene");
+    EXPECT_EQ(Line(told, {"session", "step"}), "2 \"Recovered \\\"Bounce\\\"\"");
+    ASSERT_EQ(told["others"].size(), 1U) << told;
+    const std::string command = told["others"][0]["command"];
+    EXPECT_NE(command.find("--into one.scene --after 1 --session 1"), std::string::npos) << command;
+    EXPECT_NE(Do(command.substr(command.find("recover "))).find("NEW.scene"), std::string::npos);
+    EXPECT_EQ(Ask("info NEW.scene")["nodes"].size(), 2U);
+}
+
 TEST_F(Recover, TellsOfNodesThatNoStateNames_AndOfKeysInTheWay) {
     Work("ball.tape", " --do \"press 1046\" --do undo --do \"press 1046\"");
     Json told = Ask("recover ball.tape -o new.scene");
