@@ -86,10 +86,10 @@ void RunChecks(const CheckArguments& arguments) {
     const bool isPassing = options.folder.empty();
     if (!arguments.only.empty()) TheCheck(arguments.only);
     if (arguments.reproduced) NeedRandomChecks(arguments.strictness);
-    if (isPassing)
-        options.folder = NewFolderForPassing("lumiset-checks");
-    else
-        MakeFolder(options.folder);
+    if (!isPassing) MakeFolder(options.folder);
+    std::optional<CoreFile> junit;
+    if (!arguments.junit.empty()) junit.emplace(arguments.junit);
+    if (isPassing) options.folder = NewFolderForPassing("lumiset-checks");
     CheckReport report{.core = options.guests.core, .outcomes = {}};
     if (arguments.only.empty()) {
         MakeAll(arguments, options, report);
@@ -99,7 +99,7 @@ void RunChecks(const CheckArguments& arguments) {
     }
     std::error_code isInUse;
     if (isPassing) fs::remove(platform::FromNarrow(options.folder), isInUse);
-    if (!arguments.junit.empty()) WriteJunit(report, arguments.junit);
+    if (junit) WriteJunit(report, *junit);
     if (arguments.only.empty() || arguments.audience == Audience::kProgram)
         Print(std::cout, report, arguments.audience);
     if (report.Count(Verdict::kFaulty) > 0) throw Ended{kFailed};

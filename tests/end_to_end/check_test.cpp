@@ -47,6 +47,10 @@ TEST_F(CheckCore, CoresThatAreWellPassAtTheStrictest) {
     EXPECT_TRUE(std::filesystem::is_empty(folder_.Path() / "tapes"));
 }
 
+TEST_F(CheckCore, AFileThatCannotBeWrittenIsToldBeforeAnyCheck) {
+    ExpectRefusal(Words(HELLO_CORE, "--junit no/where.xml"), "no/where.xml: ", 1);
+}
+
 TEST_F(CheckCore, EachMistakeIsSeenByItsCheck) {
     for (const mistakes::Mistake& mistake : mistakes::kMistakes) {
         platform::SetVariable(mistakes::kVariable, mistake.name);
