@@ -97,7 +97,6 @@ void NodeProxy::Unclaim() {
     const auto make = [&] {
         if (!real_) return;
         real_->Unclaim();
-        name = real_->GetNodeName();
         nodes_.Unlist(*this);
     };
     scribe_.Record<CoreNode_Unclaim>(id_, make);

@@ -22,12 +22,11 @@ bool OwnerProxy::HasExtension(int id) {
 }
 
 void OwnerProxy::ReadName() noexcept try {
-    plugin = real_->plugin;
-    if (!plugin || name_ == plugin->name) return;
     {
-        std::string name = plugin->name;
         const std::lock_guard lock(owners_.mutex_);
-        name_.swap(name);
+        plugin = real_->plugin;
+        if (!plugin || name_ == plugin->name) return;
+        name_ = plugin->name;
     }
     scribe_.Know(id_, Facts());
 } catch (...) {  // no memory: it stays untold

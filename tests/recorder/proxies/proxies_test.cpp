@@ -315,10 +315,10 @@ void SendMessages(Scene& scene) {
     scene.world.Core().otherButton = button.get();
     AttachPanel().Press();
     AttachPanel().Press();
+    TVL::Util::MessageNode* const adaptor = button->sender;
+    if (!adaptor) return scene.said("nobody listens");
     for (const char* name : {"first", "second"}) {
         Ear ear(scene.said, name);
-        TVL::Util::MessageNode* const adaptor = button->sender;
-        if (!adaptor) return scene.said("nobody listens");
         scene.said(ear.Listen(adaptor), ear.Listen(adaptor), ear.IsListeningTo(adaptor));
         scene.said(adaptor->Listen(&ear), adaptor->GetListeningCount(), ear.IsListener(adaptor));
         TVL::Util::Message press(TVL::kButtonPressed, "press", 3);
@@ -331,6 +331,12 @@ void SendMessages(Scene& scene) {
     }
     button.reset();
     scene.world.Core().otherButton = nullptr;
+    scene.world.SetOption(TVL::kOptimisedControllers, true);
+    scene.Helper("Hip");
+    TVL::Util::Message nobodys(TVL::kButtonPressed, "press");
+    adaptor->Receive(&nobodys, false);
+    INode& hip = *GetCOREInterface()->GetRootNode()->GetChildNode(0);
+    scene.said(hip.GetTMController()->ClassID().partA, nobodys.sender);
 }
 
 // With and without -------------------------------------------------------------------------------
