@@ -90,7 +90,7 @@ void PrintForPerson(std::ostream& out, const RecoverResult& result) {
     if (report.hasLaterState) out << "The Core's state is the last one on the tape\n";
     PrintNames(out, "Plain nodes, since no state of the Core's names them: ", report.plainNodes);
     for (const player::UnsavedWork& other : report.others)
-        out << "Session " << other.session << " holds work that is not in it; to bring it in, too: "
+        out << "Session " << other.session << " holds unsaved work, too; if this scene lacks that: "
             << player::CommandFor(result.tape, other, result.saved) << '\n';
     PrintEach(out, kMessageBox, result.news.boxes);
     PrintEach(out, kComplaint, result.news.complaints);

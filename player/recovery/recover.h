@@ -48,7 +48,7 @@ struct RecoveryReport {
     std::vector<std::string> overwritten;  // what the scene had in the place of it, a line each
     std::vector<std::string> lost;         // what could not be brought back, a line each
     bool hasLaterState = false;            // the Core's state is a later one than the scene's
-    std::vector<UnsavedWork> others;       // on the tape, which this scene has not
+    std::vector<UnsavedWork> others;       // of the tape's other sessions; the scene may lack it
 
     bool IsEmpty() const { return recovered.empty() && !hasLaterState; }
 };
