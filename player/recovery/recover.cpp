@@ -89,7 +89,8 @@ std::string FileAsTyped(const std::string& path) {
 // Whoever goes on with the tape adds another session to it.
 std::string CommandFor(const std::string& tape, const UnsavedWork& work, const std::string& scene) {
     const Checkpoint& base = work.base;
-    std::string words = "lumiset-headless recover " + FileAsTyped(tape) + " -o NEW.scene";
+    const std::string target = scene == "NEW.scene" ? "NEWER.scene" : "NEW.scene";
+    std::string words = "lumiset-headless recover " + FileAsTyped(tape) + " -o " + target;
     if (!scene.empty())
         words += " --into " + FileAsTyped(scene) + " --after " + std::to_string(base.call);
     else if (!base.IsEmpty())

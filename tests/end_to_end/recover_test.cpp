@@ -61,11 +61,10 @@ TEST_F(Recover, BringsBackWhatNoSceneWasSavedWith_AndLeavesWhatThereIs) {
     EXPECT_EQ(Read("NEW.scene"), Read("new.scene"));
 }
 
-// As of a tape that was gone on with after a crash, once with a merge into the first scene.
+// As of a tape that was gone on with after a crash.
 TEST_F(Recover, BringsInTheWorkOfOneSession_AndSaysHowToBringInTheOthers) {
-    Do("draw --sphere 2 -o drawn.scene");
     Work("ball.tape", " --do \"press 1046\"");
-    Work("ball.tape", " --do \"merge drawn.scene\" --do \"press 1046\"");
+    Work("ball.tape", " --do \"press 1046\"");
     const Json told = Ask("recover ball.tape -o one.scene");
     EXPECT_EQ(Line(told, {"session", "step"}), "2 \"Recovered \\\"Bounce\\\"\"");
     ASSERT_EQ(told["others"].size(), 1U) << told;
@@ -73,6 +72,11 @@ TEST_F(Recover, BringsInTheWorkOfOneSession_AndSaysHowToBringInTheOthers) {
     EXPECT_NE(command.find("--into one.scene --after 1 --session 1"), std::string::npos) << command;
     EXPECT_NE(Do(command.substr(command.find("recover "))).find("NEW.scene"), std::string::npos);
     EXPECT_EQ(Ask("info NEW.scene")["nodes"].size(), 2U);
+
+    // State that comes with a merge into the first scene is not that of a scene before.
+    Do("run --core \"" + hello_ + "\" --do \"press 1046\" --do \"save ball.scene\"");
+    Work("merged.tape", " --do \"merge ball.scene\" --do \"press 1046\"");
+    EXPECT_EQ(Ask("recover merged.tape -o merged.scene")["lost"][0], "merged by hand: ball.scene");
 }
 
 TEST_F(Recover, TellsOfNodesThatNoStateNames_AndOfKeysInTheWay) {
