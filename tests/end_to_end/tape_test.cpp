@@ -1,4 +1,5 @@
 #include "platform/process.h"
+#include "recorder/tape/segments.h"
 #include "tests/end_to_end/command.h"
 #include "tests/support/mistakes/mistakes.h"
 
@@ -24,6 +25,9 @@ TEST_F(TapeVerbs, TellWhatWasRecordedAndWhatIsInNoScene) {
     const std::string lines = Do("tape info walk.tape");
     EXPECT_NE(lines.find("1 undo group, 1 take"), std::string::npos) << lines;
     EXPECT_EQ(lines.find("In no scene"), std::string::npos) << lines;
+    Do("run --core \"" + std::string(HELLO_CORE) +
+       "\" --tape ball.tape --do \"press 1046\" --do \"merge walk.scene\"");
+    EXPECT_EQ(Ask("tape info ball.tape")["sessions"][0]["undoGroupsInNoScene"], 1);
     ExpectRefusal("tape info walk.bvh", "walk.bvh: it is no tape", 1);
     Write("blank.tape", std::string(4'096, '\0'));
     EXPECT_EQ(Do("tape info blank.tape"),
@@ -92,12 +96,20 @@ TEST_F(TapeVerbs, HoldCallsAgainstTheContractAfterwards) {
     ExpectRefusal("tape watch walk.bvh", "walk.bvh: it is no tape", 2);
 }
 
+// Steps, trees, and records that no segment has room for have names, too.
 TEST_F(TapeVerbs, LeaveNoNameOnATapeThatIsSentAway) {
+    Write("walk.bvh", Walk(4000));
+    Do("record walk.bvh -o walk.scene");
+    Do("run walk.scene --tape walk.tape --with-scenes --do \"move walk_Knee 1,2,3\" --do "
+       "\"save walk.scene\"");
+    ASSERT_GT(Read("walk.scene").size(), recorder::kNewSegment);
     Do("tape anonymise walk.tape -o sent.tape");
     const std::string sent = Read("sent.tape");
     EXPECT_EQ(sent.size(), Read("walk.tape").size());
     ASSERT_NE(Read("walk.tape").find("Knee"), std::string::npos);
-    for (const char* name : {"Knee", "Record walk", "walk.scene", "walk_", CORE_FOLDER})
+    const std::string plugin("walk\0\0\0\0", 8);  // as a text of a tree
+    for (const std::string& name :
+         {std::string("Knee"), std::string("Record walk"), plugin, std::string(CORE_FOLDER)})
         EXPECT_EQ(sent.find(name), std::string::npos) << name;
     const Json info = Ask("tape info walk.tape");
     const Json other = Ask("tape info sent.tape");

@@ -448,7 +448,8 @@ TEST(Proxies, TellWhatIsUsedAfterItsEnd) {
     Said said;
     World world({.recorder = &recorded.recorder});
     Scene scene{world, said};
-    CoreNode& knee = scene.Helper("Knee");
+    CoreNode& top = scene.Helper("Top");
+    CoreNode& knee = scene.Helper("Knee", &top);
     void (*const ends[])(CoreNode&, CoreNode&) = {
         [](CoreNode& node, CoreNode&) { node.Destroy(); },
         [](CoreNode& node, CoreNode&) { node.Delete(true); },
@@ -472,9 +473,11 @@ TEST(Proxies, TellWhatIsUsedAfterItsEnd) {
         hip.Delete(true);
         hip.Destroy();
         EXPECT_EQ(recorded.form.Calls(), calls + 12);
+        EXPECT_EQ(top.GetChildCount(), 1);
     }
     EXPECT_EQ(recorded.form.TakeFaults(), std::vector<std::string>());
-    knee.Destroy();
+    for (CoreNode* const node : {&knee, &top})
+        node->Destroy();
 }
 
 }  // namespace

@@ -301,14 +301,24 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
         adaptor_.EndUndoGroup();
         adaptor_.PerformUndo();
 
-        // A snapshot over a flush, nodes that go in the group that made them, one that is scaled.
+        // A snapshot over a flush, nodes that go in the group that made them, or twice
+        // in two; the ends of a colour, a node that is scaled.
         TVL::CSnapshot* const kept = root.AcquireSnapshot(0.25);
         adaptor_.BeginUndoGroup("Allowed");
         Spare(this).Destroy();
         Spare(this).Delete(true);
         adaptor_.EndUndoGroup();
+        CoreNode& spare = Spare(this);
+        for (const char* const step : {"Delete", "Delete again"}) {
+            adaptor_.BeginUndoGroup(step);
+            spare.Delete(true);
+            adaptor_.EndUndoGroup();
+        }
         adaptor_.FlushUndoBuffer();
         root.ReleaseSnapshot(kept);
+        TVL::CSnapshot_Helper* const look = root.AcquireHelperSnapshot();
+        look->SetColor(0, 1, 0.5F);
+        root.ReleaseHelperSnapshot(look);
         Place(root, 0, 0, 7);
         Place(root, 0, 0, 1 / 7.0);
 
