@@ -1,6 +1,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
+#include <iterator>
+#include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -8,6 +10,7 @@
 
 #include "command/core_stage.h"
 #include "command/exit_status.h"
+#include "command/tape_print.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
 #include "player/recovery/recover.h"
@@ -155,11 +158,18 @@ void RunRecover(RecoverArguments& arguments) {
     player::RecoveryChoice& choice = arguments.choice;
     KeepApart({{"TAPE", arguments.tape}, {"--into", choice.scene}}, {{kOutput, arguments.output}});
     ExpectFile(arguments.output);
-    if (arguments.session) choice.session = static_cast<std::size_t>(*arguments.session);
-    if (arguments.after) choice.after = static_cast<std::uint64_t>(*arguments.after);
     if (arguments.takesOpen) choice.openGroups = player::OpenGroups::kTaken;
     const recorder::TapeContents tape =
         OrRefuse([&] { return recorder::ReadTape(arguments.tape); });
+    const auto take = [](const char* option, const std::optional<int>& said, Range range,
+                         auto& to) {
+        if (!said) return;
+        CheckRange(option, *said, range);
+        to = static_cast<std::uint64_t>(*said);
+    };
+    take("--session", arguments.session, {1, static_cast<int>(tape.sessions.size())},
+         choice.session);
+    take("--after", arguments.after, {0, std::numeric_limits<int>::max()}, choice.after);
     std::optional<player::Recovery> recovery;
     OrRefuse([&] { recovery.emplace(tape, choice); });
     GuestChoice guests;
@@ -174,8 +184,7 @@ void RunRecover(RecoverArguments& arguments) {
     if (result.report.IsEmpty()) throw NothingLacks(tape, result.report);
     stage.Save(arguments.output);
     result.news = stage.TakeNewsInOne();
-    for (const std::string& damage : tape.damages)
-        result.news.complaints.push_back(damage);
+    std::ranges::copy(DamagesOf(tape), std::back_inserter(result.news.complaints));
     Print(std::cout, result, arguments.audience);
 }
 

@@ -4,6 +4,7 @@
 #include <iostream>
 #include <limits>
 #include <memory>
+#include <sstream>
 
 #include "command/exit_status.h"
 #include "command/output.h"
@@ -12,6 +13,7 @@
 #include "command/verbs.h"
 #include "command/written_files.h"
 #include "command/wrong_words.h"
+#include "platform/narrow_path.h"
 #include "platform/whole_file.h"
 #include "recorder/stream/notes.h"
 #include "recorder/tape/anonymise.h"
@@ -25,10 +27,6 @@ using Json = nlohmann::ordered_json;
 using recorder::SessionSummary;
 using recorder::TapeContents;
 using recorder::TapeSession;
-
-TapeContents Read(const std::string& tape, int status = kFailed) {
-    return OrRefuse([&] { return recorder::ReadTape(tape); }, status);
-}
 
 // info
 
@@ -219,7 +217,7 @@ std::size_t PrintRecords(std::ostream& out, const TapeSession& session,
 
 void RunPrint(const PrintArguments& arguments) {
     CheckOperations(arguments.operations);
-    const TapeContents tape = Read(arguments.tape);
+    const TapeContents tape = ReadTapeOrRefuse(arguments.tape);
     const auto sessions = static_cast<int>(tape.sessions.size());
     std::size_t printed = 0;
     if (arguments.session) CheckRange("--session", *arguments.session, {1, sessions});
@@ -263,44 +261,78 @@ void AddPrint(CLI::App& app) {
 
 // diff
 
+// Where two first differ: the session, from 1 on, or 0 if they tell the same, and what each has
+// there.
 struct TapeComparison {
-    TapeContents first;
-    TapeContents second;
-    std::optional<recorder::TapeDifference> difference;
+    std::string paths[2];
+    std::size_t session = 0;
+    std::string lines[2];
 };
 
+enum class Words { kFew, kAll };
+
 // What stands at a place of a tape; an answer is told with its call.
-std::string LineAt(const TapeContents& tape, std::size_t session, std::size_t place) {
+std::string LineAt(const TapeContents& tape, std::size_t session, std::size_t place, Words words) {
     if (session >= tape.sessions.size()) return "there is no such session";
     const std::vector<recorder::Record>& records = tape.sessions[session].records;
     if (place == records.size()) return "there is nothing more";
     SessionTeller teller(tape.sessions[session]);
-    const std::uint64_t call = records[place].head.call;
-    while (place > 0 && records[place].head.kind != recorder::RecordKind::kCall &&
-           records[place - 1].head.call >= call)
-        --place;
+    const auto call = std::ranges::find_if(
+        records.begin(), records.begin() + static_cast<std::ptrdiff_t>(place),
+        [&](const recorder::Record& record) {
+            return records[place].IsEnd() && record.head.kind == recorder::RecordKind::kCall &&
+                   record.head.call == records[place].head.call;
+        });
+    place = static_cast<std::size_t>(call - records.begin());
     teller.GoTo(place);
-    const std::string line = teller.Line(place);
-    return line.empty() ? teller.JsonOf(place).dump() : line;
+    const std::string told = words == Words::kFew ? teller.Line(place) : "";
+    if (!told.empty()) return told.substr(told.find_first_not_of(' '));
+    if (records[place].IsEnd())
+        return "the end of " + std::string(recorder::RowOf(records[place].head.operation).name) +
+               ", whose beginning is not there";
+    Json object = teller.JsonOf(place);
+    object.erase("seconds");  // do not count
+    std::ostringstream line;
+    PrintJsonLine(line, std::move(object));
+    return LinesOf(line.str()).front();
+}
+
+// Behind the time.
+std::string_view WithoutTime(std::string_view line) {
+    return line.substr(std::min(line.find("  "), line.size()));
+}
+
+// In few words two can look alike.
+TapeComparison Compare(const std::string& first, const std::string& second) {
+    const TapeContents one = ReadTapeOrRefuse(first, kNotCompared);
+    const TapeContents other = ReadTapeOrRefuse(second, kNotCompared);
+    TapeComparison comparison{.paths = {first, second}, .lines = {}};
+    const auto difference = recorder::CompareTapes(one, other);
+    if (!difference) return comparison;
+    comparison.session = difference->session + 1;
+    auto& [line, otherLine] = comparison.lines;
+    for (const Words words : {Words::kFew, Words::kAll}) {
+        line = LineAt(one, difference->session, difference->first, words);
+        otherLine = LineAt(other, difference->session, difference->second, words);
+        if (WithoutTime(line) != WithoutTime(otherLine)) break;
+    }
+    Shorten(line, otherLine);
+    return comparison;
 }
 
 void PrintForPerson(std::ostream& out, const TapeComparison& comparison) {
-    if (!comparison.difference) return;
-    const auto& [session, first, second] = *comparison.difference;
-    out << "Session " << session + 1 << ":\n"
-        << InTable(comparison.first.path) << ": " << LineAt(comparison.first, session, first)
-        << '\n'
-        << InTable(comparison.second.path) << ": " << LineAt(comparison.second, session, second)
-        << '\n';
+    if (comparison.session == 0) return;
+    out << "Session " << comparison.session << ":\n";
+    for (const int which : {0, 1})
+        out << InTable(comparison.paths[which]) << ": " << comparison.lines[which] << '\n';
 }
 
 void PrintForProgram(std::ostream& out, const TapeComparison& comparison) {
-    Json object = {{"equal", !comparison.difference}};
-    if (comparison.difference) {
-        const auto& [session, first, second] = *comparison.difference;
-        object["session"] = session + 1;
-        object["first"] = LineAt(comparison.first, session, first);
-        object["second"] = LineAt(comparison.second, session, second);
+    Json object = {{"equal", comparison.session == 0}};
+    if (comparison.session != 0) {
+        object["session"] = comparison.session;
+        object["first"] = comparison.lines[0];
+        object["second"] = comparison.lines[1];
     }
     PrintJson(out, object);
 }
@@ -322,13 +354,10 @@ void AddDiff(CLI::App& app) {
     AddAudience(*verb, arguments->audience);
     AddExample(*verb, "tape diff walk.tape again.tape");
     verb->callback([arguments] {
-        TapeComparison comparison{.first = Read(arguments->first, kNotCompared),
-                                  .second = Read(arguments->second, kNotCompared),
-                                  .difference = {}};
-        comparison.difference = recorder::CompareTapes(comparison.first, comparison.second);
+        const TapeComparison comparison = Compare(arguments->first, arguments->second);
         Print(std::cout, comparison, arguments->audience);
         if (!std::cout.flush()) throw Failure(kOutputLost, kNotCompared);
-        if (comparison.difference) throw Ended{kDifferent};
+        if (comparison.session != 0) throw Ended{kDifferent};
     });
 }
 

@@ -101,10 +101,6 @@ std::string CommandFor(const std::string& tape, const UnsavedWork& work, const s
 
 Recovery::Recovery(const recorder::TapeContents& tape, RecoveryChoice choice)
     : tape_(tape), choice_(std::move(choice)) {
-    if (choice_.session && (*choice_.session < 1 || *choice_.session > tape_.sessions.size()))
-        throw std::runtime_error(tape_.path + ": there is no session " +
-                                 std::to_string(*choice_.session) + " on this tape, which has " +
-                                 std::to_string(tape_.sessions.size()));
     for (const recorder::TapeSession& session : tape_.sessions)
         checkpoints_.push_back(CheckpointsOf(session));
     if (!choice_.scene.empty()) {

@@ -49,8 +49,9 @@ TEST_F(Recover, BringsBackWhatNoSceneWasSavedWith_AndLeavesWhatThereIs) {
                       .find(moment),
                   std::string::npos);
     ExpectRefusal("recover ball.tape --into ball.scene -o ball.scene", "--output: ball.scene", 2);
-    ExpectRefusal("recover ball.tape --session 2 -o no.scene", "ball.tape: there is no session 2",
-                  1);
+    ExpectRefusal("recover ball.tape --session 2 -o no.scene", "--session: 2 is not from 1 to 1",
+                  2);
+    ExpectRefusal("recover ball.tape --after -5 -o no.scene", "--after: -5 is not from 0", 2);
     ExpectRefusal("recover ball.tape --after 999999 -o no.scene", "ball.tape: there is no call", 1);
 
     // What is told can be typed as it stands, also where the tape has been gone on with.

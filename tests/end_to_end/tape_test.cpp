@@ -77,6 +77,16 @@ TEST_F(TapeVerbs, TellWhereTwoDiffer) {
     EXPECT_EQ(longer.status, 1);
     EXPECT_NE(longer.out.find("\nlonger.tape: "), std::string::npos) << longer.out;
     ExpectRefusal("tape diff walk.tape walk.bvh", "walk.bvh: it is no tape", 2);
+
+    // What is damaged is told wherever the tape is read, and accuses nobody.
+    std::string hurt = Read("walk.tape");
+    hurt[hurt.find("Record walk")] ^= 1;
+    Write("hurt.tape", hurt);
+    const Ending damaged = Run("tape diff walk.tape hurt.tape");
+    EXPECT_NE(damaged.out.find("\nhurt.tape: the end of BeginUndoGroup"), std::string::npos)
+        << damaged.out;
+    EXPECT_TRUE(damaged.error.starts_with("Complaint: hurt.tape: at byte ")) << damaged.error;
+    EXPECT_EQ(Run("tape replay hurt.tape").status, 2);
 }
 
 TEST_F(TapeVerbs, HoldCallsAgainstTheContractAfterwards) {
@@ -116,7 +126,8 @@ TEST_F(TapeVerbs, LeaveNoNameOnATapeThatIsSentAway) {
     for (const char* kept : {"calls", "undoGroups", "isWhole", "isClosed", "moment", "platform"})
         EXPECT_EQ(info["sessions"][0][kept], other["sessions"][0][kept]) << kept;
     EXPECT_EQ(other["damages"], Json::array());
-    EXPECT_EQ(Run("tape diff walk.tape sent.tape").status, 1);
+    const Json apart = Json::parse(Run("tape diff walk.tape sent.tape --json").out);
+    EXPECT_NE(apart["first"], apart["second"]);
     EXPECT_EQ(Run("tape print sent.tape --node Knee").status, 1);
     Do("run --core \"" + std::string(HELLO_CORE) +
        "\" --tape ball.tape --do \"press 1046\" --do \"expect nodes 1\" --do \"time 1\"");

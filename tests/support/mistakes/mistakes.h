@@ -72,7 +72,7 @@ inline constexpr Mistake kMistakes[] = {
     {"calls from a thread", "other-thread"},
     {"calls after detach", "call-after-detach", "loads"},
     {"throws out of ShowCore", "exception-out"},
-    {"does what is allowed", ""},
+    {"does what is allowed", "", "another-process"},
 };
 
 }  // namespace mistakes
