@@ -60,8 +60,7 @@ bool IsGivenState(const recorder::TapeSession& session) {
     return false;
 }
 
-}  // namespace
-
+// Whether a session was in the same host as the one before it, whose Core had left.
 bool IsContinued(const recorder::TapeContents& tape, std::size_t session) {
     if (session == 0 || session >= tape.sessions.size()) return false;
     const recorder::TapeSession& before = tape.sessions[session - 1];
@@ -71,6 +70,8 @@ bool IsContinued(const recorder::TapeContents& tape, std::size_t session) {
     if (endsInStep) return true;
     return LeavesState(before) && IsGivenState(tape.sessions[session]);
 }
+
+}  // namespace
 
 Replay::Replay(const recorder::TapeContents& tape, std::size_t first, ReplayScenes& scenes)
     : tape_(tape), scenes_(scenes), first_(first), end_(first + 1) {

@@ -85,7 +85,4 @@ class Replay final : public headless::CoreBetween {
     std::size_t steps_ = 0;
 };
 
-// Whether a session was in the same host as the one before it, whose Core had left.
-bool IsContinued(const recorder::TapeContents& tape, std::size_t session);
-
 }  // namespace player
