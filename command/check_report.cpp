@@ -111,12 +111,11 @@ void PrintForProgram(std::ostream& out, const CheckReport& report) {
                     {"checks", checks}});
 }
 
-void WriteJunit(const CheckReport& report, const std::string& path) {
-    CoreFile file(path);
+void WriteJunit(const CheckReport& report, CoreFile& file) {
     std::ofstream out(platform::FromNarrow(file.Path()), std::ios::binary);
     WriteSuite(out, report);
     out.close();
-    if (!out) throw Failure(path + ": " + kOutputLost);
+    if (!out) throw Failure(file.Named(file.Path()) + ": " + kOutputLost);
     file.Keep();
 }
 

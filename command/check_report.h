@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "command/checks/checks.h"
+#include "command/written_files.h"
 
 namespace headless {
 
@@ -24,6 +25,6 @@ void PrintForPerson(std::ostream& out, const CheckReport& report);
 void PrintForProgram(std::ostream& out, const CheckReport& report);
 
 // In the form of JUnit, which servers that build and test read; whole or not at all.
-void WriteJunit(const CheckReport& report, const std::string& path);
+void WriteJunit(const CheckReport& report, CoreFile& file);
 
 }  // namespace headless

@@ -24,7 +24,7 @@ constexpr int kLives = 3;  // of a random check, from seeds that follow each oth
 
 struct CheckArguments {
     CheckOptions options;
-    int strictness = kStrictest;
+    std::optional<int> strictness;
     std::string only;
     std::optional<int> seed;
     std::optional<int> reproduced;
@@ -66,7 +66,7 @@ void NeedRandomChecks(int strictness) {
 // Whatever is made tells of itself at once. The first check shows whether there is a Core at all.
 void MakeAll(const CheckArguments& arguments, const CheckOptions& options, CheckReport& report) {
     for (const Check& check : Checks()) {
-        if (check.level > arguments.strictness) continue;
+        if (check.level > arguments.strictness.value_or(kStrictest)) continue;
         if (arguments.reproduced && !check.isRandom) continue;
         CheckOptions own = options;
         const bool isOnce = !check.isRandom || arguments.reproduced;
@@ -80,16 +80,17 @@ void MakeAll(const CheckArguments& arguments, const CheckOptions& options, Check
 }
 
 void RunChecks(const CheckArguments& arguments) {
-    CheckRange("--strictness", arguments.strictness, kStrictness);
+    const int strictness = arguments.strictness.value_or(kStrictest);
+    CheckRange("--strictness", strictness, kStrictness);
     CheckOptions options = arguments.options;
     options.seed = SeedOf(arguments);
     const bool isPassing = options.folder.empty();
     if (!arguments.only.empty()) TheCheck(arguments.only);
-    if (arguments.reproduced) NeedRandomChecks(arguments.strictness);
-    if (isPassing)
-        options.folder = NewFolderForPassing("lumiset-checks");
-    else
-        MakeFolder(options.folder);
+    if (arguments.reproduced) NeedRandomChecks(strictness);
+    if (!isPassing) MakeFolder(options.folder);
+    std::optional<CoreFile> junit;
+    if (!arguments.junit.empty()) junit.emplace(arguments.junit);
+    if (isPassing) options.folder = NewFolderForPassing("lumiset-checks");
     CheckReport report{.core = options.guests.core, .outcomes = {}};
     if (arguments.only.empty()) {
         MakeAll(arguments, options, report);
@@ -99,7 +100,7 @@ void RunChecks(const CheckArguments& arguments) {
     }
     std::error_code isInUse;
     if (isPassing) fs::remove(platform::FromNarrow(options.folder), isInUse);
-    if (!arguments.junit.empty()) WriteJunit(report, arguments.junit);
+    if (junit) WriteJunit(report, *junit);
     if (arguments.only.empty() || arguments.audience == Audience::kProgram)
         Print(std::cout, report, arguments.audience);
     if (report.Count(Verdict::kFaulty) > 0) throw Ended{kFailed};
@@ -133,10 +134,9 @@ void AddCheckVerb(CLI::App& app) {
                 "process of its own, with the watch; one that fails leaves a tape and the command "
                 "that makes it alone.");
     AddFile(*verb, "CORE", options.guests.core, "The library that is the Core")->required();
-    verb->add_option("--strictness", arguments->strictness,
-                     "How much is asked, " + Told(kStrictness))
-        ->type_name("NUMBER")
-        ->capture_default_str();
+    AddWholeNumber(*verb, "--strictness", arguments->strictness,
+                   "How much is asked, " + Told(kStrictness))
+        ->default_str(std::to_string(kStrictest));
     AddName(*verb, "--only", arguments->only,
             "Make this check alone, in this process, for a debugger to look on");
     AddSeeds(*verb, *arguments);

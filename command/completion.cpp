@@ -15,9 +15,11 @@ _lumiset_headless() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
     local families='FAMILIES'
     local verb= place options= files= valued= chosen= choices= words= takes_files=
+    local sign= switched= states=
     if [[ $word == = ]]; then
-        word=
+        word= sign=1
     elif [[ $before == = ]]; then
+        sign=1
         before=${COMP_WORDS[COMP_CWORD - 2]}
     fi
     for ((place = 1; place < COMP_CWORD; ++place)); do
@@ -30,7 +32,9 @@ _lumiset_headless() {
 )";
 
 constexpr char kTail[] = R"(    esac
-    if [[ " $chosen " == *" $before "* ]]; then
+    if [[ $sign && " $switched " == *" $before "* ]]; then
+        words=$states takes_files=
+    elif [[ " $chosen " == *" $before "* ]]; then
         words=$choices takes_files=
     elif [[ " $files " == *" $before "* ]]; then
         words= takes_files=1
@@ -72,8 +76,14 @@ void PrintCase(std::ostream& out, const VerbText& verb, const std::string& patte
     std::string files;
     std::string valued;
     std::string chosen;
+    std::string switched;
+    std::string states;
     for (const WordText& option : verb.options) {
         Append(options, option.names);
+        if (!option.state.empty()) {
+            Append(switched, option.names);
+            Append(states, {option.state});
+        }
         if (option.isFile)
             Append(files, option.names);
         else if (option.value == kStepValue)
@@ -90,6 +100,8 @@ void PrintCase(std::ostream& out, const VerbText& verb, const std::string& patte
         << "            valued='" << valued << "'\n"
         << (chosen.empty() ? ""
                            : "            chosen='" + chosen + "' choices='" + StepNames() + "'\n")
+        << (switched.empty() ? ""
+                             : "            switched='" + switched + "' states='" + states + "'\n")
         << "            words='" << words << "' takes_files=" << (takesFiles ? "1" : "") << '\n'
         << "            ;;\n";
 }
@@ -112,16 +124,28 @@ void PrintHead(std::ostream& out, const std::string& families) {
 
 void PrintCompletion(std::ostream& out, const CLI::App& program) {
     std::vector<const CLI::App*> families;
+    std::vector<const CLI::App*> askers;  // verbs that take the name of one
     std::string names;
     for (const CLI::App* verb : program.get_subcommands({})) {
+        const std::vector<WordText> arguments = TextOf(*verb).arguments;
+        if (!arguments.empty() && arguments.front().value == kVerbValue) askers.push_back(verb);
         if (!IsFamily(*verb)) continue;
         families.push_back(verb);
         Append(names, {verb->get_name()});
     }
+    for (const CLI::App* asker : askers) {
+        Append(names, {asker->get_name()});
+        for (const CLI::App* family : families)
+            Append(names, {asker->get_name() + ' ' + family->get_name()});
+    }
     PrintHead(out, names);
     PrintCase(out, TextOf(program), "''", NextWords(program));
-    for (const CLI::App* family : families)
+    for (const CLI::App* family : families) {
         PrintCase(out, TextOf(*family), family->get_name(), NextWords(*family));
+        for (const CLI::App* asker : askers)
+            PrintCase(out, TextOf(*asker), '\'' + NameOf(*asker) + ' ' + family->get_name() + '\'',
+                      NextWords(*family));
+    }
     for (const VerbText& verb : TextsOfVerbs(program)) {
         const bool takesVerb =
             !verb.arguments.empty() && verb.arguments.front().value == kVerbValue;

@@ -36,7 +36,7 @@ double MetresBetween(const CorePlace& a, const CorePlace& b) {
 
 TimeValue NearestTime(double ticks) {
     constexpr double kMost = std::numeric_limits<TimeValue>::max();
-    return static_cast<TimeValue>(std::clamp(ticks, -kMost, kMost));
+    return static_cast<TimeValue>(std::clamp(std::round(ticks), -kMost, kMost));
 }
 
 TimeValue AtSeconds(double seconds) {

@@ -20,7 +20,8 @@ CorePlace InCore(const PositionView& place);
 
 double MetresBetween(const CorePlace& a, const CorePlace& b);
 
-// Ticks, towards zero; what the host cannot count becomes the nearest that it can.
+// The nearest ticks, since a time that the host tells can be a hair below its own; what the host
+// cannot count becomes the nearest that it can.
 TimeValue NearestTime(double ticks);
 TimeValue AtSeconds(double seconds);
 

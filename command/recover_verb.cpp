@@ -1,6 +1,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
+#include <iterator>
+#include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -8,6 +10,7 @@
 
 #include "command/core_stage.h"
 #include "command/exit_status.h"
+#include "command/tape_print.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
 #include "player/recovery/recover.h"
@@ -89,6 +92,9 @@ void PrintForPerson(std::ostream& out, const RecoverResult& result) {
         out << "Not brought back: " << InTable(line) << '\n';
     if (report.hasLaterState) out << "The Core's state is the last one on the tape\n";
     PrintNames(out, "Plain nodes, since no state of the Core's names them: ", report.plainNodes);
+    for (const player::UnsavedWork& other : report.others)
+        out << "Session " << other.session << " holds unsaved work, too; if this scene lacks that: "
+            << player::CommandFor(result.tape, other, result.saved) << '\n';
     PrintEach(out, kMessageBox, result.news.boxes);
     PrintEach(out, kComplaint, result.news.complaints);
     TellSaved(out);
@@ -111,6 +117,14 @@ nlohmann::ordered_json ToJson(const std::vector<player::RecoveredWork>& list) {
     return array;
 }
 
+nlohmann::ordered_json ToJson(const RecoverResult& result) {
+    auto array = nlohmann::ordered_json::array();
+    for (const player::UnsavedWork& other : result.report.others)
+        array.push_back({{"session", other.session},
+                         {"command", player::CommandFor(result.tape, other, result.saved)}});
+    return array;
+}
+
 void PrintForProgram(std::ostream& out, const RecoverResult& result) {
     const player::RecoveryReport& report = result.report;
     PrintJson(out, {{"tape", result.tape},
@@ -123,6 +137,7 @@ void PrintForProgram(std::ostream& out, const RecoverResult& result) {
                     {"lost", report.lost},
                     {"laterState", report.hasLaterState},
                     {"plainNodes", report.plainNodes},
+                    {"others", ToJson(result)},
                     {"boxes", result.news.boxes},
                     {"complaints", result.news.complaints},
                     {"saved", result.saved}});
@@ -143,11 +158,18 @@ void RunRecover(RecoverArguments& arguments) {
     player::RecoveryChoice& choice = arguments.choice;
     KeepApart({{"TAPE", arguments.tape}, {"--into", choice.scene}}, {{kOutput, arguments.output}});
     ExpectFile(arguments.output);
-    if (arguments.session) choice.session = static_cast<std::size_t>(*arguments.session);
-    if (arguments.after) choice.after = static_cast<std::uint64_t>(*arguments.after);
     if (arguments.takesOpen) choice.openGroups = player::OpenGroups::kTaken;
     const recorder::TapeContents tape =
         OrRefuse([&] { return recorder::ReadTape(arguments.tape); });
+    const auto take = [](const char* option, const std::optional<int>& said, Range range,
+                         auto& to) {
+        if (!said) return;
+        CheckRange(option, *said, range);
+        to = static_cast<std::uint64_t>(*said);
+    };
+    take("--session", arguments.session, {1, static_cast<int>(tape.sessions.size())},
+         choice.session);
+    take("--after", arguments.after, {0, std::numeric_limits<int>::max()}, choice.after);
     std::optional<player::Recovery> recovery;
     OrRefuse([&] { recovery.emplace(tape, choice); });
     GuestChoice guests;
@@ -162,8 +184,7 @@ void RunRecover(RecoverArguments& arguments) {
     if (result.report.IsEmpty()) throw NothingLacks(tape, result.report);
     stage.Save(arguments.output);
     result.news = stage.TakeNewsInOne();
-    for (const std::string& damage : tape.damages)
-        result.news.complaints.push_back(damage);
+    std::ranges::copy(DamagesOf(tape), std::back_inserter(result.news.complaints));
     Print(std::cout, result, arguments.audience);
 }
 

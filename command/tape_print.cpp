@@ -1,6 +1,8 @@
 #include "command/tape_print.h"
 
+#include <algorithm>
 #include <iomanip>
+#include <iostream>
 #include <sstream>
 
 #include "command/output.h"
@@ -60,6 +62,32 @@ Json FactsJson(const recorder::Record& record, const recorder::ObjectNames& name
 }
 
 }  // namespace
+
+recorder::TapeContents ReadTapeOrRefuse(const std::string& tape, int status) {
+    auto contents = OrRefuse([&] { return recorder::ReadTape(tape); }, status);
+    PrintEach(std::cerr, kComplaint, DamagesOf(contents));
+    return contents;
+}
+
+std::vector<std::string> DamagesOf(const recorder::TapeContents& tape) {
+    std::vector<std::string> lines;
+    for (const std::string& damage : tape.damages)
+        lines.push_back(tape.path + ": " + damage);
+    return lines;
+}
+
+void Shorten(std::string& one, std::string& other) {
+    constexpr std::size_t kBefore = 40;
+    constexpr std::size_t kMost = 200;
+    const auto parted = std::ranges::mismatch(one, other);
+    const auto place = static_cast<std::size_t>(parted.in1 - one.begin());
+    for (std::string* const text : {&one, &other}) {
+        if (text->size() <= kMost) continue;
+        const std::size_t begin = place > kBefore ? place - kBefore : 0;
+        const bool isCut = begin + kMost < text->size();
+        *text = (begin > 0 ? "..." : "") + text->substr(begin, kMost) + (isCut ? "..." : "");
+    }
+}
 
 // Backwards first, so that what an answer gives has its name from the beginning.
 SessionTeller::SessionTeller(const recorder::TapeSession& session) : session_(session) {

@@ -4,11 +4,19 @@
 #include <string>
 #include <unordered_map>
 
+#include "command/exit_status.h"
 #include "recorder/tape/object_names.h"
 #include "recorder/tape/read_tape.h"
 
 // How what a tape holds is told.
 namespace headless {
+
+// A tape, or a refusal with that status. What was passed over on it is told as complaints.
+recorder::TapeContents ReadTapeOrRefuse(const std::string& tape, int status = kFailed);
+std::vector<std::string> DamagesOf(const recorder::TapeContents& tape);  // each with the file
+
+// Of two long texts what is around the place where they part.
+void Shorten(std::string& one, std::string& other);
 
 // Tells the records of a session, in their order. A call is told together with how it ended.
 class SessionTeller {

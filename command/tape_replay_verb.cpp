@@ -81,7 +81,7 @@ class Performance {
                     Do(*step);
                 } while (replay_.WasDone());
             } catch (const Failure& failure) {
-                replay_.Failed(failure.what());
+                replay_.Failed(failure.what(), failure.Status() != kWrongUsage);
             }
             LookAt();
         }
@@ -127,7 +127,7 @@ class Performance {
 };
 
 recorder::TapeContents Read(const ReplayArguments& arguments) {
-    auto tape = OrRefuse([&] { return recorder::ReadTape(arguments.tape); }, kNotCompared);
+    recorder::TapeContents tape = ReadTapeOrRefuse(arguments.tape, kNotCompared);
     const int last = static_cast<int>(tape.sessions.size());
     if (arguments.session) CheckRange("--session", *arguments.session, {1, last});
     return tape;
@@ -147,20 +147,6 @@ std::string ToldText(const player::Told& told, const recorder::ObjectNames& name
     if (told.kind == recorder::RecordKind::kCall) return "the call " + name + '(' + text + ')';
     if (told.kind == recorder::RecordKind::kThrown) return "thrown: " + text;
     return text.empty() ? "the answer of " + name : text;
-}
-
-// Of long texts what is around the place where they part.
-void Shorten(std::string& one, std::string& other) {
-    constexpr std::size_t kBefore = 40;
-    constexpr std::size_t kMost = 200;
-    const auto parted = std::ranges::mismatch(one, other);
-    const auto place = static_cast<std::size_t>(parted.in1 - one.begin());
-    for (std::string* const text : {&one, &other}) {
-        if (text->size() <= kMost) continue;
-        const std::size_t begin = place > kBefore ? place - kBefore : 0;
-        const bool isCut = begin + kMost < text->size();
-        *text = (begin > 0 ? "..." : "") + text->substr(begin, kMost) + (isCut ? "..." : "");
-    }
 }
 
 void Tell(ReplayResult& result, const recorder::TapeSession& session) {

@@ -4,6 +4,7 @@
 #include <iostream>
 #include <limits>
 #include <memory>
+#include <sstream>
 
 #include "command/exit_status.h"
 #include "command/output.h"
@@ -12,6 +13,7 @@
 #include "command/verbs.h"
 #include "command/written_files.h"
 #include "command/wrong_words.h"
+#include "platform/narrow_path.h"
 #include "platform/whole_file.h"
 #include "recorder/stream/notes.h"
 #include "recorder/tape/anonymise.h"
@@ -25,10 +27,6 @@ using Json = nlohmann::ordered_json;
 using recorder::SessionSummary;
 using recorder::TapeContents;
 using recorder::TapeSession;
-
-TapeContents Read(const std::string& tape, int status = kFailed) {
-    return OrRefuse([&] { return recorder::ReadTape(tape); }, status);
-}
 
 // info
 
@@ -90,6 +88,8 @@ void PrintForPerson(std::ostream& out, const TapeInfo& info) {
         PrintSession(out, info.tape.sessions[i], info.sessions[i]);
     }
     PrintEach(out, "Damage: ", info.tape.damages);
+    if (info.sessions.empty() && info.tape.damages.empty())
+        out << "Nothing has been recorded to it; --tape goes on with it\n";
 }
 
 Json JsonOf(const TapeSession& session, const SessionSummary& summary) {
@@ -140,7 +140,10 @@ void AddInfo(CLI::App& app) {
     AddAudience(*verb, arguments->audience);
     AddExample(*verb, "tape info walk.tape");
     verb->callback([arguments] {
-        TapeInfo info{.tape = Read(arguments->tape), .sessions = {}};
+        TapeInfo info{.tape = OrRefuse([&] {
+                          return recorder::ReadTape(arguments->tape, recorder::MayBeBlank::kYes);
+                      }),
+                      .sessions = {}};
         for (const TapeSession& session : info.tape.sessions)
             info.sessions.push_back(recorder::Summarise(session));
         Print(std::cout, info, arguments->audience);
@@ -149,14 +152,20 @@ void AddInfo(CLI::App& app) {
 
 // print
 
+constexpr double kAnyTime = std::numeric_limits<float>::max();
+
 struct PrintArguments {
     std::string tape;
     std::vector<std::string> nodes;
     std::vector<std::string> operations;
     double from = 0;
-    double to = std::numeric_limits<float>::max();
+    double to = kAnyTime;
     std::optional<int> session;
     Audience audience = Audience::kPerson;
+
+    bool IsChoosing() const {
+        return !nodes.empty() || !operations.empty() || from > 0 || to < kAnyTime;
+    }
 };
 
 void CheckOperations(const std::vector<std::string>& names) {
@@ -184,24 +193,33 @@ bool IsWanted(const PrintArguments& arguments, const SessionTeller& teller,
            });
 }
 
-void PrintRecords(std::ostream& out, const TapeSession& session, const PrintArguments& arguments) {
+// Gives how many.
+std::size_t PrintRecords(std::ostream& out, const TapeSession& session,
+                         const PrintArguments& arguments) {
+    std::size_t printed = 0;
     SessionTeller teller(session);
     for (std::size_t place = 0; place < session.records.size(); ++place) {
         teller.GoTo(place);
         if (!IsWanted(arguments, teller, session.records[place], place)) continue;
         if (arguments.audience == Audience::kProgram) {
             const Json object = teller.JsonOf(place);
-            if (!object.is_null()) PrintJsonLine(out, object);
-        } else if (const std::string line = teller.Line(place); !line.empty()) {
+            if (object.is_null()) continue;
+            PrintJsonLine(out, object);
+        } else {
+            const std::string line = teller.Line(place);
+            if (line.empty()) continue;
             out << line << '\n';
         }
+        ++printed;
     }
+    return printed;
 }
 
 void RunPrint(const PrintArguments& arguments) {
     CheckOperations(arguments.operations);
-    const TapeContents tape = Read(arguments.tape);
+    const TapeContents tape = ReadTapeOrRefuse(arguments.tape);
     const auto sessions = static_cast<int>(tape.sessions.size());
+    std::size_t printed = 0;
     if (arguments.session) CheckRange("--session", *arguments.session, {1, sessions});
     for (int number = 1; number <= sessions; ++number) {
         if (number != arguments.session.value_or(number)) continue;
@@ -210,8 +228,10 @@ void RunPrint(const PrintArguments& arguments) {
             std::cout << "Session " << number << ": ";
             PrintSession(std::cout, session, recorder::Summarise(session));
         }
-        PrintRecords(std::cout, session, arguments);
+        printed += PrintRecords(std::cout, session, arguments);
     }
+    if (printed == 0 && arguments.IsChoosing())
+        throw Failure(arguments.tape + ": nothing on it is what was asked for");
 }
 
 void AddPrint(CLI::App& app) {
@@ -241,44 +261,78 @@ void AddPrint(CLI::App& app) {
 
 // diff
 
+// Where two first differ: the session, from 1 on, or 0 if they tell the same, and what each has
+// there.
 struct TapeComparison {
-    TapeContents first;
-    TapeContents second;
-    std::optional<recorder::TapeDifference> difference;
+    std::string paths[2];
+    std::size_t session = 0;
+    std::string lines[2];
 };
 
+enum class Words { kFew, kAll };
+
 // What stands at a place of a tape; an answer is told with its call.
-std::string LineAt(const TapeContents& tape, std::size_t session, std::size_t place) {
+std::string LineAt(const TapeContents& tape, std::size_t session, std::size_t place, Words words) {
     if (session >= tape.sessions.size()) return "there is no such session";
     const std::vector<recorder::Record>& records = tape.sessions[session].records;
     if (place == records.size()) return "there is nothing more";
     SessionTeller teller(tape.sessions[session]);
-    const std::uint64_t call = records[place].head.call;
-    while (place > 0 && records[place].head.kind != recorder::RecordKind::kCall &&
-           records[place - 1].head.call >= call)
-        --place;
+    const auto call = std::ranges::find_if(
+        records.begin(), records.begin() + static_cast<std::ptrdiff_t>(place),
+        [&](const recorder::Record& record) {
+            return records[place].IsEnd() && record.head.kind == recorder::RecordKind::kCall &&
+                   record.head.call == records[place].head.call;
+        });
+    place = static_cast<std::size_t>(call - records.begin());
     teller.GoTo(place);
-    const std::string line = teller.Line(place);
-    return line.empty() ? teller.JsonOf(place).dump() : line;
+    const std::string told = words == Words::kFew ? teller.Line(place) : "";
+    if (!told.empty()) return told.substr(told.find_first_not_of(' '));
+    if (records[place].IsEnd())
+        return "the end of " + std::string(recorder::RowOf(records[place].head.operation).name) +
+               ", whose beginning is not there";
+    Json object = teller.JsonOf(place);
+    object.erase("seconds");  // do not count
+    std::ostringstream line;
+    PrintJsonLine(line, std::move(object));
+    return LinesOf(line.str()).front();
+}
+
+// Behind the time.
+std::string_view WithoutTime(std::string_view line) {
+    return line.substr(std::min(line.find("  "), line.size()));
+}
+
+// In few words two can look alike.
+TapeComparison Compare(const std::string& first, const std::string& second) {
+    const TapeContents one = ReadTapeOrRefuse(first, kNotCompared);
+    const TapeContents other = ReadTapeOrRefuse(second, kNotCompared);
+    TapeComparison comparison{.paths = {first, second}, .lines = {}};
+    const auto difference = recorder::CompareTapes(one, other);
+    if (!difference) return comparison;
+    comparison.session = difference->session + 1;
+    auto& [line, otherLine] = comparison.lines;
+    for (const Words words : {Words::kFew, Words::kAll}) {
+        line = LineAt(one, difference->session, difference->first, words);
+        otherLine = LineAt(other, difference->session, difference->second, words);
+        if (WithoutTime(line) != WithoutTime(otherLine)) break;
+    }
+    Shorten(line, otherLine);
+    return comparison;
 }
 
 void PrintForPerson(std::ostream& out, const TapeComparison& comparison) {
-    if (!comparison.difference) return;
-    const auto& [session, first, second] = *comparison.difference;
-    out << "Session " << session + 1 << ":\n"
-        << InTable(comparison.first.path) << ": " << LineAt(comparison.first, session, first)
-        << '\n'
-        << InTable(comparison.second.path) << ": " << LineAt(comparison.second, session, second)
-        << '\n';
+    if (comparison.session == 0) return;
+    out << "Session " << comparison.session << ":\n";
+    for (const int which : {0, 1})
+        out << InTable(comparison.paths[which]) << ": " << comparison.lines[which] << '\n';
 }
 
 void PrintForProgram(std::ostream& out, const TapeComparison& comparison) {
-    Json object = {{"equal", !comparison.difference}};
-    if (comparison.difference) {
-        const auto& [session, first, second] = *comparison.difference;
-        object["session"] = session + 1;
-        object["first"] = LineAt(comparison.first, session, first);
-        object["second"] = LineAt(comparison.second, session, second);
+    Json object = {{"equal", comparison.session == 0}};
+    if (comparison.session != 0) {
+        object["session"] = comparison.session;
+        object["first"] = comparison.lines[0];
+        object["second"] = comparison.lines[1];
     }
     PrintJson(out, object);
 }
@@ -300,13 +354,10 @@ void AddDiff(CLI::App& app) {
     AddAudience(*verb, arguments->audience);
     AddExample(*verb, "tape diff walk.tape again.tape");
     verb->callback([arguments] {
-        TapeComparison comparison{.first = Read(arguments->first, kNotCompared),
-                                  .second = Read(arguments->second, kNotCompared),
-                                  .difference = {}};
-        comparison.difference = recorder::CompareTapes(comparison.first, comparison.second);
+        const TapeComparison comparison = Compare(arguments->first, arguments->second);
         Print(std::cout, comparison, arguments->audience);
         if (!std::cout.flush()) throw Failure(kOutputLost, kNotCompared);
-        if (comparison.difference) throw Ended{kDifferent};
+        if (comparison.session != 0) throw Ended{kDifferent};
     });
 }
 

@@ -7,6 +7,7 @@
 #include "command/exit_status.h"
 #include "command/output.h"
 #include "command/stage_recorder.h"
+#include "command/tape_print.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
 #include "recorder/tape/read_tape.h"
@@ -86,8 +87,7 @@ void AddTapeWatchVerb(CLI::App& app) {
     AddAudience(*verb, arguments->audience);
     AddExample(*verb, "tape watch walk.tape");
     verb->callback([arguments] {
-        const TapeFindings found =
-            WatchTape(OrRefuse([&] { return recorder::ReadTape(arguments->tape); }, kNotCompared));
+        const TapeFindings found = WatchTape(ReadTapeOrRefuse(arguments->tape, kNotCompared));
         Print(std::cout, found, arguments->audience);
         PrintEach(std::cerr, kComplaint, found.blind);
         if (!std::cout.flush()) throw Failure(kOutputLost, kNotCompared);

@@ -54,9 +54,12 @@ std::uint64_t ReadTapeLimit(const std::string& text) {
     return *bytes;
 }
 
+constexpr char kStrictly[] = "strict";
+
 // Empty, or what is wrong with what stands behind --watch, which can be nothing.
 std::string ReadWatch(const std::string& text, WatchChoice& choice) {
-    if (text != kWatchAlone && text != "strict") return '"' + text + "\" is not \"strict\"";
+    if (text != kWatchAlone && text != kStrictly)
+        return '"' + text + "\" is not \"" + kStrictly + '"';
     choice = text == kWatchAlone ? WatchChoice::kYes : WatchChoice::kStrict;
     return {};
 }
@@ -68,6 +71,7 @@ CLI::Option* AddWatch(CLI::App& verb, WatchChoice& choice) {
         .add_flag("--watch", *word,
                   "Tell which calls between plug-in and Core break their contract; with "
                   "--watch=strict one ends the command with 1")
+        ->type_name(kStrictly)
         ->check([&choice, word](const std::string& text) { return ReadWatch(text, choice); });
 }
 

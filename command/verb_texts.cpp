@@ -70,7 +70,8 @@ WordText ToldOf(const CLI::Option& option) {
             .text = SentenceOf(option),
             .names = NamesOf(option),
             .value = ValueOf(option),
-            .isFile = option.get_type_name() == kFileValue};
+            .isFile = option.get_type_name() == kFileValue,
+            .state = option.get_items_expected_max() == 0 ? option.get_type_name() : ""};
 }
 
 // An option that must be said is told by its shortest name.

@@ -38,6 +38,7 @@ struct WordText {
     std::vector<std::string> names{};  // of an option, also those that are told as old ones
     std::string value{};  // what is typed behind an option: FILE, NUMBER; empty for none
     bool isFile = false;  // the value, or the argument
+    std::string state{};  // what a switch can have behind a sign of equality
 };
 
 struct VerbText {

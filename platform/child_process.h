@@ -26,4 +26,9 @@ PLATFORM_API ChildEnding RunChild(const ChildRun& run);
 // A word as it is typed into the system's shell, behind the name of a command.
 PLATFORM_API std::string AsTyped(const std::string& word);
 
+// A file, or a folder, as a word that no program takes for an option.
+inline std::string WordOfFile(const std::string& path) {
+    return path.starts_with('-') ? "./" + path : path;
+}
+
 }  // namespace platform

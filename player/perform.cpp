@@ -231,14 +231,17 @@ bool IntersectRay(Making& making) {
 // them afterwards, of which the tape tells.
 bool Send(Making& making) {
     ValueReader& said = making.said;
-    TVL::Util::MessageNode* const sender = making.objects.FindMessageNode(said.Object());
+    const ObjectId from = said.Object();
+    TVL::Util::MessageNode* const sender = making.objects.FindMessageNode(from);
     TVL::Util::MessageNode* const target = making.objects.FindMessageNode(making.object);
-    if (!sender || !target) return false;
+    if ((from != 0 && !sender) || !target) return false;
     const std::int32_t id = said.Whole();
     const std::string text(said.Text());
     const bool isFarewell = id == TVL::Util::Message::kStopBroadcasting;
     TVL::Util::Message message(id, text, said.Whole(), isFarewell ? sender : nullptr);
-    if (id == TVL::Util::Message::kListening)
+    if (!sender)
+        target->Receive(&message, said.Truth());
+    else if (id == TVL::Util::Message::kListening)
         sender->Listen(target);
     else if (id == TVL::Util::Message::kStoppedListening)
         sender->StopListening(target);

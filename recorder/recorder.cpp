@@ -1,5 +1,6 @@
 #include "recorder/recorder.h"
 
+#include <algorithm>
 #include <chrono>
 #include <ctime>
 #include <vector>
@@ -34,7 +35,8 @@ std::string Now() {
 
 // A Core can leave, and another one come, inside a call that the adaptor or the Core has made, so a
 // boundary is there until all its calls have returned; and until the next Core comes, since the
-// adaptor lets go of a Core's objects when that has left.
+// adaptor lets go of a Core's objects when that has left. One that has not left keeps its own, also
+// if another attachment has begun, which is told from there on in its place.
 struct Recorder::State {
     // All that both sides are shown of each other in one attachment.
     struct Boundary {
@@ -46,7 +48,7 @@ struct Recorder::State {
         Nodes nodes{scribe, owners};
         MessageNet messages{scribe};
         AdaptorProxy adaptor;
-        CoreProxy core{scribe, messages};
+        CoreProxy core{scribe, messages, nodes};
     };
 
     Stream& stream;
@@ -59,7 +61,9 @@ struct Recorder::State {
         for (const auto& past : boundaries)
             past->scribe.Close();
         present = nullptr;
-        std::erase_if(boundaries, [](const auto& past) { return past->scribe.IsIdle(); });
+        std::erase_if(boundaries, [](const auto& past) {
+            return past->scribe.IsIdle() && !past->core.Behind();
+        });
         const std::string now = Now();
         present = boundaries.emplace_back(std::make_unique<Boundary>(stream, adaptor)).get();
         stream.BeginSession({now, TVL::kInterfaceVersion, kPlatform, coreName, kThisRecorder});
@@ -89,10 +93,16 @@ CoreInterface* Recorder::Attach(TVL::AdaptorInterface* adaptor, const AttachCore
 }
 
 void Recorder::Detach(CoreInterface* core, const DetachCore& detach) {
-    if (!state_->present) return detach(core);
-    State::Boundary& boundary = *state_->present;
-    const AtEnd letGo([&] { boundary.nodes.LetGo(); });
-    const auto* const proxy = static_cast<CoreProxy*>(core);
+    const auto place = std::ranges::find(
+        state_->boundaries, core, [](const auto& each) -> CoreInterface* { return &each->core; });
+    if (place == state_->boundaries.end()) return detach(core);
+    State::Boundary& boundary = **place;
+    const AtEnd letGo([&] {
+        boundary.nodes.LetGo();
+        boundary.core.StandFor(nullptr);
+    });
+    const CoreProxy* const proxy = &boundary.core;
+    boundary.nodes.TellListeners();
     boundary.scribe.Record<Operation::Routine_detach>(
         0, [&] { detach(proxy->Behind()); }, proxy);
 }

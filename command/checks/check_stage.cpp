@@ -8,22 +8,11 @@
 #include "command/exit_status.h"
 #include "command/output.h"
 #include "headless/scene_view.h"
+#include "player/replay/causes.h"
 #include "recorder/stream/notes.h"
 #include "tvl/panel.h"
 
 namespace headless {
-namespace {
-
-// Of a word of a step.
-std::string InQuotes(const std::string& text) {
-    std::string quoted = "\"";
-    for (const char c : text)
-        quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
-    return quoted + '"';
-}
-
-}  // namespace
-
 std::string CheckStage::Place::File(const std::string& what) const {
     return folder + '/' + name + '.' + what;
 }
@@ -87,7 +76,7 @@ void CheckStage::PressAndSave(const std::string& file) {
 }
 
 std::string CheckStage::Scene(const std::string& what) const {
-    return InQuotes(ScenePath(what));
+    return player::AsWord(ScenePath(what));
 }
 
 void CheckStage::Expect(bool isSo, const std::string& elseFails) {

@@ -15,6 +15,7 @@
 #include "platform/files.h"
 #include "platform/narrow_path.h"
 #include "platform/process.h"
+#include "recorder/tape/read_tape.h"
 
 // How a check is made, and what is left of it.
 namespace headless {
@@ -30,8 +31,8 @@ CheckStage::Place PlaceOf(const Check& check, const CheckOptions& options) {
 }
 
 std::vector<std::string> WordsAlone(const Check& check, const CheckOptions& options) {
-    std::vector<std::string> words = {"check-core", options.guests.core, "--only",
-                                      std::string(check.name)};
+    std::vector<std::string> words = {"check-core", platform::WordOfFile(options.guests.core),
+                                      "--only", std::string(check.name)};
     if (check.isRandom) words.insert(words.end(), {"--seed", std::to_string(options.seed)});
     return words;
 }
@@ -45,12 +46,18 @@ CheckOutcome OutcomeOf(const Check& check, const CheckOptions& options) {
     return outcome;
 }
 
+bool IsAnythingOn(const std::string& tape) try {
+    return !recorder::ReadTape(tape).sessions.empty();
+} catch (const std::runtime_error&) {
+    return false;
+}
+
 // A check that failed leaves its tape, and what it has told; of others nothing is left.
 void SweepUp(const CheckStage::Place& place, CheckOutcome& outcome) {
     std::error_code error;
     const bool isKept = outcome.verdict == Verdict::kFaulty;
     const std::string tape = place.File("tape");
-    if (isKept && fs::exists(platform::FromNarrow(tape), error)) outcome.tape = tape;
+    if (isKept && IsAnythingOn(tape)) outcome.tape = tape;
     for (const std::string& name : platform::NamesInFolder(place.folder)) {
         const std::string path = place.folder + '/' + name;
         if (name.starts_with(place.name + '.') && path != outcome.tape)
@@ -167,7 +174,7 @@ CheckOutcome MakeCheckApart(const Check& check, const CheckOptions& options) {
     const CheckStage::Place place = PlaceOf(check, options);
     CheckOutcome outcome = OutcomeOf(check, options);
     std::vector<std::string> words = WordsAlone(check, options);
-    words.insert(words.end(), {"--tapes", options.folder});
+    words.insert(words.end(), {"--tapes", platform::WordOfFile(options.folder)});
     outcome.log = place.folder + '/' + place.name + "-steps.txt";
     const platform::ChildEnding ending =
         platform::RunChild({.program = platform::ProgramFile(),

@@ -1,6 +1,8 @@
 #include "platform/common/text.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cstdint>
 
 namespace platform {
@@ -79,6 +81,12 @@ std::string Utf8FromUtf16LittleEndian(std::string_view bytes) {
         AppendUtf8(text, code);
     }
     return text;
+}
+
+std::string NotOverAfter(double seconds) {
+    std::array<char, 32> text;
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), seconds).ptr;
+    return "not over after " + std::string(text.data(), end) + " seconds";
 }
 
 }  // namespace platform

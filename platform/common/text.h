@@ -16,4 +16,7 @@ std::size_t CopyText(std::string_view text, char* buffer, std::size_t size);
 // Unpaired surrogates become U+FFFD; half a code unit at the end is dropped.
 std::string Utf8FromUtf16LittleEndian(std::string_view bytes);
 
+// What is said of a process that was not awaited any longer.
+std::string NotOverAfter(double seconds);
+
 }  // namespace platform

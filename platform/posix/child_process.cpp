@@ -13,6 +13,8 @@
 #include <system_error>
 #include <thread>
 
+#include "platform/common/text.h"
+
 namespace platform {
 namespace {
 
@@ -65,7 +67,7 @@ ChildEnding WaitFor(pid_t child, double seconds) {
     }
     kill(-child, SIGKILL);
     waitpid(child, nullptr, 0);
-    return {0, "not over after " + std::to_string(static_cast<int>(seconds)) + " seconds"};
+    return {0, NotOverAfter(seconds)};
 }
 
 }  // namespace

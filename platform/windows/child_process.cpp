@@ -1,9 +1,11 @@
 #include "platform/child_process.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <memory>
 
+#include "platform/common/text.h"
 #include "platform/narrow_path.h"
 #include "platform/win32.h"
 #include "platform/windows/last_error.h"
@@ -48,10 +50,11 @@ ChildHandle OutputOf(const ChildRun& run) {
 }
 
 ChildEnding WaitFor(HANDLE process, double seconds) {
-    if (WaitForSingleObject(process, static_cast<DWORD>(seconds * 1000)) == WAIT_TIMEOUT) {
+    const double milliseconds = std::min(seconds * 1000, static_cast<double>(INFINITE - 1));
+    if (WaitForSingleObject(process, static_cast<DWORD>(milliseconds)) == WAIT_TIMEOUT) {
         TerminateProcess(process, 1);
         WaitForSingleObject(process, INFINITE);
-        return {0, "not over after " + std::to_string(static_cast<int>(seconds)) + " seconds"};
+        return {0, NotOverAfter(seconds)};
     }
     DWORD status = 0;
     GetExitCodeProcess(process, &status);

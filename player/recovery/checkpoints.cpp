@@ -4,6 +4,7 @@
 #include <iterator>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 #include "recorder/stream/notes.h"
 #include "recorder/stream/record_reader.h"
@@ -93,6 +94,7 @@ class CheckpointList {
             list_.back().record = index;
         } else if (operation == Operation::CoreInterface_SetCoreState) {
             const bool isJoined = list_.size() == 1 && record.head.nesting == 0 && !isFresh;
+            isTakenForJoined_ |= isJoined && list_.back().kind == Checkpoint::Kind::kBegan;
             if (isJoined) list_.back().kind = Checkpoint::Kind::kJoined;
             if (isFresh) loaded_.push_back(Comparable(recorder::ValueReader(record).Tree()));
         } else {
@@ -133,6 +135,9 @@ class CheckpointList {
         lastMilliseconds_ = record.head.milliseconds;
         EndLoading();
         isFresh_ = false;
+        // The state came with a scene that was merged into the first one, which was empty.
+        if (std::exchange(isTakenForJoined_, false) && word == note::kMerged)
+            list_.front().kind = Checkpoint::Kind::kBegan;
         if (word == note::kOpened) {
             Checkpoint& opened = SceneOfNow();
             opened.kind = Checkpoint::Kind::kOpened;
@@ -164,7 +169,8 @@ class CheckpointList {
     std::set<std::string> parts_;
     std::set<std::uint64_t> asked_;  // calls of extension 56 without an answer yet
     std::uint32_t lastMilliseconds_ = 0;
-    bool isFresh_ = false;  // nothing but state has come since the scene was emptied
+    bool isFresh_ = false;           // nothing but state has come since the scene was emptied
+    bool isTakenForJoined_ = false;  // by the state that came last
 };
 
 template <class IsIt>

@@ -70,14 +70,37 @@ std::vector<std::string> TurnIntoPlainNodes(RecoveryCore& core) {
     return names;
 }
 
+std::optional<UnsavedWork> FindUnsavedWork(const recorder::TapeContents& tape, std::size_t index) {
+    const recorder::TapeSession& session = tape.sessions[index];
+    if (session.isClosed) return std::nullopt;
+    const std::vector<Checkpoint> checkpoints = CheckpointsOf(session);
+    const MissingWork work =
+        FindMissingWork(session, checkpoints, checkpoints.back(), OpenGroups::kTaken);
+    if (!work.HasWork()) return std::nullopt;
+    return UnsavedWork{index + 1, checkpoints.back(), work.HasOpenGroup()};
+}
+
+std::string FileAsTyped(const std::string& path) {
+    return platform::AsTyped(platform::WordOfFile(path));
+}
+
 }  // namespace
+
+// Whoever goes on with the tape adds another session to it.
+std::string CommandFor(const std::string& tape, const UnsavedWork& work, const std::string& scene) {
+    const Checkpoint& base = work.base;
+    const std::string target = scene == "NEW.scene" ? "NEWER.scene" : "NEW.scene";
+    std::string words = "lumiset-headless recover " + FileAsTyped(tape) + " -o " + target;
+    if (!scene.empty())
+        words += " --into " + FileAsTyped(scene) + " --after " + std::to_string(base.call);
+    else if (!base.IsEmpty())
+        words += " --into " + (base.path.empty() ? "SCENE" : FileAsTyped(base.path));
+    if (work.hasOpenGroup) words += " --open-group";
+    return words + " --session " + std::to_string(work.session);
+}
 
 Recovery::Recovery(const recorder::TapeContents& tape, RecoveryChoice choice)
     : tape_(tape), choice_(std::move(choice)) {
-    if (choice_.session && (*choice_.session < 1 || *choice_.session > tape_.sessions.size()))
-        throw std::runtime_error(tape_.path + ": there is no session " +
-                                 std::to_string(*choice_.session) + " on this tape, which has " +
-                                 std::to_string(tape_.sessions.size()));
     for (const recorder::TapeSession& session : tape_.sessions)
         checkpoints_.push_back(CheckpointsOf(session));
     if (!choice_.scene.empty()) {
@@ -171,6 +194,10 @@ RecoveryReport Recovery::Perform(headless::Session& session) {
         }
         std::ranges::copy(making.Lost(), std::back_inserter(report.lost));
     }
+    for (std::size_t other = 0; other < tape_.sessions.size(); ++other)
+        if (other != base_->session)
+            if (auto unsaved = FindUnsavedWork(tape_, other))
+                report.others.push_back(*std::move(unsaved));
     core_.SetState(work.coreState, work.partsOfOwners);
     report.plainNodes = TurnIntoPlainNodes(core_);
     return report;
@@ -197,20 +224,10 @@ std::string WordOfUnsavedWork(const std::string& path) try {
     std::string whyNot;
     if (!recorder::MappedFile::Open(path, whyNot)) return {};
     const recorder::TapeContents tape = recorder::ReadTape(path);
-    const recorder::TapeSession& session = tape.sessions.back();
-    if (session.isClosed) return {};
-    const std::vector<Checkpoint> checkpoints = CheckpointsOf(session);
-    const Checkpoint& base = checkpoints.back();
-    const MissingWork work = FindMissingWork(session, checkpoints, base, OpenGroups::kTaken);
-    if (!work.HasWork()) return {};
-    std::string words =
-        path + " holds work that was not saved when the host ended; to have it back: ";
-    words += "lumiset-headless recover " + platform::AsTyped(path) + " -o NEW.scene";
-    if (!base.IsEmpty())
-        words += " --into " + (base.path.empty() ? "SCENE" : platform::AsTyped(base.path));
-    if (work.HasOpenGroup()) words += " --open-group";
-    words += " --session " + std::to_string(tape.sessions.size());  // who goes on adds another
-    return words;
+    const auto work = FindUnsavedWork(tape, tape.sessions.size() - 1);
+    if (!work) return {};
+    return path + " holds work that was not saved when the host ended; to have it back: " +
+           CommandFor(path, *work);
 } catch (const std::runtime_error&) {
     return {};
 }

@@ -21,6 +21,17 @@ struct RecoveryChoice {
     OpenGroups openGroups = OpenGroups::kLeftOut;
 };
 
+// What a session that came to no end holds behind its last scene, which no scene was saved with.
+struct UnsavedWork {
+    std::size_t session = 0;  // from 1 on
+    Checkpoint base;
+    bool hasOpenGroup = false;
+};
+
+// What to type to have it back, in that scene, or if that is empty in its own.
+std::string CommandFor(const std::string& tape, const UnsavedWork& work,
+                       const std::string& scene = {});
+
 // What came back of a group.
 struct RecoveredWork {
     WorkGroup group;
@@ -37,6 +48,7 @@ struct RecoveryReport {
     std::vector<std::string> overwritten;  // what the scene had in the place of it, a line each
     std::vector<std::string> lost;         // what could not be brought back, a line each
     bool hasLaterState = false;            // the Core's state is a later one than the scene's
+    std::vector<UnsavedWork> others;       // of the tape's other sessions; the scene may lack it
 
     bool IsEmpty() const { return recovered.empty() && !hasLaterState; }
 };

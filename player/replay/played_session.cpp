@@ -48,6 +48,7 @@ Told ToldOf(Operation operation, const Performed& performed) {
 
 PlayedSession::PlayedSession(const recorder::TapeSession& session, ReplayScenes& scenes)
     : session_(session), scenes_(scenes) {
+    if (!session.isWhole) Doubt("not all of this session is on the tape, or it is damaged");
     for (const Record& record : session.records)
         if (record.head.kind == RecordKind::kCall && IsOfListener(record.head.operation))
             heardOf_.insert(ValueReader(record).Object());

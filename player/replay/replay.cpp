@@ -60,8 +60,7 @@ bool IsGivenState(const recorder::TapeSession& session) {
     return false;
 }
 
-}  // namespace
-
+// Whether a session was in the same host as the one before it, whose Core had left.
 bool IsContinued(const recorder::TapeContents& tape, std::size_t session) {
     if (session == 0 || session >= tape.sessions.size()) return false;
     const recorder::TapeSession& before = tape.sessions[session - 1];
@@ -71,6 +70,8 @@ bool IsContinued(const recorder::TapeContents& tape, std::size_t session) {
     if (endsInStep) return true;
     return LeavesState(before) && IsGivenState(tape.sessions[session]);
 }
+
+}  // namespace
 
 Replay::Replay(const recorder::TapeContents& tape, std::size_t first, ReplayScenes& scenes)
     : tape_(tape), scenes_(scenes), first_(first), end_(first + 1) {
@@ -133,10 +134,11 @@ std::optional<Replay::Step> Replay::NextStep() {
 }
 
 // A step that failed here has failed there, too, if the calls go on as they do there. What was
-// expected shows in no call; there it held if the tape tells of another step.
+// expected shows in no call; there it held if the tape tells of another step. What has no words of
+// a step any more, as on a tape without names, is not known to have been expected.
 std::optional<Replay::Step> Replay::Noted(const Record& record) {
     const auto [word, about] = recorder::NoteOf(record);
-    if (word == note::kStep && !failure_.empty() && given_.text.starts_with("expect")) {
+    if (word == note::kStep && hasFailed_ && given_.text.starts_with("expect")) {
         Session()->Differ(failure_);
         return std::nullopt;
     }
@@ -216,14 +218,16 @@ void Replay::QueueDeletion(const Cause& cause) {
 
 bool Replay::WasDone() {
     failure_.clear();
+    hasFailed_ = false;
     if (Over() || !given_.isInferred || HasMovedOn() || !queue_.empty()) return false;
     if (given_.isRepeated) return true;
     Session()->Differ("nothing came of the step \"" + given_.text + '"');
     return false;
 }
 
-void Replay::Failed(const std::string& why) {
+void Replay::Failed(const std::string& why, bool isStep) {
     failure_ = why;
+    hasFailed_ = isStep;
     if (given_.isInferred && !Over() && !HasMovedOn())
         Session()->Differ("the step \"" + given_.text + "\" failed: " + why);
 }

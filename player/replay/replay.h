@@ -44,9 +44,10 @@ class Replay final : public headless::CoreBetween {
     // Ends when all is over, or the two have come apart.
     std::optional<Step> NextStep();
 
-    // The step that was given last. True: it is to be done again.
+    // The step that was given last. True: it is to be done again. `isStep`: its words are those of
+    // one.
     bool WasDone();
-    void Failed(const std::string& why);
+    void Failed(const std::string& why, bool isStep);
     void NoScene(const std::string& path);
 
     // Where the two came apart, in the session that was begun last; null while they have not.
@@ -80,10 +81,8 @@ class Replay final : public headless::CoreBetween {
     std::size_t givenIn_ = 0;  // sessions that were there
     bool wasNoted_ = false;    // the last step that was done
     std::string failure_;      // of that step
+    bool hasFailed_ = false;   // it was understood, and could not be done
     std::size_t steps_ = 0;
 };
-
-// Whether a session was in the same host as the one before it, whose Core had left.
-bool IsContinued(const recorder::TapeContents& tape, std::size_t session);
 
 }  // namespace player

@@ -63,25 +63,27 @@ std::uint32_t StandingBetween::GetVersion() {
 
 // A Core of another version gets an adaptor of another version, which only that Core knows.
 void StandingBetween::BeginRecording() {
-    if (recorder_ || (settings_.tape.path.empty() && !settings_.watches)) return;
+    if (recording_ || (settings_.tape.path.empty() && !settings_.watches)) return;
     if (GetVersion() != static_cast<std::uint32_t>(TVL::kInterfaceVersion))
         return Tell("nothing is recorded: this recorder is for interface " +
                     std::to_string(TVL::kInterfaceVersion) + ", and the Core has interface " +
                     std::to_string(GetVersion()));
+    auto made = std::make_unique<Recording>();
     if (!settings_.tape.path.empty()) {
         std::string whyNot;
-        tape_ = TapeWriter::Open(settings_.tape, whyNot);
-        if (!tape_) Tell(whyNot);
+        made->tape = TapeWriter::Open(settings_.tape, whyNot);
+        if (!made->tape) Tell(whyNot);
     }
-    if (settings_.watches) watch_.emplace();
-    if (!tape_ && !watch_) return;
-    if (tape_) stream_.Add(*tape_);
-    if (watch_) stream_.Add(*watch_);
-    recorder_ = std::make_unique<Recorder>(stream_, platform::Shown(settings_.core));
-    if (tape_)
-        tape_->onNewSegment = [this](const TapeWriter::TellObject& tell) {
-            recorder_->TellObjects(tell);
+    if (settings_.watches) made->watch.emplace();
+    if (!made->tape && !made->watch) return;
+    if (made->tape) made->stream.Add(*made->tape);
+    if (made->watch) made->stream.Add(*made->watch);
+    Recorder& recorder = made->recorder.emplace(made->stream, platform::Shown(settings_.core));
+    if (made->tape)
+        made->tape->onNewSegment = [&recorder](const TapeWriter::TellObject& tell) {
+            recorder.TellObjects(tell);
         };
+    recording_ = std::move(made);
 }
 
 CoreInterface* StandingBetween::Attach(TVL::AdaptorInterface* adaptor) {
@@ -89,17 +91,16 @@ CoreInterface* StandingBetween::Attach(TVL::AdaptorInterface* adaptor) {
     try {
         BeginRecording();
     } catch (const std::exception& error) {
-        recorder_.reset();
         Tell(std::string("nothing is recorded: ") + error.what());
     }
-    return recorder_ ? recorder_->Attach(adaptor, &attach) : attach(adaptor);
+    return recording_ ? recording_->recorder->Attach(adaptor, &attach) : attach(adaptor);
 }
 
 void StandingBetween::Detach(CoreInterface* core) {
     auto& detach = Routine<TVL::DetachRoutine>(TVL::kDetachRoutine);
-    if (!recorder_) return detach(core);
+    if (!recording_) return detach(core);
     try {
-        recorder_->Detach(core, &detach);
+        recording_->recorder->Detach(core, &detach);
     } catch (...) {
         TellFindings();
         throw;
@@ -124,14 +125,15 @@ void StandingBetween::Tell(const std::string& line) noexcept {
 
 void StandingBetween::TellFindings() noexcept {
     try {
-        const std::string whyStopped = tape_ ? tape_->WhyStopped() : "";
+        const auto& [stream, tape, watch, recorder] = *recording_;
+        const std::string whyStopped = tape ? tape->WhyStopped() : "";
         if (!whyStopped.empty() && !std::exchange(hasToldStop_, true)) Tell(whyStopped);
-        if (!watch_) return;
-        const std::size_t count = watch_->Findings().size();
+        if (!watch) return;
+        const std::size_t count = watch->Findings().size();
         std::ofstream report = OpenReport();
         report << platform::Shown(settings_.core) << ": until it left the watch has found "
                << (count == 0 ? "nothing" : std::to_string(count)) << '\n';
-        for (const Finding& finding : watch_->Findings())
+        for (const Finding& finding : watch->Findings())
             report << "  " << Line(finding) << '\n';
     } catch (...) {
     }

@@ -29,6 +29,14 @@ class StandingBetween {
     void Detach(CoreInterface* core);
 
   private:
+    // All that writes down, which is there whole or not at all.
+    struct Recording {
+        Stream stream;
+        std::unique_ptr<TapeWriter> tape;
+        std::optional<Watch> watch;
+        std::optional<Recorder> recorder;
+    };
+
     void LoadCore();
     void BeginRecording();
     void Tell(const std::string& line) noexcept;
@@ -44,10 +52,7 @@ class StandingBetween {
 
     // What was lent by the Core ends before its library is freed.
     Library core_;
-    Stream stream_;
-    std::unique_ptr<TapeWriter> tape_;
-    std::optional<Watch> watch_;
-    std::unique_ptr<Recorder> recorder_;  // null if nothing is to be written down
+    std::unique_ptr<Recording> recording_;  // null if nothing is to be written down
     bool hasToldStop_ = false;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "recorder/proxies/messages.h"
+#include "recorder/proxies/nodes.h"
 #include "tvl/core_interface.h"
 
 namespace recorder {
@@ -10,8 +11,10 @@ class CoreProxy final : public Proxy<CoreInterface> {
   public:
     using enum Operation;
 
-    CoreProxy(Scribe& scribe, MessageNet& messages)
-        : Proxy(scribe, scribe.NewId(ObjectKind::kCore), nullptr), messages_(messages) {}
+    CoreProxy(Scribe& scribe, MessageNet& messages, Nodes& nodes)
+        : Proxy(scribe, scribe.NewId(ObjectKind::kCore), nullptr),
+          messages_(messages),
+          nodes_(nodes) {}
 
     void StandFor(CoreInterface* real) { real_ = real; }
 
@@ -19,7 +22,10 @@ class CoreProxy final : public Proxy<CoreInterface> {
     void SetCoreState(XMLNode state) override {
         Pass<CoreInterface_SetCoreState>(std::move(state));
     }
-    void ResetCore() override { Pass<CoreInterface_ResetCore>(); }
+    void ResetCore() override {
+        nodes_.TellListeners();
+        Pass<CoreInterface_ResetCore>();
+    }
     void ShowCore(TVL::WindowHandle mainWindow) override {
         Pass<CoreInterface_ShowCore>(mainWindow);
     }
@@ -53,6 +59,7 @@ class CoreProxy final : public Proxy<CoreInterface> {
 
   private:
     MessageNet& messages_;
+    Nodes& nodes_;
 };
 
 }  // namespace recorder

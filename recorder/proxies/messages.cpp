@@ -49,7 +49,7 @@ class MessageProxy final : public MessageNode {
         return net_->Across(node, OtherKind(), messageId);
     }
 
-    void PassOn(Message& message, bool isBroadcast, MessageProxy& sender);
+    void PassOn(Message& message, bool isBroadcast, MessageProxy* sender);
 
     MessageNet* net_;
     MessageNode* real_;
@@ -58,26 +58,28 @@ class MessageProxy final : public MessageNode {
     bool hasLeft_ = false;
 };
 
-// A node of this side has sent it. The one behind gets it from the sender's proxy there.
+// A node of this side has sent it, or somebody who names none. The one behind gets it from the
+// sender's proxy there.
 void MessageProxy::Receive(Message* message, bool isBroadcast) {
-    MessageNode* const node = message ? message->sender : nullptr;
-    auto* const sender = node && net_ ? net_->Proxy(*node, OtherKind(), message->id) : nullptr;
-    if (!sender) return;
+    if (!message || !net_) return;
+    MessageNode* const node = message->sender;
+    auto* const sender = node ? net_->Proxy(*node, OtherKind(), message->id) : nullptr;
+    if (node && !sender) return;
     net_->scribe_.Record<Operation::MessageNode_Receive>(
-        id_, [&] { PassOn(*message, isBroadcast, *sender); }, sender, message->id, message->text,
+        id_, [&] { PassOn(*message, isBroadcast, sender); }, sender, message->id, message->text,
         message->wParam, isBroadcast);
 }
 
 // What is said of a link goes with the link that is made or ended there.
-void MessageProxy::PassOn(Message& message, bool isBroadcast, MessageProxy& sender) {
+void MessageProxy::PassOn(Message& message, bool isBroadcast, MessageProxy* sender) {
     MessageNode* const node = message.sender;
-    const bool isLinked = sender.MessageNode::IsListeningTo(real_);
-    if (message.id == Message::kListening && IsListener(node) && !isLinked) {
-        sender.MessageNode::Listen(real_);
+    const bool isLinked = sender && sender->MessageNode::IsListeningTo(real_);
+    if (message.id == Message::kListening && node && IsListener(node) && !isLinked) {
+        sender->MessageNode::Listen(real_);
         return;
     }
     if (message.id == Message::kStoppedListening && isLinked) {
-        sender.MessageNode::StopListening(real_);
+        sender->MessageNode::StopListening(real_);
         return;
     }
     if (hasLeft_) return;
@@ -85,10 +87,10 @@ void MessageProxy::PassOn(Message& message, bool isBroadcast, MessageProxy& send
     const AtEnd putBack([&] {
         message.sender = node;
         message.lParam = parameter;
-        if (message.id == Message::kStopBroadcasting && isBroadcast) sender.TakeLeave();
+        if (message.id == Message::kStopBroadcasting && isBroadcast && sender) sender->TakeLeave();
     });
-    message.sender = &sender;
-    if (parameter == node) message.lParam = &sender;
+    message.sender = sender;
+    if (node && parameter == node) message.lParam = sender;
     real_->Receive(&message, isBroadcast);
 }
 

@@ -5,7 +5,8 @@ namespace recorder {
 
 NodeProxy::NodeProxy(Nodes& nodes, NodeListener* ofCore)
     : ExtendableProxy(nodes.scribe_, nodes.scribe_.NewId(ObjectKind::kNode), nullptr),
-      nodes_(nodes) {
+      nodes_(nodes),
+      toldListener_(ofCore) {
     listener = ofCore;
 }
 
@@ -96,7 +97,6 @@ void NodeProxy::Unclaim() {
     const auto make = [&] {
         if (!real_) return;
         real_->Unclaim();
-        name = real_->GetNodeName();
         nodes_.Unlist(*this);
     };
     scribe_.Record<CoreNode_Unclaim>(id_, make);
@@ -132,6 +132,7 @@ void NodeProxy::Hear() {
     NodeListener* const told = listener;
     if (!told) return;
     if (!isTold_) nodes_.Tell(*this);
+    toldListener_ = told;
     const ObjectId id = scribe_.IdOf(ObjectKind::kListener, told);
     scribe_.Record<kOperation>(
         id, [&] { (told->*kMethodOf<kOperation>)(this); }, this);

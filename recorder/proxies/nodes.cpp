@@ -142,6 +142,25 @@ void Nodes::LetGo() {
     }
 }
 
+// The stream may ask for objects meanwhile, so the nodes are not locked then.
+void Nodes::TellListeners() noexcept try {
+    std::vector<std::pair<ObjectId, NodeListener*>> changed;
+    {
+        const std::lock_guard lock(mutex_);
+        for (NodeProxy& proxy : alive_) {
+            const bool isReal = proxy.isTold_ && !proxy.isSnapshot_ && !proxy.isEnded_;
+            if (!isReal || proxy.listener == proxy.toldListener_) continue;
+            changed.emplace_back(proxy.id_, proxy.listener);
+            proxy.toldListener_ = proxy.listener;
+        }
+    }
+    for (const auto& [node, listener] : changed) {
+        const ObjectId id = scribe_.IdOf(ObjectKind::kListener, listener);
+        scribe_.Know(id != 0 ? id : kNoListener, {.of = node});
+    }
+} catch (...) {  // no memory: the watch goes by what was told before
+}
+
 ObjectFacts Nodes::FactsOf(const NodeProxy& proxy) const {
     return {.of = proxy.ownerId_,
             .name = proxy.name,

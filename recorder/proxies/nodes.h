@@ -111,6 +111,7 @@ class NodeProxy final : public ExtendableProxy<CoreNode>, private NodeListener {
     std::string hostName_;                // as it was told last
     ObjectId ownerId_ = 0;                // the same
     CoreElement* sourceOwner_ = nullptr;  // of a snapshot node's source, when it was made
+    NodeListener* toldListener_;          // as a call, or a record, told last
     bool isTold_ = false;
     bool isEnded_ = false;
     bool isKept_ = false;          // among those that have ended
@@ -134,7 +135,9 @@ inline CoreNode* RealOf(const NodeProxy* node) {
 // their use can be told.
 class Nodes {
   public:
-    Nodes(Scribe& scribe, Owners& owners) : scribe_(scribe), owners_(owners) {}
+    Nodes(Scribe& scribe, Owners& owners) : scribe_(scribe), owners_(owners) {
+        owners_.onUserDeletion = [this] { TellListeners(); };
+    }
 
     // For a node that the adaptor has made just now; null for null. One for which there is no
     // memory is given back.
@@ -152,6 +155,9 @@ class Nodes {
 
     // The Core has left: nothing is behind any of them.
     void LetGo();
+
+    // Tells whose listener has become another one without a call.
+    void TellListeners() noexcept;
 
     void TellObjects(const TapeWriter::TellObject& tell) const;
 

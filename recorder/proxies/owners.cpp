@@ -15,16 +15,21 @@ std::intptr_t OwnerProxy::HandleExtension(int id, void* argument) {
     });
 }
 
+// That is asked for 43 alone when a person deletes.
+bool OwnerProxy::HasExtension(int id) {
+    if (id == TVL::kNodesBeingDeleted) owners_.onUserDeletion();
+    return ExtendableProxy::HasExtension(id);
+}
+
 void OwnerProxy::ReadName() noexcept try {
-    plugin = real_->plugin ? &record_ : nullptr;
-    if (!plugin || record_.name == real_->plugin->name) return;
     {
-        std::string name = real_->plugin->name;
-        const std::lock_guard lock(mutex_);
-        record_.name.swap(name);
+        const std::lock_guard lock(owners_.mutex_);
+        plugin = real_->plugin;
+        if (!plugin || name_ == plugin->name) return;
+        name_ = plugin->name;
     }
     scribe_.Know(id_, Facts());
-} catch (...) {  // no memory: the adaptor reads the name as it was
+} catch (...) {  // no memory: it stays untold
 }
 
 OwnerProxy* Owners::Of(CoreElement* real) {
@@ -34,7 +39,7 @@ OwnerProxy* Owners::Of(CoreElement* real) {
         const std::lock_guard lock(mutex_);
         std::unique_ptr<OwnerProxy>& owner = owners_[real];
         if (owner) return owner.get();
-        made = (owner = std::make_unique<OwnerProxy>(scribe_, mutex_, real)).get();
+        made = (owner = std::make_unique<OwnerProxy>(scribe_, *this, real)).get();
     } catch (...) {
         return nullptr;
     }

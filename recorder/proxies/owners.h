@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <unordered_map>
@@ -11,23 +12,27 @@
 
 namespace recorder {
 
-// Stands for an element of the Core that owns nodes. Its plug-in's name is read anew whenever the
-// adaptor may be about to read it.
+class Owners;
+
+// Stands for an element of the Core that owns nodes. The adaptor reads the name in the Core's own
+// record, which can change it at any time; which record that is, is looked up anew with each call
+// that the adaptor may read a name behind.
 class OwnerProxy final : public ExtendableProxy<CoreElement> {
   public:
-    OwnerProxy(Scribe& scribe, std::mutex& mutex, CoreElement* real)
-        : ExtendableProxy(scribe, scribe.NewId(ObjectKind::kOwner), real), mutex_(mutex) {}
+    OwnerProxy(Scribe& scribe, Owners& owners, CoreElement* real)
+        : ExtendableProxy(scribe, scribe.NewId(ObjectKind::kOwner), real), owners_(owners) {}
 
     std::intptr_t HandleExtension(int id, void* argument) override;
+    bool HasExtension(int id) override;
 
-    // Tells it, if it is another one than before.
+    // Tells the name, if it is another one than before.
     void ReadName() noexcept;
 
-    ObjectFacts Facts() const { return {.name = record_.name}; }
+    ObjectFacts Facts() const { return {.name = name_}; }
 
   private:
-    std::mutex& mutex_;  // for the name
-    TVL::PluginRecord record_;
+    Owners& owners_;
+    std::string name_;  // as it was told last
 };
 
 // What the Core gives the adaptor to call: owners, and undo chunks.
@@ -50,11 +55,15 @@ class Owners {
 
     void TellObjects(const TapeWriter::TellObject& tell) const;
 
+    // A person deletes nodes, which an owner is just to be asked about.
+    std::function<void()> onUserDeletion;
+
   private:
+    friend class OwnerProxy;
     class ChunkProxy;
 
     Scribe& scribe_;
-    mutable std::mutex mutex_;
+    mutable std::mutex mutex_;  // for the names, too
     std::unordered_map<const CoreElement*, std::unique_ptr<OwnerProxy>> owners_;
     std::unordered_set<ObjectId> chunks_;  // that are not released yet
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <tuple>
@@ -24,19 +25,21 @@ class SnapshotProxy : public ExtendableProxy<Base, Real> {
     }
 
     void GoOut(double seconds = 0) {
-        this->acquired = true;
-        seconds_ = seconds;
+        seconds_.store(seconds, std::memory_order_relaxed);
+        isOut_.store(true, std::memory_order_release);
     }
-    void ComeBack() { this->acquired = false; }
-    bool IsOut() const { return this->acquired; }
-    double Seconds() const { return seconds_; }
+    void ComeBack() { isOut_.store(false, std::memory_order_relaxed); }
+    bool IsOut() const { return isOut_.load(std::memory_order_acquire); }
+    double Seconds() const { return seconds_.load(std::memory_order_relaxed); }
     void LoseNode() {
         if (!IsOut()) this->real_ = nullptr;
     }
     void LoseAll() { this->real_ = nullptr; }
 
   private:
-    double seconds_ = 0;
+    // Another thread may begin a segment meanwhile, and tell what is out.
+    std::atomic<bool> isOut_ = false;
+    std::atomic<double> seconds_ = 0;
 };
 
 class TransformProxy final

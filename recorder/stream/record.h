@@ -70,6 +70,9 @@ constexpr std::uint64_t NumberOf(ObjectId id) {
     return id & 0x00ff'ffff'ffff'ffff;
 }
 
+// Of a listener that there is not.
+inline constexpr ObjectId kNoListener = MakeObjectId(ObjectKind::kListener, 0);
+
 // A mesh is told by its content: 64 bits of a hash of that.
 using MeshId = std::uint64_t;
 
@@ -112,7 +115,8 @@ struct Record {
 // What a session tells of an object beside the calls on it: when it first appears, as far as calls
 // do not tell it, and again at the beginning of each segment of a tape.
 struct ObjectFacts {
-    ObjectId of = 0;              // a node's owner; a snapshot's node; a node's parent is not told
+    ObjectId of = 0;              // a node's owner; a snapshot's node; a node's parent is not told;
+                                  // the node that a listener, or none, has come to without a call
     std::string_view name{};      // a node's own; an owner's plug-in; a message node's
     std::string_view hostName{};  // a node's in the host, as it was when it was made or claimed
     double seconds = 0;           // of a snapshot that is out

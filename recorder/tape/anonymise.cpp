@@ -230,7 +230,8 @@ void OtherTexts::Replace(char* text, std::size_t size) {
     if (size == 0) return;
     constexpr int kTries = 1000;
     std::string& other = known_[std::string(text, size)];
-    for (int i = 0; other.empty() || (i < kTries && given_.contains(other)); ++i)
+    const std::string_view same(text, size);
+    for (int i = 0; other.empty() || (i < kTries && (given_.contains(other) || other == same)); ++i)
         other = Draw(size);
     given_.insert(other);
     std::memcpy(text, other.data(), size);

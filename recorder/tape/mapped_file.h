@@ -48,12 +48,17 @@ class MappedFile {
     // Whether the file has no name any more: what is written to it reaches nobody.
     bool IsGone() const;
 
+    // Not in a child that this process was doubled into, which has the same memory.
+    bool IsOfThisProcess() const { return *mark_; }
+
   private:
     MappedFile() = default;
     void Unmap();
 
     std::intptr_t file_ = -1;  // the system's number or handle
     std::span<std::byte> mapped_;
+    static constexpr bool kMarked = true;
+    const bool* mark_ = &kMarked;  // which a child finds as false
 };
 
 }  // namespace recorder

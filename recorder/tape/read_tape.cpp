@@ -132,7 +132,7 @@ class Sessions {
     Words part_;  // of a record, up to where it was read
 };
 
-TapeContents Read(TapeFile file) {
+TapeContents Read(TapeFile file, MayBeBlank blank) {
     const auto memory = std::make_shared<Memory>();
     memory->file = std::move(file.words);
     TapeContents tape;
@@ -146,18 +146,19 @@ TapeContents Read(TapeFile file) {
         built.Take(list[i], i + 1 < list.size() ? &list[i + 1] : nullptr);
     std::erase_if(tape.sessions,
                   [](const TapeSession& session) { return session.records.empty(); });
-    if (tape.sessions.empty()) throw std::runtime_error(tape.path + ": there is nothing on it");
+    if (tape.sessions.empty() && blank == MayBeBlank::kNo)
+        throw std::runtime_error(tape.path + ": there is nothing on it");
     return tape;
 }
 
 }  // namespace
 
-TapeContents ReadTape(const std::string& path) {
-    return Read(LoadTape(path));
+TapeContents ReadTape(const std::string& path, MayBeBlank blank) {
+    return Read(LoadTape(path), blank);
 }
 
 TapeContents ReadTape(const std::string& name, const std::vector<std::uint8_t>& bytes) {
-    return Read(LoadTape(name, bytes));
+    return Read(LoadTape(name, bytes), MayBeBlank::kNo);
 }
 
 }  // namespace recorder

@@ -23,15 +23,19 @@ struct TapeSession {
 
 struct TapeContents {
     std::string path;
-    std::vector<TapeSession> sessions;   // at least one, the oldest first
+    std::vector<TapeSession> sessions;   // the oldest first; at least one, unless it may be blank
     std::vector<std::string> damages;    // what was passed over, and where, a line each
     std::uint64_t bytes = 0;             // of the file
     std::shared_ptr<const void> memory;  // in which the records lie
 };
 
+// Whether a tape will do that nothing is on: a file of nothing but zeros, as whoever ended between
+// setting room aside and the first record has left it, or with a head and no record.
+enum class MayBeBlank { kNo, kYes };
+
 // Every record of it has good values. Throws a std::runtime_error that names the file and says why
 // nothing of it can be read. A torn end is no damage.
-TapeContents ReadTape(const std::string& path);
+TapeContents ReadTape(const std::string& path, MayBeBlank blank = MayBeBlank::kNo);
 
 // The same of bytes that are there, such as those of a file; `name` is what errors call them.
 TapeContents ReadTape(const std::string& name, const std::vector<std::uint8_t>& bytes);

@@ -46,6 +46,7 @@ TapeFile Load(TapeFile tape) {
     const std::span<const std::uint64_t> file = tape.words;
     const auto wordsAt = [&](std::uint64_t offset) { return file.subspan(offset / 8); };
     const std::size_t size = SegmentBytesOf(file.size_bytes(), wordsAt) / 8;
+    if (size == 0 && HasNothing(file)) return tape;
     if (size == 0) throw std::runtime_error(tape.name + ": " + kNoTape);
     for (std::size_t at = 0; at < tape.words.size(); at += size)
         TakeSegment(tape, at, size);

@@ -118,7 +118,7 @@ std::string TapeWriter::State::Open(std::uint64_t limit) {
     copier.emplace(*file);
     head = stock.newest;
     const bool isThere = head.number != 0 && stock.place < kDesks;
-    for (std::size_t other = 0; other < kDesks; ++other)
+    for (std::size_t other = 0; other < kDesks && whyNot.empty(); ++other)
         if (!isThere || other != stock.place) whyNot = KeepOther(other);
     if (!whyNot.empty()) return whyNot;
     SitDownAt(isThere ? stock.place : 0);
@@ -340,9 +340,14 @@ std::unique_ptr<TapeWriter> TapeWriter::Open(const TapeSettings& settings, std::
 
 TapeWriter::TapeWriter(std::unique_ptr<State> state) : state_(std::move(state)) {}
 
-// Of a tape of one segment what follows that is given back.
+// Of a tape of one segment what follows that is given back. A child that was doubled off has
+// neither the thread nor a say in the file.
 TapeWriter::~TapeWriter() {
     State& state = *state_;
+    if (!state.file->IsOfThisProcess()) {
+        static_cast<void>(state_.release());
+        return;
+    }
     state.copier.reset();
     state.file->Sync();
     if (state.place == 0 && state.stock.slots.Count() == kDesks &&
@@ -356,6 +361,7 @@ void TapeWriter::Join(Stream& stream) noexcept {
 
 void TapeWriter::Take(const Record& record, std::span<const std::byte> bytes) noexcept try {
     State& state = *state_;
+    if (!state.file->IsOfThisProcess()) return;
     if (bytes.size() <= state.Room())
         state.Store(bytes);
     else if (!state.TakeBeyond(record, bytes, onNewSegment))

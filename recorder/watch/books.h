@@ -38,7 +38,8 @@ struct NodeMemory {
     Life life = Life::kThere;
     bool isSnapshot = false;
     bool isCounted = false;       // among its owner's
-    bool hasListener = false;     // as far as calls tell
+    bool hasListener = false;     // as it was told last
+    bool wasDeaf = false;         // it has had none for a while, in which it may have gone
     bool isRemovalTold = false;   // its listener heard of the removal that it is in
     Place born;                   // the call that gave it
     ObjectId owner = 0;           // of a snapshot node, that of the real one
@@ -49,6 +50,7 @@ struct NodeMemory {
     std::vector<ObjectId> snapshots;  // all that it has ever lent
 
     NodeMemory* parent = nullptr;  // a real one, if it is known
+    std::uint64_t hungAt = 0;      // Books::kinship at which that was so; 0 for its birth
     std::vector<NodeMemory*> children;
 
     // The squared lengths of the three rows of its world transform, multiplied: 0 until it is read.
@@ -124,7 +126,16 @@ struct Books {
     // anything, and there time is the user's.
     std::uint64_t go = 1;
 
-    std::vector<Open> groups;  // the same
+    // Counts whatever can have hung nodes elsewhere: undo in any form, a merge, and each go, ahead
+    // of which a person may undo.
+    std::uint64_t kinship = 1;
+
+    void BeginGo() {
+        ++go;
+        ++kinship;
+    }
+
+    std::vector<Open> groups;  // innermost last
     std::vector<Open> recordings;
     std::vector<Open> focuses;
     std::vector<Open> selections;  // at most one
@@ -143,7 +154,7 @@ struct Books {
     bool hasGivenCoreState = false;
     bool hasLeft = false;
     double frameRate = 30;
-    double rows = 0;  // as in a node, of the one that was read last
+    double rows = 0;  // as in a node, of the one that was read last; until then by the host's unit
 
     std::unordered_set<MeshId> meshesOutOfRange;
     std::unordered_set<MeshId> meshesOfHalfFaces;
@@ -173,10 +184,11 @@ inline std::span<const std::uint64_t> ListOf(ValueReader& values) {
 NodeMemory& NodeOf(Books& books, ObjectId id);
 NodeMemory* FindNode(Books& books, ObjectId id);  // null for one that is not known
 void KnowNode(Books& books, ObjectId id, const ObjectFacts& facts);
+void KnowListener(Books& books, ObjectId node, bool isThere);
 void BearReal(Books& books, const Place& place, ObjectId id, ObjectId owner);
 void BearLent(Books& books, const Place& place, ObjectId id, ObjectId source);
 void Bear(Books& books, NodeMemory& node, const Place& place, ObjectId owner, bool isSnapshot);
-void HangBelow(NodeMemory& node, NodeMemory* parent);
+void HangBelow(NodeMemory& node, NodeMemory* parent, std::uint64_t kinship = 0);
 void SetLife(Books& books, NodeMemory& node, Life life);
 void End(Books& books, NodeMemory& node);
 void ForsakeNest(Books& books);  // what is in its records is not told any more
@@ -203,6 +215,7 @@ bool IsGoodTransform(Books& books, const Place& place, const NodeMemory& node,
                      const TVL::CMatrix4& transform);
 void CheckRows(Books& books, const Place& place, NodeMemory& node, const TVL::CMatrix4& world);
 void NoteRows(Books& books, NodeMemory& node, const TVL::CMatrix4& world);
+void TakeSettings(Books& books, const std::string& about);  // of the note on the host's
 
 // Of brackets (bracket_rules.cpp).
 void TellOpenInTheWay(Books& books, const Place& place);

@@ -55,6 +55,7 @@ void EndGroup(Books& books, OpenCall& call, ValueReader&) {
     }
     const bool isCancel = call.place.operation == AdaptorInterface_CancelUndoGroup;
     if (isCancel) books.isNestBroken = true;
+    if (isCancel) ++books.kinship;
     const bool isUsersStep = books.owner43 != 0 && !books.hasStopEndedGroup &&
                              books.groups.front().place.call > books.call43;
     if (isCancel && isUsersStep)

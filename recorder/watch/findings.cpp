@@ -4,6 +4,8 @@
 #include <array>
 #include <functional>
 
+#include "recorder/stream/record_reader.h"
+
 namespace recorder {
 namespace watching {
 namespace {

@@ -9,15 +9,6 @@ namespace {
 
 constexpr std::size_t kMostEnded = 4096;  // nodes that are remembered behind their end
 
-// Where two owners bear one name the second one is told of when it gets its first node.
-void CheckOwnerName(Books& books, const Place& place, ObjectId owner) {
-    const OwnerMemory& own = books.owners[owner];
-    if (own.nodes != 0 || own.name.empty()) return;
-    for (const auto& [id, other] : books.owners)
-        if (id != owner && other.nodes > 0 && other.name == own.name)
-            books.found.Add(Rule::kOwnerNameTwice, place, own.name);
-}
-
 // An owner knows how many real nodes of its are there.
 void Count(Books& books, NodeMemory& node) {
     const bool counts = !node.isSnapshot && node.owner != 0 && node.life == Life::kThere;
@@ -47,7 +38,8 @@ void Remember(Books& books, ObjectId ended) {
 // That the user has undone its creation is told to a node's listener alone.
 bool IsSurelyThere(const NodeMemory& node) {
     const bool canBeUndone = !node.isSnapshot && node.nest != 0;
-    return node.life == Life::kThere && node.born.call != 0 && (!canBeUndone || node.hasListener);
+    const bool hears = node.hasListener && !node.wasDeaf;
+    return node.life == Life::kThere && node.born.call != 0 && (!canBeUndone || hears);
 }
 
 std::vector<const NodeMemory*> InOrder(const Books& books) {
@@ -71,7 +63,8 @@ NodeMemory* FindNode(Books& books, ObjectId id) {
     return books.nodes.Find(id);
 }
 
-void HangBelow(NodeMemory& node, NodeMemory* parent) {
+void HangBelow(NodeMemory& node, NodeMemory* parent, std::uint64_t kinship) {
+    if (node.parent != parent || node.hungAt != 0) node.hungAt = kinship;
     const bool hasEnded = node.life == Life::kEnded || (parent && parent->life == Life::kEnded);
     if (node.parent == parent || (hasEnded && parent)) return;
     if (node.parent) std::erase(node.parent->children, &node);
@@ -92,7 +85,6 @@ void BearReal(Books& books, const Place& place, ObjectId id, ObjectId owner) {
     NodeMemory& node = NodeOf(books, id);
     Bear(books, node, place, owner, false);
     if (!books.groups.empty()) node.nest = books.nest;
-    CheckOwnerName(books, place, owner);
     Count(books, node);
 }
 
@@ -115,6 +107,12 @@ void KnowNode(Books& books, ObjectId id, const ObjectFacts& facts) {
     if (node.born.call != 0 || node.isCounted) return;
     node.isSnapshot = facts.isSnapshot;
     node.owner = facts.of;
+}
+
+void KnowListener(Books& books, ObjectId id, bool isThere) {
+    NodeMemory& node = NodeOf(books, id);
+    node.wasDeaf |= !isThere || !node.hasListener;
+    node.hasListener = isThere;
 }
 
 void End(Books& books, NodeMemory& node) {

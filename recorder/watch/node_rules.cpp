@@ -48,6 +48,7 @@ void Lent(Books& books, OpenCall& call, ValueReader& answered) {
 }
 
 void LentSome(Books& books, OpenCall& call, ValueReader& answered) {
+    ++books.kinship;  // a merge can have replaced nodes
     for (const ObjectId id : ListOf(answered))
         BearLent(books, call.place, id, 0);
 }
@@ -70,9 +71,11 @@ void ParentGiven(Books& books, OpenCall& call, ValueReader& answered) {
     BearLent(books, call.place, id, call.object);
     if (id == 0) return HangBelow(node, nullptr);
     const NodeMemory& parent = NodeOf(books, id);
-    if (node.parent && node.parent->name == parent.name && node.parent->owner == parent.owner)
-        return;
-    HangBelow(node, parent.owner == 0 ? nullptr : RealNodeOf(books, parent));
+    const bool isSame =
+        node.parent && node.parent->name == parent.name && node.parent->owner == parent.owner;
+    if (isSame && node.hungAt == 0) return;
+    if (!isSame) HangBelow(node, parent.owner == 0 ? nullptr : RealNodeOf(books, parent));
+    node.hungAt = books.kinship;
 }
 
 // The adaptor's list has the real nodes of an owner that are there, and no others.
@@ -164,6 +167,10 @@ void Delete(Books& books, OpenCall& call, ValueReader&) {
         DeleteReal(books, node, call.place);
 }
 
+void Undone(Books& books, OpenCall&, ValueReader&) {
+    ++books.kinship;
+}
+
 // Outside a group all records go. What is in one has ended if it is sure that it still was.
 void Flushed(Books& books, OpenCall&, ValueReader&) {
     for (auto& [id, node] : books.nodes) {
@@ -195,7 +202,7 @@ void SetParent(Books& books, OpenCall& call, ValueReader& said) {
     const ObjectId parent = said.Object();
     if (TellIfEnded(books, call.place, parent)) return;
     NodeMemory* const known = FindNode(books, parent);
-    HangBelow(*call.node, known && known->isSnapshot ? nullptr : known);
+    HangBelow(*call.node, known && known->isSnapshot ? nullptr : known, books.kinship);
 }
 
 void SayOtherNode(Books& books, OpenCall& call, ValueReader& said) {
@@ -219,6 +226,7 @@ std::span<const Handler> NodeHandlers() {
         {AdaptorInterface_GetNodes, SayOwner, NodesGiven},
         {AdaptorInterface_ClaimNodes, nullptr, LentSome},
         {AdaptorInterface_MergeModels, nullptr, LentSome},
+        {AdaptorInterface_PerformUndo, nullptr, Undone},
         {AdaptorInterface_FlushUndoBuffer, nullptr, Flushed},
         {CNode_GetParent, nullptr, ParentGiven},
         {CNode_GetChild, nullptr, Lent},

@@ -2,6 +2,8 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <locale>
+#include <sstream>
 
 #include "recorder/watch/books.h"
 
@@ -147,6 +149,20 @@ void CheckRows(Books& books, const Place& place, NodeMemory& node, const TVL::CM
 void NoteRows(Books& books, NodeMemory& node, const TVL::CMatrix4& world) {
     node.rows = RowsOf(world);
     if (node.rows > 0) books.rows = node.rows;
+}
+
+// What is as the host made it has rows as long as one of its units is in metres.
+void TakeSettings(Books& books, const std::string& about) {
+    constexpr auto kMetres = std::to_array({0.0254, 0.3048, 1609.344, 0.001, 0.01, 1.0, 1000.0});
+    std::istringstream text(about);
+    text.imbue(std::locale::classic());
+    double frameRate = 0;
+    double ticksPerFrame = 0;
+    std::size_t unit = 0;
+    double count = 0;
+    text >> frameRate >> ticksPerFrame >> unit >> count;
+    if (!text || unit >= kMetres.size() || !(count > 0)) return;
+    books.rows = Sixth(count * kMetres[unit]);
 }
 
 }  // namespace recorder::watching

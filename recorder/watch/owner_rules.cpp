@@ -52,6 +52,15 @@ void SayOwnerExtension(Books& books, OpenCall& call, ValueReader& said) {
     books.call43 = call.place.call;
 }
 
+// Of stored parts with one name the first alone is loaded.
+void CheckOwnerName(Books& books, const Place& place, ObjectId owner) {
+    const std::string& name = books.owners[owner].name;
+    for (const auto& [id, other] : books.owners)
+        if (id != owner && other.nodes > 0 && other.hasGivenState && other.name == name &&
+            !name.empty())
+            books.found.Add(Rule::kOwnerNameTwice, place, name);
+}
+
 void OwnerExtensionDone(Books& books, OpenCall& call, ValueReader& answered) {
     if (call.said[0] != TVL::kSceneBeingSaved) return;
     answered.Skip('x');
@@ -61,6 +70,7 @@ void OwnerExtensionDone(Books& books, OpenCall& call, ValueReader& answered) {
     if (!hasGiven && owner.hasGivenState && owner.nodes > 0)
         books.found.Add(Rule::kStateEmpty, call.place, owner.name);
     owner.hasGivenState |= hasGiven;
+    if (hasGiven) CheckOwnerName(books, call.place, call.object);
 }
 
 void SayExtension(Books& books, OpenCall& call, ValueReader& said) {

@@ -27,7 +27,7 @@ namespace recorder::watching {
          "the node has been deleted in this undo group already")                                 \
     RULE(kNullOwner, "null-owner", "a node needs an owner")                                      \
     RULE(kOwnerNameTwice, "owner-name-twice",                                                    \
-         "two owners that have nodes bear one plug-in name: the state of one of them is lost")   \
+         "two owners of one plug-in name have given state: that of one of them is lost")         \
     RULE(kOwnerInUndo, "owner-in-undo-record",                                                   \
          "the Core leaves without FlushUndoBuffer, and undo records hold its deleted node")      \
     RULE(kDeletionNotHeard, "deletion-not-heard",                                                \

@@ -111,7 +111,8 @@ void Overtake(Books& books, const NodeMemory& parent, std::int64_t tick) {
     for (NodeMemory* const child : parent.children) {
         const Track& written = child->transform;
         const bool isAtTick = tick == written.lastTick || tick == written.firstTick;
-        if (!IsInThisGo(books, written) || !child->isInWorld || !isAtTick) continue;
+        const bool isBelow = child->hungAt == 0 || child->hungAt == books.kinship;
+        if (!isBelow || !IsInThisGo(books, written) || !child->isInWorld || !isAtTick) continue;
         if (!child->isListed) books.overtaken.push_back(child);
         child->isListed = child->isOvertaken = true;
         child->overtakenAt = tick;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "recorder/stream/notes.h"
 #include "recorder/watch/books.h"
 #include "tvl/ids.h"
 
@@ -171,7 +172,7 @@ struct Session {
     // The calls of a deletion by the user follow one another, StopCore first.
     void BeginGo(const OpenCall& call) {
         if (books.calls.size() > 1 || call.isByCore) return;
-        ++books.go;
+        books.BeginGo();
         if (RowOf(call.place.operation).className != "CExtendable") books.hasStopEndedGroup = false;
     }
 
@@ -203,7 +204,7 @@ struct Session {
             --place;
             if (place->place.call == record.head.call) {
                 TakeEnd(books, *place, record);
-                if (calls.size() == 1 && !place->isByCore) ++books.go;
+                if (calls.size() == 1 && !place->isByCore) books.BeginGo();
                 calls.erase(place);
                 return;
             }
@@ -218,6 +219,8 @@ struct Session {
         const ObjectId id = record.head.object;
         if (KindOf(id) == ObjectKind::kNode) KnowNode(books, id, facts);
         if (KindOf(id) == ObjectKind::kOwner) books.owners[id].name = facts.name;
+        if (KindOf(id) == ObjectKind::kListener && facts.of != 0)
+            KnowListener(books, facts.of, id != kNoListener);
     }
 
     void Take(const Record& record) {
@@ -237,6 +240,8 @@ struct Session {
         if (record.head.kind == RecordKind::kCall) TakeCall(record);
         if (record.head.kind == RecordKind::kObject) TakeObject(record);
         if (record.head.kind == RecordKind::kMesh) TakeMesh(books, values);
+        const auto [word, about] = NoteOf(record);
+        if (word == note::kSettings) TakeSettings(books, std::string(about));
     }
 };
 

@@ -47,6 +47,10 @@ TEST_F(CheckCore, CoresThatAreWellPassAtTheStrictest) {
     EXPECT_TRUE(std::filesystem::is_empty(folder_.Path() / "tapes"));
 }
 
+TEST_F(CheckCore, AFileThatCannotBeWrittenIsToldBeforeAnyCheck) {
+    ExpectRefusal(Words(HELLO_CORE, "--junit no/where.xml"), "no/where.xml: ", 1);
+}
+
 TEST_F(CheckCore, EachMistakeIsSeenByItsCheck) {
     for (const mistakes::Mistake& mistake : mistakes::kMistakes) {
         platform::SetVariable(mistakes::kVariable, mistake.name);
@@ -61,11 +65,11 @@ TEST_F(CheckCore, EachMistakeIsSeenByItsCheck) {
 
 // The process of a check ends where that of the others goes on.
 TEST_F(CheckCore, WhateverBecomesOfACheckItIsOneFailedRowWithAllThatHelps) {
-    auto outcomes = Outcomes(STRAY_CORE, "--strictness 7 --time-limit 3 --junit checks.xml");
+    auto outcomes = Outcomes(STRAY_CORE, "--strictness 7 --time-limit 2.5 --junit checks.xml");
     const std::vector<std::pair<const char*, const char*>> kFailed = {
         {"new-scene", kIsWindows ? "" : "ended"},
         {"press", "exception-out: ShowCore"},
-        {"time", "not over after 3 seconds"},
+        {"time", "not over after 2.5 seconds"},
         {"far-away", "the plug-in or its Core has ended the process"}};
     for (const auto& [name, why] : kFailed) {
         const Json& outcome = outcomes[name];
@@ -102,6 +106,7 @@ TEST_F(CheckCore, RefusesWhatCannotBeMeantAndStopsWhereThereIsNoCore) {
     const std::vector<std::pair<const char*, const char*>> kWrong = {
         {"--only undu", "--only: there is no check \"undu\"; undo is the nearest"},
         {"--strictness 11", "--strictness: 11 is not from 1 to 10"},
+        {"--strictness x", "--strictness: \"x\" is not a whole number"},
         {"--seed 0", "a seed is a whole number from 1 on"},
         {"--seed 1 --reproduce 1", "--"},
         {"--reproduce 1 --strictness 5", "--reproduce: random checks are made from --strictness 9"},

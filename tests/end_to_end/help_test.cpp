@@ -86,7 +86,10 @@ TEST_F(Help, CompletesVerbsOptionsValuesAndFilesInBash) {
         "complete_line run --do exp\n"
         "complete_line tape pr\n"
         "complete_line tape print --op\n"
-        "complete_line tape info wal\n");
+        "complete_line tape info wal\n"
+        "complete_line help tape pr\n"
+        "complete_line help tape print ''\n"
+        "complete_line run --watch = s\n");
     const int status = platform::RunProgram({.program = kBash,
                                              .arguments = platform::FromNarrow("typed").native(),
                                              .out = folder_.Path() / "out",
@@ -95,7 +98,7 @@ TEST_F(Help, CompletesVerbsOptionsValuesAndFilesInBash) {
     EXPECT_TRUE(status == 0 && Read("error").empty()) << Read("error");
     EXPECT_EQ(Read("out"),
               "render\n--scene,--scale\nwalk.bvh\ntwo words.bvh\nwalk.bvh\n"
-              "\nmerge\n\nexpect\nprint\n--operation\nwalk.bvh\n");
+              "\nmerge\n\nexpect\nprint\n--operation\nwalk.bvh\nprint\n\nstrict\n");
 }
 
 }  // namespace

@@ -49,8 +49,9 @@ TEST_F(Recover, BringsBackWhatNoSceneWasSavedWith_AndLeavesWhatThereIs) {
                       .find(moment),
                   std::string::npos);
     ExpectRefusal("recover ball.tape --into ball.scene -o ball.scene", "--output: ball.scene", 2);
-    ExpectRefusal("recover ball.tape --session 2 -o no.scene", "ball.tape: there is no session 2",
-                  1);
+    ExpectRefusal("recover ball.tape --session 2 -o no.scene", "--session: 2 is not from 1 to 1",
+                  2);
+    ExpectRefusal("recover ball.tape --after -5 -o no.scene", "--after: -5 is not from 0", 2);
     ExpectRefusal("recover ball.tape --after 999999 -o no.scene", "ball.tape: there is no call", 1);
 
     // What is told can be typed as it stands, also where the tape has been gone on with.
@@ -59,6 +60,24 @@ TEST_F(Recover, BringsBackWhatNoSceneWasSavedWith_AndLeavesWhatThereIs) {
         Ask("open ball.scene --core \"" + hello_ + "\" --tape \"my ball.tape\"")["complaints"][0];
     Do(word.substr(word.find("recover ")));
     EXPECT_EQ(Read("NEW.scene"), Read("new.scene"));
+}
+
+// As of a tape that was gone on with after a crash.
+TEST_F(Recover, BringsInTheWorkOfOneSession_AndSaysHowToBringInTheOthers) {
+    Work("ball.tape", " --do \"press 1046\"");
+    Work("ball.tape", " --do \"press 1046\"");
+    const Json told = Ask("recover ball.tape -o one.scene");
+    EXPECT_EQ(Line(told, {"session", "step"}), "2 \"Recovered \\\"Bounce\\\"\"");
+    ASSERT_EQ(told["others"].size(), 1U) << told;
+    const std::string command = told["others"][0]["command"];
+    EXPECT_NE(command.find("--into one.scene --after 1 --session 1"), std::string::npos) << command;
+    EXPECT_NE(Do(command.substr(command.find("recover "))).find("NEW.scene"), std::string::npos);
+    EXPECT_EQ(Ask("info NEW.scene")["nodes"].size(), 2U);
+
+    // State that comes with a merge into the first scene is not that of a scene before.
+    Do("run --core \"" + hello_ + "\" --do \"press 1046\" --do \"save ball.scene\"");
+    Work("merged.tape", " --do \"merge ball.scene\" --do \"press 1046\"");
+    EXPECT_EQ(Ask("recover merged.tape -o merged.scene")["lost"][0], "merged by hand: ball.scene");
 }
 
 TEST_F(Recover, TellsOfNodesThatNoStateNames_AndOfKeysInTheWay) {

@@ -1,4 +1,5 @@
 #include "platform/process.h"
+#include "recorder/tape/segments.h"
 #include "tests/end_to_end/command.h"
 #include "tests/support/mistakes/mistakes.h"
 
@@ -24,7 +25,15 @@ TEST_F(TapeVerbs, TellWhatWasRecordedAndWhatIsInNoScene) {
     const std::string lines = Do("tape info walk.tape");
     EXPECT_NE(lines.find("1 undo group, 1 take"), std::string::npos) << lines;
     EXPECT_EQ(lines.find("In no scene"), std::string::npos) << lines;
+    Do("run --core \"" + std::string(HELLO_CORE) +
+       "\" --tape ball.tape --do \"press 1046\" --do \"merge walk.scene\"");
+    EXPECT_EQ(Ask("tape info ball.tape")["sessions"][0]["undoGroupsInNoScene"], 1);
     ExpectRefusal("tape info walk.bvh", "walk.bvh: it is no tape", 1);
+    Write("blank.tape", std::string(4'096, '\0'));
+    EXPECT_EQ(Do("tape info blank.tape"),
+              "blank.tape: 0 sessions, 4096 bytes\n"
+              "Nothing has been recorded to it; --tape goes on with it\n");
+    ExpectRefusal("tape print blank.tape", "blank.tape: there is nothing on it", 1);
     ExpectRefusal("tape info nothing.tape", "nothing.tape: there is no such file", 1);
     ExpectRefusal("tape", "a verb is missing behind tape", 2);
     ExpectRefusal("tape inf walk.tape", "there is no verb \"tape inf\"; tape info", 2);
@@ -45,7 +54,10 @@ TEST_F(TapeVerbs, PrintCallsInLines) {
         Do("tape print walk.tape --session 1 --operation SetWorldTransform --node Hip");
     EXPECT_EQ(count(poses, " of Hip.SetWorldTransform(["), 5U) << poses;
     EXPECT_EQ(count(poses, "\n"), 3 + count(poses, "SetWorldTransform")) << poses;
-    EXPECT_EQ(count(Do("tape print walk.tape --from 1000"), "\n"), 3U);
+    const Ending none = Run("tape print walk.tape --from 1000");
+    EXPECT_TRUE(none.status == 1 && count(none.out, "\n") == 3 &&
+                none.error.ends_with("walk.tape: nothing on it is what was asked for\n"))
+        << none.error;
     const std::string json =
         Do("tape print walk.tape --json --operation SetWorldTransform --node Hip");
     const Json first = Json::parse(json.substr(0, json.find('\n')));
@@ -65,6 +77,16 @@ TEST_F(TapeVerbs, TellWhereTwoDiffer) {
     EXPECT_EQ(longer.status, 1);
     EXPECT_NE(longer.out.find("\nlonger.tape: "), std::string::npos) << longer.out;
     ExpectRefusal("tape diff walk.tape walk.bvh", "walk.bvh: it is no tape", 2);
+
+    // What is damaged is told wherever the tape is read, and accuses nobody.
+    std::string hurt = Read("walk.tape");
+    hurt[hurt.find("Record walk")] ^= 1;
+    Write("hurt.tape", hurt);
+    const Ending damaged = Run("tape diff walk.tape hurt.tape");
+    EXPECT_NE(damaged.out.find("\nhurt.tape: the end of BeginUndoGroup"), std::string::npos)
+        << damaged.out;
+    EXPECT_TRUE(damaged.error.starts_with("Complaint: hurt.tape: at byte ")) << damaged.error;
+    EXPECT_EQ(Run("tape replay hurt.tape").status, 2);
 }
 
 TEST_F(TapeVerbs, HoldCallsAgainstTheContractAfterwards) {
@@ -84,19 +106,33 @@ TEST_F(TapeVerbs, HoldCallsAgainstTheContractAfterwards) {
     ExpectRefusal("tape watch walk.bvh", "walk.bvh: it is no tape", 2);
 }
 
+// Steps, trees, and records that no segment has room for have names, too.
 TEST_F(TapeVerbs, LeaveNoNameOnATapeThatIsSentAway) {
+    Write("walk.bvh", Walk(4000));
+    Do("record walk.bvh -o walk.scene");
+    Do("run walk.scene --tape walk.tape --with-scenes --do \"move walk_Knee 1,2,3\" --do "
+       "\"save walk.scene\"");
+    ASSERT_GT(Read("walk.scene").size(), recorder::kNewSegment);
     Do("tape anonymise walk.tape -o sent.tape");
     const std::string sent = Read("sent.tape");
     EXPECT_EQ(sent.size(), Read("walk.tape").size());
     ASSERT_NE(Read("walk.tape").find("Knee"), std::string::npos);
-    for (const char* name : {"Knee", "Record walk", "walk.scene", "walk_", CORE_FOLDER})
+    const std::string plugin("walk\0\0\0\0", 8);  // as a text of a tree
+    for (const std::string& name :
+         {std::string("Knee"), std::string("Record walk"), plugin, std::string(CORE_FOLDER)})
         EXPECT_EQ(sent.find(name), std::string::npos) << name;
     const Json info = Ask("tape info walk.tape");
     const Json other = Ask("tape info sent.tape");
     for (const char* kept : {"calls", "undoGroups", "isWhole", "isClosed", "moment", "platform"})
         EXPECT_EQ(info["sessions"][0][kept], other["sessions"][0][kept]) << kept;
     EXPECT_EQ(other["damages"], Json::array());
-    EXPECT_EQ(Run("tape diff walk.tape sent.tape").status, 1);
+    const Json apart = Json::parse(Run("tape diff walk.tape sent.tape --json").out);
+    EXPECT_NE(apart["first"], apart["second"]);
+    EXPECT_EQ(Run("tape print sent.tape --node Knee").status, 1);
+    Do("run --core \"" + std::string(HELLO_CORE) +
+       "\" --tape ball.tape --do \"press 1046\" --do \"expect nodes 1\" --do \"time 1\"");
+    Do("tape anonymise ball.tape -o sent.tape");
+    Do("tape replay sent.tape");
     ExpectRefusal("tape anonymise walk.tape -o walk.tape", "", 2);
 }
 

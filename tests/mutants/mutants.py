@@ -16,6 +16,8 @@ LONGEST = "600"  # seconds of one test; whatever never ends is caught, too
 
 # What is built for a test whose program does not bear its name.
 TARGETS = {"soak": ["lumiset-soak"],
+           "recovery": ["lumiset-recovery"],
+           "tape_.*": ["lumiset-headless", "TarvoOstrelUtil"],
            "faults_of_a_lying_disk": ["lumiset-headless", "fault_injector"]}
 
 Mutant = collections.namedtuple("Mutant", "number file old new test")

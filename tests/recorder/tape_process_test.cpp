@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <new>
+#include <utility>
 
 #include "recorder/tape/read_tape.h"
 #include "recorder/tape/tape_writer.h"
@@ -85,6 +86,42 @@ TEST(TapeOfAProcess, IsNobodyElsesAtTheSameTime_AndNoOtherFileIsTakenForOne) {
     EXPECT_EQ(ReadFile(letter), "Dear Core, ");
 }
 
+// One that leaves by its return from `main`, as a library in a host can have it.
+TEST(TapeOfAProcess, IsNotTouchedByAChildThatIsDoubledOff) {
+    const TemporaryFolder folder;
+    const std::string path = folder.File("parent.tape");
+    std::string whyNot;
+    auto tape = TapeWriter::Open({.path = path}, whyNot);
+    ASSERT_NE(tape, nullptr) << whyNot;
+    RandomRecords records(3);
+    records.Session(*tape);
+    records.Some(*tape, 100);
+    const pid_t child = fork();
+    if (child == 0) {
+        records.Some(*tape, 100);
+        tape.reset();
+        std::_Exit(0);
+    }
+    waitpid(child, nullptr, 0);
+    records.Some(*tape, 5'000);
+    EXPECT_EQ(CountOf(path), 5'101U);
+    tape.reset();
+    EXPECT_EQ(CountOf(path), 5'101U);
+}
+
+// Such as is left where a process dies as soon as it has set room aside.
+TEST(TapeOfAProcess, ThatHoldsNothingYetIsSaidToBeOneAndGoneOnWith) {
+    const TemporaryFolder folder;
+    const std::string path = folder.Write("blank.tape", std::string(524'288, '\0'));
+    EXPECT_ANY_THROW(ReadTape(path));
+    EXPECT_TRUE(ReadTape(path, MayBeBlank::kYes).sessions.empty());
+    std::string whyNot;
+    const auto tape = TapeWriter::Open({.path = path}, whyNot);
+    ASSERT_NE(tape, nullptr) << whyNot;
+    RandomRecords(4).Session(*tape);
+    EXPECT_EQ(CountOf(path), 1U);
+}
+
 TEST(TapeOfAProcess, EndsWithOneLineWhereThereIsNoRoom_AndStaysReadable) {
     const TemporaryFolder folder;
     const std::string path = folder.File("full.tape");
@@ -108,6 +145,10 @@ TEST(TapeOfAProcess, EndsWithOneLineWhereThereIsNoRoom_AndStaysReadable) {
     setrlimit(RLIMIT_FSIZE, &usual);
     EXPECT_EQ(tape->WhyStopped(), path + ": the tape ends here: File too large");
     tape.reset();
+    setrlimit(RLIMIT_FSIZE, &small);
+    EXPECT_EQ(TapeWriter::Open({.path = path}, whyNot), nullptr);
+    EXPECT_EQ(std::exchange(whyNot, {}), path + ": File too large");
+    setrlimit(RLIMIT_FSIZE, &usual);
     // The record after which the tape found out can be on it.
     EXPECT_TRUE(CountOf(path) == whole || CountOf(path) == whole + 1);
     whole = CountOf(path);

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <new>
 #include <system_error>
 
 namespace recorder {
@@ -34,6 +35,19 @@ int SetAside(int file, std::size_t size) {
     return error;
 }
 
+constexpr std::size_t kMarkBytes = 1;  // of a page of its own
+
+// True here, and false in every child that this process is doubled into; null where the system
+// cannot do that.
+const bool* MakeMark() {
+    void* const page =
+        mmap(nullptr, kMarkBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (page == MAP_FAILED) return nullptr;
+    if (madvise(page, kMarkBytes, MADV_WIPEONFORK) == 0) return new (page) bool(true);
+    munmap(page, kMarkBytes);
+    return nullptr;
+}
+
 }  // namespace
 
 std::unique_ptr<MappedFile> MappedFile::Open(const std::string& path, std::string& whyNot) {
@@ -50,13 +64,16 @@ std::unique_ptr<MappedFile> MappedFile::Open(const std::string& path, std::strin
         whyNot = "it is no file";
     else if (flock(file, LOCK_EX | LOCK_NB) != 0)
         whyNot = errno == EWOULDBLOCK ? "somebody is recording to it" : WordsOf(errno);
-    else
+    else {
+        if (const bool* const mark = MakeMark()) opened->mark_ = mark;
         return opened;
+    }
     return nullptr;
 }
 
 MappedFile::~MappedFile() {
     Unmap();
+    if (mark_ != &kMarked) munmap(const_cast<bool*>(mark_), kMarkBytes);
     if (file_ >= 0) close(static_cast<int>(file_));
 }
 

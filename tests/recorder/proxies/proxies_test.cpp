@@ -1,4 +1,5 @@
 #include <array>
+#include <fstream>
 #include <functional>
 #include <set>
 
@@ -42,6 +43,7 @@ class Rig final : public TVL::CoreElement, public TVL::NodeListener {
         said_("asked ", id);
         if (id == TVL::kSceneBeingSaved)
             static_cast<XMLNode*>(argument)->AddChild(XMLNode("masternode", "told"));
+        if (onAsked) onAsked();
         return 7;
     }
     void OnNodeRemoved(CNode* node) override { Hear("removed", node); }
@@ -49,6 +51,7 @@ class Rig final : public TVL::CoreElement, public TVL::NodeListener {
 
     TVL::PluginRecord record{"Rig"};
     std::function<void(CoreNode&)> onHeard;
+    std::function<void()> onAsked;
 
   private:
     void Hear(const char* what, CNode* node) {
@@ -279,9 +282,17 @@ void AskTheAdaptor(Scene& scene) {
 }
 
 void BeSaved(Scene& scene) {
+    Rig other(scene.said);
     scene.Helper("Hip");
+    auto& theirs = static_cast<CoreNode&>(
+        *scene.adaptor.CreateHelperNode(&other, "Theirs", nullptr, {}, nullptr));
+    other.onAsked = [&] { scene.rig.record.name = "Renamed"; };
     const std::string file = (scene.world.Folder() / "a.scene").string();
     scene.said(scene.world.Session().SaveScene(file).error);
+    std::ostringstream saved;
+    saved << std::ifstream(file, std::ios::binary).rdbuf();
+    scene.said(saved.str().find("<name>Renamed</name>") != std::string::npos);
+    theirs.Destroy();
     scene.world.Session().OpenScene(file);
     scene.said(scene.world.Core().state.Write());
 }
@@ -304,10 +315,10 @@ void SendMessages(Scene& scene) {
     scene.world.Core().otherButton = button.get();
     AttachPanel().Press();
     AttachPanel().Press();
+    TVL::Util::MessageNode* const adaptor = button->sender;
+    if (!adaptor) return scene.said("nobody listens");
     for (const char* name : {"first", "second"}) {
         Ear ear(scene.said, name);
-        TVL::Util::MessageNode* const adaptor = button->sender;
-        if (!adaptor) return scene.said("nobody listens");
         scene.said(ear.Listen(adaptor), ear.Listen(adaptor), ear.IsListeningTo(adaptor));
         scene.said(adaptor->Listen(&ear), adaptor->GetListeningCount(), ear.IsListener(adaptor));
         TVL::Util::Message press(TVL::kButtonPressed, "press", 3);
@@ -320,6 +331,12 @@ void SendMessages(Scene& scene) {
     }
     button.reset();
     scene.world.Core().otherButton = nullptr;
+    scene.world.SetOption(TVL::kOptimisedControllers, true);
+    scene.Helper("Hip");
+    TVL::Util::Message nobodys(TVL::kButtonPressed, "press");
+    adaptor->Receive(&nobodys, false);
+    INode& hip = *GetCOREInterface()->GetRootNode()->GetChildNode(0);
+    scene.said(hip.GetTMController()->ClassID().partA, nobodys.sender);
 }
 
 // With and without -------------------------------------------------------------------------------
@@ -407,13 +424,32 @@ TEST(Proxies, TellOfEverythingThatIsAlive) {
     EXPECT_EQ(Alive(recorded.recorder), now);
 }
 
+// As where a Core is attached again that has not left, or to another adaptor.
+TEST(Proxies, OutliveAnotherAttachment) {
+    play::Recorded recorded;
+    Said said;
+    World world({.recorder = &recorded.recorder});
+    Scene scene{world, said};
+    CoreNode& hip = scene.Helper("Hip");
+    hip.SetListener(&scene.rig);
+    PuppetCore second;
+    CoreInterface* const other =
+        recorded.recorder.Attach(&scene.adaptor, [&](auto*) { return &second; });
+    scene.Step("Delete", [&] { hip.Delete(true); });
+    recorded.recorder.Detach(other, [&](CoreInterface* core) { EXPECT_EQ(core, &second); });
+    scene.adaptor.PerformUndo();
+    EXPECT_EQ(said.Text(), "removed Hip\n0\nrestored Hip\n");
+    EXPECT_EQ(hip.GetName(), "Rig_Hip");
+}
+
 // And it has no effect.
 TEST(Proxies, TellWhatIsUsedAfterItsEnd) {
     play::Recorded recorded;
     Said said;
     World world({.recorder = &recorded.recorder});
     Scene scene{world, said};
-    CoreNode& knee = scene.Helper("Knee");
+    CoreNode& top = scene.Helper("Top");
+    CoreNode& knee = scene.Helper("Knee", &top);
     void (*const ends[])(CoreNode&, CoreNode&) = {
         [](CoreNode& node, CoreNode&) { node.Destroy(); },
         [](CoreNode& node, CoreNode&) { node.Delete(true); },
@@ -437,9 +473,11 @@ TEST(Proxies, TellWhatIsUsedAfterItsEnd) {
         hip.Delete(true);
         hip.Destroy();
         EXPECT_EQ(recorded.form.Calls(), calls + 12);
+        EXPECT_EQ(top.GetChildCount(), 1);
     }
     EXPECT_EQ(recorded.form.TakeFaults(), std::vector<std::string>());
-    knee.Destroy();
+    for (CoreNode* const node : {&knee, &top})
+        node->Destroy();
 }
 
 }  // namespace

@@ -29,9 +29,11 @@ inline constexpr Mistake kMistakes[] = {
     {"deletes twice", "node-deleted-twice"},
     {"makes a node of nobody", "null-owner"},
     {"claims for nobody", "null-owner"},
-    {"has two owners of one name", "owner-name-twice"},
+    {"has two owners of one name", "owner-name-twice", "detach-in-a-take"},
     {"leaves without a flush", "owner-in-undo-record"},
     {"does not list 43", "deletion-not-heard", "delete-in-a-take"},
+    {"does not list 43, and listens late", "deletion-not-heard", "delete-in-a-take"},
+    {"does not list 43, nor listens", "", "delete-in-a-take"},
     {"deletes outside a group at 43", "deletion-outside-group", "delete-in-a-take"},
     {"cancels at 43", "cancel-in-deletion", "delete-in-a-take"},
     {"forgets an owner's state", "state-suddenly-empty", "late-attach"},
@@ -57,6 +59,7 @@ inline constexpr Mistake kMistakes[] = {
     {"gives a mesh with a vertex that is no number", "number-not-finite"},
     {"writes a flat transform", "transform-singular"},
     {"forgets the unit", "unit-factor"},
+    {"forgets the unit, and reads nothing", "unit-factor"},
     {"counts the unit twice", "unit-factor"},
     {"gives a face without a vertex", "face-out-of-range"},
     {"gives half a face", "half-a-face"},
@@ -69,7 +72,7 @@ inline constexpr Mistake kMistakes[] = {
     {"calls from a thread", "other-thread"},
     {"calls after detach", "call-after-detach", "loads"},
     {"throws out of ShowCore", "exception-out"},
-    {"does what is allowed", ""},
+    {"does what is allowed", "", "another-process"},
 };
 
 }  // namespace mistakes

@@ -46,6 +46,11 @@ struct Unaccounted {
 
 struct Owner final : TVL::CoreElement {
     explicit Owner(std::string name) : record{std::move(name)} { plugin = &record; }
+    std::intptr_t HandleExtension(int id, void* argument) override {
+        if (id == TVL::kSceneBeingSaved && Makes("has two owners of one name"))
+            static_cast<XMLNode*>(argument)->AddChild(XMLNode("masternode", ""));
+        return 0;
+    }
     TVL::PluginRecord record;
 };
 
@@ -85,20 +90,21 @@ void At(double seconds, CoreNode& node, const Work& work) {
     node.ReleaseSnapshot(snapshot);
 }
 
+// Without a look at what stands there.
+void Put(CoreNode& node, double seconds, double size) {
+    const CMatrix4 pose = CMatrix4::Diagonal(size, size, size, 1);
+    At(seconds, node, [&](TVL::CSnapshot& snapshot) { snapshot.SetWorldTransform(pose); });
+}
+
 // Metres; the rows stay as they are, but for a scale.
 void Place(CoreNode& node, double seconds, double x, double scale = 1) {
+    if (Makes("forgets the unit, and reads nothing")) return Put(node, seconds, 1);
     At(seconds, node, [&](TVL::CSnapshot& snapshot) {
         CMatrix4 pose = snapshot.GetWorldTransform();
         pose = CMatrix4::Diagonal(scale, scale, scale, 1) * pose;
         pose[3][0] = x;
         snapshot.SetWorldTransform(pose);
     });
-}
-
-// Without a look at what stands there.
-void Put(CoreNode& node, double seconds, double size) {
-    const CMatrix4 pose = CMatrix4::Diagonal(size, size, size, 1);
-    At(seconds, node, [&](TVL::CSnapshot& snapshot) { snapshot.SetWorldTransform(pose); });
 }
 
 class WrongCore final : public CoreInterface, public TVL::CoreElement, public TVL::NodeListener {
@@ -124,6 +130,9 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
         adaptor_.BeginUndoGroup("Take");
         if (nodes_.empty()) MakeRig();
         Record();
+        if (listens_ != Listens::kAlways)
+            for (CoreNode* const node : nodes_)
+                node->SetListener(listens_ == Listens::kLate ? this : nullptr);
         adaptor_.EndUndoGroup();
         UseLoansWrongly(Named("Root"), Named("Arm"));
         UseNodesWrongly(Named("Root"), Named("Arm"));
@@ -135,7 +144,7 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
     }
 
     std::vector<int> ListExtensions() override {
-        if (Makes("does not list 43")) return {};
+        if (Makes("does not list 43") || listens_ != Listens::kAlways) return {};
         return {TVL::kNodesBeingDeleted};
     }
     std::intptr_t HandleExtension(int id, void* argument) override {
@@ -213,7 +222,6 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
         if (Makes("releases a real node")) root.ReleaseNode(&Spare(this));
         if (Makes("claims a real node")) root.Claim(this, "Once more");
         if (Makes("makes a node of nobody")) Spare(nullptr).Destroy();
-        if (Makes("has two owners of one name")) Spare(&namesake_).Destroy();
         if (Makes("uses a destroyed node") || Makes("hangs a node below a destroyed one")) {
             CoreNode& spare = Spare(this);
             spare.Destroy();
@@ -293,14 +301,24 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
         adaptor_.EndUndoGroup();
         adaptor_.PerformUndo();
 
-        // A snapshot over a flush, nodes that go in the group that made them, one that is scaled.
+        // A snapshot over a flush, nodes that go in the group that made them, or twice
+        // in two; the ends of a colour, a node that is scaled.
         TVL::CSnapshot* const kept = root.AcquireSnapshot(0.25);
         adaptor_.BeginUndoGroup("Allowed");
         Spare(this).Destroy();
         Spare(this).Delete(true);
         adaptor_.EndUndoGroup();
+        CoreNode& spare = Spare(this);
+        for (const char* const step : {"Delete", "Delete again"}) {
+            adaptor_.BeginUndoGroup(step);
+            spare.Delete(true);
+            adaptor_.EndUndoGroup();
+        }
         adaptor_.FlushUndoBuffer();
         root.ReleaseSnapshot(kept);
+        TVL::CSnapshot_Helper* const look = root.AcquireHelperSnapshot();
+        look->SetColor(0, 1, 0.5F);
+        root.ReleaseHelperSnapshot(look);
         Place(root, 0, 0, 7);
         Place(root, 0, 0, 1 / 7.0);
 
@@ -339,6 +357,18 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
         }
         adaptor_.EndRecording();
         EndTake();
+
+        // A node that was hung below another one, and is not any more.
+        adaptor_.BeginUndoGroup("Hung");
+        Named("Eye").SetParent(&root);
+        adaptor_.EndUndoGroup();
+        adaptor_.PerformUndo();
+        adaptor_.BeginRecordingUnkeyed({});
+        for (int frame = 0; frame < 4; ++frame) {
+            Place(Named("Eye"), TimeOf(frame), 1);
+            Place(root, TimeOf(frame), frame);
+        }
+        adaptor_.EndRecording();
         OpenTake();
     }
 
@@ -357,9 +387,15 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
     }
 
     void MakeRig() {
-        TVL::CNode* const root = adaptor_.CreateHelperNode(this, "Root", nullptr, Triangle(), this);
-        adaptor_.CreateHelperNode(this, "Arm", root, Triangle(), this);
-        adaptor_.CreateLensNode(this, "Eye", nullptr, this);
+        TVL::NodeListener* const ear = listens_ == Listens::kLate ? nullptr : this;
+        TVL::CNode* const root = adaptor_.CreateHelperNode(this, "Root", nullptr, Triangle(), ear);
+        TVL::CNode* const arm = adaptor_.CreateHelperNode(this, "Arm", root, Triangle(), ear);
+        TVL::CNode* const eye = adaptor_.CreateLensNode(this, "Eye", nullptr, ear);
+        nodes_.clear();
+        for (TVL::CNode* const node : {root, arm, eye})
+            nodes_.push_back(static_cast<CoreNode*>(node));
+        if (Makes("has two owners of one name") || Makes("does what is allowed"))
+            adaptor_.CreateHelperNode(&namesake_, "Double", nullptr, Triangle(), nullptr);
     }
 
     void Record() {
@@ -410,6 +446,8 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
     void DestroyAll() {
         for (CoreNode* node : std::exchange(nodes_, {}))
             node->Destroy();
+        for (TVL::CNode* node : adaptor_.GetNodes(&namesake_))
+            static_cast<CoreNode*>(node)->Destroy();
     }
 
     void GiveParts(XMLNode& parts) {
@@ -439,6 +477,11 @@ class WrongCore final : public CoreInterface, public TVL::CoreElement, public TV
     int statesGiven_ = 0;
     int partsGiven_ = 0;
     bool isOpen_ = false;
+
+    enum class Listens { kAlways, kLate, kNot };
+    const Listens listens_ = Makes("does not list 43, and listens late") ? Listens::kLate
+                             : Makes("does not list 43, nor listens")    ? Listens::kNot
+                                                                         : Listens::kAlways;
 };
 
 }  // namespace
