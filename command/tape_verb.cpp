@@ -12,6 +12,7 @@
 #include "command/verbs.h"
 #include "command/written_files.h"
 #include "command/wrong_words.h"
+#include "platform/interrupt.h"
 #include "platform/whole_file.h"
 #include "recorder/stream/notes.h"
 #include "recorder/tape/anonymise.h"
@@ -314,6 +315,7 @@ void AddDiff(CLI::App& app) {
 
 void WriteWhole(const std::string& path, const std::vector<std::uint8_t>& bytes) {
     ExpectFile(path);
+    const platform::Interrupt interrupt;  // no half of it is left then
     platform::WholeFile file(path);
     std::string reason = file.Refusal();
     if (reason.empty()) {

@@ -47,11 +47,14 @@ ChildHandle OutputOf(const ChildRun& run) {
                                    FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
-ChildEnding WaitFor(HANDLE process, double seconds) {
-    if (WaitForSingleObject(process, static_cast<DWORD>(seconds * 1000)) == WAIT_TIMEOUT) {
+ChildEnding WaitFor(HANDLE process, const ChildRun& run) {
+    constexpr DWORD kNap = 50;  // milliseconds
+    const ULONGLONG end = GetTickCount64() + static_cast<ULONGLONG>(run.seconds * 1000);
+    while (WaitForSingleObject(process, kNap) == WAIT_TIMEOUT) {
+        if (GetTickCount64() < end && !run.isGivenUp()) continue;
         TerminateProcess(process, 1);
         WaitForSingleObject(process, INFINITE);
-        return {0, "not over after " + std::to_string(static_cast<int>(seconds)) + " seconds"};
+        return {0, "not over after " + std::to_string(static_cast<int>(run.seconds)) + " seconds"};
     }
     DWORD status = 0;
     GetExitCodeProcess(process, &status);
@@ -79,7 +82,7 @@ ChildEnding RunChild(const ChildRun& run) {
         return {0, "not started: " + WordsForLastError()};
     const ChildHandle process(made.hProcess);
     const ChildHandle thread(made.hThread);
-    return WaitFor(process.get(), run.seconds);
+    return WaitFor(process.get(), run);
 }
 
 // No name of a file has a quotation mark.
