@@ -1,3 +1,5 @@
+#include <csignal>
+
 #include "headless/primitives.h"
 #include "headless/scene_view.h"
 #include "headless/session.h"

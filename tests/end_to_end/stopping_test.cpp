@@ -16,7 +16,7 @@ class Stopping : public Command {
     void SetUp() override {
         for (const char* folder : {"work", "work/passing"})
             std::filesystem::create_directory(folder_.Path() / folder);
-        Write("work/short.bvh", Walk(30));
+        Write("work/short.bvh", Walk(2000));
         Do("record work/short.bvh --scale 1 -o work/short.scene");
         Do("record work/short.bvh --scale 1 -o work/old.scene");
         PlaceRegistry(folder_, {core_, documents_});
@@ -87,7 +87,7 @@ TEST_F(Stopping, NothingIsHalfWrittenOrLeftOver) {
          "render short.scene --frames 0:9999:1 --size 64x64 --sheet 100 -o new.png",
          " of 10000 pictures; nothing was saved",
          {}},
-        {"Exporting", "export short.scene --fps 1000000 -o new.bvh", " %; nothing was saved", {}},
+        {"Exporting", "export short.scene --fps 4800 -o new.bvh", " %; nothing was saved", {}},
         {"Reading", many, "; nothing was saved, old.scene is as it was", {}},
         {"Checking [", "check-core " + core, "Checking ended after ", {}},
     };
@@ -103,7 +103,9 @@ TEST_F(Stopping, NothingIsHalfWrittenOrLeftOver) {
             EXPECT_TRUE(files.contains(name)) << name;
             expected[name] = files.contains(name) ? files.at(name) : "";
         }
-        if (sign != "Drawing" || written.empty()) EXPECT_TRUE(files == expected) << files.size();
+        if (sign != "Drawing" || written.empty()) {
+            EXPECT_TRUE(files == expected) << files.size();
+        }
         EXPECT_TRUE(std::filesystem::is_empty(folder_.Path() / "work/passing"));
         for (const auto& [name, bytes] : files)
             if (!expected.contains(name)) {

@@ -40,7 +40,7 @@ TEST(ProgressLine, TellsTheTimeThatIsLeftFromTheRateSoFarAndIsWiped) {
         Moment{10, 0.3, "Work [                    ] 10 of 1000"},  // no rate is known yet
         Moment{100, 10, "Work [##                  ] 100 of 1000, about 90 s left"},
         Moment{100, 30, "Work [##                  ] 100 of 1000, about 5 min left"},
-        Moment{750, 30, "Work [###############     ] 750 of 1000, about 10 s left"},
+        Moment{750, 33, "Work [###############     ] 750 of 1000, about 11 s left"},
         Moment{999, 40, "Work [################### ] 999 of 1000, about 1 s left"},
         Moment{1000, 41, "Work [####################] 1000 of 1000"},
     };
