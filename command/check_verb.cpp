@@ -7,11 +7,13 @@
 #include "command/check_report.h"
 #include "command/checks/checks.h"
 #include "command/exit_status.h"
+#include "command/long_work.h"
 #include "command/output.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
 #include "command/written_files.h"
 #include "command/wrong_words.h"
+#include "platform/interrupt.h"
 #include "platform/narrow_path.h"
 
 namespace headless {
@@ -20,7 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr Range kStrictness{1, kStrictest};
-constexpr int kLives = 3;  // of a random check, from seeds that follow each other
+constexpr int kLives = 3;  // of a random check
 
 struct CheckArguments {
     CheckOptions options;
@@ -63,17 +65,34 @@ void NeedRandomChecks(int strictness) {
                " on");
 }
 
+// How often a check is made, from seeds that follow each other.
+int LivesOf(const Check& check, const CheckArguments& arguments) {
+    if (!arguments.only.empty()) return check.name == arguments.only ? 1 : 0;
+    if (check.level > arguments.strictness.value_or(kStrictest)) return 0;
+    if (arguments.reproduced) return check.isRandom ? 1 : 0;
+    return check.isRandom ? kLives : 1;
+}
+
+std::size_t CountLives(const CheckArguments& arguments) {
+    int lives = 0;
+    for (const Check& check : Checks())
+        lives += LivesOf(check, arguments);
+    return static_cast<std::size_t>(lives);
+}
+
 // Whatever is made tells of itself at once. The first check shows whether there is a Core at all.
-void MakeAll(const CheckArguments& arguments, const CheckOptions& options, CheckReport& report) {
+void MakeAll(const CheckArguments& arguments, const CheckOptions& options, LongWork& checking,
+             CheckReport& report) {
     for (const Check& check : Checks()) {
-        if (check.level > arguments.strictness.value_or(kStrictest)) continue;
-        if (arguments.reproduced && !check.isRandom) continue;
         CheckOptions own = options;
-        const bool isOnce = !check.isRandom || arguments.reproduced;
-        for (int life = 0; life < (isOnce ? 1 : kLives); ++life, ++own.seed) {
-            report.outcomes.push_back(MakeCheckApart(check, own));
+        for (int life = 0; life < LivesOf(check, arguments); ++life, ++own.seed) {
+            CheckOutcome outcome = MakeCheckApart(check, own);
+            if (platform::Interrupt::IsWanted()) return;
+            report.outcomes.push_back(std::move(outcome));
+            checking.Wipe();
             if (arguments.audience == Audience::kPerson)
                 PrintOutcome(std::cout, report.outcomes.back());
+            checking.StepDone()();
         }
         if (&check == &Checks().front() && report.Count(Verdict::kFaulty) > 0) return;
     }
@@ -85,6 +104,7 @@ void RunChecks(const CheckArguments& arguments) {
     CheckOptions options = arguments.options;
     options.seed = SeedOf(arguments);
     const bool isPassing = options.folder.empty();
+    const platform::Interrupt interrupt;  // no folder is left then
     if (!arguments.only.empty()) TheCheck(arguments.only);
     if (arguments.reproduced) NeedRandomChecks(strictness);
     if (!isPassing) MakeFolder(options.folder);
@@ -92,17 +112,21 @@ void RunChecks(const CheckArguments& arguments) {
     if (!arguments.junit.empty()) junit.emplace(arguments.junit);
     if (isPassing) options.folder = NewFolderForPassing("lumiset-checks");
     CheckReport report{.core = options.guests.core, .outcomes = {}};
+    LongWork checking("Checking", CountLives(arguments), "check");
     if (arguments.only.empty()) {
-        MakeAll(arguments, options, report);
+        MakeAll(arguments, options, checking, report);
     } else {
         report.outcomes.push_back(MakeCheck(TheCheck(arguments.only), options));
         if (arguments.audience == Audience::kPerson) TellAlone(std::cout, report.outcomes.back());
     }
     std::error_code isInUse;
     if (isPassing) fs::remove(platform::FromNarrow(options.folder), isInUse);
-    if (junit) WriteJunit(report, *junit);
+    checking.Wipe();
+    const bool isStopped = platform::Interrupt::IsWanted();
+    if (junit && !isStopped) WriteJunit(report, *junit);
     if (arguments.only.empty() || arguments.audience == Audience::kProgram)
         Print(std::cout, report, arguments.audience);
+    checking.End();
     if (report.Count(Verdict::kFaulty) > 0) throw Ended{kFailed};
 }
 

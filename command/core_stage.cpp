@@ -36,12 +36,12 @@ namespace variable = replay::variable;
 
 // All that make up a request.
 constexpr std::array kRequestVariables = {
-    variable::kCaptures, variable::kScale,       variable::kHeight,    variable::kFrom,
-    variable::kTo,       variable::kStart,       variable::kKeepRange, variable::kOptimised,
-    variable::kProgress, variable::kMerge,       variable::kSample,    variable::kSampleNodes,
-    variable::kInspect,  variable::kInspectTime, variable::kCsv,       variable::kFollowCamera,
-    variable::kGround,   variable::kGuide,       variable::kTake,      variable::kReplace,
-    variable::kPartial};
+    variable::kCaptures,     variable::kScale,         variable::kHeight,      variable::kFrom,
+    variable::kTo,           variable::kStart,         variable::kKeepRange,   variable::kOptimised,
+    variable::kProgress,     variable::kInterruptible, variable::kMerge,       variable::kSample,
+    variable::kSampleNodes,  variable::kInspect,       variable::kInspectTime, variable::kCsv,
+    variable::kFollowCamera, variable::kGround,        variable::kGuide,       variable::kTake,
+    variable::kReplace,      variable::kPartial};
 
 // What a person typed to have the variable set.
 struct OptionOfVariable {
@@ -118,6 +118,7 @@ CoreStage::CoreStage(const GuestChoice& guests, const SessionSettings& settings)
     : session_(settings) {
     session_.OnMessageBox(
         [this](const MessageBoxText& box) { pending_.boxes.push_back(box.text); });
+    session_.OnProgress([this](const FileProgress& file) { return fileLine_.Tell(file); });
     platform::UseNamedRegistry();
     if (guests.guests == Guests::kPluginAlone) platform::HideRegistry();
     if (guests.guests == Guests::kNobody) return;
@@ -192,8 +193,12 @@ void CoreStage::NeedReplayCore() const {
                       "Core");
 }
 
-replay::Report CoreStage::AskCore(const CoreRequest& request) {
+replay::Report CoreStage::AskCore(CoreRequest request) {
     NeedReplayCore();
+    EndIfStopped("the Core was not asked any more");
+    const bool isShown = platform::IsErrorStreamATerminal();
+    request[variable::kProgress] = isShown ? "1" : "";
+    request[variable::kInterruptible] = "1";
     for (const char* name : kRequestVariables) {
         const auto value = request.find(name);
         if (!platform::SetVariable(name, value == request.end() ? "" : value->second))
@@ -205,11 +210,13 @@ replay::Report CoreStage::AskCore(const CoreRequest& request) {
     if (!session_.PressButton(TVL::kStartButton))
         throw Failure(platform::ModuleFile(kPlugin) + ": its panel \"" + TVL::kPanelUtility +
                       "\" has no button " + std::to_string(TVL::kStartButton));
+    fileLine_.End();
     std::optional<replay::Report> report = ReadReport(report_.Path());
     if (!report) throw Failure("the Core reported nothing of its work");
     for (const auto* lines : {&report->warnings, &report->faults})
         reported_.insert(reported_.end(), lines->begin(), lines->end());
     reported_.push_back(report->error);
+    if (!report->error.empty()) EndIfStopped(report->error);
     if (!report->error.empty()) RefuseAsCore(report->error);
     for (replay::CaptureReport& capture : report->captures)
         capture.error = WithOptions(std::move(capture.error));
@@ -295,6 +302,8 @@ StageNews CoreStage::TakeNewsInOne() {
 }
 
 void CoreStage::Take(FileOutcome outcome) {
+    fileLine_.End();
+    if (!outcome.error.empty()) EndIfStopped(outcome.error);
     if (!outcome.error.empty()) throw Failure(outcome.error);
     std::ranges::move(outcome.complaints, std::back_inserter(pending_.complaints));
 }

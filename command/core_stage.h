@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "command/guests.h"
+#include "command/long_work.h"
 #include "command/stage_recorder.h"
 #include "command/trace_tail.h"
 #include "command/written_files.h"
@@ -58,8 +59,9 @@ class CoreStage {
     void NeedReplayCore() const;
 
     // Presses the button that has the replay Core do its work. Variables that the request does not
-    // hold are taken away.
-    replay::Report AskCore(const CoreRequest& request);
+    // hold are taken away. The Core ends its work when Ctrl-C is pressed, and that is thrown as a
+    // Failure of its own status.
+    replay::Report AskCore(CoreRequest request);
 
     // The same, for a file that the Core writes; what is thrown names it by the name that it gets.
     replay::Report AskCoreForFile(CoreRequest request, const CoreFile& file);
@@ -106,6 +108,7 @@ class CoreStage {
     std::optional<CoreSeat> seat_;
     bool isReplayCore_ = false;
     std::string absence_;  // why the Core was not there at the start, until that is told
+    FileLine fileLine_;
     std::vector<std::string> reported_;  // by the replay Core, which traces it as well
     StageNews pending_;
     Session session_;

@@ -10,6 +10,7 @@ namespace headless {
 inline constexpr int kDone = 0;
 inline constexpr int kFailed = 1;  // one line on stderr says what, and where
 inline constexpr int kWrongUsage = 2;
+inline constexpr int kStopped = 130;  // by Ctrl-C, as shells tell it: 128 and its signal's number
 
 inline constexpr char kNoMemory[] = "there is not enough memory";
 inline constexpr char kOutputLost[] = "the output cannot be written";

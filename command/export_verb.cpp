@@ -16,8 +16,6 @@
 #include "command/verbs.h"
 #include "interchange/bvh_file.h"
 #include "interchange/gltf_file.h"
-#include "platform/process.h"
-#include "platform/progress_line.h"
 
 namespace headless {
 namespace {
@@ -195,12 +193,11 @@ std::vector<Loss> Write(const Format& format, const ExportArguments& arguments,
     }
     CoreFile file(arguments.file);
     std::ofstream out(file.Path(), std::ios::binary);
-    platform::ProgressLine progress(platform::IsErrorStreamATerminal(), "Exporting",
-                                    platform::ProgressIn::kPercent, frames * format.passes);
-    std::vector<Loss> losses = format.write(takes, arguments.bvh, out, [&] {
-        progress.Advance();
-        return out.good();
-    });
+    LongWork exporting("Exporting", frames * format.passes);
+    std::vector<Loss> losses =
+        format.write(takes, arguments.bvh, out,
+                     [&, isStepDone = exporting.StepDone()] { return isStepDone() && out.good(); });
+    exporting.End();
     out.close();
     if (!out) throw Failure(arguments.file + ": the file cannot be written");
     file.Keep();

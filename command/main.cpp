@@ -115,7 +115,8 @@ int Guarded(int argc, char** argv) {
     } catch (const headless::Ended& ended) {
         return ended.status;
     } catch (const headless::Failure& failure) {
-        return Fail("", failure.what(), failure.Status());
+        const bool isStopped = failure.Status() == headless::kStopped;
+        return Fail(isStopped ? "stopped: " : "", failure.what(), failure.Status());
     } catch (const std::bad_alloc&) {
         return Fail("", headless::kNoMemory, headless::kFailed);
     } catch (const std::exception& error) {

@@ -13,6 +13,7 @@
 #include "host/time.h"
 #include "host/units.h"
 #include "platform/files.h"
+#include "platform/interrupt.h"
 #include "platform/process.h"
 #include "recorder/stream/notes.h"
 #include "replay/request.h"
@@ -52,8 +53,7 @@ CoreRequest RequestFor(CoreStage& stage, const RecordOptions& options) {
         {variable::kFollowCamera, options.followsWithCamera ? "1" : "0"},
         {variable::kTake, Lines({options.take})},
         {variable::kReplace, options.replaces ? "1" : ""},
-        {variable::kPartial, options.takesCutCaptures ? "1" : ""},
-        {variable::kProgress, options.progress ? "1" : ""}};
+        {variable::kPartial, options.takesCutCaptures ? "1" : ""}};
     if (options.holdsToGround) request[variable::kGround] = std::to_string(FindOrDrawGround(stage));
     const std::vector<NodeView> nodes = Nodes();
     const auto shape = std::ranges::find(nodes, SHAPE_CLASS_ID, &NodeView::objectSuperClass);
@@ -129,6 +129,24 @@ void Save(CoreStage& stage, const RecordOptions& options, RecordResult& result) 
     result.saved = options.scene;
 }
 
+// What was recorded when Ctrl-C ended it is saved, but not in the place of the scene that it was
+// recorded into: that one still has whole takes.
+void SaveStopped(CoreStage& stage, const RecordOptions& options, std::uint64_t before) {
+    platform::Interrupt::Meet();
+    const bool isOwn = !options.into.empty() && platform::AreSameFile(options.scene, options.into);
+    if (!options.scene.empty() && !isOwn && SceneDigest() != before) stage.Save(options.scene);
+}
+
+replay::Report AskToRecord(CoreStage& stage, const RecordOptions& options,
+                           const CoreRequest& request, const CoreFile& csv, std::uint64_t before) {
+    try {
+        return options.csv.empty() ? stage.AskCore(request) : stage.AskCoreForFile(request, csv);
+    } catch (const Failure& failure) {
+        if (failure.Status() == kStopped) SaveStopped(stage, options, before);
+        throw;
+    }
+}
+
 // The times of the frames of the longest capture.
 std::string FrameTimes(const RecordResult& result) {
     const auto length = [](const CaptureResult& capture) {
@@ -195,8 +213,7 @@ RecordResult Record(const RecordOptions& options) {
     const CoreRequest request = RequestFor(stage, options);
     const std::uint64_t before = SceneDigest();
     RecordResult result;
-    ReportTake(options.csv.empty() ? stage.AskCore(request) : stage.AskCoreForFile(request, csv),
-               options, result);
+    ReportTake(AskToRecord(stage, options, request, csv, before), options, result);
     Save(stage, options, result);
     WritePoses(stage, options, poses, result);
     CountNodesAndKeys(result);

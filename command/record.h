@@ -33,7 +33,6 @@ struct RecordOptions {
     bool takesCutCaptures = false;
     bool holdsToGround = false;  // the node "Ground", which is drawn if there is none
     bool followsWithCamera = false;
-    bool progress = false;
 };
 
 // What came of a capture.

@@ -11,7 +11,6 @@
 #include "command/verb_options.h"
 #include "command/verbs.h"
 #include "command/written_files.h"
-#include "platform/process.h"
 
 namespace headless {
 namespace {
@@ -62,7 +61,6 @@ void RunRecord(const RecordArguments& arguments) {
     if (options.captures.size() > 1 && !options.take.empty())
         Refuse("--take: several captures do not go into one take");
     options.optimisedController = !arguments.plainController;
-    options.progress = platform::IsErrorStreamATerminal();
     ExpectFile(options.scene);
     const RecordResult result = Record(options);
     Print(std::cout, result, arguments.audience);

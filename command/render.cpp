@@ -7,7 +7,6 @@
 #include "command/core_space.h"
 #include "command/exit_status.h"
 #include "host/time.h"
-#include "platform/progress_line.h"
 
 namespace headless {
 namespace {
@@ -65,12 +64,11 @@ void CheckSheet(const RenderOptions& options, std::size_t count) {
 // Each moment fills its own picture.
 void RenderSheet(const RenderOptions& options, const FrameRange& frames, RenderResult& result) {
     CheckSheet(options, frames.Count());
-    platform::ProgressLine progress(options.progress, "Drawing", platform::ProgressIn::kSteps,
-                                    frames.Count());
+    LongWork drawing("Drawing", frames.Count(), "picture");
     std::vector<Picture> pictures;
     for (std::size_t i = 0; i < frames.Count(); ++i) {
         pictures.push_back(PictureAt(options, options.view, AtFrame(frames.At(i))));
-        progress.Advance();
+        drawing.Advance();
     }
     Write(SideBySide(pictures, options.sheetColumns), options.file, result);
 }
@@ -78,13 +76,12 @@ void RenderSheet(const RenderOptions& options, const FrameRange& frames, RenderR
 void RenderSequence(const RenderOptions& options, const FrameRange& frames, RenderResult& result) {
     ViewportSettings view = options.view;
     view.framedTimes = FramedTimes(frames);
-    platform::ProgressLine progress(options.progress, "Drawing", platform::ProgressIn::kSteps,
-                                    frames.Count());
+    LongWork drawing("Drawing", frames.Count(), "picture");
     for (std::size_t i = 0; i < frames.Count(); ++i) {
         const int frame = frames.At(i);
         const std::string file = WithFrame(options.file, frame);
         Write(PictureAt(options, view, AtFrame(frame)), file, result);
-        progress.Advance();
+        drawing.Advance();
     }
 }
 

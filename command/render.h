@@ -30,7 +30,6 @@ struct RenderOptions {
     double seconds = 0;              // if there are no frames
     std::vector<FrameRange> frames;  // none, or one
     int sheetColumns = 0;            // 0: every frame in a file of its own
-    bool progress = false;           // shown on stderr
 };
 
 struct RenderResult {

@@ -9,7 +9,6 @@
 #include "command/render.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
-#include "platform/process.h"
 
 namespace headless {
 namespace {
@@ -62,7 +61,6 @@ void RunRender(RenderArguments& arguments) {
     }
     CheckFile(arguments.options);
     ExpectFile(arguments.options.file);
-    arguments.options.progress = platform::IsErrorStreamATerminal();
     const RenderResult result = Render(arguments.options);
     PrintEach(std::cout, kComplaint, result.complaints);
     std::cout << "Saved as " << result.files.front();

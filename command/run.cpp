@@ -19,8 +19,11 @@ class Performance {
 
     RunResult Perform() {
         Start();
-        for (const Step& step : options_.steps)
-            if (!Do(step) && !options_.keepsGoing) break;
+        for (const Step& step : options_.steps) {
+            const bool isDone = Do(step);
+            EndIfStopped("at the step " + step.text);
+            if (!isDone && !options_.keepsGoing) break;
+        }
         End();
         return std::move(result_);
     }

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "command/exit_status.h"
+#include "command/long_work.h"
 #include "command/output.h"
 #include "command/steps.h"
 #include "command/tape_print.h"
@@ -13,6 +14,7 @@
 #include "command/verb_options.h"
 #include "command/verbs.h"
 #include "command/written_files.h"
+#include "platform/interrupt.h"
 #include "platform/narrow_path.h"
 #include "player/host_settings.h"
 #include "player/replay/replay.h"
@@ -75,6 +77,8 @@ class Performance {
 
     void Perform(std::vector<std::string>& told) {
         while (const auto step = replay_.NextStep()) {
+            EndIfStopped("after " + Counted(replay_.Calls(), "call") +
+                         ", whose answers were the same");
             told.push_back(step->text + (step->isInferred ? "  (inferred)" : ""));
             try {
                 do {
@@ -169,11 +173,13 @@ void Perform(const ReplayArguments& arguments, player::Replay& replay, player::R
              const SessionSettings& settings, std::vector<std::string>& told) try {
     Performance(arguments, replay, scenes, settings).Perform(told);
 } catch (const Failure& failure) {
+    if (failure.Status() == kStopped) throw;
     if (replay.Calls() == 0) throw Failure(failure.what(), kNotCompared);
 }
 
 // All sessions, or one with those of the same host that came before it.
 ReplayResult Play(const ReplayArguments& arguments) {
+    const platform::Interrupt interrupt;  // no folder is left then
     const recorder::TapeContents tape = Read(arguments);
     const PassingFolder folder;
     ReplayResult result;

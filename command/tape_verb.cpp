@@ -13,6 +13,7 @@
 #include "command/verbs.h"
 #include "command/written_files.h"
 #include "command/wrong_words.h"
+#include "platform/interrupt.h"
 #include "platform/narrow_path.h"
 #include "platform/whole_file.h"
 #include "recorder/stream/notes.h"
@@ -365,6 +366,7 @@ void AddDiff(CLI::App& app) {
 
 void WriteWhole(const std::string& path, const std::vector<std::uint8_t>& bytes) {
     ExpectFile(path);
+    const platform::Interrupt interrupt;  // no half of it is left then
     platform::WholeFile file(path);
     std::string reason = file.Refusal();
     if (reason.empty()) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/interrupt.h"
 #include "platform/whole_file.h"
 
 // The files that the command writes.
@@ -48,7 +49,8 @@ std::string TextOfFile(const std::string& path);
 
 // A file that the Core writes for the command: it is there only if the work on it came to its end,
 // and takes the place of `target` at Keep. Without a target it lies in the system's folder for such
-// files, and goes.
+// files, and goes. While it lives, Ctrl-C ends no process that would leave it there; the work is to
+// ask for that.
 class CoreFile {
   public:
     // Throws a Failure if nothing can be written there.
@@ -63,6 +65,7 @@ class CoreFile {
     std::string Named(std::string text) const;
 
   private:
+    platform::Interrupt interrupt_;
     std::string target_;
     platform::WholeFile file_;
 };

@@ -14,6 +14,9 @@ struct ChildRun {
     std::vector<std::string> arguments;  // narrow text
     std::filesystem::path output;        // a file for all that it prints, errors included
     double seconds = 60;                 // after which it is ended, with what it has started
+
+    // Asked now and then; true: it is ended at once, with what it has started.
+    bool (*isGivenUp)() = [] { return false; };
 };
 
 struct ChildEnding {

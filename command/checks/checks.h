@@ -64,7 +64,8 @@ std::string ToldInto(const std::string& log);
 // In this process, with the watch and a tape.
 CheckOutcome MakeCheck(const Check& check, const CheckOptions& options);
 
-// In a process of its own, which can crash or hang.
+// In a process of its own, which can crash or hang. Where Ctrl-C ends that, the outcome says
+// nothing.
 CheckOutcome MakeCheckApart(const Check& check, const CheckOptions& options);
 
 }  // namespace headless

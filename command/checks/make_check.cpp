@@ -13,6 +13,7 @@
 #include "command/written_files.h"
 #include "platform/child_process.h"
 #include "platform/files.h"
+#include "platform/interrupt.h"
 #include "platform/narrow_path.h"
 #include "platform/process.h"
 #include "recorder/tape/read_tape.h"
@@ -180,10 +181,11 @@ CheckOutcome MakeCheckApart(const Check& check, const CheckOptions& options) {
         platform::RunChild({.program = platform::ProgramFile(),
                             .arguments = words,
                             .output = platform::FromNarrow(outcome.log),
-                            .seconds = options.secondsEach});
+                            .seconds = options.secondsEach,
+                            .isGivenUp = &platform::Interrupt::IsWanted});
     if (ending.whyNot.empty()) {
         ReadVerdict(ToldInto(outcome.log), ending.status, outcome);
-    } else {
+    } else if (!platform::Interrupt::IsWanted()) {
         outcome.verdict = Verdict::kFaulty;
         outcome.why = ending.whyNot;
     }

@@ -6,6 +6,7 @@
 #include "headless/hold/graveyard.h"
 #include "headless/objects/own_classes.h"
 #include "headless/scene_file/file_errors.h"
+#include "headless/scene_file/file_progress.h"
 #include "headless/scene_file/scene_chunks.h"
 #include "headless/scene_file/scene_document.h"
 #include "headless/storage/chunks.h"
@@ -67,8 +68,10 @@ BuiltObjects::BuiltObjects(Unbuilt unbuilt)
 // By way of the other constructor, so that what is made ends well also if the making does not.
 BuiltObjects::BuiltObjects(SceneFileReader& file) : BuiltObjects(Unbuilt{file}) {
     objects_.reserve(document_.objects.size());
-    for (std::size_t i = 0; i < document_.objects.size(); ++i)
+    for (std::size_t i = 0; i < document_.objects.size(); ++i) {
         objects_.push_back(Make(i));
+        TellDone("Reading", document_.objects[i].bytes.end, document_.objects.back().bytes.end);
+    }
     ComplainOfMissingClasses();
 }
 

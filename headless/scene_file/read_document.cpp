@@ -6,6 +6,7 @@
 
 #include "headless/scene/time_and_units.h"
 #include "headless/scene_file/chunk_fields.h"
+#include "headless/scene_file/file_progress.h"
 #include "headless/scene_file/scene_chunks.h"
 #include "headless/scene_file/scene_document.h"
 #include "headless/storage/chunks.h"
@@ -127,6 +128,7 @@ class DocumentReader {
         while (lastChunk_ != kEndChunk)
             ReadChunk();
         if (position_ != source_.Size()) Fail("there are bytes behind the end chunk");
+        TellDone("Checking", position_, position_);
         return std::move(document_);
     }
 
@@ -170,6 +172,7 @@ class DocumentReader {
     // From the head of the chunk up to its checksum, which stands at `end`.
     void CheckBytes(std::uint64_t end) {
         const auto checksum = ChecksumOf(position_, end, [this](auto at, auto bytes) {
+            TellDone("Checking", at, source_.Size());
             return source_.ReadAt(at, bytes) == bytes.size();
         });
         std::array<std::byte, kChecksumBytes> stored;

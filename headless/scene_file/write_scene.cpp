@@ -10,6 +10,7 @@
 #include "headless/scene_file/atomic_file.h"
 #include "headless/scene_file/chunk_fields.h"
 #include "headless/scene_file/file_errors.h"
+#include "headless/scene_file/file_progress.h"
 #include "headless/scene_file/scene_chunks.h"
 #include "headless/scene_file/scene_document.h"
 #include "headless/scene_file/scene_file.h"
@@ -91,10 +92,14 @@ class SceneWriter {
             for (int i = 0; i < node->NumRefs(); ++i)
                 ReferenceTo(node->GetReference(i));
         }
-        for (std::size_t i = 0; i < objects_.size(); ++i)
+        for (std::size_t i = 0; i < objects_.size(); ++i) {
             WriteObject(*objects_[i]);
-        for (SceneNode* node : nodes_)
-            WriteNode(*node);
+            TellWritten(i + 1);
+        }
+        for (std::size_t i = 0; i < nodes_.size(); ++i) {
+            WriteNode(*nodes_[i]);
+            TellWritten(objects_.size() + i + 1);
+        }
         for (const auto& [key, chunks] : utilities)
             WriteUtility(chunks);
         WriteEnd(utilities.size());
@@ -113,6 +118,11 @@ class SceneWriter {
         const auto [place, isNew] = objectIndices_.try_emplace(target, next);
         if (isNew) objects_.push_back(target);
         return {StoredTarget::kObject, place->second};
+    }
+
+    // How many objects there are is known for certain when the last one is written.
+    void TellWritten(std::size_t parts) const {
+        TellDone("Writing", parts, objects_.size() + nodes_.size());
     }
 
     void WriteHeader() {

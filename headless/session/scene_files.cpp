@@ -91,7 +91,7 @@ UtilityChunksView ViewOf(const StoredUtility& stored, std::span<const RunningUti
 
 }  // namespace
 
-FileWork::FileWork() {
+FileWork::FileWork(const std::string& path) : told_(path) {
     isUnderWay = true;
 }
 
@@ -121,16 +121,18 @@ FileOutcome SceneFiles::Open(const std::string& path, std::span<const RunningUti
 }
 
 // The file has been checked before anybody hears of it. One that fails later, because the disk
-// does, leaves an empty scene rather than half of one.
+// does, leaves an empty scene rather than half of one. To give it up then is for a scene that had
+// nothing to lose.
 std::string SceneFiles::Replace(const std::string& path, std::span<const RunningUtility> running,
                                 std::vector<std::string>& complaints) {
-    const FileWork work;
+    const FileWork work(path);
     std::optional<SceneFileReader> file;
     std::string error = Attempt(path, kNotOpened, [&] { file.emplace(path); });
     if (!error.empty()) return error;
     int kind = kReplacingFile;
     error = Announce(path, NOTIFY_FILE_PRE_OPEN, &kind);
     if (!error.empty()) return error;
+    if (!TheScene().InOrder().empty()) ToldFile::GoOnToTheEnd();
     EmptyScene();
     ForgetChunks();
     error = Attempt(path, kNotOpened, [&] { Load(*file, running, complaints); });
@@ -151,7 +153,7 @@ FileOutcome SceneFiles::Save(const std::string& path,
     FileOutcome outcome;
     outcome.error = Hindrance(path);
     if (!outcome.error.empty()) return outcome;
-    const FileWork work;
+    const FileWork work(path);
     outcome.error = Announce(path, NOTIFY_FILE_PRE_SAVE);
     if (outcome.error.empty()) {
         outcome.error = Attempt(path, kNotSaved, [&] { WriteSceneFile(path, running, kept_); });
@@ -175,7 +177,7 @@ FileOutcome Merge(const std::string& path, bool selectMerged) {
     std::error_code unknown;
     if (!std::filesystem::exists(platform::FromNarrow(path), unknown))
         return {At(path, "there is no such file"), {}};
-    const FileWork work;
+    const FileWork work(path);
     SceneFileReader file(path);
     const std::vector<SceneNode*> merged = file.MergeIntoScene(outcome.complaints);
     if (selectMerged) SelectNodes(merged, true);

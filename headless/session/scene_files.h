@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "headless/scene_file/file_progress.h"
 #include "headless/scene_file/scene_file.h"
 #include "headless/session.h"
 
@@ -13,13 +14,16 @@ namespace headless {
 // the work is done; who calls back before that cannot begin another such work.
 class FileWork {
   public:
-    FileWork();
+    explicit FileWork(const std::string& path);
     ~FileWork();
     FileWork(const FileWork&) = delete;
     FileWork& operator=(const FileWork&) = delete;
 
     // Why such work cannot begin now; empty if it can.
     static std::string Hindrance();
+
+  private:
+    ToldFile told_;
 };
 
 // Ends a hold that somebody left open, empties the undo buffer, and frees every node. Not while a

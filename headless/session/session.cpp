@@ -12,6 +12,7 @@
 #include "headless/scene/scene.h"
 #include "headless/scene/selection.h"
 #include "headless/scene/time_and_units.h"
+#include "headless/scene_file/file_progress.h"
 #include "headless/session/scene_files.h"
 #include "headless/ui/command_panel.h"
 #include "headless/ui/main_window.h"
@@ -107,6 +108,7 @@ std::size_t Session::KeptUtilities() const {
 
 void Session::ShutDown() {
     if (std::exchange(state_->isShutDown, true)) return;
+    SetFileProgressHandler({});
     Broadcast(NOTIFY_SYSTEM_SHUTDOWN);
     for (const RunningUtility& running : state_->kept) {
         const HostEvent event("the stop", running.descriptor->ClassName());
@@ -250,6 +252,10 @@ FileOutcome Session::SaveScene(const std::string& path) {
 
 FileOutcome Session::MergeScene(const std::string& path) {
     return MergeAndSelect(path);
+}
+
+void Session::OnProgress(FileProgressHandler handler) {
+    SetFileProgressHandler(std::move(handler));
 }
 
 std::vector<UtilityChunksView> Session::UtilityChunks() const {

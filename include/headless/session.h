@@ -45,6 +45,16 @@ struct FileOutcome {
     std::vector<std::string> complaints;  // what did not go well in what was done, a line each
 };
 
+// How far the session has come with a scene file. A file is gone through several times, each from 0
+// to the whole in numbers of its own.
+struct FileProgress {
+    const char* doing = "";  // "Checking", "Reading" or "Writing"
+    const std::string& path;
+    std::uint64_t done = 0;
+    std::uint64_t whole = 0;
+};
+using FileProgressHandler = std::function<bool(const FileProgress&)>;
+
 // What the scene file that was opened holds of a utility.
 struct UtilityChunksView {
     std::string className;
@@ -160,6 +170,13 @@ class HEADLESS_API Session {
     // notification 12; no utility loads anything. It is no undo step, unless a hold is open, and
     // older steps stay.
     FileOutcome MergeScene(const std::string& path);
+
+    // Is told of scene files that are opened, saved and merged, whoever asked for that, a few times
+    // for each node or so. Its answer false gives the work up, and what it gave up is an error of
+    // the outcome: a save then leaves the old file untouched, a merge adds nothing, and a file that
+    // is opened leaves the scene as it is. Once the scene has been emptied for that, the opening
+    // goes on to its end all the same, unless there was no node in it. An empty handler ends it.
+    void OnProgress(FileProgressHandler handler);
 
     // Chunks of utilities in the scene file that was opened last, in its order. Those that nobody
     // took are kept until the scene is emptied, and each save writes them beside what the utility

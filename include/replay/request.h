@@ -27,9 +27,11 @@ inline constexpr char kFollowCamera[] = "LUMISET_FOLLOW_CAMERA";  // 0 or 1
 inline constexpr char kGround[] = "LUMISET_GROUND";               // a handle
 inline constexpr char kGuide[] = "LUMISET_GUIDE";                 // a handle
 
-// Files to write, and whether to show the progress on stderr.
+// Files to write, whether to show the progress on stderr, and whether Ctrl-C is to end the work and
+// not the process.
 inline constexpr char kCsv[] = "LUMISET_CSV";
 inline constexpr char kReport[] = "LUMISET_REPORT";
-inline constexpr char kProgress[] = "LUMISET_PROGRESS";  // 1
+inline constexpr char kProgress[] = "LUMISET_PROGRESS";            // 1
+inline constexpr char kInterruptible[] = "LUMISET_INTERRUPTIBLE";  // 1
 
 }  // namespace replay::variable

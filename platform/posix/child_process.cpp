@@ -53,21 +53,21 @@ ChildEnding EndingOf(int status) {
 }
 
 // Looks more seldom the longer it takes.
-ChildEnding WaitFor(pid_t child, double seconds) {
+ChildEnding WaitFor(pid_t child, const ChildRun& run) {
     using Clock = std::chrono::steady_clock;
     constexpr std::chrono::milliseconds kLongestNap{20};
-    const auto end = Clock::now() + std::chrono::duration<double>(seconds);
+    const auto end = Clock::now() + std::chrono::duration<double>(run.seconds);
     for (std::chrono::milliseconds nap{1};; nap = std::min(nap * 2, kLongestNap)) {
         int status = 0;
         const pid_t ended = waitpid(child, &status, WNOHANG);
         if (ended == child) return EndingOf(status);
         if (ended < 0 && errno != EINTR) return {0, "lost: " + WordsFor(errno)};
-        if (Clock::now() >= end) break;
+        if (Clock::now() >= end || run.isGivenUp()) break;
         std::this_thread::sleep_for(nap);
     }
     kill(-child, SIGKILL);
     waitpid(child, nullptr, 0);
-    return {0, NotOverAfter(seconds)};
+    return {0, NotOverAfter(run.seconds)};
 }
 
 }  // namespace
@@ -84,7 +84,7 @@ ChildEnding RunChild(const ChildRun& run) {
     const int error = posix_spawn(&child, line.front(), &setting.files, &setting.attributes,
                                   line.data(), environ);
     if (error != 0) return {0, "not started: " + WordsFor(error)};
-    return WaitFor(child, run.seconds);
+    return WaitFor(child, run);
 }
 
 std::string AsTyped(const std::string& word) {

@@ -49,12 +49,15 @@ ChildHandle OutputOf(const ChildRun& run) {
                                    FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
-ChildEnding WaitFor(HANDLE process, double seconds) {
-    const double milliseconds = std::min(seconds * 1000, static_cast<double>(INFINITE - 1));
-    if (WaitForSingleObject(process, static_cast<DWORD>(milliseconds)) == WAIT_TIMEOUT) {
+ChildEnding WaitFor(HANDLE process, const ChildRun& run) {
+    constexpr DWORD kNap = 50;  // milliseconds
+    const double most = std::min(run.seconds * 1000, static_cast<double>(INFINITE));
+    const ULONGLONG end = GetTickCount64() + static_cast<ULONGLONG>(most);
+    while (WaitForSingleObject(process, kNap) == WAIT_TIMEOUT) {
+        if (GetTickCount64() < end && !run.isGivenUp()) continue;
         TerminateProcess(process, 1);
         WaitForSingleObject(process, INFINITE);
-        return {0, NotOverAfter(seconds)};
+        return {0, NotOverAfter(run.seconds)};
     }
     DWORD status = 0;
     GetExitCodeProcess(process, &status);
@@ -82,7 +85,7 @@ ChildEnding RunChild(const ChildRun& run) {
         return {0, "not started: " + WordsForLastError()};
     const ChildHandle process(made.hProcess);
     const ChildHandle thread(made.hThread);
-    return WaitFor(process.get(), run.seconds);
+    return WaitFor(process.get(), run);
 }
 
 // No name of a file has a quotation mark.

@@ -1,7 +1,10 @@
+#include <csignal>
+
 #include "headless/primitives.h"
 #include "headless/scene_view.h"
 #include "headless/session.h"
 #include "host/interface.h"
+#include "platform/interrupt.h"
 #include "platform/process.h"
 #include "tests/end_to_end/command.h"
 #include "tests/support/watcher.h"
@@ -215,6 +218,17 @@ TEST_F(Recording, KeepsWhatIsWholeWhereTheUserStopsItAndNothingWhereTheHostDoes)
             "\"Knee\" cannot be moved by the host");
         EXPECT_EQ(headless::SceneDigest(), whole);
         EXPECT_EQ(stopBy([&] { deleteByHand("bystander"); }, true), stopped + "0");
+
+        // By Ctrl-C after the frame in which it comes, which this process survives.
+        Tell("INTERRUPTIBLE", "1");
+        const platform::Interrupt interrupt;
+        EXPECT_EQ(stopBy([] { std::raise(SIGINT); }),
+                  folder_.File("walk.bvh") + ": " + stopped + "21 of 60");
+        EXPECT_TRUE(platform::Interrupt::IsWanted()) << "the Core keeps it for itself";
+        EXPECT_EQ(View("walk_Camera").keys.count, 60);
+        EXPECT_EQ(LensValues(60), kept);
+        EXPECT_EQ(host.UndoLabels(), std::vector<std::string>{"Record walk"});
+        Tell("INTERRUPTIBLE", "");
     }
 }
 

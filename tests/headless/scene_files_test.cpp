@@ -84,6 +84,47 @@ TEST_F(SceneFilesTest, WhileOneFileIsWorkedOnNoOtherWorkBegins) {
     ExpectTold("13 14 9 10 12 13 14 12 7 ");
 }
 
+// Given up at each moment at which the session asks, and then not any more.
+TEST_F(SceneFilesTest, WhatIsGivenUpLosesNothing) {
+    for (const char* name : {"second", "third"})
+        Add(name);
+    const auto files = [&] { return std::distance(fs::directory_iterator(folder.Path()), {}); };
+    const std::string bytes = ReadFile(saved);
+    const auto workOn = [&](int work) {
+        return work == 0   ? session.OpenScene(saved).error
+               : work == 1 ? session.MergeScene(saved).error
+                           : session.SaveScene(saved).error;
+    };
+    for (const int work : {0, 1, 2}) {
+        const auto before = headless::SceneDigest();
+        int givenUp = 0;
+        for (std::string error = "none yet"; !error.empty(); ++givenUp) {
+            int asked = 0;
+            session.OnProgress([&](const headless::FileProgress& file) {
+                EXPECT_EQ(file.path, saved);
+                EXPECT_LE(file.done, file.whole);
+                return asked++ != givenUp;
+            });
+            error = workOn(work);
+            session.OnProgress({});
+            if (error.empty()) break;
+            EXPECT_TRUE(error.starts_with(saved + ": given up when ")) << error;
+            EXPECT_EQ(headless::SceneDigest(), before);
+            EXPECT_EQ(ReadFile(saved), bytes);
+            EXPECT_EQ(files(), 1);
+            ExpectTold(work == 2 ? "13 14 " : "");
+        }
+        EXPECT_GE(givenUp, work == 0 ? 4 : 5) << "it was hardly asked";
+        if (work < 2) {
+            ExpectTold(work == 0 ? "9 10 " : "12 ");
+            session.NewScene();
+            for (const char* name : {"node", "second", "third"})
+                Add(name);
+            told.clear();
+        }
+    }
+}
+
 // What a file holds ------------------------------------------------------------------------------
 
 using SceneFileViewTest = HostWorld;

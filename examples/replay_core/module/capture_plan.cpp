@@ -8,6 +8,7 @@
 #include <variant>
 
 #include "platform/narrow_path.h"
+#include "platform/progress_line.h"
 #include "replay/request.h"
 #include "replay_core/motion/pose.h"
 #include "replay_core/motion/read_motion.h"
@@ -104,6 +105,8 @@ std::string AllErrors(const std::vector<CaptureReport>& captures) {
 std::vector<PlannedTake> ReadCaptures(const Request& request, Report& report) {
     std::vector<PlannedTake> plan;
     std::optional<double> scale;
+    platform::ProgressLine progress(request.showsProgress, "Reading captures",
+                                    platform::ProgressIn::kSteps, request.captures.size());
     for (const std::string& path : request.captures) {
         CaptureReport& capture = report.captures.emplace_back();
         capture.recording.capture = path;
@@ -111,6 +114,9 @@ std::vector<PlannedTake> ReadCaptures(const Request& request, Report& report) {
         capture.error = Read(path, request, planned);
         if (capture.error.empty()) capture.error = FindScale(request, scale, planned);
         if (capture.error.empty()) plan.push_back(std::move(planned));
+        if (progress.Advance()) continue;
+        report.error = "nothing was recorded, since the reading of captures was stopped";
+        return {};
     }
     if (plan.empty()) report.error = AllErrors(report.captures);
     return plan;

@@ -137,6 +137,7 @@ Request ReadEnvironment() {
     request.csv = Variable(variable::kCsv);
     request.report = Variable(variable::kReport);
     request.showsProgress = Variable(variable::kProgress) == "1";
+    request.isInterruptible = Variable(variable::kInterruptible) == "1";
     VariableReader reader(request);
     request.mergedScenes = Lines(variable::kMerge);
     reader.ReadSample();

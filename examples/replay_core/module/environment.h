@@ -45,6 +45,7 @@ struct Request {
     std::optional<std::uint32_t> ground;  // the host's handle of a node to stand on
     std::optional<std::uint32_t> guide;   // the host's handle of a shape
     bool showsProgress = false;
+    bool isInterruptible = false;  // by Ctrl-C
 };
 
 // From the variables of replay/request.h, which README.md explains.

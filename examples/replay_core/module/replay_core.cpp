@@ -1,8 +1,10 @@
 #include "replay_core/module/replay_core.h"
 
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
+#include "platform/interrupt.h"
 #include "replay_core/recorder/brackets.h"
 #include "replay_core/state/load_state.h"
 #include "replay_core/state/stored_state.h"
@@ -119,7 +121,10 @@ void ReplayCore::ShowCore(TVL::WindowHandle) {
     if (!unwritten.empty()) TVL::Log(TVL::Log::kError).Write(unwritten);
 }
 
+// A host's process is its own: Ctrl-C is listened to where that was asked for.
 void ReplayCore::Show(const Request& request, Report& report) {
+    std::optional<platform::Interrupt> interrupt;
+    if (request.isInterruptible) interrupt.emplace();
     report.error = request.error;
     if (!report.error.empty()) return;
     TakeUpState();

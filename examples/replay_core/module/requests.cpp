@@ -5,6 +5,7 @@
 #include <memory>
 #include <utility>
 
+#include "platform/progress_line.h"
 #include "replay_core/module/capture_plan.h"
 #include "replay_core/module/replay_core.h"
 #include "replay_core/motion/numbers.h"
@@ -140,7 +141,10 @@ void ReplayCore::Sample(const Request& request, Report& report) {
     if (!report.error.empty()) return;
     const std::unique_ptr<TextFile> csv = OpenCsv(request, report.error);
     if (!report.error.empty()) return;
-    report.error = SamplePoses(nodes, *request.sampleTimes, *csv);
+    platform::ProgressLine progress(request.showsProgress, "Sampling",
+                                    platform::ProgressIn::kPercent, request.sampleTimes->count);
+    report.error = SamplePoses(nodes, *request.sampleTimes, *csv, progress);
+    progress.Wipe();
     if (report.error.empty()) report.error = csv->Finish();
 }
 
@@ -188,7 +192,11 @@ void ReplayCore::RecordPlan(std::span<const PlannedTake> plan, const RecordSetti
     }
     adaptor_.ForceRedraw();
     for (std::size_t i = 0; i < plan.size() && report.error.empty(); ++i) {
-        const ReadBack readBack = ReadTake(plan[i].motion, recorded.takes[i], csv);
+        platform::ProgressLine progress(
+            settings.showsProgress, "Reading back " + plan[i].take->Name(),
+            platform::ProgressIn::kPercent, recorded.takes[i].recording.FrameCount());
+        const ReadBack readBack = ReadTake(plan[i].motion, recorded.takes[i], csv, progress);
+        progress.Wipe();
         Tell(readBack, *reports[i]);
         reports[i]->kept =
             TailBehind(plan[i].take->Recordings(), recorded.takes[i].recording.LastSeconds());

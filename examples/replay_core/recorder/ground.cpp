@@ -92,7 +92,7 @@ Lifts LiftsOnto(TVL::CoreNode& ground, const Motion& motion, const Recording& re
     for (std::size_t frame = recording.firstFrame; frame < recording.endFrame; ++frame) {
         const GroundAt now(ground, recording.Seconds(frame));
         lifts.metres.push_back(LiftFor(poses.At(frame), soles, now));
-        progress.Advance();
+        if (!progress.Advance()) break;
     }
     return lifts;
 }

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/progress_line.h"
 #include "replay/report.h"
 #include "replay_core/recorder/text_file.h"
 #include "tvl/adaptor_interface.h"
@@ -40,8 +41,9 @@ std::optional<SampleTimes> ParseSampleTimes(std::string_view text);
 // `seconds,node,x,y,z,qx,qy,qz,qw,sx,sy,sz`, a row for each time and node, the times one after the
 // other, with the host's names of the nodes and their world transforms in Core space, taken apart
 // as tvl/transform_parts.h says. One row is held at a time. The file is the caller's to finish. The
-// result is empty, or says in one line what went wrong.
+// result is empty, or says in one line what went wrong. A time is a step of the progress; it can be
+// given up.
 std::string SamplePoses(std::span<TVL::CoreNode* const> nodes, const SampleTimes& times,
-                        TextFile& file);
+                        TextFile& file, platform::ProgressLine& progress);
 
 }  // namespace replay

@@ -97,13 +97,17 @@ class PoseReader {
 
 }  // namespace
 
-ReadBack ReadTake(const Motion& motion, const RecordedTake& recorded, TextFile* csv) {
+ReadBack ReadTake(const Motion& motion, const RecordedTake& recorded, TextFile* csv,
+                  platform::ProgressLine& progress) {
     ReadBack result;
     PoseReader reader(motion, recorded, csv);
     const Recording& recording = recorded.recording;
     for (std::size_t frame = recording.firstFrame; frame < recording.endFrame; ++frame) {
         reader.Read(frame, result);
         if (!result.error.empty()) break;
+        if (progress.Advance() || frame + 1 == recording.endFrame) continue;
+        result.error = "the recording is whole, but reading it back was stopped";
+        break;
     }
     return result;
 }

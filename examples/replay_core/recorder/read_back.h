@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "platform/progress_line.h"
 #include "replay/report.h"
 #include "replay_core/motion/motion.h"
 #include "replay_core/recorder/record_take.h"
@@ -27,7 +28,8 @@ struct ReadBack {
 // Asks the host where the joints are, and what the camera's lens is. With a file, writes them into
 // it as comma-separated values (RFC 4180, with LF): `frame,seconds,joint,x,y,z`, a row for each
 // frame and joint, the time that of the scene, the place in Core space, metres. The file is the
-// caller's to finish; null for none.
-ReadBack ReadTake(const Motion& motion, const RecordedTake& recorded, TextFile* csv);
+// caller's to finish; null for none. A frame is a step of the progress; it can be given up.
+ReadBack ReadTake(const Motion& motion, const RecordedTake& recorded, TextFile* csv,
+                  platform::ProgressLine& progress);
 
 }  // namespace replay

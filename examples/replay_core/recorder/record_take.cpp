@@ -1,5 +1,6 @@
 #include "replay_core/recorder/record_take.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <utility>
 #include <vector>
@@ -90,6 +91,13 @@ class FrameWriter {
     ObjectScale cameraScale_;
 };
 
+// Where Ctrl-C stopped it: the frames before that one are recorded.
+std::string Interrupted(const PlannedTake& planned, const RecordedTake& recorded) {
+    return planned.recording.capture + ": the recording was stopped at frame " +
+           std::to_string(recorded.recording.endFrame) + " of " +
+           std::to_string(planned.recording.endFrame);
+}
+
 // Goes through the frames and moves the end of `recorded.recording` behind each that is whole. The
 // result is empty, or says why it broke off.
 std::string WriteFrames(const PlannedTake& planned, const RecordSettings& settings,
@@ -102,7 +110,8 @@ std::string WriteFrames(const PlannedTake& planned, const RecordSettings& settin
         std::string error = writer.Write(frame);
         if (!error.empty()) return error;
         recorded.recording.endFrame = frame + 1;
-        progress.Advance();
+        if (!progress.Advance()) recorded.isInterrupted = frame + 1 < recording.endFrame;
+        if (recorded.isInterrupted) return Interrupted(planned, recorded);
     }
     return {};
 }
@@ -116,8 +125,8 @@ void Conclude(const PlannedTake& planned, const RecordedTake& recorded) {
     planned.take->Note(recorded.recording);
 }
 
-// What goes beyond the capture itself.
-void PlanFrames(const PlannedTake& planned, const RecordSettings& settings,
+// What goes beyond the capture itself. False if Ctrl-C stopped it.
+bool PlanFrames(const PlannedTake& planned, const RecordSettings& settings,
                 RecordedTake& recorded) {
     const Motion& motion = planned.motion;
     const Recording& recording = planned.recording;
@@ -126,10 +135,13 @@ void PlanFrames(const PlannedTake& planned, const RecordSettings& settings,
                                         platform::ProgressIn::kPercent, recording.FrameCount());
         recorded.lifts = LiftsOnto(*settings.ground, motion, recording, progress);
     }
-    if (!settings.followsWithCamera) return;
+    recorded.isInterrupted =
+        settings.ground && recorded.lifts.metres.size() < recording.FrameCount();
+    if (recorded.isInterrupted || !settings.followsWithCamera) return !recorded.isInterrupted;
     MeantPoses poses(motion, recording.metresPerUnit, recorded.lifts);
     recorded.camera = FollowTake(motion, {recording.firstFrame, recording.endFrame}, poses,
                                  recorded.nodes.hostUnitsPerMetre);
+    return true;
 }
 
 // The result is empty, or says why there is no guide object.
@@ -158,7 +170,7 @@ std::string RecordTake(TVL::AdaptorInterface& adaptor, const PlannedTake& planne
     if (!guideError.empty()) return guideError;
     const RecordingBracket bracket(adaptor, *planned.take);
     if (bracket.Status() != 0) return Refused("the host begins no recording now", bracket.Status());
-    PlanFrames(planned, settings, recorded);
+    if (!PlanFrames(planned, settings, recorded)) return Interrupted(planned, recorded);
     std::string error = WriteFrames(planned, settings, state, recorded);
     Conclude(planned, recorded);
     return error;
@@ -191,7 +203,10 @@ RecordedTakes RecordTakes(TVL::AdaptorInterface& adaptor, std::span<const Planne
         if (isThere && !settings.keepsRange) HoldInRange(adaptor, take.recording);
         if (!recorded.error.empty()) break;
     }
-    if (recorded.error.empty() || state.stopRequested) {
+    const bool isInterrupted = !recorded.takes.empty() && recorded.takes.back().isInterrupted;
+    const bool hasFrames = std::ranges::any_of(
+        recorded.takes, [](const RecordedTake& take) { return take.recording.FrameCount() > 0; });
+    if (recorded.error.empty() || state.stopRequested || (isInterrupted && hasFrames)) {
         const std::int32_t status = group.Keep();
         if (status != 0) recorded.error = Refused("the undo group could not be ended", status);
     }

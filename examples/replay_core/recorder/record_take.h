@@ -42,6 +42,7 @@ struct RecordedTake {
     // With the frames that are in the scene now, all that were planned unless something went wrong.
     Recording recording;
     TakeNodes nodes;
+    bool isInterrupted = false;  // by Ctrl-C, which is asked for after each frame
 
     std::size_t framesWithoutKey = 0;  // keys that the host has at the time of another
 
@@ -52,7 +53,8 @@ struct RecordedTake {
 
 struct RecordedTakes {
     // One line; empty if everything was recorded. After a stop the frames before it are in the
-    // scene, and this says so; after any other error there are none, and the scene is as it was.
+    // scene, and this says so; after any other error, or if Ctrl-C stopped it before it had a
+    // frame, there are none, and the scene is as it was.
     std::string error;
 
     std::vector<RecordedTake> takes;  // those that were begun

@@ -41,7 +41,7 @@ std::vector<std::string> FieldsWithNames(std::span<TVL::CoreNode* const> nodes) 
 }  // namespace
 
 std::string SamplePoses(std::span<TVL::CoreNode* const> nodes, const SampleTimes& times,
-                        TextFile& file) {
+                        TextFile& file, platform::ProgressLine& progress) {
     const std::vector<std::string> names = FieldsWithNames(nodes);
     file.Write("seconds,node,x,y,z,qx,qy,qz,qw,sx,sy,sz\n");
     std::string row;
@@ -58,6 +58,9 @@ std::string SamplePoses(std::span<TVL::CoreNode* const> nodes, const SampleTimes
             AppendNumbers(row, parts.scale);
             file.Write(row += '\n');
         }
+        if (!progress.Advance() && time + 1 < times.count)
+            return "the sampling was stopped at time " + std::to_string(time + 1) + " of " +
+                   std::to_string(times.count);
     }
     return {};
 }
