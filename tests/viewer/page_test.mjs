@@ -45,10 +45,11 @@ function makePage(name, ...words) {
     return { scene, page, told };
 }
 
-// Where `sample` finds each node, by the host's name, at so many times: from the first on, and as far
-// apart.
-function sampled(scene, first, apart, times) {
-    const [head, ...rows] = lumiset('sample', scene, '--times', `${first}:${first + (times - 0.5) * apart}:${apart}`)
+// Where `sample` finds each node, by the host's name, at some frames of a take. All are asked for, so
+// that both sides count a time alike: a tick begins at many of them.
+function sampled(scene, { startSeconds, frameSeconds, frames }) {
+    const end = startSeconds + (frames - 0.5) * frameSeconds;
+    const [head, ...rows] = lumiset('sample', scene, '--times', `${startSeconds}:${end}:${frameSeconds}`)
         .trim().split('\n').map(line => line.split(','));
     const column = name => head.indexOf(name);
     const moments = new Map();
@@ -57,7 +58,9 @@ function sampled(scene, first, apart, times) {
         if (!moments.has(seconds)) moments.set(seconds, new Map());
         moments.get(seconds).set(row[column('node')], ['x', 'y', 'z'].map(axis => Number(row[column(axis)])));
     }
-    return [...moments].map(([seconds, places]) => ({ seconds: Number(seconds), places }));
+    const stride = Math.max(Math.floor((frames - 1) / (TIMES - 1)), 1);
+    return [...moments].filter((_, frame) => frame % stride === 0).slice(0, TIMES)
+        .map(([seconds, places]) => ({ seconds: Number(seconds), places }));
 }
 
 async function open(browser, page, hash = '') {
@@ -96,8 +99,7 @@ const distance = (a, b) => Math.hypot(...a.map((part, i) => part - b[i]));
 // The nodes stand where `sample` finds them, and turn so that bones keep what hangs on them.
 async function comparePlaces(tab, { scene, told: { takes: [take] } }, isStiff) {
     let furthest = 0, loosest = 0, compared = 0, first = null;
-    const apart = Math.max(Math.floor((take.frames - 1) / (TIMES - 1)), 1) * take.frameSeconds;
-    for (const { seconds, places } of sampled(scene, take.startSeconds, apart, TIMES)) {
+    for (const { seconds, places } of sampled(scene, take)) {
         await goTo(tab, seconds);
         const worlds = await shown(tab, () => lumiset.worlds);
         first ??= worlds;
@@ -137,7 +139,7 @@ async function tryHands(browser, { page }) {
     const tab = await open(browser, page, '#t=1.5');
     expect(Math.abs(await shown(tab, () => lumiset.seconds) - 1.5) < 1e-3, '#t=1.5 opens there');
     const points = await bonePoints(tab);
-    expect(points > 1500, `a figure is seen: ${points} points of its colours`);
+    expect(points > 600, `a figure is seen: ${points} points of its colours`);
     await tab.screenshot({ path: join(folder, 'figure.png') });
 
     const frame = () => shown(tab, () => lumiset.frame);
