@@ -1,9 +1,11 @@
 #include "command/chosen_takes.h"
 
 #include <algorithm>
+#include <fstream>
 #include <utility>
 
 #include "command/exit_status.h"
+#include "command/long_work.h"
 #include "command/output.h"
 #include "command/verb_options.h"
 
@@ -44,8 +46,7 @@ ChosenTake::ChosenTake(interchange::Take recorded, double framesPerSecond)
       poses(asRecorded),
       take(framesPerSecond > 0 ? asRecorded.Resampled(1 / framesPerSecond) : asRecorded) {}
 
-std::vector<std::unique_ptr<ChosenTake>> TakesOfStage(CoreStage& stage, const std::string& scene,
-                                                      const TakeChoice& choice) {
+ChosenTakes TakesOfStage(CoreStage& stage, const std::string& scene, const TakeChoice& choice) {
     std::vector<interchange::Take> all = interchange::TakesOf(
         stage.HasReplayCore() ? stage.AskCore({}).takes : std::vector<replay::TakeReport>());
     if (all.empty()) throw Failure(scene + ": there is no take in it, and no node has keys");
@@ -53,11 +54,29 @@ std::vector<std::unique_ptr<ChosenTake>> TakesOfStage(CoreStage& stage, const st
         if (std::ranges::find(all, name, &interchange::Take::name) == all.end())
             throw Failure(scene + ": there is no take " + Quoted(name) + " in it, but " +
                           NamesOf(all));
-    std::vector<std::unique_ptr<ChosenTake>> chosen;
+    ChosenTakes chosen;
     for (interchange::Take& take : all)
         if (IsChosen(choice, take.name))
             chosen.push_back(std::make_unique<ChosenTake>(std::move(take), choice.framesPerSecond));
     return chosen;
+}
+
+void SaveTakes(const std::string& file, ChosenTakes& chosen, const TakesWork& work) {
+    std::size_t frames = 0;
+    std::vector<interchange::MovingTake> takes;
+    for (const std::unique_ptr<ChosenTake>& one : chosen) {
+        frames += one->take.frameCount;
+        takes.push_back({&one->take, &one->poses});
+    }
+    CoreFile written(file);
+    std::ofstream out(written.Path(), std::ios::binary);
+    LongWork writing(work.title, frames * work.passes);
+    work.write(takes, out,
+               [&, isStepDone = writing.StepDone()] { return isStepDone() && out.good(); });
+    writing.End();
+    out.close();
+    if (!out) throw Failure(file + ": the file cannot be written");
+    written.Keep();
 }
 
 }  // namespace headless

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
 #include "command/core_stage.h"
+#include "interchange/gltf_file.h"
 #include "interchange/scene_takes.h"
 
 namespace CLI {
@@ -34,9 +38,21 @@ struct ChosenTake {
     interchange::Take take;  // in the frames that were chosen
 };
 
+using ChosenTakes = std::vector<std::unique_ptr<ChosenTake>>;
+
 // Of the scene that is open on the stage. Throws a Failure if there is none, or none of a name that
 // was chosen.
-std::vector<std::unique_ptr<ChosenTake>> TakesOfStage(CoreStage& stage, const std::string& scene,
-                                                      const TakeChoice& choice);
+ChosenTakes TakesOfStage(CoreStage& stage, const std::string& scene, const TakeChoice& choice);
+
+// Has a file written, which is there whole or not at all. What is done is told to a person who
+// waits; `passes` is how often `write` tells of each frame that it is done.
+struct TakesWork {
+    const char* title;
+    std::size_t passes;
+    std::function<void(const std::vector<interchange::MovingTake>& takes, std::ostream& out,
+                       const interchange::FrameDone& done)>
+        write;
+};
+void SaveTakes(const std::string& file, ChosenTakes& chosen, const TakesWork& work);
 
 }  // namespace headless

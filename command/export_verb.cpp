@@ -1,7 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
-#include <fstream>
 #include <iomanip>
 #include <iostream>
 #include <memory>
@@ -159,8 +158,6 @@ void PrintForProgram(std::ostream& out, const ExportResult& result) {
                     {"saved", result.saved}});
 }
 
-using ChosenTakes = std::vector<std::unique_ptr<ChosenTake>>;
-
 std::string NamesOf(const ChosenTakes& takes) {
     std::string names;
     for (const std::unique_ptr<ChosenTake>& chosen : takes)
@@ -182,25 +179,14 @@ ChosenTakes TakesFor(const Format& format, const ExportArguments& arguments, Cho
     return takes;
 }
 
-// The file is there whole, or not at all.
 std::vector<Loss> Write(const Format& format, const ExportArguments& arguments,
-                        const ChosenTakes& chosen) {
-    std::size_t frames = 0;
-    std::vector<MovingTake> takes;
-    for (const std::unique_ptr<ChosenTake>& one : chosen) {
-        frames += one->take.frameCount;
-        takes.push_back({&one->take, &one->poses});
-    }
-    CoreFile file(arguments.file);
-    std::ofstream out(file.Path(), std::ios::binary);
-    LongWork exporting("Exporting", frames * format.passes);
-    std::vector<Loss> losses =
-        format.write(takes, arguments.bvh, out,
-                     [&, isStepDone = exporting.StepDone()] { return isStepDone() && out.good(); });
-    exporting.End();
-    out.close();
-    if (!out) throw Failure(arguments.file + ": the file cannot be written");
-    file.Keep();
+                        ChosenTakes& chosen) {
+    std::vector<Loss> losses;
+    const auto write = [&](const std::vector<MovingTake>& takes, std::ostream& out,
+                           const FrameDone& done) {
+        losses = format.write(takes, arguments.bvh, out, done);
+    };
+    SaveTakes(arguments.file, chosen, {"Exporting", format.passes, write});
     return losses;
 }
 
@@ -216,7 +202,7 @@ void RunExport(const ExportArguments& arguments) {
     ExpectFile(arguments.file);
     CoreStage stage(arguments.guests);
     stage.Open(arguments.scene);
-    const ChosenTakes chosen =
+    ChosenTakes chosen =
         TakesFor(format, arguments, TakesOfStage(stage, arguments.scene, arguments.takes));
     const std::vector<Loss> losses = Write(format, arguments, chosen);
     ExportResult result{.scene = arguments.scene, .takes{}, .complaints{}, .saved = arguments.file};

@@ -57,6 +57,7 @@ void AddVerbs(CLI::App& app) {
     headless::AddInspectVerb(app);
     headless::AddSampleVerb(app);
     headless::AddExportVerb(app);
+    headless::AddViewVerb(app);
     headless::AddRunVerb(app);
     headless::AddCheckVerb(app);
     headless::AddTapeVerbs(app);

@@ -15,8 +15,7 @@ namespace {
 // Names and paths are texts of the code page, and JSON is UTF-8.
 void TurnToUtf8(nlohmann::ordered_json& value) {
     if (value.is_string()) {
-        const std::u8string text = platform::FromNarrow(value.get<std::string>()).u8string();
-        value = std::string(text.begin(), text.end());
+        value = Utf8(value.get<std::string>());
     } else if (value.is_structured()) {
         for (nlohmann::ordered_json& part : value)
             TurnToUtf8(part);
@@ -24,6 +23,11 @@ void TurnToUtf8(nlohmann::ordered_json& value) {
 }
 
 }  // namespace
+
+std::string Utf8(const std::string& text) {
+    const std::u8string turned = platform::FromNarrow(text).u8string();
+    return {turned.begin(), turned.end()};
+}
 
 void PrintJson(std::ostream& out, nlohmann::ordered_json object) {
     TurnToUtf8(object);

@@ -22,6 +22,9 @@ void Print(std::ostream& out, const Result& result, Audience audience) {
         PrintForProgram(out, result);
 }
 
+// A text of the code page; what is none of it comes out empty.
+std::string Utf8(const std::string& text);
+
 // In UTF-8. Texts of the code page are turned to it; where they need not be texts, what is none is
 // replaced.
 void PrintJson(std::ostream& out, nlohmann::ordered_json object);

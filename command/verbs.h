@@ -20,6 +20,7 @@ void AddConvertVerb(CLI::App& app);
 void AddRecoverVerb(CLI::App& app);
 void AddInfoVerb(CLI::App& app);
 void AddExportVerb(CLI::App& app);
+void AddViewVerb(CLI::App& app);
 void AddRunVerb(CLI::App& app);
 void AddCheckVerb(CLI::App& app);
 void AddDiffVerb(CLI::App& app);

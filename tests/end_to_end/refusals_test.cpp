@@ -54,6 +54,7 @@ const Refusals kCalledWrongly = {
     {"draw --sphere 1 --guide --color 1,0,1.5 -o none", "--color: \"1,0,1.5\" is not a colour"},
 
     {"draw --sphere 1 --guide --bend 3 -o none", "--bend and --guide do not go together"},
+    {"view take -o none.png", "--output: none.png does not end in .html or .htm"},
     {"render take -o none --time 1 --sheet 2", "--sheet is said only with --frames"},
 
     {"render take -o none --time 1 --size 15x9000", "--size: a picture is 16 to 8,192 pixels"},
