@@ -2,23 +2,19 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <string_view>
 #include <utility>
 
+#include "command/chosen_takes.h"
 #include "command/core_space.h"
 #include "command/exit_status.h"
+#include "command/output.h"
 #include "host/time.h"
 
 namespace headless {
 namespace {
 
-// At how many times a take is looked at to find out what its pictures must show.
-constexpr std::size_t kFramedTimes = 24;
-
 constexpr int kLargestSheet = 16384;  // pixels each way
-
-TimeValue AtFrame(int frame) {
-    return NearestTime(double{1} * frame * GetTicksPerFrame());
-}
 
 std::string WithFrame(std::string file, int frame) {
     const std::size_t place = file.find(kFramePlace);
@@ -28,18 +24,83 @@ std::string WithFrame(std::string file, int frame) {
     return file.replace(place, sizeof kFramePlace - 1, number);
 }
 
-// One camera for the whole take, which therefore stands still.
-std::vector<TimeValue> FramedTimes(const FrameRange& frames) {
-    const std::size_t count = std::min(frames.Count(), kFramedTimes);
-    if (count < 2) return {};
-    std::vector<TimeValue> times;
-    for (std::size_t i = 0; i < count; ++i)
-        times.push_back(AtFrame(frames.At(i * (frames.Count() - 1) / (count - 1))));
-    return times;
+struct Moment {
+    int frame;
+    TimeValue t;
+};
+
+std::vector<Moment> OfTake(const FrameRange& frames, const interchange::Take& take) {
+    if (frames.first < 0 || static_cast<std::size_t>(frames.last) >= take.frameCount)
+        throw Failure("--frames: the take " + Quoted(take.name) + " has the frames 0 to " +
+                      std::to_string(take.frameCount - 1));
+    std::vector<Moment> moments;
+    for (std::size_t i = 0; i < frames.Count(); ++i) {
+        const int frame = frames.At(i);
+        moments.push_back({frame, AtSeconds(take.Seconds(static_cast<std::size_t>(frame)))});
+    }
+    return moments;
 }
 
-Picture PictureAt(const RenderOptions& options, const ViewportSettings& view, TimeValue t) {
-    return PictureAt(view, t, options.scene + ": no picture: ");
+std::vector<Moment> OfScene(const FrameRange& frames) {
+    std::vector<Moment> moments;
+    for (std::size_t i = 0; i < frames.Count(); ++i) {
+        const int frame = frames.At(i);
+        moments.push_back({frame, NearestTime(double{1} * frame * GetTicksPerFrame())});
+    }
+    return moments;
+}
+
+std::vector<Moment> MomentsOf(const RenderOptions& options, CoreStage& stage) {
+    const FrameRange& frames = options.frames.front();
+    if (options.take.empty()) return OfScene(frames);
+    const auto takes =
+        TakesOfStage(stage, options.scene, {.names = {options.take}, .framesPerSecond = 0});
+    return OfTake(frames, takes.front()->take);
+}
+
+// How the pictures of all moments are looked at.
+ViewportSettings ViewOf(const RenderOptions& options, const std::vector<Moment>& moments) {
+    ViewportSettings view = options.view;
+    if (options.motion == CameraMotion::kEach) return view;
+    std::vector<TimeValue> times;
+    for (const Moment& moment : moments)
+        times.push_back(moment.t);
+    view.path = PathThrough(view, std::move(times), options.motion == CameraMotion::kFollows);
+    return view;
+}
+
+std::string SecondsAt(TimeValue t) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.2f s", double{1} * t / GetTicksPerFrame() / GetFrameRate());
+    return text;
+}
+
+void AddMissing(const std::string& ahead, const std::vector<std::string>& names,
+                std::vector<std::string>& complaints) {
+    std::string all;
+    for (const std::string& name : names)
+        all += (all.empty() ? "" : ", ") + InTable(name);
+    if (!all.empty()) complaints.push_back(ahead + all);
+}
+
+// Names that were asked for and are not in the picture; of those that nobody asked for, which have
+// no room.
+void TellMissingNames(const RenderOptions& options, const Picture& picture, TimeValue t,
+                      std::vector<std::string>& complaints) {
+    const std::string at = "at " + SecondsAt(t) + ' ';
+    AddMissing(at + "there is no room for the names of: ", picture.namesWithoutRoom, complaints);
+    std::vector<std::string> outside = picture.namesOutside;
+    std::erase_if(outside, [&](const std::string& name) {
+        return std::ranges::find(options.view.namesAsked, name) == options.view.namesAsked.end();
+    });
+    AddMissing(at + "these are outside of the picture: ", outside, complaints);
+}
+
+Picture PictureAt(const RenderOptions& options, const ViewportSettings& view, TimeValue t,
+                  RenderResult& result) {
+    Picture picture = PictureAt(view, t, options.scene + ": no picture: ");
+    TellMissingNames(options, picture, t, result.complaints);
+    return picture;
 }
 
 void Write(const Picture& picture, const std::string& file, RenderResult& result) {
@@ -61,26 +122,27 @@ void CheckSheet(const RenderOptions& options, std::size_t count) {
                " pixels, of which it can have 16,384 each way");
 }
 
-// Each moment fills its own picture.
-void RenderSheet(const RenderOptions& options, const FrameRange& frames, RenderResult& result) {
-    CheckSheet(options, frames.Count());
-    LongWork drawing("Drawing", frames.Count(), "picture");
+// On a sheet each picture says which moment it is, as a file does by its name.
+void RenderSheet(const RenderOptions& options, const std::vector<Moment>& moments,
+                 RenderResult& result) {
+    ViewportSettings view = ViewOf(options, moments);
+    LongWork drawing("Drawing", moments.size(), "picture");
     std::vector<Picture> pictures;
-    for (std::size_t i = 0; i < frames.Count(); ++i) {
-        pictures.push_back(PictureAt(options, options.view, AtFrame(frames.At(i))));
+    for (const auto& [frame, t] : moments) {
+        view.caption = "frame " + std::to_string(frame) + ", " + SecondsAt(t);
+        pictures.push_back(PictureAt(options, view, t, result));
         drawing.Advance();
     }
     Write(SideBySide(pictures, options.sheetColumns), options.file, result);
 }
 
-void RenderSequence(const RenderOptions& options, const FrameRange& frames, RenderResult& result) {
-    ViewportSettings view = options.view;
-    view.framedTimes = FramedTimes(frames);
-    LongWork drawing("Drawing", frames.Count(), "picture");
-    for (std::size_t i = 0; i < frames.Count(); ++i) {
-        const int frame = frames.At(i);
+void RenderSequence(const RenderOptions& options, const std::vector<Moment>& moments,
+                    RenderResult& result) {
+    const ViewportSettings view = ViewOf(options, moments);
+    LongWork drawing("Drawing", moments.size(), "picture");
+    for (const auto& [frame, t] : moments) {
         const std::string file = WithFrame(options.file, frame);
-        Write(PictureAt(options, view, AtFrame(frame)), file, result);
+        Write(PictureAt(options, view, t, result), file, result);
         drawing.Advance();
     }
 }
@@ -117,17 +179,29 @@ std::size_t FramePlaces(const std::string& file) {
     return places;
 }
 
+bool EndsAsPicture(const std::string& file) {
+    const std::string_view ending = kPictureEnding;
+    return file.size() >= ending.size() &&
+           std::ranges::equal(file.substr(file.size() - ending.size()), ending, [](char a, char b) {
+               return (a >= 'A' && a <= 'Z' ? a - 'A' + 'a' : a) == b;
+           });
+}
+
 RenderResult Render(const RenderOptions& options) {
+    if (options.sheetColumns > 0 && !options.frames.empty())
+        CheckSheet(options, options.frames.front().Count());
     CoreStage stage(options.guests);
     stage.Open(options.scene);
     RenderResult result;
-    if (options.frames.empty())
-        Write(PictureAt(options, options.view, AtSeconds(options.seconds)), options.file, result);
-    else if (options.sheetColumns > 0)
-        RenderSheet(options, options.frames.front(), result);
-    else
-        RenderSequence(options, options.frames.front(), result);
-    result.complaints = stage.TakeNewsInOne().complaints;
+    if (options.frames.empty()) {
+        const TimeValue t = AtSeconds(options.seconds);
+        Write(PictureAt(options, options.view, t, result), options.file, result);
+    } else {
+        const std::vector<Moment> moments = MomentsOf(options, stage);
+        (options.sheetColumns > 0 ? RenderSheet : RenderSequence)(options, moments, result);
+    }
+    for (const std::string& complaint : stage.TakeNewsInOne().complaints)
+        result.complaints.push_back(complaint);
     return result;
 }
 

@@ -8,7 +8,8 @@
 
 namespace headless {
 
-// Frames of the scene: the first, every further one in steps, and the last if a step meets it.
+// Frames of the scene, or of a take: the first, every further one in steps, and the last if a step
+// meets it.
 struct FrameRange {
     int first = 0;
     int last = 0;
@@ -22,6 +23,16 @@ struct FrameRange {
 inline constexpr char kFramePlace[] = "%04d";
 std::size_t FramePlaces(const std::string& file);
 
+inline constexpr char kPictureEnding[] = ".png";  // in letters of any case
+bool EndsAsPicture(const std::string& file);
+
+// What the viewport's own camera does from one frame to the next.
+enum class CameraMotion {
+    kStands,   // it holds the whole motion
+    kFollows,  // what moves
+    kEach,     // is aimed anew at each moment
+};
+
 struct RenderOptions {
     std::string scene;
     std::string file;  // with a place for the frame's number if a file holds one frame of several
@@ -29,7 +40,9 @@ struct RenderOptions {
     ViewportSettings view;
     double seconds = 0;              // if there are no frames
     std::vector<FrameRange> frames;  // none, or one
-    int sheetColumns = 0;            // 0: every frame in a file of its own
+    std::string take{};              // whose frames these are; empty for the scene's
+    CameraMotion motion = CameraMotion::kStands;
+    int sheetColumns = 0;  // 0: every frame in a file of its own
 };
 
 struct RenderResult {

@@ -3,9 +3,11 @@
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "command/exit_status.h"
 #include "command/numbers.h"
+#include "command/output.h"
 #include "command/render.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
@@ -45,6 +47,9 @@ void ReadSize(const std::string& text, ViewportSettings& view) {
 }
 
 void CheckFile(const RenderOptions& options) {
+    if (!EndsAsPicture(options.file))
+        Refuse(std::string(kOutput) + ": " + options.file + " does not end in " + kPictureEnding +
+               ", the kind of file that is written");
     KeepApart({{"SCENE", options.scene}}, {{kOutput, options.file}});
     if (options.frames.empty() || options.sheetColumns > 0) return;
     const std::size_t places = FramePlaces(options.file);
@@ -79,21 +84,68 @@ CLI::Option* AddTimes(CLI::App& verb, const std::shared_ptr<RenderArguments>& ar
     AddRead(verb, "--frames", "FIRST:LAST:STEP", "The frames of the scene to draw, LAST included",
             [arguments](auto& text) { arguments->options.frames = {ReadFrames(text)}; })
         ->excludes(time);
+    AddName(verb, "--take", arguments->options.take,
+            "Count the frames of this take, as its capture does, and not those of the scene")
+        ->needs("--frames");
     return time;
+}
+
+ViewSide ReadSide(const std::string& text) {
+    constexpr std::array kSides = {
+        std::pair("quarter", ViewSide::kQuarter), std::pair("front", ViewSide::kFront),
+        std::pair("side", ViewSide::kSide), std::pair("top", ViewSide::kTop)};
+    for (const auto& [name, side] : kSides)
+        if (text == name) return side;
+    Refuse("--view: " + Quoted(text) + " is not quarter, front, side or top");
+}
+
+// From where to look, and how the camera goes through the frames.
+void AddCameras(CLI::App& verb, const std::shared_ptr<RenderArguments>& arguments) {
+    CLI::Option* const camera =
+        AddName(verb, "--camera", arguments->options.view.camera,
+                "Look through this camera; else by one that holds all that shows in any of the "
+                "frames, for which neither cameras nor a flat ground count");
+    AddRead(verb, "--view", "SIDE",
+            "From where to look: front (along the Core's -Z), side (along -X), top (down, -Z "
+            "upwards in the picture), or quarter, from the front, aside and above",
+            [arguments](auto& text) { arguments->options.view.side = ReadSide(text); })
+        ->default_str("quarter")
+        ->excludes(camera);
+    const auto add = [&](const char* word, CameraMotion motion, const char* help) {
+        CLI::Option* const option = verb.add_flag_callback(
+            word, [arguments, motion] { arguments->options.motion = motion; }, help);
+        return option->disable_flag_override()->needs("--frames")->excludes(camera);
+    };
+    CLI::Option* const follow = add("--follow", CameraMotion::kFollows,
+                                    "The camera goes along with what moves, always as far away");
+    add("--each", CameraMotion::kEach, "The camera is aimed anew at each of the frames")
+        ->excludes(follow);
+    AddSwitch(verb, "--cameras", arguments->options.view.showsCameras,
+              "Draw the scene's cameras as well");
+}
+
+void AddNameOptions(CLI::App& verb, ViewportSettings& view) {
+    CLI::Option* const names =
+        verb.add_flag("--names", view.showsNames, "Write its name beside each node that is drawn");
+    names->disable_flag_override();
+    verb.add_option("--name", view.namesAsked,
+                    "Write the name of this node; as often as there are nodes to name")
+        ->expected(1)
+        ->take_all()
+        ->check([](const std::string& name) { return name.empty() ? "the name is empty" : ""; })
+        ->type_name("NODE")
+        ->excludes(names);
 }
 
 void AddLooks(CLI::App& verb, const std::shared_ptr<RenderArguments>& arguments) {
     ViewportSettings& view = arguments->options.view;
-    AddName(verb, "--camera", view.camera,
-            "Look through this camera; else from the front and above at all that shows, for "
-            "which neither cameras nor a flat ground count");
+    AddCameras(verb, arguments);
     AddRead(verb, "--size", "WIDTHxHEIGHT",
             "The size of each picture in pixels, 16 to 8,192 each way",
             [arguments](auto& text) { ReadSize(text, arguments->options.view); })
         ->default_str(std::to_string(view.width) + 'x' + std::to_string(view.height));
     AddSwitch(verb, "--wire", view.isWireframe, "Edges instead of faces");
-    AddSwitch(verb, "--names", view.showsNames,
-              "Write its name beside each node, where there is room");
+    AddNameOptions(verb, view);
 }
 
 }  // namespace
@@ -111,7 +163,8 @@ void AddRenderVerb(CLI::App& app) {
     CLI::Option* const time = AddTimes(*verb, arguments);
     AddWholeNumber(
         *verb, "--sheet", arguments->sheetColumns,
-        "The frames side by side in one picture, so many in a row, " + Told(kSheetColumns))
+        "The frames side by side in one picture, each with frame and time, so many in a row, " +
+            Told(kSheetColumns))
         ->needs("--frames");
     AddLooks(*verb, arguments);
     AddGuestOptions(*verb, arguments->options.guests);

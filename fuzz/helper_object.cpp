@@ -16,7 +16,7 @@ void RequireStable(CustomHelperObject& object) {
 // Draws it as it is and selected, and asks whether the whole picture hits it.
 void Show(FuzzedWorld& world, CustomHelperObject& object) {
     INode* const node = GetCOREInterface()->CreateObjectNode(&object);
-    const headless::ViewportSettings settings{.camera = "", .framedTimes = {}};
+    const headless::ViewportSettings settings;
     const HitRegion all{HITTYPE_RECT, 1, 0, {{0, 0}, {settings.width, settings.height}}};
     headless::DrawScene(settings, 0);
     headless::NodesHit(settings, 0, all);

@@ -104,9 +104,9 @@ void DrawWindow::DrawLine(const Point3& from, const Point3& to) {
     vertices.push_back({b, {}, line_});
 }
 
-void DrawWindow::DrawWord(const Point3& place, std::string text) {
+void DrawWindow::DrawWord(const Point3& place, std::string text, bool isName) {
     const Point3 world = transform_.PointTransform(place);
-    if (IsFinite(world)) list_.texts.push_back({world, line_, std::move(text)});
+    if (IsFinite(world)) list_.texts.push_back({world, line_, std::move(text), isName});
 }
 
 bool DrawWindow::Hits(const Mesh& mesh, const HitRegion& region) const {

@@ -33,7 +33,7 @@ class DrawWindow final : public GraphicsWindow {
     // In object space, under the limits, transform and colours that are set.
     void DrawMesh(const Mesh& mesh);
     void DrawLine(const Point3& from, const Point3& to);
-    void DrawWord(const Point3& place, std::string text);
+    void DrawWord(const Point3& place, std::string text, bool isName);
 
     // Whether some of the mesh, as it would be drawn, or of the lines lies in the region, or all of
     // it where the region asks for that.

@@ -8,12 +8,6 @@
 namespace headless {
 namespace {
 
-// In pixels from the upper left corner.
-struct ScreenPlace {
-    double x = 0;
-    double y = 0;
-};
-
 // What is left of a line or triangle between the nearest and the farthest that the view shows.
 struct Outline {
     std::vector<ScreenPlace> corners;
@@ -50,10 +44,6 @@ std::vector<ClipPlace> Cut(const std::vector<ClipPlace>& outline, Height height)
         if ((a < 0) != (b < 0)) kept.push_back(Between(from, to, a / (a - b)));
     }
     return kept;
-}
-
-ScreenPlace OnScreen(const View& view, const ClipPlace& p) {
-    return {(p.x / p.w + 1) / 2 * view.width, (1 - p.y / p.w) / 2 * view.height};
 }
 
 Outline OutlineOf(const View& view, std::span<const Point3> corners) {

@@ -31,4 +31,15 @@ inline ClipPlace ToClip(const View& view, const Point3& p) {
     return {column(0), column(1), column(2), column(3)};
 }
 
+// In pixels from the upper left corner.
+struct ScreenPlace {
+    double x = 0;
+    double y = 0;
+};
+
+// Of what is before the viewer: w is above 0.
+inline ScreenPlace OnScreen(const View& view, const ClipPlace& p) {
+    return {(p.x / p.w + 1) / 2 * view.width, (1 - p.y / p.w) / 2 * view.height};
+}
+
 }  // namespace headless

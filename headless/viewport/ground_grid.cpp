@@ -7,6 +7,11 @@ namespace headless {
 namespace {
 
 constexpr double kMostSteps = 12;  // across
+
+// Around what pictures are about: a part of its extent, and at least so much.
+constexpr double kMargin = 0.2;
+constexpr double kLeastMarginInMetres = 1;
+
 constexpr Colour kLine{0.29F, 0.31F, 0.34F};
 constexpr Colour kAxis{0.42F, 0.44F, 0.48F};
 
@@ -38,16 +43,12 @@ void SetLineColour(DrawWindow& window, const Colour& colour) {
 
 }  // namespace
 
-GroundGrid GridBelow(const std::vector<Box3>& framed) {
-    Box3 all;
-    for (const Box3& box : framed) {
-        all += box.pmin;
-        all += box.pmax;
-    }
-    if (framed.empty()) all += Point3();
-    const double margin =
-        std::max({double{all.pmax.x} - double{all.pmin.x}, double{all.pmax.y} - double{all.pmin.y},
-                  double{all.pmax.z} - double{all.pmin.z}, UnitsPerMetre()});
+GroundGrid GridBelow(const Box3& framed) {
+    Box3 all = framed;
+    if (all.IsEmpty()) all += Point3();
+    const double margin = std::max({kMargin * (double{all.pmax.x} - double{all.pmin.x}),
+                                    kMargin * (double{all.pmax.y} - double{all.pmin.y}),
+                                    kLeastMarginInMetres * UnitsPerMetre()});
     const double lowerX = double{all.pmin.x} - margin, upperX = double{all.pmax.x} + margin;
     const double lowerY = double{all.pmin.y} - margin, upperY = double{all.pmax.y} + margin;
     const double step = StepFor(std::max(upperX - lowerX, upperY - lowerY));

@@ -1,10 +1,11 @@
 #pragma once
 
 #include <algorithm>
-#include <vector>
 
 #include "headless/drawing/draw_window.h"
+#include "headless/drawing/view.h"
 #include "host/box3.h"
+#include "host/types.h"
 #include "host/units.h"
 
 namespace headless {
@@ -15,15 +16,20 @@ inline double UnitsPerMetre() {
     return std::clamp(1 / GetMasterScale(UNITS_METERS), 1e-9, 1e9);
 }
 
-// Lines on the ground, z = 0, below what a picture is about and some way around it: a metre apart,
-// or two, five, ten, or a half, a fifth and so on, so that there are neither many nor few.
+// Lines on the ground, z = 0, below all that pictures are about and a good step around it: a metre
+// apart, or two, five, ten, or a half, a fifth and so on, so that there are neither many nor few.
 struct GroundGrid {
     double step = 1;  // host units, as all here
     Box3 area;
 };
-GroundGrid GridBelow(const std::vector<Box3>& framed);
+GroundGrid GridBelow(const Box3& framed);
 
 // The lines through the origin are brighter.
 void DrawGrid(const GroundGrid& grid, DrawWindow& window);
+
+// Says at the end of each line where it is, in metres as the Core counts them along X and Z: below,
+// of those that run away from the viewer, and on the right of those that run across. It stands in
+// the picture and not upon what the picture is about at that time.
+void WriteMetres(const GroundGrid& grid, TimeValue t, DrawWindow& window);
 
 }  // namespace headless

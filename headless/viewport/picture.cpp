@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <filesystem>
 #include <span>
@@ -86,7 +87,11 @@ Picture SideBySide(const std::vector<Picture>& pictures, int columns) {
     Picture sheet{.width = first.width * static_cast<int>(across),
                   .height = first.height * static_cast<int>(down),
                   .rgb = {}};
-    sheet.rgb.resize(RowBytes(sheet) * static_cast<std::size_t>(sheet.height));
+    const std::array background{Byte(kBackground.red), Byte(kBackground.green),
+                                Byte(kBackground.blue)};
+    sheet.rgb.reserve(RowBytes(sheet) * static_cast<std::size_t>(sheet.height));
+    while (sheet.rgb.size() < RowBytes(sheet) * static_cast<std::size_t>(sheet.height))
+        sheet.rgb.insert(sheet.rgb.end(), background.begin(), background.end());
     for (std::size_t i = 0; i < pictures.size(); ++i)
         Paste(pictures[i], i % across * static_cast<std::size_t>(first.width),
               i / across * static_cast<std::size_t>(first.height), sheet);

@@ -12,6 +12,13 @@
 // library; nothing is thrown across.
 namespace headless {
 
+// What lies behind the scene.
+inline constexpr Colour kBackground{0.19F, 0.21F, 0.24F};
+
+inline std::uint8_t Byte(float channel) {
+    return static_cast<std::uint8_t>(channel * 255 + 0.5F);
+}
+
 inline constexpr char kViewportModule[] = "headless_viewport";
 
 // Draws the list as the view shows it. False, and one line in `error`, if there is no picture.

@@ -1,8 +1,10 @@
+#include <algorithm>
 #include <array>
 #include <utility>
 
 #include "headless/drawing/draw_window.h"
 #include "headless/scene/scene.h"
+#include "headless/scene_view.h"
 #include "headless/viewport.h"
 #include "headless/viewport/shown_nodes.h"
 #include "headless/viewport/view_camera.h"
@@ -29,7 +31,7 @@ void Display(SceneNode& node, TimeValue t, std::uint32_t limits, DrawWindow& win
 void DrawName(SceneNode& node, TimeValue t, DrawWindow& window) {
     window.setTransform(node.GetNodeTM(t, nullptr));
     window.setColor(LINE_COLOR, kName.red, kName.green, kName.blue);
-    window.DrawWord({}, node.Name());
+    window.DrawWord({}, node.Name(), true);
 }
 
 std::vector<std::uint32_t> HandlesOf(const std::vector<SceneNode*>& nodes) {
@@ -38,6 +40,20 @@ std::vector<std::uint32_t> HandlesOf(const std::vector<SceneNode*>& nodes) {
     for (SceneNode* node : nodes)
         handles.push_back(node->Handle());
     return handles;
+}
+
+bool Shows(const ViewportSettings& settings, const AimedView& aimed, SceneNode& node, TimeValue t) {
+    return &node != aimed.camera && (settings.showsCameras || !CameraOf(node, t));
+}
+
+bool IsAsked(const ViewportSettings& settings, const SceneNode& node) {
+    return std::ranges::find(settings.namesAsked, node.Name()) != settings.namesAsked.end();
+}
+
+std::string NameThatNobodyHas(const ViewportSettings& settings) {
+    for (const std::string& name : settings.namesAsked)
+        if (!FindNode(name)) return name;
+    return {};
 }
 
 // A fresh window for each node, since a hit test may leave anything set in it.
@@ -58,19 +74,27 @@ bool IsHit(SceneNode& node, TimeValue t, const View& view, std::uint32_t limits,
 // What draws itself may delete nodes, so each is looked for before it is asked. The camera that is
 // looked through does not show.
 SeenScene SeeScene(const ViewportSettings& settings, TimeValue t) {
-    const AimedView aimed = AimView(settings, t);
+    AimedView aimed = AimView(settings, t);
+    if (const std::string name = NameThatNobodyHas(settings); !name.empty())
+        aimed.error = "no node is called \"" + name + '"';
     if (!aimed.error.empty()) return {aimed, {}};
     DrawWindow window(aimed.view);
     if (settings.showsGrid) {
         window.setRndLimits(kGridLimits);
         DrawGrid(aimed.grid, window);
+        WriteMetres(aimed.grid, t, window);
     }
     for (SceneNode* node : ShownNodes()) {
-        if (node == aimed.camera || !TheScene().Contains(node)) continue;
+        if (!TheScene().Contains(node) || !Shows(settings, aimed, *node, t)) continue;
         Display(*node, t, RenderLimits(settings), window);
-        if (settings.showsNames && TheScene().Contains(node)) DrawName(*node, t, window);
+        if (settings.showsNames && TheScene().Contains(node) && !IsAsked(settings, *node))
+            DrawName(*node, t, window);
     }
-    return {aimed, window.List()};
+    for (SceneNode* node : TheScene().InOrder())
+        if (IsAsked(settings, *node)) DrawName(*node, t, window);
+    DrawList list = window.List();
+    list.caption = settings.caption;
+    return {aimed, std::move(list)};
 }
 
 DrawList DrawNode(std::uint32_t handle, TimeValue t) {
@@ -97,7 +121,7 @@ std::vector<std::uint32_t> NodesHit(const ViewportSettings& settings, TimeValue 
     std::vector<std::uint32_t> hit;
     for (const std::uint32_t handle : HandlesOf(ShownNodes())) {
         SceneNode* const node = TheScene().Find(handle);
-        if (!node || node == aimed.camera) continue;
+        if (!node || !Shows(settings, aimed, *node, t)) continue;
         if (IsHit(*node, t, aimed.view, RenderLimits(settings), region)) hit.push_back(handle);
     }
     return hit;

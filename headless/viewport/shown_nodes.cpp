@@ -48,22 +48,27 @@ Box3 WorldBox(SceneNode& node, TimeValue t) {
     return IsNear(box.pmin) && IsNear(box.pmax) ? box : Box3();
 }
 
-std::vector<Box3> FramedBoxes(const ViewportSettings& settings, TimeValue t) {
-    std::vector<Box3> framed = ShownBoxes(t);
-    if (!settings.framedTimes.empty()) framed.clear();
-    for (const TimeValue time : settings.framedTimes)
-        std::ranges::copy(ShownBoxes(time), std::back_inserter(framed));
-    if (!std::ranges::all_of(framed, LiesFlat)) std::erase_if(framed, LiesFlat);
+std::vector<ShownBox> ShownBoxes(TimeValue t) {
+    std::vector<ShownBox> shown;
+    for (SceneNode* node : ShownNodes()) {
+        if (CameraOf(*node, t)) continue;
+        if (const Box3 box = WorldBox(*node, t); !box.IsEmpty())
+            shown.push_back({node->Handle(), box});
+    }
+    return shown;
+}
+
+std::vector<ShownBox> FramedBoxes(TimeValue t) {
+    const auto isFlat = [](const ShownBox& shown) { return LiesFlat(shown.box); };
+    std::vector<ShownBox> framed = ShownBoxes(t);
+    if (!std::ranges::all_of(framed, isFlat)) std::erase_if(framed, isFlat);
     return framed;
 }
 
-std::vector<Box3> ShownBoxes(TimeValue t) {
-    std::vector<Box3> boxes;
-    for (SceneNode* node : ShownNodes()) {
-        if (CameraOf(*node, t)) continue;
-        if (const Box3 box = WorldBox(*node, t); !box.IsEmpty()) boxes.push_back(box);
-    }
-    return boxes;
+void Grow(Box3& box, const Box3& around) {
+    if (around.IsEmpty()) return;
+    box += around.pmin;
+    box += around.pmax;
 }
 
 std::array<Vector, 8> Corners(const Box3& box) {

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <vector>
 
 #include "headless/scene/node.h"
 #include "headless/values/vector.h"
-#include "headless/viewport.h"
 #include "host/box3.h"
 
 namespace headless {
@@ -23,13 +23,19 @@ Box3 WorldBox(SceneNode& node, TimeValue t);
 // Farther from the origin than that nothing is framed; host units.
 inline constexpr float kFarthest = 1e9F;
 
-// What a picture of the scene is about: the boxes, in world space, of the nodes that show at the
-// times that the settings frame. Cameras do not count, nor does what lies flat on the ground while
-// something stands upon it.
-std::vector<Box3> FramedBoxes(const ViewportSettings& settings, TimeValue t);
+struct ShownBox {
+    std::uint32_t handle = 0;  // the node's
+    Box3 box;                  // world space
+};
 
-// The boxes of all that shows at a time, but for cameras.
-std::vector<Box3> ShownBoxes(TimeValue t);
+// All that shows at a time, but for cameras.
+std::vector<ShownBox> ShownBoxes(TimeValue t);
+
+// What a picture of a time is about: neither cameras, nor what lies flat on the ground while
+// something stands upon it.
+std::vector<ShownBox> FramedBoxes(TimeValue t);
+
+void Grow(Box3& box, const Box3& around);
 
 std::array<Vector, 8> Corners(const Box3& box);
 

@@ -3,9 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <iterator>
 #include <limits>
-#include <numbers>
 #include <utility>
 #include <vector>
 
@@ -14,21 +12,11 @@
 #include "headless/scene_view.h"
 #include "headless/values/vector.h"
 #include "headless/viewport/ground_grid.h"
+#include "headless/viewport/own_camera.h"
 #include "headless/viewport/shown_nodes.h"
 
 namespace headless {
 namespace {
-
-constexpr double kRadians = std::numbers::pi / 180;
-
-// The viewport's own camera. It looks a little from aside and from above, so that a walk towards it
-// has a length and feet are told from the ground behind them, and leaves a rim free for what sticks
-// out of the framed boxes, such as names.
-constexpr double kOwnFieldOfView = 35 * kRadians;  // of the height
-constexpr double kTurn = 28 * kRadians;            // from straight ahead, towards its right
-constexpr double kTilt = 14 * kRadians;            // down
-constexpr double kFilled = 0.88;                   // how much of the picture the framed points fill
-constexpr double kNearestInMetres = 1;             // to what it looks at, also if that is a dot
 
 // Of a picture, in pixels each way: room for something to show, and no more than renderers have.
 constexpr int kSmallest = 16;
@@ -39,83 +27,8 @@ constexpr int kLargest = 8192;
 constexpr double kDepthRatio = 4000;
 constexpr double kDepthMargin = 1.05;
 
-// Where a camera stands and how it is turned; unit vectors at right angles.
-struct Pose {
-    Vector place;
-    Vector right;
-    Vector up;
-    Vector ahead;
-};
-
 Vector Unit(const Vector& v) {
     return v * (1 / std::sqrt(Dot(v, v)));
-}
-
-std::vector<Vector> CornersOf(const std::vector<Box3>& boxes) {
-    std::vector<Vector> points;
-    for (const Box3& box : boxes)
-        std::ranges::copy(Corners(box), std::back_inserter(points));
-    return points;
-}
-
-// How points lie along one axis of the picture and behind each other, from any place along the
-// view.
-struct Spread {
-    std::vector<double> across;
-    std::vector<double> depth;
-
-    Spread(const std::vector<Vector>& points, const Vector& axis, const Vector& ahead) {
-        for (const Vector& p : points) {
-            across.push_back(Dot(p, axis));
-            depth.push_back(Dot(p, ahead));
-        }
-    }
-
-    // How far back a camera has to be to have them all inside its opening, wherever it stands
-    // across: a point at x is inside if |x - middle| <= opening × (distance + depth).
-    double Distance(double opening) const {
-        double lower = std::numeric_limits<double>::max();
-        double upper = std::numeric_limits<double>::lowest();
-        for (std::size_t i = 0; i < across.size(); ++i) {
-            lower = std::min(lower, across[i] + opening * depth[i]);
-            upper = std::max(upper, across[i] - opening * depth[i]);
-        }
-        return (upper - lower) / (2 * opening);
-    }
-
-    // Where to stand across at that distance for equal margins on both sides; found by halving.
-    double Middle(double distance) const {
-        constexpr int kHalvings = 40;
-        auto [lower, upper] = std::ranges::minmax(across);
-        for (int i = 0; i < kHalvings; ++i) {
-            const double middle = (lower + upper) / 2;
-            (LeansAbove(middle, distance) ? lower : upper) = middle;
-        }
-        return (lower + upper) / 2;
-    }
-
-    bool LeansAbove(double middle, double distance) const {
-        double below = 0;
-        double above = 0;
-        for (std::size_t i = 0; i < across.size(); ++i) {
-            const double slope = (across[i] - middle) / (distance + depth[i]);
-            below = std::min(below, slope);
-            above = std::max(above, slope);
-        }
-        return above > -below;
-    }
-};
-
-// Moves the camera back until every point is inside its opening, and no farther.
-Vector PlaceToSee(const Pose& turned, const CameraOpening& opening, std::vector<Vector> points) {
-    if (points.empty()) points.emplace_back();
-    const Spread across(points, turned.right, turned.ahead);
-    const Spread upward(points, turned.up, turned.ahead);
-    const double distance =
-        std::max({across.Distance(opening.x), upward.Distance(opening.y),
-                  kNearestInMetres * UnitsPerMetre() - std::ranges::min(across.depth)});
-    return turned.right * across.Middle(distance) + turned.up * upward.Middle(distance) -
-           turned.ahead * distance;
 }
 
 double Aspect(const ViewportSettings& settings) {
@@ -124,15 +37,6 @@ double Aspect(const ViewportSettings& settings) {
 
 bool IsPictureSize(int pixels) {
     return pixels >= kSmallest && pixels <= kLargest;
-}
-
-Pose OwnPose() {
-    Pose pose;
-    pose.ahead = {-std::sin(kTurn) * std::cos(kTilt), std::cos(kTurn) * std::cos(kTilt),
-                  -std::sin(kTilt)};
-    pose.right = Unit(Cross(pose.ahead, {0, 0, 1}));
-    pose.up = Cross(pose.right, pose.ahead);
-    return pose;
 }
 
 // False if the matrix gives no direction to look in. Scales and mirrored axes do not count.
@@ -156,14 +60,15 @@ struct Depths {
 
 // Around all that shows, and the ground.
 Depths DepthsFrom(const Pose& pose, const GroundGrid& grid, TimeValue t) {
-    std::vector<Box3> boxes = ShownBoxes(t);
-    boxes.push_back(grid.area);
+    std::vector<ShownBox> shown = ShownBoxes(t);
+    shown.push_back({.handle = 0, .box = grid.area});
     Depths depths{std::numeric_limits<double>::max(), UnitsPerMetre()};
-    for (const Vector& p : CornersOf(boxes)) {
-        const double depth = Dot(p - pose.place, pose.ahead);
-        depths.nearest = std::min(depths.nearest, depth);
-        depths.farthest = std::max(depths.farthest, depth);
-    }
+    for (const ShownBox& one : shown)
+        for (const Vector& p : Corners(one.box)) {
+            const double depth = Dot(p - pose.place, pose.ahead);
+            depths.nearest = std::min(depths.nearest, depth);
+            depths.farthest = std::max(depths.farthest, depth);
+        }
     depths.farthest *= kDepthMargin;
     depths.nearest = std::clamp(depths.nearest / kDepthMargin, depths.farthest / kDepthRatio,
                                 depths.farthest / 2);
@@ -219,30 +124,37 @@ AimedView ThroughCamera(const ViewportSettings& settings, TimeValue t) {
         return Failed("the camera \"" + settings.camera + "\" looks nowhere at that time");
     const CameraOpening opening = OpeningOf(angle, camera->GetFOVType(), Aspect(settings));
     AimedView aimed;
-    aimed.grid = GridBelow(FramedBoxes(settings, t));
+    aimed.grid = GridBelow(settings.path.times.empty() ? PathThrough(settings, {t}, false).framed
+                                                       : settings.path.framed);
     aimed.view = ViewFrom(pose, opening, DepthsFrom(pose, aimed.grid, t), settings);
     aimed.camera = node;
     return aimed;
 }
 
-AimedView FromFrontAndAbove(const ViewportSettings& settings, TimeValue t) {
-    const std::vector<Box3> framed = FramedBoxes(settings, t);
-    const CameraOpening opening = OpeningOf(kOwnFieldOfView, 1, Aspect(settings));
-    Pose pose = OwnPose();
-    pose.place = PlaceToSee(pose, {opening.x * kFilled, opening.y * kFilled}, CornersOf(framed));
+AimedView FromOwnCamera(const ViewportSettings& settings, TimeValue t) {
+    if (settings.path.times.empty() || settings.path.places.empty()) {
+        ViewportSettings aimedAnew = settings;
+        aimedAnew.path = PathThrough(settings, {t}, false);
+        return FromOwnCamera(aimedAnew, t);
+    }
+    Pose pose = PoseFrom(settings.side);
+    pose.place = PlaceOn(settings.path, t);
     AimedView aimed;
-    aimed.grid = GridBelow(framed);
-    aimed.view = ViewFrom(pose, opening, DepthsFrom(pose, aimed.grid, t), settings);
+    aimed.grid = GridBelow(settings.path.framed);
+    aimed.view = ViewFrom(pose, OwnOpening(settings), DepthsFrom(pose, aimed.grid, t), settings);
     return aimed;
 }
 
 }  // namespace
 
+bool HasPictureSize(const ViewportSettings& settings) {
+    return IsPictureSize(settings.width) && IsPictureSize(settings.height);
+}
+
 AimedView AimView(const ViewportSettings& settings, TimeValue t) {
-    if (!IsPictureSize(settings.width) || !IsPictureSize(settings.height))
-        return Failed("a picture is 16 to 8,192 pixels wide and high");
+    if (!HasPictureSize(settings)) return Failed("a picture is 16 to 8,192 pixels wide and high");
     if (!settings.camera.empty()) return ThroughCamera(settings, t);
-    return FromFrontAndAbove(settings, t);
+    return FromOwnCamera(settings, t);
 }
 
 }  // namespace headless

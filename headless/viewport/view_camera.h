@@ -10,8 +10,10 @@ class INode;
 
 namespace headless {
 
-// How the settings look at the running scene at a time: through the camera that they name, or from
-// the front and above at their framed boxes. Every number of the view is finite, whatever the scene
+bool HasPictureSize(const ViewportSettings& settings);
+
+// How the settings look at the running scene at a time: through the camera that they name, or by
+// the viewport's own. Every number of the view is finite, whatever the scene
 // holds.
 struct AimedView {
     std::string error;  // why there is no view, in one line; empty if there is one

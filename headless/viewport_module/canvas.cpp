@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "headless/viewport/pixel_module.h"
+
 namespace headless {
 namespace {
 
 constexpr GLsizei kSamples = 4;
 constexpr std::size_t kChannels = 3;
-
-// What lies behind the scene.
-constexpr Colour kBackground{0.19F, 0.21F, 0.24F};
 
 enum Image { kColourImage, kDepthImage, kResolvedImage };
 enum Buffer { kSampled, kPlain };

@@ -5,9 +5,9 @@
 
 #include "headless/viewport/pixel_module.h"
 #include "headless/viewport_module/canvas.h"
-#include "headless/viewport_module/names.h"
 #include "headless/viewport_module/offscreen_context.h"
 #include "headless/viewport_module/painter.h"
+#include "headless/viewport_module/words.h"
 #include "platform/modules.h"
 
 namespace headless {
@@ -27,7 +27,7 @@ std::string DrawnPixels(const DrawList& list, const View& view, Picture& into) {
     canvas.Begin();
     painter.Draw(list, view);
     if (!canvas.Read(into)) return "the renderer has run out of memory";
-    DrawNames(list, view, into);
+    DrawWords(list, view, into);
     return "";
 }
 

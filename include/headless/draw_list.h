@@ -35,16 +35,19 @@ struct DrawBatch {
     std::vector<DrawVertex> vertices;
 };
 
-// A word beside a place.
+// A word for a place. None covers another.
 struct DrawText {
     Point3 place;
     Colour colour;
     std::string text;
+    bool isName = true;  // which is moved aside where there is no room, and missed where there is
+                         // none at all; else it stands over its place, or is not drawn
 };
 
 struct DrawList {
     std::vector<DrawBatch> batches;  // drawn in this order
     std::vector<DrawText> texts;     // on top of all
+    std::string caption{};           // in the upper left corner of the picture
 };
 
 }  // namespace headless

@@ -60,8 +60,14 @@ const Refusals kCalledWrongly = {
     {"render take -o none --time 1 --size 15x9000", "--size: a picture is 16 to 8,192 pixels"},
     {"render take -o none --frames 0:4:0", "--frames: 0:4:0 has no step above 0"},
     {"render take -o none --frames 10:0:1", "--frames: 10:0:1 has its last frame before the first"},
-    {"render take -o none --frames 0:4:1", "--output: none has no place for the number of a frame"},
-    {"render take -o none --frames 0:4:1 --sheet 513", "--sheet: 513 is not from 1 to 512"}};
+    {"render take -o none.png --frames 0:4:1",
+     "--output: none.png has no place for the number of a frame"},
+    {"render take -o none.png --frames 0:4:1 --sheet 513", "--sheet: 513 is not from 1 to 512"},
+    {"render take -o none.jpg --time 1", "--output: none.jpg does not end in .png"},
+    {"render take -o none.png --time 1 --follow", "--follow is said only with --frames"},
+    {"render take -o none.png --time 1 --take walk", "--take is said only with --frames"},
+    {"render take -o none.png --time 1 --view below", "--view: \"below\" is not quarter, front"},
+    {"render take -o none.png --time 1 --camera A --view top", "--view and --camera"}};
 
 // What is well said and yet cannot be done. Two of the files may only be read.
 const Refusals kFailing = {
@@ -105,7 +111,7 @@ TEST_F(Command, RefusesInOneLineEachWhatCannotBeDoneAndChangesNoFile) {
              {"open % --save none", "open % --no-plugin --save none", "merge % take --save none",
               "merge take % --save none", "merge take % --by-host --save none",
               "convert % --save none", "info %", "sample % --times 0:1:1 --csv none",
-              "render % --time 0 -o none"}) {
+              "render % --time 0 -o none.png"}) {
             const std::string line = ExpectRefusal(With(words, "%", broken), broken + ": ", 1);
             const bool saves = std::string_view(words).ends_with("none");
             EXPECT_EQ(line.ends_with("; nothing was saved\n"), saves) << line;

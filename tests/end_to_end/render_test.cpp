@@ -27,18 +27,25 @@ TEST_F(Render, DrawsAScenesSameBytesAtEachRunAndFromASavedCopy) {
     EXPECT_EQ(Do("render take --frames 0:4:1 --sheet 2 --size 64x48 -o sheet.png"),
               "Saved as sheet.png: a picture of 128x144 pixels\n");
 
+    Do("render take --take walk --frames 4:4:1 --size 64x48 -o taken.PNG");
+    Do("render take --time 0.2 --size 64x48 -o timed.png");
+    EXPECT_TRUE(Read("taken.PNG") == Read("timed.png")) << "a frame of the capture lasts 0.05 s";
+    ExpectRefusal("render take --take walk --frames 3:5:1 -o x%04d.png", "--frames: the take", 1);
+
     std::filesystem::create_directory(File("at0009.png"));
     EXPECT_TRUE(
         ExpectRefusal("render take --frames 7:9:1 --size 64x48 -o at%04d.png", "at0009.png: ", 1)
             .ends_with("; saved all the same: at0007.png, at0008.png\n"));
 
     Do("merge take take --by-host --save twice");
-    ExpectRefusal("render take -o none --frames 0:9999:1 --sheet 2", "--sheet: 10000 pictures", 2);
+    ExpectRefusal("render take -o none.png --frames 0:9999:1 --sheet 2", "--sheet: 10000 pictures",
+                  2);
     for (const auto& [words, why] :
          {std::pair("take --camera Nobody", "take: no picture: no node is called \"Nobody\""),
+          {"take --name Nobody", "take: no picture: no node is called \"Nobody\""},
           {"take --camera walk_Hip", "take: no picture: the node \"walk_Hip\" is no camera"},
           {"twice --camera walk_Camera", "twice: no picture: 2 cameras are called"}})
-        ExpectRefusal(std::string("render --time 1 -o none ") + words, why, 1);
+        ExpectRefusal(std::string("render --time 1 -o none.png ") + words, why, 1);
 }
 
 TEST_F(Render, DrawsAGuideObjectAndKeepsItWhereThePlugInIsMissing) {
