@@ -113,7 +113,7 @@ TEST_F(PicturesTest, EachNameThatHasRoomIsThereAndNoneCoversAnother) {
     settings.width = settings.height = 64;
     const Picture small = At(0);
     EXPECT_FALSE(small.namesWithoutRoom.empty());
-    const Picture sheet = SideBySide({small, small, small}, 2);
+    const Picture sheet = headless::SideBySide({small, small, small}, 2);
     EXPECT_EQ(sheet.rgb.back(), 61) << "the background's blue";
 }
 
