@@ -67,7 +67,8 @@ const Refusals kCalledWrongly = {
     {"render take -o none.png --time 1 --follow", "--follow is said only with --frames"},
     {"render take -o none.png --time 1 --take walk", "--take is said only with --frames"},
     {"render take -o none.png --time 1 --view below", "--view: \"below\" is not quarter, front"},
-    {"render take -o none.png --time 1 --camera A --view top", "--view and --camera"}};
+    {"render take -o none.png --time 1 --camera A --view top",
+     "--camera and --view do not go together"}};
 
 // What is well said and yet cannot be done. Two of the files may only be read.
 const Refusals kFailing = {
@@ -113,7 +114,7 @@ TEST_F(Command, RefusesInOneLineEachWhatCannotBeDoneAndChangesNoFile) {
               "convert % --save none", "info %", "sample % --times 0:1:1 --csv none",
               "render % --time 0 -o none.png"}) {
             const std::string line = ExpectRefusal(With(words, "%", broken), broken + ": ", 1);
-            const bool saves = std::string_view(words).ends_with("none");
+            const bool saves = std::string_view(words).find(" none") != std::string_view::npos;
             EXPECT_EQ(line.ends_with("; nothing was saved\n"), saves) << line;
         }
     EXPECT_TRUE(ExpectRefusal("open take -o locked", "locked: ", 1)
