@@ -96,6 +96,8 @@ class Labels {
         const ScreenPlace q = OnScreen(view, b);
         const bool takesFirst = below ? p.y > q.y : p.x > q.x;
         const ScreenPlace& at = takesFirst ? p : q;
+        const bool leavesBelow = at.y > view.height - kHalfHeight - 1;
+        if (!below && leavesBelow) return;
         if (std::ranges::any_of(figure_, [&](auto& box) { return box.IsAroundLabelAt(at); }))
             return;
         window_.DrawWord(takesFirst ? ends->first : ends->second, Metres(metres), false);
@@ -108,7 +110,9 @@ class Labels {
 
 }  // namespace
 
-// A line runs away from the viewer along the axis that the view has most of, ahead or upwards.
+// Of lines that run across, none that leaves the picture below has a label, where those of the
+// others stand. A line runs away from the viewer along the axis that the view has most of, ahead or
+// upwards.
 void WriteMetres(const GroundGrid& grid, TimeValue t, DrawWindow& window) {
     const auto& [lower, upper] = std::pair(grid.area.pmin, grid.area.pmax);
     const auto& clip = window.Shown().toClip;
