@@ -332,7 +332,8 @@ void SendMessages(Scene& scene) {
     button.reset();
     scene.world.Core().otherButton = nullptr;
     scene.world.SetOption(TVL::kOptimisedControllers, true);
-    scene.Helper("Hip");
+    // The Core was attached anew meanwhile.
+    scene.world.Adaptor().CreateHelperNode(&scene.rig, "Hip", nullptr, {}, nullptr);
     TVL::Util::Message nobodys(TVL::kButtonPressed, "press");
     adaptor->Receive(&nobodys, false);
     INode& hip = *GetCOREInterface()->GetRootNode()->GetChildNode(0);
