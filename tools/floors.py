@@ -47,7 +47,8 @@ PARTS = [
                              "tvl/adaptor_interface.h", "tvl/ids.h", "tvl/installation.h",
                              "tvl/log.h", "tvl/panel.h"]),
     ("examples/hello_core", None, "", ["tvl"]),
-    ("examples/replay_core", None, "", ["tvl", "replay", "replay_core", "platform/narrow_path.h",
+    ("examples/replay_core", None, "", ["tvl", "replay", "replay_core", "platform/interrupt.h",
+                                          "platform/narrow_path.h",
                                           "platform/progress_line.h", "platform/whole_file.h"]),
 ]
 

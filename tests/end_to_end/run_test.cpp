@@ -188,7 +188,8 @@ TEST_F(Run, TellsWhyACoreIsNotThere) {
         {puppets + "whole/" CORE_FILE, "refused: its routine attach gave null"}};
     Do("draw --sphere 1 -o drawn");
     for (const auto& [core, why] : kAbsent) {
-        for (const char* words : {"run --do new", "open drawn", "render drawn --time 0 -o none.png"}) {
+        for (const char* words :
+             {"run --do new", "open drawn", "render drawn --time 0 -o none.png"}) {
             const Ending ending = Command::Run(words + (" --core " + Quoted(core)));
             EXPECT_EQ(ending.status, 1) << words;
             EXPECT_EQ(ending.out, "") << words;
