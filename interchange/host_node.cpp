@@ -53,7 +53,7 @@ std::vector<TimeValue> KeyTimesOf(std::uint32_t handle) {
             times.push_back(parts[i]->GetKeyTime(key));
     }
     std::ranges::sort(times);
-    times.erase(std::ranges::unique(times).begin(), times.end());
+    times.erase(std::unique(times.begin(), times.end()), times.end());
     return times;
 }
 

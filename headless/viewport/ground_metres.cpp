@@ -114,7 +114,8 @@ class Labels {
 // others stand. A line runs away from the viewer along the axis that the view has most of, ahead or
 // upwards.
 void WriteMetres(const GroundGrid& grid, TimeValue t, DrawWindow& window) {
-    const auto& [lower, upper] = std::pair(grid.area.pmin, grid.area.pmax);
+    const Point3& lower = grid.area.pmin;
+    const Point3& upper = grid.area.pmax;
     const auto& clip = window.Shown().toClip;
     const auto runsAway = [&](std::size_t axis) {
         return std::abs(clip[axis][3]) + std::abs(clip[axis][1]);
