@@ -47,7 +47,7 @@ TEST_F(Command, TakesComeBackWhoeverOpenedAndSavedTheirSceneInBetween) {
         EXPECT_EQ(TakesIn(Ask("open " + scene + " --save " + scene + "2")),
                   "/walk 4 [], walk/01_01 32 [], [] []");
         scene += "2";
-        Do("sample " + scene + " --times 0:22.9249083:0.0083333 --csv sampled");
+        Do("sample " + scene + " --times 0:22.925:0.008333333333333333 --csv sampled");
         EXPECT_TRUE(Read("sampled") == Read(poses)) << "poses differ in " << core;
         poses += "2";
     }

@@ -87,6 +87,17 @@ TEST(ReadMotion, TakesEveryUsualSpellingOfNumbersInAnyLocale) {
                   "step.bvh:19: a number was expected, found '" + word + "'");
 }
 
+TEST(ReadMotion, TakesATimeThatIsCutToAFewDecimalsForTheWholeRateThatItMeans) {
+    const std::pair<const char*, double> times[] = {
+        {"0.0083333", 1.0 / 120}, {"0.008333", 1.0 / 120},
+        {"0.0333333", 1.0 / 30},  {"0.016666", 1.0 / 60},
+        {"0.0416667", 1.0 / 24},  {"0.0333667", 0.0333667},
+        {"0.0137", 0.0137},       {"0.0020005", 0.0020005},
+        {"1e-310", 1e-310},       {"7.5", 7.5}};
+    for (const auto& [written, seconds] : times)
+        EXPECT_EQ(ReadWhole(Replaced("0.25", written)).frameSeconds, seconds) << written;
+}
+
 struct Damage {
     const char* from;
     const char* to;

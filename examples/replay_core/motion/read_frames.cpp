@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 #include <string>
 #include <string_view>
 
@@ -18,12 +19,24 @@ std::optional<ReadError> ReadFrameCount(CaptureText& text, std::size_t& announce
     return std::nullopt;
 }
 
+// A capture of so many whole frames a second, as nearly all are, has their time cut to a few
+// decimals: 0.0083333 means 120. Taken by the letter it would leave each frame beside the tick that
+// it belongs to. Rates of television, such as 29.97, are farther from any whole one.
+double FrameSeconds(double written) {
+    constexpr double kLastDecimal = 1e-6;
+    constexpr double kFastest = 250;  // faster ones lie so close that any time would be near to one
+    const double rate = std::round(1 / written);
+    if (!(rate >= 1 && rate <= kFastest)) return written;
+    return std::abs(written - 1 / rate) < kLastDecimal ? 1 / rate : written;
+}
+
 std::optional<ReadError> ReadFrameTime(CaptureText& text, Motion& motion) {
     if (auto error = text.Expect("Frame")) return error;
     if (auto error = text.Expect("Time")) return error;
     if (auto error = text.Expect(":")) return error;
     if (auto error = text.ExpectNumber(motion.frameSeconds)) return error;
     if (motion.frameSeconds <= 0) return text.Error("the frame time must be more than 0 seconds");
+    motion.frameSeconds = FrameSeconds(motion.frameSeconds);
     if (const std::string_view more = text.NextWordOfLine(); !more.empty()) {
         return text.Unexpected("the end of the line", more);
     }
