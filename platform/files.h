@@ -40,8 +40,9 @@ inline constexpr char kReadOnly[] = "it is read-only";
 PLATFORM_API bool AreSameFile(const std::string& first, const std::string& second);
 
 // The names of what is in a folder, in no order; none of a folder that cannot be read. A name that
-// narrow text cannot spell is left out. Unlike std::filesystem's own, which ends the process then,
-// this throws std::bad_alloc where memory runs out.
+// narrow text cannot spell is as Shown tells it, and no file can be found by it. Unlike
+// std::filesystem's own, which ends the process then, this throws std::bad_alloc where memory runs
+// out.
 PLATFORM_API std::vector<std::string> NamesInFolder(const std::string& folder);
 
 }  // namespace platform

@@ -70,8 +70,7 @@ std::vector<std::string> NamesInFolder(const std::string& folder) {
     if (found == INVALID_HANDLE_VALUE) return names;
     const std::unique_ptr<void, Close> search(found);
     do {
-        std::string name = ToNarrow(std::filesystem::path(entry.cFileName));
-        if (!name.empty()) names.push_back(std::move(name));
+        names.push_back(Shown(std::filesystem::path(entry.cFileName)));
     } while (FindNextFileW(found, &entry));
     return names;
 }
