@@ -37,7 +37,7 @@ namespace variable = replay::variable;
 // All that make up a request.
 constexpr std::array kRequestVariables = {
     variable::kCaptures,     variable::kScale,         variable::kHeight,      variable::kFrom,
-    variable::kTo,           variable::kStart,         variable::kKeepRange,   variable::kOptimised,
+    variable::kTo,           variable::kStart,         variable::kRange,       variable::kOptimised,
     variable::kProgress,     variable::kInterruptible, variable::kMerge,       variable::kSample,
     variable::kSampleNodes,  variable::kInspect,       variable::kInspectTime, variable::kCsv,
     variable::kFollowCamera, variable::kGround,        variable::kGuide,       variable::kTake,

@@ -8,8 +8,7 @@ struct CaptureUnit {
     const char* name;  // of several
 };
 
-// Whether nobody stands that low or high at the start of a capture, in metres. A point has no
-// height to doubt.
+// Whether nobody is that low or high, in metres. A point has no height to doubt.
 bool IsNobodysHeight(double metres);
 
 // The unit in which a figure of so many comes closest to the height of a person.

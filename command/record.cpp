@@ -40,6 +40,12 @@ std::uint32_t FindOrDrawGround(CoreStage& stage) {
     return ground->GetHandle();
 }
 
+// In a new scene there is nothing beside the takes.
+std::string RangeFor(const RecordOptions& options) {
+    if (options.keepsRange) return variable::kRangeStays;
+    return options.into.empty() ? variable::kRangeFits : "";
+}
+
 CoreRequest RequestFor(CoreStage& stage, const RecordOptions& options) {
     CoreRequest request{
         {variable::kCaptures, Lines(options.captures)},
@@ -48,7 +54,7 @@ CoreRequest RequestFor(CoreStage& stage, const RecordOptions& options) {
         {variable::kFrom, options.from},
         {variable::kTo, options.to},
         {variable::kStart, options.start},
-        {variable::kKeepRange, options.keepsRange ? "1" : ""},
+        {variable::kRange, RangeFor(options)},
         {variable::kOptimised, options.optimisedController ? "1" : "0"},
         {variable::kFollowCamera, options.followsWithCamera ? "1" : "0"},
         {variable::kTake, Lines({options.take})},
@@ -117,11 +123,14 @@ void ReportTake(replay::Report report, const RecordOptions& options, RecordResul
     std::ranges::move(report.faults, std::back_inserter(result.complaints));
 }
 
+bool SavesOverScene(const RecordOptions& options) {
+    return !options.into.empty() && platform::AreSameFile(options.scene, options.into);
+}
+
 // A scene with takes in it is not replaced by one in which they are damaged.
 void Save(CoreStage& stage, const RecordOptions& options, RecordResult& result) {
     if (options.scene.empty()) return;
-    if (result.isFaulty && !options.into.empty() &&
-        platform::AreSameFile(options.scene, options.into)) {
+    if (result.isFaulty && SavesOverScene(options)) {
         result.complaints.push_back(options.scene + ": kept as it was before");
         return;
     }
@@ -133,8 +142,8 @@ void Save(CoreStage& stage, const RecordOptions& options, RecordResult& result) 
 // recorded into: that one still has whole takes.
 void SaveStopped(CoreStage& stage, const RecordOptions& options, std::uint64_t before) {
     platform::Interrupt::Meet();
-    const bool isOwn = !options.into.empty() && platform::AreSameFile(options.scene, options.into);
-    if (!options.scene.empty() && !isOwn && SceneDigest() != before) stage.Save(options.scene);
+    if (options.scene.empty() || SavesOverScene(options) || SceneDigest() == before) return;
+    stage.Save(options.scene);
 }
 
 replay::Report AskToRecord(CoreStage& stage, const RecordOptions& options,

@@ -26,7 +26,7 @@ struct RecordOptions {
     bool optimisedController = true;
     double hostUnitsPerMetre = 39.37;
     std::optional<int> frameRate;  // of a new scene
-    bool keepsRange = false;       // of the scene, even where takes reach beyond it
+    bool keepsRange = false;       // of the scene; else it holds the takes
     std::string into;       // the scene to record into, in its own units; empty for a new one
     std::string take;       // the name of the take; empty for the capture's own
     bool replaces = false;  // the takes of these names that are there

@@ -26,14 +26,15 @@ double FurthestMetres(const RecordResult& result) {
     return furthest;
 }
 
-// One that was said is not doubted.
+// Whether it is nobody's at its highest, since somebody may lie in the first frame. One that was
+// said is not doubted.
 bool IsHeightOdd(const RecordResult& result, const replay::CaptureReport& capture) {
-    const double height = capture.figure.heightMetres;
+    const double height = capture.figure.mostHeightMetres;
     return IsNobodysHeight(height) && std::abs(height - result.saidHeight) > result.saidHeight / 2;
 }
 
 double HeightInUnits(const replay::CaptureReport& capture) {
-    return capture.figure.heightMetres / capture.recording.metresPerUnit;
+    return capture.figure.mostHeightMetres / capture.recording.metresPerUnit;
 }
 
 CaptureUnit UnitOf(const replay::CaptureReport& capture) {
@@ -59,15 +60,18 @@ std::string Length(const replay::Recording& recording) {
     return Rounded(static_cast<double>(recording.FrameCount()) * recording.frameSeconds, 2) + " s";
 }
 
+// Rounded up, so that they are by no more than that.
 std::string BetweenTicks(const CaptureResult& capture) {
-    return std::to_string(capture.framesBetweenTicks) + " by " +
-           Rounded(capture.mostBetweenSeconds * 1000, 2) + " ms";
+    if (capture.framesBetweenTicks == 0) return "none";
+    constexpr double kHundredths = 1e5;  // of a millisecond, in a second
+    return std::to_string(capture.framesBetweenTicks) + ", by up to " +
+           Rounded(std::ceil(capture.mostBetweenSeconds * kHundredths) / 100, 2) + " ms";
 }
 
 // A height that no person has is most likely one in another unit.
 void PrintOddHeight(std::ostream& out, const replay::CaptureReport& capture) {
     const CaptureUnit unit = UnitOf(capture);
-    out << "No person is " << Metres(capture.figure.heightMetres) << " high: ";
+    out << "It gets " << Metres(capture.figure.mostHeightMetres) << " high, which nobody is: ";
     if (std::abs(unit.metres / capture.recording.metresPerUnit - 1) < 0.01)
         out << "no usual --scale fits better\n";
     else
@@ -83,8 +87,7 @@ void PrintOnly(std::ostream& out, const RecordResult& result) {
         << ", " << Counted(recording.FrameCount(), "frame") << " (" << Length(recording)
         << " of motion) in " << Rounded(result.recordSeconds, 2) << " s\n";
     out << "Rate: " << Rate(recording) << " frames a second, " << Rounded(result.sceneRate, 2)
-        << " in the scene; between ticks of the host: "
-        << (capture.framesBetweenTicks == 0 ? "none" : BetweenTicks(capture) + " at most")
+        << " in the scene; between ticks of the host: " << BetweenTicks(capture)
         << "\nFigure: " << Metres(report.figure.heightMetres)
         << " high in its first frame, starts at " << Place(report.figure.start) << ", gets up to "
         << Metres(report.figure.furthestMetres) << " away\n";
@@ -101,8 +104,8 @@ void PrintSeveral(std::ostream& out, const RecordResult& result) {
     const auto recorded = std::ranges::count_if(result.captures, &CaptureResult::IsRecorded);
     out << "Recorded " << recorded << " of " << Counted(result.captures.size(), "capture") << " in "
         << Rounded(result.recordSeconds, 2) << " s\n";
-    std::vector<std::vector<std::string>> rows = {{"take", "frames", "length", "a second", "height",
-                                                   "starts at", "gets", "between ticks",
+    std::vector<std::vector<std::string>> rows = {{"take", "frames", "length", "fps", "height",
+                                                   "starts at", "gets away", "between ticks",
                                                    "capture"}};
     for (const CaptureResult& capture : result.captures) {
         if (!capture.IsRecorded()) continue;
@@ -180,6 +183,7 @@ nlohmann::ordered_json JsonOf(const RecordResult& result, const CaptureResult& c
                                      {"mostBetweenTicksSeconds", capture.mostBetweenSeconds},
                                      {"metresPerUnit", recording.metresPerUnit},
                                      {"heightMetres", report.figure.heightMetres},
+                                     {"mostHeightMetres", report.figure.mostHeightMetres},
                                      {"start", report.figure.start},
                                      {"furthestMetres", report.figure.furthestMetres},
                                      {"maxPositionErrorMetres", report.maxPositionErrorMetres}};

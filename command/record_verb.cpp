@@ -40,15 +40,15 @@ void CheckRate(const RecordOptions& options) {
     const int ticks = usual.frameRate * usual.ticksPerFrame;
     CheckRange("--fps", *options.frameRate, {1, ticks});
     if (ticks % *options.frameRate == 0) return;
-    int below = *options.frameRate;
-    while (ticks % below != 0)
-        --below;
-    int above = *options.frameRate;
-    while (ticks % above != 0)
-        ++above;
+    const auto nearest = [&](int step) {
+        int rate = *options.frameRate;
+        while (ticks % rate != 0)
+            rate += step;
+        return std::to_string(rate);
+    };
     Refuse("--fps: a second of the host's has " + std::to_string(ticks) + " ticks, which " +
-           std::to_string(*options.frameRate) + " frames do not share out evenly; " +
-           std::to_string(below) + " and " + std::to_string(above) + " do");
+           std::to_string(*options.frameRate) + " frames do not share out evenly; " + nearest(-1) +
+           " and " + nearest(1) + " do");
 }
 
 void RunRecord(const RecordArguments& arguments) {
@@ -105,8 +105,10 @@ void AddTimes(CLI::App& verb, RecordOptions& options, CLI::Option* into) {
     AddWholeNumber(verb, "--fps", options.frameRate,
                    "Frames in a second of the new scene, which has 30 if not said")
         ->excludes(into);
-    AddSwitch(verb, "--keep-range", options.keepsRange,
-              "Leave the scene's range of time as it is, else it grows until it holds the takes");
+    AddSwitch(
+        verb, "--keep-range", options.keepsRange,
+        "Leave the scene's range of time as it is; else it becomes that of the takes in a new "
+        "scene, and grows until it holds them with --into");
 }
 
 void AddWrittenFiles(CLI::App& verb, RecordOptions& options) {

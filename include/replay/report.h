@@ -66,9 +66,10 @@ struct NodeReport {
 struct CaptureReport {
     // What an animator looks at first: metres, Core space.
     struct Figure {
-        double heightMetres = 0;    // in the first frame that was recorded, with tips of chains
-        NodeReport::Place start{};  // of its first joint in that frame
-        double furthestMetres = 0;  // that this joint gets from there
+        double heightMetres = 0;      // in the first frame that was recorded, with tips of chains
+        double mostHeightMetres = 0;  // in any, as of one who gets up
+        NodeReport::Place start{};    // of its first joint in the first frame
+        double furthestMetres = 0;    // that this joint gets from there
     };
 
     // Of what the take held before, behind the last frame that was recorded now.
@@ -189,6 +190,7 @@ void Describe(Fields& fields, Recording& recording) {
 template <class Fields>
 void Describe(Fields& fields, CaptureReport::Figure& figure) {
     fields("heightMetres", figure.heightMetres);
+    fields("mostHeightMetres", figure.mostHeightMetres);
     fields("start", figure.start);
     fields("furthestMetres", figure.furthestMetres);
 }

@@ -19,40 +19,48 @@ struct Placing {
     double frames;
     double firstSeconds;  // in the scene
     double lastSeconds;
+    double rangeFirst;  // frames of the scene
+    double rangeLast;
     double height = 1;
     double furthest = 3.9;
-    double rangeEnd = 100 / 30.0;  // the host's own
-    double between = 0;            // ticks
-    double likely = kNone;         // metres in a unit
+    double between = 0;     // ticks
+    double likely = kNone;  // metres in a unit
+    double sceneRate = 30;
 };
 
 std::vector<Placing> Placings() {
     const std::string walk = Walk(40);
     const std::string longWalk = Walk(200);
+    const std::string fast = With(Walk(10), "0.05", "0.0083333");
     const std::string uneven = With(Walk(10), "0.05", "0.0137");
-    const double turned = std::cos(7 * std::numbers::pi / 180);  // in frame 7
+    const auto turned = [](double degrees) { return std::cos(degrees * std::numbers::pi / 180); };
     const double cmu = 0.056444;
+    const double lying = 1.75 / turned(80);  // of metres, where 1.75 is the height in frame 80
     return {
-        {walk, "--scale 1", 40, 0, 1.95},
-        {longWalk, "--scale 1", 200, 0, 9.95, 1, 19.9, 299 / 30.0},
-        {longWalk, "--scale 1 --keep-range", 200, 0, 9.95, 1, 19.9},
-        {walk, "--scale 1 --from 7 --to 1.5s", 24, 0.35, 1.5, turned, 2.3},
-        {walk, "--scale 1 --from 0.31s --to 30 --start 10", 24, 10, 11.15, turned, 2.3, 335 / 30.0},
-        {walk, "--scale 1 --to 0 --start 0.5", 1, 0.5, 0.5, 1, 0},
-        {walk, "--scale 1 --start -0.5", 40, -0.5, 1.45},
-        {walk, "--scale 1 --fps 24 --start 10", 40, 10, 11.95, 1, 3.9, 287 / 24.0},
-        {uneven, "--scale 1", 10, 0, 0.1233, 1, 0.9, 100 / 30.0, 9},
-        {walk, "", 40, 0, 1.95, cmu, 3.9 * cmu, 100 / 30.0, 0, 1},
-        {walk, "--scale 3.5", 40, 0, 1.95, 3.5, 3.9 * 3.5, 100 / 30.0, 0, 1},
-        {walk, "--height 1.75 --from 7", 33, 0.35, 1.95, 1.75, 3.2 * 1.75 / turned},
-        {walk, "--height 4", 40, 0, 1.95, 4, 3.9 * 4}};
+        {walk, "--scale 1", 40, 0, 1.95, 0, 59},
+        {longWalk, "--scale 1", 200, 0, 9.95, 0, 299, 1, 19.9},
+        {longWalk, "--scale 1 --keep-range", 200, 0, 9.95, 0, 100, 1, 19.9},
+        {walk, "--scale 1 --from 7 --to 1.5s", 24, 0.35, 1.5, 10, 45, turned(7), 2.3},
+        {walk, "--scale 1 --from 0.31s --to 30 --start 10", 24, 10, 11.15, 300, 335, turned(7),
+         2.3},
+        {walk, "--scale 1 --to 0 --start 0.5", 1, 0.5, 0.5, 15, 16, 1, 0},
+        {walk, "--scale 1 --start -0.5", 40, -0.5, 1.45, -15, 44},
+        {walk, "--scale 1 --fps 24 --start 10", 40, 10, 11.95, 240, 287, 1, 3.9, 0, kNone, 24},
+        {fast, "--scale 1", 10, 0, 0.075, 0, 3, 1, 0.9},
+        {uneven, "--scale 1", 10, 0, 0.1233, 0, 4, 1, 0.9, 9},
+        {walk, "", 40, 0, 1.95, 0, 59, cmu, 3.9 * cmu, 0, 1},
+        {walk, "--scale 3.5", 40, 0, 1.95, 0, 59, 3.5, 3.9 * 3.5, 0, 1},
+        {longWalk, "--scale 1 --from 80", 120, 4, 9.95, 120, 299, turned(80), 11.9},
+        {walk, "--height 1.75 --from 7", 33, 0.35, 1.95, 10, 59, 1.75, 3.2 * 1.75 / turned(7)},
+        {walk, "--height 4", 40, 0, 1.95, 0, 59, 4, 3.9 * 4},
+        {longWalk, "--height 1.75 --from 80", 120, 4, 9.95, 120, 299, 1.75, 11.9 * lying, 0, 1}};
 }
 
 // What the environment says of another part reaches nobody who did not ask for one.
 TEST_F(Command, RecordsThePartThatIsMeantWhereItIsMeantAndSaysSo) {
     namespace variable = replay::variable;
     platform::SetVariable(variable::kTo, "3");
-    platform::SetVariable(variable::kKeepRange, "1");
+    platform::SetVariable(variable::kRange, variable::kRangeStays);
     for (const Placing& placing : Placings()) {
         SCOPED_TRACE(placing.options);
         Write("walk.bvh", placing.capture);
@@ -67,17 +75,17 @@ TEST_F(Command, RecordsThePartThatIsMeantWhereItIsMeantAndSaysSo) {
         expect("furthestMetres", placing.furthest);
         expect("framesBetweenTicks", placing.between);
         expect("likelyMetresPerUnit", placing.likely);
-        EXPECT_NEAR(told["rangeSeconds"][0], std::min(placing.firstSeconds, 0.0), 1e-9);
-        EXPECT_NEAR(told["rangeSeconds"][1], placing.rangeEnd, 1e-9);
+        EXPECT_NEAR(told["rangeSeconds"][0], placing.rangeFirst / placing.sceneRate, 1e-9);
+        EXPECT_NEAR(told["rangeSeconds"][1], placing.rangeLast / placing.sceneRate, 1e-9);
         EXPECT_EQ(Line(told, {"undoSteps", "undoIdentical", "redoIdentical"}), "1 true true");
-        EXPECT_LT(told["maxPositionErrorMetres"], 1e-6);
+        EXPECT_LT(told["maxPositionErrorMetres"], 1e-6 * std::max(1.0, placing.furthest));
         // The poses that the scene has at those times.
         const std::string poses = Read("poses");
         EXPECT_EQ(std::ranges::count(poses, '\n'), 3 * placing.frames + 1);
         const std::string first = poses.substr(poses.find('\n') + 1);
         EXPECT_NEAR(std::stod(first), placing.firstSeconds, 1e-9) << first;
     }
-    for (const char* const name : {variable::kTo, variable::kKeepRange})
+    for (const char* const name : {variable::kTo, variable::kRange})
         platform::SetVariable(name, "");
 }
 
@@ -103,9 +111,12 @@ TEST_F(Command, RecordsAllCapturesOfAFolderOrAPatternThatCanBe) {
     const Ending read = Run("record caps --into all.scene --scale 0.01");
     EXPECT_EQ(read.status, 1);
     for (const char* const part :
-         {"Recorded 2 of 3 captures in ", "  0.01 m (--scale 1?)  ",
+         {"Recorded 2 of 3 captures in ", "  0.01 m (--scale 1?)  ", "  none  ",
           "Not recorded: caps/ab.bvh:", "Nothing was saved: -o FILE saves the scene\n"})
         EXPECT_NE(read.out.find(part), std::string::npos) << read.out;
+    // Of a scene that is there the range only grows.
+    const Json grown = Ask("record caps/a.BVH --into all.scene --scale 1 --start -0.5");
+    EXPECT_EQ(Line(grown, {"rangeSeconds"}), "[-0.5,0.9666666666666667]");
 }
 
 }  // namespace

@@ -189,7 +189,8 @@ TEST_F(Recording, KeepsWhatIsWholeWhereTheUserStopsItAndNothingWhereTheHostDoes)
         EXPECT_NE(lens.front(), lens[std::size_t{2} * 59]) << "the field of view is not animated";
         EXPECT_EQ(host.SaveScene(folder_.File("scene")).error, "");
         std::uint64_t whole = 0;
-        // Acts in the middle or at the start of another recording, and gives why that ended.
+        // Acts in the middle or at the start of another recording, and gives why that ended, and
+        // what a capture behind it that was not begun is told.
         const auto stopBy = [&](const std::function<void()>& act, bool isAtStart = false) {
             EXPECT_EQ(host.OpenScene(folder_.File("scene")).error, "");
             EXPECT_EQ(LensValues(60), lens);
@@ -203,9 +204,9 @@ TEST_F(Recording, KeepsWhatIsWholeWhereTheUserStopsItAndNothingWhereTheHostDoes)
                 watcher.ReplaceReference(0, headless::FindNode("walk_Hip")->GetTMController());
             else
                 watcher.ReplaceReference(0, headless::FindNode("walk_Camera")->GetObjectRef());
-            const std::string error = Press()["error"];
+            Report told = Press();
             watcher.ReplaceReference(0, nullptr);
-            return error;
+            return told["error"] + told["capture.2.error"];
         };
         EXPECT_EQ(stopBy([&] { deleteByHand("bystander"); }), stopped + "21");
         const std::vector<float> kept = LensValues(60);
@@ -229,6 +230,11 @@ TEST_F(Recording, KeepsWhatIsWholeWhereTheUserStopsItAndNothingWhereTheHostDoes)
         EXPECT_EQ(LensValues(60), kept);
         EXPECT_EQ(host.UndoLabels(), std::vector<std::string>{"Record walk"});
         Tell("INTERRUPTIBLE", "");
+
+        const std::string other = folder_.Write("other.bvh", Walk(70));
+        Tell("CAPTURE", folder_.File("walk.bvh") + '\n' + other);
+        EXPECT_EQ(stopBy([&] { deleteByHand("bystander"); }),
+                  stopped + "21" + other + ": not recorded, since " + stopped + "21");
     }
 }
 
@@ -275,8 +281,9 @@ TEST_F(Recording, FindsEveryFaultBeforeItTouchesTheScene) {
              {"SAMPLE", "0:1:-1", "LUMISET_SAMPLE: expected START:END:STEP"},
              {"MERGE", cut, "cut.bvh: the host brought in nothing"},
              {"OPTIMISED", "yes", "LUMISET_OPTIMISED: expected 0 or 1"},
-             {"CAPTURE_TO", "6", "walk.bvh: the capture has only 6 frames"},
-             {"CAPTURE_FROM", "0.3s", "walk.bvh: the capture has only 6 frames"},
+             {"CAPTURE_TO", "6",
+              "walk.bvh: the capture ends with frame 5, at 0.25 s, before frame 6"},
+             {"CAPTURE_FROM", "0.3s", "frame 5, at 0.25 s, before 0.3 s"},
              {"GROUND", "4096", "the host has no node 4096"},
              {"GROUND", lens, "\"Lens\" has no surface to stand on"},
              {"GUIDE", nothing, "\"Nothing\" has no curves to go along"}}) {

@@ -73,6 +73,14 @@ class VariableReader {
         return moment;
     }
 
+    SceneRange ReadRange() {
+        const std::string text = Variable(variable::kRange);
+        if (text == variable::kRangeStays) return SceneRange::kStays;
+        if (text == variable::kRangeFits) return SceneRange::kFits;
+        if (!text.empty()) Refuse(variable::kRange, "stay or fit", text);
+        return SceneRange::kGrows;
+    }
+
     // Nothing if the variable is not set, as for a handle.
     std::optional<bool> ReadTruth(const char* name) {
         const std::string text = Variable(name);
@@ -148,7 +156,7 @@ Request ReadEnvironment() {
     request.heightMetres = reader.ReadMetres(variable::kHeight);
     reader.ReadPart();
     request.startSeconds = reader.ReadSeconds(variable::kStart);
-    request.keepsRange = reader.ReadTruth(variable::kKeepRange).value_or(false);
+    request.range = reader.ReadRange();
     request.take = Variable(variable::kTake);
     request.replaces = reader.ReadTruth(variable::kReplace).value_or(false);
     request.takesCutCaptures = reader.ReadTruth(variable::kPartial).value_or(false);

@@ -8,6 +8,7 @@
 #include "replay/report.h"
 #include "replay_core/motion/capture_part.h"
 #include "replay_core/motion/pose.h"
+#include "replay_core/recorder/host_time.h"
 #include "replay_core/recorder/look.h"
 
 namespace replay {
@@ -34,9 +35,9 @@ struct Request {
     CapturePart part;                    // of each capture
     std::optional<double> startSeconds;  // of the first frame in the scene; as in the capture if
                                          // not said
-    bool keepsRange = false;             // of the scene
-    std::string take;                    // the name of the capture's take; its file's if empty
-    bool replaces = false;               // the takes that are there
+    SceneRange range = SceneRange::kGrows;
+    std::string take;       // the name of the capture's take; its file's if empty
+    bool replaces = false;  // the takes that are there
     bool takesCutCaptures = false;
     std::string csv;     // empty for none
     std::string report;  // empty for none

@@ -170,7 +170,7 @@ void ReplayCore::Record(const Request& request, Report& report) {
     RecordPlan(plan,
                {.ground = scenery.Ground(),
                 .followsWithCamera = request.followsWithCamera,
-                .keepsRange = request.keepsRange,
+                .range = request.range,
                 .showsProgress = request.showsProgress},
                csv.get(), report);
 }
@@ -186,6 +186,8 @@ void ReplayCore::RecordPlan(std::span<const PlannedTake> plan, const RecordSetti
     const std::vector<CaptureReport*> reports = ReportsOf(plan, report);
     for (std::size_t i = 0; i < recorded.takes.size(); ++i)
         Tell(plan[i], recorded.takes[i], *reports[i]);
+    for (std::size_t i = recorded.takes.size(); i < plan.size(); ++i)
+        reports[i]->error = plan[i].recording.capture + ": not recorded, since " + report.error;
     if (!report.error.empty()) {
         adaptor_.SetCurrentTime(before);
         return;

@@ -35,8 +35,9 @@ std::variant<FrameRange, std::string> FramesOf(const CapturePart& part, const Mo
     const double first = part.from ? std::ceil(frames(*part.from) - kRounding) : 0;
     const double last = part.to ? std::floor(frames(*part.to) + kRounding) : count - 1;
     if (first >= count || last >= count)
-        return "the capture has only " + std::to_string(motion.frameCount) + " frames (" +
-               NumberText(motion.frameSeconds) + " s each)";
+        return "the capture ends with frame " + std::to_string(motion.frameCount - 1) + ", at " +
+               NumberText(std::round((count - 1) * motion.frameSeconds * 1e6) / 1e6) +
+               " s, before " + Told(first >= count ? *part.from : *part.to);
     if (first > last) return "no frame lies from " + Told(*part.from) + " to " + Told(*part.to);
     return FrameRange{static_cast<std::size_t>(first), static_cast<std::size_t>(last) + 1};
 }

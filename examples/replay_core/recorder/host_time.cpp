@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace replay {
@@ -10,6 +11,8 @@ namespace {
 // What every host keeps apart, and for how long: milliseconds, for a day.
 constexpr double kShortest = 0.001;
 constexpr double kLongest = 24 * 60 * 60;
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 double HostTime(TVL::AdaptorInterface& adaptor, double seconds) {
     GoTo(adaptor, seconds);
@@ -39,15 +42,20 @@ std::size_t FramesWithoutKey(TVL::AdaptorInterface& adaptor, const Recording& re
     return without;
 }
 
-void HoldInRange(TVL::AdaptorInterface& adaptor, const Recording& recording) {
+void SetRange(TVL::AdaptorInterface& adaptor, std::span<const Recording> recordings,
+              SceneRange range) {
+    if (range == SceneRange::kStays || recordings.empty()) return;
     constexpr double kRounding = 1e-6;  // of a frame
     const double rate = adaptor.GetFrameRate();
-    const double first = std::floor(recording.FirstSeconds() * rate + kRounding) / rate;
-    const double last = std::ceil(recording.LastSeconds() * rate - kRounding) / rate;
-    const std::pair<double, double> range = adaptor.GetAnimationRange();
-    if (range.first <= first && last <= range.second) return;
-    adaptor.SetAnimationRange(
-        {HostSeconds(std::min(range.first, first)), HostSeconds(std::max(range.second, last))});
+    auto [first, last] = range == SceneRange::kGrows ? adaptor.GetAnimationRange()
+                                                     : std::pair(kInfinity, -kInfinity);
+    for (const Recording& recording : recordings) {
+        const double start = std::floor(recording.FirstSeconds() * rate + kRounding) / rate;
+        const double end = std::ceil(recording.LastSeconds() * rate - kRounding) / rate;
+        first = std::min(first, start);
+        last = std::max({last, end, start + 1 / rate});  // a moment is no range
+    }
+    adaptor.SetAnimationRange({HostSeconds(first), HostSeconds(last)});
 }
 
 }  // namespace replay

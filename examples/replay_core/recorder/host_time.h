@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 
 #include "replay/recording.h"
 #include "tvl/adaptor_interface.h"
@@ -15,9 +16,13 @@ void GoTo(TVL::AdaptorInterface& adaptor, double seconds);
 // the host's time goes through the frames.
 std::size_t FramesWithoutKey(TVL::AdaptorInterface& adaptor, const Recording& recording);
 
-// Has the scene's range reach, in whole frames of the host's, over all of the recording. It only
-// grows, so that nothing else falls out of it. To be called in the undo group of the recording,
-// with which the host takes it back.
-void HoldInRange(TVL::AdaptorInterface& adaptor, const Recording& recording);
+// What becomes of the scene's range of time: nothing, or it holds what was recorded, in whole
+// frames of the host's, and either all that it held before or, in a scene that has nothing else, no
+// more than that.
+enum class SceneRange { kStays, kGrows, kFits };
+
+// To be called in the undo group of the recordings, with which the host takes it back.
+void SetRange(TVL::AdaptorInterface& adaptor, std::span<const Recording> recordings,
+              SceneRange range);
 
 }  // namespace replay

@@ -61,8 +61,10 @@ class PoseReader {
     void Measure(std::size_t frame, std::span<const TVL::CMatrix4> pose,
                  CaptureReport::Figure& figure) const {
         const Vector3 place = PlaceOf(pose.front());
+        const double height = HeightOf(motion_, recorded_.recording.metresPerUnit, pose);
         if (frame == recorded_.recording.firstFrame)
-            figure = {HeightOf(motion_, recorded_.recording.metresPerUnit, pose), place};
+            figure = {.heightMetres = height, .start = place};
+        figure.mostHeightMetres = std::max(figure.mostHeightMetres, height);
         figure.furthestMetres =
             std::max(figure.furthestMetres, Length(Difference(place, figure.start)));
     }

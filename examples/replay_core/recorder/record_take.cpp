@@ -196,19 +196,23 @@ RecordedTakes RecordTakes(TVL::AdaptorInterface& adaptor, std::span<const Planne
     for (const PlannedTake& planned : plan)
         if (planned.replaces) planned.take->StartAnew();
     const Running running(state);
+    std::vector<Recording> inScene;
     for (const PlannedTake& planned : plan) {
         RecordedTake& take = recorded.takes.emplace_back();
         recorded.error = RecordTake(adaptor, planned, settings, state, take);
-        const bool isThere = planned.take->IsThere() && take.recording.FrameCount() > 0;
-        if (isThere && !settings.keepsRange) HoldInRange(adaptor, take.recording);
+        if (take.recording.FrameCount() > 0 && planned.take->IsThere())
+            inScene.push_back(take.recording);
         if (!recorded.error.empty()) break;
     }
-    const bool isInterrupted = !recorded.takes.empty() && recorded.takes.back().isInterrupted;
-    const bool hasFrames = std::ranges::any_of(
-        recorded.takes, [](const RecordedTake& take) { return take.recording.FrameCount() > 0; });
-    if (recorded.error.empty() || state.stopRequested || (isInterrupted && hasFrames)) {
+    SetRange(adaptor, inScene, settings.range);
+    const bool isInterrupted = recorded.takes.back().isInterrupted && !inScene.empty();
+    if (recorded.error.empty() || state.stopRequested || isInterrupted) {
+        std::erase_if(recorded.takes,
+                      [](const RecordedTake& take) { return take.recording.FrameCount() == 0; });
         const std::int32_t status = group.Keep();
         if (status != 0) recorded.error = Refused("the undo group could not be ended", status);
+    } else {
+        recorded.takes.clear();
     }
     return recorded;
 }

@@ -7,6 +7,7 @@
 
 #include "replay/recording.h"
 #include "replay_core/motion/motion.h"
+#include "replay_core/recorder/host_time.h"
 #include "replay_core/recorder/meant_poses.h"
 #include "replay_core/recorder/take_camera.h"
 #include "replay_core/recorder/take_nodes.h"
@@ -25,7 +26,7 @@ struct RecordingState {
 struct RecordSettings {
     TVL::CoreNode* ground = nullptr;  // on which feet are held, the caller's; null for none
     bool followsWithCamera = false;   // else a new camera is placed once, and any other stays
-    bool keepsRange = false;          // of the scene; else it grows until it holds the takes
+    SceneRange range = SceneRange::kGrows;
     bool showsProgress = false;
 };
 
@@ -57,7 +58,7 @@ struct RecordedTakes {
     // frame, there are none, and the scene is as it was.
     std::string error;
 
-    std::vector<RecordedTake> takes;  // those that were begun
+    std::vector<RecordedTake> takes;  // with frames in the scene, the first of what was planned
 };
 
 // Records all that is planned, one take after the other, onto their nodes, which are made where
