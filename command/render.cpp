@@ -2,13 +2,19 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <string_view>
+#include <functional>
+#include <limits>
+#include <map>
+#include <tuple>
 #include <utility>
 
 #include "command/chosen_takes.h"
 #include "command/core_space.h"
 #include "command/exit_status.h"
 #include "command/output.h"
+#include "command/written_files.h"
+#include "command/wrong_words.h"
+#include "headless/scene_view.h"
 #include "host/time.h"
 
 namespace headless {
@@ -29,6 +35,18 @@ struct Moment {
     TimeValue t;
 };
 
+std::string NoPictureOf(const RenderOptions& options) {
+    return options.scene + ": no picture: ";
+}
+
+// The library that draws says less of a name that is not there.
+void CheckNames(const RenderOptions& options) {
+    std::vector<std::string> names = options.view.namesAsked;
+    if (!options.view.camera.empty()) names.push_back(options.view.camera);
+    for (const std::string& name : names)
+        if (!FindNode(name)) throw Failure(NoPictureOf(options) + NoNode(name));
+}
+
 std::vector<Moment> OfTake(const FrameRange& frames, const interchange::Take& take) {
     if (frames.first < 0 || static_cast<std::size_t>(frames.last) >= take.frameCount)
         throw Failure("--frames: the take " + Quoted(take.name) + " has the frames 0 to " +
@@ -42,15 +60,18 @@ std::vector<Moment> OfTake(const FrameRange& frames, const interchange::Take& ta
 }
 
 std::vector<Moment> OfScene(const FrameRange& frames) {
+    const int farthest = std::numeric_limits<TimeValue>::max() / GetTicksPerFrame();
+    if (frames.first < -farthest || frames.last > farthest)
+        throw Failure("--frames: the scene's time has the frames -" + std::to_string(farthest) +
+                      " to " + std::to_string(farthest));
     std::vector<Moment> moments;
-    for (std::size_t i = 0; i < frames.Count(); ++i) {
-        const int frame = frames.At(i);
-        moments.push_back({frame, NearestTime(double{1} * frame * GetTicksPerFrame())});
-    }
+    for (std::size_t i = 0; i < frames.Count(); ++i)
+        moments.push_back({frames.At(i), frames.At(i) * GetTicksPerFrame()});
     return moments;
 }
 
 std::vector<Moment> MomentsOf(const RenderOptions& options, CoreStage& stage) {
+    if (options.frames.empty()) return {{0, AtSeconds(options.seconds)}};
     const FrameRange& frames = options.frames.front();
     if (options.take.empty()) return OfScene(frames);
     const auto takes =
@@ -65,7 +86,9 @@ ViewportSettings ViewOf(const RenderOptions& options, const std::vector<Moment>&
     std::vector<TimeValue> times;
     for (const Moment& moment : moments)
         times.push_back(moment.t);
-    view.path = PathThrough(view, std::move(times), options.motion == CameraMotion::kFollows);
+    const bool follows = options.motion == CameraMotion::kFollows;
+    LongWork aiming("Aiming the camera", times.size() * (follows ? 3 : 1));
+    view.path = PathThrough(view, std::move(times), follows, [&] { aiming.Advance(); });
     return view;
 }
 
@@ -75,33 +98,50 @@ std::string SecondsAt(TimeValue t) {
     return text;
 }
 
-void AddMissing(const std::string& ahead, const std::vector<std::string>& names,
-                std::vector<std::string>& complaints) {
-    std::string all;
-    for (const std::string& name : names)
-        all += (all.empty() ? "" : ", ") + InTable(name);
-    if (!all.empty()) complaints.push_back(ahead + all);
-}
+// Names that were asked for and are not in the pictures.
+class MissingNames {
+  public:
+    explicit MissingNames(const RenderOptions& options) : options_(options) {}
 
-// Names that were asked for and are not in the picture; of those that nobody asked for, which have
-// no room.
-void TellMissingNames(const RenderOptions& options, const Picture& picture, TimeValue t,
-                      std::vector<std::string>& complaints) {
-    const std::string at = "at " + SecondsAt(t) + ' ';
-    AddMissing(at + "there is no room for the names of: ", picture.namesWithoutRoom, complaints);
-    std::vector<std::string> outside = picture.namesOutside;
-    std::erase_if(outside, [&](const std::string& name) {
-        return std::ranges::find(options.view.namesAsked, name) == options.view.namesAsked.end();
-    });
-    AddMissing(at + "these are outside of the picture: ", outside, complaints);
-}
+    // Of those that nobody asked for one by one, which have no room.
+    void Add(const Picture& picture, TimeValue t) {
+        for (const std::string& name : picture.namesWithoutRoom)
+            Add("there is no room for the names of: ", name, t);
+        for (const std::string& name : picture.namesOutside)
+            if (std::ranges::count(options_.view.namesAsked, name) > 0)
+                Add("these are outside of the picture: ", name, t);
+    }
 
-Picture PictureAt(const RenderOptions& options, const ViewportSettings& view, TimeValue t,
-                  RenderResult& result) {
-    Picture picture = PictureAt(view, t, options.scene + ": no picture: ");
-    TellMissingNames(options, picture, t, result.complaints);
-    return picture;
-}
+    // A line for all that are missing for one reason from the same moment on, equally often.
+    std::vector<std::string> Told() const {
+        std::map<std::tuple<TimeValue, std::size_t, std::string>, std::string> lines;
+        for (const auto& [what, miss] : misses_) {
+            std::string& names = lines[{miss.first, miss.pictures, what.first}];
+            names += (names.empty() ? "" : ", ") + InTable(what.second);
+        }
+        std::vector<std::string> told;
+        for (const auto& [miss, names] : lines) {
+            const auto& [first, pictures, why] = miss;
+            const std::string more =
+                pictures > 1 ? "and in " + Counted(pictures - 1, "further picture") + ' ' : "";
+            told.push_back("at " + SecondsAt(first) + ' ' + more + why + names);
+        }
+        return told;
+    }
+
+  private:
+    struct Miss {
+        TimeValue first;
+        std::size_t pictures = 0;
+    };
+
+    void Add(const std::string& why, const std::string& name, TimeValue t) {
+        ++misses_.try_emplace({why, name}, Miss{t}).first->second.pictures;
+    }
+
+    const RenderOptions& options_;
+    std::map<std::pair<std::string, std::string>, Miss> misses_;
+};
 
 void Write(const Picture& picture, const std::string& file, RenderResult& result) {
     SavePicture(picture, file);
@@ -110,41 +150,62 @@ void Write(const Picture& picture, const std::string& file, RenderResult& result
     result.height = picture.height;
 }
 
+struct SheetSize {
+    std::size_t columns;
+    std::size_t width;  // pixels
+    std::size_t height;
+};
+
 // Throws before anything is drawn.
-void CheckSheet(const RenderOptions& options, std::size_t count) {
+SheetSize SizeOfSheet(const RenderOptions& options, std::size_t count) {
     const auto columns = std::min(static_cast<std::size_t>(options.sheetColumns), count);
     const auto rows = (count + columns - 1) / columns;
-    const auto across = columns * static_cast<std::size_t>(options.view.width);
-    const auto down = rows * static_cast<std::size_t>(options.view.height);
-    if (std::max(across, down) > kLargestSheet)
+    const SheetSize size{columns, columns * static_cast<std::size_t>(options.view.width),
+                         rows * static_cast<std::size_t>(options.view.height)};
+    if (std::max(size.width, size.height) > kLargestSheet)
         Refuse("--sheet: " + std::to_string(count) + " pictures make a sheet of " +
-               std::to_string(across) + "x" + std::to_string(down) +
+               std::to_string(size.width) + "x" + std::to_string(size.height) +
                " pixels, of which it can have 16,384 each way");
+    return size;
+}
+
+// Draws one moment after the other, as long work.
+void DrawEach(const RenderOptions& options, const std::vector<Moment>& moments,
+              ViewportSettings view, RenderResult& result,
+              const std::function<void(const Picture&, std::size_t)>& take) {
+    MissingNames missing(options);
+    LongWork drawing("Drawing", moments.size(), "picture");
+    for (std::size_t i = 0; i < moments.size(); ++i) {
+        const auto& [frame, t] = moments[i];
+        if (options.sheetColumns > 0)
+            view.caption = "frame " + std::to_string(frame) + ", " + SecondsAt(t);
+        const Picture picture = PictureAt(view, t, NoPictureOf(options));
+        missing.Add(picture, t);
+        take(picture, i);
+        drawing.Advance();
+    }
+    result.complaints = missing.Told();
 }
 
 // On a sheet each picture says which moment it is, as a file does by its name.
 void RenderSheet(const RenderOptions& options, const std::vector<Moment>& moments,
-                 RenderResult& result) {
-    ViewportSettings view = ViewOf(options, moments);
-    LongWork drawing("Drawing", moments.size(), "picture");
-    std::vector<Picture> pictures;
-    for (const auto& [frame, t] : moments) {
-        view.caption = "frame " + std::to_string(frame) + ", " + SecondsAt(t);
-        pictures.push_back(PictureAt(options, view, t, result));
-        drawing.Advance();
-    }
-    Write(SideBySide(pictures, options.sheetColumns), options.file, result);
+                 const ViewportSettings& view, RenderResult& result) {
+    const SheetSize size = SizeOfSheet(options, moments.size());
+    Picture sheet = EmptySheet(static_cast<int>(size.width), static_cast<int>(size.height));
+    DrawEach(options, moments, view, result, [&](const Picture& picture, std::size_t i) {
+        PutOnSheet(picture, static_cast<int>(i % size.columns) * picture.width,
+                   static_cast<int>(i / size.columns) * picture.height, sheet);
+    });
+    Write(sheet, options.file, result);
 }
 
-void RenderSequence(const RenderOptions& options, const std::vector<Moment>& moments,
-                    RenderResult& result) {
-    const ViewportSettings view = ViewOf(options, moments);
-    LongWork drawing("Drawing", moments.size(), "picture");
-    for (const auto& [frame, t] : moments) {
-        const std::string file = WithFrame(options.file, frame);
-        Write(PictureAt(options, view, t, result), file, result);
-        drawing.Advance();
-    }
+void RenderFiles(const RenderOptions& options, const std::vector<Moment>& moments,
+                 const ViewportSettings& view, RenderResult& result) {
+    DrawEach(options, moments, view, result, [&](const Picture& picture, std::size_t i) {
+        const bool isNumbered = !options.frames.empty();
+        Write(picture, isNumbered ? WithFrame(options.file, moments[i].frame) : options.file,
+              result);
+    });
 }
 
 }  // namespace
@@ -179,27 +240,15 @@ std::size_t FramePlaces(const std::string& file) {
     return places;
 }
 
-bool EndsAsPicture(const std::string& file) {
-    const std::string_view ending = kPictureEnding;
-    return file.size() >= ending.size() &&
-           std::ranges::equal(file.substr(file.size() - ending.size()), ending, [](char a, char b) {
-               return (a >= 'A' && a <= 'Z' ? a - 'A' + 'a' : a) == b;
-           });
-}
-
 RenderResult Render(const RenderOptions& options) {
-    if (options.sheetColumns > 0 && !options.frames.empty())
-        CheckSheet(options, options.frames.front().Count());
+    if (options.sheetColumns > 0) SizeOfSheet(options, options.frames.front().Count());
     CoreStage stage(options.guests);
     stage.Open(options.scene);
+    CheckNames(options);
     RenderResult result;
-    if (options.frames.empty()) {
-        const TimeValue t = AtSeconds(options.seconds);
-        Write(PictureAt(options, options.view, t, result), options.file, result);
-    } else {
-        const std::vector<Moment> moments = MomentsOf(options, stage);
-        (options.sheetColumns > 0 ? RenderSheet : RenderSequence)(options, moments, result);
-    }
+    const std::vector<Moment> moments = MomentsOf(options, stage);
+    (options.sheetColumns > 0 ? RenderSheet : RenderFiles)(options, moments,
+                                                           ViewOf(options, moments), result);
     for (const std::string& complaint : stage.TakeNewsInOne().complaints)
         result.complaints.push_back(complaint);
     return result;

@@ -23,8 +23,7 @@ struct FrameRange {
 inline constexpr char kFramePlace[] = "%04d";
 std::size_t FramePlaces(const std::string& file);
 
-inline constexpr char kPictureEnding[] = ".png";  // in letters of any case
-bool EndsAsPicture(const std::string& file);
+inline constexpr char kPictureEnding[] = ".png";
 
 // What the viewport's own camera does from one frame to the next.
 enum class CameraMotion {

@@ -11,6 +11,7 @@
 #include "command/render.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
+#include "command/written_files.h"
 
 namespace headless {
 namespace {
@@ -47,9 +48,7 @@ void ReadSize(const std::string& text, ViewportSettings& view) {
 }
 
 void CheckFile(const RenderOptions& options) {
-    if (!EndsAsPicture(options.file))
-        Refuse(std::string(kOutput) + ": " + options.file + " does not end in " + kPictureEnding +
-               ", the kind of file that is written");
+    NeedEnding({kOutput, options.file}, {kPictureEnding});
     KeepApart({{"SCENE", options.scene}}, {{kOutput, options.file}});
     if (options.frames.empty() || options.sheetColumns > 0) return;
     const std::size_t places = FramePlaces(options.file);
@@ -106,8 +105,8 @@ void AddCameras(CLI::App& verb, const std::shared_ptr<RenderArguments>& argument
                 "Look through this camera; else by one that holds all that shows in any of the "
                 "frames, for which neither cameras nor a flat ground count");
     AddRead(verb, "--view", "SIDE",
-            "From where to look: front (along the Core's -Z), side (along -X), top (down, -Z "
-            "upwards in the picture), or quarter, from the front, aside and above",
+            "From where to look: front (from the Core's +Z), side (from its +X), top (from above, "
+            "with -Z upwards in the picture), or quarter, from the front, aside and above",
             [arguments](auto& text) { arguments->options.view.side = ReadSide(text); })
         ->default_str("quarter")
         ->excludes(camera);

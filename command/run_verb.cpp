@@ -4,6 +4,7 @@
 
 #include "command/exit_status.h"
 #include "command/output.h"
+#include "command/render.h"
 #include "command/run.h"
 #include "command/verb_options.h"
 #include "command/verb_texts.h"
@@ -34,7 +35,10 @@ void CheckFiles(const RunArguments& arguments, const std::vector<Step>& steps) {
         if (!isDrawn && step.kind->file != StepFile::kSaved) continue;
         const std::vector<NamedFile> written = {{step.title, step.File()}};
         KeepApart(kept, written);
-        if (isDrawn) KeepApart(scenes, written);
+        if (isDrawn) {
+            KeepApart(scenes, written);
+            NeedEnding(written.front(), {kPictureEnding});
+        }
         ExpectFile(step.File());
     }
 }

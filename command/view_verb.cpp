@@ -1,5 +1,4 @@
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <filesystem>
 #include <iomanip>
 #include <iostream>
@@ -12,6 +11,7 @@
 #include "command/output.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
+#include "command/written_files.h"
 #include "interchange/page.h"
 #include "platform/narrow_path.h"
 #include "platform/process.h"
@@ -79,14 +79,6 @@ std::string Viewer() {
     return TextOfFile(path);
 }
 
-void CheckEnding(const std::string& file) {
-    std::string ending = platform::FromNarrow(file).extension().string();
-    std::ranges::transform(ending, ending.begin(),
-                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    if (ending != ".html" && ending != ".htm")
-        Refuse(std::string(kOutput) + ": " + file + " does not end in .html or .htm");
-}
-
 // What a page holds is UTF-8.
 void TurnNames(interchange::Take& take) {
     take.name = Utf8(take.name);
@@ -108,7 +100,7 @@ void Write(const ViewArguments& arguments, const std::string& viewer, ChosenTake
 }
 
 void RunView(const ViewArguments& arguments) {
-    CheckEnding(arguments.file);
+    NeedEnding({kOutput, arguments.file}, {".html", ".htm"});
     CheckTakeChoice(arguments.takes);
     KeepApart({{"SCENE", arguments.scene}}, {{kOutput, arguments.file}});
     ExpectFile(arguments.file);

@@ -53,6 +53,19 @@ void KeepApart(const std::vector<NamedFile>& kept, const std::vector<NamedFile>&
     }
 }
 
+void NeedEnding(const NamedFile& written, const std::vector<std::string>& endings) {
+    std::string small = written.path;
+    std::ranges::transform(small, small.begin(), [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    });
+    std::string all;
+    for (const std::string& ending : endings) {
+        if (small.ends_with(ending)) return;
+        all += (all.empty() ? "" : " or ") + ending;
+    }
+    Refuse(written.option + ": " + written.path + " does not end in " + all);
+}
+
 void KeepFromBooked(const NamedFile& written) {
     for (const BookedFile& file : Book())
         KeepApart(written, {"another option", file.path});

@@ -39,9 +39,11 @@ std::string TellNearest(std::string_view word, const std::vector<std::string>& c
     std::size_t least = kLongestWord;
     for (const std::string& candidate : candidates) {
         const bool isBegun = candidate.starts_with(word);
-        const std::size_t distance = isBegun ? 1 : Distance(word, candidate);
+        const bool isEnded = candidate.ends_with(word);
+        const std::size_t distance = isBegun ? 1 : isEnded ? 2 : Distance(word, candidate);
         if (distance >= least) continue;
-        if (!isBegun && distance * 3 > std::max(word.size(), candidate.size())) continue;
+        if (!isBegun && !isEnded && distance * 3 > std::max(word.size(), candidate.size()))
+            continue;
         least = distance;
         nearest = &candidate;
     }

@@ -24,8 +24,9 @@ Failure NoVerb(const CLI::App& program, const std::string& word);
 Failure WrongWords(const CLI::App& program, const CLI::ParseError& error);
 
 // How a message ends that says of a word that it is none: "; render is the nearest". Most likely
-// meant was a candidate that begins with it, or one that differs from it in a third of its letters
-// at most, where two letters that changed places differ once. Nothing if there is none.
+// meant was a candidate that begins with it, one that ends in it, as joints do behind the name of
+// their take, or one that differs from it in a third of its letters at most, where two letters that
+// changed places differ once. Nothing if there is none.
 std::string TellNearest(std::string_view word, const std::vector<std::string>& candidates);
 
 // The one node of that name. Throws a Failure where there is none, or several.

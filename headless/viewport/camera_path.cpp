@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <map>
 #include <set>
 #include <utility>
@@ -18,37 +17,49 @@ namespace {
 constexpr double kCalmSeconds = 0.3;
 
 using Boxes = std::vector<ShownBox>;
+using Handles = std::set<std::uint32_t>;
+using Times = std::vector<TimeValue>;
 
-std::set<std::uint32_t> Moving(const std::vector<Boxes>& moments) {
+// The boxes of a long take have no room beside each other, so that it is gone through again for
+// each question.
+Handles Moving(const Times& times, const EachTime& each) {
     std::map<std::uint32_t, Box3> first;
-    std::set<std::uint32_t> moving;
-    for (const Boxes& boxes : moments)
-        for (const auto& [handle, box] : boxes) {
+    Handles moving;
+    for (const TimeValue t : times) {
+        for (const auto& [handle, box] : FramedBoxes(t)) {
             const Box3& was = first.emplace(handle, box).first->second;
             if (was.pmin != box.pmin || was.pmax != box.pmax) moving.insert(handle);
         }
+        each();
+    }
     return moving;
 }
 
 // A follower's picture is about what moves, if anything does.
-void KeepMoving(std::vector<Boxes>& moments) {
-    const std::set<std::uint32_t> moving = Moving(moments);
+void Keep(const Handles& moving, Boxes& boxes) {
     if (moving.empty()) return;
-    for (Boxes& boxes : moments)
-        std::erase_if(boxes, [&](const ShownBox& shown) { return !moving.contains(shown.handle); });
+    std::erase_if(boxes, [&](const ShownBox& shown) { return !moving.contains(shown.handle); });
 }
 
-Vector MiddleOf(const Boxes& boxes) {
-    Box3 all;
-    for (const ShownBox& shown : boxes)
-        Grow(all, shown.box);
-    if (all.IsEmpty()) return {};
-    return (Vector(all.pmin) + Vector(all.pmax)) * 0.5;
+// While nothing is there, the middle stays where it was.
+std::vector<Vector> Middles(const Times& times, const Handles& moving, const EachTime& each) {
+    std::vector<Vector> middles;
+    Vector middle;
+    for (const TimeValue t : times) {
+        Boxes boxes = FramedBoxes(t);
+        Keep(moving, boxes);
+        Box3 all;
+        for (const ShownBox& shown : boxes)
+            Grow(all, shown.box);
+        if (!all.IsEmpty()) middle = (Vector(all.pmin) + Vector(all.pmax)) * 0.5;
+        middles.push_back(middle);
+        each();
+    }
+    return middles;
 }
 
 // Each the mean of those around it, which count the less the longer they are away.
-std::vector<Vector> Calmed(const std::vector<Vector>& middles,
-                           const std::vector<TimeValue>& times) {
+std::vector<Vector> Calmed(const std::vector<Vector>& middles, const Times& times) {
     const double calm = kCalmSeconds * GetTicksPerFrame() * GetFrameRate();
     std::vector<Vector> calmed;
     std::size_t first = 0;
@@ -69,41 +80,38 @@ std::vector<Vector> Calmed(const std::vector<Vector>& middles,
     return calmed;
 }
 
-std::vector<Vector> CornersSeenFrom(const Vector& middle, const Boxes& boxes) {
-    std::vector<Vector> points;
+void AddCorners(const Boxes& boxes, const Vector& seenFrom, std::vector<Vector>& points) {
     for (const ShownBox& shown : boxes)
         for (const Vector& corner : Corners(shown.box))
-            points.push_back(corner - middle);
-    return points;
+            points.push_back(corner - seenFrom);
 }
 
 }  // namespace
 
-CameraPath PathThrough(const ViewportSettings& settings, std::vector<TimeValue> times,
-                       bool follows) {
+CameraPath PathThrough(const ViewportSettings& settings, std::vector<TimeValue> times, bool follows,
+                       const EachTime& each) {
     if (times.empty() || !HasPictureSize(settings)) return {};
     std::ranges::sort(times);
     times.erase(std::unique(times.begin(), times.end()), times.end());
     CameraPath path{.times = std::move(times), .places = {}, .framed = {}};
-    std::vector<Boxes> moments;
-    for (const TimeValue t : path.times)
-        for (const ShownBox& shown : moments.emplace_back(FramedBoxes(t)))
-            Grow(path.framed, shown.box);
-
+    Handles moving;
     std::vector<Vector> middles{{}};  // of what each picture is about; a camera that stands has one
     if (follows) {
-        KeepMoving(moments);
-        middles.clear();
-        std::ranges::transform(moments, std::back_inserter(middles), MiddleOf);
-        middles = Calmed(middles, path.times);
+        moving = Moving(path.times, each);
+        middles = Calmed(Middles(path.times, moving, each), path.times);
     }
     const Pose turned = PoseFrom(settings.side);
     const CameraOpening opening = OwnOpening(settings);
     std::vector<Vector> outermost;
-    for (std::size_t i = 0; i < moments.size(); ++i)
-        std::ranges::copy(
-            Outermost(turned, opening, CornersSeenFrom(middles[follows ? i : 0], moments[i])),
-            std::back_inserter(outermost));
+    for (std::size_t i = 0; i < path.times.size(); ++i) {
+        Boxes boxes = FramedBoxes(path.times[i]);
+        for (const ShownBox& shown : boxes)
+            Grow(path.framed, shown.box);
+        Keep(moving, boxes);
+        AddCorners(boxes, middles[follows ? i : 0], outermost);
+        outermost = Outermost(turned, opening, outermost);
+        each();
+    }
     const Vector behind = PlaceToSee(turned, opening, std::move(outermost));
     for (const Vector& middle : middles)
         path.places.push_back(Narrow(middle + behind));

@@ -56,16 +56,10 @@ const PixelModule& ThePixelModule() {
 
 constexpr std::size_t kChannels = 3;
 
-std::size_t RowBytes(const Picture& picture) {
-    return static_cast<std::size_t>(picture.width) * kChannels;
-}
-
-// `picture` lies inside `onto`.
-void Paste(const Picture& picture, std::size_t left, std::size_t top, Picture& onto) {
-    const std::size_t row = RowBytes(picture);
-    for (std::size_t y = 0; y < static_cast<std::size_t>(picture.height); ++y)
-        std::copy_n(&picture.rgb[y * row], row,
-                    &onto.rgb[(top + y) * RowBytes(onto) + left * kChannels]);
+std::size_t ByteAt(const Picture& picture, int left, int top) {
+    return (static_cast<std::size_t>(top) * static_cast<std::size_t>(picture.width) +
+            static_cast<std::size_t>(left)) *
+           kChannels;
 }
 
 }  // namespace
@@ -79,23 +73,20 @@ std::string DrawPicture(const ViewportSettings& settings, TimeValue t, Picture& 
     return error;
 }
 
-Picture SideBySide(const std::vector<Picture>& pictures, int columns) {
-    if (pictures.empty()) return {};
-    const auto across = std::min(static_cast<std::size_t>(columns), pictures.size());
-    const std::size_t down = (pictures.size() + across - 1) / across;
-    const Picture& first = pictures.front();
-    Picture sheet{.width = first.width * static_cast<int>(across),
-                  .height = first.height * static_cast<int>(down),
-                  .rgb = {}};
+Picture EmptySheet(int width, int height) {
+    Picture sheet{.width = width, .height = height, .rgb = {}};
+    sheet.rgb.resize(ByteAt(sheet, 0, height));
     const std::array background{Byte(kBackground.red), Byte(kBackground.green),
                                 Byte(kBackground.blue)};
-    sheet.rgb.reserve(RowBytes(sheet) * static_cast<std::size_t>(sheet.height));
-    while (sheet.rgb.size() < RowBytes(sheet) * static_cast<std::size_t>(sheet.height))
-        sheet.rgb.insert(sheet.rgb.end(), background.begin(), background.end());
-    for (std::size_t i = 0; i < pictures.size(); ++i)
-        Paste(pictures[i], i % across * static_cast<std::size_t>(first.width),
-              i / across * static_cast<std::size_t>(first.height), sheet);
+    for (std::size_t at = 0; at < sheet.rgb.size(); at += kChannels)
+        std::ranges::copy(background, &sheet.rgb[at]);
     return sheet;
+}
+
+void PutOnSheet(const Picture& picture, int left, int top, Picture& sheet) {
+    for (int y = 0; y < picture.height; ++y)
+        std::copy_n(&picture.rgb[ByteAt(picture, 0, y)], ByteAt(picture, picture.width, 0),
+                    &sheet.rgb[ByteAt(sheet, left, top + y)]);
 }
 
 std::string WritePng(const Picture& picture, const std::string& path) {

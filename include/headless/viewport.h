@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -40,15 +41,18 @@ struct ViewportSettings {
     bool isWireframe = false;
     bool showsNames = false;                // of all nodes that are drawn
     std::vector<std::string> namesAsked{};  // also of nodes that are not drawn
-    bool showsGrid = true;                  // its lines say metres: the Core's X and Z
+    bool showsGrid = true;                  // its lines say metres of the Core's X or Z
     bool showsCameras = false;
     std::string caption{};  // in the upper left corner
 };
 
 // A camera that holds all that shows at these times: one that stands still, or one that keeps
-// direction and distance and whose middle goes along with what moves.
-HEADLESS_API CameraPath PathThrough(const ViewportSettings& settings, std::vector<TimeValue> times,
-                                    bool follows);
+// direction and distance and whose middle goes along with what moves. `each` is told of each time
+// that was looked at, of one that a follower goes along three times, and may throw.
+using EachTime = std::function<void()>;
+HEADLESS_API CameraPath PathThrough(
+    const ViewportSettings& settings, std::vector<TimeValue> times, bool follows,
+    const EachTime& each = [] {});
 
 // What is written in a picture, and where: pixels, the last ones not included.
 struct PictureWord {
@@ -84,9 +88,10 @@ HEADLESS_API DrawList DrawNode(std::uint32_t handle, TimeValue t);
 // The scene as pixels. The result is empty, or says in one line why there is no picture.
 HEADLESS_API std::string DrawPicture(const ViewportSettings& settings, TimeValue t, Picture& into);
 
-// Pictures of one size side by side, row by row; `columns` is at least 1. What is left over has the
-// colour of the background. Their words stay behind.
-HEADLESS_API Picture SideBySide(const std::vector<Picture>& pictures, int columns);
+// Pictures of one size side by side: nothing but background at first, and then what is put there.
+// Words of a picture that is put there stay behind. The place lies in the sheet.
+HEADLESS_API Picture EmptySheet(int width, int height);
+HEADLESS_API void PutOnSheet(const Picture& picture, int left, int top, Picture& sheet);
 
 // As a PNG file, which is complete or untouched. The result is empty, or says what went wrong.
 HEADLESS_API std::string WritePng(const Picture& picture, const std::string& path);

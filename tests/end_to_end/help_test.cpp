@@ -77,6 +77,7 @@ TEST_F(Help, CompletesVerbsOptionsValuesAndFilesInBash) {
         "    (IFS=,; echo \"${COMPREPLY[*]-}\"); }\n"
         "complete_line ren\n"
         "complete_line record --sc\n"
+        "complete_line render --fo\n"
         "complete_line record wal\n"
         "complete_line record 'two '\n"
         "complete_line open x --save = wal\n"
@@ -97,7 +98,7 @@ TEST_F(Help, CompletesVerbsOptionsValuesAndFilesInBash) {
                                              .folder = folder_.Path()});
     EXPECT_TRUE(status == 0 && Read("error").empty()) << Read("error");
     EXPECT_EQ(Read("out"),
-              "render\n--scene,--scale\nwalk.bvh\ntwo words.bvh\nwalk.bvh\n"
+              "render\n--scene,--scale\n--follow\nwalk.bvh\ntwo words.bvh\nwalk.bvh\n"
               "\nmerge\n\nexpect\nprint\n--operation\nwalk.bvh\nprint\n\nstrict\n");
 }
 

@@ -32,6 +32,14 @@ TEST_F(Render, DrawsAScenesSameBytesAtEachRunAndFromASavedCopy) {
     EXPECT_TRUE(Read("taken.PNG") == Read("timed.png")) << "a frame of the capture lasts 0.05 s";
     ExpectRefusal("render take --take walk --frames 3:5:1 -o x%04d.png", "--frames: the take", 1);
 
+    EXPECT_EQ(Do("render take --frames 0:2:1 --sheet 3 --size 16x16 --name walk_Hip -o sheet.png"),
+              "Complaint: at 0.00 s and in 2 further pictures there is no room for the names of: "
+              "walk_Hip\nSaved as sheet.png: a picture of 48x16 pixels\n");
+    EXPECT_TRUE(PictureOf("take --camera walk_Camera --names") != bytes);
+    EXPECT_TRUE(Do("render take --time 0 --camera walk_Camera --name walk_Camera -o a.png")
+                    .starts_with("Complaint: at 0.00 s these are outside of the picture: "
+                                 "walk_Camera\nSaved as a.png"));
+
     std::filesystem::create_directory(File("at0009.png"));
     EXPECT_TRUE(
         ExpectRefusal("render take --frames 7:9:1 --size 64x48 -o at%04d.png", "at0009.png: ", 1)
@@ -40,9 +48,12 @@ TEST_F(Render, DrawsAScenesSameBytesAtEachRunAndFromASavedCopy) {
     Do("merge take take --by-host --save twice");
     ExpectRefusal("render take -o none.png --frames 0:9999:1 --sheet 2", "--sheet: 10000 pictures",
                   2);
+    ExpectRefusal("render take -o at%04d.png --frames 0:2000000000:1000", "--frames: the scene's",
+                  1);
     for (const auto& [words, why] :
          {std::pair("take --camera Nobody", "take: no picture: no node is called \"Nobody\""),
-          {"take --name Nobody", "take: no picture: no node is called \"Nobody\""},
+          {"take --name Hip",
+           "take: no picture: no node is called \"Hip\"; walk_Hip is the nearest"},
           {"take --camera walk_Hip", "take: no picture: the node \"walk_Hip\" is no camera"},
           {"twice --camera walk_Camera", "twice: no picture: 2 cameras are called"}})
         ExpectRefusal(std::string("render --time 1 -o none.png ") + words, why, 1);

@@ -155,6 +155,7 @@ TEST_F(Run, RefusesEachStepThatCannotBeReadAndDoesNone) {
         {"move A 1,2", "\"1,2\" is not a place X,Y,Z in metres"},
         {"undo -1", "\"-1\" is not a whole number"},
         {"render ./kept", "./kept is the file of "},
+        {"render new.jpg", "new.jpg does not end in .png"},
         {"save script", "script is the file of --script too"}};
     Do("draw --sphere 1 -o kept");
     for (const auto& [step, why] : kUnreadable) {
