@@ -6,7 +6,10 @@
 namespace headless {
 namespace {
 
-constexpr double kMostSteps = 12;  // across
+// Across.
+constexpr int kFewestSteps = 4;
+constexpr int kMostSteps = 12;
+constexpr int kPixelsForOne = 40;
 
 // Around what pictures are about: a part of its extent, and at least so much.
 constexpr double kMargin = 0.2;
@@ -15,10 +18,12 @@ constexpr double kLeastMarginInMetres = 1;
 constexpr Colour kLine{0.29F, 0.31F, 0.34F};
 constexpr Colour kAxis{0.42F, 0.44F, 0.48F};
 
-// The smallest step of the row that covers the span with few enough lines.
-double StepFor(double span) {
+// The smallest step of the row that covers the span with few enough lines. Far from the origin the
+// margins can be lost in rounding.
+double StepFor(double span, int width) {
     const double metre = UnitsPerMetre();
-    const double least = span / kMostSteps / metre;
+    const int steps = std::clamp(width / kPixelsForOne, kFewestSteps, kMostSteps);
+    const double least = std::max(span / metre, kLeastMarginInMetres) / steps;
     const double decade = std::pow(10, std::floor(std::log10(least)));
     for (const double step : {1.0, 2.0, 5.0})
         if (step * decade >= least) return step * decade * metre;
@@ -43,7 +48,7 @@ void SetLineColour(DrawWindow& window, const Colour& colour) {
 
 }  // namespace
 
-GroundGrid GridBelow(const Box3& framed) {
+GroundGrid GridBelow(const Box3& framed, int width) {
     Box3 all = framed;
     if (all.IsEmpty()) all += Point3();
     const double margin = std::max({kMargin * (double{all.pmax.x} - double{all.pmin.x}),
@@ -51,7 +56,7 @@ GroundGrid GridBelow(const Box3& framed) {
                                     kLeastMarginInMetres * UnitsPerMetre()});
     const double lowerX = double{all.pmin.x} - margin, upperX = double{all.pmax.x} + margin;
     const double lowerY = double{all.pmin.y} - margin, upperY = double{all.pmax.y} + margin;
-    const double step = StepFor(std::max(upperX - lowerX, upperY - lowerY));
+    const double step = StepFor(std::max(upperX - lowerX, upperY - lowerY), width);
     return {step, Box3({Snapped(lowerX, step, Floor), Snapped(lowerY, step, Floor), 0},
                        {Snapped(upperX, step, Ceil), Snapped(upperY, step, Ceil), 0})};
 }

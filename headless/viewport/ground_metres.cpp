@@ -9,6 +9,7 @@
 
 #include "headless/drawing/view.h"
 #include "headless/viewport/ground_grid.h"
+#include "headless/viewport/pixel_module.h"
 #include "headless/viewport/shown_nodes.h"
 
 namespace headless {
@@ -17,8 +18,16 @@ namespace {
 constexpr Colour kMetres{0.62F, 0.65F, 0.7F};
 
 // Around the middle of a label, in pixels.
-constexpr double kHalfWidth = 22;
-constexpr double kHalfHeight = 9;
+struct Half {
+    double width = 27;
+    double height = 9;
+
+    explicit Half(const View& view) {
+        const int size = LetterSize(view.width, view.height);
+        width *= size;
+        height *= size;
+    }
+};
 
 struct ScreenBox {
     double left = 1e9;
@@ -26,9 +35,9 @@ struct ScreenBox {
     double right = -1e9;
     double bottom = -1e9;
 
-    bool IsAroundLabelAt(const ScreenPlace& p) const {
-        return p.x > left - kHalfWidth && p.x < right + kHalfWidth && p.y > top - kHalfHeight &&
-               p.y < bottom + kHalfHeight;
+    bool Meets(const ScreenPlace& label, const Half& half) const {
+        return label.x > left - half.width && label.x < right + half.width &&
+               label.y > top - half.height && label.y < bottom + half.height;
     }
 };
 
@@ -50,8 +59,9 @@ std::optional<ScreenBox> OnScreen(const View& view, const Box3& box) {
 // The ends of what shows of a line, if that is within a rim that a label needs.
 std::optional<std::pair<Point3, Point3>> EndsInPicture(const View& view, const Point3& from,
                                                        const Point3& to) {
-    const double wide = 1 - 2 * kHalfWidth / view.width;
-    const double high = 1 - 2 * kHalfHeight / view.height;
+    const Half half(view);
+    const double wide = 1 - 2 * half.width / view.width;
+    const double high = 1 - 2 * half.height / view.height;
     const auto rooms = [&](const Point3& p) {
         const ClipPlace clip = ToClip(view, p);
         return std::array{clip.w * wide - clip.x, clip.w * wide + clip.x, clip.w * high - clip.y,
@@ -72,10 +82,20 @@ std::optional<std::pair<Point3, Point3>> EndsInPicture(const View& view, const P
     return std::pair(Narrow(Vector(from) + along * first), Narrow(Vector(from) + along * last));
 }
 
-std::string Metres(double hostUnits) {
+std::string Metres(char axis, double hostUnits) {
     char text[32];
-    std::snprintf(text, sizeof text, "%.6g m", hostUnits / UnitsPerMetre());
+    std::snprintf(text, sizeof text, "%c %.6g m", axis, hostUnits / UnitsPerMetre());
     return text;
+}
+
+// Where lines of the grid lie, from the origin on.
+std::vector<double> Outwards(double step, float lower, float upper) {
+    std::vector<double> places;
+    for (long long i = std::llround(double{lower} / step); i <= std::llround(double{upper} / step);
+         ++i)
+        places.push_back(static_cast<double>(i) * step);
+    std::ranges::stable_sort(places, {}, [](double place) { return std::abs(place); });
+    return places;
 }
 
 class Labels {
@@ -85,7 +105,7 @@ class Labels {
             if (const auto box = OnScreen(window.Shown(), shown.box)) figure_.push_back(*box);
     }
 
-    void Write(const Point3& from, const Point3& to, bool below, double metres) {
+    void Write(const Point3& from, const Point3& to, bool below, const std::string& metres) {
         const View& view = window_.Shown();
         const auto ends = EndsInPicture(view, from, to);
         if (!ends) return;
@@ -96,11 +116,11 @@ class Labels {
         const ScreenPlace q = OnScreen(view, b);
         const bool takesFirst = below ? p.y > q.y : p.x > q.x;
         const ScreenPlace& at = takesFirst ? p : q;
-        const bool leavesBelow = at.y > view.height - kHalfHeight - 1;
+        const Half half(view);
+        const bool leavesBelow = at.y > view.height - half.height - 1;
         if (!below && leavesBelow) return;
-        if (std::ranges::any_of(figure_, [&](auto& box) { return box.IsAroundLabelAt(at); }))
-            return;
-        window_.DrawWord(takesFirst ? ends->first : ends->second, Metres(metres), false);
+        if (std::ranges::any_of(figure_, [&](auto& box) { return box.Meets(at, half); })) return;
+        window_.DrawWord(takesFirst ? ends->first : ends->second, metres, false);
     }
 
   private:
@@ -123,19 +143,14 @@ void WriteMetres(const GroundGrid& grid, TimeValue t, DrawWindow& window) {
     const bool yRunsAway = runsAway(1) > runsAway(0);
     window.setColor(LINE_COLOR, kMetres.red, kMetres.green, kMetres.blue);
     Labels labels(t, window);
-    const auto each = [&](float from, float to, auto write) {
-        for (long long i = std::llround(double{from} / grid.step);
-             i <= std::llround(double{to} / grid.step); ++i)
-            write(static_cast<double>(i) * grid.step);
-    };
-    each(lower.x, upper.x, [&](double at) {
+    for (const double at : Outwards(grid.step, lower.x, upper.x)) {
         const auto x = static_cast<float>(at);
-        labels.Write({x, lower.y, 0}, {x, upper.y, 0}, yRunsAway, at);
-    });
-    each(lower.y, upper.y, [&](double at) {
+        labels.Write({x, lower.y, 0}, {x, upper.y, 0}, yRunsAway, Metres('x', at));
+    }
+    for (const double at : Outwards(grid.step, lower.y, upper.y)) {
         const auto y = static_cast<float>(at);
-        labels.Write({lower.x, y, 0}, {upper.x, y, 0}, !yRunsAway, at == 0 ? 0 : -at);
-    });
+        labels.Write({lower.x, y, 0}, {upper.x, y, 0}, !yRunsAway, Metres('z', at == 0 ? 0 : -at));
+    }
 }
 
 }  // namespace headless

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -17,6 +18,12 @@ inline constexpr Colour kBackground{0.19F, 0.21F, 0.24F};
 
 inline std::uint8_t Byte(float channel) {
     return static_cast<std::uint8_t>(channel * 255 + 0.5F);
+}
+
+// How many pixels each pixel of a letter takes: more in a picture of many lines.
+inline int LetterSize(int width, int height) {
+    constexpr int kPixelsForLarger = 1000;
+    return 1 + std::min(width, height) / kPixelsForLarger;
 }
 
 inline constexpr char kViewportModule[] = "headless_viewport";

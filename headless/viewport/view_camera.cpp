@@ -125,7 +125,8 @@ AimedView ThroughCamera(const ViewportSettings& settings, TimeValue t) {
     const CameraOpening opening = OpeningOf(angle, camera->GetFOVType(), Aspect(settings));
     AimedView aimed;
     aimed.grid = GridBelow(settings.path.times.empty() ? PathThrough(settings, {t}, false).framed
-                                                       : settings.path.framed);
+                                                       : settings.path.framed,
+                           settings.width);
     aimed.view = ViewFrom(pose, opening, DepthsFrom(pose, aimed.grid, t), settings);
     aimed.camera = node;
     return aimed;
@@ -140,7 +141,7 @@ AimedView FromOwnCamera(const ViewportSettings& settings, TimeValue t) {
     Pose pose = PoseFrom(settings.side);
     pose.place = PlaceOn(settings.path, t);
     AimedView aimed;
-    aimed.grid = GridBelow(settings.path.framed);
+    aimed.grid = GridBelow(settings.path.framed, settings.width);
     aimed.view = ViewFrom(pose, OwnOpening(settings), DepthsFrom(pose, aimed.grid, t), settings);
     return aimed;
 }

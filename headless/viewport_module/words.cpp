@@ -1,12 +1,11 @@
 #include "headless/viewport_module/words.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstdlib>
 #include <optional>
 #include <utility>
 #include <vector>
 
+#include "headless/viewport/pixel_module.h"
 #include "headless/viewport_module/letters.h"
 #include "headless/viewport_module/word_layout.h"
 
@@ -14,11 +13,9 @@ namespace headless {
 namespace {
 
 constexpr Colour kCaption{0.85F, 0.86F, 0.84F};
-constexpr int kCaptionCorner = 6;       // pixels from the upper left
-constexpr int kPixelsForLarger = 1000;  // letters are larger by one step for each of so many lines
+constexpr int kCaptionCorner = 6;  // pixels from the upper left
 constexpr int kRimWidth = 1;
-constexpr int kLongestWithoutLine = 10;  // pixels
-constexpr float kLineShare = 0.55F;      // how much of its colour shows
+constexpr float kLineShare = 0.55F;  // how much of its colour shows
 constexpr std::size_t kMostLetters = 4096;
 
 struct Word {
@@ -70,20 +67,21 @@ Layout LayOutNames(const std::vector<Word>& names, int size, WordLayout room) {
     return layout;
 }
 
-void AddIfFree(const Word& word, Layout& layout) {
-    const int width = FrameWidth(word.text->text, 1);
+void AddIfFree(const Word& word, int size, Layout& layout) {
+    const int width = FrameWidth(word.text->text, size);
+    const int height = FrameHeight(size);
     const int left = word.place.x - width / 2;
-    const int top = word.place.y - FrameHeight(1) / 2;
-    const Frame frame{left, top, left + width, top + FrameHeight(1)};
-    if (layout.room.Take(frame)) layout.standing.push_back({word, frame, 1});
+    const int top = word.place.y - height / 2;
+    const Frame frame{left, top, left + width, top + height};
+    if (layout.room.Take(frame)) layout.standing.push_back({word, frame, size});
 }
 
 void DrawLine(const Standing& standing, Picture& onto) {
     const IPoint2& place = standing.word.place;
-    const IPoint2 end = NearestIn(standing.frame, place);
-    if (std::hypot(end.x - place.x, end.y - place.y) <= kLongestWithoutLine) return;
-    for (const IPoint2& at : PixelsOf(place, end))
-        Dot(onto, at.x, at.y, standing.word.text->colour, kLineShare);
+    const LeadingLine line = LineTo(standing.frame, place);
+    if (line.count == 0) return;
+    for (int i = 0; i < line.count; ++i)
+        Dot(onto, line.Pixel(i).x, line.Pixel(i).y, standing.word.text->colour, kLineShare);
     for (const int x : {-1, 0, 1})
         for (const int y : {-1, 0, 1})
             Dot(onto, place.x + x, place.y + y, standing.word.text->colour);
@@ -96,20 +94,21 @@ void Write(std::string_view text, const Frame& frame, int size, const Colour& co
 }
 
 // What of the caption goes into the picture.
-void WriteCaption(const std::string& caption, WordLayout& room, Picture& onto) {
+void WriteCaption(const std::string& caption, int size, WordLayout& room, Picture& onto) {
     if (caption.empty()) return;
-    const Frame frame{kCaptionCorner, kCaptionCorner,
-                      std::min(kCaptionCorner + FrameWidth(caption, 1), onto.width),
-                      std::min(kCaptionCorner + FrameHeight(1), onto.height)};
+    const int corner = kCaptionCorner * size;
+    const Frame frame{corner, corner, std::min(corner + FrameWidth(caption, size), onto.width),
+                      std::min(corner + FrameHeight(size), onto.height)};
     room.Take(frame);
-    Write(caption, frame, 1, kCaption, onto);
+    Write(caption, frame, size, kCaption, onto);
 }
 
 }  // namespace
 
 void DrawWords(const DrawList& list, const View& view, Picture& onto) {
+    const int size = LetterSize(onto.width, onto.height);
     WordLayout room(onto.width, onto.height);
-    WriteCaption(list.caption, room, onto);
+    WriteCaption(list.caption, size, room, onto);
     std::vector<Word> names;
     std::vector<Word> others;
     for (const DrawText& text : list.texts) {
@@ -118,12 +117,13 @@ void DrawWords(const DrawList& list, const View& view, Picture& onto) {
         else if (text.isName)
             onto.namesOutside.push_back(text.text);
     }
-    int size = 1 + std::min(onto.width, onto.height) / kPixelsForLarger;
+    for (const Word& name : names)
+        room.Spare(name.place);
     Layout layout = LayOutNames(names, size, room);
-    while (!layout.withoutRoom.empty() && size > 1)
-        layout = LayOutNames(names, --size, room);
+    for (int smaller = size - 1; !layout.withoutRoom.empty() && smaller > 0; --smaller)
+        layout = LayOutNames(names, smaller, room);
     for (const Word& word : others)
-        AddIfFree(word, layout);
+        AddIfFree(word, size, layout);
     for (const Standing& standing : layout.standing)
         if (standing.word.text->isName) DrawLine(standing, onto);
     for (const Standing& standing : layout.standing)

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <numbers>
 #include <set>
 
@@ -33,16 +34,20 @@ class PicturesTest : public HostWorld {
         return picture;
     }
 
-    // Where the dot's name begins at each moment, from the middle of the picture.
-    std::vector<IPoint2> WaysFromMiddle() const {
-        std::vector<IPoint2> ways;
+    // The pixel of a node, by where its name stands if no other name does.
+    IPoint2 PlaceOf(const std::string& name, TimeValue t) {
+        settings.namesAsked = {name};
+        for (const headless::PictureWord& word : At(t).words)
+            if (word.text == name) return {word.left - 5, (word.top + word.bottom) / 2};
+        ADD_FAILURE() << name << " is not there";
+        return {};
+    }
+
+    std::vector<IPoint2> PlacesOfDot() {
+        std::vector<IPoint2> places;
         for (const TimeValue t : times)
-            for (const headless::PictureWord& word : At(t).words)
-                if (word.text == "dot")
-                    ways.push_back({word.left - settings.width / 2,
-                                    (word.top + word.bottom) / 2 - settings.height / 2});
-        EXPECT_EQ(ways.size(), times.size());
-        return ways;
+            places.push_back(PlaceOf("dot", t));
+        return places;
     }
 
     Times times;
@@ -51,17 +56,41 @@ class PicturesTest : public HostWorld {
 };
 
 TEST_F(PicturesTest, OneCameraHoldsTheWholeMotionAndAFollowerKeepsItInTheMiddle) {
+    settings.width = 320;
+    settings.height = 180;
     for (const ViewSide side :
          {ViewSide::kQuarter, ViewSide::kFront, ViewSide::kSide, ViewSide::kTop}) {
         settings.side = side;
         settings.path = PathThrough(settings, times, false);
         std::set<std::pair<int, int>> places;
-        for (const IPoint2& way : WaysFromMiddle())
-            places.insert({way.x / 4, way.y / 4});
+        for (const IPoint2& at : PlacesOfDot()) {
+            EXPECT_TRUE(at.x >= 10 && at.x < 310 && at.y >= 10 && at.y < 170)
+                << at.x << ' ' << at.y;
+            places.insert({at.x / 2, at.y / 2});
+        }
         EXPECT_GE(places.size(), side == ViewSide::kQuarter || side == ViewSide::kTop ? 8U : 5U);
         settings.path = PathThrough(settings, times, true);
-        for (const IPoint2& way : WaysFromMiddle())
-            EXPECT_TRUE(std::abs(way.x) < 20 && std::abs(way.y) < 20) << way.x << ' ' << way.y;
+        for (const IPoint2& at : PlacesOfDot())
+            EXPECT_TRUE(std::abs(at.x - 160) <= 1 && std::abs(at.y - 90) <= 1)
+                << at.x << ' ' << at.y;
+    }
+}
+
+TEST_F(PicturesTest, AFollowerGoesAlongWithWhatMovesAndDoesNotShakeWithIt) {
+    Place(Add("rest"), {Units(9), 0, 0});
+    AnimateOn();
+    times.clear();
+    for (int i = 0; i <= 60; ++i) {
+        times.push_back(i * 480);
+        Place(dot, {Units(0.1 * i), Units(i % 2 ? 0.5 : -0.5), 0}, times.back());
+    }
+    AnimateOff();
+    const headless::CameraPath path = PathThrough(settings, times, true);
+    EXPECT_EQ(path.places.size(), times.size());
+    for (std::size_t i = 11; i + 11 < path.places.size(); ++i) {
+        const Point3 step = path.places[i] - path.places[i - 1];
+        EXPECT_NEAR(step.x, Units(0.1), Units(0.01));
+        EXPECT_NEAR(step.y, 0, Units(0.05));
     }
 }
 
@@ -74,9 +103,17 @@ TEST_F(PicturesTest, TheGridReachesUnderEveryMomentAndSaysMetres) {
     EXPECT_TRUE(lines.pmin.x <= Units(-1) && lines.pmax.x >= Units(1));
     EXPECT_TRUE(lines.pmin.y <= Units(-1) && lines.pmax.y >= Units(1));
     std::set<std::string> metres;
-    for (const headless::DrawText& text : list.texts)
-        if (!text.isName) metres.insert(text.text);
-    EXPECT_TRUE(metres.contains("1 m") && metres.contains("-1 m") && metres.contains("0 m"));
+    for (const headless::DrawText& text : list.texts) {
+        if (text.isName) continue;
+        metres.insert(text.text);
+        const float place = text.text.front() == 'x' ? text.place.x : -text.place.y;
+        EXPECT_NEAR(std::stof(text.text.substr(2)), place / Units(1), 0.001) << text.text;
+    }
+    for (const char* const label : {"x 1 m", "x -1 m", "x 0 m", "z -1 m"})
+        EXPECT_TRUE(metres.contains(label)) << label;
+    settings.width = 160;
+    const headless::DrawList narrow = headless::DrawScene(settings, 0).list;
+    EXPECT_LT(narrow.batches.front().vertices.size(), list.batches.front().vertices.size());
 }
 
 TEST_F(PicturesTest, CamerasAreDrawnAndHitIfTheyAreAskedFor) {
@@ -113,8 +150,49 @@ TEST_F(PicturesTest, EachNameThatHasRoomIsThereAndNoneCoversAnother) {
     settings.width = settings.height = 64;
     const Picture small = At(0);
     EXPECT_FALSE(small.namesWithoutRoom.empty());
-    const Picture sheet = headless::SideBySide({small, small, small}, 2);
-    EXPECT_EQ(sheet.rgb.back(), 61) << "the background's blue";
+    Picture sheet = headless::EmptySheet(128, 64);
+    PutOnSheet(small, 64, 0, sheet);
+    EXPECT_EQ(sheet.rgb.front(), 48) << "the background's red";
+    for (std::size_t row = 0; row < 64; ++row)
+        EXPECT_TRUE(std::equal(&small.rgb[row * 192], &small.rgb[row * 192] + 192,
+                               &sheet.rgb[row * 384 + 192]));
+}
+
+TEST_F(PicturesTest, NoNameCoversAPlaceThatIsNamedAndALineLeadsToOneThatIsFar) {
+    std::vector<std::string> names{"dot"};
+    for (int i = 0; i < 8; ++i) {
+        names.push_back("a joint of many " + std::to_string(i));
+        Place(Add(names.back().c_str()), {Units(-0.05 * i), 0, Units(1 - 0.04 * (i % 3))});
+    }
+    settings.side = ViewSide::kFront;
+    settings.width = 640;
+    settings.height = 360;
+    settings.path = PathThrough(settings, times, false);
+    std::map<std::string, IPoint2> places;
+    for (const std::string& name : names)
+        places[name] = PlaceOf(name, 0);
+    settings.namesAsked = names;
+    const Picture picture = At(0);
+    int far = 0;
+    for (const auto& [text, left, top, right, bottom] : picture.words) {
+        for (const auto& [name, at] : places)
+            EXPECT_FALSE(at.x >= left && at.x < right && at.y >= top && at.y < bottom)
+                << text << " covers " << name;
+        if (!places.contains(text)) continue;
+        const IPoint2 at = places[text];
+        const int x = std::clamp(at.x, left, right - 1) - at.x;
+        const int y = std::clamp(at.y, top, bottom - 1) - at.y;
+        if (std::hypot(x, y) <= 12) continue;
+        ++far;
+        const double length = std::max(std::abs(x), std::abs(y));
+        for (const double i : {0.0, std::floor(length / 4), std::floor(length / 2)}) {
+            const auto pixel = (at.y + std::lround(i / length * y)) * settings.width + at.x +
+                               std::lround(i / length * x);
+            EXPECT_GE(picture.rgb[static_cast<std::size_t>(pixel * 3)], 130)
+                << text << " at " << i << " of " << length;
+        }
+    }
+    EXPECT_GT(far, 0);
 }
 
 }  // namespace
