@@ -16,17 +16,6 @@ namespace {
 constexpr double kMostFramesPerSecond = 4800;
 constexpr double kLongestFrame = 1e6;  // seconds
 
-std::string NamesOf(const std::vector<interchange::Take>& takes) {
-    std::string names;
-    for (const interchange::Take& take : takes)
-        names += (names.empty() ? "" : ", ") + Quoted(take.name);
-    return names;
-}
-
-bool IsChosen(const TakeChoice& choice, const std::string& name) {
-    return choice.names.empty() || std::ranges::find(choice.names, name) != choice.names.end();
-}
-
 }  // namespace
 
 void AddTakeChoice(CLI::App& verb, TakeChoice& choice) {
@@ -46,19 +35,29 @@ ChosenTake::ChosenTake(interchange::Take recorded, double framesPerSecond)
       poses(asRecorded),
       take(framesPerSecond > 0 ? asRecorded.Resampled(1 / framesPerSecond) : asRecorded) {}
 
+std::string NamesOf(const ChosenTakes& takes) {
+    std::string names;
+    for (const std::unique_ptr<ChosenTake>& chosen : takes)
+        names += (names.empty() ? "" : ", ") + Quoted(chosen->take.name);
+    return names;
+}
+
 ChosenTakes TakesOfStage(CoreStage& stage, const std::string& scene, const TakeChoice& choice) {
-    std::vector<interchange::Take> all = interchange::TakesOf(
-        stage.HasReplayCore() ? stage.AskCore({}).takes : std::vector<replay::TakeReport>());
-    if (all.empty()) throw Failure(scene + ": there is no take in it, and no node has keys");
+    ChosenTakes takes;
+    for (interchange::Take& take : interchange::TakesOf(
+             stage.HasReplayCore() ? stage.AskCore({}).takes : std::vector<replay::TakeReport>()))
+        takes.push_back(std::make_unique<ChosenTake>(std::move(take), choice.framesPerSecond));
+    if (takes.empty())
+        throw Failure(scene + ": there is no take in it, and no node has more than one key");
     for (const std::string& name : choice.names)
-        if (std::ranges::find(all, name, &interchange::Take::name) == all.end())
+        if (std::ranges::none_of(takes, [&](const auto& one) { return one->take.name == name; }))
             throw Failure(scene + ": there is no take " + Quoted(name) + " in it, but " +
-                          NamesOf(all));
-    ChosenTakes chosen;
-    for (interchange::Take& take : all)
-        if (IsChosen(choice, take.name))
-            chosen.push_back(std::make_unique<ChosenTake>(std::move(take), choice.framesPerSecond));
-    return chosen;
+                          NamesOf(takes));
+    std::erase_if(takes, [&](const auto& one) {
+        return !choice.names.empty() &&
+               std::ranges::find(choice.names, one->take.name) == choice.names.end();
+    });
+    return takes;
 }
 
 void SaveTakes(const std::string& file, ChosenTakes& chosen, const TakesWork& work) {

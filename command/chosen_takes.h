@@ -40,6 +40,8 @@ struct ChosenTake {
 
 using ChosenTakes = std::vector<std::unique_ptr<ChosenTake>>;
 
+std::string NamesOf(const ChosenTakes& takes);
+
 // Of the scene that is open on the stage. Throws a Failure if there is none, or none of a name that
 // was chosen.
 ChosenTakes TakesOfStage(CoreStage& stage, const std::string& scene, const TakeChoice& choice);

@@ -1,7 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
-#include <iomanip>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -36,48 +35,38 @@ struct ExportArguments {
     CLI::Option* order = nullptr;
 };
 
-// A kind of file, known by the ending of its name.
-struct Format {
-    std::string_view ending;  // in small letters
-    bool hasOneTake;
-    bool isBvh;          // its units and its order of turns can be chosen
-    std::size_t passes;  // how often `write` tells that a frame is done
-
-    // Whether it has room for anything of the take.
-    bool (*holds)(const interchange::Take& take);
-
-    // Gives a Loss for each take. The stream's own state tells whether it could be written.
-    std::vector<Loss> (*write)(const std::vector<MovingTake>& takes, const BvhChoice& choice,
-                               std::ostream& out, const FrameDone& done);
-};
-
-bool HasJoints(const interchange::Take& take) {
-    return !interchange::JointsOf(take).empty();
-}
-
-bool HasNodes(const interchange::Take& take) {
-    return !take.nodes.empty();
-}
-
-std::vector<Loss> WriteAsBvh(const std::vector<MovingTake>& takes, const BvhChoice& choice,
+std::vector<Loss> WriteAsBvh(const std::vector<MovingTake>& takes, const ExportArguments& arguments,
                              std::ostream& out, const FrameDone& done) {
     const MovingTake& only = takes.front();
-    return {interchange::WriteBvh(*only.take, *only.poses, choice, out, done)};
+    return {interchange::WriteBvh(*only.take, *only.poses, arguments.bvh, out, done)};
 }
 
 template <GltfForm form>
-std::vector<Loss> WriteAsGltf(const std::vector<MovingTake>& takes, const BvhChoice&,
-                              std::ostream& out, const FrameDone& done) {
+std::vector<Loss> WriteAsGltf(const std::vector<MovingTake>& takes,
+                              const ExportArguments& arguments, std::ostream& out,
+                              const FrameDone& done) {
     std::vector<Loss> losses;
     const std::string error = interchange::WriteGltf(takes, form, out, done, losses);
-    if (!error.empty()) throw Failure(error);
+    if (!error.empty()) throw Failure(arguments.file + ": " + error);
     return losses;
 }
 
+// A kind of file, known by the ending of its name.
+struct Format {
+    std::string_view ending;  // in small letters
+    bool isBvh;               // it holds one take, in units and an order of turns to be chosen
+    std::size_t passes;       // how often `write` tells that a frame is done
+
+    // Gives a Loss for each take. The stream's own state tells whether it could be written.
+    std::vector<Loss> (*write)(const std::vector<MovingTake>& takes,
+                               const ExportArguments& arguments, std::ostream& out,
+                               const FrameDone& done);
+};
+
 constexpr std::array kFormats = {
-    Format{".bvh", true, true, interchange::kBvhPasses, &HasJoints, &WriteAsBvh},
-    Format{".glb", false, false, 1, &HasNodes, &WriteAsGltf<GltfForm::kBinary>},
-    Format{".gltf", false, false, 1, &HasNodes, &WriteAsGltf<GltfForm::kText>},
+    Format{".bvh", true, interchange::kBvhPasses, &WriteAsBvh},
+    Format{".glb", false, 1, &WriteAsGltf<GltfForm::kBinary>},
+    Format{".gltf", false, 1, &WriteAsGltf<GltfForm::kText>},
 };
 
 std::string Endings() {
@@ -118,17 +107,16 @@ double SecondsOf(const interchange::Take& take) {
 
 void PrintForPerson(std::ostream& out, const ExportResult& result) {
     constexpr double kMillimetres = 1000;
+    constexpr double kSeenMetres = 1e-7;
     constexpr std::size_t kMostLosses = 8;  // that a person reads through
     for (const auto& [take, loss] : result.takes) {
         out << "Take " << InTable(take->name) << ": " << Counted(take->nodes.size(), "node") << ", "
-            << Counted(take->frameCount, "frame") << " of " << Plain(take->frameSeconds) << " s ("
-            << std::fixed << std::setprecision(2) << SecondsOf(*take) << " s, from "
-            << take->startSeconds << " s on)\n";
-        if (loss.metres > 0)
-            out << "Furthest from where it was: " << std::setprecision(4)
-                << loss.metres * kMillimetres << " mm (" << InTable(loss.node) << " at "
-                << std::setprecision(2) << loss.seconds << " s)\n";
-        out << std::defaultfloat;
+            << Counted(take->frameCount, "frame") << " at " << 1 / take->frameSeconds
+            << " a second (" << Rounded(SecondsOf(*take), 2) << " s, from "
+            << Rounded(take->startSeconds, 3) << " s on)\n";
+        if (loss.metres >= kSeenMetres)
+            out << "Furthest from where it was: " << Rounded(loss.metres * kMillimetres, 4)
+                << " mm (" << InTable(loss.node) << " at " << Rounded(loss.seconds, 3) << " s)\n";
         for (std::size_t i = 0; i < std::min(loss.words.size(), kMostLosses); ++i)
             out << "Not in the file: " << InTable(loss.words[i]) << '\n';
         if (loss.words.size() > kMostLosses)
@@ -158,25 +146,16 @@ void PrintForProgram(std::ostream& out, const ExportResult& result) {
                     {"saved", result.saved}});
 }
 
-std::string NamesOf(const ChosenTakes& takes) {
-    std::string names;
-    for (const std::unique_ptr<ChosenTake>& chosen : takes)
-        names += (names.empty() ? "" : ", ") + Quoted(chosen->take.name);
-    return names;
-}
-
-// Those of the takes that go into the file.
-ChosenTakes TakesFor(const Format& format, const ExportArguments& arguments, ChosenTakes takes) {
-    const std::string kind = std::string(format.ending) + " file";
+// Of the takes the one that has joints.
+void LeaveOneForBvh(const std::string& scene, ChosenTakes& takes) {
     const std::string names = NamesOf(takes);
-    std::erase_if(takes, [&](const auto& chosen) { return !format.holds(chosen->take); });
+    std::erase_if(takes,
+                  [](const auto& chosen) { return interchange::JointsOf(chosen->take).empty(); });
     if (takes.empty())
-        throw Failure(arguments.scene + ": in " + names + " nothing moves that a " + kind +
-                      " has room for");
-    if (format.hasOneTake && takes.size() > 1)
-        Refuse(arguments.scene + ": of several takes (" + NamesOf(takes) + ") a " + kind +
-               " holds one, which --take names");
-    return takes;
+        throw Failure(scene + ": in " + names + " nothing moves that a .bvh file has room for");
+    if (takes.size() > 1)
+        Refuse(scene + ": of several takes (" + NamesOf(takes) +
+               ") a .bvh file holds one, which --take names");
 }
 
 std::vector<Loss> Write(const Format& format, const ExportArguments& arguments,
@@ -184,10 +163,16 @@ std::vector<Loss> Write(const Format& format, const ExportArguments& arguments,
     std::vector<Loss> losses;
     const auto write = [&](const std::vector<MovingTake>& takes, std::ostream& out,
                            const FrameDone& done) {
-        losses = format.write(takes, arguments.bvh, out, done);
+        losses = format.write(takes, arguments, out, done);
     };
     SaveTakes(arguments.file, chosen, {"Exporting", format.passes, write});
     return losses;
+}
+
+// With other units the numbers of a file would be too long, or none.
+void CheckUnit(double metres) {
+    if (metres < 1e-6 || metres > 1e6)
+        Refuse("--scale: " + Plain(metres) + " is not from 0.000001 to 1,000,000");
 }
 
 void RunExport(const ExportArguments& arguments) {
@@ -197,13 +182,14 @@ void RunExport(const ExportArguments& arguments) {
             if (option->count() > 0)
                 Refuse(option->get_name() + " says nothing of a " + std::string(format.ending) +
                        " file");
+    CheckUnit(arguments.bvh.metresPerUnit);
     CheckTakeChoice(arguments.takes);
     KeepApart({{"SCENE", arguments.scene}}, {{kOutput, arguments.file}});
     ExpectFile(arguments.file);
     CoreStage stage(arguments.guests);
     stage.Open(arguments.scene);
-    ChosenTakes chosen =
-        TakesFor(format, arguments, TakesOfStage(stage, arguments.scene, arguments.takes));
+    ChosenTakes chosen = TakesOfStage(stage, arguments.scene, arguments.takes);
+    if (format.isBvh) LeaveOneForBvh(arguments.scene, chosen);
     const std::vector<Loss> losses = Write(format, arguments, chosen);
     ExportResult result{.scene = arguments.scene, .takes{}, .complaints{}, .saved = arguments.file};
     for (std::size_t i = 0; i < chosen.size(); ++i)

@@ -88,7 +88,11 @@ std::string Plain(double number) {
 std::string Rounded(double number, int decimals) {
     const double unit = std::pow(10.0, decimals);
     const double rounded = std::round(number * unit) / unit;
-    return Plain(rounded == 0 ? 0 : rounded);
+    std::array<char, 400> text;  // for any number
+    char* const end = text.data() + text.size();
+    return {
+        text.data(),
+        std::to_chars(text.data(), end, rounded == 0 ? 0 : rounded, std::chars_format::fixed).ptr};
 }
 
 void PrintTable(std::ostream& out, const std::vector<std::vector<std::string>>& rows) {

@@ -39,19 +39,6 @@ double LengthOf(const Place& place) {
     return std::hypot(place[0], place[1], place[2]);
 }
 
-double DistanceOf(const TVL::CMatrix4& a, const TVL::CMatrix4& b) {
-    return std::hypot(a[3][0] - b[3][0], a[3][1] - b[3][1], a[3][2] - b[3][2]);
-}
-
-// The rotation of a unit quaternion x, y, z, w.
-TVL::CMatrix4 RotationOf(const std::array<double, 4>& q) {
-    const auto [x, y, z, w] = q;
-    return {{{1 - 2 * (y * y + z * z), 2 * (x * y + w * z), 2 * (z * x - w * y), 0},
-             {2 * (x * y - w * z), 1 - 2 * (z * z + x * x), 2 * (y * z + w * x), 0},
-             {2 * (z * x + w * y), 2 * (y * z - w * x), 1 - 2 * (x * x + y * y), 0},
-             {0, 0, 0, 1}}};
-}
-
 // Turned and moved alone: what the format holds of a node.
 TVL::CMatrix4 Straightened(const TVL::CMatrix4& world) {
     TVL::CMatrix4 straight = RotationOf(TVL::PartsOf(world).rotation);
@@ -162,6 +149,7 @@ class BvhWriter {
         for (const TakeNode& node : take_.nodes)
             if (node.kind == NodeKind::kCamera)
                 loss_.words.push_back("the camera \"" + node.name + '"');
+        if (take_.startSeconds != 0) loss_.words.push_back(LostStart(take_));
         return std::move(loss_);
     }
 
@@ -308,16 +296,8 @@ class BvhWriter {
         for (std::size_t axis = 0; axis < 3; ++axis)
             there[3][static_cast<int>(axis)] = place[axis] * metresPerUnit_;
         written[i] = there * above;
-        Compare(joint, written[i], seconds);
-    }
-
-    void Compare(const BvhJoint& joint, const TVL::CMatrix4& written, double seconds) {
         flaws_.Look(joint.node, world_[joint.node], seconds);
-        const double metres = DistanceOf(written, straight_[joint.node]);
-        if (metres <= loss_.metres) return;
-        loss_.metres = metres;
-        loss_.node = take_.nodes[joint.node].name;
-        loss_.seconds = seconds;
+        loss_.Compare(take_.nodes[joint.node], straight_[joint.node], written[i], seconds);
     }
 
     static double Rounded(double number, int digits) {

@@ -33,8 +33,13 @@ bool IsFinite(const TVL::CMatrix4& matrix) {
 }
 
 std::string NumberText(double number) {
-    char text[32];
-    return {text, std::to_chars(text, text + sizeof text, number).ptr};
+    char text[400];  // the least double above 0 has 324 decimals before its first digit
+    return {text, std::to_chars(text, text + sizeof text, number, std::chars_format::fixed).ptr};
+}
+
+std::string LostStart(const Take& take) {
+    return "the time at which it begins, " + Rounded(take.startSeconds) +
+           " s: in the file it begins at 0 s";
 }
 
 FlawNotes::FlawNotes(const Take& take) : take_(take), notes_(kFlaws * take.nodes.size()) {}

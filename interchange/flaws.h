@@ -40,7 +40,10 @@ class FlawNotes {
 // Whether all of it are numbers.
 bool IsFinite(const TVL::CMatrix4& matrix);
 
-// As short as it reads back the same, without regard to the locale.
+// Of a file that begins at 0, whenever its take does: what is to be told.
+std::string LostStart(const Take& take);
+
+// As short as it reads back the same, without an exponent and without regard to the locale.
 std::string NumberText(double number);
 
 }  // namespace interchange

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <utility>
 
+#include "interchange/flaws.h"
 #include "interchange/gltf_scene.h"
 #include "tvl/base64_buffer.h"
 
@@ -63,8 +64,7 @@ class TakeReader {
         if (!read.Moves())
             loss.words.emplace_back("an animation, since nothing moves");
         else if (!isInItsTime)
-            loss.words.push_back("the time at which it begins, " + NumberText(take.startSeconds) +
-                                 " s: in the file it begins at 0 s");
+            loss.words.push_back(LostStart(take));
         return true;
     }
 

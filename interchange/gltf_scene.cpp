@@ -55,6 +55,9 @@ Json CameraOf(const TakeNode& node, Loss& loss) {
         loss.words.push_back("the lens of \"" + node.name + "\" as it is, across its " +
                              (node.lens->fieldOfViewType == 0 ? "width" : "diagonal") +
                              ": its height is that of a picture of 16:9");
+    if (node.lens->moves)
+        loss.words.push_back("the motion of the lens of \"" + node.name +
+                             "\": it stays as it is in the first frame");
     return {
         {"type", "perspective"},
         {"perspective", {{"aspectRatio", kWidth / kHeight}, {"yfov", view}, {"znear", kNearest}}}};

@@ -26,6 +26,21 @@ Point3 OwnNormal(const Matrix3& world, const Point3& normal) {
     return Point3(along(0), along(1), along(2)).Normalize();
 }
 
+std::vector<TimeValue> KeyTimesOf(Animatable* whole) {
+    std::vector<Animatable*> parts;
+    if (whole) parts.push_back(whole);
+    std::vector<TimeValue> times;
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        for (int sub = 0; sub < parts[i]->NumSubs(); ++sub)
+            if (Animatable* const part = parts[i]->SubAnim(sub)) parts.push_back(part);
+        for (int key = 0; key < parts[i]->NumKeys(); ++key)
+            times.push_back(parts[i]->GetKeyTime(key));
+    }
+    std::ranges::sort(times);
+    times.erase(std::unique(times.begin(), times.end()), times.end());
+    return times;
+}
+
 }  // namespace
 
 double TicksPerSecond() {
@@ -42,19 +57,8 @@ TimeValue TickOf(double seconds) {
 }
 
 std::vector<TimeValue> KeyTimesOf(std::uint32_t handle) {
-    std::vector<TimeValue> times;
     INode* const node = GetCOREInterface()->GetINodeByHandle(handle);
-    if (!node || !node->GetTMController()) return times;
-    std::vector<Animatable*> parts{node->GetTMController()};
-    for (std::size_t i = 0; i < parts.size(); ++i) {
-        for (int sub = 0; sub < parts[i]->NumSubs(); ++sub)
-            if (Animatable* const part = parts[i]->SubAnim(sub)) parts.push_back(part);
-        for (int key = 0; key < parts[i]->NumKeys(); ++key)
-            times.push_back(parts[i]->GetKeyTime(key));
-    }
-    std::ranges::sort(times);
-    times.erase(std::unique(times.begin(), times.end()), times.end());
-    return times;
+    return node ? KeyTimesOf(node->GetTMController()) : std::vector<TimeValue>();
 }
 
 std::vector<ShapeVertex> ShapeOf(INode& node, TimeValue t) {
@@ -76,12 +80,20 @@ std::vector<ShapeVertex> ShapeOf(INode& node, TimeValue t) {
     return shape;
 }
 
-std::optional<Lens> LensOf(INode& node, TimeValue t) {
-    auto* const camera = dynamic_cast<CameraObject*>(node.EvalWorldState(t, true).obj);
+std::optional<Lens> LensOf(INode& node, TimeValue first, TimeValue last) {
+    constexpr double kStill = 1e-6;  // radians, which single precision takes from most lenses
+    auto* const camera = dynamic_cast<CameraObject*>(node.EvalWorldState(first, true).obj);
     if (!camera) return std::nullopt;
-    Interval valid;
-    return Lens{.fieldOfView = double{camera->GetFOV(t, valid)},
-                .fieldOfViewType = camera->GetFOVType()};
+    const auto viewAt = [camera](TimeValue t) {
+        Interval valid;
+        return double{camera->GetFOV(t, valid)};
+    };
+    Lens lens{.fieldOfView = viewAt(first), .fieldOfViewType = camera->GetFOVType()};
+    const auto isOther = [&](TimeValue t) {
+        return t >= first && t <= last && std::abs(viewAt(t) - lens.fieldOfView) > kStill;
+    };
+    lens.moves = isOther(last) || std::ranges::any_of(KeyTimesOf(camera), isOther);
+    return lens;
 }
 
 }  // namespace interchange

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "interchange/turns.h"
 #include "tvl/transform_parts.h"
 
 namespace interchange {
@@ -38,11 +39,8 @@ double Dot(const std::array<float, 4>& a, const std::array<float, 4>& b) {
 // First the scale, then the rotation, then the translation.
 CMatrix4 PutTogether(const std::array<float, 4>& translation, const std::array<float, 4>& rotation,
                      const std::array<float, 4>& scale) {
-    const double x = rotation[0], y = rotation[1], z = rotation[2], w = rotation[3];
-    CMatrix4 whole = {{{1 - 2 * (y * y + z * z), 2 * (x * y + w * z), 2 * (z * x - w * y), 0},
-                       {2 * (x * y - w * z), 1 - 2 * (z * z + x * x), 2 * (y * z + w * x), 0},
-                       {2 * (z * x + w * y), 2 * (y * z - w * x), 1 - 2 * (x * x + y * y), 0},
-                       {0, 0, 0, 1}}};
+    CMatrix4 whole = RotationOf(
+        {double{rotation[0]}, double{rotation[1]}, double{rotation[2]}, double{rotation[3]}});
     for (std::size_t row = 0; row < 3; ++row) {
         for (double& part : whole.rows[row])
             part *= double{scale[row]};
@@ -91,17 +89,15 @@ void LocalMotion::AddNode(std::size_t node, const CMatrix4& world) {
     world_[node] = PutTogether(last_[node].translation, last_[node].rotation, last_[node].scale);
     if (parent != kNoNode) world_[node] = world_[node] * world_[parent];
     fromWorld_[node] = TVL::Inverse(world_[node]);
-    Compare(node, world);
+    if (take_.nodes[node].kind == NodeKind::kJoint)
+        loss_.Compare(take_.nodes[node], world, world_[node], take_.Seconds(frame_));
 }
 
 // What is nowhere stays where it was. Of the two quaternions of a rotation it is the one on the
 // short way from the last.
 LocalMotion::Pose LocalMotion::PoseOf(const CMatrix4& local, const Pose& last) const {
+    if (!IsFinite(local)) return last;
     const TVL::TransformParts parts = TVL::PartsOf(local);
-    const bool isThere = IsFinite(local) && std::ranges::all_of(parts.rotation, [](double part) {
-                             return std::isfinite(part);
-                         });
-    if (!isThere) return last;
     Pose pose{AllNarrowed(parts.translation), AllNarrowed(parts.rotation),
               AllNarrowed(parts.scale)};
     if (Dot(pose.rotation, last.rotation) < 0)
@@ -134,16 +130,6 @@ void LocalMotion::Begin(Channel& channel) {
     for (std::size_t frame = 0; frame < frame_; ++frame)
         channel.keys.insert(channel.keys.end(), channel.first.begin(),
                             channel.first.begin() + static_cast<std::ptrdiff_t>(channel.width));
-}
-
-void LocalMotion::Compare(std::size_t node, const CMatrix4& world) {
-    const CMatrix4& told = world_[node];
-    const double metres =
-        std::hypot(told[3][0] - world[3][0], told[3][1] - world[3][1], told[3][2] - world[3][2]);
-    if (take_.nodes[node].kind != NodeKind::kJoint || !(metres > loss_.metres)) return;
-    loss_.metres = metres;
-    loss_.node = take_.nodes[node].name;
-    loss_.seconds = take_.Seconds(frame_);
 }
 
 Loss LocalMotion::TellLoss() const {

@@ -58,7 +58,6 @@ class LocalMotion {
     Pose PoseOf(const TVL::CMatrix4& local, const Pose& last) const;
     Value Keep(Channel& channel, const Value& value, double still);
     void Begin(Channel& channel);
-    void Compare(std::size_t node, const TVL::CMatrix4& world);
 
     const Take& take_;
     std::size_t bytesLeft_;

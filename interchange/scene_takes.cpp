@@ -19,8 +19,11 @@ namespace {
 
 using headless::NodeView;
 
-// A rate of frames that nobody can mean is none.
-constexpr double kShortestFrame = 1e-4;  // seconds
+constexpr double kShortestFrame = 1e-4;  // seconds; who tells of shorter ones knows of none
+
+// Captures have at least ten frames a second. What lies further apart was put there by hand, and
+// what the scene shows between counts as well.
+constexpr double kLongestCaptured = 0.1;  // seconds
 
 using Handle = std::uint32_t;
 
@@ -48,7 +51,9 @@ class NodeReader {
             parents_[node.handle] = node.parent;
     }
 
-    void Add(const NodeView& view, TimeValue t, std::vector<TakeNode>& nodes) {
+    void Add(const NodeView& view, Take& take) {
+        std::vector<TakeNode>& nodes = take.nodes;
+        const TimeValue first = TickOf(take.startSeconds);
         TakeNode& node = nodes.emplace_back();
         node.name = unique_.Of(names_.at(view.handle));
         node.handle = view.handle;
@@ -57,11 +62,11 @@ class NodeReader {
         node.kind = view.keys.count > 0 ? NodeKind::kJoint : NodeKind::kOther;
         INode* const host = GetCOREInterface()->GetINodeByHandle(view.handle);
         if (!host) return;
-        node.lens = LensOf(*host, t);
+        node.lens = LensOf(*host, first, TickOf(take.EndSeconds()));
         if (node.lens)
             node.kind = NodeKind::kCamera;
         else if (!view.hidden)
-            node.shape = ShapeOf(*host, t);
+            node.shape = ShapeOf(*host, first);
     }
 
   private:
@@ -83,7 +88,7 @@ void ReadNodes(const std::vector<NodeView>& scene, const std::map<Handle, std::s
                Take& take) {
     NodeReader reader(scene, names);
     for (const NodeView& view : scene)
-        if (names.contains(view.handle)) reader.Add(view, TickOf(take.startSeconds), take.nodes);
+        if (names.contains(view.handle)) reader.Add(view, take);
 }
 
 // Of the nodes that are not taken yet, the one that is called so. If there are several, as where
@@ -113,6 +118,10 @@ class Finder {
     std::map<std::string, std::vector<const NodeView*>> free_;
 };
 
+double SceneFrameSeconds() {
+    return GetTicksPerFrame() / TicksPerSecond();
+}
+
 // From the first frame to the one at `end`, or behind it if none is there.
 void SetSpan(double start, double end, double frameSeconds, Take& take) {
     constexpr double kRounding = 1e-3;  // of a frame
@@ -135,17 +144,18 @@ void ReadSpan(const std::vector<replay::Recording>& recordings, Take& take) {
         end = std::max(end, within(recording.LastSeconds()));
     }
     const double frame = recordings.back().frameSeconds;
-    SetSpan(start, std::max(start, end), frame > kShortestFrame ? frame : kShortestFrame, take);
+    SetSpan(start, std::max(start, end), frame > kShortestFrame ? frame : SceneFrameSeconds(),
+            take);
 }
 
-bool AreEven(const std::vector<TimeValue>& keys, double ticks) {
+bool AreFrames(const std::vector<TimeValue>& keys, double ticks) {
     for (std::size_t i = 0; i < keys.size(); ++i)
         if (std::abs(keys.front() + static_cast<double>(i) * ticks - keys[i]) > 1) return false;
-    return ticks >= 1;
+    return ticks >= 1 && ticks <= kLongestCaptured * TicksPerSecond();
 }
 
 // The span of all keys, in frames as long as the keys of the node that has most lie apart, or the
-// scene's where that is uneven.
+// scene's where they are not the frames of a capture.
 void ReadSpan(const std::map<Handle, std::string>& names, Take& take) {
     std::vector<TimeValue> most;
     TimeValue first = std::numeric_limits<TimeValue>::max();
@@ -160,7 +170,7 @@ void ReadSpan(const std::map<Handle, std::string>& names, Take& take) {
     const double ticks =
         most.size() < 2 ? 0 : (double{1} * most.back() - most.front()) / double(most.size() - 1);
     SetSpan(first / TicksPerSecond(), last / TicksPerSecond(),
-            (AreEven(most, ticks) ? ticks : GetTicksPerFrame()) / TicksPerSecond(), take);
+            AreFrames(most, ticks) ? ticks / TicksPerSecond() : SceneFrameSeconds(), take);
 }
 
 std::vector<Take> TreesWithKeys(const std::vector<NodeView>& scene) {

@@ -13,7 +13,7 @@ namespace interchange {
 // Of a Core that tells its takes, these; each with the frames of its recordings, in the length of a
 // frame that the newest of them has. Where none are told, a take for each tree of nodes in which
 // one has more than one key, from the first key to the last, in the length of frame that its keys
-// have, or the scene's where they are not even.
+// have if they lie apart evenly as those of a capture do, or the scene's.
 std::vector<Take> TakesOf(const std::vector<replay::TakeReport>& told);
 
 // Reads each moment from the host when it is asked for. A frame of the take is read at the tick at

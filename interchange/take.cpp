@@ -34,4 +34,14 @@ double SkewOf(const TVL::CMatrix4& matrix) {
     return std::max({cosine(0, 1), cosine(1, 2), cosine(2, 0)});
 }
 
+void Loss::Compare(const TakeNode& joint, const TVL::CMatrix4& was, const TVL::CMatrix4& is,
+                   double at) {
+    const double away =
+        std::hypot(is[3][0] - was[3][0], is[3][1] - was[3][1], is[3][2] - was[3][2]);
+    if (!(away > metres)) return;
+    metres = away;
+    node = joint.name;
+    seconds = at;
+}
+
 }  // namespace interchange

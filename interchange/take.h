@@ -32,8 +32,9 @@ struct ShapeVertex {
 };
 
 struct Lens {
-    double fieldOfView = 0;   // radians
+    double fieldOfView = 0;   // radians, at the take's first frame
     int fieldOfViewType = 0;  // across the width (0), the height (1) or the diagonal (2)
+    bool moves = false;       // it has another field of view later in the take
 };
 
 struct TakeNode {
@@ -42,7 +43,7 @@ struct TakeNode {
     std::size_t parent = kNoNode;  // the nearest node of the take above it, an earlier one
     NodeKind kind = NodeKind::kOther;
     std::vector<ShapeVertex> shape{};
-    std::optional<Lens> lens{};  // a camera's, at the take's first frame
+    std::optional<Lens> lens{};  // a camera's
 };
 
 struct Take {
@@ -92,6 +93,10 @@ struct Loss {
     std::string node{};  // which, and when
     double seconds = 0;
     std::vector<std::string> words{};  // what it is that was left out, a line each; names the node
+
+    // At a frame a joint was in one place and is in another in the file.
+    void Compare(const TakeNode& joint, const TVL::CMatrix4& was, const TVL::CMatrix4& is,
+                 double at);
 };
 
 }  // namespace interchange

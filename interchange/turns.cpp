@@ -64,6 +64,14 @@ TVL::CMatrix4 RotationOf(const TurnOrder& order, const Turns& turns) {
            TurnAbout(order.outer, turns[0]);
 }
 
+TVL::CMatrix4 RotationOf(const std::array<double, 4>& quaternion) {
+    const auto [x, y, z, w] = quaternion;
+    return {{{1 - 2 * (y * y + z * z), 2 * (x * y + w * z), 2 * (z * x - w * y), 0},
+             {2 * (x * y - w * z), 1 - 2 * (z * z + x * x), 2 * (y * z + w * x), 0},
+             {2 * (z * x + w * y), 2 * (y * z - w * x), 1 - 2 * (x * x + y * y), 0},
+             {0, 0, 0, 1}}};
+}
+
 // The middle turn can also go past a quarter, with half a turn more of the other two.
 Turns TurnsOf(const TVL::CMatrix4& rotation, const TurnOrder& order, double step,
               const Turns& before) {

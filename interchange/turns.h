@@ -25,6 +25,9 @@ TVL::CMatrix4 TurnAbout(int axis, double degrees);
 // From the joint to its parent.
 TVL::CMatrix4 RotationOf(const TurnOrder& order, const Turns& turns);
 
+// Of a unit quaternion x, y, z, w.
+TVL::CMatrix4 RotationOf(const std::array<double, 4>& quaternion);
+
 // The turns that make `rotation`, of which the axes alone are read: at right angles, of unit length
 // and right-handed. Each is rounded to whole `step`s of a degree, and makes up for what the
 // rounding of those before it has cost. Of all turns that do, these are the nearest to `before`, so

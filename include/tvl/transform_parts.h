@@ -17,8 +17,9 @@ struct TransformParts {
 };
 
 // Axes that are not at right angles are straightened, x first, then y. A transform that flattens
-// space has no rotation, and is given the one that does nothing. Quaternion from matrix: S. W.
-// Shepperd, "Quaternion from rotation matrix", Journal of Guidance and Control 1 (1978).
+// space, or is no number, has no rotation, and is given the one that does nothing. Quaternion from
+// matrix: S. W. Shepperd, "Quaternion from rotation matrix", Journal of Guidance and Control 1
+// (1978).
 TransformParts PartsOf(const CMatrix4& transform);
 
 }  // namespace TVL

@@ -55,6 +55,7 @@ std::array<double, 4> QuaternionOf(const Rows& axes) {
         q[3] = axes[j][k] - axes[k][j];
     }
     const double length = std::hypot(std::hypot(q[0], q[1], q[2]), q[3]);
+    if (!std::isfinite(length)) return {0, 0, 0, 1};
     const double factor = (q[3] < 0 ? -1 : 1) / length;
     for (double& part : q)
         part *= factor;

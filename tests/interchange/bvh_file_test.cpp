@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <sstream>
 
 #include "interchange/turns.h"
 #include "replay_core/motion/pose.h"
 #include "replay_core/motion/read_motion.h"
+#include "tests/interchange/made_takes.h"
 
 // Takes of plain data, written and read again.
 
@@ -20,55 +22,22 @@ using TVL::CMatrix4;
 constexpr std::size_t kFrames = 200;
 constexpr double kFrameSeconds = 0.0137;
 
-using World = std::vector<CMatrix4>;
-using Pose = std::function<World(std::size_t frame)>;
-
-// As the host gives it, in single precision.
-CMatrix4 Narrowed(CMatrix4 matrix) {
-    for (auto& row : matrix.rows)
-        for (double& number : row)
-            number = static_cast<float>(number);
-    return matrix;
-}
-
-CMatrix4 At(double x, double y, double z, CMatrix4 matrix = CMatrix4::Identity()) {
-    matrix[3][0] = x;
-    matrix[3][1] = y;
-    matrix[3][2] = z;
-    return matrix;
-}
-
-class GivenPoses final : public interchange::Poses {
-  public:
-    explicit GivenPoses(Pose pose) : pose_(std::move(pose)) {}
-    void At(double seconds, std::span<CMatrix4> world) override {
-        const World given = pose_(static_cast<std::size_t>(std::lround(seconds / kFrameSeconds)));
-        for (std::size_t i = 0; i < given.size(); ++i)
-            world[i] = Narrowed(given[i]);
-    }
-
-  private:
-    Pose pose_;
-};
-
-interchange::TakeNode Node(const std::string& name, std::size_t parent,
-                           NodeKind kind = NodeKind::kJoint) {
-    return {.name = name, .handle = 0, .parent = parent, .kind = kind};
-}
-
-// A hip, an arm and a hand, one below the other.
+// Three joints, of which the second one makes turns that grow from frame to frame.
 interchange::Take Arm() {
-    interchange::Take take{
-        .name = "arm", .frameSeconds = kFrameSeconds, .frameCount = kFrames, .nodes{}};
-    take.nodes = {Node("Hip", interchange::kNoNode), Node("Arm", 0), Node("Hand", 1)};
-    return take;
+    return Chain(3, kFrames, kFrameSeconds);
 }
-
-// The arm makes these turns.
-World ArmPose(const interchange::TurnOrder& order, const interchange::Turns& turns, double along) {
-    const CMatrix4 hip = At(along, 1, 0, TurnAbout(1, 70));
-    const CMatrix4 arm = At(0.2, 0.4, 0, interchange::RotationOf(order, turns)) * hip;
-    return {hip, arm, At(0.3, 0, 0.1) * arm};
+MadePoses::Make ArmPose(std::string_view order, const interchange::Turns& first,
+                        const interchange::Turns& more) {
+    return [=](double seconds, World world) {
+        const double frame = std::round(seconds / kFrameSeconds);
+        interchange::Turns turns = first;
+        for (std::size_t i = 0; i < 3; ++i)
+            turns[i] += frame * more[i];
+        const interchange::TurnOrder turnOrder(order);
+        world[0] = At(frame / 100, 1, 0, TurnAbout(1, 70));
+        world[1] = At(0.2, 0.4, 0, interchange::RotationOf(turnOrder, turns)) * world[0];
+        world[2] = At(0.3, 0, 0.1) * world[1];
+    };
 }
 
 struct Written {
@@ -77,9 +46,9 @@ struct Written {
     replay::Motion motion;
 };
 
-Written WriteAndRead(const interchange::Take& take, const Pose& pose,
+Written WriteAndRead(const interchange::Take& take, const MadePoses::Make& pose,
                      const interchange::BvhChoice& choice) {
-    GivenPoses poses(pose);
+    MadePoses poses(pose);
     std::ostringstream out;
     Written written;
     written.loss = WriteBvh(take, poses, choice, out, [] { return true; });
@@ -94,16 +63,17 @@ Written WriteAndRead(const interchange::Take& take, const Pose& pose,
 }
 
 // Joint for joint in the order of the take, with `rows` of each matrix from `first` on.
-void ExpectSame(const Written& written, const Pose& pose, double metresPerUnit, int first,
-                double tolerance) {
+void ExpectSame(const Written& written, const MadePoses::Make& pose, double metresPerUnit,
+                int first, double tolerance) {
     ASSERT_EQ(written.motion.frameCount, kFrames);
     EXPECT_EQ(written.motion.frameSeconds, kFrameSeconds);
-    World read(written.motion.joints.size());
+    std::vector<CMatrix4> read(written.motion.joints.size());
+    std::vector<CMatrix4> meant(3);
+    ASSERT_EQ(read.size(), meant.size());
     double furthest = 0;
     for (std::size_t frame = 0; frame < kFrames; ++frame) {
         replay::EvaluatePose(written.motion, frame, metresPerUnit, read);
-        const World meant = pose(frame);
-        ASSERT_EQ(read.size(), meant.size());
+        pose(double(frame) * kFrameSeconds, meant);
         for (std::size_t i = 0; i < meant.size(); ++i)
             for (int row = first; row < 4; ++row)
                 for (int column = 0; column < 3; ++column)
@@ -119,11 +89,7 @@ TEST(BvhFile, BringsEachOrderOfTurnsBackAndTurnsRunOnFromFrameToFrame) {
     for (const std::string_view name : interchange::kTurnOrders) {
         for (const double scale : {1.0, 0.01, 39.37}) {
             SCOPED_TRACE(std::string(name) + ' ' + std::to_string(scale));
-            const interchange::TurnOrder order(name);
-            const Pose pose = [&](std::size_t frame) {
-                const double f = static_cast<double>(frame);
-                return ArmPose(order, {5 * f, 2 * f, 30 - 3 * f}, f / 100);
-            };
+            const MadePoses::Make pose = ArmPose(name, {0, 0, 30}, {5, 2, -3});
             const Written written = WriteAndRead(Arm(), pose, {scale, std::string(name)});
             ExpectSame(written, pose, scale, 0, 5e-6);
             EXPECT_LT(written.loss.metres, 5e-6);
@@ -140,66 +106,73 @@ TEST(BvhFile, BringsEachOrderOfTurnsBackAndTurnsRunOnFromFrameToFrame) {
     }
 }
 
-struct Deformed {
-    CMatrix4 by;  // the arm, ahead of its turns, from frame 50 on and twice as much in frame 60
-    CMatrix4 most;
-    std::string words;
-};
-
 TEST(BvhFile, TellsWhatItDoesNotHoldAndKeepsThePlacesOfJoints) {
+    struct Deformed {
+        CMatrix4 by;    // the arm, ahead of its turns, from frame 50 on
+        CMatrix4 most;  // in frame 60
+        std::string words;
+    };
     CMatrix4 shear = CMatrix4::Identity();
     shear[0][1] = 0.5;
     CMatrix4 moreShear = shear;
     moreShear[0][1] = 1;
-    const std::string from = " of \"Arm\", first at 0.685 s";
+    CMatrix4 flat = CMatrix4::Identity();  // but for what rounding leaves
+    for (int i = 0; i < 3; ++i)
+        flat[1][i] = 3 * (flat[0][i] = 0.1 * (i + 1));
+    const CMatrix4 none = CMatrix4::Diagonal(0, 0, 0, 1);
+    const CMatrix4 nowhere = CMatrix4::Diagonal(NAN, 1, 1, 1);
+    const std::string from = " of \"joint 1\", first at 0.685 s";
     const Deformed kDeformed[] = {
         {CMatrix4::Diagonal(1, 2, 1, 1), CMatrix4::Diagonal(1, 4, 1, 1),
          "the scale" + from + ", most at 0.822 s (4 times along its y axis)"},
         {shear, moreShear, "the shear" + from + ", most at 0.822 s (two axes are 45 degrees "},
         {CMatrix4::Diagonal(1, 1, -1, 1), CMatrix4::Diagonal(-1, 1, 1, 1), "the mirroring" + from},
-        {CMatrix4::Diagonal(0, 0, 0, 1), CMatrix4::Diagonal(0, 0, 0, 1), "the scale" + from},
-        {CMatrix4::Diagonal(NAN, 1, 1, 1), CMatrix4::Diagonal(NAN, 1, 1, 1),
-         "the lost place" + from}};
+        {none, none, "the scale" + from},
+        {flat, flat, "the shear" + from},
+        {nowhere, nowhere, "the lost place" + from}};
     for (const Deformed& deformed : kDeformed) {
         SCOPED_TRACE(deformed.words);
-        const Pose meant = [](std::size_t frame) {
-            const double f = static_cast<double>(frame);
-            return ArmPose(interchange::TurnOrder("ZXY"), {f, 20, 0}, f / 100);
-        };
-        const Pose given = [&](std::size_t frame) {
-            World world = meant(frame);
-            if (frame >= 50) world[1] = (frame == 60 ? deformed.most : deformed.by) * world[1];
-            return world;
-        };
-        const Written written = WriteAndRead(Arm(), given, {});
+        const MadePoses::Make meant = ArmPose("ZXY", {0, 20, 0}, {1, 0, 0});
+        const Written written =
+            WriteAndRead(Arm(),
+                         [&](double seconds, World world) {
+                             const auto frame = std::lround(seconds / kFrameSeconds);
+                             meant(seconds, world);
+                             if (frame >= 50)
+                                 world[1] = (frame == 60 ? deformed.most : deformed.by) * world[1];
+                         },
+                         {});
         if (std::isfinite(deformed.by[0][0])) ExpectSame(written, meant, 1, 3, 1e-5);
         EXPECT_EQ(written.motion.values.size(), kFrames * written.motion.channelCount);
-        bool isTold = false;
-        for (const std::string& line : written.loss.words)
-            isTold = isTold || line.starts_with(deformed.words);
-        EXPECT_TRUE(isTold) << testing::PrintToString(written.loss.words);
+        EXPECT_TRUE(std::ranges::any_of(written.loss.words, [&](const std::string& line) {
+            return line.starts_with(deformed.words);
+        })) << testing::PrintToString(written.loss.words);
     }
 }
 
 // Cameras and what stands still have no place in it, joints below them hang from the next joint.
 TEST(BvhFile, HoldsJointsOfEveryTreeUnderNamesThatOtherProgramsTake) {
-    interchange::Take take = Arm();
-    take.frameCount = 2;
-    take.nodes = {Node("Ground", interchange::kNoNode, NodeKind::kOther),
-                  Node("Left Hip", 0),
-                  Node("Camera", 1, NodeKind::kCamera),
-                  Node("Toe", 2),
-                  Node("Left_Hip", 1, NodeKind::kOther),
-                  Node("Ball", interchange::kNoNode)};
+    interchange::Take take = Chain(0, 2, 1e-4);
+    take.startSeconds = 7;
+    const auto add = [&](const char* name, std::size_t parent, NodeKind kind) {
+        take.nodes.push_back({.name = name, .parent = parent, .kind = kind});
+    };
+    add("Ground", interchange::kNoNode, NodeKind::kOther);
+    add("Left Hip", 0, NodeKind::kJoint);
+    add("Camera", 1, NodeKind::kCamera);
+    add("Toe", 2, NodeKind::kJoint);
+    add("Left_Hip", 1, NodeKind::kOther);
+    add("Ball", interchange::kNoNode, NodeKind::kJoint);
     take.nodes[3].shape = {{.place = {0, 0.1F, 0}}, {.place = {0, -0.2F, 0.3F}}};
-    const Written written =
-        WriteAndRead(take,
-                     [](std::size_t frame) {
-                         return World{At(0, 0, 0),   At(1, 2, 3),
-                                      At(0, 0, 0),   At(1, 1.5, 3 + 0.25 * double(frame)),
-                                      At(1, 2.5, 3), At(9, 9, 9)};
-                     },
-                     {.metresPerUnit = 0.5});
+    const Written written = WriteAndRead(
+        take,
+        [](double seconds, World world) {
+            const double later = seconds > 7 ? 0.25 : 0;
+            std::ranges::copy(std::array{At(0, 0, 0), At(1, 2, 3), At(0, 0, 0),
+                                         At(1, 1.5, 3 + later), At(1, 2.5, 3), At(9, 9, 9)},
+                              world.begin());
+        },
+        {.metresPerUnit = 0.5});
     EXPECT_EQ(written.text,
               "HIERARCHY\nROOT Left_Hip\n{\n\tOFFSET 0 0 0\n"
               "\tCHANNELS 6 Xposition Yposition Zposition Zrotation Xrotation Yrotation\n"
@@ -212,15 +185,18 @@ TEST(BvhFile, HoldsJointsOfEveryTreeUnderNamesThatOtherProgramsTake) {
               "ROOT Ball\n{\n\tOFFSET 0 0 0\n"
               "\tCHANNELS 6 Xposition Yposition Zposition Zrotation Xrotation Yrotation\n"
               "\tEnd Site\n\t{\n\t\tOFFSET 0 0.2 0\n\t}\n}\n"
-              "MOTION\nFrames: 2\nFrame Time: 0.0137\n"
+              "MOTION\nFrames: 2\nFrame Time: 0.0001\n"
               "2 4 6 0 0 0 0 -1 0 0 0 0 0 0 0 18 18 18 0 0 0\n"
               "2 4 6 0 0 0 0 -1 0.5 0 0 0 0 0 0 18 18 18 0 0 0\n");
-    EXPECT_EQ(written.loss.words, std::vector<std::string>{"the camera \"Camera\""});
+    EXPECT_EQ(written.loss.words,
+              (std::vector<std::string>{
+                  "the camera \"Camera\"",
+                  "the time at which it begins, 7 s: in the file it begins at 0 s"}));
     EXPECT_EQ(written.loss.metres, 0);
 }
 
 TEST(BvhFile, IsGivenUpAtTheFrameAtWhichThatIsWished) {
-    GivenPoses poses([](std::size_t) { return ArmPose(interchange::TurnOrder("ZXY"), {}, 0); });
+    MadePoses poses(ArmPose("ZXY", {}, {}));
     for (const std::size_t wished : {std::size_t{1}, kFrames, kFrames + 1}) {
         std::size_t told = 0;
         std::ostringstream out;

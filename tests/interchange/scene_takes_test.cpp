@@ -47,9 +47,10 @@ TEST_F(SceneTakes, WithoutACoreEachTreeWithKeysIsOneInTheFramesOfItsKeys) {
     Move(Add("Knee", even), {100});
     INode* const uneven = Add("Hips");
     Move(uneven, {0, 10, 4800});
+    Move(Add("Posed by hand"), {0, 2400, 4800});
 
     const std::vector<interchange::Take> takes = interchange::TakesOf({});
-    ASSERT_EQ(takes.size(), 2U);
+    ASSERT_EQ(takes.size(), 3U);
     EXPECT_EQ(takes[0].name + ' ' + takes[1].name, "Hips Hips_2");
     EXPECT_EQ(takes[0].nodes.size(), 2U);
     EXPECT_EQ(takes[0].nodes[1].parent, 0U);
@@ -59,9 +60,11 @@ TEST_F(SceneTakes, WithoutACoreEachTreeWithKeysIsOneInTheFramesOfItsKeys) {
         EXPECT_NEAR(XInUnits(poses, takes[0].Seconds(frame)), truncated[frame], 1e-3) << frame;
     EXPECT_NEAR(XInUnits(poses, 0.5), 2400, 1e-3);  // no frame of the take: at its own tick
 
-    EXPECT_EQ(takes[1].frameCount, 31U);
-    EXPECT_DOUBLE_EQ(takes[1].frameSeconds, 1.0 / 30);
-    EXPECT_EQ(takes[1].EndSeconds(), 1);
+    for (const interchange::Take& inScenesFrames : {takes[1], takes[2]}) {
+        EXPECT_EQ(inScenesFrames.frameCount, 31U);
+        EXPECT_DOUBLE_EQ(inScenesFrames.frameSeconds, 1.0 / 30);
+        EXPECT_EQ(inScenesFrames.EndSeconds(), 1);
+    }
     const interchange::Take slow = takes[1].Resampled(0.4);
     EXPECT_EQ(slow.frameCount, 3U);
     EXPECT_DOUBLE_EQ(slow.EndSeconds(), 0.8);
@@ -95,7 +98,7 @@ TEST_F(SceneTakes, OfACoreHaveTheSpanOfTheirRecordingsAndNodesOfTheirOwnTrees) {
     // A scene file can say anything.
     told[0].recordings = {{"a.bvh", 1, NAN, 0, 0, INFINITY}, {"a.bvh", 1, -1, 5, 2, -1e300}};
     const interchange::Take odd = interchange::TakesOf(told).front();
-    EXPECT_GT(odd.frameSeconds, 0);
+    EXPECT_DOUBLE_EQ(odd.frameSeconds, 1.0 / 30);
     EXPECT_TRUE(std::isfinite(odd.EndSeconds()));
 }
 

@@ -27,9 +27,10 @@ ReadBack::ReadBack(const std::string& file) {
     Add(*scene->mRootNode);
 }
 
-// Above several roots there is one that the file does not have.
+// Above several roots there is one that the file does not have, and ends of chains are no joints.
 void ReadBack::Add(const aiNode& node) {
-    if (node.mName != aiString("ROOT")) nodes_.push_back(&node);
+    const std::string_view name = node.mName.C_Str();
+    if (name != "ROOT" && !name.starts_with("EndSite_")) nodes_.push_back(&node);
     for (unsigned i = 0; i < node.mNumChildren; ++i)
         Add(*node.mChildren[i]);
 }
@@ -76,7 +77,6 @@ std::array<double, 4> ReadBack::TurnOf(std::size_t node, std::size_t key) const 
 }
 
 std::vector<double> ReadBack::KeySeconds(std::size_t animation) const {
-    constexpr double kMillisecondsInSecond = 1000;  // in which they are given here
     std::vector<double> seconds;
     const aiAnimation& told = *Scene().mAnimations[animation];
     for (unsigned i = 0; i < told.mNumChannels; ++i) {
@@ -84,15 +84,17 @@ std::vector<double> ReadBack::KeySeconds(std::size_t animation) const {
         if (channel.mNumRotationKeys <= seconds.size()) continue;
         seconds.clear();
         for (unsigned key = 0; key < channel.mNumRotationKeys; ++key)
-            seconds.push_back(channel.mRotationKeys[key].mTime / kMillisecondsInSecond);
+            seconds.push_back(channel.mRotationKeys[key].mTime / told.mTicksPerSecond);
     }
     return seconds;
 }
 
-std::string Findings([[maybe_unused]] const TemporaryFolder& folder,
-                     [[maybe_unused]] const std::vector<std::string>& files) {
 #if defined(NODE_MODULES)
-    if (!std::filesystem::exists(NODE_MODULES "/gltf-validator")) return {};
+bool HasValidator() {
+    return std::filesystem::exists(NODE_MODULES "/gltf-validator");
+}
+
+std::string Findings(const TemporaryFolder& folder, const std::vector<std::string>& files) {
     std::string words = VALIDATE " " NODE_MODULES;
     for (const std::string& file : files)
         words += ' ' + file;
@@ -102,7 +104,13 @@ std::string Findings([[maybe_unused]] const TemporaryFolder& folder,
                                              .error = folder.Path() / "failed",
                                              .folder = folder.Path()});
     return ReadFile(folder.Path() / "found") + (status ? ReadFile(folder.Path() / "failed") : "");
-#else
-    return {};
-#endif
 }
+#else
+bool HasValidator() {
+    return false;
+}
+
+std::string Findings(const TemporaryFolder&, const std::vector<std::string>&) {
+    return {};
+}
+#endif

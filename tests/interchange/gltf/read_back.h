@@ -11,7 +11,7 @@
 
 #include "tests/support/folder/temporary_folder.h"
 
-// A glTF file as another program reads it, which sees nothing of what wrote it.
+// A file as another program reads it, which sees nothing of what wrote it.
 class ReadBack {
   public:
     explicit ReadBack(const std::string& file);
@@ -42,6 +42,7 @@ class ReadBack {
     std::map<std::string, const aiNodeAnim*> channels_;
 };
 
-// What npm's gltf-validator says of the files in the folder, a line each; nothing if all is well,
-// or the tool is not there.
+// What npm's gltf-validator says of the files in the folder, a line each; nothing if all is well.
+bool HasValidator();
+inline constexpr char kNoValidator[] = "gltf-validator is missing: the files were not validated";
 std::string Findings(const TemporaryFolder& folder, const std::vector<std::string>& files);
