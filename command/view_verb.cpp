@@ -74,8 +74,8 @@ std::string Viewer() {
     const std::string path = ViewerFile();
     if (!std::filesystem::exists(platform::FromNarrow(path)))
         throw Failure(path +
-                      ": the page that takes are put into is not there, since there was no npm "
-                      "when this program was built");
+                      ": the page that takes are put into is not there: it is made where npm and "
+                      "its network are when the program is built");
     return TextOfFile(path);
 }
 

@@ -3,7 +3,7 @@
 
 export function readAddress() {
     const words = new URLSearchParams(location.hash.slice(1));
-    const seconds = words.has('t') ? Number(words.get('t')) : NaN;
+    const seconds = Number(words.get('t') || NaN);
     return { seconds: Number.isFinite(seconds) ? seconds : null, take: words.get('take') };
 }
 
@@ -12,8 +12,9 @@ export function addressOf(seconds, take) {
     return take === null ? words : `${words}&take=${encodeURIComponent(take)}`;
 }
 
-// Has the address bar tell it, and gives the whole address. Nothing is added to the history.
+// Has the address bar tell it, and gives the whole address. Nothing is added to the history, and
+// nobody is told of a change.
 export function showAddress(words) {
-    if (location.hash !== words) location.replace(words);
+    if (location.hash !== words) history.replaceState(null, '', words);
     return location.href;
 }

@@ -1,14 +1,16 @@
 // The curves of a joint over the whole take: its place in the world in metres, and its turn beside its
-// parent in degrees.
+// parent in degrees, as angles around z, x and y in this order.
 import { Euler, Matrix4, Quaternion, Vector3 } from 'three';
+import { digitsOf, multiples, roundStep, written } from './numbers.js';
 
 const DEGREES = 180 / Math.PI;
 const AXES = ['x', 'y', 'z'];
 const LANES = [
-    { from: 0, unit: 'm', digits: 3, least: 0.05 },
+    { from: 0, unit: ' m', digits: 3, least: 0.05 },
     { from: 3, unit: '°', digits: 1, least: 5 },
 ];
 const EDGE = 44;  // pixels for the numbers at the left
+const FOOT = 16;  // and for the seconds beneath
 
 const whenIdle = window.requestIdleCallback ??
     (work => setTimeout(() => work({ timeRemaining: () => 8 }), 16));
@@ -41,7 +43,7 @@ class JointCurves {
         }
         own.decompose(this.place, this.turn, this.scale);
         this.angles.setFromQuaternion(this.turn, 'ZXY');
-        this.keepNear(frame, this.angles.toArray().slice(0, 3).map(angle => angle * DEGREES));
+        this.keepNear(frame, this.angles.toArray().slice(0, 3).map(angle => angle * DEGREES || 0));
     }
 
     // Of the ways to say the same turn, the one nearest to the frame before.
@@ -74,8 +76,15 @@ export class Curves {
     }
 
     show(take, node, colours) {
+        this.told = null;
         if (this.joint?.take !== take || this.joint.node !== node) this.joint = new JointCurves(take, node);
         this.colours = colours;
+        this.fit();
+    }
+
+    // The size that the page gives the canvas.
+    fit() {
+        [this.width, this.height] = [this.canvas.clientWidth - EDGE, this.canvas.clientHeight];
         this.refresh();
     }
 
@@ -101,7 +110,6 @@ export class Curves {
         this.tell(Math.round(frame));
     }
 
-    get width() { return this.canvas.clientWidth - EDGE; }
     xOf(frame) { return EDGE + frame / Math.max(this.joint.take.frames - 1, 1) * this.width; }
     frameAt(x) { return (x - EDGE) / this.width * (this.joint.take.frames - 1); }
 
@@ -110,19 +118,44 @@ export class Curves {
         this.told = frame;
         LANES.forEach(({ from, unit, digits }, lane) => AXES.forEach((axis, i) => {
             this.numbers[3 * lane + i].textContent =
-                `${axis} ${this.joint.values[from + i][frame].toFixed(digits)} ${unit}`;
+                `${axis} ${written(this.joint.values[from + i][frame], digits)}${unit}`;
         }));
     }
 
     draw() {
-        this.told = -1;
-        const { clientWidth: width, clientHeight: height } = this.canvas;
         const sharper = Math.min(devicePixelRatio, 2);
-        [this.canvas.width, this.canvas.height] = [width * sharper, height * sharper];
+        [this.canvas.width, this.canvas.height] = [(this.width + EDGE) * sharper, this.height * sharper];
         const pen = this.canvas.getContext('2d');
         pen.scale(sharper, sharper);
         pen.font = '11px system-ui, sans-serif';
-        LANES.forEach((lane, number) => this.drawLane(pen, lane, number * height / 2 + 6, height / 2 - 12));
+        pen.textBaseline = 'middle';
+        this.drawSeconds(pen);
+        const each = (this.height - FOOT) / 2;
+        LANES.forEach((lane, number) => this.drawLane(pen, lane, number * each + 6, each - 12));
+    }
+
+    line(pen, x, y, toX, toY) {
+        pen.strokeStyle = this.colours.line;
+        pen.lineWidth = 1;
+        pen.beginPath();
+        pen.moveTo(x, y);
+        pen.lineTo(toX, toY);
+        pen.stroke();
+    }
+
+    // Seconds of the scene, as far apart as their numbers need.
+    drawSeconds(pen) {
+        const { startSeconds, endSeconds, frameSeconds } = this.joint.take;
+        const step = roundStep(Math.max((endSeconds - startSeconds) / Math.max(this.width, 1) * 72, 1e-3));
+        pen.fillStyle = this.colours.quiet;
+        pen.textAlign = 'center';
+        for (const seconds of multiples(step, startSeconds, endSeconds)) {
+            const x = Math.round(this.xOf((seconds - startSeconds) / frameSeconds)) + 0.5;
+            this.line(pen, x, 0, x, this.height - FOOT);
+            const text = `${written(seconds, digitsOf(step))} s`;
+            const half = pen.measureText(text).width / 2;
+            pen.fillText(text, Math.min(x, EDGE + this.width - half), this.height - FOOT / 2 + 1);
+        }
     }
 
     drawLane(pen, { from, unit, digits, least }, top, height) {
@@ -137,23 +170,15 @@ export class Curves {
         });
     }
 
-    // Three lines across at round numbers.
+    // Lines across at round numbers.
     drawLines(pen, y, [low, high], unit, digits) {
-        const ten = 10 ** Math.floor(Math.log10(high - low));
-        const step = [0.2, 0.5, 1, 2, 5].map(factor => factor * ten).find(s => (high - low) / s <= 4);
-        pen.fillStyle = this.colours.text;
-        pen.strokeStyle = this.colours.line;
-        pen.lineWidth = 1;
+        const step = roundStep((high - low) / 4);
+        pen.fillStyle = this.colours.quiet;
         pen.textAlign = 'right';
-        pen.textBaseline = 'middle';
-        for (let at = Math.ceil(low / step) * step; at <= high; at += step) {
+        for (const at of multiples(step, low, high)) {
             const across = Math.round(y(at)) + 0.5;
-            pen.beginPath();
-            pen.moveTo(EDGE, across);
-            pen.lineTo(EDGE + this.width, across);
-            pen.stroke();
-            const places = Math.min(digits, Math.max(0, -Math.floor(Math.log10(step) + 1e-9)));
-            pen.fillText(`${at.toFixed(places).replace(/^-(0\.?0*)$/, '$1')} ${unit}`, EDGE - 6, across);
+            this.line(pen, EDGE, across, EDGE + this.width, across);
+            pen.fillText(`${written(at, Math.min(digits, digitsOf(step)))}${unit}`, EDGE - 6, across);
         }
     }
 

@@ -4,10 +4,10 @@ const decode = Uint8Array.fromBase64
     ? text => Uint8Array.fromBase64(text)
     : text => Uint8Array.from(atob(text), character => character.charCodeAt(0));
 
-// The element's bytes. Its text is let go.
-function bytesOf(element) {
-    const bytes = decode(element.textContent);
-    element.textContent = '';
+// What the comment in a template holds, which is let go.
+function bytesOf({ content }) {
+    const bytes = decode(content.firstChild.data);
+    content.replaceChildren();
     return bytes.buffer;
 }
 
@@ -81,7 +81,7 @@ function blendAxis(a, b, part, at) {
 export class Take {
     constructor(told, number) {
         Object.assign(this, told);
-        const elements = document.querySelectorAll(`script[data-take="${number}"]`);
+        const elements = document.querySelectorAll(`template[data-take="${number}"]`);
         this.chunks = [];
         let first = 0;
         for (const element of elements) {

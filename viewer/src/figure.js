@@ -81,8 +81,4 @@ export class Figure extends Group {
         });
         return nearest;
     }
-
-    dispose() {
-        for (const child of this.children) child.geometry.dispose();
-    }
 }

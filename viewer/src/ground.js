@@ -3,14 +3,13 @@ import {
     BufferGeometry, CanvasTexture, Float32BufferAttribute, Group, LineBasicMaterial, LineSegments, Mesh,
     PlaneGeometry, ShadowMaterial, Sprite, SpriteMaterial,
 } from 'three';
+import { digitsOf, multiples, roundStep, written } from './numbers.js';
 
 const MOST_LINES = 24;  // to a side, so that they can be told apart
 
-// 1, 2 or 5, or these times a power of ten: metres from line to line.
+// Metres from line to line.
 function spacing(span) {
-    const least = span / MOST_LINES;
-    const ten = 10 ** Math.floor(Math.log10(Math.max(least, 0.05)));
-    const step = [1, 2, 5, 10].find(factor => factor * ten >= least) * ten;
+    const step = roundStep(Math.max(span / MOST_LINES, 0.05));
     return span > 3 ? Math.max(step, 1) : step;
 }
 
@@ -45,11 +44,10 @@ function shadowed([x0, x1, z0, z1]) {
 }
 
 function numbers(group, [x0, x1, z0, z1], step, colour) {
-    const digits = Math.max(0, -Math.floor(Math.log10(step) + 1e-9));
     const every = step * Math.max(1, Math.round((x1 - x0) / step / 8));
     for (const [from, to, place] of [[x0, x1, v => [v, z1 + step / 3]], [z0, z1, v => [x0 - step / 3, v]]])
-        for (let at = Math.ceil(from / every) * every; at <= to + step / 9; at += every) {
-            const sprite = label(`${(Math.round(at / step) * step).toFixed(digits)} m`, colour);
+        for (const at of multiples(every, from, to)) {
+            const sprite = label(`${written(at, digitsOf(step))} m`, colour);
             const [x, z] = place(at);
             sprite.position.set(x, 0, z);
             group.add(sprite);
@@ -66,10 +64,8 @@ export function ground({ least, most }, { line, axis, text }) {
     const edges = [down(least[0]), up(most[0]), down(least[2]), up(most[2])];
     const [x0, x1, z0, z1] = edges;
     const usual = [], through = [];
-    for (let x = Math.round(x0 / step); x <= Math.round(x1 / step); ++x)
-        (x === 0 ? through : usual).push(x * step, 0, z0, x * step, 0, z1);
-    for (let z = Math.round(z0 / step); z <= Math.round(z1 / step); ++z)
-        (z === 0 ? through : usual).push(x0, 0, z * step, x1, 0, z * step);
+    for (const x of multiples(step, x0, x1)) (x === 0 ? through : usual).push(x, 0, z0, x, 0, z1);
+    for (const z of multiples(step, z0, z1)) (z === 0 ? through : usual).push(x0, 0, z, x1, 0, z);
     group.add(lines(usual, line, 0.9), lines(through, axis, 1), shadowed(edges));
     numbers(group, edges, step, text);
     return group;

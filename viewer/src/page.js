@@ -9,6 +9,10 @@ import { Stage } from './scene.js';
 const at = id => document.getElementById(id);
 const SPEEDS = [0.1, 0.25, 0.5, 1, 2, 4];
 const CLICK = 5;  // pixels that a hand may move
+const REST = 250;  // milliseconds after which the address tells where a hand has stopped
+
+const cannot = () => { at('news').textContent = 'These takes cannot be shown: the file is not whole, or this browser has no WebGL.'; };
+window.addEventListener('error', cannot, { once: true });
 
 const { title, takes } = readTakes();
 const stage = new Stage(at('stage'));
@@ -20,7 +24,7 @@ const work = { last: 0, worst: 0, total: 0, frames: 0 };  // of the script, in m
 
 const colours = () => {
     const style = getComputedStyle(document.documentElement);
-    const names = ['floor', 'text', 'line', 'axis', 'trail', 'x', 'y', 'z'];
+    const names = ['floor', 'text', 'quiet', 'line', 'axis', 'trail', 'x', 'y', 'z'];
     return Object.fromEntries(names.map(name => [name, style.getPropertyValue(`--${name}`).trim()]));
 };
 
@@ -40,6 +44,18 @@ function showTake(number) {
     fill(at('joint'), take.nodes.map(node => node.name));
     stage.show(take, colours());
     chooseJoint(Math.max(take.nodes.findIndex(node => node.kind === 'joint'), 0));
+    showAll();
+}
+
+function pickTake(number) {
+    if (number === takeNumber) return;
+    showTake(number);
+    say(takes[number].name);
+    noteAddress();
+}
+
+function showAll() {
+    follow(false);
     orbit.frameAll();
 }
 
@@ -56,9 +72,12 @@ function chooseNext(step) {
     say(nodes[joint].name);
 }
 
-// In other colours, or another size.
-function refresh() {
+function fit() {
     stage.fit();
+    curves.fit();
+}
+
+function recolour() {
     stage.show(takes[takeNumber], colours());
     chooseJoint(joint);
 }
@@ -120,7 +139,14 @@ function goTo(move) {
     if (!clock.isPlaying) noteAddress();
 }
 
-const noteAddress = () => showAddress(addressOf(clock.seconds, takes.length > 1 ? takes[takeNumber].name : null));
+const tellAddress = () => showAddress(addressOf(clock.seconds, takes.length > 1 ? takes[takeNumber].name : null));
+
+// Browsers take it amiss when the address changes at each move of a hand.
+let resting = 0;
+function noteAddress() {
+    clearTimeout(resting);
+    resting = setTimeout(tellAddress, REST);
+}
 
 function openAddress() {
     const { seconds, take } = readAddress();
@@ -130,7 +156,7 @@ function openAddress() {
 }
 
 async function copyLink() {
-    const address = noteAddress();
+    const address = tellAddress();
     try {
         await navigator.clipboard.writeText(address);
         say('The address of this moment is copied');
@@ -147,44 +173,47 @@ function setSpeed(number) {
     say(`Speed ${clock.speed}`);
 }
 
-function follow() {
-    orbit.follow(!orbit.follows, stage.focus);
-    at('follow').setAttribute('aria-pressed', orbit.follows);
+function follow(follows) {
+    orbit.follow(follows, stage.focus);
+    at('follow').setAttribute('aria-pressed', follows);
 }
 
-function showKeys() {
-    at('keys').hidden = !at('keys').hidden;
-    at('help').setAttribute('aria-expanded', !at('keys').hidden);
+function showKeys(shows) {
+    at('keys').hidden = !shows;
+    at('help').setAttribute('aria-expanded', shows);
 }
 
+const toggleFollow = () => follow(!orbit.follows);
+const toggleKeys = () => showKeys(at('keys').hidden);
 const faster = step => setSpeed(SPEEDS.indexOf(clock.speed) + step);
 const KEYS = {
     ' ': () => play(!clock.isPlaying),
-    ArrowLeft: () => goTo(() => clock.step(-1)),
-    ArrowRight: () => goTo(() => clock.step(1)),
-    Home: () => goTo(() => clock.goToFrame(0)),
-    End: () => goTo(() => clock.goToFrame(clock.last)),
+    arrowleft: () => goTo(() => clock.step(-1)),
+    arrowright: () => goTo(() => clock.step(1)),
+    home: () => goTo(() => clock.goToFrame(0)),
+    end: () => goTo(() => clock.goToFrame(clock.last)),
     '+': () => faster(1),
     '=': () => faster(1),
     '-': () => faster(-1),
     j: () => chooseNext(1),
-    t: () => showTake((takeNumber + 1) % takes.length),
-    f: follow,
-    r: () => orbit.frameAll(),
+    t: () => pickTake((takeNumber + 1) % takes.length),
+    f: toggleFollow,
+    r: showAll,
     c: copyLink,
-    '?': showKeys,
+    '?': toggleKeys,
+    escape: () => showKeys(false),
 };
 const SHIFTED = {
-    ArrowLeft: () => orbit.turn(-1, 0, 0),
-    ArrowRight: () => orbit.turn(1, 0, 0),
-    ArrowUp: () => orbit.turn(0, 1, 0),
-    ArrowDown: () => orbit.turn(0, -1, 0),
+    arrowleft: () => orbit.turn(-1, 0, 0),
+    arrowright: () => orbit.turn(1, 0, 0),
+    arrowup: () => orbit.turn(0, 1, 0),
+    arrowdown: () => orbit.turn(0, -1, 0),
     '+': () => orbit.turn(0, 0, 1),
     '*': () => orbit.turn(0, 0, 1),
     '-': () => orbit.turn(0, 0, -1),
     _: () => orbit.turn(0, 0, -1),
-    J: () => chooseNext(-1),
-    '?': showKeys,
+    j: () => chooseNext(-1),
+    '?': toggleKeys,
 };
 
 // A menu keeps all keys, and a button the one that presses it. A plus that takes Shift stays a plus.
@@ -192,7 +221,7 @@ function onKey(event) {
     if (event.ctrlKey || event.altKey || event.metaKey || event.target.matches('select')) return;
     if (event.key === ' ' && event.target.matches('button')) return;
     const takesShift = event.key === '+' && event.code !== 'NumpadAdd';
-    const act = event.shiftKey && !takesShift ? SHIFTED[event.key] : KEYS[event.key];
+    const act = (event.shiftKey && !takesShift ? SHIFTED : KEYS)[event.key.toLowerCase()];
     if (!act) return;
     event.preventDefault();
     act();
@@ -207,7 +236,8 @@ function watchStage(canvas) {
     const pick = event => stage.nodeAt(event.offsetX, event.offsetY, event.pointerType);
     canvas.addEventListener('pointerdown', event => { down = event; });
     canvas.addEventListener('pointermove', event => { if (event.buttons === 0) touch(pick(event)); });
-    canvas.addEventListener('pointerleave', () => touch(-1));
+    // A finger that is lifted leaves the name there.
+    canvas.addEventListener('pointerleave', event => { if (event.pointerType !== 'touch') touch(-1); });
     canvas.addEventListener('pointerup', event => {
         if (!down || Math.hypot(event.clientX - down.clientX, event.clientY - down.clientY) > CLICK) return;
         const node = pick(event);
@@ -231,17 +261,17 @@ function watchPlot(plot) {
 function watchControls() {
     at('play').addEventListener('click', () => play(!clock.isPlaying));
     at('slider').addEventListener('input', event => goTo(() => clock.goToFrame(Number(event.target.value))));
-    at('take').addEventListener('change', event => showTake(Number(event.target.value)));
+    at('take').addEventListener('change', event => pickTake(Number(event.target.value)));
     at('joint').addEventListener('change', event => chooseJoint(Number(event.target.value)));
     at('speed').addEventListener('change', event => setSpeed(Number(event.target.value)));
-    at('follow').addEventListener('click', follow);
-    at('home').addEventListener('click', () => orbit.frameAll());
+    at('follow').addEventListener('click', toggleFollow);
+    at('home').addEventListener('click', showAll);
     at('link').addEventListener('click', copyLink);
-    at('help').addEventListener('click', showKeys);
+    at('help').addEventListener('click', toggleKeys);
     document.addEventListener('keydown', onKey);
     window.addEventListener('hashchange', openAddress);
-    matchMedia('(prefers-color-scheme: dark)').addEventListener('change', refresh);
-    new ResizeObserver(refresh).observe(at('stage'));
+    matchMedia('(prefers-color-scheme: dark)').addEventListener('change', recolour);
+    new ResizeObserver(fit).observe(at('stage'));
     watchStage(at('stage'));
     watchPlot(at('plot'));
 }
@@ -257,6 +287,8 @@ window.lumiset = Object.freeze({
     get joint() { return takes[takeNumber].nodes[joint].name; },
     get work() { return { ...work }; },
     get cells() { return takes.reduce((sum, take) => sum + take.frames * take.nodes.length, 0); },
+    // Where the nodes are on the canvas, in its pixels.
+    get spots() { return takes[takeNumber].nodes.map((_, node) => stage.spotOf(node)); },
     // The matrices that are drawn, for row vectors, by the names of the nodes.
     get worlds() {
         const { matrices } = stage.figure;
@@ -275,4 +307,6 @@ stage.fit();
 showTake(0);
 openAddress();
 watchControls();
+window.removeEventListener('error', cannot);
+at('news').remove();
 requestAnimationFrame(frame);

@@ -22,6 +22,7 @@ export class Stage {
         this.camera = new PerspectiveCamera(40, 1, 0.01, 1000);
         this.raycaster = new Raycaster();
         this.focus = new Vector3();
+        canvas.addEventListener('webglcontextrestored', () => { this.isStale = true; });
         this.addLights();
     }
 
@@ -36,7 +37,7 @@ export class Stage {
 
     // `colours` are those of the page, by their names there.
     show(take, colours) {
-        this.remove(this.figure, this.ground, this.trail);
+        this.remove(this.figure, this.ground);
         this.take = take;
         this.colours = colours;
         this.size = Math.max(...take.most.map((most, i) => most - take.least[i]), 0.1);
@@ -50,7 +51,10 @@ export class Stage {
     remove(...parts) {
         for (const part of parts.filter(Boolean)) {
             this.scene.remove(part);
-            part.dispose?.();
+            part.traverse(({ geometry, material }) => {
+                geometry?.dispose();
+                material?.map?.dispose();
+            });
         }
     }
 
@@ -69,15 +73,22 @@ export class Stage {
         this.chosen = node;
         this.trail = new Trail(this.take, node, this.colours.trail);
         this.scene.add(this.trail);
+        this.posed = null;
         this.mark(-1);
     }
 
-    mark(touched) { this.figure.mark(this.chosen, touched); }
+    mark(touched) {
+        this.figure.mark(this.chosen, touched);
+        this.isStale = true;
+    }
 
     pose(frame) {
+        if (frame === this.posed) return;
+        this.posed = frame;
+        this.isStale = true;
         this.figure.pose(frame);
-        this.trail.pose(frame);
         this.figure.placeOf(this.chosen, this.focus);
+        this.trail.pose(frame, this.focus);
         this.sun.target.position.copy(this.focus);
         this.sun.position.copy(this.focus).addScaledVector({ x: 0.9, y: 2.4, z: 1.2 }, this.height);
     }
@@ -89,9 +100,15 @@ export class Stage {
         this.renderer.setSize(width, height, false);
         this.camera.aspect = width / Math.max(height, 1);
         this.camera.updateProjectionMatrix();
+        this.isStale = true;
     }
 
-    draw() { this.renderer.render(this.scene, this.camera); }
+    // Whatever is drawn already stays.
+    draw() {
+        if (!this.isStale) return;
+        this.isStale = false;
+        this.renderer.render(this.scene, this.camera);
+    }
 
     // The node at a place of the canvas, in its pixels; -1 for none.
     nodeAt(x, y, kind) {
