@@ -174,6 +174,7 @@ TEST_F(Recording, KeepsWhatIsWholeWhereTheUserStopsItAndNothingWhereTheHostDoes)
         host.DeleteSelected();
     };
     const std::string stopped = "the recording was stopped at frame ";
+    constexpr TimeValue kTime = 55;  // whose seconds lead to the tick before
     Tell("FOLLOW_CAMERA", "1");
     Tell("CAPTURE_TO", "59");
     for (const char* optimised : {"1", "0"}) {
@@ -195,6 +196,7 @@ TEST_F(Recording, KeepsWhatIsWholeWhereTheUserStopsItAndNothingWhereTheHostDoes)
             EXPECT_EQ(host.OpenScene(folder_.File("scene")).error, "");
             EXPECT_EQ(LensValues(60), lens);
             LensValues(1);
+            host.SetTime(kTime);
             whole = headless::SceneDigest();
             int changes = 0;
             Watcher watcher([&] {
@@ -217,6 +219,7 @@ TEST_F(Recording, KeepsWhatIsWholeWhereTheUserStopsItAndNothingWhereTheHostDoes)
         EXPECT_EQ(
             stopBy([] { GetCOREInterface()->DeleteNode(headless::FindNode("walk_Knee"), 0, 0); }),
             "\"Knee\" cannot be moved by the host");
+        EXPECT_EQ(GetCOREInterface()->GetTime(), kTime);
         EXPECT_EQ(headless::SceneDigest(), whole);
         EXPECT_EQ(stopBy([&] { deleteByHand("bystander"); }, true), stopped + "0");
 

@@ -189,7 +189,7 @@ void ReplayCore::RecordPlan(std::span<const PlannedTake> plan, const RecordSetti
     for (std::size_t i = recorded.takes.size(); i < plan.size(); ++i)
         reports[i]->error = plan[i].recording.capture + ": not recorded, since " + report.error;
     if (!report.error.empty()) {
-        adaptor_.SetCurrentTime(before);
+        GoTo(adaptor_, before);
         return;
     }
     adaptor_.ForceRedraw();
