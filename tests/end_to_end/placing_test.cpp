@@ -40,7 +40,7 @@ std::vector<Placing> Placings() {
         {walk, "--scale 1", 40, 0, 1.95, 0, 59},
         {longWalk, "--scale 1", 200, 0, 9.95, 0, 299, 1, 19.9},
         {longWalk, "--scale 1 --keep-range", 200, 0, 9.95, 0, 100, 1, 19.9},
-        {walk, "--scale 1 --from 7 --to 1.5s", 24, 0.35, 1.5, 10, 45, turned(7), 2.3},
+        {walk, "--scale 1 --from 7 --to 1.45s", 23, 0.35, 1.45, 10, 44, turned(7), 2.2},
         {walk, "--scale 1 --from 0.31s --to 30 --start 10", 24, 10, 11.15, 300, 335, turned(7),
          2.3},
         {walk, "--scale 1 --to 0 --start 0.5", 1, 0.5, 0.5, 15, 16, 1, 0},
@@ -105,7 +105,11 @@ TEST_F(Command, RecordsAllCapturesOfAFolderOrAPatternThatCanBe) {
     const Json told = Json::parse(ending.out);
     EXPECT_EQ(captures(told), "a caps/ab.bvh: b ");
     EXPECT_EQ(Line(told, {"nodes", "keys", "undoSteps", "saved"}), "6 80 1 \"all.scene\"");
-    EXPECT_EQ(captures(Ask("record caps/?.* --scale 1")), "a b c ");
+    // The first one tells the scale.
+    Write("caps/c.txt", With(Walk(20), "-0.5", "-0.25"));
+    const Json high = Ask("record caps/?.* --height 2");
+    EXPECT_EQ(captures(high), "a b c ");
+    EXPECT_NEAR(high["captures"][2]["heightMetres"], 1.5, 1e-9);
     EXPECT_EQ(captures(Ask("record caps/*b.bvh caps/c.txt --partial --scale 1")), "ab b c ");
 
     const Ending read = Run("record caps --into all.scene --scale 0.01");

@@ -42,7 +42,8 @@ std::vector<Retake> Retakes() {
             {finer, "", {"has a frame each 0.05 s (the capture each 0.025 s); ", way}, 1},
             {cut, "", {"the file ends after 20 of 21 frames; --partial "}, 1},
             {cut, "--partial", {over, "announced frames: 21, there are 20"}},
-            {dense, "--replace", {"10 of 20 frames are at", "a joint is 20", kept}, 1, 3, 20}};
+            {dense, "--replace", {"10 of 20 frames have no", "a joint is 20", kept}, 1, 3, 20},
+            {walk, "--replace --to 0 --start 1e6", {"1 of 1 frames have no time", kept}, 1, 3, 2}};
 }
 
 TEST_F(Command, LosesNothingOfATakeThatIsThereWithoutAWord) {

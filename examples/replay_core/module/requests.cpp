@@ -42,7 +42,7 @@ void Judge(const PlannedTake& planned, const RecordedTake& recorded, const ReadB
         report.faults.push_back(
             capture + std::to_string(recorded.framesWithoutKey) + " of " +
             std::to_string(recorded.recording.FrameCount()) +
-            " frames are at the time of another one for the host, and are lost");
+            " frames have no time of their own in the host, and are lost");
     if (readBack.maxPositionErrorMetres > kToleratedErrorMetres)
         report.faults.push_back(capture + "a joint is " +
                                 Millimetres(readBack.maxPositionErrorMetres) +

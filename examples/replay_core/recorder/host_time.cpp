@@ -33,10 +33,11 @@ void GoTo(TVL::AdaptorInterface& adaptor, double seconds) {
 std::size_t FramesWithoutKey(TVL::AdaptorInterface& adaptor, const Recording& recording) {
     if (AreApart(recording)) return 0;
     std::size_t without = 0;
-    double before = HostTime(adaptor, recording.FirstSeconds());
-    for (std::size_t frame = recording.firstFrame + 1; frame < recording.endFrame; ++frame) {
+    double before = kInfinity;
+    for (std::size_t frame = recording.firstFrame; frame < recording.endFrame; ++frame) {
         const double time = HostTime(adaptor, recording.Seconds(frame));
-        if (time == before) ++without;
+        const bool isElsewhere = std::abs(time - recording.Seconds(frame)) > kShortest;
+        if (time == before || isElsewhere) ++without;
         before = time;
     }
     return without;

@@ -11,9 +11,9 @@ namespace replay {
 
 void GoTo(TVL::AdaptorInterface& adaptor, double seconds);
 
-// How many of the frames the host has at the very time of the frame before, since it works in whole
-// ticks and its time has an end: of such frames only the last one keeps a key. Where that can be,
-// the host's time goes through the frames.
+// How many of the frames the host has at the very time of the frame before or elsewhere, since it
+// works in whole ticks and its time has an end: of such frames the last one at most keeps a key.
+// Where that can be, the host's time goes through the frames.
 std::size_t FramesWithoutKey(TVL::AdaptorInterface& adaptor, const Recording& recording);
 
 // What becomes of the scene's range of time: nothing, or it holds what was recorded, in whole

@@ -45,7 +45,7 @@ struct RecordedTake {
     TakeNodes nodes;
     bool isInterrupted = false;  // by Ctrl-C, which is asked for after each frame
 
-    std::size_t framesWithoutKey = 0;  // keys that the host has at the time of another
+    std::size_t framesWithoutKey = 0;  // which the host has elsewhere, or as another
 
     // What was meant beyond the capture itself, for each frame that was planned.
     Lifts lifts;
