@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "interchange/turns.h"
+#include "tests/interchange/made_takes.h"
 #include "tvl/base64_buffer.h"
 
 // What a page holds of a take, read as viewer/README.md tells.
@@ -15,14 +16,7 @@ namespace {
 
 using TVL::CMatrix4;
 
-using PoseOfOne = std::function<CMatrix4(std::size_t frame)>;
-
-struct Posed final : interchange::Poses {
-    void At(double seconds, std::span<CMatrix4> world) override {
-        world[0] = pose(static_cast<std::size_t>(std::lround(seconds)));
-    }
-    PoseOfOne pose;
-};
+using OnePose = std::function<CMatrix4(std::size_t frame)>;
 
 struct Page {
     std::string text;
@@ -77,11 +71,12 @@ void ReadFrames(const std::string& text, bool areTurns, std::size_t frames, Page
     }
 }
 
-Page WrittenAndRead(const PoseOfOne& pose, std::size_t frames, const std::string& name = "joint") {
-    interchange::Take take{.name = name, .frameCount = frames, .nodes{}};
-    take.nodes.push_back({.name = name, .kind = interchange::NodeKind::kJoint});
-    Posed poses;
-    poses.pose = pose;
+Page WrittenAndRead(const OnePose& pose, std::size_t frames, const std::string& name = "joint") {
+    interchange::Take take = Chain(1, frames, 1);
+    take.name = take.nodes[0].name = name;
+    MadePoses poses([&](double seconds, World world) {
+        world[0] = pose(static_cast<std::size_t>(std::lround(seconds)));
+    });
     std::ostringstream out;
     EXPECT_EQ(interchange::WritePage({{&take, &poses}}, name, "before<!-- takes -->behind", out,
                                      [] { return true; }),
@@ -117,7 +112,7 @@ TEST(PageTest, HoldsTurnsInFourNumbersAndAllOtherAxesAsTheyAre) {
                 {CMatrix4::Diagonal(0, 0, 0, 1), "axes"}};
     for (const auto& [change, form] : rows) {
         SCOPED_TRACE(change[1][1]);
-        const PoseOfOne pose = [&](std::size_t frame) {
+        const OnePose pose = [&](std::size_t frame) {
             CMatrix4 world = frame == 1 ? change * turn : turn;
             world[3][0] = static_cast<double>(frame) + 0.25;
             return world;
@@ -152,7 +147,7 @@ TEST(PageTest, HoldsEachFrameOfALongTakeOnce) {
 }
 
 TEST(PageTest, NeitherNamesNorNumbersThatAreNoneBreakIt) {
-    const PoseOfOne pose = [](std::size_t) {
+    const OnePose pose = [](std::size_t) {
         CMatrix4 world = CMatrix4::Identity();
         world[0][0] = world[3][1] = std::nan("");
         world[3][0] = 1e300;

@@ -43,15 +43,18 @@ function shadowed([x0, x1, z0, z1]) {
     return plane;
 }
 
+// The last number of each side says which axis it counts along.
 function numbers(group, [x0, x1, z0, z1], step, colour) {
-    const every = step * Math.max(1, Math.round((x1 - x0) / step / 8));
-    for (const [from, to, place] of [[x0, x1, v => [v, z1 + step / 3]], [z0, z1, v => [x0 - step / 3, v]]])
-        for (const at of multiples(every, from, to)) {
-            const sprite = label(`${written(at, digitsOf(step))} m`, colour);
+    const every = step * Math.max(1, Math.round((x1 - x0) / step / 5));
+    const sides = [['x', x0, x1, v => [v, z1 + step / 3]], ['z', z0, z1, v => [x0 - step / 3, v]]];
+    for (const [axis, from, to, place] of sides)
+        multiples(every, from, to).forEach((at, i, all) => {
+            const metres = `${written(at, digitsOf(step))} m`;
+            const sprite = label(i + 1 === all.length ? `${axis} ${metres}` : metres, colour);
             const [x, z] = place(at);
             sprite.position.set(x, 0, z);
             group.add(sprite);
-        }
+        });
 }
 
 // Under a motion from `least` to `most`, in metres, with some room around.
