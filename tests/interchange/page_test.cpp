@@ -141,6 +141,8 @@ TEST(PageTest, HoldsEachFrameOfALongTakeOnce) {
         EXPECT_EQ(page.counts.size(), (frames + kMost - 1) / kMost);
         EXPECT_EQ(page.counts.front(), std::min(frames, kMost));
         ASSERT_EQ(page.worlds.size(), frames);
+        const std::string most = std::to_string(frames - 1) + ".0]";
+        EXPECT_NE(page.text.find("\"most\":[0.0,0.0," + most), std::string::npos);
         for (std::size_t frame = 0; frame < frames; ++frame)
             ASSERT_EQ(page.worlds[frame][3][2], static_cast<double>(frame));
     }

@@ -106,12 +106,24 @@ const placeBeside = ({ world: child }, { world: parent }) => {
 };
 const distance = (a, b) => Math.hypot(...a.map((part, i) => part - b[i]));
 
-// The nodes stand where `sample` finds them, and turn so that bones keep what hangs on them.
+// How many nodes but cameras are beside the picture.
+const unseen = () => {
+    const { clientWidth: width, clientHeight: height } = document.getElementById('stage');
+    const { spots, worlds } = lumiset;
+    return worlds.filter(({ kind }, node) => {
+        const [x, y] = spots[node];
+        return kind !== 'camera' && !(x > 0 && x < width && y > 0 && y < height);
+    }).length;
+};
+
+// The nodes stand where `sample` finds them, all in the picture, and turn so that bones keep what
+// hangs on them.
 async function comparePlaces(tab, { name, take, samples }) {
-    let furthest = 0, loosest = 0, compared = 0, first = null;
+    let furthest = 0, loosest = 0, compared = 0, outside = 0, first = null;
     for (const { seconds, places } of samples) {
         await goTo(tab, `#t=${seconds + 1e-9}`);
         const worlds = await shown(tab, () => lumiset.worlds);
+        outside += await shown(tab, unseen);
         first ??= worlds;
         worlds.forEach((node, n) => {
             const place = places.get(`${take.name}_${node.name}`);
@@ -123,6 +135,7 @@ async function comparePlaces(tab, { name, take, samples }) {
         });
     }
     expect(compared === TIMES * first.length, `${name}: ${compared} places compared`);
+    expect(outside === 0, `${name}: ${outside} places are beside the picture`);
     expect(furthest < METRES, `${name}: ${furthest} m from where sample finds it`);
     if (name !== 'six_channels') expect(loosest < LOOSE, `${name}: bones change by ${loosest} m`);
     console.log(`${name}: ${compared} places, ${furthest.toExponential(1)} m off at most; bones change by ${loosest.toExponential(1)} m`);

@@ -293,7 +293,7 @@ window.lumiset = Object.freeze({
     get worlds() {
         const { matrices } = stage.figure;
         return takes[takeNumber].nodes.map((node, i) =>
-            ({ name: node.name, parent: node.parent, world: [...matrices.subarray(16 * i, 16 * i + 16)] }));
+            ({ name: node.name, parent: node.parent, kind: node.kind, world: [...matrices.subarray(16 * i, 16 * i + 16)] }));
     },
 });
 
