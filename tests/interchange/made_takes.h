@@ -41,7 +41,7 @@ inline interchange::Take Chain(std::size_t joints, std::size_t frames, double fr
     interchange::Take take{
         .name = "chain", .frameSeconds = frameSeconds, .frameCount = frames, .nodes{}};
     for (std::size_t i = 0; i < joints; ++i)
-        take.nodes.push_back({.name = "joint " + std::to_string(i),
+        take.nodes.push_back({.name = "joint" + std::to_string(i),
                               .parent = i - 1,  // none of the first
                               .kind = interchange::NodeKind::kJoint});
     return take;

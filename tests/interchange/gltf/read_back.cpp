@@ -42,38 +42,33 @@ std::vector<std::string> ReadBack::Names() const {
     return names;
 }
 
-const aiNodeAnim* ReadBack::ChannelOf(const std::string& name) const {
-    const auto found = channels_.find(name);
+const aiNodeAnim* ReadBack::ChannelOf(const aiNode& node) const {
+    const auto found = channels_.find(node.mName.C_Str());
     return found == channels_.end() ? nullptr : found->second;
 }
 
-aiMatrix4x4 ReadBack::BesideParent(const aiNode& node, std::size_t key) const {
-    const aiNodeAnim* const channel = ChannelOf(node.mName.C_Str());
-    if (!channel) return node.mTransformation;
-    aiMatrix4x4 move, scale;
-    aiMatrix4x4::Translation(At(channel->mPositionKeys, channel->mNumPositionKeys, key), move);
-    aiMatrix4x4::Scaling(At(channel->mScalingKeys, channel->mNumScalingKeys, key), scale);
-    const aiQuaternion turn = At(channel->mRotationKeys, channel->mNumRotationKeys, key);
-    return move * aiMatrix4x4(turn.GetMatrix()) * scale;
+aiMatrix4x4 ReadBack::WorldOf(const aiNode& node, std::size_t key) const {
+    aiMatrix4x4 local = node.mTransformation;
+    if (const aiNodeAnim* const channel = ChannelOf(node))
+        local = aiMatrix4x4(At(channel->mScalingKeys, channel->mNumScalingKeys, key),
+                            At(channel->mRotationKeys, channel->mNumRotationKeys, key),
+                            At(channel->mPositionKeys, channel->mNumPositionKeys, key));
+    return node.mParent ? WorldOf(*node.mParent, key) * local : local;
 }
 
-aiMatrix4x4 ReadBack::WorldOf(std::size_t number, std::size_t key) const {
-    aiMatrix4x4 world;
-    for (const aiNode* node = nodes_.at(number); node; node = node->mParent)
-        world = BesideParent(*node, key) * world;
-    return world;
-}
-
-std::array<double, 3> ReadBack::PlaceOf(std::size_t node, std::size_t key) const {
-    const aiMatrix4x4 world = WorldOf(node, key);
-    return {double{world.a4}, double{world.b4}, double{world.c4}};
-}
-
-std::array<double, 4> ReadBack::TurnOf(std::size_t node, std::size_t key) const {
-    aiVector3D scale, place;
-    aiQuaternion turn;
-    WorldOf(node, key).Decompose(scale, turn, place);
-    return {double{turn.x}, double{turn.y}, double{turn.z}, double{turn.w}};
+Samples ReadBack::SamplesOf(std::size_t keys) const {
+    Samples samples;
+    for (const aiNode* const node : nodes_) {
+        auto& own = samples[node->mName.C_Str()];
+        own.clear();
+        for (std::size_t key = 0; key < keys; ++key) {
+            aiVector3D scale, at;
+            aiQuaternion turn;
+            WorldOf(*node, key).Decompose(scale, turn, at);
+            own.push_back({at.x, at.y, at.z, turn.x, turn.y, turn.z, turn.w});
+        }
+    }
+    return samples;
 }
 
 std::vector<double> ReadBack::KeySeconds(std::size_t animation) const {

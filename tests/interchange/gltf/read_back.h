@@ -2,13 +2,13 @@
 
 #include <assimp/scene.h>
 
-#include <array>
 #include <assimp/Importer.hpp>
 #include <cstddef>
 #include <map>
 #include <string>
 #include <vector>
 
+#include "tests/end_to_end/samples.h"
 #include "tests/support/folder/temporary_folder.h"
 
 // A file as another program reads it, which sees nothing of what wrote it.
@@ -16,26 +16,22 @@ class ReadBack {
   public:
     explicit ReadBack(const std::string& file);
 
-    // All nodes, each before what is below it.
+    // Of all nodes, each before what is below it; ends of chains are none.
     std::vector<std::string> Names() const;
 
-    // Where a node is in the world at a key of all animations, or, without keys, always.
-    std::array<double, 3> PlaceOf(std::size_t node, std::size_t key) const;
-
-    // And how it is turned there, as a quaternion x, y, z, w.
-    std::array<double, 4> TurnOf(std::size_t node, std::size_t key) const;
+    // In the world, at so many keys of the first animation. Of nodes of one name the last counts.
+    Samples SamplesOf(std::size_t keys) const;
 
     std::vector<double> KeySeconds(std::size_t animation) const;
 
     const aiScene& Scene() const { return *importer_.GetScene(); }
 
     // Of the first animation; null for a node that stands still.
-    const aiNodeAnim* ChannelOf(const std::string& name) const;
+    const aiNodeAnim* ChannelOf(const aiNode& node) const;
 
   private:
     void Add(const aiNode& node);
-    aiMatrix4x4 WorldOf(std::size_t node, std::size_t key) const;
-    aiMatrix4x4 BesideParent(const aiNode& node, std::size_t key) const;
+    aiMatrix4x4 WorldOf(const aiNode& node, std::size_t key) const;
 
     Assimp::Importer importer_;
     std::vector<const aiNode*> nodes_;
