@@ -22,9 +22,10 @@ using TVL::CMatrix4;
 constexpr std::size_t kFrames = 200;
 constexpr double kFrameSeconds = 0.0137;
 
-// Three joints, of which the second one makes turns that grow from frame to frame.
+// A long chain, whose joints but for the first one make turns that grow from frame to frame.
+constexpr std::size_t kJoints = 20;
 interchange::Take Arm() {
-    return Chain(3, kFrames, kFrameSeconds);
+    return Chain(kJoints, kFrames, kFrameSeconds);
 }
 MadePoses::Make ArmPose(std::string_view order, const interchange::Turns& first,
                         const interchange::Turns& more) {
@@ -35,8 +36,8 @@ MadePoses::Make ArmPose(std::string_view order, const interchange::Turns& first,
             turns[i] += frame * more[i];
         const interchange::TurnOrder turnOrder(order);
         world[0] = At(frame / 100, 1, 0, TurnAbout(1, 70));
-        world[1] = At(0.2, 0.4, 0, interchange::RotationOf(turnOrder, turns)) * world[0];
-        world[2] = At(0.3, 0, 0.1) * world[1];
+        for (std::size_t i = 1; i < world.size(); ++i)
+            world[i] = At(0.3, 0, 0.1, interchange::RotationOf(turnOrder, turns)) * world[i - 1];
     };
 }
 
@@ -74,7 +75,7 @@ TEST(BvhFile, BringsEachOrderOfTurnsBackAndTurnsRunOnFromFrameToFrame) {
             EXPECT_EQ(written.motion.frameSeconds, kFrameSeconds);
             double furthest = 0;
             for (std::size_t frame = 0; frame < kFrames; ++frame) {
-                std::vector<CMatrix4> read(written.motion.joints.size()), meant(3);
+                std::vector<CMatrix4> read(written.motion.joints.size()), meant(kJoints);
                 replay::EvaluatePose(written.motion, frame, scale, read);
                 pose(double(frame) * kFrameSeconds, meant);
                 for (std::size_t i = 0; i < 12 * meant.size(); ++i) {

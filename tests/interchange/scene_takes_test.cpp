@@ -68,6 +68,7 @@ TEST_F(SceneTakes, WithoutACoreEachTreeWithKeysIsOneInTheFramesOfItsKeys) {
     const interchange::Take slow = takes[1].Resampled(0.4);
     EXPECT_EQ(slow.frameCount, 3U);
     EXPECT_DOUBLE_EQ(slow.EndSeconds(), 0.8);
+    EXPECT_EQ(takes[1].Resampled(0.1).frameCount, 11U);
 }
 
 TEST_F(SceneTakes, OfACoreHaveTheSpanOfTheirRecordingsAndNodesOfTheirOwnTrees) {
@@ -94,6 +95,9 @@ TEST_F(SceneTakes, OfACoreHaveTheSpanOfTheirRecordingsAndNodesOfTheirOwnTrees) {
     EXPECT_EQ(takes[1].startSeconds, 0);
     EXPECT_EQ(takes[1].frameSeconds, 0.25);
     EXPECT_EQ(takes[1].EndSeconds(), 2.5);
+
+    // The knee of the second tree, though the first one's is free.
+    EXPECT_EQ(interchange::TakesOf({Told("one", {"_Hip"}), told[1]}).back().nodes[1].parent, 0U);
 
     // A scene file can say anything.
     told[0].recordings = {{"a.bvh", 1, NAN, 0, 0, INFINITY}, {"a.bvh", 1, -1, 5, 2, -1e300}};
