@@ -68,7 +68,7 @@ TEST_F(SceneTakes, WithoutACoreEachTreeWithKeysIsOneInTheFramesOfItsKeys) {
     const interchange::Take slow = takes[1].Resampled(0.4);
     EXPECT_EQ(slow.frameCount, 3U);
     EXPECT_DOUBLE_EQ(slow.EndSeconds(), 0.8);
-    EXPECT_EQ(takes[1].Resampled(0.1).frameCount, 11U);
+    EXPECT_EQ(takes[1].Resampled(1.0 / 93).frameCount, 94U);
 }
 
 TEST_F(SceneTakes, OfACoreHaveTheSpanOfTheirRecordingsAndNodesOfTheirOwnTrees) {

@@ -200,11 +200,16 @@ TEST_F(OddTake, HoldsNumbersWhateverItsPosesAre) {
          {CMatrix4::Diagonal(1e-320, 1e200, 1e200, 1), CMatrix4::Diagonal(INFINITY, 1, 1, 1),
           CMatrix4::Diagonal(0, 0, 0, 1), At(1e300, 0, 0)}) {
         interchange::LocalMotion motion(take_, 1 << 20);
+        std::vector<CMatrix4> world(4);
+        for (const double seconds : {0, 1}) {
+            PoseChain(seconds, world);
+            motion.Add(world);
+        }
         motion.Add(std::vector<CMatrix4>(4, odd));
         for (const interchange::NodeMotion& node : motion.nodes)
             for (const interchange::Channel& channel :
                  {node.translation, node.rotation, node.scale})
-                for (const float number : channel.first)
+                for (const float number : channel.keys)
                     EXPECT_TRUE(std::isfinite(number));
     }
 }
