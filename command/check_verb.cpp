@@ -83,8 +83,10 @@ std::size_t CountLives(const CheckArguments& arguments) {
 // Whatever is made tells of itself at once. The first check shows whether there is a Core at all.
 void MakeAll(const CheckArguments& arguments, const CheckOptions& options, LongWork& checking,
              CheckReport& report) {
+    const PassingFolder passing(options.folder, "passing");
     for (const Check& check : Checks()) {
         CheckOptions own = options;
+        own.passing = passing.Path();
         for (int life = 0; life < LivesOf(check, arguments); ++life, ++own.seed) {
             CheckOutcome outcome = MakeCheckApart(check, own);
             if (platform::Interrupt::IsWanted()) return;
@@ -110,7 +112,7 @@ void RunChecks(const CheckArguments& arguments) {
     if (!isPassing) MakeFolder(options.folder);
     std::optional<CoreFile> junit;
     if (!arguments.junit.empty()) junit.emplace(arguments.junit);
-    if (isPassing) options.folder = NewFolderForPassing("lumiset-checks");
+    if (isPassing) options.folder = NewFolder(FolderForPassing(), "lumiset-checks");
     CheckReport report{.core = options.guests.core, .outcomes = {}};
     LongWork checking("Checking", CountLives(arguments), "check");
     if (arguments.only.empty()) {

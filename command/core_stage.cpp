@@ -143,7 +143,8 @@ void CoreStage::TakeSeat(const GuestChoice& guests) {
 }
 
 void CoreStage::TellOfUnsavedWork(const std::string& tape) {
-    std::string word = player::WordOfUnsavedWork(tape);
+    std::string word = player::WordOfUnsavedWork(tape, ProgressOn("Looking at", tape));
+    EndIfStopped(tape + ": what is on it was being looked at");
     if (!word.empty()) pending_.complaints.push_back(std::move(word));
 }
 
@@ -235,9 +236,11 @@ replay::Report CoreStage::AskCoreForFile(CoreRequest request, const CoreFile& fi
 // A button has no answer.
 void CoreStage::ConvertControllers() {
     NeedCore();
+    LongWork converting("Converting controllers", 1);
     if (!OrRefuse([this] { return seat_->Press(TVL::kConvertAllControllers); }))
         throw Failure(seat_->Library() + ": this Core has no button for option " +
                       std::to_string(TVL::kConvertAllControllers));
+    EndIfStopped("the controllers are converted");
     for (const NodeView& view : Nodes()) {
         INode* const node = GetCOREInterface()->GetINodeByHandle(view.handle);
         if (HasKeyframes(node->GetTMController()) || HasKeyframes(node->GetObjectRef()))

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "command/exit_status.h"
+#include "command/long_work.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
 #include "headless/scene_file_view.h"
@@ -34,6 +35,7 @@ void PrintForProgram(std::ostream& out, const Differences& differences) {
 }
 
 Differences Compare(const DiffArguments& arguments) {
+    const ToldSceneFiles told;
     const auto cachedKeys = arguments.cachedKeys ? CachedKeys::kCompared : CachedKeys::kLeftOut;
     return {
         OrRefuse([&] { return CompareSceneFiles(arguments.first, arguments.second, cachedKeys); },

@@ -4,6 +4,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "platform/interrupt.h"
+
 namespace headless {
 
 // How the command ends.
@@ -42,13 +44,13 @@ inline std::string ForPeople(std::string text) {
 }
 
 // Gives what the work gives. What libraries throw of files and paths is a refusal, and no fault of
-// the program.
+// the program; behind Ctrl-C it is how far they came.
 template <class Work>
 auto OrRefuse(const Work& work, int status = kFailed) {
     try {
         return work();
     } catch (const std::runtime_error& error) {
-        throw Failure(ForPeople(error.what()), status);
+        throw Failure(ForPeople(error.what()), platform::Interrupt::IsWanted() ? kStopped : status);
     }
 }
 

@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "command/exit_status.h"
+#include "command/long_work.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
 #include "headless/scene_file_view.h"
@@ -163,6 +164,7 @@ struct InfoArguments {
 void OpenInHost(const GuestChoice& guests, InfoResult& result) {
     CoreStage stage(guests);
     const FileOutcome outcome = stage.Host().OpenScene(result.scene);
+    if (!outcome.error.empty()) EndIfStopped(outcome.error);
     if (!outcome.error.empty()) throw Failure(outcome.error);
     stage.NoteScene(recorder::note::kOpened, result.scene);
     for (const ClassInFile& type : result.file.classes)
@@ -174,6 +176,7 @@ void OpenInHost(const GuestChoice& guests, InfoResult& result) {
 // Looks at the file alone, and then opens it with the guests that are wanted. The file can be told
 // of also where there is nobody to open it.
 InfoResult Info(const std::string& scene, const GuestChoice& guests) {
+    const ToldSceneFiles told;
     InfoResult result;
     result.scene = scene;
     result.file = OrRefuse([&] { return ViewSceneFile(scene); });
@@ -184,6 +187,7 @@ InfoResult Info(const std::string& scene, const GuestChoice& guests) {
     try {
         OpenInHost(guests, result);
     } catch (const Failure& failure) {
+        if (failure.Status() == kStopped) throw;
         result.whyNotOpened = failure.what();
     }
     return result;

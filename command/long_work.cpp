@@ -2,10 +2,10 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 
 #include "command/exit_status.h"
 #include "command/output.h"
-#include "platform/interrupt.h"
 #include "platform/narrow_path.h"
 #include "platform/process.h"
 
@@ -50,6 +50,25 @@ bool FileLine::Tell(const FileProgress& progress) {
     const bool goesOn = line_->AdvanceTo(isOver ? kSteps : kSteps * progress.done / progress.whole);
     if (isOver) End();
     return goesOn;
+}
+
+ToldSceneFiles::ToldSceneFiles() {
+    Session::OnProgress([this](const FileProgress& file) { return line_.Tell(file); });
+}
+
+ToldSceneFiles::~ToldSceneFiles() {
+    Session::OnProgress({});
+}
+
+std::function<bool(std::uint64_t, std::uint64_t)> ProgressOn(const char* doing,
+                                                             const std::string& path) {
+    struct Told {
+        platform::Interrupt interrupt;
+        FileLine line;
+    };
+    return [doing, path, told = std::make_shared<Told>()](std::uint64_t done, std::uint64_t whole) {
+        return told->line.Tell({doing, path, done, whole});
+    };
 }
 
 }  // namespace headless

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
 
 #include "headless/session.h"
+#include "platform/interrupt.h"
 #include "platform/progress_line.h"
 
 // Work of a verb that a person may have to wait for: it is shown where somebody reads stderr, and
@@ -54,5 +56,23 @@ class FileLine {
     std::string title_;
     std::optional<platform::ProgressLine> line_;
 };
+
+// Tells of scene files that are looked at without a stage, and notes Ctrl-C, while it lives.
+class ToldSceneFiles {
+  public:
+    ToldSceneFiles();
+    ~ToldSceneFiles();
+    ToldSceneFiles(const ToldSceneFiles&) = delete;
+    ToldSceneFiles& operator=(const ToldSceneFiles&) = delete;
+
+  private:
+    platform::Interrupt interrupt_;
+    FileLine line_;
+};
+
+// The same for whoever goes through a file and asks now and then whether to go on, while the
+// function lives.
+std::function<bool(std::uint64_t done, std::uint64_t whole)> ProgressOn(const char* doing,
+                                                                        const std::string& path);
 
 }  // namespace headless

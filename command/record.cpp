@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "command/exit_status.h"
+#include "command/long_work.h"
 #include "command/output.h"
 #include "headless/primitives.h"
 #include "headless/scene_view.h"
@@ -199,12 +200,17 @@ void CountNodesAndKeys(RecordResult& result) {
 }
 
 void UndoAndRedo(Session& session, std::uint64_t before, RecordResult& result) {
+    LongWork trying("Trying undo and redo", 4);
     const std::uint64_t recorded = SceneDigest();
+    trying.Advance();
     while (session.Undo())
         ++result.undoSteps;
+    trying.Advance();
     result.undoIdentical = SceneDigest() == before;
+    trying.Advance();
     while (session.Redo()) {
     }
+    trying.Advance();
     result.redoIdentical = SceneDigest() == recorded;
 }
 

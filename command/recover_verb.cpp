@@ -10,6 +10,7 @@
 
 #include "command/core_stage.h"
 #include "command/exit_status.h"
+#include "command/long_work.h"
 #include "command/tape_print.h"
 #include "command/verb_options.h"
 #include "command/verbs.h"
@@ -154,13 +155,18 @@ Failure NothingLacks(const recorder::TapeContents& tape, const player::RecoveryR
     return Failure(text);
 }
 
+player::RecoveryReport Perform(player::Recovery& recovery, Session& host, const std::string& tape) {
+    const auto progress = ProgressOn("Recovering", tape);
+    return OrRefuse([&] { return recovery.Perform(host, progress); });
+}
+
 void RunRecover(RecoverArguments& arguments) {
     player::RecoveryChoice& choice = arguments.choice;
     KeepApart({{"TAPE", arguments.tape}, {"--into", choice.scene}}, {{kOutput, arguments.output}});
     ExpectFile(arguments.output);
     if (arguments.takesOpen) choice.openGroups = player::OpenGroups::kTaken;
     const recorder::TapeContents tape =
-        OrRefuse([&] { return recorder::ReadTape(arguments.tape); });
+        ReadTape(arguments.tape, kFailed, recorder::MayBeBlank::kNo);
     const auto take = [](const char* option, const std::optional<int>& said, Range range,
                          auto& to) {
         if (!said) return;
@@ -177,10 +183,8 @@ void RunRecover(RecoverArguments& arguments) {
     CoreStage stage(guests, recovery->Settings());
     stage.NeedCore();
     if (!choice.scene.empty()) stage.Open(choice.scene);
-    RecoverResult result{arguments.tape,
-                         OrRefuse([&] { return recovery->Perform(stage.Host()); }),
-                         arguments.output,
-                         {}};
+    RecoverResult result{
+        arguments.tape, Perform(*recovery, stage.Host(), arguments.tape), arguments.output, {}};
     if (result.report.IsEmpty()) throw NothingLacks(tape, result.report);
     stage.Save(arguments.output);
     result.news = stage.TakeNewsInOne();

@@ -5,6 +5,7 @@
 #include <iostream>
 #include <sstream>
 
+#include "command/long_work.h"
 #include "command/output.h"
 #include "command/tape_values.h"
 #include "recorder/stream/notes.h"
@@ -63,8 +64,13 @@ Json FactsJson(const recorder::Record& record, const recorder::ObjectNames& name
 
 }  // namespace
 
+recorder::TapeContents ReadTape(const std::string& tape, int status, recorder::MayBeBlank blank) {
+    const auto progress = ProgressOn("Reading", tape);
+    return OrRefuse([&] { return recorder::ReadTape(tape, blank, progress); }, status);
+}
+
 recorder::TapeContents ReadTapeOrRefuse(const std::string& tape, int status) {
-    auto contents = OrRefuse([&] { return recorder::ReadTape(tape); }, status);
+    auto contents = ReadTape(tape, status, recorder::MayBeBlank::kNo);
     PrintEach(std::cerr, kComplaint, DamagesOf(contents));
     return contents;
 }

@@ -11,8 +11,10 @@
 // How what a tape holds is told.
 namespace headless {
 
-// A tape, or a refusal with that status. What was passed over on it is told as complaints.
+// A tape, or a refusal with that status. What was passed over on it is told as complaints; of one
+// that may be blank it is not.
 recorder::TapeContents ReadTapeOrRefuse(const std::string& tape, int status = kFailed);
+recorder::TapeContents ReadTape(const std::string& tape, int status, recorder::MayBeBlank blank);
 std::vector<std::string> DamagesOf(const recorder::TapeContents& tape);  // each with the file
 
 // Of two long texts what is around the place where they part.

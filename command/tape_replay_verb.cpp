@@ -1,6 +1,5 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -15,7 +14,6 @@
 #include "command/verbs.h"
 #include "command/written_files.h"
 #include "platform/interrupt.h"
-#include "platform/narrow_path.h"
 #include "player/host_settings.h"
 #include "player/replay/replay.h"
 #include "recorder/tape/read_tape.h"
@@ -48,23 +46,6 @@ struct ReplayResult {
     std::string came;
 };
 
-// For the scenes that a replay saves.
-class PassingFolder {
-  public:
-    PassingFolder() : path_(NewFolderForPassing("lumiset-replay")) {}
-    ~PassingFolder() {
-        std::error_code error;
-        std::filesystem::remove_all(platform::FromNarrow(path_), error);
-    }
-    PassingFolder(const PassingFolder&) = delete;
-    PassingFolder& operator=(const PassingFolder&) = delete;
-
-    const std::string& Path() const { return path_; }
-
-  private:
-    std::string path_;
-};
-
 // Sessions of one host, played beside a host of this one's.
 class Performance {
   public:
@@ -76,9 +57,7 @@ class Performance {
           scene_{stage_, {}} {}
 
     void Perform(std::vector<std::string>& told) {
-        while (const auto step = replay_.NextStep()) {
-            EndIfStopped("after " + Counted(replay_.Calls(), "call") +
-                         ", whose answers were the same");
+        while (const auto step = Next()) {
             told.push_back(step->text + (step->isInferred ? "  (inferred)" : ""));
             try {
                 do {
@@ -94,6 +73,12 @@ class Performance {
     }
 
   private:
+    std::optional<player::Replay::Step> Next() {
+        std::optional<player::Replay::Step> step = replay_.NextStep();
+        EndIfStopped("after " + Counted(replay_.Calls(), "call") + ", whose answers were the same");
+        return step;
+    }
+
     void Do(const player::Replay::Step& given) {
         Step step = StepsOfOptions({given.text}).front();
         const StepFile use = step.kind->file;
@@ -181,14 +166,14 @@ void Perform(const ReplayArguments& arguments, player::Replay& replay, player::R
 ReplayResult Play(const ReplayArguments& arguments) {
     const platform::Interrupt interrupt;  // no folder is left then
     const recorder::TapeContents tape = Read(arguments);
-    const PassingFolder folder;
+    const PassingFolder folder(FolderForPassing(), "lumiset-replay");  // for scenes that it saves
     ReplayResult result;
     result.tape = arguments.tape;
     const auto wanted = static_cast<std::size_t>(arguments.session.value_or(0));
     std::size_t first = 0;
     while (first < tape.sessions.size() && !result.verdict && (wanted == 0 || first < wanted)) {
         player::ReplayScenes scenes(tape, folder.Path());
-        player::Replay replay(tape, first, scenes);
+        player::Replay replay(tape, first, scenes, ProgressOn("Replaying", arguments.tape));
         const std::size_t begin = std::exchange(first, replay.End());
         if (wanted > first) continue;
         Perform(arguments, replay, scenes, player::SettingsOf(tape.sessions[begin]), result.told);

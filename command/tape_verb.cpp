@@ -4,9 +4,11 @@
 #include <iostream>
 #include <limits>
 #include <memory>
+#include <span>
 #include <sstream>
 
 #include "command/exit_status.h"
+#include "command/long_work.h"
 #include "command/output.h"
 #include "command/tape_print.h"
 #include "command/verb_options.h"
@@ -141,9 +143,7 @@ void AddInfo(CLI::App& app) {
     AddAudience(*verb, arguments->audience);
     AddExample(*verb, "tape info walk.tape");
     verb->callback([arguments] {
-        TapeInfo info{.tape = OrRefuse([&] {
-                          return recorder::ReadTape(arguments->tape, recorder::MayBeBlank::kYes);
-                      }),
+        TapeInfo info{.tape = ReadTape(arguments->tape, kFailed, recorder::MayBeBlank::kYes),
                       .sessions = {}};
         for (const TapeSession& session : info.tape.sessions)
             info.sessions.push_back(recorder::Summarise(session));
@@ -308,7 +308,9 @@ TapeComparison Compare(const std::string& first, const std::string& second) {
     const TapeContents one = ReadTapeOrRefuse(first, kNotCompared);
     const TapeContents other = ReadTapeOrRefuse(second, kNotCompared);
     TapeComparison comparison{.paths = {first, second}, .lines = {}};
-    const auto difference = recorder::CompareTapes(one, other);
+    const auto progress = ProgressOn("Comparing", first);
+    const auto difference =
+        OrRefuse([&] { return recorder::CompareTapes(one, other, progress); }, kNotCompared);
     if (!difference) return comparison;
     comparison.session = difference->session + 1;
     auto& [line, otherLine] = comparison.lines;
@@ -364,15 +366,23 @@ void AddDiff(CLI::App& app) {
 
 // anonymise
 
+void WriteBlocks(const std::string& path, std::span<const std::uint8_t> bytes, std::ostream& out) {
+    constexpr std::size_t kBlock = std::size_t{1} << 24;
+    LongWork writing("Writing " + path, bytes.size() / kBlock + 1);
+    for (std::span<const std::uint8_t> block; !bytes.empty(); bytes = bytes.subspan(block.size())) {
+        block = bytes.first(std::min(bytes.size(), kBlock));
+        out.write(reinterpret_cast<const char*>(block.data()),
+                  static_cast<std::streamsize>(block.size()));
+        writing.Advance();
+    }
+}
+
 void WriteWhole(const std::string& path, const std::vector<std::uint8_t>& bytes) {
-    ExpectFile(path);
-    const platform::Interrupt interrupt;  // no half of it is left then
     platform::WholeFile file(path);
     std::string reason = file.Refusal();
     if (reason.empty()) {
         std::ofstream out(platform::FromNarrow(file.Path()), std::ios::binary);
-        out.write(reinterpret_cast<const char*>(bytes.data()),
-                  static_cast<std::streamsize>(bytes.size()));
+        WriteBlocks(path, bytes, out);
         out.close();
         reason = out ? file.TakePlace() : "it cannot be written";
     }
@@ -396,7 +406,12 @@ void AddAnonymise(CLI::App& app) {
     AddExample(*verb, "tape anonymise walk.tape -o sent.tape");
     verb->callback([arguments] {
         KeepApart({{"TAPE", arguments->tape}}, {{kOutput, arguments->out}});
-        WriteWhole(arguments->out, OrRefuse([&] { return recorder::Anonymised(arguments->tape); }));
+        ExpectFile(arguments->out);
+        const platform::Interrupt interrupt;  // no half of it is left then
+        WriteWhole(arguments->out, OrRefuse([&] {
+                       return recorder::Anonymised(arguments->tape,
+                                                   ProgressOn("Reading", arguments->tape));
+                   }));
         TellSaved(std::cout);
     });
 }

@@ -120,14 +120,19 @@ std::string FolderForPassing() {
     return path;
 }
 
-std::string NewFolderForPassing(const std::string& name) {
-    const std::filesystem::path parent = platform::FromNarrow(FolderForPassing());
+std::string NewFolder(const std::string& parent, const std::string& name) {
     for (int number = 1;; ++number) {
-        const std::filesystem::path folder = parent / (name + '-' + std::to_string(number));
+        const std::filesystem::path folder =
+            platform::FromNarrow(parent) / (name + '-' + std::to_string(number));
         std::error_code error;
         if (std::filesystem::create_directory(folder, error)) return platform::ToNarrow(folder);
         if (error) throw Failure(platform::Shown(folder) + ": " + error.message());
     }
+}
+
+PassingFolder::~PassingFolder() {
+    std::error_code isInUse;
+    std::filesystem::remove_all(platform::FromNarrow(path_), isInUse);
 }
 
 // Asked by itself the buffer would throw where it cannot be read.

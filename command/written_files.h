@@ -39,10 +39,25 @@ void TellSaved(std::ostream& out);
 // Nothing where no file was to be written. Asks for no memory.
 void TellWhatStands(std::ostream& out);
 
-// The system's folder for files that pass, and a new folder in it, whose name begins so. Both throw
-// a Failure where there is none.
+// The system's folder for files that pass, and a new folder in it or another, whose name begins so.
+// Both throw a Failure where there is none.
 std::string FolderForPassing();
-std::string NewFolderForPassing(const std::string& name);
+std::string NewFolder(const std::string& parent, const std::string& name);
+
+// A new folder for files that pass, which goes with all that is in it.
+class PassingFolder {
+  public:
+    PassingFolder(const std::string& parent, const std::string& name)
+        : path_(NewFolder(parent, name)) {}
+    ~PassingFolder();
+    PassingFolder(const PassingFolder&) = delete;
+    PassingFolder& operator=(const PassingFolder&) = delete;
+
+    const std::string& Path() const { return path_; }
+
+  private:
+    std::string path_;
+};
 
 // All that a stream still gives; nothing if it cannot be read to its end.
 std::optional<std::string> RestOf(std::istream& stream);

@@ -52,8 +52,9 @@ std::string_view Word(Verdict verdict);
 void TellAlone(std::ostream& out, const CheckOutcome& outcome);
 
 struct CheckOptions {
-    GuestChoice guests;  // the Core
-    std::string folder;  // for tapes and what else a check writes
+    GuestChoice guests;   // the Core
+    std::string folder;   // for tapes and what else a check writes, and one that fails leaves
+    std::string passing;  // for all that a check writes in a process of its own, until it is over
     std::uint64_t seed = 1;
     double secondsEach = 60;
 };

@@ -123,6 +123,15 @@ void ReadVerdict(const std::string& said, int status, CheckOutcome& outcome) {
                       : "its process was ended with status " + std::to_string(status);
 }
 
+// Where it lies then; empty if it cannot be moved.
+std::string MovedInto(const std::string& folder, const std::string& file) {
+    const fs::path from = platform::FromNarrow(file);
+    std::string to = folder + '/' + platform::ToNarrow(from.filename());
+    std::error_code error;
+    fs::rename(from, platform::FromNarrow(to), error);
+    return error ? std::string() : to;
+}
+
 }  // namespace
 
 std::string_view Word(Verdict verdict) {
@@ -172,10 +181,12 @@ CheckOutcome MakeCheck(const Check& check, const CheckOptions& options) {
 
 CheckOutcome MakeCheckApart(const Check& check, const CheckOptions& options) {
     const Clock::time_point begin = Clock::now();
-    const CheckStage::Place place = PlaceOf(check, options);
+    const CheckStage::Place place{options.passing, PlaceOf(check, options).name};
     CheckOutcome outcome = OutcomeOf(check, options);
     std::vector<std::string> words = WordsAlone(check, options);
-    words.insert(words.end(), {"--tapes", platform::WordOfFile(options.folder)});
+    words.insert(words.end(), {"--tapes", platform::WordOfFile(place.folder)});
+    for (const char* const variable : {"TMPDIR", "TMP"})  // this process needs none any more
+        platform::SetVariable(variable, place.folder);
     outcome.log = place.folder + '/' + place.name + "-steps.txt";
     const platform::ChildEnding ending =
         platform::RunChild({.program = platform::ProgramFile(),
@@ -190,10 +201,9 @@ CheckOutcome MakeCheckApart(const Check& check, const CheckOptions& options) {
         outcome.why = ending.whyNot;
     }
     SweepUp(place, outcome);
-    if (outcome.verdict != Verdict::kFaulty) {
-        std::error_code error;
-        fs::remove(platform::FromNarrow(std::exchange(outcome.log, {})), error);
-    }
+    if (outcome.verdict != Verdict::kFaulty) outcome.log.clear();
+    for (std::string* const file : {&outcome.tape, &outcome.log})
+        if (!file->empty()) *file = MovedInto(options.folder, *file);
     outcome.seconds = SecondsSince(begin);
     return outcome;
 }

@@ -28,8 +28,8 @@ std::string Both(const std::string& what, std::int64_t first, std::int64_t secon
 class Comparison {
   public:
     Comparison(const std::string& first, const std::string& second, CachedKeys cachedKeys)
-        : firstReader_(first),
-          secondReader_(second),
+        : firstReader_(ReadTold(first)),
+          secondReader_(ReadTold(second)),
           cachedKeys_(cachedKeys),
           match_(MatchNodes(first_, second_)) {}
 

@@ -19,7 +19,8 @@ ClassInFile ViewOf(const StoredClass& type) {
 
 class FileViewer {
   public:
-    explicit FileViewer(const std::string& path) : reader_(path), document_(reader_.Document()) {}
+    explicit FileViewer(const std::string& path)
+        : reader_(ReadTold(path)), document_(reader_.Document()) {}
 
     SceneFileView View() {
         SceneFileView view = SettingsView();

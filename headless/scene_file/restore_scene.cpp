@@ -5,6 +5,7 @@
 #include "headless/scene/time_and_units.h"
 #include "headless/scene_file/build_objects.h"
 #include "headless/scene_file/chunk_fields.h"
+#include "headless/scene_file/file_progress.h"
 #include "headless/scene_file/scene_document.h"
 #include "headless/scene_file/scene_file.h"
 #include "host/time.h"
@@ -54,6 +55,11 @@ bool IsSameUnit(const StoredSettings& settings) {
 }
 
 }  // namespace
+
+SceneFileReader ReadTold(const std::string& path) {
+    const ToldFile told(path);
+    return SceneFileReader(path);
+}
 
 SceneFileReader::SceneFileReader(const std::string& path) : path_(path) {
     auto file = std::make_unique<FileSource>(path);

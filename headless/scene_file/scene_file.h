@@ -83,6 +83,9 @@ class SceneFileReader {
     SceneDocument document_;
 };
 
+// One to look at, whose progress is told where no other file's is.
+SceneFileReader ReadTold(const std::string& path);
+
 // Writes the scene, and the chunks of the utilities: for each that runs what its `Save` writes, and
 // what is kept of each beside it. The file goes beside its place first, and takes
 // it when it is whole and on the disk. Throws SceneFileError; the old file stands untouched then.

@@ -171,12 +171,14 @@ class HEADLESS_API Session {
     // older steps stay.
     FileOutcome MergeScene(const std::string& path);
 
-    // Is told of scene files that are opened, saved and merged, whoever asked for that, a few times
-    // for each node or so. Its answer false gives the work up, and what it gave up is an error of
-    // the outcome: a save then leaves the old file untouched, a merge adds nothing, and a file that
-    // is opened leaves the scene as it is. Once the scene has been emptied for that, the opening
-    // goes on to its end all the same, unless there was no node in it. An empty handler ends it.
-    void OnProgress(FileProgressHandler handler);
+    // Is told of scene files that are opened, saved, merged and looked at
+    // (headless/scene_file_view), whoever asked for that, a few times for each node or so. Its
+    // answer false gives the work up, and what it gave up is an error of the outcome: a save then
+    // leaves the old file untouched, a merge adds nothing, and a file that is opened leaves the
+    // scene as it is. Once the scene has been emptied for that, the opening goes on to its end all
+    // the same, unless there was no node in it. An empty handler ends it, and so does the end of a
+    // session.
+    static void OnProgress(FileProgressHandler handler);
 
     // Chunks of utilities in the scene file that was opened last, in its order. Those that nobody
     // took are kept until the scene is emptied, and each save writes them beside what the utility

@@ -96,9 +96,15 @@ std::vector<std::string> MakingAgain::Overwritten() const {
     return lines;
 }
 
-void MakingAgain::MakeCalls() {
-    for (const MissingCall& missing : work_.calls)
-        Make(missing);
+void MakingAgain::MakeCalls(const recorder::TapeProgress& progress) {
+    constexpr std::size_t kBetween = 1024;
+    const std::size_t count = work_.calls.size();
+    for (std::size_t done = 0; done < count; ++done) {
+        if (progress && done % kBetween == 0 && !progress(done, count))
+            throw std::runtime_error("given up after " + std::to_string(done) + " of " +
+                                     std::to_string(count) + " calls");
+        Make(work_.calls[done]);
+    }
     GiveBackLoans();
     SetRecording(false);
     SetTime(work_.seconds);

@@ -21,8 +21,8 @@ class MakingAgain {
     // What of the scene the calls will write over, a line each.
     std::vector<std::string> Overwritten() const;
 
-    // Inside an undo group.
-    void MakeCalls();
+    // Inside an undo group. Throws a std::runtime_error if they are given up.
+    void MakeCalls(const recorder::TapeProgress& progress);
 
     // A line each; of equal ones the first tells how many there were.
     std::vector<std::string> Lost() const;

@@ -171,7 +171,8 @@ void Recovery::RefuseToGuess() const {
 }
 
 // The nodes that were found are given back before the Core has its last state.
-RecoveryReport Recovery::Perform(headless::Session& session) {
+RecoveryReport Recovery::Perform(headless::Session& session,
+                                 const recorder::TapeProgress& progress) {
     if (!base_ && !choice_.scene.empty()) base_ = FindByStoredState();
     if (!base_) RefuseToGuess();
     const recorder::TapeSession& tape = tape_.sessions[base_->session];
@@ -186,7 +187,7 @@ RecoveryReport Recovery::Perform(headless::Session& session) {
         MakingAgain making(tape, work, core_, session);
         const bool isFileOfTape = !digest_.empty() && base_->base.digest == digest_;
         if (!isFileOfTape) report.overwritten = making.Overwritten();
-        if (!work.calls.empty()) MakeAsOneStep(work, making, report);
+        if (!work.calls.empty()) MakeAsOneStep(work, making, progress, report);
         for (const WorkGroup& group : work.groups) {
             if (group.changes == 0) continue;
             const bool comesBack = ComesBack(group, choice_.openGroups);
@@ -203,13 +204,14 @@ RecoveryReport Recovery::Perform(headless::Session& session) {
     return report;
 }
 
-void Recovery::MakeAsOneStep(const MissingWork& work, MakingAgain& making, RecoveryReport& report) {
+void Recovery::MakeAsOneStep(const MissingWork& work, MakingAgain& making,
+                             const recorder::TapeProgress& progress, RecoveryReport& report) {
     TVL::AdaptorInterface& adaptor = core_.Objects().Adaptor();
     report.step = StepLabel(work, choice_.openGroups);
     if (adaptor.BeginUndoGroup(report.step) != 0)
         throw std::runtime_error("no undo group can be opened");
     try {
-        making.MakeCalls();
+        making.MakeCalls(progress);
     } catch (...) {
         adaptor.CancelUndoGroup();
         throw;
@@ -218,12 +220,13 @@ void Recovery::MakeAsOneStep(const MissingWork& work, MakingAgain& making, Recov
         report.lost.push_back("not all of it could be done, as the trace tells");
 }
 
-std::string WordOfUnsavedWork(const std::string& path) try {
+std::string WordOfUnsavedWork(const std::string& path, recorder::TapeProgress progress) try {
     std::error_code error;
     if (!std::filesystem::is_regular_file(platform::FromNarrow(path), error)) return {};
     std::string whyNot;
     if (!recorder::MappedFile::Open(path, whyNot)) return {};
-    const recorder::TapeContents tape = recorder::ReadTape(path);
+    const recorder::TapeContents tape =
+        recorder::ReadTape(path, recorder::MayBeBlank::kNo, std::move(progress));
     const auto work = FindUnsavedWork(tape, tape.sessions.size() - 1);
     if (!work) return {};
     return path + " holds work that was not saved when the host ended; to have it back: " +

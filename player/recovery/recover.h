@@ -71,7 +71,7 @@ class Recovery {
 
     // Of the host whose work is missing, for a scene that is empty; a scene's file has its own.
     headless::SessionSettings Settings() const;
-    RecoveryReport Perform(headless::Session& session);
+    RecoveryReport Perform(headless::Session& session, const recorder::TapeProgress& progress = {});
 
   private:
     struct Candidate {
@@ -83,7 +83,8 @@ class Recovery {
     std::optional<Candidate> FindByStoredState() const;
     [[noreturn]] void RefuseToGuess() const;
     std::vector<std::size_t> Sessions() const;
-    void MakeAsOneStep(const MissingWork& work, MakingAgain& making, RecoveryReport& report);
+    void MakeAsOneStep(const MissingWork& work, MakingAgain& making,
+                       const recorder::TapeProgress& progress, RecoveryReport& report);
 
     const recorder::TapeContents& tape_;
     const RecoveryChoice choice_;
@@ -94,8 +95,8 @@ class Recovery {
 };
 
 // Empty, or a line that says that the last session of a tape came to no end and holds work that no
-// scene was saved with, and what to type. Empty also for what is no tape, or cannot be read, and
-// for one that is being written.
-std::string WordOfUnsavedWork(const std::string& tape);
+// scene was saved with, and what to type. Empty also for what is no tape, or cannot be read, or
+// is given up, and for one that is being written.
+std::string WordOfUnsavedWork(const std::string& tape, recorder::TapeProgress progress);
 
 }  // namespace player

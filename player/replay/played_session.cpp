@@ -21,7 +21,8 @@ constexpr std::array kNotCompared = {Operation::AdaptorInterface_GetPlatformName
 
 constexpr std::string_view kNothingCame = "nothing";
 
-constexpr int kDeepest = 200;  // calls of the Core's in one another
+constexpr int kDeepest = 200;               // calls of the Core's in one another
+constexpr std::size_t kBetweenTold = 1024;  // calls
 
 bool IsEndOf(const Record& record, std::uint64_t call) {
     return record.IsEnd() && record.head.call == call;
@@ -46,8 +47,9 @@ Told ToldOf(Operation operation, const Performed& performed) {
 
 }  // namespace
 
-PlayedSession::PlayedSession(const recorder::TapeSession& session, ReplayScenes& scenes)
-    : session_(session), scenes_(scenes) {
+PlayedSession::PlayedSession(const recorder::TapeSession& session, ReplayScenes& scenes,
+                             const recorder::TapeProgress& progress)
+    : session_(session), scenes_(scenes), progress_(progress) {
     if (!session.isWhole) Doubt("not all of this session is on the tape, or it is damaged");
     for (const Record& record : session.records)
         if (record.head.kind == RecordKind::kCall && IsOfListener(record.head.operation))
@@ -180,6 +182,10 @@ bool PlayedSession::MakeLink(const Record& call) {
 void PlayedSession::Make(const Record& call, const std::function<Performed()>& perform) {
     if (making_ == kDeepest) {
         CannotTell("calls are deeper in one another than can be played");
+        return;
+    }
+    if (calls_ % kBetweenTold == 0 && !progress_(at_, session_.records.size())) {
+        CannotTell("it was given up");
         return;
     }
     ++at_;

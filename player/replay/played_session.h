@@ -33,7 +33,8 @@ struct Verdict {
 // own, and gives back what it placed when it is detached.
 class PlayedSession final : public PlayedCore {
   public:
-    PlayedSession(const recorder::TapeSession& session, ReplayScenes& scenes);
+    PlayedSession(const recorder::TapeSession& session, ReplayScenes& scenes,
+                  const recorder::TapeProgress& progress);
 
     CoreInterface* Attach(TVL::AdaptorInterface& adaptor);
     void Detach(CoreInterface* core);
@@ -73,6 +74,7 @@ class PlayedSession final : public PlayedCore {
 
     const recorder::TapeSession& session_;
     ReplayScenes& scenes_;
+    const recorder::TapeProgress& progress_;
     std::optional<LiveObjects> objects_;
     std::set<ObjectId> heardOf_;  // nodes that the Core listens to, as far as the tape tells
     std::size_t at_ = 0;

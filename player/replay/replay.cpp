@@ -73,8 +73,9 @@ bool IsContinued(const recorder::TapeContents& tape, std::size_t session) {
 
 }  // namespace
 
-Replay::Replay(const recorder::TapeContents& tape, std::size_t first, ReplayScenes& scenes)
-    : tape_(tape), scenes_(scenes), first_(first), end_(first + 1) {
+Replay::Replay(const recorder::TapeContents& tape, std::size_t first, ReplayScenes& scenes,
+               recorder::TapeProgress progress)
+    : tape_(tape), scenes_(scenes), progress_(std::move(progress)), first_(first), end_(first + 1) {
     while (IsContinued(tape_, end_))
         ++end_;
 }
@@ -83,7 +84,7 @@ CoreInterface* Replay::Attach(TVL::AdaptorInterface* adaptor, const AttachCore&)
     const std::size_t next = first_ + played_.size();
     if (!adaptor || next >= end_) return nullptr;
     const recorder::TapeSession& session = tape_.sessions[next];
-    played_.push_back(std::make_unique<PlayedSession>(session, scenes_));
+    played_.push_back(std::make_unique<PlayedSession>(session, scenes_, progress_));
     causes_.push_back(std::make_unique<Causes>(session));
     return played_.back()->Attach(*adaptor);
 }

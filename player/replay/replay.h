@@ -25,8 +25,10 @@ namespace player {
 class Replay final : public headless::CoreBetween {
   public:
     // From the first session on, with those behind it that were in the same host. The tape and the
-    // scenes outlive it, and it the host.
-    Replay(const recorder::TapeContents& tape, std::size_t first, ReplayScenes& scenes);
+    // scenes outlive it, and it the host. `progress` hears of the records of each session; where it
+    // has that given up, it cannot be told how to go on.
+    Replay(const recorder::TapeContents& tape, std::size_t first, ReplayScenes& scenes,
+           recorder::TapeProgress progress);
 
     CoreInterface* Attach(TVL::AdaptorInterface* adaptor, const AttachCore& none) override;
     void Detach(CoreInterface* core, const DetachCore& none) override;
@@ -71,6 +73,7 @@ class Replay final : public headless::CoreBetween {
 
     const recorder::TapeContents& tape_;
     ReplayScenes& scenes_;
+    const recorder::TapeProgress progress_;
     std::size_t first_;
     std::size_t end_;
     std::vector<std::unique_ptr<PlayedSession>> played_;

@@ -6,7 +6,6 @@
 
 #include "recorder/stream/notes.h"
 #include "recorder/stream/record_reader.h"
-#include "recorder/tape/tape_file.h"
 #include "tvl/xml_node.h"
 
 namespace recorder {
@@ -135,8 +134,12 @@ void Replace(std::span<std::uint64_t> words, const Record& record, OtherTexts& t
 class Copy {
   public:
     explicit Copy(const TapeFile& tape) : file_(tape.words.size()) {
-        for (const Segment& segment : tape.segments)
+        std::uint64_t done = 0;
+        for (const Segment& segment : tape.segments) {
+            tape.TellDone(2, done);
             TakeSegment(segment);
+            done += segment.head.bytes;
+        }
     }
 
     Words Take() { return std::move(file_); }
@@ -237,8 +240,8 @@ void OtherTexts::Replace(char* text, std::size_t size) {
     std::memcpy(text, other.data(), size);
 }
 
-std::vector<std::uint8_t> Anonymised(const std::string& path) {
-    const TapeFile tape = LoadTape(path);
+std::vector<std::uint8_t> Anonymised(const std::string& path, TapeProgress progress) {
+    const TapeFile tape = LoadTape(path, std::move(progress));
     const Words words = Copy(tape).Take();
     std::vector<std::uint8_t> bytes(static_cast<std::size_t>(tape.bytes));
     std::memcpy(bytes.data(), words.data(), bytes.size());

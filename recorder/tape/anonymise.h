@@ -7,6 +7,8 @@
 #include <unordered_set>
 #include <vector>
 
+#include "recorder/tape/tape_file.h"
+
 namespace recorder {
 
 // Gives each text another one of its length, always the same, and to another text another one as
@@ -28,6 +30,6 @@ class OtherTexts {
 // The bytes of a tape's file with all names and texts replaced. Sizes, numbers, times, digests of
 // scenes, names of elements and attributes, the words of notes and what the adaptor tells of its
 // system stay as they are; what cannot be read is wiped out. Throws what ReadTape throws.
-std::vector<std::uint8_t> Anonymised(const std::string& path);
+std::vector<std::uint8_t> Anonymised(const std::string& path, TapeProgress progress);
 
 }  // namespace recorder

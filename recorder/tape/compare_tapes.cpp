@@ -1,6 +1,7 @@
 #include "recorder/tape/compare_tapes.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <unordered_map>
 
 #include "recorder/tape/segments.h"
@@ -73,7 +74,9 @@ bool AreSame(const Walk& one, const Walk& other) {
 
 }  // namespace
 
-std::optional<TapeDifference> CompareTapes(const TapeContents& first, const TapeContents& second) {
+std::optional<TapeDifference> CompareTapes(const TapeContents& first, const TapeContents& second,
+                                           const TapeProgress& progress) {
+    constexpr std::size_t kBetween = 1024;  // records
     static const std::vector<Record> kNone;
     const auto recordsOf = [](const TapeContents& tape, std::size_t session) -> const auto& {
         return session < tape.sessions.size() ? tape.sessions[session].records : kNone;
@@ -82,8 +85,12 @@ std::optional<TapeDifference> CompareTapes(const TapeContents& first, const Tape
     for (std::size_t session = 0; session < sessions; ++session) {
         Walk one(recordsOf(first, session));
         Walk other(recordsOf(second, session));
-        for (; !one.IsAtEnd() && !other.IsAtEnd() && AreSame(one, other); one.Next())
+        for (; !one.IsAtEnd() && !other.IsAtEnd() && AreSame(one, other); one.Next()) {
             other.Next();
+            if (progress && one.Place() % kBetween == 0 &&
+                !progress(one.Place(), recordsOf(first, session).size()))
+                throw std::runtime_error("given up in session " + std::to_string(session + 1));
+        }
         if (!one.IsAtEnd() || !other.IsAtEnd() || session >= first.sessions.size() ||
             session >= second.sessions.size())
             return TapeDifference{session, one.Place(), other.Place()};

@@ -18,7 +18,9 @@ struct TapeDifference {
 
 // Nothing if both tell the same. When, where and by whom they were recorded does not count, nor do
 // times, windows and paths of scenes; nor where contents of meshes and what is told again stand,
-// which depends on where a segment ended.
-std::optional<TapeDifference> CompareTapes(const TapeContents& first, const TapeContents& second);
+// which depends on where a segment ended. Throws a std::runtime_error if it is given up, as
+// `progress` hears it of the records of each session.
+std::optional<TapeDifference> CompareTapes(const TapeContents& first, const TapeContents& second,
+                                           const TapeProgress& progress = {});
 
 }  // namespace recorder

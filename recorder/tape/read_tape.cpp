@@ -19,13 +19,17 @@ struct Memory {
 // Puts records into sessions, one piece after another.
 class Sessions {
   public:
-    Sessions(TapeContents& tape, Memory& memory) : tape_(tape), memory_(memory) {}
+    Sessions(const TapeFile& file, TapeContents& tape, Memory& memory)
+        : file_(file), tape_(tape), memory_(memory) {}
 
     // `next` is the segment behind it on the tape, null behind the last one.
     void Take(const Segment& segment, const Segment* next) {
+        constexpr std::size_t kBetweenTold = 4096;  // pieces
+        std::size_t pieces = 0;
         Enter(segment.head);
         for (const auto& [at, record] : segment.contents.pieces) {
             offset_ = segment.offset + at * 8;
+            if (pieces++ % kBetweenTold == 0) file_.TellDone(2, before_ + at * 8);
             if (record)
                 TakePiece(*record);
             else
@@ -34,6 +38,7 @@ class Sessions {
         const std::uint64_t end = segment.contents.end * 8;
         const std::uint64_t position = segment.head.position + end - sizeof(SegmentHead);
         next_ = segment.head.number + 1;
+        before_ += segment.head.bytes;
         if (next == nullptr || next->head.number != next_ || next->head.position <= position)
             return;
         offset_ = segment.offset + end;
@@ -123,8 +128,10 @@ class Sessions {
             records.insert(records.begin(), record);
     }
 
+    const TapeFile& file_;
     TapeContents& tape_;
     Memory& memory_;
+    std::uint64_t before_ = 0;   // bytes of the segments that are done
     std::uint64_t offset_ = 0;   // of what is being read, in the file
     std::uint64_t next_ = 0;     // number of the segment that goes on where the last one ended
     std::uint64_t session_ = 0;  // number of the last one on the tape
@@ -140,7 +147,7 @@ TapeContents Read(TapeFile file, MayBeBlank blank) {
     tape.bytes = file.bytes;
     tape.damages = std::move(file.damages);
     tape.memory = memory;
-    Sessions built(tape, *memory);
+    Sessions built(file, tape, *memory);
     const std::vector<Segment>& list = file.segments;
     for (std::size_t i = 0; i < list.size(); ++i)
         built.Take(list[i], i + 1 < list.size() ? &list[i + 1] : nullptr);
@@ -153,8 +160,8 @@ TapeContents Read(TapeFile file, MayBeBlank blank) {
 
 }  // namespace
 
-TapeContents ReadTape(const std::string& path, MayBeBlank blank) {
-    return Read(LoadTape(path), blank);
+TapeContents ReadTape(const std::string& path, MayBeBlank blank, TapeProgress progress) {
+    return Read(LoadTape(path, std::move(progress)), blank);
 }
 
 TapeContents ReadTape(const std::string& name, const std::vector<std::uint8_t>& bytes) {

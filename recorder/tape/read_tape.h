@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "recorder/stream/record_reader.h"
+#include "recorder/tape/tape_file.h"
 
 namespace recorder {
 
@@ -34,8 +35,9 @@ struct TapeContents {
 enum class MayBeBlank { kNo, kYes };
 
 // Every record of it has good values. Throws a std::runtime_error that names the file and says why
-// nothing of it can be read. A torn end is no damage.
-TapeContents ReadTape(const std::string& path, MayBeBlank blank = MayBeBlank::kNo);
+// nothing of it can be read, or how far it was when it was given up. A torn end is no damage.
+TapeContents ReadTape(const std::string& path, MayBeBlank blank = MayBeBlank::kNo,
+                      TapeProgress progress = {});
 
 // The same of bytes that are there, such as those of a file; `name` is what errors call them.
 TapeContents ReadTape(const std::string& name, const std::vector<std::uint8_t>& bytes);

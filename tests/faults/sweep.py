@@ -22,6 +22,9 @@ VERBS = {"record": "record small.bvh --scene take.scene --poses poses.csv",
          "merge": "merge in.scene other.scene --save take.scene",
          "convert": "convert in.scene --save in.scene",
          "render": "render in.scene --time 0 --size 32x32 -o picture.png",
+         "export": "export in.scene -o take.glb",
+         "bvh": "export in.scene -o take.bvh",
+         "view": "view in.scene -o take.html",
          "run": "run in.scene --script steps"}
 STEPS = """detach
 attach
@@ -103,8 +106,9 @@ def make_inputs(place):
     place.must("record small.bvh --scene in.scene")
     place.must("record other.bvh --scene other.scene")
     files = folder_files(place.scenes)
-    return files | {"take.scene": files["other.scene"], "poses.csv": b"old", "picture.png": b"old",
-                    "steps": STEPS.encode()}
+    old = ["poses.csv", "picture.png", "take.glb", "take.bvh", "take.html"]
+    return files | dict.fromkeys(old, b"old") | {"take.scene": files["other.scene"],
+                                                 "steps": STEPS.encode()}
 
 
 def has_complaint(ending):
@@ -238,8 +242,8 @@ def main():
     places = [Place(binaries, given.folder.resolve() / str(i)) for i in range(os.cpu_count())]
     inputs = make_inputs(places[0])
     verbs = [given.verb] if given.verb else VERBS
-    if not (binaries / "headless_viewport.so").exists():
-        verbs = [name for name in verbs if name != "render"]
+    parts = {"render": "headless_viewport.so", "view": "viewer"}  # not built everywhere
+    verbs = [name for name in verbs if (binaries / parts.get(name, "")).exists()]
     kinds = [given.kind] if given.kind else ["eio", *DEATHS, LIE] if given.lies else HONEST
     everything, is_seen = collections.Counter(), True
     for name in verbs:

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
+#include <utility>
 
 #include "recorder/tape/read_tape.h"
 #include "recorder/tape/segments.h"
@@ -66,7 +67,17 @@ TEST(TapeLaw, IsReadAsItWasWritten_OrItsTailUnderALimit) {
             records.Some(both, 2000);
             EXPECT_EQ(tape->WhyStopped(), "");
         }
-        const TapeContents read = ReadTape(path);
+        double told = 0;
+        const auto rises = [&](std::uint64_t done, std::uint64_t whole) {
+            const double before = std::exchange(told, static_cast<double>(done) / whole);
+            return before <= told && told <= 1;
+        };
+        const TapeContents read = ReadTape(path, MayBeBlank::kNo, rises);
+        EXPECT_GT(told, 0.9);
+        for (const double end : {0.0, 0.3, 0.6, 0.9})
+            EXPECT_ANY_THROW(ReadTape(path, MayBeBlank::kNo, [&](auto... done) {
+                return rises(done...), told < end;
+            })) << end;
         EXPECT_EQ(read.damages, std::vector<std::string>());
         EXPECT_LE(read.bytes, kLeastTapeLimit);
         const Rows rows = RowsOf(read);
