@@ -71,7 +71,7 @@ std::vector<Moment> OfScene(const FrameRange& frames) {
 }
 
 std::vector<Moment> MomentsOf(const RenderOptions& options, CoreStage& stage) {
-    if (options.frames.empty()) return {{0, AtSeconds(options.seconds)}};
+    if (options.frames.empty()) return {{0, CheckedTime(options.seconds)}};
     const FrameRange& frames = options.frames.front();
     if (options.take.empty()) return OfScene(frames);
     const auto takes =

@@ -1,3 +1,5 @@
+#include <set>
+
 #include "tests/end_to_end/command.h"
 
 // Pictures of scenes, from the command line to the pixels.
@@ -26,6 +28,24 @@ TEST_F(Render, DrawsAScenesSameBytesAtEachRunAndFromASavedCopy) {
         EXPECT_NE(Read(name), "") << name;
     EXPECT_EQ(Do("render take --frames 0:4:1 --sheet 2 --size 64x48 -o sheet.png"),
               "Saved as sheet.png: a picture of 128x144 pixels\n");
+
+    std::set<std::string> sheets;
+    const std::vector<std::string> looks = {"",
+                                            "--follow",
+                                            "--each",
+                                            "--cameras",
+                                            "--view front",
+                                            "--view side",
+                                            "--view top",
+                                            "--camera walk_Camera"};
+    for (const std::string& look : looks) {
+        Do("render take --frames 0:4:2 --sheet 3 --size 64x48 -o sheet.png " + look);
+        sheets.insert(Read("sheet.png"));
+    }
+    EXPECT_EQ(sheets.size(), looks.size());
+    Do("render take --frames 4:4:1 --size 64x48 -o one.png");
+    Do("render take --frames 4:4:1 --size 64x48 --sheet 1 -o sheet.png");
+    EXPECT_NE(Read("one.png"), Read("sheet.png")) << "which says frame and time";
 
     Do("render take --take walk --frames 4:4:1 --size 64x48 -o taken.PNG");
     Do("render take --time 0.2 --size 64x48 -o timed.png");
