@@ -130,14 +130,8 @@ std::vector<Vector> Outermost(const Pose& turned, const CameraOpening& opening,
 }
 
 Vector PlaceOn(const CameraPath& path, TimeValue t) {
-    const auto later = std::ranges::lower_bound(path.times, t);
-    const auto after = static_cast<std::size_t>(later - path.times.begin());
-    if (after == 0 || path.places.size() == 1) return Vector(path.places.front());
-    if (after >= path.places.size()) return Vector(path.places.back());
-    const double before = path.times[after - 1];
-    const double share = (t - before) / (path.times[after] - before);
-    const Vector from(path.places[after - 1]);
-    return from + (Vector(path.places[after]) - from) * share;
+    const auto next = std::ranges::lower_bound(path.times, t) - path.times.begin();
+    return Vector(path.places[std::min(static_cast<std::size_t>(next), path.places.size() - 1)]);
 }
 
 }  // namespace headless

@@ -28,8 +28,9 @@ enum class ViewSide {
 // Where the viewport's own camera is through a take, for all of its pictures.
 struct CameraPath {
     std::vector<TimeValue> times;  // rising; none: it is aimed anew at what shows in each picture
-    std::vector<Point3> places;    // host units, for each time; a single one: it stands still
-    Box3 framed;                   // world space, around all that the pictures are about
+    std::vector<Point3> places;  // host units, for each time, up to which it stands there from the
+                                 // one before; a single one: it stands still
+    Box3 framed;                 // world space, around all that the pictures are about
 };
 
 struct ViewportSettings {

@@ -58,17 +58,23 @@ class PicturesTest : public HostWorld {
 TEST_F(PicturesTest, OneCameraHoldsTheWholeMotionAndAFollowerKeepsItInTheMiddle) {
     settings.width = 320;
     settings.height = 180;
-    for (const ViewSide side :
-         {ViewSide::kQuarter, ViewSide::kFront, ViewSide::kSide, ViewSide::kTop}) {
+    const std::tuple<ViewSide, std::size_t, std::size_t> rows[] = {{ViewSide::kQuarter, 0, 8},
+                                                                   {ViewSide::kFront, 0, 5},
+                                                                   {ViewSide::kSide, 2, 5},
+                                                                   {ViewSide::kTop, 0, 8}};
+    for (const auto& [side, rightmost, apart] : rows) {
         settings.side = side;
         settings.path = PathThrough(settings, times, false);
-        std::set<std::pair<int, int>> places;
-        for (const IPoint2& at : PlacesOfDot()) {
+        const std::vector<IPoint2> places = PlacesOfDot();
+        std::set<std::pair<int, int>> differing;
+        for (const IPoint2& at : places) {
             EXPECT_TRUE(at.x >= 10 && at.x < 310 && at.y >= 10 && at.y < 170)
                 << at.x << ' ' << at.y;
-            places.insert({at.x / 2, at.y / 2});
+            EXPECT_LE(at.x, places[rightmost].x);
+            differing.insert({at.x / 2, at.y / 2});
         }
-        EXPECT_GE(places.size(), side == ViewSide::kQuarter || side == ViewSide::kTop ? 8U : 5U);
+        EXPECT_LE(places[2].y, places[6].y) << "what is farther is higher in the picture";
+        EXPECT_GE(differing.size(), apart);
         settings.path = PathThrough(settings, times, true);
         for (const IPoint2& at : PlacesOfDot())
             EXPECT_TRUE(std::abs(at.x - 160) <= 1 && std::abs(at.y - 90) <= 1)
@@ -108,7 +114,11 @@ TEST_F(PicturesTest, TheGridReachesUnderEveryMomentAndSaysMetres) {
         metres.insert(text.text);
         const float place = text.text.front() == 'x' ? text.place.x : -text.place.y;
         EXPECT_NEAR(std::stof(text.text.substr(2)), place / Units(1), 0.001) << text.text;
+        EXPECT_LT(text.text.front() == 'x' ? text.place.y : -text.place.x, Units(1)) << text.text;
     }
+    EXPECT_EQ(list.texts.front().text, "x 0 m");
+    Place(Add("on the label"), list.texts.front().place);
+    EXPECT_NE(headless::DrawScene(settings, 0).list.texts.front().text, "x 0 m");
     for (const char* const label : {"x 1 m", "x -1 m", "x 0 m", "z -1 m"})
         EXPECT_TRUE(metres.contains(label)) << label;
     settings.width = 160;

@@ -95,6 +95,9 @@ TEST_F(ViewportTest, AMeshIsHitWhereItShowsAndNotWhereItReachesBehindTheViewer) 
     EXPECT_TRUE(HitsPoint(250, 200) && !HitsPoint(220, 180));
     host.DeleteNode(flat);
     settings.isWireframe = false;
+    INode* const close = AddMesh({{1, 1, 98}, {2, 1, 98}, {1, 2, 98}});
+    EXPECT_TRUE(HitsPoint(330, 70));
+    host.DeleteNode(close);
     AddMesh({{0, 0, 0}, {50, 0, 0}, {20, 60, 400}});
     AddMesh({{0, -50, 300}, {50, -50, 300}, {0, -90, 300}});
     EXPECT_TRUE(Hits(kPartlyInView) == 1 && Hits(kWhollyInView) == 0);
