@@ -39,10 +39,9 @@ void Judge(const PlannedTake& planned, const RecordedTake& recorded, const ReadB
     const std::string capture = planned.recording.capture + ": ";
     if (!planned.motion.oddity.empty()) report.warnings.push_back(capture + planned.motion.oddity);
     if (recorded.framesWithoutKey > 0)
-        report.faults.push_back(
-            capture + std::to_string(recorded.framesWithoutKey) + " of " +
-            std::to_string(recorded.recording.FrameCount()) +
-            " frames have no time of their own in the host, and are lost");
+        report.faults.push_back(capture + std::to_string(recorded.framesWithoutKey) + " of " +
+                                std::to_string(recorded.recording.FrameCount()) +
+                                " frames have no time of their own in the host, and are lost");
     if (readBack.maxPositionErrorMetres > kToleratedErrorMetres)
         report.faults.push_back(capture + "a joint is " +
                                 Millimetres(readBack.maxPositionErrorMetres) +
