@@ -61,9 +61,9 @@ void MoveTimeOfTheHostAlone(benchmark::State& state) {
     MoveTime(state);
 }
 
-BENCHMARK(LendFromPool)->Name("lend a snapshot/ours")->Apply(Brief);
-BENCHMARK(MakeAndFree)->Name("lend a snapshot/made anew")->Apply(Brief);
-BENCHMARK(MoveTimeForTheCore)->Name("move the time/ours")->Apply(Brief);
-BENCHMARK(MoveTimeOfTheHostAlone)->Name("move the time/host alone")->Apply(Brief);
+BENCHMARK(LendFromPool)->Name("lend a snapshot/ours");
+BENCHMARK(MakeAndFree)->Name("lend a snapshot/made anew");
+BENCHMARK(MoveTimeForTheCore)->Name("move the time/ours");
+BENCHMARK(MoveTimeOfTheHostAlone)->Name("move the time/host alone");
 
 }  // namespace

@@ -20,7 +20,7 @@ namespace {
 using Key = TarvoKey<Matrix3>;
 
 void EditedKeyCounts(benchmark::internal::Benchmark* bench) {
-    bench->Arg(1'000)->Arg(10'000)->Arg(100'000)->Apply(Brief);
+    bench->Arg(1'000)->Arg(10'000)->Arg(100'000);
 }
 
 // Refers to a controller, as a node does, and keeps it alive. If asked to it reads the controller

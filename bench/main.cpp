@@ -1,107 +1,109 @@
+// lumiset-bench [FILTER] [--json [FILE]] [--list] [OPTION]...
+// FILTER is a regular expression for names; further options are those of Google Benchmark.
+
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 
 #include <algorithm>
-#include <iomanip>
+#include <cstring>
+#include <fstream>
 #include <iostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "bench/meter.h"
+#include "bench/report.h"
 #include "headless/breaches.h"
+
+// Marks that callgrind finds by their names, so they must stay functions.
+extern "C" __attribute__((noinline)) void MeasuringBegins() {
+    benchmark::ClobberMemory();
+}
+extern "C" __attribute__((noinline)) void MeasuringEnds() {
+    benchmark::ClobberMemory();
+}
 
 namespace {
 
-// Shows each benchmark as it ends, and at the end of all a table that sets the peers of one work
-// side by side. A benchmark's name is its work, a slash, and who does it; the first to be run on a
-// work and a size is what the others are compared with. Of repetitions the fastest counts.
-class RatioReporter final : public benchmark::ConsoleReporter {
-  public:
-    void ReportRuns(const std::vector<Run>& runs) override;
-    void Finalize() override;
-
-  private:
-    // All for one operation.
-    struct Figures {
-        std::string who;
-        double nanoseconds = 0;
-        double allocations = 0;
-        double bytes = 0;  // left allocated; 0 where that is not measured
-    };
-    struct Comparison {
-        std::string work;
-        std::string size;
-        std::vector<Figures> all;
-    };
-
-    static void Note(Comparison& comparison, const Figures& figures);
-    Comparison& ComparisonOf(const std::string& work, const std::string& size);
-
-    std::vector<Comparison> comparisons_;
+struct Options {
+    std::string filter = ".";
+    bool isList = false;
+    bool isJson = false;
+    std::string jsonFile;  // empty: the standard output
+    std::vector<char*> others;
 };
 
-constexpr double kNanosecondsInSecond = 1e9;
-
-constexpr int kWorkWidth = 26;
-constexpr int kSizeWidth = 9;
-constexpr int kWhoWidth = 15;
-constexpr int kFigureWidth = 12;
-
-double Counter(const benchmark::BenchmarkReporter::Run& run, const char* name) {
-    const auto found = run.counters.find(name);
-    return found == run.counters.end() ? 0 : found->second.value;
-}
-
-void RatioReporter::ReportRuns(const std::vector<Run>& runs) {
-    ConsoleReporter::ReportRuns(runs);
-    for (const Run& run : runs) {
-        const double perSecond = Counter(run, "items_per_second");
-        if (run.error_occurred || run.run_type != Run::RT_Iteration || perSecond <= 0) continue;
-        const std::string& name = run.run_name.function_name;
-        const std::size_t slash = name.find('/');
-        if (slash == std::string::npos) continue;
-        Note(ComparisonOf(name.substr(0, slash), run.run_name.args),
-             {name.substr(slash + 1), kNanosecondsInSecond / perSecond,
-              Counter(run, kAllocationsCounter), Counter(run, kBytesCounter)});
-    }
-}
-
-void RatioReporter::Note(Comparison& comparison, const Figures& figures) {
-    const auto known = std::ranges::find(comparison.all, figures.who, &Figures::who);
-    if (known == comparison.all.end())
-        comparison.all.push_back(figures);
-    else if (figures.nanoseconds < known->nanoseconds)
-        *known = figures;
-}
-
-void RatioReporter::Finalize() {
-    std::ostream& out = GetOutputStream();
-    out << "\nFor one operation. The ratio is to the first of each group: above 1 is slower.\n\n"
-        << std::left << std::setw(kWorkWidth) << "work" << std::setw(kSizeWidth) << "keys"
-        << std::setw(kWhoWidth) << "who" << std::right << std::setw(kFigureWidth) << "ns"
-        << std::setw(kFigureWidth) << "ratio" << std::setw(kFigureWidth) << "allocations"
-        << std::setw(kFigureWidth) << "bytes" << '\n'
-        << std::fixed;
-    for (const Comparison& comparison : comparisons_) {
-        const double first = comparison.all.front().nanoseconds;
-        for (const Figures& one : comparison.all) {
-            out << std::left << std::setw(kWorkWidth) << comparison.work << std::setw(kSizeWidth)
-                << comparison.size << std::setw(kWhoWidth) << one.who << std::right
-                << std::setprecision(1) << std::setw(kFigureWidth) << one.nanoseconds
-                << std::setprecision(2) << std::setw(kFigureWidth) << one.nanoseconds / first
-                << std::setprecision(4) << std::setw(kFigureWidth) << one.allocations
-                << std::setprecision(0) << std::setw(kFigureWidth) << one.bytes << '\n';
+Options ReadOptions(int count, char** arguments) {
+    // Enough for ratios. What is asked for comes later, and so wins.
+    static char defaults[][64] = {"--benchmark_repetitions=7", "--benchmark_min_time=0.03",
+                                  "--benchmark_enable_random_interleaving=true"};
+    Options options;
+    options.others = {arguments[0], defaults[0], defaults[1], defaults[2]};
+    for (int i = 1; i < count; ++i) {
+        const std::string argument = arguments[i];
+        if (argument == "--list") {
+            options.isList = true;
+        } else if (argument == "--json") {
+            options.isJson = true;
+            if (i + 1 < count && arguments[i + 1][0] != '-') options.jsonFile = arguments[++i];
+        } else if (argument[0] == '-') {
+            options.others.push_back(arguments[i]);
+        } else {
+            options.filter = argument;
         }
     }
+    return options;
 }
 
-RatioReporter::Comparison& RatioReporter::ComparisonOf(const std::string& work,
-                                                       const std::string& size) {
-    const auto found = std::ranges::find_if(comparisons_, [&](const Comparison& comparison) {
-        return comparison.work == work && comparison.size == size;
-    });
-    if (found != comparisons_.end()) return *found;
-    return comparisons_.emplace_back(Comparison{work, size, {}});
+// False: an option is not known.
+bool Initialize(std::vector<char*> arguments) {
+    int count = static_cast<int>(arguments.size());
+    benchmark::Initialize(&count, arguments.data());
+    return !benchmark::ReportUnrecognizedArguments(count, arguments.data());
+}
+
+// The names of the benchmarks that the filter lets through.
+std::vector<std::string> NamesOf(const Options& options) {
+    char list[] = "--benchmark_list_tests=true";
+    Initialize({options.others[0], list});
+    std::stringstream lines;
+    Collector lister;
+    lister.SetOutputStream(&lines);
+    lister.SetErrorStream(&std::cerr);
+    benchmark::RunSpecifiedBenchmarks(&lister, options.filter);
+    char run[] = "--benchmark_list_tests=false";
+    Initialize({options.others[0], run});
+    std::vector<std::string> names;
+    for (std::string line; std::getline(lines, line);)
+        names.push_back(line);
+    return names;
+}
+
+// A regular expression for just these names.
+std::string Exactly(const std::vector<std::string>& names) {
+    std::string pattern;
+    for (const std::string& name : names) {
+        pattern += pattern.empty() ? "^(" : "|";
+        for (const char c : name) {
+            if (std::strchr(".+*?()[]{}|^$\\", c)) pattern += '\\';
+            pattern += c;
+        }
+    }
+    return pattern + ")$";
+}
+
+// The repetitions of one work are mixed with each other, not with those of another work: what is
+// compared is measured close together, whatever else the machine does meanwhile.
+void RunWorkByWork(std::vector<std::string> names, Collector& collector) {
+    const auto workOf = [](const std::string& name) { return name.substr(0, name.find('/')); };
+    std::ranges::stable_sort(names, {}, workOf);
+    for (auto first = names.begin(); first != names.end();) {
+        const auto last = std::find_if(
+            first, names.end(), [&](const auto& name) { return workOf(name) != workOf(*first); });
+        benchmark::RunSpecifiedBenchmarks(&collector, Exactly({first, last}));
+        first = last;
+    }
 }
 
 // Memory that is freed stays with the program, so that nobody pays for the pages that the next one
@@ -112,17 +114,36 @@ void KeepFreedMemory() {
     mallopt(M_TRIM_THRESHOLD, kMoreThanAnyTrack);
 }
 
+// The table goes to the standard output unless that is for other programs.
+void Show(const Options& options, const std::vector<Row>& rows) {
+    const bool isForPrograms = options.isJson && options.jsonFile.empty();
+    std::ostream& out = isForPrograms ? std::cerr : std::cout;
+    PrintTable(out, rows);
+    if (options.filter == Options().filter) PrintUnmeasured(out, rows);
+    if (isForPrograms) std::cout << ToJson(rows);
+    if (!options.jsonFile.empty()) std::ofstream(options.jsonFile) << ToJson(rows);
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
     KeepFreedMemory();
-    benchmark::Initialize(&count, arguments);
-    if (benchmark::ReportUnrecognizedArguments(count, arguments)) return 1;
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
+    const Options options = ReadOptions(count, arguments);
+    const std::vector<std::string> names = NamesOf(options);
+    if (!Initialize(options.others)) return 2;
+    if (options.isList) {
+        for (const std::string& name : names)
+            std::cout << name << '\n';
+        return 0;
+    }
+    Collector collector;
+    collector.SetErrorStream(&std::cerr);
+    collector.SetOutputStream(&std::cout);
+    RunWorkByWork(names, collector);
     benchmark::Shutdown();
+    Show(options, MakeRows(collector.All()));
     const std::vector<std::string> breaches = headless::TakeBreachLines();
     for (const std::string& line : breaches)
         std::cerr << "breach: " << line << '\n';
-    return breaches.empty() ? 0 : 1;
+    return breaches.empty() && !collector.HasFailed() ? 0 : 1;
 }

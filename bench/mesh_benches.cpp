@@ -72,11 +72,11 @@ void Set(benchmark::State& state) {
         mesh->SetMesh(given);
 }
 
-BENCHMARK(Convert<kTenThousand>)->Name("convert a face/of 10,000")->Apply(Brief);
-BENCHMARK(Convert<kMillion>)->Name("convert a face/of a million")->Apply(Brief);
-BENCHMARK(Get<kTenThousand>)->Name("read a face/of 10,000")->Apply(Brief);
-BENCHMARK(Get<kMillion>)->Name("read a face/of a million")->Apply(Brief);
-BENCHMARK(Set<kTenThousand>)->Name("write a face/of 10,000")->Apply(Brief);
-BENCHMARK(Set<kMillion>)->Name("write a face/of a million")->Apply(Brief);
+BENCHMARK(Convert<kTenThousand>)->Name("convert a face/of 10,000");
+BENCHMARK(Convert<kMillion>)->Name("convert a face/of a million");
+BENCHMARK(Get<kTenThousand>)->Name("read a face/of 10,000");
+BENCHMARK(Get<kMillion>)->Name("read a face/of a million");
+BENCHMARK(Set<kTenThousand>)->Name("write a face/of 10,000");
+BENCHMARK(Set<kMillion>)->Name("write a face/of a million");
 
 }  // namespace

@@ -8,25 +8,30 @@
 #include "headless/session.h"
 #include "tests/support/allocations.h"
 
-// The names of the counters that a benchmark shows; both are for one operation.
+// The names of the counters that a benchmark shows. Allocations and bytes are for one operation.
 inline constexpr const char* kAllocationsCounter = "allocations";
 inline constexpr const char* kBytesCounter = "bytes";
+inline constexpr const char* kOperationsCounter = "operations";
 
-// Long enough for ratios, short enough for all benchmarks in a minute.
-inline void Brief(benchmark::internal::Benchmark* bench) {
-    bench->MinTime(0.05);  // seconds
-}
+// Each stretch of work that is measured begins with the one and ends with the other: callgrind
+// counts between the two.
+extern "C" void MeasuringBegins();
+extern "C" void MeasuringEnds();
 
 // Counts what the loop of a benchmark allocates, from its own creation to its end, and shows that
 // and the time for each of the operations of which one iteration consists.
 class Meter {
   public:
     Meter(benchmark::State& state, std::int64_t operationsInIteration)
-        : state_(state), operations_(operationsInIteration), before_(Allocations()) {}
+        : state_(state), operations_(operationsInIteration), before_(Allocations()) {
+        MeasuringBegins();
+    }
     ~Meter() {
+        MeasuringEnds();
         const std::int64_t operations = state_.iterations() * operations_;
         const std::size_t measured = Allocations() - before_ - aside_;
         state_.SetItemsProcessed(operations);
+        state_.counters[kOperationsCounter] = static_cast<double>(operations);
         state_.counters[kAllocationsCounter] =
             static_cast<double>(measured) / static_cast<double>(operations);
     }
@@ -37,9 +42,11 @@ class Meter {
     template <class Work>
     void Aside(Work work) {
         state_.PauseTiming();
+        MeasuringEnds();
         const std::size_t before = Allocations();
         work();
         aside_ += Allocations() - before;
+        MeasuringBegins();
         state_.ResumeTiming();
     }
 

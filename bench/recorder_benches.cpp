@@ -115,9 +115,9 @@ void RecordBetween(benchmark::State& state) {
     RecordTakes(state, between);
 }
 
-BENCHMARK(RecordPlainly)->Name("a recorded sample/no recorder")->Apply(Brief);
-BENCHMARK(RecordBetween<Taker::kNobody>)->Name("a recorded sample/no taker")->Apply(Brief);
-BENCHMARK(RecordBetween<Taker::kTape>)->Name("a recorded sample/tape")->Apply(Brief);
-BENCHMARK(RecordBetween<Taker::kWatch>)->Name("a recorded sample/watch")->Apply(Brief);
+BENCHMARK(RecordPlainly)->Name("a recorded sample/no recorder");
+BENCHMARK(RecordBetween<Taker::kNobody>)->Name("a recorded sample/no taker");
+BENCHMARK(RecordBetween<Taker::kTape>)->Name("a recorded sample/tape");
+BENCHMARK(RecordBetween<Taker::kWatch>)->Name("a recorded sample/watch");
 
 }  // namespace

@@ -110,13 +110,13 @@ void Retrace(benchmark::State& state) {
 }
 
 void TakeLengths(benchmark::internal::Benchmark* bench) {
-    bench->Arg(100)->Arg(10'000)->Arg(100'000)->Apply(Brief);
+    bench->Arg(100)->Arg(10'000)->Arg(100'000);
 }
 
-BENCHMARK(SampleUnheld<Controller::kOurs>)->Name("a sample's road/ours")->Apply(Brief);
-BENCHMARK(SampleUnheld<Controller::kHosts>)->Name("a sample's road/host's own")->Apply(Brief);
-BENCHMARK(SampleHeld<Controller::kOurs>)->Name("a sample's road, held/ours")->Apply(Brief);
-BENCHMARK(SampleHeld<Controller::kHosts>)->Name("a sample's road, held/host's own")->Apply(Brief);
+BENCHMARK(SampleUnheld<Controller::kOurs>)->Name("a sample's road/ours");
+BENCHMARK(SampleUnheld<Controller::kHosts>)->Name("a sample's road/host's own");
+BENCHMARK(SampleHeld<Controller::kOurs>)->Name("a sample's road, held/ours");
+BENCHMARK(SampleHeld<Controller::kHosts>)->Name("a sample's road, held/host's own");
 BENCHMARK(Retrace<Controller::kOurs, Way::kUndo>)->Name("undo a key/ours")->Apply(TakeLengths);
 BENCHMARK(Retrace<Controller::kHosts, Way::kUndo>)
     ->Name("undo a key/host's own")

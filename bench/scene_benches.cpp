@@ -5,7 +5,6 @@
 
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "adaptor/max_adaptor_interface.h"
@@ -235,10 +234,14 @@ void GatherState(benchmark::State& state, int nodes) {
 using Work = void (*)(benchmark::State&, int);
 
 void Register(const std::string& name, Work work) {
-    const std::pair<int, const char*> sizes[] = {
-        {kFewNodes, "1,000"}, {kManyNodes, "10,000"}, {kMostNodes, "100,000"}};
-    for (const auto& [nodes, words] : sizes)
-        benchmark::RegisterBenchmark((name + "/" + words).c_str(), work, nodes)->Iterations(1);
+    const auto run = [work](benchmark::State& state) {
+        work(state, static_cast<int>(state.range(0)));
+    };
+    benchmark::RegisterBenchmark((name + "/ours").c_str(), run)
+        ->Arg(kFewNodes)
+        ->Arg(kManyNodes)
+        ->Arg(kMostNodes)
+        ->Iterations(1);
 }
 
 const bool isRegistered = [] {

@@ -15,7 +15,8 @@ std::array<Matrix3, kPoses> MakePoses() {
     std::array<Matrix3, kPoses> poses;
     for (std::size_t i = 0; i < kPoses; ++i) {
         const float half = static_cast<float>(i) * 0.005f;
-        poses[i].SetRotate(Quat{0, 0, std::sin(half), std::cos(half)});
+        poses[i].SetRotate(Quat{0.48f * std::sin(half), 0.6f * std::sin(half),
+                                0.64f * std::sin(half), std::cos(half)});
         poses[i].SetRow(3, Point3(static_cast<float>(i), 1, 2));
         poses[i].ValidateFlags();
     }
@@ -36,8 +37,8 @@ void SetMatrix(Control& control, TimeValue t, const Matrix3& matrix) {
     control.SetValue(t, &packet, 1, CTRL_ABSOLUTE);
 }
 
-Matrix3 MatrixAt(Control& control, TimeValue t) {
-    Matrix3 value;
+Matrix3 MatrixAt(Control& control, TimeValue t, const Matrix3& parent) {
+    Matrix3 value = parent;
     Interval valid = FOREVER;
     control.GetValue(t, &value, valid, CTRL_RELATIVE);
     return value;
@@ -47,33 +48,8 @@ HostTrack::HostTrack()
     : control_(static_cast<Control*>(GetCOREInterface()->CreateInstance(
           CTRL_MATRIX3_CLASS_ID, kPositionRotationScaleClassId))) {}
 
-Matrix3 Between::operator()(const TarvoKey<Matrix3>& left, const TarvoKey<Matrix3>& right,
-                            TimeValue t) {
-    pair_->table.keys[0] = left;
-    pair_->table.keys[1] = right;
-    return MatrixAt(*pair_, t);
-}
-
-Matrix3 MapTrack::Value(TimeValue t) {
-    const auto right = keys_.upper_bound(t);
-    const auto left = std::prev(right);
-    if (left->first == t || right == keys_.end()) return left->second;
-    return between_({0, left->first, left->second}, {0, right->first, right->second}, t);
-}
-
 void VectorTrack::Append(TimeValue t, const Matrix3& value) {
-    keys_.insert(FirstAfter(t), {0, t, value});
-}
-
-Matrix3 VectorTrack::Value(TimeValue t) {
-    const auto right = FirstAfter(t);
-    const auto left = right - 1;
-    if (left->time == t || right == keys_.end()) return left->value;
-    return between_(*left, *right, t);
-}
-
-std::vector<TarvoKey<Matrix3>>::iterator VectorTrack::FirstAfter(TimeValue t) {
-    return std::upper_bound(
-        keys_.begin(), keys_.end(), t,
-        [](TimeValue at, const TarvoKey<Matrix3>& key) { return at < key.time; });
+    const auto after =
+        std::ranges::upper_bound(keys_, t, {}, [](const auto& key) { return key.time; });
+    keys_.insert(after, {0, t, value});
 }

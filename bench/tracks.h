@@ -1,16 +1,12 @@
 #pragma once
 
 #include <cstdint>
-#include <iterator>
-#include <map>
 #include <vector>
 
 #include "controllers/transform_control.h"
 
 // One animated transform, in the ways in which it could be kept: this system's controller, the
-// host's own, an ordered map and a sorted vector. All take a key at their end and give the value at
-// a time inside; the last two find the keys around a time in their own way, and leave the value
-// between to the same arithmetic as the first.
+// host's own and a sorted vector. All take a key at their end.
 
 inline constexpr TimeValue kKeySpacing = 160;  // ticks, a frame
 
@@ -42,14 +38,13 @@ struct OpenTransform : TransformControl {
 
 // What the host does to write and read a transform controller.
 void SetMatrix(Control& control, TimeValue t, const Matrix3& matrix);
-Matrix3 MatrixAt(Control& control, TimeValue t);
+Matrix3 MatrixAt(Control& control, TimeValue t, const Matrix3& parent = {});
 
 class OurTrack {
   public:
     void Append(TimeValue t, const Matrix3& value) { control_->AddKey({0, t, value}); }
     void Set(TimeValue t, const Matrix3& value) { SetMatrix(*control_, t, value); }
-    Matrix3 Value(TimeValue t) { return MatrixAt(*control_, t); }
-    const Matrix3* Find(TimeValue t) { return &control_->table.FindBracket(t).left->value; }
+    Matrix3 InWorld(TimeValue t, const Matrix3& parent) { return MatrixAt(*control_, t, parent); }
 
   private:
     OwnedControl<OpenTransform> control_{new OpenTransform};
@@ -60,44 +55,17 @@ class HostTrack {
     HostTrack();
     void Append(TimeValue t, const Matrix3& value) { Set(t, value); }
     void Set(TimeValue t, const Matrix3& value) { SetMatrix(*control_, t, value); }
-    Matrix3 Value(TimeValue t) { return MatrixAt(*control_, t); }
 
   private:
     OwnedControl<Control> control_;
 };
 
-// The arithmetic of OurTrack between two keys that are found elsewhere.
-class Between {
-  public:
-    Between() : pair_(new OpenTransform) { pair_->table.keys.Whole().resize(2); }
-    Matrix3 operator()(const TarvoKey<Matrix3>& left, const TarvoKey<Matrix3>& right, TimeValue t);
-
-  private:
-    OwnedControl<OpenTransform> pair_;
-};
-
-class MapTrack {
-  public:
-    void Append(TimeValue t, const Matrix3& value) { keys_.emplace_hint(keys_.end(), t, value); }
-    Matrix3 Value(TimeValue t);
-    const Matrix3* Find(TimeValue t) { return &std::prev(keys_.upper_bound(t))->second; }
-
-  private:
-    std::map<TimeValue, Matrix3> keys_;
-    Between between_;
-};
-
 class VectorTrack {
   public:
     void Append(TimeValue t, const Matrix3& value);
-    Matrix3 Value(TimeValue t);
-    const Matrix3* Find(TimeValue t) { return &(FirstAfter(t) - 1)->value; }
 
   private:
-    std::vector<TarvoKey<Matrix3>>::iterator FirstAfter(TimeValue t);
-
     std::vector<TarvoKey<Matrix3>> keys_;
-    Between between_;
 };
 
 template <class Track>

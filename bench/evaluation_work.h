@@ -1,0 +1,48 @@
+#pragma once
+
+#include <vector>
+
+#include "bench/bench_world.h"
+#include "bench/tracks.h"
+
+// A take of one node below a parent that stands somewhere, and the times at which it is evaluated:
+// the work that ours and the peers in bench/peers/ do alike.
+
+inline constexpr std::int64_t kTimes = 4096;
+inline constexpr std::int64_t kKeysOfTake = kTimes + 1;
+
+inline const Matrix3& ParentOfTake() {
+    static const Matrix3 parent = PoseOfKey(40);
+    return parent;
+}
+
+// All between the same two keys, whose place is the middle.
+inline constexpr std::int64_t kMiddle = kKeysOfTake / 2;
+std::vector<TimeValue> TimesInOneBracket();
+
+// Each between two keys of its own: the keys at its place in the row and at the next.
+std::vector<TimeValue> TimesInNewBrackets();
+
+// How far such a time is from the left key to the right one.
+inline double FractionAt(TimeValue t) {
+    return static_cast<double>(t % kKeySpacing) / kKeySpacing;
+}
+
+// A controller with all keys of the take, which gives the pose in the world.
+class TakeTrack {
+  public:
+    explicit TakeTrack(std::int64_t keys = kKeysOfTake) { Fill(track_, keys); }
+    Matrix3 InWorld(TimeValue t) { return track_.InWorld(t, ParentOfTake()); }
+
+  private:
+    OurTrack track_;
+};
+
+// A time and the pose that a peer finds for it.
+struct PoseAt {
+    TimeValue time;
+    Matrix3 pose;
+};
+
+// Whether these are the poses that ours gives, as near as single precision allows.
+bool AreOurs(const std::vector<PoseAt>& poses);

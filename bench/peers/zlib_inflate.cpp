@@ -1,0 +1,65 @@
+// Huffman codes alone, packed and read by zlib.
+
+#include <benchmark/benchmark.h>
+#include <zlib.h>
+
+#include <memory>
+
+#include "bench/meter.h"
+#include "bench/texts.h"
+
+namespace {
+
+const Bytef* BytesOf(const std::string& text) {
+    return reinterpret_cast<const Bytef*>(text.data());
+}
+
+std::string Packed(const std::string& plain) {
+    z_stream stream{};
+    deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, MAX_WBITS, MAX_MEM_LEVEL,
+                 Z_HUFFMAN_ONLY);
+    std::string packed(deflateBound(&stream, plain.size()), '\0');
+    stream.next_in = const_cast<Bytef*>(BytesOf(plain));
+    stream.avail_in = static_cast<uInt>(plain.size());
+    stream.next_out = reinterpret_cast<Bytef*>(packed.data());
+    stream.avail_out = static_cast<uInt>(packed.size());
+    deflate(&stream, Z_FINISH);
+    packed.resize(stream.total_out);
+    deflateEnd(&stream);
+    return packed;
+}
+
+using Block = std::unique_ptr<Bytef[]>;
+
+Block Unpacked(const std::string& packed, uLongf size) {
+    Block plain = std::make_unique_for_overwrite<Bytef[]>(size);
+    uncompress(plain.get(), &size, BytesOf(packed), packed.size());
+    return plain;
+}
+
+void Inflate(benchmark::State& state, const std::string& plain) {
+    const std::string packed = Packed(plain);
+    const Block again = Unpacked(packed, plain.size());
+    if (!std::equal(plain.begin(), plain.end(), again.get(),
+                    [](char a, Bytef b) { return static_cast<Bytef>(a) == b; }))
+        state.SkipWithError("other bytes");
+    Meter meter(state, static_cast<std::int64_t>(plain.size()) / kBytesInKilobyte);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(Unpacked(packed, plain.size()));
+}
+
+void InflateProse(benchmark::State& state) {
+    Inflate(state, ProseOf(kPlainBytes));
+}
+void InflateNumbers(benchmark::State& state) {
+    Inflate(state, NumbersOf(kPlainBytes));
+}
+void InflateState(benchmark::State& state) {
+    Inflate(state, StateOf(kPlainBytes));
+}
+
+BENCHMARK(InflateProse)->Name("Huffman decode of prose, a kB/zlib");
+BENCHMARK(InflateNumbers)->Name("Huffman decode of numbers, a kB/zlib");
+BENCHMARK(InflateState)->Name("Huffman decode of XML, a kB/zlib");
+
+}  // namespace

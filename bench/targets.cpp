@@ -1,0 +1,51 @@
+#include "bench/targets.h"
+
+namespace {
+
+// "r times as fast as the peer" is a time of 1 / r of its time. Works are shown in this order.
+constexpr Target kTargets[] = {
+    {"evaluate in one bracket", "osg", Figure::kRatio, 1.2},
+    {"evaluate in new brackets", "glm", Figure::kRatio, 0.8},
+    {"evaluate at a key", "", Figure::kNanoseconds, 20},
+    {"evaluate again", "", Figure::kNanoseconds, 20},
+    {"find a bracket, even keys", "lower_bound"},
+    {"find a bracket, even keys", "", Figure::kNanoseconds, 20},
+    {"find a bracket, uneven keys", "lower_bound", Figure::kRatio, 1},
+    {"scalar at random", "sorted arrays", Figure::kRatio, 1},
+    {"scalar in one bracket", "sorted arrays", Figure::kRatio, 1},
+    {"a pose backward", "forward", Figure::kRatio, 1.2},
+    {"a pose at random", "forward", Figure::kRatio, 2},
+    {"a sample's road, held", "by hand", Figure::kRatio, 1.5},
+    {"undo a sample", "", Figure::kNanoseconds, 85},
+    {"undo a sample", "", Figure::kGrowth, 1.1},
+    {"redo a sample", "", Figure::kNanoseconds, 90},
+    {"redo a sample", "", Figure::kGrowth, 1.1},
+    {"memory of a sample with undo", "", Figure::kBytes, 250},
+    {"save keys to memory", "memcpy", Figure::kRatio, 1.5},
+    {"load keys from memory", "memcpy", Figure::kRatio, 1.5},
+    {"save a scene of 180 MB", "fwrite", Figure::kRatio, 1 / 0.7},
+    {"open a scene of 180 MB", "fread", Figure::kRatio, 1 / 0.5},
+    {"memory while saving, of keys", "", Figure::kBytes, 1.1},
+    {"trace below the limit, scope", "", Figure::kNanoseconds, 20},
+    {"trace below the limit, scope", "", Figure::kAllocations, 0},
+    {"trace below the limit, local", "", Figure::kNanoseconds, 20},
+    {"trace below the limit, local", "", Figure::kAllocations, 0},
+    {"XML parse, a kB", "tinyxml2", Figure::kRatio, 1 / 1.6},
+    {"XML parse, a kB", "copy and free", Figure::kRatio, 1.2},
+    {"XML write of state, a kB", "pugixml", Figure::kRatio, 1 / 0.95},
+    {"XML write of texts, a kB", "pugixml", Figure::kRatio, 1 / 0.95},
+    {"base64 encode, a kB", "EVP", Figure::kRatio, 1 / 1.2},
+    {"base64 decode, a kB", "EVP", Figure::kRatio, 1 / 1.2},
+    {"Huffman decode of prose, a kB", "zlib", Figure::kRatio, 1 / 1.8},
+    {"Huffman decode of numbers, a kB", "zlib", Figure::kRatio, 1 / 1.8},
+    {"Huffman decode of XML, a kB", "zlib", Figure::kRatio, 1 / 1.8},
+    {"store the scene's state", "", Figure::kGrowth, 1.2},
+    {"gather the scene's state", "", Figure::kGrowth, 1.2},
+    {"record the demo's capture", "", Figure::kInstructions, 1.04e9},
+};
+
+}  // namespace
+
+std::span<const Target> Targets() {
+    return kTargets;
+}
