@@ -1,5 +1,5 @@
-// What happens all the time and is to cost next to nothing: lending a snapshot, and moving the
-// host's time while the Core has nothing to do.
+// What happens all the time and is to cost next to nothing: lending a snapshot, moving the host's
+// time while the Core has nothing to do, and the trace of what is above its limit.
 
 #include <benchmark/benchmark.h>
 
@@ -10,6 +10,7 @@
 #include "bench/meter.h"
 #include "host/interface.h"
 #include "nodes/snapshots.h"
+#include "tvl/log.h"
 
 namespace {
 
@@ -61,9 +62,34 @@ void MoveTimeOfTheHostAlone(benchmark::State& state) {
     MoveTime(state);
 }
 
+void TraceScope(benchmark::State& state) {
+    const BenchWorld world;
+    Meter meter(state, kCalls);
+    for (auto _ : state) {
+        for (int call = 0; call < kCalls; ++call) {
+            const TVL::Log scope("creating helper", TVL::Log::kTraffic);
+            benchmark::DoNotOptimize(scope.indent);
+        }
+    }
+}
+
+void TraceLocal(benchmark::State& state) {
+    const BenchWorld world;
+    Meter meter(state, kCalls);
+    for (auto _ : state) {
+        for (int call = 0; call < kCalls; ++call) {
+            TVL::Log local(TVL::Log::kTraffic);
+            benchmark::DoNotOptimize(local.Write("creating helper"));
+        }
+    }
+}
+
 BENCHMARK(LendFromPool)->Name("lend a snapshot/ours");
 BENCHMARK(MakeAndFree)->Name("lend a snapshot/made anew");
 BENCHMARK(MoveTimeForTheCore)->Name("move the time/ours");
 BENCHMARK(MoveTimeOfTheHostAlone)->Name("move the time/host alone");
+
+BENCHMARK(TraceScope)->Name("trace below the limit, scope/ours");
+BENCHMARK(TraceLocal)->Name("trace below the limit, local/ours");
 
 }  // namespace

@@ -78,6 +78,5 @@ BENCHMARK(Append<OurTrack>)->Name("append a key/ours")->Apply(TrackLengths);
 BENCHMARK(Append<VectorTrack>)->Name("append a key/sorted vector")->Apply(TrackLengths);
 
 BENCHMARK(Set<OurTrack>)->Name("write a value/ours")->Apply(TrackLengths);
-BENCHMARK(Set<HostTrack>)->Name("write a value/host's own")->Apply(TrackLengths);
 
 }  // namespace

@@ -1,37 +1,44 @@
 // A sample's whole road from the Core into the scene, and the take's way back and forth through
-// undo. The peer is the same road into the host's own controller.
+// undo. The peer is what has to be done for a sample, by hand.
 
 #include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <memory>
+#include <vector>
 
 #include "adaptor/max_adaptor_interface.h"
 #include "bench/bench_world.h"
 #include "bench/meter.h"
+#include "controllers/key_table.h"
 #include "host/animate.h"
 #include "host/interface.h"
+#include "measures/core_space.h"
 
 namespace {
-
-enum class Controller { kOurs, kHosts };
 
 constexpr double kSamplesInSecond = 30;
 constexpr double kBeforeAll = -1;  // seconds
 
+double SecondsOf(std::int64_t sample) {
+    return static_cast<double>(sample) / kSamplesInSecond;
+}
+
+TVL::CMatrix4 PoseOf(std::int64_t sample) {
+    TVL::CMatrix4 pose = TVL::CMatrix4::Identity();
+    pose[3][0] = static_cast<double>(sample) * 0.01;
+    return pose;
+}
+
 // A node into which takes are recorded, through the adaptor alone.
 class TakeNode {
   public:
-    TakeNode(BenchWorld& world, Controller controller)
-        : node_(world.MakeNode(controller == Controller::kOurs)) {
-        TVL::CSnapshot* const snapshot = node_.AcquireSnapshot(0);
-        pose_ = snapshot->GetWorldTransform();
-        node_.ReleaseSnapshot(snapshot);
-    }
+    explicit TakeNode(BenchWorld& world) : node_(world.MakeNode(true)) {}
 
     void Record(std::int64_t samples) {
         for (std::int64_t sample = 0; sample < samples; ++sample) {
-            TVL::CSnapshot* const snapshot =
-                node_.AcquireSnapshot(static_cast<double>(sample) / kSamplesInSecond);
-            pose_[3][0] = static_cast<double>(sample) * 0.01;
-            snapshot->SetWorldTransform(pose_);
+            TVL::CSnapshot* const snapshot = node_.AcquireSnapshot(SecondsOf(sample));
+            snapshot->SetWorldTransform(PoseOf(sample));
             node_.ReleaseSnapshot(snapshot);
         }
     }
@@ -44,7 +51,6 @@ class TakeNode {
 
   private:
     TVL::CoreNode& node_;
-    TVL::CMatrix4 pose_;
 };
 
 void OpenTake() {
@@ -59,13 +65,79 @@ void CloseTake() {
     adaptor.EndUndoGroup();
 }
 
-constexpr std::int64_t kSamples = 10'000;
+// Keys and their names, and two records of each key for a way back: the value before, and the key
+// that came. Whoever depends on the keys is told of each. The pose goes through the matrix of the
+// host's space and through that of the parent, in the precisions in which it has to.
+class TakeByHand {
+  public:
+    using Key = TarvoKey<Matrix3>;
+
+    explicit TakeByHand(const Matrix3& parent) : fromParent_(Inverse(parent)) {}
+
+    void Record(std::int64_t samples) {
+        for (std::int64_t sample = 0; sample < samples; ++sample) {
+            const std::size_t place = keys_.size();
+            records_.push_back(std::make_unique<ValueRecord>(current_, place));
+            current_ = {0, static_cast<TimeValue>(SecondsOf(sample) * ticksPerSecond_),
+                        ToHost(PoseOf(sample) * space_) * fromParent_};
+            records_.push_back(std::make_unique<KeyRecord>(current_.time, place));
+            keys_.push_back(current_);
+            names_.push_back(place);
+            for (Dependent* one : dependents_)
+                one->Changed();
+        }
+    }
+    void Clear() {
+        records_.clear();
+        keys_.clear();
+        names_.clear();
+    }
+    const Key& Last() const { return keys_.back(); }
+
+  private:
+    struct UndoRecord {
+        virtual ~UndoRecord() = default;
+    };
+    struct ValueRecord final : UndoRecord {
+        ValueRecord(const Key& key, std::size_t of) : before(key), name(of) {}
+        Key before;
+        std::size_t name;
+    };
+    struct KeyRecord final : UndoRecord {
+        KeyRecord(TimeValue t, std::size_t of) : time(t), name(of) {}
+        TimeValue time;
+        std::size_t name;
+    };
+    struct Dependent {
+        virtual ~Dependent() = default;
+        virtual void Changed() { ++changes; }
+        std::int64_t changes = 0;
+    };
+
+    Matrix3 fromParent_;
+    TVL::CMatrix4 space_ = CoreToHostBase();
+    double ticksPerSecond_ = GetTicksPerFrame() * GetFrameRate();
+    Key current_;
+    std::vector<Key> keys_;
+    std::vector<std::size_t> names_;
+    std::vector<std::unique_ptr<UndoRecord>> records_;
+    Dependent node_;
+    std::vector<Dependent*> dependents_{&node_};
+};
+
+// Whether the node that was recorded last stands where the last key has it.
+bool StandsAt(const TarvoKey<Matrix3>& key) {
+    constexpr float kNear = 1e-2f;  // host units, of some thousands
+    INode* const root = GetCOREInterface()->GetRootNode();
+    const Matrix3 pose = root->GetChildNode(0)->GetNodeTM(key.time);
+    return (pose.GetTrans() - key.value.GetTrans()).Length() <= kNear;
+}
 
 // The table has its size from a take before, so that what is allocated is the road's own.
-template <Controller kController>
 void SampleUnheld(benchmark::State& state) {
+    constexpr std::int64_t kSamples = 10'000;
     BenchWorld world;
-    TakeNode node(world, kController);
+    TakeNode node(world);
     AnimateOn();
     node.Record(kSamples);
     Meter meter(state, kSamples);
@@ -76,22 +148,21 @@ void SampleUnheld(benchmark::State& state) {
     AnimateOff();
 }
 
-template <Controller kController>
 void SampleHeld(benchmark::State& state) {
     BenchWorld world;
-    TakeNode node(world, kController);
+    TakeNode node(world);
     std::size_t empty = 0;
     OpenTake();
-    node.Record(kSamples);
+    node.Record(state.range(0));
     CloseTake();
-    Meter meter(state, kSamples);
+    Meter meter(state, state.range(0));
     for (auto _ : state) {
         meter.Aside([&] {
             node.Clear();
             OpenTake();
             empty = heapCounts.liveBytes;
         });
-        node.Record(kSamples);
+        node.Record(state.range(0));
         meter.Aside([&] {
             meter.ShowBytes(heapCounts.liveBytes - empty);
             CloseTake();
@@ -99,10 +170,26 @@ void SampleHeld(benchmark::State& state) {
     }
 }
 
-template <Controller kController, Way kWay>
+void SampleByHand(benchmark::State& state) {
+    BenchWorld world;
+    TakeNode node(world);
+    OpenTake();
+    node.Record(state.range(0));
+    CloseTake();
+    TakeByHand byHand{Matrix3()};
+    byHand.Record(state.range(0));
+    if (!StandsAt(byHand.Last())) state.SkipWithError("another pose");
+    Meter meter(state, state.range(0));
+    for (auto _ : state) {
+        meter.Aside([&] { byHand.Clear(); });
+        byHand.Record(state.range(0));
+    }
+}
+
+template <Way kWay>
 void Retrace(benchmark::State& state) {
     BenchWorld world;
-    TakeNode node(world, kController);
+    TakeNode node(world);
     OpenTake();
     node.Record(state.range(0));
     CloseTake();
@@ -110,20 +197,13 @@ void Retrace(benchmark::State& state) {
 }
 
 void TakeLengths(benchmark::internal::Benchmark* bench) {
-    bench->Arg(100)->Arg(10'000)->Arg(100'000);
+    bench->Arg(10'000)->Arg(100'000);
 }
 
-BENCHMARK(SampleUnheld<Controller::kOurs>)->Name("a sample's road/ours");
-BENCHMARK(SampleUnheld<Controller::kHosts>)->Name("a sample's road/host's own");
-BENCHMARK(SampleHeld<Controller::kOurs>)->Name("a sample's road, held/ours");
-BENCHMARK(SampleHeld<Controller::kHosts>)->Name("a sample's road, held/host's own");
-BENCHMARK(Retrace<Controller::kOurs, Way::kUndo>)->Name("undo a key/ours")->Apply(TakeLengths);
-BENCHMARK(Retrace<Controller::kHosts, Way::kUndo>)
-    ->Name("undo a key/host's own")
-    ->Apply(TakeLengths);
-BENCHMARK(Retrace<Controller::kOurs, Way::kRedo>)->Name("redo a key/ours")->Apply(TakeLengths);
-BENCHMARK(Retrace<Controller::kHosts, Way::kRedo>)
-    ->Name("redo a key/host's own")
-    ->Apply(TakeLengths);
+BENCHMARK(SampleUnheld)->Name("a sample's road/ours");
+BENCHMARK(SampleHeld)->Name("a sample's road, held/ours")->Apply(TakeLengths);
+BENCHMARK(SampleByHand)->Name("a sample's road, held/by hand")->Apply(TakeLengths);
+BENCHMARK(Retrace<Way::kUndo>)->Name("undo a sample/ours")->Apply(TakeLengths);
+BENCHMARK(Retrace<Way::kRedo>)->Name("redo a sample/ours")->Apply(TakeLengths);
 
 }  // namespace

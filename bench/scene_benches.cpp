@@ -20,7 +20,6 @@
 
 namespace {
 
-constexpr int kFewNodes = 1000;
 constexpr int kManyNodes = 10'000;
 constexpr int kMostNodes = 100'000;
 
@@ -238,7 +237,6 @@ void Register(const std::string& name, Work work) {
         work(state, static_cast<int>(state.range(0)));
     };
     benchmark::RegisterBenchmark((name + "/ours").c_str(), run)
-        ->Arg(kFewNodes)
         ->Arg(kManyNodes)
         ->Arg(kMostNodes)
         ->Iterations(1);

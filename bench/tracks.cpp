@@ -4,8 +4,6 @@
 #include <array>
 #include <cmath>
 
-#include "host/interface.h"
-
 namespace {
 
 // Kept, so that making poses costs nothing beside what is measured.
@@ -43,10 +41,6 @@ Matrix3 MatrixAt(Control& control, TimeValue t, const Matrix3& parent) {
     control.GetValue(t, &value, valid, CTRL_RELATIVE);
     return value;
 }
-
-HostTrack::HostTrack()
-    : control_(static_cast<Control*>(GetCOREInterface()->CreateInstance(
-          CTRL_MATRIX3_CLASS_ID, kPositionRotationScaleClassId))) {}
 
 void VectorTrack::Append(TimeValue t, const Matrix3& value) {
     const auto after =

@@ -5,8 +5,8 @@
 
 #include "controllers/transform_control.h"
 
-// One animated transform, in the ways in which it could be kept: this system's controller, the
-// host's own and a sorted vector. All take a key at their end.
+// One animated transform, in the ways in which it could be kept: this system's controller and
+// a sorted vector. Both take a key at their end.
 
 inline constexpr TimeValue kKeySpacing = 160;  // ticks, a frame
 
@@ -48,16 +48,6 @@ class OurTrack {
 
   private:
     OwnedControl<OpenTransform> control_{new OpenTransform};
-};
-
-class HostTrack {
-  public:
-    HostTrack();
-    void Append(TimeValue t, const Matrix3& value) { Set(t, value); }
-    void Set(TimeValue t, const Matrix3& value) { SetMatrix(*control_, t, value); }
-
-  private:
-    OwnedControl<Control> control_;
 };
 
 class VectorTrack {
