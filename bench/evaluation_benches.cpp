@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <random>
 
 #include "bench/evaluation_work.h"
@@ -210,22 +211,24 @@ constexpr std::int64_t kFrames = 2752;
 
 class Skeleton {
   public:
-    Skeleton() : tracks_(kNodes) {
-        for (OurTrack& track : tracks_)
-            Fill(track, kFrames);
-    }
-    Matrix3 PoseOfLast(TimeValue t) {
-        Matrix3 world;
-        for (std::size_t node = 0; node < tracks_.size(); ++node) {
-            // Chains of five hang from the root.
-            if (node % 5 == 1) world = tracks_.front().InWorld(t, Matrix3());
-            world = tracks_[node].InWorld(t, world);
+    Skeleton() : controls_(kNodes) {
+        for (auto& control : controls_) {
+            control = std::make_unique<OpenTransform>();
+            FillWithTake(*control, kFrames);
         }
+    }
+
+    // Chains of five hang from the root.
+    Matrix3 PoseOfLast(TimeValue t) {
+        const Matrix3 root = MatrixAt(*controls_[0], t, Matrix3());
+        Matrix3 world = root;
+        for (std::size_t node = 1; node < controls_.size(); ++node)
+            world = MatrixAt(*controls_[node], t, node % 5 == 1 ? root : world);
         return world;
     }
 
   private:
-    std::vector<OurTrack> tracks_;
+    std::vector<std::unique_ptr<OpenTransform>> controls_;
 };
 
 enum class Order { kForward, kBackward, kRandom };

@@ -31,11 +31,11 @@ inline double FractionAt(TimeValue t) {
 // A controller with all keys of the take, which gives the pose in the world.
 class TakeTrack {
   public:
-    explicit TakeTrack(std::int64_t keys = kKeysOfTake) { Fill(track_, keys); }
-    Matrix3 InWorld(TimeValue t) { return track_.InWorld(t, ParentOfTake()); }
+    explicit TakeTrack(std::int64_t keys = kKeysOfTake) { FillWithTake(*control_, keys); }
+    Matrix3 InWorld(TimeValue t) { return MatrixAt(*control_, t, ParentOfTake()); }
 
   private:
-    OurTrack track_;
+    OwnedControl<OpenTransform> control_{new OpenTransform};
 };
 
 // A time and the pose that a peer finds for it.

@@ -64,6 +64,7 @@ void MoveTimeOfTheHostAlone(benchmark::State& state) {
 
 void TraceScope(benchmark::State& state) {
     const BenchWorld world;
+    TVL::Log::GetInstance();
     Meter meter(state, kCalls);
     for (auto _ : state) {
         for (int call = 0; call < kCalls; ++call) {
@@ -75,6 +76,7 @@ void TraceScope(benchmark::State& state) {
 
 void TraceLocal(benchmark::State& state) {
     const BenchWorld world;
+    TVL::Log::GetInstance();
     Meter meter(state, kCalls);
     for (auto _ : state) {
         for (int call = 0; call < kCalls; ++call) {

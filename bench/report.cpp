@@ -120,7 +120,7 @@ void AddTargets(Row& row, bool isFirst) {
     }
 }
 
-constexpr int kTextWidths[] = {32, 9, 14};
+constexpr int kTextWidths[] = {34, 9, 14};
 constexpr int kNumberWidth = 10;
 constexpr int kGap = 3;
 
@@ -134,6 +134,24 @@ void PrintLine(std::ostream& out, const std::vector<std::string>& texts,
     for (const std::string& number : numbers)
         out << std::setw(kNumberWidth) << number;
     out << std::setw(kGap) << "" << toReach << (isMet.empty() ? "" : "  ") << isMet << '\n';
+}
+
+void PrintShortfalls(std::ostream& out, const std::vector<Row>& rows) {
+    std::size_t met = 0;
+    std::size_t all = 0;
+    out << "\nFalls short:\n";
+    for (const Row& row : rows) {
+        for (const Target* target : row.targets) {
+            ++all;
+            if (row.IsMet(*target)) {
+                ++met;
+                continue;
+            }
+            out << "  " << NameOf(row) << ": " << Short(row.Of(target->figure)) << ", "
+                << ToReach(*target) << '\n';
+        }
+    }
+    out << "Reached: " << met << " of " << all << " targets\n";
 }
 
 nlohmann::json JsonOf(const Row& row) {
@@ -241,14 +259,7 @@ void PrintTable(std::ostream& out, const std::vector<Row>& rows) {
                    Short(row.growth), Short(row.ours->allocations), Short(row.ours->bytes)},
                   ToReach(row), Verdict(row));
     }
-    out << "\nFalls short:\n";
-    for (const Row& row : rows) {
-        for (const Target* target : row.targets) {
-            if (row.IsMet(*target)) continue;
-            out << "  " << NameOf(row) << ": " << Short(row.Of(target->figure)) << ", "
-                << ToReach(*target) << '\n';
-        }
-    }
+    PrintShortfalls(out, rows);
 }
 
 void PrintUnmeasured(std::ostream& out, const std::vector<Row>& rows) {

@@ -11,7 +11,6 @@
 #include "bench/bench_world.h"
 #include "bench/meter.h"
 #include "headless/scene_view.h"
-#include "host/hold.h"
 #include "host/interface.h"
 #include "nodes/max_node.h"
 #include "nodes/node_list.h"
@@ -45,13 +44,9 @@ class Rig final : public TVL::CoreElement {
         return 0;
     }
 
-    std::vector<TVL::CNode*> MakeNodes(int count, TVL::CNode* parent = nullptr) {
-        std::vector<TVL::CNode*> nodes;
-        nodes.reserve(static_cast<std::size_t>(count));
+    void MakeNodes(int count) {
         for (int index = 0; index < count; ++index)
-            nodes.push_back(
-                Adaptor().CreateHelperNode(this, std::to_string(index), parent, {}, nullptr));
-        return nodes;
+            Adaptor().CreateHelperNode(this, std::to_string(index), nullptr, {}, nullptr);
     }
 
     // Nodes that are called by their numbers.
@@ -102,47 +97,6 @@ void UndoCreation(benchmark::State& state, int nodes) {
     MeasureEach(
         state, nodes, [&](Rig& rig, BenchWorld&) { InGroup([&] { rig.MakeNodes(nodes); }); },
         [](Rig&, BenchWorld& world) { world.Session().Undo(); });
-}
-
-void DropUndoneCreation(benchmark::State& state, int nodes) {
-    MeasureEach(
-        state, nodes,
-        [&](Rig& rig, BenchWorld& world) {
-            InGroup([&] { rig.MakeNodes(nodes); });
-            world.Session().Undo();
-        },
-        [](Rig&, BenchWorld&) { GetCOREInterface()->FlushUndoBuffer(); });
-}
-
-void ReleaseChildren(benchmark::State& state, int nodes) {
-    std::vector<TVL::CNode*> children;
-    TVL::CNode* parent = nullptr;
-    MeasureEach(
-        state, nodes,
-        [&](Rig& rig, BenchWorld&) {
-            parent = rig.MakeNodes(1).front();
-            rig.MakeNodes(nodes, parent);
-            children.clear();
-            for (int index = 0; index < nodes; ++index)
-                children.push_back(parent->GetChild(index));
-        },
-        [&](Rig&, BenchWorld&) {
-            for (TVL::CNode* child : children)
-                parent->ReleaseNode(child);
-        });
-}
-
-void DeleteParent(benchmark::State& state, int nodes) {
-    MeasureEach(
-        state, nodes,
-        [&](Rig& rig, BenchWorld&) { rig.MakeNodes(nodes, rig.MakeNodes(1).front()); },
-        [](Rig&, BenchWorld& world) {
-            INode* const parent = GetCOREInterface()->GetRootNode()->GetChildNode(0);
-            theHold.Begin();
-            GetCOREInterface()->DeleteNode(parent, 0, 0);
-            theHold.Accept("delete");
-            world.Session().Undo();
-        });
 }
 
 void UserDeletes(benchmark::State& state, int nodes) {
@@ -239,14 +193,12 @@ void Register(const std::string& name, Work work) {
     benchmark::RegisterBenchmark((name + "/ours").c_str(), run)
         ->Arg(kManyNodes)
         ->Arg(kMostNodes)
-        ->Iterations(1);
+        ->Iterations(1)
+        ->Repetitions(5);
 }
 
 const bool isRegistered = [] {
     Register("undo the creation of nodes", UndoCreation);
-    Register("drop a creation that is undone", DropUndoneCreation);
-    Register("release the children of a node", ReleaseChildren);
-    Register("delete a parent and undo that", DeleteParent);
     Register("delete by the user and undo that", UserDeletes);
     Register("claim for a plug-in, a node missing", LoadPlugins);
     Register("store the scene's state", StoreState);

@@ -67,15 +67,10 @@ MemoryChunk ChunkFor(std::int64_t keys) {
     return MemoryChunk((static_cast<std::size_t>(keys) + 2) * kKeyBytes);
 }
 
-void FillControl(OpenTransform& control, std::int64_t keys) {
-    for (std::int64_t index = 0; index < keys; ++index)
-        control.AddKey({0, TimeOfKey(index), PoseOfKey(index)});
-}
-
 void SaveKeys(benchmark::State& state) {
     const BenchWorld world;
     const OwnedControl<OpenTransform> control(new OpenTransform);
-    FillControl(*control, state.range(0));
+    FillWithTake(*control, state.range(0));
     MemoryChunk chunk = ChunkFor(state.range(0));
     Meter meter(state, state.range(0));
     for (auto _ : state) {
@@ -88,7 +83,7 @@ void SaveKeys(benchmark::State& state) {
 void LoadKeys(benchmark::State& state) {
     const BenchWorld world;
     const OwnedControl<OpenTransform> control(new OpenTransform);
-    FillControl(*control, state.range(0));
+    FillWithTake(*control, state.range(0));
     MemoryChunk chunk = ChunkFor(state.range(0));
     control->Save(&chunk);
     Meter meter(state, state.range(0));
@@ -139,7 +134,7 @@ class StoredScene {
     StoredScene() : empty_(heapCounts.liveBytes) {
         for (std::int64_t node = 0; node < kNodes; ++node) {
             auto control = std::make_unique<OpenTransform>();
-            FillControl(*control, kKeysOfNode);
+            FillWithTake(*control, kKeysOfNode);
             GetCOREInterface()
                 ->CreateObjectNode(CreateNewTriObject())
                 ->SetTMController(control.release());

@@ -17,6 +17,8 @@ constexpr Target kTargets[] = {
     {"a pose at random", "forward", Figure::kRatio, 2},
     {"a sample's road, held", "by hand", Figure::kRatio, 1.5},
     {"a sample's road, held", "", Figure::kBytes, 250},
+    {"a sample with a tape", "without", Figure::kRatio, 1.25},
+    {"a sample with the watch", "without", Figure::kRatio, 1.5},
     {"undo a sample", "", Figure::kNanoseconds, 85},
     {"undo a sample", "", Figure::kGrowth, 1.1},
     {"redo a sample", "", Figure::kNanoseconds, 90},

@@ -1,6 +1,5 @@
 #include "bench/tracks.h"
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -28,11 +27,9 @@ Matrix3 PoseOfKey(std::int64_t index) {
     return poses[static_cast<std::size_t>(index) % kPoses];
 }
 
-void SetMatrix(Control& control, TimeValue t, const Matrix3& matrix) {
-    SetXFormPacket packet;
-    packet.command = XFORM_SET;
-    packet.tmAxis = matrix;
-    control.SetValue(t, &packet, 1, CTRL_ABSOLUTE);
+void FillWithTake(OpenTransform& control, std::int64_t keys) {
+    for (std::int64_t index = 0; index < keys; ++index)
+        control.AddKey({0, TimeOfKey(index), PoseOfKey(index)});
 }
 
 Matrix3 MatrixAt(Control& control, TimeValue t, const Matrix3& parent) {
@@ -40,10 +37,4 @@ Matrix3 MatrixAt(Control& control, TimeValue t, const Matrix3& parent) {
     Interval valid = FOREVER;
     control.GetValue(t, &value, valid, CTRL_RELATIVE);
     return value;
-}
-
-void VectorTrack::Append(TimeValue t, const Matrix3& value) {
-    const auto after =
-        std::ranges::upper_bound(keys_, t, {}, [](const auto& key) { return key.time; });
-    keys_.insert(after, {0, t, value});
 }

@@ -1,12 +1,10 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
 #include "controllers/transform_control.h"
 
-// One animated transform, in the ways in which it could be kept: this system's controller and
-// a sorted vector. Both take a key at their end.
+// What a take is made of, and a controller that has one.
 
 inline constexpr TimeValue kKeySpacing = 160;  // ticks, a frame
 
@@ -36,30 +34,7 @@ struct OpenTransform : TransformControl {
     using BaseControl::table;
 };
 
-// What the host does to write and read a transform controller.
-void SetMatrix(Control& control, TimeValue t, const Matrix3& matrix);
-Matrix3 MatrixAt(Control& control, TimeValue t, const Matrix3& parent = {});
+void FillWithTake(OpenTransform& control, std::int64_t keys);
 
-class OurTrack {
-  public:
-    void Append(TimeValue t, const Matrix3& value) { control_->AddKey({0, t, value}); }
-    void Set(TimeValue t, const Matrix3& value) { SetMatrix(*control_, t, value); }
-    Matrix3 InWorld(TimeValue t, const Matrix3& parent) { return MatrixAt(*control_, t, parent); }
-
-  private:
-    OwnedControl<OpenTransform> control_{new OpenTransform};
-};
-
-class VectorTrack {
-  public:
-    void Append(TimeValue t, const Matrix3& value);
-
-  private:
-    std::vector<TarvoKey<Matrix3>> keys_;
-};
-
-template <class Track>
-void Fill(Track& track, std::int64_t keys) {
-    for (std::int64_t index = 0; index < keys; ++index)
-        track.Append(TimeOfKey(index), PoseOfKey(index));
-}
+// As the host reads a transform controller: the pose in the world, below a parent.
+Matrix3 MatrixAt(Control& control, TimeValue t, const Matrix3& parent);
