@@ -5,11 +5,11 @@
 #include <optional>
 #include <span>
 
+#include "codecs/huffman_looks.h"
+
 namespace {
 
 using Bytes = std::span<const std::uint8_t>;
-
-constexpr std::size_t kBitsPerByte = 8;
 
 struct StreamHeader {
     std::size_t symbols;
@@ -56,25 +56,6 @@ std::vector<HuffmanRecord> ReadTree(Bytes table) {
     return records;
 }
 
-// Walks a tree of more than one leaf, where every symbol takes a bit at least.
-std::vector<std::uint8_t> Decode(std::span<const HuffmanRecord> tree, Bytes coded,
-                                 std::size_t size) {
-    std::vector<std::uint8_t> result;
-    result.reserve(std::min(size, coded.size() * kBitsPerByte));
-    const HuffmanRecord* node = &tree.back();
-    for (const std::uint8_t byte : coded) {
-        for (std::size_t bit = 0; bit < kBitsPerByte && result.size() < size; ++bit) {
-            const bool isRight = byte >> bit & 1;
-            node = &tree[static_cast<std::size_t>(isRight ? node->right : node->left)];
-            if (node->left >= 0) continue;
-            result.push_back(static_cast<std::uint8_t>(node->symbol));
-            node = &tree.back();
-        }
-        if (result.size() == size) break;
-    }
-    return result;
-}
-
 }  // namespace
 
 HuffmanBuffer::HuffmanBuffer(const void* bytes, std::int32_t count) {
@@ -93,7 +74,7 @@ std::vector<std::uint8_t> HuffmanBuffer::Decompress() const {
         ReadTree(Bytes(bytes_).subspan(kHeaderBytes, tableBytes));
     if (tree.size() == 1)
         return std::vector<std::uint8_t>(header->size, static_cast<std::uint8_t>(tree[0].symbol));
-    return Decode(tree, Bytes(bytes_).subspan(kHeaderBytes + tableBytes), header->size);
+    return DecodeHuffman(tree, Bytes(bytes_).subspan(kHeaderBytes + tableBytes), header->size);
 }
 
 std::string HuffmanBuffer::Text() const {
