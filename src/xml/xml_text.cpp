@@ -1,16 +1,38 @@
 #include "xml/xml_text.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
+#include <array>
+#include <charconv>
+#include <cstring>
+#include <utility>
 
 namespace {
 
 constexpr std::string_view kReferenceStart = "&#";
 constexpr int kNoDigit = -1;
 
-bool StandsForItself(char byte) {
-    return byte >= ' ' && byte <= '~' && byte != '&' && byte != '<';
+// What the writer leaves as it is everywhere. A '"' is not among them: it stands for itself in a
+// text, but between double quotes it cannot.
+constexpr bool IsPlain(char byte) {
+    const auto number = static_cast<signed char>(byte);  // below 0 above the ASCII range
+    return !((number < ' ') | (number == '\x7F') | (number == '&') | (number == '<') |
+             (number == '"'));
+}
+
+constexpr auto kIsPlain = [] {
+    std::array<bool, 256> isPlain{};
+    for (std::size_t byte = 0; byte < isPlain.size(); ++byte)
+        isPlain[byte] = IsPlain(static_cast<char>(byte));
+    return isPlain;
+}();
+
+// A block at a time, which compilers do for all of its bytes together.
+template <std::size_t size>
+bool AllArePlain(const char* block) {
+    unsigned char marks = 0;
+    for (std::size_t i = 0; i < size; ++i)
+        marks |= static_cast<unsigned char>(!IsPlain(block[i]));
+    return marks == 0;
 }
 
 int HexDigitValue(char byte) {
@@ -32,22 +54,6 @@ char ByteOf(std::string_view hexDigits, unsigned base) {
     return static_cast<char>(number);
 }
 
-// Expands the reference that `text` starts with, and gives the number of bytes that it took.
-std::size_t ExpandReference(std::string_view text, std::string& out) {
-    std::size_t start = kReferenceStart.size();
-    const bool isHex = start < text.size() && text[start] == 'x';
-    if (isHex) ++start;
-    std::size_t end = start;
-    while (end < text.size() && HexDigitValue(text[end]) != kNoDigit)
-        ++end;
-    if (end == start) {
-        out += kReferenceStart;
-        return kReferenceStart.size();
-    }
-    out += ByteOf(text.substr(start, end - start), isHex ? 16 : 10);
-    return end < text.size() ? end + 1 : end;
-}
-
 // Takes `count` bytes, or as many as there are, off the front.
 std::string_view Take(std::string_view& text, std::size_t count) {
     const std::string_view taken = text.substr(0, count);
@@ -55,30 +61,97 @@ std::string_view Take(std::string_view& text, std::size_t count) {
     return taken;
 }
 
+// Takes the reference that `text` starts with off the front. What it stands for is no longer, and
+// is written to `to`, which may lie ahead of it in the same text; the result is the place behind.
+char* ExpandReference(std::string_view& text, char* to) {
+    std::size_t start = kReferenceStart.size();
+    const bool isHex = start < text.size() && text[start] == 'x';
+    if (isHex) ++start;
+    std::size_t end = start;
+    while (end < text.size() && HexDigitValue(text[end]) != kNoDigit)
+        ++end;
+    if (end == start) {
+        Take(text, kReferenceStart.size());
+        return std::ranges::copy(kReferenceStart, to).out;
+    }
+    *to = ByteOf(text.substr(start, end - start), isHex ? 16 : 10);
+    Take(text, end + 1);
+    return to + 1;
+}
+
 }  // namespace
 
-void EscapeXML(std::string_view text, std::string& out) {
-    for (const char byte : text) {
-        if (StandsForItself(byte)) {
-            out += byte;
-        } else {
-            out += kReferenceStart;
-            out += std::to_string(static_cast<unsigned>(static_cast<unsigned char>(byte)));
-            out += ';';
+std::size_t CountPlain(std::string_view text) {
+    constexpr std::size_t kLong = 64;
+    constexpr std::size_t kShort = 8;
+    std::size_t at = 0;
+    while (text.size() - at >= kLong && AllArePlain<kLong>(text.data() + at))
+        at += kLong;
+    if (text.size() - at >= kShort) {
+        // The last block overlaps with the one ahead of it.
+        const std::size_t last = text.size() - kShort;
+        while (AllArePlain<kShort>(text.data() + at)) {
+            if (at == last) return text.size();
+            at = std::min(at + kShort, last);
         }
+    }
+    while (at < text.size() && kIsPlain[static_cast<unsigned char>(text[at])])
+        ++at;
+    return at;
+}
+
+// There is no room for all of it.
+void XMLOutput::PutLong(std::string_view text) {
+    Flush();
+    if (text.size() <= gathered.size())
+        Put(text);
+    else
+        whole += text;
+}
+
+void XMLOutput::PutEscaped(std::string_view text) {
+    while (true) {
+        Put(Take(text, CountPlain(text)));
+        if (text.empty()) return;
+        if (text.front() == '"')
+            Put("\"");
+        else
+            PutReference(text.front());
+        text.remove_prefix(1);
     }
 }
 
-std::string UnescapeXML(std::string_view text) {
-    std::string out;
-    out.reserve(text.size());
-    while (!text.empty()) {
-        const std::size_t plain = std::min(text.find(kReferenceStart), text.size());
-        out += text.substr(0, plain);
-        text.remove_prefix(plain);
-        if (!text.empty()) text.remove_prefix(ExpandReference(text, out));
+void XMLOutput::PutReference(char byte) {
+    std::array<char, sizeof "&#255;"> reference = {'&', '#'};
+    const auto number = static_cast<unsigned>(static_cast<unsigned char>(byte));
+    char* const end = std::to_chars(&reference[2], reference.end(), number).ptr;
+    *end = ';';
+    Put(std::string_view(reference.data(), end + 1));
+}
+
+std::string XMLOutput::Finish() {
+    Flush();
+    return std::move(whole);
+}
+
+void XMLOutput::Flush() {
+    whole.append(gathered.data(), used);
+    used = 0;
+}
+
+void UnescapeXML(std::string& text) {
+    const std::size_t first = text.find(kReferenceStart);
+    if (first == std::string::npos) return;
+    char* to = text.data() + first;
+    std::string_view rest = text;
+    rest.remove_prefix(first);
+    while (!rest.empty()) {
+        to = ExpandReference(rest, to);
+        const std::string_view plain = Take(rest, rest.find(kReferenceStart));
+        std::memmove(to, plain.data(), plain.size());
+        to += plain.size();
     }
-    return out;
+    text.resize(static_cast<std::size_t>(to - text.data()));
 }
 
 XMLTokenizer::XMLTokenizer(std::string_view wholeText)
@@ -89,7 +162,8 @@ XMLTokenizer::XMLTokenizer(std::string_view wholeText)
 void XMLTokenizer::Step() {
     current.reset();
     while (!rest.empty()) {
-        const std::size_t start = rest.find_first_not_of(kXMLSpace);
+        // Between tags there is no white space, as a rule, or little.
+        const std::size_t start = rest.front() == '<' ? 0 : rest.find_first_not_of(kXMLSpace);
         const bool isTag = start != std::string_view::npos && rest[start] == '<';
         if (isTag) rest.remove_prefix(start);
         const XMLToken token = isTag ? CutTag() : CutText();

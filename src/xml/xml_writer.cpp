@@ -29,7 +29,7 @@ class XMLWriter {
                 Begin(*element.node->children[element.nextChild++]);
             }
         }
-        return std::move(out);
+        return out.Finish();
     }
 
   private:
@@ -51,13 +51,12 @@ class XMLWriter {
                 BeginElement(node);
                 break;
             case XMLNode::kText:
-                EscapeXML(node.name, out);
+                out.PutEscaped(node.name);
                 break;
             case XMLNode::kComment:
-                out += indent;
-                out += "<!-- ";
-                EscapeXML(node.name, out);
-                out += "-- >";
+                out.Put(indent, "<!-- ");
+                out.PutEscaped(node.name);
+                out.Put("-- >");
                 break;
             default:
                 break;
@@ -65,43 +64,39 @@ class XMLWriter {
     }
 
     void BeginElement(const XMLNode& node) {
-        out += indent;
-        out += '<';
-        EscapeXML(node.name, out);
+        out.Put(indent, "<");
+        out.PutEscaped(node.name);
         for (const auto& [name, value] : node.attributes)
             WriteAttribute(name, value);
         if (node.children.empty()) {
-            out += "/>";
+            out.Put("/>");
             return;
         }
-        out += '>';
+        out.Put(">");
         open.push_back({&node, 0});
-        if (!open.back().IsInTextMode()) out += newLine;
+        if (!open.back().IsInTextMode()) out.Put(newLine);
         indent += step;
     }
 
-    void WriteAttribute(const std::string& name, const std::string& value) {
-        const bool hasDouble = value.find('"') != std::string::npos;
-        const bool hasSingle = value.find('\'') != std::string::npos;
-        const char quote = hasDouble && !hasSingle ? '\'' : '"';
-        out += ' ';
-        out += name;
-        out += '=';
-        out += quote;
-        if (hasDouble && hasSingle) {
+    void WriteAttribute(std::string_view name, std::string_view value) {
+        if (CountPlain(value) == value.size()) return out.Put(" ", name, "=\"", value, "\"");
+        const bool hasDouble = value.find('"') != std::string_view::npos;
+        const bool hasBoth = hasDouble && value.find('\'') != std::string_view::npos;
+        const std::string_view quote = hasDouble && !hasBoth ? "'" : "\"";
+        out.Put(" ", name, "=", quote);
+        if (hasBoth)
             WriteWithoutDoubleQuotes(value);
-        } else {
-            EscapeXML(value, out);
-        }
-        out += quote;
+        else
+            out.PutEscaped(value);
+        out.Put(quote);
     }
 
     void WriteWithoutDoubleQuotes(std::string_view value) {
         while (true) {
             const std::size_t quote = value.find('"');
-            EscapeXML(value.substr(0, quote), out);
+            out.PutEscaped(value.substr(0, quote));
             if (quote == std::string_view::npos) return;
-            out += "&#34;";
+            out.Put("&#34;");
             value.remove_prefix(quote + 1);
         }
     }
@@ -109,9 +104,9 @@ class XMLWriter {
     void EndPreviousChild(const Element& element) {
         if (element.nextChild == 0) return;
         if (!element.IsInTextMode()) {
-            out += newLine;
+            out.Put(newLine);
         } else if (element.IsText(element.nextChild - 1) && element.IsText(element.nextChild)) {
-            out += ' ';
+            out.Put(" ");
         }
     }
 
@@ -119,17 +114,17 @@ class XMLWriter {
         const Element element = open.back();
         open.pop_back();
         indent.resize(indent.size() - step.size());
-        if (!element.IsInTextMode()) out += indent;
-        out += "</";
-        EscapeXML(element.node->name, out);
-        out += '>';
+        if (!element.IsInTextMode()) out.Put(indent);
+        out.Put("</");
+        out.PutEscaped(element.node->name);
+        out.Put(">");
     }
 
     const std::string newLine;
     const std::string step;
     std::string indent;  // of what is written next
     std::vector<Element> open;
-    std::string out;
+    XMLOutput out;
 };
 
 }  // namespace
