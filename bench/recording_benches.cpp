@@ -36,11 +36,13 @@ class TakeNode {
     explicit TakeNode(BenchWorld& world) : node_(world.MakeNode(true)) {}
 
     void Record(std::int64_t samples) {
-        for (std::int64_t sample = 0; sample < samples; ++sample) {
-            TVL::CSnapshot* const snapshot = node_.AcquireSnapshot(SecondsOf(sample));
-            snapshot->SetWorldTransform(PoseOf(sample));
-            node_.ReleaseSnapshot(snapshot);
-        }
+        for (std::int64_t sample = 0; sample < samples; ++sample)
+            RecordOne(sample);
+    }
+    void RecordOne(std::int64_t sample) {
+        TVL::CSnapshot* const snapshot = node_.AcquireSnapshot(SecondsOf(sample));
+        snapshot->SetWorldTransform(PoseOf(sample));
+        node_.ReleaseSnapshot(snapshot);
     }
 
     // Without a way back.
@@ -186,14 +188,26 @@ void SampleByHand(benchmark::State& state) {
     }
 }
 
+// A take of a skeleton, recorded frame by frame.
 template <Way kWay>
 void Retrace(benchmark::State& state) {
+    constexpr std::int64_t kNodes = 31;
     BenchWorld world;
-    TakeNode node(world);
+    std::vector<TakeNode> nodes;
+    for (std::int64_t node = 0; node < kNodes; ++node)
+        nodes.emplace_back(world);
     OpenTake();
-    node.Record(state.range(0));
+    for (std::int64_t frame = 0; frame < state.range(0); ++frame) {
+        for (TakeNode& node : nodes)
+            node.RecordOne(frame);
+    }
     CloseTake();
-    RetraceStep<kWay>(state, state.range(0), world.Session());
+    RetraceStep<kWay>(state, state.range(0) * kNodes, world.Session());
+}
+
+// The demo's capture, and one ten times as long.
+void FrameCounts(benchmark::internal::Benchmark* bench) {
+    bench->Arg(2'752)->Arg(27'520);
 }
 
 void TakeLengths(benchmark::internal::Benchmark* bench) {
@@ -203,7 +217,7 @@ void TakeLengths(benchmark::internal::Benchmark* bench) {
 BENCHMARK(SampleUnheld)->Name("a sample's road/ours");
 BENCHMARK(SampleHeld)->Name("a sample's road, held/ours")->Apply(TakeLengths);
 BENCHMARK(SampleByHand)->Name("a sample's road, held/by hand")->Apply(TakeLengths);
-BENCHMARK(Retrace<Way::kUndo>)->Name("undo a sample/ours")->Apply(TakeLengths);
-BENCHMARK(Retrace<Way::kRedo>)->Name("redo a sample/ours")->Apply(TakeLengths);
+BENCHMARK(Retrace<Way::kUndo>)->Name("undo a take, a sample/ours")->Apply(FrameCounts);
+BENCHMARK(Retrace<Way::kRedo>)->Name("redo a take, a sample/ours")->Apply(FrameCounts);
 
 }  // namespace
