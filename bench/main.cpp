@@ -14,6 +14,7 @@
 
 #include "bench/meter.h"
 #include "bench/report.h"
+#include "bench/table.h"
 #include "headless/breaches.h"
 
 // Marks that callgrind finds by their names, so they must stay functions.
@@ -114,14 +115,19 @@ void KeepFreedMemory() {
     mallopt(M_TRIM_THRESHOLD, kMoreThanAnyTrack);
 }
 
-// The table goes to the standard output unless that is for other programs.
-void Show(const Options& options, const std::vector<Row>& rows) {
+// The table goes to the standard output unless that is for other programs. False: the file for
+// these could not be written.
+bool Show(const Options& options, const std::vector<Row>& rows) {
     const bool isForPrograms = options.isJson && options.jsonFile.empty();
     std::ostream& out = isForPrograms ? std::cerr : std::cout;
     PrintTable(out, rows);
     if (options.filter == Options().filter) PrintUnmeasured(out, rows);
     if (isForPrograms) std::cout << ToJson(rows);
-    if (!options.jsonFile.empty()) std::ofstream(options.jsonFile) << ToJson(rows);
+    if (options.jsonFile.empty()) return true;
+    std::ofstream file(options.jsonFile);
+    file << ToJson(rows) << std::flush;
+    if (!file) std::cerr << "lumiset-bench: cannot write " << options.jsonFile << '\n';
+    return !file.fail();
 }
 
 }  // namespace
@@ -130,7 +136,7 @@ int main(int count, char** arguments) {
     KeepFreedMemory();
     const Options options = ReadOptions(count, arguments);
     const std::vector<std::string> names = NamesOf(options);
-    if (!Initialize(options.others)) return 2;
+    if (names.empty() || !Initialize(options.others)) return 2;
     if (options.isList) {
         for (const std::string& name : names)
             std::cout << name << '\n';
@@ -141,9 +147,9 @@ int main(int count, char** arguments) {
     collector.SetOutputStream(&std::cout);
     RunWorkByWork(names, collector);
     benchmark::Shutdown();
-    Show(options, MakeRows(collector.All()));
+    const bool isShown = Show(options, MakeRows(collector.All()));
     const std::vector<std::string> breaches = headless::TakeBreachLines();
     for (const std::string& line : breaches)
         std::cerr << "breach: " << line << '\n';
-    return breaches.empty() && !collector.HasFailed() ? 0 : 1;
+    return isShown && breaches.empty() && !collector.HasFailed() ? 0 : 1;
 }

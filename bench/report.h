@@ -2,7 +2,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <iosfwd>
 #include <optional>
 #include <string>
 #include <vector>
@@ -50,12 +49,3 @@ class Collector final : public benchmark::BenchmarkReporter {
 // In the order of the targets; works without one come last. The rows point into what they are made
 // of.
 std::vector<Row> MakeRows(const std::vector<Measured>& all);
-
-// The table, then what of it falls short.
-void PrintTable(std::ostream& out, const std::vector<Row>& rows);
-
-// The targets for which nothing was measured, a line.
-void PrintUnmeasured(std::ostream& out, const std::vector<Row>& rows);
-
-// The same for other programs: an array with an object for each row.
-std::string ToJson(const std::vector<Row>& rows);
