@@ -4,6 +4,7 @@
 #include <cmath>
 #include <iostream>
 #include <tuple>
+#include <utility>
 
 #include "bench/meter.h"
 #include "bench/table.h"
@@ -45,10 +46,16 @@ std::optional<double> GrowthOf(const Measured& ours, const Measured* smaller) {
     return std::pow(ours.nanoseconds / smaller->nanoseconds, 1 / sizes);
 }
 
-std::size_t PlaceOf(const Measured& measured) {
-    const auto found = std::ranges::find_if(
-        Targets(), [&](const Target& one) { return measured.work == one.work; });
-    return static_cast<std::size_t>(found - Targets().begin());
+// Where the row's work, and its peer, first stand among the targets.
+std::pair<std::size_t, std::size_t> PlaceOf(const Row& row) {
+    const auto first = [](auto isIt) {
+        return static_cast<std::size_t>(std::ranges::find_if(Targets(), isIt) - Targets().begin());
+    };
+    const auto isWork = [&](const Target& one) { return row.ours->work == one.work; };
+    const auto isPeer = [&](const Target& one) {
+        return isWork(one) && row.peer && row.peer->who == one.peer;
+    };
+    return {first(isWork), first(isPeer)};
 }
 
 void AddTargets(Row& row, bool isFirst) {
@@ -130,7 +137,8 @@ std::vector<Row> MakeRows(const std::vector<Measured>& all) {
             AddTargets(rows[i], i == first);
     }
     std::ranges::stable_sort(rows, {}, [](const Row& row) {
-        return std::tuple(PlaceOf(*row.ours), row.ours->work, SizeOf(*row.ours));
+        const auto [work, peer] = PlaceOf(row);
+        return std::tuple(work, row.ours->work, SizeOf(*row.ours), peer);
     });
     return rows;
 }

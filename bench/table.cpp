@@ -52,7 +52,7 @@ std::string NameOf(const Row& row) {
     return row.ours->work + size + (row.peer ? ", beside " + row.peer->who : "");
 }
 
-constexpr int kTextWidths[] = {34, 9, 14};
+constexpr int kTextWidths[] = {36, 9, 14};
 constexpr int kNumberWidth = 10;
 constexpr int kGap = 3;
 
