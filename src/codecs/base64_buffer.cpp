@@ -88,7 +88,8 @@ std::size_t DecodeRun(std::string_view text, std::vector<std::uint8_t>& bytes) {
 // The characters of whole groups, at `to`.
 void EncodeGroups(std::span<const std::uint8_t> bytes, char* to) {
     for (std::size_t at = 0; at < bytes.size(); at += kGroupBytes, to += kGroupCharacters) {
-        const unsigned bits = bytes[at] << 16U | bytes[at + 1] << 8U | bytes[at + 2];
+        const std::uint32_t bits =
+            std::uint32_t{bytes[at]} << 16 | std::uint32_t{bytes[at + 1]} << 8 | bytes[at + 2];
         std::memcpy(to, &kPairs[bits >> 12], sizeof(Pair));
         std::memcpy(to + sizeof(Pair), &kPairs[bits & 4095], sizeof(Pair));
     }

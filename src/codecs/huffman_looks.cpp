@@ -109,7 +109,7 @@ class Gathered {
 
     std::size_t Size() const { return result.size() + count; }
 
-    // Makes room for the symbols of one read.
+    // Room for the symbols of one read.
     std::uint8_t* Room() {
         if (count + kMostPerRead > symbols.size()) Flush();
         return &symbols[count];
@@ -147,12 +147,12 @@ void DecodeByLooks(std::span<const HuffmanRecord> tree, BitReader& bits, std::si
             word >>= look->bits;
         }
         bits.Skip(taken);
-        if (look->count == 0) {
-            const HuffmanRecord* const leaf = WalkToLeaf(tree, bits);
-            if (leaf == nullptr) break;
-            *to++ = static_cast<std::uint8_t>(leaf->symbol);
-        }
         gathered.TakeUpTo(to);
+        if (look->count > 0) continue;
+        const HuffmanRecord* const leaf = WalkToLeaf(tree, bits);
+        if (leaf == nullptr) break;
+        *to = static_cast<std::uint8_t>(leaf->symbol);
+        gathered.TakeUpTo(to + 1);
     }
     gathered.Flush();
 }

@@ -40,17 +40,19 @@ TEST(CodecLaws, Base64IsWhatItIsDefinedToBeForEveryLengthAndDamage) {
 }
 
 // A table of `count` symbols, which may come twice, in an order that is ascending or not. The more
-// `spread` out the frequencies, the deeper the tree.
+// `spread` out the frequencies, the deeper the tree; it is deepest, and its longest code all ones,
+// where each symbol is as frequent as all before it together.
 std::vector<HuffmanRecord> RandomLeaves(std::mt19937& random, std::size_t count,
                                         std::size_t spread) {
-    std::vector<HuffmanRecord> leaves(count);
-    for (HuffmanRecord& leaf : leaves) {
-        leaf.symbol = static_cast<std::int32_t>(random() % 256);
-        leaf.frequency = static_cast<std::int32_t>((random() & 0x7FFFFFFF) >> random() % spread);
+    const bool isDeepest = random() % 4 == 0;
+    std::vector<HuffmanRecord> leaves(isDeepest ? 31 : count);
+    for (std::size_t i = 0; i < leaves.size(); ++i) {
+        const std::size_t frequency = isDeepest ? (std::size_t{1} << i) / 2 + (i == 0 ? 1 : 0)
+                                                : (random() & 0x7FFFFFFF) >> random() % spread;
+        leaves[i].symbol = static_cast<std::int32_t>(random() % 256);
+        leaves[i].frequency = static_cast<std::int32_t>(frequency);
     }
-    if (random() % 3 != 0) {
-        std::ranges::sort(leaves, {}, &HuffmanRecord::frequency);
-    }
+    if (random() % 3 != 0) std::ranges::sort(leaves, {}, &HuffmanRecord::frequency);
     return leaves;
 }
 
@@ -81,7 +83,10 @@ TEST(CodecLaws, HuffmanDecodesWhatAWalkDownTheTreeGives) {
         for (std::uint8_t& byte : coded)
             if (const auto kind = random() % 16; kind < 2 && round % 2 == 0)
                 byte = kind == 0 ? 0x00 : 0xFF;
-        const std::size_t size = random() % 4 == 0 ? INT32_MAX : random() % (coded.size() * 3 + 9);
+        // So that a long code is cut by the end of the data.
+        const auto tail = static_cast<std::ptrdiff_t>(std::min(coded.size(), random() % 8));
+        std::fill(coded.end() - tail, coded.end(), 0xFF);
+        const std::size_t size = random() % 2 == 0 ? INT32_MAX : random() % (coded.size() * 3 + 9);
         const Bytes stream = StreamOf(leaves, size, coded);
         const HuffmanBuffer buffer(stream.data(), static_cast<std::int32_t>(stream.size()));
         ASSERT_EQ(buffer.Decompress(), plain::Walk(leaves, coded, size)) << round;
