@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "tvl/late_stream.h"
 #include "tvl/singleton.h"
 
 namespace TVL {
@@ -21,9 +22,9 @@ namespace TVL {
 // A line is the date, a blank, the time (both UTC), " (", the word of the level, one tab more than
 // the object's depth, the message, a newline: "20061204 09:05:00 (NOTICE): \tcreating helper".
 // Nothing fails and nothing is thrown, so that destructors may write: a line for which there is no
-// memory is missing. A message above the limit costs one comparison; whoever builds a text for one
-// asks IsLevelActive first. The order of virtual operations (Destroy, the destructor, Print, Write)
-// and of fields is part of the contract.
+// memory is missing. A message above the limit costs one comparison, and an object that writes
+// nothing costs next to nothing; whoever builds a text asks IsLevelActive first. The order of
+// virtual operations (Destroy, the destructor, Print, Write) and of fields is part of the contract.
 class Log : public Util::Singleton<Log> {
   public:
     enum Level : std::int32_t {
@@ -75,8 +76,12 @@ class Log : public Util::Singleton<Log> {
     // All that the singleton has taken in.
     std::string GetBufferedText() const;
 
-    std::ofstream file;          // whoever places a log may open it first; written to while open
-    std::stringstream buffer;    // all text so far; only the singleton's is filled
+    // Whoever places a log may open the file first; it is written to while it is open. The buffer
+    // has all text so far, and only the singleton's is filled. In a log for that role both streams
+    // are made at once, so that every other side finds them; local objects and scopes, of which
+    // there are many, do without.
+    Util::LateStream<std::ofstream> file;
+    Util::LateStream<std::stringstream> buffer;
     std::int32_t depthHeld = 0;  // what this object added to the singleton's depth: 1 for a scope
     std::int32_t indent = -1;    // the singleton's: the depth of the moment, -1 outside all scopes;
                                  // others': the depth at construction

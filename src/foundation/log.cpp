@@ -45,6 +45,7 @@ std::string AddressText(const void* address) {
 
 // The singleton; null if it had to be made and there is no memory for it.
 Log* Trace() noexcept {
+    if (Log::instance != nullptr) return Log::instance;
     Log* trace = nullptr;
     IfItCan([&] { trace = Log::GetInstance(); });
     return trace;
@@ -61,7 +62,10 @@ std::int32_t Deepen(std::int32_t by) noexcept {
 
 }  // namespace
 
-Log::Log() = default;
+Log::Log() {
+    *file;
+    *buffer;
+}
 
 Log::Log(std::int32_t objectLevel) : indent(Deepen(0)), level(objectLevel) {}
 
@@ -73,7 +77,7 @@ Log::Log(std::string_view message, std::int32_t objectLevel)
 Log::~Log() {
     if (depthHeld != 0) Deepen(-depthHeld);
     if (file.is_open()) {
-        Append(file, "[EOF]\n");
+        Append(*file, "[EOF]\n");
         IfItCan([&] { file.close(); });
     }
 }
@@ -98,8 +102,10 @@ std::int32_t Log::Write(std::string_view message, std::int32_t messageLevel) {
 void Log::WriteRaw(std::string_view text) {
     Log* const trace = Trace();
     if (!trace) return;
-    Append(trace->buffer, text);
-    if (trace->file.is_open()) Append(trace->file, text);
+    IfItCan([&] {
+        Append(*trace->buffer, text);
+        if (trace->file.is_open()) Append(*trace->file, text);
+    });
 }
 
 std::int32_t Log::WriteValue(std::string_view name, std::string_view value,

@@ -1,6 +1,7 @@
 #include <regex>
 
 #include "tests/foundation/fresh_singletons.h"
+#include "tests/support/allocations.h"
 #include "tests/support/folder/temporary_folder.h"
 
 namespace {
@@ -177,8 +178,8 @@ TEST_F(LogTest, APlacedLogFillsItsFileAlsoWithRawTextAndCostsOnlyTheLineThatFail
         { Log nested("in the second", Log::kNotice); }
         scope.reset();
         { Log next("no deeper", Log::kNotice); }
-        outside.buffer.setstate(std::ios::badbit);
-        EXPECT_THROW(outside.buffer.exceptions(std::ios::badbit), std::ios::failure);
+        outside.buffer->setstate(std::ios::badbit);
+        EXPECT_THROW(outside.buffer->exceptions(std::ios::badbit), std::ios::failure);
         Log(Log::kError).Write("lost");
         Log(Log::kError).Write("next");
         EXPECT_EQ(Lines(), "(NOTICE): \tin the second\n(NOTICE): \tno deeper\n(ERROR): next\n");
@@ -192,6 +193,35 @@ TEST_F(LogTest, APlacedLogFillsItsFileAlsoWithRawTextAndCostsOnlyTheLineThatFail
     }
     const std::string file = ReadFile(folder.File("log.txt"));
     EXPECT_TRUE(file.ends_with("(ERROR): next\nas\tit is\n[EOF]\n")) << file;
+}
+
+// Also one of a role that as a rule has none, and one that was made before they could be late.
+TEST_F(LogTest, StreamsAreMadeWhereTheyAreUsedAndInTheirOwnMemory) {
+    const TemporaryFolder folder;
+    {
+        Log::GetInstance();
+        const std::size_t before = Allocations();
+        Log scope("unseen", Log::kTraffic);
+        const Log local(Log::kNotice);
+        EXPECT_EQ(Allocations(), before);
+        EXPECT_FALSE(local.file.is_open() || local.file.IsMade() || local.buffer.IsMade());
+        EXPECT_EQ(local.buffer.str(), "");
+        scope.file.open(folder.File("own.txt"));
+        scope.file << "kept" << std::endl;
+    }
+    EXPECT_EQ(ReadFile(folder.File("own.txt")), "kept\n[EOF]\n");
+
+    Log placed(Log::kNotice);
+    Place(placed);
+    Log(Log::kError).WriteRaw("one\n");
+    EXPECT_EQ(reinterpret_cast<std::stringstream*>(&placed.buffer)->str(), "one\n");
+    TakeBack();
+
+    std::stringstream before("two");
+    auto& late = reinterpret_cast<TVL::Util::LateStream<std::stringstream>&>(before);
+    EXPECT_TRUE(late.IsMade() && late.str() == "two");
+    const Log whole;
+    EXPECT_TRUE(whole.file.IsMade() && whole.buffer.IsMade());
 }
 
 }  // namespace
