@@ -154,9 +154,11 @@ class XMLChildrenReader {
             std::unique_ptr<XMLNode> node = MakeNode();
             const XMLNode::ParseResult result = ReadXMLToken(*node, token);
             if (result != XMLNode::kParsed) return result;
-            if (token.kind == XMLToken::kOpening) open.push_back(waiting.size());
+            if (token.kind == XMLToken::kOpening)
+                open.push_back(waiting.size());
+            else if (node->name.empty())
+                continue;  // as AddChild takes none with neither name nor children
             waiting.push_back(std::move(node));
-            if (token.kind != XMLToken::kOpening) DropLastIfEmpty();
         }
         return XMLNode::kUnclosed;
     }
@@ -164,12 +166,6 @@ class XMLChildrenReader {
     void CloseInnermost() {
         Adopt(*waiting[open.back()], open.back() + 1);
         open.pop_back();
-        DropLastIfEmpty();
-    }
-
-    // As AddChild takes none with neither name nor children.
-    void DropLastIfEmpty() {
-        if (waiting.back()->name.empty() && waiting.back()->children.empty()) waiting.pop_back();
     }
 
     void Adopt(XMLNode& parent, std::size_t first) {

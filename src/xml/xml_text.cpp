@@ -103,10 +103,7 @@ std::size_t CountPlain(std::string_view text) {
 // There is no room for all of it.
 void XMLOutput::PutLong(std::string_view text) {
     Flush();
-    if (text.size() <= gathered.size())
-        Put(text);
-    else
-        whole += text;
+    whole += text;
 }
 
 void XMLOutput::PutEscaped(std::string_view text) {

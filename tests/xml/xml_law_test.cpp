@@ -17,7 +17,8 @@ class Maker {
     std::string Bytes() {
         std::string bytes;
         for (std::size_t pieces = Below(4); pieces-- > 0;) {
-            bytes.append(Below(Below(9) == 0 ? 9000 : 20), static_cast<char>('a' + Below(26)));
+            const std::size_t most = Below(40) == 0 ? 9000 : Below(3) == 0 ? 200 : 20;
+            bytes.append(Below(most), static_cast<char>('a' + Below(26)));
             if (Below(2) == 0) bytes += "<&>\"'"[Below(5)];
             if (Below(4) == 0) bytes += static_cast<char>(Below(256));
         }
@@ -26,7 +27,7 @@ class Maker {
 
     XMLNode Tree(int depth) {
         XMLNode node;
-        constexpr std::int32_t kinds[] = {1, 1, 1, 1, 2, 2, 4, 0, 3};
+        constexpr std::int32_t kinds[] = {1, 1, 1, 1, 1, 1, 2, 2, 4, 0, 3};
         node.kind = kinds[Below(std::size(kinds))];
         node.name = Below(9) == 0 ? Bytes() : std::string(1 + Below(20), 'n');
         for (std::size_t count = Below(5); count-- > 0;)
@@ -81,8 +82,9 @@ void ExpectReadAsDefined(const std::string& text) {
 
 TEST(XmlLaws, ReaderAndWriterDoWhatTheFormIsDefinedToBe) {
     Maker make(7);
-    for (int round = 0; round < 3000; ++round) {
-        const XMLNode tree = make.Tree(4);
+    for (int round = 0; round < 600; ++round) {
+        XMLNode tree = make.Tree(4);
+        tree.kind = XMLNode::kElement;
         std::string text = tree.Write();
         ASSERT_EQ(text, plain::Write(tree, "", "", ""));
         const std::string indent(make.Below(3), ' ');
