@@ -54,7 +54,7 @@ def show(name, count):
 print(f"{'instructions of an operation':<66}")
 names = subprocess.run([BIN / "lumiset-bench", "--list", FILTER], check=True, text=True,
                        stdout=subprocess.PIPE).stdout.splitlines()
-for name in names:
+for name in sorted(names, key=lambda one: one.split("/")[0]):
     with tempfile.TemporaryDirectory() as folder:
         show(name, of_benchmark(name, Path(folder)))
 if re.search(FILTER, RECORDING):

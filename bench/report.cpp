@@ -133,12 +133,12 @@ std::vector<Row> MakeRows(const std::vector<Measured>& all) {
                 rows.push_back({&ours, &peer, growth, {}});
         }
         if (rows.size() == first) rows.push_back({&ours, nullptr, growth, {}});
-        for (std::size_t i = first; i < rows.size(); ++i)
-            AddTargets(rows[i], i == first);
     }
     std::ranges::stable_sort(rows, {}, [](const Row& row) {
         const auto [work, peer] = PlaceOf(row);
         return std::tuple(work, row.ours->work, SizeOf(*row.ours), peer);
     });
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        AddTargets(rows[i], i == 0 || rows[i - 1].ours != rows[i].ours);
     return rows;
 }
