@@ -21,8 +21,18 @@ struct CMatrix4 {
     friend constexpr bool operator==(const CMatrix4&, const CMatrix4&) = default;
 };
 
-// The row-by-column product: first `left`, then `right` for a row vector.
-CMatrix4 operator*(const CMatrix4& left, const CMatrix4& right);
+// The row-by-column product: first `left`, then `right` for a row vector. Each sum begins with 0
+// and goes along the row of `left`.
+constexpr CMatrix4 operator*(const CMatrix4& left, const CMatrix4& right) {
+    CMatrix4 product = CMatrix4::Zero();
+    for (int row = 0; row < 4; ++row) {
+        for (int k = 0; k < 4; ++k) {
+            for (int column = 0; column < 4; ++column)
+                product[row][column] += left[row][k] * right[k][column];
+        }
+    }
+    return product;
+}
 
 // The determinant of all four rows and columns.
 double Determinant(const CMatrix4& matrix);

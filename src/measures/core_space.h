@@ -19,7 +19,23 @@ double HostUnitsPerMetre();
 TVL::CMatrix4 CoreToHostBase();
 
 // A host matrix widened to doubles; the last column is 0, 0, 0, 1. Neither axes nor units change.
-TVL::CMatrix4 ToCore(const Matrix3& matrix);
+inline TVL::CMatrix4 ToCore(const Matrix3& matrix) {
+    TVL::CMatrix4 wide = TVL::CMatrix4::Identity();
+    for (int row = 0; row < 4; ++row) {
+        for (int column = 0; column < 3; ++column)
+            wide[row][column] = static_cast<double>(matrix.m[row][column]);
+    }
+    return wide;
+}
 
 // The first three columns narrowed to floats; the last column is not read.
-Matrix3 ToHost(const TVL::CMatrix4& matrix);
+inline Matrix3 ToHost(const TVL::CMatrix4& matrix) {
+    Matrix3 narrow;
+    for (int row = 0; row < 4; ++row) {
+        narrow.SetRow(row,
+                      Point3(static_cast<float>(matrix[row][0]), static_cast<float>(matrix[row][1]),
+                             static_cast<float>(matrix[row][2])));
+    }
+    narrow.ValidateFlags();
+    return narrow;
+}

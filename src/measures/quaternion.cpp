@@ -49,21 +49,6 @@ Quaternion Components(const TVL::CMatrix4& r) {
 
 }  // namespace
 
-Quaternion operator*(const Quaternion& p, const Quaternion& q) {
-    return {p.w * q.x + q.w * p.x + p.y * q.z - p.z * q.y,
-            p.w * q.y + q.w * p.y + p.z * q.x - p.x * q.z,
-            p.w * q.z + q.w * p.z + p.x * q.y - p.y * q.x,
-            p.w * q.w - p.x * q.x - p.y * q.y - p.z * q.z};
-}
-
-Quaternion Conjugate(const Quaternion& q) {
-    return {-q.x, -q.y, -q.z, q.w};
-}
-
-Quaternion WithPositiveW(const Quaternion& q) {
-    return q.w < 0 ? -q : q;
-}
-
 Quaternion QuatFromMatrix(const TVL::CMatrix4& matrix) {
     TVL::CMatrix4 rotation = matrix;
     for (int row = 0; row < 3; ++row)
@@ -84,15 +69,4 @@ Quaternion QuatExp(const RotationVector& r) {
     if (angle == 0.0) return {};
     const double sine = std::sin(angle / 2);
     return {r.x / angle * sine, r.y / angle * sine, r.z / angle * sine, std::cos(angle / 2)};
-}
-
-TVL::CMatrix4 QuatToMatrix(const Quaternion& q) {
-    const double x = q.x;
-    const double y = q.y;
-    const double z = q.z;
-    const double w = q.w;
-    return {{{x * x - y * y - z * z + w * w, 2 * (x * y + w * z), 2 * (z * x - w * y), 0},
-             {2 * (x * y - w * z), y * y - x * x - z * z + w * w, 2 * (w * x + z * y), 0},
-             {2 * (z * x + w * y), 2 * (z * y - w * x), z * z - x * x - y * y + w * w, 0},
-             {0, 0, 0, 1}}};
 }

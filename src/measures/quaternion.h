@@ -21,12 +21,21 @@ struct RotationVector {
 };
 
 // The Hamilton product.
-Quaternion operator*(const Quaternion& p, const Quaternion& q);
+inline Quaternion operator*(const Quaternion& p, const Quaternion& q) {
+    return {p.w * q.x + q.w * p.x + p.y * q.z - p.z * q.y,
+            p.w * q.y + q.w * p.y + p.z * q.x - p.x * q.z,
+            p.w * q.z + q.w * p.z + p.x * q.y - p.y * q.x,
+            p.w * q.w - p.x * q.x - p.y * q.y - p.z * q.z};
+}
 
-Quaternion Conjugate(const Quaternion& q);
+inline Quaternion Conjugate(const Quaternion& q) {
+    return {-q.x, -q.y, -q.z, q.w};
+}
 
 // Of q and −q, which are the same rotation, the one whose w is not negative.
-Quaternion WithPositiveW(const Quaternion& q);
+inline Quaternion WithPositiveW(const Quaternion& q) {
+    return q.w < 0 ? -q : q;
+}
 
 // The rotation of the upper three rows, by the greatest of four sums of the diagonal. Rows are
 // normalised first; one of length 0 counts as (0, 1, 0).
@@ -39,4 +48,13 @@ RotationVector QuatLog(const Quaternion& q);
 Quaternion QuatExp(const RotationVector& r);
 
 // The matrix of a unit quaternion, for row vectors; the translation is 0.
-TVL::CMatrix4 QuatToMatrix(const Quaternion& q);
+inline TVL::CMatrix4 QuatToMatrix(const Quaternion& q) {
+    const double x = q.x;
+    const double y = q.y;
+    const double z = q.z;
+    const double w = q.w;
+    return {{{x * x - y * y - z * z + w * w, 2 * (x * y + w * z), 2 * (z * x - w * y), 0},
+             {2 * (x * y - w * z), y * y - x * x - z * z + w * w, 2 * (w * x + z * y), 0},
+             {2 * (z * x + w * y), 2 * (z * y - w * x), z * z - x * x - y * y + w * w, 0},
+             {0, 0, 0, 1}}};
+}
