@@ -1,6 +1,9 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <type_traits>
 
 #include "host/storage.h"
@@ -18,10 +21,33 @@ bool ReadWhole(ILoad& load, Value& value) {
     return true;
 }
 
+// As many values as are whole there, all of them only if the host says so; those behind are
+// undefined. For a few thousand bytes, and not for none.
+template <class Value>
+std::size_t ReadWhole(ILoad& load, std::span<Value> values) {
+    static_assert(std::is_trivially_copyable_v<Value>);
+    std::uint32_t read = 0;
+    const auto wanted = static_cast<std::uint32_t>(values.size_bytes());
+    if (load.Read(values.data(), wanted, &read) == IO_OK && read == wanted) return values.size();
+    return std::min<std::size_t>(read / sizeof(Value), values.size() - 1);
+}
+
 // A host that runs out of room says so itself when the file is closed.
 template <class Value>
 void WriteWhole(ISave& save, const Value& value) {
     static_assert(std::is_trivially_copyable_v<Value>);
     std::uint32_t written = 0;
     save.Write(&value, sizeof value, &written);
+}
+
+// One behind the other, in pieces that the host can count.
+template <class Value>
+void WriteWhole(ISave& save, std::span<const Value> values) {
+    constexpr std::size_t kMostAtOnce = (1 << 30) / sizeof(Value);
+    while (!values.empty()) {
+        const auto piece = values.first(std::min(values.size(), kMostAtOnce));
+        std::uint32_t written = 0;
+        save.Write(piece.data(), static_cast<std::uint32_t>(piece.size_bytes()), &written);
+        values = values.subspan(piece.size());
+    }
 }

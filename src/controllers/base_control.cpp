@@ -104,20 +104,20 @@ void BaseControl<T>::DeleteKeyByIndex(int index) {
 template <class T>
 void BaseControl<T>::SelectKeys(TrackHitTab& hits, std::uint32_t flags) {
     if (flags & SELKEYS_CLEARKEYS) {
-        for (Key& key : table.keys)
+        for (Key& key : table.keys.EditWhole())
             key.flags = 0;
         return;
     }
     if (!(flags & (SELKEYS_SELECT | SELKEYS_DESELECT))) return;
     for (int i = 0; i < hits.Count(); ++i) {
         if (hits[i].hit < table.keys.size())
-            table.keys[hits[i].hit].flags = flags & SELKEYS_SELECT ? 1 : 0;
+            table.keys.Edit(hits[i].hit).flags = flags & SELKEYS_SELECT ? 1 : 0;
     }
 }
 
 template <class T>
 void BaseControl<T>::SelectKeyByIndex(int index, std::uint32_t value) {
-    if (table.Contains(index)) table.At(index).flags = value;
+    if (table.Contains(index)) table.Edit(index).flags = value;
 }
 
 template <class T>
@@ -147,7 +147,7 @@ RefTargetHandle BaseControl<T>::Clone(RemapDir& remap) {
     NewControl made = MakeControl(superClassID, classID);
     if (!made) return nullptr;
     auto* const copy = static_cast<BaseControl*>(made.get());
-    copy->table.keys.Whole() = table.keys.Whole();
+    copy->table.keys.EditWhole() = table.keys.Whole();
     copy->table.currentKey = table.currentKey;
     this->BaseClone(this, copy, remap);
     return made.release();

@@ -32,7 +32,7 @@ void KeyNames::Insert(std::int32_t index, KeyName name) {
 void KeyNames::Set(std::int32_t index, KeyName name) {
     const auto at = static_cast<std::size_t>(index);
     if (at < Size())
-        names_[at] = name;
+        names_.Edit(at) = name;
     else
         Insert(index, name);
 }

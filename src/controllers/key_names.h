@@ -34,7 +34,7 @@ class KeyNames {
     void Insert(std::int32_t index, KeyName name);
     void Set(std::int32_t index, KeyName name);
     void Remove(std::int32_t index);
-    void Assign(const std::vector<KeyName>& names) { names_.Whole() = names; }
+    void Assign(const std::vector<KeyName>& names) { names_.EditWhole() = names; }
 
     // The keys are not those any more that records name.
     void Clear() { names_.clear(); }

@@ -161,7 +161,7 @@ class ControlKeyModRestore final : public KeyRestore<C, K> {
         }
         const std::int32_t place = table.IndexOf(key.time, target, index);
         if (place < 0) return false;
-        std::swap(table.At(place), key);
+        std::swap(table.Edit(place), key);
         table.names.Set(place, name);
         std::swap(name, target);
         return true;
@@ -207,7 +207,7 @@ class ControlCompleteKeyRestore final : public KeyRestore<C, K> {
         passedOver = !table.names.IsValid(newest) || !table.AreNamed(target);
         if (passedOver) return false;
         table.names.Assign(names);
-        table.keys.Whole().swap(keys);
+        table.keys.EditWhole().swap(keys);
         std::swap(table.currentKey, currentKey);
         names.swap(target);
         return true;

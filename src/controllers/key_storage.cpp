@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <array>
+#include <span>
 #include <vector>
 
 #include "chunks/whole_value.h"
@@ -28,15 +30,33 @@ void SortByTime(std::vector<TarvoKey<T>>& keys) {
     keys.erase(keys.begin(), kept.base());
 }
 
-// Room for the next key. The announced number is believed once a third of so many keys are there;
-// from then on nothing is moved any more, so that one long table never stands in memory twice.
+// Room for `more` keys. The announced number is believed at once for a table of a megabyte, and
+// else when an eighth of so many keys are there; from then on nothing is moved any more, so that
+// one long table never stands in memory twice.
 template <class T>
-void MakeRoom(std::vector<TarvoKey<T>>& keys, std::size_t announced) {
-    constexpr std::size_t kFirstKeys = 16;
-    if (keys.size() < keys.capacity()) return;
-    const bool isBelieved = keys.size() >= announced / 3;
-    const std::size_t grown = keys.size() + keys.size() / 2 + kFirstKeys;
-    keys.reserve(isBelieved ? std::max(announced, keys.size() + 1) : grown);
+void MakeRoom(std::vector<TarvoKey<T>>& keys, std::size_t more, std::size_t announced) {
+    constexpr std::size_t kAlwaysBelieved = (1 << 20) / sizeof(TarvoKey<T>);
+    constexpr std::size_t kBelief = 8;
+    const std::size_t needed = keys.size() + more;
+    if (needed <= keys.capacity()) return;
+    keys.reserve(
+        std::max(needed, std::min(announced, std::max(kAlwaysBelieved, keys.size() * kBelief))));
+}
+
+// Appends records as they lie, a block at a time; true if all were there.
+template <class T>
+bool ReadKeys(ILoad& load, std::vector<TarvoKey<T>>& keys, std::size_t count) {
+    constexpr std::size_t kBlockBytes = 4 << 10;  // near to the processor
+    std::array<TarvoKey<T>, kBlockBytes / sizeof(TarvoKey<T>)> block;
+    const std::size_t announced = keys.size() + count;
+    while (keys.size() < announced) {
+        const std::size_t wanted = std::min(block.size(), announced - keys.size());
+        const std::size_t there = ReadWhole(load, std::span(block).first(wanted));
+        MakeRoom(keys, there, announced);
+        keys.insert(keys.end(), block.begin(), block.begin() + static_cast<std::ptrdiff_t>(there));
+        if (there < wanted) return false;
+    }
+    return true;
 }
 
 template <class T>
@@ -45,15 +65,8 @@ void ReadRecords(ILoad& load, KeyTable<T>& table) {
     if (!IsNext(load, kFormatVersion) || !IsNext(load, sizeof(TarvoKey<T>)) ||
         !ReadWhole(load, count))
         return;
-    std::vector<TarvoKey<T>>& keys = table.keys.Whole();
-    const std::size_t announced = keys.size() + static_cast<std::size_t>(std::max(count, 0));
-    TarvoKey<T> key;
-    for (std::int32_t i = 0; i < count; ++i) {
-        if (!ReadWhole(load, key)) return;
-        MakeRoom(keys, announced);
-        keys.push_back(key);
-    }
-    ReadWhole(load, table.currentKey);
+    const auto announced = static_cast<std::size_t>(std::max(count, 0));
+    if (ReadKeys(load, table.keys.EditWhole(), announced)) ReadWhole(load, table.currentKey);
 }
 
 }  // namespace
@@ -64,8 +77,7 @@ void SaveKeys(ISave& save, const KeyTable<T>& table) {
     WriteWhole(save, kFormatVersion);
     WriteWhole(save, std::int32_t{sizeof(TarvoKey<T>)});
     WriteWhole(save, table.Count());
-    for (const TarvoKey<T>& key : table.keys)
-        WriteWhole(save, key);
+    WriteWhole(save, std::span(table.keys.Whole()));
     WriteWhole(save, table.currentKey);
     save.EndChunk();
 }
@@ -76,8 +88,9 @@ void LoadKeys(ILoad& load, KeyTable<T>& table) {
     if (load.CurChunkID() == kKeysChunk) ReadRecords(load, table);
     load.CloseChunk();
     table.names.VoidAll();
-    SortByTime(table.keys.Whole());
-    table.keys.Whole().shrink_to_fit();  // large scenes are opened only to be looked at and saved
+    SortByTime(table.keys.EditWhole());
+    table.keys.EditWhole()
+        .shrink_to_fit();  // large scenes are opened only to be looked at and saved
 }
 
 template void SaveKeys(ISave&, const KeyTable<float>&);

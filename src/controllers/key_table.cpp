@@ -1,25 +1,5 @@
 #include "controllers/key_table.h"
 
-#include <algorithm>
-
-namespace {
-
-// How far neighbouring positions are tried before the search starts to halve.
-constexpr int kNearbySteps = 8;
-
-// Wide enough for any two times.
-std::int64_t Between(TimeValue from, TimeValue to) {
-    return std::int64_t{to} - from;
-}
-
-}  // namespace
-
-template <class T>
-float KeyBracket<T>::Fraction(TimeValue t) const {
-    return static_cast<float>(Between(left->time, t)) /
-           static_cast<float>(Between(left->time, right->time));
-}
-
 template <class T>
 const TarvoKey<T>& KeyTable<T>::InvalidKey() {
     static const Key key{0, -1, T{}};
@@ -28,39 +8,32 @@ const TarvoKey<T>& KeyTable<T>::InvalidKey() {
 
 template <class T>
 const TarvoKey<T>& KeyTable<T>::FindNearestKey(TimeValue t) {
-    if (keys.empty()) return InvalidKey();
-    if (t < keys.front().time) {
-        lookupIndex = 0;
-    } else if (t >= keys.back().time) {
-        lookupIndex = Count() - 1;
-    } else {
-        lookupIndex = IndexAtOrBefore(t);
-        if (Between(At(lookupIndex).time, t) > Between(t, At(lookupIndex + 1).time)) ++lookupIndex;
-    }
-    return At(lookupIndex);
-}
-
-template <class T>
-std::int32_t KeyTable<T>::IndexAtOrBefore(TimeValue t) const {
-    std::int32_t index = std::clamp(lookupIndex, 0, Count() - 1);
-    for (int step = 0; step < kNearbySteps; ++step) {
-        if (At(index).time > t) {
-            --index;
-        } else if (At(index + 1).time <= t) {
-            ++index;
-        } else {
-            return index;
-        }
-    }
-    return FirstAfter(t) - 1;
+    const KeyBracket<T> around = FindBracket(t);
+    return around.index == lookupIndex ? *around.left : *around.right;
 }
 
 template <class T>
 KeyBracket<T> KeyTable<T>::FindBracket(TimeValue t) {
-    const Key* nearest = &FindNearestKey(t);
-    if (nearest->time < t && Contains(lookupIndex + 1)) return {nearest, &At(lookupIndex + 1)};
-    if (nearest->time > t && Contains(lookupIndex - 1)) return {&At(lookupIndex - 1), nearest};
-    return {nearest, nearest};
+    if (keys.empty()) return {&InvalidKey(), &InvalidKey(), lookupIndex};
+    if (t < keys.front().time || t >= keys.back().time) {
+        lookupIndex = t < keys.front().time ? 0 : Count() - 1;
+        return {&At(lookupIndex), &At(lookupIndex), lookupIndex};
+    }
+    const Place place = PlaceOf(t);
+    const std::int32_t index = place.index;
+    const std::uint32_t behind = TicksFrom(place.time, t);
+    lookupIndex = index + static_cast<std::int32_t>(behind > place.ticks - behind);
+    return {&At(index), &At(behind == 0 ? index : index + 1), index};
+}
+
+template <class T>
+typename KeyTable<T>::Place KeyTable<T>::PlaceOf(TimeValue t) {
+    if (recent_.edition == keys.Edition() && TicksFrom(recent_.time, t) < recent_.ticks)
+        return recent_;
+    const std::int32_t index = KeySearch(keys, t).Find(recent_.index);
+    recent_ = {keys.Edition(), index, At(index).time,
+               TicksFrom(At(index).time, At(index + 1).time)};
+    return recent_;
 }
 
 template <class T>
@@ -112,7 +85,7 @@ void KeyTable<T>::Insert(std::int32_t index, const Key& key, KeyName name) {
 template <class T>
 void KeyTable<T>::Overwrite(std::int32_t index, const Key& key, KeyName name) {
     names.Set(index, name);
-    At(index) = key;
+    Edit(index) = key;
 }
 
 template <class T>

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "controllers/key_names.h"
+#include "controllers/key_search.h"
 #include "controllers/parted_array.h"
 #include "host/matrix3.h"
 #include "host/storage.h"
@@ -28,11 +29,15 @@ template <class T>
 struct KeyBracket {
     const TarvoKey<T>* left;
     const TarvoKey<T>* right;
+    std::int32_t index;  // of the left key; 0 where there is no key
 
     bool IsOneKey() const { return left == right; }
 
     // How far `t` is from the left key's time to the right key's, in single precision throughout.
-    float Fraction(TimeValue t) const;
+    float Fraction(TimeValue t) const {
+        return static_cast<float>(TicksFrom(left->time, t)) /
+               static_cast<float>(TicksFrom(left->time, right->time));
+    }
 };
 
 // The keys of a controller, times strictly rising, with the cached key: the last value that was
@@ -52,10 +57,11 @@ struct KeyTable {
     static const Key& InvalidKey();
 
     // The key nearest to `t`, the earlier one if two are equally near; the invalid key if there is
-    // none. Its position is left in lookupIndex, from where neighbours are found in a step or two.
+    // none. Its position is left in lookupIndex.
     const Key& FindNearestKey(TimeValue t);
 
-    // The keys around `t`. Outside the table, or on a key, that is one key; never null.
+    // The keys around `t`. Outside the table, or on a key, that is one key; never null. The nearest
+    // one's position is left in lookupIndex.
     KeyBracket<T> FindBracket(TimeValue t);
 
     // The key at exactly `t`, else the invalid key.
@@ -83,7 +89,7 @@ struct KeyTable {
     bool Contains(std::int32_t index) const { return index >= 0 && index < Count(); }
     bool EndsBefore(TimeValue t) const { return keys.empty() || keys.back().time < t; }
 
-    Key& At(std::int32_t index) { return keys[static_cast<std::size_t>(index)]; }
+    Key& Edit(std::int32_t index) { return keys.Edit(static_cast<std::size_t>(index)); }
     const Key& At(std::int32_t index) const { return keys[static_cast<std::size_t>(index)]; }
 
     // Positions must be inside the table, that of a key that comes may be its end. If one fails
@@ -94,7 +100,19 @@ struct KeyTable {
     void Clear();
 
   private:
-    std::int32_t IndexAtOrBefore(TimeValue t) const;
+    // Where a time was found last: at the key `index` or behind it, before the next key. Good for
+    // the keys of that edition alone.
+    struct Place {
+        std::uint64_t edition = 0;
+        std::int32_t index = 0;
+        TimeValue time = 0;       // of the key
+        std::uint32_t ticks = 0;  // to the next key
+    };
+
+    // Of a time from the first key on and before the last.
+    Place PlaceOf(TimeValue t);
+
+    Place recent_;
 };
 
 // How a key table stands in a scene file: one chunk with id 1 of little-endian bytes, holding the
@@ -110,7 +128,5 @@ void SaveKeys(ISave& save, const KeyTable<T>& table);
 template <class T>
 void LoadKeys(ILoad& load, KeyTable<T>& table);
 
-extern template struct KeyBracket<float>;
-extern template struct KeyBracket<Matrix3>;
 extern template struct KeyTable<float>;
 extern template struct KeyTable<Matrix3>;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -11,22 +12,27 @@
 // short parts instead: a change then moves the elements of one part alone, and many changes cost
 // time in proportion to their number, in whatever order they come. Reading by position works in
 // both forms and changes neither.
+//
+// What is worked out from the elements and kept is good as long as Edition() is the same: every
+// change makes it another one, and so does Edit, which alone hands out what can be changed. It is
+// changed at once, before anybody looks at the array again.
 template <class E>
 class PartedArray {
     static_assert(std::is_trivially_copyable_v<E>);
 
   public:
+    PartedArray() = default;
+    PartedArray(const PartedArray&) = delete;  // an edition is of one array
+    PartedArray& operator=(const PartedArray&) = delete;
+
+    std::uint64_t Edition() const { return edition_; }
+
     std::size_t size() const {
         if (parts_.empty()) return whole_.size();
         return StartOf(parts_.size() - 1) + parts_.back().elements.size();
     }
     bool empty() const { return size() == 0; }
 
-    E& operator[](std::size_t index) {
-        if (parts_.empty()) return whole_[index];
-        Part& part = parts_[PartOf(index)];
-        return part.elements[index - StartOf(recent_)];
-    }
     const E& operator[](std::size_t index) const {
         if (parts_.empty()) return whole_[index];
         const Part& part = parts_[PartOf(index)];
@@ -35,17 +41,29 @@ class PartedArray {
     const E& front() const { return (*this)[0]; }
     const E& back() const { return (*this)[size() - 1]; }
 
+    E& Edit(std::size_t index) {
+        ++edition_;
+        return const_cast<E&>(std::as_const(*this)[index]);
+    }
+
     // The first position whose element is not as asked, of elements that are so up to some
-    // position.
+    // position, which is known to lie from `first` up to `last`.
+    template <class Condition>
+    std::size_t FirstNot(Condition isSo, std::size_t first, std::size_t last) const {
+        if (parts_.empty())
+            return FirstNotOf(Place(whole_, first), Place(whole_, last), isSo) + first;
+        return FirstNot(isSo);
+    }
     template <class Condition>
     std::size_t FirstNot(Condition isSo) const {
-        if (parts_.empty()) return FirstNotOf(whole_, isSo);
+        if (parts_.empty()) return FirstNotOf(whole_.begin(), whole_.end(), isSo);
         const auto found =
             std::partition_point(parts_.begin(), parts_.end(),
                                  [&](const Part& part) { return isSo(part.elements.front()); });
         if (found == parts_.begin()) return 0;
         const auto part = static_cast<std::size_t>(found - parts_.begin()) - 1;
-        return StartOf(part) + FirstNotOf(parts_[part].elements, isSo);
+        const std::vector<E>& elements = parts_[part].elements;
+        return StartOf(part) + FirstNotOf(elements.begin(), elements.end(), isSo);
     }
 
     // Afterwards the element at `index` can go, or one can come there, without a failure. If these
@@ -65,6 +83,7 @@ class PartedArray {
 
     void insert(std::size_t index, const E& element) {
         PrepareInsert(index);
+        ++edition_;
         if (parts_.empty()) {
             whole_.insert(Place(whole_, index), element);
             return;
@@ -76,6 +95,7 @@ class PartedArray {
     void push_back(const E& element) { insert(size(), element); }
     void erase(std::size_t index) {
         PrepareErase(index);
+        ++edition_;
         if (parts_.empty()) {
             whole_.erase(Place(whole_, index));
             return;
@@ -88,12 +108,14 @@ class PartedArray {
         parts_.erase(Place(parts_, recent_));
     }
     void clear() {
+        ++edition_;
         whole_.clear();
         parts_.clear();
     }
 
     // The elements as one array, which they are from here on until the next change inside.
-    std::vector<E>& Whole() {
+    std::vector<E>& EditWhole() {
+        ++edition_;
         Join();
         return whole_;
     }
@@ -101,9 +123,7 @@ class PartedArray {
         Join();
         return whole_;
     }
-    auto begin() { return Whole().begin(); }
     auto begin() const { return Whole().begin(); }
-    auto end() { return Whole().end(); }
     auto end() const { return Whole().end(); }
 
   private:
@@ -122,10 +142,9 @@ class PartedArray {
         return vector.begin() + static_cast<std::ptrdiff_t>(index);
     }
 
-    template <class Condition>
-    static std::size_t FirstNotOf(const std::vector<E>& elements, Condition isSo) {
-        const auto found = std::partition_point(elements.begin(), elements.end(), isSo);
-        return static_cast<std::size_t>(found - elements.begin());
+    template <class Place, class Condition>
+    static std::size_t FirstNotOf(Place first, Place last, Condition isSo) {
+        return static_cast<std::size_t>(std::partition_point(first, last, isSo) - first);
     }
 
     std::size_t StartOf(std::size_t part) const {
@@ -195,6 +214,7 @@ class PartedArray {
     mutable std::vector<E> whole_;
     mutable std::vector<Part> parts_;  // none is empty
 
+    std::uint64_t edition_ = 1;
     mutable std::size_t recent_ = 0;  // the part that was found last
     std::size_t settled_ = 0;         // parts behind this one start at `start` plus `behind_`
     std::size_t behind_ = 0;          // modulo the range of the type, so that it can be below zero

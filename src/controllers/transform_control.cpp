@@ -48,7 +48,7 @@ int TransformControl::ChangeParents(TimeValue, const Matrix3& oldParent, const M
     const bool isRecorded = theHold.Holding() || theHold.RestoreOrRedoing();
     if (!isRecorded) table.names.VoidAll();
     const Matrix3 fromNewParent = Inverse(newParent);
-    for (Key& key : table.keys)
+    for (Key& key : table.keys.EditWhole())
         key.value = key.value * oldParent * fromNewParent;
     table.currentKey.value = table.currentKey.value * oldParent * fromNewParent;
     AnnounceChange(*this);
@@ -59,8 +59,12 @@ void TransformControl::GetValue(TimeValue t, void* value, Interval& valid, GetSe
     valid.SetInstant(t);
     Matrix3& result = *static_cast<Matrix3*>(value);
     const Matrix3 incoming = result;  // `value` may be the cached key itself
-    if (NeedsEvaluation(t)) table.currentKey = EvaluateInParent(t, incoming);
-    result = method == CTRL_ABSOLUTE ? table.currentKey.value : table.currentKey.value * incoming;
+    if (NeedsEvaluation(t)) EvaluateInParent(t, incoming);
+    const Matrix3& current = table.currentKey.value;
+    if (method == CTRL_ABSOLUTE)
+        result = current;
+    else
+        result = current * incoming;
 }
 
 void TransformControl::SetValue(TimeValue t, void* value, int, GetSetMethod method) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "controllers/base_control.h"
+#include "controllers/pose_path.h"
 #include "foundation/live_instances.h"
 #include "platform/win32.h"
 
@@ -50,16 +51,18 @@ class TransformControl : public BaseControl<Matrix3> {
   private:
     friend class LiveInstances<TransformControl>;
 
-    // The key at `t`, interpolated in the space of `parent` and given relative to it.
-    Key EvaluateInParent(TimeValue t, const Matrix3& parent);
+    // Makes the cached key that at `t`, interpolated in the space of `parent`, which is elsewhere,
+    // and relative to it.
+    void EvaluateInParent(TimeValue t, const Matrix3& parent);
 
     // Makes a page that is still open forget this controller.
     void LeavePage();
 
-    // The key at `t` where `key` is the only one that counts.
-    Key KeyAlone(TimeValue t, const Key& key) const;
+    // The flags at `t` where `key` is the only one that counts.
+    std::uint32_t FlagsAlone(TimeValue t, const Key& key) const;
 
     HWND rollupWindow = nullptr;
     IObjParam* editInterface = nullptr;  // the host's; stays after EndEditParams
     LiveLink<TransformControl> liveLink;
+    KeptPath keptPath;
 };

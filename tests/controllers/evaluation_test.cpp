@@ -153,7 +153,7 @@ TEST_F(Evaluation, AChangeOfParentsKeepsTheWorldPath) {
 }
 
 TEST_F(Evaluation, NothingIsAllocatedButTheTablesGrowth) {
-    transform_->table.keys.Whole().reserve(1000);
+    transform_->table.keys.EditWhole().reserve(1000);
     AnimateOn();
     const std::size_t before = Allocations();
     for (TimeValue t = 0; t < 1000; ++t)
