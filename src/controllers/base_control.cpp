@@ -190,8 +190,8 @@ void BaseControl<T>::HoldCurrentKey() {
 
 template <class T>
 bool BaseControl<T>::NeedsEvaluation(TimeValue t) const {
-    if (table.keys.empty() || table.currentKey.time == t) return false;
-    return !(table.EndsBefore(t) && table.EndsBefore(table.currentKey.time));
+    if (table.currentKey.time == t || table.keys.empty()) return false;
+    return table.IsRecent(t) || !(table.EndsBefore(t) && table.EndsBefore(table.currentKey.time));
 }
 
 template class BaseControl<float>;

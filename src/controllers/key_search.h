@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
-#include "controllers/parted_array.h"
 #include "host/types.h"
 
 // The ticks from one time to another that is not earlier, for any two times.
@@ -16,13 +16,13 @@ inline std::uint32_t TicksFrom(TimeValue from, TimeValue to) {
 // key on and before the last one. The keys of a take lie about evenly, so that their times tell
 // where a key is: a first guess finds it at once if they do, and a few more if they nearly do.
 // Between guesses the range is halved once, so that a rest or two in a take cost little, and then
-// narrowed in growing steps from the last guess. Keys that lie in no order at all are left to
-// halving. Memory is what a look into a long table costs; this way few keys are looked at.
+// narrowed in growing steps from the last guess. What is left is halved. Memory is what a look into
+// a long table costs; this way few keys are looked at.
 template <class Key>
 class KeySearch {
   public:
-    KeySearch(const PartedArray<Key>& keys, TimeValue t)
-        : keys_(keys), t_(t), last_(static_cast<std::int32_t>(keys.size()) - 1) {}
+    KeySearch(std::span<const Key> keys, TimeValue t)
+        : keys_(keys.data()), t_(t), last_(static_cast<std::int32_t>(keys.size()) - 1) {}
 
     // The position. After the first guess the neighbours of `recent` are tried, as in playback.
     std::int32_t Find(std::int32_t recent) {
@@ -30,42 +30,40 @@ class KeySearch {
         for (const std::int32_t likely : {recent + 1, recent - 1}) {
             if (likely >= first_ && likely < last_ && IsAt(likely)) return likely;
         }
-        for (int round = 0; round < kRounds; ++round) {
+        for (int round = 0; round < kRounds && last_ - first_ > kFew; ++round) {
             Narrow(first_ + (last_ - first_) / 2);
-            if (Guess() || Guess()) return first_;
+            if (Guess() || (last_ - first_ > kMany && Guess())) return first_;
             StepAway();
         }
-        const auto isBefore = [this](const Key& key) { return key.time <= t_; };
-        return static_cast<std::int32_t>(keys_.FirstNot(isBefore, static_cast<std::size_t>(first_),
-                                                        static_cast<std::size_t>(last_))) -
-               1;
+        return Halved();
     }
 
   private:
     static constexpr int kRounds = 3;
-    static constexpr std::int64_t kFirstStep = 4;
+    static constexpr std::int32_t kFew = 64;     // they are halved at once
+    static constexpr std::int32_t kMany = 4096;  // another guess costs less than to halve them
+    static constexpr std::int64_t kFirstStep = 16;
     static constexpr std::int64_t kStepGrowth = 8;
 
-    TimeValue TimeAt(std::int32_t index) const {
-        return keys_[static_cast<std::size_t>(index)].time;
+    bool IsAt(std::int32_t index) const {
+        return keys_[index].time <= t_ && t_ < keys_[index + 1].time;
     }
-    bool IsAt(std::int32_t index) const { return TimeAt(index) <= t_ && t_ < TimeAt(index + 1); }
 
     // Takes `index`, inside the range, for one of its ends; true if that is the last one.
     bool Narrow(std::int32_t index) {
-        isBehind_ = TimeAt(index) <= t_;
+        isBehind_ = keys_[index].time <= t_;
         (isBehind_ ? first_ : last_) = index;
         return !isBehind_;
     }
 
     // As if the keys of the range lay evenly. True: first_ is the position.
     bool Guess() {
-        const TimeValue from = TimeAt(first_);
+        const TimeValue from = keys_[first_].time;
         const double share = TicksFrom(from, t_) * static_cast<double>(last_ - first_) /
-                             TicksFrom(from, TimeAt(last_));
+                             TicksFrom(from, keys_[last_].time);
         const std::int32_t guess = std::min(first_ + static_cast<std::int32_t>(share), last_ - 1);
         if (Narrow(guess)) return false;
-        if (t_ < TimeAt(guess + 1)) return true;
+        if (t_ < keys_[guess + 1].time) return true;
         first_ = guess + 1;
         return false;
     }
@@ -80,7 +78,15 @@ class KeySearch {
         }
     }
 
-    const PartedArray<Key>& keys_;
+    // Without branches, which nobody could foretell.
+    std::int32_t Halved() const {
+        const Key* found = keys_ + first_;
+        for (std::int32_t left = last_ - first_; left > 1; left -= left / 2)
+            found += left / 2 * static_cast<std::int32_t>(found[left / 2].time <= t_);
+        return static_cast<std::int32_t>(found - keys_);
+    }
+
+    const Key* keys_;
     TimeValue t_;
 
     // The key at first_ is not later than the time, that at last_ is.

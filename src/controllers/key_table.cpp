@@ -13,27 +13,19 @@ const TarvoKey<T>& KeyTable<T>::FindNearestKey(TimeValue t) {
 }
 
 template <class T>
-KeyBracket<T> KeyTable<T>::FindBracket(TimeValue t) {
+KeyBracket<T> KeyTable<T>::Seek(TimeValue t) {
     if (keys.empty()) return {&InvalidKey(), &InvalidKey(), lookupIndex};
-    if (t < keys.front().time || t >= keys.back().time) {
-        lookupIndex = t < keys.front().time ? 0 : Count() - 1;
+    const bool isBeforeAll = t < keys.front().time;
+    if (isBeforeAll || t >= keys.back().time) {
+        lookupIndex = isBeforeAll ? 0 : Count() - 1;
         return {&At(lookupIndex), &At(lookupIndex), lookupIndex};
     }
-    const Place place = PlaceOf(t);
-    const std::int32_t index = place.index;
-    const std::uint32_t behind = TicksFrom(place.time, t);
-    lookupIndex = index + static_cast<std::int32_t>(behind > place.ticks - behind);
-    return {&At(index), &At(behind == 0 ? index : index + 1), index};
-}
-
-template <class T>
-typename KeyTable<T>::Place KeyTable<T>::PlaceOf(TimeValue t) {
-    if (recent_.edition == keys.Edition() && TicksFrom(recent_.time, t) < recent_.ticks)
-        return recent_;
-    const std::int32_t index = KeySearch(keys, t).Find(recent_.index);
-    recent_ = {keys.Edition(), index, At(index).time,
-               TicksFrom(At(index).time, At(index + 1).time)};
-    return recent_;
+    const Key* const plain = keys.Plain();
+    const std::int32_t index =
+        plain ? KeySearch<Key>({plain, keys.size()}, t).Find(recent_.index) : FirstAfter(t) - 1;
+    const TimeValue from = At(index).time;
+    recent_ = {keys.Edition(), index, from, TicksFrom(from, At(index + 1).time)};
+    return InRecent(t);
 }
 
 template <class T>

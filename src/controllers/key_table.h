@@ -62,7 +62,12 @@ struct KeyTable {
 
     // The keys around `t`. Outside the table, or on a key, that is one key; never null. The nearest
     // one's position is left in lookupIndex.
-    KeyBracket<T> FindBracket(TimeValue t);
+    KeyBracket<T> FindBracket(TimeValue t) { return IsRecent(t) ? InRecent(t) : Seek(t); }
+
+    // Whether `t` is in the bracket that was found last, so that it is inside the table.
+    bool IsRecent(TimeValue t) const {
+        return TicksFrom(recent_.time, t) < recent_.ticks && recent_.edition == keys.Edition();
+    }
 
     // The key at exactly `t`, else the invalid key.
     const Key& FindExactKey(TimeValue t) const;
@@ -100,19 +105,24 @@ struct KeyTable {
     void Clear();
 
   private:
-    // Where a time was found last: at the key `index` or behind it, before the next key. Good for
-    // the keys of that edition alone.
-    struct Place {
-        std::uint64_t edition = 0;
-        std::int32_t index = 0;
-        TimeValue time = 0;       // of the key
-        std::uint32_t ticks = 0;  // to the next key
+    // The keys between which a time was found last. Good for the keys of that edition alone.
+    struct Recent {
+        std::uint64_t edition = 0;  // none
+        std::int32_t index = 0;     // of the left key
+        TimeValue time = 0;         // of the left key
+        std::uint32_t ticks = 0;    // to the right key
     };
 
-    // Of a time from the first key on and before the last.
-    Place PlaceOf(TimeValue t);
+    // The rest of FindBracket.
+    KeyBracket<T> InRecent(TimeValue t) {
+        const std::uint32_t behind = TicksFrom(recent_.time, t);
+        const std::int32_t index = recent_.index;
+        lookupIndex = index + static_cast<std::int32_t>(behind > recent_.ticks - behind);
+        return {&At(index), &At(behind == 0 ? index : index + 1), index};
+    }
+    KeyBracket<T> Seek(TimeValue t);
 
-    Place recent_;
+    Recent recent_;
 };
 
 // How a key table stands in a scene file: one chunk with id 1 of little-endian bytes, holding the

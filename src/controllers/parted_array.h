@@ -38,6 +38,10 @@ class PartedArray {
         const Part& part = parts_[PartOf(index)];
         return part.elements[index - StartOf(recent_)];
     }
+
+    // The elements if they are one plain array at the moment, else null.
+    const E* Plain() const { return parts_.empty() ? whole_.data() : nullptr; }
+
     const E& front() const { return (*this)[0]; }
     const E& back() const { return (*this)[size() - 1]; }
 
@@ -47,13 +51,7 @@ class PartedArray {
     }
 
     // The first position whose element is not as asked, of elements that are so up to some
-    // position, which is known to lie from `first` up to `last`.
-    template <class Condition>
-    std::size_t FirstNot(Condition isSo, std::size_t first, std::size_t last) const {
-        if (parts_.empty())
-            return FirstNotOf(Place(whole_, first), Place(whole_, last), isSo) + first;
-        return FirstNot(isSo);
-    }
+    // position.
     template <class Condition>
     std::size_t FirstNot(Condition isSo) const {
         if (parts_.empty()) return FirstNotOf(whole_.begin(), whole_.end(), isSo);
