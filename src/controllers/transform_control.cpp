@@ -1,5 +1,7 @@
 #include "controllers/transform_control.h"
 
+#include <new>
+
 #include "host/animate.h"
 #include "host/hold.h"
 
@@ -61,10 +63,10 @@ void TransformControl::GetValue(TimeValue t, void* value, Interval& valid, GetSe
     const Matrix3 incoming = result;  // `value` may be the cached key itself
     if (NeedsEvaluation(t)) EvaluateInParent(t, incoming);
     const Matrix3& current = table.currentKey.value;
-    if (method == CTRL_ABSOLUTE)
-        result = current;
+    if (method == CTRL_ABSOLUTE || &result == &current)
+        result = method == CTRL_ABSOLUTE ? current : current * incoming;
     else
-        result = current * incoming;
+        new (value) Matrix3(current * incoming);  // in its place, see EvaluateInParent
 }
 
 void TransformControl::SetValue(TimeValue t, void* value, int, GetSetMethod method) {

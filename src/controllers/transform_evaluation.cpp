@@ -1,3 +1,5 @@
+#include <new>
+
 #include "controllers/pose_path.h"
 #include "controllers/transform_control.h"
 
@@ -22,6 +24,7 @@ void TransformControl::EvaluateInParent(TimeValue t, const Matrix3& parent) {
         current.value = around.left->value;
     } else {
         const PosePath& path = keptPath.Between(table, around, parent);
-        current.value = path.At(around.Fraction(t)) * keptPath.FromParent();
+        // Made in its place: a copy of what has just been written waits until that is in memory.
+        new (&current.value) Matrix3(path.At(around.Fraction(t)) * keptPath.FromParent());
     }
 }
