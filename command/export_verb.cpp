@@ -69,24 +69,11 @@ constexpr std::array kFormats = {
     Format{".gltf", false, 1, &WriteAsGltf<GltfForm::kText>},
 };
 
-std::string Endings() {
-    std::string endings;
+std::vector<std::string> Endings() {
+    std::vector<std::string> endings;
     for (const Format& format : kFormats)
-        (endings += endings.empty() ? "" : ", ") += format.ending;
+        endings.emplace_back(format.ending);
     return endings;
-}
-
-const Format& FormatOf(const std::string& file) {
-    std::string small = file;
-    std::ranges::transform(small, small.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
-    const auto* const format = std::ranges::find_if(
-        kFormats, [&](const Format& known) { return small.ends_with(known.ending); });
-    if (format == kFormats.end())
-        Refuse(std::string(kOutput) + ": " + file +
-               " does not end as a kind of file that is known: " + Endings());
-    return *format;
 }
 
 struct ExportedTake {
@@ -176,7 +163,7 @@ void CheckUnit(double metres) {
 }
 
 void RunExport(const ExportArguments& arguments) {
-    const Format& format = FormatOf(arguments.file);
+    const Format& format = kFormats[NeedEnding({kOutput, arguments.file}, Endings())];
     if (!format.isBvh)
         for (const CLI::Option* const option : {arguments.scale, arguments.order})
             if (option->count() > 0)
@@ -212,7 +199,7 @@ void AddExportVerb(CLI::App& app) {
         AddVerb(app, kTakingAlong, "export", "Write takes into a file for other programs.");
     AddFile(*verb, "SCENE", arguments->scene, "Scene file")->required();
     AddOutput(*verb, "", arguments->file,
-              "The file, of the kind that its name ends in: " + Endings())
+              "The file, of the kind that its name ends in: .bvh, .glb, .gltf")
         ->required();
     AddTakeChoice(*verb, arguments->takes);
     arguments->scale =

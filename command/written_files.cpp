@@ -53,15 +53,15 @@ void KeepApart(const std::vector<NamedFile>& kept, const std::vector<NamedFile>&
     }
 }
 
-void NeedEnding(const NamedFile& written, const std::vector<std::string>& endings) {
+std::size_t NeedEnding(const NamedFile& written, const std::vector<std::string>& endings) {
     std::string small = written.path;
     std::ranges::transform(small, small.begin(), [](char c) {
         return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
     });
     std::string all;
-    for (const std::string& ending : endings) {
-        if (small.ends_with(ending)) return;
-        all += (all.empty() ? "" : " or ") + ending;
+    for (std::size_t at = 0; at < endings.size(); ++at) {
+        if (small.ends_with(endings[at])) return at;
+        all += (all.empty() ? "" : " or ") + endings[at];
     }
     Refuse(written.option + ": " + written.path + " does not end in " + all);
 }

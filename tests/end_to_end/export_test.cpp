@@ -67,8 +67,7 @@ TEST_F(Export, RefusesWhatItCannotWriteAndLeavesWhatIsThere) {
     Do("draw --sphere 1 -o still");
     Write("old.bvh", "old");
     const std::pair<std::string, std::string> kUsage[] = {
-        {"scene -o old.fbx",
-         "--output: old.fbx does not end as a kind of file that is known: .bvh"},
+        {"scene -o old.fbx", "--output: old.fbx does not end in .bvh or .glb or .gltf"},
         {"absent -o old", "--output: old does not end"},
         {"scene -o old.bvh", "scene: of several takes (\"a\", \"b\") a .bvh file holds one, which"},
         {"scene -o old.bvh --order ZXZ", "--order: ZXZ is not X, Y and Z"},
