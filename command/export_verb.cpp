@@ -88,10 +88,6 @@ struct ExportResult {
     std::string saved;
 };
 
-double SecondsOf(const interchange::Take& take) {
-    return static_cast<double>(take.frameCount) * take.frameSeconds;
-}
-
 void PrintForPerson(std::ostream& out, const ExportResult& result) {
     constexpr double kMillimetres = 1000;
     constexpr double kSeenMetres = 1e-7;
@@ -99,8 +95,8 @@ void PrintForPerson(std::ostream& out, const ExportResult& result) {
     for (const auto& [take, loss] : result.takes) {
         out << "Take " << InTable(take->name) << ": " << Counted(take->nodes.size(), "node") << ", "
             << Counted(take->frameCount, "frame") << " at " << 1 / take->frameSeconds
-            << " a second (" << Rounded(SecondsOf(*take), 2) << " s, from "
-            << Rounded(take->startSeconds, 3) << " s on)\n";
+            << " a second (" << Rounded(take->startSeconds, 3) << " s to "
+            << Rounded(take->EndSeconds(), 3) << " s)\n";
         if (loss.metres >= kSeenMetres)
             out << "Furthest from where it was: " << Rounded(loss.metres * kMillimetres, 4)
                 << " mm (" << InTable(loss.node) << " at " << Rounded(loss.seconds, 3) << " s)\n";
@@ -122,7 +118,7 @@ void PrintForProgram(std::ostream& out, const ExportResult& result) {
                          {"frames", take->frameCount},
                          {"frameSeconds", take->frameSeconds},
                          {"startSeconds", take->startSeconds},
-                         {"seconds", SecondsOf(*take)},
+                         {"endSeconds", take->EndSeconds()},
                          {"furthestMetres", loss.metres},
                          {"furthestNode", loss.node},
                          {"furthestAtSeconds", loss.seconds},
@@ -145,6 +141,14 @@ void LeaveOneForBvh(const std::string& scene, ChosenTakes& takes) {
                ") a .bvh file holds one, which --take names");
 }
 
+// Frames of another length need not reach to the end of the take.
+void TellLostEnd(const ChosenTake& chosen, Loss& loss) {
+    constexpr double kRounding = 1e-5;  // seconds
+    const double lost = chosen.asRecorded.EndSeconds() - chosen.take.EndSeconds();
+    if (lost > kRounding)
+        loss.words.push_back("the last " + Rounded(lost, 4) + " s, which are no whole frame");
+}
+
 std::vector<Loss> Write(const Format& format, const ExportArguments& arguments,
                         ChosenTakes& chosen) {
     std::vector<Loss> losses;
@@ -153,6 +157,8 @@ std::vector<Loss> Write(const Format& format, const ExportArguments& arguments,
         losses = format.write(takes, arguments, out, done);
     };
     SaveTakes(arguments.file, chosen, {"Exporting", format.passes, write});
+    for (std::size_t i = 0; i < chosen.size(); ++i)
+        TellLostEnd(*chosen[i], losses[i]);
     return losses;
 }
 
@@ -175,7 +181,9 @@ void RunExport(const ExportArguments& arguments) {
     ExpectFile(arguments.file);
     CoreStage stage(arguments.guests);
     stage.Open(arguments.scene);
-    ChosenTakes chosen = TakesOfStage(stage, arguments.scene, arguments.takes);
+    TakeChoice choice = arguments.takes;
+    choice.keepsEnd = !format.isBvh;
+    ChosenTakes chosen = TakesOfStage(stage, arguments.scene, choice);
     if (format.isBvh) LeaveOneForBvh(arguments.scene, chosen);
     const std::vector<Loss> losses = Write(format, arguments, chosen);
     ExportResult result{.scene = arguments.scene, .takes{}, .complaints{}, .saved = arguments.file};

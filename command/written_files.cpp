@@ -42,6 +42,8 @@ platform::WholeFile FileFor(const std::string& target) {
     return platform::WholeFile(target);
 }
 
+bool isToldInAnyCase = false;
+
 }  // namespace
 
 void KeepApart(const std::vector<NamedFile>& kept, const std::vector<NamedFile>& written) {
@@ -88,8 +90,12 @@ void TellSaved(std::ostream& out) {
         if (file.isSaved) out << "Saved as " << file.path << '\n';
 }
 
+void TellInAnyCase() {
+    isToldInAnyCase = true;
+}
+
 void TellWhatStands(std::ostream& out) {
-    if (Book().empty()) return;
+    if (Book().empty() && !isToldInAnyCase) return;
     const auto saved = std::ranges::count(Book(), true, &BookedFile::isSaved);
     if (saved > 0) {
         const auto isSaved = &BookedFile::isSaved;

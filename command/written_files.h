@@ -34,6 +34,9 @@ std::size_t NeedEnding(const NamedFile& written, const std::vector<std::string>&
 void ExpectFile(const std::string& file);
 void NoteSaved(const std::string& file);
 
+// Of what this verb makes it is told that it was not saved, also where no file was named for it.
+void TellInAnyCase();
+
 // The end of what a person reads of a verb that did its work: a line for each file that was saved.
 void TellSaved(std::ostream& out);
 

@@ -87,7 +87,7 @@ TEST_F(Export, RefusesWhatItCannotWriteAndLeavesWhatIsThere) {
         ExpectRefusal("export " + words, line, 1);
     EXPECT_EQ(Read("old.bvh"), "old");
     const std::string told = Do("export scene -o new.BVH --take b");
-    EXPECT_TRUE(told.starts_with("Take b: 3 nodes, 4 frames at 20 a second (0.2 s, from 0 s on)\n"))
+    EXPECT_TRUE(told.starts_with("Take b: 3 nodes, 4 frames at 20 a second (0 s to 0.15 s)\n"))
         << told;
     EXPECT_NE(told.find("\nSaved as new.BVH\n"), std::string::npos) << told;
 }
