@@ -6,6 +6,7 @@
 #include <iterator>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "command/exit_status.h"
 #include "platform/files.h"
@@ -60,7 +61,8 @@ std::vector<std::string> FilesIn(const fs::path& folder, const std::string& patt
     return files;
 }
 
-std::vector<std::string> FilesOf(const std::string& named) {
+// None where a folder or a pattern holds none: then `why` says so.
+std::vector<std::string> FilesOf(const std::string& named, std::string& why) {
     std::error_code unknown;
     const fs::path path = platform::FromNarrow(named);
     const std::string pattern = platform::ToNarrow(path.filename());
@@ -70,18 +72,22 @@ std::vector<std::string> FilesOf(const std::string& named) {
     std::vector<std::string> files =
         isFolder ? FilesIn(path, kAnyCapture) : FilesIn(path.parent_path(), pattern);
     if (files.empty())
-        throw Failure(named + (isFolder ? ": this folder holds no capture (.bvh)"
-                                        : ": no file has such a name"));
+        why = named +
+              (isFolder ? ": this folder holds no capture (.bvh)" : ": no file has such a name");
     return files;
 }
 
 }  // namespace
 
-std::vector<std::string> FilesOfCaptures(const std::vector<std::string>& named) {
-    std::vector<std::string> files;
-    for (const std::string& name : named)
-        std::ranges::copy(FilesOf(name), std::back_inserter(files));
-    return files;
+CaptureFiles FilesOfCaptures(const std::vector<std::string>& named) {
+    CaptureFiles found;
+    for (const std::string& name : named) {
+        std::string why;
+        std::ranges::copy(FilesOf(name, why), std::back_inserter(found.files));
+        if (!why.empty()) found.missing.push_back({name, std::move(why)});
+    }
+    if (found.files.empty()) throw Failure(found.missing.front().why);
+    return found;
 }
 
 }  // namespace headless

@@ -30,10 +30,12 @@ void CheckTakeChoice(const TakeChoice& choice) {
         Refuse("--fps: " + Plain(fps) + " is not from 0.000001 to 4,800");
 }
 
-ChosenTake::ChosenTake(interchange::Take recorded, double framesPerSecond)
+ChosenTake::ChosenTake(interchange::Take recorded, const TakeChoice& choice)
     : asRecorded(std::move(recorded)),
       poses(asRecorded),
-      take(framesPerSecond > 0 ? asRecorded.Resampled(1 / framesPerSecond) : asRecorded) {}
+      take(choice.framesPerSecond > 0
+               ? asRecorded.Resampled(1 / choice.framesPerSecond, choice.keepsEnd)
+               : asRecorded) {}
 
 std::string NamesOf(const ChosenTakes& takes) {
     std::string names;
@@ -46,7 +48,7 @@ ChosenTakes TakesOfStage(CoreStage& stage, const std::string& scene, const TakeC
     ChosenTakes takes;
     for (interchange::Take& take : interchange::TakesOf(
              stage.HasReplayCore() ? stage.AskCore({}).takes : std::vector<replay::TakeReport>()))
-        takes.push_back(std::make_unique<ChosenTake>(std::move(take), choice.framesPerSecond));
+        takes.push_back(std::make_unique<ChosenTake>(std::move(take), choice));
     if (takes.empty())
         throw Failure(scene + ": there is no take in it, and no node has more than one key");
     for (const std::string& name : choice.names)

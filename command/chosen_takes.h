@@ -21,6 +21,7 @@ namespace headless {
 struct TakeChoice {
     std::vector<std::string> names{};  // all takes if empty
     double framesPerSecond = 0;        // 0 for each take's own
+    bool keepsEnd = false;             // with a frame of its own, if none of that rate is there
 };
 
 // --take and --fps; and refuses what cannot be meant by them, before anything is opened.
@@ -29,7 +30,7 @@ void CheckTakeChoice(const TakeChoice& choice);
 
 // A take with what tells where its nodes are, for as long as its stage is there.
 struct ChosenTake {
-    ChosenTake(interchange::Take recorded, double framesPerSecond);
+    ChosenTake(interchange::Take recorded, const TakeChoice& choice);
     ChosenTake(const ChosenTake&) = delete;
     ChosenTake& operator=(const ChosenTake&) = delete;
 

@@ -262,6 +262,12 @@ void CoreStage::Save(const std::string& scene) {
     Take(std::move(outcome));
 }
 
+void CoreStage::SaveWhole(const std::string& scene) {
+    session_.OnProgress([this](const FileProgress& file) { return fileLine_.Tell(file), true; });
+    Save(scene);
+    session_.OnProgress([this](const FileProgress& file) { return fileLine_.Tell(file); });
+}
+
 void CoreStage::MergeByHost(const std::string& scene) {
     Take(session_.MergeScene(scene));
     NoteScene(recorder::note::kMerged, scene);

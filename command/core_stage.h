@@ -73,6 +73,9 @@ class CoreStage {
     // What the host does with scenes. Each is noted on a tape, when it is done.
     void Open(const std::string& scene);
     void Save(const std::string& scene);
+
+    // Also behind Ctrl-C, which ends what comes after it: nothing else has what is saved.
+    void SaveWhole(const std::string& scene);
     void MergeByHost(const std::string& scene);
     void EmptyScene(void (Session::*how)());
 

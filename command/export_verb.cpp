@@ -69,24 +69,11 @@ constexpr std::array kFormats = {
     Format{".gltf", false, 1, &WriteAsGltf<GltfForm::kText>},
 };
 
-std::string Endings() {
-    std::string endings;
+std::vector<std::string> Endings() {
+    std::vector<std::string> endings;
     for (const Format& format : kFormats)
-        (endings += endings.empty() ? "" : ", ") += format.ending;
+        endings.emplace_back(format.ending);
     return endings;
-}
-
-const Format& FormatOf(const std::string& file) {
-    std::string small = file;
-    std::ranges::transform(small, small.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
-    const auto* const format = std::ranges::find_if(
-        kFormats, [&](const Format& known) { return small.ends_with(known.ending); });
-    if (format == kFormats.end())
-        Refuse(std::string(kOutput) + ": " + file +
-               " does not end as a kind of file that is known: " + Endings());
-    return *format;
 }
 
 struct ExportedTake {
@@ -101,10 +88,6 @@ struct ExportResult {
     std::string saved;
 };
 
-double SecondsOf(const interchange::Take& take) {
-    return static_cast<double>(take.frameCount) * take.frameSeconds;
-}
-
 void PrintForPerson(std::ostream& out, const ExportResult& result) {
     constexpr double kMillimetres = 1000;
     constexpr double kSeenMetres = 1e-7;
@@ -112,8 +95,8 @@ void PrintForPerson(std::ostream& out, const ExportResult& result) {
     for (const auto& [take, loss] : result.takes) {
         out << "Take " << InTable(take->name) << ": " << Counted(take->nodes.size(), "node") << ", "
             << Counted(take->frameCount, "frame") << " at " << 1 / take->frameSeconds
-            << " a second (" << Rounded(SecondsOf(*take), 2) << " s, from "
-            << Rounded(take->startSeconds, 3) << " s on)\n";
+            << " a second (" << Rounded(take->startSeconds, 3) << " s to "
+            << Rounded(take->EndSeconds(), 3) << " s)\n";
         if (loss.metres >= kSeenMetres)
             out << "Furthest from where it was: " << Rounded(loss.metres * kMillimetres, 4)
                 << " mm (" << InTable(loss.node) << " at " << Rounded(loss.seconds, 3) << " s)\n";
@@ -135,7 +118,7 @@ void PrintForProgram(std::ostream& out, const ExportResult& result) {
                          {"frames", take->frameCount},
                          {"frameSeconds", take->frameSeconds},
                          {"startSeconds", take->startSeconds},
-                         {"seconds", SecondsOf(*take)},
+                         {"endSeconds", take->EndSeconds()},
                          {"furthestMetres", loss.metres},
                          {"furthestNode", loss.node},
                          {"furthestAtSeconds", loss.seconds},
@@ -158,6 +141,14 @@ void LeaveOneForBvh(const std::string& scene, ChosenTakes& takes) {
                ") a .bvh file holds one, which --take names");
 }
 
+// Frames of another length need not reach to the end of the take.
+void TellLostEnd(const ChosenTake& chosen, Loss& loss) {
+    constexpr double kRounding = 1e-5;  // seconds
+    const double lost = chosen.asRecorded.EndSeconds() - chosen.take.EndSeconds();
+    if (lost > kRounding)
+        loss.words.push_back("the last " + Rounded(lost, 4) + " s, which are no whole frame");
+}
+
 std::vector<Loss> Write(const Format& format, const ExportArguments& arguments,
                         ChosenTakes& chosen) {
     std::vector<Loss> losses;
@@ -166,6 +157,8 @@ std::vector<Loss> Write(const Format& format, const ExportArguments& arguments,
         losses = format.write(takes, arguments, out, done);
     };
     SaveTakes(arguments.file, chosen, {"Exporting", format.passes, write});
+    for (std::size_t i = 0; i < chosen.size(); ++i)
+        TellLostEnd(*chosen[i], losses[i]);
     return losses;
 }
 
@@ -176,7 +169,7 @@ void CheckUnit(double metres) {
 }
 
 void RunExport(const ExportArguments& arguments) {
-    const Format& format = FormatOf(arguments.file);
+    const Format& format = kFormats[NeedEnding({kOutput, arguments.file}, Endings())];
     if (!format.isBvh)
         for (const CLI::Option* const option : {arguments.scale, arguments.order})
             if (option->count() > 0)
@@ -188,7 +181,9 @@ void RunExport(const ExportArguments& arguments) {
     ExpectFile(arguments.file);
     CoreStage stage(arguments.guests);
     stage.Open(arguments.scene);
-    ChosenTakes chosen = TakesOfStage(stage, arguments.scene, arguments.takes);
+    TakeChoice choice = arguments.takes;
+    choice.keepsEnd = !format.isBvh;
+    ChosenTakes chosen = TakesOfStage(stage, arguments.scene, choice);
     if (format.isBvh) LeaveOneForBvh(arguments.scene, chosen);
     const std::vector<Loss> losses = Write(format, arguments, chosen);
     ExportResult result{.scene = arguments.scene, .takes{}, .complaints{}, .saved = arguments.file};
@@ -212,7 +207,7 @@ void AddExportVerb(CLI::App& app) {
         AddVerb(app, kTakingAlong, "export", "Write takes into a file for other programs.");
     AddFile(*verb, "SCENE", arguments->scene, "Scene file")->required();
     AddOutput(*verb, "", arguments->file,
-              "The file, of the kind that its name ends in: " + Endings())
+              "The file, of the kind that its name ends in: .bvh, .glb, .gltf")
         ->required();
     AddTakeChoice(*verb, arguments->takes);
     arguments->scale =

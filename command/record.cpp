@@ -135,7 +135,7 @@ void Save(CoreStage& stage, const RecordOptions& options, RecordResult& result) 
         result.complaints.push_back(options.scene + ": kept as it was before");
         return;
     }
-    stage.Save(options.scene);
+    stage.SaveWhole(options.scene);
     result.saved = options.scene;
 }
 
@@ -144,7 +144,7 @@ void Save(CoreStage& stage, const RecordOptions& options, RecordResult& result) 
 void SaveStopped(CoreStage& stage, const RecordOptions& options, std::uint64_t before) {
     platform::Interrupt::Meet();
     if (options.scene.empty() || SavesOverScene(options) || SceneDigest() == before) return;
-    stage.Save(options.scene);
+    stage.SaveWhole(options.scene);
 }
 
 replay::Report AskToRecord(CoreStage& stage, const RecordOptions& options,

@@ -121,6 +121,14 @@ void PrintSeveral(std::ostream& out, const RecordResult& result) {
         if (!capture.IsRecorded()) out << "Not recorded: " << InTable(capture.report.error) << '\n';
 }
 
+// What the height has found is for the other captures of the same actor and unit.
+void PrintScale(std::ostream& out, const RecordResult& result) {
+    const auto recorded = std::ranges::find_if(result.captures, &CaptureResult::IsRecorded);
+    if (result.saidHeight > 0 && recorded != result.captures.end())
+        out << "The height makes it --scale " << Plain(recorded->report.recording.metresPerUnit)
+            << '\n';
+}
+
 void PrintTime(std::ostream& out, const RecordResult& result) {
     double first = std::numeric_limits<double>::infinity();
     double last = -first;
@@ -211,6 +219,7 @@ void PrintForPerson(std::ostream& out, const RecordResult& result) {
         PrintOnly(out, result);
     else
         PrintSeveral(out, result);
+    PrintScale(out, result);
     PrintEach(out, kComplaint, result.complaints);
     PrintTime(out, result);
     out << "In the scene: " << Counted(result.nodes, "node") << " with "

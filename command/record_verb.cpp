@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <iostream>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "command/capture_files.h"
@@ -54,7 +55,8 @@ void CheckRate(const RecordOptions& options) {
 void RunRecord(const RecordArguments& arguments) {
     RecordOptions options = arguments.options;
     CheckRate(options);
-    options.captures = FilesOfCaptures(options.captures);
+    CaptureFiles found = FilesOfCaptures(options.captures);
+    options.captures = std::move(found.files);
     CheckFiles(options);
     if (options.captures.size() > 1 && !options.csv.empty())
         Refuse("--csv: the positions of several captures do not go into one file");
@@ -62,7 +64,13 @@ void RunRecord(const RecordArguments& arguments) {
         Refuse("--take: several captures do not go into one take");
     options.optimisedController = !arguments.plainController;
     ExpectFile(options.scene);
-    const RecordResult result = Record(options);
+    TellInAnyCase();
+    RecordResult result = Record(options);
+    for (CaptureFiles::Missing& missing : found.missing) {
+        replay::CaptureReport& report = result.captures.emplace_back().report;
+        report.recording.capture = std::move(missing.named);
+        report.error = std::move(missing.why);
+    }
     Print(std::cout, result, arguments.audience);
     if (result.isFaulty || !std::ranges::all_of(result.captures, &CaptureResult::IsRecorded))
         throw Ended{kFailed};

@@ -48,13 +48,15 @@ void CheckNames(const RenderOptions& options) {
 }
 
 std::vector<Moment> OfTake(const FrameRange& frames, const interchange::Take& take) {
-    if (frames.first < 0 || static_cast<std::size_t>(frames.last) >= take.frameCount)
-        throw Failure("--frames: the take " + Quoted(take.name) + " has the frames 0 to " +
-                      std::to_string(take.frameCount - 1));
+    const auto last = take.firstNumber + static_cast<std::int64_t>(take.frameCount) - 1;
+    if (frames.first < take.firstNumber || frames.last > last)
+        throw Failure("--frames: the take " + Quoted(take.name) + " has the frames " +
+                      std::to_string(take.firstNumber) + " to " + std::to_string(last));
     std::vector<Moment> moments;
     for (std::size_t i = 0; i < frames.Count(); ++i) {
         const int frame = frames.At(i);
-        moments.push_back({frame, AtSeconds(take.Seconds(static_cast<std::size_t>(frame)))});
+        const auto inTake = static_cast<std::size_t>(frame - take.firstNumber);
+        moments.push_back({frame, AtSeconds(take.Seconds(inTake))});
     }
     return moments;
 }
@@ -74,8 +76,7 @@ std::vector<Moment> MomentsOf(const RenderOptions& options, CoreStage& stage) {
     if (options.frames.empty()) return {{0, CheckedTime(options.seconds)}};
     const FrameRange& frames = options.frames.front();
     if (options.take.empty()) return OfScene(frames);
-    const auto takes =
-        TakesOfStage(stage, options.scene, {.names = {options.take}, .framesPerSecond = 0});
+    const auto takes = TakesOfStage(stage, options.scene, {.names = {options.take}});
     return OfTake(frames, takes.front()->take);
 }
 

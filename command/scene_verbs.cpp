@@ -42,6 +42,7 @@ SceneReport SaveAndReport(CoreStage& stage, const std::string& scene, const std:
     try {
         if (stage.HasReplayCore()) report.takes = stage.AskCore({}).takes;
     } catch (const Failure& failure) {
+        if (failure.Status() == kStopped) throw;
         untold = failure.what();
     }
     StageNews news = stage.TakeNewsInOne();

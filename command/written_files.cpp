@@ -42,6 +42,8 @@ platform::WholeFile FileFor(const std::string& target) {
     return platform::WholeFile(target);
 }
 
+bool isToldInAnyCase = false;
+
 }  // namespace
 
 void KeepApart(const std::vector<NamedFile>& kept, const std::vector<NamedFile>& written) {
@@ -53,15 +55,15 @@ void KeepApart(const std::vector<NamedFile>& kept, const std::vector<NamedFile>&
     }
 }
 
-void NeedEnding(const NamedFile& written, const std::vector<std::string>& endings) {
+std::size_t NeedEnding(const NamedFile& written, const std::vector<std::string>& endings) {
     std::string small = written.path;
     std::ranges::transform(small, small.begin(), [](char c) {
         return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
     });
     std::string all;
-    for (const std::string& ending : endings) {
-        if (small.ends_with(ending)) return;
-        all += (all.empty() ? "" : " or ") + ending;
+    for (std::size_t at = 0; at < endings.size(); ++at) {
+        if (small.ends_with(endings[at])) return at;
+        all += (all.empty() ? "" : " or ") + endings[at];
     }
     Refuse(written.option + ": " + written.path + " does not end in " + all);
 }
@@ -88,8 +90,12 @@ void TellSaved(std::ostream& out) {
         if (file.isSaved) out << "Saved as " << file.path << '\n';
 }
 
+void TellInAnyCase() {
+    isToldInAnyCase = true;
+}
+
 void TellWhatStands(std::ostream& out) {
-    if (Book().empty()) return;
+    if (Book().empty() && !isToldInAnyCase) return;
     const auto saved = std::ranges::count(Book(), true, &BookedFile::isSaved);
     if (saved > 0) {
         const auto isSaved = &BookedFile::isSaved;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <iosfwd>
 #include <optional>
 #include <string>
@@ -24,13 +25,17 @@ void KeepApart(const std::vector<NamedFile>& kept, const std::vector<NamedFile>&
 // The same for a file that is written as the work goes on, and one that is expected already.
 void KeepFromBooked(const NamedFile& written);
 
-// Refuses a file whose name ends in none of these, which are in small letters; capitals do as well.
-void NeedEnding(const NamedFile& written, const std::vector<std::string>& endings);
+// Which of these the file's name ends in, by its place; refused if in none. They are in small
+// letters; capitals do as well.
+std::size_t NeedEnding(const NamedFile& written, const std::vector<std::string>& endings);
 
 // Which of the files that a verb is to write stand: the book of this process, since a verb can end
 // anywhere. A file is written whole or not at all.
 void ExpectFile(const std::string& file);
 void NoteSaved(const std::string& file);
+
+// Of what this verb makes it is told that it was not saved, also where no file was named for it.
+void TellInAnyCase();
 
 // The end of what a person reads of a verb that did its work: a line for each file that was saved.
 void TellSaved(std::ostream& out);

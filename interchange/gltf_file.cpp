@@ -36,7 +36,7 @@ std::string TextOf(const Json& json) {
 std::vector<float> TimesFrom(double start, const Take& take) {
     std::vector<float> times(take.frameCount);
     for (std::size_t frame = 0; frame < times.size(); ++frame)
-        times[frame] = Narrowed(start + static_cast<double>(frame) * take.frameSeconds);
+        times[frame] = Narrowed(start + (take.Seconds(frame) - take.startSeconds));
     const bool isRising = std::ranges::adjacent_find(times, std::greater_equal()) == times.end();
     return isRising && times.front() >= 0 ? times : std::vector<float>();
 }

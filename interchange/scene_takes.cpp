@@ -146,6 +146,9 @@ void ReadSpan(const std::vector<replay::Recording>& recordings, Take& take) {
     const double frame = recordings.back().frameSeconds;
     SetSpan(start, std::max(start, end), frame > kShortestFrame ? frame : SceneFrameSeconds(),
             take);
+    constexpr double kMostFrames = 1e9;
+    const double ahead = (start - recordings.back().startSeconds) / take.frameSeconds;
+    if (std::abs(ahead) < kMostFrames) take.firstNumber = std::llround(ahead);
 }
 
 bool AreFrames(const std::vector<TimeValue>& keys, double ticks) {

@@ -6,12 +6,15 @@
 
 namespace interchange {
 
-Take Take::Resampled(double newFrameSeconds) const {
+Take Take::Resampled(double newFrameSeconds, bool keepsEnd) const {
     constexpr double kRounding = 1e-6;  // of a frame
     Take take = *this;
     take.frameSeconds = newFrameSeconds;
     const double frames = (EndSeconds() - startSeconds) / newFrameSeconds;
-    take.frameCount = static_cast<std::size_t>(std::floor(frames + kRounding)) + 1;
+    take.frameCount = static_cast<std::size_t>(keepsEnd ? std::ceil(frames - kRounding)
+                                                        : std::floor(frames + kRounding)) +
+                      1;
+    if (keepsEnd) take.lastSeconds = EndSeconds();
     return take;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -48,19 +49,22 @@ struct TakeNode {
 
 struct Take {
     std::string name;
-    double startSeconds = 0;      // of its first frame, in the scene
-    double frameSeconds = 1;      // from one frame to the next, above 0
-    std::size_t frameCount = 1;   // at least 1
-    std::vector<TakeNode> nodes;  // a parent before its children
+    double startSeconds = 0;       // of its first frame, in the scene
+    double frameSeconds = 1;       // from one frame to the next, above 0
+    std::size_t frameCount = 1;    // at least 1
+    std::vector<TakeNode> nodes;   // a parent before its children
+    std::int64_t firstNumber = 0;  // of its first frame in the capture that was recorded last
+    double lastSeconds = std::numeric_limits<double>::infinity();  // no frame is later
 
     double Seconds(std::size_t frame) const {
-        return startSeconds + static_cast<double>(frame) * frameSeconds;
+        return std::min(startSeconds + static_cast<double>(frame) * frameSeconds, lastSeconds);
     }
     double EndSeconds() const { return Seconds(frameCount - 1); }
 
-    // The same span of time in frames of another length: from the first frame to the last one that
-    // is not behind the old one.
-    Take Resampled(double newFrameSeconds) const;
+    // The same span of time in frames of another length. Where they do not share it out, it ends
+    // with the last that is not behind its end, or with one at its end, which is nearer to the one
+    // before.
+    Take Resampled(double newFrameSeconds, bool keepsEnd) const;
 };
 
 // Gives each name once: of equal ones the first stands, and others are numbered from 2.

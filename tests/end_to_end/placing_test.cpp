@@ -112,11 +112,12 @@ TEST_F(Command, RecordsAllCapturesOfAFolderOrAPatternThatCanBe) {
     EXPECT_NEAR(high["captures"][2]["heightMetres"], 1.5, 1e-9);
     EXPECT_EQ(captures(Ask("record caps/*b.bvh caps/c.txt --partial --scale 1")), "ab b c ");
 
-    const Ending read = Run("record caps --into all.scene --scale 0.01");
+    const Ending read = Run("record caps 'no*' --into all.scene --scale 0.01");
     EXPECT_EQ(read.status, 1);
     for (const char* const part :
-         {"Recorded 2 of 3 captures in ", "  0.01 m (--scale 1?)  ", "  none  ",
-          "Not recorded: caps/ab.bvh:", "Nothing was saved: -o FILE saves the scene\n"})
+         {"Recorded 2 of 4 captures in ", "  0.01 m (--scale 1?)  ", "  none  ",
+          "Not recorded: caps/ab.bvh:", "Not recorded: no*: no file has such a name\n",
+          "Nothing was saved: -o FILE saves the scene\n"})
         EXPECT_NE(read.out.find(part), std::string::npos) << read.out;
     // Of a scene that is there the range only grows.
     const Json grown = Ask("record caps/a.BVH --into all.scene --scale 1 --start -0.5");

@@ -51,6 +51,10 @@ TEST_F(Render, DrawsAScenesSameBytesAtEachRunAndFromASavedCopy) {
     Do("render take --time 0.2 --size 64x48 -o timed.png");
     EXPECT_TRUE(Read("taken.PNG") == Read("timed.png")) << "a frame of the capture lasts 0.05 s";
     ExpectRefusal("render take --take walk --frames 3:5:1 -o x%04d.png", "--frames: the take", 1);
+    Do("record walk.bvh --scale 1 --from 2 --to 4 --start 0.1 -o part");
+    Do("render part --take walk --frames 4:4:1 --size 64x48 -o taken.png");
+    Do("render part --time 0.2 --size 64x48 -o timed.png");
+    EXPECT_TRUE(Read("taken.png") == Read("timed.png")) << "frame 4, also where frame 2 is first";
 
     EXPECT_EQ(Do("render take --frames 0:2:1 --sheet 3 --size 16x16 --name walk_Hip -o sheet.png"),
               "Complaint: at 0.00 s and in 2 further pictures there is no room for the names of: "

@@ -112,8 +112,8 @@ TEST(PageTest, HoldsTurnsInFourNumbersAndAllOtherAxesAsTheyAre) {
                 {CMatrix4::Diagonal(0, 0, 0, 1), "axes"}};
     for (const auto& [change, form] : rows) {
         SCOPED_TRACE(change[1][1]);
-        const OnePose pose = [&](std::size_t frame) {
-            CMatrix4 world = frame == 1 ? change * turn : turn;
+        const OnePose pose = [&turn, changed = change * turn](std::size_t frame) {
+            CMatrix4 world = frame == 1 ? changed : turn;
             world[3][0] = static_cast<double>(frame) + 0.25;
             return world;
         };

@@ -65,10 +65,15 @@ TEST_F(SceneTakes, WithoutACoreEachTreeWithKeysIsOneInTheFramesOfItsKeys) {
         EXPECT_DOUBLE_EQ(inScenesFrames.frameSeconds, 1.0 / 30);
         EXPECT_EQ(inScenesFrames.EndSeconds(), 1);
     }
-    const interchange::Take slow = takes[1].Resampled(0.4);
+    const interchange::Take slow = takes[1].Resampled(0.4, false);
     EXPECT_EQ(slow.frameCount, 3U);
     EXPECT_DOUBLE_EQ(slow.EndSeconds(), 0.8);
-    EXPECT_EQ(takes[1].Resampled(1.0 / 93).frameCount, 94U);
+    const interchange::Take whole = takes[1].Resampled(0.4, true);
+    EXPECT_EQ(whole.frameCount, 4U);
+    EXPECT_DOUBLE_EQ(whole.Seconds(2), 0.8);
+    EXPECT_EQ(whole.EndSeconds(), 1);
+    for (const bool keepsEnd : {false, true})
+        EXPECT_EQ(takes[1].Resampled(1.0 / 93, keepsEnd).frameCount, 94U);
 }
 
 TEST_F(SceneTakes, OfACoreHaveTheSpanOfTheirRecordingsAndNodesOfTheirOwnTrees) {

@@ -204,6 +204,9 @@ RecordedTakes RecordTakes(TVL::AdaptorInterface& adaptor, std::span<const Planne
             inScene.push_back(take.recording);
         if (!recorded.error.empty()) break;
     }
+    if (recorded.takes.back().isInterrupted && plan.size() > 1)
+        recorded.error += ", capture " + std::to_string(recorded.takes.size()) + " of " +
+                          std::to_string(plan.size()) + "; those before it are whole";
     SetRange(adaptor, inScene, settings.range);
     const bool isInterrupted = recorded.takes.back().isInterrupted && !inScene.empty();
     if (recorded.error.empty() || state.stopRequested || isInterrupted) {
