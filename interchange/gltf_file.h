@@ -20,7 +20,7 @@ enum class GltfForm {
     kBinary,  // .glb
 };
 
-// Writes a glTF 2.0 file (Khronos Group, "glTF 2.0 Specification", 2021): the nodes of each take
+// Writes a glTF 2.0 file (ISO/IEC 12113:2022, from the Khronos Group): the nodes of each take
 // with what they show, its camera with the lens of its first frame, and an animation of the take's
 // name, whose times are those of the scene. What stays as it is has no sampler. Of several takes
 // each has a node of its name, above its own. The frames are kept until they are written, in 4

@@ -94,10 +94,15 @@ TEST_F(Command, RecordsAllCapturesOfAFolderOrAPatternThatCanBe) {
     for (const char* const name : {"caps/b.bvh", "caps/a.BVH", "caps/c.txt", "caps/.d.bvh"})
         Write(name, Walk(20));
     Write("caps/ab.bvh", With(Walk(20), "Frames: 20", "Frames: 21"));
-    const auto captures = [](const Json& told) {
+    const auto withSlashes = [](std::string text) {
+        std::ranges::replace(text, '\\', '/');
+        return text;
+    };
+    const auto captures = [&](const Json& told) {
         std::string text;
         for (const Json& capture : told["captures"])
-            text += capture.value("take", capture.value("error", "").substr(0, 12)) + ' ';
+            text +=
+                capture.value("take", withSlashes(capture.value("error", "")).substr(0, 12)) + ' ';
         return text;
     };
     const Ending ending = Run("record caps -o all.scene --scale 1 --json");
@@ -112,13 +117,13 @@ TEST_F(Command, RecordsAllCapturesOfAFolderOrAPatternThatCanBe) {
     EXPECT_NEAR(high["captures"][2]["heightMetres"], 1.5, 1e-9);
     EXPECT_EQ(captures(Ask("record caps/*b.bvh caps/c.txt --partial --scale 1")), "ab b c ");
 
-    const Ending read = Run("record caps 'no*' --into all.scene --scale 0.01");
+    const Ending read = Run("record caps no* --into all.scene --scale 0.01");
     EXPECT_EQ(read.status, 1);
     for (const char* const part :
          {"Recorded 2 of 4 captures in ", "  0.01 m (--scale 1?)  ", "  none  ",
           "Not recorded: caps/ab.bvh:", "Not recorded: no*: no file has such a name\n",
           "Nothing was saved: -o FILE saves the scene\n"})
-        EXPECT_NE(read.out.find(part), std::string::npos) << read.out;
+        EXPECT_NE(withSlashes(read.out).find(part), std::string::npos) << read.out;
     // Of a scene that is there the range only grows.
     const Json grown = Ask("record caps/a.BVH --into all.scene --scale 1 --start -0.5");
     EXPECT_EQ(Line(grown, {"rangeSeconds"}), "[-0.5,0.9666666666666667]");
