@@ -1,17 +1,16 @@
 #include "headless/hold/graveyard.h"
 
 #include <algorithm>
+#include <type_traits>
 #include <utility>
 
 #include "headless/hold/undo_stream.h"
 
 namespace headless {
 
-// Never destroyed: objects of other modules may let go of each other while the process ends.
-Graveyard& Graveyard::Get() {
-    static Graveyard& graveyard = *new Graveyard;
-    return graveyard;
-}
+// Nothing to destroy: objects of other modules may let go of each other while the process ends.
+static_assert(std::is_trivially_destructible_v<Graveyard>);
+constinit Graveyard Graveyard::graveyard_;
 
 // Places of those who left while a walk goes on count as empty.
 bool Graveyard::IsReferredTo(const ReferenceTarget& target) {
@@ -37,8 +36,7 @@ void Graveyard::Revive(ReferenceTarget& target) {
     (newer != nullptr ? newer->olderParked_ : newest_) = older;
 }
 
-void Graveyard::Sweep() {
-    if (pauses_ > 0 || newest_ == nullptr) return;
+void Graveyard::DeleteParked() {
     ++pauses_;
     while (newest_ != nullptr && !UndoStream::Get().IsOccupied()) {
         ReferenceTarget* const target = newest_;
@@ -46,15 +44,6 @@ void Graveyard::Sweep() {
         target->DeleteThis();
     }
     --pauses_;
-}
-
-Graveyard::Pause::Pause() {
-    ++Get().pauses_;
-}
-
-Graveyard::Pause::~Pause() {
-    --Get().pauses_;
-    Get().Sweep();
 }
 
 }  // namespace headless

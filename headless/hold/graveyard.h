@@ -12,7 +12,7 @@ namespace headless {
 // being destroyed, so nothing is allocated: the parked ones are a list that runs through them.
 class Graveyard {
   public:
-    static Graveyard& Get();
+    static Graveyard& Get() { return graveyard_; }
 
     // Somebody let go of `target`. Nothing happens while others still refer to it.
     void Release(ReferenceTarget& target);
@@ -22,19 +22,27 @@ class Graveyard {
 
     // Deletes what is parked, the newest first, unless the undo stream can meet it. What these
     // objects let go of ends in the same sweep, however long the chain.
-    void Sweep();
+    void Sweep() {
+        if (pauses_ == 0 && newest_ != nullptr) DeleteParked();
+    }
 
     // While one of these is alive nothing is deleted; the last of them sweeps.
     class Pause {
       public:
-        Pause();
-        ~Pause();
+        Pause() { ++graveyard_.pauses_; }
+        ~Pause() {
+            --graveyard_.pauses_;
+            graveyard_.Sweep();
+        }
         Pause(const Pause&) = delete;
         Pause& operator=(const Pause&) = delete;
     };
 
   private:
     static bool IsReferredTo(const ReferenceTarget& target);
+    void DeleteParked();
+
+    static Graveyard graveyard_;
 
     ReferenceTarget* newest_ = nullptr;
     int pauses_ = 0;

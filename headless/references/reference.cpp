@@ -115,7 +115,7 @@ void ReferenceMaker::ReplaceReference(int index, RefTargetHandle target) {
 }
 
 void ReferenceMaker::DeleteMe() {
-    auto* const target = dynamic_cast<ReferenceTarget*>(this);
+    ReferenceTarget* const target = asTarget_;
     const Graveyard::Pause pause;
     if (target != nullptr) target->LoseDependents();
     for (int index = 0; index < NumRefs(); ++index)
@@ -130,6 +130,7 @@ RemapDir::~RemapDir() = default;
 
 ReferenceTarget::~ReferenceTarget() {
     ReferenceBook::Forget(*this);
+    asTarget_ = nullptr;
 }
 
 RefTargetHandle ReferenceTarget::Clone(RemapDir&) {
@@ -139,7 +140,7 @@ RefTargetHandle ReferenceTarget::Clone(RemapDir&) {
 bool ReferenceTarget::HasDependents() const {
     return std::any_of(dependents_.begin(), dependents_.end(), [](const auto& dependent) {
         if (dependent.first == nullptr) return false;
-        const auto* target = dynamic_cast<const ReferenceTarget*>(dependent.first);
+        const ReferenceTarget* const target = dependent.first->asTarget_;
         return target == nullptr || !target->parked_;
     });
 }
@@ -151,7 +152,7 @@ void ReferenceTarget::BaseClone(ReferenceTarget* from, ReferenceTarget* to, Rema
 RefResult ReferenceTarget::NotifyDependents(Interval changed, PartID part, RefMessage message,
                                             SClass_ID classFilter, bool propagate,
                                             RefTargetHandle target) {
-    if (messageDepth >= kFarthestMessage) return REF_SUCCEED;
+    if (dependents_.empty() || messageDepth >= kFarthestMessage) return REF_SUCCEED;
     const Graveyard::Pause pause;
     const Deeper deeper;
     const DependentsWalk walk(*this);
@@ -160,7 +161,7 @@ RefResult ReferenceTarget::NotifyDependents(Interval changed, PartID part, RefMe
         ReferenceMaker* const maker = dependents_[i].first;
         if (maker == nullptr) continue;
         if (classFilter != NOTIFY_ALL && maker->SuperClassID() != classFilter) continue;
-        auto* const above = propagate ? dynamic_cast<ReferenceTarget*>(maker) : nullptr;
+        ReferenceTarget* const above = propagate ? maker->asTarget_ : nullptr;
         PartID partSeen = part;
         const RefResult answer = maker->NotifyRefChanged(changed, sender, partSeen, message);
         if (answer == REF_STOP || walk.TargetIsGone()) return answer;

@@ -52,7 +52,7 @@ bool ReferenceBook::RefersTo(ReferenceTarget& target, ReferenceMaker& maker) {
     ++search;
     std::vector<ReferenceMaker*> reached{&maker};
     while (!reached.empty()) {
-        auto* const here = dynamic_cast<ReferenceTarget*>(reached.back());
+        ReferenceTarget* const here = reached.back()->asTarget_;
         reached.pop_back();
         if (here == &target) return true;
         if (here == nullptr || here->seenBySearch_ == search) continue;

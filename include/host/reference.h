@@ -49,8 +49,10 @@ class HOST_API ReferenceMaker : public Animatable {
     ~ReferenceMaker() override;
 
   private:
+    friend class ReferenceTarget;
     friend class headless::ReferenceBook;
     friend class headless::ObjectWatch;
+    ReferenceTarget* asTarget_ = nullptr;                       // this object, while it is one
     std::vector<std::pair<int, ReferenceTarget*>> references_;  // by index, those that point
     headless::ObjectWatch* watches_ = nullptr;  // who wants to know when this object is destroyed
 };
@@ -67,6 +69,8 @@ class HOST_API RemapDir {
 // What references point to.
 class HOST_API ReferenceTarget : public ReferenceMaker {
   public:
+    ReferenceTarget() { asTarget_ = this; }
+
     virtual RefTargetHandle Clone(RemapDir& remap);
 
     // Notes in `remap` that `to` is the copy of `from`.

@@ -147,9 +147,10 @@ class ControlKeyModRestore final : public KeyRestore<C, K> {
     static constexpr std::int32_t kCurrentKey = -1;  // in the place of an index
 
     bool TakeBack(bool isUndo) override {
+        if (isUndo) return DoAgain();
         const K kept = key;
         const bool done = DoAgain();
-        if (!isUndo) key = kept;
+        key = kept;
         return done;
     }
     bool DoAgain() override {

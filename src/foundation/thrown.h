@@ -28,9 +28,13 @@ std::optional<std::string> ThrownBy(Call&& call) noexcept {
 // Runs `call` to its end, or traces under that name what it threw. True: it threw nothing.
 template <class Call>
 bool TraceIfThrown(const char* name, Call&& call) noexcept {
-    const auto thrown = ThrownBy(call);
-    if (thrown) TraceThrown(name, *thrown);
-    return !thrown;
+    try {
+        call();
+        return true;
+    } catch (...) {
+        TraceThrown(name, ThrownWords());
+        return false;
+    }
 }
 
 }  // namespace TVL
