@@ -10,7 +10,7 @@
 #include "tvl/singleton.h"
 
 void IdleCore::GetOptionValue(int option, bool* value) {
-    if (option == TVL::kOptimisedControllers) *value = wantsOwnControllers;
+    if (option == TVL::kOptimisedControllers) *value = true;
 }
 
 // The global utility is left out: it would look for an installed Core and load that.
@@ -32,8 +32,7 @@ BenchWorld::~BenchWorld() {
     TVL::Util::SingletonCollector::GetInstance()->DestroyAll();
 }
 
-TVL::CoreNode& BenchWorld::MakeNode(bool withOwnController) {
-    core_.wantsOwnControllers = withOwnController;
+TVL::CoreNode& BenchWorld::MakeNode() {
     TVL::CNode* const node =
         MaxAdaptorInterface::GetInstance()->CreateHelperNode(nullptr, "Hip", nullptr, {}, nullptr);
     return static_cast<TVL::CoreNode&>(*node);

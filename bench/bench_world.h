@@ -1,6 +1,8 @@
 #pragma once
 
+#include <filesystem>
 #include <functional>
+#include <string>
 
 #include "headless/session.h"
 #include "tvl/core_interface.h"
@@ -23,7 +25,20 @@ class IdleCore final : public CoreInterface {
     void GetOptionValue(int option, bool* value) override;
 
     std::function<void()> onLoad;
-    bool wantsOwnControllers = true;  // for nodes that are made from here on
+};
+
+// A file that goes with the benchmark.
+class BenchFile {
+  public:
+    explicit BenchFile(const char* name)
+        : path_((std::filesystem::temp_directory_path() / name).string()) {}
+    ~BenchFile() { std::filesystem::remove(path_); }
+    BenchFile(const BenchFile&) = delete;
+    BenchFile& operator=(const BenchFile&) = delete;
+    const std::string& Path() const { return path_; }
+
+  private:
+    std::string path_;
 };
 
 // A running host with the linked plug-in and an idle Core. A process has one at a time.
@@ -37,8 +52,8 @@ class BenchWorld {
     headless::Session& Session() { return session_; }
     IdleCore& Core() { return core_; }
 
-    // A node in the scene, with the adaptor's controller or the host's own.
-    TVL::CoreNode& MakeNode(bool withOwnController);
+    // A node in the scene, with the adaptor's controller.
+    TVL::CoreNode& MakeNode();
 
   private:
     IdleCore core_;

@@ -27,44 +27,41 @@ std::vector<TimeValue> TimesInNewBrackets() {
     return times;
 }
 
-bool AreOurs(const std::vector<PoseAt>& poses) {
+bool IsOurs(TakeTrack& track, TimeValue t, const Matrix3& theirs) {
     constexpr float kNear = 2e-3f;  // host units, of distances up to 600
-    TakeTrack track;
-    return std::ranges::all_of(poses, [&](const PoseAt& theirs) {
-        const Matrix3 ours = track.InWorld(theirs.time);
-        return std::ranges::equal(ours.m, theirs.pose.m, [](const auto& a, const auto& b) {
-            return std::ranges::equal(a, b,
-                                      [](float x, float y) { return std::abs(x - y) <= kNear; });
-        });
+    const Matrix3 ours = track.InWorld(t);
+    return std::ranges::equal(ours.m, theirs.m, [](const auto& a, const auto& b) {
+        return std::ranges::equal(a, b, [](float x, float y) { return std::abs(x - y) <= kNear; });
     });
 }
 
 namespace {
 
-void EvaluateAt(benchmark::State& state, const std::vector<TimeValue>& times) {
-    const BenchWorld world;
-    TakeTrack track;
+// Of one operation for each of the times.
+void MeasureAt(benchmark::State& state, const std::vector<TimeValue>& times, auto work) {
     Meter meter(state, std::ssize(times));
     for (auto _ : state) {
         for (const TimeValue t : times)
-            benchmark::DoNotOptimize(track.InWorld(t));
+            benchmark::DoNotOptimize(work(t));
     }
 }
 
-void EvaluateInOneBracket(benchmark::State& state) {
-    EvaluateAt(state, TimesInOneBracket());
-}
-void EvaluateInNewBrackets(benchmark::State& state) {
-    EvaluateAt(state, TimesInNewBrackets());
-}
-void EvaluateAtKeys(benchmark::State& state) {
+std::vector<TimeValue> TimesOfKeys() {
     std::vector<TimeValue> times;
     for (std::int64_t i = 0; i < kTimes; ++i)
         times.push_back(TimeOfKey(i));
-    EvaluateAt(state, times);
+    return times;
 }
-void EvaluateAgain(benchmark::State& state) {
-    EvaluateAt(state, std::vector<TimeValue>(kTimes, TimeOfKey(kMiddle) + 1));
+
+std::vector<TimeValue> OneTimeAgain() {
+    return std::vector<TimeValue>(kTimes, TimeOfKey(kMiddle) + 1);
+}
+
+template <std::vector<TimeValue> (*kTimesOf)()>
+void Evaluate(benchmark::State& state) {
+    const BenchWorld world;
+    TakeTrack track;
+    MeasureAt(state, kTimesOf(), [&](TimeValue t) { return track.InWorld(t); });
 }
 
 // Keys that are so far apart each, the same for ours and for the peer.
@@ -106,23 +103,14 @@ void FindBracket(benchmark::State& state) {
     const OwnedControl<OpenTransform> control(new OpenTransform);
     for (const TimeValue t : keys)
         control->AddKey({0, t, {}});
-    const std::vector<TimeValue> times = AtRandom(keys);
-    Meter meter(state, kTimes);
-    for (auto _ : state) {
-        for (const TimeValue t : times)
-            benchmark::DoNotOptimize(control->table.FindBracket(t));
-    }
+    MeasureAt(state, AtRandom(keys), [&](TimeValue t) { return control->table.FindBracket(t); });
 }
 
 template <KeyTimes kKeyTimes>
 void LowerBound(benchmark::State& state) {
     const std::vector<TimeValue> keys = kKeyTimes(state.range(0));
-    const std::vector<TimeValue> times = AtRandom(keys);
-    Meter meter(state, kTimes);
-    for (auto _ : state) {
-        for (const TimeValue t : times)
-            benchmark::DoNotOptimize(std::lower_bound(keys.begin(), keys.end(), t));
-    }
+    MeasureAt(state, AtRandom(keys),
+              [&](TimeValue t) { return std::lower_bound(keys.begin(), keys.end(), t); });
 }
 
 // Floats: the same keys in a controller, and in two arrays as they would be kept by hand.
@@ -197,11 +185,7 @@ void ScalarAt(benchmark::State& state) {
     for (const TimeValue t : times) {
         if (ValueAt(track, t) != ValueAt(plain, t)) state.SkipWithError("another value");
     }
-    Meter meter(state, kTimes);
-    for (auto _ : state) {
-        for (const TimeValue t : times)
-            benchmark::DoNotOptimize(ValueAt(track, t));
-    }
+    MeasureAt(state, times, [&](TimeValue t) { return ValueAt(track, t); });
 }
 
 // A skeleton's poses: every node in the space of the one above, as a host plays a take.
@@ -242,11 +226,7 @@ void Pose(benchmark::State& state) {
         times.push_back(TimeOfKey(frame) + kKeySpacing / 3);
     if (kOrder == Order::kBackward) std::ranges::reverse(times);
     if (kOrder == Order::kRandom) std::ranges::shuffle(times, std::mt19937(2));
-    Meter meter(state, std::ssize(times));
-    for (auto _ : state) {
-        for (const TimeValue t : times)
-            benchmark::DoNotOptimize(skeleton.PoseOfLast(t));
-    }
+    MeasureAt(state, times, [&](TimeValue t) { return skeleton.PoseOfLast(t); });
 }
 
 void KeyCounts(benchmark::internal::Benchmark* bench) {
@@ -256,10 +236,10 @@ void FewKeyCounts(benchmark::internal::Benchmark* bench) {
     bench->Arg(100)->Arg(10'000);
 }
 
-BENCHMARK(EvaluateInOneBracket)->Name("evaluate in one bracket/ours");
-BENCHMARK(EvaluateInNewBrackets)->Name("evaluate in new brackets/ours");
-BENCHMARK(EvaluateAtKeys)->Name("evaluate at a key/ours");
-BENCHMARK(EvaluateAgain)->Name("evaluate again/ours");
+BENCHMARK(Evaluate<TimesInOneBracket>)->Name("evaluate in one bracket/ours");
+BENCHMARK(Evaluate<TimesInNewBrackets>)->Name("evaluate in new brackets/ours");
+BENCHMARK(Evaluate<TimesOfKeys>)->Name("evaluate at a key/ours");
+BENCHMARK(Evaluate<OneTimeAgain>)->Name("evaluate again/ours");
 
 BENCHMARK(FindBracket<EvenTimes>)->Name("find a bracket, even keys/ours")->Apply(KeyCounts);
 BENCHMARK(LowerBound<EvenTimes>)->Name("find a bracket, even keys/lower_bound")->Apply(KeyCounts);

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "bench/bench_world.h"
+#include "bench/meter.h"
 #include "bench/tracks.h"
 
 // A take of one node below a parent that stands somewhere, and the times at which it is evaluated:
@@ -38,11 +39,20 @@ class TakeTrack {
     OwnedControl<OpenTransform> control_{new OpenTransform};
 };
 
-// A time and the pose that a peer finds for it.
-struct PoseAt {
-    TimeValue time;
-    Matrix3 pose;
-};
+// What a peer does for the times, if its poses are ours as near as single precision allows.
+// `poseAt` gives the pose of the time at a place in its own form, and `toHost` makes ours of that.
+bool IsOurs(TakeTrack& track, TimeValue t, const Matrix3& theirs);
 
-// Whether these are the poses that ours gives, as near as single precision allows.
-bool AreOurs(const std::vector<PoseAt>& poses);
+void MeasurePeer(benchmark::State& state, const std::vector<TimeValue>& times, auto poseAt,
+                 auto toHost) {
+    const BenchWorld world;
+    TakeTrack track;
+    for (std::size_t i = 0; i < times.size(); ++i) {
+        if (!IsOurs(track, times[i], toHost(poseAt(i)))) state.SkipWithError("other poses");
+    }
+    Meter meter(state, std::ssize(times));
+    for (auto _ : state) {
+        for (std::size_t i = 0; i < times.size(); ++i)
+            benchmark::DoNotOptimize(poseAt(i));
+    }
+}

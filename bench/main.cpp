@@ -108,11 +108,19 @@ void RunWorkByWork(std::vector<std::string> names, Collector& collector) {
 }
 
 // Memory that is freed stays with the program, so that nobody pays for the pages that the next one
-// works on.
-void KeepFreedMemory() {
-    constexpr int kMoreThanAnyTrack = 1 << 30;  // bytes
-    mallopt(M_MMAP_THRESHOLD, kMoreThanAnyTrack);
-    mallopt(M_TRIM_THRESHOLD, kMoreThanAnyTrack);
+// works on. False: the system refuses.
+bool KeepFreedMemory() {
+    constexpr int kMostOfTheSystem = 32 << 20;  // bytes of a block; larger ones are let go
+    constexpr int kMoreThanAll = 1 << 30;
+    return mallopt(M_MMAP_THRESHOLD, kMostOfTheSystem) != 0 &&
+           mallopt(M_TRIM_THRESHOLD, kMoreThanAll) != 0;
+}
+
+// Known before anything is measured.
+bool CanWrite(const std::string& file) {
+    const bool can = file.empty() || std::ofstream(file, std::ios::app).good();
+    if (!can) std::cerr << "lumiset-bench: cannot write " << file << '\n';
+    return can;
 }
 
 // The table goes to the standard output unless that is for other programs. False: the file for
@@ -133,10 +141,10 @@ bool Show(const Options& options, const std::vector<Row>& rows) {
 }  // namespace
 
 int main(int count, char** arguments) {
-    KeepFreedMemory();
+    if (!KeepFreedMemory()) std::cerr << "lumiset-bench: freed memory goes to the system\n";
     const Options options = ReadOptions(count, arguments);
     const std::vector<std::string> names = NamesOf(options);
-    if (names.empty() || !Initialize(options.others)) return 2;
+    if (names.empty() || !Initialize(options.others) || !CanWrite(options.jsonFile)) return 2;
     if (options.isList) {
         for (const std::string& name : names)
             std::cout << name << '\n';

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "headless/session.h"
 #include "tests/support/allocations.h"
 
 // The names of the counters that a benchmark shows. Allocations and bytes are for one operation.
@@ -63,17 +62,11 @@ class Meter {
     std::size_t aside_ = 0;
 };
 
-enum class Way { kUndo, kRedo };
-
-// Goes back and forth over the newest undo step, on which `operations` were done, and measures one
-// way.
-template <Way kWay>
-void RetraceStep(benchmark::State& state, std::int64_t operations, headless::Session& session) {
-    Meter meter(state, operations);
-    const auto back = [&] { session.Undo(); };
-    const auto again = [&] { session.Redo(); };
-    for (auto _ : state) {
-        kWay == Way::kUndo ? back() : meter.Aside(back);
-        kWay == Way::kRedo ? again() : meter.Aside(again);
-    }
+// Measures work that gives something. It is done once ahead, so that nobody pays for putting in
+// order what the one before has freed.
+void MeasureRepeated(benchmark::State& state, std::int64_t operations, auto work) {
+    benchmark::DoNotOptimize(work());
+    const Meter meter(state, operations);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(work());
 }

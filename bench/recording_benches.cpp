@@ -3,15 +3,16 @@
 
 #include <benchmark/benchmark.h>
 
-#include <cmath>
+#include <algorithm>
 #include <memory>
+#include <numeric>
+#include <random>
 #include <vector>
 
 #include "adaptor/max_adaptor_interface.h"
 #include "bench/bench_world.h"
 #include "bench/meter.h"
 #include "controllers/key_table.h"
-#include "host/animate.h"
 #include "host/interface.h"
 #include "measures/core_space.h"
 
@@ -33,7 +34,7 @@ TVL::CMatrix4 PoseOf(std::int64_t sample) {
 // A node into which takes are recorded, through the adaptor alone.
 class TakeNode {
   public:
-    explicit TakeNode(BenchWorld& world) : node_(world.MakeNode(true)) {}
+    explicit TakeNode(BenchWorld& world) : node_(world.MakeNode()) {}
 
     void Record(std::int64_t samples) {
         for (std::int64_t sample = 0; sample < samples; ++sample)
@@ -135,21 +136,6 @@ bool StandsAt(const TarvoKey<Matrix3>& key) {
     return (pose.GetTrans() - key.value.GetTrans()).Length() <= kNear;
 }
 
-// The table has its size from a take before, so that what is allocated is the road's own.
-void SampleUnheld(benchmark::State& state) {
-    constexpr std::int64_t kSamples = 10'000;
-    BenchWorld world;
-    TakeNode node(world);
-    AnimateOn();
-    node.Record(kSamples);
-    Meter meter(state, kSamples);
-    for (auto _ : state) {
-        meter.Aside([&] { node.Clear(); });
-        node.Record(kSamples);
-    }
-    AnimateOff();
-}
-
 void SampleHeld(benchmark::State& state) {
     BenchWorld world;
     TakeNode node(world);
@@ -188,13 +174,28 @@ void SampleByHand(benchmark::State& state) {
     }
 }
 
+enum class Way { kUndo, kRedo };
+
+// Goes back and forth over the newest undo step, on which `operations` were done, and measures one
+// way.
+template <Way kWay>
+void RetraceStep(benchmark::State& state, std::int64_t operations, headless::Session& session) {
+    Meter meter(state, operations);
+    const auto back = [&] { session.Undo(); };
+    const auto again = [&] { session.Redo(); };
+    for (auto _ : state) {
+        kWay == Way::kUndo ? back() : meter.Aside(back);
+        kWay == Way::kRedo ? again() : meter.Aside(again);
+    }
+}
+
 // A take of a skeleton, recorded frame by frame.
 template <Way kWay>
 void Retrace(benchmark::State& state) {
-    constexpr std::int64_t kNodes = 31;
+    constexpr std::int64_t kJoints = 31;
     BenchWorld world;
     std::vector<TakeNode> nodes;
-    for (std::int64_t node = 0; node < kNodes; ++node)
+    for (std::int64_t node = 0; node < kJoints; ++node)
         nodes.emplace_back(world);
     OpenTake();
     for (std::int64_t frame = 0; frame < state.range(0); ++frame) {
@@ -202,22 +203,28 @@ void Retrace(benchmark::State& state) {
             node.RecordOne(frame);
     }
     CloseTake();
-    RetraceStep<kWay>(state, state.range(0) * kNodes, world.Session());
+    RetraceStep<kWay>(state, state.range(0) * kJoints, world.Session());
 }
 
+// The least favourable order for keys in one array.
+void UndoAtRandom(benchmark::State& state) {
+    BenchWorld world;
+    TakeNode node(world);
+    std::vector<std::int64_t> order(static_cast<std::size_t>(state.range(0)));
+    std::iota(order.begin(), order.end(), 0);
+    std::ranges::shuffle(order, std::mt19937(4));
+    OpenTake();
+    for (const std::int64_t sample : order)
+        node.RecordOne(sample);
+    CloseTake();
+    RetraceStep<Way::kUndo>(state, state.range(0), world.Session());
+}
+
+BENCHMARK(SampleHeld)->Name("a sample's road, held/ours")->Arg(10'000)->Arg(100'000);
+BENCHMARK(SampleByHand)->Name("a sample's road, held/by hand")->Arg(10'000)->Arg(100'000);
 // The demo's capture, and one ten times as long.
-void FrameCounts(benchmark::internal::Benchmark* bench) {
-    bench->Arg(2'752)->Arg(27'520);
-}
-
-void TakeLengths(benchmark::internal::Benchmark* bench) {
-    bench->Arg(10'000)->Arg(100'000);
-}
-
-BENCHMARK(SampleUnheld)->Name("a sample's road/ours");
-BENCHMARK(SampleHeld)->Name("a sample's road, held/ours")->Apply(TakeLengths);
-BENCHMARK(SampleByHand)->Name("a sample's road, held/by hand")->Apply(TakeLengths);
-BENCHMARK(Retrace<Way::kUndo>)->Name("undo a take, a sample/ours")->Apply(FrameCounts);
-BENCHMARK(Retrace<Way::kRedo>)->Name("redo a take, a sample/ours")->Apply(FrameCounts);
+BENCHMARK(Retrace<Way::kUndo>)->Name("undo a take, a sample/ours")->Arg(2'752)->Arg(27'520);
+BENCHMARK(Retrace<Way::kRedo>)->Name("redo a take, a sample/ours")->Arg(2'752)->Arg(27'520);
+BENCHMARK(UndoAtRandom)->Name("undo samples at random/ours")->Arg(10'000)->Arg(100'000);
 
 }  // namespace

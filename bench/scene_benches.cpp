@@ -69,12 +69,6 @@ void LetNodesGo() {
         AdaptorNodes().nodes.rbegin()->second->Destroy();
 }
 
-void InGroup(const auto& work) {
-    Adaptor().BeginUndoGroup("work");
-    work();
-    Adaptor().EndUndoGroup();
-}
-
 // Each iteration begins with `prepare`, which is not measured, in a new scene.
 void MeasureEach(benchmark::State& state, int nodes, const auto& prepare, const auto& work) {
     BenchWorld world;
@@ -95,7 +89,12 @@ void MeasureEach(benchmark::State& state, int nodes, const auto& prepare, const 
 
 void UndoCreation(benchmark::State& state, int nodes) {
     MeasureEach(
-        state, nodes, [&](Rig& rig, BenchWorld&) { InGroup([&] { rig.MakeNodes(nodes); }); },
+        state, nodes,
+        [&](Rig& rig, BenchWorld&) {
+            Adaptor().BeginUndoGroup("work");
+            rig.MakeNodes(nodes);
+            Adaptor().EndUndoGroup();
+        },
         [](Rig&, BenchWorld& world) { world.Session().Undo(); });
 }
 
@@ -115,36 +114,6 @@ void UserDeletes(benchmark::State& state, int nodes) {
         });
 }
 
-std::string PluginName(int index) {
-    return "Rig " + std::to_string(index);
-}
-
-void TagNodes() {
-    int index = 0;
-    for (const headless::NodeView& node : headless::Nodes())
-        GetCOREInterface()
-            ->GetINodeByHandle(node.handle)
-            ->SetUserPropString("TVL_tag", "<TVL_tag><name>" + PluginName(index++) +
-                                               "</name><objectname>there</objectname></TVL_tag>");
-}
-
-void LoadPlugins(benchmark::State& state, int plugins) {
-    MeasureEach(
-        state, plugins,
-        [&](Rig&, BenchWorld& world) {
-            for (int index = 0; index < plugins; ++index)
-                GetCOREInterface()->CreateObjectNode(CreateNewTriObject());
-            TagNodes();
-            world.Core().onLoad = [plugins] {
-                const XMLNode sought(
-                    "<nodeinfo><node name='there'/><node name='missing'/></nodeinfo>");
-                for (int index = 0; index < plugins; ++index)
-                    Rig(PluginName(index)).ClaimNodes(sought);
-            };
-        },
-        [](Rig&, BenchWorld&) { GatherSceneState(); });
-}
-
 // Twenty nodes make a plug-in, each of which stores its state and claims its nodes again.
 constexpr int kNodesOfPlugin = 20;
 using Plugins = std::vector<std::unique_ptr<Rig>>;
@@ -152,7 +121,7 @@ using Plugins = std::vector<std::unique_ptr<Rig>>;
 Plugins MakePlugins(int nodes) {
     Plugins plugins;
     for (int index = 0; index < nodes / kNodesOfPlugin; ++index) {
-        plugins.push_back(std::make_unique<Rig>(PluginName(index)));
+        plugins.push_back(std::make_unique<Rig>("Rig " + std::to_string(index)));
         plugins.back()->MakeNodes(kNodesOfPlugin);
     }
     return plugins;
@@ -197,10 +166,9 @@ void Register(const std::string& name, Work work) {
         ->Repetitions(5);
 }
 
-const bool isRegistered = [] {
+const bool scenesAreRegistered = [] {
     Register("undo the creation of nodes", UndoCreation);
     Register("delete by the user and undo that", UserDeletes);
-    Register("claim for a plug-in, a node missing", LoadPlugins);
     Register("store the scene's state", StoreState);
     Register("gather the scene's state", GatherState);
     return true;

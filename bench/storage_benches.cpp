@@ -6,7 +6,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <memory>
 #include <span>
 #include <string>
@@ -15,7 +14,6 @@
 #include "bench/bench_world.h"
 #include "bench/meter.h"
 #include "bench/tracks.h"
-#include "headless/memory_chunks.h"
 #include "host/interface.h"
 #include "host/object.h"
 
@@ -114,20 +112,6 @@ constexpr std::int64_t kNodes = 30;
 constexpr std::int64_t kKeysOfNode = 100'000;
 constexpr std::int64_t kBytesOfKeys = kNodes * kKeysOfNode * std::int64_t{kKeyBytes};
 
-// A file that goes with the benchmark.
-class BenchFile {
-  public:
-    explicit BenchFile(const char* name)
-        : path_((std::filesystem::temp_directory_path() / name).string()) {}
-    ~BenchFile() { std::filesystem::remove(path_); }
-    BenchFile(const BenchFile&) = delete;
-    BenchFile& operator=(const BenchFile&) = delete;
-    const std::string& Path() const { return path_; }
-
-  private:
-    std::string path_;
-};
-
 // A large scene that stands in a file, and is open.
 class StoredScene {
   public:
@@ -219,14 +203,10 @@ void ReadPlainly(benchmark::State& state) {
     if (!isDone) state.SkipWithError("not read");
 }
 
-void KeyCounts(benchmark::internal::Benchmark* bench) {
-    bench->Arg(10'000)->Arg(100'000);
-}
-
-BENCHMARK(SaveKeys)->Name("save keys to memory/ours")->Apply(KeyCounts);
-BENCHMARK(CopyBytes)->Name("save keys to memory/memcpy")->Apply(KeyCounts);
-BENCHMARK(LoadKeys)->Name("load keys from memory/ours")->Apply(KeyCounts);
-BENCHMARK(CopyBytes)->Name("load keys from memory/memcpy")->Apply(KeyCounts);
+BENCHMARK(SaveKeys)->Name("save keys to memory/ours")->Arg(10'000)->Arg(100'000);
+BENCHMARK(CopyBytes)->Name("save keys to memory/memcpy")->Arg(10'000)->Arg(100'000);
+BENCHMARK(LoadKeys)->Name("load keys from memory/ours")->Arg(10'000)->Arg(100'000);
+BENCHMARK(CopyBytes)->Name("load keys from memory/memcpy")->Arg(10'000)->Arg(100'000);
 BENCHMARK(SaveScene)->Name("save 180 MB, a byte/ours")->UseRealTime();
 BENCHMARK(WritePlainly<Flushed::kNo>)->Name("save 180 MB, a byte/fwrite")->UseRealTime();
 BENCHMARK(WritePlainly<Flushed::kYes>)->Name("save 180 MB, a byte/with fsync")->UseRealTime();

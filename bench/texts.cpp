@@ -94,10 +94,22 @@ std::string LongTextsOf(std::size_t bytes) {
     return text + "</notes>";
 }
 
-std::vector<std::uint8_t> NoiseOf(std::size_t bytes) {
+std::string NoiseOf(std::size_t bytes) {
     std::mt19937 random(kSeed);
-    std::vector<std::uint8_t> noise(bytes);
-    for (std::uint8_t& byte : noise)
-        byte = static_cast<std::uint8_t>(random());
+    std::string noise(bytes, '\0');
+    for (char& byte : noise)
+        byte = static_cast<char>(random());
     return noise;
+}
+
+bool Register(std::span<const TextWork> works, const char* who, TextBenchmark run) {
+    for (const TextWork& work : works) {
+        const auto onText = [run, textOf = work.textOf](benchmark::State& state) {
+            run(state, textOf(static_cast<std::size_t>(state.range(0))));
+        };
+        benchmark::RegisterBenchmark((std::string(work.name) + '/' + who).c_str(), onText)
+            ->RangeMultiplier(10)
+            ->Range(TextWork().mostBytes, work.mostBytes);
+    }
+    return true;
 }

@@ -1,8 +1,6 @@
 // A take by glm: both keys brought into the world and taken apart, what lies between them put
 // together again. The keys need no search: each time is between the next two.
 
-#include <benchmark/benchmark.h>
-
 #define GLM_ENABLE_EXPERIMENTAL
 #include <glm/glm.hpp>
 #include <glm/gtc/matrix_transform.hpp>
@@ -10,7 +8,6 @@
 #include <glm/gtx/matrix_decompose.hpp>
 
 #include "bench/evaluation_work.h"
-#include "bench/meter.h"
 
 namespace {
 
@@ -52,25 +49,16 @@ glm::mat4 MatrixBetween(const glm::mat4& left, const glm::mat4& right, float fra
 }
 
 void EvaluateInNewBrackets(benchmark::State& state) {
-    const BenchWorld world;
     const std::vector<TimeValue> times = TimesInNewBrackets();
     const glm::mat4 parent = ToGlm(ParentOfTake());
     std::vector<glm::mat4> keys;
     for (std::int64_t i = 0; i < kKeysOfTake; ++i)
         keys.push_back(ToGlm(PoseOfKey(i)));
-    const auto at = [&](std::size_t i) {
+    const auto poseAt = [&](std::size_t i) {
         return MatrixBetween(parent * keys[i], parent * keys[i + 1],
                              static_cast<float>(FractionAt(times[i])));
     };
-    std::vector<PoseAt> poses;
-    for (std::size_t i = 0; i < times.size(); ++i)
-        poses.push_back({times[i], ToHost(at(i))});
-    if (!AreOurs(poses)) state.SkipWithError("other poses");
-    Meter meter(state, kTimes);
-    for (auto _ : state) {
-        for (std::size_t i = 0; i < times.size(); ++i)
-            benchmark::DoNotOptimize(at(i));
-    }
+    MeasurePeer(state, times, poseAt, ToHost);
 }
 
 BENCHMARK(EvaluateInNewBrackets)->Name("evaluate in new brackets/glm");

@@ -1,11 +1,9 @@
 // Base64 by OpenSSL's EVP, into new memory each time, as ours.
 
-#include <benchmark/benchmark.h>
 #include <openssl/evp.h>
 
 #include <memory>
 
-#include "bench/meter.h"
 #include "bench/texts.h"
 #include "tvl/base64_buffer.h"
 
@@ -13,45 +11,36 @@ namespace {
 
 using Block = std::unique_ptr<unsigned char[]>;
 
-Block Encoded(const std::vector<std::uint8_t>& plain, int& size) {
+Block Encoded(const std::string& plain) {
     Block text = std::make_unique_for_overwrite<unsigned char[]>(plain.size() / 3 * 4 + 5);
-    size = EVP_EncodeBlock(text.get(), plain.data(), static_cast<int>(plain.size()));
+    EVP_EncodeBlock(text.get(), BytesOf(plain), static_cast<int>(plain.size()));
     return text;
 }
 
 Block Decoded(const std::string& text) {
     Block plain = std::make_unique_for_overwrite<unsigned char[]>(text.size() / 4 * 3);
-    EVP_DecodeBlock(plain.get(), reinterpret_cast<const unsigned char*>(text.data()),
-                    static_cast<int>(text.size()));
+    EVP_DecodeBlock(plain.get(), BytesOf(text), static_cast<int>(text.size()));
     return plain;
 }
 
-std::string OurText(const std::vector<std::uint8_t>& plain) {
-    return Base64Buffer(plain.data(), static_cast<std::int32_t>(plain.size())).ToText();
+std::string OurText(const std::string& plain) {
+    return Base64Buffer(BytesOf(plain), static_cast<std::int32_t>(plain.size())).ToText();
 }
 
-void Encode(benchmark::State& state) {
-    const std::vector<std::uint8_t> noise = NoiseOf(kPlainBytes);
-    int size = 0;
-    const Block text = Encoded(noise, size);
-    if (OurText(noise) != std::string(text.get(), text.get() + size))
+void Encode(benchmark::State& state, const std::string& plain) {
+    const Block text = Encoded(plain);
+    if (OurText(plain) != reinterpret_cast<const char*>(text.get()))
         state.SkipWithError("another text");
-    Meter meter(state, kPlainBytes / kBytesInKilobyte);
-    for (auto _ : state)
-        benchmark::DoNotOptimize(Encoded(noise, size));
+    MeasureText(state, plain, [&] { return Encoded(plain); });
 }
 
-void Decode(benchmark::State& state) {
-    const std::vector<std::uint8_t> noise = NoiseOf(kPlainBytes);
-    const std::string text = OurText(noise);
-    const Block plain = Decoded(text);
-    if (!std::equal(noise.begin(), noise.end(), plain.get())) state.SkipWithError("other bytes");
-    Meter meter(state, kPlainBytes / kBytesInKilobyte);
-    for (auto _ : state)
-        benchmark::DoNotOptimize(Decoded(text));
+void Decode(benchmark::State& state, const std::string& plain) {
+    const std::string text = OurText(plain);
+    if (!std::equal(plain.begin(), plain.end(), reinterpret_cast<char*>(Decoded(text).get())))
+        state.SkipWithError("other bytes");
+    MeasureText(state, plain, [&] { return Decoded(text); });
 }
 
-BENCHMARK(Encode)->Name("base64 encode, a kB/EVP");
-BENCHMARK(Decode)->Name("base64 decode, a kB/EVP");
+const bool isRegistered = Register(kEncode, "EVP", Encode) && Register(kDecode, "EVP", Decode);
 
 }  // namespace

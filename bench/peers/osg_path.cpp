@@ -1,12 +1,9 @@
 // A take by OpenSceneGraph: the control points of an osg::AnimationPath, taken apart beforehand,
 // and already in the world.
 
-#include <benchmark/benchmark.h>
-
 #include <osg/AnimationPath>
 
 #include "bench/evaluation_work.h"
-#include "bench/meter.h"
 
 namespace {
 
@@ -42,19 +39,11 @@ Matrix3 ToHost(const osg::Matrixf& matrix) {
 }
 
 void EvaluateInOneBracket(benchmark::State& state) {
-    const BenchWorld world;
     const std::vector<TimeValue> times = TimesInOneBracket();
     const Point left = PointOf(PoseOfKey(kMiddle) * ParentOfTake());
     const Point right = PointOf(PoseOfKey(kMiddle + 1) * ParentOfTake());
-    std::vector<PoseAt> poses;
-    for (const TimeValue t : times)
-        poses.push_back({t, ToHost(MatrixBetween(left, right, t))});
-    if (!AreOurs(poses)) state.SkipWithError("other poses");
-    Meter meter(state, kTimes);
-    for (auto _ : state) {
-        for (const TimeValue t : times)
-            benchmark::DoNotOptimize(MatrixBetween(left, right, t));
-    }
+    const auto poseAt = [&](std::size_t i) { return MatrixBetween(left, right, times[i]); };
+    MeasurePeer(state, times, poseAt, ToHost);
 }
 
 BENCHMARK(EvaluateInOneBracket)->Name("evaluate in one bracket/osg");

@@ -1,9 +1,7 @@
 // The text of a tree, read by tinyxml2.
 
-#include <benchmark/benchmark.h>
 #include <tinyxml2.h>
 
-#include "bench/meter.h"
 #include "bench/texts.h"
 #include "tvl/xml_node.h"
 
@@ -26,18 +24,14 @@ bool IsSame(const XMLNode& ours, const tinyxml2::XMLElement* theirs) {
     return !child;
 }
 
-void Parse(benchmark::State& state) {
-    const std::string text = StateOf(static_cast<std::size_t>(state.range(0)));
+void Parse(benchmark::State& state, const std::string& text) {
     tinyxml2::XMLDocument whole;
     whole.Parse(text.data(), text.size());
     if (!IsSame(XMLNode(text), whole.RootElement())) state.SkipWithError("another tree");
-    Meter meter(state, static_cast<std::int64_t>(text.size()) / kBytesInKilobyte);
-    for (auto _ : state) {
-        tinyxml2::XMLDocument document;
-        benchmark::DoNotOptimize(document.Parse(text.data(), text.size()));
-    }
+    MeasureText(state, text,
+                [&] { return tinyxml2::XMLDocument().Parse(text.data(), text.size()); });
 }
 
-BENCHMARK(Parse)->Name("XML parse, a kB/tinyxml2")->Arg(1'000'000)->Arg(10'000'000);
+const bool isRegistered = Register(kParse, "tinyxml2", Parse);
 
 }  // namespace

@@ -1,18 +1,12 @@
 // Huffman codes alone, packed and read by zlib.
 
-#include <benchmark/benchmark.h>
 #include <zlib.h>
 
 #include <memory>
 
-#include "bench/meter.h"
 #include "bench/texts.h"
 
 namespace {
-
-const Bytef* BytesOf(const std::string& text) {
-    return reinterpret_cast<const Bytef*>(text.data());
-}
 
 std::string Packed(const std::string& plain) {
     z_stream stream{};
@@ -43,23 +37,9 @@ void Inflate(benchmark::State& state, const std::string& plain) {
     if (!std::equal(plain.begin(), plain.end(), again.get(),
                     [](char a, Bytef b) { return static_cast<Bytef>(a) == b; }))
         state.SkipWithError("other bytes");
-    Meter meter(state, static_cast<std::int64_t>(plain.size()) / kBytesInKilobyte);
-    for (auto _ : state)
-        benchmark::DoNotOptimize(Unpacked(packed, plain.size()));
+    MeasureText(state, plain, [&] { return Unpacked(packed, plain.size()); });
 }
 
-void InflateProse(benchmark::State& state) {
-    Inflate(state, ProseOf(kPlainBytes));
-}
-void InflateNumbers(benchmark::State& state) {
-    Inflate(state, NumbersOf(kPlainBytes));
-}
-void InflateState(benchmark::State& state) {
-    Inflate(state, StateOf(kPlainBytes));
-}
-
-BENCHMARK(InflateProse)->Name("Huffman decode of prose, a kB/zlib");
-BENCHMARK(InflateNumbers)->Name("Huffman decode of numbers, a kB/zlib");
-BENCHMARK(InflateState)->Name("Huffman decode of XML, a kB/zlib");
+const bool isRegistered = Register(kDecompress, "zlib", Inflate);
 
 }  // namespace

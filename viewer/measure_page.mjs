@@ -1,4 +1,4 @@
-// page.mjs NODE_MODULES PAGE
+// measure_page.mjs NODE_MODULES PAGE
 // Opens a page of takes in Chromium, plays it, and tells how long it took to open (until the second
 // frame was drawn) and what a frame costs of script; the drawing itself is not in that.
 import { statSync } from 'node:fs';
