@@ -84,7 +84,8 @@ TEST(CodecLaws, HuffmanDecodesWhatAWalkDownTheTreeGives) {
             if (const auto kind = random() % 16; kind < 2 && round % 2 == 0)
                 byte = kind == 0 ? 0x00 : 0xFF;
         // So that a long code is cut by the end of the data.
-        const auto tail = static_cast<std::ptrdiff_t>(std::min(coded.size(), random() % 8));
+        const auto tail =
+            static_cast<std::ptrdiff_t>(std::min<std::size_t>(coded.size(), random() % 8));
         std::fill(coded.end() - tail, coded.end(), 0xFF);
         const std::size_t size = random() % 2 == 0 ? INT32_MAX : random() % (coded.size() * 3 + 9);
         const Bytes stream = StreamOf(leaves, size, coded);
