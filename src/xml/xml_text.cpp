@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
+#include <bit>
 #include <cstring>
 #include <utility>
 
@@ -29,10 +29,14 @@ constexpr auto kIsPlain = [] {
 // A block at a time, which compilers do for all of its bytes together.
 template <std::size_t size>
 bool AllArePlain(const char* block) {
-    unsigned char marks = 0;
+    using Eights = std::array<std::uint64_t, size / sizeof(std::uint64_t)>;
+    std::array<unsigned char, size> marks;
     for (std::size_t i = 0; i < size; ++i)
-        marks |= static_cast<unsigned char>(!IsPlain(block[i]));
-    return marks == 0;
+        marks[i] = static_cast<unsigned char>(!IsPlain(block[i]));
+    std::uint64_t all = 0;
+    for (const std::uint64_t eight : std::bit_cast<Eights>(marks))
+        all |= eight;
+    return all == 0;
 }
 
 int HexDigitValue(char byte) {
@@ -103,7 +107,7 @@ std::size_t CountPlain(std::string_view text) {
 // There is no room for all of it.
 void XMLOutput::PutLong(std::string_view text) {
     Flush();
-    whole += text;
+    pieces.back() += text;
 }
 
 void XMLOutput::PutEscaped(std::string_view text) {
@@ -119,20 +123,27 @@ void XMLOutput::PutEscaped(std::string_view text) {
 }
 
 void XMLOutput::PutReference(char byte) {
-    std::array<char, sizeof "&#255;"> reference = {'&', '#'};
-    const auto number = static_cast<unsigned>(static_cast<unsigned char>(byte));
-    char* const end = std::to_chars(&reference[2], reference.end(), number).ptr;
-    *end = ';';
-    Put(std::string_view(reference.data(), end + 1));
+    Put(kReferenceStart, std::to_string(static_cast<unsigned char>(byte)), ";");
 }
 
 std::string XMLOutput::Finish() {
     Flush();
-    return std::move(whole);
+    if (pieces.size() == 1) return std::move(pieces.front());
+    std::size_t size = 0;
+    for (const std::string& piece : pieces)
+        size += piece.size();
+    std::string whole;
+    whole.reserve(size);
+    for (const std::string& piece : pieces)
+        whole += piece;
+    return whole;
 }
 
 void XMLOutput::Flush() {
-    whole.append(gathered.data(), used);
+    constexpr std::size_t kPieceBytes = 64 * 1024;
+    const bool hasRoom = pieces.back().size() + used <= kPieceBytes;
+    if (!hasRoom) pieces.emplace_back().reserve(kPieceBytes);
+    pieces.back().append(gathered.data(), used);
     used = 0;
 }
 

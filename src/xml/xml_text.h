@@ -8,11 +8,34 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // The text form of a tree, as reader and writer share it: references and tokens.
 
-// Text on its way to the end of a string. Short pieces are gathered in a buffer that stays in the
-// nearest cache; long ones go to the string at once.
+// Copies a text, a short one without a call: by its two ends, which may overlap. The result is the
+// place behind.
+inline char* CopyText(char* to, std::string_view text) {
+    const std::size_t size = text.size();
+    const auto copyEnds = [&](auto block) {
+        const std::size_t last = size - sizeof block;
+        std::memcpy(to, text.data(), sizeof block);
+        std::memcpy(to + last, text.data() + last, sizeof block);
+    };
+    if (size > 2 * sizeof(std::uint64_t))
+        std::memcpy(to, text.data(), size);
+    else if (size >= sizeof(std::uint64_t))
+        copyEnds(std::uint64_t{});
+    else if (size >= sizeof(std::uint32_t))
+        copyEnds(std::uint32_t{});
+    else
+        for (std::size_t i = 0; i < size; ++i)
+            to[i] = text[i];
+    return to + size;
+}
+
+// Text on its way to becoming a string. What is short is gathered in a buffer that stays in the
+// nearest cache. A long text is kept in pieces to its end, since a string that grows is copied each
+// time, into memory that the system has to clear first.
 class XMLOutput {
   public:
     void Put(std::convertible_to<std::string_view> auto... texts) {
@@ -31,14 +54,14 @@ class XMLOutput {
     void PutPieces(Texts... texts) {
         if ((texts.size() + ...) > gathered.size() - used) return (PutLong(texts), ...);
         char* to = gathered.data() + used;
-        ((std::memcpy(to, texts.data(), texts.size()), to += texts.size()), ...);
+        ((to = CopyText(to, texts)), ...);
         used = static_cast<std::size_t>(to - gathered.data());
     }
     void PutLong(std::string_view text);
     void Flush();
     void PutReference(char byte);
 
-    std::string whole;
+    std::vector<std::string> pieces{1};
     std::array<char, 4096> gathered;
     std::size_t used = 0;
 };
