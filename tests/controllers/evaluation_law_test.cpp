@@ -18,9 +18,11 @@ class EvaluationLaw : public ControlTest {
         if (Any(60) == 0) return Any(2) == 0 ? INT_MIN : INT_MAX;
         return static_cast<TimeValue>(Any(span_)) - 50;
     }
+    TimeValue Near() const { return std::clamp(lately_, -1000, 1000000); }
+
     // Often the one before, or near it.
     TimeValue NextTime() {
-        const TimeValue near = std::clamp(lately_, -1000, 1000000) + static_cast<int>(Any(5)) - 2;
+        const TimeValue near = Near() + static_cast<int>(Any(5)) - 2;
         return lately_ = Any(3) == 0 ? AnyTime() : near;
     }
 
@@ -39,7 +41,7 @@ class EvaluationLaw : public ControlTest {
             case 2:
                 return control.DeleteKeyAtTime(isThere ? table.At(index).time : 0);
             case 3:
-                return control.DeleteTime({lately_, lately_ + 9}, TIME_INCLEFT);
+                return control.DeleteTime({Near(), Near() + 9}, TIME_INCLEFT);
             case 4:
                 return control.SelectKeyByIndex(index, Any(3));
             case 5:
@@ -58,11 +60,12 @@ class EvaluationLaw : public ControlTest {
                 control.AddKey({Any(2), AnyTime(), AnyMatrix(random_)});
         }
     }
-    // Adds the keys of another table, of which some take the place of its own.
+    // Adds the keys of another table, of which some take the place of its own. The other one must
+    // not be recorded, as it does not live as long as the undo stream.
     void Load() {
         Alone<OpenTransform> other;
         for (unsigned count = Any(9); count > 0; --count)
-            other->AddKey({0, AnyTime(), AnyMatrix(random_)});
+            other->table.keys.push_back({0, AnyTime(), AnyMatrix(random_)});
         const auto bytes = headless::SavedBytes([&](ISave* save) { return other->Save(save); });
         headless::LoadBytes(bytes, [&](ILoad* load) { return control_->Load(load); });
     }

@@ -207,9 +207,9 @@ TEST_F(LogTest, StreamsAreMadeWhereTheyAreUsedAndInTheirOwnMemory) {
         EXPECT_FALSE(local.file.is_open() || local.file.IsMade() || local.buffer.IsMade());
         EXPECT_EQ(local.buffer.str(), "");
         scope.file.open(folder.File("own.txt"));
-        scope.file << "kept" << std::endl;
+        scope.file << "kept" << std::flush;
     }
-    EXPECT_EQ(ReadFile(folder.File("own.txt")), "kept\n[EOF]\n");
+    EXPECT_TRUE(ReadFile(folder.File("own.txt")).starts_with("kept[EOF]"));
 
     Log placed(Log::kNotice);
     Place(placed);
