@@ -51,12 +51,18 @@ def show(name, count):
     print(f"{name:<50}{count:>16,.0f}{target}", flush=True)
 
 
-print(f"{'instructions of an operation':<66}")
-names = subprocess.run([BIN / "lumiset-bench", "--list", FILTER], check=True, text=True,
-                       stdout=subprocess.PIPE).stdout.splitlines()
-for name in sorted(names, key=lambda one: one.split("/")[0]):
+try:
+    is_recording = re.search(FILTER, RECORDING)
+except re.error as error:
+    sys.exit(f"instructions.py: {FILTER}: {error}")
+listed = subprocess.run([BIN / "lumiset-bench", "--list", FILTER], text=True, stdout=subprocess.PIPE,
+                        stderr=subprocess.DEVNULL if is_recording else None)
+if listed.returncode and not is_recording:
+    sys.exit(listed.returncode)
+print("instructions of an operation")
+for name in sorted(listed.stdout.splitlines(), key=lambda one: one.split("/")[0]):
     with tempfile.TemporaryDirectory() as folder:
         show(name, of_benchmark(name, Path(folder)))
-if re.search(FILTER, RECORDING):
+if is_recording:
     with tempfile.TemporaryDirectory() as folder:
         show(RECORDING, of_recording(Path(folder)))
