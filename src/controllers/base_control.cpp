@@ -189,9 +189,9 @@ void BaseControl<T>::HoldCurrentKey() {
 }
 
 template <class T>
-bool BaseControl<T>::NeedsEvaluation(TimeValue t) const {
-    if (table.currentKey.time == t || table.keys.empty()) return false;
-    return table.IsRecent(t) || !(table.EndsBefore(t) && table.EndsBefore(table.currentKey.time));
+bool BaseControl<T>::IsNotKept(TimeValue t) const {
+    const bool isBeyond = table.EndsBefore(t) && table.EndsBefore(table.currentKey.time);
+    return !table.keys.empty() && !isBeyond;
 }
 
 template class BaseControl<float>;

@@ -95,12 +95,17 @@ class BaseControl : public Control {
 
     // Whether GetValue at `t` has to evaluate; the cached key answers for its own time, and beyond
     // the table for all times if its own lies there.
-    bool NeedsEvaluation(TimeValue t) const;
+    bool NeedsEvaluation(TimeValue t) const {
+        return table.currentKey.time != t && (table.IsRecent(t) || IsNotKept(t));
+    }
 
     KeyTable<T> table;
 
   private:
     friend class KeyRestore<BaseControl, Key>;
+
+    // Of another time than the cached key's.
+    bool IsNotKept(TimeValue t) const;
 
     // Puts a record of what is about to change on the hold, if one is open.
     template <template <class, class> class Record, class... Given>

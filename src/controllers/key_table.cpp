@@ -22,9 +22,11 @@ KeyBracket<T> KeyTable<T>::Seek(TimeValue t) {
     }
     const Key* const plain = keys.Plain();
     const std::int32_t index =
-        plain ? KeySearch<Key>({plain, keys.size()}, t).Find(recent_.index) : FirstAfter(t) - 1;
-    const TimeValue from = At(index).time;
-    recent_ = {keys.Edition(), index, from, TicksFrom(from, At(index + 1).time)};
+        plain ? KeySearch<Key>({plain, keys.size()}, t).Find(recent_.Next(t), areEven_)
+              : FirstAfter(t) - 1;
+    const Key& left = At(index);
+    const Key& right = At(index + 1);
+    recent_ = {keys.Edition(), left.time, TicksFrom(left.time, right.time), {&left, &right, index}};
     return InRecent(t);
 }
 

@@ -108,21 +108,29 @@ struct KeyTable {
     // The keys between which a time was found last. Good for the keys of that edition alone.
     struct Recent {
         std::uint64_t edition = 0;  // none
-        std::int32_t index = 0;     // of the left key
         TimeValue time = 0;         // of the left key
         std::uint32_t ticks = 0;    // to the right key
+        KeyBracket<T> around{nullptr, nullptr, 0};
+
+        // Where `t` is if it comes next in playback, in either direction; else -1. Times alone tell
+        // it: other keys may be far away in memory.
+        std::int32_t Next(TimeValue t) const {
+            if (TicksFrom(time, t) < std::uint64_t{2} * ticks) return around.index + 1;
+            return TicksFrom(t, time) <= ticks ? around.index - 1 : -1;
+        }
     };
 
     // The rest of FindBracket.
     KeyBracket<T> InRecent(TimeValue t) {
         const std::uint32_t behind = TicksFrom(recent_.time, t);
-        const std::int32_t index = recent_.index;
+        const auto& [left, right, index] = recent_.around;
         lookupIndex = index + static_cast<std::int32_t>(behind > recent_.ticks - behind);
-        return {&At(index), &At(behind == 0 ? index : index + 1), index};
+        return {left, behind == 0 ? left : right, index};
     }
     KeyBracket<T> Seek(TimeValue t);
 
     Recent recent_;
+    bool areEven_ = true;  // see KeySearch
 };
 
 // How a key table stands in a scene file: one chunk with id 1 of little-endian bytes, holding the

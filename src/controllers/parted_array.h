@@ -13,9 +13,10 @@
 // time in proportion to their number, in whatever order they come. Reading by position works in
 // both forms and changes neither.
 //
-// What is worked out from the elements and kept is good as long as Edition() is the same: every
-// change makes it another one, and so does Edit, which alone hands out what can be changed. It is
-// changed at once, before anybody looks at the array again.
+// What is worked out from the elements and kept, where they are included, is good as long as
+// Edition() is the same: everything that changes or moves one makes it another, and so does Edit,
+// which hands out what can be changed. It is changed at once, before anybody looks at the array
+// again.
 template <class E>
 class PartedArray {
     static_assert(std::is_trivially_copyable_v<E>);
@@ -31,7 +32,7 @@ class PartedArray {
         if (parts_.empty()) return whole_.size();
         return StartOf(parts_.size() - 1) + parts_.back().elements.size();
     }
-    bool empty() const { return size() == 0; }
+    bool empty() const { return whole_.empty() && parts_.empty(); }
 
     const E& operator[](std::size_t index) const {
         if (parts_.empty()) return whole_[index];
@@ -67,6 +68,7 @@ class PartedArray {
     // Afterwards the element at `index` can go, or one can come there, without a failure. If these
     // fail nothing has changed.
     void PrepareErase(std::size_t index) {
+        ++edition_;
         if (parts_.empty() && whole_.size() - index > kPart) CutUp();
     }
     void PrepareInsert(std::size_t index) {
@@ -81,7 +83,6 @@ class PartedArray {
 
     void insert(std::size_t index, const E& element) {
         PrepareInsert(index);
-        ++edition_;
         if (parts_.empty()) {
             whole_.insert(Place(whole_, index), element);
             return;
@@ -93,7 +94,6 @@ class PartedArray {
     void push_back(const E& element) { insert(size(), element); }
     void erase(std::size_t index) {
         PrepareErase(index);
-        ++edition_;
         if (parts_.empty()) {
             whole_.erase(Place(whole_, index));
             return;
@@ -202,6 +202,7 @@ class PartedArray {
 
     void Join() const {
         if (parts_.empty()) return;
+        ++edition_;
         whole_.reserve(size());
         for (const Part& part : parts_)
             whole_.insert(whole_.end(), part.elements.begin(), part.elements.end());
@@ -212,7 +213,7 @@ class PartedArray {
     mutable std::vector<E> whole_;
     mutable std::vector<Part> parts_;  // none is empty
 
-    std::uint64_t edition_ = 1;
+    mutable std::uint64_t edition_ = 1;
     mutable std::size_t recent_ = 0;  // the part that was found last
     std::size_t settled_ = 0;         // parts behind this one start at `start` plus `behind_`
     std::size_t behind_ = 0;          // modulo the range of the type, so that it can be below zero

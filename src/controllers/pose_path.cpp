@@ -1,6 +1,7 @@
 #include "controllers/pose_path.h"
 
-#include <cstring>
+#include <new>
+#include <utility>
 
 #include "measures/core_space.h"
 
@@ -8,18 +9,15 @@
 // Row lengths are in single precision, rotation and translation in double.
 
 Pose PoseOf(const Matrix3& matrix) {
-    const TVL::CMatrix4 wide = ToCore(matrix);
-    Pose pose;
-    pose.rotation = QuatFromMatrix(wide);
-    for (int i = 0; i < 3; ++i) {
-        pose.translation[i] = wide[3][i];
-        pose.lengths[i] = matrix.GetRow(i).Length();
-    }
-    return pose;
+    const auto place = [&](int i) { return static_cast<double>(matrix.m[3][i]); };
+    const auto length = [&](int row) { return matrix.GetRow(row).Length(); };
+    return {QuatFromMatrix(ToCore(matrix)),
+            {place(0), place(1), place(2)},
+            {length(0), length(1), length(2)}};
 }
 
 PosePath::PosePath(const Pose& left, const Pose& right)
-    : start_(left), turn_(QuatLog(WithPositiveW(Conjugate(left.rotation) * right.rotation))) {
+    : left_(&left), turn_(QuatLog(WithPositiveW(Conjugate(left.rotation) * right.rotation))) {
     for (int i = 0; i < 3; ++i) {
         offset_[i] = right.translation[i] - left.translation[i];
         growth_[i] = right.lengths[i] - left.lengths[i];
@@ -29,37 +27,41 @@ PosePath::PosePath(const Pose& left, const Pose& right)
 Matrix3 PosePath::At(float fraction) const {
     const double wide = static_cast<double>(fraction);
     const Quaternion step = QuatExp({turn_.x * wide, turn_.y * wide, turn_.z * wide});
-    TVL::CMatrix4 placement = QuatToMatrix(WithPositiveW(start_.rotation * step));
-    for (int column = 0; column < 3; ++column)
-        placement[3][column] = start_.translation[column] + offset_[column] * wide;
-    Matrix3 result = ToHost(placement);
-    for (int row = 0; row < 3; ++row) {
-        const float length = start_.lengths[row] + growth_[row] * fraction;
-        result.SetRow(row, result.GetRow(row).Normalize() * length);
-    }
-    result.ValidateFlags();
-    return result;
+    const TVL::CMatrix4 turned = QuatToMatrix(WithPositiveW(left_->rotation * step));
+    const auto axis = [&](int i) {
+        return ToHost(turned[i]).Normalize() * (left_->lengths[i] + growth_[i] * fraction);
+    };
+    const auto place = [&](int i) {
+        return static_cast<float>(left_->translation[i] + offset_[i] * wide);
+    };
+    return {axis(0), axis(1), axis(2), {place(0), place(1), place(2)}};
 }
 
-bool KeptPath::IsFor(const KeyTable<Matrix3>& table, const Matrix3& parent) const {
-    return edition_ == table.keys.Edition() && std::memcmp(&parent_, &parent, sizeof parent) == 0;
+void KeptPath::Begin(const KeyTable<Matrix3>& table, const Matrix3& parent) {
+    parent_ = parent;
+    fromParent_ = Inverse(parent);
+    edition_ = table.keys.Edition();
+    keys_[0] = keys_[1] = left_ = kNone;
 }
 
-const PosePath& KeptPath::Between(const KeyTable<Matrix3>& table, const KeyBracket<Matrix3>& around,
-                                  const Matrix3& parent) {
-    const bool isFor = IsFor(table, parent);
-    if (isFor && index_ == around.index) return path_;
-    if (!isFor) {
-        parent_ = parent;
-        fromParent_ = Inverse(parent);
-        edition_ = table.keys.Edition();
-    }
-    const bool isNext = isFor && around.index == index_ + 1;
-    const bool isPrevious = isFor && around.index == index_ - 1;
-    const Pose left = isNext ? right_ : PoseOf(around.left->value * parent);
-    right_ = isPrevious ? left_ : PoseOf(around.right->value * parent);
-    left_ = left;
-    path_ = PosePath(left_, right_);
-    index_ = around.index;
-    return path_;
+const Pose& KeptPath::PoseOfKey(std::int32_t index, const TarvoKey<Matrix3>& key) {
+    Pose& pose = poses_[index % 2];
+    if (std::exchange(keys_[index % 2], index) != index)
+        new (&pose) Pose(PoseOf(key.value * parent_));
+    return pose;
+}
+
+void KeptPath::Enter(const KeyBracket<Matrix3>& around) {
+    left_ = around.index;
+    const Pose& left = PoseOfKey(left_, *around.left);
+    new (&path_) PosePath(left, PoseOfKey(left_ + 1, *around.right));
+}
+
+// What it calls is put into it, so that matrices and rotations go from step to step in registers: a
+// step that read them from memory would wait until the one before has written all of them.
+[[gnu::flatten]] Matrix3 KeptPath::At(float fraction, const KeyTable<Matrix3>& table,
+                                      const KeyBracket<Matrix3>& around, const Matrix3& parent) {
+    if (!IsFor(table, parent)) Begin(table, parent);
+    if (left_ != around.index) Enter(around);
+    return path_.At(fraction) * fromParent_;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 
 #include "controllers/key_table.h"
 #include "host/matrix3.h"
@@ -15,9 +16,10 @@ struct Pose {
 
 Pose PoseOf(const Matrix3& matrix);
 
-// The way from one pose to another: rotation the shorter way round, translation and the lengths of
-// the rows in straight lines.
-struct PosePath {
+// The way from one pose, which has to outlast it, to another: rotation the shorter way round,
+// translation and the lengths of the rows in straight lines.
+class PosePath {
+  public:
     PosePath() = default;
     PosePath(const Pose& left, const Pose& right);
 
@@ -25,7 +27,7 @@ struct PosePath {
     Matrix3 At(float fraction) const;
 
   private:
-    Pose start_;
+    const Pose* left_ = nullptr;
     RotationVector turn_;
     double offset_[3] = {};
     float growth_[3] = {};
@@ -33,29 +35,40 @@ struct PosePath {
 
 // What an evaluation leaves to the next one: the path between two neighbouring keys of a table, in
 // the space of a parent. It is good for that edition of the keys and that parent, to the last bit
-// of both; with anything else it is worked out anew, as far as the keys have not been met. It
-// belongs to the table's own controller, and is no part of its value.
+// of both; with anything else it is worked out anew. For another bracket of the same keys and
+// parent, so is what belongs to a key that has not been met. It belongs to the table's own
+// controller, and is no part of its value.
 class KeptPath {
   public:
     KeptPath() = default;
     KeptPath(const KeptPath&) = delete;
     KeptPath& operator=(const KeptPath&) = delete;
 
-    // `around` is two keys of `table`.
-    const PosePath& Between(const KeyTable<Matrix3>& table, const KeyBracket<Matrix3>& around,
-                            const Matrix3& parent);
-
-    // Of the parent that was given last.
-    const Matrix3& FromParent() const { return fromParent_; }
+    // The value at `fraction` of the way between two keys of `table`, relative to `parent`.
+    Matrix3 At(float fraction, const KeyTable<Matrix3>& table, const KeyBracket<Matrix3>& around,
+               const Matrix3& parent);
 
   private:
-    bool IsFor(const KeyTable<Matrix3>& table, const Matrix3& parent) const;
+    static constexpr std::int32_t kNone = -1;
+
+    bool IsFor(const KeyTable<Matrix3>& table, const Matrix3& parent) const {
+        return edition_ == table.keys.Edition() &&
+               std::memcmp(&parent_, &parent, sizeof parent) == 0;
+    }
+    void Begin(const KeyTable<Matrix3>& table, const Matrix3& parent);
+    void Enter(const KeyBracket<Matrix3>& around);
+
+    // Of the key at `index`, in the parent's space.
+    const Pose& PoseOfKey(std::int32_t index, const TarvoKey<Matrix3>& key);
 
     std::uint64_t edition_ = 0;  // of the keys; none
     Matrix3 parent_;
     Matrix3 fromParent_;
-    std::int32_t index_ = 0;  // of the left key
-    Pose left_;
-    Pose right_;
+
+    // Two neighbouring keys, the one with the even index first.
+    Pose poses_[2];
+    std::int32_t keys_[2] = {kNone, kNone};  // their indices
+
+    std::int32_t left_ = kNone;  // the index of the key that path_ begins with
     PosePath path_;
 };

@@ -73,7 +73,8 @@ void TransformControl::SetValue(TimeValue t, void* value, int, GetSetMethod meth
     HoldCurrentKey();
     const auto& packet = *static_cast<const SetXFormPacket*>(value);
     Key& current = table.currentKey;
-    current.value = Applied(packet, method == CTRL_ABSOLUTE ? Matrix3() : current.value);
+    const Matrix3 before = method == CTRL_ABSOLUTE ? Matrix3() : current.value;
+    new (&current.value) Matrix3(Applied(packet, before));  // in its place, see EvaluateInParent
     current.time = t;
     if (Animating()) AddKey({0, t, current.value});
     AnnounceChange(*this);

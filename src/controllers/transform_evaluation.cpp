@@ -11,7 +11,8 @@ std::uint32_t TransformControl::FlagsAlone(TimeValue t, const Key& key) const {
 TarvoKey<Matrix3> TransformControl::GetKeyAtTime(TimeValue t) {
     const KeyBracket<Matrix3> around = table.FindBracket(t);
     if (around.IsOneKey()) return {FlagsAlone(t, *around.left), t, around.left->value};
-    const PosePath path(PoseOf(around.left->value), PoseOf(around.right->value));
+    const Pose left = PoseOf(around.left->value);
+    const PosePath path(left, PoseOf(around.right->value));
     return {0, t, path.At(around.Fraction(t))};
 }
 
@@ -23,8 +24,7 @@ void TransformControl::EvaluateInParent(TimeValue t, const Matrix3& parent) {
     if (around.IsOneKey()) {
         current.value = around.left->value;
     } else {
-        const PosePath& path = keptPath.Between(table, around, parent);
         // Made in its place: a copy of what has just been written waits until that is in memory.
-        new (&current.value) Matrix3(path.At(around.Fraction(t)) * keptPath.FromParent());
+        new (&current.value) Matrix3(keptPath.At(around.Fraction(t), table, around, parent));
     }
 }

@@ -20,22 +20,17 @@ TVL::CMatrix4 CoreToHostBase();
 
 // A host matrix widened to doubles; the last column is 0, 0, 0, 1. Neither axes nor units change.
 inline TVL::CMatrix4 ToCore(const Matrix3& matrix) {
-    TVL::CMatrix4 wide = TVL::CMatrix4::Identity();
-    for (int row = 0; row < 4; ++row) {
-        for (int column = 0; column < 3; ++column)
-            wide[row][column] = static_cast<double>(matrix.m[row][column]);
-    }
-    return wide;
+    const auto at = [&](int row, int column) { return static_cast<double>(matrix.m[row][column]); };
+    return {{{at(0, 0), at(0, 1), at(0, 2), 0},
+             {at(1, 0), at(1, 1), at(1, 2), 0},
+             {at(2, 0), at(2, 1), at(2, 2), 0},
+             {at(3, 0), at(3, 1), at(3, 2), 1}}};
 }
 
 // The first three columns narrowed to floats; the last column is not read.
+inline Point3 ToHost(const double* row) {
+    return {static_cast<float>(row[0]), static_cast<float>(row[1]), static_cast<float>(row[2])};
+}
 inline Matrix3 ToHost(const TVL::CMatrix4& matrix) {
-    Matrix3 narrow;
-    for (int row = 0; row < 4; ++row) {
-        narrow.SetRow(row,
-                      Point3(static_cast<float>(matrix[row][0]), static_cast<float>(matrix[row][1]),
-                             static_cast<float>(matrix[row][2])));
-    }
-    narrow.ValidateFlags();
-    return narrow;
+    return {ToHost(matrix[0]), ToHost(matrix[1]), ToHost(matrix[2]), ToHost(matrix[3])};
 }

@@ -31,7 +31,7 @@ class EvaluationLaw : public ControlTest {
         auto& table = control.table;
         const int index = static_cast<int>(Any(40));
         const bool isThere = index < table.Count();
-        switch (Any(11)) {
+        switch (Any(12)) {
             case 0:
                 AnimateOn();
                 SetWorld(control, NextTime(), AnyMatrix(random_));
@@ -54,7 +54,10 @@ class EvaluationLaw : public ControlTest {
                 if (isThere) control.AddKey({0, table.At(index).time, AnyMatrix(random_)});
                 return;
             case 8:
-                if (Any(20) == 0) Load();
+                if (Any(20) == 0 && !theHold.Holding()) Load();  // the other table has no records
+                return;
+            case 9:
+                TimesOf(table);  // as one array from here on
                 return;
             default:
                 control.AddKey({Any(2), AnyTime(), AnyMatrix(random_)});

@@ -88,13 +88,39 @@ inline TVL::CMatrix4 PlainInverse(const TVL::CMatrix4& m) {
     return inverse;
 }
 
+inline Quaternion PlainRotation(TVL::CMatrix4 r) {
+    for (double* row : {r[0], r[1], r[2]}) {
+        const double length = std::sqrt(row[0] * row[0] + row[1] * row[1] + row[2] * row[2]);
+        for (int i = 0; i < 3; ++i)
+            row[i] = length == 0 ? i % 2 : row[i] / length;
+    }
+    double q[4] = {
+        std::abs(1 + r[0][0] - r[1][1] - r[2][2]), std::abs(1 - r[0][0] + r[1][1] - r[2][2]),
+        std::abs(1 - r[0][0] - r[1][1] + r[2][2]), std::abs(1 + r[0][0] + r[1][1] + r[2][2])};
+    int greatest = 3;
+    for (int i = 0; i < 3; ++i)
+        if (q[i] > q[greatest]) greatest = i;
+    const double s = 2 * std::sqrt(q[greatest]);
+    for (int i = 0; i < 3; ++i) {
+        const int j = (i + 1) % 3;
+        const int k = (i + 2) % 3;
+        q[i] = (greatest == 3 ? r[j][k] - r[k][j] : r[greatest][i] + r[i][greatest]) / s;
+        if (i == greatest) q[3] = (r[j][k] - r[k][j]) / s;
+    }
+    q[greatest] = s * 0.25;
+    const double squares = q[0] * q[0] + q[1] * q[1] + q[2] * q[2] + q[3] * q[3];
+    for (double& part : q)
+        part = squares == 0 ? &part == &q[3] : part / std::sqrt(squares);
+    return WithPositiveW({q[0], q[1], q[2], q[3]});
+}
+
 // Scale, rotation and translation apart, from one matrix to another.
 inline Matrix3 PlainBetween(const Matrix3& left, const Matrix3& right, float fraction) {
     const double wide = static_cast<double>(fraction);
     const TVL::CMatrix4 l = ToCore(left);
     const TVL::CMatrix4 r = ToCore(right);
-    const Quaternion from = WithPositiveW(QuatFromMatrix(l));
-    const Quaternion to = WithPositiveW(QuatFromMatrix(r));
+    const Quaternion from = WithPositiveW(PlainRotation(l));
+    const Quaternion to = WithPositiveW(PlainRotation(r));
     const RotationVector way = QuatLog(WithPositiveW(Conjugate(from) * to));
     const Quaternion step = QuatExp({way.x * wide, way.y * wide, way.z * wide});
     TVL::CMatrix4 placement = QuatToMatrix(WithPositiveW(from * step));
