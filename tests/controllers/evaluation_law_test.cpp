@@ -54,7 +54,7 @@ class EvaluationLaw : public ControlTest {
                 if (isThere) control.AddKey({0, table.At(index).time, AnyMatrix(random_)});
                 return;
             case 8:
-                if (Any(20) == 0 && !theHold.Holding()) Load();  // the other table has no records
+                if (Any(20) == 0) Load();
                 return;
             case 9:
                 TimesOf(table);  // as one array from here on
