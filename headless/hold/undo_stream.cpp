@@ -1,6 +1,7 @@
 #include "headless/hold/undo_stream.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 #include <utility>
 
@@ -58,6 +59,16 @@ std::string LabelOf(const char* label) noexcept {
     }
 }
 
+// The records of a long step are more than the caches hold, and each is met once: while one runs,
+// the one that is due so much later is on its way. Few take more than two lines of a cache.
+constexpr std::ptrdiff_t kAhead = 24;
+constexpr std::size_t kCacheLine = 64;
+
+void Fetch(const RestoreObj* record) {
+    __builtin_prefetch(record);
+    __builtin_prefetch(reinterpret_cast<const std::byte*>(record) + kCacheLine);
+}
+
 class FlipRecord final : public RestoreObj {
   public:
     explicit FlipRecord(std::function<void()> flip) : flip_(std::move(flip)) {}
@@ -83,8 +94,10 @@ FirstThrown UndoStream::Run(const char* what, Place first, Place last, Act act) 
     const HostEvent event(what);
     FirstThrown thrown;
     running_ = true;
-    for (; first != last; ++first)
+    for (; first != last; ++first) {
+        if (last - first > kAhead) Fetch(first[kAhead].get());
         thrown.Try([&] { act(**first); });
+    }
     running_ = false;
     return thrown;
 }

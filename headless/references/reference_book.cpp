@@ -107,10 +107,12 @@ void ReferenceBook::RemoveDependent(ReferenceTarget& target, const ReferenceMake
             return dependent.first == &maker && dependent.second == index;
         });
     if (found == dependents.rend()) return;
-    if (target.walk_ != nullptr)
-        found->first = nullptr;
-    else
+    if (target.walk_ == nullptr) {
         dependents.erase(std::prev(found.base()));
+        return;
+    }
+    found->first = nullptr;
+    target.walk_->TellSomeoneLeft();
 }
 
 }  // namespace headless

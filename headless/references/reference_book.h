@@ -50,13 +50,18 @@ class DependentsWalk {
     ~DependentsWalk() {
         if (target_ == nullptr) return;
         target_->walk_ = outer_;
+        if (!someLeft_) return;
         if (outer_ == nullptr)
             std::erase_if(target_->dependents_, [](const auto& d) { return d.first == nullptr; });
+        else
+            outer_->someLeft_ = true;
     }
     DependentsWalk(const DependentsWalk&) = delete;
     DependentsWalk& operator=(const DependentsWalk&) = delete;
 
     bool TargetIsGone() const { return target_ == nullptr; }
+
+    void TellSomeoneLeft() { someLeft_ = true; }
 
     static void TellGone(ReferenceTarget& target) {
         for (DependentsWalk* walk = target.walk_; walk != nullptr; walk = walk->outer_)
@@ -66,6 +71,7 @@ class DependentsWalk {
   private:
     ReferenceTarget* target_;
     DependentsWalk* outer_;
+    bool someLeft_ = false;  // and has a place that is to go
 };
 
 }  // namespace headless

@@ -5,11 +5,6 @@ KeyName KeyNames::New() {
     return newest_;
 }
 
-KeyName KeyNames::At(std::int32_t index) const {
-    const auto at = static_cast<std::size_t>(index);
-    return at < Size() ? names_[at] : kNoName;
-}
-
 KeyName KeyNames::Give(std::int32_t index) {
     if (At(index) == kNoName) Set(index, New());
     return At(index);

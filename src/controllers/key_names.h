@@ -19,7 +19,10 @@ class KeyNames {
     // For a key that is about to come.
     KeyName New();
 
-    KeyName At(std::int32_t index) const;
+    KeyName At(std::int32_t index) const {
+        const auto at = static_cast<std::size_t>(index);
+        return at < Size() ? names_[at] : kNoName;
+    }
 
     // The key's name, a new one if it has none.
     KeyName Give(std::int32_t index);

@@ -53,14 +53,13 @@ class KeyPresenceRestore : public KeyRestore<C, K> {
   protected:
     // Comes to `place`.
     KeyPresenceRestore(C& changed, std::int32_t place, TimeValue at, KeyName comes)
-        : KeyRestore<C, K>(changed), index(place), time(at), name(comes), isAddition(true) {}
+        : KeyRestore<C, K>(changed), key{0, at, {}}, index(place), name(comes), isAddition(true) {}
 
     // Goes from `place`.
     KeyPresenceRestore(C& changed, std::int32_t place)
         : KeyRestore<C, K>(changed),
           key(this->Table().At(place)),
           index(place),
-          time(key.time),
           name(this->Table().names.Give(place)),
           isAddition(false) {}
 
@@ -77,7 +76,7 @@ class KeyPresenceRestore : public KeyRestore<C, K> {
     // An added key comes back as it was when it was undone, a deleted one as it was deleted.
     bool TakeOut() {
         auto& table = this->Table();
-        const std::int32_t place = table.IndexOf(time, name, index);
+        const std::int32_t place = table.IndexOf(key.time, name, index);
         if (place < 0) return false;
         if (isAddition) key = table.At(place);
         table.Remove(place);
@@ -88,17 +87,16 @@ class KeyPresenceRestore : public KeyRestore<C, K> {
     // value has lost its meaning.
     bool PutBack() {
         auto& table = this->Table();
-        const std::int32_t place = table.PlaceFor(time, index);
+        const std::int32_t place = table.PlaceFor(key.time, index);
         if (place < 0 || !table.names.IsValid(name)) return false;
         table.Insert(place, key, name);
         return true;
     }
 
-    K key;
-    bool undone = false;
+    K key;  // of a key that comes the time alone, until it goes
     std::int32_t index;
-    TimeValue time;
     KeyName name;
+    bool undone = false;
     bool isAddition;
 };
 

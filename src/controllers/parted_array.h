@@ -84,7 +84,12 @@ class PartedArray {
     void insert(std::size_t index, const E& element) {
         PrepareInsert(index);
         if (parts_.empty()) {
-            whole_.insert(Place(whole_, index), element);
+            if (index == whole_.size())
+                whole_.push_back(element);
+            else
+                whole_.insert(Place(whole_, index), element);
+            if (index + kNear < whole_.capacity())
+                __builtin_prefetch(whole_.data() + index + kNear);
             return;
         }
         std::vector<E>& elements = parts_[PartOf(index)].elements;
@@ -96,6 +101,7 @@ class PartedArray {
         PrepareErase(index);
         if (parts_.empty()) {
             whole_.erase(Place(whole_, index));
+            if (index > kNear) __builtin_prefetch(whole_.data() + index - kNear);
             return;
         }
         std::vector<E>& elements = parts_[PartOf(index)].elements;
@@ -129,6 +135,10 @@ class PartedArray {
     // time that it takes to find the part.
     static constexpr std::size_t kPart = std::max<std::size_t>(64, 8192 / sizeof(E));
     static constexpr std::size_t kLeast = 16;
+
+    // In takes of many nodes elements come and go at the ends of many arrays by turns: the next but
+    // one is on its way from memory until it is this array's turn again.
+    static constexpr std::size_t kNear = 2;
 
     struct Part {
         std::size_t start;  // the position of its first element; see below
