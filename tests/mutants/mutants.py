@@ -2,7 +2,8 @@
 """Puts one fault after the other into a copy of the sources, each a line of a table, and looks
 whether the test that is named beside it fails, which must pass without it. A table is
 tab-separated: file, the line that is there, the line in its place, test. A row whose line is gone,
-or stands in its file more than once, fails: a table cannot rot unseen."""
+or stands in its file more than once, fails: a table cannot rot unseen. --rows looks for such rows
+alone, and builds nothing."""
 
 import collections
 import functools
@@ -29,6 +30,18 @@ def read_table(path):
         if len(cells) != 4:
             sys.exit(f"{path}:{number}: {len(cells)} cells, not file, old line, new line, test")
         yield Mutant(number, *cells)
+
+
+def places(mutant, text):
+    return [index for index, line in enumerate(text.split("\n")) if line.strip() == mutant.old]
+
+
+def check_rows(table):
+    lost = [mutant for mutant in table if not (ROOT / mutant.file).exists() or
+            len(places(mutant, (ROOT / mutant.file).read_text())) != 1]
+    for mutant in lost:
+        print(f"row {mutant.number}: not one line of {mutant.file}: {mutant.old}")
+    sys.exit(1 if lost else 0)
 
 
 def run(*command):
@@ -71,7 +84,7 @@ class Copy:
         file = self.tree / mutant.file
         whole = file.read_text() if file.exists() else ""
         lines = whole.split("\n")
-        at = [index for index, line in enumerate(lines) if line.strip() == mutant.old]
+        at = places(mutant, whole)
         if len(at) != 1:
             return "its line is gone, or is there more than once"
         if self.end_without(mutant.test) != "passes":
@@ -87,8 +100,11 @@ class Copy:
 
 def main():
     """Of the files or folders that are named, or of all."""
+    table = list(read_table(pathlib.Path(__file__).with_name("mutants.tsv")))
+    if sys.argv[1:] == ["--rows"]:
+        check_rows(table)
     copy, ends = Copy(ROOT / "build/mutants"), collections.Counter()
-    for mutant in read_table(pathlib.Path(__file__).with_name("mutants.tsv")):
+    for mutant in table:
         if not mutant.file.startswith(tuple(sys.argv[1:]) or ""):
             continue
         end = copy.judge(mutant)
