@@ -18,6 +18,10 @@ enum class NewFile { kMade, kNameTaken, kRefused };
 // system's word for it.
 PLATFORM_API NewFile MakeNewFile(const std::string& path, std::string& reason);
 
+// Lets the system begin to bring a closed file to the disk, so that ReplaceFile has less to wait
+// for. It promises nothing, and is nothing where the system has no such call.
+PLATFORM_API void StartFlush(const std::string& path);
+
 // Flushes a finished file to the disk and gives it the place of another in the same folder, whole
 // or not at all, whenever the machine may stop. The result is empty, or the system's word for what
 // failed; the other file stands untouched then.

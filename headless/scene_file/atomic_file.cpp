@@ -90,6 +90,7 @@ AtomicFile::AtomicFile(const std::string& path)
 
 void AtomicFile::Close() {
     if (!sink_.Close()) FailToWrite();
+    platform::StartFlush(WrittenPath());  // while it is checked
 }
 
 std::string AtomicFile::TakePlace() {
@@ -99,7 +100,7 @@ std::string AtomicFile::TakePlace() {
 }
 
 void AtomicFile::FailToWrite() const {
-    Fail(path_, sink_.Failure().empty() ? "the bytes do not come back" : sink_.Failure());
+    Fail(path_, sink_.Failure());
 }
 
 // The scene stands in its place by now, which no lack of memory here makes undone.

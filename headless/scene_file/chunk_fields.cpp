@@ -9,9 +9,10 @@
 
 namespace headless {
 
-TopChunk::TopChunk(FileSink& sink, std::uint16_t id)
-    : sink_(sink), writer_(sink), begin_(sink.Size()) {
-    writer_.BeginChunk(id);
+TopChunk::TopChunk(FileSink& sink, std::uint16_t id) : sink_(sink), begin_(sink.Size()) {
+    sink_.StartChecksum();
+    Number(id);
+    Number(std::uint64_t{0});  // the length, till the chunk ends
 }
 
 void TopChunk::Float(float number) {
@@ -34,15 +35,12 @@ void TopChunk::Bytes(std::span<const std::byte> bytes) {
     sink_.Append(bytes);
 }
 
-// The length is known, and counts the checksum in, before the checksum is worked out over it.
+// The length counts the checksum in, which is worked out over it.
 bool TopChunk::End() {
-    const std::uint64_t end = sink_.Size();
-    Bytes(std::array<std::byte, kChecksumBytes>{});
-    if (writer_.EndChunk() != IO_OK) return false;
-    const auto checksum =
-        ChecksumOf(begin_, end, [this](auto at, auto bytes) { return sink_.ReadBack(at, bytes); });
-    if (!checksum) return false;
-    return sink_.Overwrite(end, LittleEndian<kChecksumBytes>(*checksum));
+    const std::uint64_t contents = begin_ + kChunkHeaderBytes;
+    const auto length = LittleEndian<kChunkLengthBytes>(sink_.Size() + kChecksumBytes - contents);
+    return sink_.FillIn(begin_ + kChunkIdBytes, length) &&
+           sink_.Append(LittleEndian<kChecksumBytes>(sink_.ChecksumSinceStart()));
 }
 
 float FieldReader::Float(const char* what) {

@@ -33,7 +33,6 @@ class TopChunk {
 
   private:
     FileSink& sink_;
-    ChunkWriter writer_;
     std::uint64_t begin_;
 };
 

@@ -9,6 +9,7 @@
 #include "headless/scene_file/file_progress.h"
 #include "headless/scene_file/scene_chunks.h"
 #include "headless/scene_file/scene_document.h"
+#include "headless/storage/checksum.h"
 #include "headless/storage/chunks.h"
 
 namespace headless {
@@ -171,15 +172,25 @@ class DocumentReader {
 
     // From the head of the chunk up to its checksum, which stands at `end`.
     void CheckBytes(std::uint64_t end) {
-        const auto checksum = ChecksumOf(position_, end, [this](auto at, auto bytes) {
-            TellDone("Checking", at, source_.Size());
-            return source_.ReadAt(at, bytes) == bytes.size();
-        });
+        const std::uint32_t checksum = ChecksumUpTo(end);
         std::array<std::byte, kChecksumBytes> stored;
-        if (!checksum || source_.ReadAt(end, stored) != stored.size())
-            Fail("the file cannot be read");
-        if (FromLittleEndian(stored.data(), stored.size()) != *checksum)
+        if (source_.ReadAt(end, stored) != stored.size()) Fail("the file cannot be read");
+        if (FromLittleEndian(stored.data(), stored.size()) != checksum)
             Fail("the bytes of a chunk do not have its checksum");
+    }
+
+    std::uint32_t ChecksumUpTo(std::uint64_t end) {
+        constexpr std::uint64_t kSummedBytes = std::uint64_t{32} * 1024;
+        std::array<std::byte, kSummedBytes> block;
+        Checksum checksum;
+        for (std::uint64_t at = position_; at < end; at += kSummedBytes) {
+            TellDone("Checking", at, source_.Size());
+            const auto bytes =
+                std::span(block).first(static_cast<std::size_t>(std::min(end - at, kSummedBytes)));
+            if (source_.ReadAt(at, bytes) != bytes.size()) Fail("the file cannot be read");
+            checksum.Append(bytes);
+        }
+        return checksum.Value();
     }
 
     void CheckOrder(std::uint16_t id) {

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t kSinkBytes = std::size_t{256} * 1024;
 
-void Put(std::fstream& file, std::span<const std::byte> bytes) {
+void Put(std::ofstream& file, std::span<const std::byte> bytes) {
     file.write(reinterpret_cast<const char*>(bytes.data()),
                static_cast<std::streamsize>(bytes.size()));
 }
@@ -25,7 +25,7 @@ bool MemorySink::Append(std::span<const std::byte> bytes) {
     return true;
 }
 
-bool MemorySink::Overwrite(std::uint64_t position, std::span<const std::byte> bytes) {
+bool MemorySink::FillIn(std::uint64_t position, std::span<const std::byte> bytes) {
     if (!IsWithin(position, bytes.size(), Size())) return false;
     std::copy(bytes.begin(), bytes.end(), bytes_.begin() + static_cast<std::ptrdiff_t>(position));
     return true;
@@ -33,48 +33,45 @@ bool MemorySink::Overwrite(std::uint64_t position, std::span<const std::byte> by
 
 FileSink::FileSink(const std::string& path) {
     file_.rdbuf()->pubsetbuf(nullptr, 0);
-    file_.open(path, std::ios::in | std::ios::out | std::ios::binary | std::ios::trunc);
+    file_.open(path, std::ios::binary | std::ios::trunc);
     block_.reserve(kSinkBytes);
     if (!file_.is_open()) NoteFailure();
 }
 
 bool FileSink::Append(std::span<const std::byte> bytes) {
-    if (block_.size() + bytes.size() > kSinkBytes && !Flush()) return false;
-    size_ += bytes.size();
-    if (bytes.size() <= kSinkBytes) {
-        block_.insert(block_.end(), bytes.begin(), bytes.end());
-        return failure_.empty();
+    while (!bytes.empty()) {
+        if (block_.size() == kSinkBytes && !Flush()) return false;
+        const auto piece = bytes.first(std::min(bytes.size(), kSinkBytes - block_.size()));
+        block_.insert(block_.end(), piece.begin(), piece.end());
+        bytes = bytes.subspan(piece.size());
     }
-    Put(file_, bytes);
-    return file_.good() || NoteFailure();
+    return failure_.empty();
 }
 
-bool FileSink::Overwrite(std::uint64_t position, std::span<const std::byte> bytes) {
-    if (!IsWithin(position, bytes.size(), size_)) return false;
-    if (position >= Flushed()) {
+bool FileSink::FillIn(std::uint64_t position, std::span<const std::byte> bytes) {
+    if (!IsWithin(position, bytes.size(), Size())) return false;
+    if (position >= flushed_) {
         std::copy(bytes.begin(), bytes.end(),
-                  block_.begin() + static_cast<std::ptrdiff_t>(position - Flushed()));
+                  block_.begin() + static_cast<std::ptrdiff_t>(position - flushed_));
         return failure_.empty();
     }
     if (!Flush()) return false;
+    if (position >= start_) checksum_.FillIn(bytes, flushed_ - position - bytes.size());
     file_.seekp(static_cast<std::streamoff>(position));
     Put(file_, bytes);
     file_.seekp(0, std::ios::end);
     return file_.good() || NoteFailure();
 }
 
-bool FileSink::ReadBack(std::uint64_t position, std::span<std::byte> bytes) {
-    if (!IsWithin(position, bytes.size(), size_)) return false;
-    if (position >= Flushed()) {
-        const auto from = block_.begin() + static_cast<std::ptrdiff_t>(position - Flushed());
-        std::copy_n(from, bytes.size(), bytes.begin());
-        return failure_.empty();
-    }
-    if (!Flush()) return false;
-    file_.seekg(static_cast<std::streamoff>(position));
-    file_.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    file_.seekp(0, std::ios::end);
-    return file_.good() || NoteFailure();
+void FileSink::StartChecksum() {
+    start_ = Size();
+    checksum_ = {};
+}
+
+std::uint32_t FileSink::ChecksumSinceStart() const {
+    Checksum checksum = checksum_;
+    checksum.Append(Unsummed());
+    return checksum.Value();
 }
 
 bool FileSink::Close() {
@@ -83,9 +80,19 @@ bool FileSink::Close() {
     return file_.good() || NoteFailure();
 }
 
+// The bytes of the block that the checksum is to count.
+std::span<const std::byte> FileSink::Unsummed() const {
+    const std::uint64_t before = start_ > flushed_ ? start_ - flushed_ : 0;
+    return std::span(block_).subspan(static_cast<std::size_t>(before));
+}
+
+// The block goes into the checksum at the last moment, when nothing in it is filled in any more and
+// while it is near to the processor.
 bool FileSink::Flush() {
     if (!failure_.empty()) return false;
+    checksum_.Append(Unsummed());
     Put(file_, block_);
+    flushed_ += block_.size();
     block_.clear();
     return file_.good() || NoteFailure();
 }

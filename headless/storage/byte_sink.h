@@ -8,10 +8,12 @@
 #include <utility>
 #include <vector>
 
+#include "headless/storage/checksum.h"
+
 namespace headless {
 
-// Where bytes are written to, one behind the other. What has been written can be overwritten, so
-// that a length can go in front of contents that are not known yet.
+// Where bytes are written to, one behind the other. Zeros can be filled in later, so that a length
+// can go in front of contents that are not known yet.
 class ByteSink {
   public:
     virtual ~ByteSink() = default;
@@ -19,8 +21,8 @@ class ByteSink {
     // False: the bytes could not be written, and no further ones will be.
     virtual bool Append(std::span<const std::byte> bytes) = 0;
 
-    // Overwrites bytes that lie wholly within what has been written.
-    virtual bool Overwrite(std::uint64_t position, std::span<const std::byte> bytes) = 0;
+    // Puts bytes in the place of zeros that lie wholly within what has been written.
+    virtual bool FillIn(std::uint64_t position, std::span<const std::byte> bytes) = 0;
 
     virtual std::uint64_t Size() const = 0;
 };
@@ -28,7 +30,7 @@ class ByteSink {
 class MemorySink final : public ByteSink {
   public:
     bool Append(std::span<const std::byte> bytes) override;
-    bool Overwrite(std::uint64_t position, std::span<const std::byte> bytes) override;
+    bool FillIn(std::uint64_t position, std::span<const std::byte> bytes) override;
     std::uint64_t Size() const override { return bytes_.size(); }
 
     std::span<const std::byte> Bytes() const { return bytes_; }
@@ -44,11 +46,12 @@ class FileSink final : public ByteSink {
   public:
     explicit FileSink(const std::string& path);
     bool Append(std::span<const std::byte> bytes) override;
-    bool Overwrite(std::uint64_t position, std::span<const std::byte> bytes) override;
-    std::uint64_t Size() const override { return size_; }
+    bool FillIn(std::uint64_t position, std::span<const std::byte> bytes) override;
+    std::uint64_t Size() const override { return flushed_ + block_.size(); }
 
-    // Reads back bytes that lie wholly within what has been written.
-    bool ReadBack(std::uint64_t position, std::span<std::byte> bytes);
+    // The checksum of what is written from here on. What is filled in lies on one side of here.
+    void StartChecksum();
+    std::uint32_t ChecksumSinceStart() const;
 
     // Hands everything to the system. False: something of it could not be written.
     bool Close();
@@ -59,11 +62,13 @@ class FileSink final : public ByteSink {
   private:
     bool Flush();
     bool NoteFailure();
-    std::uint64_t Flushed() const { return size_ - block_.size(); }
+    std::span<const std::byte> Unsummed() const;
 
-    std::fstream file_;
-    std::uint64_t size_ = 0;
+    std::ofstream file_;
+    std::uint64_t flushed_ = 0;     // bytes that the system has
     std::vector<std::byte> block_;  // the end of what has been written
+    std::uint64_t start_ = 0;       // of the checksum
+    Checksum checksum_;             // from there on, of what the system has
     std::string failure_;
 };
 

@@ -1,15 +1,13 @@
 #include "headless/storage/byte_source.h"
 
-#include <zlib.h>
-
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 namespace headless {
 namespace {
 
 constexpr std::size_t kSourceBytes = std::size_t{64} * 1024;
+constexpr std::size_t kLargePiece = kSourceBytes / 2;
 
 }  // namespace
 
@@ -35,7 +33,7 @@ std::size_t FileSource::ReadAt(std::uint64_t position, std::span<std::byte> byte
     if (known == bytes.size()) return known;
     const auto rest = bytes.subspan(known);
     position += known;
-    if (rest.size() >= kSourceBytes) return known + FromFile(position, rest);
+    if (rest.size() >= kLargePiece) return known + FromFile(position, rest);
     block_.resize(kSourceBytes);
     blockBegin_ = position;
     block_.resize(FromFile(position, block_));
@@ -55,21 +53,6 @@ std::size_t FileSource::FromFile(std::uint64_t position, std::span<std::byte> by
     file_.seekg(static_cast<std::streamoff>(position));
     file_.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     return static_cast<std::size_t>(std::max<std::streamsize>(file_.gcount(), 0));
-}
-
-std::optional<std::uint32_t> ChecksumOf(std::uint64_t begin, std::uint64_t end,
-                                        const ReadBytesAt& read) {
-    constexpr std::size_t kSummedBytes = std::size_t{32} * 1024;
-    std::array<std::byte, kSummedBytes> block;
-    uLong checksum = 0;
-    while (begin < end) {
-        const auto count =
-            static_cast<std::size_t>(std::min<std::uint64_t>(end - begin, kSummedBytes));
-        if (!read(begin, std::span(block).first(count))) return std::nullopt;
-        checksum = crc32_z(checksum, reinterpret_cast<const Bytef*>(block.data()), count);
-        begin += count;
-    }
-    return static_cast<std::uint32_t>(checksum);
 }
 
 }  // namespace headless

@@ -3,8 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
-#include <functional>
-#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -32,8 +30,8 @@ class MemorySource final : public ByteSource {
     std::span<const std::byte> bytes_;
 };
 
-// A file; one that cannot be opened has no bytes. It is read a block at a time, so that small
-// pieces near each other do not cost a call to the system each.
+// A file; one that cannot be opened has no bytes. Small pieces are read by the block, so that
+// those near each other do not cost a call to the system each; large ones go past it.
 class FileSource final : public ByteSource {
   public:
     explicit FileSource(const std::string& path);
@@ -50,12 +48,5 @@ class FileSource final : public ByteSource {
     std::uint64_t blockBegin_ = 0;
     std::vector<std::byte> block_;  // what was read last, from blockBegin_ on
 };
-
-// The CRC-32, as zlib and RFC 1952 (section 8) define it, of the bytes from `begin` up to, not
-// including, `end`. `read` reads what stands at a position and says whether it could; nothing if it
-// could not.
-using ReadBytesAt = std::function<bool(std::uint64_t, std::span<std::byte>)>;
-std::optional<std::uint32_t> ChecksumOf(std::uint64_t begin, std::uint64_t end,
-                                        const ReadBytesAt& read);
 
 }  // namespace headless

@@ -28,7 +28,7 @@ IOResult ChunkWriter::EndChunk() {
     open_.pop_back();
     if (failed_) return IO_ERROR;
     const auto length = LittleEndian<kChunkLengthBytes>(sink_->Size() - start);
-    failed_ = !sink_->Overwrite(start - kChunkLengthBytes, length);
+    failed_ = !sink_->FillIn(start - kChunkLengthBytes, length);
     return failed_ ? IO_ERROR : IO_OK;
 }
 

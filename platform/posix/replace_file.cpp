@@ -37,6 +37,14 @@ NewFile MakeNewFile(const std::string& path, std::string& reason) {
     return NewFile::kRefused;
 }
 
+void StartFlush(const std::string& path) {
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) return;
+    constexpr off64_t kToTheEnd = 0;
+    sync_file_range(file, 0, kToTheEnd, SYNC_FILE_RANGE_WRITE);
+    close(file);
+}
+
 // Once the name has moved, the folder is flushed as well as its file system can: the old file is
 // gone by then, so that a refusal would help nobody.
 std::string ReplaceFile(const std::string& finished, const std::string& place) {

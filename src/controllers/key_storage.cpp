@@ -16,14 +16,20 @@ bool IsNext(ILoad& load, std::int32_t expected) {
     return ReadWhole(load, number) && number == expected;
 }
 
+// Whether the times rise from the key ahead of position `first` on.
+template <class T>
+bool RiseFrom(const std::vector<TarvoKey<T>>& keys, std::size_t first) {
+    const auto begin = keys.begin() + static_cast<std::ptrdiff_t>(first > 0 ? first - 1 : 0);
+    return std::adjacent_find(begin, keys.end(), [](const auto& a, const auto& b) {
+               return a.time >= b.time;
+           }) == keys.end();
+}
+
 template <class T>
 void SortByTime(std::vector<TarvoKey<T>>& keys) {
     using Key = TarvoKey<T>;
-    const auto rises = [](const Key& a, const Key& b) { return a.time < b.time; };
-    const auto notRising = [](const Key& a, const Key& b) { return a.time >= b.time; };
-    if (std::adjacent_find(keys.begin(), keys.end(), notRising) == keys.end()) return;
-
-    std::stable_sort(keys.begin(), keys.end(), rises);
+    std::stable_sort(keys.begin(), keys.end(),
+                     [](const Key& a, const Key& b) { return a.time < b.time; });
     // From the end, so that of equal times the last one is kept.
     const auto kept = std::unique(keys.rbegin(), keys.rend(),
                                   [](const Key& a, const Key& b) { return a.time == b.time; });
@@ -43,30 +49,42 @@ void MakeRoom(std::vector<TarvoKey<T>>& keys, std::size_t more, std::size_t anno
         std::max(needed, std::min(announced, std::max(kAlwaysBelieved, keys.size() * kBelief))));
 }
 
-// Appends records as they lie, a block at a time; true if all were there.
+struct KeysRead {
+    bool areAll = true;
+    bool rise = true;  // the times of all keys, if they did so before
+};
+
+// Appends records as they lie, a block at a time. Their times are looked at while they are near to
+// the processor, since a long table is not.
 template <class T>
-bool ReadKeys(ILoad& load, std::vector<TarvoKey<T>>& keys, std::size_t count) {
-    constexpr std::size_t kBlockBytes = 4 << 10;  // near to the processor
+KeysRead ReadKeys(ILoad& load, std::vector<TarvoKey<T>>& keys, std::size_t count) {
+    constexpr std::size_t kBlockBytes = 4 << 10;
     std::array<TarvoKey<T>, kBlockBytes / sizeof(TarvoKey<T>)> block;
     const std::size_t announced = keys.size() + count;
-    while (keys.size() < announced) {
-        const std::size_t wanted = std::min(block.size(), announced - keys.size());
-        const std::size_t there = ReadWhole(load, std::span(block).first(wanted));
-        MakeRoom(keys, there, announced);
-        keys.insert(keys.end(), block.begin(), block.begin() + static_cast<std::ptrdiff_t>(there));
-        if (there < wanted) return false;
+    KeysRead read;
+    while (read.areAll && keys.size() < announced) {
+        const std::size_t before = keys.size();
+        const auto wanted = std::span(block).first(std::min(block.size(), announced - before));
+        const auto there = wanted.first(ReadWhole(load, wanted));
+        MakeRoom(keys, there.size(), announced);
+        keys.insert(keys.end(), there.begin(), there.end());
+        read.areAll = there.size() == wanted.size();
+        read.rise = read.rise && RiseFrom(keys, before);
     }
-    return true;
+    return read;
 }
 
+// Whether the times of all keys rise afterwards, if they did so before.
 template <class T>
-void ReadRecords(ILoad& load, KeyTable<T>& table) {
+bool ReadRecords(ILoad& load, KeyTable<T>& table) {
     std::int32_t count = 0;
     if (!IsNext(load, kFormatVersion) || !IsNext(load, sizeof(TarvoKey<T>)) ||
         !ReadWhole(load, count))
-        return;
+        return true;
     const auto announced = static_cast<std::size_t>(std::max(count, 0));
-    if (ReadKeys(load, table.keys.EditWhole(), announced)) ReadWhole(load, table.currentKey);
+    const KeysRead read = ReadKeys(load, table.keys.EditWhole(), announced);
+    if (read.areAll) ReadWhole(load, table.currentKey);
+    return read.rise;
 }
 
 }  // namespace
@@ -85,10 +103,10 @@ void SaveKeys(ISave& save, const KeyTable<T>& table) {
 template <class T>
 void LoadKeys(ILoad& load, KeyTable<T>& table) {
     if (load.OpenChunk() != IO_OK) return;
-    if (load.CurChunkID() == kKeysChunk) ReadRecords(load, table);
+    const bool rise = load.CurChunkID() != kKeysChunk || ReadRecords(load, table);
     load.CloseChunk();
     table.names.VoidAll();
-    SortByTime(table.keys.EditWhole());
+    if (!rise) SortByTime(table.keys.EditWhole());
     table.keys.EditWhole()
         .shrink_to_fit();  // large scenes are opened only to be looked at and saved
 }
