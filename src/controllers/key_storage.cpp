@@ -58,7 +58,7 @@ struct KeysRead {
 // the processor, since a long table is not.
 template <class T>
 KeysRead ReadKeys(ILoad& load, std::vector<TarvoKey<T>>& keys, std::size_t count) {
-    constexpr std::size_t kBlockBytes = 4 << 10;
+    constexpr std::size_t kBlockBytes = 8 << 10;
     std::array<TarvoKey<T>, kBlockBytes / sizeof(TarvoKey<T>)> block;
     const std::size_t announced = keys.size() + count;
     KeysRead read;
