@@ -7,7 +7,6 @@ namespace headless {
 namespace {
 
 constexpr std::size_t kSourceBytes = std::size_t{64} * 1024;
-constexpr std::size_t kLargePiece = kSourceBytes / 2;
 
 }  // namespace
 
@@ -33,7 +32,7 @@ std::size_t FileSource::ReadAt(std::uint64_t position, std::span<std::byte> byte
     if (known == bytes.size()) return known;
     const auto rest = bytes.subspan(known);
     position += known;
-    if (rest.size() >= kLargePiece) return known + FromFile(position, rest);
+    if (rest.size() >= kSourceBytes) return known + FromFile(position, rest);
     block_.resize(kSourceBytes);
     blockBegin_ = position;
     block_.resize(FromFile(position, block_));

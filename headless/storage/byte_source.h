@@ -30,8 +30,8 @@ class MemorySource final : public ByteSource {
     std::span<const std::byte> bytes_;
 };
 
-// A file; one that cannot be opened has no bytes. Small pieces are read by the block, so that
-// those near each other do not cost a call to the system each; large ones go past it.
+// A file; one that cannot be opened has no bytes. It is read a block at a time, so that small
+// pieces near each other do not cost a call to the system each.
 class FileSource final : public ByteSource {
   public:
     explicit FileSource(const std::string& path);
