@@ -3,6 +3,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -15,6 +16,8 @@
 #include "nodes/max_node.h"
 #include "nodes/node_list.h"
 #include "scene_state/node_tags.h"
+#include "scene_state/state_format.h"
+#include "scene_state/tagged_nodes.h"
 #include "tvl/ids.h"
 
 namespace {
@@ -153,13 +156,45 @@ void GatherState(benchmark::State& state, int nodes) {
         [](Rig&, BenchWorld&) { GatherSceneState(); });
 }
 
+// A plain walk over the tagged nodes, which no way of gathering does without: each tag is read,
+// parsed and kept, and then cleared on its node.
+void ReadTags(benchmark::State& state, int nodes) {
+    Plugins plugins;
+    MeasureEach(
+        state, nodes,
+        [&](Rig&, BenchWorld&) {
+            plugins = MakePlugins(nodes);
+            StoreSceneState();
+            LetNodesGo();
+        },
+        [&](Rig&, BenchWorld&) {
+            std::vector<std::unique_ptr<XMLNode>> tags;
+            WalkScene([&](INode& node) {
+                const auto text = TagTextOn(node);
+                if (text) tags.push_back(std::make_unique<XMLNode>(*text));
+            });
+            WalkScene([](INode& node) { node.SetUserPropString(kNodeTag, ""); });
+            if (tags.size() != static_cast<std::size_t>(nodes)) state.SkipWithError("other tags");
+        });
+}
+
+// The same of storing: a text of a tag's length onto each node.
+void WriteTexts(benchmark::State& state, int nodes) {
+    const std::string text(64, 'x');
+    MeasureEach(
+        state, nodes, [&](Rig& rig, BenchWorld&) { rig.MakeNodes(nodes); },
+        [&](Rig&, BenchWorld&) {
+            WalkScene([&](INode& node) { node.SetUserPropString(kNodeTag, text); });
+        });
+}
+
 using Work = void (*)(benchmark::State&, int);
 
 void Register(const std::string& name, Work work) {
     const auto run = [work](benchmark::State& state) {
         work(state, static_cast<int>(state.range(0)));
     };
-    benchmark::RegisterBenchmark((name + "/ours").c_str(), run)
+    benchmark::RegisterBenchmark(name.c_str(), run)
         ->Arg(kManyNodes)
         ->Arg(kMostNodes)
         ->Iterations(1)
@@ -167,10 +202,12 @@ void Register(const std::string& name, Work work) {
 }
 
 const bool scenesAreRegistered = [] {
-    Register("undo the creation of nodes", UndoCreation);
-    Register("delete by the user and undo that", UserDeletes);
-    Register("store the scene's state", StoreState);
-    Register("gather the scene's state", GatherState);
+    Register("undo the creation of nodes/ours", UndoCreation);
+    Register("delete by the user and undo that/ours", UserDeletes);
+    Register("store the scene's state/ours", StoreState);
+    Register("store the scene's state/plain walk", WriteTexts);
+    Register("gather the scene's state/ours", GatherState);
+    Register("gather the scene's state/plain walk", ReadTags);
     return true;
 }();
 
