@@ -146,8 +146,8 @@ void SceneNode::SetNodeTM(TimeValue t, const Matrix3& world) {
     if (!transform_) return;
     SetXFormPacket packet;
     packet.command = XFORM_SET;
-    if (parent_) packet.tmParent = parent_->GetNodeTM(t, nullptr);
     packet.tmAxis = world;
+    if (parent_ && !parent_->IsRootNode()) packet.tmParent = parent_->GetNodeTM(t, nullptr);
     transform_->SetValue(t, &packet, 1, CTRL_ABSOLUTE);
 }
 

@@ -51,6 +51,7 @@ void Scene::Clear() {
     names_ = NameBook();
     addresses_.clear();
     // What a node does on its way out can ask for others, which are not there any more.
+    found_ = nullptr;
     const auto leaving = std::exchange(nodes_, {});
 }
 
@@ -60,8 +61,10 @@ void Scene::Close() {
 }
 
 SceneNode* Scene::Find(std::uint32_t handle) const {
+    if (found_ && found_->Handle() == handle) return found_;
     const auto found = nodes_.find(handle);
-    return found == nodes_.end() ? nullptr : found->second.get();
+    if (found == nodes_.end()) return nullptr;
+    return found_ = found->second.get();
 }
 
 bool Scene::IsThere(const SceneNode& node) const {
@@ -123,6 +126,7 @@ void Scene::Enter(const NodePtr& node, SceneNode& parent, std::size_t index) {
         node->Hang(IsThere(parent) ? parent : *root_, index);
     } catch (...) {
         addresses_.erase(node.get());
+        found_ = nullptr;
         nodes_.erase(node->Handle());
         node->MarkLeft(true);
         throw;
@@ -142,6 +146,7 @@ void Scene::Leave(SceneNode& node) {
     names_.Remove(node.Name());
     addresses_.erase(&node);
     node.MarkLeft(true);
+    found_ = nullptr;
     nodes_.erase(node.Handle());
 }
 

@@ -67,6 +67,7 @@ class Scene {
     NodePtr root_;
     std::unordered_map<std::uint32_t, NodePtr> nodes_;
     std::unordered_set<const INode*> addresses_;  // of the same nodes
+    mutable SceneNode* found_ = nullptr;  // by Find, the last time; null once a node has left
     NameBook names_;
     std::uint32_t lastHandle_ = 0;  // goes on when the scene is emptied
 };

@@ -35,15 +35,21 @@ constexpr std::array<double, 7> kPerMetre{
     kInchesPerMetre, kInchesPerMetre / 12, kInchesPerMetre / 63360, 1000, 100, 1, 0.001,
 };
 
-struct MasterUnits {
-    int type = 0;
-    float scale = 1;
-};
-MasterUnits masterUnits;
-
 double PerMetre(int type) {
     return kPerMetre[static_cast<std::size_t>(type)];
 }
+
+struct MasterUnits {
+    MasterUnits(int unitType, float unitScale) : type(unitType), scale(unitScale) {
+        for (std::size_t other = 0; other < sizes.size(); ++other)
+            sizes[other] = static_cast<double>(scale) * kPerMetre[other] / PerMetre(type);
+    }
+
+    int type;
+    float scale;
+    std::array<double, kPerMetre.size()> sizes;  // of a host unit, in each type
+};
+MasterUnits masterUnits(0, 1);
 
 }  // namespace
 
@@ -131,5 +137,5 @@ void GetMasterUnitInfo(int* type, float* scale) {
 double GetMasterScale(int type) {
     using namespace headless;
     if (!IsUnitType(type)) return 1;
-    return static_cast<double>(masterUnits.scale) * PerMetre(type) / PerMetre(masterUnits.type);
+    return masterUnits.sizes[static_cast<std::size_t>(type)];
 }

@@ -1,6 +1,6 @@
 #include "headless/scene_view.h"
 
-#include <set>
+#include <algorithm>
 
 #include "headless/classes/class_registry.h"
 #include "headless/memory_chunks.h"
@@ -39,16 +39,18 @@ std::size_t StoredBytes(Animatable& part) {
 
 KeyView KeysOf(Animatable& controller) {
     KeyView keys;
-    std::set<TimeValue> times;
+    std::vector<TimeValue> times;
     for (Animatable* part : WithParts(controller)) {
-        for (int i = 0; i < part->NumKeys(); ++i)
-            times.insert(times.end(), part->GetKeyTime(i));
+        for (int i = 0, count = part->NumKeys(); i < count; ++i)
+            times.push_back(part->GetKeyTime(i));
         keys.storedBytes += StoredBytes(*part);
     }
+    std::sort(times.begin(), times.end());
+    times.erase(std::unique(times.begin(), times.end()), times.end());
     keys.count = static_cast<int>(times.size());
     if (!times.empty()) {
-        keys.first = *times.begin();
-        keys.last = *times.rbegin();
+        keys.first = times.front();
+        keys.last = times.back();
     }
     return keys;
 }

@@ -13,13 +13,6 @@ bool IsFinite(const Matrix3& matrix) {
 
 }  // namespace
 
-void Matrix3::IdentityMatrix() {
-    for (int row = 0; row < 4; ++row)
-        for (int column = 0; column < 3; ++column)
-            m[row][column] = row == column ? 1.0F : 0.0F;
-    flags = kPositionIdentity | kRotationIdentity | kScaleIdentity;
-}
-
 void Matrix3::SetTranslate(const Point3& offset) {
     IdentityMatrix();
     SetRow(3, offset);

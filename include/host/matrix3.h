@@ -1,5 +1,6 @@
 #pragma once
 
+#include <bit>
 #include <cmath>
 #include <cstdint>
 
@@ -37,7 +38,12 @@ class HOST_API Matrix3 {
         ValidateFlags();
     }
 
-    void IdentityMatrix();
+    void IdentityMatrix() {
+        for (int row = 0; row < 4; ++row)
+            for (int column = 0; column < 3; ++column)
+                m[row][column] = row == column ? 1.0F : 0.0F;
+        flags = kPositionIdentity | kRotationIdentity | kScaleIdentity;
+    }
     Point3 GetRow(int row) const { return {m[row][0], m[row][1], m[row][2]}; }
 
     // Leaves the flags to ValidateFlags.
@@ -59,9 +65,8 @@ class HOST_API Matrix3 {
     // host's, pointing the same way. Scale: the three axes have length 1.
     void ValidateFlags() {
         flags = 0;
-        if (m[3][0] == 0 && m[3][1] == 0 && m[3][2] == 0) flags |= kPositionIdentity;
-        const bool straight = m[0][1] == 0 && m[0][2] == 0 && m[1][0] == 0 && m[1][2] == 0 &&
-                              m[2][0] == 0 && m[2][1] == 0;
+        if (AreZero(m[3][0], m[3][1], m[3][2])) flags |= kPositionIdentity;
+        const bool straight = AreZero(m[0][1], m[0][2], m[1][0], m[1][2], m[2][0], m[2][1]);
         if (straight && m[0][0] > 0 && m[1][1] > 0 && m[2][2] > 0) flags |= kRotationIdentity;
         if (IsUnitRow(m[0]) && IsUnitRow(m[1]) && IsUnitRow(m[2])) flags |= kScaleIdentity;
     }
@@ -93,6 +98,12 @@ class HOST_API Matrix3 {
   private:
     // How far the square of a row's length may lie from 1 for the row to count as unscaled.
     static constexpr float kUnitRowTolerance = 1e-6F;
+
+    // Their bits are, but for the sign.
+    template <class... Floats>
+    static bool AreZero(Floats... numbers) {
+        return (std::bit_cast<std::uint32_t>(numbers) | ...) << 1 == 0;
+    }
 
     static bool IsUnitRow(const float* row) {
         const float square = row[0] * row[0] + row[1] * row[1] + row[2] * row[2];
