@@ -1,6 +1,29 @@
 #include "measures/core_space.h"
 
+#include <cmath>
+
 #include "host/units.h"
+
+// Where the base and its inverse are 0, and they are so but for one number in each column, a sum of
+// products is that one product and zeros, and never −0. Only a number without end, or none at all,
+// times 0 is something else: with such a one the whole product is worked out.
+
+namespace {
+
+TVL::CMatrix4 BaseFor(double s) {
+    return {{{s, 0, 0, 0}, {0, 0, s, 0}, {0, -s, 0, 0}, {0, 0, 0, 1}}};
+}
+
+bool IsFinite(const TVL::CMatrix4& matrix) {
+    double zeros[4] = {};
+    for (const auto& row : matrix.rows) {
+        for (int column = 0; column < 4; ++column)
+            zeros[column] += row[column] * 0;
+    }
+    return zeros[0] + zeros[1] + zeros[2] + zeros[3] == 0;
+}
+
+}  // namespace
 
 double HostUnitsPerMetre() {
     int type = 0;
@@ -10,6 +33,34 @@ double HostUnitsPerMetre() {
 }
 
 TVL::CMatrix4 CoreToHostBase() {
+    return BaseFor(HostUnitsPerMetre());
+}
+
+Matrix3 ToHostWorld(const TVL::CMatrix4& world) {
     const double s = HostUnitsPerMetre();
-    return kCoreToHostAxes * TVL::CMatrix4::Diagonal(s, s, s, 1);
+    if (!IsFinite(world)) return ToHost(world * BaseFor(s));
+    Matrix3 host;
+    for (int row = 0; row < 4; ++row) {
+        const double* const core = world[row];
+        host.SetRow(row, Point3(static_cast<float>(core[0] * s + 0.0),
+                                static_cast<float>(core[2] * -s + 0.0),
+                                static_cast<float>(core[1] * s + 0.0)));
+    }
+    host.ValidateFlags();
+    return host;
+}
+
+TVL::CMatrix4 ToCoreWorld(const Matrix3& world) {
+    const double s = HostUnitsPerMetre();
+    const TVL::CMatrix4 wide = ToCore(world);
+    const double determinant = s * (s * s);
+    if (!IsFinite(wide) || !std::isnormal(determinant)) return wide * Inverse(BaseFor(s));
+    const double back = s * s / determinant;  // 1 / s, as the inverse has it
+    TVL::CMatrix4 core = TVL::CMatrix4::Identity();
+    for (int row = 0; row < 4; ++row) {
+        core[row][0] = wide[row][0] * back + 0.0;
+        core[row][1] = wide[row][2] * back + 0.0;
+        core[row][2] = wide[row][1] * -back + 0.0;
+    }
+    return core;
 }

@@ -7,16 +7,17 @@
 // right-handed. A Core point (x, y, z) is the host point (s·x, −s·z, s·y), with s host units in one
 // metre. Nothing here is kept: a change of the host's units shows at the next call.
 
-// The axis change alone: Core Y is host Z, Core Z is host −Y.
-inline constexpr TVL::CMatrix4 kCoreToHostAxes{
-    {{1, 0, 0, 0}, {0, 0, 1, 0}, {0, -1, 0, 0}, {0, 0, 0, 1}}};
-
 // s, worked out anew from the host's unit setting.
 double HostUnitsPerMetre();
 
-// From Core world space to host world space: the axis change, then the factor s. It is the base of
-// every node below the root of the scene.
+// From Core world space to host world space: the axis change, Core Y being host Z and Core Z host
+// −Y, and the factor s. It is the base of every node below the root of the scene.
 TVL::CMatrix4 CoreToHostBase();
+
+// A world transform of the Core's × CoreToHostBase(), narrowed; the way back is × its inverse. Each
+// has the bits that the product has.
+Matrix3 ToHostWorld(const TVL::CMatrix4& world);
+TVL::CMatrix4 ToCoreWorld(const Matrix3& world);
 
 // A host matrix widened to doubles; the last column is 0, 0, 0, 1. Neither axes nor units change.
 inline TVL::CMatrix4 ToCore(const Matrix3& matrix) {

@@ -40,9 +40,8 @@ class CMAXNode::CMAXSnapshot final : public TVL::CoreNode::Snapshot, public Orph
   private:
     friend class SnapshotPool<CMAXSnapshot>;
 
-    TVL::CMatrix4 LocalBase(INode& host) const;
     TVL::CMatrix4 HostTransform(INode& host) const;
-    void SetHostTransform(INode& host, const TVL::CMatrix4& transform);
+    void SetHostTransform(INode& host, const Matrix3& transform);
 
     TimeValue ticks = 0;
     double seconds = 0;

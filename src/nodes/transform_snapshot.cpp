@@ -4,6 +4,16 @@
 #include "measures/host_clock.h"
 #include "nodes/snapshots.h"
 
+namespace {
+
+// What a local transform is relative to; null below the root, where it is the world transform.
+INode* ParentBelowRoot(INode& host) {
+    INode* const parent = host.GetParentNode();
+    return parent && !parent->IsRootNode() ? parent : nullptr;
+}
+
+}  // namespace
+
 void CMAXNode::CMAXSnapshot::Acquire(CMAXNode& lender, double time) {
     coreNode = &lender;
     ticks = SnapshotTicks(time);
@@ -18,12 +28,11 @@ void CMAXNode::CMAXSnapshot::LoseHost() {
 
 TVL::CMatrix4 CMAXNode::CMAXSnapshot::World() const {
     INode* const host = hostNode.Get();
-    if (!host) return TVL::CMatrix4::Identity();
-    return HostTransform(*host) * Inverse(CoreToHostBase());
+    return host ? ToCoreWorld(host->GetNodeTM(ticks)) : TVL::CMatrix4::Identity();
 }
 
 void CMAXNode::CMAXSnapshot::PutWorld(const TVL::CMatrix4& transform) {
-    if (INode* host = hostNode.Get()) SetHostTransform(*host, transform * CoreToHostBase());
+    if (INode* host = hostNode.Get()) SetHostTransform(*host, ToHostWorld(transform));
 }
 
 TVL::CMatrix4 CMAXNode::CMAXSnapshot::GetWorldTransform() {
@@ -35,31 +44,28 @@ void CMAXNode::CMAXSnapshot::SetWorldTransform(const TVL::CMatrix4& transform) {
 }
 
 TVL::CMatrix4 CMAXNode::CMAXSnapshot::GetLocalTransform() {
-    return AnswerCore("GetLocalTransform", TVL::CMatrix4::Identity(), [&]() -> TVL::CMatrix4 {
+    return AnswerCore("GetLocalTransform", TVL::CMatrix4::Identity(), [&] {
         INode* const host = hostNode.Get();
-        if (!host) return TVL::CMatrix4::Identity();
-        return HostTransform(*host) * Inverse(LocalBase(*host));
+        INode* const parent = host ? ParentBelowRoot(*host) : nullptr;
+        return parent ? HostTransform(*host) * Inverse(HostTransform(*parent)) : World();
     });
 }
 
 void CMAXNode::CMAXSnapshot::SetLocalTransform(const TVL::CMatrix4& transform) {
     AnswerCore("SetLocalTransform", [&] {
-        if (INode* host = hostNode.Get()) SetHostTransform(*host, transform * LocalBase(*host));
+        INode* const host = hostNode.Get();
+        INode* const parent = host ? ParentBelowRoot(*host) : nullptr;
+        if (!parent) return PutWorld(transform);
+        SetHostTransform(*host, ToHost(transform * HostTransform(*parent)));
     });
-}
-
-// What a local transform is relative to: the parent, or Core world space below the root.
-TVL::CMatrix4 CMAXNode::CMAXSnapshot::LocalBase(INode& host) const {
-    INode* const parent = host.GetParentNode();
-    return parent && !parent->IsRootNode() ? HostTransform(*parent) : CoreToHostBase();
 }
 
 TVL::CMatrix4 CMAXNode::CMAXSnapshot::HostTransform(INode& host) const {
     return ToCore(host.GetNodeTM(ticks));
 }
 
-void CMAXNode::CMAXSnapshot::SetHostTransform(INode& host, const TVL::CMatrix4& transform) {
-    host.SetNodeTM(ticks, ToHost(transform));
+void CMAXNode::CMAXSnapshot::SetHostTransform(INode& host, const Matrix3& transform) {
+    host.SetNodeTM(ticks, transform);
     AnnounceChange(host);
 }
 

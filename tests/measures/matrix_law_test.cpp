@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "headless/session.h"
 #include "tests/support/plain_arithmetic.h"
 
 namespace {
@@ -22,6 +23,28 @@ TEST(MatrixLaw, ProductsAndInversesHaveTheBitsOfTheirDefinitions) {
         for (int column = 0; column < 4; ++column)
             determinant += wide[0][column] * PlainCofactor(wide, 0, column);
         ASSERT_TRUE(SameBits(Determinant(wide), determinant)) << i;
+    }
+}
+
+// In units of all kinds, the smallest and the largest that a host takes among them.
+TEST(MatrixLaw, TheWayBetweenTheSpacesHasTheBitsOfTheProducts) {
+    std::mt19937 random(18);
+    for (const float scale : {1.0F, 0.0254F, 12.7F, 1e-38F, 3e38F}) {
+        for (int type = 0; type < 7; ++type) {
+            const headless::Session session({.unitType = type, .unitScale = scale});
+            const TVL::CMatrix4 base = CoreToHostBase();
+            for (int i = 0; i < 1000; ++i) {
+                const Matrix3 host = AnyMatrix(random);
+                TVL::CMatrix4 core = ToCore(host);
+                ASSERT_TRUE(SameBits(ToCoreWorld(host), PlainProduct(core, PlainInverse(base))))
+                    << type << ' ' << scale << ' ' << i;
+                for (double& cell : core.rows[random() % 4])
+                    cell *= random() % 4 == 0 ? 1e30 : -1;
+                core[random() % 4][3] = static_cast<double>(AnyMatrix(random).m[2][1]);
+                ASSERT_TRUE(SameBits(ToHostWorld(core), ToHost(PlainProduct(core, base))))
+                    << type << ' ' << scale << ' ' << i;
+            }
+        }
     }
 }
 
