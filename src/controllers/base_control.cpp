@@ -31,6 +31,8 @@ BaseControl<T>::~BaseControl() = default;
 template <class T>
 template <template <class, class> class Record, class... Given>
 void BaseControl<T>::PutRecord(Given... given) {
+    static_assert(sizeof(Record<BaseControl, Key>) <= RecordRoom::kMost &&
+                  alignof(Record<BaseControl, Key>) <= RecordRoom::kAlignment);
     if (theHold.Holding()) theHold.Put(new Record<BaseControl, Key>(*this, given...));
 }
 

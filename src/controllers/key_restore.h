@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <utility>
 #include <vector>
 
 #include "controllers/base_control.h"
+#include "controllers/record_room.h"
 #include "foundation/thrown.h"
 #include "host/hold.h"
 
@@ -18,6 +20,9 @@
 template <class C, class K>
 class KeyRestore : public RestoreObj {
   public:
+    static void* operator new(std::size_t bytes) { return RecordRoom::Take(bytes); }
+    static void operator delete(void* record) noexcept { RecordRoom::GiveBack(record); }
+
     // The host hears of no exception. A step that finds no memory is not made, nor taken back.
     void Restore(int isUndo) final {
         Make("undo of a key", [&] { return TakeBack(isUndo != 0); });

@@ -73,7 +73,7 @@ template <class T>
 void KeyTable<T>::Insert(std::int32_t index, const Key& key, KeyName name) {
     keys.PrepareInsert(static_cast<std::size_t>(index));
     names.Insert(index, name);
-    keys.insert(static_cast<std::size_t>(index), key);
+    keys.InsertPrepared(static_cast<std::size_t>(index), key);
 }
 
 template <class T>

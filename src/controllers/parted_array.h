@@ -83,6 +83,10 @@ class PartedArray {
 
     void insert(std::size_t index, const E& element) {
         PrepareInsert(index);
+        InsertPrepared(index, element);
+    }
+    // Behind PrepareInsert(index).
+    void InsertPrepared(std::size_t index, const E& element) {
         if (parts_.empty()) {
             if (index == whole_.size())
                 whole_.push_back(element);

@@ -1,5 +1,7 @@
 #include "controllers/transform_control.h"
 
+#include <bit>
+#include <cstring>
 #include <new>
 
 #include "host/animate.h"
@@ -16,6 +18,39 @@ Matrix3 StepOf(const SetXFormPacket& packet) {
     return step;
 }
 
+bool IsIdentity(const Matrix3& matrix) {
+    const Matrix3 identity;
+    return std::memcmp(matrix.m, identity.m, sizeof matrix.m) == 0;
+}
+
+// Whether the identity, on whichever side, leaves the matrix as it is to the last bit: each number
+// has an end, so that 0 times it is 0, and none is −0, which such a 0 would turn.
+bool IsLeftByIdentity(const Matrix3& matrix) {
+    float numbers[3][4];
+    std::memcpy(numbers, matrix.m, sizeof numbers);
+    float zeros[4] = {};
+    std::uint32_t turned[4] = {};
+    for (const auto& four : numbers) {
+        for (int i = 0; i < 4; ++i) {
+            zeros[i] += four[i] * 0;
+            turned[i] |= std::bit_cast<std::uint32_t>(four[i]) ^
+                         std::bit_cast<std::uint32_t>(four[i] + 0.0F);
+        }
+    }
+    return zeros[0] + zeros[1] + zeros[2] + zeros[3] == 0 &&
+           (turned[0] | turned[1] | turned[2] | turned[3]) == 0;
+}
+
+// value × world × inverse(parent). As a rule the value is the identity, and below the root the
+// parent is, too.
+Matrix3 Placed(const Matrix3& value, const Matrix3& world, const Matrix3& parent) {
+    if (!IsIdentity(value) || !IsLeftByIdentity(world)) return value * world * Inverse(parent);
+    if (!IsIdentity(parent)) return world * Inverse(parent);
+    Matrix3 placed = world;
+    placed.ValidateFlags();
+    return placed;
+}
+
 Matrix3 Applied(const SetXFormPacket& packet, const Matrix3& value) {
     const Matrix3& parent = packet.tmParent;
     const Matrix3& axis = packet.tmAxis;
@@ -25,7 +60,7 @@ Matrix3 Applied(const SetXFormPacket& packet, const Matrix3& value) {
         case XFORM_SCALE:
             return value * parent * Inverse(axis) * StepOf(packet) * axis * Inverse(parent);
         case XFORM_SET:
-            return value * axis * Inverse(parent);
+            return Placed(value, axis, parent);
         default:
             return value;
     }

@@ -152,6 +152,24 @@ TEST_F(EvaluationLaw, WhatIsKeptBetweenEvaluationsIsNeverSeen) {
     }
 }
 
+TEST_F(EvaluationLaw, AWorldMatrixThatIsSetHasTheBitsOfItsProducts) {
+    for (int i = 0; i < 20000; ++i) {
+        SetXFormPacket packet;
+        packet.tmAxis = AnyMatrix(random_);
+        packet.tmAxis.flags = Any(8);  // as whoever made the matrix has left them
+        if (Any(2) == 0) packet.tmParent = AnyMatrix(random_);
+        Matrix3& value = control_->table.currentKey.value;
+        value = Any(2) == 0 ? AnyMatrix(random_) : Matrix3();
+        if (Any(8) == 0) value.m[Any(4)][Any(3)] *= -1;
+        const bool isAlone = Any(2) == 0;
+        const Matrix3 expected =
+            PlainProduct(PlainProduct(isAlone ? Matrix3() : value, packet.tmAxis),
+                         PlainInverse(packet.tmParent));
+        control_->SetValue(i, &packet, 1, isAlone ? CTRL_ABSOLUTE : CTRL_RELATIVE);
+        ASSERT_TRUE(SameBits(value, expected)) << i;
+    }
+}
+
 // Keys that lie evenly, nearly so, in heaps, with a rest or at two rates; in one array and in
 // parts.
 TEST_F(EvaluationLaw, ABracketIsFoundHoweverTheKeysLie) {
