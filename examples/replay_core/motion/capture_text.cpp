@@ -9,8 +9,6 @@ namespace replay {
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t\v\f\r";
-constexpr std::string_view kSeparators = " \t\v\f\r{}:";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";  // UTF-8, as some editors put it
 constexpr char kControlZ = '\x1A';
 constexpr std::size_t kLongestQuotation = 40;  // bytes
@@ -25,10 +23,22 @@ std::size_t BytesOf(std::istream& stream) {
     return end > start ? static_cast<std::size_t>(end - start) : 0;
 }
 
+bool IsBlank(char letter) {
+    return letter == ' ' || letter == '\t' || letter == '\v' || letter == '\f' || letter == '\r';
+}
+
+bool IsWordByItself(char letter) {
+    return letter == '{' || letter == '}' || letter == ':';
+}
+
+bool EndsWord(char letter) {
+    return IsBlank(letter) || IsWordByItself(letter);
+}
+
 std::string_view Trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
+    const auto first = std::ranges::find_if_not(text, IsBlank);
+    const auto last = std::find_if_not(text.rbegin(), text.rend(), IsBlank).base();
+    return first < last ? std::string_view(first, last) : std::string_view();
 }
 
 char Lowered(char letter) {
@@ -55,12 +65,11 @@ std::string_view CaptureText::NextWord() {
 }
 
 std::string_view CaptureText::NextWordOfLine() {
-    rest_ = Trimmed(rest_);
-    // Nothing before a separator in trimmed text: the separator is no blank, but a word itself.
-    const std::size_t length = rest_.find_first_of(kSeparators);
-    const std::string_view word = rest_.substr(0, std::max<std::size_t>(length, 1));
-    rest_.remove_prefix(word.size());
-    return word;
+    const auto first = std::ranges::find_if_not(rest_, IsBlank);
+    auto behind = std::find_if(first, rest_.end(), EndsWord);
+    if (behind == first && first != rest_.end()) ++behind;  // no blank, so a word by itself
+    rest_ = {behind, rest_.end()};
+    return {first, behind};
 }
 
 std::string_view CaptureText::NextName() {

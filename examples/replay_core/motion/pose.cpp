@@ -9,19 +9,20 @@ namespace {
 
 constexpr double kRadiansPerDegree = std::numbers::pi / 180.0;
 
-// A turn about axis 0, 1 or 2 (x, y, z), counter-clockwise when seen from the axis's far end: it
-// leads from the axis that follows in the circle x, y, z to the one after that.
-TVL::CMatrix4 Turn(int axis, double degrees) {
+// Multiplies `matrix` on the left by a turn about axis 0, 1 or 2 (x, y, z), counter-clockwise when
+// seen from the axis's far end: it leads from the axis that follows in the circle x, y, z to the
+// one after that, and touches these two rows alone. A sum begins with 0, as that of a product does.
+void TurnFirst(int axis, double degrees, TVL::CMatrix4& matrix) {
     const double cosine = std::cos(degrees * kRadiansPerDegree);
     const double sine = std::sin(degrees * kRadiansPerDegree);
-    const int next = (axis + 1) % 3;
-    const int after = (axis + 2) % 3;
-    TVL::CMatrix4 matrix = TVL::CMatrix4::Identity();
-    matrix[next][next] = cosine;
-    matrix[next][after] = sine;
-    matrix[after][next] = -sine;
-    matrix[after][after] = cosine;
-    return matrix;
+    double* const next = matrix[(axis + 1) % 3];
+    double* const after = matrix[(axis + 2) % 3];
+    for (int column = 0; column < 3; ++column) {
+        const double from = next[column];
+        const double to = after[column];
+        next[column] = 0.0 + cosine * from + sine * to;
+        after[column] = 0.0 + cosine * to - sine * from;
+    }
 }
 
 }  // namespace
@@ -43,13 +44,13 @@ TVL::CMatrix4 LocalTransform(const Joint& joint, std::span<const double> frame,
                 place[2] = value;
                 break;
             case Channel::kXrotation:
-                transform = Turn(0, value) * transform;
+                TurnFirst(0, value, transform);
                 break;
             case Channel::kYrotation:
-                transform = Turn(1, value) * transform;
+                TurnFirst(1, value, transform);
                 break;
             case Channel::kZrotation:
-                transform = Turn(2, value) * transform;
+                TurnFirst(2, value, transform);
                 break;
         }
     }
