@@ -107,7 +107,7 @@ std::size_t CountPlain(std::string_view text) {
 // There is no room for all of it.
 void XMLOutput::PutLong(std::string_view text) {
     Flush();
-    pieces.back() += text;
+    last += text;
 }
 
 void XMLOutput::PutEscaped(std::string_view text) {
@@ -128,22 +128,25 @@ void XMLOutput::PutReference(char byte) {
 
 std::string XMLOutput::Finish() {
     Flush();
-    if (pieces.size() == 1) return std::move(pieces.front());
-    std::size_t size = 0;
-    for (const std::string& piece : pieces)
+    if (full.empty()) return std::move(last);
+    std::size_t size = last.size();
+    for (const std::string& piece : full)
         size += piece.size();
     std::string whole;
     whole.reserve(size);
-    for (const std::string& piece : pieces)
+    for (const std::string& piece : full)
         whole += piece;
+    whole += last;
     return whole;
 }
 
 void XMLOutput::Flush() {
     constexpr std::size_t kPieceBytes = 64 * 1024;
-    const bool hasRoom = pieces.back().size() + used <= kPieceBytes;
-    if (!hasRoom) pieces.emplace_back().reserve(kPieceBytes);
-    pieces.back().append(gathered.data(), used);
+    if (last.size() + used > kPieceBytes) {
+        full.push_back(std::exchange(last, {}));
+        last.reserve(kPieceBytes);
+    }
+    last.append(gathered.data(), used);
     used = 0;
 }
 

@@ -61,7 +61,8 @@ class XMLOutput {
     void Flush();
     void PutReference(char byte);
 
-    std::vector<std::string> pieces{1};
+    std::vector<std::string> full;  // the pieces ahead of the last one
+    std::string last;
     std::array<char, 4096> gathered;
     std::size_t used = 0;
 };
