@@ -154,4 +154,28 @@ TEST_F(ReferencesTest, DependentsMayComeGoAndEndWhileTheyAreTold) {
         link->DeleteMe();
 }
 
+TEST_F(ReferencesTest, ThePlaceOfOneWhoLeftInAWalkIsNotKept) {
+    auto* target = new Link("target");
+    auto* other = new Link("other", target);
+    auto* restless = new Link("restless", target);
+    const auto leaveAndComeBack = [&] {
+        restless->ReplaceReference(0, nullptr);
+        restless->ReplaceReference(0, target);
+    };
+    const auto announceTwice = [&] {
+        restless->onHeard = [&] {
+            restless->onHeard = leaveAndComeBack;
+            target->NotifyDependents(FOREVER, PART_ALL, REFMSG_CHANGE);
+        };
+        target->Announce();
+    };
+    announceTwice();
+    const std::size_t before = heapCounts.liveBytes;
+    for (int round = 0; round < 100; ++round)
+        announceTwice();
+    EXPECT_EQ(heapCounts.liveBytes, before);
+    other->DeleteMe();
+    restless->DeleteMe();
+}
+
 }  // namespace
