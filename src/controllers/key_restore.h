@@ -58,15 +58,15 @@ class KeyPresenceRestore : public KeyRestore<C, K> {
   protected:
     // Comes to `place`.
     KeyPresenceRestore(C& changed, std::int32_t place, TimeValue at, KeyName comes)
-        : KeyRestore<C, K>(changed), key{0, at, {}}, index(place), name(comes), isAddition(true) {}
+        : KeyRestore<C, K>(changed), key{0, at, {}}, isAddition(true), index(place), name(comes) {}
 
     // Goes from `place`.
     KeyPresenceRestore(C& changed, std::int32_t place)
         : KeyRestore<C, K>(changed),
           key(this->Table().At(place)),
+          isAddition(false),
           index(place),
-          name(this->Table().names.Give(place)),
-          isAddition(false) {}
+          name(this->Table().names.Give(place)) {}
 
   private:
     bool TakeBack(bool) final { return Turn(true); }
@@ -99,10 +99,10 @@ class KeyPresenceRestore : public KeyRestore<C, K> {
     }
 
     K key;  // of a key that comes the time alone, until it goes
-    std::int32_t index;
-    KeyName name;
     bool undone = false;
     bool isAddition;
+    std::int32_t index;
+    KeyName name;
 };
 
 // A key pushed at the end, whose position is `place`.
