@@ -66,7 +66,9 @@ constexpr std::size_t kCacheLine = 64;
 
 void Fetch(const RestoreObj* record) {
     __builtin_prefetch(record);
-    __builtin_prefetch(reinterpret_cast<const std::byte*>(record) + kCacheLine);
+    const auto address =
+        reinterpret_cast<std::uintptr_t>(record);  // the next line may be another's
+    __builtin_prefetch(reinterpret_cast<const void*>(address + kCacheLine));
 }
 
 class FlipRecord final : public RestoreObj {

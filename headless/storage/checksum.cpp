@@ -27,7 +27,7 @@ std::uint32_t Shifted(std::uint32_t difference, std::uint64_t count) {
 }  // namespace
 
 void Checksum::Append(std::span<const std::byte> bytes) {
-    value_ = Continued(value_, bytes);
+    if (!bytes.empty()) value_ = Continued(value_, bytes);  // no bytes at all begin it anew
 }
 
 // The checksum is linear: that of two messages' difference is the difference of theirs, but for the

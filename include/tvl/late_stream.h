@@ -43,7 +43,6 @@ class LateStream {
         return *Made();
     }
     Stream* operator->() { return &**this; }
-    operator Stream&() { return **this; }
 
     // To write makes the stream; to ask does not.
     template <class Value>

@@ -37,12 +37,14 @@ NewFile MakeNewFile(const std::string& path, std::string& reason) {
     return NewFile::kRefused;
 }
 
-void StartFlush(const std::string& path) {
+void StartFlush([[maybe_unused]] const std::string& path) {
+#if defined(SYNC_FILE_RANGE_WRITE)
     const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0) return;
     constexpr off64_t kToTheEnd = 0;
     sync_file_range(file, 0, kToTheEnd, SYNC_FILE_RANGE_WRITE);
     close(file);
+#endif
 }
 
 // Once the name has moved, the folder is flushed as well as its file system can: the old file is

@@ -22,14 +22,19 @@ bool ReadWhole(ILoad& load, Value& value) {
 }
 
 // As many values as are whole there, all of them only if the host says so; those behind are
-// undefined. For a few thousand bytes, and not for none.
+// undefined. For a few thousand bytes, and not for none. A host that gives nothing where it cannot
+// give all is asked for one after the other.
 template <class Value>
-std::size_t ReadWhole(ILoad& load, std::span<Value> values) {
+std::size_t ReadRun(ILoad& load, std::span<Value> values) {
     static_assert(std::is_trivially_copyable_v<Value>);
     std::uint32_t read = 0;
     const auto wanted = static_cast<std::uint32_t>(values.size_bytes());
     if (load.Read(values.data(), wanted, &read) == IO_OK && read == wanted) return values.size();
-    return std::min<std::size_t>(read / sizeof(Value), values.size() - 1);
+    if (read > 0) return std::min<std::size_t>(read / sizeof(Value), values.size() - 1);
+    std::size_t whole = 0;
+    while (whole < values.size() && ReadWhole(load, values[whole]))
+        ++whole;
+    return whole;
 }
 
 // A host that runs out of room says so itself when the file is closed.
@@ -42,7 +47,7 @@ void WriteWhole(ISave& save, const Value& value) {
 
 // One behind the other, in pieces that the host can count.
 template <class Value>
-void WriteWhole(ISave& save, std::span<const Value> values) {
+void WriteRun(ISave& save, std::span<const Value> values) {
     constexpr std::size_t kMostAtOnce = (1 << 30) / sizeof(Value);
     while (!values.empty()) {
         const auto piece = values.first(std::min(values.size(), kMostAtOnce));

@@ -58,7 +58,7 @@ class KeyPresenceRestore : public KeyRestore<C, K> {
   protected:
     // Comes to `place`.
     KeyPresenceRestore(C& changed, std::int32_t place, TimeValue at, KeyName comes)
-        : KeyRestore<C, K>(changed), key{0, at, {}}, isAddition(true), index(place), name(comes) {}
+        : KeyRestore<C, K>(changed), isAddition(true), index(place), time(at), name(comes) {}
 
     // Goes from `place`.
     KeyPresenceRestore(C& changed, std::int32_t place)
@@ -66,6 +66,7 @@ class KeyPresenceRestore : public KeyRestore<C, K> {
           key(this->Table().At(place)),
           isAddition(false),
           index(place),
+          time(key.time),
           name(this->Table().names.Give(place)) {}
 
   private:
@@ -81,7 +82,7 @@ class KeyPresenceRestore : public KeyRestore<C, K> {
     // An added key comes back as it was when it was undone, a deleted one as it was deleted.
     bool TakeOut() {
         auto& table = this->Table();
-        const std::int32_t place = table.IndexOf(key.time, name, index);
+        const std::int32_t place = table.IndexOf(time, name, index);
         if (place < 0) return false;
         if (isAddition) key = table.At(place);
         table.Remove(place);
@@ -92,16 +93,17 @@ class KeyPresenceRestore : public KeyRestore<C, K> {
     // value has lost its meaning.
     bool PutBack() {
         auto& table = this->Table();
-        const std::int32_t place = table.PlaceFor(key.time, index);
+        const std::int32_t place = table.PlaceFor(time, index);
         if (place < 0 || !table.names.IsValid(name)) return false;
         table.Insert(place, key, name);
         return true;
     }
 
-    K key;  // of a key that comes the time alone, until it goes
+    K key;
     bool undone = false;
     bool isAddition;
     std::int32_t index;
+    TimeValue time;
     KeyName name;
 };
 

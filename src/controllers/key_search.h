@@ -8,7 +8,8 @@
 
 #include "host/types.h"
 
-// The ticks from one time to another that is not earlier, for any two times.
+// The ticks from one time to another that is not earlier, for any two times. To an earlier one they
+// are more than from there to any key behind.
 inline std::uint32_t TicksFrom(TimeValue from, TimeValue to) {
     return static_cast<std::uint32_t>(to) - static_cast<std::uint32_t>(from);
 }

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <new>
 #include <span>
 #include <vector>
 
@@ -45,8 +46,12 @@ void MakeRoom(std::vector<TarvoKey<T>>& keys, std::size_t more, std::size_t anno
     constexpr std::size_t kBelief = 8;
     const std::size_t needed = keys.size() + more;
     if (needed <= keys.capacity()) return;
-    keys.reserve(
-        std::max(needed, std::min(announced, std::max(kAlwaysBelieved, keys.size() * kBelief))));
+    const std::size_t believed = std::max(kAlwaysBelieved, keys.size() * kBelief);
+    try {
+        keys.reserve(std::max(needed, std::min(announced, believed)));
+    } catch (const std::bad_alloc&) {
+        // The array grows as it needs to, as far as it can.
+    }
 }
 
 struct KeysRead {
@@ -65,7 +70,7 @@ KeysRead ReadKeys(ILoad& load, std::vector<TarvoKey<T>>& keys, std::size_t count
     while (read.areAll && keys.size() < announced) {
         const std::size_t before = keys.size();
         const auto wanted = std::span(block).first(std::min(block.size(), announced - before));
-        const auto there = wanted.first(ReadWhole(load, wanted));
+        const auto there = wanted.first(ReadRun(load, wanted));
         MakeRoom(keys, there.size(), announced);
         keys.insert(keys.end(), there.begin(), there.end());
         read.areAll = there.size() == wanted.size();
@@ -95,7 +100,7 @@ void SaveKeys(ISave& save, const KeyTable<T>& table) {
     WriteWhole(save, kFormatVersion);
     WriteWhole(save, std::int32_t{sizeof(TarvoKey<T>)});
     WriteWhole(save, table.Count());
-    WriteWhole(save, std::span(table.keys.Whole()));
+    WriteRun(save, std::span(table.keys.Whole()));
     WriteWhole(save, table.currentKey);
     save.EndChunk();
 }
@@ -107,8 +112,8 @@ void LoadKeys(ILoad& load, KeyTable<T>& table) {
     load.CloseChunk();
     table.names.VoidAll();
     if (!rise) SortByTime(table.keys.EditWhole());
-    table.keys.EditWhole()
-        .shrink_to_fit();  // large scenes are opened only to be looked at and saved
+    // Large scenes are opened only to be looked at and saved.
+    table.keys.EditWhole().shrink_to_fit();
 }
 
 template void SaveKeys(ISave&, const KeyTable<float>&);

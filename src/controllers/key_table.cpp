@@ -95,7 +95,5 @@ void KeyTable<T>::Clear() {
     keys.clear();
 }
 
-template struct KeyBracket<float>;
-template struct KeyBracket<Matrix3>;
 template struct KeyTable<float>;
 template struct KeyTable<Matrix3>;

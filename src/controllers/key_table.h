@@ -29,7 +29,7 @@ template <class T>
 struct KeyBracket {
     const TarvoKey<T>* left;
     const TarvoKey<T>* right;
-    std::int32_t index;  // of the left key; 0 where there is no key
+    std::int32_t index;  // of the left key; where there is no key what lookupIndex is
 
     bool IsOneKey() const { return left == right; }
 

@@ -85,7 +85,7 @@ class PartedArray {
         PrepareInsert(index);
         InsertPrepared(index, element);
     }
-    // Behind PrepareInsert(index).
+    // Behind PrepareInsert(index), which made the new edition, with no look at the array between.
     void InsertPrepared(std::size_t index, const E& element) {
         if (parts_.empty()) {
             if (index == whole_.size())

@@ -10,10 +10,6 @@
 
 namespace {
 
-TVL::CMatrix4 BaseFor(double s) {
-    return {{{s, 0, 0, 0}, {0, 0, s, 0}, {0, -s, 0, 0}, {0, 0, 0, 1}}};
-}
-
 bool IsFinite(const TVL::CMatrix4& matrix) {
     double zeros[4] = {};
     for (const auto& row : matrix.rows) {
@@ -33,12 +29,13 @@ double HostUnitsPerMetre() {
 }
 
 TVL::CMatrix4 CoreToHostBase() {
-    return BaseFor(HostUnitsPerMetre());
+    const double s = HostUnitsPerMetre();
+    return {{{s, 0, 0, 0}, {0, 0, s, 0}, {0, -s, 0, 0}, {0, 0, 0, 1}}};
 }
 
 Matrix3 ToHostWorld(const TVL::CMatrix4& world) {
+    if (!IsFinite(world)) return ToHost(world * CoreToHostBase());
     const double s = HostUnitsPerMetre();
-    if (!IsFinite(world)) return ToHost(world * BaseFor(s));
     Matrix3 host;
     for (int row = 0; row < 4; ++row) {
         const double* const core = world[row];
@@ -54,7 +51,7 @@ TVL::CMatrix4 ToCoreWorld(const Matrix3& world) {
     const double s = HostUnitsPerMetre();
     const TVL::CMatrix4 wide = ToCore(world);
     const double determinant = s * (s * s);
-    if (!IsFinite(wide) || !std::isnormal(determinant)) return wide * Inverse(BaseFor(s));
+    if (!IsFinite(wide) || !std::isnormal(determinant)) return wide * Inverse(CoreToHostBase());
     const double back = s * s / determinant;  // 1 / s, as the inverse has it
     TVL::CMatrix4 core = TVL::CMatrix4::Identity();
     for (int row = 0; row < 4; ++row) {

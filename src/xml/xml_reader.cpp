@@ -39,7 +39,8 @@ std::string_view TakeUntil(std::string_view& text) {
     return taken;
 }
 
-std::string_view TakeWord(std::string_view& text) {
+// Taken off the front.
+std::string_view FirstWord(std::string_view& text) {
     return TakeUntil<&ByteKind::isSpace>(text);
 }
 
@@ -91,10 +92,10 @@ void SetText(XMLNode& node, XMLNode::Kind kind, std::string_view text) {
 XMLNode::ParseResult ReadXMLTag(XMLNode& node, std::string_view tagText) {
     const bool hasReferences = tagText.find('&') != std::string_view::npos;
     node.kind = XMLNode::kElement;
-    node.name = TakeWord(tagText);
+    node.name = FirstWord(tagText);
     if (node.name.empty()) {
         SkipSpace(tagText);
-        TakeWord(tagText);
+        FirstWord(tagText);
     }
     if (hasReferences) UnescapeXML(node.name);
     return ParseXMLAttributes(node, tagText, hasReferences);

@@ -83,6 +83,10 @@ char* ExpandReference(std::string_view& text, char* to) {
     return to + 1;
 }
 
+void PutReference(char byte, XMLOutput& out) {
+    out.Put(kReferenceStart, std::to_string(static_cast<unsigned char>(byte)), ";");
+}
+
 }  // namespace
 
 std::size_t CountPlain(std::string_view text) {
@@ -104,26 +108,22 @@ std::size_t CountPlain(std::string_view text) {
     return at;
 }
 
-// There is no room for all of it.
-void XMLOutput::PutLong(std::string_view text) {
-    Flush();
-    last += text;
-}
-
-void XMLOutput::PutEscaped(std::string_view text) {
+void EscapeXML(std::string_view text, XMLOutput& out) {
     while (true) {
-        Put(Take(text, CountPlain(text)));
+        out.Put(Take(text, CountPlain(text)));
         if (text.empty()) return;
         if (text.front() == '"')
-            Put("\"");
+            out.Put("\"");
         else
-            PutReference(text.front());
+            PutReference(text.front(), out);
         text.remove_prefix(1);
     }
 }
 
-void XMLOutput::PutReference(char byte) {
-    Put(kReferenceStart, std::to_string(static_cast<unsigned char>(byte)), ";");
+// There is no room for all of it.
+void XMLOutput::PutLong(std::string_view text) {
+    Flush();
+    last += text;
 }
 
 std::string XMLOutput::Finish() {

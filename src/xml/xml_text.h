@@ -38,13 +38,9 @@ inline char* CopyText(char* to, std::string_view text) {
 // time, into memory that the system has to clear first.
 class XMLOutput {
   public:
-    void Put(std::convertible_to<std::string_view> auto... texts) {
+    void Put(const std::convertible_to<std::string_view> auto&... texts) {
         PutPieces(std::string_view(texts)...);
     }
-
-    // As the writer stores it: '&', '<', and every byte that is not printable ASCII becomes a
-    // decimal reference such as "&#229;".
-    void PutEscaped(std::string_view text);
 
     // All that was put; nothing is put after it.
     std::string Finish();
@@ -59,13 +55,16 @@ class XMLOutput {
     }
     void PutLong(std::string_view text);
     void Flush();
-    void PutReference(char byte);
 
     std::vector<std::string> full;  // the pieces ahead of the last one
     std::string last;
     std::array<char, 4096> gathered;
     std::size_t used = 0;
 };
+
+// Puts the text as the writer stores it: '&', '<', and every byte that is not printable ASCII
+// becomes a decimal reference such as "&#229;".
+void EscapeXML(std::string_view text, XMLOutput& out);
 
 // The number of bytes at the front that the writer leaves as they are, also between double quotes.
 std::size_t CountPlain(std::string_view text);

@@ -51,11 +51,11 @@ class XMLWriter {
                 BeginElement(node);
                 break;
             case XMLNode::kText:
-                out.PutEscaped(node.name);
+                EscapeXML(node.name, out);
                 break;
             case XMLNode::kComment:
                 out.Put(indent, "<!-- ");
-                out.PutEscaped(node.name);
+                EscapeXML(node.name, out);
                 out.Put("-- >");
                 break;
             default:
@@ -65,7 +65,7 @@ class XMLWriter {
 
     void BeginElement(const XMLNode& node) {
         out.Put(indent, "<");
-        out.PutEscaped(node.name);
+        EscapeXML(node.name, out);
         for (const auto& [name, value] : node.attributes)
             WriteAttribute(name, value);
         if (node.children.empty()) {
@@ -87,14 +87,14 @@ class XMLWriter {
         if (hasBoth)
             WriteWithoutDoubleQuotes(value);
         else
-            out.PutEscaped(value);
+            EscapeXML(value, out);
         out.Put(quote);
     }
 
     void WriteWithoutDoubleQuotes(std::string_view value) {
         while (true) {
             const std::size_t quote = value.find('"');
-            out.PutEscaped(value.substr(0, quote));
+            EscapeXML(value.substr(0, quote), out);
             if (quote == std::string_view::npos) return;
             out.Put("&#34;");
             value.remove_prefix(quote + 1);
@@ -116,7 +116,7 @@ class XMLWriter {
         indent.resize(indent.size() - step.size());
         if (!element.IsInTextMode()) out.Put(indent);
         out.Put("</");
-        out.PutEscaped(element.node->name);
+        EscapeXML(element.node->name, out);
         out.Put(">");
     }
 

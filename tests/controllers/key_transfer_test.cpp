@@ -82,6 +82,41 @@ TEST_F(KeyTransfer, AStrangeChunkIsLeftAloneAndRecordsAreBelievedAsFarAsTheyAreT
     }
 }
 
+// A host that fails to read gives nothing of what it could not give whole, or all that there was.
+struct CutChunk final : ILoad {
+    std::span<const std::uint32_t> words;
+    bool givesRest = false;
+
+    IOResult OpenChunk() override { return IO_OK; }
+    std::uint16_t CurChunkID() override { return 1; }
+    IOResult CloseChunk() override { return IO_OK; }
+    IOResult ReadCStringChunk(char**) override { return IO_ERROR; }
+    IOResult Read(void* bytes, std::uint32_t count, std::uint32_t* read) override {
+        const bool isWhole = count <= words.size_bytes();
+        if (!isWhole && !givesRest) return IO_ERROR;
+        *read = isWhole ? count : static_cast<std::uint32_t>(words.size_bytes());
+        std::memcpy(bytes, words.data(), *read);
+        words = words.subspan(*read / 4);
+        return isWhole ? IO_OK : IO_ERROR;
+    }
+};
+
+TEST_F(KeyTransfer, EveryWholeRecordOfACutChunkIsKeptHoweverTheHostFails) {
+    constexpr int kThere = 900;
+    Words words = {100, 12, 5000};
+    for (std::uint32_t time = 0; time < kThere; ++time)
+        words.insert(words.end(), {0, time, 0});
+    words.push_back(0);
+    for (const bool givesRest : {false, true}) {
+        CutChunk chunk;
+        chunk.words = words;
+        chunk.givesRest = givesRest;
+        Alone<OpenScalar> read;
+        LoadKeys(chunk, read->table);
+        EXPECT_EQ(read->NumKeys(), kThere) << givesRest;
+    }
+}
+
 // A source with a part that has keys, too.
 struct Parted : OpenScalar {
     int NumSubs() override { return 2; }

@@ -16,7 +16,10 @@ TEST_F(NodeTest, NamesAreNewAndAttachingKeepsTheLocalTransformIfItIsToAndMakesNo
     EXPECT_EQ(headless::TakeBreachLines(), Lines{"AttachChild: the node would hang below itself"});
     child->SetName("Mesh04");
     EXPECT_STREQ(host.CreateObjectNode(CreateNewTriObject())->GetName(), "Mesh05");
+    const std::uint32_t handle = child->GetHandle();
+    EXPECT_EQ(host.GetINodeByHandle(handle), child);
     host.DeleteNode(child);
+    EXPECT_EQ(host.GetINodeByHandle(handle), nullptr);
     EXPECT_EQ(parent->GetChildNode(0), below);
     EXPECT_FALSE(parent->GetChildNode(1) || parent->GetChildNode(-1));
     EXPECT_EQ(Where(below), Point3(2, 0, 0));
