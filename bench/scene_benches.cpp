@@ -76,18 +76,22 @@ void LetNodesGo() {
 void MeasureEach(benchmark::State& state, int nodes, const auto& prepare, const auto& work) {
     BenchWorld world;
     Rig rig;
-    Meter meter(state, nodes);
-    for (auto _ : state) {
-        meter.Aside([&] {
-            GetCOREInterface()->FlushUndoBuffer();
-            LetNodesGo();
-            world.Session().NewScene();
-            prepare(rig, world);
-        });
-        work(rig, world);
+    const auto clear = [] {
+        GetCOREInterface()->FlushUndoBuffer();
+        LetNodesGo();
+    };
+    {
+        Meter meter(state, nodes);
+        for (auto _ : state) {
+            meter.Aside([&] {
+                clear();
+                world.Session().NewScene();
+                prepare(rig, world);
+            });
+            work(rig, world);
+        }
     }
-    GetCOREInterface()->FlushUndoBuffer();
-    LetNodesGo();
+    clear();
 }
 
 void UndoCreation(benchmark::State& state, int nodes) {
@@ -197,8 +201,7 @@ void Register(const std::string& name, Work work) {
     benchmark::RegisterBenchmark(name.c_str(), run)
         ->Arg(kManyNodes)
         ->Arg(kMostNodes)
-        ->Iterations(1)
-        ->Repetitions(5);
+        ->Iterations(1);
 }
 
 const bool scenesAreRegistered = [] {
