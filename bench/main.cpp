@@ -10,6 +10,7 @@
 #include <iostream>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "bench/meter.h"
@@ -94,14 +95,17 @@ std::string Exactly(const std::vector<std::string>& names) {
     return pattern + ")$";
 }
 
+std::string WorkOf(const std::string& name) {
+    return name.substr(0, name.find('/'));
+}
+
 // The repetitions of one work are mixed with each other, not with those of another work: what is
 // compared is measured close together, whatever else the machine does meanwhile.
 void RunWorkByWork(std::vector<std::string> names, Collector& collector) {
-    const auto workOf = [](const std::string& name) { return name.substr(0, name.find('/')); };
-    std::ranges::stable_sort(names, {}, workOf);
+    std::ranges::stable_sort(names, {}, WorkOf);
     for (auto first = names.begin(); first != names.end();) {
         const auto last = std::find_if(
-            first, names.end(), [&](const auto& name) { return workOf(name) != workOf(*first); });
+            first, names.end(), [&](const auto& name) { return WorkOf(name) != WorkOf(*first); });
         benchmark::RunSpecifiedBenchmarks(&collector, Exactly({first, last}));
         first = last;
     }
@@ -121,6 +125,19 @@ bool CanWrite(const std::string& file) {
     const bool can = file.empty() || std::ofstream(file, std::ios::app).good();
     if (!can) std::cerr << "lumiset-bench: cannot write " << file << '\n';
     return can;
+}
+
+// A file of Google Benchmark's own begins anew with each work, so that it would have the last
+// alone.
+bool CanKeepAll(const Options& options, const std::vector<std::string>& names) {
+    const bool isAsked = std::ranges::any_of(options.others, [](std::string_view option) {
+        return option.starts_with("--benchmark_out=");
+    });
+    const bool isOneWork = std::ranges::all_of(
+        names, [&](const auto& name) { return WorkOf(name) == WorkOf(names.front()); });
+    if (isAsked && !isOneWork)
+        std::cerr << "lumiset-bench: --benchmark_out is for one work alone; use --json FILE\n";
+    return !isAsked || isOneWork;
 }
 
 // The table goes to the standard output unless that is for other programs. False: the file for
@@ -144,7 +161,9 @@ int main(int count, char** arguments) {
     if (!KeepFreedMemory()) std::cerr << "lumiset-bench: freed memory goes to the system\n";
     const Options options = ReadOptions(count, arguments);
     const std::vector<std::string> names = NamesOf(options);
-    if (names.empty() || !Initialize(options.others) || !CanWrite(options.jsonFile)) return 2;
+    if (names.empty() || !Initialize(options.others) || !CanKeepAll(options, names) ||
+        !CanWrite(options.jsonFile))
+        return 2;
     if (options.isList) {
         for (const std::string& name : names)
             std::cout << name << '\n';
