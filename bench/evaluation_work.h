@@ -39,7 +39,7 @@ class TakeTrack {
     OwnedControl<OpenTransform> control_{new OpenTransform};
 };
 
-// What a peer does for the times, if its poses are ours as near as single precision allows.
+// What a peer does for the times, if its poses are ours to a millionth.
 // `poseAt` gives the pose of the time at a place in its own form, and `toHost` makes ours of that.
 bool IsOurs(TakeTrack& track, TimeValue t, const Matrix3& theirs);
 

@@ -2,6 +2,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -28,6 +29,11 @@ std::string NoiseOf(std::size_t bytes);
 
 inline const std::uint8_t* BytesOf(const std::string& text) {
     return reinterpret_cast<const std::uint8_t*>(text.data());
+}
+
+// Whether a decoder gave the text again.
+inline bool AreBytesOf(const std::string& text, std::span<const std::uint8_t> bytes) {
+    return std::ranges::equal(std::span(BytesOf(text), text.size()), bytes);
 }
 
 // A work on a text, at a megabyte, or at that and ten.
