@@ -66,8 +66,8 @@ constexpr std::size_t kCacheLine = 64;
 
 void Fetch(const RestoreObj* record) {
     __builtin_prefetch(record);
-    const auto address =
-        reinterpret_cast<std::uintptr_t>(record);  // the next line may be another's
+    // By its number: where the record is shorter, the next line is another's.
+    const auto address = reinterpret_cast<std::uintptr_t>(record);
     __builtin_prefetch(reinterpret_cast<const void*>(address + kCacheLine));
 }
 
