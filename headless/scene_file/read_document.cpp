@@ -180,13 +180,11 @@ class DocumentReader {
     }
 
     std::uint32_t ChecksumUpTo(std::uint64_t end) {
-        constexpr std::uint64_t kSummedBytes = std::uint64_t{32} * 1024;
-        std::array<std::byte, kSummedBytes> block;
         Checksum checksum;
         for (std::uint64_t at = position_; at < end; at += kSummedBytes) {
             TellDone("Checking", at, source_.Size());
             const auto bytes =
-                std::span(block).first(static_cast<std::size_t>(std::min(end - at, kSummedBytes)));
+                std::span(block_).first(static_cast<std::size_t>(std::min(end - at, kSummedBytes)));
             if (source_.ReadAt(at, bytes) != bytes.size()) Fail("the file cannot be read");
             checksum.Append(bytes);
         }
@@ -214,8 +212,13 @@ class DocumentReader {
 
     [[noreturn]] void Fail(const std::string& what) const { FailAt(path_, position_, what); }
 
+    // So many at once that the source reads them without a block of its own, and few enough to be
+    // summed while they are near to the processor.
+    static constexpr std::uint64_t kSummedBytes = std::uint64_t{128} * 1024;
+
     ByteSource& source_;
     const std::string& path_;
+    std::vector<std::byte> block_ = std::vector<std::byte>(kSummedBytes);
     std::uint64_t position_ = 0;
     std::uint16_t lastChunk_ = 0;
     SceneDocument document_;

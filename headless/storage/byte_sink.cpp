@@ -4,10 +4,15 @@
 #include <cerrno>
 #include <system_error>
 
+#include "platform/files.h"
+
 namespace headless {
 namespace {
 
 constexpr std::size_t kSinkBytes = std::size_t{256} * 1024;
+
+// After each stretch the system is asked to bring to the disk what it has.
+constexpr std::uint64_t kStretchBytes = std::uint64_t{16} << 20;
 
 void Put(std::ofstream& file, std::span<const std::byte> bytes) {
     file.write(reinterpret_cast<const char*>(bytes.data()),
@@ -31,7 +36,7 @@ bool MemorySink::FillIn(std::uint64_t position, std::span<const std::byte> bytes
     return true;
 }
 
-FileSink::FileSink(const std::string& path) {
+FileSink::FileSink(const std::string& path) : path_(path) {
     file_.rdbuf()->pubsetbuf(nullptr, 0);
     file_.open(path, std::ios::binary | std::ios::trunc);
     block_.reserve(kSinkBytes);
@@ -42,7 +47,10 @@ bool FileSink::Append(std::span<const std::byte> bytes) {
     while (!bytes.empty()) {
         if (block_.size() == kSinkBytes && !Flush()) return false;
         const auto piece = bytes.first(std::min(bytes.size(), kSinkBytes - block_.size()));
-        block_.insert(block_.end(), piece.begin(), piece.end());
+        if (piece.size() < kSinkBytes)
+            block_.insert(block_.end(), piece.begin(), piece.end());
+        else if (!HandOver(piece))
+            return false;
         bytes = bytes.subspan(piece.size());
     }
     return failure_.empty();
@@ -70,7 +78,7 @@ void FileSink::StartChecksum() {
 
 std::uint32_t FileSink::ChecksumSinceStart() const {
     Checksum checksum = checksum_;
-    checksum.Append(Unsummed());
+    checksum.Append(Summed(block_));
     return checksum.Value();
 }
 
@@ -80,21 +88,29 @@ bool FileSink::Close() {
     return file_.good() || NoteFailure();
 }
 
-// The bytes of the block that the checksum is to count.
-std::span<const std::byte> FileSink::Unsummed() const {
+// Of bytes that come next for the system, those that the checksum is to count.
+std::span<const std::byte> FileSink::Summed(std::span<const std::byte> bytes) const {
     const std::uint64_t before = start_ > flushed_ ? start_ - flushed_ : 0;
-    return std::span(block_).subspan(static_cast<std::size_t>(before));
+    return bytes.subspan(static_cast<std::size_t>(before));
 }
 
-// The block goes into the checksum at the last moment, when nothing in it is filled in any more and
-// while it is near to the processor.
 bool FileSink::Flush() {
-    if (!failure_.empty()) return false;
-    checksum_.Append(Unsummed());
-    Put(file_, block_);
-    flushed_ += block_.size();
+    const bool isDone = HandOver(block_);
     block_.clear();
-    return file_.good() || NoteFailure();
+    return isDone;
+}
+
+// The checksum takes bytes in at the last moment, when nothing in the block is filled in any more
+// and while they are near to the processor.
+bool FileSink::HandOver(std::span<const std::byte> bytes) {
+    if (!failure_.empty()) return false;
+    checksum_.Append(Summed(bytes));
+    Put(file_, bytes);
+    const std::uint64_t stretch = flushed_ / kStretchBytes;
+    flushed_ += bytes.size();
+    if (!file_.good()) return NoteFailure();
+    if (flushed_ / kStretchBytes > stretch) platform::StartFlush(path_);
+    return true;
 }
 
 // Of several failures the first stays, and nothing is written after it.

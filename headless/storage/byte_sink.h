@@ -41,7 +41,8 @@ class MemorySink final : public ByteSink {
 };
 
 // A file, which is made or emptied first. The newest bytes wait in a block, so that neither small
-// pieces nor the lengths of small chunks cost a call to the system each.
+// pieces nor the lengths of small chunks cost a call to the system each; whole blocks of large
+// pieces go past it. The system brings a long file to the disk while it is still being written.
 class FileSink final : public ByteSink {
   public:
     explicit FileSink(const std::string& path);
@@ -61,9 +62,11 @@ class FileSink final : public ByteSink {
 
   private:
     bool Flush();
+    bool HandOver(std::span<const std::byte> bytes);
     bool NoteFailure();
-    std::span<const std::byte> Unsummed() const;
+    std::span<const std::byte> Summed(std::span<const std::byte> bytes) const;
 
+    std::string path_;
     std::ofstream file_;
     std::uint64_t flushed_ = 0;     // bytes that the system has
     std::vector<std::byte> block_;  // the end of what has been written

@@ -4,12 +4,21 @@
 
 #include <algorithm>
 
+#include "headless/storage/folding.h"
+
 namespace headless {
 namespace {
 
-std::uint32_t Continued(std::uint32_t checksum, std::span<const std::byte> bytes) {
+std::uint32_t ByTables(std::uint32_t checksum, std::span<const std::byte> bytes) {
+    if (bytes.empty()) return checksum;  // nothing at a null pointer begins it anew
     return static_cast<std::uint32_t>(
         crc32_z(checksum, reinterpret_cast<const Bytef*>(bytes.data()), bytes.size()));
+}
+
+std::uint32_t Continued(std::uint32_t checksum, std::span<const std::byte> bytes) {
+    const auto rest = bytes.last(bytes.size() % kFoldedBytes);
+    const auto folded = Folded(checksum, bytes.first(bytes.size() - rest.size()));
+    return folded ? ByTables(ByTables(kFoldable, *folded), rest) : ByTables(checksum, bytes);
 }
 
 // What a difference in the bytes makes of the checksum, once `count` equal bytes lie behind it.
@@ -27,7 +36,7 @@ std::uint32_t Shifted(std::uint32_t difference, std::uint64_t count) {
 }  // namespace
 
 void Checksum::Append(std::span<const std::byte> bytes) {
-    if (!bytes.empty()) value_ = Continued(value_, bytes);  // no bytes at all begin it anew
+    value_ = Continued(value_, bytes);
 }
 
 // The checksum is linear: that of two messages' difference is the difference of theirs, but for the

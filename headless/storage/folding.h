@@ -1,0 +1,27 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace headless {
+
+// Many bytes become few that leave the same CRC-32, by the processor's carry-less products, which
+// go through bytes several times as fast as any table. A message is a polynomial over two elements,
+// one bit a coefficient, and what counts is its remainder by the polynomial of the checksum: a
+// block may be moved behind a later one by a product with the remainder of a power of x. After
+// Gopal et al., "Fast CRC Computation for Generic Polynomials Using PCLMULQDQ Instruction" (Intel,
+// 2009).
+
+inline constexpr std::size_t kFoldedBytes = 64;
+using FoldedBytes = std::array<std::byte, kFoldedBytes>;
+
+// `blocks` are a number of bytes that kFoldedBytes divides, and continue a message of `checksum`.
+// What comes back continues one of kFoldable instead, to the same checksum. Nothing comes back of
+// no bytes, and where the processor has no such products.
+inline constexpr std::uint32_t kFoldable = 0xFFFFFFFF;  // inverted, so that it adds nothing
+std::optional<FoldedBytes> Folded(std::uint32_t checksum, std::span<const std::byte> blocks);
+
+}  // namespace headless
