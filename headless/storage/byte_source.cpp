@@ -8,6 +8,9 @@ namespace {
 
 constexpr std::size_t kSourceBytes = std::size_t{64} * 1024;
 
+// So many bytes are better read to where they are wanted than by way of the block.
+constexpr std::size_t kLargeRead = kSourceBytes / 2;
+
 }  // namespace
 
 std::size_t MemorySource::ReadAt(std::uint64_t position, std::span<std::byte> bytes) {
@@ -32,7 +35,7 @@ std::size_t FileSource::ReadAt(std::uint64_t position, std::span<std::byte> byte
     if (known == bytes.size()) return known;
     const auto rest = bytes.subspan(known);
     position += known;
-    if (rest.size() >= kSourceBytes) return known + FromFile(position, rest);
+    if (rest.size() >= kLargeRead) return known + FromFile(position, rest);
     block_.resize(kSourceBytes);
     blockBegin_ = position;
     block_.resize(FromFile(position, block_));

@@ -16,9 +16,11 @@ std::uint32_t ByTables(std::uint32_t checksum, std::span<const std::byte> bytes)
 }
 
 std::uint32_t Continued(std::uint32_t checksum, std::span<const std::byte> bytes) {
+    static const Fold fold = Folds().empty() ? nullptr : Folds().back();
     const auto rest = bytes.last(bytes.size() % kFoldedBytes);
-    const auto folded = Folded(checksum, bytes.first(bytes.size() - rest.size()));
-    return folded ? ByTables(ByTables(kFoldable, *folded), rest) : ByTables(checksum, bytes);
+    const auto blocks = bytes.first(bytes.size() - rest.size());
+    if (!fold || blocks.empty()) return ByTables(checksum, bytes);
+    return ByTables(ByTables(kFoldable, fold(checksum, blocks)), rest);
 }
 
 // What a difference in the bytes makes of the checksum, once `count` equal bytes lie behind it.

@@ -3,7 +3,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <span>
 
 namespace headless {
@@ -18,10 +17,12 @@ namespace headless {
 inline constexpr std::size_t kFoldedBytes = 64;
 using FoldedBytes = std::array<std::byte, kFoldedBytes>;
 
-// `blocks` are a number of bytes that kFoldedBytes divides, and continue a message of `checksum`.
-// What comes back continues one of kFoldable instead, to the same checksum. Nothing comes back of
-// no bytes, and where the processor has no such products.
+// `blocks` are one or more of kFoldedBytes, and continue a message of `checksum`. What comes back
+// continues one of kFoldable instead, to the same checksum.
+using Fold = FoldedBytes (*)(std::uint32_t checksum, std::span<const std::byte> blocks);
 inline constexpr std::uint32_t kFoldable = 0xFFFFFFFF;  // inverted, so that it adds nothing
-std::optional<FoldedBytes> Folded(std::uint32_t checksum, std::span<const std::byte> blocks);
+
+// The ways that this processor has, the fastest one last; none where it has no such products.
+std::span<const Fold> Folds();
 
 }  // namespace headless
