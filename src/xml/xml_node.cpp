@@ -37,16 +37,19 @@ struct CopyStep {
     XMLNode* target;
 };
 
-// Copies one node, and notes down which of its children are still to be copied.
+// Copies one node, and notes down which of its children are still to be copied: the first is on
+// top, so that a copy lies in memory in the order of its walks.
 void CopyNode(CopyStep step, std::vector<CopyStep>& pending) {
     step.target->attributes = step.source->attributes;
     step.target->name = step.source->name;
     step.target->kind = step.source->kind;
     step.target->children.reserve(step.source->children.size());
+    const auto known = static_cast<std::ptrdiff_t>(pending.size());
     for (const auto& child : step.source->children) {
         step.target->children.push_back(std::make_unique<XMLNode>());
         pending.push_back({child.get(), step.target->children.back().get()});
     }
+    std::reverse(pending.begin() + known, pending.end());
 }
 
 void CopyTree(const XMLNode& source, XMLNode& target) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstring>
 #include <utility>
 
@@ -11,32 +10,64 @@ namespace {
 constexpr std::string_view kReferenceStart = "&#";
 constexpr int kNoDigit = -1;
 
-// What the writer leaves as it is everywhere. A '"' is not among them: it stands for itself in a
-// text, but between double quotes it cannot.
-constexpr bool IsPlain(char byte) {
-    const auto number = static_cast<signed char>(byte);  // below 0 above the ASCII range
-    return !((number < ' ') | (number == '\x7F') | (number == '&') | (number == '<') |
-             (number == '"'));
+using Eight = std::uint64_t;  // bytes of a text
+
+constexpr Eight Repeat(unsigned char byte) {
+    return byte * 0x0101'0101'0101'0101u;
+}
+
+// Not 0 if one of the bytes is none that the writer leaves as it is everywhere. A '"' is none: it
+// stands for itself in a text, but between double quotes it cannot. A mark is the highest bit of a
+// byte; one that has it already is marked, so that nothing hangs on what it carries into the next.
+constexpr Eight MarkUnplain(Eight bytes) {
+    constexpr unsigned char kMark = 0x80;
+    constexpr unsigned char kFromQuote = '"' ^ '&';  // one bit, which the '&' alone has
+    const Eight isFromBlank = bytes + Repeat(kMark - ' ');
+    const Eight isDelete = bytes + Repeat(kMark - 0x7F);
+    const Eight isNeither = ((bytes | Repeat(kFromQuote)) ^ Repeat('&')) + Repeat(kMark - 1);
+    const Eight isNoTag = (bytes ^ Repeat('<')) + Repeat(kMark - 1);
+    return (bytes | isDelete | ~(isFromBlank & isNeither & isNoTag)) & Repeat(kMark);
 }
 
 constexpr auto kIsPlain = [] {
     std::array<bool, 256> isPlain{};
     for (std::size_t byte = 0; byte < isPlain.size(); ++byte)
-        isPlain[byte] = IsPlain(static_cast<char>(byte));
+        isPlain[byte] = MarkUnplain(Repeat(static_cast<unsigned char>(byte))) == 0;
     return isPlain;
 }();
 
-// A block at a time, which compilers do for all of its bytes together.
+template <class Number>
+Number Load(const char* bytes) {
+    Number number;
+    std::memcpy(&number, bytes, sizeof number);
+    return number;
+}
+
+// A block at a time, of which compilers do several eights together.
 template <std::size_t size>
 bool AllArePlain(const char* block) {
-    using Eights = std::array<std::uint64_t, size / sizeof(std::uint64_t)>;
-    std::array<unsigned char, size> marks;
-    for (std::size_t i = 0; i < size; ++i)
-        marks[i] = static_cast<unsigned char>(!IsPlain(block[i]));
-    std::uint64_t all = 0;
-    for (const std::uint64_t eight : std::bit_cast<Eights>(marks))
-        all |= eight;
-    return all == 0;
+    Eight marks = 0;
+    for (std::size_t at = 0; at < size; at += sizeof(Eight))
+        marks |= MarkUnplain(Load<Eight>(block + at));
+    return marks == 0;
+}
+
+constexpr std::size_t kMostOfShort = 2 * sizeof(Eight);
+
+// By the two ends of the text, which may overlap.
+bool IsShortPlain(std::string_view text) {
+    const char* const first = text.data();
+    const char* const end = first + text.size();
+    if (text.size() >= sizeof(Eight)) {
+        const Eight marks = MarkUnplain(Load<Eight>(first));
+        return (marks | MarkUnplain(Load<Eight>(end - sizeof(Eight)))) == 0;
+    }
+    using Four = std::uint32_t;
+    if (text.size() >= sizeof(Four)) {
+        const Eight last = Load<Four>(end - sizeof(Four));
+        return MarkUnplain(last << 32 | Load<Four>(first)) == 0;
+    }
+    return std::all_of(first, end, [](unsigned char byte) { return kIsPlain[byte]; });
 }
 
 int HexDigitValue(char byte) {
@@ -90,8 +121,9 @@ void PutReference(char byte, XMLOutput& out) {
 }  // namespace
 
 std::size_t CountPlain(std::string_view text) {
+    if (text.size() <= kMostOfShort && IsShortPlain(text)) return text.size();
     constexpr std::size_t kLong = 64;
-    constexpr std::size_t kShort = 8;
+    constexpr std::size_t kShort = sizeof(Eight);
     std::size_t at = 0;
     while (text.size() - at >= kLong && AllArePlain<kLong>(text.data() + at))
         at += kLong;

@@ -1,4 +1,5 @@
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -8,6 +9,15 @@
 #include "xml/xml_text.h"
 
 namespace {
+
+// A tree that was read or copied lies in memory about in the order in which it is written, and a
+// large one in no cache, so that each new page of it would be waited for. What lies so far behind a
+// place is on its way while the place is written; where that is none of the tree, nothing is lost.
+void FetchBehind(const void* place) {
+    constexpr std::size_t kBytesAhead = 8192;
+    const auto address = reinterpret_cast<std::uintptr_t>(place);
+    __builtin_prefetch(reinterpret_cast<const void*>(address + kBytesAhead));
+}
 
 // Writes one node and its subtree. The elements whose children are being written stand on a stack
 // of the writer's.
@@ -46,6 +56,7 @@ class XMLWriter {
     };
 
     void Begin(const XMLNode& node) {
+        FetchBehind(&node);
         switch (node.kind) {
             case XMLNode::kElement:
                 BeginElement(node);
@@ -66,8 +77,10 @@ class XMLWriter {
     void BeginElement(const XMLNode& node) {
         out.Put(indent, "<");
         EscapeXML(node.name, out);
-        for (const auto& [name, value] : node.attributes)
-            WriteAttribute(name, value);
+        for (const auto& attribute : node.attributes) {
+            FetchBehind(&attribute);
+            WriteAttribute(attribute.first, attribute.second);
+        }
         if (node.children.empty()) {
             out.Put("/>");
             return;
