@@ -9,7 +9,6 @@ namespace headless {
 namespace {
 
 HostEvent* innermost = nullptr;
-bool isDown = false;
 
 // Never destroyed: guests come in until the process has ended.
 std::vector<Breach>& TheBook() {
@@ -38,18 +37,6 @@ void Book(const char* what, const char* call) {
         if (event->guest_) events += std::string(" of ") + event->guest_;
     }
     TheBook().push_back({what, call, std::move(events)});
-}
-
-void HostIsUp() {
-    isDown = false;
-}
-
-void HostIsDown() {
-    isDown = true;
-}
-
-void ExpectHost(const char* call) {
-    if (isDown) Book("the host has shut down", call);
 }
 
 std::string ToLine(const Breach& breach) {

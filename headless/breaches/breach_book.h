@@ -28,10 +28,11 @@ class HostEvent {
 
 // Whether a session is there to be asked. Nothing is booked before the first one, since modules
 // may be loaded before it.
-void HostIsUp();
-void HostIsDown();
+inline constinit bool hostIsDown = false;
 
 // To be called where a guest comes in.
-void ExpectHost(const char* call);
+inline void ExpectHost(const char* call) {
+    if (hostIsDown) Book("the host has shut down", call);
+}
 
 }  // namespace headless

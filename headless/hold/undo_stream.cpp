@@ -83,12 +83,20 @@ class FlipRecord final : public RestoreObj {
     std::function<void()> flip_;
 };
 
+// Never destroyed: records of other modules must not be run while the process ends.
+union LastingStream {
+    constexpr LastingStream() : stream() {}
+    LastingStream(const LastingStream&) = delete;
+    LastingStream& operator=(const LastingStream&) = delete;
+    ~LastingStream() {}
+    UndoStream stream;
+};
+constinit LastingStream lasting;
+
 }  // namespace
 
-// Never destroyed: records of other modules must not be run while the process ends.
 UndoStream& UndoStream::Get() {
-    static UndoStream& stream = *new UndoStream;
-    return stream;
+    return lasting.stream;
 }
 
 // Every record is met, also when one of them throws.
@@ -148,7 +156,13 @@ void UndoStream::Cancel() {
     thrown.Rethrow();
 }
 
+// Most records find room: they are put without a look at anything else.
 void UndoStream::Put(RestoreObj* record) {
+    if (!holding_ || !record || open_.size() == open_.capacity()) return PutOrDestroy(record);
+    open_.emplace_back(record);
+}
+
+void UndoStream::PutOrDestroy(RestoreObj* record) {
     std::unique_ptr<RestoreObj> owned(record);
     if (Takes("Hold::Put") && owned) open_.push_back(std::move(owned));
 }

@@ -79,6 +79,7 @@ class UndoStream {
 
     template <class Place, class Act>
     FirstThrown Run(const char* what, Place first, Place last, Act act);
+    void PutOrDestroy(RestoreObj* record);
     bool Takes(const char* call) const;  // a hold is open for this call
     void FlushIfAsked();
     void Drop(Records records);

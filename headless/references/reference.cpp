@@ -153,20 +153,27 @@ RefResult ReferenceTarget::NotifyDependents(Interval changed, PartID part, RefMe
                                             SClass_ID classFilter, bool propagate,
                                             RefTargetHandle target) {
     if (dependents_.empty() || messageDepth >= kFarthestMessage) return REF_SUCCEED;
+    RefTargetHandle const sender = target != nullptr ? target : this;
+    return DependentsWalk::Tell(*this, {changed, sender, part, message, classFilter, propagate});
+}
+
+RefResult DependentsWalk::Tell(ReferenceTarget& target, const Message& message) {
     const Graveyard::Pause pause;
     const Deeper deeper;
-    const DependentsWalk walk(*this);
-    RefTargetHandle const sender = target != nullptr ? target : this;
-    for (std::size_t i = dependents_.size(); i-- > 0;) {
-        ReferenceMaker* const maker = dependents_[i].first;
+    const DependentsWalk walk(target);
+    for (std::size_t i = target.dependents_.size(); i-- > 0;) {
+        ReferenceMaker* const maker = target.dependents_[i].first;
         if (maker == nullptr) continue;
-        if (classFilter != NOTIFY_ALL && maker->SuperClassID() != classFilter) continue;
-        ReferenceTarget* const above = propagate ? maker->asTarget_ : nullptr;
-        PartID partSeen = part;
-        const RefResult answer = maker->NotifyRefChanged(changed, sender, partSeen, message);
+        if (message.classFilter != NOTIFY_ALL && maker->SuperClassID() != message.classFilter)
+            continue;
+        ReferenceTarget* const above =
+            message.propagate ? ReferenceBook::AsTarget(*maker) : nullptr;
+        PartID partSeen = message.part;
+        const RefResult answer =
+            maker->NotifyRefChanged(message.changed, message.sender, partSeen, message.message);
         if (answer == REF_STOP || walk.TargetIsGone()) return answer;
-        if (above == nullptr || dependents_[i].first != maker) continue;
-        above->NotifyDependents(changed, partSeen, message, classFilter);
+        if (above == nullptr || target.dependents_[i].first != maker) continue;
+        above->NotifyDependents(message.changed, partSeen, message.message, message.classFilter);
         if (walk.TargetIsGone()) break;
     }
     return REF_SUCCEED;

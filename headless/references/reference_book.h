@@ -18,6 +18,9 @@ class ReferenceBook {
     // The same, but the old target stays with the caller; null if there was none.
     static ReferenceTarget* Move(ReferenceMaker& maker, int index, ReferenceTarget* target);
 
+    // The maker as what others refer to; null if it is no target.
+    static ReferenceTarget* AsTarget(const ReferenceMaker& maker) { return maker.asTarget_; }
+
     // Whether the book knows that the reference points at `target`.
     static bool Knows(const ReferenceMaker& maker, int index, const ReferenceTarget* target);
 
@@ -44,6 +47,18 @@ class ReferenceBook {
 // the target itself has gone. Walks over one target nest.
 class DependentsWalk {
   public:
+    struct Message {
+        Interval changed;
+        RefTargetHandle sender;
+        PartID part;
+        RefMessage message;
+        SClass_ID classFilter;
+        bool propagate;
+    };
+
+    // Tells the dependents of `target` as NotifyDependents does.
+    static RefResult Tell(ReferenceTarget& target, const Message& message);
+
     explicit DependentsWalk(ReferenceTarget& target) : target_(&target), outer_(target.walk_) {
         target.walk_ = this;
     }

@@ -125,11 +125,12 @@ class HostInterface final : public Interface {
     }
 };
 
+constinit HostInterface host;
+
 }  // namespace
 }  // namespace headless
 
 Interface* GetCOREInterface() {
-    static headless::HostInterface host;
     headless::ExpectHost("GetCOREInterface");
-    return &host;
+    return &headless::host;
 }

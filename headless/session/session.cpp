@@ -50,7 +50,7 @@ void Session::State::ApplySettings() const {
 }
 
 Session::Session(const SessionSettings& settings) : state_(std::make_unique<State>()) {
-    HostIsUp();
+    hostIsDown = false;
     state_->settings = settings;
     state_->ApplySettings();
     ResetFrame();
@@ -124,7 +124,7 @@ void Session::ShutDown() {
     ForgetNotifications();
     ForgetMapDirectories();
     TheClasses().Clear();
-    HostIsDown();
+    hostIsDown = true;
     state_->libraries.clear();
     OnMessageBox({});
 }

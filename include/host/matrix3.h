@@ -66,8 +66,9 @@ class HOST_API Matrix3 {
     void ValidateFlags() {
         flags = 0;
         if (AreZero(m[3][0], m[3][1], m[3][2])) flags |= kPositionIdentity;
-        const bool straight = AreZero(m[0][1], m[0][2], m[1][0], m[1][2], m[2][0], m[2][1]);
-        if (straight && m[0][0] > 0 && m[1][1] > 0 && m[2][2] > 0) flags |= kRotationIdentity;
+        const bool forward = m[0][0] > 0 && m[1][1] > 0 && m[2][2] > 0;
+        if (forward && AreZero(m[0][1], m[0][2], m[1][0], m[1][2], m[2][0], m[2][1]))
+            flags |= kRotationIdentity;
         if (IsUnitRow(m[0]) && IsUnitRow(m[1]) && IsUnitRow(m[2])) flags |= kScaleIdentity;
     }
 
@@ -99,10 +100,10 @@ class HOST_API Matrix3 {
     // How far the square of a row's length may lie from 1 for the row to count as unscaled.
     static constexpr float kUnitRowTolerance = 1e-6F;
 
-    // Their bits are, but for the sign.
+    // Their bits are, but for the sign. As a rule the first one tells.
     template <class... Floats>
     static bool AreZero(Floats... numbers) {
-        return (std::bit_cast<std::uint32_t>(numbers) | ...) << 1 == 0;
+        return ((std::bit_cast<std::uint32_t>(numbers) << 1 == 0) && ...);
     }
 
     static bool IsUnitRow(const float* row) {

@@ -5,6 +5,7 @@
 #include "controllers/host_controls.h"
 #include "controllers/key_restore.h"
 #include "core_link/core_link.h"
+#include "host/animate.h"
 #include "host/interface.h"
 #include "platform/win32.h"
 
@@ -30,10 +31,10 @@ BaseControl<T>::~BaseControl() = default;
 
 template <class T>
 template <template <class, class> class Record, class... Given>
-void BaseControl<T>::PutRecord(Given... given) {
+void BaseControl<T>::PutRecord(bool isHeld, Given... given) {
     static_assert(sizeof(Record<BaseControl, Key>) <= RecordRoom::kMost &&
                   alignof(Record<BaseControl, Key>) <= RecordRoom::kAlignment);
-    if (theHold.Holding()) theHold.Put(new Record<BaseControl, Key>(*this, given...));
+    if (isHeld) theHold.Put(new Record<BaseControl, Key>(*this, given...));
 }
 
 template <class T>
@@ -77,7 +78,7 @@ void BaseControl<T>::DeleteTime(Interval range, std::uint32_t flags) {
     std::int32_t behindLast = table.FirstAfter(range.End());
     if (table.At(behindLast - 1).time == range.End() && !(flags & TIME_INCRIGHT)) --behindLast;
 
-    PutRecord<ControlCompleteKeyRestore>(first, behindLast);
+    PutRecord<ControlCompleteKeyRestore>(theHold.Holding(), first, behindLast);
     while (behindLast > first)
         table.Remove(--behindLast);
 }
@@ -99,7 +100,7 @@ void BaseControl<T>::DeleteKeys(std::uint32_t flags) {
 template <class T>
 void BaseControl<T>::DeleteKeyByIndex(int index) {
     if (!table.Contains(index)) return;
-    PutRecord<ControlKeyDeleteRestore>(index);
+    PutRecord<ControlKeyDeleteRestore>(theHold.Holding(), index);
     table.Remove(index);
 }
 
@@ -170,24 +171,29 @@ void BaseControl<T>::Copy(Control* from) {
 }
 
 template <class T>
-void BaseControl<T>::AddKey(const Key& key) {
-    const KeyName name = theHold.Holding() ? table.names.New() : kNoName;
-    const bool isLast = table.EndsBefore(key.time);
-    const std::int32_t index = isLast ? table.Count() : table.FirstNotBefore(key.time);
-    if (isLast) {
-        PutRecord<ControlKeyAppendRestore>(index, key.time, name);
-    } else if (table.At(index).time == key.time) {
-        PutRecord<ControlKeyModRestore>(index, name);
-        return table.Overwrite(index, key, name);
-    } else {
-        PutRecord<ControlKeyInsertRestore>(index, key.time, name);
-    }
-    table.Insert(index, key, name);
+void BaseControl<T>::TakeValue(TimeValue t, const T& value, TimeValue cachedAt) {
+    const bool isHeld = theHold.Holding();
+    PutRecord<ControlKeyModRestore>(isHeld);
+    table.currentKey.time = cachedAt;
+    table.currentKey.value = value;
+    if (Animating()) AddKey({0, t, value}, isHeld);
+    AnnounceChange(*this);
 }
 
 template <class T>
-void BaseControl<T>::HoldCurrentKey() {
-    PutRecord<ControlKeyModRestore>();
+void BaseControl<T>::AddKey(const Key& key, bool isHeld) {
+    const KeyName name = isHeld ? table.names.New() : kNoName;
+    const bool isLast = table.EndsBefore(key.time);
+    const std::int32_t index = isLast ? table.Count() : table.FirstNotBefore(key.time);
+    if (isLast) {
+        PutRecord<ControlKeyAppendRestore>(isHeld, index, key.time, name);
+    } else if (table.At(index).time == key.time) {
+        PutRecord<ControlKeyModRestore>(isHeld, index, name);
+        return table.Overwrite(index, key, name);
+    } else {
+        PutRecord<ControlKeyInsertRestore>(isHeld, index, key.time, name);
+    }
+    table.Insert(index, key, name);
 }
 
 template <class T>

@@ -4,6 +4,7 @@
 
 #include "controllers/key_table.h"
 #include "host/control.h"
+#include "host/hold.h"
 
 template <class C, class K>
 class KeyRestore;
@@ -88,10 +89,11 @@ class BaseControl : public Control {
 
     // The sorted insert through which all recording goes: a later key is appended without a search,
     // a key at a time that has one replaces it.
-    void AddKey(const Key& key);
+    void AddKey(const Key& key, bool isHeld = theHold.Holding());
 
-    // Saves the cached key on the hold, if one is open.
-    void HoldCurrentKey();
+    // What SetValue ends in: the cached key has the value from here on, with the time `cachedAt`,
+    // and in animate mode so has the key at `t`.
+    void TakeValue(TimeValue t, const T& value, TimeValue cachedAt);
 
     // Whether GetValue at `t` has to evaluate; the cached key answers for its own time, and beyond
     // the table for all times if its own lies there.
@@ -107,9 +109,9 @@ class BaseControl : public Control {
     // Of another time than the cached key's.
     bool IsNotKept(TimeValue t) const;
 
-    // Puts a record of what is about to change on the hold, if one is open.
+    // Puts a record of what is about to change on the hold, if that is open.
     template <template <class, class> class Record, class... Given>
-    void PutRecord(Given... given);
+    void PutRecord(bool isHeld, Given... given);
 
     SClass_ID superClassID;
     Class_ID classID;

@@ -35,6 +35,10 @@ class KeyNames {
 
     // As the keys come, are overwritten and go. If one fails nothing has changed.
     void Insert(std::int32_t index, KeyName name);
+    bool CanAppend(std::int32_t index, KeyName name) const {
+        return name != kNoName && names_.CanAppend(static_cast<std::size_t>(index));
+    }
+    void Append(KeyName name) { names_.Append() = name; }  // where it can be done
     void Set(std::int32_t index, KeyName name);
     void Remove(std::int32_t index);
     void Assign(const std::vector<KeyName>& names) { names_.EditWhole() = names; }

@@ -71,9 +71,26 @@ std::int32_t KeyTable<T>::FirstAfter(TimeValue t) const {
 
 template <class T>
 void KeyTable<T>::Insert(std::int32_t index, const Key& key, KeyName name) {
-    keys.PrepareInsert(static_cast<std::size_t>(index));
+    const auto at = static_cast<std::size_t>(index);
+    if (keys.CanAppend(at) && names.CanAppend(index, name)) {
+        names.Append(name);
+        // Field by field, as the key has just been written: read in larger pieces it would have to
+        // be in memory first, behind all that was written before.
+        Key& end = keys.Append();
+        end.flags = key.flags;
+        end.time = key.time;
+        end.value = key.value;
+        return;
+    }
+    InsertInside(index, key, name);
+}
+
+template <class T>
+void KeyTable<T>::InsertInside(std::int32_t index, const Key& key, KeyName name) {
+    const auto at = static_cast<std::size_t>(index);
+    keys.PrepareInsert(at);
     names.Insert(index, name);
-    keys.InsertPrepared(static_cast<std::size_t>(index), key);
+    keys.InsertPrepared(at, key);
 }
 
 template <class T>

@@ -129,6 +129,9 @@ struct KeyTable {
     }
     KeyBracket<T> Seek(TimeValue t);
 
+    // Insert where it is not the next of many that come at the end.
+    void InsertInside(std::int32_t index, const Key& key, KeyName name);
+
     Recent recent_;
     bool areEven_ = true;  // see KeySearch
 };

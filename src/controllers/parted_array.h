@@ -92,8 +92,6 @@ class PartedArray {
                 whole_.push_back(element);
             else
                 whole_.insert(Place(whole_, index), element);
-            if (index + kNear < whole_.capacity())
-                __builtin_prefetch(whole_.data() + index + kNear);
             return;
         }
         std::vector<E>& elements = parts_[PartOf(index)].elements;
@@ -101,6 +99,20 @@ class PartedArray {
         MoveBehind(recent_, 1);
     }
     void push_back(const E& element) { insert(size(), element); }
+
+    // The short way of an element that comes at `index`: whether that is the end of the plain array
+    // and there is room for it, and then its place, to be filled at once.
+    bool CanAppend(std::size_t index) const {
+        return parts_.empty() && whole_.size() == index && whole_.size() != whole_.capacity();
+    }
+    E& Append() {
+        ++edition_;
+        E& place = whole_.emplace_back();
+        // By its number: the room may end ahead of it.
+        const auto address = reinterpret_cast<std::uintptr_t>(&place);
+        __builtin_prefetch(reinterpret_cast<const void*>(address + kNear * sizeof(E)));
+        return place;
+    }
     void erase(std::size_t index) {
         PrepareErase(index);
         if (parts_.empty()) {

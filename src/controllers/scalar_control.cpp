@@ -2,8 +2,6 @@
 
 #include <bit>
 
-#include "host/animate.h"
-
 namespace {
 
 // A key that is not selected. Flags and time are returned as one word, and made as one: put
@@ -38,12 +36,9 @@ void ScalarControl::GetValue(TimeValue t, void* value, Interval& valid, GetSetMe
 }
 
 void ScalarControl::SetValue(TimeValue t, void* value, int, GetSetMethod method) {
-    HoldCurrentKey();
     const float given = *static_cast<const float*>(value);
-    float& current = table.currentKey.value;
-    current = method == CTRL_ABSOLUTE ? given : current + given;
-    if (Animating()) AddKey({0, t, current});
-    AnnounceChange(*this);
+    const Key& current = table.currentKey;
+    TakeValue(t, method == CTRL_ABSOLUTE ? given : current.value + given, current.time);
 }
 
 TarvoKey<float> ScalarControl::GetKeyAtTime(TimeValue t) {

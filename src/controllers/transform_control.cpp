@@ -4,7 +4,6 @@
 #include <cstring>
 #include <new>
 
-#include "host/animate.h"
 #include "host/hold.h"
 
 namespace {
@@ -19,8 +18,14 @@ Matrix3 StepOf(const SetXFormPacket& packet) {
 }
 
 bool IsIdentity(const Matrix3& matrix) {
-    const Matrix3 identity;
-    return std::memcmp(matrix.m, identity.m, sizeof matrix.m) == 0;
+    static constexpr float kIdentity[4][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0, 0, 0}};
+    return std::memcmp(matrix.m, kIdentity, sizeof matrix.m) == 0;
+}
+
+// The bits in which a number differs from its sum with 0, and those of 0 times it but for the sign.
+std::uint32_t Touched(float number) {
+    const auto bits = [](float f) { return std::bit_cast<std::uint32_t>(f); };
+    return (bits(number) ^ bits(number + 0.0F)) | bits(number * 0) << 1;
 }
 
 // Whether the identity, on whichever side, leaves the matrix as it is to the last bit: each number
@@ -28,23 +33,15 @@ bool IsIdentity(const Matrix3& matrix) {
 bool IsLeftByIdentity(const Matrix3& matrix) {
     float numbers[3][4];
     std::memcpy(numbers, matrix.m, sizeof numbers);
-    float zeros[4] = {};
-    std::uint32_t turned[4] = {};
-    for (const auto& four : numbers) {
-        for (int i = 0; i < 4; ++i) {
-            zeros[i] += four[i] * 0;
-            turned[i] |= std::bit_cast<std::uint32_t>(four[i]) ^
-                         std::bit_cast<std::uint32_t>(four[i] + 0.0F);
-        }
-    }
-    return zeros[0] + zeros[1] + zeros[2] + zeros[3] == 0 &&
-           (turned[0] | turned[1] | turned[2] | turned[3]) == 0;
+    std::uint32_t touched = 0;
+    for (int i = 0; i < 4; ++i)
+        touched |= Touched(numbers[0][i]) | Touched(numbers[1][i]) | Touched(numbers[2][i]);
+    return touched == 0;
 }
 
-// value × world × inverse(parent). As a rule the value is the identity, and below the root the
-// parent is, too.
-Matrix3 Placed(const Matrix3& value, const Matrix3& world, const Matrix3& parent) {
-    if (!IsIdentity(value) || !IsLeftByIdentity(world)) return value * world * Inverse(parent);
+// The identity × world × inverse(parent). Below the root the parent is the identity, too.
+Matrix3 Placed(const Matrix3& world, const Matrix3& parent) {
+    if (!IsLeftByIdentity(world)) return Matrix3() * world * Inverse(parent);
     if (!IsIdentity(parent)) return world * Inverse(parent);
     Matrix3 placed = world;
     placed.ValidateFlags();
@@ -60,7 +57,7 @@ Matrix3 Applied(const SetXFormPacket& packet, const Matrix3& value) {
         case XFORM_SCALE:
             return value * parent * Inverse(axis) * StepOf(packet) * axis * Inverse(parent);
         case XFORM_SET:
-            return Placed(value, axis, parent);
+            return value * axis * Inverse(parent);
         default:
             return value;
     }
@@ -105,12 +102,10 @@ void TransformControl::GetValue(TimeValue t, void* value, Interval& valid, GetSe
 }
 
 void TransformControl::SetValue(TimeValue t, void* value, int, GetSetMethod method) {
-    HoldCurrentKey();
     const auto& packet = *static_cast<const SetXFormPacket*>(value);
-    Key& current = table.currentKey;
-    const Matrix3 before = method == CTRL_ABSOLUTE ? Matrix3() : current.value;
-    new (&current.value) Matrix3(Applied(packet, before));  // in its place, see EvaluateInParent
-    current.time = t;
-    if (Animating()) AddKey({0, t, current.value});
-    AnnounceChange(*this);
+    const bool isAbsolute = method == CTRL_ABSOLUTE;
+    if (isAbsolute && packet.command == XFORM_SET)
+        TakeValue(t, Placed(packet.tmAxis, packet.tmParent), t);
+    else
+        TakeValue(t, Applied(packet, isAbsolute ? Matrix3() : table.currentKey.value), t);
 }

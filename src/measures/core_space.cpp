@@ -10,13 +10,18 @@
 
 namespace {
 
-bool IsFinite(const TVL::CMatrix4& matrix) {
-    double zeros[4] = {};
-    for (const auto& row : matrix.rows) {
-        for (int column = 0; column < 4; ++column)
-            zeros[column] += row[column] * 0;
-    }
-    return zeros[0] + zeros[1] + zeros[2] + zeros[3] == 0;
+// False as well where only the sum of the numbers has no end. They are read one by one, as they may
+// just have been written: two at once would have to be in memory first.
+bool HasFiniteSum(const TVL::CMatrix4& matrix) {
+    double sum = 0;
+    for (const auto& row : matrix.rows)
+        sum += (row[0] + row[1]) + (row[2] + row[3]);
+    return sum * 0 == 0;
+}
+
+Point3 ToHostWorld(const double* core, double s) {
+    return {static_cast<float>(core[0] * s + 0.0), static_cast<float>(core[2] * -s + 0.0),
+            static_cast<float>(core[1] * s + 0.0)};
 }
 
 }  // namespace
@@ -34,24 +39,17 @@ TVL::CMatrix4 CoreToHostBase() {
 }
 
 Matrix3 ToHostWorld(const TVL::CMatrix4& world) {
-    if (!IsFinite(world)) return ToHost(world * CoreToHostBase());
+    if (!HasFiniteSum(world)) return ToHost(world * CoreToHostBase());
     const double s = HostUnitsPerMetre();
-    Matrix3 host;
-    for (int row = 0; row < 4; ++row) {
-        const double* const core = world[row];
-        host.SetRow(row, Point3(static_cast<float>(core[0] * s + 0.0),
-                                static_cast<float>(core[2] * -s + 0.0),
-                                static_cast<float>(core[1] * s + 0.0)));
-    }
-    host.ValidateFlags();
-    return host;
+    return {ToHostWorld(world[0], s), ToHostWorld(world[1], s), ToHostWorld(world[2], s),
+            ToHostWorld(world[3], s)};
 }
 
 TVL::CMatrix4 ToCoreWorld(const Matrix3& world) {
     const double s = HostUnitsPerMetre();
     const TVL::CMatrix4 wide = ToCore(world);
     const double determinant = s * (s * s);
-    if (!IsFinite(wide) || !std::isnormal(determinant)) return wide * Inverse(CoreToHostBase());
+    if (!HasFiniteSum(wide) || !std::isnormal(determinant)) return wide * Inverse(CoreToHostBase());
     const double back = s * s / determinant;  // 1 / s, as the inverse has it
     TVL::CMatrix4 core = TVL::CMatrix4::Identity();
     for (int row = 0; row < 4; ++row) {
