@@ -18,8 +18,8 @@ enum class NewFile { kMade, kNameTaken, kRefused };
 // system's word for it.
 PLATFORM_API NewFile MakeNewFile(const std::string& path, std::string& reason);
 
-// Lets the system begin to bring a closed file to the disk, so that ReplaceFile has less to wait
-// for. It promises nothing, and is nothing where the system has no such call.
+// Lets the system begin to bring to the disk what it has of a file by now, so that ReplaceFile has
+// less to wait for. It promises nothing, and is nothing where the system has no such call.
 PLATFORM_API void StartFlush(const std::string& path);
 
 // Flushes a finished file to the disk and gives it the place of another in the same folder, whole

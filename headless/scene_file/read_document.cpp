@@ -181,6 +181,7 @@ class DocumentReader {
 
     std::uint32_t ChecksumUpTo(std::uint64_t end) {
         Checksum checksum;
+        block_.resize(kSummedBytes);
         for (std::uint64_t at = position_; at < end; at += kSummedBytes) {
             TellDone("Checking", at, source_.Size());
             const auto bytes =
@@ -218,7 +219,7 @@ class DocumentReader {
 
     ByteSource& source_;
     const std::string& path_;
-    std::vector<std::byte> block_ = std::vector<std::byte>(kSummedBytes);
+    std::vector<std::byte> block_;
     std::uint64_t position_ = 0;
     std::uint16_t lastChunk_ = 0;
     SceneDocument document_;

@@ -95,9 +95,9 @@ std::span<const std::byte> FileSink::Summed(std::span<const std::byte> bytes) co
 }
 
 bool FileSink::Flush() {
-    const bool isDone = HandOver(block_);
+    if (!HandOver(block_)) return false;
     block_.clear();
-    return isDone;
+    return true;
 }
 
 // The checksum takes bytes in at the last moment, when nothing in the block is filled in any more
@@ -106,9 +106,9 @@ bool FileSink::HandOver(std::span<const std::byte> bytes) {
     if (!failure_.empty()) return false;
     checksum_.Append(Summed(bytes));
     Put(file_, bytes);
+    if (!file_.good()) return NoteFailure();
     const std::uint64_t stretch = flushed_ / kStretchBytes;
     flushed_ += bytes.size();
-    if (!file_.good()) return NoteFailure();
     if (flushed_ / kStretchBytes > stretch) platform::StartFlush(path_);
     return true;
 }

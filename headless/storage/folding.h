@@ -10,7 +10,7 @@ namespace headless {
 // Many bytes become few that leave the same CRC-32, by the processor's carry-less products, which
 // go through bytes several times as fast as any table. A message is a polynomial over two elements,
 // one bit a coefficient, and what counts is its remainder by the polynomial of the checksum: a
-// block may be moved behind a later one by a product with the remainder of a power of x. After
+// block is moved to the place of a later one by products with remainders of powers of x. After
 // Gopal et al., "Fast CRC Computation for Generic Polynomials Using PCLMULQDQ Instruction" (Intel,
 // 2009).
 
