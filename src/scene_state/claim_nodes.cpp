@@ -40,7 +40,8 @@ void FindGatheredNodes(const std::string& pluginName, const NodeEntries& entries
     const auto& gatherings = NodesWithTags().running;
     if (gatherings.empty()) return;
     for (std::size_t index = 0; index < entries.size(); ++index) {
-        INode* const host = gatherings.back()->Find(pluginName, EntryName(*entries[index]));
+        INode* const host =
+            gatherings.back()->Find(pluginName, std::string(EntryName(*entries[index])));
         if (host) claims[index] = std::make_unique<CMAXNode>(nullptr, host);
     }
 }

@@ -45,8 +45,8 @@ class RunningGathering {
 Handles AlreadyCollected() {
     Handles handles;
     for (const auto& list : NodesWithTags().running) {
-        for (const auto& node : list->Nodes()) {
-            if (INode* const host = node->hostNode.Get()) handles.insert(host->GetHandle());
+        for (const HostNodeLink& node : list->Nodes()) {
+            if (INode* const host = node.Get()) handles.insert(host->GetHandle());
         }
     }
     return handles;
@@ -60,32 +60,21 @@ StoredPlugins CollectNodeTags(TaggedNodeList& taggedNodes) {
         if (node.IsRootNode() || collected.contains(node.GetHandle())) return;
         const std::optional<std::string> text = TagTextOn(node);
         if (!text) return;
-        auto entry = std::make_unique<TaggedNode>();
-        entry->hostNode = HostNodeLink(&node);
-        entry->tag.Parse(*text);
-        for (const auto& child : entry->tag.children) {
-            if (child->name == kMasterElement) masters.push_back(std::make_unique<XMLNode>(*child));
+        XMLNode tag(*text);
+        if (tag.name.empty() && tag.children.empty()) return;
+        taggedNodes.Add(TagNames::Of(tag), node);
+        for (auto& child : tag.children) {
+            if (child->name == kMasterElement) masters.push_back(std::move(child));
         }
-        if (entry->tag.name.empty() && entry->tag.children.empty()) return;
-        taggedNodes.Add(std::move(entry));
     });
     return masters;
 }
 
-Handles ClaimedHandles() {
-    Handles handles;
-    ForEachListedNode([&](const CMAXNode& node) {
-        if (INode* const host = node.HostNode()) handles.insert(host->GetHandle());
-    });
-    return handles;
-}
-
 std::vector<INode*> UnclaimedNodes(const TaggedNodeList& taggedNodes) {
-    const Handles claimed = ClaimedHandles();
     std::vector<INode*> unclaimed;
-    for (const auto& node : taggedNodes.Nodes()) {
-        INode* const host = node->hostNode.Get();
-        if (host && !claimed.contains(host->GetHandle())) unclaimed.push_back(host);
+    for (const HostNodeLink& node : taggedNodes.Nodes()) {
+        INode* const host = node.Get();
+        if (host && !FindRealNode(host)) unclaimed.push_back(host);
     }
     return unclaimed;
 }
@@ -113,8 +102,8 @@ void ReportUnclaimed(const TaggedNodeList& taggedNodes) {
 }
 
 void ClearTags(const TaggedNodeList& taggedNodes, const Handles& kept) {
-    for (const auto& node : taggedNodes.Nodes()) {
-        INode* const host = node->hostNode.Get();
+    for (const HostNodeLink& node : taggedNodes.Nodes()) {
+        INode* const host = node.Get();
         if (host && !kept.contains(host->GetHandle())) ClearNodeTag(*host);
     }
 }

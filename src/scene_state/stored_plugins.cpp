@@ -23,8 +23,8 @@ const XMLNode& PluginOf(const XMLNode& master) {
     return master.Child(kPluginElement);
 }
 
-const std::string& MasterName(const XMLNode& master) {
-    return PluginOf(master).Child(kNameElement).Text();
+const std::string& NameOf(const XMLNode& plugin) {
+    return plugin.Child(kNameElement).Text();
 }
 
 bool IsPacked(const XMLNode& plugin) {
@@ -49,8 +49,9 @@ bool Unpack(XMLNode& master) {
 // The first of each name stays.
 void DropDuplicates(StoredPlugins& masters) {
     std::unordered_set<std::string_view> names;
-    std::erase_if(masters,
-                  [&](const auto& master) { return !names.insert(MasterName(*master)).second; });
+    std::erase_if(masters, [&](const auto& master) {
+        return !names.insert(NameOf(PluginOf(*master))).second;
+    });
 }
 
 // The number at the start of the text, within 32 bits; 0 if there is none.
@@ -98,11 +99,12 @@ std::vector<const StateBuilder*> InOrder(const std::vector<StateBuilder*>& child
 
 using StateBuilders = std::vector<std::unique_ptr<StateBuilder>>;
 
+// They take the plug-ins out of their elements.
 StateBuilders MakeBuilders(const StoredPlugins& masters) {
     StateBuilders builders;
     for (const auto& master : masters) {
         builders.push_back(std::make_unique<StateBuilder>());
-        builders.back()->element = PluginOf(*master);
+        builders.back()->element.Swap(master->Child(kPluginElement));
     }
     return builders;
 }
@@ -112,7 +114,7 @@ StateBuilders MakeBuilders(const StoredPlugins& masters) {
 void Link(const StateBuilders& builders, const StoredPlugins& masters) {
     std::unordered_map<std::string_view, std::size_t> byName;
     for (std::size_t index = 0; index < masters.size(); ++index)
-        byName.emplace(MasterName(*masters[index]), index);
+        byName.emplace(NameOf(builders[index]->element), index);
 
     Tops tops(masters.size());
     for (std::size_t index = masters.size(); index-- > 0;) {

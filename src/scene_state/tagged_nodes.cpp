@@ -1,33 +1,43 @@
 #include "scene_state/tagged_nodes.h"
 
 #include <utility>
-#include <vector>
 
 #include "nodes/node_list.h"
 #include "scene_state/state_format.h"
 
-void TaggedNodeList::Add(std::unique_ptr<TaggedNode> node) {
-    const std::string& pluginName = std::as_const(node->tag).Child(kNameElement).Text();
-    const std::string& objectName = std::as_const(node->tag).Child(kObjectNameElement).Text();
-    byPluginName_[pluginName][objectName].push_back(node.get());
-    nodes_.push_back(std::move(node));
+TagNames TagNames::Of(const XMLNode& tag) {
+    return {tag.Child(kNameElement).Text(), tag.Child(kObjectNameElement).Text()};
 }
 
-INode* TaggedNodeList::Find(std::string_view pluginName, std::string_view objectName) const {
+void NodesByNames::Add(TagNames names, const HostNodeLink& node) {
+    byPluginName_[std::move(names.plugin)][std::move(names.object)].push_back(node);
+}
+
+std::span<const HostNodeLink> NodesByNames::Find(const std::string& pluginName,
+                                                 const std::string& objectName) const {
     const auto plugin = byPluginName_.find(pluginName);
-    if (plugin == byPluginName_.end()) return nullptr;
+    if (plugin == byPluginName_.end()) return {};
     const auto object = plugin->second.find(objectName);
-    if (object == plugin->second.end()) return nullptr;
-    const std::vector<const TaggedNode*>& nodes = object->second;
+    if (object == plugin->second.end()) return {};
+    return object->second;
+}
+
+void TaggedNodeList::Add(TagNames names, INode& node) {
+    nodes_.emplace_back(&node);
+    byNames_.Add(std::move(names), nodes_.back());
+}
+
+INode* TaggedNodeList::Find(const std::string& pluginName, const std::string& objectName) const {
+    const std::span<const HostNodeLink> nodes = byNames_.Find(pluginName, objectName);
     for (auto node = nodes.rbegin(); node != nodes.rend(); ++node) {
-        if (INode* const host = (*node)->hostNode.Get()) return host;
+        if (INode* const host = node->Get()) return host;
     }
     return nullptr;
 }
 
 void TaggedNodeList::Abandon() {
     isAbandoned_ = true;
-    byPluginName_.clear();
+    byNames_.Clear();
     nodes_.clear();
 }
 
@@ -37,50 +47,39 @@ std::optional<std::string> TagTextOn(INode& node) {
     return text;
 }
 
-const TagsInScene::Names* TagsInScene::NamesOn(INode& node) {
+const TagNames* TagsInScene::NamesOn(INode& node) {
     std::optional<std::string> text = TagTextOn(node);
     if (!text) return nullptr;
     const auto [entry, isNew] = tags_.try_emplace(node.GetHandle());
     ReadTag& read = entry->second;
     if (isNew || read.text != *text) {
-        const XMLNode tag(*text);
-        read = {std::move(*text),
-                {tag.Child(kNameElement).Text(), tag.Child(kObjectNameElement).Text()}};
+        TagNames names = TagNames::Of(XMLNode(*text));
+        read = {std::move(*text), std::move(names)};
     }
     return &read.names;
 }
 
 void TagsInScene::Read() {
     isRead_ = false;
-    byPluginName_.clear();
+    byNames_.Clear();
     WalkScene([this](INode& node) {
-        const Names* const names = NamesOn(node);
-        if (names) byPluginName_[names->plugin][names->object].emplace_back(&node);
+        if (const TagNames* const names = NamesOn(node)) byNames_.Add(*names, HostNodeLink(&node));
     });
     arrivals_ = AdaptorNodes().arrivals;
     isRead_ = isInOrder_ = true;
 }
 
-const std::vector<HostNodeLink>* TagsInScene::Bearers(const std::string& pluginName,
-                                                      const std::string& objectName) const {
-    const auto plugin = byPluginName_.find(pluginName);
-    if (plugin == byPluginName_.end()) return nullptr;
-    const auto object = plugin->second.find(objectName);
-    return object == plugin->second.end() ? nullptr : &object->second;
-}
-
 // Nodes that are gone, or have another tag by now, are passed over.
 INode* TagsInScene::Find(const std::string& pluginName, const std::string& objectName) {
     if (!isRead_ || arrivals_ != AdaptorNodes().arrivals) Read();
-    const std::vector<HostNodeLink>* nodes = Bearers(pluginName, objectName);
-    if (nodes && nodes->size() > 1 && !isInOrder_) {
+    std::span<const HostNodeLink> nodes = byNames_.Find(pluginName, objectName);
+    if (nodes.size() > 1 && !isInOrder_) {
         Read();
-        nodes = Bearers(pluginName, objectName);
+        nodes = byNames_.Find(pluginName, objectName);
     }
-    if (!nodes) return nullptr;
-    for (const HostNodeLink& node : *nodes) {
+    for (const HostNodeLink& node : nodes) {
         INode* const host = node.Get();
-        const Names* const names = host ? NamesOn(*host) : nullptr;
+        const TagNames* const names = host ? NamesOn(*host) : nullptr;
         if (names && names->plugin == pluginName && names->object == objectName) return host;
     }
     return nullptr;

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
-#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -27,31 +27,45 @@ void WalkScene(Visit visit) {
     }
 }
 
-// A host node that bears a tag, and what the tag says.
-struct TaggedNode {
-    HostNodeLink hostNode;
-    XMLNode tag;
+// Whom a tag is for: what stays of it once it has been read, since the trees of a large scene are
+// more than the caches hold.
+struct TagNames {
+    std::string plugin;
+    std::string object;
+
+    static TagNames Of(const XMLNode& tag);
+};
+
+// Nodes by the names in their tags, those of one name in the order in which they came.
+class NodesByNames {
+  public:
+    void Add(TagNames names, const HostNodeLink& node);
+    std::span<const HostNodeLink> Find(const std::string& pluginName,
+                                       const std::string& objectName) const;
+    void Clear() { byPluginName_.clear(); }
+
+  private:
+    using ByObjectName = std::unordered_map<std::string, std::vector<HostNodeLink>>;
+    std::unordered_map<std::string, ByObjectName> byPluginName_;
 };
 
 // The tagged nodes of one gathering, in the order of the scene, found by the names in their tags.
 class TaggedNodeList {
   public:
-    void Add(std::unique_ptr<TaggedNode> node);
+    void Add(TagNames names, INode& node);
 
-    const std::vector<std::unique_ptr<TaggedNode>>& Nodes() const { return nodes_; }
+    const std::vector<HostNodeLink>& Nodes() const { return nodes_; }
 
     // Of the nodes with these names the last one that is still in the scene; null if there is none.
-    INode* Find(std::string_view pluginName, std::string_view objectName) const;
+    INode* Find(const std::string& pluginName, const std::string& objectName) const;
 
     // The Core left: the tags wait, untouched, for the next one.
     void Abandon();
     bool IsAbandoned() const { return isAbandoned_; }
 
   private:
-    using ByObjectName = std::unordered_map<std::string_view, std::vector<const TaggedNode*>>;
-
-    std::vector<std::unique_ptr<TaggedNode>> nodes_;
-    std::unordered_map<std::string_view, ByObjectName> byPluginName_;  // views into the tags
+    std::vector<HostNodeLink> nodes_;
+    NodesByNames byNames_;
     bool isAbandoned_ = false;
 };
 
@@ -79,25 +93,18 @@ class TagsInScene {
     bool IsAbandoned() const { return isAbandoned_; }
 
   private:
-    struct Names {
-        std::string plugin;
-        std::string object;
-    };
     struct ReadTag {
         std::string text;
-        Names names;
+        TagNames names;
     };
-    using ByObjectName = std::unordered_map<std::string, std::vector<HostNodeLink>>;
 
-    const Names* NamesOn(INode& node);
+    const TagNames* NamesOn(INode& node);
     void Read();
-    const std::vector<HostNodeLink>* Bearers(const std::string& pluginName,
-                                             const std::string& objectName) const;
 
     std::unordered_map<std::uint32_t, ReadTag>
-        tags_;  // by handle; parsed again if the text changed
-    std::unordered_map<std::string, ByObjectName> byPluginName_;  // in the order of the scene
-    std::uint64_t arrivals_ = 0;                                  // when it was read
+        tags_;                    // by handle; parsed again if the text changed
+    NodesByNames byNames_;        // in the order of the scene
+    std::uint64_t arrivals_ = 0;  // when it was read
     bool isRead_ = false;
     bool isInOrder_ = false;
     bool isAnswered_ = true;
