@@ -126,7 +126,10 @@ class SceneNode final : public INode, public std::enable_shared_from_this<SceneN
 
     void MoveTo(SceneNode& parent, TimeValue t, int keepTM);
 
+    // Near each other: whoever goes over a large scene asks for these.
     std::uint32_t handle_;
+    bool selected_ = false;
+    bool left_ = false;  // was in the scene, and is not now
     NodeLook look_;
     SceneNode* parent_ = nullptr;
     ChildList children_;
@@ -135,8 +138,6 @@ class SceneNode final : public INode, public std::enable_shared_from_this<SceneN
     Object* object_ = nullptr;
     ObjectState evaluated_;
     Material material_;
-    bool selected_ = false;
-    bool left_ = false;  // was in the scene, and is not now
 };
 
 }  // namespace headless

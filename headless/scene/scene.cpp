@@ -61,9 +61,10 @@ void Scene::Close() {
 }
 
 SceneNode* Scene::Find(std::uint32_t handle) const {
-    if (found_ && found_->Handle() == handle) return found_;
+    if (found_ && foundHandle_ == handle) return found_;
     const auto found = nodes_.find(handle);
     if (found == nodes_.end()) return nullptr;
+    foundHandle_ = handle;
     return found_ = found->second.get();
 }
 

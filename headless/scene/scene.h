@@ -67,7 +67,9 @@ class Scene {
     NodePtr root_;
     std::unordered_map<std::uint32_t, NodePtr> nodes_;
     std::unordered_set<const INode*> addresses_;  // of the same nodes
-    mutable SceneNode* found_ = nullptr;  // by Find, the last time; null once a node has left
+    // By Find, the last time; null once a node has left.
+    mutable SceneNode* found_ = nullptr;
+    mutable std::uint32_t foundHandle_ = 0;  // its own is as far as the node
     NameBook names_;
     std::uint32_t lastHandle_ = 0;  // goes on when the scene is emptied
 };
