@@ -1,33 +1,32 @@
 #include "nodes/node_list.h"
 
-#include <limits>
+#include <algorithm>
 
 #include "foundation/thrown.h"
 #include "nodes/max_node.h"
 
 namespace {
 
-// The entries of one key, in the order of their listings.
-template <class Map, class Key>
-auto EntriesOf(const Map& map, const Key& key) {
-    constexpr std::uint64_t kAny = 0;  // less than every number
-    struct Entries {
-        typename Map::const_iterator first, last;
-        auto begin() const { return first; }
-        auto end() const { return last; }
-    };
-    const auto last = std::numeric_limits<std::uint64_t>::max();
-    return Entries{map.lower_bound({key, kAny}), map.upper_bound({key, last})};
-}
+constexpr std::uint64_t kAny = 0;  // less than every number
 
 CMAXNode* FindAt(const INode* hostNode, bool mayBeGone) {
-    CMAXNode* first = nullptr;
     if (!hostNode) return nullptr;
-    for (const auto& [place, node] : EntriesOf(AdaptorNodes().byHost, hostNode)) {
-        if (node->HostNode()) return node;
-        if (!first) first = node;
+    const NodeList::ByHost& all = AdaptorNodes().byHost;
+    const auto first = all.lower_bound({hostNode, kAny});
+    const auto isOne = [&](auto at) { return at != all.end() && at->first.first == hostNode; };
+    for (auto at = first; isOne(at); ++at) {
+        if (at->second->HostNode()) return at->second;
     }
-    return mayBeGone ? first : nullptr;
+    return mayBeGone && isOne(first) ? first->second : nullptr;
+}
+
+// The owner's first entry by name, or that of the next owner.
+NodeList::ByName::const_iterator FirstOf(const TVL::CoreElement* owner) {
+    return AdaptorNodes().byName.lower_bound({{owner, {}}, kAny});
+}
+
+bool IsOf(const TVL::CoreElement* owner, NodeList::ByName::const_iterator at) {
+    return at != AdaptorNodes().byName.end() && at->first.first.first == owner;
 }
 
 template <class Map>
@@ -54,15 +53,13 @@ void ListNode(CMAXNode* node) {
     NodeListing& listing = node->Listing();
     if (!listing.inOrder) listing.inOrder = NewEntry<NodeList::InOrder>(node);
     if (!listing.byHost) listing.byHost = NewEntry<NodeList::ByHost>(node);
-    if (!listing.byOwner) listing.byOwner = NewEntry<NodeList::ByOwner>(node);
     if (!listing.byName) listing.byName = NewEntry<NodeList::ByName>(node);
 
     NodeList& list = AdaptorNodes();
-    const std::uint64_t number = listing.number = ++list.lastNumber;
+    const std::uint64_t number = listing.number = ++NodeList::lastNumber;
     listing.owner = node->Owner();
     Insert(list.nodes, listing.inOrder, number);
     Insert(list.byHost, listing.byHost, std::pair(node->HostLink().Pointer(), number));
-    Insert(list.byOwner, listing.byOwner, std::pair(listing.owner, number));
     Insert(list.byName, listing.byName,
            std::pair(std::pair(listing.owner, std::string_view(node->NodeName())), number));
 }
@@ -79,7 +76,6 @@ void UnlistNode(CMAXNode* node) {
     const std::uint64_t number = std::exchange(listing.number, 0);
     listing.inOrder = list.nodes.extract(number);
     listing.byHost = list.byHost.extract({node->HostLink().Pointer(), number});
-    listing.byOwner = list.byOwner.extract({listing.owner, number});
     listing.byName = list.byName.extract({{listing.owner, node->NodeName()}, number});
 }
 
@@ -92,19 +88,21 @@ CMAXNode* FindAnnouncedNode(const INode* hostNode) {
 }
 
 TVL::CNode* FindNode(const TVL::CoreElement* owner, std::string_view name) {
-    for (const auto& [place, node] : EntriesOf(AdaptorNodes().byName, std::pair(owner, name)))
-        return node;
-    return nullptr;
+    const auto first = AdaptorNodes().byName.lower_bound({{owner, name}, kAny});
+    return IsOf(owner, first) && first->first.first.second == name ? first->second : nullptr;
 }
 
 std::vector<TVL::CNode*> GetNodes(const TVL::CoreElement* owner) {
+    std::vector<std::pair<std::uint64_t, TVL::CNode*>> listed;
+    for (auto at = FirstOf(owner); IsOf(owner, at); ++at)
+        listed.emplace_back(at->first.second, at->second);
+    std::ranges::sort(listed);
     std::vector<TVL::CNode*> found;
-    for (const auto& [place, node] : EntriesOf(AdaptorNodes().byOwner, owner))
+    for (const auto& [number, node] : listed)
         found.push_back(node);
     return found;
 }
 
 bool OwnsNodes(const TVL::CoreElement* owner) {
-    const auto nodes = EntriesOf(AdaptorNodes().byOwner, owner);
-    return nodes.first != nodes.last;
+    return IsOf(owner, FirstOf(owner));
 }

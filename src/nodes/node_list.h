@@ -21,14 +21,12 @@ struct NodeList {
     using By = std::map<std::pair<Key, std::uint64_t>, CMAXNode*>;
     using InOrder = std::map<std::uint64_t, CMAXNode*>;
     using ByHost = By<const INode*>;  // compared, never followed
-    using ByOwner = By<const TVL::CoreElement*>;
     using ByName = By<std::pair<const TVL::CoreElement*, std::string_view>>;
 
     InOrder nodes;
     ByHost byHost;
-    ByOwner byOwner;
-    ByName byName;  // the nodes' own names
-    std::uint64_t lastNumber = 0;
+    ByName byName;  // the nodes' own names; those of an owner follow each other
+    static inline std::uint64_t lastNumber = 0;  // goes on in the next adaptor's list
 
     // What the scene node bears of a node that leaves the list is to go; null while it bears
     // nothing.
@@ -50,7 +48,6 @@ struct NodeListing {
 
     NodeList::InOrder::node_type inOrder;
     NodeList::ByHost::node_type byHost;
-    NodeList::ByOwner::node_type byOwner;
     NodeList::ByName::node_type byName;
 };
 
