@@ -32,11 +32,16 @@ bool CarriesTag(CMAXNode& node) {
     return node.Owner() && node.HostNode() && !node.IsSnapshot();
 }
 
-// False if there is no owner in the list that has not been asked yet.
+// Whether an owner can be left that has not been asked: its nodes had no host node when they were
+// met, and those who were asked meanwhile may have brought it back.
 bool AskNewOwners(OwnerStates& states) {
     bool isAnyNew = false;
+    bool isAnyAway = false;
     ForEachListedNode([&](CMAXNode& node) {
-        if (!CarriesTag(node)) return;
+        if (!CarriesTag(node)) {
+            isAnyAway = true;
+            return;
+        }
         TVL::CoreElement* const owner = node.Owner();
         const auto [entry, isNew] = states.try_emplace(owner);
         if (!isNew) return;
@@ -47,11 +52,11 @@ bool AskNewOwners(OwnerStates& states) {
             RecordOfState().isTagLost = true;
         entry->second.parts.Swap(parts);
     });
-    return isAnyNew;
+    return isAnyNew && isAnyAway;
 }
 
-// An owner may create, delete or merge nodes while it answers. What moves in the list then can slip
-// past one walk, so they go on until one meets nobody new.
+// An owner may create, delete or merge nodes while it answers. The walk meets what is listed
+// meanwhile, but not what it has passed.
 OwnerStates AskOwners() {
     OwnerStates states;
     while (AskNewOwners(states)) {

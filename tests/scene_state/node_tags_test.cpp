@@ -1,5 +1,6 @@
 #include <random>
 
+#include "host/hold.h"
 #include "scene_state/state_chunk.h"
 #include "tests/scene_state/state_test.h"
 #include "tests/support/allocations.h"
@@ -247,6 +248,9 @@ TEST_F(NodeTags, StayForACoreThatHadNoMemoryToClaimThem) {
 TEST_F(NodeTags, AreOnEachNodeWithItsNamesAndTheOwnersStateOnItsFirst) {
     const std::string odd = "a\nb<&>\"'/\xE5\x7F\xFF\x01 &#65; ";
     rig.parts = {Master("Rig"), Master("Hand", "Rig", "0")};
+    Plugin passedBy("Gate");
+    passedBy.parts = {Master("Gate")};
+    TVL::CoreNode* const back = Helper(passedBy, "Back");
     TVL::CoreNode* const gone = Helper(rig, "Gone");
     Helper(rig, "Hip");
     Plugin camera("<Camera>");
@@ -257,14 +261,19 @@ TEST_F(NodeTags, AreOnEachNodeWithItsNamesAndTheOwnersStateOnItsFirst) {
     const TaggedNode waiting("Waiting", Tag("Rig", "Hip", Master("Old")));
     SceneNode(waiting.first, waiting.second);
     GetCOREInterface()->DeleteNode(headless::FindNode("Rig_Gone"));
+    theHold.Begin();
+    GetCOREInterface()->DeleteNode(headless::FindNode("Gate_Back"));
+    theHold.Accept("delete");
     rig.onAsked = [&] {
+        world.Session().Undo();
         Helper(rig, "Late");
         gone->Destroy();
     };
     StoreSceneState();
     EXPECT_EQ(rig.timesAsked, 1);
     EXPECT_EQ(InScene(),
-              (TaggedNodes{{"Rig_Hip", "<TVL_tag><name>Rig</name><objectname>Hip</objectname>" +
+              (TaggedNodes{{"Gate_Back", Tag("Gate", "Back", Master("Gate"))},
+                           {"Rig_Hip", "<TVL_tag><name>Rig</name><objectname>Hip</objectname>" +
                                            rig.parts[0] + rig.parts[1] + "</TVL_tag>"},
                            {"<Camera>_Lens", Tag("<Camera>", "Lens", Master("Camera"))},
                            {"Rig_" + odd, Tag("Rig", odd)},
@@ -275,6 +284,7 @@ TEST_F(NodeTags, AreOnEachNodeWithItsNamesAndTheOwnersStateOnItsFirst) {
     ClearNodeTags();
     EXPECT_EQ(InScene(), TaggedNodes{waiting});
     lens->Delete(true);
+    back->Delete(true);
 }
 
 }  // namespace
