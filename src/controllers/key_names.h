@@ -55,7 +55,8 @@ class KeyNames {
   private:
     std::size_t Size() const { return names_.size(); }
 
-    PartedArray<KeyName> names_;  // none are kept for the keys behind the last one that has a name
+    // None are kept for the keys behind the last one that has a name.
+    PartedArray<std::vector<KeyName>> names_;
     KeyName newest_ = 1;
     KeyName void_ = 0;  // this one and all older ones
 };

@@ -219,7 +219,7 @@ class ControlCompleteKeyRestore final : public KeyRestore<C, K> {
         return true;
     }
 
-    std::vector<K> keys;
+    KeyArray<K> keys;
     K currentKey;
     std::vector<KeyName> names;   // of `keys`
     std::vector<KeyName> target;  // of the keys whose place they take

@@ -1,8 +1,6 @@
 #include <algorithm>
-#include <array>
 #include <new>
 #include <span>
-#include <vector>
 
 #include "chunks/whole_value.h"
 #include "controllers/key_table.h"
@@ -19,7 +17,7 @@ bool IsNext(ILoad& load, std::int32_t expected) {
 
 // Whether the times rise from the key ahead of position `first` on.
 template <class T>
-bool RiseFrom(const std::vector<TarvoKey<T>>& keys, std::size_t first) {
+bool RiseFrom(const KeyArray<TarvoKey<T>>& keys, std::size_t first) {
     const auto begin = keys.begin() + static_cast<std::ptrdiff_t>(first > 0 ? first - 1 : 0);
     return std::adjacent_find(begin, keys.end(), [](const auto& a, const auto& b) {
                return a.time >= b.time;
@@ -27,7 +25,7 @@ bool RiseFrom(const std::vector<TarvoKey<T>>& keys, std::size_t first) {
 }
 
 template <class T>
-void SortByTime(std::vector<TarvoKey<T>>& keys) {
+void SortByTime(KeyArray<TarvoKey<T>>& keys) {
     using Key = TarvoKey<T>;
     std::stable_sort(keys.begin(), keys.end(),
                      [](const Key& a, const Key& b) { return a.time < b.time; });
@@ -41,7 +39,7 @@ void SortByTime(std::vector<TarvoKey<T>>& keys) {
 // else when an eighth of so many keys are there; from then on nothing is moved any more, so that
 // one long table never stands in memory twice.
 template <class T>
-void MakeRoom(std::vector<TarvoKey<T>>& keys, std::size_t more, std::size_t announced) {
+void MakeRoom(KeyArray<TarvoKey<T>>& keys, std::size_t more, std::size_t announced) {
     constexpr std::size_t kAlwaysBelieved = (1 << 20) / sizeof(TarvoKey<T>);
     constexpr std::size_t kBelief = 8;
     const std::size_t needed = keys.size() + more;
@@ -59,21 +57,21 @@ struct KeysRead {
     bool rise = true;  // the times of all keys, if they did so before
 };
 
-// Appends records as they lie, a block at a time. Their times are looked at while they are near to
+// Appends records as they lie, a piece at a time. Their times are looked at while they are near to
 // the processor, since a long table is not.
 template <class T>
-KeysRead ReadKeys(ILoad& load, std::vector<TarvoKey<T>>& keys, std::size_t count) {
-    constexpr std::size_t kBlockBytes = 8 << 10;
-    std::array<TarvoKey<T>, kBlockBytes / sizeof(TarvoKey<T>)> block;
+KeysRead ReadKeys(ILoad& load, KeyArray<TarvoKey<T>>& keys, std::size_t count) {
+    constexpr std::size_t kPiece = (8 << 10) / sizeof(TarvoKey<T>);
     const std::size_t announced = keys.size() + count;
     KeysRead read;
     while (read.areAll && keys.size() < announced) {
         const std::size_t before = keys.size();
-        const auto wanted = std::span(block).first(std::min(block.size(), announced - before));
-        const auto there = wanted.first(ReadRun(load, wanted));
-        MakeRoom(keys, there.size(), announced);
-        keys.insert(keys.end(), there.begin(), there.end());
-        read.areAll = there.size() == wanted.size();
+        const std::size_t wanted = std::min(kPiece, announced - before);
+        MakeRoom(keys, wanted, announced);
+        keys.resize(before + wanted);
+        const std::size_t there = ReadRun(load, std::span(keys).subspan(before));
+        keys.resize(before + there);
+        read.areAll = there == wanted;
         read.rise = read.rise && RiseFrom(keys, before);
     }
     return read;

@@ -2,6 +2,7 @@
 
 #include <bit>
 #include <cstdint>
+#include <memory>
 #include <type_traits>
 #include <vector>
 
@@ -23,6 +24,15 @@ struct TarvoKey {
 static_assert(sizeof(TarvoKey<float>) == 12 && sizeof(TarvoKey<Matrix3>) == 60);
 static_assert(std::is_trivially_copyable_v<TarvoKey<Matrix3>>);
 static_assert(std::endian::native == std::endian::little);
+
+// Keys as one array. Those that come without a value are what memory has there, so that they are
+// read straight into their place.
+template <class Key>
+struct UnsetKeys : std::allocator<Key> {
+    void construct(Key*) const {}
+};
+template <class Key>
+using KeyArray = std::vector<Key, UnsetKeys<Key>>;
 
 // The two keys between which a time lies; they are one and the same where only one key counts.
 template <class T>
@@ -48,7 +58,7 @@ template <class T>
 struct KeyTable {
     using Key = TarvoKey<T>;
 
-    PartedArray<Key> keys;
+    PartedArray<KeyArray<Key>> keys;
     Key currentKey;
     std::int32_t lookupIndex = 0;  // where the nearest key was found last
     KeyNames names;

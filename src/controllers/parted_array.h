@@ -7,18 +7,19 @@
 #include <utility>
 #include <vector>
 
-// Elements in their order, in one plain array that grows at its end. From the first time that an
-// element comes or goes farther inside, until somebody wants the plain array again, they stand in
-// short parts instead: a change then moves the elements of one part alone, and many changes cost
-// time in proportion to their number, in whatever order they come. Reading by position works in
-// both forms and changes neither.
+// Elements in their order, in one plain array, a vector, that grows at its end. From the first time
+// that an element comes or goes farther inside, until somebody wants the plain array again, they
+// stand in short parts instead: a change then moves the elements of one part alone, and many
+// changes cost time in proportion to their number, in whatever order they come. Reading by position
+// works in both forms and changes neither.
 //
 // What is worked out from the elements and kept, where they are included, is good as long as
 // Edition() is the same: everything that changes or moves one makes it another, and so does Edit,
 // which hands out what can be changed. It is changed at once, before anybody looks at the array
 // again.
-template <class E>
+template <class Vector>
 class PartedArray {
+    using E = typename Vector::value_type;
     static_assert(std::is_trivially_copyable_v<E>);
 
   public:
@@ -134,12 +135,12 @@ class PartedArray {
     }
 
     // The elements as one array, which they are from here on until the next change inside.
-    std::vector<E>& EditWhole() {
+    Vector& EditWhole() {
         ++edition_;
         Join();
         return whole_;
     }
-    const std::vector<E>& Whole() const {
+    const Vector& Whole() const {
         Join();
         return whole_;
     }
@@ -161,9 +162,9 @@ class PartedArray {
         std::vector<E> elements;
     };
 
-    template <class Vector>
-    static auto Place(Vector& vector, std::size_t index) {
-        return vector.begin() + static_cast<std::ptrdiff_t>(index);
+    template <class Elements>
+    static auto Place(Elements& elements, std::size_t index) {
+        return elements.begin() + static_cast<std::ptrdiff_t>(index);
     }
 
     template <class Place, class Condition>
@@ -236,7 +237,7 @@ class PartedArray {
     }
 
     // All elements are in one of these. Which one, is no part of the value.
-    mutable std::vector<E> whole_;
+    mutable Vector whole_;
     mutable std::vector<Part> parts_;  // none is empty
 
     mutable std::uint64_t edition_ = 1;
