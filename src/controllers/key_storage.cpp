@@ -112,6 +112,7 @@ void LoadKeys(ILoad& load, KeyTable<T>& table) {
     if (!rise) SortByTime(table.keys.EditWhole());
     // Large scenes are opened only to be looked at and saved.
     table.keys.EditWhole().shrink_to_fit();
+    table.PrepareSearches();
 }
 
 template void SaveKeys(ISave&, const KeyTable<float>&);

@@ -13,21 +13,24 @@ const TarvoKey<T>& KeyTable<T>::FindNearestKey(TimeValue t) {
 }
 
 template <class T>
-KeyBracket<T> KeyTable<T>::Seek(TimeValue t) {
-    if (keys.empty()) return {&InvalidKey(), &InvalidKey(), lookupIndex};
+void KeyTable<T>::Seek(TimeValue t) {
+    if (keys.empty()) {
+        recent_ = {0, t, {&InvalidKey(), &InvalidKey(), lookupIndex}};
+        return;
+    }
     const bool isBeforeAll = t < keys.front().time;
     if (isBeforeAll || t >= keys.back().time) {
-        lookupIndex = isBeforeAll ? 0 : Count() - 1;
-        return {&At(lookupIndex), &At(lookupIndex), lookupIndex};
+        const std::int32_t end = isBeforeAll ? 0 : Count() - 1;
+        recent_ = {0, t, {&At(end), &At(end), end}};
+        return;
     }
     const Key* const plain = keys.Plain();
-    const std::int32_t index =
-        plain ? KeySearch<Key>({plain, keys.size()}, t).Find(recent_.Next(t), areEven_)
-              : FirstAfter(t) - 1;
+    const std::int32_t index = plain ? KeySearch<Key>({plain, keys.size()}, keys.Edition(), t)
+                                           .Find(recent_.Next(t), areEven_, marks_)
+                                     : FirstAfter(t) - 1;
     const Key& left = At(index);
     const Key& right = At(index + 1);
-    recent_ = {keys.Edition(), left.time, TicksFrom(left.time, right.time), {&left, &right, index}};
-    return InRecent(t);
+    recent_ = {keys.Edition(), left.time, {&left, &right, index, TicksFrom(left.time, right.time)}};
 }
 
 template <class T>
@@ -89,6 +92,7 @@ template <class T>
 void KeyTable<T>::InsertInside(std::int32_t index, const Key& key, KeyName name) {
     const auto at = static_cast<std::size_t>(index);
     keys.PrepareInsert(at);
+    PrepareSearches();
     names.Insert(index, name);
     keys.InsertPrepared(at, key);
 }

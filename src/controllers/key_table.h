@@ -39,15 +39,14 @@ template <class T>
 struct KeyBracket {
     const TarvoKey<T>* left;
     const TarvoKey<T>* right;
-    std::int32_t index;  // of the left key; where there is no key what lookupIndex is
+    std::int32_t index;       // of the left key; where there is no key what lookupIndex is
+    std::uint32_t ticks = 0;  // from the left key to the right one
+    std::uint32_t way = 0;    // of these to the time; 0 where only one key counts
 
-    bool IsOneKey() const { return left == right; }
+    bool IsOneKey() const { return way == 0; }
 
-    // How far `t` is from the left key's time to the right key's, in single precision throughout.
-    float Fraction(TimeValue t) const {
-        return static_cast<float>(TicksFrom(left->time, t)) /
-               static_cast<float>(TicksFrom(left->time, right->time));
-    }
+    // How far the time is from the left key to the right one, in single precision throughout.
+    float Fraction() const { return static_cast<float>(way) / static_cast<float>(ticks); }
 };
 
 // The keys of a controller, times strictly rising, with the cached key: the last value that was
@@ -72,11 +71,15 @@ struct KeyTable {
 
     // The keys around `t`. Outside the table, or on a key, that is one key; never null. The nearest
     // one's position is left in lookupIndex.
-    KeyBracket<T> FindBracket(TimeValue t) { return IsRecent(t) ? InRecent(t) : Seek(t); }
+    KeyBracket<T> FindBracket(TimeValue t) {
+        if (!IsRecent(t)) Seek(t);
+        return InRecent(t);
+    }
 
     // Whether `t` is in the bracket that was found last, so that it is inside the table.
     bool IsRecent(TimeValue t) const {
-        return TicksFrom(recent_.time, t) < recent_.ticks && recent_.edition == keys.Edition();
+        return TicksFrom(recent_.time, t) < recent_.around.ticks &&
+               recent_.edition == keys.Edition();
     }
 
     // The key at exactly `t`, else the invalid key.
@@ -114,36 +117,40 @@ struct KeyTable {
     void Remove(std::int32_t index);
     void Clear();
 
+    // Makes room for what searches keep of as many keys as there is room for.
+    void PrepareSearches() { marks_.MakeRoom(keys.Room()); }
+
   private:
     // The keys between which a time was found last. Good for the keys of that edition alone.
     struct Recent {
         std::uint64_t edition = 0;  // none
         TimeValue time = 0;         // of the left key
-        std::uint32_t ticks = 0;    // to the right key
         KeyBracket<T> around{nullptr, nullptr, 0};
 
         // Where `t` is if it comes next in playback, in either direction; else -1. Times alone tell
         // it: other keys may be far away in memory.
         std::int32_t Next(TimeValue t) const {
-            if (TicksFrom(time, t) < std::uint64_t{2} * ticks) return around.index + 1;
-            return TicksFrom(t, time) <= ticks ? around.index - 1 : -1;
+            if (TicksFrom(time, t) < std::uint64_t{2} * around.ticks) return around.index + 1;
+            return TicksFrom(t, time) <= around.ticks ? around.index - 1 : -1;
         }
     };
 
-    // The rest of FindBracket.
     KeyBracket<T> InRecent(TimeValue t) {
-        const std::uint32_t behind = TicksFrom(recent_.time, t);
-        const auto& [left, right, index] = recent_.around;
-        lookupIndex = index + static_cast<std::int32_t>(behind > recent_.ticks - behind);
-        return {left, behind == 0 ? left : right, index};
+        const auto& [left, right, index, ticks, _] = recent_.around;
+        const std::uint32_t way = TicksFrom(recent_.time, t);
+        lookupIndex = index + static_cast<std::int32_t>(way > ticks - way);
+        return {left, way == 0 ? left : right, index, ticks, way};
     }
-    KeyBracket<T> Seek(TimeValue t);
+
+    // Makes the keys around `t` the recent ones; outside the table for `t` alone.
+    void Seek(TimeValue t);
 
     // Insert where it is not the next of many that come at the end.
     void InsertInside(std::int32_t index, const Key& key, KeyName name);
 
     Recent recent_;
     bool areEven_ = true;  // see KeySearch
+    SearchMarks marks_;
 };
 
 // How a key table stands in a scene file: one chunk with id 1 of little-endian bytes, holding the

@@ -34,6 +34,7 @@ class PartedArray {
         return StartOf(parts_.size() - 1) + parts_.back().elements.size();
     }
     bool empty() const { return whole_.empty() && parts_.empty(); }
+    std::size_t Room() const { return whole_.capacity(); }  // of the plain array
 
     const E& operator[](std::size_t index) const {
         if (parts_.empty()) return whole_[index];

@@ -45,5 +45,5 @@ TarvoKey<float> ScalarControl::GetKeyAtTime(TimeValue t) {
     const KeyBracket<float> around = table.FindBracket(t);
     const float left = around.left->value;
     const float right = around.right->value;
-    return KeyAt(t, around.IsOneKey() ? left : around.Fraction(t) * (right - left) + left);
+    return KeyAt(t, around.IsOneKey() ? left : around.Fraction() * (right - left) + left);
 }

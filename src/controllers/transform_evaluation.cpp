@@ -13,7 +13,7 @@ TarvoKey<Matrix3> TransformControl::GetKeyAtTime(TimeValue t) {
     if (around.IsOneKey()) return {FlagsAlone(t, *around.left), t, around.left->value};
     const Pose left = PoseOf(around.left->value);
     const PosePath path(left, PoseOf(around.right->value));
-    return {0, t, path.At(around.Fraction(t))};
+    return {0, t, path.At(around.Fraction())};
 }
 
 void TransformControl::EvaluateInParent(TimeValue t, const Matrix3& parent) {
@@ -25,6 +25,6 @@ void TransformControl::EvaluateInParent(TimeValue t, const Matrix3& parent) {
         current.value = around.left->value;
     } else {
         // Made in its place: a copy of what has just been written waits until that is in memory.
-        new (&current.value) Matrix3(keptPath.At(around.Fraction(t), table, around, parent));
+        new (&current.value) Matrix3(keptPath.At(around.Fraction(), table, around, parent));
     }
 }

@@ -4,6 +4,7 @@
 
 #include "headless/memory_chunks.h"
 #include "tests/controllers/control_world.h"
+#include "tests/support/allocations.h"
 #include "tests/support/plain_arithmetic.h"
 
 namespace {
@@ -170,33 +171,43 @@ TEST_F(EvaluationLaw, AWorldMatrixThatIsSetHasTheBitsOfItsProducts) {
     }
 }
 
-// Keys that lie evenly, nearly so, in heaps, with a rest or at two rates; in one array and in
-// parts.
-TEST_F(EvaluationLaw, ABracketIsFoundHoweverTheKeysLie) {
+// Keys that lie evenly, nearly so, in heaps, with a rest or at two rates; so many that marks are
+// made of them, and anew when all times have changed; in one array, in parts, and joined again.
+TEST_F(EvaluationLaw, ABracketIsFoundHoweverTheKeysLieAndWithoutMemory) {
     auto& table = control_->table;
     for (unsigned way = 0; way < 6; ++way) {
         control_->DeleteKeys(TRACK_DOALL);
         std::vector<TimeValue> times;
         std::int64_t t = way == 5 ? INT_MIN : -1000;
-        for (int i = 0; i < 9000; ++i, t += way < 2    ? 7 + way * Any(9)
-                                            : way == 2 ? (i % 20 == 0 ? 8000 : 1 + Any(5))
-                                            : way == 3 ? (i == 3000 ? 1000000 : 5)
-                                                       : (i < 4500 ? 2 : 900000 / way)) {
+        for (int i = 0; i < (way == 2 ? 40000 : 9000);
+             ++i, t += way < 2    ? 7 + way * Any(9)
+                       : way == 2 ? (i % 20 == 0 ? 8000 : 1 + Any(5))
+                       : way == 3 ? (i == 3000 ? 1000000 : 5)
+                                  : (i < 4500 ? 2 : 900000 / way)) {
             if (t > INT_MAX) break;
             times.push_back(static_cast<TimeValue>(t));
             control_->AddKey({0, times.back(), Matrix3()});
         }
         for (int i = 0; i < 6000; ++i) {
+            if (i == 2000) {
+                for (Key& key : table.keys.EditWhole())
+                    key.time += 30;
+                times = TimesOf(table);
+            }
             if (i == 4000) {
                 control_->DeleteKeyByIndex(30);
                 times.erase(times.begin() + 30);
             }
-            const std::size_t left = i % 3 == 0 ? static_cast<std::size_t>(i) : Any(8000);
+            if (i == 4500) TimesOf(table);
+            const std::size_t left =
+                i % 3 == 0 ? static_cast<std::size_t>(i) : Any(static_cast<unsigned>(times.size()));
             if (left + 1 >= times.size()) continue;
             const auto gap =
                 static_cast<unsigned>(times[left + 1]) - static_cast<unsigned>(times[left]);
             const auto at = static_cast<TimeValue>(static_cast<unsigned>(times[left]) + Any(gap));
+            const std::size_t before = Allocations();
             const KeyBracket<Matrix3> around = table.FindBracket(at);
+            ASSERT_EQ(Allocations(), before);
             ASSERT_EQ(around.left->time, times[left]) << way << ' ' << i;
             ASSERT_EQ(around.right->time, times[at == times[left] ? left : left + 1]);
         }
