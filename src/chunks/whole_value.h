@@ -22,8 +22,8 @@ bool ReadWhole(ILoad& load, Value& value) {
 }
 
 // As many values as are whole there, all of them only if the host says so; those behind are
-// undefined. For a few thousand bytes, and not for none. A host that gives nothing where it cannot
-// give all is asked for one after the other.
+// undefined. For less than the host can count, and not for none. A host that gives nothing where it
+// cannot give all is asked for one after the other.
 template <class Value>
 std::size_t ReadRun(ILoad& load, std::span<Value> values) {
     static_assert(std::is_trivially_copyable_v<Value>);

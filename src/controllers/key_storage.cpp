@@ -35,16 +35,19 @@ void SortByTime(KeyArray<TarvoKey<T>>& keys) {
     keys.erase(keys.begin(), kept.base());
 }
 
-// Room for `more` keys. The announced number is believed at once for a table of a megabyte, and
-// else when an eighth of so many keys are there; from then on nothing is moved any more, so that
-// one long table never stands in memory twice.
+// A table of a megabyte is no long one.
+template <class T>
+constexpr std::size_t kLong = (1 << 20) / sizeof(TarvoKey<T>);
+
+// Room for `more` keys. The announced number is believed at once if it is not long, and else when
+// an eighth of so many keys are there; from then on nothing is moved any more, so that one long
+// table never stands in memory twice.
 template <class T>
 void MakeRoom(KeyArray<TarvoKey<T>>& keys, std::size_t more, std::size_t announced) {
-    constexpr std::size_t kAlwaysBelieved = (1 << 20) / sizeof(TarvoKey<T>);
     constexpr std::size_t kBelief = 8;
     const std::size_t needed = keys.size() + more;
     if (needed <= keys.capacity()) return;
-    const std::size_t believed = std::max(kAlwaysBelieved, keys.size() * kBelief);
+    const std::size_t believed = std::max(kLong<T>, keys.size() * kBelief);
     try {
         keys.reserve(std::max(needed, std::min(announced, believed)));
     } catch (const std::bad_alloc&) {
@@ -58,15 +61,16 @@ struct KeysRead {
 };
 
 // Appends records as they lie, a piece at a time. Their times are looked at while they are near to
-// the processor, since a long table is not.
+// the processor: in its nearest cache, and of a long table, whose pieces a host takes straight from
+// the file, in the next one.
 template <class T>
 KeysRead ReadKeys(ILoad& load, KeyArray<TarvoKey<T>>& keys, std::size_t count) {
-    constexpr std::size_t kPiece = (8 << 10) / sizeof(TarvoKey<T>);
+    const std::size_t piece = (count > kLong<T> ? 256 << 10 : 8 << 10) / sizeof(TarvoKey<T>);
     const std::size_t announced = keys.size() + count;
     KeysRead read;
     while (read.areAll && keys.size() < announced) {
         const std::size_t before = keys.size();
-        const std::size_t wanted = std::min(kPiece, announced - before);
+        const std::size_t wanted = std::min(piece, announced - before);
         MakeRoom(keys, wanted, announced);
         keys.resize(before + wanted);
         const std::size_t there = ReadRun(load, std::span(keys).subspan(before));
