@@ -35,8 +35,8 @@ class Composite_Dynamic {
     // this object nor one above it.
     void Attach(T& child) {
         child.Leave();
-        child.parent = static_cast<T*>(this);
         children.push_back(&child);
+        child.parent = static_cast<T*>(this);
         child.OnAttached();
     }
 

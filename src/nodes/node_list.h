@@ -16,7 +16,8 @@ class CMAXNode;
 // takes itself out. They are found by what they stand for, by owner, and by owner and name, so that
 // a Core can make, claim and delete the nodes of a large scene one by one.
 struct NodeList {
-    // Each by its key and the number of its listing, and so in the order of their listings.
+    // Each by its key and the number of its listing: those of one key in the order of their
+    // listings.
     template <class Key>
     using By = std::map<std::pair<Key, std::uint64_t>, CMAXNode*>;
     using InOrder = std::map<std::uint64_t, CMAXNode*>;
@@ -25,8 +26,10 @@ struct NodeList {
 
     InOrder nodes;
     ByHost byHost;
-    ByName byName;  // the nodes' own names; those of an owner follow each other
-    static inline std::uint64_t lastNumber = 0;  // goes on in the next adaptor's list
+    ByName byName;  // the nodes' own names; those of an owner follow each other, by name
+
+    // Goes on in the next adaptor's list, which a walk over this one may meet while it runs.
+    static inline std::uint64_t lastNumber = 0;
 
     // What the scene node bears of a node that leaves the list is to go; null while it bears
     // nothing.

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core_link/core_link.h"
+#include "foundation/thrown.h"
 #include "nodes/node_list.h"
 #include "nodes/node_names.h"
 #include "platform/win32.h"
@@ -52,7 +53,8 @@ Handles AlreadyCollected() {
     return handles;
 }
 
-// The root bears no tag.
+// The root bears no tag. What a tag holds of plug-ins is taken out of it, and the rest not looked
+// at any more.
 StoredPlugins CollectNodeTags(TaggedNodeList& taggedNodes) {
     const Handles collected = AlreadyCollected();
     StoredPlugins masters;
@@ -117,6 +119,6 @@ void GatherSceneState() {
     RunningGathering gathering;
     const XMLNode state = StateTree(CollectNodeTags(gathering.List()));
     const bool isTaken = HandToCore(state);
-    ReportUnclaimed(gathering.List());
+    TVL::TraceIfThrown("the report of unclaimed nodes", [&] { ReportUnclaimed(gathering.List()); });
     ClearTags(gathering.List(), isTaken ? Handles() : UnclaimedHandles(gathering.List()));
 }

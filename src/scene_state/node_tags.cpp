@@ -32,8 +32,9 @@ bool CarriesTag(CMAXNode& node) {
     return node.Owner() && node.HostNode() && !node.IsSnapshot();
 }
 
-// Whether an owner can be left that has not been asked: its nodes had no host node when they were
-// met, and those who were asked meanwhile may have brought it back.
+// Whether an owner can be left that has not been asked: its nodes could bear no tag when they were
+// met, as that of a host node that was away, and those who were asked meanwhile may have brought it
+// back.
 bool AskNewOwners(OwnerStates& states) {
     bool isAnyNew = false;
     bool isAnyAway = false;
@@ -138,11 +139,6 @@ void Store(Carrier carrier) {
     });
 }
 
-// One that fails keeps no other from being cleared.
-void TryToClear(INode& node) {
-    TVL::TraceIfThrown("the clearing of a tag", [&node] { ClearNodeTag(node); });
-}
-
 }  // namespace
 
 void StoreSceneState() {
@@ -159,21 +155,24 @@ void StoreStateForNextCore() {
 // Any other tag waits for a Core that takes it, whatever names it bears.
 void ClearNodeTags() {
     AdaptorNodes().clearHostNode = nullptr;
+    constexpr const char* kLooking = "the looking for copies";
     std::unordered_set<std::string> written;
     ForEachListedNode([&](const CMAXNode& node) {
         INode* const host = node.HostNode();
         if (!host) return;
-        TVL::TraceIfThrown("the looking for copies",
-                           [&] { written.insert(TagTextOn(*host).value_or("")); });
-        TryToClear(*host);
+        TVL::TraceIfThrown(kLooking, [&] { written.insert(TagTextOn(*host).value_or("")); });
+        ClearNodeTag(*host);
     });
     written.erase("");
     if (written.empty()) return;
-    WalkScene([&](INode& node) {
-        if (written.contains(TagTextOn(node).value_or(""))) TryToClear(node);
+    const auto clearIfCopy = [&](INode& node) {
+        if (written.contains(TagTextOn(node).value_or(""))) ClearNodeTag(node);
+    };
+    TVL::TraceIfThrown(kLooking, [&] {
+        WalkScene([&](INode& node) { TVL::TraceIfThrown(kLooking, [&] { clearIfCopy(node); }); });
     });
 }
 
 void ClearNodeTag(INode& hostNode) {
-    SetNodeTag(hostNode, "");
+    TVL::TraceIfThrown("the clearing of a tag", [&hostNode] { SetNodeTag(hostNode, ""); });
 }

@@ -25,6 +25,7 @@ void StoreStateForNextCore();
 // none.
 void ClearNodeTags();
 
+// One that fails keeps no other from being cleared.
 void ClearNodeTag(INode& hostNode);
 
 // After a scene has been opened or merged, or a Core attached: takes the tags off the host nodes,

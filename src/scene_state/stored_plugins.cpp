@@ -100,11 +100,12 @@ std::vector<const StateBuilder*> InOrder(const std::vector<StateBuilder*>& child
 using StateBuilders = std::vector<std::unique_ptr<StateBuilder>>;
 
 // They take the plug-ins out of their elements.
-StateBuilders MakeBuilders(const StoredPlugins& masters) {
+StateBuilders MakeBuilders(StoredPlugins& masters) {
     StateBuilders builders;
-    for (const auto& master : masters) {
+    for (auto& master : masters) {
         builders.push_back(std::make_unique<StateBuilder>());
-        builders.back()->element.Swap(master->Child(kPluginElement));
+        XMLNode& plugin = master->Child(kPluginElement);
+        if (plugin.name == kPluginElement) builders.back()->element.Swap(plugin);
     }
     return builders;
 }

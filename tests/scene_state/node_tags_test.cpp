@@ -245,6 +245,60 @@ TEST_F(NodeTags, StayForACoreThatHadNoMemoryToClaimThem) {
     EXPECT_EQ(found, Texts{"Hip"});
 }
 
+// Each allocation of a gathering fails in turn, and each of a clearing: what one failure leaves on
+// a node is left on no other, and the next gathering finds all that the Core was not given.
+TEST_F(NodeTags, GoThoughOneOfThemStaysForWantOfMemory) {
+    bool hasFailed = true;
+    for (std::size_t nth = 1; hasFailed; ++nth) {
+        SceneNode("Hip", Tag("Rig", "Hip", Master("Rig") + Master("Hand", "Rig", "0")));
+        SceneNode("Knee", Tag("Rig", "Knee"));
+        SceneNode("Arm", Tag("Other", "Arm", Master("Other")));
+        const TaggedNodes before = InScene();
+        std::string given;
+        world.Core().onCall = [&](const std::string& call) {
+            if (!call.starts_with("set state ")) return;
+            given += call;
+            Claim(rig, "Rig", {"Hip", "Knee"});
+            Claim(other, "Other", {"Arm"});
+        };
+        const auto gather = [] { TVL::TraceIfThrown("a gathering", [] { GatherSceneState(); }); };
+        const auto claimed = [&] {
+            return adaptor.GetNodes(&rig).size() + adaptor.GetNodes(&other).size();
+        };
+        {
+            const FailingAllocation fault(nth);
+            gather();
+            hasFailed = fault.HasFailed();
+        }
+        const bool isGiven = !given.empty();
+        EXPECT_TRUE(isGiven ? InScene().size() <= 4 - claimed() : InScene() == before) << nth;
+        gather();
+        EXPECT_NE(given.find("Hand"), std::string::npos) << nth;
+        EXPECT_EQ(claimed(), 3U) << nth;
+        EXPECT_TRUE(InScene().empty()) << nth;
+        world.Core().onCall = nullptr;
+        Released(adaptor.GetNodes(&rig));
+        Released(adaptor.GetNodes(&other));
+        world.Session().NewScene();
+    }
+    rig.parts = {Master("Rig")};
+    hasFailed = true;
+    for (std::size_t nth = 1; hasFailed; ++nth) {
+        TVL::CoreNode* const hip = Helper(rig, "Hip");
+        StoreSceneState();
+        const std::string tag = TagOf(headless::FindNode("Rig_Hip"));
+        SceneNode("Copy", tag);
+        {
+            const FailingAllocation fault(nth);
+            ClearNodeTags();
+            hasFailed = fault.HasFailed();
+        }
+        EXPECT_LE(InScene().size(), 1U) << nth;
+        hip->Delete(true);
+        world.Session().NewScene();
+    }
+}
+
 TEST_F(NodeTags, AreOnEachNodeWithItsNamesAndTheOwnersStateOnItsFirst) {
     const std::string odd = "a\nb<&>\"'/\xE5\x7F\xFF\x01 &#65; ";
     rig.parts = {Master("Rig"), Master("Hand", "Rig", "0")};
