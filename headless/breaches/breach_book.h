@@ -26,8 +26,8 @@ class HostEvent {
     HostEvent* outer_;
 };
 
-// Whether a session is there to be asked. Nothing is booked before the first one, since modules
-// may be loaded before it.
+// Whether the session has ended, so that nobody is there to be asked. Nothing is booked before the
+// first one, since modules may be loaded before it.
 inline constinit bool hostIsDown = false;
 
 // To be called where a guest comes in.

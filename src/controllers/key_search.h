@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <new>
 #include <span>
 #include <utility>
 #include <vector>
@@ -40,7 +41,12 @@ const Place* LastBehind(const Place* first, std::size_t count, Condition isBehin
 class SearchMarks {
   public:
     void MakeRoom(std::size_t keys) {
-        if (keys >= kLong) times_.reserve(MarksOf(keys));
+        if (keys < kLong) return;
+        try {
+            times_.reserve(MarksOf(keys));
+        } catch (const std::bad_alloc&) {
+            // Searches go without.
+        }
     }
 
     bool AreOf(std::uint64_t edition) const { return edition_ == edition && !times_.empty(); }

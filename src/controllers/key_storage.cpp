@@ -35,11 +35,11 @@ void SortByTime(KeyArray<TarvoKey<T>>& keys) {
     keys.erase(keys.begin(), kept.base());
 }
 
-// A table of a megabyte is no long one.
+// A table of a megabyte is no large one.
 template <class T>
-constexpr std::size_t kLong = (1 << 20) / sizeof(TarvoKey<T>);
+constexpr std::size_t kLarge = (1 << 20) / sizeof(TarvoKey<T>);
 
-// Room for `more` keys. The announced number is believed at once if it is not long, and else when
+// Room for `more` keys. The announced number is believed at once if it is not large, and else when
 // an eighth of so many keys are there; from then on nothing is moved any more, so that one long
 // table never stands in memory twice.
 template <class T>
@@ -47,7 +47,7 @@ void MakeRoom(KeyArray<TarvoKey<T>>& keys, std::size_t more, std::size_t announc
     constexpr std::size_t kBelief = 8;
     const std::size_t needed = keys.size() + more;
     if (needed <= keys.capacity()) return;
-    const std::size_t believed = std::max(kLong<T>, keys.size() * kBelief);
+    const std::size_t believed = std::max(kLarge<T>, keys.size() * kBelief);
     try {
         keys.reserve(std::max(needed, std::min(announced, believed)));
     } catch (const std::bad_alloc&) {
@@ -60,22 +60,34 @@ struct KeysRead {
     bool rise = true;  // the times of all keys, if they did so before
 };
 
+// How many records were there, of as many as are wanted. What was not read goes again, also where
+// the host throws.
+template <class Keys>
+std::size_t AppendPiece(ILoad& load, Keys& keys, std::size_t wanted) {
+    struct Unread {
+        Keys& keys;
+        std::size_t first = keys.size();
+        ~Unread() { keys.resize(first); }
+    } unread{keys};
+    keys.resize(unread.first + wanted);
+    const std::size_t there = ReadRun(load, std::span(keys).subspan(unread.first));
+    unread.first += there;
+    return there;
+}
+
 // Appends records as they lie, a piece at a time. Their times are looked at while they are near to
-// the processor: in its nearest cache, and of a long table, whose pieces a host takes straight from
-// the file, in the next one.
+// the processor: in its nearest cache, and of a large table, whose pieces a host takes straight
+// from the file, in the next one.
 template <class T>
 KeysRead ReadKeys(ILoad& load, KeyArray<TarvoKey<T>>& keys, std::size_t count) {
-    const std::size_t piece = (count > kLong<T> ? 256 << 10 : 8 << 10) / sizeof(TarvoKey<T>);
+    const std::size_t piece = (count > kLarge<T> ? 256 << 10 : 8 << 10) / sizeof(TarvoKey<T>);
     const std::size_t announced = keys.size() + count;
     KeysRead read;
     while (read.areAll && keys.size() < announced) {
         const std::size_t before = keys.size();
         const std::size_t wanted = std::min(piece, announced - before);
         MakeRoom(keys, wanted, announced);
-        keys.resize(before + wanted);
-        const std::size_t there = ReadRun(load, std::span(keys).subspan(before));
-        keys.resize(before + there);
-        read.areAll = there == wanted;
+        read.areAll = AppendPiece(load, keys, wanted) == wanted;
         read.rise = read.rise && RiseFrom(keys, before);
     }
     return read;

@@ -121,10 +121,11 @@ struct KeyTable {
     void PrepareSearches() { marks_.MakeRoom(keys.Room()); }
 
   private:
-    // The keys between which a time was found last. Good for the keys of that edition alone.
+    // The keys between which a time was found last. Good for the keys of that edition alone. Where
+    // one key counts, it and the time are good for one use, and of no edition.
     struct Recent {
         std::uint64_t edition = 0;  // none
-        TimeValue time = 0;         // of the left key
+        TimeValue time = 0;         // of the left key; where one key counts, that which was sought
         KeyBracket<T> around{nullptr, nullptr, 0};
 
         // Where `t` is if it comes next in playback, in either direction; else -1. Times alone tell
@@ -160,9 +161,9 @@ template <class T>
 void SaveKeys(ISave& save, const KeyTable<T>& table);
 
 // Adds the chunk's keys to the table. A chunk of another id, version or record size is skipped. The
-// announced number is believed only as far as records are there: reading stops at the first that is
-// not whole, and keeps those before it. Keys out of order are sorted; of equal times the last
-// stands.
+// announced number is believed for a megabyte, and beyond it only as far as records are there:
+// reading stops at the first that is not whole, and keeps those before it. Keys out of order are
+// sorted; of equal times the last stands.
 template <class T>
 void LoadKeys(ILoad& load, KeyTable<T>& table);
 

@@ -39,7 +39,7 @@ TVL::CMatrix4 CoreToHostBase() {
 }
 
 Matrix3 ToHostWorld(const TVL::CMatrix4& world) {
-    if (!HasFiniteSum(world)) return ToHost(world * CoreToHostBase());
+    if (!HasFiniteSum(world)) return ToHost(Affine(world) * CoreToHostBase());
     const double s = HostUnitsPerMetre();
     return {ToHostWorld(world[0], s), ToHostWorld(world[1], s), ToHostWorld(world[2], s),
             ToHostWorld(world[3], s)};

@@ -14,6 +14,13 @@ double HostUnitsPerMetre();
 // −Y, and the factor s. It is the base of every node below the root of the scene.
 TVL::CMatrix4 CoreToHostBase();
 
+// A matrix of the Core's as it is taken: the last column is 0, 0, 0, 1 whatever stands in it.
+inline TVL::CMatrix4 Affine(TVL::CMatrix4 matrix) {
+    for (int row = 0; row < 4; ++row)
+        matrix[row][3] = row < 3 ? 0 : 1;
+    return matrix;
+}
+
 // A world transform of the Core's × CoreToHostBase(), narrowed; the way back is × its inverse. Each
 // has the bits that the product has.
 Matrix3 ToHostWorld(const TVL::CMatrix4& world);

@@ -56,7 +56,7 @@ void CMAXNode::CMAXSnapshot::SetLocalTransform(const TVL::CMatrix4& transform) {
         INode* const host = hostNode.Get();
         INode* const parent = host ? ParentBelowRoot(*host) : nullptr;
         if (!parent) return PutWorld(transform);
-        SetHostTransform(*host, ToHost(transform * HostTransform(*parent)));
+        SetHostTransform(*host, ToHost(Affine(transform) * HostTransform(*parent)));
     });
 }
 

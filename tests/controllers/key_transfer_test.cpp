@@ -1,6 +1,7 @@
 // How a whole table comes and goes: with a scene file, from another controller, to a clone.
 
 #include "core_link/core_link.h"
+#include "foundation/thrown.h"
 #include "headless/copies.h"
 #include "headless/memory_chunks.h"
 #include "platform/testing.h"
@@ -82,10 +83,13 @@ TEST_F(KeyTransfer, AStrangeChunkIsLeftAloneAndRecordsAreBelievedAsFarAsTheyAreT
     }
 }
 
-// A host that fails to read gives nothing of what it could not give whole, or all that there was.
+// A host that fails to read gives nothing of what it could not give whole, or all that there was,
+// or throws.
+enum class Failure { kGivesNothing, kGivesRest, kThrows };
+
 struct CutChunk final : ILoad {
     std::span<const std::uint32_t> words;
-    bool givesRest = false;
+    Failure failure = Failure::kGivesNothing;
 
     IOResult OpenChunk() override { return IO_OK; }
     std::uint16_t CurChunkID() override { return 1; }
@@ -93,7 +97,8 @@ struct CutChunk final : ILoad {
     IOResult ReadCStringChunk(char**) override { return IO_ERROR; }
     IOResult Read(void* bytes, std::uint32_t count, std::uint32_t* read) override {
         const bool isWhole = count <= words.size_bytes();
-        if (!isWhole && !givesRest) return IO_ERROR;
+        if (!isWhole && failure == Failure::kThrows) throw std::bad_alloc();
+        if (!isWhole && failure == Failure::kGivesNothing) return IO_ERROR;
         *read = isWhole ? count : static_cast<std::uint32_t>(words.size_bytes());
         std::memcpy(bytes, words.data(), *read);
         words = words.subspan(*read / 4);
@@ -107,13 +112,16 @@ TEST_F(KeyTransfer, EveryWholeRecordOfACutChunkIsKeptHoweverTheHostFails) {
     for (std::uint32_t time = 0; time < kThere; ++time)
         words.insert(words.end(), {0, time, 0});
     words.push_back(0);
-    for (const bool givesRest : {false, true}) {
+    for (const auto failure : {Failure::kGivesNothing, Failure::kGivesRest, Failure::kThrows}) {
         CutChunk chunk;
         chunk.words = words;
-        chunk.givesRest = givesRest;
+        chunk.failure = failure;
         Alone<OpenScalar> read;
-        LoadKeys(chunk, read->table);
-        EXPECT_EQ(read->NumKeys(), kThere) << givesRest;
+        const bool hasThrown = TVL::ThrownBy([&] { LoadKeys(chunk, read->table); }).has_value();
+        EXPECT_EQ(hasThrown, failure == Failure::kThrows);
+        EXPECT_TRUE(hasThrown ? read->NumKeys() < kThere : read->NumKeys() == kThere);
+        for (int index = 0; index < read->NumKeys(); ++index)
+            EXPECT_EQ(read->GetKeyTime(index), index);
     }
 }
 

@@ -40,8 +40,11 @@ TEST(MatrixLaw, TheWayBetweenTheSpacesHasTheBitsOfTheProducts) {
                     << type << ' ' << scale << ' ' << i;
                 for (double& cell : core.rows[random() % 4])
                     cell *= random() % 4 == 0 ? 1e30 : -1;
+                TVL::CMatrix4 taken = core;
+                for (int row = 0; row < 4; ++row)
+                    taken[row][3] = row == 3;
                 core[random() % 4][3] = static_cast<double>(AnyMatrix(random).m[2][1]);
-                ASSERT_TRUE(SameBits(ToHostWorld(core), ToHost(PlainProduct(core, base))))
+                ASSERT_TRUE(SameBits(ToHostWorld(core), ToHost(PlainProduct(taken, base))))
                     << type << ' ' << scale << ' ' << i;
             }
         }

@@ -1,3 +1,5 @@
+#include <limits>
+
 #include "host/animate.h"
 #include "measures/core_space.h"
 #include "tests/nodes/node_test.h"
@@ -32,8 +34,13 @@ TEST_F(TransformSnapshot, HasTheUnitsAndAxesOfTheCoreAndBelowAParentThoseOfTheHo
     EXPECT_EQ(snapshot->GetWorldTransform(), pose);
     EXPECT_EQ(snapshot->GetLocalTransform(), pose);
     pose[3][1] = 2;
-    pose[0][3] = pose[3][3] = 99;  // the last column is not read
-    snapshot->SetWorldTransform(pose);
+    // The last column is not read.
+    const auto withOddColumn = [](TVL::CMatrix4 matrix) {
+        matrix[0][3] = std::numeric_limits<double>::quiet_NaN();
+        matrix[3][3] = 99;
+        return matrix;
+    };
+    snapshot->SetWorldTransform(withOddColumn(pose));
     EXPECT_FLOAT_EQ(Host("Rig_Hip")->GetNodeTM(0).GetRow(0).x, 1);
     EXPECT_FLOAT_EQ(PlaceOf("Rig_Hip").z, 78.74F);
     EXPECT_EQ(snapshot->GetWorldTransform()[3][3], 1);
@@ -42,7 +49,7 @@ TEST_F(TransformSnapshot, HasTheUnitsAndAxesOfTheCoreAndBelowAParentThoseOfTheHo
     const TVL::CMatrix4 offset = ToCore(MovedBy(Point3(0, 0, -4)));
     for (const float x : {10.0F, 20.0F}) {
         Host("Rig_Hip")->SetNodeTM(0, MovedBy(x));
-        below->SetLocalTransform(offset);
+        below->SetLocalTransform(withOddColumn(offset));
         EXPECT_EQ(PlaceOf("Rig_Knee"), Point3(x, 0, -4));
         EXPECT_EQ(below->GetLocalTransform(), offset);
         EXPECT_DOUBLE_EQ(below->GetWorldTransform()[3][1], -4 / s);
