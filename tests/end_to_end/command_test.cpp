@@ -7,7 +7,7 @@
 namespace {
 
 TEST_F(Command, RecordsIntoASceneWithItsGroundAndItsPath) {
-    EXPECT_EQ(Do("--version"), "lumiset-headless 1.3.0, interface 8108\n");
+    EXPECT_EQ(Do("--version"), "lumiset-headless 1.3.1, interface 8108\n");
     Do("draw --path \"0,0,0 0,100,0 0,100,50\" --at 10,20,30 --name Path -o path");
     Write("walk.bvh", Walk(5));
     // Once more onto the nodes that are there: path, ground, camera, two joints, guide.
